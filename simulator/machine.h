@@ -155,9 +155,9 @@ struct EndpointVolume
 struct Endpoint : Device
 {
     EDataFlow flow = eRender;
-    bool installed = true;              ///< false: the system does not know it before an event adds it
+    bool installed = true;                ///< false: no collection lists it before an event adds it
     std::optional<EndpointVolume> volume; ///< none: Activate(IAudioEndpointVolume) fails
-    std::vector<ERole> defaultFor;      ///< roles in which it is the default of its flow
+    std::vector<ERole> defaultFor;        ///< roles in which it is the default of its flow
 };
 
 /// A device on the adapter side: it has a topology, but it is no endpoint and no collection lists it.
@@ -172,9 +172,9 @@ struct Adapter : Device
 struct Join
 {
     std::string from;
-    std::string to;          ///< empty: the far connector cannot be had, only its device's id
-    Text toDevice;           ///< the far device's id as `from` reports it; no value: that of the owner of `to`
-    bool bothWays = true;    ///< false: `to` knows nothing of it
+    std::string to;       ///< empty: the far connector cannot be had, only its device's id
+    Text toDevice;        ///< the far device's id as `from` reports it; no value: that of the owner of `to`
+    bool bothWays = true; ///< false: `to` knows nothing of it
 };
 
 /// A device instance and its parent, as the configuration manager knows them. No parent: asking for it fails.
@@ -197,8 +197,8 @@ struct ScriptEvent
 {
     enum class Kind
     {
-        added,           ///< the endpoint is installed; listeners hear OnDeviceAdded
-        removed,         ///< the endpoint is uninstalled; OnDeviceRemoved
+        added,           ///< the endpoint enters the collections; listeners hear OnDeviceAdded
+        removed,         ///< the endpoint leaves the collections, but can still be opened by id; OnDeviceRemoved
         plugged,         ///< the endpoint becomes active; OnDeviceStateChanged
         unplugged,       ///< the endpoint becomes unplugged; OnDeviceStateChanged
         stateChanged,    ///< the endpoint takes `state`; OnDeviceStateChanged
@@ -230,7 +230,7 @@ struct FaultRule
     };
 
     std::string operation;    ///< "IMMDevice::Activate", or a function's name such as "CoCreateInstance"
-    std::string object = "*"; ///< a device id or a part's global id; "*": any object
+    std::string object = "*"; ///< a device id (its store, topology and volume too) or a part's global id; "*": any
     std::string argument;     ///< the first argument as the journal writes it; empty: any
     std::uint32_t call = 0;   ///< the n-th matching call, counted from 1; 0: every call
     Outcome outcome = Outcome::result;
@@ -251,7 +251,10 @@ struct PartPlace
     const Part* part = nullptr;
     const Connector* connector = nullptr; ///< the same part where it is a connector, otherwise null
 
-    explicit operator bool() const { return part != nullptr; }
+    explicit operator bool() const
+    {
+        return part != nullptr;
+    }
 };
 
 /// The far side of a connector as the connector reports it.
@@ -283,7 +286,8 @@ struct Machine
     Adapter* adapter(const std::string& id);
 
     /// What the platform finds by @p id: the exactly spelled device before one that differs in the case of A to Z.
-    /// A device that cannot be opened and an endpoint that is not installed are not found.
+    /// A device that cannot be opened is not found. An endpoint that is not installed is: whoever hears of a removal
+    /// can still ask the device what it was.
     const Device* openDevice(const std::string& id) const;
 
     /// The part with that global id, exactly spelled.
@@ -300,10 +304,36 @@ struct Machine
     const DeviceInstance* deviceInstance(const std::string& id) const;
 };
 
+bool sameKey(const PROPERTYKEY& left, const PROPERTYKEY& right);
+
 /// Whether two texts are equal when A to Z and a to z count as the same.
 bool equalNoCase(const std::string& left, const std::string& right);
 
+// Equal means all data, levels to the last bit.
 bool operator==(const PropertyValue& left, const PropertyValue& right);
+bool operator==(const Property& left, const Property& right);
+bool operator==(const ChannelLevel& left, const ChannelLevel& right);
+bool operator==(const VolumeControl& left, const VolumeControl& right);
+bool operator==(const MuteControl& left, const MuteControl& right);
+bool operator==(const SelectorControl& left, const SelectorControl& right);
+bool operator==(const Part& left, const Part& right);
+bool operator==(const Connector& left, const Connector& right);
+bool operator==(const Subunit& left, const Subunit& right);
+bool operator==(const SignalPath& left, const SignalPath& right);
+bool operator==(const Topology& left, const Topology& right);
+bool operator==(const Device& left, const Device& right);
+bool operator==(const EndpointVolume& left, const EndpointVolume& right);
+bool operator==(const Endpoint& left, const Endpoint& right);
+bool operator==(const Adapter& left, const Adapter& right);
+bool operator==(const Join& left, const Join& right);
+bool operator==(const DeviceInstance& left, const DeviceInstance& right);
+bool operator==(const WaveDevice& left, const WaveDevice& right);
+bool operator==(const ScriptEvent& left, const ScriptEvent& right);
+bool operator==(const FaultRule& left, const FaultRule& right);
+bool operator==(const LatencyRule& left, const LatencyRule& right);
 bool operator==(const Machine& left, const Machine& right);
-inline bool operator!=(const Machine& left, const Machine& right) { return !(left == right); }
+inline bool operator!=(const Machine& left, const Machine& right)
+{
+    return !(left == right);
+}
 } // namespace sim

@@ -1,0 +1,199 @@
+#include "simulator/machine.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace sim
+{
+namespace
+{
+char lowerCase(char character)
+{
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+}
+
+/// The element of @p list whose `id` is @p id, or null; works for constant and for changeable lists.
+template<class List>
+auto* withId(List& list, const std::string& id)
+{
+    const auto found = std::find_if(list.begin(), list.end(), [&](const auto& element) { return element.id == id; });
+    return found == list.end() ? nullptr : &*found;
+}
+
+PartPlace partOf(const Device& device, const std::string& id)
+{
+    if (!device.topology)
+        return {};
+    if (const Connector* connector = withId(device.topology->connectors, id))
+        return {&device, connector, connector};
+    if (const Subunit* subunit = withId(device.topology->subunits, id))
+        return {&device, subunit, nullptr};
+    return {};
+}
+
+Text deviceOf(const Machine& machine, const std::string& connector)
+{
+    const PartPlace place = machine.part(connector);
+    return place ? Text(place.device->id) : Text();
+}
+}
+
+PropertyValue PropertyValue::ofText(Text value)
+{
+    PropertyValue result;
+    result.tag = VT_LPWSTR;
+    result.text = std::move(value);
+    return result;
+}
+
+PropertyValue PropertyValue::ofNumber(std::uint32_t value, VARTYPE tag)
+{
+    PropertyValue result;
+    result.tag = tag;
+    result.number = value;
+    return result;
+}
+
+PropertyValue PropertyValue::ofBytes(std::vector<std::uint8_t> value)
+{
+    PropertyValue result;
+    result.tag = VT_BLOB;
+    result.bytes = std::move(value);
+    return result;
+}
+
+const PropertyValue* findProperty(const Properties& properties, const PROPERTYKEY& key)
+{
+    for (const Property& property : properties)
+    {
+        if (sameKey(property.key, key))
+            return &property.value;
+    }
+    return nullptr;
+}
+
+void setProperty(Properties& properties, const PROPERTYKEY& key, PropertyValue value)
+{
+    for (Property& property : properties)
+    {
+        if (sameKey(property.key, key))
+        {
+            property.value = std::move(value);
+            return;
+        }
+    }
+    properties.push_back({key, std::move(value)});
+}
+
+void removeProperty(Properties& properties, const PROPERTYKEY& key)
+{
+    const auto matches = [&](const Property& property) { return sameKey(property.key, key); };
+    properties.erase(std::remove_if(properties.begin(), properties.end(), matches), properties.end());
+}
+
+const Endpoint* Machine::endpoint(const std::string& id) const
+{
+    return withId(endpoints, id);
+}
+
+Endpoint* Machine::endpoint(const std::string& id)
+{
+    return withId(endpoints, id);
+}
+
+const Adapter* Machine::adapter(const std::string& id) const
+{
+    return withId(adapters, id);
+}
+
+Adapter* Machine::adapter(const std::string& id)
+{
+    return withId(adapters, id);
+}
+
+const Device* Machine::openDevice(const std::string& id) const
+{
+    std::vector<const Device*> devices;
+    for (const Endpoint& candidate : endpoints)
+        devices.push_back(&candidate);
+    for (const Adapter& candidate : adapters)
+        devices.push_back(&candidate);
+
+    const Device* nearly = nullptr;
+    for (const Device* candidate : devices)
+    {
+        if (!candidate->openable)
+            continue;
+        if (candidate->id == id)
+            return candidate;
+        if (nearly == nullptr && equalNoCase(candidate->id, id))
+            nearly = candidate;
+    }
+    return nearly;
+}
+
+PartPlace Machine::part(const std::string& id) const
+{
+    for (const Endpoint& candidate : endpoints)
+    {
+        if (const PartPlace place = partOf(candidate, id))
+            return place;
+    }
+    for (const Adapter& candidate : adapters)
+    {
+        if (const PartPlace place = partOf(candidate, id))
+            return place;
+    }
+    return {};
+}
+
+Part* Machine::part(const std::string& id)
+{
+    // The place points into this machine, which is not constant here.
+    return const_cast<Part*>(std::as_const(*this).part(id).part);
+}
+
+std::optional<Peer> Machine::peer(const std::string& id) const
+{
+    for (const Join& join : joins)
+    {
+        if (join.from == id)
+            return Peer{join.toDevice ? join.toDevice : deviceOf(*this, join.to), join.to};
+        if (join.to == id && join.bothWays)
+            return Peer{deviceOf(*this, join.from), join.from};
+    }
+    return std::nullopt;
+}
+
+const Endpoint* Machine::defaultEndpoint(EDataFlow flow, ERole role) const
+{
+    for (const Endpoint& candidate : endpoints)
+    {
+        const bool hasRole = std::count(candidate.defaultFor.begin(), candidate.defaultFor.end(), role) > 0;
+        if (candidate.flow == flow && hasRole)
+            return &candidate;
+    }
+    return nullptr;
+}
+
+const DeviceInstance* Machine::deviceInstance(const std::string& id) const
+{
+    for (const DeviceInstance& instance : deviceInstances)
+    {
+        if (equalNoCase(instance.id, id))
+            return &instance;
+    }
+    return nullptr;
+}
+
+bool sameKey(const PROPERTYKEY& left, const PROPERTYKEY& right)
+{
+    return left.fmtid == right.fmtid && left.pid == right.pid;
+}
+
+bool equalNoCase(const std::string& left, const std::string& right)
+{
+    const auto same = [](char first, char second) { return lowerCase(first) == lowerCase(second); };
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(), same);
+}
+}
