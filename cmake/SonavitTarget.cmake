@@ -1,0 +1,115 @@
+# What every target of this project shares: language level, visibility, warnings and instrumentation.
+
+# Warnings of our own sources; KIND is LIBRARY (products) or TEST (conversions are not judged there).
+function(sonavit_set_warnings target kind)
+  if(MSVC)
+    target_compile_options(${target} PRIVATE /W4 /permissive- /utf-8 /Zc:__cplusplus /Zc:preprocessor)
+    if(SONAVIT_WARNINGS_AS_ERRORS)
+      target_compile_options(${target} PRIVATE /WX)
+    endif()
+    return()
+  endif()
+
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wextra-semi -Wformat=2 -Wcast-align
+                                           -Wundef)
+  if(kind STREQUAL "LIBRARY")
+    target_compile_options(${target} PRIVATE -Wconversion -Woverloaded-virtual)
+  endif()
+  if(SONAVIT_WARNINGS_AS_ERRORS)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
+endfunction()
+
+# Sanitizers, coverage or fuzzer instrumentation, as the options ask.
+function(sonavit_instrument target)
+  if(MSVC)
+    if("address" IN_LIST SONAVIT_SANITIZE)
+      target_compile_options(${target} PRIVATE /fsanitize=address)
+    endif()
+    return()
+  endif()
+
+  if(SONAVIT_SANITIZE)
+    list(JOIN SONAVIT_SANITIZE "," sanitizers)
+    target_compile_options(${target} PRIVATE -fsanitize=${sanitizers} -fno-sanitize-recover=all
+                                             -fno-omit-frame-pointer)
+    target_link_options(${target} PRIVATE -fsanitize=${sanitizers})
+  endif()
+  if(SONAVIT_FUZZ)
+    target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
+  endif()
+  if(SONAVIT_COVERAGE)
+    target_compile_options(${target} PRIVATE --coverage -fprofile-update=atomic)
+    target_link_options(${target} PRIVATE --coverage)
+  endif()
+endfunction()
+
+# sonavit_configure_target(<target> [TEST])
+function(sonavit_configure_target target)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "TEST" "" "")
+  set(kind LIBRARY)
+  if(arg_TEST)
+    set(kind TEST)
+  endif()
+
+  target_compile_features(${target} PUBLIC cxx_std_17)
+  set_target_properties(
+    ${target}
+    PROPERTIES CXX_EXTENSIONS OFF
+               CXX_VISIBILITY_PRESET hidden
+               VISIBILITY_INLINES_HIDDEN ON
+               POSITION_INDEPENDENT_CODE ON
+  )
+  sonavit_set_warnings(${target} ${kind})
+  sonavit_instrument(${target})
+
+  if(WIN32)
+    target_compile_definitions(${target} PRIVATE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601)
+  endif()
+  if(MINGW)
+    # Exceptions cross the border of our libraries, so all of them share one C++ runtime.
+    target_link_options(${target} PRIVATE -shared-libgcc)
+  endif()
+endfunction()
+
+# A library of the product: version, names of its files, and the definition that decides its exports.
+function(sonavit_configure_library target buildingDefinition)
+  sonavit_configure_target(${target})
+  set_target_properties(
+    ${target}
+    PROPERTIES VERSION "${PROJECT_VERSION}"
+               SOVERSION "${PROJECT_VERSION_MAJOR}"
+               PREFIX "lib"
+               IMPORT_PREFIX "lib"
+  )
+  if(BUILD_SHARED_LIBS)
+    target_compile_definitions(${target} PUBLIC SONAVIT_SHARED PRIVATE ${buildingDefinition})
+  endif()
+endfunction()
+
+# mingw's C++ runtime is a set of libraries that programs need beside them.
+function(sonavit_compiler_runtime result)
+  set(files)
+  if(MINGW)
+    foreach(name IN ITEMS libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+      execute_process(
+        COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
+        OUTPUT_VARIABLE file
+        OUTPUT_STRIP_TRAILING_WHITESPACE
+      )
+      if(NOT EXISTS "${file}")
+        message(FATAL_ERROR "${CMAKE_CXX_COMPILER} has no ${name}")
+      endif()
+      file(REAL_PATH "${file}" file)
+      list(APPEND files "${file}")
+    endforeach()
+  endif()
+  set(${result} ${files} PARENT_SCOPE)
+endfunction()
+
+function(sonavit_copy_compiler_runtime folder)
+  sonavit_compiler_runtime(files)
+  if(files)
+    file(COPY ${files} DESTINATION "${folder}")
+  endif()
+endfunction()

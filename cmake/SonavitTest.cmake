@@ -1,0 +1,72 @@
+# Tests. Loggers and the shared enumerator are process-wide, so natively each test is a process of its own; under an
+# emulator (Wine), where a process is dear, each suite is.
+#
+#   sonavit_add_test(<name> SOURCES <file>... [LIBRARIES <target>...] [WINDOWS_ONLY] [NO_PRIVATE_ACCESS])
+#
+# Test sources may reach private operations (-fno-access-control) unless NO_PRIVATE_ACCESS is given.
+include(GoogleTest)
+
+set(SONAVIT_TEST_TIMEOUT 120 CACHE STRING "Seconds after which a test has failed")
+mark_as_advanced(SONAVIT_TEST_TIMEOUT)
+
+function(sonavit_add_test name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "WINDOWS_ONLY;NO_PRIVATE_ACCESS" "" "SOURCES;LIBRARIES")
+  if(arg_WINDOWS_ONLY AND NOT WIN32)
+    return()
+  endif()
+  foreach(library IN LISTS arg_LIBRARIES) # start-up
+    if(NOT TARGET ${library})
+      message(STATUS "${name} waits for ${library}")
+      return()
+    endif()
+  endforeach()
+  if(NOT arg_SOURCES)
+    message(STATUS "${name} has no sources")
+    return()
+  endif()
+
+  add_executable(${name} ${arg_SOURCES})
+  target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/tests")
+  target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest_main)
+  sonavit_configure_target(${name} TEST)
+  if(NOT arg_NO_PRIVATE_ACCESS AND NOT MSVC)
+    target_compile_options(${name} PRIVATE -fno-access-control)
+  endif()
+
+  if(CMAKE_CROSSCOMPILING_EMULATOR)
+    sonavit_discover_suites(${name})
+  else()
+    set(environment)
+    if(SONAVIT_SANITIZE)
+      set(environment
+          "ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1:check_initialization_order=1"
+          "UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1"
+          "TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1"
+      )
+    endif()
+    gtest_discover_tests(
+      ${name}
+      DISCOVERY_MODE PRE_TEST
+      DISCOVERY_TIMEOUT 60
+      TEST_PREFIX "${name}:"
+      PROPERTIES TIMEOUT ${SONAVIT_TEST_TIMEOUT} ENVIRONMENT "${environment}"
+    )
+  endif()
+endfunction()
+
+# One ctest entry for each suite of an executable, found when ctest starts.
+function(sonavit_discover_suites name)
+  set(script "${CMAKE_CURRENT_BINARY_DIR}/${name}_suites.cmake")
+  file(
+    GENERATE
+    OUTPUT "${script}"
+    CONTENT
+      "set(name [==[${name}]==])
+set(program [==[$<TARGET_FILE:${name}>]==])
+set(emulator [==[${CMAKE_CROSSCOMPILING_EMULATOR}]==])
+set(timeout ${SONAVIT_TEST_TIMEOUT})
+include([==[${PROJECT_SOURCE_DIR}/cmake/DiscoverSuites.cmake]==])
+"
+  )
+  set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${script}")
+endfunction()
