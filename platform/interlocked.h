@@ -1,0 +1,32 @@
+/// @file
+/// Counting that several threads may do at once.
+#pragma once
+
+#include "platform/coreaudio.h"
+
+namespace platform
+{
+
+/// Adds one to @p counter, as one step for all threads.
+/// @return the new value
+inline LONG interlockedIncrement(volatile LONG* counter)
+{
+#if defined(_WIN32)
+    return InterlockedIncrement(counter);
+#else
+    return __atomic_add_fetch(counter, 1, __ATOMIC_SEQ_CST);
+#endif
+}
+
+/// Takes one from @p counter, as one step for all threads.
+/// @return the new value; the caller that gets 0 is the last one
+inline LONG interlockedDecrement(volatile LONG* counter)
+{
+#if defined(_WIN32)
+    return InterlockedDecrement(counter);
+#else
+    return __atomic_sub_fetch(counter, 1, __ATOMIC_SEQ_CST);
+#endif
+}
+
+} // namespace platform

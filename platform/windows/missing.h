@@ -1,0 +1,26 @@
+/// @file
+/// Names that some SDKs do not have. Included by platform/windows/coreaudio.h, after everything else.
+#pragma once
+
+#ifndef E_NOTFOUND
+#define E_NOTFOUND HRESULT_FROM_WIN32(ERROR_NOT_FOUND)
+#endif
+
+// mmddk.h, which has these two, belongs to the driver kit.
+#ifndef DRV_QUERYFUNCTIONINSTANCEID
+#define DRV_QUERYFUNCTIONINSTANCEID 0x811
+#endif
+#ifndef DRV_QUERYFUNCTIONINSTANCEIDSIZE
+#define DRV_QUERYFUNCTIONINSTANCEIDSIZE 0x812
+#endif
+
+#ifndef KSNODETYPE_HDMI_INTERFACE
+inline const GUID KSNODETYPE_HDMI_INTERFACE = {
+    0xD1B9CC2A, 0xF519, 0x417F, {0x91, 0xC9, 0x55, 0xFA, 0x65, 0x48, 0x10, 0x01}};
+#define KSNODETYPE_HDMI_INTERFACE KSNODETYPE_HDMI_INTERFACE
+#endif
+#ifndef KSNODETYPE_DISPLAYPORT_INTERFACE
+inline const GUID KSNODETYPE_DISPLAYPORT_INTERFACE = {
+    0xE47E4031, 0x3EA6, 0x418D, {0x8F, 0x9B, 0xB7, 0x38, 0x43, 0xCC, 0xBA, 0x97}};
+#define KSNODETYPE_DISPLAYPORT_INTERFACE KSNODETYPE_DISPLAYPORT_INTERFACE
+#endif
