@@ -23,6 +23,17 @@ function(sonavit_install_library target exportName)
   )
 endfunction()
 
+# sonavit_install_headers(<target> <folder>): for a target that is headers only
+function(sonavit_install_headers target folder)
+  target_include_directories(${target} INTERFACE "$<INSTALL_INTERFACE:${SONAVIT_INCLUDE_FOLDER}>")
+  if(NOT SONAVIT_INSTALL)
+    return()
+  endif()
+  install(TARGETS ${target} EXPORT SonavitTargets)
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/${folder}" DESTINATION "${SONAVIT_INCLUDE_FOLDER}"
+          FILES_MATCHING PATTERN "*.h")
+endfunction()
+
 function(sonavit_install_package)
   install(EXPORT SonavitTargets NAMESPACE Sonavit:: DESTINATION "${SONAVIT_PACKAGE_FOLDER}")
   configure_package_config_file(

@@ -63,9 +63,6 @@ function(sonavit_configure_target target)
   sonavit_set_warnings(${target} ${kind})
   sonavit_instrument(${target})
 
-  if(WIN32)
-    target_compile_definitions(${target} PRIVATE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601)
-  endif()
   if(MINGW)
     # Exceptions cross the border of our libraries, so all of them share one C++ runtime.
     target_link_options(${target} PRIVATE -shared-libgcc)
