@@ -1,0 +1,204 @@
+/// The operations of qor::Array; included by "qor/array.h" only.
+#pragma once
+
+namespace qor
+{
+template<class T>
+class Array<T>::BlockGuard
+{
+public:
+    explicit BlockGuard(Block* block) : m_block(block)
+    {
+    }
+    BlockGuard(const BlockGuard&) = delete;
+    BlockGuard& operator=(const BlockGuard&) = delete;
+
+    ~BlockGuard()
+    {
+        destroyBlock(m_block);
+    }
+
+    Block* block() const
+    {
+        return m_block;
+    }
+
+    Block* release()
+    {
+        Block* const block = m_block;
+        m_block = nullptr;
+        return block;
+    }
+
+private:
+    Block* m_block;
+};
+
+template<class T>
+Array<T>& Array<T>::operator=(const Array& other)
+{
+    if (m_block == other.m_block)
+        return *this;
+    destroyBlock();
+    if (other.m_block != nullptr)
+        m_block = copyOf(other.m_block);
+    return *this;
+}
+
+template<class T>
+void Array<T>::append(const T& value)
+{
+    const unsigned int count = size();
+    const T* source = &value;
+    const T* const first = m_block == nullptr ? nullptr : places(m_block);
+    const bool ownElement = std::less_equal<const T*>()(first, source) && std::less<const T*>()(source, first + count);
+    ensureCapacity(count + 1);
+    if (ownElement)
+        source = places(m_block) + (source - first); // growth has moved it
+    new (places(m_block) + count) T(*source);
+    m_block->count = count + 1;
+}
+
+template<class T>
+void Array<T>::clear()
+{
+    destroyBlock();
+    m_block = allocate(smallestCapacity, 0);
+}
+
+template<class T>
+bool Array<T>::contains(const T& value) const
+{
+    for (unsigned int i = 0; i < size(); ++i)
+    {
+        if (*element(i) == value)
+            return true;
+    }
+    return false;
+}
+
+template<class T>
+void Array<T>::ensureCapacity(unsigned int required)
+{
+    if (m_block != nullptr && m_block->capacity >= required)
+        return;
+    BlockGuard grown(allocate(required, required));
+    if (m_block != nullptr)
+        copyElements(m_block, grown.block());
+    Block* const old = m_block;
+    m_block = grown.release();
+    destroyBlock(old);
+}
+
+template<class T>
+void Array<T>::remove(unsigned int index)
+{
+    if (index > size())
+        throw outOfBounds(index);
+    if (index == size())
+        return;
+    T* const place = element(index);
+    place->~T();
+    const std::size_t later = m_block->count - index - 1;
+    std::memmove(static_cast<void*>(place), static_cast<const void*>(place + 1), later * sizeof(T));
+    --m_block->count;
+}
+
+template<class T>
+const String& Array<T>::className()
+{
+    static const String& name = *new String("ArrayOfOthers"); // never destroyed: static objects die in no useful order
+    return name;
+}
+
+template<class T>
+void Array<T>::deserializeFromElement(const XmlElement*)
+{
+    std::printf("Serialization isn't support for this class!!!\n");
+}
+
+template<class T>
+void Array<T>::serializeToXML(const String& name, String&)
+{
+    throw SerializationFailed("Serialization is not supported for: " + name);
+}
+
+template<class T>
+unsigned int Array<T>::capacityFor(unsigned int required)
+{
+    unsigned int capacity = smallestCapacity;
+    while (capacity != 0 && capacity < required)
+        capacity *= 2;
+    return capacity == 0 ? required : capacity;
+}
+
+/// A block for @p required elements by the capacity rule, still without elements.
+template<class T>
+typename Array<T>::Block* Array<T>::allocate(unsigned int required, unsigned int reported)
+{
+    static_assert(sizeof(Block) == 8, "elements stand right behind two header words");
+    static_assert(alignof(T) <= sizeof(Block), "elements stand at offset 8 of the block");
+    const unsigned int capacity = capacityFor(required);
+    const unsigned long long bytes = sizeof(Block) + static_cast<unsigned long long>(capacity) * sizeof(T);
+    void* memory = nullptr;
+    if (bytes < (1ULL << 32)) // the limit holds on 64-bit hosts as well
+        memory = ::operator new(static_cast<std::size_t>(bytes), std::nothrow);
+    if (memory == nullptr)
+        throw NullPointer("Asked for array of size: " + QORValue(reported).toString(QORValue::nilValue));
+    return new (memory) Block{0, capacity};
+}
+
+/// A copy takes the capacity of its source as the number required, not its count.
+template<class T>
+typename Array<T>::Block* Array<T>::copyOf(const Block* source)
+{
+    if (source == nullptr)
+        return nullptr;
+    BlockGuard copy(allocate(source->capacity, source->capacity));
+    copyElements(source, copy.block());
+    return copy.release();
+}
+
+/// Counts each element as it is made, so that a throwing copy leaves a block that can be taken down.
+template<class T>
+void Array<T>::copyElements(const Block* source, Block* target)
+{
+    while (target->count < source->count)
+    {
+        new (places(target) + target->count) T(places(source)[target->count]);
+        ++target->count;
+    }
+}
+
+template<class T>
+IndexOutOfBounds Array<T>::outOfBounds(unsigned int index) const
+{
+    return IndexOutOfBounds(0, static_cast<int>(size()) - 1, static_cast<int>(index));
+}
+
+template<class T>
+unsigned int Array<T>::checked(unsigned int index) const
+{
+    if (index >= size())
+        throw outOfBounds(index);
+    return index;
+}
+
+template<class T>
+void Array<T>::destroyBlock()
+{
+    Block* const block = m_block;
+    m_block = nullptr;
+    destroyBlock(block);
+}
+
+template<class T>
+void Array<T>::destroyBlock(Block* block)
+{
+    if (block == nullptr)
+        return;
+    for (unsigned int i = 0; i < block->count; ++i)
+        places(block)[i].~T();
+    ::operator delete(block);
+}
+} // namespace qor

@@ -1,0 +1,154 @@
+#include "qor/hashtable.h"
+
+#include <cstdint>
+#include <cstring>
+
+namespace qor
+{
+namespace
+{
+constexpr std::uint64_t multiplier = 0x9E3779B97F4A7C15ULL; // odd, with bits well spread: 2^64 over the golden ratio
+
+std::uint64_t mixed(std::uint64_t state, std::uint64_t word)
+{
+    state = (state ^ word) * multiplier;
+    return state ^ (state >> 32);
+}
+} // namespace
+
+_BucketBase::~_BucketBase() noexcept(false) = default;
+
+_HashTableRep::_HashTableRep(unsigned int bucketCount) : m_heads(bucketCount == 0 ? 1 : bucketCount, nullptr)
+{
+}
+
+_HashTableRep::_HashTableRep(const _HashTableRep& other) : m_heads(other.m_heads.size(), nullptr)
+{
+    for (const Entry& entry : other.m_entries)
+        insertWithoutCheck(entry.hash, entry.bucket->clone(), nullptr);
+}
+
+_HashTableRep& _HashTableRep::operator=(const _HashTableRep& other)
+{
+    if (this == &other)
+        return *this;
+    _HashTableRep copy(other);
+    m_heads.swap(copy.m_heads);
+    m_entries.swap(copy.m_entries);
+    return *this;
+}
+
+_HashTableRep::~_HashTableRep() noexcept(false)
+{
+    clear();
+}
+
+void _HashTableRep::clear()
+{
+    std::vector<Entry> entries;
+    entries.swap(m_entries);
+    m_heads.assign(m_heads.size(), nullptr);
+    for (const Entry& entry : entries)
+        delete entry.bucket;
+}
+
+_BucketBase* _HashTableRep::lookup(unsigned int hash, const void* key)
+{
+    _BucketBase* bucket = m_heads[hash % m_heads.size()];
+    while (bucket != nullptr && !bucket->matches(key))
+        bucket = bucket->next;
+    return bucket;
+}
+
+const _BucketBase* _HashTableRep::lookup(unsigned int hash, const void* key) const
+{
+    return const_cast<_HashTableRep*>(this)->lookup(hash, key); // the search changes nothing
+}
+
+bool _HashTableRep::insert(unsigned int hash, _BucketBase* bucket, const void* key)
+{
+    if (bucket == nullptr || lookup(hash, key) != nullptr)
+        return false;
+    insertWithoutCheck(hash, bucket, key);
+    return true;
+}
+
+void _HashTableRep::insertWithoutCheck(unsigned int hash, _BucketBase* bucket, const void*)
+{
+    if (bucket == nullptr)
+        return;
+    m_entries.push_back({hash, bucket});
+    if (m_entries.size() > m_heads.size())
+        grow();
+    else
+        link(m_entries.back());
+}
+
+/// At the end of its chain, so that of two equal keys the first one is found.
+void _HashTableRep::link(const Entry& entry)
+{
+    _BucketBase** place = &m_heads[entry.hash % m_heads.size()];
+    while (*place != nullptr)
+        place = &(*place)->next;
+    *place = entry.bucket;
+}
+
+void _HashTableRep::grow()
+{
+    m_heads.assign(2 * m_heads.size(), nullptr);
+    for (const Entry& entry : m_entries)
+        entry.bucket->next = nullptr;
+    for (const Entry& entry : m_entries)
+        link(entry);
+}
+
+_HashTableIteratorBase::_HashTableIteratorBase(_BucketBase** first, _BucketBase** last)
+    : m_head(first),
+      m_last(last),
+      m_current(nullptr)
+{
+    skipEmptyHeads();
+}
+
+_HashTableIteratorBase& _HashTableIteratorBase::operator++()
+{
+    m_current = m_current->next;
+    if (m_current == nullptr)
+    {
+        ++m_head;
+        skipEmptyHeads();
+    }
+    return *this;
+}
+
+void _HashTableIteratorBase::skipEmptyHeads()
+{
+    while (m_head != m_last && *m_head == nullptr)
+        ++m_head;
+    m_current = m_head == m_last ? nullptr : *m_head;
+}
+
+/// Four units at a time: the keys are device paths of some hundred units.
+unsigned int HashFunc<String>::hash(const String& text)
+{
+    const unsigned short* const units = text.getUCS2Buffer();
+    const std::size_t size = text.size();
+    std::uint64_t state = size;
+    std::size_t i = 0;
+    for (; i + 4 <= size; i += 4)
+    {
+        std::uint64_t word = 0;
+        std::memcpy(&word, units + i, sizeof(word));
+        state = mixed(state, word);
+    }
+    std::uint64_t rest = 0;
+    std::memcpy(&rest, units + i, (size - i) * sizeof(unsigned short));
+    state = mixed(state, rest);
+    return static_cast<unsigned int>(state >> 32) ^ static_cast<unsigned int>(state);
+}
+
+String cutClassName(const String& name)
+{
+    return name.size() < 4 ? name : name.subString(2, name.size() - 3);
+}
+} // namespace qor

@@ -1,0 +1,117 @@
+#pragma once
+
+#include "qor/array.h"
+#include "qor/exception.h"
+#include "qor/hashtable.h"
+#include "qor/serializable.h"
+
+namespace qor
+{
+/// Values found by key that also keep the order in which their keys first came. No operation locks.
+///
+/// Position i of keys() and of values() belong together, and the index leads from a key to its position.
+template<class K, class V, class Eq = EqualFunc<K>, class Hash = HashFunc<K>>
+class OrderedHashTable : public Serializable
+{
+public:
+    explicit OrderedHashTable(unsigned int bucketCount = 32) : m_index(bucketCount)
+    {
+    }
+
+    bool contains(const K& key) const
+    {
+        return m_index.contains(key);
+    }
+
+    /// The value of @p key in its place, to be read or changed there.
+    /// @exception HashKeyMissing with the key, if it is not in the table
+    /// @exception IndexOutOfBounds if index and values disagree
+    V& operator[](const K& key)
+    {
+        return m_arrayValues[position(key)];
+    }
+    const V& operator[](const K& key) const
+    {
+        return m_arrayValues[position(key)];
+    }
+
+    /// Stores copies of @p key and @p value at the end. The caller has made sure that the key is not in the table.
+    void insert(const K& key, const V& value)
+    {
+        m_index.insert(key, m_arrayKeys.size());
+        m_arrayKeys.append(key);
+        m_arrayValues.append(value);
+    }
+
+    /// Keys and values in the order of insertion.
+    const Array<K>& keys() const
+    {
+        return m_arrayKeys;
+    }
+    Array<V>& values()
+    {
+        return m_arrayValues;
+    }
+    const Array<V>& values() const
+    {
+        return m_arrayValues;
+    }
+
+    unsigned int size() const
+    {
+        return m_arrayKeys.size();
+    }
+
+    /// Writes keys and values as two arrays. @exception SerializationFailed if the values refuse, as all but texts and
+    /// numbers do
+    void serializeToXML(const String& name, String& out) override
+    {
+        serializeBegin(name);
+        serialize("m_arrayKeys", m_arrayKeys);
+        serialize("m_arrayValues", m_arrayValues);
+        serializeEnd();
+        getSerializedXML(out);
+    }
+
+    /// Replaces the content. What was there is gone even if reading fails.
+    void deserializeFromElement(const XmlElement* element) override
+    {
+        m_arrayKeys.clear();
+        m_arrayValues.clear();
+        m_index.clear();
+        deserializeBegin(element);
+        Serializable::deserialize("m_arrayKeys", m_arrayKeys);
+        Serializable::deserialize("m_arrayValues", m_arrayValues);
+        for (unsigned int i = 0; i < m_arrayKeys.size(); ++i)
+            m_index.insertWithoutCheck(m_arrayKeys[i], i);
+        deserializeEnd();
+    }
+
+    /// "OH(", the cut class names of the arrays of keys and of values with a comma between, ")". The cut takes two
+    /// units off the front and one off the end of "ArrayOfOthers" as well, and readers of the name know it that way.
+    const String& objectClassName() override
+    {
+        static String& name = *new String;
+        if (name.size() == 0)
+            name.append("OH(")
+                .append(cutClassName(Array<K>::className()))
+                .append(",")
+                .append(cutClassName(Array<V>::className()))
+                .append(")");
+        return name;
+    }
+
+private:
+    unsigned int position(const K& key) const
+    {
+        const unsigned int* const found = m_index.lookup(key);
+        if (found == nullptr)
+            throw HashKeyMissing(key);
+        return *found;
+    }
+
+    HashTable<K, unsigned int, Eq, Hash> m_index;
+    Array<K> m_arrayKeys;
+    Array<V> m_arrayValues;
+};
+} // namespace qor

@@ -1,0 +1,164 @@
+#include "qor/serializable.h"
+
+#include "qor/array.h"
+#include "qor/exception.h"
+
+#include <limits>
+
+namespace qor
+{
+struct Serializable::State
+{
+    XmlElement output = XmlElement(String());
+    String text;
+    const XmlElement* input = nullptr;
+};
+
+namespace
+{
+const char* const itemName = "item";
+
+void writeItems(XmlElement& element, const Array<String>& items)
+{
+    for (unsigned int i = 0; i < items.size(); ++i)
+        element.add(XmlElement(itemName)).setText(items[i]);
+}
+
+void writeItems(XmlElement& element, const Array<unsigned int>& items)
+{
+    for (unsigned int i = 0; i < items.size(); ++i)
+        element.add(XmlElement(itemName)).setText(QORValue(items[i]).toString(QORValue::nilValue));
+}
+
+unsigned int number(const String& text)
+{
+    unsigned __int64 value = 0;
+    bool wellFormed = text.size() > 0;
+    for (unsigned int i = 0; wellFormed && i < text.size(); ++i)
+    {
+        const unsigned short unit = text.getUCS2Buffer()[i];
+        wellFormed = unit >= '0' && unit <= '9';
+        value = value * 10 + unit - '0';
+        wellFormed = wellFormed && value <= std::numeric_limits<unsigned int>::max();
+    }
+    if (!wellFormed)
+        throw SerializationFailed("Not a 32-bit number: " + text);
+    return static_cast<unsigned int>(value);
+}
+
+void readItem(const XmlElement& item, Array<String>& items)
+{
+    items.append(item.text());
+}
+
+void readItem(const XmlElement& item, Array<unsigned int>& items)
+{
+    items.append(number(item.text()));
+}
+
+template<class T>
+void readItems(const XmlElement& element, Array<T>& items)
+{
+    items.clear();
+    for (const XmlElement& item : element.children())
+    {
+        if (!(item.name() == itemName))
+            throw SerializationFailed("Not an item of an array: " + item.name());
+        readItem(item, items);
+    }
+}
+} // namespace
+
+Serializable::Serializable() = default;
+Serializable::Serializable(const Serializable&)
+{
+}
+Serializable::~Serializable() noexcept(false) = default;
+
+Serializable& Serializable::operator=(const Serializable&)
+{
+    return *this;
+}
+
+void Serializable::doSerialization(const String& name, String& out)
+{
+    serializeToXML(name, out);
+}
+
+void Serializable::deserialize(const String& text)
+{
+    const XmlElement root = XmlElement::read(text);
+    deserializeFromElement(&root);
+}
+
+void Serializable::serializeBegin(const String& name)
+{
+    state().output = XmlElement(name);
+}
+
+void Serializable::serializeEnd()
+{
+    state().text = state().output.write();
+}
+
+void Serializable::getSerializedXML(String& out)
+{
+    out = state().text;
+    m_state.reset();
+}
+
+void Serializable::deserializeBegin(const XmlElement* element)
+{
+    state().input = element;
+}
+
+void Serializable::deserializeEnd()
+{
+    m_state.reset();
+}
+
+void Serializable::insertValueToContainer(int, const XmlElement* element, String& value)
+{
+    if (element != nullptr)
+        value = element->text();
+}
+
+// The two arrays refuse to be written on their own, so a field of such a type is written here. Its class name tells the
+// type.
+void Serializable::serialize(const String& fieldName, Serializable& field)
+{
+    XmlElement element(fieldName);
+    if (field.objectClassName() == Array<String>::className())
+        writeItems(element, static_cast<Array<String>&>(field));
+    else if (field.objectClassName() == Array<unsigned int>::className())
+        writeItems(element, static_cast<Array<unsigned int>&>(field));
+    else
+    {
+        String text;
+        field.serializeToXML(fieldName, text);
+        element = XmlElement::read(text);
+    }
+    state().output.add(std::move(element));
+}
+
+void Serializable::deserialize(const String& fieldName, Serializable& field)
+{
+    const XmlElement* const parent = state().input;
+    const XmlElement* const element = parent == nullptr ? nullptr : parent->child(fieldName);
+    if (element == nullptr)
+        throw SerializationFailed("Missing element: " + fieldName);
+    if (field.objectClassName() == Array<String>::className())
+        readItems(*element, static_cast<Array<String>&>(field));
+    else if (field.objectClassName() == Array<unsigned int>::className())
+        readItems(*element, static_cast<Array<unsigned int>&>(field));
+    else
+        field.deserializeFromElement(element);
+}
+
+Serializable::State& Serializable::state()
+{
+    if (m_state == nullptr)
+        m_state = std::make_unique<State>();
+    return *m_state;
+}
+} // namespace qor

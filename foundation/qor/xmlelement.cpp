@@ -1,0 +1,312 @@
+#include "qor/exception.h"
+#include "qor/qorvalue.h"
+#include "qor/serializable.h"
+
+#include <cstdio>
+#include <string_view>
+
+namespace qor
+{
+namespace
+{
+constexpr int deepestElement = 200; // keeps hostile text from using up the stack
+
+bool startsName(unsigned char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c >= 0x80;
+}
+
+bool continuesName(unsigned char c)
+{
+    return startsName(c) || (c >= '0' && c <= '9') || c == '-' || c == '.' || c == ':';
+}
+
+bool isName(const std::string& text)
+{
+    if (text.empty() || !startsName(static_cast<unsigned char>(text[0])))
+        return false;
+    for (const char c : text)
+    {
+        if (!continuesName(static_cast<unsigned char>(c)))
+            return false;
+    }
+    return true;
+}
+
+bool isSurrogate(unsigned int unit)
+{
+    return unit >= 0xD800 && unit <= 0xDFFF;
+}
+
+/// Writes the text so that reading gives the same units, also those that plain XML has no character for.
+void escape(std::string& out, const String& text)
+{
+    String plain;
+    for (unsigned int i = 0; i < text.size(); ++i)
+    {
+        const unsigned short unit = text.getUCS2Buffer()[i];
+        const bool special = unit == '<' || unit == '>' || unit == '&' || unit == '"' || unit == '\'';
+        if (!special && unit >= ' ' && unit != 0x7F && !isSurrogate(unit) && unit < 0xFFFE)
+        {
+            const unsigned short one[] = {unit, 0};
+            plain.append(String(one));
+            continue;
+        }
+        out += plain.toUtf8();
+        plain.clear();
+        char reference[16];
+        std::snprintf(reference, sizeof(reference), "&#%u;", static_cast<unsigned int>(unit));
+        out += reference;
+    }
+    out += plain.toUtf8();
+}
+
+/// Reads elements from UTF-8 text, one character ahead at most.
+class Reader
+{
+public:
+    explicit Reader(std::string_view text) : m_text(text)
+    {
+    }
+
+    XmlElement document()
+    {
+        skipOutside();
+        XmlElement root = element(1);
+        skipOutside();
+        if (m_position != m_text.size())
+            fail("nothing more was expected behind the element");
+        return root;
+    }
+
+private:
+    XmlElement element(int depth)
+    {
+        if (depth > deepestElement)
+            fail("elements stand too deep in each other");
+        expect("<", "an element was expected");
+        XmlElement result(String::fromUtf8(name()));
+        skipBlanks();
+        if (accept("/>"))
+            return result;
+        expect(">", "an element has a name and nothing else");
+        content(result, depth);
+        expect("</", "the end of an element was expected");
+        if (String::fromUtf8(name()) != result.name())
+            fail("this end does not belong to the element that is open");
+        skipBlanks();
+        expect(">", "the end of an element was expected");
+        return result;
+    }
+
+    void content(XmlElement& parent, int depth)
+    {
+        String text;
+        bool hasText = false;
+        while (!atEnd() && !startsWith("</"))
+        {
+            if (accept("<!--"))
+                skipBehind("-->", "a comment has no end");
+            else if (startsWith("<"))
+                parent.add(element(depth + 1));
+            else
+                hasText = append(text) || hasText;
+        }
+        if (!parent.children().empty() && hasText)
+            fail("an element holds either text or elements");
+        if (parent.children().empty())
+            parent.setText(text);
+    }
+
+    /// @return whether the run holds more than blanks
+    bool append(String& text)
+    {
+        bool solid = false;
+        std::string run;
+        while (!atEnd() && m_text[m_position] != '<')
+        {
+            if (m_text[m_position] == '&')
+            {
+                text.append(String::fromUtf8(run));
+                run.clear();
+                const unsigned short unit[] = {reference(), 0};
+                text.append(String(unit));
+                solid = true;
+                continue;
+            }
+            solid = solid || !isBlank(m_text[m_position]);
+            run += m_text[m_position++];
+        }
+        text.append(String::fromUtf8(run));
+        return solid;
+    }
+
+    unsigned short reference()
+    {
+        struct Named
+        {
+            const char* text;
+            unsigned short unit;
+        };
+        static constexpr Named named[] = {
+            {"&lt;", '<'}, {"&gt;", '>'}, {"&amp;", '&'}, {"&quot;", '"'}, {"&apos;", '\''}};
+        for (const Named& entry : named)
+        {
+            if (accept(entry.text))
+                return entry.unit;
+        }
+        expect("&#", "a reference was expected");
+        const unsigned int base = accept("x") ? 16 : 10;
+        unsigned int value = 0;
+        int digits = 0;
+        for (; !atEnd() && m_text[m_position] != ';' && value <= 0xFFFF; ++m_position, ++digits)
+            value = value * base + digit(m_text[m_position], base);
+        if (digits == 0 || value == 0 || value > 0xFFFF)
+            fail("a reference names one unit from 1 to 65535");
+        expect(";", "a reference ends in a semicolon");
+        return static_cast<unsigned short>(value);
+    }
+
+    unsigned int digit(char c, unsigned int base)
+    {
+        const std::string_view digits = "0123456789abcdef";
+        const char lower = c >= 'A' && c <= 'F' ? static_cast<char>(c - 'A' + 'a') : c;
+        const std::size_t value = digits.substr(0, base).find(lower);
+        if (value == std::string_view::npos)
+            fail("a digit was expected");
+        return static_cast<unsigned int>(value);
+    }
+
+    std::string name()
+    {
+        const std::size_t start = m_position;
+        while (!atEnd() && continuesName(static_cast<unsigned char>(m_text[m_position])))
+            ++m_position;
+        std::string result(m_text.substr(start, m_position - start));
+        if (!isName(result))
+            fail("a name was expected");
+        return result;
+    }
+
+    void skipOutside()
+    {
+        for (;;)
+        {
+            skipBlanks();
+            if (accept("<?"))
+                skipBehind("?>", "a prolog has no end");
+            else if (accept("<!--"))
+                skipBehind("-->", "a comment has no end");
+            else
+                return;
+        }
+    }
+
+    void skipBlanks()
+    {
+        while (!atEnd() && isBlank(m_text[m_position]))
+            ++m_position;
+    }
+
+    void skipBehind(std::string_view end, const char* complaint)
+    {
+        const std::size_t found = m_text.find(end, m_position);
+        if (found == std::string_view::npos)
+            fail(complaint);
+        m_position = found + end.size();
+    }
+
+    static bool isBlank(char c)
+    {
+        return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+    }
+
+    bool atEnd() const
+    {
+        return m_position >= m_text.size();
+    }
+
+    bool startsWith(std::string_view text) const
+    {
+        return m_text.substr(m_position, text.size()) == text;
+    }
+
+    bool accept(std::string_view text)
+    {
+        if (!startsWith(text))
+            return false;
+        m_position += text.size();
+        return true;
+    }
+
+    void expect(std::string_view text, const char* complaint)
+    {
+        if (!accept(text))
+            fail(complaint);
+    }
+
+    [[noreturn]] void fail(const char* complaint) const
+    {
+        unsigned int line = 1;
+        unsigned int column = 1;
+        for (std::size_t i = 0; i < m_position && i < m_text.size(); ++i)
+        {
+            column = m_text[i] == '\n' ? 1 : column + 1;
+            line += m_text[i] == '\n' ? 1u : 0u;
+        }
+        String message("XML is not well formed at line ");
+        message.append(QORValue(line).toString(QORValue::nilValue)).append(", column ");
+        message.append(QORValue(column).toString(QORValue::nilValue)).append(": ").append(complaint);
+        throw SerializationFailed(message);
+    }
+
+    std::string_view m_text;
+    std::size_t m_position = 0;
+};
+} // namespace
+
+XmlElement::XmlElement(const String& name) : m_name(name)
+{
+}
+
+const XmlElement* XmlElement::child(const String& name) const noexcept
+{
+    for (const XmlElement& candidate : m_children)
+    {
+        if (candidate.m_name == name)
+            return &candidate;
+    }
+    return nullptr;
+}
+
+XmlElement& XmlElement::add(XmlElement element)
+{
+    m_children.push_back(std::move(element));
+    return m_children.back();
+}
+
+String XmlElement::write() const
+{
+    std::string out;
+    write(out);
+    return String::fromUtf8(out);
+}
+
+XmlElement XmlElement::read(const String& text)
+{
+    const std::string utf8 = text.toUtf8();
+    return Reader(utf8).document();
+}
+
+void XmlElement::write(std::string& out) const
+{
+    const std::string name = m_name.toUtf8();
+    if (!isName(name))
+        throw SerializationFailed("Not a name of an element: " + m_name);
+    out += '<' + name + '>';
+    escape(out, m_text);
+    for (const XmlElement& child : m_children)
+        child.write(out);
+    out += "</" + name + '>';
+}
+} // namespace qor
