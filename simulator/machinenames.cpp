@@ -141,20 +141,21 @@ std::optional<GUID> nodeTypeFromText(const std::string& text)
 bool isOperation(std::string_view name)
 {
     const std::size_t colons = name.find("::");
-    if (colons == std::string_view::npos)
-        return hasWord(functions, name);
-    const std::string_view operation = name.substr(colons + 2);
+    const bool isBare = colons == std::string_view::npos;
+    const std::string_view operation = isBare ? name : name.substr(colons + 2);
+    if (isBare && hasWord(functions, operation))
+        return true;
     for (const InterfaceOperations& candidate : interfaces)
     {
-        if (candidate.interfaceName == name.substr(0, colons))
-            return hasWord(candidate.operations, operation) || hasWord(countingOperations, operation);
+        const bool isMeant = isBare || candidate.interfaceName == name.substr(0, colons);
+        if (isMeant && (hasWord(candidate.operations, operation) || hasWord(countingOperations, operation)))
+            return true;
     }
     return false;
 }
 
 bool isEndpointVolumeOperation(std::string_view name)
 {
-    return name.find(':') == std::string_view::npos && !hasWord(countingOperations, name) &&
-           isOperation("IAudioEndpointVolume::" + std::string(name));
+    return !hasWord(countingOperations, name) && isOperation("IAudioEndpointVolume::" + std::string(name));
 }
 }

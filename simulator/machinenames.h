@@ -90,7 +90,8 @@ std::optional<std::uint32_t> numberFromText(const std::string& text);
 std::string nodeTypeText(const GUID& nodeType);
 std::optional<GUID> nodeTypeFromText(const std::string& text);
 
-/// Whether the simulated platform has that operation ("IMMDevice::Activate", "CoCreateInstance").
+/// Whether the simulated platform has that operation ("IMMDevice::Activate", "CoCreateInstance"). A bare name such as
+/// "Release" stands for that operation of every interface.
 bool isOperation(std::string_view name);
 
 /// Whether IAudioEndpointVolume has an operation of that name ("SetMute").

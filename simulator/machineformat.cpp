@@ -1,6 +1,7 @@
-#include "simulator/machineproperties.h"
+#include "simulator/machineformat.h"
 
-#include "simulator/machine.h"
+#include <array>
+
 #include "simulator/machinenames.h"
 
 namespace sim
@@ -25,33 +26,6 @@ bool isUsual(const DeviceFormat& format)
     const bool rateFits = format.rate > 0 && format.rate <= maximumRate;
     return bitsFit && rateFits && format.channels >= 1 && format.channels <= 8;
 }
-}
-
-std::string keyText(const PROPERTYKEY& key)
-{
-    for (const NamedKey& named : namedKeys)
-    {
-        if (sameKey(named.key, key))
-            return std::string(named.name);
-    }
-    return guidText(key.fmtid) + "/" + std::to_string(key.pid);
-}
-
-std::optional<PROPERTYKEY> keyFromText(const std::string& text)
-{
-    for (const NamedKey& named : namedKeys)
-    {
-        if (named.name == text)
-            return named.key;
-    }
-    const std::size_t slash = text.find('/');
-    if (slash == std::string::npos)
-        return std::nullopt;
-    const std::optional<GUID> format = guidFromText(text.substr(0, slash));
-    const std::optional<std::uint32_t> number = numberFromText(text.substr(slash + 1));
-    if (!format || !number)
-        return std::nullopt;
-    return PROPERTYKEY{*format, *number};
 }
 
 std::string DeviceFormat::text() const

@@ -1,12 +1,10 @@
-/// The properties of a device: their keys by name, and the device format as people write it.
+/// The keys of a device's properties by name.
 #pragma once
 
 #include <array>
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "platform/coreaudio.h"
 
@@ -49,24 +47,4 @@ inline constexpr std::array<NamedKey, 7> namedKeys = {{
 
 std::string keyText(const PROPERTYKEY& key);
 std::optional<PROPERTYKEY> keyFromText(const std::string& text);
-
-/// A device format as it is written "bits/rate/channels", such as 24/48000/2.
-struct DeviceFormat
-{
-    std::uint32_t bits = 16; ///< 8, 16, 24 or 32 bits of a sample
-    std::uint32_t rate = 48000;
-    std::uint32_t channels = 2; ///< 1 to 8
-
-    std::string text() const;
-    static std::optional<DeviceFormat> fromText(const std::string& text);
-
-    /// The 40 bytes of a WAVEFORMATEXTENSIBLE of whole-number samples, as a property store keeps them.
-    std::vector<std::uint8_t> bytes() const;
-
-    /// The format whose bytes() these are; no value for any other bytes.
-    static std::optional<DeviceFormat> fromBytes(const std::vector<std::uint8_t>& bytes);
-
-    /// Mask of the loudspeakers that the channels usually feed.
-    std::uint32_t speakers() const;
-};
 }
