@@ -1,0 +1,99 @@
+#include "simulator/machineidentity.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "simulator/machinenames.h"
+#include "simulator/machinenodetypes.h"
+
+namespace sim
+{
+namespace
+{
+/// FNV-1a, with its usual constants.
+std::uint64_t hash(const std::string& text)
+{
+    std::uint64_t value = 0xCBF29CE484222325u;
+    for (const char character : text)
+    {
+        value ^= static_cast<unsigned char>(character);
+        value *= 0x100000001B3u;
+    }
+    return value;
+}
+
+std::string lowerCase(std::string text)
+{
+    const auto lower = [](char unit)
+    { return unit >= 'A' && unit <= 'Z' ? static_cast<char>(unit - 'A' + 'a') : unit; };
+    std::transform(text.begin(), text.end(), text.begin(), lower);
+    return text;
+}
+}
+
+GUID derivedGuid(const std::string& seed)
+{
+    const std::uint64_t first = hash(seed + "\nfirst");
+    const std::uint64_t last = hash(seed + "\nlast");
+
+    GUID guid = {};
+    guid.Data1 = static_cast<std::uint32_t>(first >> 32);
+    guid.Data2 = static_cast<std::uint16_t>(first >> 16);
+    guid.Data3 = static_cast<std::uint16_t>((first & 0x0FFF) | 0x4000); // the version of random GUIDs
+    for (int index = 0; index < 8; ++index)
+        guid.Data4[index] = static_cast<unsigned char>(last >> (8 * index));
+    guid.Data4[0] = static_cast<unsigned char>((guid.Data4[0] & 0x3F) | 0x80); // and their variant
+    return guid;
+}
+
+std::string derivedHex(const std::string& seed, int digits)
+{
+    char text[17] = {};
+    std::snprintf(text, sizeof text, "%016llX", static_cast<unsigned long long>(hash(seed)));
+    return std::string(text).substr(16 - static_cast<std::size_t>(std::clamp(digits, 0, 16)));
+}
+
+std::string endpointId(EDataFlow flow, const GUID& guid)
+{
+    const std::string family = flow == eRender ? "{0.0.0.00000000}" : "{0.0.1.00000000}";
+    return family + "." + lowerCase(guidText(guid));
+}
+
+std::string boardInstance(const std::string& seed)
+{
+    return "HDAUDIO\\FUNC_01&VEN_" + derivedHex(seed + "/ven", 4) + "&DEV_" + derivedHex(seed + "/dev", 4) +
+           "&SUBSYS_" + derivedHex(seed + "/subsys", 8) + "&REV_1000\\4&" + derivedHex(seed + "/bus", 7) + "&0&0001";
+}
+
+std::string boardParent(const std::string& seed)
+{
+    return "PCI\\VEN_" + derivedHex(seed + "/ven", 4) + "&DEV_" + derivedHex(seed + "/bridge", 4) + "&SUBSYS_" +
+           derivedHex(seed + "/subsys", 8) + "&REV_03\\3&" + derivedHex(seed + "/slot", 7) + "&0&FB";
+}
+
+std::string usbInstance(const std::string& seed)
+{
+    return "USB\\VID_" + derivedHex(seed + "/vid", 4) + "&PID_" + derivedHex(seed + "/pid", 4) + "&MI_00\\7&" +
+           derivedHex(seed + "/port", 7) + "&0&0000";
+}
+
+std::string usbParent(const std::string& seed)
+{
+    return "USB\\VID_" + derivedHex(seed + "/vid", 4) + "&PID_" + derivedHex(seed + "/pid", 4) + "\\" +
+           derivedHex(seed + "/serial", 12);
+}
+
+std::string adapterId(const std::string& instanceId)
+{
+    std::string path = lowerCase(instanceId);
+    std::replace(path.begin(), path.end(), '\\', '#');
+    return "{2}.\\\\?\\" + path + "#" + lowerCase(guidText(nodetypes::stream)) + "\\topo";
+}
+
+std::string partId(const std::string& deviceId, std::uint32_t localId)
+{
+    char text[9] = {};
+    std::snprintf(text, sizeof text, "%08lx", static_cast<unsigned long>(localId));
+    return deviceId + "/" + text;
+}
+}

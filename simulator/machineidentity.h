@@ -1,0 +1,31 @@
+/// Ids as real machines have them, derived from a text: equal texts give equal ids.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/coreaudio.h"
+
+namespace sim
+{
+/// A GUID that depends on @p seed alone.
+GUID derivedGuid(const std::string& seed);
+
+/// @p digits upper-case hexadecimal digits that depend on @p seed alone, at most 16.
+std::string derivedHex(const std::string& seed, int digits);
+
+/// "{0.0.0.00000000}.{guid}" for a render, "{0.0.1.00000000}.{guid}" for a capture endpoint.
+std::string endpointId(EDataFlow flow, const GUID& guid);
+
+/// A device instance and the one above it: a codec on the board's audio bus, or one function of a USB device.
+std::string boardInstance(const std::string& seed);
+std::string boardParent(const std::string& seed);
+std::string usbInstance(const std::string& seed);
+std::string usbParent(const std::string& seed);
+
+/// "{2}.\\?\hdaudio#...#{category}\topo", the id of the adapter device behind a device instance.
+std::string adapterId(const std::string& instanceId);
+
+/// The global id of a part: the device's id, then the local id.
+std::string partId(const std::string& deviceId, std::uint32_t localId);
+}
