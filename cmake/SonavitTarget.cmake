@@ -78,6 +78,7 @@ function(sonavit_configure_library target buildingDefinition)
                SOVERSION "${PROJECT_VERSION_MAJOR}"
                PREFIX "lib"
                IMPORT_PREFIX "lib"
+               INSTALL_RPATH "\$ORIGIN"
   )
   if(BUILD_SHARED_LIBS)
     target_compile_definitions(${target} PUBLIC SONAVIT_SHARED PRIVATE ${buildingDefinition})

@@ -1,0 +1,36 @@
+# Sourced: running steps whose output matters only when they fail. Wants the project's folder in $root.
+
+logs="$root/build/logs"
+
+# quietly NAME COMMAND...: keeps the output in a log, and shows the end of it on standard error when COMMAND fails.
+quietly() {
+    local name=$1 result=0
+    shift
+    mkdir -p "$logs"
+    "$@" >"$logs/$name.log" 2>&1 </dev/null || result=$?
+    if [ $result -ne 0 ]; then
+        tail -n 150 "$logs/$name.log" >&2
+        echo "failed ($result): $* (see $logs/$name.log)" >&2
+    fi
+    return $result
+}
+
+# configure PRESET [OPTION...]: a build folder that was made for another place (a moved or copied tree) starts anew.
+configure() {
+    local preset=$1 folder="$root/build/$1"
+    shift
+    if [ -f "$folder/CMakeCache.txt" ] && ! grep -qxF "CMAKE_HOME_DIRECTORY:INTERNAL=$root" "$folder/CMakeCache.txt"; then
+        rm -rf "$folder"
+    fi
+    quietly "$preset-configure" cmake -S "$root" --preset "$preset" "$@"
+}
+
+# build PRESET [TARGET...]
+build() {
+    local preset=$1 targets=()
+    shift
+    if [ $# -gt 0 ]; then
+        targets=(--target "$@")
+    fi
+    quietly "$preset-build" cmake --build "$root/build/$preset" --parallel "$(nproc)" "${targets[@]}"
+}
