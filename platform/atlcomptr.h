@@ -33,18 +33,11 @@ public:
             p->AddRef();
     }
 
-    CComPtr(const CComPtr& other) : CComPtr(other.p)
-    {
-    }
+    CComPtr(const CComPtr& other) : CComPtr(other.p) {}
 
-    CComPtr(CComPtr&& other) noexcept : p(other.Detach())
-    {
-    }
+    CComPtr(CComPtr&& other) noexcept : p(other.Detach()) {}
 
-    ~CComPtr()
-    {
-        Release();
-    }
+    ~CComPtr() { Release(); }
 
     /// Lets go of what was held and shares @p object; its reference is taken first, so assigning to oneself is safe.
     T* operator=(T* object)
@@ -91,25 +84,13 @@ public:
     }
 
     /// The place for a platform call to store a reference in; use it on an empty pointer only.
-    T** operator&() noexcept
-    {
-        return &p;
-    }
+    T** operator&() noexcept { return &p; }
 
-    operator T*() const noexcept
-    {
-        return p;
-    }
+    operator T*() const noexcept { return p; }
 
-    T& operator*() const
-    {
-        return *p;
-    }
+    T& operator*() const { return *p; }
 
-    T* operator->() const noexcept
-    {
-        return p;
-    }
+    T* operator->() const noexcept { return p; }
 
     T* p = nullptr;
 
@@ -122,6 +103,6 @@ private:
     }
 };
 
-} // namespace ATL
+}
 
 #endif

@@ -29,4 +29,4 @@ inline LONG interlockedDecrement(volatile LONG* counter)
 #endif
 }
 
-} // namespace platform
+}

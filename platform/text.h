@@ -40,4 +40,4 @@ inline const unsigned short* wide(const unsigned short* text)
 
 #endif
 
-} // namespace platform
+}

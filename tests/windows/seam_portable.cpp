@@ -21,8 +21,8 @@ seam::Table readTable()
     return table;
 }
 
-} // namespace
-} // namespace portable
+}
+}
 
 seam::Table seam::portableTable()
 {

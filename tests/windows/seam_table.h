@@ -103,7 +103,7 @@ inline std::string bytesOf(const void* data, std::size_t size)
     return text;
 }
 
-} // namespace seam
+}
 
 // The vocabulary of seam_contents.inc. It is read inside a function that has a `Table table`.
 #define SEAM_INTERFACE(name, base)                                                        \

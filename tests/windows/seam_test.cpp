@@ -46,7 +46,7 @@ using SeamLayouts = Seam;
 using SeamIdentifiers = Seam;
 using SeamConstants = Seam;
 
-} // namespace
+}
 
 TEST_F(SeamInterfaces, TheMeasureFindsPlacesThatAreKnown)
 {
