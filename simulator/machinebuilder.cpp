@@ -12,13 +12,10 @@ namespace sim
 {
 namespace
 {
-constexpr std::uint32_t firstConnector = 0x00010000;
-constexpr std::uint32_t firstSubunit = 0x00020000;
-
-void giveIds(Part& part, const std::string& deviceId, std::uint32_t first, std::size_t position)
+void giveIds(Part& part, const std::string& deviceId, std::uint32_t localId)
 {
-    part.localId = first + static_cast<std::uint32_t>(position);
-    part.id = partId(deviceId, part.localId);
+    part.localId = localId;
+    part.id = partId(deviceId, localId);
 }
 
 void removeId(std::vector<std::string>& ids, const std::string& id)
@@ -48,7 +45,7 @@ Properties usualProperties(const std::string& description, const std::string& ca
 Topology oneConnector(const std::string& deviceId, DataFlow direction)
 {
     Connector connector;
-    giveIds(connector, deviceId, firstConnector, 0);
+    giveIds(connector, deviceId, usualConnectorLocalId(0));
     connector.type = Physical_Internal;
     connector.direction = direction;
 
@@ -159,7 +156,7 @@ std::string CardBuilder::connector(Text name, const GUID& type, DataFlow directi
 {
     Topology& topology = *adapter().topology;
     Connector connector;
-    giveIds(connector, adapter().id, firstConnector, topology.connectors.size());
+    giveIds(connector, adapter().id, usualConnectorLocalId(topology.connectors.size()));
     connector.name = std::move(name);
     connector.subType = type;
     connector.direction = direction;
@@ -171,7 +168,7 @@ std::string CardBuilder::connector(Text name, const GUID& type, DataFlow directi
 std::string CardBuilder::subunit(Subunit subunit)
 {
     Topology& topology = *adapter().topology;
-    giveIds(subunit, adapter().id, firstSubunit, topology.subunits.size());
+    giveIds(subunit, adapter().id, usualSubunitLocalId(topology.subunits.size()));
     topology.subunits.push_back(std::move(subunit));
     return topology.subunits.back().id;
 }

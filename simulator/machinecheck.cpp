@@ -4,6 +4,7 @@
 #include <set>
 #include <utility>
 
+#include "simulator/machinejson.h"
 #include "simulator/machinekeys.h"
 #include "simulator/machinenames.h"
 #include "simulator/machinetext.h"
@@ -13,6 +14,8 @@ namespace sim
 namespace
 {
 constexpr std::size_t maximumChannels = 64;
+constexpr std::uint32_t allStates = stateActive | stateDisabled | stateNotPresent | stateUnplugged;
+constexpr const char* stateRange = "a state or a sum of states, 0 to 15";
 
 std::string inner(const std::string& place, const char* field)
 {
@@ -53,13 +56,15 @@ private:
 
     void requireNew(std::set<std::string>& known, const std::string& id, const std::string& place)
     {
-        if (require(!id.empty(), place, "an id", quoted(id)))
-            require(known.insert(id).second, place, "an id that is not given yet", quoted(id) + " for the second time");
+        if (require(!id.empty(), place, "an id", inQuotes(id)))
+            require(known.insert(id).second, place, "an id that is not given yet",
+                    inQuotes(id) + " for the second time");
     }
 
     void devices();
     void device(const Device& device, const std::string& place);
     void properties(const Properties& properties, const std::string& place);
+    void propertyValue(const PropertyValue& value, const std::string& place);
     void endpointVolume(const EndpointVolume& volume, const std::string& place);
     void topology(const Topology& topology, const std::string& place);
     void part(const Part& part, const Topology& topology, const std::string& place);
@@ -71,6 +76,7 @@ private:
     void deviceInstances();
     void script();
     void event(const ScriptEvent& event, const std::string& place);
+    void volumeEvent(const ScriptEvent& event, const Endpoint& endpoint, const std::string& place);
     void faults();
     void latency();
 
@@ -102,11 +108,8 @@ void Check::devices()
 
 void Check::device(const Device& device, const std::string& place)
 {
-    constexpr std::uint32_t allStates = stateActive | stateDisabled | stateNotPresent | stateUnplugged;
-
     requireNew(m_deviceIds, device.id, inner(place, "id"));
-    require((device.state & ~allStates) == 0, inner(place, "state"), "a state or a sum of states, 0 to 15",
-            std::to_string(device.state));
+    require((device.state & ~allStates) == 0, inner(place, "state"), stateRange, std::to_string(device.state));
     properties(device.properties, inner(place, "properties"));
     if (device.topology)
         topology(*device.topology, inner(place, "topology"));
@@ -118,8 +121,16 @@ void Check::properties(const Properties& properties, const std::string& place)
     for (const Property& property : properties)
     {
         const std::string key = keyText(property.key);
-        require(keys.insert(key).second, place, "each property once", quoted(key) + " for the second time");
+        require(keys.insert(key).second, place, "each property once", inQuotes(key) + " for the second time");
+        propertyValue(property.value, place + pointerStep(key));
     }
+}
+
+void Check::propertyValue(const PropertyValue& value, const std::string& place)
+{
+    const bool isNumber = !nameOf(numberTagNames, value.tag).empty();
+    const bool isKnown = isNumber || value.tag == VT_EMPTY || value.tag == VT_LPWSTR || value.tag == VT_BLOB;
+    require(isKnown, place, "an empty value, a text, a number or a blob", "the tag " + std::to_string(value.tag));
 }
 
 void Check::endpointVolume(const EndpointVolume& volume, const std::string& place)
@@ -130,7 +141,7 @@ void Check::endpointVolume(const EndpointVolume& volume, const std::string& plac
         level(volume.channels[index], volume.minimum, volume.maximum, inner(inner(place, "channels"), index));
     for (std::size_t index = 0; index < volume.refused.size(); ++index)
         require(isEndpointVolumeOperation(volume.refused[index]), inner(inner(place, "refused"), index),
-                "an operation of IAudioEndpointVolume", quoted(volume.refused[index]));
+                "an operation of IAudioEndpointVolume", inQuotes(volume.refused[index]));
 }
 
 void Check::topology(const Topology& topology, const std::string& place)
@@ -200,7 +211,7 @@ void Check::partIds(const std::vector<std::string>& ids, const Topology& topolog
 {
     for (std::size_t index = 0; index < ids.size(); ++index)
         require(findPart(topology, ids[index]) != nullptr, inner(place, index), "the id of a part of this topology",
-                quoted(ids[index]));
+                inQuotes(ids[index]));
 }
 
 void Check::signalPaths(const Topology& topology, const std::string& place)
@@ -211,12 +222,12 @@ void Check::signalPaths(const Topology& topology, const std::string& place)
         const SignalPath& path = topology.signalPaths[index];
         const std::string pathPlace = inner(place, index);
         require(findPart(topology, path.from) != nullptr, inner(pathPlace, "from"), "the id of a part of this topology",
-                quoted(path.from));
+                inQuotes(path.from));
         require(findPart(topology, path.to) != nullptr, inner(pathPlace, "to"), "the id of a part of this topology",
-                quoted(path.to));
+                inQuotes(path.to));
         partIds(path.through, topology, inner(pathPlace, "through"));
         require(known.insert({path.from, path.to}).second, pathPlace, "each pair of parts once",
-                quoted(path.from) + " to " + quoted(path.to) + " for the second time");
+                inQuotes(path.from) + " to " + inQuotes(path.to) + " for the second time");
     }
 }
 
@@ -230,7 +241,7 @@ void Check::defaults()
             require(taken.insert({endpoint.flow, endpoint.defaultFor[role]}).second,
                     inner(inner(inner("/endpoints", index), "defaultFor"), role),
                     "a role that no endpoint of this flow has yet",
-                    quoted(nameOf(roleNames, endpoint.defaultFor[role])) + " for the second time");
+                    inQuotes(nameOf(roleNames, endpoint.defaultFor[role])) + " for the second time");
     }
 }
 
@@ -245,13 +256,13 @@ void Check::joins()
             require(join.toDevice.has_value(), place, "\"to\" or \"toDevice\"", "neither");
         else
             connectorId(join.to, inner(place, "to"));
-        require(join.from != join.to, inner(place, "to"), "another connector than \"from\"", quoted(join.to));
+        require(join.from != join.to, inner(place, "to"), "another connector than \"from\"", inQuotes(join.to));
     }
 }
 
 void Check::connectorId(const std::string& id, const std::string& place)
 {
-    require(m_machine.part(id).connector != nullptr, place, "the id of a connector", quoted(id));
+    require(m_machine.part(id).connector != nullptr, place, "the id of a connector", inQuotes(id));
 }
 
 void Check::deviceInstances()
@@ -272,15 +283,23 @@ void Check::event(const ScriptEvent& event, const std::string& place)
     const bool isDefault = event.kind == ScriptEvent::Kind::defaultChanged;
     const Endpoint* endpoint = m_machine.endpoint(event.endpoint);
     const bool hasEndpoint = endpoint != nullptr || (isDefault && event.endpoint.empty());
-    require(hasEndpoint, inner(place, "endpoint"), "the id of an endpoint", quoted(event.endpoint));
-    if (event.kind != ScriptEvent::Kind::volumeChanged || endpoint == nullptr)
-        return;
+    require(hasEndpoint, inner(place, "endpoint"), "the id of an endpoint", inQuotes(event.endpoint));
+    if (isDefault && endpoint != nullptr)
+        require(endpoint->flow == event.flow, inner(place, "flow"), "the flow of the endpoint",
+                inQuotes(nameOf(flowNames, event.flow)));
+    require((event.state & ~allStates) == 0, inner(place, "state"), stateRange, std::to_string(event.state));
+    propertyValue(event.value, inner(place, "value"));
+    if (event.kind == ScriptEvent::Kind::volumeChanged && endpoint != nullptr)
+        volumeEvent(event, *endpoint, place);
+}
 
-    const bool hasVolume = require(endpoint->volume.has_value(), inner(place, "endpoint"), "an endpoint with a volume",
-                                   quoted(event.endpoint));
+void Check::volumeEvent(const ScriptEvent& event, const Endpoint& endpoint, const std::string& place)
+{
+    const bool hasVolume = require(endpoint.volume.has_value(), inner(place, "endpoint"), "an endpoint with a volume",
+                                   inQuotes(event.endpoint));
     require(event.level || event.muted, place, "\"level\" or \"muted\"", "neither");
     if (event.level && hasVolume)
-        level(*event.level, endpoint->volume->minimum, endpoint->volume->maximum, inner(place, "level"));
+        level(*event.level, endpoint.volume->minimum, endpoint.volume->maximum, inner(place, "level"));
 }
 
 void Check::faults()
@@ -290,10 +309,10 @@ void Check::faults()
         const FaultRule& rule = m_machine.faults[index];
         const std::string place = inner("/faults", index);
         require(isOperation(rule.operation), inner(place, "operation"), "an operation of the simulated platform",
-                quoted(rule.operation));
+                inQuotes(rule.operation));
         const bool isKnown = m_deviceIds.count(rule.object) != 0 || m_partIds.count(rule.object) != 0;
         require(rule.object == "*" || isKnown, inner(place, "object"), "\"*\" or the id of a device or part",
-                quoted(rule.object));
+                inQuotes(rule.object));
     }
 }
 
@@ -305,9 +324,9 @@ void Check::latency()
         const std::string& operation = m_machine.latency[index].operation;
         const std::string place = inner(inner("/latency", index), "operation");
         require(operation == "*" || isOperation(operation), place, "\"*\" or an operation of the simulated platform",
-                quoted(operation));
+                inQuotes(operation));
         require(known.insert(operation).second, place, "an operation that has no latency yet",
-                quoted(operation) + " for the second time");
+                inQuotes(operation) + " for the second time");
     }
 }
 

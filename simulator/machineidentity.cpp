@@ -90,6 +90,16 @@ std::string adapterId(const std::string& instanceId)
     return "{2}.\\\\?\\" + path + "#" + lowerCase(guidText(nodetypes::stream)) + "\\topo";
 }
 
+std::uint32_t usualConnectorLocalId(std::size_t position)
+{
+    return 0x00010000 + static_cast<std::uint32_t>(position);
+}
+
+std::uint32_t usualSubunitLocalId(std::size_t position)
+{
+    return 0x00020000 + static_cast<std::uint32_t>(position);
+}
+
 std::string partId(const std::string& deviceId, std::uint32_t localId)
 {
     char text[9] = {};

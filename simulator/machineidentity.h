@@ -1,6 +1,7 @@
 /// Ids as real machines have them, derived from a text: equal texts give equal ids.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -25,6 +26,10 @@ std::string usbParent(const std::string& seed);
 
 /// "{2}.\\?\hdaudio#...#{category}\topo", the id of the adapter device behind a device instance.
 std::string adapterId(const std::string& instanceId);
+
+/// The local id that a connector or a subunit usually has at its position in the topology.
+std::uint32_t usualConnectorLocalId(std::size_t position);
+std::uint32_t usualSubunitLocalId(std::size_t position);
 
 /// The global id of a part: the device's id, then the local id.
 std::string partId(const std::string& deviceId, std::uint32_t localId);

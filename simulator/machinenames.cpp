@@ -118,6 +118,21 @@ std::optional<std::uint32_t> numberFromText(const std::string& text)
     return value <= UINT32_MAX ? std::optional<std::uint32_t>(static_cast<std::uint32_t>(value)) : std::nullopt;
 }
 
+std::optional<HRESULT> resultFromText(const std::string& text)
+{
+    const bool hasForm = text.size() == 10 && text.compare(0, 2, "0x") == 0;
+    if (!hasForm || !std::all_of(text.begin() + 2, text.end(), [](char unit) { return hexDigit(unit) >= 0; }))
+        return std::nullopt;
+    return static_cast<HRESULT>(hexNumber(text, 2, 8));
+}
+
+std::string resultText(HRESULT result)
+{
+    char text[11] = {};
+    std::snprintf(text, sizeof text, "0x%08lX", static_cast<unsigned long>(static_cast<std::uint32_t>(result)));
+    return text;
+}
+
 std::string nodeTypeText(const GUID& nodeType)
 {
     for (const NamedNodeType& named : namedNodeTypes)

@@ -53,6 +53,13 @@ inline constexpr Names<ScriptEvent::Kind, 8> eventNames = {{{"added", ScriptEven
                                                             {"volumeChanged", ScriptEvent::Kind::volumeChanged},
                                                             {"propertyChanged", ScriptEvent::Kind::propertyChanged}}};
 
+inline constexpr Names<bool Device::*, 2> interfaceNames = {
+    {{"IAudioClient", &Device::hasAudioClient}, {"IBaseFilter", &Device::hasBaseFilter}}};
+
+/// The tags of a property value that is a whole number.
+inline constexpr Names<VARTYPE, 6> numberTagNames = {
+    {{"VT_I4", 3}, {"VT_BOOL", 11}, {"VT_UI1", 17}, {"VT_UI2", 18}, {"VT_UI4", 19}, {"VT_UINT", 23}}};
+
 /// The value called @p name; no value where the table has no such name.
 template<class Value, std::size_t Size>
 std::optional<Value> valueOf(const Names<Value, Size>& names, std::string_view name)
@@ -85,6 +92,10 @@ std::optional<GUID> guidFromText(const std::string& text);
 
 /// A decimal number without sign, blanks or leading zeros that fits into 32 bits.
 std::optional<std::uint32_t> numberFromText(const std::string& text);
+
+/// "0x80004005", eight digits; no value for any other text.
+std::optional<HRESULT> resultFromText(const std::string& text);
+std::string resultText(HRESULT result);
 
 /// The kind of a jack or node by its name ("speaker", "volume"), or any other as a GUID text.
 std::string nodeTypeText(const GUID& nodeType);

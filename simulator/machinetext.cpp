@@ -1,24 +1,26 @@
 #include "simulator/machinetext.h"
 
-#include <cstdio>
-#include <cstdlib>
+#include <charconv>
+#include <cmath>
 
 namespace sim
 {
 std::string decimal(float value)
 {
-    constexpr int alwaysEnough = 9;
     char text[32] = {};
-    for (int digits = 1; digits <= alwaysEnough; ++digits)
-    {
-        std::snprintf(text, sizeof text, "%.*g", digits, static_cast<double>(value));
-        if (std::strtof(text, nullptr) == value)
-            break;
-    }
-    return text;
+    return std::string(text, std::to_chars(text, text + sizeof text, value).ptr);
 }
 
-std::string quoted(const std::string& text)
+std::optional<float> fromDecimal(const std::string& text)
+{
+    float value = 0.0f;
+    const char* const end = text.data() + text.size();
+    const std::from_chars_result result = std::from_chars(text.data(), end, value);
+    const bool isNumber = result.ec == std::errc() && result.ptr == end && std::isfinite(value);
+    return isNumber ? std::optional<float>(value) : std::nullopt;
+}
+
+std::string inQuotes(const std::string& text)
 {
     constexpr std::size_t longest = 100;
     if (text.size() <= longest)

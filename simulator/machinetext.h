@@ -1,6 +1,7 @@
 /// How values are shown in messages and written to machine files.
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace sim
@@ -8,6 +9,9 @@ namespace sim
 /// The shortest decimal text that reads back as exactly this value.
 std::string decimal(float value);
 
+/// The value of such a text; no value where it is not one, or too large.
+std::optional<float> fromDecimal(const std::string& text);
+
 /// @p text between double quotes, shortened where it is long.
-std::string quoted(const std::string& text);
+std::string inQuotes(const std::string& text);
 }
