@@ -2,6 +2,7 @@
 
 #include "qor/array.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -21,6 +22,12 @@ std::size_t length(const unsigned short* text)
     while (text[units] != 0)
         ++units;
     return units;
+}
+
+bool contains(const String& text, unsigned short unit)
+{
+    const unsigned short* const end = text.getUCS2Buffer() + text.size();
+    return std::find(text.getUCS2Buffer(), end, unit) != end;
 }
 
 unsigned short folded(unsigned short unit)
@@ -211,13 +218,12 @@ String String::subString(unsigned int start, unsigned int length) const
 
 Array<String> String::tokenize(const String& delimiters) const
 {
-    const std::u16string_view marks(reinterpret_cast<const char16_t*>(delimiters.getUCS2Buffer()), delimiters.size());
     const unsigned short* const text = getUCS2Buffer();
     Array<String> pieces;
     unsigned int start = 0;
     for (unsigned int i = 0; i <= size(); ++i)
     {
-        if (i < size() && marks.find(static_cast<char16_t>(text[i])) == std::u16string_view::npos)
+        if (i < size() && !contains(delimiters, text[i]))
             continue;
         if (i > start)
             pieces.append(subString(start, i - start));
@@ -230,12 +236,8 @@ String::Buffer* String::allocate(std::size_t capacity)
 {
     if (capacity > largestText)
         throw std::length_error("qor::String: text too long");
-    void* const memory = ::operator new(sizeof(Buffer) + capacity * sizeof(unsigned short));
-    Buffer* const buffer = static_cast<Buffer*>(memory);
-    new (&buffer->count) std::atomic<unsigned int>(1);
-    buffer->size = 0;
-    buffer->capacity = static_cast<unsigned int>(capacity);
-    return buffer;
+    void* const memory = ::operator new(sizeof(Buffer) + (capacity + 1) * sizeof(unsigned short));
+    return ::new (memory) Buffer{{1}, 0, static_cast<unsigned int>(capacity)};
 }
 
 void String::deallocate(Buffer* buffer) noexcept
@@ -248,8 +250,8 @@ String::Buffer* String::copyOf(const unsigned short* text, std::size_t size)
     if (size == 0)
         return nullptr;
     Buffer* const buffer = allocate(size);
-    std::memcpy(buffer->text, text, size * sizeof(unsigned short));
-    buffer->text[size] = 0;
+    std::memcpy(buffer->text(), text, size * sizeof(unsigned short));
+    buffer->text()[size] = 0;
     buffer->size = static_cast<unsigned int>(size);
     return buffer;
 }
@@ -261,7 +263,7 @@ String::Buffer* String::widened(const char* text)
         return nullptr;
     Buffer* const buffer = allocate(size);
     for (std::size_t i = 0; i <= size; ++i)
-        buffer->text[i] = static_cast<unsigned char>(text[i]);
+        buffer->text()[i] = static_cast<unsigned char>(text[i]);
     buffer->size = static_cast<unsigned int>(size);
     return buffer;
 }
@@ -274,15 +276,15 @@ unsigned short* String::extend(std::size_t units)
     const bool own = m_buffer != nullptr && m_buffer->count.load(std::memory_order_acquire) == 1;
     if (!own || m_buffer->capacity < newSize)
     {
-        const std::size_t doubled = oldSize == 0 ? newSize : 2 * newSize;
-        Buffer* const larger = allocate(doubled < smallestCapacity ? smallestCapacity : doubled);
-        std::memcpy(larger->text, getUCS2Buffer(), oldSize * sizeof(unsigned short));
+        const std::size_t roomy = std::max(smallestCapacity, oldSize == 0 ? newSize : 2 * newSize);
+        Buffer* const larger = allocate(std::max(newSize, std::min(roomy, largestText)));
+        std::memcpy(larger->text(), getUCS2Buffer(), oldSize * sizeof(unsigned short));
         release(m_buffer);
         m_buffer = larger;
     }
-    m_buffer->text[newSize] = 0;
+    m_buffer->text()[newSize] = 0;
     m_buffer->size = static_cast<unsigned int>(newSize);
-    return m_buffer->text + oldSize;
+    return m_buffer->text() + oldSize;
 }
 
 String operator+(const char* left, const String& right)

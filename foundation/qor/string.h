@@ -75,7 +75,7 @@ public:
     /// The zero-terminated text, never null; valid until this object changes or dies.
     const unsigned short* getUCS2Buffer() const noexcept
     {
-        return m_buffer == nullptr ? emptyText : m_buffer->text;
+        return m_buffer == nullptr ? emptyText : m_buffer->text();
     }
 
     /// The text as UTF-8; surrogates without a partner become U+FFFD.
@@ -105,12 +105,17 @@ private:
         std::atomic<unsigned int> count;
         unsigned int size;
         unsigned int capacity;
-        unsigned short text[1]; // capacity + 1 units stand here
+
+        /// Room for capacity + 1 units, right behind these fields.
+        unsigned short* text() noexcept
+        {
+            return reinterpret_cast<unsigned short*>(this + 1);
+        }
     };
 
-    static void retain(Buffer* buffer) noexcept;
-    static void release(Buffer* buffer) noexcept;
-    static bool singleThreaded() noexcept;
+    static inline void retain(Buffer* buffer) noexcept;
+    static inline void release(Buffer* buffer) noexcept;
+    static inline bool singleThreaded() noexcept;
     static Buffer* allocate(std::size_t capacity);
     static void deallocate(Buffer* buffer) noexcept;
     static Buffer* copyOf(const unsigned short* text, std::size_t size);

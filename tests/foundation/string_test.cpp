@@ -1,0 +1,276 @@
+#include "qor/string.h"
+
+#include "qor/logging.h"
+#include "support/printers.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using qor::String;
+
+namespace
+{
+TEST(StringConstruction, ByDefaultGivesTheEmptyText)
+{
+    const String text;
+
+    EXPECT_EQ(0u, text.size());
+    EXPECT_EQ(String(""), text);
+}
+
+TEST(StringConstruction, MakesAValueOnePointerWide)
+{
+    EXPECT_EQ(sizeof(void*), sizeof(String));
+    EXPECT_EQ(sizeof(void*), sizeof(qor::LoggerStream));
+}
+
+TEST(StringConstruction, CopiesAnEightBitLiteral)
+{
+    const String text("Speaker");
+
+    EXPECT_EQ(7u, text.size());
+    EXPECT_EQ("Speaker", text.toUtf8());
+}
+
+TEST(StringConstruction, ReadsUnitsAbove7FAsLatin1)
+{
+    const String text("\xE9\xFF");
+
+    ASSERT_EQ(2u, text.size());
+    EXPECT_EQ(0xE9, text.getUCS2Buffer()[0]);
+    EXPECT_EQ(0xFF, text.getUCS2Buffer()[1]);
+}
+
+TEST(StringConstruction, CopiesUcs2TextSoThatTheSourceCanGoAtOnce)
+{
+    unsigned short source[] = {'a', 0x3B1, 0xFFFF, 0};
+
+    const String text(source);
+    source[0] = 'x';
+
+    ASSERT_EQ(3u, text.size());
+    EXPECT_EQ('a', text.getUCS2Buffer()[0]);
+    EXPECT_EQ(0x3B1, text.getUCS2Buffer()[1]);
+    EXPECT_EQ(0xFFFF, text.getUCS2Buffer()[2]);
+}
+
+TEST(StringConstruction, ReadsANullPointerAsTheEmptyText)
+{
+    EXPECT_EQ(String(), String(static_cast<const unsigned short*>(nullptr)));
+    EXPECT_EQ(String(), String(static_cast<const char*>(nullptr)));
+}
+
+TEST(StringConstruction, FromAnotherTextGivesAnIndependentCopy)
+{
+    String original("card");
+
+    const String copy(original);
+    original.append(" 1");
+
+    EXPECT_EQ(String("card"), copy);
+    EXPECT_EQ(String("card 1"), original);
+}
+
+TEST(StringConstruction, ByMovingLeavesTheEmptyText)
+{
+    String source("card");
+
+    const String target(std::move(source));
+
+    EXPECT_EQ(String("card"), target);
+    EXPECT_EQ(String(), source);
+}
+
+TEST(StringAssignment, ReplacesTheContentByThatOfAnotherText)
+{
+    String text("old");
+
+    String& result = text = String("new");
+
+    EXPECT_EQ(&text, &result);
+    EXPECT_EQ(String("new"), text);
+}
+
+TEST(StringAssignment, ReplacesTheContentByALiteral)
+{
+    String text("old");
+
+    String& result = text = "new";
+
+    EXPECT_EQ(&text, &result);
+    EXPECT_EQ(String("new"), text);
+}
+
+TEST(StringAssignment, CopiesUcs2TextSoThatTheSourceCanGoAtOnce)
+{
+    unsigned short source[] = {'n', 'e', 'w', 0};
+    String text("old");
+
+    String& result = text = source;
+    source[0] = 0;
+
+    EXPECT_EQ(&text, &result);
+    EXPECT_EQ(String("new"), text);
+}
+
+TEST(StringAssignment, OfANullPointerGivesTheEmptyText)
+{
+    String ucs2("old");
+    String narrow("old");
+
+    ucs2 = static_cast<const unsigned short*>(nullptr);
+    narrow = static_cast<const char*>(nullptr);
+
+    EXPECT_EQ(String(), ucs2);
+    EXPECT_EQ(String(), narrow);
+}
+
+TEST(StringAssignment, OfATextToItselfChangesNothing)
+{
+    String text("same");
+    const String& same = text;
+
+    text = same;
+
+    EXPECT_EQ(String("same"), text);
+}
+
+TEST(StringAssignment, OfAPieceOfItsOwnBufferKeepsThatPiece)
+{
+    String text("prefix-rest");
+
+    text = text.getUCS2Buffer() + 7;
+
+    EXPECT_EQ(String("rest"), text);
+}
+
+TEST(StringAppend, AddsALiteralAtTheEndAndReturnsTheObject)
+{
+    String text("Appending");
+
+    String& result = text.append(" device");
+
+    EXPECT_EQ(&text, &result);
+    EXPECT_EQ(String("Appending device"), text);
+}
+
+TEST(StringAppend, AddsATextAtTheEndAndReturnsTheObject)
+{
+    String text("left ");
+
+    String& result = text.append(String("right"));
+
+    EXPECT_EQ(&text, &result);
+    EXPECT_EQ(String("left right"), text);
+}
+
+TEST(StringAppend, ToTheEmptyTextGivesTheOther)
+{
+    String fromText;
+    String fromLiteral;
+
+    fromText.append(String("other"));
+    fromLiteral.append("other");
+
+    EXPECT_EQ(String("other"), fromText);
+    EXPECT_EQ(String("other"), fromLiteral);
+}
+
+TEST(StringAppend, OfNothingChangesNothing)
+{
+    String text("same");
+
+    text.append("").append(String()).append(static_cast<const char*>(nullptr));
+
+    EXPECT_EQ(String("same"), text);
+}
+
+TEST(StringAppend, OfTheTextToItselfDoublesIt)
+{
+    String text("ab");
+
+    text.append(text);
+    text.append(text);
+
+    EXPECT_EQ(String("abababab"), text);
+}
+
+TEST(StringAppend, ReadsUnitsAbove7FAsLatin1)
+{
+    String text("a");
+
+    text.append("\xE9");
+
+    EXPECT_EQ(0xE9, text.getUCS2Buffer()[1]);
+}
+
+TEST(StringAppend, KeepsTheTextZeroTerminatedWhileItGrows)
+{
+    String text;
+    std::string expected;
+
+    for (int i = 0; i < 500; ++i)
+    {
+        const char piece[] = {static_cast<char>('a' + i % 26), '\0'};
+        text.append(piece);
+        expected += piece;
+        ASSERT_EQ(expected.size(), text.size());
+        ASSERT_EQ(0, text.getUCS2Buffer()[text.size()]);
+    }
+
+    EXPECT_EQ(expected, text.toUtf8());
+}
+
+TEST(StringAppend, IsWhatPlusEqualsDoes)
+{
+    String text("left ");
+
+    String& result = text += String("right");
+
+    EXPECT_EQ(&text, &result);
+    EXPECT_EQ(String("left right"), text);
+}
+
+TEST(StringPlus, GivesANewTextWithTheLiteralFirst)
+{
+    const String right("7");
+
+    const String sum = "Asked for array of size: " + right;
+
+    EXPECT_EQ(String("Asked for array of size: 7"), sum);
+    EXPECT_EQ(String("7"), right);
+}
+
+TEST(StringClear, MakesTheContentEmpty)
+{
+    String text("content");
+
+    text.clear();
+
+    EXPECT_EQ(0u, text.size());
+    EXPECT_EQ(String(), text);
+}
+
+TEST(StringBuffer, IsTheZeroTerminatedText)
+{
+    const String text("ab");
+
+    const unsigned short* const buffer = text.getUCS2Buffer();
+
+    EXPECT_EQ('a', buffer[0]);
+    EXPECT_EQ('b', buffer[1]);
+    EXPECT_EQ(0, buffer[2]);
+}
+
+TEST(StringBuffer, OfTheEmptyTextIsNotNull)
+{
+    String cleared("x");
+    cleared.clear();
+
+    ASSERT_NE(nullptr, String().getUCS2Buffer());
+    EXPECT_EQ(0, *String().getUCS2Buffer());
+    ASSERT_NE(nullptr, cleared.getUCS2Buffer());
+    EXPECT_EQ(0, *cleared.getUCS2Buffer());
+}
+} // namespace

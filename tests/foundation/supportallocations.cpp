@@ -1,0 +1,142 @@
+#include "supportallocations.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace
+{
+constexpr unsigned int never = 0xFFFFFFFFu;
+
+struct Watch
+{
+    bool active;
+    unsigned int count;
+    std::size_t lastSize;
+    int balance;
+    unsigned int nothrowLeft; // successful ones of that form before all fail
+    unsigned int left;        // successful ones of either form before one fails
+};
+
+thread_local Watch watch = {false, 0, 0, 0, never, never};
+
+bool hasToFail(bool nothrow)
+{
+    if (nothrow && watch.nothrowLeft != never && watch.nothrowLeft-- == 0)
+    {
+        watch.nothrowLeft = 0;
+        return true;
+    }
+    return watch.left != never && watch.left-- == 0; // one failure leaves `never` behind
+}
+
+void* allocate(std::size_t size, bool nothrow)
+{
+    if (!watch.active)
+        return std::malloc(size == 0 ? 1 : size);
+    ++watch.count;
+    watch.lastSize = size;
+    void* const memory = hasToFail(nothrow) ? nullptr : std::malloc(size == 0 ? 1 : size);
+    watch.balance += memory == nullptr ? 0 : 1;
+    return memory;
+}
+
+void* allocateOrThrow(std::size_t size)
+{
+    void* const memory = allocate(size, false);
+    if (memory == nullptr)
+        throw std::bad_alloc();
+    return memory;
+}
+
+void deallocate(void* memory)
+{
+    if (watch.active && memory != nullptr)
+        --watch.balance;
+    std::free(memory);
+}
+} // namespace
+
+void* operator new(std::size_t size)
+{
+    return allocateOrThrow(size);
+}
+void* operator new[](std::size_t size)
+{
+    return allocateOrThrow(size);
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept
+{
+    return allocate(size, true);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
+{
+    return allocate(size, true);
+}
+void operator delete(void* memory) noexcept
+{
+    deallocate(memory);
+}
+void operator delete[](void* memory) noexcept
+{
+    deallocate(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept
+{
+    deallocate(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept
+{
+    deallocate(memory);
+}
+void operator delete(void* memory, const std::nothrow_t&) noexcept
+{
+    deallocate(memory);
+}
+void operator delete[](void* memory, const std::nothrow_t&) noexcept
+{
+    deallocate(memory);
+}
+
+namespace support
+{
+AllocationProbe::AllocationProbe()
+{
+    watch = {true, 0, 0, 0, never, never};
+}
+
+AllocationProbe::~AllocationProbe()
+{
+    watch = {false, 0, 0, 0, never, never};
+}
+
+unsigned int AllocationProbe::count() const
+{
+    return watch.count;
+}
+
+std::size_t AllocationProbe::lastSize() const
+{
+    return watch.lastSize;
+}
+
+int AllocationProbe::balance() const
+{
+    return watch.balance;
+}
+
+void AllocationProbe::failNothrow(unsigned int more)
+{
+    watch.nothrowLeft = more;
+}
+
+void AllocationProbe::failOnce(unsigned int more)
+{
+    watch.left = more;
+}
+
+void AllocationProbe::succeed()
+{
+    watch.nothrowLeft = never;
+    watch.left = never;
+}
+} // namespace support

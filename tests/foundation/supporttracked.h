@@ -1,0 +1,68 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace support
+{
+/// What a Tracked throws when it was asked to.
+struct Planned
+{
+};
+
+/// An element that writes down how it is copied and destroyed, and that throws there on demand.
+class Tracked
+{
+public:
+    explicit Tracked(int number) : m_number(number) { ++alive; }
+
+    Tracked(const Tracked& other) : m_number(other.m_number)
+    {
+        if (m_number == throwingCopy)
+            throw Planned();
+        ++alive;
+        note("copy");
+    }
+
+    Tracked& operator=(const Tracked& other)
+    {
+        m_number = other.m_number;
+        note("assign");
+        return *this;
+    }
+
+    ~Tracked() noexcept(false)
+    {
+        --alive;
+        note("destroy");
+        if (m_number == throwingDestruction)
+        {
+            throwingDestruction = nobody;
+            throw Planned();
+        }
+    }
+
+    int number() const { return m_number; }
+
+    /// Starts a test: nothing noted, nothing planned.
+    static void reset()
+    {
+        events.clear();
+        alive = 0;
+        throwingCopy = nobody;
+        throwingDestruction = nobody;
+    }
+
+    static constexpr int nobody = -1;
+
+    static inline std::vector<std::string> events; ///< "copy 3", "assign 3", "destroy 3"
+    static inline int alive = 0;
+    static inline int throwingCopy = nobody;        ///< copies of this number throw
+    static inline int throwingDestruction = nobody; ///< the next destruction of this number throws
+
+private:
+    void note(const char* what) const { events.push_back(what + (' ' + std::to_string(m_number))); }
+
+    int m_number;
+};
+} // namespace support
