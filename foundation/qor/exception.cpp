@@ -18,11 +18,13 @@ String boundsMessage(int low, int high, int index)
 }
 } // namespace
 
-Exception::Exception(const String& message) : m_message(message), m_utf8(message.toUtf8())
+Exception::Exception(const String& message)
+    : m_message(message),
+      m_utf8(std::make_shared<const std::string>(message.toUtf8()))
 {
 }
-Exception::Exception(const Exception& other) = default;
-Exception& Exception::operator=(const Exception& other) = default;
+Exception::Exception(const Exception& other) noexcept = default;
+Exception& Exception::operator=(const Exception& other) noexcept = default;
 Exception::~Exception() = default;
 
 AssertionFailure::AssertionFailure(const char* file, unsigned __int64 line, const char* expression)
@@ -32,13 +34,13 @@ AssertionFailure::AssertionFailure(const char* file, unsigned __int64 line, cons
       m_expression(expression)
 {
 }
-AssertionFailure::AssertionFailure(const AssertionFailure& other) = default;
+AssertionFailure::AssertionFailure(const AssertionFailure& other) noexcept = default;
 AssertionFailure::~AssertionFailure() = default;
 
 NullPointer::NullPointer(const String& message) : Exception(message)
 {
 }
-NullPointer::NullPointer(const NullPointer& other) = default;
+NullPointer::NullPointer(const NullPointer& other) noexcept = default;
 NullPointer::~NullPointer() = default;
 
 IndexOutOfBounds::IndexOutOfBounds(int low, int high, int index)
@@ -48,18 +50,18 @@ IndexOutOfBounds::IndexOutOfBounds(int low, int high, int index)
       m_index(index)
 {
 }
-IndexOutOfBounds::IndexOutOfBounds(const IndexOutOfBounds& other) = default;
+IndexOutOfBounds::IndexOutOfBounds(const IndexOutOfBounds& other) noexcept = default;
 IndexOutOfBounds::~IndexOutOfBounds() = default;
 
 SerializationFailed::SerializationFailed(const String& message) : Exception(message)
 {
 }
-SerializationFailed::SerializationFailed(const SerializationFailed& other) = default;
+SerializationFailed::SerializationFailed(const SerializationFailed& other) noexcept = default;
 SerializationFailed::~SerializationFailed() = default;
 
 HashKeyMissing::HashKeyMissing(const String& key) : Exception(key)
 {
 }
-HashKeyMissing::HashKeyMissing(const HashKeyMissing& other) = default;
+HashKeyMissing::HashKeyMissing(const HashKeyMissing& other) noexcept = default;
 HashKeyMissing::~HashKeyMissing() = default;
 } // namespace qor

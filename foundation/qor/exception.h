@@ -7,17 +7,19 @@
 #include "qor/string.h"
 
 #include <exception>
+#include <memory>
 #include <string>
 
 namespace qor
 {
-/// Base of the family; a handler for it receives every exception of the library.
+/// Base of the family; a handler for it receives every exception of the library. Copies share their texts, so that
+/// copying one while it is thrown cannot fail.
 class QOR_API Exception : public std::exception
 {
 public:
     explicit Exception(const String& message);
-    Exception(const Exception& other);
-    Exception& operator=(const Exception& other);
+    Exception(const Exception& other) noexcept;
+    Exception& operator=(const Exception& other) noexcept;
     ~Exception() override;
 
     /// What happened, in the words of the thrower.
@@ -29,12 +31,12 @@ public:
     /// message() as UTF-8; valid while this object lives.
     const char* what() const noexcept override
     {
-        return m_utf8.c_str();
+        return m_utf8->c_str();
     }
 
 private:
     String m_message;
-    std::string m_utf8;
+    std::shared_ptr<const std::string> m_utf8; // never null
 };
 
 /// A precondition that does not hold. The message is the expression.
@@ -45,7 +47,7 @@ public:
     /// @param line source line of the check
     /// @param expression the words of the precondition, a literal
     AssertionFailure(const char* file, unsigned __int64 line, const char* expression);
-    AssertionFailure(const AssertionFailure& other);
+    AssertionFailure(const AssertionFailure& other) noexcept;
     ~AssertionFailure() override;
 
     const char* file() const noexcept
@@ -72,7 +74,7 @@ class QOR_API NullPointer : public Exception
 {
 public:
     explicit NullPointer(const String& message);
-    NullPointer(const NullPointer& other);
+    NullPointer(const NullPointer& other) noexcept;
     ~NullPointer() override;
 };
 
@@ -84,7 +86,7 @@ public:
     /// @param high largest valid index, -1 where there is none
     /// @param index the index asked for; indexes from 0x80000000 on read as negative
     IndexOutOfBounds(int low, int high, int index);
-    IndexOutOfBounds(const IndexOutOfBounds& other);
+    IndexOutOfBounds(const IndexOutOfBounds& other) noexcept;
     ~IndexOutOfBounds() override;
 
     int low() const noexcept
@@ -111,7 +113,7 @@ class QOR_API SerializationFailed : public Exception
 {
 public:
     explicit SerializationFailed(const String& message);
-    SerializationFailed(const SerializationFailed& other);
+    SerializationFailed(const SerializationFailed& other) noexcept;
     ~SerializationFailed() override;
 };
 
@@ -120,7 +122,7 @@ class QOR_API HashKeyMissing : public Exception
 {
 public:
     explicit HashKeyMissing(const String& key);
-    HashKeyMissing(const HashKeyMissing& other);
+    HashKeyMissing(const HashKeyMissing& other) noexcept;
     ~HashKeyMissing() override;
 
     const String& key() const noexcept

@@ -1,0 +1,128 @@
+#include "qor/exception.h"
+
+#include "support/printers.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <type_traits>
+
+using qor::String;
+
+namespace
+{
+template<class Thrown>
+Thrown thrown(const Thrown& exception)
+{
+    try
+    {
+        throw exception;
+    }
+    catch (const qor::Exception& caught)
+    {
+        return dynamic_cast<const Thrown&>(caught);
+    }
+}
+
+TEST(ExceptionFamily, IsReceivedByAHandlerOfTheBase)
+{
+    EXPECT_THROW(throw qor::AssertionFailure("file", 1, "x"), qor::Exception);
+    EXPECT_THROW(throw qor::NullPointer("x"), qor::Exception);
+    EXPECT_THROW(throw qor::IndexOutOfBounds(0, 0, 1), qor::Exception);
+    EXPECT_THROW(throw qor::SerializationFailed("x"), qor::Exception);
+    EXPECT_THROW(throw qor::HashKeyMissing("x"), qor::Exception);
+}
+
+TEST(ExceptionFamily, IsReceivedByAHandlerOfTheStandardBase)
+{
+    EXPECT_THROW(throw qor::NullPointer("x"), std::exception);
+}
+
+template<class T>
+class ExceptionType : public testing::Test
+{
+};
+
+using Types = testing::Types<qor::Exception, qor::AssertionFailure, qor::NullPointer, qor::IndexOutOfBounds,
+                             qor::SerializationFailed, qor::HashKeyMissing>;
+TYPED_TEST_SUITE(ExceptionType, Types);
+
+TYPED_TEST(ExceptionType, HasAVirtualDestructor)
+{
+    EXPECT_TRUE(std::has_virtual_destructor_v<TypeParam>);
+}
+
+TYPED_TEST(ExceptionType, IsCopiedWithoutAFurtherFailure)
+{
+    EXPECT_TRUE(std::is_nothrow_copy_constructible_v<TypeParam>);
+}
+
+TEST(ExceptionMessage, IsOfferedAsTextAndAsUtf8)
+{
+    const unsigned short alpha[] = {0x3B1, 0};
+
+    const qor::Exception exception = thrown(qor::Exception(alpha));
+
+    EXPECT_EQ(String(alpha), exception.message());
+    EXPECT_STREQ("\xCE\xB1", exception.what());
+}
+
+TEST(ExceptionMessage, OfACopyOutlivesTheOriginal)
+{
+    qor::Exception copy("");
+    {
+        const qor::NullPointer original("Asked for array of size: 9");
+        copy = original;
+    }
+
+    EXPECT_STREQ("Asked for array of size: 9", copy.what());
+    EXPECT_EQ(String("Asked for array of size: 9"), copy.message());
+}
+
+TEST(AssertionFailure, CarriesFileLineAndExpression)
+{
+    const qor::AssertionFailure failure =
+        thrown(qor::AssertionFailure("audiopart.cpp", 0x100000001ULL, "partlist != NULL"));
+
+    EXPECT_STREQ("audiopart.cpp", failure.file());
+    EXPECT_EQ(0x100000001ULL, failure.line());
+    EXPECT_STREQ("partlist != NULL", failure.expression());
+    EXPECT_EQ(String("partlist != NULL"), failure.message());
+}
+
+TEST(NullPointer, CarriesItsMessage)
+{
+    EXPECT_EQ(String("Asked for array of size: 0"), thrown(qor::NullPointer("Asked for array of size: 0")).message());
+}
+
+TEST(IndexOutOfBounds, CarriesLowHighAndIndex)
+{
+    const qor::IndexOutOfBounds exception = thrown(qor::IndexOutOfBounds(0, 7, 8));
+
+    EXPECT_EQ(0, exception.low());
+    EXPECT_EQ(7, exception.high());
+    EXPECT_EQ(8, exception.index());
+    EXPECT_EQ(String("index 8 not in 0..7"), exception.message());
+}
+
+TEST(IndexOutOfBounds, WritesNegativeNumbersAsTheyAre)
+{
+    const qor::IndexOutOfBounds exception(0, -1, std::numeric_limits<int>::min());
+
+    EXPECT_STREQ("index -2147483648 not in 0..-1", exception.what());
+}
+
+TEST(SerializationFailed, CarriesItsMessage)
+{
+    EXPECT_EQ(String("Serialization is not supported for: x"),
+              thrown(qor::SerializationFailed("Serialization is not supported for: x")).message());
+}
+
+TEST(HashKeyMissing, CarriesTheKeyAsItsMessage)
+{
+    const qor::HashKeyMissing exception = thrown(qor::HashKeyMissing("{1}.HDAUDIO"));
+
+    EXPECT_EQ(String("{1}.HDAUDIO"), exception.key());
+    EXPECT_EQ(String("{1}.HDAUDIO"), exception.message());
+}
+} // namespace
