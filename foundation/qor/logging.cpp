@@ -8,6 +8,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <utility>
 
 namespace qor
 {
@@ -19,7 +20,7 @@ struct Registry
     std::mutex channelsMutex;
     std::map<std::string, std::unique_ptr<Logger>> channels;
     std::recursive_mutex sinkMutex; // recursive: a sink may let go of the last handle on something that logs
-    LogFactory::Sink sink;
+    std::shared_ptr<const LogFactory::Sink> sink; // null for the default
 };
 
 /// Apart from the registry, constant at start-up: it is read ahead of every message, built or not.
@@ -63,8 +64,9 @@ void deliver(const LogRecord& record)
 {
     Registry& log = registry();
     const std::lock_guard<std::recursive_mutex> lock(log.sinkMutex);
-    if (log.sink)
-        log.sink(record);
+    const std::shared_ptr<const LogFactory::Sink> sink = log.sink; // stays whole while it runs, even if it sets another
+    if (sink != nullptr)
+        (*sink)(record);
     else
         writeToStandardError(record);
 }
@@ -134,9 +136,10 @@ Logger& LogFactory::logger(const char* channel)
 
 void LogFactory::setSink(Sink sink)
 {
+    std::shared_ptr<const Sink> next = sink ? std::make_shared<const Sink>(std::move(sink)) : nullptr;
     Registry& log = registry();
     const std::lock_guard<std::recursive_mutex> lock(log.sinkMutex);
-    log.sink.swap(sink);
+    log.sink.swap(next); // the old one dies behind the lock
 }
 
 TraceLogger::TraceLogger(Logger* logger, const char* label, const char* file, int line)

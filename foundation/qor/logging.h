@@ -32,6 +32,7 @@ public:
     LoggerStream(const LoggerStream& other);
     LoggerStream& operator=(const LoggerStream& other);
     ~LoggerStream();
+    using String::operator=;
 
     /// Adds the decimal text of @p value. @return this object
     LoggerStream& operator+(int value);

@@ -1,0 +1,156 @@
+#include "qor/logstatement.h"
+
+#include "support/logcapture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+using qor::LoggerPriority;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+namespace scopelog
+{
+constexpr const char* channel = "test.scope";
+qor::LoggerSlot logger;
+} // namespace scopelog
+
+namespace traceonlylog
+{
+constexpr const char* channel = "test.scope.traceOnly";
+qor::LoggerSlot logger;
+} // namespace traceonlylog
+
+void inner()
+{
+    SONAVIT_TRACE(scopelog, "Inner::inner()");
+}
+
+void outer()
+{
+    SONAVIT_TRACE(scopelog, "Outer::outer(const IPart* part)");
+    inner();
+}
+
+TEST(TraceLogger, RecordsEntryAndLeavingUnderItsLabel)
+{
+    support::LogCapture log;
+
+    inner();
+
+    EXPECT_THAT(log.entered("test.scope"), ElementsAre("Inner::inner()"));
+    EXPECT_THAT(log.left("test.scope"), ElementsAre("Inner::inner()"));
+}
+
+TEST(TraceLogger, EndsInnerFunctionsBeforeOuterOnes)
+{
+    support::LogCapture log;
+
+    outer();
+
+    EXPECT_THAT(log.entered(), ElementsAre("Outer::outer(const IPart* part)", "Inner::inner()"));
+    EXPECT_THAT(log.left(), ElementsAre("Inner::inner()", "Outer::outer(const IPart* part)"));
+}
+
+TEST(TraceLogger, RecordsLeavingWhenAnExceptionPasses)
+{
+    support::LogCapture log;
+
+    const auto throwing = []
+    {
+        SONAVIT_TRACE(scopelog, "throwing()");
+        throw 1;
+    };
+
+    EXPECT_THROW(throwing(), int);
+    EXPECT_THAT(log.left(), ElementsAre("throwing()"));
+}
+
+TEST(TraceLogger, NamesFileLineChannelAndPriorityInBothRecords)
+{
+    support::LogCapture log;
+
+    {
+        const qor::TraceLogger trace(&qor::LogFactory::logger("test.scope"), "label", "file.cpp", 168);
+    }
+
+    const std::vector<support::LogCapture::Record> records = log.records();
+    ASSERT_EQ(2u, records.size());
+    EXPECT_EQ(qor::LogRecord::Kind::enter, records[0].kind);
+    EXPECT_EQ(qor::LogRecord::Kind::leave, records[1].kind);
+    for (const support::LogCapture::Record& record : records)
+    {
+        EXPECT_EQ(LoggerPriority::LOG_DEBUG, record.priority);
+        EXPECT_EQ("test.scope", record.channel);
+        EXPECT_EQ("file.cpp", record.file);
+        EXPECT_EQ(168, record.line);
+    }
+}
+
+TEST(TraceLogger, WithANullLoggerDoesNothing)
+{
+    support::LogCapture log;
+
+    {
+        const qor::TraceLogger trace(nullptr, "label", "file.cpp", 168);
+    }
+
+    EXPECT_THAT(log.records(), IsEmpty());
+}
+
+TEST(TraceLogger, WithMinimum2GetsNoLogger)
+{
+    support::LogCapture log(LoggerPriority::LOG_INFO);
+
+    EXPECT_EQ(nullptr, qor::traceLogger(scopelog::channel, scopelog::logger));
+    inner();
+
+    EXPECT_THAT(log.records(), IsEmpty());
+}
+
+TEST(TraceLogger, WithMinimum2MakesNoLoggerForATraceOnlyPath)
+{
+    support::LogCapture log(LoggerPriority::LOG_INFO);
+
+    {
+        SONAVIT_TRACE(traceonlylog, "traceOnly()");
+    }
+
+    EXPECT_EQ(nullptr, traceonlylog::logger.load());
+}
+
+TEST(TraceLogger, WithMinimum1GetsTheChannelsLoggerMadeOnFirstUse)
+{
+    support::LogCapture log(LoggerPriority::LOG_DEBUG);
+
+    EXPECT_EQ(&qor::LogFactory::logger("test.scope"), qor::traceLogger(scopelog::channel, scopelog::logger));
+    EXPECT_EQ(&qor::LogFactory::logger("test.scope"), scopelog::logger.load());
+}
+
+TEST(TraceLogger, StaysSilentOnAChannelWhoseThresholdIs1)
+{
+    support::LogCapture log(LoggerPriority::LOG_DEBUG);
+    log.setThreshold(scopelog::channel, 1);
+
+    EXPECT_EQ(nullptr, qor::traceLogger(scopelog::channel, scopelog::logger));
+    inner();
+
+    EXPECT_THAT(log.records(), IsEmpty());
+}
+
+TEST(TraceLogger, LeavesUnderTheLoggerThatItEnteredWith)
+{
+    support::LogCapture log;
+
+    {
+        SONAVIT_TRACE(scopelog, "label");
+        qor::LogFactory::setPriority(LoggerPriority::LOG_FATAL);
+    }
+
+    EXPECT_THAT(log.left(), ElementsAre("label"));
+}
+} // namespace
