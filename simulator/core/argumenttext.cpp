@@ -1,0 +1,73 @@
+#include "simulator/core/argumenttext.h"
+
+#include "simulator/core/interfaces.h"
+#include "simulator/core/text.h"
+#include "simulator/machinekeys.h"
+#include "simulator/machinenames.h"
+#include "simulator/machinetext.h"
+
+namespace sim
+{
+namespace
+{
+template<class... Interfaces>
+const char* nameAmong(REFIID iid)
+{
+    const char* name = nullptr;
+    (void)((IsEqualGUID(iid, InterfaceTraits<Interfaces>::iid()) && (name = InterfaceTraits<Interfaces>::name)) || ...);
+    return name;
+}
+
+constexpr GUID enumeratorClass = {0xBCDE0395, 0xE52F, 0x467C, {0x8E, 0x3D, 0xC4, 0x57, 0x92, 0x91, 0x69, 0x2E}};
+}
+
+std::string argumentText(REFIID iid)
+{
+    const char* const name =
+        nameAmong<IUnknown, IMMDeviceEnumerator, IMMDeviceCollection, IMMDevice, IMMEndpoint, IMMNotificationClient,
+                  IPropertyStore, IDeviceTopology, IPart, IConnector, ISubunit, IPartsList, IControlInterface,
+                  IControlChangeNotify, IPerChannelDbLevel, IAudioVolumeLevel, IAudioMute, IAudioInputSelector,
+                  IAudioEndpointVolume, IAudioEndpointVolumeCallback, IAudioClient, IPersist, IMediaFilter,
+                  IBaseFilter>(iid);
+    if (name != nullptr)
+        return name;
+    return IsEqualGUID(iid, enumeratorClass) ? "MMDeviceEnumerator" : guidText(iid);
+}
+
+std::string argumentText(const PROPERTYKEY& key)
+{
+    return keyText(key);
+}
+
+std::string argumentText(const WCHAR* text)
+{
+    return text == nullptr ? "null" : utf8(text);
+}
+
+std::string argumentText(const std::string& text)
+{
+    return text;
+}
+
+std::string argumentText(const GUID* context)
+{
+    return context == nullptr ? "null" : guidText(*context);
+}
+
+std::string argumentText(EDataFlow flow)
+{
+    static constexpr const char* names[] = {"eRender", "eCapture", "eAll"};
+    return flow >= eRender && flow <= eAll ? names[flow] : std::to_string(static_cast<int>(flow));
+}
+
+std::string argumentText(ERole role)
+{
+    static constexpr const char* names[] = {"eConsole", "eMultimedia", "eCommunications"};
+    return role >= eConsole && role <= eCommunications ? names[role] : std::to_string(static_cast<int>(role));
+}
+
+std::string argumentText(float number)
+{
+    return decimal(number);
+}
+}

@@ -1,0 +1,145 @@
+#include "simulator/core/hardware.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace sim
+{
+namespace
+{
+std::string lowered(std::string text)
+{
+    for (char& character : text)
+    {
+        if (character >= 'A' && character <= 'Z')
+            character = static_cast<char>(character - 'A' + 'a');
+    }
+    return text;
+}
+}
+
+Hardware::Hardware(Machine machine) : m_machine(std::move(machine))
+{
+    reindex();
+}
+
+Machine& Hardware::machine()
+{
+    return m_machine;
+}
+
+const Machine& Hardware::machine() const
+{
+    return m_machine;
+}
+
+/// Of two things with one id the first in the machine's order counts, endpoints before adapters.
+void Hardware::reindex()
+{
+    m_endpoints.clear();
+    m_devices.clear();
+    m_devicesNoCase.clear();
+    m_parts.clear();
+    m_peers.clear();
+    m_pathsFrom.clear();
+
+    const auto index = [this](Device& device)
+    {
+        m_devices.emplace(device.id, &device);
+        m_devicesNoCase[lowered(device.id)].push_back(&device);
+        indexParts(device);
+    };
+    for (Endpoint& endpoint : m_machine.endpoints)
+    {
+        m_endpoints.emplace(endpoint.id, &endpoint);
+        index(endpoint);
+    }
+    for (Adapter& adapter : m_machine.adapters)
+        index(adapter);
+    indexJoins();
+}
+
+/// As Machine::peer(), for all connectors at once.
+void Hardware::indexJoins()
+{
+    const auto owner = [this](const std::string& connector)
+    {
+        const auto found = m_parts.find(connector);
+        return found == m_parts.end() ? Text() : Text(found->second.device->id);
+    };
+    for (const Join& join : m_machine.joins)
+    {
+        m_peers.emplace(join.from, Peer{join.toDevice ? join.toDevice : owner(join.to), join.to});
+        if (join.bothWays && !join.to.empty())
+            m_peers.emplace(join.to, Peer{owner(join.from), join.from});
+    }
+}
+
+void Hardware::indexParts(Device& device)
+{
+    if (!device.topology)
+        return;
+    for (Connector& connector : device.topology->connectors)
+        m_parts.emplace(connector.id, PartInPlace{&device, &connector, &connector});
+    for (Subunit& subunit : device.topology->subunits)
+        m_parts.emplace(subunit.id, PartInPlace{&device, &subunit, nullptr});
+    for (const SignalPath& path : device.topology->signalPaths)
+        m_pathsFrom[path.from].push_back(&path);
+}
+
+Device* Hardware::device(const std::string& id)
+{
+    const auto found = m_devices.find(id);
+    return found == m_devices.end() ? nullptr : found->second;
+}
+
+Endpoint* Hardware::endpoint(const std::string& id)
+{
+    const auto found = m_endpoints.find(id);
+    return found == m_endpoints.end() ? nullptr : found->second;
+}
+
+Device* Hardware::openDevice(const std::string& id)
+{
+    const auto found = m_devicesNoCase.find(lowered(id));
+    if (found == m_devicesNoCase.end())
+        return nullptr;
+    Device* nearly = nullptr;
+    for (Device* candidate : found->second)
+    {
+        if (!candidate->openable)
+            continue;
+        if (candidate->id == id)
+            return candidate;
+        nearly = nearly == nullptr ? candidate : nearly;
+    }
+    return nearly;
+}
+
+const PartInPlace* Hardware::part(const std::string& id) const
+{
+    const auto found = m_parts.find(id);
+    return found == m_parts.end() ? nullptr : &found->second;
+}
+
+std::optional<Peer> Hardware::peer(const std::string& connectorId) const
+{
+    const auto found = m_peers.find(connectorId);
+    return found == m_peers.end() ? std::nullopt : std::optional<Peer>(found->second);
+}
+
+const SignalPath* Hardware::signalPath(const Device& device, const std::string& from, const std::string& to,
+                                       bool rejectMixed) const
+{
+    const auto found = m_pathsFrom.find(from);
+    const auto origin = m_parts.find(from);
+    const auto target = m_parts.find(to);
+    if (found == m_pathsFrom.end() || origin == m_parts.end() || target == m_parts.end())
+        return nullptr;
+    if (origin->second.device != &device || target->second.device != &device)
+        return nullptr;
+    const auto fits = [&](const SignalPath* path) { return path->to == to && !(rejectMixed && path->mixed); };
+    const auto path = std::find_if(found->second.begin(), found->second.end(), fits);
+    return path == found->second.end() ? nullptr : *path;
+}
+}

@@ -1,0 +1,165 @@
+#include "simulator/core/notifications.h"
+
+#include <cstddef>
+#include <cstring>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "simulator/core/argumenttext.h"
+#include "simulator/core/text.h"
+#include "simulator/core/volumemath.h"
+
+namespace sim
+{
+namespace
+{
+/// Calls a client and writes the call into the journal. What the client throws leaves the entry pending.
+template<class Call>
+void callClient(State& state, const char* operation, const std::string& object, std::vector<std::string> arguments,
+                const Call& call)
+{
+    if (!state.journal.recording())
+    {
+        call();
+        return;
+    }
+    JournalEntry entry;
+    entry.operation = operation;
+    entry.object = object;
+    entry.arguments = std::move(arguments);
+    const Journal::Place place = state.journal.begin(std::move(entry));
+    state.journal.end(place, CallEnd::returned, call());
+}
+
+/// Queues one call for each notification client.
+template<class Call>
+void tellClients(const std::shared_ptr<State>& state, const char* operation, const std::string& object,
+                 const std::vector<std::string>& arguments, const Call& call)
+{
+    if (state->clients.count() == 0)
+        return;
+    state->notifier.post(
+        [state, operation, object, arguments, call]
+        {
+            state->clients.deliver([&](IMMNotificationClient& client)
+                                   { callClient(*state, operation, object, arguments, [&] { return call(client); }); });
+        });
+}
+
+/// AUDIO_VOLUME_NOTIFICATION_DATA with room for all channels.
+class VolumeData
+{
+public:
+    VolumeData(const EndpointVolume& volume, LPCGUID context)
+        : m_units((offsetof(AUDIO_VOLUME_NOTIFICATION_DATA, afChannelVolumes) +
+                   (volume.channels.size() + 1) * sizeof(FLOAT) + sizeof(Unit) - 1) /
+                  sizeof(Unit))
+    {
+        AUDIO_VOLUME_NOTIFICATION_DATA& data = *get();
+        if (context != nullptr)
+            data.guidEventContext = *context;
+        data.bMuted = volume.muted ? TRUE : FALSE;
+        data.fMasterVolume = scalarLevel(volume, masterLevel(volume));
+        data.nChannels = static_cast<UINT>(volume.channels.size());
+        for (std::size_t channel = 0; channel < volume.channels.size(); ++channel)
+        {
+            const float level = scalarLevel(volume, volume.channels[channel]);
+            char* const place = reinterpret_cast<char*>(m_units.data()) +
+                                offsetof(AUDIO_VOLUME_NOTIFICATION_DATA, afChannelVolumes) + channel * sizeof(FLOAT);
+            std::memcpy(place, &level, sizeof level);
+        }
+    }
+
+    AUDIO_VOLUME_NOTIFICATION_DATA* get() { return reinterpret_cast<AUDIO_VOLUME_NOTIFICATION_DATA*>(m_units.data()); }
+
+private:
+    using Unit = std::max_align_t;
+    std::vector<Unit> m_units;
+};
+
+std::optional<GUID> copied(LPCGUID context)
+{
+    return context == nullptr ? std::nullopt : std::optional<GUID>(*context);
+}
+}
+
+void notifyDeviceAdded(const std::shared_ptr<State>& state, const std::string& endpointId)
+{
+    tellClients(state, "IMMNotificationClient::OnDeviceAdded", endpointId, {endpointId},
+                [id = utf16(endpointId)](IMMNotificationClient& client) { return client.OnDeviceAdded(id.data()); });
+}
+
+void notifyDeviceRemoved(const std::shared_ptr<State>& state, const std::string& endpointId)
+{
+    tellClients(state, "IMMNotificationClient::OnDeviceRemoved", endpointId, {endpointId},
+                [id = utf16(endpointId)](IMMNotificationClient& client) { return client.OnDeviceRemoved(id.data()); });
+}
+
+void notifyStateChanged(const std::shared_ptr<State>& state, const std::string& endpointId, DWORD newState)
+{
+    tellClients(state, "IMMNotificationClient::OnDeviceStateChanged", endpointId, {endpointId, argumentText(newState)},
+                [id = utf16(endpointId), newState](IMMNotificationClient& client)
+                { return client.OnDeviceStateChanged(id.data(), newState); });
+}
+
+void notifyDefaultChanged(const std::shared_ptr<State>& state, EDataFlow flow, ERole role, const Text& endpointId)
+{
+    tellClients(state, "IMMNotificationClient::OnDefaultDeviceChanged", endpointId.value_or(""),
+                {argumentText(flow), argumentText(role), endpointId.value_or("null")},
+                [flow, role, id = utf16(endpointId.value_or("")), isNull = !endpointId](IMMNotificationClient& client)
+                { return client.OnDefaultDeviceChanged(flow, role, isNull ? nullptr : id.data()); });
+}
+
+void notifyPropertyChanged(const std::shared_ptr<State>& state, const std::string& deviceId, const PROPERTYKEY& key)
+{
+    tellClients(state, "IMMNotificationClient::OnPropertyValueChanged", deviceId, {deviceId, argumentText(key)},
+                [id = utf16(deviceId), key](IMMNotificationClient& client)
+                { return client.OnPropertyValueChanged(id.data(), key); });
+}
+
+void notifyVolumeChanged(const std::shared_ptr<State>& state, const std::string& endpointId, LPCGUID context)
+{
+    const std::shared_ptr<State::VolumeListeners> listeners = state->volumeListeners(endpointId);
+    if (listeners->count() == 0)
+        return;
+    const std::optional<EndpointVolume> volume = state->withHardware(
+        [&](Hardware& hardware)
+        {
+            const Endpoint* const endpoint = hardware.endpoint(endpointId);
+            return endpoint == nullptr ? std::nullopt : endpoint->volume;
+        });
+    if (!volume)
+        return;
+    state->notifier.post(
+        [state, listeners, endpointId, data = VolumeData(*volume, context)]() mutable
+        {
+            listeners->deliver(
+                [&](IAudioEndpointVolumeCallback& listener)
+                {
+                    callClient(*state, "IAudioEndpointVolumeCallback::OnNotify", endpointId,
+                               {argumentText(&data.get()->guidEventContext)},
+                               [&] { return listener.OnNotify(data.get()); });
+                });
+        });
+}
+
+void notifyControlChanged(const std::shared_ptr<State>& state, const std::string& partId,
+                          const std::string& interfaceName, LPCGUID context)
+{
+    const std::shared_ptr<State::ControlListeners> listeners = state->controlListeners(partId, interfaceName);
+    if (listeners->count() == 0)
+        return;
+    state->notifier.post(
+        [state, listeners, partId, context = copied(context)]
+        {
+            const GUID* const handedOn = context ? &*context : nullptr;
+            listeners->deliver(
+                [&](IControlChangeNotify& listener)
+                {
+                    callClient(*state, "IControlChangeNotify::OnNotify", partId, {argumentText(handedOn)},
+                               [&] { return listener.OnNotify(0, handedOn); });
+                });
+        });
+}
+}

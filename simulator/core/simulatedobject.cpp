@@ -1,0 +1,147 @@
+#include "simulator/core/simulatedobject.h"
+
+#include <mutex>
+
+namespace sim
+{
+namespace
+{
+/// Never destroyed, see the class.
+struct LiveObjects
+{
+    std::mutex mutex;
+    SimulatedObject* first = nullptr;
+
+    static LiveObjects& instance()
+    {
+        static LiveObjects* const objects = new LiveObjects;
+        return *objects;
+    }
+};
+}
+
+const IID simulatedObjectId = {0x5C0A1F6D, 0x2E0B, 0x4C8E, {0x9B, 0x57, 0x1D, 0x4B, 0x6A, 0x90, 0xE3, 0x27}};
+
+SimulatedObject* simulatedObject(IUnknown* unknown)
+{
+    void* object = nullptr;
+    if (unknown == nullptr || FAILED(unknown->QueryInterface(simulatedObjectId, &object)))
+        return nullptr;
+    return static_cast<SimulatedObject*>(object);
+}
+
+SimulatedObject::SimulatedObject(std::shared_ptr<State> state, const char* interfaceName, std::string name)
+    : m_state(std::move(state)),
+      m_interfaceName(interfaceName),
+      m_name(std::move(name))
+{
+    LiveObjects& objects = LiveObjects::instance();
+    const std::lock_guard<std::mutex> lock(objects.mutex);
+    m_next = objects.first;
+    if (m_next != nullptr)
+        m_next->m_previous = this;
+    objects.first = this;
+}
+
+SimulatedObject::~SimulatedObject()
+{
+    LiveObjects& objects = LiveObjects::instance();
+    const std::lock_guard<std::mutex> lock(objects.mutex);
+    if (m_next != nullptr)
+        m_next->m_previous = m_previous;
+    (m_previous == nullptr ? objects.first : m_previous->m_next) = m_next;
+}
+
+const std::string& SimulatedObject::name() const
+{
+    return m_name;
+}
+
+const std::shared_ptr<State>& SimulatedObject::state() const
+{
+    return m_state;
+}
+
+void SimulatedObject::count(const State& state, Census& census)
+{
+    LiveObjects& objects = LiveObjects::instance();
+    const std::lock_guard<std::mutex> lock(objects.mutex);
+    for (const SimulatedObject* object = objects.first; object != nullptr; object = object->m_next)
+    {
+        const auto references = static_cast<long>(object->m_references.load());
+        if (object->m_state.get() != &state || references == 0)
+            continue;
+        ++census.objects[object->m_interfaceName];
+        census.byInterface[object->m_interfaceName] += references;
+        census.byObject[std::string(object->m_interfaceName) + " " + object->m_name] += references;
+    }
+}
+
+ULONG SimulatedObject::addReference()
+{
+    return m_state->journal.recordingReferences() ? watchedAddReference() : ++m_references;
+}
+
+ULONG SimulatedObject::releaseReference()
+{
+    return isWatched() ? watchedRelease() : dropReference();
+}
+
+ULONG SimulatedObject::watchedAddReference()
+{
+    const std::string name = operation("AddRef");
+    JournalEntry entry;
+    entry.operation = name;
+    entry.object = m_name;
+    const Journal::Place place = m_state->journal.begin(std::move(entry));
+    const ULONG count = ++m_references;
+    m_state->journal.end(place, CallEnd::returned, static_cast<HRESULT>(count));
+    return count;
+}
+
+/// The object may end in the middle, so nothing of it is used after that but copies.
+ULONG SimulatedObject::watchedRelease()
+{
+    const std::shared_ptr<State> machine = m_state;
+    const std::string objectName = m_name;
+    const std::string name = operation("Release");
+    WatchedCall watched(*machine, name.c_str(), objectName, WatchedCall::Kind::reference);
+    watched.begin();
+    const ULONG count = dropReference();
+    if (watched.planned() == FaultRule::Outcome::thrown)
+        watched.raise();
+    watched.end(static_cast<HRESULT>(count));
+    return count;
+}
+
+ULONG SimulatedObject::dropReference()
+{
+    const ULONG count = --m_references;
+    if (count == 0)
+        delete this;
+    return count;
+}
+
+HRESULT SimulatedObject::storeText(const char* operation, const Text& text, LPWSTR* result) const
+{
+    if (!text)
+        return S_OK;
+    *result = TaskMemory::instance().allocateText(*text, m_state->number, std::string(operation) + " " + m_name);
+    return *result == nullptr ? E_OUTOFMEMORY : S_OK;
+}
+
+void* SimulatedObject::allocate(const char* operation, std::size_t bytes) const
+{
+    return TaskMemory::instance().allocate(bytes, m_state->number, std::string(operation) + " " + m_name);
+}
+
+bool SimulatedObject::isWatched() const
+{
+    return m_state->journal.recordingReferences() || !m_state->faults.isEmpty();
+}
+
+std::string SimulatedObject::operation(const char* name) const
+{
+    return std::string(m_interfaceName) + "::" + name;
+}
+}

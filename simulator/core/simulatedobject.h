@@ -1,0 +1,145 @@
+/// @file
+/// What every COM object of the simulated machine has: a machine, a name, references, and a watched way to be called.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <string>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "simulator/core/argumenttext.h"
+#include "simulator/core/interfaces.h"
+#include "simulator/core/state.h"
+#include "simulator/core/taskmemory.h"
+#include "simulator/core/watchedcall.h"
+
+namespace sim
+{
+/// Registers itself among the live objects of the process for as long as it lives. The list is never destroyed: what
+/// users forget to release stays reachable and is the census's to report.
+class SimulatedObject
+{
+public:
+    SimulatedObject(const SimulatedObject&) = delete;
+    SimulatedObject& operator=(const SimulatedObject&) = delete;
+
+    const std::string& name() const;
+    const std::shared_ptr<State>& state() const;
+
+    /// Adds the live objects of @p state to @p census.
+    static void count(const State& state, Census& census);
+
+protected:
+    SimulatedObject(std::shared_ptr<State> state, const char* interfaceName, std::string name);
+    virtual ~SimulatedObject();
+
+    /// True references: both return the new count, and the last release deletes the object.
+    ULONG addReference();
+    ULONG releaseReference();
+    /// QueryInterface with journal and fault plan; @p find answers a pointer without a reference, or null.
+    template<class Find>
+    HRESULT query(REFIID iid, void** object, const Find& find);
+
+    /// One call of an operation of this object; see watchedCall().
+    template<class Outputs, class Body, class... Arguments>
+    HRESULT call(const char* operation, const Outputs& outputs, const Body& body, const Arguments&... arguments)
+    {
+        return watchedCall(*m_state, operation, m_name, outputs, body, arguments...);
+    }
+
+    /// Stores a copy of @p text in task memory, null where there is none.
+    HRESULT storeText(const char* operation, const Text& text, LPWSTR* result) const;
+    void* allocate(const char* operation, std::size_t bytes) const;
+
+private:
+    bool isWatched() const;
+    std::string operation(const char* name) const;
+    ULONG watchedAddReference();
+    ULONG watchedRelease();
+    ULONG dropReference();
+
+    const std::shared_ptr<State> m_state;
+    const char* const m_interfaceName;
+    const std::string m_name;
+    std::atomic<ULONG> m_references{1};
+    SimulatedObject* m_previous = nullptr;
+    SimulatedObject* m_next = nullptr;
+};
+
+/// The identifier by which the machine recognises its own objects: querying it is neither counted nor recorded, adds no
+/// reference, and answers the SimulatedObject.
+extern const IID simulatedObjectId;
+
+/// The simulated object behind @p unknown; null when somebody else made it.
+SimulatedObject* simulatedObject(IUnknown* unknown);
+
+/// A COM object that offers Interfaces, the first of which is its identity and gives it its name in the census.
+template<class... Interfaces>
+class ComObject : public SimulatedObject, public Interfaces...
+{
+    using Identity = std::tuple_element_t<0, std::tuple<Interfaces...>>;
+
+public:
+    ComObject(std::shared_ptr<State> state, std::string name)
+        : SimulatedObject(std::move(state), InterfaceTraits<Identity>::name, std::move(name))
+    {
+    }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override
+    {
+        return query(iid, object, [&] { return find(iid); });
+    }
+
+    ULONG STDMETHODCALLTYPE AddRef() override { return addReference(); }
+
+    ULONG STDMETHODCALLTYPE Release() override { return releaseReference(); }
+
+private:
+    void* find(REFIID iid)
+    {
+        if (IsEqualGUID(iid, InterfaceTraits<IUnknown>::iid()))
+            return static_cast<IUnknown*>(static_cast<Identity*>(this));
+        if (IsEqualGUID(iid, simulatedObjectId))
+            return static_cast<SimulatedObject*>(this);
+        void* found = nullptr;
+        (void)((extends<Interfaces>(iid) && (found = static_cast<Interfaces*>(this))) || ...);
+        return found;
+    }
+};
+
+template<class Find>
+HRESULT SimulatedObject::query(REFIID iid, void** object, const Find& find)
+{
+    if (object != nullptr && IsEqualGUID(iid, simulatedObjectId))
+    {
+        *object = find();
+        return S_OK;
+    }
+    const auto answer = [&]() -> HRESULT
+    {
+        *object = find();
+        if (*object == nullptr)
+            return E_NOINTERFACE;
+        addReference();
+        return S_OK;
+    };
+    if (!isWatched())
+        return object == nullptr ? E_POINTER : answer();
+
+    const std::string name = operation("QueryInterface");
+    WatchedCall watched(*m_state, name.c_str(), m_name, WatchedCall::Kind::reference);
+    watched.setArguments({argumentText(iid)});
+    return answerCall(watched, outputs(object), answer);
+}
+
+/// Makes an object and stores it with its one reference.
+template<class Object, class Interface, class... Arguments>
+HRESULT hand(Interface** result, Arguments&&... arguments)
+{
+    *result = new Object(std::forward<Arguments>(arguments)...);
+    return S_OK;
+}
+}

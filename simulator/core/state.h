@@ -1,0 +1,81 @@
+/// @file
+/// Everything that the objects of one simulated machine share.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "simulator/census.h"
+#include "simulator/core/hardware.h"
+#include "simulator/core/notifier.h"
+#include "simulator/core/subscriptions.h"
+#include "simulator/faultplan.h"
+#include "simulator/journal.h"
+#include "simulator/latencyplan.h"
+#include "simulator/postedmessage.h"
+
+namespace sim
+{
+/// One simulated machine. Its COM objects share ownership of it, so it lives until the last of them is gone.
+class State : public std::enable_shared_from_this<State>
+{
+public:
+    using VolumeListeners = Subscriptions<IAudioEndpointVolumeCallback>;
+    using ControlListeners = Subscriptions<IControlChangeNotify>;
+
+    static std::shared_ptr<State> create(Machine machine);
+    State(const State&) = delete;
+    State& operator=(const State&) = delete;
+
+    const std::uint64_t number; ///< unique in the process
+    Journal journal;
+    FaultPlan faults;
+    LatencyPlan latency;
+    Notifier notifier;
+    Subscriptions<IMMNotificationClient> clients;
+    std::atomic<unsigned> comUnderflows{0};
+
+    /// Calls @p action with the hardware under its lock. @p action must not call anything of a user.
+    template<class Action>
+    auto withHardware(const Action& action)
+    {
+        const std::lock_guard<std::mutex> lock(m_hardwareMutex);
+        return action(m_hardware);
+    }
+
+    /// Those who listen to one endpoint's volume, or to one kind of control of one part; made on demand.
+    std::shared_ptr<VolumeListeners> volumeListeners(const std::string& endpoint);
+    std::shared_ptr<ControlListeners> controlListeners(const std::string& part, const std::string& interfaceName);
+    /// Signs @p listener off from whatever control of @p part it listens to; false when it listens to none.
+    bool removeControlListener(const std::string& part, IControlChangeNotify* listener);
+
+    void recordMessage(const PostedMessage& message);
+    std::vector<PostedMessage> postedMessages() const;
+
+    Census census() const;
+
+private:
+    explicit State(Machine machine);
+
+    std::mutex m_hardwareMutex;
+    Hardware m_hardware;
+    mutable std::mutex m_listenersMutex;
+    std::map<std::string, std::shared_ptr<VolumeListeners>> m_volumeListeners;
+    std::map<std::string, std::map<std::string, std::shared_ptr<ControlListeners>>> m_controlListeners;
+    mutable std::mutex m_messagesMutex;
+    std::vector<PostedMessage> m_messages;
+};
+
+/// The machine that answers the runtime functions at this moment; null when there is none.
+std::shared_ptr<State> currentState();
+/// Makes @p state answer, ahead of those that were made current before it.
+void pushCurrentState(const std::shared_ptr<State>& state);
+/// Takes @p state away wherever it stands.
+void removeCurrentState(const std::shared_ptr<State>& state);
+}

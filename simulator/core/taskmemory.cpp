@@ -1,0 +1,93 @@
+#include "simulator/core/taskmemory.h"
+
+#include <algorithm>
+#include <mutex>
+#include <unordered_map>
+#include <utility>
+
+#include "simulator/core/systemmemory.h"
+#include "simulator/core/text.h"
+
+namespace sim
+{
+struct TaskMemory::Ledger
+{
+    struct Entry
+    {
+        Block block;
+        std::uint64_t owner = 0;
+    };
+
+    mutable std::mutex mutex;
+    std::unordered_map<void*, Entry> entries;
+
+    /// Strikes @p memory out; false when it is not there.
+    bool strike(void* memory, std::string& origin)
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        const auto found = entries.find(memory);
+        if (found == entries.end())
+            return false;
+        origin = std::move(found->second.block.origin);
+        entries.erase(found);
+        return true;
+    }
+};
+
+TaskMemory::TaskMemory() : m_ledger(new Ledger)
+{
+    // The system's own CoTaskMemFree is what users call on Windows: it tells the ledger.
+    systemmemory::watchFrees(
+        [ledger = m_ledger](void* memory)
+        {
+            std::string origin;
+            ledger->strike(memory, origin);
+        });
+}
+
+TaskMemory& TaskMemory::instance()
+{
+    static TaskMemory* const memory = new TaskMemory;
+    return *memory;
+}
+
+void* TaskMemory::allocate(std::size_t bytes, std::uint64_t owner, std::string origin)
+{
+    void* const memory = systemmemory::allocate(bytes);
+    if (memory == nullptr)
+        return nullptr;
+    const std::lock_guard<std::mutex> lock(m_ledger->mutex);
+    m_ledger->entries[memory] = {{bytes, std::move(origin)}, owner};
+    return memory;
+}
+
+std::string TaskMemory::free(void* memory)
+{
+    std::string origin;
+    if (!m_ledger->strike(memory, origin))
+        return "unknown block";
+    systemmemory::free(memory);
+    return origin;
+}
+
+std::vector<TaskMemory::Block> TaskMemory::outstanding(std::uint64_t owner) const
+{
+    std::vector<Block> result;
+    const std::lock_guard<std::mutex> lock(m_ledger->mutex);
+    for (const auto& [memory, entry] : m_ledger->entries)
+    {
+        if (entry.owner == owner)
+            result.push_back(entry.block);
+    }
+    return result;
+}
+
+WCHAR* TaskMemory::allocateText(const std::string& text, std::uint64_t owner, std::string origin)
+{
+    const std::vector<WCHAR> units = utf16(text);
+    auto* const copy = static_cast<WCHAR*>(allocate(units.size() * sizeof(WCHAR), owner, std::move(origin)));
+    if (copy != nullptr)
+        std::copy(units.begin(), units.end(), copy);
+    return copy;
+}
+}

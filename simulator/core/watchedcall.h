@@ -1,0 +1,120 @@
+/// @file
+/// The gate through which every call of a user passes: out-parameters, latency, fault plan, journal.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <tuple>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "simulator/core/argumenttext.h"
+#include "simulator/core/state.h"
+
+namespace sim
+{
+/// Out-parameters of a call. Null ones make it answer E_POINTER; pointers behind them become null at its beginning.
+template<class... Values>
+class Outputs
+{
+public:
+    explicit Outputs(Values*... values) : m_values(values...) {}
+
+    bool areThere() const
+    {
+        return std::apply([](auto*... values) { return (... && (values != nullptr)); }, m_values);
+    }
+
+    /// Stores null in those that are pointers; with @p all also zero in the others.
+    void clear(bool all) const
+    {
+        std::apply([&](auto*... values) { (clearOne(values, all), ...); }, m_values);
+    }
+
+private:
+    template<class Value>
+    static void clearOne(Value* value, bool all)
+    {
+        if (std::is_pointer_v<Value> || all)
+            *value = Value();
+    }
+
+    std::tuple<Values*...> m_values;
+};
+
+template<class... Values>
+Outputs<Values...> outputs(Values*... values)
+{
+    return Outputs<Values...>(values...);
+}
+
+/// One call between its beginning and its end. The texts that it is given outlive it.
+class WatchedCall
+{
+public:
+    enum class Kind
+    {
+        work,
+        reference, ///< an operation of IUnknown: recorded only when asked for
+    };
+
+    WatchedCall(State& state, const char* operation, const std::string& object, Kind kind = Kind::work);
+
+    /// Whether anybody wants to know the arguments.
+    bool wantsArguments() const;
+    void setArguments(std::vector<std::string> arguments);
+
+    /// Asks the fault plan, runs its actions and opens the journal's entry.
+    void begin();
+    /// What the plan has instead of the work, if anything.
+    const std::optional<FaultRule::Outcome>& planned() const;
+
+    /// Closes the journal's entry with @p result, which it returns.
+    HRESULT end(HRESULT result);
+    /// The planned outcome as a result.
+    HRESULT endAsPlanned();
+    /// Closes the journal's entry as thrown and throws InjectedException.
+    [[noreturn]] void raise();
+
+private:
+    State& m_state;
+    const char* const m_operation;
+    const std::string& m_object;
+    const bool m_isRecorded;
+    std::vector<std::string> m_arguments;
+    FaultPlan::Verdict m_verdict;
+    Journal::Place m_place;
+};
+
+/// Answers one call: @p body does its work unless a fault is planned for it.
+template<class... Values, class Body>
+HRESULT answerCall(WatchedCall& watched, const Outputs<Values...>& outputs, const Body& body)
+{
+    watched.begin();
+    if (!watched.planned())
+    {
+        if (!outputs.areThere())
+            return watched.end(E_POINTER);
+        outputs.clear(false);
+        return watched.end(body());
+    }
+    if (outputs.areThere())
+        outputs.clear(*watched.planned() == FaultRule::Outcome::nullSuccess);
+    if (*watched.planned() == FaultRule::Outcome::thrown)
+        watched.raise();
+    return watched.endAsPlanned();
+}
+
+/// One call of an operation of @p object (functions: an empty name).
+template<class... Values, class Body, class... Arguments>
+HRESULT watchedCall(State& state, const char* operation, const std::string& object, const Outputs<Values...>& outputs,
+                    const Body& body, const Arguments&... arguments)
+{
+    state.latency.spend(operation);
+    WatchedCall watched(state, operation, object);
+    if (watched.wantsArguments())
+        watched.setArguments({argumentText(arguments)...});
+    return answerCall(watched, outputs, body);
+}
+}

@@ -1,0 +1,214 @@
+#include "simulator/events.h"
+
+#include <algorithm>
+#include <chrono>
+#include <stdexcept>
+#include <utility>
+
+#include "simulator/core/notifications.h"
+#include "simulator/core/state.h"
+
+namespace sim
+{
+namespace
+{
+[[noreturn]] void raiseUnknown(const std::string& endpointId)
+{
+    throw std::invalid_argument("the machine has no endpoint " + endpointId);
+}
+
+void forgetDefault(Machine& machine, EDataFlow flow, ERole role)
+{
+    for (Endpoint& endpoint : machine.endpoints)
+    {
+        auto& roles = endpoint.defaultFor;
+        if (endpoint.flow == flow)
+            roles.erase(std::remove(roles.begin(), roles.end(), role), roles.end());
+    }
+}
+}
+
+Events::Events(std::shared_ptr<State> state) : m_state(std::move(state)) {}
+
+/// Calls @p change with the hardware and the endpoint.
+template<class Change>
+void Events::change(const std::string& endpointId, const Change& change)
+{
+    m_state->withHardware(
+        [&](Hardware& hardware)
+        {
+            Endpoint* const endpoint = hardware.endpoint(endpointId);
+            if (endpoint == nullptr)
+                raiseUnknown(endpointId);
+            change(hardware, *endpoint);
+        });
+}
+
+void Events::add(const std::string& endpointId)
+{
+    change(endpointId, [](Hardware&, Endpoint& endpoint) { endpoint.installed = true; });
+    notifyDeviceAdded(m_state, endpointId);
+}
+
+void Events::add(const Endpoint& endpoint)
+{
+    m_state->withHardware(
+        [&](Hardware& hardware)
+        {
+            if (hardware.device(endpoint.id) != nullptr)
+                throw std::invalid_argument("the machine has a device " + endpoint.id + " already");
+            hardware.machine().endpoints.push_back(endpoint);
+            hardware.reindex();
+        });
+    add(endpoint.id);
+}
+
+void Events::remove(const std::string& endpointId)
+{
+    change(endpointId, [](Hardware&, Endpoint& endpoint) { endpoint.installed = false; });
+    notifyDeviceRemoved(m_state, endpointId);
+}
+
+void Events::plug(const std::string& endpointId)
+{
+    setState(endpointId, stateActive);
+}
+
+void Events::unplug(const std::string& endpointId)
+{
+    setState(endpointId, stateUnplugged);
+}
+
+void Events::setState(const std::string& endpointId, std::uint32_t state)
+{
+    change(endpointId, [&](Hardware&, Endpoint& endpoint) { endpoint.state = state; });
+    notifyStateChanged(m_state, endpointId, state);
+}
+
+void Events::setDefault(const std::string& endpointId, ERole role)
+{
+    EDataFlow flow = eRender;
+    change(endpointId,
+           [&](Hardware& hardware, Endpoint& endpoint)
+           {
+               flow = endpoint.flow;
+               forgetDefault(hardware.machine(), flow, role);
+               endpoint.defaultFor.push_back(role);
+           });
+    notifyDefaultChanged(m_state, flow, role, endpointId);
+}
+
+void Events::clearDefault(EDataFlow flow, ERole role)
+{
+    m_state->withHardware([&](Hardware& hardware) { forgetDefault(hardware.machine(), flow, role); });
+    notifyDefaultChanged(m_state, flow, role, std::nullopt);
+}
+
+void Events::setVolume(const std::string& endpointId, std::optional<float> level, std::optional<bool> muted)
+{
+    bool isChanged = false;
+    change(endpointId,
+           [&](Hardware&, Endpoint& endpoint)
+           {
+               if (!endpoint.volume)
+                   return;
+               const EndpointVolume before = *endpoint.volume;
+               if (level)
+                   std::fill(endpoint.volume->channels.begin(), endpoint.volume->channels.end(), *level);
+               endpoint.volume->muted = muted.value_or(before.muted);
+               isChanged = !(before == *endpoint.volume);
+           });
+    if (isChanged)
+        notifyVolumeChanged(m_state, endpointId, nullptr);
+}
+
+void Events::setProperty(const std::string& endpointId, const PROPERTYKEY& key, const PropertyValue& value)
+{
+    change(endpointId,
+           [&](Hardware&, Endpoint& endpoint)
+           {
+               if (value.tag == VT_EMPTY)
+                   removeProperty(endpoint.properties, key);
+               else
+                   sim::setProperty(endpoint.properties, key, value);
+           });
+    notifyPropertyChanged(m_state, endpointId, key);
+}
+
+void Events::announceAdded(const std::string& endpointId)
+{
+    notifyDeviceAdded(m_state, endpointId);
+}
+
+void Events::announceRemoved(const std::string& endpointId)
+{
+    notifyDeviceRemoved(m_state, endpointId);
+}
+
+void Events::announceState(const std::string& endpointId, std::uint32_t state)
+{
+    notifyStateChanged(m_state, endpointId, state);
+}
+
+void Events::announceDefault(EDataFlow flow, ERole role, const Text& endpointId)
+{
+    notifyDefaultChanged(m_state, flow, role, endpointId);
+}
+
+void Events::announceProperty(const std::string& endpointId, const PROPERTYKEY& key)
+{
+    notifyPropertyChanged(m_state, endpointId, key);
+}
+
+void Events::play(const ScriptEvent& event)
+{
+    switch (event.kind)
+    {
+    case ScriptEvent::Kind::added:
+        return add(event.endpoint);
+    case ScriptEvent::Kind::removed:
+        return remove(event.endpoint);
+    case ScriptEvent::Kind::plugged:
+        return plug(event.endpoint);
+    case ScriptEvent::Kind::unplugged:
+        return unplug(event.endpoint);
+    case ScriptEvent::Kind::stateChanged:
+        return setState(event.endpoint, event.state);
+    case ScriptEvent::Kind::defaultChanged:
+        return event.endpoint.empty() ? clearDefault(event.flow, event.role) : setDefault(event.endpoint, event.role);
+    case ScriptEvent::Kind::volumeChanged:
+        return setVolume(event.endpoint, event.level, event.muted);
+    case ScriptEvent::Kind::propertyChanged:
+        return setProperty(event.endpoint, event.key, event.value);
+    }
+}
+
+void Events::playScript()
+{
+    const std::vector<ScriptEvent> script =
+        m_state->withHardware([](const Hardware& hardware) { return hardware.machine().script; });
+    Notifier::Clock::time_point due = Notifier::Clock::now();
+    for (const ScriptEvent& event : script)
+    {
+        due += std::chrono::milliseconds(event.afterMilliseconds);
+        m_state->notifier.postAt(due,
+                                 [state = m_state, event]
+                                 {
+                                     try
+                                     {
+                                         Events(state).play(event);
+                                     }
+                                     catch (const std::invalid_argument&)
+                                     {
+                                         // A machine may have been changed since its script was written: see the
+                                         // declaration.
+                                     }
+                                 });
+    }
+}
+
+void Events::settle()
+{
+    m_state->notifier.settle();
+}
+}

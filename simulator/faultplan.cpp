@@ -1,0 +1,187 @@
+#include "simulator/faultplan.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace sim
+{
+/// A rule and its counts. The mutex is the rule's own, because handles may outlive the plan.
+struct PlannedFault::Shared
+{
+    mutable std::mutex mutex;
+    FaultRule rule;
+    std::function<void()> action;
+    std::uint32_t met = 0;
+    std::uint32_t fired = 0;
+
+    bool fits(const std::string& operation, const std::string& object, const std::vector<std::string>& arguments) const
+    {
+        if (rule.object != "*" && rule.object != object)
+            return false;
+        if (!rule.argument.empty() && (arguments.empty() || arguments.front() != rule.argument))
+            return false;
+        if (rule.operation == operation)
+            return true;
+        const std::size_t colons = operation.rfind("::");
+        return colons != std::string::npos && operation.compare(colons + 2, std::string::npos, rule.operation) == 0;
+    }
+};
+
+InjectedException::InjectedException(const std::string& operation) : std::runtime_error("planned: " + operation) {}
+
+PlannedFault::PlannedFault(std::shared_ptr<Shared> shared) : m_shared(std::move(shared)) {}
+
+PlannedFault& PlannedFault::on(const std::string& object)
+{
+    const std::lock_guard<std::mutex> lock(m_shared->mutex);
+    m_shared->rule.object = object;
+    return *this;
+}
+
+PlannedFault& PlannedFault::with(const std::string& firstArgument)
+{
+    const std::lock_guard<std::mutex> lock(m_shared->mutex);
+    m_shared->rule.argument = firstArgument;
+    return *this;
+}
+
+PlannedFault& PlannedFault::at(std::uint32_t call)
+{
+    const std::lock_guard<std::mutex> lock(m_shared->mutex);
+    m_shared->rule.call = call;
+    m_shared->met = 0;
+    return *this;
+}
+
+std::uint32_t PlannedFault::met() const
+{
+    const std::lock_guard<std::mutex> lock(m_shared->mutex);
+    return m_shared->met;
+}
+
+std::uint32_t PlannedFault::fired() const
+{
+    const std::lock_guard<std::mutex> lock(m_shared->mutex);
+    return m_shared->fired;
+}
+
+FaultRule PlannedFault::rule() const
+{
+    const std::lock_guard<std::mutex> lock(m_shared->mutex);
+    return m_shared->rule;
+}
+
+PlannedFault FaultPlan::fail(const std::string& operation, HRESULT result)
+{
+    FaultRule rule;
+    rule.operation = operation;
+    rule.result = result;
+    return add(rule);
+}
+
+PlannedFault FaultPlan::succeedWithNull(const std::string& operation)
+{
+    FaultRule rule;
+    rule.operation = operation;
+    rule.outcome = FaultRule::Outcome::nullSuccess;
+    return add(rule);
+}
+
+PlannedFault FaultPlan::raise(const std::string& operation)
+{
+    FaultRule rule;
+    rule.operation = operation;
+    rule.outcome = FaultRule::Outcome::thrown;
+    return add(rule);
+}
+
+PlannedFault FaultPlan::run(const std::string& operation, std::function<void()> action)
+{
+    FaultRule rule;
+    rule.operation = operation;
+    return add(rule, std::move(action));
+}
+
+PlannedFault FaultPlan::add(const FaultRule& rule)
+{
+    return add(rule, {});
+}
+
+PlannedFault FaultPlan::add(const FaultRule& rule, std::function<void()> action)
+{
+    auto shared = std::make_shared<PlannedFault::Shared>();
+    shared->rule = rule;
+    shared->action = std::move(action);
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_rules.push_back(shared);
+    m_count = m_rules.size();
+    return PlannedFault(std::move(shared));
+}
+
+void FaultPlan::clear()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_rules.clear();
+    m_count = 0;
+}
+
+std::vector<PlannedFault> FaultPlan::faults() const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    std::vector<PlannedFault> result;
+    for (const auto& rule : m_rules)
+        result.push_back(PlannedFault(rule));
+    return result;
+}
+
+std::vector<std::string> FaultPlan::unmet() const
+{
+    std::vector<std::string> result;
+    for (const PlannedFault& fault : faults())
+    {
+        if (fault.fired() > 0)
+            continue;
+        const FaultRule rule = fault.rule();
+        std::string line = rule.operation;
+        if (!rule.argument.empty())
+            line.append("(").append(rule.argument).append(")");
+        line.append(" on ").append(rule.object);
+        if (rule.call != 0)
+            line.append(", call ").append(std::to_string(rule.call));
+        result.push_back(line + ": met " + std::to_string(fault.met()) + " times");
+    }
+    return result;
+}
+
+bool FaultPlan::isEmpty() const
+{
+    return m_count.load(std::memory_order_relaxed) == 0;
+}
+
+FaultPlan::Verdict FaultPlan::judge(const std::string& operation, const std::string& object,
+                                    const std::vector<std::string>& arguments)
+{
+    Verdict verdict;
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    for (const auto& shared : m_rules)
+    {
+        const std::lock_guard<std::mutex> ruleLock(shared->mutex);
+        if (!shared->fits(operation, object, arguments))
+            continue;
+        ++shared->met;
+        if (shared->rule.call != 0 && shared->rule.call != shared->met)
+            continue;
+        ++shared->fired;
+        if (shared->action)
+        {
+            verdict.actions.push_back(shared->action);
+        }
+        else if (!verdict.outcome)
+        {
+            verdict.outcome = shared->rule.outcome;
+            verdict.result = shared->rule.result;
+        }
+    }
+    return verdict;
+}
+}

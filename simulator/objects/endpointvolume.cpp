@@ -1,0 +1,277 @@
+#include <algorithm>
+#include <cstring>
+
+#include "simulator/core/notifications.h"
+#include "simulator/core/simulatedobject.h"
+#include "simulator/core/volumemath.h"
+#include "simulator/objects/objects.h"
+
+namespace sim
+{
+namespace
+{
+/// Volume and mute of an endpoint. A setter that leaves everything as it was tells nobody.
+class EndpointVolumeObject final : public ComObject<IAudioEndpointVolume>
+{
+public:
+    EndpointVolumeObject(const std::shared_ptr<State>& state, std::string endpointId)
+        : ComObject(state, std::move(endpointId))
+    {
+    }
+
+    HRESULT STDMETHODCALLTYPE RegisterControlChangeNotify(IAudioEndpointVolumeCallback* notify) override
+    {
+        const char* const operation = "IAudioEndpointVolume::RegisterControlChangeNotify";
+        const auto answer = [&]() -> HRESULT
+        {
+            if (notify == nullptr)
+                return E_POINTER;
+            const HRESULT result = onVolume(operation, [](const EndpointVolume&) { return S_OK; });
+            if (SUCCEEDED(result))
+                state()->volumeListeners(name())->add(notify);
+            return result;
+        };
+        return call(operation, outputs(), answer, presenceText(notify));
+    }
+
+    HRESULT STDMETHODCALLTYPE UnregisterControlChangeNotify(IAudioEndpointVolumeCallback* notify) override
+    {
+        const auto answer = [&]() -> HRESULT
+        {
+            if (notify == nullptr)
+                return E_POINTER;
+            return state()->volumeListeners(name())->remove(notify) ? S_OK : E_NOTFOUND;
+        };
+        return call("IAudioEndpointVolume::UnregisterControlChangeNotify", outputs(), answer, presenceText(notify));
+    }
+
+    HRESULT STDMETHODCALLTYPE GetChannelCount(UINT* count) override
+    {
+        return read("IAudioEndpointVolume::GetChannelCount", outputs(count),
+                    [&](const EndpointVolume& volume) { *count = static_cast<UINT>(volume.channels.size()); });
+    }
+
+    HRESULT STDMETHODCALLTYPE SetMasterVolumeLevel(FLOAT level, LPCGUID context) override
+    {
+        const auto set = [&](EndpointVolume& volume)
+        {
+            if (!isInRange(volume, level))
+                return E_INVALIDARG;
+            setMasterLevel(volume, level);
+            return S_OK;
+        };
+        return change("IAudioEndpointVolume::SetMasterVolumeLevel", context, set, level, context);
+    }
+
+    HRESULT STDMETHODCALLTYPE SetMasterVolumeLevelScalar(FLOAT level, LPCGUID context) override
+    {
+        const auto set = [&](EndpointVolume& volume)
+        {
+            if (!isScalar(level))
+                return E_INVALIDARG;
+            setMasterLevel(volume, decibelLevel(volume, level));
+            return S_OK;
+        };
+        return change("IAudioEndpointVolume::SetMasterVolumeLevelScalar", context, set, level, context);
+    }
+
+    HRESULT STDMETHODCALLTYPE GetMasterVolumeLevel(FLOAT* level) override
+    {
+        return read("IAudioEndpointVolume::GetMasterVolumeLevel", outputs(level),
+                    [&](const EndpointVolume& volume) { *level = masterLevel(volume); });
+    }
+
+    HRESULT STDMETHODCALLTYPE GetMasterVolumeLevelScalar(FLOAT* level) override
+    {
+        return read("IAudioEndpointVolume::GetMasterVolumeLevelScalar", outputs(level),
+                    [&](const EndpointVolume& volume) { *level = scalarLevel(volume, masterLevel(volume)); });
+    }
+
+    HRESULT STDMETHODCALLTYPE SetChannelVolumeLevel(UINT channel, FLOAT level, LPCGUID context) override
+    {
+        const auto set = [&](EndpointVolume& volume)
+        {
+            if (channel >= volume.channels.size() || !isInRange(volume, level))
+                return E_INVALIDARG;
+            volume.channels[channel] = level;
+            return S_OK;
+        };
+        return change("IAudioEndpointVolume::SetChannelVolumeLevel", context, set, channel, level, context);
+    }
+
+    HRESULT STDMETHODCALLTYPE SetChannelVolumeLevelScalar(UINT channel, FLOAT level, LPCGUID context) override
+    {
+        const auto set = [&](EndpointVolume& volume)
+        {
+            if (channel >= volume.channels.size() || !isScalar(level))
+                return E_INVALIDARG;
+            volume.channels[channel] = decibelLevel(volume, level);
+            return S_OK;
+        };
+        return change("IAudioEndpointVolume::SetChannelVolumeLevelScalar", context, set, channel, level, context);
+    }
+
+    HRESULT STDMETHODCALLTYPE GetChannelVolumeLevel(UINT channel, FLOAT* level) override
+    {
+        return readChannel("IAudioEndpointVolume::GetChannelVolumeLevel", channel, level,
+                           [](const EndpointVolume&, float decibels) { return decibels; });
+    }
+
+    HRESULT STDMETHODCALLTYPE GetChannelVolumeLevelScalar(UINT channel, FLOAT* level) override
+    {
+        return readChannel("IAudioEndpointVolume::GetChannelVolumeLevelScalar", channel, level, scalarLevel);
+    }
+
+    /// S_FALSE when the mute was so already.
+    HRESULT STDMETHODCALLTYPE SetMute(BOOL mute, LPCGUID context) override
+    {
+        const auto set = [&](EndpointVolume& volume)
+        {
+            const bool isChange = volume.muted != (mute != FALSE);
+            volume.muted = mute != FALSE;
+            return isChange ? S_OK : S_FALSE;
+        };
+        return change("IAudioEndpointVolume::SetMute", context, set, mute, context);
+    }
+
+    HRESULT STDMETHODCALLTYPE GetMute(BOOL* mute) override
+    {
+        return read("IAudioEndpointVolume::GetMute", outputs(mute),
+                    [&](const EndpointVolume& volume) { *mute = volume.muted ? TRUE : FALSE; });
+    }
+
+    HRESULT STDMETHODCALLTYPE GetVolumeStepInfo(UINT* step, UINT* count) override
+    {
+        return read("IAudioEndpointVolume::GetVolumeStepInfo", outputs(step, count),
+                    [&](const EndpointVolume& volume)
+                    {
+                        *step = stepOf(volume, masterLevel(volume));
+                        *count = stepCount(volume);
+                    });
+    }
+
+    HRESULT STDMETHODCALLTYPE VolumeStepUp(LPCGUID context) override
+    {
+        return step("IAudioEndpointVolume::VolumeStepUp", 1.0f, context);
+    }
+
+    HRESULT STDMETHODCALLTYPE VolumeStepDown(LPCGUID context) override
+    {
+        return step("IAudioEndpointVolume::VolumeStepDown", -1.0f, context);
+    }
+
+    HRESULT STDMETHODCALLTYPE QueryHardwareSupport(DWORD* mask) override
+    {
+        return read("IAudioEndpointVolume::QueryHardwareSupport", outputs(mask),
+                    [&](const EndpointVolume& volume) { *mask = volume.hardwareSupport; });
+    }
+
+    HRESULT STDMETHODCALLTYPE GetVolumeRange(FLOAT* minimum, FLOAT* maximum, FLOAT* stepping) override
+    {
+        return read("IAudioEndpointVolume::GetVolumeRange", outputs(minimum, maximum, stepping),
+                    [&](const EndpointVolume& volume)
+                    {
+                        *minimum = volume.minimum;
+                        *maximum = volume.maximum;
+                        *stepping = volume.step;
+                    });
+    }
+
+private:
+    // Written so that what is not a number is out of range.
+    static bool isInRange(const EndpointVolume& volume, float decibels)
+    {
+        return decibels >= volume.minimum && decibels <= volume.maximum;
+    }
+
+    static bool isScalar(float level) { return level >= 0.0f && level <= 1.0f; }
+
+    /// @p action answers the call under the machine's lock, unless the endpoint refuses @p operation.
+    template<class Action>
+    HRESULT onVolume(const char* operation, const Action& action) const
+    {
+        return state()->withHardware(
+            [&](Hardware& hardware) -> HRESULT
+            {
+                Endpoint* const endpoint = hardware.endpoint(name());
+                if (endpoint == nullptr || !endpoint->volume)
+                    return AUDCLNT_E_DEVICE_INVALIDATED;
+                const std::vector<std::string>& refused = endpoint->volume->refused;
+                const char* const bare = std::strstr(operation, "::") + 2;
+                if (std::find(refused.begin(), refused.end(), bare) != refused.end())
+                    return E_NOTIMPL;
+                return action(*endpoint->volume);
+            });
+    }
+
+    template<class Outputs, class Action>
+    HRESULT read(const char* operation, const Outputs& results, const Action& action)
+    {
+        return call(operation, results,
+                    [&]
+                    {
+                        return onVolume(operation,
+                                        [&](const EndpointVolume& volume)
+                                        {
+                                            action(volume);
+                                            return S_OK;
+                                        });
+                    });
+    }
+
+    template<class Convert>
+    HRESULT readChannel(const char* operation, UINT channel, float* level, const Convert& convert)
+    {
+        const auto answer = [&]
+        {
+            return onVolume(operation,
+                            [&](const EndpointVolume& volume)
+                            {
+                                if (channel >= volume.channels.size())
+                                    return E_INVALIDARG;
+                                *level = convert(volume, volume.channels[channel]);
+                                return S_OK;
+                            });
+        };
+        return call(operation, outputs(level), answer, channel);
+    }
+
+    template<class Set, class... Arguments>
+    HRESULT change(const char* operation, LPCGUID context, const Set& set, const Arguments&... arguments)
+    {
+        const auto answer = [&]
+        {
+            bool isChanged = false;
+            const HRESULT result = onVolume(operation,
+                                            [&](EndpointVolume& volume)
+                                            {
+                                                const EndpointVolume before = volume;
+                                                const HRESULT outcome = set(volume);
+                                                isChanged = !(volume == before);
+                                                return outcome;
+                                            });
+            if (isChanged)
+                notifyVolumeChanged(state(), name(), context);
+            return result;
+        };
+        return call(operation, outputs(), answer, arguments...);
+    }
+
+    HRESULT step(const char* operation, float direction, LPCGUID context)
+    {
+        const auto set = [&](EndpointVolume& volume)
+        {
+            const float level = masterLevel(volume) + direction * volume.step;
+            setMasterLevel(volume, std::clamp(level, volume.minimum, volume.maximum));
+            return S_OK;
+        };
+        return change(operation, context, set, context);
+    }
+};
+}
+
+IAudioEndpointVolume* makeEndpointVolume(const std::shared_ptr<State>& state, std::string endpointId)
+{
+    return new EndpointVolumeObject(state, std::move(endpointId));
+}
+}

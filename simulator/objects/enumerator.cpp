@@ -1,0 +1,122 @@
+#include "simulator/core/simulatedobject.h"
+#include "simulator/core/text.h"
+#include "simulator/objects/objects.h"
+
+namespace sim
+{
+namespace
+{
+bool isRole(ERole role)
+{
+    return role >= eConsole && role <= eCommunications;
+}
+
+/// Lists, finds and announces the machine's endpoints.
+class EnumeratorObject final : public ComObject<IMMDeviceEnumerator>
+{
+public:
+    explicit EnumeratorObject(const std::shared_ptr<State>& state) : ComObject(state, "enumerator") {}
+
+    HRESULT STDMETHODCALLTYPE EnumAudioEndpoints(EDataFlow flow, DWORD mask, IMMDeviceCollection** devices) override
+    {
+        const auto answer = [&]() -> HRESULT
+        {
+            if (flow < eRender || flow > eAll || mask == 0 || (mask & ~DWORD(DEVICE_STATEMASK_ALL)) != 0)
+                return E_INVALIDARG;
+            const std::string name = "endpoints(" + argumentText(flow) + ", " + argumentText(mask) + ")";
+            *devices = makeCollection(state(), name, endpoints(flow, mask));
+            return S_OK;
+        };
+        return call("IMMDeviceEnumerator::EnumAudioEndpoints", outputs(devices), answer, flow, mask);
+    }
+
+    HRESULT STDMETHODCALLTYPE GetDefaultAudioEndpoint(EDataFlow flow, ERole role, IMMDevice** endpoint) override
+    {
+        const auto answer = [&]() -> HRESULT
+        {
+            if ((flow != eRender && flow != eCapture) || !isRole(role))
+                return E_INVALIDARG;
+            const Text id = state()->withHardware(
+                [&](const Hardware& hardware)
+                {
+                    const Endpoint* const found = hardware.machine().defaultEndpoint(flow, role);
+                    return found == nullptr || !found->installed ? Text() : Text(found->id);
+                });
+            if (!id)
+                return E_NOTFOUND;
+            *endpoint = makeDevice(state(), *id);
+            return S_OK;
+        };
+        return call("IMMDeviceEnumerator::GetDefaultAudioEndpoint", outputs(endpoint), answer, flow, role);
+    }
+
+    HRESULT STDMETHODCALLTYPE GetDevice(LPCWSTR deviceId, IMMDevice** device) override
+    {
+        const auto answer = [&]() -> HRESULT
+        {
+            if (deviceId == nullptr)
+                return E_POINTER;
+            const std::string wanted = utf8(deviceId);
+            const Text id = state()->withHardware(
+                [&](Hardware& hardware)
+                {
+                    const Device* const found = hardware.openDevice(wanted);
+                    return found == nullptr ? Text() : Text(found->id);
+                });
+            if (!id)
+                return E_NOTFOUND;
+            *device = makeDevice(state(), *id);
+            return S_OK;
+        };
+        return call("IMMDeviceEnumerator::GetDevice", outputs(device), answer, deviceId);
+    }
+
+    HRESULT STDMETHODCALLTYPE RegisterEndpointNotificationCallback(IMMNotificationClient* client) override
+    {
+        const auto answer = [&]() -> HRESULT
+        {
+            if (client == nullptr)
+                return E_POINTER;
+            state()->clients.add(client);
+            return S_OK;
+        };
+        return call("IMMDeviceEnumerator::RegisterEndpointNotificationCallback", outputs(), answer,
+                    presenceText(client));
+    }
+
+    HRESULT STDMETHODCALLTYPE UnregisterEndpointNotificationCallback(IMMNotificationClient* client) override
+    {
+        const auto answer = [&]() -> HRESULT
+        {
+            if (client == nullptr)
+                return E_POINTER;
+            return state()->clients.remove(client) ? S_OK : E_NOTFOUND;
+        };
+        return call("IMMDeviceEnumerator::UnregisterEndpointNotificationCallback", outputs(), answer,
+                    presenceText(client));
+    }
+
+private:
+    std::vector<std::string> endpoints(EDataFlow flow, DWORD mask) const
+    {
+        return state()->withHardware(
+            [&](const Hardware& hardware)
+            {
+                std::vector<std::string> ids;
+                for (const Endpoint& endpoint : hardware.machine().endpoints)
+                {
+                    const bool isOfFlow = flow == eAll || endpoint.flow == flow;
+                    if (endpoint.installed && isOfFlow && (endpoint.state & mask) != 0)
+                        ids.push_back(endpoint.id);
+                }
+                return ids;
+            });
+    }
+};
+}
+
+IMMDeviceEnumerator* makeEnumerator(const std::shared_ptr<State>& state)
+{
+    return new EnumeratorObject(state);
+}
+}

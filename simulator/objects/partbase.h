@@ -1,0 +1,229 @@
+/// @file
+/// What connectors and subunits answer alike.
+#pragma once
+
+#include <algorithm>
+
+#include "simulator/core/simulatedobject.h"
+#include "simulator/objects/lookup.h"
+#include "simulator/objects/objects.h"
+
+namespace sim
+{
+/// A control of a part: its interface.
+struct ControlOfPart
+{
+    IID iid;
+    const char* interfaceName;
+};
+
+/// The controls of @p part in the order in which it lists them.
+std::vector<ControlOfPart> controlsOf(const Part& part);
+
+/// As makeConnector() and makeSubunit().
+IPart* makeConnectorAsPart(const std::shared_ptr<State>& state, const std::string& partId);
+IPart* makeSubunitAsPart(const std::shared_ptr<State>& state, const std::string& partId);
+
+/// Own is IConnector or ISubunit. The object's name is the part's global id.
+template<class Own>
+class PartBase : public ComObject<Own, IPart>
+{
+public:
+    using ComObject<Own, IPart>::ComObject;
+
+    HRESULT STDMETHODCALLTYPE GetName(LPWSTR* name) override
+    {
+        return this->call(
+            "IPart::GetName", outputs(name),
+            [&] { return read([&](const Part& part) { return this->storeText("IPart::GetName", part.name, name); }); });
+    }
+
+    HRESULT STDMETHODCALLTYPE GetLocalId(UINT* id) override
+    {
+        return this->call("IPart::GetLocalId", outputs(id),
+                          [&]
+                          {
+                              return read(
+                                  [&](const Part& part)
+                                  {
+                                      *id = part.localId;
+                                      return S_OK;
+                                  });
+                          });
+    }
+
+    HRESULT STDMETHODCALLTYPE GetGlobalId(LPWSTR* globalId) override
+    {
+        return this->call("IPart::GetGlobalId", outputs(globalId),
+                          [&]
+                          {
+                              return read(
+                                  [&](const Part& part)
+                                  {
+                                      const Text id = part.reportsId ? Text(part.id) : Text();
+                                      return this->storeText("IPart::GetGlobalId", id, globalId);
+                                  });
+                          });
+    }
+
+    HRESULT STDMETHODCALLTYPE GetPartType(PartType* type) override
+    {
+        return this->call("IPart::GetPartType", outputs(type),
+                          [&]() -> HRESULT
+                          {
+                              *type = std::is_same_v<Own, IConnector> ? ::Connector : ::Subunit;
+                              return S_OK;
+                          });
+    }
+
+    HRESULT STDMETHODCALLTYPE GetSubType(GUID* subType) override
+    {
+        return this->call("IPart::GetSubType", outputs(subType),
+                          [&]
+                          {
+                              return read(
+                                  [&](const Part& part)
+                                  {
+                                      *subType = part.subType;
+                                      return S_OK;
+                                  });
+                          });
+    }
+
+    HRESULT STDMETHODCALLTYPE GetControlInterfaceCount(UINT* count) override
+    {
+        return this->call("IPart::GetControlInterfaceCount", outputs(count),
+                          [&]() -> HRESULT
+                          {
+                              *count = static_cast<UINT>(controls().size());
+                              return S_OK;
+                          });
+    }
+
+    HRESULT STDMETHODCALLTYPE GetControlInterface(UINT index, IControlInterface** description) override
+    {
+        const auto answer = [&]() -> HRESULT
+        {
+            const std::vector<ControlOfPart> mine = controls();
+            if (index >= mine.size())
+                return E_INVALIDARG;
+            *description =
+                makeControlInterface(this->state(), this->name(), mine[index].iid, mine[index].interfaceName);
+            return S_OK;
+        };
+        return this->call("IPart::GetControlInterface", outputs(description), answer, index);
+    }
+
+    HRESULT STDMETHODCALLTYPE EnumPartsIncoming(IPartsList** parts) override
+    {
+        return this->call("IPart::EnumPartsIncoming", outputs(parts), [&] { return list(&Part::incoming, parts); });
+    }
+
+    HRESULT STDMETHODCALLTYPE EnumPartsOutgoing(IPartsList** parts) override
+    {
+        return this->call("IPart::EnumPartsOutgoing", outputs(parts), [&] { return list(&Part::outgoing, parts); });
+    }
+
+    HRESULT STDMETHODCALLTYPE GetTopologyObject(IDeviceTopology** topology) override
+    {
+        return this->call("IPart::GetTopologyObject", outputs(topology),
+                          [&]() -> HRESULT
+                          {
+                              std::string deviceId;
+                              const HRESULT result = onPart(*this->state(), this->name(),
+                                                            [&](const PartInPlace& place)
+                                                            {
+                                                                deviceId = place.device->id;
+                                                                return S_OK;
+                                                            });
+                              if (SUCCEEDED(result))
+                                  *topology = makeTopology(this->state(), deviceId);
+                              return result;
+                          });
+    }
+
+    /// The journal writes the interface first, as for IMMDevice::Activate.
+    HRESULT STDMETHODCALLTYPE Activate(DWORD context, REFIID iid, void** object) override
+    {
+        const auto answer = [&]() -> HRESULT
+        {
+            if (!hasControl(iid))
+                return E_NOINTERFACE;
+            if (IsEqualGUID(iid, InterfaceTraits<IAudioVolumeLevel>::iid()))
+                *object = makeVolumeLevel(this->state(), this->name());
+            else if (IsEqualGUID(iid, InterfaceTraits<IAudioMute>::iid()))
+                *object = makeMute(this->state(), this->name());
+            else
+                *object = makeInputSelector(this->state(), this->name());
+            return S_OK;
+        };
+        return this->call("IPart::Activate", outputs(object), answer, iid, context);
+    }
+
+    HRESULT STDMETHODCALLTYPE RegisterControlChangeCallback(REFGUID iid, IControlChangeNotify* notify) override
+    {
+        const auto answer = [&]() -> HRESULT
+        {
+            if (notify == nullptr)
+                return E_POINTER;
+            if (!hasControl(iid))
+                return E_NOINTERFACE;
+            this->state()->controlListeners(this->name(), argumentText(iid))->add(notify);
+            return S_OK;
+        };
+        return this->call("IPart::RegisterControlChangeCallback", outputs(), answer, iid, presenceText(notify));
+    }
+
+    HRESULT STDMETHODCALLTYPE UnregisterControlChangeCallback(IControlChangeNotify* notify) override
+    {
+        const auto answer = [&]() -> HRESULT
+        {
+            if (notify == nullptr)
+                return E_POINTER;
+            return this->state()->removeControlListener(this->name(), notify) ? S_OK : E_NOTFOUND;
+        };
+        return this->call("IPart::UnregisterControlChangeCallback", outputs(), answer, presenceText(notify));
+    }
+
+protected:
+    template<class Action>
+    HRESULT read(const Action& action) const
+    {
+        return onPart(*this->state(), this->name(), [&](const PartInPlace& place) { return action(*place.part); });
+    }
+
+private:
+    std::vector<ControlOfPart> controls() const
+    {
+        std::vector<ControlOfPart> result;
+        read(
+            [&](const Part& part)
+            {
+                result = controlsOf(part);
+                return S_OK;
+            });
+        return result;
+    }
+
+    bool hasControl(REFIID iid) const
+    {
+        const std::vector<ControlOfPart> mine = controls();
+        return std::any_of(mine.begin(), mine.end(),
+                           [&](const ControlOfPart& control) { return IsEqualGUID(control.iid, iid); });
+    }
+
+    HRESULT list(std::vector<std::string> Part::*neighbours, IPartsList** parts) const
+    {
+        std::vector<std::string> ids;
+        const HRESULT result = read(
+            [&](const Part& part)
+            {
+                ids = part.*neighbours;
+                return ids.empty() ? E_NOTFOUND : S_OK;
+            });
+        if (SUCCEEDED(result))
+            *parts = makePartsList(this->state(), this->name(), std::move(ids));
+        return result;
+    }
+};
+}

@@ -1,0 +1,178 @@
+#include <algorithm>
+#include <mutex>
+
+#include "simulator/core/notifications.h"
+#include "simulator/core/simulatedobject.h"
+#include "simulator/objects/lookup.h"
+#include "simulator/objects/objects.h"
+#include "simulator/objects/propertyvalue.h"
+
+namespace sim
+{
+namespace
+{
+/// The properties of one device. What SetValue writes is seen by this store at once and by the machine after Commit.
+class PropertyStoreObject final : public ComObject<IPropertyStore>
+{
+public:
+    PropertyStoreObject(const std::shared_ptr<State>& state, std::string deviceId, DWORD access)
+        : ComObject(state, std::move(deviceId)),
+          m_access(access)
+    {
+    }
+
+    HRESULT STDMETHODCALLTYPE GetCount(DWORD* count) override
+    {
+        return call("IPropertyStore::GetCount", outputs(count),
+                    [&]() -> HRESULT
+                    {
+                        return read(
+                            [&](const Properties& properties)
+                            {
+                                *count = static_cast<DWORD>(properties.size());
+                                return S_OK;
+                            });
+                    });
+    }
+
+    HRESULT STDMETHODCALLTYPE GetAt(DWORD index, PROPERTYKEY* key) override
+    {
+        const auto answer = [&]() -> HRESULT
+        {
+            return read(
+                [&](const Properties& properties)
+                {
+                    if (index >= properties.size())
+                        return E_INVALIDARG;
+                    *key = properties[index].key;
+                    return S_OK;
+                });
+        };
+        return call("IPropertyStore::GetAt", outputs(key), answer, index);
+    }
+
+    HRESULT STDMETHODCALLTYPE GetValue(REFPROPERTYKEY key, PROPVARIANT* value) override
+    {
+        const auto answer = [&]() -> HRESULT
+        {
+            PropVariantInit(value);
+            return read(
+                [&](const Properties& properties)
+                {
+                    const PropertyValue* const found = findProperty(properties, key);
+                    return found == nullptr ? S_OK : store(*found, *value);
+                });
+        };
+        return call("IPropertyStore::GetValue", outputs(value), answer, key);
+    }
+
+    HRESULT STDMETHODCALLTYPE SetValue(REFPROPERTYKEY key, REFPROPVARIANT value) override
+    {
+        const auto answer = [&]() -> HRESULT
+        {
+            if (m_access == STGM_READ)
+                return E_ACCESSDENIED;
+            const std::optional<PropertyValue> copy = readVariant(value);
+            if (!copy)
+                return E_INVALIDARG;
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            m_pending.push_back({key, *copy});
+            return S_OK;
+        };
+        return call("IPropertyStore::SetValue", outputs(), answer, key);
+    }
+
+    HRESULT STDMETHODCALLTYPE Commit() override
+    {
+        return call("IPropertyStore::Commit", outputs(),
+                    [&]() -> HRESULT
+                    {
+                        if (m_access == STGM_READ)
+                            return E_ACCESSDENIED;
+                        const Properties changes = takePending();
+                        const HRESULT result = onDevice(*state(), name(),
+                                                        [&](Device& device)
+                                                        {
+                                                            apply(changes, device.properties);
+                                                            return S_OK;
+                                                        });
+                        for (const Property& change : changes)
+                            notifyPropertyChanged(state(), name(), change.key);
+                        return result;
+                    });
+    }
+
+private:
+    Properties takePending()
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        return std::exchange(m_pending, {});
+    }
+
+    static void apply(const Properties& changes, Properties& properties)
+    {
+        for (const Property& change : changes)
+        {
+            if (change.value.tag == VT_EMPTY)
+                removeProperty(properties, change.key);
+            else
+                setProperty(properties, change.key, change.value);
+        }
+    }
+
+    /// The machine's properties with what this store has pending.
+    template<class Action>
+    HRESULT read(const Action& action)
+    {
+        Properties changes;
+        {
+            const std::lock_guard<std::mutex> lock(m_mutex);
+            changes = m_pending;
+        }
+        return onDevice(*state(), name(),
+                        [&](const Device& device) -> HRESULT
+                        {
+                            if (changes.empty())
+                                return action(device.properties);
+                            Properties properties = device.properties;
+                            apply(changes, properties);
+                            return action(properties);
+                        });
+    }
+
+    HRESULT store(const PropertyValue& value, PROPVARIANT& variant) const
+    {
+        variant.vt = value.tag;
+        if (value.tag == VT_LPWSTR)
+        {
+            return storeText("IPropertyStore::GetValue", value.text, &variant.pwszVal);
+        }
+        if (value.tag != VT_BLOB)
+        {
+            variant.ulVal = value.number;
+            return S_OK;
+        }
+        variant.blob.cbSize = static_cast<ULONG>(value.bytes.size());
+        if (value.bytes.empty())
+            return S_OK;
+        variant.blob.pBlobData = static_cast<BYTE*>(allocate("IPropertyStore::GetValue", value.bytes.size()));
+        if (variant.blob.pBlobData == nullptr)
+        {
+            PropVariantInit(&variant);
+            return E_OUTOFMEMORY;
+        }
+        std::copy(value.bytes.begin(), value.bytes.end(), variant.blob.pBlobData);
+        return S_OK;
+    }
+
+    const DWORD m_access;
+    std::mutex m_mutex;
+    Properties m_pending;
+};
+}
+
+IPropertyStore* makePropertyStore(const std::shared_ptr<State>& state, std::string deviceId, DWORD access)
+{
+    return new PropertyStoreObject(state, std::move(deviceId), access);
+}
+}

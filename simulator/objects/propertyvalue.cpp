@@ -1,0 +1,38 @@
+#include "simulator/objects/propertyvalue.h"
+
+#include "simulator/core/text.h"
+
+namespace sim
+{
+std::optional<PropertyValue> readVariant(const PROPVARIANT& variant)
+{
+    switch (variant.vt)
+    {
+    case VT_EMPTY:
+        return PropertyValue();
+    case VT_LPWSTR:
+        return PropertyValue::ofText(variant.pwszVal == nullptr ? Text() : Text(utf8(variant.pwszVal)));
+    case VT_BLOB:
+    {
+        const BYTE* const bytes = variant.blob.pBlobData;
+        if (bytes == nullptr)
+            return PropertyValue::ofBytes({});
+        return PropertyValue::ofBytes(std::vector<std::uint8_t>(bytes, bytes + variant.blob.cbSize));
+    }
+    case VT_I2:
+    case VT_UI2:
+    case VT_BOOL:
+        return PropertyValue::ofNumber(variant.uiVal, variant.vt);
+    case VT_I1:
+    case VT_UI1:
+        return PropertyValue::ofNumber(variant.bVal, variant.vt);
+    case VT_I4:
+    case VT_UI4:
+    case VT_INT:
+    case VT_UINT:
+        return PropertyValue::ofNumber(static_cast<std::uint32_t>(variant.ulVal), variant.vt);
+    default:
+        return std::nullopt;
+    }
+}
+}

@@ -1,0 +1,135 @@
+#if !defined(_WIN32)
+
+#include "simulator/core/simulatedobject.h"
+#include "simulator/core/text.h"
+#include "simulator/machinenames.h"
+#include "simulator/objects/objects.h"
+#include "simulator/portable/comapartment.h"
+#include "simulator/portable/runtimecall.h"
+
+using namespace sim;
+
+namespace
+{
+/// The machine's enumerator as @p iid, with one reference.
+HRESULT createEnumerator(const std::shared_ptr<State>& state, REFIID iid, void** object)
+{
+    if (!extends<IMMDeviceEnumerator>(iid) && !IsEqualGUID(iid, IID_IUnknown))
+        return E_NOINTERFACE;
+    *object = makeEnumerator(state);
+    return S_OK;
+}
+
+/// Frees a text or blob of a property; its origin is not known here.
+void freeMember(void* memory)
+{
+    if (memory != nullptr)
+        TaskMemory::instance().free(memory);
+}
+}
+
+HRESULT WINAPI CoInitialize(LPVOID)
+{
+    return runtimeCall("CoInitialize", outputs(),
+                       [](const std::shared_ptr<State>&) { return comapartment::enter(false); });
+}
+
+HRESULT WINAPI CoInitializeEx(LPVOID, DWORD model)
+{
+    const auto answer = [&](const std::shared_ptr<State>&)
+    { return comapartment::enter((model & COINIT_APARTMENTTHREADED) == 0); };
+    return runtimeCall("CoInitializeEx", outputs(), answer, model);
+}
+
+void WINAPI CoUninitialize()
+{
+    runtimeNotice("CoUninitialize",
+                  [](State* state)
+                  {
+                      if (!comapartment::leave() && state != nullptr)
+                          ++state->comUnderflows;
+                  });
+}
+
+HRESULT WINAPI CoCreateInstance(REFCLSID clsid, LPUNKNOWN outer, DWORD context, REFIID iid, LPVOID* object)
+{
+    const auto answer = [&](const std::shared_ptr<State>& state) -> HRESULT
+    {
+        if (comapartment::depth() == 0)
+            return CO_E_NOTINITIALIZED;
+        if (state == nullptr || !IsEqualGUID(clsid, CLSID_MMDeviceEnumerator) || (context & CLSCTX_INPROC_SERVER) == 0)
+            return REGDB_E_CLASSNOTREG;
+        if (outer != nullptr)
+            return CLASS_E_NOAGGREGATION;
+        return createEnumerator(state, iid, object);
+    };
+    return runtimeCall("CoCreateInstance", outputs(object), answer, clsid, context, iid);
+}
+
+LPVOID WINAPI CoTaskMemAlloc(SIZE_T bytes)
+{
+    void* memory = nullptr;
+    const auto answer = [&](const std::shared_ptr<State>& state) -> HRESULT
+    {
+        const std::uint64_t owner = state == nullptr ? 0 : state->number;
+        memory = TaskMemory::instance().allocate(bytes, owner, "CoTaskMemAlloc");
+        return memory == nullptr ? E_OUTOFMEMORY : S_OK;
+    };
+    runtimeCall("CoTaskMemAlloc", outputs(), answer, bytes);
+    return memory;
+}
+
+/// The journal's argument is where the block came from.
+void WINAPI CoTaskMemFree(LPVOID memory)
+{
+    const std::string origin = memory == nullptr ? "null" : TaskMemory::instance().free(memory);
+    runtimeNotice(
+        "CoTaskMemFree", [](State*) {}, origin);
+}
+
+HRESULT WINAPI PropVariantClear(PROPVARIANT* value)
+{
+    const auto answer = [&](const std::shared_ptr<State>&) -> HRESULT
+    {
+        if (value == nullptr)
+            return S_OK;
+        if (value->vt == VT_LPWSTR || value->vt == VT_LPSTR || value->vt == VT_CLSID)
+            freeMember(value->pwszVal);
+        else if (value->vt == VT_BLOB)
+            freeMember(value->blob.pBlobData);
+        PropVariantInit(value);
+        return S_OK;
+    };
+    const VARTYPE tag = value == nullptr ? VARTYPE(VT_EMPTY) : value->vt;
+    return runtimeCall("PropVariantClear", outputs(), answer, tag);
+}
+
+HRESULT WINAPI CLSIDFromString(LPCOLESTR text, LPCLSID clsid)
+{
+    const auto answer = [&](const std::shared_ptr<State>&) -> HRESULT
+    {
+        *clsid = GUID{};
+        if (text == nullptr)
+            return S_OK;
+        const std::optional<GUID> parsed = guidFromText(utf8(text));
+        if (!parsed)
+            return CO_E_CLASSSTRING;
+        *clsid = *parsed;
+        return S_OK;
+    };
+    return clsid == nullptr ? E_INVALIDARG : runtimeCall("CLSIDFromString", outputs(), answer, text);
+}
+
+BOOL WINAPI PostMessageW(HWND window, UINT message, WPARAM first, LPARAM second)
+{
+    const auto answer = [&](const std::shared_ptr<State>& state) -> HRESULT
+    {
+        if (state == nullptr)
+            return E_HANDLE;
+        state->recordMessage({window, message, first, second});
+        return S_OK;
+    };
+    return SUCCEEDED(runtimeCall("PostMessageW", outputs(), answer, message, first, second)) ? TRUE : FALSE;
+}
+
+#endif

@@ -1,0 +1,41 @@
+/// @file
+/// How the runtime functions pass through the gate of the machine that is current, if there is one.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "simulator/core/state.h"
+#include "simulator/core/watchedcall.h"
+
+namespace sim
+{
+/// One call of a runtime function. @p body is given the machine, null when there is none.
+template<class... Values, class Body, class... Arguments>
+HRESULT runtimeCall(const char* function, const Outputs<Values...>& outputs, const Body& body,
+                    const Arguments&... arguments)
+{
+    const std::shared_ptr<State> state = currentState();
+    if (state != nullptr)
+        return watchedCall(
+            *state, function, {}, outputs, [&] { return body(state); }, arguments...);
+    if (!outputs.areThere())
+        return E_POINTER;
+    outputs.clear(false);
+    return body(state);
+}
+
+/// One call of a function that has no result and cannot fail: it is only recorded.
+template<class Body, class... Arguments>
+void runtimeNotice(const char* function, const Body& body, const Arguments&... arguments)
+{
+    const std::shared_ptr<State> state = currentState();
+    body(state.get());
+    if (state == nullptr || !state->journal.recording())
+        return;
+    JournalEntry entry;
+    entry.operation = function;
+    entry.arguments = {argumentText(arguments)...};
+    state->journal.end(state->journal.begin(std::move(entry)), CallEnd::returned, S_OK);
+}
+}

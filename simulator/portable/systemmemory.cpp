@@ -1,0 +1,22 @@
+#if !defined(_WIN32)
+
+#include "simulator/core/systemmemory.h"
+
+#include <cstdlib>
+
+namespace sim::systemmemory
+{
+void* allocate(std::size_t bytes)
+{
+    return std::malloc(bytes == 0 ? 1 : bytes); // a block of no bytes is a block all the same
+}
+
+void free(void* memory)
+{
+    std::free(memory);
+}
+
+void watchFrees(std::function<void(void*)>) {}
+}
+
+#endif
