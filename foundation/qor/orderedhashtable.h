@@ -14,26 +14,15 @@ template<class K, class V, class Eq = EqualFunc<K>, class Hash = HashFunc<K>>
 class OrderedHashTable : public Serializable
 {
 public:
-    explicit OrderedHashTable(unsigned int bucketCount = 32) : m_index(bucketCount)
-    {
-    }
+    explicit OrderedHashTable(unsigned int bucketCount = 32) : m_index(bucketCount) {}
 
-    bool contains(const K& key) const
-    {
-        return m_index.contains(key);
-    }
+    bool contains(const K& key) const { return m_index.contains(key); }
 
     /// The value of @p key in its place, to be read or changed there.
     /// @exception HashKeyMissing with the key, if it is not in the table
     /// @exception IndexOutOfBounds if index and values disagree
-    V& operator[](const K& key)
-    {
-        return m_arrayValues[position(key)];
-    }
-    const V& operator[](const K& key) const
-    {
-        return m_arrayValues[position(key)];
-    }
+    V& operator[](const K& key) { return m_arrayValues[position(key)]; }
+    const V& operator[](const K& key) const { return m_arrayValues[position(key)]; }
 
     /// Stores copies of @p key and @p value at the end. The caller has made sure that the key is not in the table.
     void insert(const K& key, const V& value)
@@ -44,23 +33,11 @@ public:
     }
 
     /// Keys and values in the order of insertion.
-    const Array<K>& keys() const
-    {
-        return m_arrayKeys;
-    }
-    Array<V>& values()
-    {
-        return m_arrayValues;
-    }
-    const Array<V>& values() const
-    {
-        return m_arrayValues;
-    }
+    const Array<K>& keys() const { return m_arrayKeys; }
+    Array<V>& values() { return m_arrayValues; }
+    const Array<V>& values() const { return m_arrayValues; }
 
-    unsigned int size() const
-    {
-        return m_arrayKeys.size();
-    }
+    unsigned int size() const { return m_arrayKeys.size(); }
 
     /// Writes keys and values as two arrays. @exception SerializationFailed if the values refuse, as all but texts and
     /// numbers do
@@ -88,7 +65,8 @@ public:
     }
 
     /// "OH(", the cut class names of the arrays of keys and of values with a comma between, ")". The cut takes two
-    /// units off the front and one off the end of "ArrayOfOthers" as well, and readers of the name know it that way.
+    /// units off the front and one off the end of "ArrayOfOthers" as well: "rayOfOther" stands in the names of most
+    /// tables, and readers of the names know it that way.
     const String& objectClassName() override
     {
         static String& name = *new String;

@@ -1,0 +1,132 @@
+#include "libSonavit/audiodeviceendpoint.h"
+
+#include "COM/identifiers.h"
+#include "COM/resultcode.h"
+#include "libSonavit/audiodeviceendpointlog.h"
+#include "qor/exception.h"
+
+namespace
+{
+template<class T>
+const IID& interfaceId();
+
+template<>
+const IID& interfaceId<IDeviceTopology>()
+{
+    return IID_IDeviceTopology;
+}
+
+template<>
+const IID& interfaceId<IAudioEndpointVolume>()
+{
+    return IID_IAudioEndpointVolume;
+}
+}
+
+template<>
+void AudioDevice::logInterfaceType<IDeviceTopology>()
+{
+    SONAVIT_TRACE(endpointlog, "AudioDevice::logInterfaceType()");
+    SONAVIT_LOG(endpointlog, LOG_INFO, out.append("IDeviceTopology"));
+}
+
+template<>
+void AudioDevice::logInterfaceType<IAudioEndpointVolume>()
+{
+    SONAVIT_TRACE(endpointlog, "AudioDevice::logInterfaceType()");
+    SONAVIT_LOG(endpointlog, LOG_INFO, out.append("IAudioEndpointVolume"));
+}
+
+/// Activates an interface on the device. @return nil, with messages (LOG_INFO, LOG_WARNING), where there is none
+template<class T>
+typename COMPtr<T>::pointer AudioDevice::activateDeviceInterface()
+{
+    SONAVIT_TRACE(endpointlog, "AudioDevice::activateDeviceInterface()");
+    if (m_device.get() == nullptr)
+        throw qor::AssertionFailure(__FILE__, __LINE__, "m_device.get() != NULL");
+    void* object = nullptr;
+    const HRESULT result = m_device->Activate(interfaceId<T>(), CLSCTX_ALL, nullptr, &object);
+    if (FAILED(result))
+    {
+        logInterfaceType<T>();
+        SONAVIT_LOG(endpointlog, LOG_WARNING, out.append("Interface is not available for this device ").append(m_properties.endpointType).append(" ").append(m_properties.friendlyName).append(" ").append(hexText(result)));
+    }
+    return static_cast<T*>(object);
+}
+
+template COMPtr<IDeviceTopology>::pointer AudioDevice::activateDeviceInterface<IDeviceTopology>();
+template COMPtr<IAudioEndpointVolume>::pointer AudioDevice::activateDeviceInterface<IAudioEndpointVolume>();
+
+COMPtr<IDeviceTopology>::pointer AudioDevice::deviceTopology() const
+{
+    SONAVIT_TRACE(endpointlog, "AudioDevice::deviceTopology()");
+    return m_topology.topology();
+}
+
+void AudioDevice::deviceTopology(AudioDeviceTopology& topo) const
+{
+    SONAVIT_TRACE(endpointlog, "AudioDevice::deviceTopology(AudioDeviceTopology& topo)");
+    topo = m_topology;
+}
+
+unsigned int AudioDevice::connector(qor::Array<AudioComponent<IConnector>>& connectorList)
+{
+    SONAVIT_TRACE(endpointlog, "AudioDevice::connector(qor::Array<AudioConnector>& connectorList)");
+    connectorList = m_topology.connector();
+    return connectorList.size();
+}
+
+SharedPointer<VolumeControllerInterface> AudioDevice::volumeControl()
+{
+    SONAVIT_TRACE(endpointlog, "AudioDevice::volumeControl");
+    return m_volumeControl;
+}
+
+COMPtr<IAudioClient>::pointer AudioDevice::audioClient()
+{
+    SONAVIT_TRACE(endpointlog, "AudioDevice::audioClient");
+    void* client = nullptr;
+    if (FAILED(m_device->Activate(IID_IAudioClient, CLSCTX_ALL, nullptr, &client)))
+        SONAVIT_LOG(endpointlog, LOG_DEBUG, out.append("Device ").append(m_properties.friendlyName).append(" has not audio client interface"));
+    return static_cast<IAudioClient*>(client);
+}
+
+// Label and message are those of audioClient(): the log shows the same words for both.
+ATL::CComPtr<IBaseFilter> AudioDevice::baseFilter()
+{
+    SONAVIT_TRACE(endpointlog, "AudioDevice::audioClient");
+    ATL::CComPtr<IBaseFilter> filter;
+    void* object = nullptr;
+    if (FAILED(m_device->Activate(IID_IBaseFilter, CLSCTX_ALL, nullptr, &object)))
+        SONAVIT_LOG(endpointlog, LOG_DEBUG, out.append("Device ").append(m_properties.friendlyName).append(" has not audio client interface"));
+    filter.Attach(static_cast<IBaseFilter*>(object));
+    return filter;
+}
+
+COMPtr<IAudioEndpointVolume>::pointer AudioDevice::volumeController()
+{
+    SONAVIT_TRACE(endpointlog, "AudioDevice::volumeController()");
+    if (m_device.get() == nullptr)
+        throw qor::AssertionFailure(__FILE__, __LINE__, "m_device.get() != NULL");
+    return activateDeviceInterface<IAudioEndpointVolume>();
+}
+
+/// Makes the controller from the properties as they are now, also on an endpoint without a volume interface: it then
+/// has a nil one. A device that is no endpoint keeps the controller that it had. The label is that of volumeControl().
+/// @return whether the device has a controller
+bool AudioDevice::createVolumeControl()
+{
+    SONAVIT_TRACE(endpointlog, "AudioDevice::volumeControl");
+    if (isEndpoint())
+    {
+        EndpointVolumeController policy;
+        policy.endpointVolume = volumeController();
+        policy.ownerName = m_properties.endpointType;
+        policy.ownerType = m_properties.subType;
+        VolumeControllerInterface* const controller = new VolumeController<EndpointVolumeController>(policy);
+        m_volumeControl = SharedPointer<VolumeControllerInterface>(controller);
+    }
+    else
+        SONAVIT_LOG(endpointlog, LOG_FATAL, out.append("Not implemented. Subunits don't always have a volume controller"));
+    return m_volumeControl.get() != nullptr;
+}

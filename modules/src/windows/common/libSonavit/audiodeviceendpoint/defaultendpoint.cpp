@@ -1,0 +1,104 @@
+#include "libSonavit/audiodeviceendpoint.h"
+
+#include "COM/identifiers.h"
+#include "COM/resultcode.h"
+#include "libSonavit/audiodeviceendpointlog.h"
+
+namespace
+{
+template<class I>
+void releaseWithRecord(I*& object, const char* record)
+{
+    if (object == nullptr)
+        return;
+    object->Release();
+    object = nullptr;
+    SONAVIT_LOG(endpointlog, LOG_DEBUG, out.append(record));
+}
+
+/// One question for the default endpoint of a device's flow, with what it holds meanwhile.
+class DefaultEndpointInquiry
+{
+public:
+    explicit DefaultEndpointInquiry(IMMDevice* device) : m_device(device) {}
+    DefaultEndpointInquiry(const DefaultEndpointInquiry&) = delete;
+    DefaultEndpointInquiry& operator=(const DefaultEndpointInquiry&) = delete;
+
+    /// In this order, each with a record of its own.
+    ~DefaultEndpointInquiry() noexcept(false)
+    {
+        releaseWithRecord(m_enumerator, "enumerator RELEASED");
+        releaseWithRecord(m_endpoint, "endpoint RELEASED");
+        releaseWithRecord(m_defaultDevice, "pDefaultDevice RELEASED");
+    }
+
+    /// @return whether all went well and @p id holds the default endpoint's id; a failing step is logged
+    bool ask(qor::String& id)
+    {
+        HRESULT result = createEnumerator();
+        if (FAILED(result))
+            return failed("CoCreateInstance returns ", result);
+        result = m_device->QueryInterface(IID_IMMEndpoint, reinterpret_cast<void**>(&m_endpoint));
+        if (FAILED(result))
+            return failed("QueryInterface returns ", result);
+        EDataFlow flow = eAll;
+        result = m_endpoint->GetDataFlow(&flow);
+        if (FAILED(result))
+            return failed("GetDataFlow returns ", result);
+        result = m_enumerator->GetDefaultAudioEndpoint(flow, eConsole, &m_defaultDevice);
+        if (FAILED(result))
+            return failed("GetDefaultAudioEndpoint returns ", result);
+        LPWSTR text = nullptr;
+        result = m_defaultDevice->GetId(&text);
+        if (FAILED(result))
+            return failed("GetId returns ", result);
+        id = platform::ucs2(text); // the platform's copy is left to it; callers have counted on that
+        return true;
+    }
+
+private:
+    /// An enumerator of its own, apart from the shared one.
+    HRESULT createEnumerator()
+    {
+        return CoCreateInstance(CLSID_MMDeviceEnumerator, nullptr, CLSCTX_INPROC_SERVER, IID_IMMDeviceEnumerator,
+                                reinterpret_cast<void**>(&m_enumerator));
+    }
+
+    static bool failed(const char* step, HRESULT result)
+    {
+        SONAVIT_LOG(endpointlog, LOG_ERROR, out.append(step).append(hexText(result)));
+        return false;
+    }
+
+    IMMDevice* m_device;
+    IMMDeviceEnumerator* m_enumerator = nullptr;
+    IMMEndpoint* m_endpoint = nullptr;
+    IMMDevice* m_defaultDevice = nullptr;
+};
+}
+
+bool AudioDevice::dataFlow(EDataFlow& flow) const
+{
+    SONAVIT_TRACE(endpointlog, "AudioDevice::dataFlow");
+    if (m_device.get() == nullptr)
+        return false;
+    void* object = nullptr;
+    if (FAILED(m_device->QueryInterface(IID_IMMEndpoint, &object)))
+        return false;
+    IMMEndpoint* const endpoint = static_cast<IMMEndpoint*>(object);
+    endpoint->GetDataFlow(&flow);
+    endpoint->Release();
+    return true;
+}
+
+bool AudioDevice::isDefaultEndpoint() const
+{
+    qor::String defaultId;
+    {
+        DefaultEndpointInquiry inquiry(m_device.get());
+        if (!inquiry.ask(defaultId))
+            return false;
+    }
+    SONAVIT_LOG(endpointlog, LOG_DEBUG, out.append("Are these Equal: ").append(m_properties.deviceId).append(" ?= ").append(defaultId));
+    return m_properties.deviceId == defaultId;
+}

@@ -1,0 +1,64 @@
+#include "libSonavit/audiodeviceendpoint.h"
+
+#include "COM/resultcode.h"
+#include "libSonavit/audiodeviceendpointlog.h"
+#include "qor/exception.h"
+
+#include <cstring>
+
+bool AudioDevice::setFormat(const WAVEFORMATEXTENSIBLE& format)
+{
+    SONAVIT_TRACE(endpointlog, "AudioDevice::setFormat");
+    if (m_propertyStore.get() == nullptr)
+        throw qor::AssertionFailure(__FILE__, __LINE__, "m_propertyStore.get() != NULL");
+
+    PROPVARIANT variant; // borrows the caller's format, so it is never cleared
+    std::memset(&variant, 0, sizeof(variant));
+    variant.vt = VT_BLOB;
+    variant.blob.cbSize = sizeof(format);
+    variant.blob.pBlobData = reinterpret_cast<BYTE*>(const_cast<WAVEFORMATEXTENSIBLE*>(&format));
+    HRESULT result = m_propertyStore->SetValue(m_deviceFormat, variant);
+    if (FAILED(result))
+    {
+        SONAVIT_LOG(endpointlog, LOG_WARNING, out.append("IPropertyStore::SetValue failed ").append(hexText(result)));
+        return false;
+    }
+    m_propertyStore->Commit();
+
+    // What the system made of the format is told by a new store only.
+    m_propertyStore = nullptr;
+    IPropertyStore* store = nullptr;
+    result = m_device->OpenPropertyStore(STGM_READWRITE, &store);
+    m_propertyStore = store;
+    if (FAILED(result))
+    {
+        SONAVIT_LOG(endpointlog, LOG_WARNING, out.append("Cannot open a new property store ").append(hexText(result)));
+        return false;
+    }
+    return refreshDeviceInformation();
+}
+
+bool operator==(const WAVEFORMATEX& left, const WAVEFORMATEX& right)
+{
+    return left.cbSize == right.cbSize && left.nAvgBytesPerSec == right.nAvgBytesPerSec &&
+           left.nBlockAlign == right.nBlockAlign && left.nChannels == right.nChannels &&
+           left.nSamplesPerSec == right.nSamplesPerSec && left.wBitsPerSample == right.wBitsPerSample &&
+           left.wFormatTag == right.wFormatTag;
+}
+
+bool operator!=(const WAVEFORMATEX& left, const WAVEFORMATEX& right)
+{
+    return !(left == right);
+}
+
+bool operator==(const WAVEFORMATEXTENSIBLE& left, const WAVEFORMATEXTENSIBLE& right)
+{
+    return left.Format == right.Format && left.dwChannelMask == right.dwChannelMask &&
+           left.Samples.wValidBitsPerSample == right.Samples.wValidBitsPerSample &&
+           std::memcmp(&left.SubFormat, &right.SubFormat, sizeof(left.SubFormat)) == 0;
+}
+
+bool operator!=(const WAVEFORMATEXTENSIBLE& left, const WAVEFORMATEXTENSIBLE& right)
+{
+    return !(left == right);
+}

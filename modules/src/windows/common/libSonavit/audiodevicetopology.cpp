@@ -1,0 +1,224 @@
+#include "libSonavit/audiodevicetopology.h"
+
+#include "COM/identifiers.h"
+#include "COM/resultcode.h"
+#include "libSonavit/audiodevicetopologylog.h"
+
+namespace
+{
+/// The platform's text is ours to free even when the call reports failure.
+void readDeviceOwner(IDeviceTopology& topology, qor::String& owner)
+{
+    LPWSTR id = nullptr;
+    const HRESULT result = topology.GetDeviceId(&id);
+    if (id != nullptr)
+    {
+        owner = platform::ucs2(id);
+        CoTaskMemFree(id);
+    }
+    if (FAILED(result))
+        SONAVIT_LOG(topologylog, LOG_ERROR, out.append("Unable to retrieve device id from topology ").append(hexText(result)));
+}
+
+void readConnectors(IDeviceTopology& topology, qor::Array<AudioComponent<IConnector>>& connectors)
+{
+    UINT count = 0;
+    topology.GetConnectorCount(&count);
+    SONAVIT_LOG(topologylog, LOG_INFO, out.append("Num connector = ").append(decimalText(count)));
+    for (UINT index = 0; index < count; ++index)
+    {
+        IConnector* connector = nullptr;
+        const HRESULT result = topology.GetConnector(index, &connector);
+        if (FAILED(result))
+        {
+            SONAVIT_LOG(topologylog, LOG_ERROR, out.append("Unable to retrieve connector index ").append(decimalText(index)).append(" ").append(hexText(result)));
+            continue;
+        }
+        connectors.append(AudioComponent<IConnector>(connector));
+    }
+}
+
+void readSubunits(IDeviceTopology& topology, qor::Array<AudioComponent<ISubunit>>& subunits)
+{
+    UINT count = 0;
+    topology.GetSubunitCount(&count);
+    SONAVIT_LOG(topologylog, LOG_INFO, out.append("Subunit count = ").append(decimalText(count)));
+    for (UINT index = 0; index < count; ++index)
+    {
+        ISubunit* subunit = nullptr;
+        const HRESULT result = topology.GetSubunit(index, &subunit);
+        if (FAILED(result))
+        {
+            SONAVIT_LOG(topologylog, LOG_ERROR, out.append("Unable to retrieve subunit index ").append(decimalText(index)).append(" ").append(hexText(result)));
+            continue;
+        }
+        subunits.append(AudioComponent<ISubunit>(subunit));
+    }
+}
+}
+
+AudioDeviceTopology::AudioDeviceTopology() = default;
+
+AudioDeviceTopology::AudioDeviceTopology(const COMPtr<IDeviceTopology>::pointer& deviceTopology)
+{
+    SONAVIT_TRACE(topologylog, "AudioDeviceTopology::AudioDeviceTopology(IDeviceTopology* deviceTopology)");
+    initialize(deviceTopology);
+}
+
+AudioDeviceTopology::AudioDeviceTopology(const COMPtr<ISubunit>::pointer& subunit)
+{
+    SONAVIT_TRACE(topologylog, "AudioDeviceTopology::AudioDeviceTopology(ISubunit* subunit)");
+    initialize(subunit);
+}
+
+AudioDeviceTopology::AudioDeviceTopology(const COMPtr<IConnector>::pointer& connector)
+{
+    SONAVIT_TRACE(topologylog, "AudioDeviceTopology::AudioDeviceTopology(IConnector* connector)");
+    initialize(connector);
+}
+
+// The label is that of the constructor above.
+AudioDeviceTopology::AudioDeviceTopology(const AudioComponent<IConnector>& connector)
+{
+    SONAVIT_TRACE(topologylog, "AudioDeviceTopology::AudioDeviceTopology(IConnector* connector)");
+    initialize(connector.component());
+}
+
+AudioDeviceTopology::AudioDeviceTopology(const AudioDeviceTopology& other) = default;
+AudioDeviceTopology::~AudioDeviceTopology() = default;
+AudioDeviceTopology& AudioDeviceTopology::operator=(const AudioDeviceTopology& other) = default;
+
+AudioDeviceTopology& AudioDeviceTopology::operator=(const COMPtr<IDeviceTopology>::pointer& topology)
+{
+    SONAVIT_TRACE(topologylog, "AudioDeviceTopology::operator=(const COMPtr<IDeviceTopology>::pointer& topology)");
+    initialize(topology);
+    return *this;
+}
+
+bool AudioDeviceTopology::initialize(const COMPtr<IDeviceTopology>::pointer& topology)
+{
+    SONAVIT_TRACE(topologylog, "AudioDeviceTopology::initialize(IDeviceTopology* deviceTopology)");
+    clear();
+    m_topology = topology;
+    if (m_topology.get() == nullptr)
+    {
+        SONAVIT_LOG(topologylog, LOG_ERROR, out.append("Using NULL deviceTopology invalidates this object"));
+        return false;
+    }
+    readDeviceOwner(*m_topology, m_deviceOwner);
+    readConnectors(*m_topology, m_connectors);
+    readSubunits(*m_topology, m_subunits);
+    return true;
+}
+
+bool AudioDeviceTopology::initialize(const COMPtr<IConnector>::pointer& connector)
+{
+    return initializeHelper<IConnector>(connector);
+}
+
+bool AudioDeviceTopology::initialize(const COMPtr<ISubunit>::pointer& subunit)
+{
+    return initializeHelper<ISubunit>(subunit);
+}
+
+bool AudioDeviceTopology::isInitialized() const
+{
+    return m_topology.get() != nullptr;
+}
+
+COMPtr<IDeviceTopology>::pointer AudioDeviceTopology::topology() const
+{
+    return m_topology;
+}
+
+qor::String AudioDeviceTopology::deviceOwner() const
+{
+    return m_deviceOwner;
+}
+
+qor::Array<AudioComponent<IConnector>> AudioDeviceTopology::connector() const
+{
+    return m_connectors;
+}
+
+qor::Array<AudioComponent<ISubunit>> AudioDeviceTopology::subunit() const
+{
+    return m_subunits;
+}
+
+bool AudioDeviceTopology::connectorsAreLinked(const AudioComponent<IConnector>& from,
+                                              const AudioComponent<IConnector>& to) const
+{
+    SONAVIT_TRACE(topologylog, "AudioDeviceTopology::connectorsAreLinked");
+    if (from == to)
+    {
+        SONAVIT_LOG(topologylog, LOG_WARNING, out.append("Function treats the same connectors as unlinked"));
+        return false;
+    }
+    const COMPtr<IPart>::pointer fromPart = from.part().part();
+    const COMPtr<IPart>::pointer toPart = fromPart.get() == nullptr ? COMPtr<IPart>::pointer() : to.part().part();
+    if (toPart.get() == nullptr)
+    {
+        SONAVIT_LOG(topologylog, LOG_WARNING, out.append("One of the connectors is invalid"));
+        return false;
+    }
+    if (m_topology.get() == nullptr)
+        return false; // nobody to ask; the caller's connector has lost its topology, which is reported there
+
+    IPartsList* path = nullptr;
+    if (FAILED(m_topology->GetSignalPath(fromPart.get(), toPart.get(), TRUE, &path)))
+    {
+        SONAVIT_LOG(topologylog, LOG_WARNING, out.append("No signal path from ").append(from.id()).append(" to ").append(to.id()));
+        if (FAILED(m_topology->GetSignalPath(toPart.get(), fromPart.get(), TRUE, &path)))
+        {
+            SONAVIT_LOG(topologylog, LOG_WARNING, out.append("No signal path from ").append(to.id()).append(" to ").append(from.id()));
+            return false;
+        }
+    }
+    if (path != nullptr)
+        path->Release();
+    return true;
+}
+
+void AudioDeviceTopology::clear()
+{
+    SONAVIT_TRACE(topologylog, "AudioDeviceTopology::clear()");
+    m_topology = nullptr;
+    m_deviceOwner.clear();
+    m_connectors.clear();
+    m_subunits.clear();
+}
+
+bool AudioDeviceTopology::initialize(const COMPtr<IPart>::pointer& part)
+{
+    SONAVIT_TRACE(topologylog, "AudioDeviceTopology::initialize(COMPtr<IPart>::pointer& part)");
+    if (part.get() == nullptr)
+    {
+        SONAVIT_LOG(topologylog, LOG_ERROR, out.append("Cannot use NULL part to get device topology"));
+        return false;
+    }
+    IDeviceTopology* topology = nullptr;
+    const HRESULT result = part->GetTopologyObject(&topology);
+    if (FAILED(result))
+        SONAVIT_LOG(topologylog, LOG_ERROR, out.append("GetTopologyObject fails ").append(hexText(result)));
+    return initialize(COMPtr<IDeviceTopology>::pointer(topology)); // a nil one has its own message
+}
+
+template<class Interface>
+bool AudioDeviceTopology::initializeHelper(const typename COMPtr<Interface>::pointer& obj)
+{
+    SONAVIT_TRACE(topologylog, "template <class Interface> bool AudioDeviceTopology::initializeHelper(Interface* obj)");
+    clear();
+    if (obj.get() == nullptr)
+    {
+        SONAVIT_LOG(topologylog, LOG_ERROR, out.append("Cannot use NULL as parameter"));
+        return false;
+    }
+    void* part = nullptr;
+    if (FAILED(obj->QueryInterface(IID_IPart, &part)))
+    {
+        SONAVIT_LOG(topologylog, LOG_ERROR, out.append("No part interface found"));
+        return false;
+    }
+    return initialize(COMPtr<IPart>::pointer(static_cast<IPart*>(part)));
+}

@@ -1,0 +1,122 @@
+#include "libSonavit/audiopart.h"
+
+#include "COM/identifiers.h"
+#include "libSonavit/audiodevicetopology.h"
+#include "libSonavit/audiopartlog.h"
+
+namespace
+{
+template<class I>
+const IID& interfaceId();
+
+template<>
+const IID& interfaceId<IConnector>()
+{
+    return IID_IConnector;
+}
+
+template<>
+const IID& interfaceId<ISubunit>()
+{
+    return IID_ISubunit;
+}
+}
+
+template<class I>
+AudioComponent<I>::AudioComponent(I* component) : m_component(component),
+                                                  m_part(component)
+{
+    SONAVIT_TRACE(partlog, "AudioComponent::AudioComponent");
+}
+
+template<class I>
+AudioComponent<I>::AudioComponent(const typename COMPtr<I>::pointer& component)
+    : m_component(component),
+      m_part(component.get())
+{
+    SONAVIT_TRACE(partlog, "AudioComponent::AudioComponent");
+}
+
+// The label names connectors for subunits as well; readers of the log match on it.
+template<class I>
+AudioComponent<I>::AudioComponent(const COMPtr<IPart>::pointer& part)
+{
+    SONAVIT_TRACE(partlog, "AudioConnector::AudioConnector(const COMPtr<IPart>::pointer& part)");
+    if (part.get() == nullptr)
+        return;
+    void* component = nullptr;
+    part->QueryInterface(interfaceId<I>(), &component); // the pointer decides
+    if (component == nullptr)
+        return;
+    m_component = static_cast<I*>(component);
+    m_part = part;
+}
+
+template<class I>
+AudioComponent<I>::AudioComponent(const AudioComponent& other) = default;
+
+template<class I>
+AudioComponent<I>::~AudioComponent() = default;
+
+template<class I>
+AudioComponent<I>& AudioComponent<I>::operator=(const AudioComponent& other) = default;
+
+template<class I>
+unsigned int AudioComponent<I>::incomingPartsList(qor::Array<AudioPart>& list)
+{
+    return m_part.incomingPartsList(list);
+}
+
+template<class I>
+unsigned int AudioComponent<I>::outgoingPartsList(qor::Array<AudioPart>& list)
+{
+    return m_part.outgoingPartsList(list);
+}
+
+template<class I>
+bool AudioComponent<I>::operator==(const AudioComponent& other) const
+{
+    return qor::String::compareNoCase(id(), other.id()) == 0;
+}
+
+template<class I>
+typename COMPtr<I>::pointer AudioComponent<I>::component() const
+{
+    SONAVIT_TRACE(partlog, "AudioComponent::component()");
+    return m_component;
+}
+
+template<class I>
+AudioPart AudioComponent<I>::part() const
+{
+    SONAVIT_TRACE(partlog, "AudioComponent::part()");
+    return m_part;
+}
+
+template<class I>
+qor::String AudioComponent<I>::id() const
+{
+    return m_part.globalId();
+}
+
+template<class I>
+qor::String AudioComponent<I>::name() const
+{
+    return m_part.name();
+}
+
+template<class I>
+GUID AudioComponent<I>::subType() const
+{
+    return m_part.subType();
+}
+
+template<class I>
+qor::String AudioComponent<I>::deviceOwner() const
+{
+    const AudioDeviceTopology topology(m_part.topology());
+    return topology.deviceOwner();
+}
+
+template class AudioComponent<IConnector>;
+template class AudioComponent<ISubunit>;

@@ -1,0 +1,99 @@
+#include "libSonavit/endpointdeviceenumerator.h"
+
+#include "COM/resultcode.h"
+#include "libSonavit/endpointdeviceenumerator/endpointlisting.h"
+#include "libSonavit/endpointdeviceenumeratorlog.h"
+
+#include <new>
+
+namespace libSonavit
+{
+namespace
+{
+/// The count that Release reports, with an AddRef before it.
+unsigned int releasedCount(IUnknown* object)
+{
+    object->AddRef();
+    return static_cast<unsigned int>(object->Release());
+}
+}
+
+OwnedPointer<AudioDeviceEnumerator> AudioDeviceEnumeratorFactory::m_enumerator;
+
+OwnedPointer<AudioDeviceEnumerator>& AudioDeviceEnumeratorFactory::enumerator()
+{
+    if (m_enumerator.get() == nullptr)
+        m_enumerator = new (std::nothrow) AudioDeviceEnumerator;
+    return m_enumerator;
+}
+
+AudioDeviceEnumeratorFactory& AudioDeviceEnumeratorFactory::operator=(const AudioDeviceEnumeratorFactory&)
+{
+    return *this;
+}
+
+AudioDeviceEnumerator::AudioDeviceEnumerator() = default;
+AudioDeviceEnumerator::AudioDeviceEnumerator(const AudioDeviceEnumerator& other) = default;
+AudioDeviceEnumerator& AudioDeviceEnumerator::operator=(const AudioDeviceEnumerator& other) = default;
+
+/// Clients that the platform refused are taken off as well; nothing is made of the answers.
+AudioDeviceEnumerator::~AudioDeviceEnumerator()
+{
+    if (m_deviceEnumerator.get() == nullptr)
+        return;
+    for (unsigned int i = 0; i < m_notificationClients.size(); ++i)
+        m_deviceEnumerator->UnregisterEndpointNotificationCallback(m_notificationClients[i].get());
+    m_notificationClients.clear();
+    m_deviceEnumerator = nullptr;
+}
+
+BorrowedPointer<IMMDeviceEnumerator> AudioDeviceEnumerator::deviceEnumerator()
+{
+    SONAVIT_TRACE(enumeratorlog, "AudioDeviceEnumerator::deviceEnumerator()");
+    if (m_deviceEnumerator.get() == nullptr)
+        createDeviceEnumerator();
+    return m_deviceEnumerator.get();
+}
+
+bool AudioDeviceEnumerator::addNotificationClient(const COMPtr<IMMNotificationClient>::pointer& client)
+{
+    if (m_deviceEnumerator.get() == nullptr && deviceEnumerator().get() == nullptr)
+    {
+        SONAVIT_LOG(enumeratorlog, LOG_WARNING, out.append("Fail to instantiate IMMDeviceNumerator"));
+        return false;
+    }
+    m_notificationClients.append(client); // before the registration: one that is refused stays in the list
+    const HRESULT result = m_deviceEnumerator->RegisterEndpointNotificationCallback(client.get());
+    if (FAILED(result))
+    {
+        SONAVIT_LOG(enumeratorlog, LOG_WARNING, out.append("Fail to register notification callback ").append(decimalText(static_cast<unsigned int>(result))));
+        return false;
+    }
+    return true;
+}
+
+unsigned int AudioDeviceEnumerator::audioDevices(EDataFlow flow, qor::Array<AudioDevice>& devices) const
+{
+    devices.clear();
+    const COMPtr<IMMDeviceCollection>::pointer collection =
+        endpointlisting::collectionOf(*m_deviceEnumerator, flow, DEVICE_STATEMASK_ALL);
+    const UINT count = endpointlisting::countOf(collection);
+    SONAVIT_LOG(enumeratorlog, LOG_INFO, out.append("Found ").append(decimalText(count)).append(" devices"));
+    endpointlisting::append(collection, count, devices);
+    return devices.size();
+}
+
+/// Without an enumerator after a failure the object stays as it was, so that the next question tries again.
+void AudioDeviceEnumerator::createDeviceEnumerator()
+{
+    IMMDeviceEnumerator* enumerator = nullptr;
+    const HRESULT result = endpointlisting::createEnumerator(enumerator);
+    if (FAILED(result))
+        SONAVIT_LOG(enumeratorlog, LOG_ERROR, out.append("CoCreateInstance returns ").append(hexText(result)));
+    if (enumerator == nullptr)
+        return;
+    SONAVIT_LOG(enumeratorlog, LOG_DEBUG, out.append("IMMDeviceEnumerator refcount = "), out + releasedCount(enumerator));
+    m_deviceEnumerator = enumerator;
+    SONAVIT_LOG(enumeratorlog, LOG_DEBUG, out.append("IMMDeviceEnumerator refcount after copy = "), out + releasedCount(enumerator));
+}
+}

@@ -1,0 +1,29 @@
+#include "libSonavit/soundcard.h"
+
+#include "COM/identifiers.h"
+#include "COM/resultcode.h"
+#include "libSonavit/soundcardlog.h"
+
+unsigned int SoundCard::recordingMux(qor::Array<COMPtr<IAudioInputSelector>::pointer>& result)
+{
+    SONAVIT_TRACE(soundcardlog, "SoundCard::recordingMux");
+    const qor::Array<AudioDevice>& devices = *m_internalDevices;
+    SONAVIT_LOG(soundcardlog, LOG_DEBUG, out.append("Number of internal devices = ").append(decimalText(devices.size())));
+    for (unsigned int i = 0; i < devices.size(); ++i)
+    {
+        AudioDeviceTopology topology;
+        devices[i].deviceTopology(topology);
+        const qor::Array<AudioComponent<ISubunit>> subunits = topology.subunit();
+        for (unsigned int j = 0; j < subunits.size(); ++j)
+        {
+            void* object = nullptr;
+            subunits[j].part().part()->Activate(CLSCTX_ALL, IID_IAudioInputSelector, &object); // the pointer decides
+            const COMPtr<IAudioInputSelector>::pointer selector(static_cast<IAudioInputSelector*>(object));
+            if (selector.get() == nullptr)
+                continue;
+            SONAVIT_LOG(soundcardlog, LOG_INFO, out.append("Found an input selector from device ").append(devices[i].deviceProperty().friendlyName));
+            result.append(selector);
+        }
+    }
+    return result.size();
+}

@@ -1,0 +1,217 @@
+#include "libSonavit/soundcardupdater.h"
+
+#include "COM/identifiers.h"
+#include "COM/resultcode.h"
+#include "libSonavit/soundcardlog.h"
+#include "platform/interlocked.h"
+
+namespace
+{
+typedef SharedPointer<qor::Array<AudioDevice>> DeviceList;
+typedef SharedPointer<qor::Array<BorrowedPointer<SoundCardObserver>>> ObserverList;
+
+constexpr unsigned int notFound = 0xFFFFFFFF;
+
+unsigned int indexOf(const qor::Array<AudioDevice>& devices, const AudioDevice& device)
+{
+    for (unsigned int i = 0; i < devices.size(); ++i)
+    {
+        if (devices[i] == device)
+            return i;
+    }
+    return notFound;
+}
+
+/// Calls all observers, those included that register while it goes on.
+void tell(const ObserverList& observers, void (SoundCardObserver::*event)())
+{
+    if (observers.get() == nullptr)
+        return;
+    for (unsigned int i = 0; i < observers->size(); ++i)
+        ((*observers)[i].get()->*event)();
+}
+
+qor::String idText(LPCWSTR deviceId)
+{
+    return qor::String(platform::ucs2(deviceId));
+}
+}
+
+SoundCard::SoundCardDeviceUpdater::SoundCardDeviceUpdater() : m_refCount(1) {}
+
+SoundCard::SoundCardDeviceUpdater::~SoundCardDeviceUpdater() = default;
+
+COMPtr<SoundCard::SoundCardDeviceUpdater>::pointer SoundCard::SoundCardDeviceUpdater::createUpdater()
+{
+    return new SoundCardDeviceUpdater;
+}
+
+void SoundCard::SoundCardDeviceUpdater::setOwnerId(const SharedPointer<qor::String>& ownerId)
+{
+    m_ownerId = ownerId;
+}
+
+// This label lacks a pair of colons; readers of the log match on it as it is.
+bool SoundCard::SoundCardDeviceUpdater::setRecordDeviceList(const SharedPointer<qor::Array<AudioDevice>>& list)
+{
+    SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdatersetRecordDeviceList");
+    if (list.get() == nullptr)
+    {
+        SONAVIT_LOG(soundcardlog, LOG_WARNING, out.append("Cannot use an empty eCapture device list"));
+        return false;
+    }
+    m_recordDeviceList = list;
+    return true;
+}
+
+bool SoundCard::SoundCardDeviceUpdater::setPlaybackDeviceList(const SharedPointer<qor::Array<AudioDevice>>& list)
+{
+    SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::setPlaybackDeviceList");
+    if (list.get() == nullptr)
+    {
+        SONAVIT_LOG(soundcardlog, LOG_WARNING, out.append("Cannot use an empty eRender device list"));
+        return false;
+    }
+    m_playbackDeviceList = list;
+    return true;
+}
+
+bool SoundCard::SoundCardDeviceUpdater::setPlaybackObserver(
+    const SharedPointer<qor::Array<BorrowedPointer<SoundCardObserver>>>& observers)
+{
+    SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::setPlaybackObserver");
+    if (observers.get() == nullptr)
+    {
+        SONAVIT_LOG(soundcardlog, LOG_WARNING, out.append("Cannot use NULL pointer"));
+        return false;
+    }
+    m_playbackObserver = observers;
+    return true;
+}
+
+bool SoundCard::SoundCardDeviceUpdater::setRecordObserver(
+    const SharedPointer<qor::Array<BorrowedPointer<SoundCardObserver>>>& observers)
+{
+    SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::setRecordObserver");
+    if (observers.get() == nullptr)
+    {
+        SONAVIT_LOG(soundcardlog, LOG_WARNING, out.append("Cannot use NULL pointer"));
+        return false;
+    }
+    m_recordObserver = observers;
+    return true;
+}
+
+HRESULT SoundCard::SoundCardDeviceUpdater::QueryInterface(REFIID iid, void** object)
+{
+    SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::QueryInterface");
+    if (iid != IID_IUnknown && iid != IID_IMMNotificationClient)
+    {
+        *object = nullptr;
+        return E_NOINTERFACE;
+    }
+    AddRef();
+    *object = this;
+    return S_OK;
+}
+
+// The two operations share one label.
+ULONG SoundCard::SoundCardDeviceUpdater::AddRef()
+{
+    SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::Release");
+    return static_cast<ULONG>(platform::interlockedIncrement(&m_refCount));
+}
+
+ULONG SoundCard::SoundCardDeviceUpdater::Release()
+{
+    SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::Release");
+    const LONG count = platform::interlockedDecrement(&m_refCount);
+    if (count == 0)
+        delete this;
+    return static_cast<ULONG>(count);
+}
+
+HRESULT SoundCard::SoundCardDeviceUpdater::OnDeviceStateChanged(LPCWSTR deviceId, DWORD newState)
+{
+    SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::OnDeviceStateChanged");
+    const qor::String id = idText(deviceId);
+    SONAVIT_LOG(soundcardlog, LOG_DEBUG, out.append("Device with id ").append(id).append(" state changed to ").append(decimalText(newState)));
+    const AudioDevice device(id);
+    const DeviceList devices = selectDeviceList(device);
+    const ObserverList observers = selectObserver(device);
+    if (devices.get() == nullptr)
+        return S_OK;
+    const unsigned int index = indexOf(*devices, device);
+    if (index == notFound)
+        return E_FAIL;
+    (*devices)[index].refreshDeviceState(); // asks the platform: the state that came with the event may be old by now
+    tell(observers, &SoundCardObserver::onDeviceStateChanged);
+    return S_OK;
+}
+
+HRESULT SoundCard::SoundCardDeviceUpdater::OnDeviceAdded(LPCWSTR deviceId)
+{
+    SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::OnDeviceAdded");
+    const AudioDevice device(idText(deviceId));
+    const DeviceList devices = selectDeviceList(device);
+    const ObserverList observers = selectObserver(device);
+    if (devices.get() != nullptr)
+        devices->append(device); // also one that is there already: each addition is answered by one removal
+    tell(observers, &SoundCardObserver::onDeviceAdded);
+    return S_OK;
+}
+
+HRESULT SoundCard::SoundCardDeviceUpdater::OnDeviceRemoved(LPCWSTR deviceId)
+{
+    SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::OnDeviceRemoved");
+    const AudioDevice device(idText(deviceId));
+    const DeviceList devices = selectDeviceList(device);
+    const ObserverList observers = selectObserver(device);
+    if (devices.get() != nullptr)
+    {
+        const unsigned int index = indexOf(*devices, device);
+        if (index == notFound)
+            return E_FAIL;
+        devices->remove(index);
+    }
+    tell(observers, &SoundCardObserver::onDeviceRemoved); // unlike a change of state, also without a list
+    return S_OK;
+}
+
+HRESULT SoundCard::SoundCardDeviceUpdater::OnDefaultDeviceChanged(EDataFlow, ERole, LPCWSTR)
+{
+    SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::OnDefaultDeviceChanged");
+    return S_OK;
+}
+
+// This label lacks a pair of colons; readers of the log match on it as it is.
+HRESULT SoundCard::SoundCardDeviceUpdater::OnPropertyValueChanged(LPCWSTR, const PROPERTYKEY)
+{
+    SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdaterOnPropertyValueChanged");
+    return S_OK;
+}
+
+/// The list that @p device belongs in; nil if it is of another card. A device whose flow is not known goes to the
+/// record side.
+SharedPointer<qor::Array<AudioDevice>> SoundCard::SoundCardDeviceUpdater::selectDeviceList(
+    const AudioDevice& device) const
+{
+    SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::selectDeviceList");
+    if (!(device.deviceProperty().instancePath == *m_ownerId))
+        return DeviceList();
+    EDataFlow flow = eAll;
+    device.dataFlow(flow);
+    return flow == eRender ? m_playbackDeviceList : m_recordDeviceList;
+}
+
+/// The observers of the side that @p device belongs to; nil if it is of another card.
+SharedPointer<qor::Array<BorrowedPointer<SoundCardObserver>>> SoundCard::SoundCardDeviceUpdater::selectObserver(
+    const AudioDevice& device) const
+{
+    SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::selectObserver");
+    if (!(device.deviceProperty().instancePath == *m_ownerId))
+        return ObserverList();
+    EDataFlow flow = eAll;
+    device.dataFlow(flow);
+    return flow == eRender ? m_playbackObserver : m_recordObserver;
+}

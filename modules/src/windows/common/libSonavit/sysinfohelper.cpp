@@ -1,0 +1,69 @@
+#include "libSonavit/sysinfohelper.h"
+
+namespace libSonavit
+{
+SysInfoHelper::SysInfoHelper()
+{
+    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    const qor::Array<SoundCard> cards = SoundCard::enumerateSystemSoundDevices();
+    for (unsigned int i = 0; i < cards.size(); ++i)
+        m_soundCards.append(SharedPointer<SoundCard>(new SoundCard(cards[i])));
+}
+
+SysInfoHelper::SysInfoHelper(const SysInfoHelper& other) = default;
+SysInfoHelper& SysInfoHelper::operator=(const SysInfoHelper& other) = default;
+
+/// The cards go while COM is still up. The balance of COM is not looked at, not even by copies.
+SysInfoHelper::~SysInfoHelper()
+{
+    m_soundCards.clear();
+    CoUninitialize();
+}
+
+bool SysInfoHelper::hasAnalogOut(const qor::String& id)
+{
+    return hasEndpoint(id, &SoundCard::waveOutEndpointDevice);
+}
+
+bool SysInfoHelper::hasDigitalOut(const qor::String& id)
+{
+    return hasEndpoint(id, &SoundCard::spdifOutEndpointDevice);
+}
+
+bool SysInfoHelper::hasLineIn(const qor::String& id)
+{
+    return hasEndpoint(id, &SoundCard::lineInEndpointDevice);
+}
+
+bool SysInfoHelper::hasMicIn(const qor::String& id)
+{
+    return hasEndpoint(id, &SoundCard::microphoneEndpointDevice);
+}
+
+bool SysInfoHelper::hasEndpoint(const qor::String& id, EndpointQuery query)
+{
+    const BorrowedPointer<SoundCard> card = soundCard(id);
+    if (card.get() == nullptr)
+        return false;
+    qor::Array<AudioDevice> endpoints;
+    return ((*card).*query)(endpoints) != 0;
+}
+
+/// Walks to the end in any case: of several cards with this id the last one counts, unlike in
+/// SoundCard::createSoundCard().
+BorrowedPointer<SoundCard> SysInfoHelper::soundCard(const qor::String& id)
+{
+    BorrowedPointer<SoundCard> result;
+    for (unsigned int i = 0; i < m_soundCards.size(); ++i)
+    {
+        if (qor::String::compareNoCase(m_soundCards[i]->instanceId(), id) == 0)
+            result = m_soundCards[i].get();
+    }
+    return result;
+}
+
+bool SysInfoHelper::isInitialized()
+{
+    return m_soundCards.size() > 0;
+}
+}

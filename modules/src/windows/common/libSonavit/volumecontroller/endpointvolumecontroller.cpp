@@ -1,0 +1,161 @@
+#include "libSonavit/volumecontroller/common.h"
+
+#include "COM/resultcode.h"
+#include "libSonavit/volumecontrollerlog.h"
+
+namespace
+{
+using volumecontroller::truncated;
+
+/// In single precision throughout.
+unsigned int percentFromScalar(float scalar)
+{
+    const float scaled = scalar * 100.0f;
+    return truncated(scaled + 0.5f);
+}
+
+float scalarFromPercent(unsigned int percent)
+{
+    return static_cast<float>(percent) / 100.0f;
+}
+}
+
+template<>
+unsigned int VolumeController<EndpointVolumeController>::numChannel() const
+{
+    UINT count = 0;
+    m_policy.endpointVolume->GetChannelCount(&count);
+    return count;
+}
+
+template<>
+unsigned int VolumeController<EndpointVolumeController>::volumeLevelPercent(unsigned int channel) const
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::volumeLevelPercent");
+    float scalar = 0.0f;
+    m_policy.endpointVolume->GetChannelVolumeLevelScalar(channel, &scalar);
+    return percentFromScalar(scalar);
+}
+
+template<>
+float VolumeController<EndpointVolumeController>::volumeLevelDecibel(unsigned int channel) const
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::volumeLevelDecibel");
+    float level = 0.0f;
+    m_policy.endpointVolume->GetChannelVolumeLevel(channel, &level);
+    return level;
+}
+
+// The label is that of the setter; readers of the log match on it.
+template<>
+bool VolumeController<EndpointVolumeController>::volumeRangeDecibel(unsigned int, DbVolumeRange& range) const
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::setVolumeLevelDecibel");
+    return SUCCEEDED(m_policy.endpointVolume->GetVolumeRange(&range.minLevel, &range.maxLevel, &range.stepping));
+}
+
+template<>
+unsigned int VolumeController<EndpointVolumeController>::masterVolumeLevelPercent() const
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::masterVolumeLevelPercent");
+    float scalar = 0.0f;
+    m_policy.endpointVolume->GetMasterVolumeLevelScalar(&scalar);
+    return percentFromScalar(scalar);
+}
+
+template<>
+float VolumeController<EndpointVolumeController>::masterVolumeLevelDecibel() const
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::masterVolumeLevelDecibel");
+    float level = 0.0f;
+    m_policy.endpointVolume->GetMasterVolumeLevel(&level);
+    return level;
+}
+
+template<>
+bool VolumeController<EndpointVolumeController>::setVolumeLevelPercent(unsigned int channel, unsigned int percent)
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::setVolumeLevelPercent");
+    return SUCCEEDED(
+        m_policy.endpointVolume->SetChannelVolumeLevelScalar(channel, scalarFromPercent(percent), nullptr));
+}
+
+template<>
+bool VolumeController<EndpointVolumeController>::setVolumeLevelDecibel(unsigned int channel, float level)
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::setVolumeLevelDecibel");
+    return SUCCEEDED(m_policy.endpointVolume->SetChannelVolumeLevel(channel, level, nullptr));
+}
+
+template<>
+bool VolumeController<EndpointVolumeController>::setMasterVolumeLevelPercent(unsigned int percent)
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::setMasterVolumeLevelPercent");
+    return SUCCEEDED(m_policy.endpointVolume->SetMasterVolumeLevelScalar(scalarFromPercent(percent), nullptr));
+}
+
+template<>
+bool VolumeController<EndpointVolumeController>::setMasterVolumeLevelDecibel(float level)
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::setMasterVolumeLevelDecibel");
+    return SUCCEEDED(m_policy.endpointVolume->SetMasterVolumeLevel(level, nullptr));
+}
+
+template<>
+bool VolumeController<EndpointVolumeController>::registerVolumeChangeNotification(
+    const COMPtr<VolumeChangeNotification>::pointer& notification)
+{
+    if (m_policy.endpointVolume.get() == nullptr)
+    {
+        SONAVIT_LOG(volumelog, LOG_WARNING, out.append("Volume controller has not been initialized yet"));
+        return false;
+    }
+    if (m_notification.get() != nullptr)
+        m_policy.endpointVolume->UnregisterControlChangeNotify(m_notification.get());
+    m_notification = notification; // stays after a refusal as well
+    const HRESULT result = m_policy.endpointVolume->RegisterControlChangeNotify(m_notification.get());
+    if (FAILED(result))
+        SONAVIT_LOG(volumelog, LOG_WARNING, out.append("Unable to register control change notification "), out + signExtended(result));
+    return SUCCEEDED(result);
+}
+
+/// Asked with a start value of true, so that a control whose state cannot be read counts as muted.
+template<>
+bool VolumeController<EndpointVolumeController>::isMuted() const
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::isMuted");
+    BOOL muted = TRUE;
+    m_policy.endpointVolume->GetMute(&muted);
+    return muted == TRUE;
+}
+
+template<>
+bool VolumeController<EndpointVolumeController>::setMute(bool mute)
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::setMute");
+    return SUCCEEDED(m_policy.endpointVolume->SetMute(mute ? TRUE : FALSE, nullptr));
+}
+
+/// Claimed in any case, also without an interface: callers of an endpoint's controller rely on the claim.
+template<>
+bool VolumeController<EndpointVolumeController>::hasVolumeControl() const
+{
+    return true;
+}
+
+template<>
+bool VolumeController<EndpointVolumeController>::hasMuteControl() const
+{
+    return true;
+}
+
+/// A copy holds a notification that it did not register, and takes it off all the same.
+template<>
+VolumeController<EndpointVolumeController>::~VolumeController() noexcept(false)
+{
+    if (m_notification.get() != nullptr && m_policy.endpointVolume.get() != nullptr)
+        m_policy.endpointVolume->UnregisterControlChangeNotify(m_notification.get());
+    m_notification = nullptr;
+}
+
+template class VolumeController<EndpointVolumeController>;

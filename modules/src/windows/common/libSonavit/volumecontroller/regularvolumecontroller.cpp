@@ -1,0 +1,158 @@
+#include "libSonavit/volumecontroller/common.h"
+
+#include "libSonavit/volumecontrollerlog.h"
+#include "qor/exception.h"
+
+namespace
+{
+using volumecontroller::truncated;
+
+/// Where @p level stands in @p range, 0.0 at the bottom and 1.0 at the top, in single precision.
+float fractionOf(float level, const VolumeControllerInterface::DbVolumeRange& range)
+{
+    return (level - range.minLevel) / (range.maxLevel - range.minLevel);
+}
+}
+
+// Used below before they are defined, and a specialization must be known before its first use.
+template<>
+float VolumeController<RegularVolumeController>::volumeLevelDecibel(unsigned int channel) const;
+template<>
+bool VolumeController<RegularVolumeController>::volumeRangeDecibel(unsigned int channel, DbVolumeRange& range) const;
+template<>
+float VolumeController<RegularVolumeController>::masterVolumeLevelDecibel() const;
+
+template<>
+unsigned int VolumeController<RegularVolumeController>::numChannel() const
+{
+    UINT count = 0;
+    m_policy.volumeLevel->GetChannelCount(&count);
+    return count;
+}
+
+template<>
+unsigned int VolumeController<RegularVolumeController>::volumeLevelPercent(unsigned int channel) const
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::volumeLevelPercent");
+    DbVolumeRange range = {};
+    volumeRangeDecibel(channel, range); // a range that cannot be read stays zero, and the arithmetic goes on
+    const float percent = fractionOf(volumeLevelDecibel(channel), range) * 100.0f;
+    return truncated(static_cast<double>(percent) + 0.5);
+}
+
+template<>
+float VolumeController<RegularVolumeController>::volumeLevelDecibel(unsigned int channel) const
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::volumeLevelDecibel");
+    float level = 0.0f;
+    m_policy.volumeLevel->GetLevel(channel, &level);
+    return level;
+}
+
+// The label is that of the setter; readers of the log match on it.
+template<>
+bool VolumeController<RegularVolumeController>::volumeRangeDecibel(unsigned int channel, DbVolumeRange& range) const
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::setVolumeLevelDecibel");
+    return SUCCEEDED(m_policy.volumeLevel->GetLevelRange(channel, &range.minLevel, &range.maxLevel, &range.stepping));
+}
+
+/// The half is added before the fraction becomes percent, so that the answer runs from 50 to 150. Callers have long
+/// been fitted to these numbers; the formula of a channel must not be put in its place.
+template<>
+unsigned int VolumeController<RegularVolumeController>::masterVolumeLevelPercent() const
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::masterVolumeLevelPercent");
+    if (numChannel() == 0)
+        throw qor::AssertionFailure(__FILE__, __LINE__, "numChannel() > 0");
+    DbVolumeRange range = {};
+    volumeRangeDecibel(0, range); // stands for all channels
+    const float raised = fractionOf(masterVolumeLevelDecibel(), range) + 0.5f;
+    const float percent = raised * 100.0f;
+    return truncated(percent);
+}
+
+/// The mean of the channels, whose number is asked for on each pass; without channels it is not a number.
+template<>
+float VolumeController<RegularVolumeController>::masterVolumeLevelDecibel() const
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::masterVolumeLevelDecibel");
+    float sum = 0.0f;
+    for (unsigned int channel = 0; channel < numChannel(); ++channel)
+        sum += volumeLevelDecibel(channel);
+    return sum / static_cast<float>(numChannel());
+}
+
+template<>
+bool VolumeController<RegularVolumeController>::setVolumeLevelPercent(unsigned int channel, unsigned int percent)
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::setVolumeLevelPercent");
+    const float fraction = static_cast<float>(percent) / 100.0f;
+    DbVolumeRange range = {};
+    volumeRangeDecibel(channel, range);
+    const float level = (range.maxLevel - range.minLevel) * fraction + range.minLevel;
+    return SUCCEEDED(m_policy.volumeLevel->SetLevel(channel, level, nullptr));
+}
+
+template<>
+bool VolumeController<RegularVolumeController>::setVolumeLevelDecibel(unsigned int channel, float level)
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::setVolumeLevelDecibel");
+    return SUCCEEDED(m_policy.volumeLevel->SetLevel(channel, level, nullptr));
+}
+
+/// A part has a master level in decibels only; callers get false, without a message.
+template<>
+bool VolumeController<RegularVolumeController>::setMasterVolumeLevelPercent(unsigned int)
+{
+    return false;
+}
+
+template<>
+bool VolumeController<RegularVolumeController>::setMasterVolumeLevelDecibel(float level)
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::setMasterVolumeLevelDecibel");
+    return SUCCEEDED(m_policy.volumeLevel->SetLevelUniform(level, nullptr));
+}
+
+/// A part does not notify; callers get false, without a message.
+template<>
+bool VolumeController<RegularVolumeController>::registerVolumeChangeNotification(
+    const COMPtr<VolumeChangeNotification>::pointer&)
+{
+    return false;
+}
+
+/// Asked with a start value of true, so that a control whose state cannot be read counts as muted.
+template<>
+bool VolumeController<RegularVolumeController>::isMuted() const
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::isMuted");
+    BOOL muted = TRUE;
+    m_policy.mute->GetMute(&muted);
+    return muted == TRUE;
+}
+
+template<>
+bool VolumeController<RegularVolumeController>::setMute(bool mute)
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::setMute");
+    return SUCCEEDED(m_policy.mute->SetMute(mute ? TRUE : FALSE, nullptr));
+}
+
+template<>
+bool VolumeController<RegularVolumeController>::hasVolumeControl() const
+{
+    return m_policy.volumeLevel.get() != nullptr;
+}
+
+template<>
+bool VolumeController<RegularVolumeController>::hasMuteControl() const
+{
+    return m_policy.mute.get() != nullptr;
+}
+
+template<>
+VolumeController<RegularVolumeController>::~VolumeController() noexcept(false) = default;
+
+template class VolumeController<RegularVolumeController>;
