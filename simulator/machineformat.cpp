@@ -8,7 +8,7 @@ namespace sim
 {
 namespace
 {
-constexpr std::uint32_t maximumRate = 768000;
+constexpr std::uint32_t maximumRate = 999999;
 
 void appendNumber(std::vector<std::uint8_t>& bytes, std::uint32_t value, int size)
 {

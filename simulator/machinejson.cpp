@@ -110,9 +110,12 @@ private:
     /// What the parser says, without its number and its own reckoning of the place.
     static std::string reason(const std::string& message)
     {
+        const std::size_t number = message.find("] ");
         const std::size_t place = message.find("column ");
-        const std::size_t colon = message.find(": ", place == std::string::npos ? 0 : place);
-        return colon == std::string::npos ? message : message.substr(colon + 2);
+        const std::size_t colon = message.find(": ", place);
+        if (place != std::string::npos && colon != std::string::npos)
+            return message.substr(colon + 2);
+        return number == std::string::npos ? message : message.substr(number + 2);
     }
 
     std::size_t lineAt(std::size_t position) const
