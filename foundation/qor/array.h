@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstring>
 #include <functional>
+#include <memory>
 #include <new>
 
 namespace qor
@@ -19,7 +20,8 @@ namespace qor
 /// copied at growth and destroyed from the first to the last. An element type must bear being moved in memory byte by
 /// byte (remove() does that) and need no more than 8-byte alignment. No operation locks.
 ///
-/// An exception out of an element's destructor passes through; the elements behind it and their block are then lost.
+/// An exception out of an element's destructor passes through once the elements behind it are destroyed and their
+/// block is freed; a second one meanwhile ends the process, as it does for an array of the language.
 template<class T>
 class Array : public Serializable
 {
@@ -85,7 +87,7 @@ public:
     /// Destroys the element at @p index and moves the later ones down by one place.
     ///
     /// An index equal to the size changes nothing. That bound is one wider than that of operator[], and callers rely on
-    /// it.
+    /// it. An exception out of the element's destructor passes through when the later ones have moved.
     /// @exception IndexOutOfBounds for any larger index
     void remove(unsigned int index);
 
@@ -120,6 +122,12 @@ private:
 
     /// Frees a block under construction, with what it holds, when the copy of an element throws.
     class BlockGuard;
+
+    /// Closes the gap of a removed element, also when the element's destructor throws.
+    class GapGuard;
+
+    /// Destroys what is left of the elements and frees their block, also when a destructor throws.
+    class RestGuard;
 
     static unsigned int capacityFor(unsigned int required);
     static Block* allocate(unsigned int required, unsigned int reported);

@@ -35,6 +35,57 @@ private:
 };
 
 template<class T>
+class Array<T>::GapGuard
+{
+public:
+    GapGuard(Block* block, unsigned int index) : m_block(block), m_index(index)
+    {
+    }
+    GapGuard(const GapGuard&) = delete;
+    GapGuard& operator=(const GapGuard&) = delete;
+
+    /// Byte by byte: the elements stay the same objects, so that nothing is copied or destroyed.
+    ~GapGuard()
+    {
+        T* const gap = places(m_block) + m_index;
+        const std::size_t later = m_block->count - m_index - 1;
+        std::memmove(static_cast<void*>(gap), static_cast<const void*>(gap + 1), later * sizeof(T));
+        --m_block->count;
+    }
+
+private:
+    Block* m_block;
+    unsigned int m_index;
+};
+
+template<class T>
+class Array<T>::RestGuard
+{
+public:
+    explicit RestGuard(Block* block) : m_block(block), m_next(0)
+    {
+    }
+    RestGuard(const RestGuard&) = delete;
+    RestGuard& operator=(const RestGuard&) = delete;
+
+    ~RestGuard()
+    {
+        destroyElements();
+        ::operator delete(m_block);
+    }
+
+    void destroyElements()
+    {
+        while (m_next < m_block->count)
+            places(m_block)[m_next++].~T();
+    }
+
+private:
+    Block* m_block;
+    unsigned int m_next;
+};
+
+template<class T>
 Array<T>& Array<T>::operator=(const Array& other)
 {
     if (m_block == other.m_block)
@@ -49,13 +100,13 @@ template<class T>
 void Array<T>::append(const T& value)
 {
     const unsigned int count = size();
-    const T* source = &value;
+    const T* source = std::addressof(value);
     const T* const first = m_block == nullptr ? nullptr : places(m_block);
     const bool ownElement = std::less_equal<const T*>()(first, source) && std::less<const T*>()(source, first + count);
     ensureCapacity(count + 1);
     if (ownElement)
         source = places(m_block) + (source - first); // growth has moved it
-    new (places(m_block) + count) T(*source);
+    ::new (static_cast<void*>(places(m_block) + count)) T(*source);
     m_block->count = count + 1;
 }
 
@@ -97,11 +148,8 @@ void Array<T>::remove(unsigned int index)
         throw outOfBounds(index);
     if (index == size())
         return;
-    T* const place = element(index);
-    place->~T();
-    const std::size_t later = m_block->count - index - 1;
-    std::memmove(static_cast<void*>(place), static_cast<const void*>(place + 1), later * sizeof(T));
-    --m_block->count;
+    const GapGuard gap(m_block, index);
+    element(index)->~T();
 }
 
 template<class T>
@@ -145,7 +193,7 @@ typename Array<T>::Block* Array<T>::allocate(unsigned int required, unsigned int
         memory = ::operator new(static_cast<std::size_t>(bytes), std::nothrow);
     if (memory == nullptr)
         throw NullPointer("Asked for array of size: " + QORValue(reported).toString(QORValue::nilValue));
-    return new (memory) Block{0, capacity};
+    return ::new (memory) Block{0, capacity};
 }
 
 /// A copy takes the capacity of its source as the number required, not its count.
@@ -165,7 +213,7 @@ void Array<T>::copyElements(const Block* source, Block* target)
 {
     while (target->count < source->count)
     {
-        new (places(target) + target->count) T(places(source)[target->count]);
+        ::new (static_cast<void*>(places(target) + target->count)) T(places(source)[target->count]);
         ++target->count;
     }
 }
@@ -197,8 +245,7 @@ void Array<T>::destroyBlock(Block* block)
 {
     if (block == nullptr)
         return;
-    for (unsigned int i = 0; i < block->count; ++i)
-        places(block)[i].~T();
-    ::operator delete(block);
+    RestGuard rest(block);
+    rest.destroyElements(); // here, outside of a destructor, an exception can pass
 }
 } // namespace qor

@@ -11,7 +11,7 @@ struct Watch
 {
     bool active;
     unsigned int count;
-    std::size_t lastSize;
+    std::size_t largestSize;
     int balance;
     unsigned int nothrowLeft; // successful ones of that form before all fail
     unsigned int left;        // successful ones of either form before one fails
@@ -34,7 +34,7 @@ void* allocate(std::size_t size, bool nothrow)
     if (!watch.active)
         return std::malloc(size == 0 ? 1 : size);
     ++watch.count;
-    watch.lastSize = size;
+    watch.largestSize = size > watch.largestSize ? size : watch.largestSize;
     void* const memory = hasToFail(nothrow) ? nullptr : std::malloc(size == 0 ? 1 : size);
     watch.balance += memory == nullptr ? 0 : 1;
     return memory;
@@ -114,9 +114,9 @@ unsigned int AllocationProbe::count() const
     return watch.count;
 }
 
-std::size_t AllocationProbe::lastSize() const
+std::size_t AllocationProbe::largestSize() const
 {
-    return watch.lastSize;
+    return watch.largestSize;
 }
 
 int AllocationProbe::balance() const

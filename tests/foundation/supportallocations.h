@@ -19,8 +19,8 @@ public:
     /// Number of allocations asked for, those that failed included.
     unsigned int count() const;
 
-    /// Bytes of the last allocation asked for.
-    std::size_t lastSize() const;
+    /// Bytes of the largest allocation asked for.
+    std::size_t largestSize() const;
 
     /// Allocations that were given, less those that were freed.
     int balance() const;
