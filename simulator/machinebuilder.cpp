@@ -28,7 +28,7 @@ Properties usualProperties(const std::string& description, const std::string& ca
                            const GUID& guid)
 {
     const DeviceFormat format = {16, 48000, 2};
-    const std::string driver = "wdmaudio.inf:" + derivedHex(card, 16) + ":UsualModel:10.0.1.1:usual\\audio";
+    const std::string driver = driverName(instancePath);
 
     Properties properties;
     setProperty(properties, keys::deviceDescription, PropertyValue::ofText(description));
@@ -148,8 +148,8 @@ EndpointBuilder CardBuilder::endpoint(const std::string& name, EDataFlow flow, c
     chain(isRender ? std::vector<std::string>{stream, jack} : std::vector<std::string>{jack, stream});
     machine.joins.push_back({own, jack, {}, true});
     machine.endpoints.push_back(std::move(endpoint));
-    m_owner->m_wirings.push_back({m_index, own, {jack, stream}});
-    return {*m_owner, index};
+    m_owner->m_wirings.push_back({index, m_index, own, {jack, stream}});
+    return {*m_owner, m_owner->m_wirings.size() - 1};
 }
 
 std::string CardBuilder::connector(Text name, const GUID& type, DataFlow direction, ConnectorType kind)
@@ -210,7 +210,7 @@ std::string CardBuilder::instanceId() const
 
 Adapter& CardBuilder::adapter() const
 {
-    return m_owner->m_machine.adapters[m_index];
+    return m_owner->m_machine.adapters[m_owner->m_cards[m_index].adapter];
 }
 
 MachineBuilder::MachineBuilder(const std::string& name)
@@ -241,7 +241,7 @@ CardBuilder MachineBuilder::card(const std::string& name, const std::string& ins
     setProperty(adapter.properties, keys::deviceDescription, PropertyValue::ofText(name));
     setProperty(adapter.properties, keys::friendlyName, PropertyValue::ofText(name));
     m_machine.adapters.push_back(std::move(adapter));
-    m_cards.push_back({name, instanceId, "{1}." + instanceId});
+    m_cards.push_back({m_machine.adapters.size() - 1, name, instanceId, "{1}." + instanceId});
     return {*this, m_cards.size() - 1};
 }
 

@@ -69,13 +69,13 @@ public:
 
 private:
     friend class CardBuilder;
-    EndpointBuilder(MachineBuilder& owner, std::size_t index);
+    EndpointBuilder(MachineBuilder& owner, std::size_t wiring);
 
     /// The parts of the adapter's wire in the order in which the signal passes them.
     std::vector<std::string> signal() const;
 
     MachineBuilder* m_owner;
-    std::size_t m_index;
+    std::size_t m_wiring;
 };
 
 /// One card of a machine that is being built: an adapter with its jacks, and the endpoints behind them. A light
@@ -136,7 +136,7 @@ public:
     MachineBuilder& withoutDefaults();
     MachineBuilder& withoutWaveIds();
 
-    /// The data as they stand.
+    /// The data as they stand. Appending to its lists is safe, whatever is built afterwards.
     Machine& machine();
 
     /// The machine. The first active endpoint of a flow that has no default becomes it in all roles; active endpoints
@@ -149,14 +149,16 @@ private:
 
     struct Card
     {
+        std::size_t adapter;
         std::string name;
         std::string instanceId;
         std::string instancePath;
     };
 
-    /// Where an endpoint has its parts.
+    /// Where an endpoint stands and where it has its parts.
     struct Wiring
     {
+        std::size_t endpoint;
         std::size_t card;
         std::string connector;         ///< of the endpoint's own topology
         std::vector<std::string> wire; ///< of the adapter: the jack, the nodes, the stream

@@ -9,7 +9,7 @@
 
 namespace sim
 {
-EndpointBuilder::EndpointBuilder(MachineBuilder& owner, std::size_t index) : m_owner(&owner), m_index(index) {}
+EndpointBuilder::EndpointBuilder(MachineBuilder& owner, std::size_t wiring) : m_owner(&owner), m_wiring(wiring) {}
 
 EndpointBuilder& EndpointBuilder::state(std::uint32_t states)
 {
@@ -127,7 +127,7 @@ EndpointBuilder& EndpointBuilder::hardwareMute(bool muted)
 
 EndpointBuilder& EndpointBuilder::node(Subunit node)
 {
-    MachineBuilder::Wiring& wiring = m_owner->m_wirings[m_index];
+    MachineBuilder::Wiring& wiring = m_owner->m_wirings[m_wiring];
     CardBuilder card(*m_owner, wiring.card);
 
     card.unchain(signal());
@@ -164,22 +164,22 @@ std::string EndpointBuilder::id() const
 
 std::string EndpointBuilder::connectorId() const
 {
-    return m_owner->m_wirings[m_index].connector;
+    return m_owner->m_wirings[m_wiring].connector;
 }
 
 std::string EndpointBuilder::jackId() const
 {
-    return m_owner->m_wirings[m_index].wire.front();
+    return m_owner->m_wirings[m_wiring].wire.front();
 }
 
 std::string EndpointBuilder::streamId() const
 {
-    return m_owner->m_wirings[m_index].wire.back();
+    return m_owner->m_wirings[m_wiring].wire.back();
 }
 
 Endpoint& EndpointBuilder::endpoint() const
 {
-    return m_owner->m_machine.endpoints[m_index];
+    return m_owner->m_machine.endpoints[m_owner->m_wirings[m_wiring].endpoint];
 }
 
 Part& EndpointBuilder::jack() const
@@ -189,7 +189,7 @@ Part& EndpointBuilder::jack() const
 
 std::vector<std::string> EndpointBuilder::signal() const
 {
-    std::vector<std::string> parts = m_owner->m_wirings[m_index].wire;
+    std::vector<std::string> parts = m_owner->m_wirings[m_wiring].wire;
     if (endpoint().flow == eRender)
         std::reverse(parts.begin(), parts.end());
     return parts;

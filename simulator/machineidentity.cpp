@@ -90,6 +90,13 @@ std::string adapterId(const std::string& instanceId)
     return "{2}.\\\\?\\" + path + "#" + lowerCase(guidText(nodetypes::stream)) + "\\topo";
 }
 
+std::string driverName(const std::string& instancePath)
+{
+    const std::size_t start = instancePath.find('.') + 1; // the whole text where it has no dot
+    const std::string device = instancePath.substr(start, instancePath.rfind('\\') - start);
+    return "oem7.inf:" + derivedHex(device, 16) + ":AudioModel:6.0.1.7:" + lowerCase(device);
+}
+
 std::uint32_t usualConnectorLocalId(std::size_t position)
 {
     return 0x00010000 + static_cast<std::uint32_t>(position);

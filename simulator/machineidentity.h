@@ -27,6 +27,9 @@ std::string usbParent(const std::string& seed);
 /// "{2}.\\?\hdaudio#...#{category}\topo", the id of the adapter device behind a device instance.
 std::string adapterId(const std::string& instanceId);
 
+/// The strong name of the driver node of the device with that instance path.
+std::string driverName(const std::string& instancePath);
+
 /// The local id that a connector or a subunit usually has at its position in the topology.
 std::uint32_t usualConnectorLocalId(std::size_t position);
 std::uint32_t usualSubunitLocalId(std::size_t position);
