@@ -48,9 +48,9 @@ public:
         return call("IConnector::GetConnectedTo", outputs(connector),
                     [&]() -> HRESULT
                     {
-                        const std::optional<Peer> far = peer();
-                        if (far)
-                            *connector = makeConnector(state(), far->connector);
+                        const std::optional<Peer> found = peer();
+                        if (found)
+                            *connector = makeConnector(state(), found->connector);
                         return *connector == nullptr ? E_NOTFOUND : S_OK;
                     });
     }
@@ -60,10 +60,10 @@ public:
         return call("IConnector::GetConnectorIdConnectedTo", outputs(connectorId),
                     [&]() -> HRESULT
                     {
-                        const std::optional<Peer> far = peer();
-                        if (!far || far->connector.empty())
+                        const std::optional<Peer> found = peer();
+                        if (!found || found->connector.empty())
                             return E_NOTFOUND;
-                        return storeText("IConnector::GetConnectorIdConnectedTo", far->connector, connectorId);
+                        return storeText("IConnector::GetConnectorIdConnectedTo", found->connector, connectorId);
                     });
     }
 
@@ -72,10 +72,10 @@ public:
         return call("IConnector::GetDeviceIdConnectedTo", outputs(deviceId),
                     [&]() -> HRESULT
                     {
-                        const std::optional<Peer> far = peer();
-                        if (!far)
+                        const std::optional<Peer> found = peer();
+                        if (!found)
                             return E_NOTFOUND;
-                        return storeText("IConnector::GetDeviceIdConnectedTo", far->device, deviceId);
+                        return storeText("IConnector::GetDeviceIdConnectedTo", found->device, deviceId);
                     });
     }
 

@@ -119,4 +119,12 @@ IMMDeviceEnumerator* makeEnumerator(const std::shared_ptr<State>& state)
 {
     return new EnumeratorObject(state);
 }
+
+HRESULT createEnumerator(const std::shared_ptr<State>& state, REFIID iid, void** object)
+{
+    if (!extends<IMMDeviceEnumerator>(iid) && !IsEqualGUID(iid, InterfaceTraits<IUnknown>::iid()))
+        return E_NOINTERFACE;
+    *object = makeEnumerator(state);
+    return S_OK;
+}
 }

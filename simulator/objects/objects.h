@@ -14,6 +14,8 @@
 namespace sim
 {
 IMMDeviceEnumerator* makeEnumerator(const std::shared_ptr<State>& state);
+/// What CoCreateInstance does for the enumerator's class once the class is found.
+HRESULT createEnumerator(const std::shared_ptr<State>& state, REFIID iid, void** object);
 /// A snapshot: the devices with these ids in this order. @p name is what the journal shows.
 IMMDeviceCollection* makeCollection(const std::shared_ptr<State>& state, std::string name,
                                     std::vector<std::string> deviceIds);

@@ -11,15 +11,6 @@ using namespace sim;
 
 namespace
 {
-/// The machine's enumerator as @p iid, with one reference.
-HRESULT createEnumerator(const std::shared_ptr<State>& state, REFIID iid, void** object)
-{
-    if (!extends<IMMDeviceEnumerator>(iid) && !IsEqualGUID(iid, IID_IUnknown))
-        return E_NOINTERFACE;
-    *object = makeEnumerator(state);
-    return S_OK;
-}
-
 /// Frees a text or blob of a property; its origin is not known here.
 void freeMember(void* memory)
 {

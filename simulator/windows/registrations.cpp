@@ -1,0 +1,126 @@
+#if defined(_WIN32)
+
+#include "simulator/core/registrations.h"
+
+#include <mutex>
+#include <vector>
+
+#include "simulator/core/state.h"
+#include "simulator/core/threads.h"
+#include "simulator/core/watchedcall.h"
+#include "simulator/objects/objects.h"
+
+namespace sim
+{
+namespace
+{
+/// Hands out the enumerator of the machine that is current when it is asked. One object serves all apartments; it is
+/// never destroyed, so its references are not counted.
+class EnumeratorFactory final : public IClassFactory
+{
+public:
+    static EnumeratorFactory& instance()
+    {
+        static EnumeratorFactory* const factory = new EnumeratorFactory;
+        return *factory;
+    }
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override
+    {
+        const bool isKnown = IsEqualGUID(iid, __uuidof(IUnknown)) || IsEqualGUID(iid, __uuidof(IClassFactory));
+        *object = isKnown ? this : nullptr;
+        return isKnown ? S_OK : E_NOINTERFACE;
+    }
+
+    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
+
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+
+    /// Journal and fault plan know it as what users call.
+    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) override
+    {
+        const std::shared_ptr<State> state = currentState();
+        if (state == nullptr)
+        {
+            *object = nullptr;
+            return REGDB_E_CLASSNOTREG;
+        }
+        const auto answer = [&]
+        { return outer != nullptr ? CLASS_E_NOAGGREGATION : createEnumerator(state, iid, object); };
+        return watchedCall(*state, "CoCreateInstance", {}, outputs(object), answer, __uuidof(MMDeviceEnumerator),
+                           DWORD(CLSCTX_INPROC_SERVER), iid);
+    }
+
+    HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
+};
+
+struct Registration
+{
+    std::uint64_t machine;
+    DWORD thread;
+    DWORD cookie;
+};
+
+/// Never destroyed: a simulation may be a static object.
+struct Registrations
+{
+    std::mutex mutex;
+    std::vector<Registration> all;
+
+    static Registrations& instance()
+    {
+        static Registrations* const registrations = new Registrations;
+        return *registrations;
+    }
+
+    /// Takes out what @p machine has registered on this thread. An apartment that is gone has taken its own along, so
+    /// nobody looks at what revoking says.
+    void revokeHere(std::uint64_t machine)
+    {
+        std::vector<Registration> kept;
+        for (const Registration& registration : all)
+        {
+            if (registration.machine == machine && registration.thread == GetCurrentThreadId())
+                CoRevokeClassObject(registration.cookie);
+            else
+                kept.push_back(registration);
+        }
+        all.swap(kept);
+    }
+};
+}
+
+HRESULT registerApartment(const std::shared_ptr<State>& state)
+{
+    Registrations& registrations = Registrations::instance();
+    const std::lock_guard<std::mutex> lock(registrations.mutex);
+    registrations.revokeHere(state->number);
+    DWORD cookie = 0;
+    const HRESULT result = CoRegisterClassObject(__uuidof(MMDeviceEnumerator), &EnumeratorFactory::instance(),
+                                                 CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie);
+    if (SUCCEEDED(result))
+        registrations.all.push_back({state->number, GetCurrentThreadId(), cookie});
+    return result;
+}
+
+void revokeRegistrations(const State& state)
+{
+    Registrations& registrations = Registrations::instance();
+    const std::lock_guard<std::mutex> lock(registrations.mutex);
+    registrations.revokeHere(state.number);
+}
+
+void enterNotificationThread(const std::weak_ptr<State>& state)
+{
+    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    if (const std::shared_ptr<State> machine = state.lock())
+        registerApartment(machine);
+}
+
+void leaveNotificationThread()
+{
+    CoUninitialize();
+}
+}
+
+#endif
