@@ -22,10 +22,15 @@ _HashTableRep::_HashTableRep(unsigned int bucketCount) : m_heads(bucketCount == 
 {
 }
 
-_HashTableRep::_HashTableRep(const _HashTableRep& other) : m_heads(other.m_heads.size(), nullptr)
+// Built as an empty table first, so that the destructor cleans up if a copy throws.
+_HashTableRep::_HashTableRep(const _HashTableRep& other) : _HashTableRep(other.length())
 {
     for (const Entry& entry : other.m_entries)
-        insertWithoutCheck(entry.hash, entry.bucket->clone(), nullptr);
+    {
+        std::unique_ptr<_BucketBase> copy(entry.bucket->clone());
+        insertWithoutCheck(entry.hash, copy.get(), nullptr);
+        static_cast<void>(copy.release());
+    }
 }
 
 _HashTableRep& _HashTableRep::operator=(const _HashTableRep& other)
@@ -77,11 +82,10 @@ void _HashTableRep::insertWithoutCheck(unsigned int hash, _BucketBase* bucket, c
 {
     if (bucket == nullptr)
         return;
-    m_entries.push_back({hash, bucket});
-    if (m_entries.size() > m_heads.size())
+    if (m_entries.size() == m_heads.size())
         grow();
-    else
-        link(m_entries.back());
+    m_entries.push_back({hash, bucket}); // the last that may throw: a bucket is linked and listed, or neither
+    link(m_entries.back());
 }
 
 /// At the end of its chain, so that of two equal keys the first one is found.
@@ -95,7 +99,8 @@ void _HashTableRep::link(const Entry& entry)
 
 void _HashTableRep::grow()
 {
-    m_heads.assign(2 * m_heads.size(), nullptr);
+    std::vector<_BucketBase*> heads(2 * m_heads.size(), nullptr);
+    m_heads.swap(heads);
     for (const Entry& entry : m_entries)
         entry.bucket->next = nullptr;
     for (const Entry& entry : m_entries)
@@ -144,7 +149,7 @@ unsigned int HashFunc<String>::hash(const String& text)
     std::uint64_t rest = 0;
     std::memcpy(&rest, units + i, (size - i) * sizeof(unsigned short));
     state = mixed(state, rest);
-    return static_cast<unsigned int>(state >> 32) ^ static_cast<unsigned int>(state);
+    return static_cast<unsigned int>((state * multiplier) >> 32); // the upper half, which every unit has reached
 }
 
 String cutClassName(const String& name)

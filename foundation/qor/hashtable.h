@@ -5,6 +5,7 @@
 #include "qor/serializable.h"
 
 #include <cstddef>
+#include <memory>
 #include <new>
 #include <vector>
 
@@ -54,7 +55,8 @@ public:
 /// Chains of buckets behind an array of heads. Owns the buckets given to it; a null bucket is not stored.
 ///
 /// The number of heads grows with the number of buckets, so that chains stay short; with it the order of the chains
-/// changes.
+/// changes. Exhausted memory raises std::bad_alloc, with the bucket still the caller's and the table as it was. An
+/// exception out of a bucket's destructor passes through; the buckets behind it are then lost.
 class QOR_API _HashTableRep
 {
 public:
@@ -178,17 +180,19 @@ public:
     /// Stores copies of key and value. @return false, with nothing changed, if the key is there already
     bool insert(const K& key, const V& value)
     {
-        Bucket* const bucket = new (std::nothrow) Bucket(key, value);
-        const bool stored = m_table.insert(Hash::hash(key), bucket, &key);
-        if (!stored)
-            delete bucket;
+        std::unique_ptr<Bucket> bucket(new (std::nothrow) Bucket(key, value));
+        const bool stored = m_table.insert(Hash::hash(key), bucket.get(), &key);
+        if (stored)
+            static_cast<void>(bucket.release()); // the table's from here on
         return stored;
     }
 
     /// Stores copies of key and value, whether the key is there already or not.
     void insertWithoutCheck(const K& key, const V& value)
     {
-        m_table.insertWithoutCheck(Hash::hash(key), new (std::nothrow) Bucket(key, value), &key);
+        std::unique_ptr<Bucket> bucket(new (std::nothrow) Bucket(key, value));
+        m_table.insertWithoutCheck(Hash::hash(key), bucket.get(), &key);
+        static_cast<void>(bucket.release()); // the table's from here on
     }
 
     void clear()
