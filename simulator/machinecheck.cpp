@@ -153,6 +153,9 @@ void Check::topology(const Topology& topology, const std::string& place)
         {
             const std::string partPlace = inner(listPlace, index);
             requireNew(m_partIds, list[index].id, inner(partPlace, "id"));
+            // In a file such an id would be taken for a short one.
+            require(list[index].id.compare(0, 1, "/") != 0, inner(partPlace, "id"), "an id that does not begin with /",
+                    inQuotes(list[index].id));
             require(localIds.insert(list[index].localId).second, inner(partPlace, "localId"),
                     "a local id that the topology has not given yet",
                     std::to_string(list[index].localId) + " for the second time");

@@ -129,13 +129,9 @@ Machine findMachine(const std::string& nameOrFile)
 {
     if (isPath(nameOrFile))
         return readMachineFile(nameOrFile);
-    for (const fs::path& folder : machineFolders())
-    {
-        const fs::path path = folder / fs::u8path(nameOrFile + suffix);
-        std::error_code error;
-        if (!nameOrFile.empty() && fs::is_regular_file(path, error))
-            return readMachineFile(path.u8string());
-    }
+    const std::string file = machineFile(nameOrFile);
+    if (!file.empty())
+        return readMachineFile(file);
     throw MachineFileError(inQuotes(nameOrFile), 0, 0, "", "the name of a machine (" + knownNames() + ") or of a file",
                            "neither");
 }
@@ -156,5 +152,17 @@ std::vector<std::string> machineNames()
     std::sort(names.begin(), names.end());
     names.erase(std::unique(names.begin(), names.end()), names.end());
     return names;
+}
+
+std::string machineFile(const std::string& name)
+{
+    for (const fs::path& folder : machineFolders())
+    {
+        const fs::path path = folder / fs::u8path(name + suffix);
+        std::error_code error;
+        if (!name.empty() && isMachineFile(path) && fs::is_regular_file(path, error))
+            return path.u8string();
+    }
+    return {};
 }
 }

@@ -55,4 +55,7 @@ Machine findMachine(const std::string& nameOrFile);
 
 /// The names of the machines that findMachine() knows, in alphabetical order.
 std::vector<std::string> machineNames();
+
+/// The file of the machine that ships under that name; empty where there is none.
+std::string machineFile(const std::string& name);
 }

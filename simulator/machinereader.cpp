@@ -10,6 +10,7 @@
 #include "simulator/machineidentity.h"
 #include "simulator/machinejson.h"
 #include "simulator/machinekeys.h"
+#include "simulator/machineshortids.h"
 #include "simulator/machinetext.h"
 
 namespace sim
@@ -160,7 +161,7 @@ Topology topology(const FilePlace& place, const std::string& deviceId)
     result.subunits =
         listOf<Subunit>(place.find("subunits"), [&](const FilePlace& element) { return subunit(element, subunits++); });
     result.signalPaths = listOf<SignalPath>(place.find("signalPaths"), signalPath);
-    return result;
+    return withFullIds(std::move(result), deviceId);
 }
 
 // --- Devices -----------------------------------------------------------------------------------------------------

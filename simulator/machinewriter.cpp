@@ -9,6 +9,7 @@
 #include "simulator/machinejson.h"
 #include "simulator/machinekeys.h"
 #include "simulator/machinenames.h"
+#include "simulator/machineshortids.h"
 #include "simulator/machinetext.h"
 
 namespace sim
@@ -210,7 +211,7 @@ void addDeviceMiddle(Members& members, const Device& device)
 void addDeviceEnd(Members& members, const Device& device)
 {
     if (device.topology)
-        members.always("topology", topology(*device.topology, device.id));
+        members.always("topology", topology(withShortIds(*device.topology, device.id), device.id));
 }
 
 JsonValue endpointVolume(const EndpointVolume& volume)
