@@ -129,11 +129,11 @@ public:
         return *m_value;
     }
 
-    friend bool operator==(const CopiedResource& handle, const void* pointer) noexcept
+    friend bool operator==(const CopiedResource& handle, const Element* pointer) noexcept
     {
         return handle.m_value == pointer;
     }
-    friend bool operator!=(const CopiedResource& handle, const void* pointer) noexcept
+    friend bool operator!=(const CopiedResource& handle, const Element* pointer) noexcept
     {
         return handle.m_value != pointer;
     }

@@ -40,7 +40,8 @@ public:
     XmlElement& add(XmlElement element);
 
     /// The tree as XML text, with everything escaped that needs it.
-    /// @exception SerializationFailed if a name in the tree cannot be the name of an element
+    /// @exception SerializationFailed if a name in the tree cannot be the name of an element, an element has both text
+    /// and children, or a text holds a zero
     String write() const;
 
     /// Reads one element with all it holds; white space around elements, comments and a prolog are passed over.

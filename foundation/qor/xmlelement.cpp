@@ -2,7 +2,7 @@
 #include "qor/qorvalue.h"
 #include "qor/serializable.h"
 
-#include <cstdio>
+#include <string>
 #include <string_view>
 
 namespace qor
@@ -38,27 +38,29 @@ bool isSurrogate(unsigned int unit)
     return unit >= 0xD800 && unit <= 0xDFFF;
 }
 
-/// Writes the text so that reading gives the same units, also those that plain XML has no character for.
+bool needsReference(unsigned short unit)
+{
+    const bool markup = unit == '<' || unit == '>' || unit == '&' || unit == '"' || unit == '\'';
+    return markup || unit < ' ' || unit == 0x7F || isSurrogate(unit) || unit >= 0xFFFE;
+}
+
+/// Writes the text so that reading gives the same units, also those that plain XML has no character for; only zero is
+/// refused, as a reference to it is no XML for any reader.
 void escape(std::string& out, const String& text)
 {
-    String plain;
+    unsigned int plain = 0; // start of the run that can stand as it is
     for (unsigned int i = 0; i < text.size(); ++i)
     {
         const unsigned short unit = text.getUCS2Buffer()[i];
-        const bool special = unit == '<' || unit == '>' || unit == '&' || unit == '"' || unit == '\'';
-        if (!special && unit >= ' ' && unit != 0x7F && !isSurrogate(unit) && unit < 0xFFFE)
-        {
-            const unsigned short one[] = {unit, 0};
-            plain.append(String(one));
+        if (!needsReference(unit))
             continue;
-        }
-        out += plain.toUtf8();
-        plain.clear();
-        char reference[16];
-        std::snprintf(reference, sizeof(reference), "&#%u;", static_cast<unsigned int>(unit));
-        out += reference;
+        if (unit == 0)
+            throw SerializationFailed("A text that holds a zero cannot be written");
+        out += text.subString(plain, i - plain).toUtf8();
+        out += "&#" + std::to_string(unit) + ';';
+        plain = i + 1;
     }
-    out += plain.toUtf8();
+    out += text.subString(plain, text.size() - plain).toUtf8();
 }
 
 /// Reads elements from UTF-8 text, one character ahead at most.
@@ -134,6 +136,8 @@ private:
                 solid = true;
                 continue;
             }
+            if (m_text[m_position] == '\0')
+                fail("a text holds no zero");
             solid = solid || !isBlank(m_text[m_position]);
             run += m_text[m_position++];
         }
@@ -251,8 +255,13 @@ private:
         unsigned int column = 1;
         for (std::size_t i = 0; i < m_position && i < m_text.size(); ++i)
         {
-            column = m_text[i] == '\n' ? 1 : column + 1;
-            line += m_text[i] == '\n' ? 1u : 0u;
+            if (m_text[i] == '\n')
+            {
+                ++line;
+                column = 1;
+            }
+            else if ((static_cast<unsigned char>(m_text[i]) & 0xC0) != 0x80) // a character counts once
+                ++column;
         }
         String message("XML is not well formed at line ");
         message.append(QORValue(line).toString(QORValue::nilValue)).append(", column ");
@@ -303,6 +312,8 @@ void XmlElement::write(std::string& out) const
     const std::string name = m_name.toUtf8();
     if (!isName(name))
         throw SerializationFailed("Not a name of an element: " + m_name);
+    if (m_text.size() > 0 && !m_children.empty())
+        throw SerializationFailed("Both text and elements in: " + m_name);
     out += '<' + name + '>';
     escape(out, m_text);
     for (const XmlElement& child : m_children)
