@@ -96,13 +96,13 @@ public:
     /// Finds nothing on any card. @return 0
     unsigned int loopbackMixEndpointDevice(qor::Array<AudioDevice>& result) const;
 
-    /// Replaces @p result by every hardware volume control that acts on @p endpoint, each with the mute beside it, in
-    /// the order in which a breadth-first walk from the endpoint's connectors meets them. A control next to two
-    /// connectors is there twice.
+    /// Replaces @p result by every hardware volume control that acts on @p endpoint, each with the mute beside it.
+    ///
+    /// They come in the order in which a breadth-first walk from the endpoint's connectors meets them. A control next
+    /// to two connectors is there twice.
     /// @return the size of @p result; 0 for an endpoint without a topology
     /// @exception qor::IndexOutOfBounds if the walk leaves the card's graph: for an endpoint that came by hot plug or
-    /// belongs to
-    ///            another card, and behind a connector whose far side could not be opened
+    /// belongs to another card, and behind a connector whose far side could not be opened
     unsigned int volumeController(const AudioDevice& endpoint, qor::Array<VolumeController>& result) const;
 
     /// Finds nothing, see SoundCardInterface.
@@ -157,8 +157,7 @@ private:
     COMPtr<SoundCardDeviceUpdater>::pointer m_updater;
     SharedPointer<qor::Array<AudioDevice>> m_playbackDevices;
     SharedPointer<qor::Array<AudioDevice>> m_recordDevices;
-    SharedPointer<qor::Array<AudioDevice>>
-        m_internalDevices; // on the adapter side of the connectors; not with the updater
+    SharedPointer<qor::Array<AudioDevice>> m_internalDevices; // adapter side of the connectors; not with the updater
     SharedPointer<qor::Array<BorrowedPointer<SoundCardObserver>>> m_playbackObservers;
     SharedPointer<qor::Array<BorrowedPointer<SoundCardObserver>>> m_recordObservers;
     SharedPointer<qor::String> m_deviceId; // written in place, so that the updater sees it
