@@ -47,7 +47,7 @@ public:
     /// had is left out silently. The part must not be empty.
     ///
     /// The platform's list keeps the reference that it came with: it is never released.
-    /// @param list replaced by the parts; left alone if the enumeration fails
+    /// @param list replaced by the parts, also where it holds this part; left alone if the enumeration fails
     /// @return the number of parts; 0 if the enumeration fails, which is logged (LOG_ERROR)
     /// @exception qor::AssertionFailure "partlist != NULL" if the platform reports success without a list
     unsigned int incomingPartsList(qor::Array<AudioPart>& list);

@@ -3,6 +3,18 @@
 #include "COM/identifiers.h"
 #include "libSonavit/audiopartlog.h"
 
+namespace
+{
+/// The list may hold the very part that was asked, as in `parts[0].incomingPartsList(parts)`. That part goes with the
+/// list's old elements, and its cache with it, so the list is filled from a copy.
+unsigned int handOut(const qor::Array<AudioPart>& cache, qor::Array<AudioPart>& list)
+{
+    const qor::Array<AudioPart> parts(cache);
+    list = parts;
+    return list.size();
+}
+}
+
 AudioPart::AudioPart() : m_subType() {}
 
 AudioPart::AudioPart(IPart* part) : m_part(part), m_subType()
@@ -38,8 +50,8 @@ AudioPart& AudioPart::operator=(const AudioPart& other)
 {
     if (this == &other)
         return *this;
-    const qor::Array<AudioPart> incoming(
-        other.m_incomingParts); // other may stand in one of the lists that are replaced
+    // The other part may stand in one of the lists that are replaced.
+    const qor::Array<AudioPart> incoming(other.m_incomingParts);
     const qor::Array<AudioPart> outgoing(other.m_outgoingParts);
     m_part = other.m_part;
     m_subType = other.m_subType;
@@ -76,8 +88,7 @@ unsigned int AudioPart::incomingPartsList(qor::Array<AudioPart>& list)
         return 0;
     }
     storePartsList(parts, m_incomingParts);
-    list = m_incomingParts;
-    return list.size();
+    return handOut(m_incomingParts, list);
 }
 
 unsigned int AudioPart::outgoingPartsList(qor::Array<AudioPart>& list)
@@ -90,8 +101,7 @@ unsigned int AudioPart::outgoingPartsList(qor::Array<AudioPart>& list)
         return 0;
     }
     storePartsList(parts, m_outgoingParts);
-    list = m_outgoingParts;
-    return list.size();
+    return handOut(m_outgoingParts, list);
 }
 
 bool AudioPart::operator==(const AudioPart& other) const
