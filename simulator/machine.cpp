@@ -1,7 +1,6 @@
 #include "simulator/machine.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace sim
 {
@@ -20,14 +19,32 @@ auto* withId(List& list, const std::string& id)
     return found == list.end() ? nullptr : &*found;
 }
 
-PartPlace partOf(const Device& device, const std::string& id)
+template<class Place, class AnyDevice>
+Place partOf(AnyDevice& device, const std::string& id)
 {
     if (!device.topology)
         return {};
-    if (const Connector* connector = withId(device.topology->connectors, id))
+    if (auto* const connector = withId(device.topology->connectors, id))
         return {&device, connector, connector};
-    if (const Subunit* subunit = withId(device.topology->subunits, id))
+    if (auto* const subunit = withId(device.topology->subunits, id))
         return {&device, subunit, nullptr};
+    return {};
+}
+
+/// Looks through all devices of @p machine, which may be constant or not.
+template<class Place, class AnyMachine>
+Place findPart(AnyMachine& machine, const std::string& id)
+{
+    for (auto& endpoint : machine.endpoints)
+    {
+        if (const Place place = partOf<Place>(endpoint, id))
+            return place;
+    }
+    for (auto& adapter : machine.adapters)
+    {
+        if (const Place place = partOf<Place>(adapter, id))
+            return place;
+    }
     return {};
 }
 
@@ -81,23 +98,12 @@ const Device* Machine::openDevice(const std::string& id) const
 
 PartPlace Machine::part(const std::string& id) const
 {
-    for (const Endpoint& candidate : endpoints)
-    {
-        if (const PartPlace place = partOf(candidate, id))
-            return place;
-    }
-    for (const Adapter& candidate : adapters)
-    {
-        if (const PartPlace place = partOf(candidate, id))
-            return place;
-    }
-    return {};
+    return findPart<PartPlace>(*this, id);
 }
 
-Part* Machine::part(const std::string& id)
+ChangeablePartPlace Machine::part(const std::string& id)
 {
-    // The place points into this machine, which is not constant here.
-    return const_cast<Part*>(std::as_const(*this).part(id).part);
+    return findPart<ChangeablePartPlace>(*this, id);
 }
 
 std::optional<Peer> Machine::peer(const std::string& id) const

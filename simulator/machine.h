@@ -87,14 +87,20 @@ struct WaveDevice
 };
 
 /// Where a part stands in a machine. It points into the machine and holds as long as no list of the machine changes.
-struct PartPlace
+template<class AnyDevice, class AnyPart, class AnyConnector>
+struct BasicPartPlace
 {
-    const Device* device = nullptr;
-    const Part* part = nullptr;
-    const Connector* connector = nullptr; ///< the same part where it is a connector, otherwise null
+    AnyDevice* device = nullptr;
+    AnyPart* part = nullptr;
+    AnyConnector* connector = nullptr; ///< the same part where it is a connector, otherwise null
 
     explicit operator bool() const { return part != nullptr; }
+
+    AnyPart* operator->() const { return part; }
 };
+
+using PartPlace = BasicPartPlace<const Device, const Part, const Connector>;
+using ChangeablePartPlace = BasicPartPlace<Device, Part, Connector>;
 
 /// The far side of a connector as the connector reports it.
 struct Peer
@@ -129,9 +135,9 @@ struct Machine
     /// can still ask the device what it was.
     const Device* openDevice(const std::string& id) const;
 
-    /// The part with that global id, exactly spelled.
+    /// The part with that global id, exactly spelled; an empty place where there is none.
     PartPlace part(const std::string& id) const;
-    Part* part(const std::string& id);
+    ChangeablePartPlace part(const std::string& id);
 
     /// What the connector @p id is joined to; no value where no join says so.
     std::optional<Peer> peer(const std::string& id) const;

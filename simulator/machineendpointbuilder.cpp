@@ -184,7 +184,7 @@ Endpoint& EndpointBuilder::endpoint() const
 
 Part& EndpointBuilder::jack() const
 {
-    return *m_owner->m_machine.part(jackId());
+    return *m_owner->m_machine.part(jackId()).part;
 }
 
 std::vector<std::string> EndpointBuilder::signal() const

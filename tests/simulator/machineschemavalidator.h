@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <map>
 #include <regex>
 #include <set>
 #include <stdexcept>
@@ -96,10 +97,17 @@ private:
     bool fitsText(const sim::JsonValue& value, const std::string& keyword, const sim::JsonValue& rule) const
     {
         if (keyword == "pattern")
-            return std::regex_search(value.text, std::regex(rule.text, std::regex::ECMAScript));
+            return std::regex_search(value.text, expression(rule.text));
         if (keyword == "minLength")
             return value.text.size() >= number(rule);
         return requireOther(keyword);
+    }
+
+    /// Making an expression takes far longer than using it.
+    const std::regex& expression(const std::string& pattern) const
+    {
+        const auto found = m_expressions.find(pattern);
+        return found != m_expressions.end() ? found->second : m_expressions.emplace(pattern, pattern).first->second;
     }
 
     bool fitsNumber(const sim::JsonValue& value, const std::string& keyword, const sim::JsonValue& rule) const
@@ -166,4 +174,5 @@ private:
     }
 
     const sim::JsonValue& m_root;
+    mutable std::map<std::string, std::regex> m_expressions;
 };
