@@ -40,11 +40,11 @@ inline Logger* traceLogger(const char* channel, LoggerSlot& slot)
 }
 } // namespace qor
 
-/// Writes one message. @p build appends to `out`, a LoggerStream that already holds the line number; it is not
-/// evaluated unless the message is written. The two tests differ on purpose: a message of exactly the process-wide
-/// minimum passes, one of exactly the channel's threshold does not. A statement stands on one source line, as compilers
-/// disagree about the line of a longer one.
-#define SONAVIT_LOG(module, level, build)                                              \
+/// Writes one message. The statement behind @p level appends to `out`, a LoggerStream that already holds the line
+/// number; it is not evaluated unless the message is written. The two tests differ on purpose: a message of exactly the
+/// process-wide minimum passes, one of exactly the channel's threshold does not. A statement stands on one source line,
+/// as compilers disagree about the line of a longer one.
+#define SONAVIT_LOG(module, level, ...)                                                \
     do                                                                                 \
     {                                                                                  \
         if (qor::LogFactory::getPriority() > qor::LoggerPriority::level)               \
@@ -54,7 +54,7 @@ inline Logger* traceLogger(const char* channel, LoggerSlot& slot)
             break;                                                                     \
         qor::LoggerStream out;                                                         \
         (out + __LINE__).append(" ");                                                  \
-        build;                                                                         \
+        __VA_ARGS__;                                                                   \
         sonavitLogger.log(qor::LoggerPriority::level, out);                            \
     } while (false)
 
