@@ -1,0 +1,125 @@
+#include "COM/comptr.h"
+
+#include "tests/support/librarytest.h"
+
+#include <thread>
+#include <type_traits>
+
+using qor::LoggerPriority;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+static_assert(std::is_empty_v<COMInitializer>, "it exists for its constructor and destructor");
+
+struct COMInitializerLife : support::LibraryTest
+{
+    /// Runs @p action on a thread of its own, which has no COM at first.
+    template<class Action>
+    static void onFreshThread(const Action& action)
+    {
+        std::thread(action).join();
+    }
+};
+}
+
+TEST_F(COMInitializerLife, TellsTheResultForAFreshThread)
+{
+    onFreshThread([] { const COMInitializer initializer; });
+
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_DEBUG, "comptr"), ElementsAre("CoInitialize returns 0"));
+}
+
+TEST_F(COMInitializerLife, TellsThatComWasThereAlready)
+{
+    {
+        const COMInitializer initializer; // the fixture was first on this thread
+    }
+
+    EXPECT_THAT(log.texts(), ElementsAre("CoInitialize returns 1"));
+}
+
+TEST_F(COMInitializerLife, ShowsAFailureAsAVeryLargeNumber)
+{
+    onFreshThread(
+        []
+        {
+            CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+            {
+                const COMInitializer initializer;
+            }
+        });
+
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_DEBUG, "comptr"),
+                ElementsAre("CoInitialize returns 18446744071562133766"));
+}
+
+TEST_F(COMInitializerLife, OpensItsScopeInTheConstructorOnly)
+{
+    {
+        const COMInitializer initializer;
+        EXPECT_THAT(log.left("comptr"), ElementsAre("COMInitializer::COMInitializer"));
+        log.clear();
+    }
+
+    EXPECT_THAT(log.records(), IsEmpty());
+}
+
+TEST_F(COMInitializerLife, SaysNothingAtAThresholdOfOne)
+{
+    log.setThreshold("comptr", LoggerPriority::LOG_DEBUG);
+
+    onFreshThread([] { const COMInitializer initializer; });
+
+    EXPECT_THAT(log.records(), IsEmpty());
+}
+
+TEST_F(COMInitializerLife, SaysNothingAtAMinimumOfTwo)
+{
+    qor::LogFactory::setPriority(LoggerPriority::LOG_INFO);
+
+    onFreshThread([] { const COMInitializer initializer; });
+
+    EXPECT_THAT(log.records(), IsEmpty());
+}
+
+#if !defined(_WIN32) // the system's own COM keeps no journal
+TEST_F(COMInitializerLife, InitializesAtItsBeginningAndUninitializesAtItsEnd)
+{
+    sim::Simulation& machine = run({});
+    {
+        const COMInitializer initializer;
+        EXPECT_THAT(machine.journal().operations(), ElementsAre("CoInitialize"));
+    }
+
+    EXPECT_THAT(machine.journal().operations(), ElementsAre("CoInitialize", "CoUninitialize"));
+}
+
+TEST_F(COMInitializerLife, UninitializesAlsoAfterAFailure)
+{
+    sim::Simulation& machine = run({});
+    const sim::PlannedFault fault = machine.faults().fail("CoInitialize", E_OUTOFMEMORY);
+
+    onFreshThread([] { const COMInitializer initializer; });
+
+    EXPECT_EQ(1u, fault.fired());
+    EXPECT_THAT(machine.journal().operations(), ElementsAre("CoInitialize", "CoUninitialize"));
+    EXPECT_EQ(1u, machine.comUnderflows());
+}
+
+TEST_F(COMInitializerLife, HasACopyUninitializeWithoutHavingInitialized)
+{
+    sim::Simulation& machine = run({});
+
+    onFreshThread(
+        []
+        {
+            const COMInitializer initializer;
+            const COMInitializer copy(initializer);
+        });
+
+    EXPECT_THAT(machine.journal().operations(), ElementsAre("CoInitialize", "CoUninitialize", "CoUninitialize"));
+    EXPECT_EQ(1u, machine.comUnderflows());
+}
+#endif

@@ -1,0 +1,69 @@
+#include "OSWindows/configmanager.h"
+
+#include "tests/support/librarytest.h"
+
+using libOSWindows::ConfigManager;
+using testing::ElementsAre;
+
+namespace
+{
+struct ConfigManagerParent : support::LibraryTest
+{
+    ConfigManagerParent()
+    {
+        machine.deviceInstances = {{"USB\\VID_0001&PID_0002&MI_00\\7&0&0000", "USB\\VID_0001&PID_0002\\42"},
+                                   {"ROOT\\ORPHAN\\0000", {}}};
+    }
+
+    sim::Machine machine;
+    qor::String parent = "before";
+};
+}
+
+TEST_F(ConfigManagerParent, LeavesTheTextAloneForAnUnknownInstance)
+{
+    run(machine);
+
+    EXPECT_FALSE(ConfigManager::getParentDeviceInstanceId("NOBODY\\HAS\\THIS", parent));
+    EXPECT_EQ(qor::String("before"), parent);
+}
+
+TEST_F(ConfigManagerParent, LeavesTheTextAloneForAnEmptyId)
+{
+    run(machine);
+
+    EXPECT_FALSE(ConfigManager::getParentDeviceInstanceId("", parent));
+    EXPECT_EQ(qor::String("before"), parent);
+}
+
+#if !defined(_WIN32) // there the system's own device tree is asked, which knows nothing of the machine
+TEST_F(ConfigManagerParent, StoresTheParentInPlaceOfWhatWasThere)
+{
+    run(machine);
+
+    EXPECT_TRUE(ConfigManager::getParentDeviceInstanceId("USB\\VID_0001&PID_0002&MI_00\\7&0&0000", parent));
+    EXPECT_EQ(qor::String("USB\\VID_0001&PID_0002\\42"), parent);
+}
+
+TEST_F(ConfigManagerParent, FindsAnInstanceInAnyCase)
+{
+    run(machine);
+
+    EXPECT_TRUE(ConfigManager::getParentDeviceInstanceId("usb\\vid_0001&pid_0002&mi_00\\7&0&0000", parent));
+    EXPECT_EQ(qor::String("USB\\VID_0001&PID_0002\\42"), parent);
+}
+
+TEST_F(ConfigManagerParent, LeavesTheTextAloneForAnInstanceWithoutAParent)
+{
+    run(machine);
+
+    EXPECT_FALSE(ConfigManager::getParentDeviceInstanceId("ROOT\\ORPHAN\\0000", parent));
+    EXPECT_EQ(qor::String("before"), parent);
+}
+
+TEST_F(ConfigManagerParent, FailsWhereThereIsNoMachine)
+{
+    EXPECT_FALSE(ConfigManager::getParentDeviceInstanceId("USB\\VID_0001&PID_0002&MI_00\\7&0&0000", parent));
+    EXPECT_EQ(qor::String("before"), parent);
+}
+#endif

@@ -1,0 +1,144 @@
+#include "libSonavit/endpointdeviceenumerator.h"
+
+#include "libSonavit/endpointdeviceenumerator/supportcountedclient.h"
+#include "tests/support/librarytest.h"
+
+using libSonavit::AudioDeviceEnumerator;
+using libSonavit::AudioDeviceEnumeratorFactory;
+using support::CallList;
+using support::CountedClient;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+constexpr const char* unregisterCall = "IMMDeviceEnumerator::UnregisterEndpointNotificationCallback";
+constexpr const char* releaseCall = "IMMDeviceEnumerator::Release";
+
+/// The end of the module as the fixture brings it about: the static handle lets the shared enumerator go.
+struct AudioDeviceEnumeratorEnd : support::LibraryTest
+{
+    void SetUp() override
+    {
+        LibraryTest::SetUp();
+        run({});
+    }
+
+    static AudioDeviceEnumerator& shared() { return *AudioDeviceEnumeratorFactory::enumerator(); }
+
+    void addThreeClients()
+    {
+        shared().addNotificationClient(first.handle());
+        shared().addNotificationClient(second.handle());
+        shared().addNotificationClient(third.handle());
+        calls.clear();
+        simulation().journal().clear();
+    }
+
+    CallList calls;
+    CountedClient first{calls, "first"};
+    CountedClient second{calls, "second"};
+    CountedClient third{calls, "third"};
+};
+}
+
+TEST_F(AudioDeviceEnumeratorEnd, TakesTheClientsOffInOrderOfArrivalAndReleasesThemInThatOrder)
+{
+    addThreeClients();
+
+    endModule();
+
+    EXPECT_THAT(calls, ElementsAre("first Release", "second Release", "third Release",  // by the machine
+                                   "first Release", "second Release", "third Release")) // by the list
+        << "each is unregistered before any is released";
+    EXPECT_EQ(0u, first.count + second.count + third.count);
+}
+
+TEST_F(AudioDeviceEnumeratorEnd, ReleasesTheEnumeratorAfterAllClientsAreOff)
+{
+    addThreeClients();
+    simulation().journal().recordReferences(true);
+
+    endModule();
+
+    EXPECT_THAT(simulation().journal().entries().without("CoUninitialize").operations(),
+                ElementsAre(unregisterCall, unregisterCall, unregisterCall, releaseCall));
+    EXPECT_TRUE(simulation().census().empty()) << simulation().census();
+}
+
+TEST_F(AudioDeviceEnumeratorEnd, LooksAtNoAnswerToAnUnregistration)
+{
+    addThreeClients();
+    const sim::PlannedFault fault = simulation().faults().fail(unregisterCall);
+    log.clear();
+
+    endModule();
+
+    EXPECT_EQ(3u, fault.fired());
+    EXPECT_THAT(log.records(), IsEmpty());
+    EXPECT_EQ(1u, first.count); // the machine's, which refused
+    EXPECT_EQ(0, simulation().census().references("IMMDeviceEnumerator"));
+
+    simulation().faults().clear(); // so that the machine lets go of them
+    const COMPtr<IMMDeviceEnumerator>::pointer enumerator(simulation().enumerator());
+    for (CountedClient* client : {&first, &second, &third})
+        enumerator->UnregisterEndpointNotificationCallback(client);
+}
+
+TEST_F(AudioDeviceEnumeratorEnd, LeavesAnEmptyHandleBehind)
+{
+    shared();
+
+    endModule();
+
+    EXPECT_EQ(nullptr, AudioDeviceEnumeratorFactory::m_enumerator.get());
+}
+
+TEST_F(AudioDeviceEnumeratorEnd, AsksThePlatformNothingWhereNoEnumeratorWasMade)
+{
+    shared();
+    simulation().journal().clear();
+
+    endModule();
+
+    EXPECT_THAT(simulation().journal().entries().without("CoUninitialize").operations(), IsEmpty());
+}
+
+TEST_F(AudioDeviceEnumeratorEnd, HasNothingToDoWhereNoInstanceWasMade)
+{
+    endModule();
+
+    EXPECT_THAT(simulation().journal().operations(), IsEmpty());
+    EXPECT_THAT(log.records(), IsEmpty());
+}
+
+#if !defined(_WIN32) // the system's own COM keeps no journal, and fails at nobody's word
+
+TEST_F(AudioDeviceEnumeratorEnd, UninitializesComLast)
+{
+    addThreeClients();
+    simulation().journal().recordReferences(true);
+
+    endModule();
+
+    EXPECT_THAT(simulation().journal().operations(),
+                ElementsAre(unregisterCall, unregisterCall, unregisterCall, releaseCall, "CoUninitialize"));
+}
+
+TEST_F(AudioDeviceEnumeratorEnd, UninitializesComAlsoAfterCoInitializeHasFailed)
+{
+    const sim::PlannedFault fault = simulation().faults().fail("CoInitialize", E_OUTOFMEMORY);
+
+    EXPECT_NE(nullptr, shared().deviceEnumerator().get()); // the fixture's COM serves it
+
+    EXPECT_EQ(1u, fault.fired());
+    EXPECT_THAT(log.texts("comptr"), ElementsAre("CoInitialize returns 18446744071562526734"));
+    simulation().journal().clear();
+
+    endModule();
+
+    EXPECT_THAT(simulation().journal().operations(), ElementsAre("CoUninitialize"));
+    CoInitialize(nullptr); // what the fixture takes back
+}
+
+#endif

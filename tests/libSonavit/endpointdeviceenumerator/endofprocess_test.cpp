@@ -1,0 +1,77 @@
+#include "libSonavit/endpointdeviceenumerator.h"
+
+#include "libSonavit/endpointdeviceenumerator/supportcountedclient.h"
+#include "tests/support/librarytest.h"
+
+#if !defined(_WIN32) // what happens at the end of a process there is told by the fixture alone
+
+#include <unistd.h>
+
+#include <cstdlib>
+
+using libSonavit::AudioDeviceEnumeratorFactory;
+using support::CallList;
+using support::CountedClient;
+
+namespace
+{
+/// The machine whose journal the ending process shows; null in every process that is not told to.
+sim::Simulation* watched = nullptr;
+
+void showJournal(int, void*)
+{
+    if (watched == nullptr)
+        return;
+    std::string lines;
+    for (const std::string& operation : watched->journal().operations())
+        lines += operation + "\n";
+    if (::write(STDERR_FILENO, lines.data(), lines.size()) < 0)
+        ::_exit(3);
+}
+
+void showJournalLast()
+{
+    ::on_exit(showJournal, nullptr); // unlike std::atexit not bound to this executable, which ends before its libraries
+}
+
+// Handlers run in the reverse of the order in which they came. This one comes before any library is initialised, so it
+// runs when the static objects of all libraries are gone.
+__attribute__((section(".preinit_array"), used)) void (*const beforeAllLibraries)() = showJournalLast;
+
+/// Ends the process with @p clients registered.
+[[noreturn]] void endWithClients(unsigned int clients)
+{
+    watched = new sim::Simulation({}); // outlives the library, as the real platform does
+    CallList* const calls = new CallList;
+    for (unsigned int i = 0; i < clients; ++i)
+    {
+        auto* const client = new CountedClient(*calls, std::to_string(i)); // ends with the process
+        AudioDeviceEnumeratorFactory::enumerator()->addNotificationClient(client->handle());
+    }
+    watched->journal().clear();
+    watched->journal().recordReferences(true);
+    std::exit(0);
+}
+}
+
+TEST(AudioDeviceEnumeratorDeathTest, IsTakenDownWhenTheProcessEnds)
+{
+    EXPECT_EXIT(
+        {
+            CoInitialize(nullptr);
+            endWithClients(3);
+        },
+        testing::ExitedWithCode(0),
+        testing::StrEq("IMMDeviceEnumerator::UnregisterEndpointNotificationCallback\n"
+                       "IMMDeviceEnumerator::UnregisterEndpointNotificationCallback\n"
+                       "IMMDeviceEnumerator::UnregisterEndpointNotificationCallback\n"
+                       "IMMDeviceEnumerator::Release\n"
+                       "CoUninitialize\n"));
+}
+
+TEST(AudioDeviceEnumeratorDeathTest, LeavesNothingToDoAtTheEndOfAProcessThatNeverAskedForIt)
+{
+    EXPECT_EXIT(endWithClients(0), testing::ExitedWithCode(0), testing::StrEq(""));
+}
+
+#endif
