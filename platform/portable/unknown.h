@@ -8,8 +8,13 @@
 /// Interfaces have virtual functions and no virtual destructor: objects end by Release, never by delete, and a
 /// destructor would take a place among the functions. The pair of macros keeps compilers from warning about that in
 /// users' builds.
-#define SONAVIT_INTERFACES_BEGIN _Pragma("GCC diagnostic push") _Pragma("GCC diagnostic ignored \"-Wnon-virtual-dtor\"")
-#define SONAVIT_INTERFACES_END _Pragma("GCC diagnostic pop")
+///
+/// They also make the interfaces visible in a build that hides symbols by default: a class template is exported only if
+/// its arguments are visible, whatever it says of itself.
+#define SONAVIT_INTERFACES_BEGIN                                           \
+    _Pragma("GCC visibility push(default)") _Pragma("GCC diagnostic push") \
+        _Pragma("GCC diagnostic ignored \"-Wnon-virtual-dtor\"")
+#define SONAVIT_INTERFACES_END _Pragma("GCC diagnostic pop") _Pragma("GCC visibility pop")
 
 SONAVIT_INTERFACES_BEGIN
 

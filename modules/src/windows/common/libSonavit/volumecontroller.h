@@ -83,7 +83,7 @@ public:
 };
 
 /// The control of an endpoint: levels in decibels and as a scalar from 0.0 to 1.0, both from the platform.
-struct EndpointVolumeController
+struct SONAVIT_API EndpointVolumeController
 {
     COMPtr<IAudioEndpointVolume>::pointer endpointVolume; ///< may be nil
     GUID ownerType = {};                                  ///< the endpoint's kind of jack
@@ -91,7 +91,7 @@ struct EndpointVolumeController
 };
 
 /// The control of a part in a hardware graph: levels in decibels only, from which percent are computed.
-struct RegularVolumeController
+struct SONAVIT_API RegularVolumeController
 {
     COMPtr<IAudioVolumeLevel>::pointer volumeLevel; ///< may be nil
     COMPtr<IAudioMute>::pointer mute;               ///< may be nil
