@@ -49,7 +49,7 @@ protected:
     AudioComponent<IConnector> component(const std::string& id) { return AudioComponent<IConnector>(connector(id)); }
 
     /// The part in the machine, to be changed before start().
-    sim::Part& described(const std::string& id) { return *bench.machine().part(id); }
+    sim::Part& described(const std::string& id) { return *bench.machine().part(id).part; }
 
     /// References on all objects that stand for one part, or for the topology of one device.
     long references(const std::string& id)

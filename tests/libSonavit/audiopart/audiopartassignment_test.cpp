@@ -1,4 +1,4 @@
-#include "supportgraph.h"
+#include "tests/libSonavit/supportgraph.h"
 
 using support::GraphTest;
 using support::idsOf;

@@ -1,5 +1,5 @@
 // The two walks from a part to its neighbours, which are alike but for their direction.
-#include "supportgraph.h"
+#include "tests/libSonavit/supportgraph.h"
 
 #include "qor/exception.h"
 
