@@ -2,15 +2,12 @@
 
 #include <algorithm>
 
+#include "simulator/machinetext.h"
+
 namespace sim
 {
 namespace
 {
-char lowerCase(char character)
-{
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-}
-
 /// The element of @p list whose `id` is @p id, or null; works for constant and for changeable lists.
 template<class List>
 auto* withId(List& list, const std::string& id)

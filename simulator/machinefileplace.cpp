@@ -23,14 +23,6 @@ bool isKey(const FileObject& object, const std::string& name)
 {
     return std::any_of(object.keys.begin(), object.keys.end(), [&](const FileKey& key) { return key.name == name; });
 }
-
-int hexDigit(char character)
-{
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    const char upper = character >= 'a' && character <= 'f' ? static_cast<char>(character - 'a' + 'A') : character;
-    const std::size_t value = digits.find(upper);
-    return value == std::string_view::npos ? -1 : static_cast<int>(value);
-}
 }
 
 FilePlace::FilePlace(const JsonValue& value, const std::string& file, std::string pointer)

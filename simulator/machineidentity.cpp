@@ -5,6 +5,7 @@
 
 #include "simulator/machinenames.h"
 #include "simulator/machinenodetypes.h"
+#include "simulator/machinetext.h"
 
 namespace sim
 {
@@ -22,11 +23,9 @@ std::uint64_t hash(const std::string& text)
     return value;
 }
 
-std::string lowerCase(std::string text)
+std::string inLowerCase(std::string text)
 {
-    const auto lower = [](char unit)
-    { return unit >= 'A' && unit <= 'Z' ? static_cast<char>(unit - 'A' + 'a') : unit; };
-    std::transform(text.begin(), text.end(), text.begin(), lower);
+    std::transform(text.begin(), text.end(), text.begin(), [](char unit) { return lowerCase(unit); });
     return text;
 }
 }
@@ -56,7 +55,7 @@ std::string derivedHex(const std::string& seed, int digits)
 std::string endpointId(EDataFlow flow, const GUID& guid)
 {
     const std::string family = flow == eRender ? "{0.0.0.00000000}" : "{0.0.1.00000000}";
-    return family + "." + lowerCase(guidText(guid));
+    return family + "." + inLowerCase(guidText(guid));
 }
 
 std::string boardInstance(const std::string& seed)
@@ -85,16 +84,16 @@ std::string usbParent(const std::string& seed)
 
 std::string adapterId(const std::string& instanceId)
 {
-    std::string path = lowerCase(instanceId);
+    std::string path = inLowerCase(instanceId);
     std::replace(path.begin(), path.end(), '\\', '#');
-    return "{2}.\\\\?\\" + path + "#" + lowerCase(guidText(nodetypes::stream)) + "\\topo";
+    return "{2}.\\\\?\\" + path + "#" + inLowerCase(guidText(nodetypes::stream)) + "\\topo";
 }
 
 std::string driverName(const std::string& instancePath)
 {
     const std::size_t start = instancePath.find('.') + 1; // the whole text where it has no dot
     const std::string device = instancePath.substr(start, instancePath.rfind('\\') - start);
-    return "oem7.inf:" + derivedHex(device, 16) + ":AudioModel:6.0.1.7:" + lowerCase(device);
+    return "oem7.inf:" + derivedHex(device, 16) + ":AudioModel:6.0.1.7:" + inLowerCase(device);
 }
 
 std::uint32_t usualConnectorLocalId(std::size_t position)

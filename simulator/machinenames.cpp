@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "simulator/machinenodetypes.h"
+#include "simulator/machinetext.h"
 
 namespace sim
 {
@@ -59,17 +60,6 @@ bool hasWord(std::string_view words, std::string_view word)
 {
     const bool isOneWord = !word.empty() && word.find(' ') == std::string_view::npos;
     return isOneWord && words.find(" " + std::string(word) + " ") != std::string_view::npos;
-}
-
-int hexDigit(char character)
-{
-    if (character >= '0' && character <= '9')
-        return character - '0';
-    if (character >= 'A' && character <= 'F')
-        return character - 'A' + 10;
-    if (character >= 'a' && character <= 'f')
-        return character - 'a' + 10;
-    return -1;
 }
 
 /// The number of @p digits hexadecimal digits of @p text from @p at on.

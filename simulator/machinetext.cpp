@@ -20,6 +20,22 @@ std::optional<float> fromDecimal(const std::string& text)
     return isNumber ? std::optional<float>(value) : std::nullopt;
 }
 
+int hexDigit(char character)
+{
+    if (character >= '0' && character <= '9')
+        return character - '0';
+    if (character >= 'A' && character <= 'F')
+        return character - 'A' + 10;
+    if (character >= 'a' && character <= 'f')
+        return character - 'a' + 10;
+    return -1;
+}
+
+char lowerCase(char character)
+{
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+}
+
 std::string inQuotes(const std::string& text)
 {
     constexpr std::size_t longest = 100;

@@ -22,6 +22,7 @@ std::string textOf(const sim::Endpoint& endpoint, const PROPERTYKEY& key)
 std::vector<std::string> endpointIds(const std::vector<sim::WaveDevice>& waveDevices)
 {
     std::vector<std::string> ids;
+    ids.reserve(waveDevices.size());
     for (const sim::WaveDevice& device : waveDevices)
         ids.push_back(device.endpointId);
     return ids;

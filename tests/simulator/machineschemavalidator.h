@@ -88,9 +88,9 @@ private:
         if (keyword == "items")
             return count(value, [&](const sim::JsonValue& each) { return fits(each, rule); }) == value.elements.size();
         if (keyword == "minItems")
-            return value.elements.size() >= number(rule);
+            return static_cast<double>(value.elements.size()) >= number(rule);
         if (keyword == "maxItems")
-            return value.elements.size() <= number(rule);
+            return static_cast<double>(value.elements.size()) <= number(rule);
         return requireOther(keyword);
     }
 
@@ -99,7 +99,7 @@ private:
         if (keyword == "pattern")
             return std::regex_search(value.text, expression(rule.text));
         if (keyword == "minLength")
-            return value.text.size() >= number(rule);
+            return static_cast<double>(value.text.size()) >= number(rule);
         return requireOther(keyword);
     }
 
