@@ -1,0 +1,301 @@
+#include "tests/libSonavit/supportgraph.h"
+
+#include "tests/libSonavit/supportstackobject.h"
+
+using support::GraphTest;
+using support::idsOf;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+constexpr const char* channel = "libSonavit.audioDeviceTopology";
+constexpr const char* initializeLabel = "AudioDeviceTopology::initialize(IDeviceTopology* deviceTopology)";
+constexpr const char* clearLabel = "AudioDeviceTopology::clear()";
+constexpr qor::LOGGER_PRIORITY info = qor::LoggerPriority::LOG_INFO;
+constexpr qor::LOGGER_PRIORITY error = qor::LoggerPriority::LOG_ERROR;
+
+class AudioDeviceTopologyInitialize : public GraphTest
+{
+protected:
+    static void expectEmpty(const AudioDeviceTopology& topology)
+    {
+        EXPECT_FALSE(topology.isInitialized());
+        EXPECT_EQ("", topology.deviceOwner().toUtf8());
+        EXPECT_EQ(0u, topology.connector().size());
+        EXPECT_EQ(0u, topology.subunit().size());
+    }
+};
+
+/// A topology without parts that gives its device's id and calls that a failure.
+class FailingWithAnId final : public support::StackObject<IDeviceTopology>
+{
+public:
+    HRESULT STDMETHODCALLTYPE GetConnectorCount(UINT* count) override { return none(count); }
+    HRESULT STDMETHODCALLTYPE GetConnector(UINT, IConnector** connector) override { return none(connector); }
+    HRESULT STDMETHODCALLTYPE GetSubunitCount(UINT* count) override { return none(count); }
+    HRESULT STDMETHODCALLTYPE GetSubunit(UINT, ISubunit** subunit) override { return none(subunit); }
+    HRESULT STDMETHODCALLTYPE GetPartById(UINT, IPart** part) override { return none(part); }
+    HRESULT STDMETHODCALLTYPE GetSignalPath(IPart*, IPart*, BOOL, IPartsList** parts) override { return none(parts); }
+
+    HRESULT STDMETHODCALLTYPE GetDeviceId(LPWSTR* id) override
+    {
+        *id = static_cast<LPWSTR>(CoTaskMemAlloc(2 * sizeof(WCHAR)));
+        (*id)[0] = 'x';
+        (*id)[1] = 0;
+        return E_FAIL;
+    }
+
+private:
+    template<class Value>
+    static HRESULT none(Value* value)
+    {
+        *value = Value();
+        return S_OK;
+    }
+};
+}
+
+TEST_F(AudioDeviceTopologyInitialize, ReadsTheDeviceIdThenTheConnectorsThenTheSubunits)
+{
+    start();
+    const COMPtr<IDeviceTopology>::pointer handle = topologyHandle(device);
+    AudioDeviceTopology topology;
+
+    const bool result = topology.initialize(handle);
+
+    EXPECT_TRUE(result);
+    EXPECT_THAT(simulation().journal().of("IDeviceTopology::*").calls(),
+                ElementsAre("IDeviceTopology::GetDeviceId()", "IDeviceTopology::GetConnectorCount()",
+                            "IDeviceTopology::GetConnector(0)", "IDeviceTopology::GetConnector(1)",
+                            "IDeviceTopology::GetSubunitCount()", "IDeviceTopology::GetSubunit(0)",
+                            "IDeviceTopology::GetSubunit(1)"));
+    EXPECT_EQ(device, topology.deviceOwner().toUtf8());
+    EXPECT_THAT(idsOf(topology.connector()), ElementsAre(jack, stream));
+    EXPECT_THAT(idsOf(topology.subunit()), ElementsAre(mute, volume));
+}
+
+TEST_F(AudioDeviceTopologyInitialize, TellsHowManyConnectorsAndSubunitsThereAre)
+{
+    bench.machine().adapters[0].topology->subunits.pop_back();
+    start();
+    AudioDeviceTopology topology;
+
+    topology.initialize(topologyHandle(device));
+
+    EXPECT_THAT(log.texts(), ElementsAre("Num connector = 2", "Subunit count = 1"));
+    EXPECT_EQ(log.texts(), log.texts(info, channel));
+}
+
+TEST_F(AudioDeviceTopologyInitialize, AsksEachConnectorAndSubunitForItsPartAndThatForItsSnapshot)
+{
+    start();
+    simulation().journal().recordReferences(true);
+    AudioDeviceTopology topology;
+
+    topology.initialize(topologyHandle(device));
+
+    EXPECT_EQ(2u, simulation().journal().count("IConnector::QueryInterface"));
+    EXPECT_EQ(2u, simulation().journal().count("ISubunit::QueryInterface"));
+    EXPECT_EQ(4u, simulation().journal().count("IPart::GetSubType"));
+    EXPECT_EQ(4u, simulation().journal().count("IPart::GetGlobalId"));
+    EXPECT_EQ(4u, simulation().journal().count("IPart::GetName"));
+}
+
+TEST_F(AudioDeviceTopologyInitialize, HoldsTwoReferencesOnEachComponent)
+{
+    start();
+    AudioDeviceTopology topology;
+
+    topology.initialize(topologyHandle(device));
+
+    EXPECT_EQ(2, references(jack));
+    EXPECT_EQ(2, references(volume));
+    EXPECT_EQ(1, references(device));
+}
+
+TEST_F(AudioDeviceTopologyInitialize, TracesItselfAndTheClearing)
+{
+    start();
+    AudioDeviceTopology topology;
+
+    topology.initialize(topologyHandle(device));
+
+    EXPECT_THAT(log.entered(channel), ElementsAre(initializeLabel, clearLabel));
+    EXPECT_THAT(log.left(channel), ElementsAre(clearLabel, initializeLabel));
+}
+
+TEST_F(AudioDeviceTopologyInitialize, SkipsTheConnectorThatCannotBeReadAndStillSucceeds)
+{
+    start();
+    const sim::PlannedFault fault = simulation().faults().fail("IDeviceTopology::GetConnector").with("0");
+    AudioDeviceTopology topology;
+
+    const bool result = topology.initialize(topologyHandle(device));
+
+    EXPECT_EQ(1u, fault.fired());
+    EXPECT_TRUE(result);
+    EXPECT_THAT(idsOf(topology.connector()), ElementsAre(stream));
+    EXPECT_EQ(2u, topology.subunit().size());
+    EXPECT_THAT(log.texts(error, channel), ElementsAre("Unable to retrieve connector index 0 0x80004005"));
+}
+
+TEST_F(AudioDeviceTopologyInitialize, SkipsTheSubunitThatCannotBeReadAndStillSucceeds)
+{
+    start();
+    const sim::PlannedFault fault = simulation().faults().fail("IDeviceTopology::GetSubunit", E_OUTOFMEMORY).with("1");
+    AudioDeviceTopology topology;
+
+    const bool result = topology.initialize(topologyHandle(device));
+
+    EXPECT_EQ(1u, fault.fired());
+    EXPECT_TRUE(result);
+    EXPECT_THAT(idsOf(topology.subunit()), ElementsAre(mute));
+    EXPECT_THAT(log.texts(error, channel), ElementsAre("Unable to retrieve subunit index 1 0x8007000E"));
+}
+
+TEST_F(AudioDeviceTopologyInitialize, HoldsAnEmptyComponentWhereThePlatformSucceedsWithoutOne)
+{
+    start();
+    const sim::PlannedFault fault = simulation().faults().succeedWithNull("IDeviceTopology::GetConnector").with("0");
+    AudioDeviceTopology topology;
+
+    const bool result = topology.initialize(topologyHandle(device));
+
+    EXPECT_EQ(1u, fault.fired());
+    EXPECT_TRUE(result);
+    EXPECT_THAT(idsOf(topology.connector()), ElementsAre("", stream));
+    EXPECT_THAT(log.texts(error), IsEmpty());
+}
+
+TEST_F(AudioDeviceTopologyInitialize, TakesNoConnectorsWhenTheirCountCannotBeRead)
+{
+    start();
+    const sim::PlannedFault fault = simulation().faults().fail("IDeviceTopology::GetConnectorCount");
+    AudioDeviceTopology topology;
+
+    const bool result = topology.initialize(topologyHandle(device));
+
+    EXPECT_EQ(1u, fault.fired());
+    EXPECT_TRUE(result);
+    EXPECT_EQ(0u, topology.connector().size());
+    EXPECT_EQ(2u, topology.subunit().size());
+    EXPECT_THAT(log.texts(), ElementsAre("Num connector = 0", "Subunit count = 2"));
+}
+
+TEST_F(AudioDeviceTopologyInitialize, TakesNoSubunitsWhenTheirCountCannotBeRead)
+{
+    start();
+    const sim::PlannedFault fault = simulation().faults().fail("IDeviceTopology::GetSubunitCount");
+    AudioDeviceTopology topology;
+
+    const bool result = topology.initialize(topologyHandle(device));
+
+    EXPECT_EQ(1u, fault.fired());
+    EXPECT_TRUE(result);
+    EXPECT_EQ(2u, topology.connector().size());
+    EXPECT_EQ(0u, topology.subunit().size());
+    EXPECT_THAT(log.texts(), ElementsAre("Num connector = 2", "Subunit count = 0"));
+}
+
+TEST_F(AudioDeviceTopologyInitialize, GoesOnWithoutAnOwnerWhenTheDeviceIdCannotBeRead)
+{
+    start();
+    const sim::PlannedFault fault = simulation().faults().fail("IDeviceTopology::GetDeviceId");
+    AudioDeviceTopology topology;
+
+    const bool result = topology.initialize(topologyHandle(device));
+
+    EXPECT_EQ(1u, fault.fired());
+    EXPECT_TRUE(result);
+    EXPECT_EQ("", topology.deviceOwner().toUtf8());
+    EXPECT_EQ(2u, topology.connector().size());
+    EXPECT_THAT(log.texts(error, channel), ElementsAre("Unable to retrieve device id from topology 0x80004005"));
+    EXPECT_EQ("Unable to retrieve device id from topology 0x80004005", log.texts().front());
+}
+
+TEST_F(AudioDeviceTopologyInitialize, GoesOnInSilenceWhenThereIsNoDeviceId)
+{
+    bench.machine().adapters[0].topology->deviceId = std::nullopt;
+    start();
+    AudioDeviceTopology topology;
+
+    const bool result = topology.initialize(topologyHandle(device));
+
+    EXPECT_TRUE(result);
+    EXPECT_EQ("", topology.deviceOwner().toUtf8());
+    EXPECT_THAT(log.texts(error), IsEmpty());
+}
+
+TEST_F(AudioDeviceTopologyInitialize, TakesADeviceIdThatCameWithAFailureAndTellsTheFailure)
+{
+    start();
+    FailingWithAnId platform;
+    {
+        AudioDeviceTopology topology;
+
+        const bool result = topology.initialize(platform.handle());
+
+        EXPECT_TRUE(result);
+        EXPECT_EQ("x", topology.deviceOwner().toUtf8());
+        EXPECT_THAT(log.texts(error, channel), ElementsAre("Unable to retrieve device id from topology 0x80004005"));
+    }
+    EXPECT_EQ(1u, platform.references);
+}
+
+TEST_F(AudioDeviceTopologyInitialize, EmptiesAnInitializedObjectWhenTheNewTopologyIsNil)
+{
+    start();
+    AudioDeviceTopology topology(topologyHandle(device));
+    log.clear();
+
+    const bool result = topology.initialize(COMPtr<IDeviceTopology>::pointer());
+
+    EXPECT_FALSE(result);
+    expectEmpty(topology);
+    EXPECT_EQ(0, simulation().census().references());
+    EXPECT_THAT(log.texts(), ElementsAre("Using NULL deviceTopology invalidates this object"));
+    EXPECT_EQ(log.texts(), log.texts(error, channel));
+    EXPECT_THAT(log.entered(), ElementsAre(initializeLabel, clearLabel));
+}
+
+TEST_F(AudioDeviceTopologyInitialize, ReplacesTheWholeSnapshotByTheNewOne)
+{
+    start();
+    AudioDeviceTopology topology(topologyHandle(device));
+
+    const bool result = topology.initialize(topologyHandle(speaker.id()));
+
+    EXPECT_TRUE(result);
+    EXPECT_EQ(speaker.id(), topology.deviceOwner().toUtf8());
+    EXPECT_THAT(idsOf(topology.connector()), ElementsAre(speaker.connectorId()));
+    EXPECT_EQ(0u, topology.subunit().size());
+    EXPECT_EQ(0, references(device));
+    EXPECT_EQ(0, references(jack));
+}
+
+TEST_F(AudioDeviceTopologyInitialize, HappensAtAssignmentOfATopologyUnderItsOwnLabel)
+{
+    start();
+    AudioDeviceTopology topology;
+
+    AudioDeviceTopology& result = topology = topologyHandle(device);
+
+    EXPECT_EQ(&topology, &result);
+    EXPECT_TRUE(topology.isInitialized());
+    EXPECT_EQ(1, references(device));
+    EXPECT_THAT(log.entered(channel),
+                ElementsAre("AudioDeviceTopology::operator=(const COMPtr<IDeviceTopology>::pointer& topology)",
+                            initializeLabel, clearLabel));
+}
+
+TEST_F(AudioDeviceTopologyInitialize, EmptiesTheObjectAtAssignmentOfANilTopology)
+{
+    start();
+    AudioDeviceTopology topology(topologyHandle(device));
+
+    topology = COMPtr<IDeviceTopology>::pointer();
+
+    expectEmpty(topology);
+    EXPECT_THAT(log.texts(error, channel), ElementsAre("Using NULL deviceTopology invalidates this object"));
+}
