@@ -1,0 +1,210 @@
+#include "tools/sonavit/deviceformat.h"
+
+#include "tools/sonavit/failure.h"
+#include "tools/sonavit/nodekind.h"
+#include "tools/sonavit/text.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+
+namespace sonavit
+{
+namespace
+{
+constexpr std::uint32_t bitsOfAByte = 8;
+constexpr std::uint32_t lowestRate = 1000;
+constexpr std::uint32_t highestRate = 768000;
+constexpr std::uint32_t mostChannels = 8;
+
+struct MaskName
+{
+    unsigned mask;
+    const char* name;
+};
+
+constexpr std::array<MaskName, 18> speakerBits = {{{SPEAKER_FRONT_LEFT, "front left"},
+                                                   {SPEAKER_FRONT_RIGHT, "front right"},
+                                                   {SPEAKER_FRONT_CENTER, "front center"},
+                                                   {SPEAKER_LOW_FREQUENCY, "low frequency"},
+                                                   {SPEAKER_BACK_LEFT, "back left"},
+                                                   {SPEAKER_BACK_RIGHT, "back right"},
+                                                   {SPEAKER_FRONT_LEFT_OF_CENTER, "front left of center"},
+                                                   {SPEAKER_FRONT_RIGHT_OF_CENTER, "front right of center"},
+                                                   {SPEAKER_BACK_CENTER, "back center"},
+                                                   {SPEAKER_SIDE_LEFT, "side left"},
+                                                   {SPEAKER_SIDE_RIGHT, "side right"},
+                                                   {SPEAKER_TOP_CENTER, "top center"},
+                                                   {SPEAKER_TOP_FRONT_LEFT, "top front left"},
+                                                   {SPEAKER_TOP_FRONT_CENTER, "top front center"},
+                                                   {SPEAKER_TOP_FRONT_RIGHT, "top front right"},
+                                                   {SPEAKER_TOP_BACK_LEFT, "top back left"},
+                                                   {SPEAKER_TOP_BACK_CENTER, "top back center"},
+                                                   {SPEAKER_TOP_BACK_RIGHT, "top back right"}}};
+
+constexpr std::array<MaskName, 8> usualMasks = {{{KSAUDIO_SPEAKER_DIRECTOUT, "direct"},
+                                                 {KSAUDIO_SPEAKER_MONO, "mono"},
+                                                 {KSAUDIO_SPEAKER_STEREO, "stereo"},
+                                                 {KSAUDIO_SPEAKER_QUAD, "quadraphonic"},
+                                                 {KSAUDIO_SPEAKER_5POINT1, "5.1"},
+                                                 {KSAUDIO_SPEAKER_5POINT1_SURROUND, "5.1 surround"},
+                                                 {KSAUDIO_SPEAKER_7POINT1, "7.1"},
+                                                 {KSAUDIO_SPEAKER_7POINT1_SURROUND, "7.1 surround"}}};
+
+/// The speakers that so many channels usually feed.
+constexpr std::array<unsigned, mostChannels + 1> masksOfChannels = {0,
+                                                                    KSAUDIO_SPEAKER_MONO,
+                                                                    KSAUDIO_SPEAKER_STEREO,
+                                                                    KSAUDIO_SPEAKER_STEREO | SPEAKER_FRONT_CENTER,
+                                                                    KSAUDIO_SPEAKER_QUAD,
+                                                                    KSAUDIO_SPEAKER_QUAD | SPEAKER_FRONT_CENTER,
+                                                                    KSAUDIO_SPEAKER_5POINT1_SURROUND,
+                                                                    KSAUDIO_SPEAKER_5POINT1_SURROUND |
+                                                                        SPEAKER_BACK_CENTER,
+                                                                    KSAUDIO_SPEAKER_7POINT1_SURROUND};
+
+std::optional<std::uint32_t> number(const std::string& text)
+{
+    const bool isNumber =
+        !text.empty() && text.size() <= 7 && text.find_first_not_of("0123456789") == std::string::npos;
+    if (!isNumber)
+        return std::nullopt;
+    return static_cast<std::uint32_t>(std::strtoul(text.c_str(), nullptr, 10));
+}
+
+/// The numbers between slashes; none where there is anything else.
+std::vector<std::uint32_t> numbers(const std::string& text)
+{
+    std::vector<std::uint32_t> result;
+    std::size_t start = 0;
+    while (start <= text.size())
+    {
+        const std::size_t end = std::min(text.find('/', start), text.size());
+        const std::optional<std::uint32_t> value = number(text.substr(start, end - start));
+        if (!value)
+            return {};
+        result.push_back(*value);
+        start = end + 1;
+    }
+    return result;
+}
+
+bool isExtensible(const WAVEFORMATEXTENSIBLE& format)
+{
+    return format.Format.wFormatTag == WAVE_FORMAT_EXTENSIBLE;
+}
+
+unsigned validBits(const WAVEFORMATEXTENSIBLE& format)
+{
+    const unsigned valid = format.Samples.wValidBitsPerSample;
+    return isExtensible(format) && valid != 0 ? valid : format.Format.wBitsPerSample;
+}
+
+bool hasTag(const WAVEFORMATEXTENSIBLE& format, WORD tag, const GUID& subFormat)
+{
+    return isExtensible(format) ? format.SubFormat == subFormat : format.Format.wFormatTag == tag;
+}
+
+const char* encoding(const WAVEFORMATEXTENSIBLE& format)
+{
+    if (hasTag(format, WAVE_FORMAT_PCM, KSDATAFORMAT_SUBTYPE_PCM))
+        return "pcm";
+    return hasTag(format, WAVE_FORMAT_IEEE_FLOAT, KSDATAFORMAT_SUBTYPE_IEEE_FLOAT) ? "float" : "other";
+}
+
+const MaskName* usualMask(unsigned mask)
+{
+    const auto* const found =
+        std::find_if(usualMasks.begin(), usualMasks.end(), [&](const MaskName& name) { return name.mask == mask; });
+    return found == usualMasks.end() ? nullptr : found;
+}
+}
+
+FormatRequest readFormatRequest(const std::string& text)
+{
+    std::vector<std::uint32_t> parts = numbers(text);
+    if (parts.size() != 3)
+        throw UsageError("\"" + text + "\" is no format: expected bits/rate/channels such as 24/48000/2");
+    if (parts[0] > parts[1])
+        std::swap(parts[0], parts[1]);
+    const FormatRequest request{parts[0], parts[1], parts[2]};
+    if (request.bits % bitsOfAByte != 0 || request.bits == 0 || request.bits > 32)
+        throw UsageError("\"" + text + "\" is no format: a sample has 8, 16, 24 or 32 bits");
+    if (request.rate < lowestRate || request.rate > highestRate)
+        throw UsageError("\"" + text + "\" is no format: rates run from 1000 to 768000 Hz");
+    if (request.channels == 0 || request.channels > mostChannels)
+        throw UsageError("\"" + text + "\" is no format: there are 1 to 8 channels");
+    return request;
+}
+
+WAVEFORMATEXTENSIBLE deviceFormat(const FormatRequest& request)
+{
+    WAVEFORMATEXTENSIBLE format{};
+    const std::uint32_t frame = request.channels * request.bits / bitsOfAByte;
+    format.Format.wFormatTag = WAVE_FORMAT_EXTENSIBLE;
+    format.Format.nChannels = static_cast<WORD>(request.channels);
+    format.Format.nSamplesPerSec = request.rate;
+    format.Format.nAvgBytesPerSec = request.rate * frame;
+    format.Format.nBlockAlign = static_cast<WORD>(frame);
+    format.Format.wBitsPerSample = static_cast<WORD>(request.bits);
+    format.Format.cbSize = sizeof(WAVEFORMATEXTENSIBLE) - sizeof(WAVEFORMATEX);
+    format.Samples.wValidBitsPerSample = static_cast<WORD>(request.bits);
+    format.dwChannelMask = masksOfChannels[request.channels];
+    format.SubFormat = KSDATAFORMAT_SUBTYPE_PCM;
+    return format;
+}
+
+bool isKnown(const WAVEFORMATEXTENSIBLE& format)
+{
+    return format.Format.nSamplesPerSec != 0;
+}
+
+std::string formatWords(const WAVEFORMATEXTENSIBLE& format)
+{
+    if (!isKnown(format))
+        return nothing;
+    const unsigned container = format.Format.wBitsPerSample;
+    const unsigned valid = validBits(format);
+    std::string words = std::to_string(format.Format.nSamplesPerSec) + " Hz, " + std::to_string(valid) + " bit";
+    if (valid != container)
+        words += " in " + std::to_string(container);
+    if (encoding(format) == std::string("float"))
+        words += " float";
+    words += ", " + counted(format.Format.nChannels, "channel");
+    if (isExtensible(format) && format.dwChannelMask != 0)
+        words += " (" + speakerWords(format.dwChannelMask) + ")";
+    return words;
+}
+
+Json formatJson(const WAVEFORMATEXTENSIBLE& format)
+{
+    if (!isKnown(format))
+        return {};
+    Json mask;
+    if (isExtensible(format))
+        mask = static_cast<unsigned>(format.dwChannelMask);
+    return Json::object({{"rate", static_cast<unsigned>(format.Format.nSamplesPerSec)},
+                         {"bits", static_cast<unsigned>(format.Format.wBitsPerSample)},
+                         {"validBits", validBits(format)},
+                         {"channels", static_cast<unsigned>(format.Format.nChannels)},
+                         {"encoding", encoding(format)},
+                         {"channelMask", mask}});
+}
+
+std::vector<std::string> speakerNames(unsigned mask)
+{
+    std::vector<std::string> names;
+    for (const MaskName& speaker : speakerBits)
+    {
+        if ((mask & speaker.mask) != 0)
+            names.emplace_back(speaker.name);
+    }
+    return names;
+}
+
+std::string speakerWords(unsigned mask)
+{
+    const MaskName* const usual = usualMask(mask);
+    return usual != nullptr ? usual->name : enumeration(speakerNames(mask));
+}
+}

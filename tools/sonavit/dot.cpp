@@ -1,0 +1,147 @@
+#include "tools/sonavit/dot.h"
+
+#include "tools/sonavit/text.h"
+
+#include <sstream>
+
+namespace sonavit
+{
+namespace
+{
+constexpr const char* pathColour = "#D9480F";
+
+/// How a kind of node looks.
+struct Look
+{
+    const char* shape;
+    const char* fill;
+};
+
+Look lookOf(const CardGraph::Part& part)
+{
+    if (part.isConnector)
+        return {"box", "#FFFFFF"};
+    if (part.type == KSNODETYPE_VOLUME)
+        return {"invtrapezium", "#BFDBFE"};
+    if (part.type == KSNODETYPE_MUTE)
+        return {"octagon", "#FECACA"};
+    if (part.type == KSNODETYPE_MUX)
+        return {"house", "#FDE68A"};
+    return {"ellipse", "#F1F3F5"};
+}
+
+std::string nodeName(std::size_t part)
+{
+    return dotQuoted("part" + std::to_string(part));
+}
+
+/// The kind above the name, unless they say the same.
+std::string labelOf(const CardGraph::Part& part)
+{
+    const std::string kind = kindWords(part.type);
+    const std::string name = printable(part.name.value_or(""));
+    if (name.empty() || equalNoCase(name, kind))
+        return kind;
+    return kind + "\n" + name;
+}
+
+void writeNode(std::ostream& out, const CardGraph::Part& part, std::size_t index)
+{
+    const Look look = lookOf(part);
+    out << "    " << nodeName(index) << " [label=" << dotQuoted(labelOf(part)) << ", shape=" << dotQuoted(look.shape)
+        << ", fillcolor=" << dotQuoted(look.fill) << ", tooltip=" << dotQuoted(part.part.globalId().toUtf8());
+    if (part.isOnPath)
+        out << ", color=" << dotQuoted(pathColour) << ", penwidth=\"3\"";
+    out << "];\n";
+}
+
+/// Endpoints stand out from what is behind them, and what cannot be opened is dashed.
+const char* clusterStyle(const CardGraph::Device& device)
+{
+    switch (device.kind)
+    {
+    case CardGraph::Device::Kind::endpoint:
+        return "style=\"rounded,filled\", fillcolor=\"#E6FCF5\"";
+    case CardGraph::Device::Kind::closed:
+        return "style=\"rounded,dashed\"";
+    case CardGraph::Device::Kind::adapter:
+        break;
+    }
+    return "style=\"rounded\"";
+}
+
+std::string clusterLabel(const CardGraph::Device& device)
+{
+    if (!device.flow)
+        return device.name;
+    return device.name + "\n" + flowWords(*device.flow);
+}
+
+void writeDevice(std::ostream& out, const CardGraph& graph, std::size_t index)
+{
+    const CardGraph::Device& device = graph.devices()[index];
+    out << "  subgraph " << dotQuoted("cluster" + std::to_string(index)) << " {\n"
+        << "    graph [label=" << dotQuoted(clusterLabel(device)) << ", tooltip=" << dotQuoted(device.id) << ", "
+        << clusterStyle(device);
+    if (device.isOnPath)
+        out << ", color=" << dotQuoted(pathColour) << ", penwidth=\"3\"";
+    out << "];\n";
+    for (const std::size_t part : device.parts)
+        writeNode(out, graph.parts()[part], part);
+    if (device.parts.empty()) // a cluster without nodes would not be drawn
+        out << "    " << dotQuoted("device" + std::to_string(index))
+            << " [label=\"no connectors\", shape=\"plaintext\"];\n";
+    out << "  }\n";
+}
+
+const char* edgeStyle(CardGraph::Edge::Kind kind)
+{
+    switch (kind)
+    {
+    case CardGraph::Edge::Kind::join:
+        return "arrowhead=\"none\", penwidth=\"2\", tooltip=\"join\"";
+    case CardGraph::Edge::Kind::path:
+        return "style=\"dashed\", color=\"#868E96\", arrowhead=\"none\", constraint=\"false\", tooltip=\"signal path\"";
+    case CardGraph::Edge::Kind::wire:
+        break;
+    }
+    return "tooltip=\"wire\"";
+}
+
+void writeEdge(std::ostream& out, const CardGraph::Edge& edge)
+{
+    out << "  " << nodeName(edge.from) << " -> " << nodeName(edge.to) << " [" << edgeStyle(edge.kind);
+    if (edge.isOnPath)
+        out << ", color=" << dotQuoted(pathColour) << ", penwidth=\"3\"";
+    out << "];\n";
+}
+}
+
+std::string dotQuoted(const std::string& text)
+{
+    std::string result = "\"";
+    for (const char character : text)
+    {
+        if (character == '"' || character == '\\')
+            result += '\\';
+        result += character == '\n' ? std::string("\\n") : std::string(1, character);
+    }
+    return result + "\"";
+}
+
+std::string dotText(const CardGraph& graph, const std::string& title)
+{
+    std::ostringstream out;
+    out << "// Thick lines join devices, arrows are wires within a device, dashed lines are signal paths.\n"
+        << "digraph " << dotQuoted(title) << " {\n"
+        << "  graph [rankdir=\"LR\", fontname=\"Helvetica\", compound=\"true\", ranksep=\"0.6\"];\n"
+        << "  node [fontname=\"Helvetica\", fontsize=\"10\", style=\"rounded,filled\"];\n"
+        << "  edge [fontname=\"Helvetica\", fontsize=\"9\"];\n";
+    for (std::size_t i = 0; i < graph.devices().size(); ++i)
+        writeDevice(out, graph, i);
+    for (const CardGraph::Edge& edge : graph.edges())
+        writeEdge(out, edge);
+    out << "}\n";
+    return out.str();
+}
+}

@@ -1,0 +1,68 @@
+#include "tools/sonavit/endpointjson.h"
+
+#include "tools/sonavit/text.h"
+
+namespace sonavit
+{
+Json rangeJson(const std::optional<LevelRange>& range)
+{
+    if (!range)
+        return {};
+    return Json::object({{"min", range->minimum}, {"max", range->maximum}, {"step", range->step}});
+}
+
+Json volumeJson(const EndpointLevel& level)
+{
+    if (!level.isThere)
+        return {};
+    return Json::object({{"percent", level.master.percent},
+                         {"decibels", level.master.decibels},
+                         {"range", rangeJson(level.range)},
+                         {"channels", level.channels}});
+}
+
+Json volumeWithChannelsJson(const EndpointLevel& level)
+{
+    Json result = volumeJson(level);
+    if (!level.isThere)
+        return result;
+    Json levels = Json::array();
+    for (const Level& channel : level.channelLevels)
+        levels.append(Json::object({{"percent", channel.percent}, {"decibels", channel.decibels}}));
+    return result.set("levels", level.channels ? levels : Json());
+}
+
+Json endpointJson(const Endpoint& endpoint, const EndpointLevel& level)
+{
+    return Json::object({{"id", endpoint.id},
+                         {"name", endpoint.name()},
+                         {"description", endpoint.description},
+                         {"flow", flowKey(endpoint.flow)},
+                         {"jack", kindKey(endpoint.jackType)},
+                         {"jackType", typeText(endpoint.jackType)},
+                         {"state", stateKey(endpoint.state)},
+                         {"isDefault", isDefault(endpoint)},
+                         {"volume", volumeJson(level)},
+                         {"muted", level.isMuted}});
+}
+
+Json cardJson(const Card& card)
+{
+    return Json::object({{"id", card.id}, {"instanceId", card.instanceId}, {"name", card.name}});
+}
+
+std::string rangeWords(const std::optional<LevelRange>& range)
+{
+    if (!range)
+        return nothing;
+    return decimalText(range->minimum, 2) + " to " + decimalText(range->maximum, 2) + " dB in steps of " +
+           decimalText(range->step, 2);
+}
+
+std::string muteWords(const std::optional<bool>& isMuted)
+{
+    if (!isMuted)
+        return nothing;
+    return *isMuted ? "muted" : "not muted";
+}
+}

@@ -1,0 +1,29 @@
+/// What several commands answer about an endpoint in JSON.
+#pragma once
+
+#include "tools/sonavit/endpoint.h"
+#include "tools/sonavit/endpointvolume.h"
+#include "tools/sonavit/json.h"
+
+namespace sonavit
+{
+Json rangeJson(const std::optional<LevelRange>& range);
+
+/// Master level, range and channels; null where the endpoint has no volume control.
+Json volumeJson(const EndpointLevel& level);
+
+/// The same with each channel's level.
+Json volumeWithChannelsJson(const EndpointLevel& level);
+
+/// The endpoint as `list` shows it.
+Json endpointJson(const Endpoint& endpoint, const EndpointLevel& level);
+
+/// Id and names of a card.
+Json cardJson(const Card& card);
+
+/// "-65.25 to 0.00 dB in steps of 0.75", or "-".
+std::string rangeWords(const std::optional<LevelRange>& range);
+
+/// "muted", "not muted", or "-".
+std::string muteWords(const std::optional<bool>& isMuted);
+}

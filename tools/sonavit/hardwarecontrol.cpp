@@ -1,0 +1,67 @@
+#include "tools/sonavit/hardwarecontrol.h"
+
+#include "tools/sonavit/endpointjson.h"
+#include "tools/sonavit/nodekind.h"
+#include "tools/sonavit/text.h"
+
+namespace sonavit
+{
+namespace
+{
+/// Percent are computed from the range, so that without one there are none.
+ControlChannel readChannel(const RegularVolumeController& policy, const VolumeControllerInterface& controller,
+                           unsigned channel)
+{
+    ControlChannel result;
+    VolumeControllerInterface::DbVolumeRange range{};
+    if (controller.volumeRangeDecibel(channel, range))
+        result.range = LevelRange{range.minLevel, range.maxLevel, range.stepping};
+    float decibels = 0.0f;
+    if (FAILED(policy.volumeLevel->GetLevel(channel, &decibels)))
+        return result;
+    result.level.decibels = controller.volumeLevelDecibel(channel);
+    if (result.range && result.range->maximum > result.range->minimum)
+        result.level.percent = controller.volumeLevelPercent(channel);
+    return result;
+}
+}
+
+HardwareControl readControl(const SoundCard::VolumeController& record)
+{
+    RegularVolumeController policy;
+    policy.volumeLevel = record.volumeLevel;
+    policy.mute = record.mute;
+    policy.ownerType = record.ownerType;
+    policy.ownerName = record.ownerName;
+    const VolumeController<RegularVolumeController> controller(policy);
+
+    HardwareControl control;
+    control.ownerName = textOrNothing(controller.ownerName());
+    control.ownerType = typeOrNothing(controller.ownerType());
+    const unsigned channels = controller.numChannel();
+    for (unsigned channel = 0; channel < channels; ++channel)
+        control.channels.push_back(readChannel(policy, controller, channel));
+    control.hasMute = controller.hasMuteControl();
+    BOOL isMuted = FALSE;
+    if (control.hasMute && SUCCEEDED(policy.mute->GetMute(&isMuted)))
+        control.isMuted = controller.isMuted();
+    return control;
+}
+
+Json controlJson(const HardwareControl& control)
+{
+    Json channels = Json::array();
+    for (const ControlChannel& channel : control.channels)
+    {
+        channels.append(Json::object({{"decibels", channel.level.decibels},
+                                      {"percent", channel.level.percent},
+                                      {"range", rangeJson(channel.range)}}));
+    }
+    return Json::object({{"ownerName", control.ownerName},
+                         {"ownerJack", kindKey(control.ownerType)},
+                         {"ownerType", typeText(control.ownerType)},
+                         {"channels", channels},
+                         {"hasMute", control.hasMute},
+                         {"muted", control.isMuted}});
+}
+}

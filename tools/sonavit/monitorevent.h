@@ -1,0 +1,61 @@
+#pragma once
+
+#include "tools/sonavit/endpointvolume.h"
+#include "tools/sonavit/environment.h"
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+namespace sonavit
+{
+/// An endpoint as events tell of it.
+struct EventSubject
+{
+    std::string cardId;
+    std::string cardName;
+    std::string endpointId;
+    std::optional<std::string> endpointName;
+    std::string endpointTitle; ///< short, for people
+};
+
+/// Something that happened.
+struct MonitorEvent
+{
+    enum class Kind
+    {
+        added,
+        removed,
+        stateChanged,
+        volumeChanged
+    };
+
+    Kind kind = Kind::added;
+    std::chrono::system_clock::time_point time;
+    EventSubject subject;
+    std::optional<unsigned> state;         ///< DEVICE_STATE_ bits, now
+    std::optional<unsigned> previousState; ///< of stateChanged
+    EndpointLevel level;                   ///< of volumeChanged, now
+    EndpointLevel previousLevel;
+};
+
+/// Shows events, one a line.
+class EventWriter
+{
+public:
+    EventWriter(const Environment& environment, bool isJson);
+
+    /// Makes room for names as long as those of @p subject.
+    void expect(const EventSubject& subject);
+
+    void write(const MonitorEvent& event);
+
+private:
+    std::string line(const MonitorEvent& event) const;
+
+    const Environment& m_environment;
+    bool m_isJson;
+    std::size_t m_cardWidth = 0;
+    std::size_t m_endpointWidth = 0;
+};
+}

@@ -1,0 +1,71 @@
+#include "tools/sonavit/session.h"
+
+#include "libSonavit/endpointdeviceenumerator.h"
+#include "tools/sonavit/failure.h"
+#include "tools/sonavit/text.h"
+
+#include <utility>
+
+namespace sonavit
+{
+namespace
+{
+sim::Machine openMachine(const Environment& environment, const std::string& name)
+{
+    try
+    {
+        return environment.findMachine(name);
+    }
+    catch (const sim::MachineFileError& error)
+    {
+        if (error.line() > 0 || error.found() != "neither")
+            throw UsageError("the machine cannot be used: " + std::string(error.what()));
+        throw UsageError("there is no machine \"" + name + "\"; the machines are " + enumeration(sim::machineNames()));
+    }
+}
+}
+
+Session::Session(const Environment& environment, const Arguments& arguments)
+{
+    const std::optional<std::string>& name = arguments.machine ? arguments.machine : environment.defaultMachine;
+    std::optional<sim::Machine> machine;
+    if (name)
+    {
+        machine = openMachine(environment, *name);
+        m_name = machine->name.empty() ? *name : machine->name;
+        m_description = machine->description;
+    }
+    // The shared enumerator initialises COM in the same way; another way would leave the counts of the two unbalanced.
+    CoInitialize(nullptr);
+    if (machine)
+        m_simulation = std::make_unique<sim::Simulation>(std::move(*machine));
+}
+
+Session::~Session()
+{
+    close();
+    CoUninitialize();
+}
+
+/// The simulation ends first and takes its notification thread along: only then is nobody else at work on what goes.
+void Session::close()
+{
+    m_simulation.reset();
+    libSonavit::AudioDeviceEnumeratorFactory::enumerator() = nullptr;
+}
+
+sim::Simulation* Session::simulation()
+{
+    return m_simulation.get();
+}
+
+const std::optional<std::string>& Session::machineName() const
+{
+    return m_name;
+}
+
+const std::string& Session::machineDescription() const
+{
+    return m_description;
+}
+}

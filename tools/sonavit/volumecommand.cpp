@@ -1,0 +1,106 @@
+#include "tools/sonavit/commands.h"
+#include "tools/sonavit/endpointjson.h"
+#include "tools/sonavit/endpointname.h"
+#include "tools/sonavit/failure.h"
+#include "tools/sonavit/text.h"
+
+namespace sonavit
+{
+namespace
+{
+/// "72% (-18.00 dB)"
+std::string levelWords(const Level& level)
+{
+    return percentText(level.percent) + " (" + decibelText(level.decibels) + ")";
+}
+
+Json levelJson(const Level& level)
+{
+    return Json::object({{"percent", level.percent}, {"decibels", level.decibels}});
+}
+
+EndpointVolume openVolume(Endpoint& endpoint)
+{
+    std::optional<EndpointVolume> volume = EndpointVolume::open(endpoint.device);
+    if (volume)
+        return *volume;
+    const bool isActive = endpoint.state == std::optional<unsigned>(DEVICE_STATE_ACTIVE);
+    const std::string state = isActive || !stateKey(endpoint.state) ? "" : "; it is " + stateWords(endpoint.state);
+    throw OperationFailure(endpoint.title() + " has no volume control" + state);
+}
+
+Json namedJson(const Endpoint& endpoint)
+{
+    return Json::document({{"endpoint", endpoint.id}, {"name", endpoint.name()}});
+}
+}
+
+void runGetVolume(Context& context)
+{
+    std::vector<Endpoint> endpoints = readEndpoints();
+    Endpoint& endpoint = findEndpoint(endpoints, context.arguments.endpoint);
+    const EndpointLevel level = openVolume(endpoint).read();
+    if (context.arguments.isJson)
+    {
+        const Json answer =
+            namedJson(endpoint).set("volume", volumeWithChannelsJson(level)).set("muted", level.isMuted);
+        context.environment.out << answer.text() << "\n";
+        return;
+    }
+    context.environment.out << endpoint.title() << ": " << levelWords(level.master)
+                            << (level.isMuted.value_or(false) ? ", muted" : "") << "\n";
+}
+
+void runSetVolume(Context& context)
+{
+    std::vector<Endpoint> endpoints = readEndpoints();
+    Endpoint& endpoint = findEndpoint(endpoints, context.arguments.endpoint);
+    EndpointVolume volume = openVolume(endpoint);
+    const EndpointLevel before = volume.read();
+    const LevelChange& change = context.arguments.level;
+    if (!change.canStartAt(before.master))
+        throw OperationFailure("the volume of " + endpoint.title() + " cannot be read, so there is no step from it");
+    if (!change.apply(volume, before.master))
+        throw OperationFailure("the system refused that volume for " + endpoint.title() + ", which takes " +
+                               rangeWords(before.range));
+
+    const EndpointLevel after = volume.read();
+    if (context.arguments.isJson)
+    {
+        const Json answer = namedJson(endpoint)
+                                .set("before", levelJson(before.master))
+                                .set("after", levelJson(after.master))
+                                .set("volume", volumeWithChannelsJson(after))
+                                .set("muted", after.isMuted);
+        context.environment.out << answer.text() << "\n";
+        return;
+    }
+    context.environment.out << endpoint.title() << ": " << levelWords(before.master) << " \xE2\x86\x92 "
+                            << levelWords(after.master) << (after.isMuted.value_or(false) ? ", muted" : "") << "\n";
+}
+
+void runMute(Context& context)
+{
+    std::vector<Endpoint> endpoints = readEndpoints();
+    Endpoint& endpoint = findEndpoint(endpoints, context.arguments.endpoint);
+    EndpointVolume volume = openVolume(endpoint);
+    const std::optional<bool> before = volume.read().isMuted;
+    const MuteChange change = context.arguments.mute;
+    if (change == MuteChange::toggle && !before)
+        throw OperationFailure("nobody can tell whether " + endpoint.title() + " is muted, so it cannot be toggled");
+    const bool isToBeMuted = change == MuteChange::toggle ? !*before : change == MuteChange::on;
+    if (!volume.setMute(isToBeMuted))
+        throw OperationFailure("the system refused to " + std::string(isToBeMuted ? "mute " : "unmute ") +
+                               endpoint.title());
+
+    const std::optional<bool> after = volume.read().isMuted;
+    if (context.arguments.isJson)
+    {
+        const Json answer = namedJson(endpoint).set("before", before).set("after", after).set("muted", after);
+        context.environment.out << answer.text() << "\n";
+        return;
+    }
+    context.environment.out << endpoint.title() << ": " << muteWords(before) << " \xE2\x86\x92 " << muteWords(after)
+                            << "\n";
+}
+}
