@@ -47,7 +47,7 @@ public:
     EndpointBuilder& withoutProperty(const PROPERTYKEY& key);
 
     /// Puts a node into the adapter's wire between jack and stream: the first node stands next to the jack, each
-    /// further one between its predecessor and the stream.
+    /// further one between its predecessor and the stream. A single node is the neighbour of both.
     EndpointBuilder& hardwareVolume(const ChannelLevel& channel, std::size_t channels = 2);
     EndpointBuilder& hardwareMute(bool muted = false);
     EndpointBuilder& node(Subunit node);
