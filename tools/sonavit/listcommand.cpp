@@ -141,7 +141,7 @@ Row Tree::row(Endpoint& endpoint, bool isLast)
         {m_environment.isTerminal ? bar(level.master.percent) : "", isActive && !isMuted ? Paint::cyan : Paint::dim},
         {percentText(level.master.percent), plain},
         {decibelText(level.master.decibels), plain},
-        {isMuted ? "muted" : "", Paint::red},
+        {listMuteWords(level.isMuted), isMuted ? Paint::red : Paint::dim},
         {m_shortIds[endpoint.id], Paint::dim}};
 }
 
@@ -185,9 +185,8 @@ void showMachine(const Context& context)
     const std::string text = "Simulated machine " + printable(*context.session.machineName()) +
                              (description.empty() ? "" : ": " + printable(description));
     const unsigned width = context.environment.width;
-    context.environment.out << painted(width > 0 ? shortened(text, width) : text, Paint::dim,
-                                       context.environment.hasColours)
-                            << "\n\n";
+    const std::string fitting = width > 0 ? shortened(text, width) : text;
+    context.environment.out << painted(fitting, Paint::dim, context.environment.hasColours) << "\n\n";
 }
 
 Json listJson(const Context& context, std::vector<Card>& cards)
