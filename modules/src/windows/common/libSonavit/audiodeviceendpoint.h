@@ -46,8 +46,9 @@ public:
 
     /// Reads all properties, the state and the kind of jack: that of the connector to which the device's first
     /// connector is joined. The property store is opened for reading and writing on first use. What cannot be read
-    /// keeps its value and is logged (LOG_ERROR; the DirectSound GUID at LOG_WARNING and the jack not at all). The
-    /// device must not be empty.
+    /// keeps its value and is logged (LOG_ERROR; a DirectSound GUID that is none and the state at LOG_WARNING, the jack
+    /// not at all). A format that is not stored is no failure. Each refresh leaves the text of one GUID with the
+    /// platform. The device must not be empty.
     /// @return false, with a message (LOG_ERROR), only if the store cannot be opened
     bool refreshDeviceInformation() override;
 
@@ -56,8 +57,8 @@ public:
 
     /// Writes @p format as the endpoint's device format, opens a new property store and reads all properties from it.
     ///
-    /// The format is put back when this object ends, or a copy made from now on: each compares its present format with
-    /// that after its latest initialize(). Until the refresh the properties keep what the system said before.
+    /// The format is put back when this object ends, or a copy made from now on, see the destructor. Until the refresh
+    /// the properties keep what the system said before.
     /// @return false, with a message (LOG_WARNING), if the system refuses the format or no new store can be opened
     /// @exception qor::AssertionFailure "m_propertyStore.get() != NULL" on a device without an open store
     bool setFormat(const WAVEFORMATEXTENSIBLE& format);
@@ -98,16 +99,21 @@ public:
     /// endpoint
     bool dataFlow(EDataFlow& flow) const;
 
-    /// Whether the endpoint is the default one of its flow in the console role; the other roles play no part. Every
-    /// failure is logged (LOG_ERROR) and reads as false. The device must not be empty.
+    /// Whether the endpoint is the default one of its flow in the console role; the other roles play no part, and ids
+    /// are compared with regard to case. Every failure is logged (LOG_ERROR) and reads as false. Each answer leaves the
+    /// text of one id with the platform. The device must not be empty, and its thread needs COM.
     bool isDefaultEndpoint() const;
 
     /// The number under which the wave functions know the endpoint, among as many numbers as there are wave outputs.
-    /// Drivers that do not answer are logged (LOG_WARNING) and passed over.
+    /// Drivers that do not answer are logged (LOG_WARNING) and passed over; without memory for an id the search ends
+    /// (LOG_WARNING).
     /// @return 0xFFFFFFFF where there is none, or the data flow is not known (LOG_WARNING)
     unsigned int waveLegacyDeviceID() override;
 
-    /// Puts the device format back if setFormat() has changed it and the store is open.
+    /// Puts the device format back to that after the latest initialize() that succeeded, if the present one is another
+    /// and the store is open; what becomes of it is logged only. Each copy does so for itself, also a temporary or an
+    /// element that an array leaves behind when it grows, and whoever had changed the format. A device whose only
+    /// initialize() failed has an empty format to go back to, and writes that once a later refresh has found one.
     ~AudioDevice() noexcept(false) override;
 
 private:

