@@ -41,7 +41,10 @@ std::vector<fs::path> machineFolders()
     std::vector<fs::path> folders;
     const std::string program = programFolder();
     if (!program.empty())
+    {
         folders.push_back(fs::u8path(program) / "machines");
+        folders.push_back(fs::u8path(program).parent_path() / "share" / "sonavit" / "machines");
+    }
 #if defined(SONAVIT_MACHINES_DIR)
     folders.push_back(fs::u8path(SONAVIT_MACHINES_DIR));
 #endif

@@ -50,7 +50,8 @@ std::string writeMachine(const Machine& machine);
 /// unknown its text lists those that there are.
 ///
 /// Shipped machines are looked for in the folder that the environment variable SONAVIT_MACHINES names; where it is not
-/// set, in `machines` beside the running program, then in the folder of the build.
+/// set, in `machines` beside the running program, then where an installation has them (`../share/sonavit/machines`),
+/// then in the folder of the sources that the program was built from.
 Machine findMachine(const std::string& nameOrFile);
 
 /// The names of the machines that findMachine() knows, in alphabetical order.

@@ -206,8 +206,9 @@ const Broken wrongPlans[] = {
      "m.json:2: /script/0/endpoint: expected the id of an endpoint, found \"E\""},
     {"ADefaultOfTheOtherFlow",
      endpointWith(
-         R"("state": 1}], "script": [{"event": "defaultChanged", "endpoint": "E", "flow": "capture", "role": "console")"),
-     "m.json:3: /script/0/flow: expected the flow of the endpoint, found \"capture\""},
+         R"("state": 1}], "script": [
+             {"event": "defaultChanged", "endpoint": "E", "flow": "capture", "role": "console")"),
+     "m.json:4: /script/0/flow: expected the flow of the endpoint, found \"capture\""},
     {"AVolumeEventWithoutVolume",
      endpointWith(R"("state": 1}], "script": [{"event": "volumeChanged", "endpoint": "E", "muted": true)"),
      "m.json:3: /script/0/endpoint: expected an endpoint with a volume, found \"E\""},

@@ -217,7 +217,8 @@ TEST_F(MachineSchema, AgreesWithTheReaderOnWhatMayStandInOnePlace)
         {endpoint(R"("volume": {"minimum": -1, "maximum": 0, "step": 0.5, "channels": [0, -1e0]})"), true},
         {R"({"name": "m", "faults": [{"operation": "IPart::GetName", "result": "0x80004005"}]})", true},
         {R"({"name": "m", "faults": [{"operation": "IPart::GetName", "result": "80004005"}]})", false},
-        {R"({"name": "m", "script": [{"event": "defaultChanged", "endpoint": null, "flow": "render", "role": "console"}]})",
+        {R"({"name": "m", "script":
+            [{"event": "defaultChanged", "endpoint": null, "flow": "render", "role": "console"}]})",
          true},
         {R"({"name": "m", "script": [{"event": "exploded", "endpoint": "E"}]})", false},
         {R"({"name": "m", "waveOut": ["a", {"endpoint": "b", "sizeResult": 8}]})", true},
