@@ -3,7 +3,6 @@
 
 using support::GraphTest;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 namespace
 {
