@@ -154,6 +154,8 @@ void CardGraph::followConnector(std::size_t index)
     const std::size_t farDevice = deviceIndex(farId);
     if (far != nullptr)
         addEdge(Edge::Kind::join, index, peerIndex(peer, farDevice));
+    else
+        m_edges.push_back({Edge::Kind::join, index, none, farDevice});
 }
 
 /// The device called @p id, opened where the walk meets it for the first time.
@@ -163,13 +165,15 @@ std::size_t CardGraph::deviceIndex(const std::string& id)
     if (found != m_deviceIndexes.end())
         return found->second;
     const AudioDevice device(qor::String::fromUtf8(id));
-    Device description;
-    description.id = id;
-    description.kind = device.isInitialized() ? Device::Kind::adapter : Device::Kind::closed;
     const std::optional<std::string> name = textOrNothing(device.deviceProperty().friendlyName);
-    description.name = device.isInitialized() ? printable(name.value_or("Adapter")) : "cannot be opened";
-    addDevice(device, std::move(description));
-    return m_devices.size() - 1;
+    EDataFlow flow = eRender;
+    if (device.isInitialized() && device.isEndpoint() && device.dataFlow(flow))
+        addEndpoint(readEndpoint(device, flow)); // of another card, or one that the system does not list
+    else if (device.isInitialized())
+        addDevice(device, {Device::Kind::adapter, id, printable(name.value_or("Adapter")), std::nullopt, {}});
+    else
+        addDevice(device, {Device::Kind::closed, id, "cannot be opened", std::nullopt, {}});
+    return m_deviceIndexes.at(lowerCase(id));
 }
 
 /// The part on the far side of a join, also where its device does not list it.
@@ -221,7 +225,7 @@ void CardGraph::addEdge(Edge::Kind kind, std::size_t from, std::size_t to)
                         return edge.kind == kind && (isSame || (isReverse && kind != Edge::Kind::wire));
                     });
     if (!isKnown)
-        m_edges.push_back({kind, from, to});
+        m_edges.push_back({kind, from, to, none});
 }
 
 std::vector<std::size_t> CardGraph::sourcesOf(std::size_t index) const
@@ -242,6 +246,8 @@ std::vector<std::size_t> CardGraph::nextOnPath(std::size_t index, EDataFlow flow
     std::vector<std::size_t> next;
     for (const Edge& edge : m_edges)
     {
+        if (edge.to == none)
+            continue;
         const std::size_t other = edge.from == index ? edge.to : edge.from;
         const bool isAtEnd = edge.from == index || edge.to == index;
         const bool isWireOurWay =
@@ -273,6 +279,7 @@ void CardGraph::showPath(const Endpoint& endpoint)
         }
     }
     for (Edge& edge : m_edges)
-        edge.isOnPath = edge.kind != Edge::Kind::path && m_parts[edge.from].isOnPath && m_parts[edge.to].isOnPath;
+        edge.isOnPath = edge.kind != Edge::Kind::path && edge.to != none && m_parts[edge.from].isOnPath &&
+                        m_parts[edge.to].isOnPath;
 }
 }

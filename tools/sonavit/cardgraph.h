@@ -60,7 +60,8 @@ public:
 
         Kind kind;
         std::size_t from;
-        std::size_t to;
+        std::size_t to;                         ///< none for a join to a part that the far device does not tell
+        std::size_t toDevice = CardGraph::none; ///< of such a join
         bool isOnPath = false;
     };
 

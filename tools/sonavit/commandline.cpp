@@ -17,9 +17,19 @@ namespace
 {
 constexpr double longestSeconds = 1e6;
 
+constexpr const char* machineHelp = "Work on a simulated machine: one that ships (broken,\n"
+                                    "crowded, desktop, empty, laptop, studio) or a file";
+
+constexpr const char* logHelp = "Show the library's records on standard error: debug,\n"
+                                "info, warning, error, fatal or off (the default)";
+
 constexpr const char* namesOfEndpoints =
-    "ENDPOINT is an endpoint's id, its name, a piece of one of them that no other endpoint has,\n"
+    "\n"
+    "ENDPOINT is an endpoint's id or name, a piece of one of them that no other has,\n"
     "@DEFAULT_OUTPUT@ or @DEFAULT_INPUT@.\n";
+
+constexpr const char* globalOptions = "\n"
+                                      "--machine, --json and --log go with every command, see sonavit --help.\n";
 
 constexpr const char* changesLastForTheRun = "On a simulated machine the change lasts as long as the program runs.\n";
 
@@ -114,13 +124,16 @@ Parser::Parser()
 {
     m_app.require_subcommand(0, 1);
     m_app.fallthrough();
-    m_app.get_formatter()->column_width(32);
+    m_app.get_formatter()->column_width(28);
     m_app.get_formatter()->label("REQUIRED", "");
     m_app.get_formatter()->label("TEXT", "");
+    m_app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    m_app.get_formatter()->label("Subcommands", "Commands");
+    m_app.get_formatter()->label("Positionals", "Arguments");
     addGlobalOptions();
     addVerbs();
     addLastingVerbs();
-    m_app.footer(std::string("\n") + namesOfEndpoints +
+    m_app.footer(std::string(namesOfEndpoints) +
                  "\n"
                  "Examples:\n"
                  "  sonavit                                    the sound cards at a glance\n"
@@ -134,17 +147,9 @@ Parser::Parser()
 
 void Parser::addGlobalOptions()
 {
-    m_app
-        .add_option("--machine", m_words.machine,
-                    "Work on a simulated machine: one that ships (broken, crowded,\n"
-                    "desktop, empty, laptop, studio) or a machine file")
-        ->type_name("NAME|FILE");
+    m_app.add_option("--machine", m_words.machine, machineHelp)->type_name("NAME|FILE");
     m_app.add_flag("--json", m_words.isJson, "Answer in JSON");
-    m_app
-        .add_option("--log", m_words.log,
-                    "Show the library's records on standard error: debug, info,\n"
-                    "warning, error, fatal or off (as without this option)")
-        ->type_name("LEVEL");
+    m_app.add_option("--log", m_words.log, logHelp)->type_name("LEVEL");
     m_app.set_version_flag("--version", "sonavit " SONAVIT_VERSION, "Show the version");
     m_app.set_help_flag("-h,--help", "Show this help; after a command, its own");
 }
@@ -152,6 +157,7 @@ void Parser::addGlobalOptions()
 CLI::App& Parser::verb(const std::string& name, Verb verb, const std::string& description)
 {
     CLI::App* const result = m_app.add_subcommand(name, description);
+    result->footer(globalOptions);
     m_verbs[result] = verb;
     return *result;
 }
@@ -162,19 +168,19 @@ CLI::App& Parser::verbOnEndpoint(const std::string& name, Verb verb, const std::
     result.add_option("ENDPOINT", m_words.endpoint, "Id, name or piece of one, or a default")
         ->required()
         ->type_name("");
-    result.footer(std::string("\n") + namesOfEndpoints);
+    result.footer(std::string(namesOfEndpoints) + globalOptions);
     return result;
 }
 
 void Parser::addVerbs()
 {
-    verb("list", Verb::list, "The sound cards with their endpoints (what happens without a command)");
+    verb("list", Verb::list, "The sound cards at a glance; the same without a command");
     verbOnEndpoint("show", Verb::show, "All about one endpoint");
-    verbOnEndpoint("controls", Verb::controls, "The hardware's volume controls that act on an endpoint");
+    verbOnEndpoint("controls", Verb::controls, "The volume controls in the hardware of an endpoint");
     verb("selectors", Verb::selectors, "The input selectors of the cards")
         .add_option("CARD", m_words.card, "Name or instance id of one card, or a piece of it")
         ->type_name("");
-    CLI::App& graph = verb("graph", Verb::graph, "The cards' hardware as a graph, in the language of Graphviz");
+    CLI::App& graph = verb("graph", Verb::graph, "The cards' hardware as a graph for Graphviz");
     graph.add_option("CARD", m_words.card, "Name or instance id of one card, or a piece of it")->type_name("");
     graph.add_option("-o,--output", m_words.outputFile, "Write to FILE")->type_name("FILE");
     graph.add_option("--endpoint", m_words.endpoint, "Show the path of one endpoint")->type_name("ENDPOINT");
@@ -187,23 +193,23 @@ void Parser::addVerbs()
     setVolume.add_option("VOLUME", m_words.level, "50%, -12.5dB, 5%+ (louder) or 5%- (softer)")
         ->required()
         ->type_name("");
-    setVolume.footer(std::string("\n") + namesOfEndpoints + changesLastForTheRun);
+    setVolume.footer(std::string(namesOfEndpoints) + changesLastForTheRun + globalOptions);
     CLI::App& mute = verbOnEndpoint("mute", Verb::mute, "Mute an endpoint, or let it sound again");
     mute.add_option("CHANGE", m_words.mute, "on, off or toggle")->required()->type_name("");
-    mute.footer(std::string("\n") + namesOfEndpoints + changesLastForTheRun);
+    mute.footer(std::string(namesOfEndpoints) + changesLastForTheRun + globalOptions);
 }
 
 void Parser::addLastingVerbs()
 {
-    CLI::App& monitor = verb("monitor", Verb::monitor, "Tell what happens, one event a line, until Ctrl-C");
+    CLI::App& monitor = verb("monitor", Verb::monitor, "What happens, one event a line, until Ctrl-C");
     m_duration = monitor.add_option("--for", m_words.duration, "End after so many seconds")->type_name("SECONDS");
-    monitor.footer("\nA simulated machine plays the events that its file describes.\n");
+    monitor.footer(std::string("\nA simulated machine plays the events that its file describes.\n") + globalOptions);
     CLI::App& format = verbOnEndpoint("format", Verb::format, "The format in which an endpoint works");
     m_format = format.add_option("--set", m_words.format, "Set it for a while, as in 24/48000/2")
                    ->type_name("BITS/RATE/CHANNELS");
     m_hold = format.add_option("--hold", m_words.hold, "Put it back after so many seconds (5)")->type_name("SECONDS");
     m_hold->needs(m_format);
-    format.footer(std::string("\n") + namesOfEndpoints + changesLastForTheRun);
+    format.footer(std::string(namesOfEndpoints) + changesLastForTheRun + globalOptions);
 }
 
 CommandLine Parser::read(const std::vector<std::string>& words)
@@ -254,9 +260,15 @@ void Parser::judge(const CLI::ParseError& error) const
     throw UsageError(verb + text);
 }
 
+/// The parser is generous with blank lines.
 std::string Parser::helpText() const
 {
-    return m_app.help();
+    std::string text = m_app.help();
+    for (std::size_t blank = text.find("\n\n\n"); blank != std::string::npos; blank = text.find("\n\n\n"))
+        text.erase(blank, 1);
+    while (!text.empty() && text.back() == '\n')
+        text.pop_back();
+    return text + "\n";
 }
 
 Arguments Parser::arguments() const

@@ -32,59 +32,78 @@ std::vector<HardwareControl> readControls(const Card& card, const Endpoint& endp
     return controls;
 }
 
-std::string shortMuteWords(const HardwareControl& control)
+/// "on" and "off" as `mute` takes them.
+std::string shortMuteWords(const std::optional<bool>& isMuted)
 {
-    if (!control.hasMute)
-        return "no mute";
-    return muteWords(control.isMuted);
+    if (!isMuted)
+        return nothing;
+    return *isMuted ? "on" : "off";
+}
+
+std::string spanWords(const std::optional<LevelRange>& range)
+{
+    return range ? decimalText(range->minimum, 2) + " to " + decimalText(range->maximum, 2) + " dB" : nothing;
+}
+
+std::string stepWords(const std::optional<LevelRange>& range)
+{
+    return range ? decimalText(range->step, 2) : nothing;
+}
+
+/// The cells from the channel to the step.
+void addLevel(std::vector<Table::Cell>& row, const std::string& channel, const Level& level,
+              const std::optional<LevelRange>& range)
+{
+    row.push_back({channel, Paint::dim});
+    row.push_back({percentText(level.percent), Paint::none});
+    row.push_back({decibelText(level.decibels), Paint::none});
+    row.push_back({spanWords(range), Paint::none});
+    row.push_back({stepWords(range), Paint::none});
+}
+
+Table::Cell muteCell(const std::string& words, const std::optional<bool>& isMuted)
+{
+    return {words, isMuted.value_or(false) ? Paint::red : Paint::none};
 }
 
 /// A control without channels, or one that does not tell them, still has a row.
-void addRows(Table& table, const HardwareControl& control, std::size_t number)
+void addRows(Table& table, const HardwareControl& control)
 {
-    const Paint mutePaint = control.isMuted.value_or(false) ? Paint::red : Paint::none;
     const std::vector<ControlChannel> blank(1);
-    const bool hasChannels = !control.channels.empty();
-    const std::vector<ControlChannel>& channels = hasChannels ? control.channels : blank;
+    const bool hasChannels = control.channels && !control.channels->empty();
+    const std::vector<ControlChannel>& channels = hasChannels ? *control.channels : blank;
     for (std::size_t i = 0; i < channels.size(); ++i)
     {
         const bool isFirst = i == 0;
-        table.add({{isFirst ? std::to_string(number) : "", Paint::dim},
-                   {isFirst ? printable(control.ownerName.value_or(nothing)) : "", Paint::bold},
-                   {isFirst ? kindWords(control.ownerType) : "", Paint::none},
-                   {hasChannels ? std::to_string(i + 1) : nothing, Paint::dim},
-                   {percentText(channels[i].level.percent), Paint::none},
-                   {decibelText(channels[i].level.decibels), Paint::none},
-                   {rangeWords(channels[i].range), Paint::none},
-                   {isFirst ? shortMuteWords(control) : "", mutePaint}});
+        std::vector<Table::Cell> row = {{isFirst ? printable(control.ownerName.value_or(nothing)) : "", Paint::bold},
+                                        {isFirst ? kindWords(control.ownerType) : "", Paint::none}};
+        addLevel(row, hasChannels ? std::to_string(i + 1) : nothing, channels[i].level, channels[i].range);
+        const std::string mute = control.hasMute ? shortMuteWords(control.isMuted) : "none";
+        row.push_back(isFirst ? muteCell(mute, control.isMuted) : Table::Cell());
+        table.add(row);
     }
 }
 
 void showTable(const Environment& environment, const EndpointLevel& own, const std::vector<HardwareControl>& controls)
 {
-    Table table({{Align::right, 0, 0, 0},
-                 {Align::left, 2, 0, 12},
-                 {Align::left, 2, Table::goodToHave, 0},
+    Table table({{Align::left, 0, 0, 12},
+                 {Align::left, 2, 2, 0},
                  {Align::right, 2, 0, 0},
                  {Align::right, 2, 0, 0},
                  {Align::right, 2, 0, 0},
-                 {Align::left, 2, 2, 24},
+                 {Align::right, 2, 3, 0},
+                 {Align::right, 2, Table::goodToHave, 0},
                  {Align::left, 2, 0, 0}});
-    const std::vector<std::string> titles = {"#", "CONTROL", "JACK", "CHANNEL", "LEVEL", "DECIBELS", "RANGE", "MUTE"};
     std::vector<Table::Cell> header;
-    for (const std::string& title : titles)
+    for (const char* const title : {"CONTROL", "JACK", "CH", "LEVEL", "DECIBELS", "RANGE", "STEP", "MUTE"})
         header.push_back({title, Paint::dim});
     table.add(header);
-    table.add({{"", Paint::none},
-               {"endpoint itself", Paint::none},
-               {"", Paint::none},
-               {"all", Paint::dim},
-               {percentText(own.master.percent), Paint::none},
-               {decibelText(own.master.decibels), Paint::none},
-               {rangeWords(own.range), Paint::none},
-               {muteWords(own.isMuted), own.isMuted.value_or(false) ? Paint::red : Paint::none}});
-    for (std::size_t i = 0; i < controls.size(); ++i)
-        addRows(table, controls[i], i + 1);
+    std::vector<Table::Cell> row = {{"endpoint", Paint::none}, {}};
+    addLevel(row, "all", own.master, own.range);
+    row.push_back(muteCell(shortMuteWords(own.isMuted), own.isMuted));
+    table.add(row);
+    for (const HardwareControl& control : controls)
+        addRows(table, control);
     for (const std::string& line : table.lines(environment.width, environment.hasColours))
         environment.out << line << "\n";
 }

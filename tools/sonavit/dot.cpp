@@ -2,6 +2,7 @@
 
 #include "tools/sonavit/text.h"
 
+#include <algorithm>
 #include <sstream>
 
 namespace sonavit
@@ -35,10 +36,16 @@ std::string nodeName(std::size_t part)
     return dotQuoted("part" + std::to_string(part));
 }
 
+/// The node that stands for parts that a device does not tell. A cluster with nothing in it would not be drawn.
+std::string deviceNodeName(std::size_t device)
+{
+    return dotQuoted("device" + std::to_string(device));
+}
+
 /// The kind above the name, unless they say the same.
 std::string labelOf(const CardGraph::Part& part)
 {
-    const std::string kind = kindWords(part.type);
+    const std::string kind = part.type ? kindWords(part.type) : part.isConnector ? "Connector" : "Node";
     const std::string name = printable(part.name.value_or(""));
     if (name.empty() || equalNoCase(name, kind))
         return kind;
@@ -77,6 +84,12 @@ std::string clusterLabel(const CardGraph::Device& device)
     return device.name + "\n" + flowWords(*device.flow);
 }
 
+bool hasLooseJoin(const CardGraph& graph, std::size_t device)
+{
+    return std::any_of(graph.edges().begin(), graph.edges().end(),
+                       [&](const CardGraph::Edge& edge) { return edge.toDevice == device; });
+}
+
 void writeDevice(std::ostream& out, const CardGraph& graph, std::size_t index)
 {
     const CardGraph::Device& device = graph.devices()[index];
@@ -88,9 +101,8 @@ void writeDevice(std::ostream& out, const CardGraph& graph, std::size_t index)
     out << "];\n";
     for (const std::size_t part : device.parts)
         writeNode(out, graph.parts()[part], part);
-    if (device.parts.empty()) // a cluster without nodes would not be drawn
-        out << "    " << dotQuoted("device" + std::to_string(index))
-            << " [label=\"no connectors\", shape=\"plaintext\"];\n";
+    if (device.parts.empty() || hasLooseJoin(graph, index))
+        out << "    " << deviceNodeName(index) << " [label=\"connectors unknown\", style=\"dashed\"];\n";
     out << "  }\n";
 }
 
@@ -110,7 +122,8 @@ const char* edgeStyle(CardGraph::Edge::Kind kind)
 
 void writeEdge(std::ostream& out, const CardGraph::Edge& edge)
 {
-    out << "  " << nodeName(edge.from) << " -> " << nodeName(edge.to) << " [" << edgeStyle(edge.kind);
+    const std::string to = edge.to == CardGraph::none ? deviceNodeName(edge.toDevice) : nodeName(edge.to);
+    out << "  " << nodeName(edge.from) << " -> " << to << " [" << edgeStyle(edge.kind);
     if (edge.isOnPath)
         out << ", color=" << dotQuoted(pathColour) << ", penwidth=\"3\"";
     out << "];\n";

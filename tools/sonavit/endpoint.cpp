@@ -40,20 +40,6 @@ std::optional<unsigned> readState(AudioDevice& device)
     return static_cast<unsigned>(state);
 }
 
-Endpoint readEndpoint(const AudioDevice& device, EDataFlow flow)
-{
-    Endpoint endpoint;
-    endpoint.device = device;
-    endpoint.flow = flow;
-    const AudioDeviceInterface::Properties& properties = endpoint.device.deviceProperty();
-    endpoint.id = properties.deviceId.toUtf8();
-    endpoint.description = textOrNothing(properties.endpointType);
-    endpoint.friendlyName = textOrNothing(properties.friendlyName);
-    endpoint.jackType = typeOrNothing(properties.subType);
-    endpoint.state = readState(endpoint.device);
-    return endpoint;
-}
-
 /// The name that the endpoints give the card. Those without an instance path may belong to different devices and have
 /// nothing in common but that.
 std::string cardName(const Card& card)
@@ -120,6 +106,20 @@ std::string stateWords(const std::optional<unsigned>& state)
 {
     const StateName* const name = stateName(state);
     return name == nullptr ? nothing : name->words;
+}
+
+Endpoint readEndpoint(const AudioDevice& device, EDataFlow flow)
+{
+    Endpoint endpoint;
+    endpoint.device = device;
+    endpoint.flow = flow;
+    const AudioDeviceInterface::Properties& properties = endpoint.device.deviceProperty();
+    endpoint.id = properties.deviceId.toUtf8();
+    endpoint.description = textOrNothing(properties.endpointType);
+    endpoint.friendlyName = textOrNothing(properties.friendlyName);
+    endpoint.jackType = typeOrNothing(properties.subType);
+    endpoint.state = readState(endpoint.device);
+    return endpoint;
 }
 
 std::vector<Endpoint> readEndpoints()

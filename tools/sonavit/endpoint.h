@@ -46,6 +46,8 @@ const char* flowWords(EDataFlow flow);
 std::optional<std::string> stateKey(const std::optional<unsigned>& state);
 std::string stateWords(const std::optional<unsigned>& state);
 
+Endpoint readEndpoint(const AudioDevice& device, EDataFlow flow);
+
 /// All endpoints of the system: outputs first. Throws OperationFailure where the system cannot be asked.
 std::vector<Endpoint> readEndpoints();
 

@@ -63,8 +63,12 @@ Json graphJson(const Context& context, const CardGraph& graph)
     Json edges = Json::array();
     for (const CardGraph::Edge& edge : graph.edges())
     {
-        edges.append(Json::object(
-            {{"kind", kindText(edge.kind)}, {"from", edge.from}, {"to", edge.to}, {"onPath", edge.isOnPath}}));
+        const bool isLoose = edge.to == CardGraph::none;
+        edges.append(Json::object({{"kind", kindText(edge.kind)},
+                                   {"from", edge.from},
+                                   {"to", isLoose ? Json() : Json(edge.to)},
+                                   {"toDevice", isLoose ? Json(graph.devices()[edge.toDevice].id) : Json()},
+                                   {"onPath", edge.isOnPath}}));
     }
     return Json::document({{"machine", context.session.machineName()}, {"devices", devices}, {"edges", edges}});
 }

@@ -24,6 +24,30 @@ ControlChannel readChannel(const RegularVolumeController& policy, const VolumeCo
         result.level.percent = controller.volumeLevelPercent(channel);
     return result;
 }
+
+std::vector<ControlChannel> readChannels(const RegularVolumeController& policy,
+                                         const VolumeControllerInterface& controller)
+{
+    std::vector<ControlChannel> channels;
+    const unsigned count = controller.numChannel();
+    for (unsigned channel = 0; channel < count; ++channel)
+        channels.push_back(readChannel(policy, controller, channel));
+    return channels;
+}
+
+Json channelsJson(const std::optional<std::vector<ControlChannel>>& channels)
+{
+    if (!channels)
+        return {};
+    Json result = Json::array();
+    for (const ControlChannel& channel : *channels)
+    {
+        result.append(Json::object({{"decibels", channel.level.decibels},
+                                    {"percent", channel.level.percent},
+                                    {"range", rangeJson(channel.range)}}));
+    }
+    return result;
+}
 }
 
 HardwareControl readControl(const SoundCard::VolumeController& record)
@@ -38,9 +62,9 @@ HardwareControl readControl(const SoundCard::VolumeController& record)
     HardwareControl control;
     control.ownerName = textOrNothing(controller.ownerName());
     control.ownerType = typeOrNothing(controller.ownerType());
-    const unsigned channels = controller.numChannel();
-    for (unsigned channel = 0; channel < channels; ++channel)
-        control.channels.push_back(readChannel(policy, controller, channel));
+    UINT count = 0;
+    if (SUCCEEDED(policy.volumeLevel->GetChannelCount(&count)))
+        control.channels = readChannels(policy, controller);
     control.hasMute = controller.hasMuteControl();
     BOOL isMuted = FALSE;
     if (control.hasMute && SUCCEEDED(policy.mute->GetMute(&isMuted)))
@@ -50,17 +74,10 @@ HardwareControl readControl(const SoundCard::VolumeController& record)
 
 Json controlJson(const HardwareControl& control)
 {
-    Json channels = Json::array();
-    for (const ControlChannel& channel : control.channels)
-    {
-        channels.append(Json::object({{"decibels", channel.level.decibels},
-                                      {"percent", channel.level.percent},
-                                      {"range", rangeJson(channel.range)}}));
-    }
     return Json::object({{"ownerName", control.ownerName},
                          {"ownerJack", kindKey(control.ownerType)},
                          {"ownerType", typeText(control.ownerType)},
-                         {"channels", channels},
+                         {"channels", channelsJson(control.channels)},
                          {"hasMute", control.hasMute},
                          {"muted", control.isMuted}});
 }

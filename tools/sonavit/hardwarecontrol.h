@@ -22,7 +22,7 @@ struct HardwareControl
 {
     std::optional<std::string> ownerName; ///< of the connector next to it
     std::optional<GUID> ownerType;
-    std::vector<ControlChannel> channels;
+    std::optional<std::vector<ControlChannel>> channels; ///< no value where their number is not to be had
     bool hasMute = false;
     std::optional<bool> isMuted;
 };

@@ -1,6 +1,7 @@
 #include "tools/sonavit/monitor.h"
 
 #include "libSonavit/volumechangenotification.h"
+#include "tools/sonavit/monitorlisteners.h"
 #include "tools/sonavit/text.h"
 
 #include <algorithm>
@@ -10,59 +11,6 @@ namespace sonavit
 {
 namespace
 {
-/// Nothing can be taken off a card, and a call may be under way when a registration ends: so what the platform's
-/// threads call lives as long as the process.
-template<class Listener>
-Listener& keptForGood(std::unique_ptr<Listener> listener)
-{
-    static std::mutex mutex;
-    static auto* const all = new std::vector<std::unique_ptr<Listener>>;
-    const std::lock_guard<std::mutex> lock(mutex);
-    all->push_back(std::move(listener));
-    return *all->back();
-}
-
-/// Hears of one side of one card.
-class CardListener final : public SoundCardObserver
-{
-public:
-    CardListener(std::weak_ptr<Monitor> monitor, std::size_t card, EDataFlow flow)
-        : m_monitor(std::move(monitor)),
-          m_card(card),
-          m_flow(flow)
-    {
-    }
-
-    void onDeviceStateChanged() override { pass(); }
-    void onDeviceAdded() override { pass(); }
-    void onDeviceRemoved() override { pass(); }
-
-private:
-    void pass()
-    {
-        if (const std::shared_ptr<Monitor> monitor = m_monitor.lock())
-            monitor->endpointsChanged(m_card, m_flow);
-    }
-
-    std::weak_ptr<Monitor> m_monitor;
-    std::size_t m_card;
-    EDataFlow m_flow;
-};
-
-/// Hears of the volume of one endpoint.
-struct VolumeListener
-{
-    std::weak_ptr<Monitor> monitor;
-    std::size_t watch;
-
-    static void pass(void* listener)
-    {
-        const VolumeListener& self = *static_cast<VolumeListener*>(listener);
-        if (const std::shared_ptr<Monitor> monitor = self.monitor.lock())
-            monitor->volumeChanged(self.watch);
-    }
-};
-
 EventSubject subjectOf(const std::string& cardId, const std::string& cardName, const Endpoint& endpoint)
 {
     const std::string title = endpoint.description.value_or(endpoint.title());
@@ -92,7 +40,7 @@ Monitor::Monitor(const Environment& environment, bool isJson, const std::vector<
 {
     for (const Card& card : cards)
     {
-        KnownCard known{card.card.deviceId(), card.name, {}};
+        KnownCard known{card.card.deviceId(), card.name, true, {}};
         for (const Endpoint& endpoint : card.endpoints)
         {
             known.endpoints.push_back({subjectOf(card.id, card.name, endpoint), endpoint.flow, endpoint.state});
@@ -113,11 +61,13 @@ void Monitor::start(std::vector<Card>& cards)
             const AudioDevice own(endpoint.device.deviceProperty().deviceId);
             watch(own, subjectOf(cards[i].id, cards[i].name, endpoint));
         }
-        auto& playback = keptForGood(std::make_unique<CardListener>(weak_from_this(), i, eRender));
-        auto& record = keptForGood(std::make_unique<CardListener>(weak_from_this(), i, eCapture));
+        SoundCardObserver& playback = makeCardListener(weak_from_this(), i, eRender);
+        SoundCardObserver& record = makeCardListener(weak_from_this(), i, eCapture);
         cards[i].card.registerPlaybackObserver(BorrowedPointer<SoundCardObserver>(&playback));
         cards[i].card.registerRecordObserver(BorrowedPointer<SoundCardObserver>(&record));
     }
+    m_systemListener = &makeSystemListener(weak_from_this());
+    m_enumerator.enumerator()->RegisterEndpointNotificationCallback(m_systemListener);
 }
 
 /// Registers with the volume of @p device, where it has one, in place of an earlier registration.
@@ -135,7 +85,7 @@ void Monitor::watch(const AudioDevice& device, const EventSubject& subject)
         number = m_watches.size();
         m_watches.push_back(std::make_unique<Watch>(Watch{subject, own, *volume, level}));
     }
-    VolumeListener& listener = keptForGood(std::make_unique<VolumeListener>(VolumeListener{weak_from_this(), number}));
+    VolumeListener& listener = makeVolumeListener(weak_from_this(), number);
     const COMPtr<VolumeChangeNotification>::pointer notification(new VolumeChangeNotification);
     notification->setCallbackFunction(VolumeListener::pass, &listener);
     own.volumeControl()->registerVolumeChangeNotification(notification);
@@ -166,6 +116,8 @@ void Monitor::lookAfterNewcomers()
 
 void Monitor::stop()
 {
+    if (m_systemListener != nullptr)
+        m_enumerator.enumerator()->UnregisterEndpointNotificationCallback(m_systemListener);
     std::vector<std::unique_ptr<Watch>> watches; // end here, behind the lock
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_isOver = true;
@@ -175,10 +127,49 @@ void Monitor::stop()
 void Monitor::endpointsChanged(std::size_t card, EDataFlow flow)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
+    if (!m_isOver)
+        compare(m_cards[card], flow, readEndpoints(m_enumerator, flow));
+}
+
+/// Cards that came later have no observer of their own: what there is to hear of them comes from here.
+void Monitor::systemChanged()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
     if (m_isOver)
         return;
-    KnownCard& known = m_cards[card];
-    const std::vector<KnownEndpoint> now = present(known, flow);
+    for (const EDataFlow flow : {eRender, eCapture})
+    {
+        const std::vector<Endpoint> endpoints = readEndpoints(m_enumerator, flow);
+        addNewCards(endpoints);
+        for (KnownCard& card : m_cards)
+        {
+            if (!card.isObserved)
+                compare(card, flow, endpoints);
+        }
+    }
+}
+
+void Monitor::addNewCards(const std::vector<Endpoint>& endpoints)
+{
+    for (const Endpoint& endpoint : endpoints)
+    {
+        const qor::String& path = endpoint.device.deviceProperty().instancePath;
+        const bool isKnown =
+            std::any_of(m_cards.begin(), m_cards.end(), [&](const KnownCard& card) { return card.path == path; });
+        if (!isKnown)
+            m_cards.push_back({path, endpoint.friendlyName.value_or("Unnamed card"), false, {}});
+    }
+}
+
+/// Reports in what the endpoints of one side of @p known differ from what was known of them, and takes it down.
+void Monitor::compare(KnownCard& known, EDataFlow flow, const std::vector<Endpoint>& endpoints)
+{
+    std::vector<KnownEndpoint> now;
+    for (const Endpoint& endpoint : endpoints)
+    {
+        if (endpoint.device.deviceProperty().instancePath == known.path)
+            now.push_back({subjectOf(known.path.toUtf8(), known.name, endpoint), flow, endpoint.state});
+    }
     std::vector<KnownEndpoint> kept;
     for (const KnownEndpoint& before : known.endpoints)
     {
@@ -202,18 +193,6 @@ void Monitor::endpointsChanged(std::size_t card, EDataFlow flow)
     known.endpoints = std::move(kept);
 }
 
-/// The endpoints of one side of a card as the system has them now.
-std::vector<Monitor::KnownEndpoint> Monitor::present(const KnownCard& card, EDataFlow flow) const
-{
-    std::vector<KnownEndpoint> result;
-    for (const Endpoint& endpoint : readEndpoints(m_enumerator, flow))
-    {
-        if (endpoint.device.deviceProperty().instancePath == card.path)
-            result.push_back({subjectOf(card.path.toUtf8(), card.name, endpoint), flow, endpoint.state});
-    }
-    return result;
-}
-
 void Monitor::report(MonitorEvent::Kind kind, const KnownEndpoint& endpoint,
                      const std::optional<unsigned>& previousState)
 {
@@ -223,6 +202,25 @@ void Monitor::report(MonitorEvent::Kind kind, const KnownEndpoint& endpoint,
     event.subject = endpoint.subject;
     event.state = endpoint.state;
     event.previousState = previousState;
+    m_writer.write(event);
+}
+
+void Monitor::defaultChanged(EDataFlow flow, ERole role, const std::string& endpointId)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (m_isOver)
+        return;
+    MonitorEvent event;
+    event.kind = MonitorEvent::Kind::defaultChanged;
+    event.time = std::chrono::system_clock::now();
+    event.flow = flow;
+    event.role = role;
+    event.subject.endpointId = endpointId;
+    for (const KnownCard& card : m_cards)
+    {
+        const KnownEndpoint* const known = find(card.endpoints, endpointId);
+        event.subject = known != nullptr ? known->subject : event.subject;
+    }
     m_writer.write(event);
 }
 

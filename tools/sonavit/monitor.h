@@ -1,7 +1,6 @@
 #pragma once
 
 #include "libSonavit/endpointdeviceenumerator.h"
-#include "libSonavit/soundcardobserver.h"
 #include "tools/sonavit/endpoint.h"
 #include "tools/sonavit/monitorevent.h"
 
@@ -40,6 +39,12 @@ public:
     /// On a thread of the platform: the volume that is watched as number @p watch has changed.
     void volumeChanged(std::size_t watch);
 
+    /// On a thread of the platform: something has happened to some endpoint.
+    void systemChanged();
+
+    /// On a thread of the platform: another endpoint is a default now; an empty id stands for none.
+    void defaultChanged(EDataFlow flow, ERole role, const std::string& endpointId);
+
 private:
     struct KnownEndpoint
     {
@@ -52,6 +57,7 @@ private:
     {
         qor::String path;
         std::string name;
+        bool isObserved; ///< by the library's card
         std::vector<KnownEndpoint> endpoints;
     };
 
@@ -59,7 +65,8 @@ private:
 
     void watch(const AudioDevice& device, const EventSubject& subject);
     std::unique_ptr<Watch> retired(const std::string& endpointId);
-    std::vector<KnownEndpoint> present(const KnownCard& card, EDataFlow flow) const;
+    void addNewCards(const std::vector<Endpoint>& endpoints);
+    void compare(KnownCard& known, EDataFlow flow, const std::vector<Endpoint>& endpoints);
     void report(MonitorEvent::Kind kind, const KnownEndpoint& endpoint, const std::optional<unsigned>& previousState);
 
     std::mutex m_mutex;
@@ -68,6 +75,7 @@ private:
     std::vector<KnownCard> m_cards;
     std::vector<std::unique_ptr<Watch>> m_watches; ///< a number is never used again; null for one that is over
     std::vector<EventSubject> m_newcomers;
+    IMMNotificationClient* m_systemListener = nullptr; ///< never destroyed
     bool m_isOver = false;
 };
 }

@@ -27,6 +27,8 @@ const char* kindKey(MonitorEvent::Kind kind)
         return "removed";
     case MonitorEvent::Kind::stateChanged:
         return "stateChanged";
+    case MonitorEvent::Kind::defaultChanged:
+        return "defaultChanged";
     case MonitorEvent::Kind::volumeChanged:
         break;
     }
@@ -82,6 +84,19 @@ std::string volumeWords(const MonitorEvent& event)
     return words;
 }
 
+const char* roleKey(ERole role)
+{
+    if (role == eCommunications)
+        return "communications";
+    return role == eMultimedia ? "multimedia" : "console";
+}
+
+std::string defaultWords(const MonitorEvent& event)
+{
+    const std::string what = std::string("default ") + flowWords(event.flow) + " for " + roleKey(event.role);
+    return event.subject.endpointId.empty() ? "no " + what + " any more" : what;
+}
+
 std::string eventWords(const MonitorEvent& event)
 {
     switch (event.kind)
@@ -92,6 +107,8 @@ std::string eventWords(const MonitorEvent& event)
         return "removed";
     case MonitorEvent::Kind::stateChanged:
         return stateWords(event.previousState) + arrow + stateWords(event.state);
+    case MonitorEvent::Kind::defaultChanged:
+        return defaultWords(event);
     case MonitorEvent::Kind::volumeChanged:
         break;
     }
@@ -108,6 +125,8 @@ Paint eventPaint(MonitorEvent::Kind kind)
         return Paint::red;
     case MonitorEvent::Kind::stateChanged:
         return Paint::yellow;
+    case MonitorEvent::Kind::defaultChanged:
+        return Paint::cyan;
     case MonitorEvent::Kind::volumeChanged:
         break;
     }
@@ -117,11 +136,12 @@ Paint eventPaint(MonitorEvent::Kind kind)
 Json eventJson(const MonitorEvent& event)
 {
     const EventSubject& subject = event.subject;
+    const bool isCardKnown = !subject.cardName.empty(); // not of a default that there is not, or not yet
     Json result = Json::document({{"time", universalTimeText(event.time)},
                                   {"event", kindKey(event.kind)},
-                                  {"card", subject.cardId},
-                                  {"cardName", subject.cardName},
-                                  {"endpoint", subject.endpointId},
+                                  {"card", isCardKnown ? Json(subject.cardId) : Json()},
+                                  {"cardName", isCardKnown ? Json(subject.cardName) : Json()},
+                                  {"endpoint", subject.endpointId.empty() ? Json() : Json(subject.endpointId)},
                                   {"endpointName", subject.endpointName}});
     if (event.kind == MonitorEvent::Kind::volumeChanged)
     {
@@ -129,6 +149,8 @@ Json eventJson(const MonitorEvent& event)
         result.set("volume", Json::object({{"percent", master.percent}, {"decibels", master.decibels}}));
         result.set("muted", event.level.isMuted);
     }
+    if (event.kind == MonitorEvent::Kind::defaultChanged)
+        result.set("flow", flowKey(event.flow)).set("role", roleKey(event.role));
     if (event.kind == MonitorEvent::Kind::stateChanged)
         result.set("previousState", stateKey(event.previousState));
     if (event.kind == MonitorEvent::Kind::stateChanged || event.kind == MonitorEvent::Kind::added)

@@ -27,7 +27,8 @@ struct MonitorEvent
         added,
         removed,
         stateChanged,
-        volumeChanged
+        volumeChanged,
+        defaultChanged
     };
 
     Kind kind = Kind::added;
@@ -37,6 +38,8 @@ struct MonitorEvent
     std::optional<unsigned> previousState; ///< of stateChanged
     EndpointLevel level;                   ///< of volumeChanged, now
     EndpointLevel previousLevel;
+    EDataFlow flow = eRender; ///< of defaultChanged
+    ERole role = eConsole;    ///< of defaultChanged
 };
 
 /// Shows events, one a line.
