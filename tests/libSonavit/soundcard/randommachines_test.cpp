@@ -1,0 +1,190 @@
+#include "libSonavit/soundcard.h"
+
+#include "libSonavit/endpointdeviceenumerator.h"
+#include "libSonavit/soundcard/randommachine.h"
+#include "libSonavit/soundcard/referencecard.h"
+#include "simulator/machinefile.h"
+#include "simulator/simulation.h"
+#include "tests/support/logcapture.h"
+#include "tests/support/printers.h"
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+
+using support::ReferenceAnswer;
+using support::ReferenceCard;
+using support::ReferenceControl;
+
+namespace
+{
+constexpr std::uint32_t machinesInATest = 25;
+
+/// Hundreds of machines that chance has wired, a run of seeds for each parameter.
+class SoundCardOnRandomMachines : public testing::TestWithParam<std::uint32_t>
+{
+protected:
+    void SetUp() override { ASSERT_TRUE(SUCCEEDED(CoInitialize(nullptr))); }
+    void TearDown() override { CoUninitialize(); }
+
+private:
+    support::LogCapture m_log{
+        qor::LoggerPriority::LOG_FATAL}; // keeps the test's output free of what such machines cause
+};
+
+/// Where to find the machine of a failure: a file that the program reads.
+std::string writtenMachine(const sim::Machine& machine)
+{
+    const std::string path = testing::TempDir() + machine.name + ".json";
+    std::ofstream(path) << sim::writeMachine(machine);
+    return "see it with: sonavit graph --machine " + path;
+}
+
+std::vector<std::string> nodesOf(const SoundCard& card)
+{
+    std::vector<std::string> ids;
+    for (unsigned int i = 0; i < card.m_connectorMap.size(); ++i)
+        ids.push_back(card.m_connectorMap[i].connector.id().toUtf8());
+    return ids;
+}
+
+std::vector<std::vector<std::uint32_t>> linksOf(const SoundCard& card)
+{
+    std::vector<std::vector<std::uint32_t>> links(card.m_connectorMap.size());
+    for (unsigned int i = 0; i < card.m_connectorMap.size(); ++i)
+    {
+        for (unsigned int j = 0; j < card.m_connectorMap[i].links.size(); ++j)
+            links[i].push_back(card.m_connectorMap[i].links[j]);
+    }
+    return links;
+}
+
+std::vector<std::string> idsOf(const qor::Array<AudioDevice>& devices)
+{
+    std::vector<std::string> ids;
+    for (unsigned int i = 0; i < devices.size(); ++i)
+        ids.push_back(devices[i].deviceProperty().deviceId.toUtf8());
+    return ids;
+}
+
+ReferenceControl described(const SoundCard::VolumeController& control)
+{
+    ReferenceControl result{1.0f, -1, control.ownerName.toUtf8(), control.ownerType};
+    EXPECT_EQ(S_OK, control.volumeLevel->GetLevel(0, &result.level));
+    if (control.mute.get() != nullptr)
+    {
+        BOOL muted = FALSE;
+        EXPECT_EQ(S_OK, control.mute->GetMute(&muted));
+        result.mute = muted == FALSE ? 0 : 1;
+    }
+    return result;
+}
+
+ReferenceAnswer controlsOf(const SoundCard& card, const AudioDevice& endpoint)
+{
+    ReferenceAnswer answer;
+    qor::Array<SoundCard::VolumeController> controls;
+    try
+    {
+        card.volumeController(endpoint, controls);
+    }
+    catch (const qor::IndexOutOfBounds&)
+    {
+        answer.leftTheGraph = true;
+    }
+    for (unsigned int i = 0; i < controls.size(); ++i)
+        answer.controls.push_back(described(controls[i]));
+    return answer;
+}
+
+void expectEqualEndpoints(const SoundCard& card, const qor::Array<AudioDevice>& found, const ReferenceCard& reference,
+                          const std::vector<const sim::Endpoint*>& expected)
+{
+    ASSERT_EQ(expected.size(), found.size());
+    for (unsigned int i = 0; i < found.size(); ++i)
+    {
+        EXPECT_EQ(expected[i]->id, found[i].deviceProperty().deviceId.toUtf8());
+        const ReferenceAnswer wanted = reference.controlsOf(*expected[i]);
+        const ReferenceAnswer answer = controlsOf(card, found[i]);
+        EXPECT_EQ(wanted.leftTheGraph, answer.leftTheGraph) << expected[i]->id;
+        EXPECT_EQ(wanted.controls, answer.controls) << expected[i]->id;
+    }
+}
+
+void expectEqual(SoundCard& card, const sim::Machine& machine)
+{
+    const ReferenceCard reference(machine, card.deviceId().toUtf8());
+    EXPECT_EQ(reference.nodes(), nodesOf(card));
+    EXPECT_EQ(reference.links(), linksOf(card));
+    EXPECT_EQ(reference.internalDevices(), idsOf(*card.m_internalDevices));
+    qor::Array<COMPtr<IAudioInputSelector>::pointer> selectors;
+    EXPECT_EQ(reference.selectors(), card.recordingMux(selectors));
+    expectEqualEndpoints(card, *card.m_playbackDevices, reference, reference.playback());
+    expectEqualEndpoints(card, *card.m_recordDevices, reference, reference.record());
+}
+}
+
+TEST_P(SoundCardOnRandomMachines, FindsTheGraphAndTheControlsThatThePlainReferenceFinds)
+{
+    unsigned int cardsSeen = 0;
+    for (std::uint32_t seed = GetParam(); seed < GetParam() + machinesInATest && !HasFailure(); ++seed)
+    {
+        const sim::Machine machine = support::randomMachine(seed);
+        sim::Simulation simulation(machine);
+        simulation.journal().record(false);
+
+        qor::Array<SoundCard> cards = SoundCard::enumerateSystemSoundDevices();
+
+        for (unsigned int i = 0; i < cards.size(); ++i)
+            expectEqual(cards[i], machine);
+        cardsSeen += cards.size();
+        libSonavit::AudioDeviceEnumeratorFactory::m_enumerator = nullptr; // ends the module for this machine
+        if (HasFailure())
+            ADD_FAILURE() << "seed " << seed << ", " << writtenMachine(machine);
+    }
+    EXPECT_GE(cardsSeen, machinesInATest) << "every machine has a card";
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, SoundCardOnRandomMachines,
+                         testing::Range(std::uint32_t{0}, std::uint32_t{16} * machinesInATest, machinesInATest));
+
+TEST(RandomMachine, IsTheSameForTheSameSeedAndCanBeReadBackFromItsFile)
+{
+    for (std::uint32_t seed = 0; seed < machinesInATest; ++seed)
+    {
+        const sim::Machine machine = support::randomMachine(seed);
+
+        EXPECT_EQ(machine, support::randomMachine(seed));
+        EXPECT_EQ(machine, sim::readMachine(sim::writeMachine(machine), machine.name)) << "seed " << seed;
+    }
+}
+
+TEST(RandomMachine, MeetsControlsMutesHolesAdaptersAndSelectorsOften)
+{
+    std::size_t controls = 0;
+    std::size_t mutes = 0;
+    std::size_t holes = 0;
+    std::size_t adapters = 0;
+    std::size_t selectors = 0;
+    for (std::uint32_t seed = 0; seed < 16 * machinesInATest; ++seed)
+    {
+        const sim::Machine machine = support::randomMachine(seed);
+        const ReferenceCard card(machine, "{1}.ROOT\\CARD\\0");
+        adapters += card.internalDevices().size();
+        selectors += card.selectors();
+        for (const sim::Endpoint* endpoint : card.playback())
+        {
+            const ReferenceAnswer answer = card.controlsOf(*endpoint);
+            controls += answer.controls.size();
+            holes += answer.leftTheGraph ? 1 : 0;
+            for (const ReferenceControl& control : answer.controls)
+                mutes += control.mute >= 0 ? 1 : 0;
+        }
+    }
+
+    EXPECT_GT(controls, 1000u);
+    EXPECT_GT(mutes, 200u);
+    EXPECT_GT(holes, 50u);
+    EXPECT_GT(adapters, 200u);
+    EXPECT_GT(selectors, 100u);
+}
