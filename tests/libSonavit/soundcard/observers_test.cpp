@@ -1,0 +1,67 @@
+#include "libSonavit/soundcard.h"
+
+#include "libSonavit/soundcard/supportobserver.h"
+#include "tests/support/librarytest.h"
+
+using qor::LoggerPriority;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+constexpr const char* channel = "libSonavit.soundcard";
+
+struct SoundCardObservers : support::LibraryTest
+{
+    void SetUp() override
+    {
+        LibraryTest::SetUp();
+        run(sim::MachineBuilder().build());
+        card = std::make_unique<SoundCard>();
+        log.clear();
+    }
+
+    void TearDown() override
+    {
+        card.reset();
+        LibraryTest::TearDown();
+    }
+
+    std::unique_ptr<SoundCard> card;
+    support::RecordingObserver observer;
+};
+}
+
+TEST_F(SoundCardObservers, AreAppendedToTheListOfTheirSideEachTimeTheyAreRegistered)
+{
+    EXPECT_TRUE(card->registerPlaybackObserver(observer.handle()));
+    EXPECT_TRUE(card->registerPlaybackObserver(observer.handle()));
+    EXPECT_TRUE(card->registerRecordObserver(observer.handle()));
+
+    EXPECT_EQ(2u, card->m_playbackObservers->size());
+    EXPECT_EQ(1u, card->m_recordObservers->size());
+    EXPECT_THAT(log.texts(), IsEmpty());
+    EXPECT_THAT(log.entered(channel),
+                ElementsAre("SoundCard::registerPlaybackObserver", "SoundCard::registerPlaybackObserver",
+                            "SoundCard::registerRecordObserver"));
+}
+
+TEST_F(SoundCardObservers, AreRefusedWithAMessageWhenTheyAreNull)
+{
+    EXPECT_FALSE(card->registerPlaybackObserver(BorrowedPointer<SoundCardObserver>()));
+    EXPECT_FALSE(card->registerRecordObserver(BorrowedPointer<SoundCardObserver>()));
+
+    EXPECT_EQ(0u, card->m_playbackObservers->size());
+    EXPECT_EQ(0u, card->m_recordObservers->size());
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channel),
+                ElementsAre("Unable to register playback observer", "Unable to register record observer"));
+}
+
+TEST_F(SoundCardObservers, AreSharedByCopiesOfTheCard)
+{
+    SoundCard copy(*card);
+
+    copy.registerPlaybackObserver(observer.handle());
+
+    EXPECT_EQ(1u, card->m_playbackObservers->size());
+}
