@@ -44,6 +44,9 @@ function(sonavit_install_package)
   write_basic_package_version_file("${PROJECT_BINARY_DIR}/SonavitConfigVersion.cmake" COMPATIBILITY SameMinorVersion)
   install(FILES "${PROJECT_BINARY_DIR}/SonavitConfig.cmake" "${PROJECT_BINARY_DIR}/SonavitConfigVersion.cmake"
           DESTINATION "${SONAVIT_PACKAGE_FOLDER}")
+  if(SONAVIT_BUILD_SIMULATOR)
+    install(DIRECTORY "${PROJECT_SOURCE_DIR}/machines/" DESTINATION "${SONAVIT_MACHINES_FOLDER}")
+  endif()
   install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DOCDIR}")
 
   sonavit_compiler_runtime(files)

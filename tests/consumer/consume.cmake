@@ -17,3 +17,10 @@ run(${CMAKE_COMMAND} -S "${project}" -B "${build}" -G "${generator}" "-DCMAKE_CX
     -DCMAKE_BUILD_TYPE=Debug ${arguments})
 run(${CMAKE_COMMAND} --build "${build}" --parallel ${cores})
 run("${build}/consumer")
+
+if(EXISTS "${build}/prefix/bin/sonavit")
+  if(NOT EXISTS "${build}/prefix/share/sonavit/machines/desktop.json")
+    message(FATAL_ERROR "The machines are not installed")
+  endif()
+  run("${build}/prefix/bin/sonavit" list)
+endif()
