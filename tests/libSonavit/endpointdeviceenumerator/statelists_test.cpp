@@ -189,6 +189,19 @@ TEST_F(EndpointDeviceEnumeratorCommonEnumerate, LeavesAllListsEmptyWhenItFailsAl
     EXPECT_THAT(log.texts(LoggerPriority::LOG_ERROR, channel), ElementsAre("CoCreateInstance returns 0x8007000E"));
 }
 
+TEST_F(EndpointDeviceEnumeratorCommonEnumerate, FailsInSilenceWhereTheCreationSucceededWithNothing)
+{
+    run(support::endpointsInAllStates());
+    EndpointDeviceEnumeratorCommon enumerator(eRender);
+    const sim::PlannedFault fault = simulation().faults().succeedWithNull("CoCreateInstance");
+
+    EXPECT_FALSE(enumerator.enumerate(eRender));
+
+    EXPECT_EQ(1u, fault.fired());
+    EXPECT_EQ(empty, lists(enumerator));
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_ERROR), IsEmpty());
+}
+
 TEST_F(EndpointDeviceEnumeratorCommonEnumerate, HasAnEndpointThatChangesMeanwhileInTwoLists)
 {
     sim::MachineBuilder builder;

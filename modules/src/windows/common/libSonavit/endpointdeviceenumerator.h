@@ -36,7 +36,7 @@ public:
     ~EndpointDeviceEnumeratorCommon();
 
     /// Makes a new enumerator and takes a new snapshot with it. What was there before is gone in any case.
-    /// @return false, with a message (LOG_ERROR), if there is no enumerator to be had
+    /// @return false if there is no enumerator to be had; a failure is logged (LOG_ERROR)
     bool enumerate(EDataFlow flow);
 
     /// Takes a new snapshot with the present enumerator, which must be there: one enumeration for each state, so that

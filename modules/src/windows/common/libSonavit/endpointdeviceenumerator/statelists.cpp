@@ -37,6 +37,8 @@ bool EndpointDeviceEnumeratorCommon::enumerate(EDataFlow flow)
         SONAVIT_LOG(enumeratorlog, LOG_ERROR, out.append("CoCreateInstance returns ").append(hexText(result)));
         return false;
     }
+    if (enumerator == nullptr)
+        return false; // a success that left nobody to ask
     m_enumerator = enumerator;
     refresh(flow);
     return true;

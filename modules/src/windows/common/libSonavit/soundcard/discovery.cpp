@@ -4,12 +4,18 @@
 #include "libSonavit/endpointdeviceenumerator.h"
 #include "libSonavit/soundcardlog.h"
 
+#include <memory>
+
 void enumerateSoundCards(qor::Array<BorrowedPointer<SoundCardInterface>>& cards)
 {
     SONAVIT_TRACE(soundcardlog, "enumerateSoundCards");
     const qor::Array<SoundCard> found = SoundCard::enumerateSystemSoundDevices();
     for (unsigned int i = 0; i < found.size(); ++i)
-        cards.append(BorrowedPointer<SoundCardInterface>(new SoundCard(found[i])));
+    {
+        auto card = std::make_unique<SoundCard>(found[i]);
+        cards.append(BorrowedPointer<SoundCardInterface>(card.get()));
+        card.release(); // the caller's, now that the list has it
+    }
 }
 
 qor::Array<SoundCard> SoundCard::enumerateSystemSoundDevices()
