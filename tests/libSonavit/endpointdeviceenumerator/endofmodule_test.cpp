@@ -42,19 +42,22 @@ struct AudioDeviceEnumeratorEnd : support::LibraryTest
 };
 }
 
-TEST_F(AudioDeviceEnumeratorEnd, TakesTheClientsOffInOrderOfArrivalAndReleasesThemInThatOrder)
+TEST_F(AudioDeviceEnumeratorEnd, TakesTheClientsOffThenReleasesThemBothInOrderOfArrivalAndTheEnumeratorLast)
 {
     addThreeClients();
+    const sim::PlannedFault watch =
+        simulation().faults().run(releaseCall, [this] { calls.push_back("enumerator Release"); });
 
     endModule();
 
-    EXPECT_THAT(calls, ElementsAre("first Release", "second Release", "third Release",  // by the machine
-                                   "first Release", "second Release", "third Release")) // by the list
-        << "each is unregistered before any is released";
+    EXPECT_EQ(1u, watch.fired());
+    EXPECT_THAT(calls, ElementsAre("first Release", "second Release", "third Release", // by the machine
+                                   "first Release", "second Release", "third Release", // by the list
+                                   "enumerator Release"));
     EXPECT_EQ(0u, first.count + second.count + third.count);
 }
 
-TEST_F(AudioDeviceEnumeratorEnd, ReleasesTheEnumeratorAfterAllClientsAreOff)
+TEST_F(AudioDeviceEnumeratorEnd, HoldsNothingAfterwards)
 {
     addThreeClients();
     simulation().journal().recordReferences(true);

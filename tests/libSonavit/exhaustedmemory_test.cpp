@@ -1,0 +1,155 @@
+// What is left when memory runs out, apart from the containers themselves.
+#include "libSonavit/audiodeviceendpoint.h"
+#include "libSonavit/endpointdeviceenumerator.h"
+#include "libSonavit/soundcard.h"
+#include "libSonavit/sysinfohelper.h"
+#include "qor/exception.h"
+
+#include "foundation/supportallocations.h"
+#include "libSonavit/endpointdeviceenumerator/supportendpoints.h"
+#include "tests/support/librarytest.h"
+
+#if !defined(_WIN32) // a DLL there keeps allocation operators of its own, which no test can make fail
+
+using libSonavit::AudioDeviceEnumeratorFactory;
+using qor::LoggerPriority;
+using support::AllocationProbe;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+typedef qor::Array<BorrowedPointer<SoundCardInterface>> Cards;
+
+struct ExhaustedMemory : support::LibraryTest
+{
+    /// A machine with @p count cards of one endpoint each. Neither log nor journal take memory.
+    void runCards(unsigned int count)
+    {
+        sim::MachineBuilder builder;
+        for (unsigned int i = 0; i < count; ++i)
+            builder.card("Card", "card" + std::to_string(i)).speaker().withoutTopology();
+        run(support::withoutGuids(builder.build()));
+        simulation().journal().record(false);
+        qor::LogFactory::setSink([](const qor::LogRecord&) {});
+        qor::LogFactory::setPriority(LoggerPriority::LOG_FATAL);
+    }
+
+    /// Calls @p action with room for ever fewer allocations of the kind that may give null, until it throws: then the
+    /// last one that it makes has failed. It calls probe.succeed() where nothing of interest follows.
+    /// @return the message of what it threw
+    template<class Action>
+    static std::string failingAtTheLastAllocation(const Action& action)
+    {
+        constexpr unsigned int plenty = 600;
+        AudioDeviceEnumeratorFactory::enumerator()->m_notificationClients.ensureCapacity(100000); // grows no more
+        for (unsigned int room = plenty; room > 0; --room)
+        {
+            AllocationProbe probe;
+            probe.failNothrow(room);
+            try
+            {
+                action(probe);
+            }
+            catch (const qor::NullPointer& exception)
+            {
+                probe.succeed();
+                return room == plenty ? "not enough to begin with" : exception.message().toUtf8();
+            }
+        }
+        return "nothing fails";
+    }
+};
+}
+
+TEST_F(ExhaustedMemory, LeavesTheSharedEnumeratorToTheNextCall)
+{
+    run({});
+    {
+        AllocationProbe probe;
+        probe.failNothrow();
+
+        EXPECT_EQ(nullptr, AudioDeviceEnumeratorFactory::enumerator().get());
+    }
+    EXPECT_THAT(log.records(), IsEmpty());
+
+    EXPECT_NE(nullptr, AudioDeviceEnumeratorFactory::enumerator().get());
+}
+
+TEST_F(ExhaustedMemory, HasADeviceReportThatThereIsNoSharedEnumerator)
+{
+    run({});
+    AudioDevice device;
+    const qor::String id = "anything";
+    bool initialized = true;
+    log.clear();
+    {
+        AllocationProbe probe;
+        probe.failNothrow();
+
+        initialized = device.initialize(id);
+    }
+
+    EXPECT_FALSE(initialized);
+    EXPECT_FALSE(device.isInitialized());
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING), ElementsAre("Unable to initialize enumerator"));
+}
+
+TEST_F(ExhaustedMemory, LeavesACardWithoutASharedEnumeratorCompleteAndUnregistered)
+{
+    run({});
+    // The blocks of five lists and of the map, and count and destroyer of six shares.
+    constexpr unsigned int ownAllocations = 6 + 2 * 6;
+    {
+        AllocationProbe probe;
+        probe.failNothrow(ownAllocations);
+
+        const SoundCard card;
+
+        probe.succeed();
+        EXPECT_EQ(0u, card.m_playbackDevices->size());
+        EXPECT_EQ(1u, comReferenceCount(card.m_updater.get()));
+    }
+
+    EXPECT_EQ(nullptr, AudioDeviceEnumeratorFactory::m_enumerator.get());
+    EXPECT_TRUE(simulation().census().clients.empty());
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING), IsEmpty());
+}
+
+TEST_F(ExhaustedMemory, PassesOutOfTheFacadeWhenItsListCannotGrow)
+{
+    runCards(9); // one more than the list has places at first
+    const auto construct = [](AllocationProbe& probe)
+    {
+        CoInitialize(nullptr); // the object takes it away, unless it does not come to be
+        const libSonavit::SysInfoHelper helper;
+        probe.succeed();
+        EXPECT_EQ(9u, helper.m_soundCards.size());
+    };
+
+    EXPECT_EQ("Asked for array of size: 9", failingAtTheLastAllocation(construct));
+
+    CoUninitialize();
+}
+
+TEST_F(ExhaustedMemory, PassesOutOfEnumerateSoundCardsAndLeavesNoCardBehind)
+{
+    runCards(1);
+    Cards cards;
+    const auto enumerate = [&](AllocationProbe& probe)
+    {
+        cards.clear();
+        for (int i = 0; i < 8; ++i)
+            cards.append(BorrowedPointer<SoundCardInterface>());
+        enumerateSoundCards(cards);
+        probe.succeed();
+        ASSERT_EQ(9u, cards.size());
+        delete cards[8].get();
+    };
+
+    EXPECT_EQ("Asked for array of size: 9", failingAtTheLastAllocation(enumerate));
+
+    EXPECT_EQ(8u, cards.size());
+}
+
+#endif
