@@ -1,0 +1,145 @@
+#include "libSonavit/soundcard.h"
+
+#include "libSonavit/soundcard/supportgraphs.h"
+#include "tests/support/librarytest.h"
+
+using qor::LoggerPriority;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace
+{
+constexpr const char* channel = "libSonavit.soundcard";
+
+typedef qor::Array<COMPtr<IAudioInputSelector>::pointer> Selectors;
+
+struct RecordingMux : support::LibraryTest
+{
+    ~RecordingMux() noexcept override {} // the cards' own may throw
+
+    SoundCard& discovered()
+    {
+        run(graph.machine);
+        cards = SoundCard::enumerateSystemSoundDevices();
+        EXPECT_EQ(1u, cards.size());
+        log.clear();
+        return cards[0];
+    }
+
+    void TearDown() override
+    {
+        cards.clear();
+        LibraryTest::TearDown();
+    }
+
+    /// An adapter behind an endpoint of its own, with that many multiplexers.
+    void adapterWithSelectors(const std::string& id, unsigned int selectors)
+    {
+        graph.endpoint("endpoint-" + id);
+        sim::Adapter& adapter = graph.adapter(id, 1);
+        sim::setProperty(adapter.properties, propertykeys::friendlyName, sim::PropertyValue::ofText("Board " + id));
+        graph.join("endpoint-" + id + "/1", id + "/1");
+        graph.node(id, 50, KSNODETYPE_SUM);
+        for (unsigned int i = 0; i < selectors; ++i)
+            graph.node(id, 100 + i, KSNODETYPE_MUX).selector = sim::SelectorControl{};
+    }
+
+    support::GraphMachine graph;
+    qor::Array<SoundCard> cards;
+};
+}
+
+TEST_F(RecordingMux, LogsTheNumberOfInternalDevicesAndReturnsTheSizeItFoundOnACardWithoutAny)
+{
+    graph.endpoint("out");
+    Selectors selectors;
+    selectors.append(COMPtr<IAudioInputSelector>::pointer());
+
+    EXPECT_EQ(1u, discovered().recordingMux(selectors));
+
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_DEBUG, channel), ElementsAre("Number of internal devices = 0"));
+    EXPECT_THAT(log.entered(channel), ElementsAre("SoundCard::recordingMux"));
+}
+
+TEST_F(RecordingMux, AppendsToAResultThatHoldsTwoAndReturnsThree)
+{
+    adapterWithSelectors("board", 1);
+    Selectors selectors;
+    selectors.append(COMPtr<IAudioInputSelector>::pointer());
+    selectors.append(COMPtr<IAudioInputSelector>::pointer());
+
+    EXPECT_EQ(3u, discovered().recordingMux(selectors));
+
+    EXPECT_EQ(nullptr, selectors[1].get());
+    EXPECT_NE(nullptr, selectors[2].get());
+}
+
+TEST_F(RecordingMux, FindsTwoSelectorsOfOneDeviceAndNamesTheDeviceForEach)
+{
+    adapterWithSelectors("board", 2);
+    Selectors selectors;
+
+    EXPECT_EQ(2u, discovered().recordingMux(selectors));
+
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channel),
+                ElementsAre("Found an input selector from device Board board",
+                            "Found an input selector from device Board board"));
+}
+
+TEST_F(RecordingMux, GoesThroughAllDevicesInTheOrderInWhichTheyWereFound)
+{
+    adapterWithSelectors("b", 1);
+    adapterWithSelectors("a", 1);
+    Selectors selectors;
+
+    EXPECT_EQ(2u, discovered().recordingMux(selectors));
+
+    EXPECT_THAT(
+        log.texts(LoggerPriority::LOG_INFO, channel),
+        ElementsAre("Found an input selector from device Board b", "Found an input selector from device Board a"));
+}
+
+TEST_F(RecordingMux, DoesNotFindASelectorInTheTopologyOfAnEndpoint)
+{
+    graph.endpoint("out");
+    graph.node("out", 100, KSNODETYPE_MUX).selector = sim::SelectorControl{};
+    Selectors selectors;
+
+    EXPECT_EQ(0u, discovered().recordingMux(selectors));
+}
+
+TEST_F(RecordingMux, GivesEachHandleOneReference)
+{
+    adapterWithSelectors("board", 1);
+    SoundCard& card = discovered();
+    {
+        Selectors selectors;
+        card.recordingMux(selectors);
+        EXPECT_EQ(1, simulation().census().references("IAudioInputSelector"));
+    }
+    EXPECT_EQ(0, simulation().census().references("IAudioInputSelector"));
+}
+
+TEST_F(RecordingMux, GoesByThePointerAndNotByTheResultOfTheActivation)
+{
+    adapterWithSelectors("board", 2);
+    SoundCard& card = discovered();
+    const sim::PlannedFault empty = simulation().faults().succeedWithNull("IPart::Activate").on("board/100");
+    Selectors selectors;
+
+    EXPECT_EQ(1u, card.recordingMux(selectors));
+
+    EXPECT_EQ(1u, empty.fired());
+}
+
+TEST_F(RecordingMux, AddsNothingForADeviceWithoutATopologyOrWithoutSubunits)
+{
+    adapterWithSelectors("board", 0);
+    graph.machine.adapters[0].topology->subunits.clear();
+    SoundCard& card = discovered();
+    card.m_internalDevices->append(AudioDevice());
+    Selectors selectors;
+
+    EXPECT_EQ(0u, card.recordingMux(selectors));
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channel), IsEmpty());
+}
