@@ -1,0 +1,173 @@
+#include "libSonavit/soundcard.h"
+
+#include "COM/identifiers.h"
+#include "libSonavit/endpointdeviceenumerator.h"
+#include "libSonavit/soundcard/supportobserver.h"
+#include "simulator/simulation.h"
+#include "tests/support/logcapture.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <memory>
+#include <random>
+
+namespace
+{
+constexpr unsigned int numCards = 50;
+constexpr unsigned int endpointsOfACard = 4;
+constexpr unsigned int numEvents = 10000;
+
+typedef std::vector<std::pair<std::string, unsigned int>> ModelList; // id and state
+
+/// What a card's lists and observers come to, told by plain data.
+struct ModelCard
+{
+    ModelList lists[2]; // by flow: playback, record
+    std::size_t heard[2] = {0, 0};
+};
+
+std::string pathOf(unsigned int card)
+{
+    return "{1}.ROOT\\MODEL\\" + std::to_string(card);
+}
+
+std::string idOf(unsigned int card, unsigned int endpoint)
+{
+    return "{0.0.0.00000000}.{" + std::to_string(card) + "-" + std::to_string(endpoint) + "}";
+}
+
+EDataFlow flowOf(unsigned int endpoint)
+{
+    return endpoint % 2 == 0 ? eRender : eCapture;
+}
+
+sim::Machine machineOfManyCards()
+{
+    sim::Machine machine;
+    for (unsigned int card = 0; card < numCards; ++card)
+    {
+        for (unsigned int i = 0; i < endpointsOfACard; ++i)
+        {
+            sim::Endpoint endpoint;
+            endpoint.id = idOf(card, i);
+            endpoint.flow = flowOf(i);
+            sim::setProperty(endpoint.properties, propertykeys::instancePath, sim::PropertyValue::ofText(pathOf(card)));
+            machine.endpoints.push_back(endpoint);
+        }
+    }
+    return machine;
+}
+
+ModelList listOf(const qor::Array<AudioDevice>& devices)
+{
+    ModelList list;
+    for (unsigned int i = 0; i < devices.size(); ++i)
+        list.emplace_back(devices[i].deviceProperty().deviceId.toUtf8(), devices[i].deviceProperty().deviceState);
+    return list;
+}
+
+/// Ten thousand events on many cards, beside a model that knows nothing of the platform.
+class HotPlugModel : public testing::Test
+{
+protected:
+    ~HotPlugModel() noexcept override {} // the cards' own may throw
+
+    void SetUp() override
+    {
+        ASSERT_TRUE(SUCCEEDED(CoInitialize(nullptr)));
+        m_simulation = std::make_unique<sim::Simulation>(machineOfManyCards());
+        m_simulation->journal().record(false);
+        m_simulation->deliverAtOnce(true);
+        m_cards = SoundCard::enumerateSystemSoundDevices();
+        ASSERT_EQ(numCards, m_cards.size());
+        for (unsigned int card = 0; card < numCards; ++card)
+        {
+            ASSERT_EQ(pathOf(card), m_cards[card].deviceId().toUtf8());
+            m_cards[card].registerPlaybackObserver(m_observers[card][0].handle());
+            m_cards[card].registerRecordObserver(m_observers[card][1].handle());
+            for (unsigned int i = 0; i < endpointsOfACard; ++i)
+                m_model[card].lists[flowOf(i)].emplace_back(idOf(card, i), DEVICE_STATE_ACTIVE);
+        }
+    }
+
+    void TearDown() override
+    {
+        m_cards.clear();
+        libSonavit::AudioDeviceEnumeratorFactory::m_enumerator = nullptr; // ends the module
+        EXPECT_EQ(sim::Census(), m_simulation->census());
+        m_simulation.reset();
+        CoUninitialize();
+    }
+
+    void playEvent()
+    {
+        const unsigned int card = below(numCards);
+        const unsigned int endpoint = below(endpointsOfACard);
+        const std::string id = idOf(card, endpoint);
+        ModelCard& model = m_model[card];
+        ModelList& list = model.lists[flowOf(endpoint)];
+        const auto place = std::find_if(list.begin(), list.end(), [&](const auto& entry) { return entry.first == id; });
+        const unsigned int state = 1u << below(4);
+        switch (below(3))
+        {
+        case 0:
+            m_simulation->events().announceAdded(id);
+            list.emplace_back(id, m_states[card][endpoint]);
+            ++model.heard[flowOf(endpoint)];
+            break;
+        case 1:
+            m_simulation->events().announceRemoved(id);
+            if (place != list.end())
+            {
+                list.erase(place);
+                ++model.heard[flowOf(endpoint)];
+            }
+            break;
+        default:
+            m_simulation->events().setState(id, state);
+            m_states[card][endpoint] = state;
+            if (place != list.end())
+            {
+                place->second = state;
+                ++model.heard[flowOf(endpoint)];
+            }
+            break;
+        }
+        compare(card);
+    }
+
+    void compare(unsigned int card)
+    {
+        ASSERT_EQ(m_model[card].lists[eRender], listOf(*m_cards[card].m_playbackDevices)) << "card " << card;
+        ASSERT_EQ(m_model[card].lists[eCapture], listOf(*m_cards[card].m_recordDevices)) << "card " << card;
+        ASSERT_EQ(m_model[card].heard[0], m_observers[card][0].heard.size()) << "card " << card;
+        ASSERT_EQ(m_model[card].heard[1], m_observers[card][1].heard.size()) << "card " << card;
+    }
+
+    unsigned int below(unsigned int limit) { return static_cast<unsigned int>(m_engine()) % limit; }
+
+    struct States
+    {
+        unsigned int of[endpointsOfACard] = {1, 1, 1, 1};
+        unsigned int& operator[](unsigned int endpoint) { return of[endpoint]; }
+    };
+
+    std::mt19937 m_engine{20240};
+    support::LogCapture m_log{qor::LoggerPriority::LOG_FATAL}; // such cards have little that can be read
+    std::unique_ptr<sim::Simulation> m_simulation;
+    qor::Array<SoundCard> m_cards;
+    ModelCard m_model[numCards];
+    States m_states[numCards];
+    support::RecordingObserver m_observers[numCards][2];
+};
+}
+
+TEST_F(HotPlugModel, AgreesWithTheListsAndTheObserversOfFiftyCardsEventByEvent)
+{
+    for (unsigned int event = 0; event < numEvents && !HasFatalFailure(); ++event)
+        playEvent();
+
+    for (unsigned int card = 0; card < numCards && !HasFatalFailure(); ++card)
+        compare(card);
+}
