@@ -1,8 +1,8 @@
 #include "simulator/machine.h"
 
-#include <algorithm>
-
 #include "simulator/machinetext.h"
+
+#include <algorithm>
 
 namespace sim
 {

@@ -6,15 +6,15 @@
 /// name two things, although the platform finds a device without regard to case.
 #pragma once
 
-#include <cstdint>
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "platform/coreaudio.h"
 #include "simulator/machineproperty.h"
 #include "simulator/machinescript.h"
 #include "simulator/machinetopology.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace sim
 {

@@ -1,12 +1,12 @@
 #include "simulator/machinebuilder.h"
 
-#include <algorithm>
-#include <utility>
-
 #include "simulator/machineidentity.h"
 #include "simulator/machinekeys.h"
 #include "simulator/machinenames.h"
 #include "simulator/machinenodetypes.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace sim
 {

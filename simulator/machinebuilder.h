@@ -10,11 +10,11 @@
 /// Ids are derived from the names and from the order of the calls, so equal calls give equal machines.
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "simulator/machine.h"
 #include "simulator/machineformat.h"
+
+#include <string>
+#include <vector>
 
 namespace sim
 {

@@ -1,13 +1,13 @@
 #include "simulator/machinecheck.h"
 
-#include <cmath>
-#include <set>
-#include <utility>
-
 #include "simulator/machinejson.h"
 #include "simulator/machinekeys.h"
 #include "simulator/machinenames.h"
 #include "simulator/machinetext.h"
+
+#include <cmath>
+#include <set>
+#include <utility>
 
 namespace sim
 {

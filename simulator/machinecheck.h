@@ -1,10 +1,10 @@
 /// What a described machine must keep to, beyond what its types say.
 #pragma once
 
+#include "simulator/machine.h"
+
 #include <string>
 #include <vector>
-
-#include "simulator/machine.h"
 
 namespace sim
 {

@@ -1,11 +1,11 @@
 // The operations of EndpointBuilder.
 #include "simulator/machinebuilder.h"
 
-#include <algorithm>
-#include <utility>
-
 #include "simulator/machinekeys.h"
 #include "simulator/machinenodetypes.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace sim
 {

@@ -1,14 +1,14 @@
 #include "simulator/machinefile.h"
 
+#include "simulator/machineprogramfolder.h"
+#include "simulator/machinetext.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <utility>
-
-#include "simulator/machineprogramfolder.h"
-#include "simulator/machinetext.h"
 
 namespace sim
 {

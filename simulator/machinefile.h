@@ -1,12 +1,12 @@
 /// Machines as files. machines/README.md shows how to describe one, machines/machine.schema.json what there may be.
 #pragma once
 
+#include "simulator/machine.h"
+
 #include <cstddef>
 #include <stdexcept>
 #include <string>
 #include <vector>
-
-#include "simulator/machine.h"
 
 namespace sim
 {

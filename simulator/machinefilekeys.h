@@ -2,10 +2,10 @@
 /// the same, and a test holds the two together.
 #pragma once
 
+#include "simulator/machinescript.h"
+
 #include <string_view>
 #include <vector>
-
-#include "simulator/machinescript.h"
 
 namespace sim
 {

@@ -1,11 +1,11 @@
 #include "simulator/machinefileplace.h"
 
-#include <algorithm>
-#include <utility>
-
 #include "simulator/machinefile.h"
 #include "simulator/machinefilekeys.h"
 #include "simulator/machinetext.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace sim
 {

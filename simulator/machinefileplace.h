@@ -1,15 +1,15 @@
 /// A value of a machine file together with where it stands, for reading it into one type or saying what is wrong.
 #pragma once
 
+#include "simulator/machine.h"
+#include "simulator/machinejson.h"
+#include "simulator/machinenames.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "simulator/machine.h"
-#include "simulator/machinejson.h"
-#include "simulator/machinenames.h"
 
 namespace sim
 {

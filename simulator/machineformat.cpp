@@ -1,8 +1,8 @@
 #include "simulator/machineformat.h"
 
-#include <array>
-
 #include "simulator/machinenames.h"
+
+#include <array>
 
 namespace sim
 {

@@ -1,11 +1,11 @@
 #include "simulator/machineidentity.h"
 
-#include <algorithm>
-#include <cstdio>
-
 #include "simulator/machinenames.h"
 #include "simulator/machinenodetypes.h"
 #include "simulator/machinetext.h"
+
+#include <algorithm>
+#include <cstdio>
 
 namespace sim
 {

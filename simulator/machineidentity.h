@@ -1,11 +1,11 @@
 /// Ids as real machines have them, derived from a text: equal texts give equal ids.
 #pragma once
 
+#include "platform/coreaudio.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
-
-#include "platform/coreaudio.h"
 
 namespace sim
 {

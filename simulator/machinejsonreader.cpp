@@ -1,14 +1,14 @@
 // Reading JSON.
 #include "simulator/machinejson.h"
 
-#include <algorithm>
-#include <iterator>
-#include <utility>
+#include "simulator/machinefile.h"
+#include "simulator/machinetext.h"
 
 #include <nlohmann/json.hpp>
 
-#include "simulator/machinefile.h"
-#include "simulator/machinetext.h"
+#include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace sim
 {

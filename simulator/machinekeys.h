@@ -1,12 +1,12 @@
 /// The keys of a device's properties by name.
 #pragma once
 
+#include "platform/coreaudio.h"
+
 #include <array>
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include "platform/coreaudio.h"
 
 namespace sim
 {

@@ -1,10 +1,10 @@
 #include "simulator/machinenames.h"
 
-#include <algorithm>
-#include <cstdio>
-
 #include "simulator/machinenodetypes.h"
 #include "simulator/machinetext.h"
+
+#include <algorithm>
+#include <cstdio>
 
 namespace sim
 {

@@ -1,15 +1,15 @@
 /// The words of a machine file and the platform's values that they stand for.
 #pragma once
 
+#include "platform/coreaudio.h"
+#include "simulator/machine.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include "platform/coreaudio.h"
-#include "simulator/machine.h"
 
 namespace sim
 {

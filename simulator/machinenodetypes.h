@@ -1,10 +1,10 @@
 /// The kinds of jacks and nodes that a machine can have, by the names that a machine file gives them.
 #pragma once
 
+#include "platform/coreaudio.h"
+
 #include <array>
 #include <string_view>
-
-#include "platform/coreaudio.h"
 
 namespace sim
 {

@@ -1,12 +1,12 @@
 /// Property stores as data.
 #pragma once
 
+#include "platform/coreaudio.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "platform/coreaudio.h"
 
 namespace sim
 {

@@ -1,8 +1,6 @@
 // Reading a machine from the content of a file.
 #include "simulator/machinefile.h"
 
-#include <utility>
-
 #include "simulator/machinecheck.h"
 #include "simulator/machinefilekeys.h"
 #include "simulator/machinefileplace.h"
@@ -12,6 +10,8 @@
 #include "simulator/machinekeys.h"
 #include "simulator/machineshortids.h"
 #include "simulator/machinetext.h"
+
+#include <utility>
 
 namespace sim
 {

@@ -1,13 +1,13 @@
 /// What is planned for a machine: events that happen to it, calls that fail, and what calls cost.
 #pragma once
 
+#include "platform/coreaudio.h"
+#include "simulator/machineproperty.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "platform/coreaudio.h"
-#include "simulator/machineproperty.h"
 
 namespace sim
 {

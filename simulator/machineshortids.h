@@ -1,9 +1,9 @@
 /// Short ids: in a machine file, "/jack" within the topology of the device "{2}.x" stands for the part "{2}.x/jack".
 #pragma once
 
-#include <string>
-
 #include "simulator/machinetopology.h"
+
+#include <string>
 
 namespace sim
 {

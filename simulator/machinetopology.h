@@ -3,13 +3,13 @@
 /// Parts refer to each other by global id.
 #pragma once
 
+#include "platform/coreaudio.h"
+#include "simulator/machineproperty.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "platform/coreaudio.h"
-#include "simulator/machineproperty.h"
 
 namespace sim
 {

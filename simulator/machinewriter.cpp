@@ -1,9 +1,6 @@
 // Writing a machine as the content of a file. What the reader takes for granted is left out.
 #include "simulator/machinefile.h"
 
-#include <cmath>
-#include <utility>
-
 #include "simulator/machineformat.h"
 #include "simulator/machineidentity.h"
 #include "simulator/machinejson.h"
@@ -11,6 +8,9 @@
 #include "simulator/machinenames.h"
 #include "simulator/machineshortids.h"
 #include "simulator/machinetext.h"
+
+#include <cmath>
+#include <utility>
 
 namespace sim
 {

@@ -1,11 +1,11 @@
 #include "simulator/machinebuilder.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "simulator/machinecheck.h"
 #include "simulator/machinekeys.h"
 #include "simulator/machinenodetypes.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace
 {

@@ -1,15 +1,15 @@
 /// Questions about a described machine that tests of several machines ask.
 #pragma once
 
+#include "simulator/machine.h"
+#include "simulator/machinekeys.h"
+#include "simulator/machinenodetypes.h"
+
 #include <algorithm>
 #include <map>
 #include <set>
 #include <string>
 #include <vector>
-
-#include "simulator/machine.h"
-#include "simulator/machinekeys.h"
-#include "simulator/machinenodetypes.h"
 
 namespace facts
 {

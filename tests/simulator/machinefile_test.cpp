@@ -1,15 +1,15 @@
 #include "simulator/machinefile.h"
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <functional>
+#include "simulator/machinebuilder.h"
+#include "tests/simulator/machinesample.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "simulator/machinebuilder.h"
-#include "tests/simulator/machinesample.h"
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
 
 namespace
 {

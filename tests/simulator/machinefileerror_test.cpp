@@ -1,10 +1,10 @@
 #include "simulator/machinefile.h"
 
-#include <ostream>
+#include "tests/simulator/machinesample.h"
 
 #include <gtest/gtest.h>
 
-#include "tests/simulator/machinesample.h"
+#include <ostream>
 
 namespace
 {

@@ -1,8 +1,8 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "simulator/machinefile.h"
 #include "tests/simulator/machinefacts.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 // What all machines that ship promise to those who work with them.
 namespace

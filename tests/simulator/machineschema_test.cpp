@@ -1,11 +1,3 @@
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <set>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "simulator/machinefile.h"
 #include "simulator/machinefilekeys.h"
 #include "simulator/machinejson.h"
@@ -14,6 +6,14 @@
 #include "simulator/machinenodetypes.h"
 #include "tests/simulator/machinesample.h"
 #include "tests/simulator/machineschemavalidator.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
 
 // The schema and the reader are written down apart; these tests hold them together.
 namespace

@@ -2,6 +2,8 @@
 /// error of the test, so that none is passed over.
 #pragma once
 
+#include "simulator/machinejson.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <map>
@@ -9,8 +11,6 @@
 #include <set>
 #include <stdexcept>
 #include <string>
-
-#include "simulator/machinejson.h"
 
 class MachineSchemaValidator
 {

@@ -1,10 +1,10 @@
-#include <set>
+#include "simulator/machinefile.h"
+#include "tests/simulator/machinefacts.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "simulator/machinefile.h"
-#include "tests/simulator/machinefacts.h"
+#include <set>
 
 // What each machine that ships is there for.
 namespace
