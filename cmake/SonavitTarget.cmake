@@ -114,3 +114,18 @@ function(sonavit_copy_compiler_runtime folder)
     file(COPY ${files} DESTINATION "${folder}")
   endif()
 endfunction()
+
+# What most sources of a product read, read once. Only for builds beside one that goes without: that one finds the
+# include that a source forgot.
+function(sonavit_precompile_products)
+  set(standard <algorithm> <atomic> <functional> <map> <memory> <mutex> <string> <vector>)
+  target_precompile_headers(Sonavit PRIVATE ${standard} <libSonavit/libsonavit.h>)
+  if(TARGET SonavitSimulator)
+    target_precompile_headers(SonavitSimulator PRIVATE ${standard} <simulator/machine.h> <nlohmann/json.hpp>)
+  endif()
+  if(TARGET sonavit-commands)
+    target_precompile_headers(
+      sonavit-commands PRIVATE ${standard} <libSonavit/libsonavit.h> <simulator/machine.h> <nlohmann/json.hpp>
+    )
+  endif()
+endfunction()
