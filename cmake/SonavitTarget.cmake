@@ -115,17 +115,32 @@ function(sonavit_copy_compiler_runtime folder)
   endif()
 endfunction()
 
-# What most sources of a product read, read once. Only for builds beside one that goes without: that one finds the
-# include that a source forgot.
+# sonavit_precompile(<target> <header>...): reads the headers once for all sources of the target, but for those that
+# must read the platform's headers in their own way.
+function(sonavit_precompile target)
+  target_precompile_headers(${target} PRIVATE ${ARGN})
+  get_target_property(sources ${target} SOURCES)
+  foreach(source IN LISTS sources)
+    cmake_path(ABSOLUTE_PATH source)
+    file(STRINGS "${source}" own LIMIT_COUNT 1 REGEX "\"platform/(windows/defineidentifiers|portable/coreaudio)\\.h\"")
+    if(own)
+      set_source_files_properties(
+        "${source}" TARGET_DIRECTORY ${target} PROPERTIES SKIP_PRECOMPILE_HEADERS ON
+      )
+    endif()
+  endforeach()
+endfunction()
+
+# The products' sources. Only for builds beside one that goes without: that one finds the include that a source forgot.
 function(sonavit_precompile_products)
   set(standard <algorithm> <atomic> <functional> <map> <memory> <mutex> <string> <vector>)
-  target_precompile_headers(Sonavit PRIVATE ${standard} <libSonavit/libsonavit.h>)
+  sonavit_precompile(Sonavit ${standard} <libSonavit/libsonavit.h>)
   if(TARGET SonavitSimulator)
-    target_precompile_headers(SonavitSimulator PRIVATE ${standard} <simulator/machine.h> <nlohmann/json.hpp>)
+    sonavit_precompile(SonavitSimulator ${standard} <simulator/machine.h> <nlohmann/json.hpp>)
   endif()
   if(TARGET sonavit-commands)
-    target_precompile_headers(
-      sonavit-commands PRIVATE ${standard} <libSonavit/libsonavit.h> <simulator/machine.h> <nlohmann/json.hpp>
+    sonavit_precompile(
+      sonavit-commands ${standard} <libSonavit/libsonavit.h> <simulator/machine.h> <nlohmann/json.hpp>
     )
   endif()
 endfunction()

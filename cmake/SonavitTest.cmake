@@ -20,7 +20,7 @@ function(sonavit_build_tests_quickly target libraries)
     if("test_support" IN_LIST libraries)
       list(APPEND headers "${PROJECT_SOURCE_DIR}/tests/support/librarytest.h" <libSonavit/libsonavit.h>)
     endif()
-    target_precompile_headers(${target} PRIVATE ${headers})
+    sonavit_precompile(${target} ${headers})
   endif()
 endfunction()
 
