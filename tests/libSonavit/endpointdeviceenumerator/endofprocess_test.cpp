@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <list>
 
 using libSonavit::AudioDeviceEnumeratorFactory;
 using support::CallList;
@@ -41,13 +42,12 @@ __attribute__((section(".preinit_array"), used)) void (*const beforeAllLibraries
 /// Ends the process with @p clients registered.
 [[noreturn]] void endWithClients(unsigned int clients)
 {
-    watched = new sim::Simulation({}); // outlives the library, as the real platform does
-    CallList* const calls = new CallList;
+    watched = new sim::Simulation({}); // outlives the library, as the real platform does, and so do the clients
+    static CallList* const calls = new CallList;
+    static std::list<CountedClient>* const list = new std::list<CountedClient>;
     for (unsigned int i = 0; i < clients; ++i)
-    {
-        auto* const client = new CountedClient(*calls, std::to_string(i)); // ends with the process
-        AudioDeviceEnumeratorFactory::enumerator()->addNotificationClient(client->handle());
-    }
+        AudioDeviceEnumeratorFactory::enumerator()->addNotificationClient(
+            list->emplace_back(*calls, "client").handle());
     watched->journal().clear();
     watched->journal().recordReferences(true);
     std::exit(0);
