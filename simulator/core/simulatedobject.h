@@ -123,7 +123,7 @@ HRESULT SimulatedObject::query(REFIID iid, void** object, const Find& find)
         *object = find();
         if (*object == nullptr)
             return E_NOINTERFACE;
-        addReference();
+        ++m_references;
         return S_OK;
     };
     if (!isWatched())

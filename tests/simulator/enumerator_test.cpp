@@ -1,0 +1,216 @@
+#include "tests/simulator/bench.h"
+
+namespace
+{
+using bench::Held;
+using bench::poison;
+using bench::textOf;
+using bench::Wide;
+using testing::ElementsAre;
+
+class SimulatedEnumerator : public bench::SimulationTest
+{
+protected:
+    std::vector<std::string> listed(EDataFlow flow, DWORD mask)
+    {
+        Held<IMMDeviceCollection> collection;
+        EXPECT_EQ(S_OK, enumerator->EnumAudioEndpoints(flow, mask, collection.put()));
+        return idsOf(collection);
+    }
+
+    static std::vector<std::string> idsOf(const Held<IMMDeviceCollection>& collection)
+    {
+        UINT count = 0;
+        EXPECT_EQ(S_OK, collection->GetCount(&count));
+        std::vector<std::string> ids;
+        for (UINT index = 0; index < count; ++index)
+        {
+            Held<IMMDevice> item;
+            EXPECT_EQ(S_OK, collection->Item(index, item.put()));
+            ids.push_back(textOf(item, &IMMDevice::GetId));
+        }
+        return ids;
+    }
+
+    Held<IMMDeviceEnumerator> enumerator = createdEnumerator();
+};
+
+using SimulatedEnumeratorList = SimulatedEnumerator;
+using SimulatedEnumeratorDefault = SimulatedEnumerator;
+using SimulatedEnumeratorGetDevice = SimulatedEnumerator;
+using SimulatedEnumeratorClients = SimulatedEnumerator;
+
+TEST_F(SimulatedEnumeratorList, ListsTheEndpointsOfAFlowInTheMachinesOrder)
+{
+    EXPECT_THAT(listed(eRender, DEVICE_STATEMASK_ALL), ElementsAre(speakerId, earphoneId));
+    EXPECT_THAT(listed(eCapture, DEVICE_STATEMASK_ALL), ElementsAre(microphoneId, lineInId));
+    EXPECT_THAT(listed(eAll, DEVICE_STATEMASK_ALL), ElementsAre(speakerId, microphoneId, lineInId, earphoneId));
+}
+
+TEST_F(SimulatedEnumeratorList, ListsOnlyTheStatesOfTheMask)
+{
+    EXPECT_THAT(listed(eCapture, DEVICE_STATE_UNPLUGGED), ElementsAre(microphoneId));
+    EXPECT_THAT(listed(eCapture, DEVICE_STATE_ACTIVE | DEVICE_STATE_DISABLED), ElementsAre(lineInId));
+    EXPECT_THAT(listed(eCapture, DEVICE_STATE_NOTPRESENT), ElementsAre());
+}
+
+TEST_F(SimulatedEnumeratorList, LeavesOutWhatIsNotInstalled)
+{
+    simulation.events().remove(speakerId);
+
+    EXPECT_THAT(listed(eRender, DEVICE_STATEMASK_ALL), ElementsAre(earphoneId));
+}
+
+TEST_F(SimulatedEnumeratorList, GivesASnapshotThatLaterEventsDoNotTouch)
+{
+    Held<IMMDeviceCollection> collection;
+    ASSERT_EQ(S_OK, enumerator->EnumAudioEndpoints(eRender, DEVICE_STATE_ACTIVE, collection.put()));
+
+    simulation.events().unplug(speakerId);
+    simulation.events().remove(earphoneId);
+
+    EXPECT_THAT(idsOf(collection), ElementsAre(speakerId, earphoneId));
+}
+
+TEST_F(SimulatedEnumeratorList, RefusesMasksAndFlowsThatDoNotExist)
+{
+    for (const DWORD mask : {0x0u, 0x10u, 0xFFu})
+    {
+        auto* collection = poison<IMMDeviceCollection>();
+        EXPECT_EQ(E_INVALIDARG, enumerator->EnumAudioEndpoints(eRender, mask, &collection));
+        EXPECT_EQ(nullptr, collection);
+    }
+    auto* collection = poison<IMMDeviceCollection>();
+    EXPECT_EQ(E_INVALIDARG, enumerator->EnumAudioEndpoints(EDataFlow_enum_count, 15, &collection));
+    EXPECT_EQ(nullptr, collection);
+    EXPECT_EQ(E_POINTER, enumerator->EnumAudioEndpoints(eRender, 15, nullptr));
+}
+
+TEST_F(SimulatedEnumeratorList, RefusesAnItemPastTheEndAndStoresNull)
+{
+    Held<IMMDeviceCollection> collection;
+    ASSERT_EQ(S_OK, enumerator->EnumAudioEndpoints(eRender, 15, collection.put()));
+
+    auto* item = poison<IMMDevice>();
+    EXPECT_EQ(E_INVALIDARG, collection->Item(2, &item));
+    EXPECT_EQ(nullptr, item);
+    EXPECT_EQ(E_POINTER, collection->Item(0, nullptr));
+    EXPECT_EQ(E_POINTER, collection->GetCount(nullptr));
+}
+
+TEST_F(SimulatedEnumeratorDefault, GivesTheDefaultOfAFlowAndRole)
+{
+    Held<IMMDevice> found;
+    ASSERT_EQ(S_OK, enumerator->GetDefaultAudioEndpoint(eRender, eConsole, found.put()));
+
+    EXPECT_EQ(speakerId, textOf(found, &IMMDevice::GetId));
+}
+
+TEST_F(SimulatedEnumeratorDefault, IsNotFoundWhereThereIsNone)
+{
+    simulation.events().clearDefault(eRender, eConsole);
+
+    auto* found = poison<IMMDevice>();
+    EXPECT_EQ(E_NOTFOUND, enumerator->GetDefaultAudioEndpoint(eRender, eConsole, &found));
+    EXPECT_EQ(nullptr, found);
+    Held<IMMDevice> other;
+    EXPECT_EQ(S_OK, enumerator->GetDefaultAudioEndpoint(eRender, eMultimedia, other.put()));
+}
+
+TEST_F(SimulatedEnumeratorDefault, RefusesFlowsAndRolesThatHaveNoDefault)
+{
+    auto* found = poison<IMMDevice>();
+    EXPECT_EQ(E_INVALIDARG, enumerator->GetDefaultAudioEndpoint(eAll, eConsole, &found));
+    EXPECT_EQ(nullptr, found);
+    EXPECT_EQ(E_INVALIDARG, enumerator->GetDefaultAudioEndpoint(eRender, ERole_enum_count, &found));
+}
+
+TEST_F(SimulatedEnumeratorGetDevice, FindsAnEndpointWithoutRegardToCase)
+{
+    std::string shouted = speakerId;
+    for (char& character : shouted)
+        character = static_cast<char>(std::toupper(character));
+
+    Held<IMMDevice> found;
+    ASSERT_EQ(S_OK, enumerator->GetDevice(Wide(shouted), found.put()));
+
+    EXPECT_EQ(speakerId, textOf(found, &IMMDevice::GetId));
+}
+
+TEST_F(SimulatedEnumeratorGetDevice, OpensAnAdapterWhichIsNoEndpoint)
+{
+    Held<IMMDevice> found;
+    ASSERT_EQ(S_OK, enumerator->GetDevice(Wide(codecId), found.put()));
+
+    void* endpoint = poison<void>();
+    EXPECT_EQ(E_NOINTERFACE, found->QueryInterface(sim::InterfaceTraits<IMMEndpoint>::iid(), &endpoint));
+    EXPECT_EQ(nullptr, endpoint);
+    EXPECT_EQ(codecId, textOf(found, &IMMDevice::GetId));
+}
+
+TEST_F(SimulatedEnumeratorGetDevice, DoesNotFindUnknownOrEmptyIds)
+{
+    for (const char* id : {"", "{0.0.0.00000000}.{11111111-2222-3333-4444-555555555555}"})
+    {
+        auto* found = poison<IMMDevice>();
+        EXPECT_EQ(E_NOTFOUND, enumerator->GetDevice(Wide(id), &found));
+        EXPECT_EQ(nullptr, found);
+    }
+}
+
+TEST_F(SimulatedEnumeratorGetDevice, RefusesNullPointers)
+{
+    auto* found = poison<IMMDevice>();
+    EXPECT_EQ(E_POINTER, enumerator->GetDevice(nullptr, &found));
+    EXPECT_EQ(nullptr, found);
+    EXPECT_EQ(E_POINTER, enumerator->GetDevice(Wide(speakerId), nullptr));
+}
+
+TEST_F(SimulatedEnumeratorGetDevice, FindsARemovedEndpointButNothingThatCannotBeOpened)
+{
+    simulation.events().remove(speakerId);
+    simulation.change([&](sim::Machine& machine) { machine.endpoint(earphoneId)->openable = false; });
+
+    Held<IMMDevice> found;
+    EXPECT_EQ(S_OK, enumerator->GetDevice(Wide(speakerId), found.put()));
+    EXPECT_EQ(E_NOTFOUND, enumerator->GetDevice(Wide(earphoneId), found.put()));
+}
+
+TEST_F(SimulatedEnumeratorClients, HoldsOneReferenceForEachRegistration)
+{
+    bench::ClientListener client;
+
+    EXPECT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&client));
+    EXPECT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&client));
+    EXPECT_EQ(3u, client.references);
+    EXPECT_EQ(2, simulation.census().clients.at("IMMNotificationClient"));
+
+    EXPECT_EQ(S_OK, enumerator->UnregisterEndpointNotificationCallback(&client));
+    EXPECT_EQ(2u, client.references);
+    EXPECT_EQ(S_OK, enumerator->UnregisterEndpointNotificationCallback(&client));
+    EXPECT_EQ(1u, client.references);
+}
+
+TEST_F(SimulatedEnumeratorClients, DoesNotFindAClientThatIsNotRegistered)
+{
+    bench::ClientListener client;
+
+    EXPECT_EQ(E_NOTFOUND, enumerator->UnregisterEndpointNotificationCallback(&client));
+    EXPECT_EQ(1u, client.references);
+    EXPECT_EQ(E_POINTER, enumerator->RegisterEndpointNotificationCallback(nullptr));
+    EXPECT_EQ(E_POINTER, enumerator->UnregisterEndpointNotificationCallback(nullptr));
+}
+
+TEST_F(SimulatedEnumeratorClients, KeepsRegistrationsWhenTheEnumeratorGoes)
+{
+    bench::ClientListener client;
+    ASSERT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&client));
+    simulation.deliverAtOnce(true);
+
+    enumerator = createdEnumerator();
+    simulation.events().plug(microphoneId);
+
+    EXPECT_THAT(client.heard(), ElementsAre("state " + microphoneId + " 1"));
+    EXPECT_EQ(S_OK, enumerator->UnregisterEndpointNotificationCallback(&client));
+}
+}

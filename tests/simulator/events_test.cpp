@@ -1,0 +1,383 @@
+#include "tests/simulator/bench.h"
+
+#include <stdexcept>
+
+#include "simulator/machinekeys.h"
+
+namespace
+{
+using bench::Held;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class EventsOfSimulation : public bench::SimulationTest
+{
+protected:
+    EventsOfSimulation() { EXPECT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&client)); }
+
+    ~EventsOfSimulation() override
+    {
+        EXPECT_EQ(S_OK, enumerator->UnregisterEndpointNotificationCallback(&client));
+        EXPECT_EQ(1u, client.references);
+    }
+
+    Held<IMMDeviceEnumerator> enumerator{simulation.enumerator()};
+    bench::ClientListener client;
+};
+
+using EventsThread = EventsOfSimulation;
+using EventsAtOnce = EventsOfSimulation;
+using EventsClients = EventsOfSimulation;
+using EventsScript = EventsOfSimulation;
+
+TEST_F(EventsThread, IsTheMachinesOwn)
+{
+    simulation.events().plug(microphoneId);
+    simulation.events().settle();
+
+    EXPECT_THAT(client.heard(), ElementsAre("state " + microphoneId + " 1"));
+    EXPECT_NE(std::this_thread::get_id(), client.thread());
+    EXPECT_EQ(client.thread(), simulation.journal().of("IMMNotificationClient::*")[0].thread);
+}
+
+TEST_F(EventsThread, DeliversInTheOrderInWhichThingsHappened)
+{
+    simulation.events().unplug(speakerId);
+    simulation.events().remove(earphoneId);
+    simulation.events().plug(speakerId);
+    simulation.events().settle();
+
+    EXPECT_THAT(client.heard(),
+                ElementsAre("state " + speakerId + " 8", "removed " + earphoneId, "state " + speakerId + " 1"));
+}
+
+TEST_F(EventsThread, HasCom)
+{
+    HRESULT created = E_FAIL;
+    simulation.faults().run("IMMDevice::GetState",
+                            [&]
+                            {
+                                Held<IMMDeviceEnumerator> own;
+                                created =
+                                    CoCreateInstance(bench::enumeratorClass, nullptr, CLSCTX_INPROC_SERVER,
+                                                     sim::InterfaceTraits<IMMDeviceEnumerator>::iid(), own.putVoid());
+                            });
+    struct Asking : bench::ClientListener
+    {
+        HRESULT STDMETHODCALLTYPE OnDeviceAdded(LPCWSTR) override
+        {
+            DWORD state = 0;
+            return device->GetState(&state);
+        }
+        Held<IMMDevice> device;
+    } asking;
+    asking.device = device(speakerId);
+    ASSERT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&asking));
+
+    simulation.events().add(speakerId);
+    simulation.events().settle();
+
+    EXPECT_EQ(S_OK, created);
+    EXPECT_EQ(S_OK, enumerator->UnregisterEndpointNotificationCallback(&asking));
+}
+
+TEST_F(EventsThread, DropsWhatIsNotDeliveredWhenTheSimulationEnds)
+{
+    bench::ClientListener lateClient;
+    {
+        sim::Simulation other(simulation.machine());
+        Held<IMMDeviceEnumerator> its(other.enumerator());
+        ASSERT_EQ(S_OK, its->RegisterEndpointNotificationCallback(&lateClient));
+        other.change(
+            [&](sim::Machine& machine)
+            {
+                sim::ScriptEvent late;
+                late.afterMilliseconds = 60 * 60 * 1000;
+                late.endpoint = speakerId;
+                machine.script = {late};
+            });
+        other.events().playScript();
+        EXPECT_EQ(S_OK, its->UnregisterEndpointNotificationCallback(&lateClient));
+    }
+
+    EXPECT_THAT(lateClient.heard(), IsEmpty());
+}
+
+TEST_F(EventsAtOnce, AreHeardOnTheCallingThreadBeforeTheCallReturns)
+{
+    simulation.deliverAtOnce(true);
+
+    simulation.events().plug(microphoneId);
+
+    EXPECT_THAT(client.heard(), ElementsAre("state " + microphoneId + " 1"));
+    EXPECT_EQ(std::this_thread::get_id(), client.thread());
+}
+
+TEST_F(EventsAtOnce, TellOfEveryKindOfChange)
+{
+    simulation.deliverAtOnce(true);
+    sim::Events& events = simulation.events();
+
+    events.add(earphoneId);
+    events.remove(earphoneId);
+    events.setState(speakerId, sim::stateDisabled);
+    events.setDefault(earphoneId, eMultimedia);
+    events.clearDefault(eRender, eConsole);
+    events.setProperty(speakerId, sim::keys::friendlyName, sim::PropertyValue::ofText("Other"));
+
+    EXPECT_THAT(client.heard(),
+                ElementsAre("added " + earphoneId, "removed " + earphoneId, "state " + speakerId + " 2",
+                            "default 0 1 " + earphoneId, "default 0 0 null", "property " + speakerId + " 6"));
+    const sim::Machine machine = simulation.machine();
+    EXPECT_FALSE(machine.endpoint(earphoneId)->installed);
+    EXPECT_EQ(sim::stateDisabled, machine.endpoint(speakerId)->state);
+    EXPECT_EQ(earphoneId, machine.defaultEndpoint(eRender, eMultimedia)->id);
+    EXPECT_EQ(nullptr, machine.defaultEndpoint(eRender, eConsole));
+    EXPECT_EQ("Other", sim::findProperty(machine.endpoint(speakerId)->properties, sim::keys::friendlyName)->text);
+}
+
+TEST_F(EventsAtOnce, GiveTheMachineAnEndpointThatItDidNotHave)
+{
+    simulation.deliverAtOnce(true);
+    sim::Endpoint fresh = *simulation.machine().endpoint(earphoneId);
+    fresh.id = "{0.0.0.00000000}.{fresh}";
+    fresh.topology.reset();
+
+    simulation.events().add(fresh);
+
+    EXPECT_THAT(client.heard(), ElementsAre("added " + fresh.id));
+    Held<IMMDevice> found;
+    EXPECT_EQ(S_OK, enumerator->GetDevice(bench::Wide(fresh.id), found.put()));
+    EXPECT_THROW(simulation.events().add(fresh), std::invalid_argument);
+}
+
+TEST_F(EventsAtOnce, CanBeAnnouncedWithoutAnyChange)
+{
+    simulation.deliverAtOnce(true);
+    const sim::Machine before = simulation.machine();
+    sim::Events& events = simulation.events();
+
+    events.announceAdded("{unknown}");
+    events.announceRemoved(speakerId);
+    events.announceState(speakerId, 4);
+    events.announceDefault(eCapture, eConsole, lineInId);
+    events.announceProperty(speakerId, sim::keys::deviceFormat);
+
+    EXPECT_THAT(client.heard(), ElementsAre("added {unknown}", "removed " + speakerId, "state " + speakerId + " 4",
+                                            "default 1 0 " + lineInId, "property " + speakerId + " 0"));
+    EXPECT_EQ(before, simulation.machine());
+}
+
+TEST_F(EventsAtOnce, RefuseAnEndpointThatTheMachineHasNot)
+{
+    EXPECT_THROW(simulation.events().plug("{unknown}"), std::invalid_argument);
+    EXPECT_THROW(simulation.events().add("{unknown}"), std::invalid_argument);
+    EXPECT_THROW(simulation.events().setVolume("{unknown}", 0.0f), std::invalid_argument);
+    EXPECT_THROW(simulation.events().setDefault(codecId, eConsole), std::invalid_argument);
+}
+
+TEST_F(EventsAtOnce, AreHeardOfAPropertyThatIsCommitted)
+{
+    simulation.deliverAtOnce(true);
+    Held<IPropertyStore> store;
+    ASSERT_EQ(S_OK, device(speakerId)->OpenPropertyStore(STGM_READWRITE, store.put()));
+    PROPVARIANT number;
+    PropVariantInit(&number);
+    number.vt = VT_UI4;
+    number.ulVal = 4;
+
+    ASSERT_EQ(S_OK, store->SetValue(sim::keys::speakerConfig, number));
+    EXPECT_THAT(client.heard(), IsEmpty());
+    ASSERT_EQ(S_OK, store->Commit());
+
+    EXPECT_THAT(client.heard(), ElementsAre("property " + speakerId + " 3"));
+}
+
+TEST_F(EventsClients, AreCalledInTheOrderOfTheirRegistrationAndAsOftenAsTheyRegistered)
+{
+    simulation.deliverAtOnce(true);
+    std::vector<std::string> order;
+    struct Ordered : bench::ClientListener
+    {
+        HRESULT STDMETHODCALLTYPE OnDeviceAdded(LPCWSTR) override
+        {
+            order->push_back(name);
+            return E_FAIL;
+        }
+        std::string name;
+        std::vector<std::string>* order = nullptr;
+    } first, second;
+    first.name = "first";
+    second.name = "second";
+    first.order = second.order = &order;
+    enumerator->RegisterEndpointNotificationCallback(&second);
+    enumerator->RegisterEndpointNotificationCallback(&first);
+    enumerator->RegisterEndpointNotificationCallback(&second);
+
+    simulation.events().add(speakerId);
+
+    EXPECT_THAT(order, ElementsAre("second", "first", "second"));
+    EXPECT_EQ(3u, simulation.journal().of("IMMNotificationClient::OnDeviceAdded").failed().size());
+    enumerator->UnregisterEndpointNotificationCallback(&second);
+    enumerator->UnregisterEndpointNotificationCallback(&first);
+    enumerator->UnregisterEndpointNotificationCallback(&second);
+}
+
+TEST_F(EventsClients, MaySignOffInTheirOwnCallback)
+{
+    struct Leaving : bench::ClientListener
+    {
+        HRESULT STDMETHODCALLTYPE OnDeviceAdded(LPCWSTR id) override
+        {
+            bench::ClientListener::OnDeviceAdded(id);
+            referencesInside = references;
+            return owner->UnregisterEndpointNotificationCallback(this);
+        }
+        IMMDeviceEnumerator* owner = nullptr;
+        ULONG referencesInside = 0;
+    } leaving;
+    leaving.owner = enumerator.get();
+    ASSERT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&leaving));
+
+    simulation.events().add(speakerId);
+    simulation.events().add(earphoneId);
+    simulation.events().settle();
+
+    EXPECT_THAT(leaving.heard(), ElementsAre("added " + speakerId));
+    EXPECT_EQ(2u, leaving.referencesInside);
+    EXPECT_EQ(1u, leaving.references);
+}
+
+TEST_F(EventsClients, AreWaitedForWhenTheySignOffOnAnotherThread)
+{
+    struct Slow : bench::ClientListener
+    {
+        HRESULT STDMETHODCALLTYPE OnDeviceAdded(LPCWSTR) override
+        {
+            isInside = true;
+            while (!isSigningOff)
+                std::this_thread::yield();
+            for (int turn = 0; turn < 1000; ++turn)
+                std::this_thread::yield();
+            isInside = false;
+            return S_OK;
+        }
+        std::atomic<bool> isInside{false};
+        std::atomic<bool> isSigningOff{false};
+    } slow;
+    ASSERT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&slow));
+    simulation.events().add(speakerId);
+    while (!slow.isInside)
+        std::this_thread::yield();
+
+    slow.isSigningOff = true;
+    EXPECT_EQ(S_OK, enumerator->UnregisterEndpointNotificationCallback(&slow));
+
+    EXPECT_FALSE(slow.isInside);
+    EXPECT_EQ(1u, slow.references);
+}
+
+TEST_F(EventsClients, MayEndTheSimulationInACallback)
+{
+    auto other = std::make_unique<sim::Simulation>(simulation.machine());
+    struct Ending : bench::ClientListener
+    {
+        HRESULT STDMETHODCALLTYPE OnDeviceAdded(LPCWSTR) override
+        {
+            simulation->reset();
+            isDone = true;
+            return S_OK;
+        }
+        std::unique_ptr<sim::Simulation>* simulation = nullptr;
+        std::atomic<bool> isDone{false};
+    } ending;
+    ending.simulation = &other;
+    Held<IMMDeviceEnumerator> its(other->enumerator());
+    ASSERT_EQ(S_OK, its->RegisterEndpointNotificationCallback(&ending));
+
+    other->events().add(speakerId);
+    while (!ending.isDone)
+        std::this_thread::yield();
+
+    EXPECT_EQ(S_OK, its->UnregisterEndpointNotificationCallback(&ending));
+}
+
+TEST_F(EventsScript, PlaysInOrderOnTheNotificationThread)
+{
+    simulation.change(
+        [&](sim::Machine& machine)
+        {
+            sim::ScriptEvent event;
+            event.endpoint = microphoneId;
+            event.kind = sim::ScriptEvent::Kind::plugged;
+            machine.script.push_back(event);
+            event.kind = sim::ScriptEvent::Kind::unplugged;
+            event.afterMilliseconds = 5;
+            machine.script.push_back(event);
+            event.kind = sim::ScriptEvent::Kind::removed;
+            machine.script.push_back(event);
+        });
+
+    simulation.events().playScript();
+    simulation.events().settle();
+
+    EXPECT_THAT(client.heard(),
+                ElementsAre("state " + microphoneId + " 1", "state " + microphoneId + " 8", "removed " + microphoneId));
+    EXPECT_NE(std::this_thread::get_id(), client.thread());
+}
+
+TEST_F(EventsScript, PlaysWhollyAtOnceWhereThatIsAskedFor)
+{
+    simulation.deliverAtOnce(true);
+    simulation.change(
+        [&](sim::Machine& machine)
+        {
+            sim::ScriptEvent event;
+            event.afterMilliseconds = 60 * 60 * 1000;
+            event.endpoint = lineInId;
+            event.kind = sim::ScriptEvent::Kind::stateChanged;
+            event.state = sim::stateNotPresent;
+            machine.script.push_back(event);
+            event.kind = sim::ScriptEvent::Kind::defaultChanged;
+            event.role = eCommunications;
+            machine.script.push_back(event);
+            event.endpoint.clear();
+            event.flow = eRender;
+            machine.script.push_back(event);
+            event.endpoint = "{unknown}";
+            machine.script.push_back(event); // passed over
+            event.endpoint = lineInId;
+            event.kind = sim::ScriptEvent::Kind::added;
+            machine.script.push_back(event);
+        });
+
+    simulation.events().playScript();
+
+    EXPECT_THAT(client.heard(), ElementsAre("state " + lineInId + " 4", "default 1 2 " + lineInId, "default 0 2 null",
+                                            "added " + lineInId));
+}
+
+TEST_F(EventsScript, SetsVolumesAndProperties)
+{
+    simulation.deliverAtOnce(true);
+    sim::ScriptEvent volumeChanged;
+    volumeChanged.kind = sim::ScriptEvent::Kind::volumeChanged;
+    volumeChanged.endpoint = speakerId;
+    volumeChanged.level = -20.0f;
+    volumeChanged.muted = true;
+    sim::ScriptEvent propertyChanged;
+    propertyChanged.kind = sim::ScriptEvent::Kind::propertyChanged;
+    propertyChanged.endpoint = speakerId;
+    propertyChanged.key = sim::keys::speakerConfig;
+    propertyChanged.value = sim::PropertyValue::ofNumber(63);
+
+    simulation.events().play(volumeChanged);
+    simulation.events().play(propertyChanged);
+
+    const sim::Machine machine = simulation.machine();
+    EXPECT_THAT(machine.endpoint(speakerId)->volume->channels, ElementsAre(-20.0f, -20.0f));
+    EXPECT_TRUE(machine.endpoint(speakerId)->volume->muted);
+    EXPECT_EQ(63u, sim::findProperty(machine.endpoint(speakerId)->properties, sim::keys::speakerConfig)->number);
+    EXPECT_THAT(client.heard(), ElementsAre("property " + speakerId + " 3"));
+}
+}
