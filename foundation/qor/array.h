@@ -27,52 +27,30 @@ class Array : public Serializable
 {
 public:
     /// An empty array of capacity 8. @exception NullPointer if its block cannot be had
-    Array() : m_block(allocate(smallestCapacity, 0))
-    {
-    }
+    Array() : m_block(allocate(smallestCapacity, 0)) {}
 
     /// Copies each element in order; the capacity is that of @p other.
-    Array(const Array& other) : Serializable(other), m_block(copyOf(other.m_block))
-    {
-    }
+    Array(const Array& other) : Serializable(other), m_block(copyOf(other.m_block)) {}
 
-    ~Array() noexcept(false) override
-    {
-        destroyBlock();
-    }
+    ~Array() noexcept(false) override { destroyBlock(); }
 
     /// Arrays that hold the same block are left alone. Otherwise the own elements go before the others are copied.
     Array& operator=(const Array& other);
 
     /// Number of elements.
-    unsigned int size() const
-    {
-        return m_block == nullptr ? 0 : m_block->count;
-    }
+    unsigned int size() const { return m_block == nullptr ? 0 : m_block->count; }
 
     /// Number of places in the block.
-    unsigned int capacity() const
-    {
-        return m_block == nullptr ? 0 : m_block->capacity;
-    }
+    unsigned int capacity() const { return m_block == nullptr ? 0 : m_block->capacity; }
 
     /// @exception IndexOutOfBounds (0, size - 1, index) where the array has no such element
-    T& operator[](unsigned int index)
-    {
-        return *element(checked(index));
-    }
-    const T& operator[](unsigned int index) const
-    {
-        return *element(checked(index));
-    }
+    T& operator[](unsigned int index) { return *element(checked(index)); }
+    const T& operator[](unsigned int index) const { return *element(checked(index)); }
 
     /// Adds a copy of @p value at the end; @p value may be an element of this array.
     /// @exception NullPointer if the array has to grow and cannot; it is unchanged then
     void append(const T& value);
-    void append(T& value)
-    {
-        append(static_cast<const T&>(value));
-    }
+    void append(T& value) { append(static_cast<const T&>(value)); }
 
     /// Destroys all elements and starts again with a block of capacity 8.
     void clear();
@@ -100,15 +78,10 @@ public:
     /// Refuses. @exception SerializationFailed always, naming @p name; @p out is left alone
     void serializeToXML(const String& name, String& out) override;
 
-    const String& objectClassName() override
-    {
-        return className();
-    }
+    const String& objectClassName() override { return className(); }
 
 protected:
-    void insertValueToContainer(int, const XmlElement*, String&) override
-    {
-    }
+    void insertValueToContainer(int, const XmlElement*, String&) override {}
 
 private:
     struct Block
@@ -135,23 +108,11 @@ private:
     static void copyElements(const Block* source, Block* target);
     static void destroyBlock(Block* block);
 
-    static T* places(Block* block)
-    {
-        return reinterpret_cast<T*>(block + 1);
-    }
-    static const T* places(const Block* block)
-    {
-        return reinterpret_cast<const T*>(block + 1);
-    }
+    static T* places(Block* block) { return reinterpret_cast<T*>(block + 1); }
+    static const T* places(const Block* block) { return reinterpret_cast<const T*>(block + 1); }
 
-    T* element(unsigned int index)
-    {
-        return places(m_block) + index;
-    }
-    const T* element(unsigned int index) const
-    {
-        return places(m_block) + index;
-    }
+    T* element(unsigned int index) { return places(m_block) + index; }
+    const T* element(unsigned int index) const { return places(m_block) + index; }
 
     IndexOutOfBounds outOfBounds(unsigned int index) const;
     unsigned int checked(unsigned int index) const;

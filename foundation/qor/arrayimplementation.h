@@ -7,21 +7,13 @@ template<class T>
 class Array<T>::BlockGuard
 {
 public:
-    explicit BlockGuard(Block* block) : m_block(block)
-    {
-    }
+    explicit BlockGuard(Block* block) : m_block(block) {}
     BlockGuard(const BlockGuard&) = delete;
     BlockGuard& operator=(const BlockGuard&) = delete;
 
-    ~BlockGuard()
-    {
-        destroyBlock(m_block);
-    }
+    ~BlockGuard() { destroyBlock(m_block); }
 
-    Block* block() const
-    {
-        return m_block;
-    }
+    Block* block() const { return m_block; }
 
     Block* release()
     {
@@ -38,9 +30,7 @@ template<class T>
 class Array<T>::GapGuard
 {
 public:
-    GapGuard(Block* block, unsigned int index) : m_block(block), m_index(index)
-    {
-    }
+    GapGuard(Block* block, unsigned int index) : m_block(block), m_index(index) {}
     GapGuard(const GapGuard&) = delete;
     GapGuard& operator=(const GapGuard&) = delete;
 
@@ -62,9 +52,7 @@ template<class T>
 class Array<T>::RestGuard
 {
 public:
-    explicit RestGuard(Block* block) : m_block(block), m_next(0)
-    {
-    }
+    explicit RestGuard(Block* block) : m_block(block), m_next(0) {}
     RestGuard(const RestGuard&) = delete;
     RestGuard& operator=(const RestGuard&) = delete;
 

@@ -37,9 +37,7 @@ AssertionFailure::AssertionFailure(const char* file, unsigned __int64 line, cons
 AssertionFailure::AssertionFailure(const AssertionFailure& other) noexcept = default;
 AssertionFailure::~AssertionFailure() = default;
 
-NullPointer::NullPointer(const String& message) : Exception(message)
-{
-}
+NullPointer::NullPointer(const String& message) : Exception(message) {}
 NullPointer::NullPointer(const NullPointer& other) noexcept = default;
 NullPointer::~NullPointer() = default;
 
@@ -53,15 +51,11 @@ IndexOutOfBounds::IndexOutOfBounds(int low, int high, int index)
 IndexOutOfBounds::IndexOutOfBounds(const IndexOutOfBounds& other) noexcept = default;
 IndexOutOfBounds::~IndexOutOfBounds() = default;
 
-SerializationFailed::SerializationFailed(const String& message) : Exception(message)
-{
-}
+SerializationFailed::SerializationFailed(const String& message) : Exception(message) {}
 SerializationFailed::SerializationFailed(const SerializationFailed& other) noexcept = default;
 SerializationFailed::~SerializationFailed() = default;
 
-HashKeyMissing::HashKeyMissing(const String& key) : Exception(key)
-{
-}
+HashKeyMissing::HashKeyMissing(const String& key) : Exception(key) {}
 HashKeyMissing::HashKeyMissing(const HashKeyMissing& other) noexcept = default;
 HashKeyMissing::~HashKeyMissing() = default;
 } // namespace qor

@@ -23,16 +23,10 @@ public:
     ~Exception() override;
 
     /// What happened, in the words of the thrower.
-    const String& message() const noexcept
-    {
-        return m_message;
-    }
+    const String& message() const noexcept { return m_message; }
 
     /// message() as UTF-8; valid while this object lives.
-    const char* what() const noexcept override
-    {
-        return m_utf8->c_str();
-    }
+    const char* what() const noexcept override { return m_utf8->c_str(); }
 
 private:
     String m_message;
@@ -50,18 +44,9 @@ public:
     AssertionFailure(const AssertionFailure& other) noexcept;
     ~AssertionFailure() override;
 
-    const char* file() const noexcept
-    {
-        return m_file;
-    }
-    unsigned __int64 line() const noexcept
-    {
-        return m_line;
-    }
-    const char* expression() const noexcept
-    {
-        return m_expression;
-    }
+    const char* file() const noexcept { return m_file; }
+    unsigned __int64 line() const noexcept { return m_line; }
+    const char* expression() const noexcept { return m_expression; }
 
 private:
     const char* m_file;
@@ -89,18 +74,9 @@ public:
     IndexOutOfBounds(const IndexOutOfBounds& other) noexcept;
     ~IndexOutOfBounds() override;
 
-    int low() const noexcept
-    {
-        return m_low;
-    }
-    int high() const noexcept
-    {
-        return m_high;
-    }
-    int index() const noexcept
-    {
-        return m_index;
-    }
+    int low() const noexcept { return m_low; }
+    int high() const noexcept { return m_high; }
+    int index() const noexcept { return m_index; }
 
 private:
     int m_low;
@@ -125,9 +101,6 @@ public:
     HashKeyMissing(const HashKeyMissing& other) noexcept;
     ~HashKeyMissing() override;
 
-    const String& key() const noexcept
-    {
-        return message();
-    }
+    const String& key() const noexcept { return message(); }
 };
 } // namespace qor

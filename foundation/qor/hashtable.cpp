@@ -18,9 +18,7 @@ std::uint64_t mixed(std::uint64_t state, std::uint64_t word)
 
 _BucketBase::~_BucketBase() noexcept(false) = default;
 
-_HashTableRep::_HashTableRep(unsigned int bucketCount) : m_heads(bucketCount == 0 ? 1 : bucketCount, nullptr)
-{
-}
+_HashTableRep::_HashTableRep(unsigned int bucketCount) : m_heads(bucketCount == 0 ? 1 : bucketCount, nullptr) {}
 
 // Built as an empty table first, so that the destructor cleans up if a copy throws.
 _HashTableRep::_HashTableRep(const _HashTableRep& other) : _HashTableRep(other.length())

@@ -15,9 +15,7 @@ namespace qor
 class QOR_API _BucketBase
 {
 public:
-    _BucketBase() noexcept : next(nullptr)
-    {
-    }
+    _BucketBase() noexcept : next(nullptr) {}
     virtual ~_BucketBase() noexcept(false); // keys and values may let an exception pass, see qor/resource.h
     _BucketBase(const _BucketBase&) = delete;
     _BucketBase& operator=(const _BucketBase&) = delete;
@@ -35,18 +33,10 @@ template<class K, class V, class Eq>
 class _Bucket final : public _BucketBase
 {
 public:
-    _Bucket(const K& entryKey, const V& entryValue) : key(entryKey), value(entryValue)
-    {
-    }
+    _Bucket(const K& entryKey, const V& entryValue) : key(entryKey), value(entryValue) {}
 
-    bool matches(const void* other) const override
-    {
-        return Eq::equal(key, *static_cast<const K*>(other));
-    }
-    _BucketBase* clone() const override
-    {
-        return new (std::nothrow) _Bucket(key, value);
-    }
+    bool matches(const void* other) const override { return Eq::equal(key, *static_cast<const K*>(other)); }
+    _BucketBase* clone() const override { return new (std::nothrow) _Bucket(key, value); }
 
     K key;
     V value;
@@ -81,14 +71,8 @@ public:
     void insertWithoutCheck(unsigned int hash, _BucketBase* bucket, const void* key);
 
     /// The chain heads, from heads() up to, not including, heads() + length().
-    _BucketBase** heads() noexcept
-    {
-        return m_heads.data();
-    }
-    unsigned int length() const noexcept
-    {
-        return static_cast<unsigned int>(m_heads.size());
-    }
+    _BucketBase** heads() noexcept { return m_heads.data(); }
+    unsigned int length() const noexcept { return static_cast<unsigned int>(m_heads.size()); }
 
 private:
     struct Entry
@@ -111,10 +95,7 @@ public:
     _HashTableIteratorBase(_BucketBase** first, _BucketBase** last);
 
     /// The bucket it stands at, null behind the last one.
-    _BucketBase* current() const noexcept
-    {
-        return m_current;
-    }
+    _BucketBase* current() const noexcept { return m_current; }
 
     _HashTableIteratorBase& operator++();
 
@@ -130,10 +111,7 @@ private:
 template<class T>
 struct EqualFunc
 {
-    static bool equal(const T& left, const T& right)
-    {
-        return left == right;
-    }
+    static bool equal(const T& left, const T& right) { return left == right; }
 };
 
 template<class T>
@@ -155,14 +133,9 @@ template<class K, class V, class Eq = EqualFunc<K>, class Hash = HashFunc<K>>
 class HashTable : public Serializable
 {
 public:
-    explicit HashTable(unsigned int bucketCount = 32) : m_table(bucketCount)
-    {
-    }
+    explicit HashTable(unsigned int bucketCount = 32) : m_table(bucketCount) {}
 
-    bool contains(const K& key) const
-    {
-        return lookup(key) != nullptr;
-    }
+    bool contains(const K& key) const { return lookup(key) != nullptr; }
 
     /// The value of @p key in its place, or null; valid until the table changes.
     V* lookup(const K& key)
@@ -195,10 +168,7 @@ public:
         static_cast<void>(bucket.release()); // the table's from here on
     }
 
-    void clear()
-    {
-        m_table.clear();
-    }
+    void clear() { m_table.clear(); }
 
     /// Writes keys and values as two arrays in the order of the chains.
     void serializeToXML(const String& name, String& out) override;

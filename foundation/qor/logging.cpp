@@ -100,9 +100,7 @@ LoggerStream& LoggerStream::operator+(unsigned __int64 value)
     return *this;
 }
 
-Logger::Logger(const char* channel) : m_channel(channel)
-{
-}
+Logger::Logger(const char* channel) : m_channel(channel) {}
 
 void Logger::log(LOGGER_PRIORITY priority, const LoggerStream& message)
 {

@@ -71,10 +71,7 @@ public:
     /// Hands one message to the sink, unconditionally: the tests stand in the logging statement. Any thread.
     void log(LOGGER_PRIORITY priority, const LoggerStream& message);
 
-    const char* channel() const noexcept
-    {
-        return m_channel.c_str();
-    }
+    const char* channel() const noexcept { return m_channel.c_str(); }
 
     /// The channel's own threshold: messages of a priority strictly above it are written. Set it before other threads
     /// log.

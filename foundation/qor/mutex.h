@@ -12,14 +12,8 @@ public:
     Mutex(const Mutex&) = delete;
     Mutex& operator=(const Mutex&) = delete;
 
-    void lock()
-    {
-        m_mutex.lock();
-    }
-    void unlock()
-    {
-        m_mutex.unlock();
-    }
+    void lock() { m_mutex.lock(); }
+    void unlock() { m_mutex.unlock(); }
 
 private:
     std::mutex m_mutex;

@@ -12,12 +12,8 @@ public:
     /// The argument of toString() that selects the plain decimal form, the only form there is.
     static constexpr unsigned int nilValue = 0xFFFFFFFFu;
 
-    QORValue(int value) noexcept : m_value(static_cast<unsigned int>(value)), m_negative(value < 0)
-    {
-    }
-    QORValue(unsigned int value) noexcept : m_value(value), m_negative(false)
-    {
-    }
+    QORValue(int value) noexcept : m_value(static_cast<unsigned int>(value)), m_negative(value < 0) {}
+    QORValue(unsigned int value) noexcept : m_value(value), m_negative(false) {}
     virtual ~QORValue();
 
     /// Decimal text, with a minus sign where the value was given as a negative int. Callers pass nilValue.

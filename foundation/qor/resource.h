@@ -24,18 +24,9 @@ struct PointerStorage<X, 3, 2>
     using Element = X;
 
     static constexpr bool copyable = true;
-    static X* nil() noexcept
-    {
-        return nullptr;
-    }
-    static X* copy(X* source) noexcept
-    {
-        return source;
-    }
-    static void release(X*& value) noexcept
-    {
-        value = nullptr;
-    }
+    static X* nil() noexcept { return nullptr; }
+    static X* copy(X* source) noexcept { return source; }
+    static void release(X*& value) noexcept { value = nullptr; }
 };
 
 /// The owner: letting go deletes. There is no copy, such a handle is handed out by reference.
@@ -45,10 +36,7 @@ struct PointerStorage<X, 0, 3>
     using Element = X;
 
     static constexpr bool copyable = false;
-    static X* nil() noexcept
-    {
-        return nullptr;
-    }
+    static X* nil() noexcept { return nullptr; }
     static X* copy(X* source) = delete;
 
     static void release(X*& value) noexcept(false)
@@ -68,25 +56,16 @@ class CopiedResource
 public:
     using Element = typename Storage::Element;
 
-    CopiedResource() noexcept : m_value(Storage::nil())
-    {
-    }
+    CopiedResource() noexcept : m_value(Storage::nil()) {}
 
     /// Stores @p value as it is. A COM handle adopts the caller's reference: there is no AddRef.
-    CopiedResource(Element* value) noexcept : m_value(value)
-    {
-    }
+    CopiedResource(Element* value) noexcept : m_value(value) {}
 
     /// The storage's copy step; a COM handle takes a reference of its own.
-    CopiedResource(const CopiedResource& other) : m_value(Storage::copy(other.m_value))
-    {
-    }
+    CopiedResource(const CopiedResource& other) : m_value(Storage::copy(other.m_value)) {}
 
     /// The storage's release step.
-    ~CopiedResource() noexcept(false)
-    {
-        Storage::release(m_value);
-    }
+    ~CopiedResource() noexcept(false) { Storage::release(m_value); }
 
     /// Takes the new value before it lets go of the old one, so that another handle on the same object can be assigned.
     CopiedResource& operator=(const CopiedResource& other)
@@ -116,18 +95,9 @@ public:
         }
     }
 
-    Element* get() const noexcept
-    {
-        return m_value;
-    }
-    Element* operator->() const noexcept
-    {
-        return m_value;
-    }
-    Element& operator*() const noexcept
-    {
-        return *m_value;
-    }
+    Element* get() const noexcept { return m_value; }
+    Element* operator->() const noexcept { return m_value; }
+    Element& operator*() const noexcept { return *m_value; }
 
     friend bool operator==(const CopiedResource& handle, const Element* pointer) noexcept
     {
@@ -161,18 +131,10 @@ class SharedResourceDestroyer final : public SharedResourceDestroyerBase
 public:
     using Element = typename Storage::Element;
 
-    explicit SharedResourceDestroyer(Element* value) noexcept : m_value(value)
-    {
-    }
-    ~SharedResourceDestroyer() noexcept(false) override
-    {
-        Storage::release(m_value);
-    }
+    explicit SharedResourceDestroyer(Element* value) noexcept : m_value(value) {}
+    ~SharedResourceDestroyer() noexcept(false) override { Storage::release(m_value); }
 
-    void forget() override
-    {
-        m_value = Storage::nil();
-    }
+    void forget() override { m_value = Storage::nil(); }
 
 private:
     Element* m_value;
@@ -200,10 +162,7 @@ struct SharedResourceLock
 template<class Storage>
 struct SharedResourceLock<Storage, 0>
 {
-    static Mutex* mutex() noexcept
-    {
-        return nullptr;
-    }
+    static Mutex* mutex() noexcept { return nullptr; }
 };
 
 /// Counted owner of a resource: the last handle to go destroys it. With @p locking 0 the count is a plain number, so
@@ -215,9 +174,7 @@ class SharedResource
 public:
     using Element = typename Storage::Element;
 
-    SharedResource() noexcept : m_value(Storage::nil()), m_count(nullptr), m_destroyer(nullptr)
-    {
-    }
+    SharedResource() noexcept : m_value(Storage::nil()), m_count(nullptr), m_destroyer(nullptr) {}
 
     /// Owns @p value with a count of 1, also a null one. An allocation that fails leaves its field null and raises
     /// nothing.
@@ -234,10 +191,7 @@ public:
         share(other);
     }
 
-    ~SharedResource() noexcept(false)
-    {
-        release();
-    }
+    ~SharedResource() noexcept(false) { release(); }
 
     /// Gives up its own share first; that is safe, as @p other holds one of the other resource.
     SharedResource& operator=(const SharedResource& other)
@@ -249,18 +203,9 @@ public:
         return *this;
     }
 
-    Element* get() const noexcept
-    {
-        return m_value;
-    }
-    Element* operator->() const noexcept
-    {
-        return m_value;
-    }
-    Element& operator*() const noexcept
-    {
-        return *m_value;
-    }
+    Element* get() const noexcept { return m_value; }
+    Element* operator->() const noexcept { return m_value; }
+    Element& operator*() const noexcept { return *m_value; }
 
 private:
     void share(const SharedResource& other)

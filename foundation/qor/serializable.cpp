@@ -70,9 +70,7 @@ void readItems(const XmlElement& element, Array<T>& items)
 } // namespace
 
 Serializable::Serializable() = default;
-Serializable::Serializable(const Serializable&)
-{
-}
+Serializable::Serializable(const Serializable&) {}
 Serializable::~Serializable() noexcept(false) = default;
 
 Serializable& Serializable::operator=(const Serializable&)

@@ -15,23 +15,11 @@ class QOR_API XmlElement
 public:
     explicit XmlElement(const String& name);
 
-    const String& name() const noexcept
-    {
-        return m_name;
-    }
-    const String& text() const noexcept
-    {
-        return m_text;
-    }
-    void setText(const String& text)
-    {
-        m_text = text;
-    }
+    const String& name() const noexcept { return m_name; }
+    const String& text() const noexcept { return m_text; }
+    void setText(const String& text) { m_text = text; }
 
-    const std::vector<XmlElement>& children() const noexcept
-    {
-        return m_children;
-    }
+    const std::vector<XmlElement>& children() const noexcept { return m_children; }
 
     /// The first child called @p name, or null. Valid until this element changes.
     const XmlElement* child(const String& name) const noexcept;

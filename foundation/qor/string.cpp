@@ -92,13 +92,9 @@ char32_t nextPoint(std::string_view utf8, std::size_t& position)
 
 const unsigned short String::emptyText[1] = {0};
 
-String::String(const char* text) : m_buffer(widened(text))
-{
-}
+String::String(const char* text) : m_buffer(widened(text)) {}
 
-String::String(const unsigned short* text) : m_buffer(text == nullptr ? nullptr : copyOf(text, length(text)))
-{
-}
+String::String(const unsigned short* text) : m_buffer(text == nullptr ? nullptr : copyOf(text, length(text))) {}
 
 String& String::operator=(const char* text)
 {

@@ -24,17 +24,9 @@ class QOR_API String
 {
 public:
     /// The empty text; allocates nothing.
-    String() noexcept : m_buffer(nullptr)
-    {
-    }
-    String(const String& other) noexcept : m_buffer(other.m_buffer)
-    {
-        retain(m_buffer);
-    }
-    String(String&& other) noexcept : m_buffer(other.m_buffer)
-    {
-        other.m_buffer = nullptr;
-    }
+    String() noexcept : m_buffer(nullptr) {}
+    String(const String& other) noexcept : m_buffer(other.m_buffer) { retain(m_buffer); }
+    String(String&& other) noexcept : m_buffer(other.m_buffer) { other.m_buffer = nullptr; }
 
     /// Copies zero-terminated 8-bit text; units above 0x7F are Latin-1. Null reads as the empty text.
     String(const char* text);
@@ -42,10 +34,7 @@ public:
     /// Copies zero-terminated UCS-2 text, so that the source can be freed at once. Null reads as the empty text.
     String(const unsigned short* text);
 
-    ~String()
-    {
-        release(m_buffer);
-    }
+    ~String() { release(m_buffer); }
 
     String& operator=(const String& other) noexcept;
     String& operator=(String&& other) noexcept;
@@ -58,35 +47,23 @@ public:
     /// Adds @p text at the end. @return this object
     String& append(const char* text);
     String& append(const String& text);
-    String& operator+=(const String& text)
-    {
-        return append(text);
-    }
+    String& operator+=(const String& text) { return append(text); }
 
     /// Makes the text empty.
     void clear() noexcept;
 
     /// Number of code units.
-    unsigned int size() const noexcept
-    {
-        return m_buffer == nullptr ? 0 : m_buffer->size;
-    }
+    unsigned int size() const noexcept { return m_buffer == nullptr ? 0 : m_buffer->size; }
 
     /// The zero-terminated text, never null; valid until this object changes or dies.
-    const unsigned short* getUCS2Buffer() const noexcept
-    {
-        return m_buffer == nullptr ? emptyText : m_buffer->text();
-    }
+    const unsigned short* getUCS2Buffer() const noexcept { return m_buffer == nullptr ? emptyText : m_buffer->text(); }
 
     /// The text as UTF-8; surrogates without a partner become U+FFFD.
     std::string toUtf8() const;
 
     /// Exact comparison, case included.
     bool operator==(const String& other) const noexcept;
-    bool operator!=(const String& other) const noexcept
-    {
-        return !(*this == other);
-    }
+    bool operator!=(const String& other) const noexcept { return !(*this == other); }
 
     /// Compares without regard to the case of the letters A to Z; other units count as they stand.
     /// @return 0 when equal, otherwise -1 or 1
@@ -107,10 +84,7 @@ private:
         unsigned int capacity;
 
         /// Room for capacity + 1 units, right behind these fields.
-        unsigned short* text() noexcept
-        {
-            return reinterpret_cast<unsigned short*>(this + 1);
-        }
+        unsigned short* text() noexcept { return reinterpret_cast<unsigned short*>(this + 1); }
     };
 
     static inline void retain(Buffer* buffer) noexcept;

@@ -67,9 +67,7 @@ void escape(std::string& out, const String& text)
 class Reader
 {
 public:
-    explicit Reader(std::string_view text) : m_text(text)
-    {
-    }
+    explicit Reader(std::string_view text) : m_text(text) {}
 
     XmlElement document()
     {
@@ -220,20 +218,11 @@ private:
         m_position = found + end.size();
     }
 
-    static bool isBlank(char c)
-    {
-        return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-    }
+    static bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
 
-    bool atEnd() const
-    {
-        return m_position >= m_text.size();
-    }
+    bool atEnd() const { return m_position >= m_text.size(); }
 
-    bool startsWith(std::string_view text) const
-    {
-        return m_text.substr(m_position, text.size()) == text;
-    }
+    bool startsWith(std::string_view text) const { return m_text.substr(m_position, text.size()) == text; }
 
     bool accept(std::string_view text)
     {
@@ -274,9 +263,7 @@ private:
 };
 } // namespace
 
-XmlElement::XmlElement(const String& name) : m_name(name)
-{
-}
+XmlElement::XmlElement(const String& name) : m_name(name) {}
 
 const XmlElement* XmlElement::child(const String& name) const noexcept
 {

@@ -235,6 +235,16 @@ TEST(LogSink, ByDefaultNamesEachPriority)
               testing::internal::GetCapturedStderr());
 }
 
+TEST(LogSink, ByDefaultCallsANumberThatIsNoPriorityUnknown)
+{
+    LogFactory::setSink({});
+    testing::internal::CaptureStderr();
+
+    LogFactory::logger("test.default").log(static_cast<qor::LOGGER_PRIORITY>(7), stream("f"));
+
+    EXPECT_EQ("[unknown] test.default: f\n", testing::internal::GetCapturedStderr());
+}
+
 TEST(LogSink, ByDefaultWritesEntryAndLeavingAsOneLineEach)
 {
     LogFactory::setSink({});

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
 
 using qor::String;
@@ -59,6 +60,20 @@ TEST(StringConstruction, ReadsANullPointerAsTheEmptyText)
 {
     EXPECT_EQ(String(), String(static_cast<const unsigned short*>(nullptr)));
     EXPECT_EQ(String(), String(static_cast<const char*>(nullptr)));
+}
+
+TEST(StringConstruction, OfAnEmptySourceGivesTheEmptyText)
+{
+    const unsigned short nothing[] = {0};
+
+    EXPECT_EQ(String(), String(nothing));
+    EXPECT_EQ(0u, String(nothing).size());
+    EXPECT_EQ(0u, String("").size());
+}
+
+TEST(StringConstruction, OfMoreUnitsThanASizeCanTellIsRefused)
+{
+    EXPECT_THROW(String::allocate(0x7FFFFFFFu), std::length_error);
 }
 
 TEST(StringConstruction, FromAnotherTextGivesAnIndependentCopy)
