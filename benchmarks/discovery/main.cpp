@@ -1,0 +1,65 @@
+/// Measures what finding the sound cards of a simulated machine costs: processor time, with the machine's journal off,
+/// and calls of the platform. Each machine wants a process of its own, as the library keeps its enumerator to the end.
+#include "../median.h"
+
+#include "libSonavit/libsonavit.h"
+#include "simulator/machinefile.h"
+#include "simulator/simulation.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <exception>
+#include <vector>
+
+namespace
+{
+/// Few, as each card that is found stays registered with the enumerator.
+constexpr int defaultRuns = 51;
+
+/// Microseconds of processor time for one discovery, the simulated machine's part included.
+double timeOfDiscovery()
+{
+    const std::clock_t start = std::clock();
+    const qor::Array<SoundCard> cards = SoundCard::enumerateSystemSoundDevices();
+    return static_cast<double>(std::clock() - start) * 1e6 / CLOCKS_PER_SEC;
+}
+
+/// @return whether there are sound cards at all
+bool measure(const char* machineName, int runs)
+{
+    sim::Simulation simulation(sim::findMachine(machineName));
+    CoInitialize(nullptr);
+
+    const unsigned int cards = SoundCard::enumerateSystemSoundDevices().size();
+    const std::size_t calls = simulation.journal().size();
+
+    simulation.journal().record(false);
+    std::vector<double> times;
+    for (int i = 0; i < runs; ++i)
+        times.push_back(timeOfDiscovery());
+    const double middle = bench::median(times);
+    std::printf("%-10s %4zu endpoints %4u cards %7zu platform calls %9.0f us (median of %d)\n", machineName,
+                simulation.machine().endpoints.size(), cards, calls, middle, runs);
+    return cards != 0;
+}
+}
+
+int main(int argc, char** argv)
+{
+    if (argc < 2)
+    {
+        std::fputs("usage: sonavit-discovery MACHINE [RUNS]\n", stderr);
+        return 2;
+    }
+    try
+    {
+        qor::LogFactory::setSink([](const qor::LogRecord&) {});
+        return measure(argv[1], argc > 2 ? std::atoi(argv[2]) : defaultRuns) ? 0 : 1;
+    }
+    catch (const std::exception& error)
+    {
+        std::fprintf(stderr, "%s\n", error.what());
+        return 1;
+    }
+}

@@ -1,0 +1,15 @@
+/// What is compared. What texts and handles cost depends on whether the process has a second thread.
+#pragma once
+
+#include "comparisons.h"
+
+namespace bench
+{
+void addTextCopies(Comparisons& comparisons);
+void addTextComparisons(Comparisons& comparisons);
+void addNumberArrays(Comparisons& comparisons);
+void addTextArrays(Comparisons& comparisons);
+void addTables(Comparisons& comparisons);
+void addHandles(Comparisons& comparisons);
+void addDisabledMessages(Comparisons& comparisons);
+}
