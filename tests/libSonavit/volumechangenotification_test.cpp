@@ -2,7 +2,6 @@
 
 #include "support/librarytest.h"
 
-#include "COM/comptr.h"
 #include "libSonavit/volumechangenotification.h"
 
 #include <thread>

@@ -61,7 +61,7 @@ public:
     /// Whether a signal path joins two connectors of this graph, in one direction or the other
     /// (IDeviceTopology::GetSignalPath, mixed paths rejected). Each direction that has none is logged (LOG_WARNING),
     /// also where the other has one. A connector is not linked to itself, nor is one without a part; both are logged
-    /// (LOG_WARNING) without a question to the platform.
+    /// (LOG_WARNING) without a question to the platform. An empty object links nothing, in silence.
     bool connectorsAreLinked(const AudioComponent<IConnector>& from, const AudioComponent<IConnector>& to) const;
 
 private:

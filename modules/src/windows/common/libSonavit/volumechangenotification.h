@@ -1,5 +1,6 @@
 #pragma once
 
+#include "COM/comptr.h"
 #include "libSonavit/export.h"
 #include "platform/coreaudio.h"
 

@@ -108,9 +108,12 @@ class SONAVIT_API VolumeController : public VolumeControllerInterface
 public:
     VolumeController(const Policy& policy);
     VolumeController(const VolumeController& other);
+
+    /// Field by field: a notification that this controller had registered is forgotten and stays with the platform.
     VolumeController& operator=(const VolumeController& other);
 
-    /// Rebinds the controller. A registered notification stays, and stays registered where it was.
+    /// Rebinds the controller. A registered notification stays, and stays registered where it was; the controller will
+    /// take it off the new interface.
     void initialize(const Policy& policy);
 
     unsigned int numChannel() const override;

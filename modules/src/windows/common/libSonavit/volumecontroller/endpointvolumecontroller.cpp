@@ -1,4 +1,4 @@
-#include "libSonavit/volumecontroller/common.h"
+#include "libSonavit/volumecontroller/sharedoperations.h"
 
 #include "COM/resultcode.h"
 #include "libSonavit/volumecontrollerlog.h"

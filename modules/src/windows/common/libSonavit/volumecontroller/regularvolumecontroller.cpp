@@ -1,4 +1,4 @@
-#include "libSonavit/volumecontroller/common.h"
+#include "libSonavit/volumecontroller/sharedoperations.h"
 
 #include "libSonavit/volumecontrollerlog.h"
 #include "qor/exception.h"

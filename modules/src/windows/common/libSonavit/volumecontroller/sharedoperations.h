@@ -1,4 +1,4 @@
-/// What both kinds of volume controller have in common; included by their two source files only.
+/// The operations that both kinds of volume controller share; included by their two source files only.
 #pragma once
 
 #include "libSonavit/volumecontroller.h"
