@@ -144,15 +144,15 @@ void CardGraph::followConnector(std::size_t index)
     LPWSTR text = nullptr;
     connector.component()->GetDeviceIdConnectedTo(&text);
     std::string farId = takenText(text);
-    IConnector* far = nullptr;
-    connector.component()->GetConnectedTo(&far);
-    const AudioComponent<IConnector> peer(far);
-    if (farId.empty() && far != nullptr)
+    IConnector* opposite = nullptr;
+    connector.component()->GetConnectedTo(&opposite);
+    const AudioComponent<IConnector> peer(opposite);
+    if (farId.empty() && opposite != nullptr)
         farId = peer.deviceOwner().toUtf8();
     if (farId.empty())
         return;
     const std::size_t farDevice = deviceIndex(farId);
-    if (far != nullptr)
+    if (opposite != nullptr)
         addEdge(Edge::Kind::join, index, peerIndex(peer, farDevice));
     else
         m_edges.push_back({Edge::Kind::join, index, none, farDevice});
