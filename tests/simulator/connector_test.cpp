@@ -75,11 +75,11 @@ TEST_F(SimulatedConnectorJoin, CanBeKnownOnOneSideOnly)
 TEST_F(SimulatedConnectorJoin, CanNameAFarDeviceWhoseConnectorIsNotToBeHad)
 {
     simulation.change([&](sim::Machine& machine) { machine.joins = {{speakerConnector, "", "{2}.gone", true}}; });
-    const Held<IConnector> near = connector(speakerConnector);
+    const Held<IConnector> connected = connector(speakerConnector);
 
-    EXPECT_EQ("{2}.gone", textOf(near, &IConnector::GetDeviceIdConnectedTo));
+    EXPECT_EQ("{2}.gone", textOf(connected, &IConnector::GetDeviceIdConnectedTo));
     auto* peer = poison<IConnector>();
-    EXPECT_EQ(E_NOTFOUND, near->GetConnectedTo(&peer));
+    EXPECT_EQ(E_NOTFOUND, connected->GetConnectedTo(&peer));
     EXPECT_EQ(nullptr, peer);
 }
 
