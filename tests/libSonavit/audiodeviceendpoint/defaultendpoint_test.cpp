@@ -203,14 +203,14 @@ TEST_F(AudioDeviceIsDefault, AsksThePlatformInThisOrder)
     device().isDefaultEndpoint();
 
     std::vector<std::string> calls;
-    for (const sim::JournalEntry& entry : simulation().journal().entries())
+    for (const sim::JournalEntry& entry : simulation().journal().entries().without("IMMDevice::AddRef"))
         calls.push_back(entry.call() + (entry.object.empty() ? "" : " on " + entry.object));
     const auto query =
         std::find(calls.begin(), calls.end(), "IMMDevice::QueryInterface(IMMEndpoint) on " + speaker.id());
     ASSERT_NE(calls.end(), query);
     EXPECT_EQ("CoCreateInstance(MMDeviceEnumerator, 1, IMMDeviceEnumerator)", calls.front());
     EXPECT_THAT(std::vector<std::string>(query + 1, calls.end()),
-                ElementsAre("IMMDevice::AddRef() on " + speaker.id(), "IMMEndpoint::GetDataFlow() on " + speaker.id(),
+                ElementsAre("IMMEndpoint::GetDataFlow() on " + speaker.id(),
                             "IMMDeviceEnumerator::GetDefaultAudioEndpoint(eRender, eConsole) on enumerator",
                             "IMMDevice::GetId() on " + headphones.id(), "IMMDeviceEnumerator::Release() on enumerator",
                             "IMMDevice::Release() on " + speaker.id(), "IMMDevice::Release() on " + headphones.id()));

@@ -1,7 +1,5 @@
 #include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
 
-#include "foundation/supportvirtualslot.h"
-
 #include <type_traits>
 
 namespace
@@ -85,20 +83,4 @@ TEST_F(AudioDeviceEquality, HasNoOppositeOperator)
 {
     EXPECT_FALSE(HasInequality<AudioDevice>::value);
 }
-
-#if defined(SUPPORT_HAS_VIRTUAL_SLOTS)
-TEST(AudioDeviceInterfaceTable, HoldsTheOperationsInThisOrder)
-{
-    using support::virtualSlot;
-
-    EXPECT_EQ(0u, virtualSlot(&AudioDeviceInterface::isEndpoint));
-    EXPECT_EQ(1u, virtualSlot(&AudioDeviceInterface::volumeControl));
-    EXPECT_EQ(2u, virtualSlot(&AudioDeviceInterface::initialize));
-    EXPECT_EQ(3u, virtualSlot(&AudioDeviceInterface::isInitialized));
-    EXPECT_EQ(4u, virtualSlot(&AudioDeviceInterface::refreshDeviceInformation));
-    EXPECT_EQ(5u, virtualSlot(&AudioDeviceInterface::deviceProperty));
-    EXPECT_EQ(6u, virtualSlot(&AudioDeviceInterface::waveLegacyDeviceID));
-    EXPECT_EQ(7u, virtualSlot(&AudioDeviceInterface::refreshDeviceState));
-}
-#endif
 }

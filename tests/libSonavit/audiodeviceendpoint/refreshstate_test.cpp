@@ -203,10 +203,7 @@ TEST_F(AudioDeviceOverrides, AreCalledBySetFormat)
 
 TEST_F(AudioDeviceOverrides, AreCalledByTheSearchForAWaveNumber)
 {
-    kept.directSoundTexts = 1;
     WatchedDevice device;
-    device.initialize(reference(speaker.id()));
-    device.calls.clear();
 
     device.waveLegacyDeviceID();
 
