@@ -3,6 +3,7 @@
 
 #include "simulator/core/notifications.h"
 #include "simulator/core/simulatedobject.h"
+#include "simulator/machinekeys.h"
 #include "simulator/objects/lookup.h"
 #include "simulator/objects/objects.h"
 #include "simulator/objects/propertyvalue.h"
@@ -11,6 +12,22 @@ namespace sim
 {
 namespace
 {
+std::string textOf(const Properties& properties, const PROPERTYKEY& key)
+{
+    const PropertyValue* const value = findProperty(properties, key);
+    return value == nullptr ? std::string() : value->text.value_or("");
+}
+
+/// What the platform composes by itself where a machine says nothing of it: a device's full name, "Speakers (Analog
+/// Audio)". The wave functions of Windows read it for every endpoint and do not expect it to be missing.
+PropertyValue composed(const Properties& properties, const PROPERTYKEY& key)
+{
+    if (!sameKey(key, PKEY_Device_FriendlyName))
+        return {};
+    return PropertyValue::ofText(textOf(properties, keys::deviceDescription) + " (" +
+                                 textOf(properties, keys::friendlyName) + ")");
+}
+
 /// The properties of one device. What SetValue writes is seen by this store at once and by the machine after Commit.
 class PropertyStoreObject final : public ComObject<IPropertyStore>
 {
@@ -60,7 +77,7 @@ public:
                 [&](const Properties& properties)
                 {
                     const PropertyValue* const found = findProperty(properties, key);
-                    return found == nullptr ? S_OK : store(*found, *value);
+                    return store(found == nullptr ? composed(properties, key) : *found, *value);
                 });
         };
         return call("IPropertyStore::GetValue", outputs(value), answer, key);
