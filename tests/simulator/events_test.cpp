@@ -1,4 +1,4 @@
-#include "tests/simulator/bench.h"
+#include "tests/simulator/eventstest.h"
 
 #include <stdexcept>
 
@@ -10,25 +10,9 @@ using bench::Held;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class EventsOfSimulation : public bench::SimulationTest
-{
-protected:
-    EventsOfSimulation() { EXPECT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&client)); }
-
-    ~EventsOfSimulation() override
-    {
-        EXPECT_EQ(S_OK, enumerator->UnregisterEndpointNotificationCallback(&client));
-        EXPECT_EQ(1u, client.references);
-    }
-
-    Held<IMMDeviceEnumerator> enumerator{simulation.enumerator()};
-    bench::ClientListener client;
-};
-
-using EventsThread = EventsOfSimulation;
-using EventsAtOnce = EventsOfSimulation;
-using EventsClients = EventsOfSimulation;
-using EventsScript = EventsOfSimulation;
+using EventsThread = bench::EventsTest;
+using EventsAtOnce = bench::EventsTest;
+using EventsScript = bench::EventsTest;
 
 TEST_F(EventsThread, IsTheMachinesOwn)
 {
@@ -191,115 +175,6 @@ TEST_F(EventsAtOnce, AreHeardOfAPropertyThatIsCommitted)
     ASSERT_EQ(S_OK, store->Commit());
 
     EXPECT_THAT(client.heard(), ElementsAre("property " + speakerId + " 3"));
-}
-
-TEST_F(EventsClients, AreCalledInTheOrderOfTheirRegistrationAndAsOftenAsTheyRegistered)
-{
-    simulation.deliverAtOnce(true);
-    std::vector<std::string> order;
-    struct Ordered : bench::ClientListener
-    {
-        HRESULT STDMETHODCALLTYPE OnDeviceAdded(LPCWSTR) override
-        {
-            order->push_back(name);
-            return E_FAIL;
-        }
-        std::string name;
-        std::vector<std::string>* order = nullptr;
-    } first, second;
-    first.name = "first";
-    second.name = "second";
-    first.order = second.order = &order;
-    enumerator->RegisterEndpointNotificationCallback(&second);
-    enumerator->RegisterEndpointNotificationCallback(&first);
-    enumerator->RegisterEndpointNotificationCallback(&second);
-
-    simulation.events().add(speakerId);
-
-    EXPECT_THAT(order, ElementsAre("second", "first", "second"));
-    EXPECT_EQ(3u, simulation.journal().of("IMMNotificationClient::OnDeviceAdded").failed().size());
-    enumerator->UnregisterEndpointNotificationCallback(&second);
-    enumerator->UnregisterEndpointNotificationCallback(&first);
-    enumerator->UnregisterEndpointNotificationCallback(&second);
-}
-
-TEST_F(EventsClients, MaySignOffInTheirOwnCallback)
-{
-    struct Leaving : bench::ClientListener
-    {
-        HRESULT STDMETHODCALLTYPE OnDeviceAdded(LPCWSTR id) override
-        {
-            bench::ClientListener::OnDeviceAdded(id);
-            referencesInside = references;
-            return owner->UnregisterEndpointNotificationCallback(this);
-        }
-        IMMDeviceEnumerator* owner = nullptr;
-        ULONG referencesInside = 0;
-    } leaving;
-    leaving.owner = enumerator.get();
-    ASSERT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&leaving));
-
-    simulation.events().add(speakerId);
-    simulation.events().add(earphoneId);
-    simulation.events().settle();
-
-    EXPECT_THAT(leaving.heard(), ElementsAre("added " + speakerId));
-    EXPECT_EQ(2u, leaving.referencesInside);
-    EXPECT_EQ(1u, leaving.references);
-}
-
-TEST_F(EventsClients, AreWaitedForWhenTheySignOffOnAnotherThread)
-{
-    struct Slow : bench::ClientListener
-    {
-        HRESULT STDMETHODCALLTYPE OnDeviceAdded(LPCWSTR) override
-        {
-            isInside = true;
-            while (!isSigningOff)
-                std::this_thread::yield();
-            for (int turn = 0; turn < 1000; ++turn)
-                std::this_thread::yield();
-            isInside = false;
-            return S_OK;
-        }
-        std::atomic<bool> isInside{false};
-        std::atomic<bool> isSigningOff{false};
-    } slow;
-    ASSERT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&slow));
-    simulation.events().add(speakerId);
-    while (!slow.isInside)
-        std::this_thread::yield();
-
-    slow.isSigningOff = true;
-    EXPECT_EQ(S_OK, enumerator->UnregisterEndpointNotificationCallback(&slow));
-
-    EXPECT_FALSE(slow.isInside);
-    EXPECT_EQ(1u, slow.references);
-}
-
-TEST_F(EventsClients, MayEndTheSimulationInACallback)
-{
-    auto other = std::make_unique<sim::Simulation>(simulation.machine());
-    struct Ending : bench::ClientListener
-    {
-        HRESULT STDMETHODCALLTYPE OnDeviceAdded(LPCWSTR) override
-        {
-            simulation->reset();
-            isDone = true;
-            return S_OK;
-        }
-        std::unique_ptr<sim::Simulation>* simulation = nullptr;
-        std::atomic<bool> isDone{false};
-    } ending;
-    ending.simulation = &other;
-    Held<IMMDeviceEnumerator> its(other->enumerator());
-    ASSERT_EQ(S_OK, its->RegisterEndpointNotificationCallback(&ending));
-
-    other->events().add(speakerId);
-    while (!ending.isDone)
-        std::this_thread::yield();
-
-    EXPECT_EQ(S_OK, its->UnregisterEndpointNotificationCallback(&ending));
 }
 
 TEST_F(EventsScript, PlaysInOrderOnTheNotificationThread)
