@@ -98,16 +98,19 @@ TEST_F(ArrayDestruction, FreesTheBlock)
     EXPECT_EQ(0, probe.balance());
 }
 
-TEST_F(ArrayDestruction, LetsAnExceptionOfAnElementPass)
+TEST_F(ArrayDestruction, LetsAnExceptionOfAnElementPassOnceTheOthersAreGone)
 {
     const auto destroy = []
     {
-        Array<Tracked> array = trackedArray(0, 0);
-        Tracked::throwingDestruction = 0;
+        const Array<Tracked> array = trackedArray(0, 2);
+        Tracked::throwingDestruction = 1;
+        Tracked::events.clear();
     };
 
     EXPECT_FALSE(std::is_nothrow_destructible_v<Array<Tracked>>);
     EXPECT_THROW(destroy(), support::Planned);
+
+    EXPECT_THAT(Tracked::events, ElementsAre("destroy 0", "destroy 1", "destroy 2"));
 }
 
 TEST(ArrayIndex, GivesTheElementToReadAndToChange)
