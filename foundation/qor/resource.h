@@ -24,7 +24,7 @@ struct PointerStorage<X, 3, 2>
     using Element = X;
 
     static constexpr bool copyable = true;
-    static X* nil() noexcept { return nullptr; }
+    static constexpr X* nil() noexcept { return nullptr; }
     static X* copy(X* source) noexcept { return source; }
     static void release(X*& value) noexcept { value = nullptr; }
 };
@@ -36,7 +36,7 @@ struct PointerStorage<X, 0, 3>
     using Element = X;
 
     static constexpr bool copyable = false;
-    static X* nil() noexcept { return nullptr; }
+    static constexpr X* nil() noexcept { return nullptr; }
     static X* copy(X* source) = delete;
 
     static void release(X*& value) noexcept(false)
@@ -56,7 +56,7 @@ class CopiedResource
 public:
     using Element = typename Storage::Element;
 
-    CopiedResource() noexcept : m_value(Storage::nil()) {}
+    constexpr CopiedResource() noexcept : m_value(Storage::nil()) {}
 
     /// Stores @p value as it is. A COM handle adopts the caller's reference: there is no AddRef.
     CopiedResource(Element* value) noexcept : m_value(value) {}
