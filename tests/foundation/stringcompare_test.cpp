@@ -85,6 +85,25 @@ TEST(StringCompareNoCase, FindsADifferenceAtEveryPlaceOfEveryLength)
     }
 }
 
+TEST(StringCompareNoCase, FoldsTheSameUnitsAtEveryPlaceOfALongText)
+{
+    for (unsigned int unit = 1; unit <= 0xFFFF; ++unit)
+    {
+        const unsigned int partner = unit ^ 0x20; // the other case, where the unit is a letter from A to Z
+        const bool letter = (unit >= 'A' && unit <= 'Z') || (unit >= 'a' && unit <= 'z');
+        if (partner == 0)
+            continue;
+        for (unsigned int place = 0; place < 5; ++place)
+        {
+            unsigned short left[] = {'x', 0xFFFF, 'Y', 0x8041, 'z', 0};
+            unsigned short right[] = {'X', 0xFFFF, 'y', 0x8041, 'Z', 0};
+            left[place] = static_cast<unsigned short>(unit);
+            right[place] = static_cast<unsigned short>(partner);
+            ASSERT_EQ(letter, String::compareNoCase(left, right) == 0) << unit << ' ' << place;
+        }
+    }
+}
+
 TEST(StringSubString, CopiesThatManyUnitsFromTheStart)
 {
     EXPECT_EQ(String("String"), String("A(String)").subString(2, 6));
