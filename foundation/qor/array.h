@@ -11,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <new>
+#include <type_traits>
 
 namespace qor
 {
@@ -114,6 +115,7 @@ private:
     T* element(unsigned int index) { return places(m_block) + index; }
     const T* element(unsigned int index) const { return places(m_block) + index; }
 
+    void appendGrown(const T& value);
     IndexOutOfBounds outOfBounds(unsigned int index) const;
     unsigned int checked(unsigned int index) const;
     void destroyBlock();

@@ -85,7 +85,21 @@ Array<T>& Array<T>::operator=(const Array& other)
 }
 
 template<class T>
-void Array<T>::append(const T& value)
+inline void Array<T>::append(const T& value)
+{
+    const unsigned int count = size();
+    if (count == capacity())
+    {
+        appendGrown(value);
+        return;
+    }
+    ::new (static_cast<void*>(places(m_block) + count)) T(value);
+    m_block->count = count + 1;
+}
+
+/// append() where the block is full.
+template<class T>
+void Array<T>::appendGrown(const T& value)
 {
     const unsigned int count = size();
     const T* source = std::addressof(value);
@@ -195,14 +209,24 @@ typename Array<T>::Block* Array<T>::copyOf(const Block* source)
     return copy.release();
 }
 
-/// Counts each element as it is made, so that a throwing copy leaves a block that can be taken down.
+/// Counts each element as it is made, so that a throwing copy leaves a block that can be taken down. Elements that are
+/// nothing but their bytes are copied at one go.
 template<class T>
 void Array<T>::copyElements(const Block* source, Block* target)
 {
-    while (target->count < source->count)
+    if constexpr (std::is_trivially_copyable_v<T>)
     {
-        ::new (static_cast<void*>(places(target) + target->count)) T(places(source)[target->count]);
-        ++target->count;
+        std::memcpy(static_cast<void*>(places(target)), static_cast<const void*>(places(source)),
+                    source->count * sizeof(T));
+        target->count = source->count;
+    }
+    else
+    {
+        while (target->count < source->count)
+        {
+            ::new (static_cast<void*>(places(target) + target->count)) T(places(source)[target->count]);
+            ++target->count;
+        }
     }
 }
 

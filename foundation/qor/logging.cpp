@@ -2,7 +2,6 @@
 
 #include "qor/qorvalue.h"
 
-#include <atomic>
 #include <cstdio>
 #include <map>
 #include <memory>
@@ -22,9 +21,6 @@ struct Registry
     std::recursive_mutex sinkMutex; // recursive: a sink may let go of the last handle on something that logs
     std::shared_ptr<const LogFactory::Sink> sink; // null for the default
 };
-
-/// Apart from the registry, constant at start-up: it is read ahead of every message, built or not.
-std::atomic<LOGGER_PRIORITY> minimum{LoggerPriority::LOG_ERROR};
 
 Registry& registry()
 {
@@ -107,14 +103,11 @@ void Logger::log(LOGGER_PRIORITY priority, const LoggerStream& message)
     deliver({LogRecord::Kind::message, priority, channel(), message, nullptr, 0});
 }
 
-LOGGER_PRIORITY LogFactory::getPriority() noexcept
-{
-    return minimum.load(std::memory_order_relaxed);
-}
+std::atomic<LOGGER_PRIORITY> LogFactory::m_minimum{LoggerPriority::LOG_ERROR}; // no code runs for that at start-up
 
 void LogFactory::setPriority(LOGGER_PRIORITY priority) noexcept
 {
-    minimum.store(priority, std::memory_order_relaxed);
+    m_minimum.store(priority, std::memory_order_relaxed);
 }
 
 void LogFactory::createLogger(const char* channel, Logger*& logger)

@@ -4,6 +4,7 @@
 #include "qor/integers.h"
 #include "qor/string.h"
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 
@@ -88,7 +89,7 @@ public:
     using Sink = std::function<void(const LogRecord&)>;
 
     /// Process-wide minimum: messages of a lower priority are not built. LOG_ERROR until set.
-    static LOGGER_PRIORITY getPriority() noexcept;
+    static LOGGER_PRIORITY getPriority() noexcept { return m_minimum.load(std::memory_order_relaxed); }
     static void setPriority(LOGGER_PRIORITY priority) noexcept;
 
     /// Stores the logger of @p channel in @p logger, made on first use. Racing threads get the same object.
@@ -100,6 +101,9 @@ public:
     /// Sends all records to @p sink from now on; an empty one restores the default, one line on standard error.
     /// Calls of the sink are serialised. A sink must not throw.
     static void setSink(Sink sink);
+
+private:
+    static std::atomic<LOGGER_PRIORITY> m_minimum; // read ahead of every message, built or not
 };
 
 /// Records that a function begins and, at the end of its scope, that it ends. With a null logger it does nothing.

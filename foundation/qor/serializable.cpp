@@ -69,15 +69,6 @@ void readItems(const XmlElement& element, Array<T>& items)
 }
 } // namespace
 
-Serializable::Serializable() = default;
-Serializable::Serializable(const Serializable&) {}
-Serializable::~Serializable() noexcept(false) = default;
-
-Serializable& Serializable::operator=(const Serializable&)
-{
-    return *this;
-}
-
 void Serializable::doSerialization(const String& name, String& out)
 {
     serializeToXML(name, out);
@@ -153,10 +144,15 @@ void Serializable::deserialize(const String& fieldName, Serializable& field)
         field.deserializeFromElement(element);
 }
 
+void Serializable::StateDeleter::operator()(State* state) const noexcept
+{
+    delete state;
+}
+
 Serializable::State& Serializable::state()
 {
     if (m_state == nullptr)
-        m_state = std::make_unique<State>();
+        m_state.reset(new State);
     return *m_state;
 }
 } // namespace qor

@@ -53,7 +53,7 @@ class QOR_API Serializable
 {
 public:
     // The destructors of elements and fields may let an exception pass, see qor/resource.h.
-    virtual ~Serializable() noexcept(false);
+    virtual ~Serializable() noexcept(false) {}
 
     /// Writes this object as an element called @p name into @p out, replacing what was there.
     virtual void doSerialization(const String& name, String& out);
@@ -66,9 +66,9 @@ public:
     virtual const String& objectClassName() = 0;
 
 protected:
-    Serializable();
-    Serializable(const Serializable& other);
-    Serializable& operator=(const Serializable& other);
+    Serializable() = default;
+    Serializable(const Serializable&) {}
+    Serializable& operator=(const Serializable&) { return *this; }
 
     /// Starts to write an element called @p name.
     virtual void serializeBegin(const String& name);
@@ -92,8 +92,14 @@ protected:
 private:
     struct State;
 
+    /// Lets every container be made and destroyed without a call, as hardly any is ever written or read.
+    struct StateDeleter
+    {
+        QOR_API void operator()(State* state) const noexcept;
+    };
+
     State& state();
 
-    std::unique_ptr<State> m_state; // null but between a begin and the end of the text
+    std::unique_ptr<State, StateDeleter> m_state; // null but between a begin and the end of the text
 };
 } // namespace qor

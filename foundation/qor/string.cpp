@@ -3,6 +3,7 @@
 #include "qor/array.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -33,6 +34,32 @@ bool contains(const String& text, unsigned short unit)
 unsigned short folded(unsigned short unit)
 {
     return unit >= 'A' && unit <= 'Z' ? static_cast<unsigned short>(unit + ('a' - 'A')) : unit;
+}
+
+/// Four units side by side in one word.
+constexpr unsigned int unitsOfWord = 4;
+
+std::uint64_t wordAt(const unsigned short* units)
+{
+    std::uint64_t word = 0;
+    std::memcpy(&word, units, sizeof(word));
+    return word;
+}
+
+/// folded() for each of the four units: bit 15 of a sum tells whether its unit reaches A, or is beyond Z.
+std::uint64_t foldedWord(std::uint64_t word)
+{
+    constexpr std::uint64_t each = 0x0001000100010001ULL;
+    const std::uint64_t low = word & (0x7FFF * each);
+    const std::uint64_t fromA = low + (0x8000 - 'A') * each;
+    const std::uint64_t beyondZ = low + (0x8000 - 'Z' - 1) * each;
+    const std::uint64_t capitals = fromA & ~beyondZ & ~word & (0x8000 * each);
+    return word | (capitals >> 10); // from bit 15 to bit 5, which parts a from A
+}
+
+bool sameButForCase(std::uint64_t left, std::uint64_t right)
+{
+    return left == right || foldedWord(left) == foldedWord(right);
 }
 
 bool isHighSurrogate(char32_t unit)
@@ -183,19 +210,12 @@ int String::compareNoCase(const String& left, const String& right) noexcept
     const unsigned short* const b = right.getUCS2Buffer();
     const unsigned int common = left.size() < right.size() ? left.size() : right.size();
     unsigned int i = 0;
-    while (i < common)
+    while (common - i >= unitsOfWord && sameButForCase(wordAt(a + i), wordAt(b + i)))
+        i += unitsOfWord;
+    for (; i < common; ++i)
     {
-        if (i + 4 <= common && std::memcmp(a + i, b + i, 8) == 0)
-        {
-            i += 4;
-            continue;
-        }
-        const unsigned int stop = i + 4 < common ? i + 4 : common;
-        for (; i < stop; ++i)
-        {
-            if (folded(a[i]) != folded(b[i]))
-                return folded(a[i]) < folded(b[i]) ? -1 : 1;
-        }
+        if (folded(a[i]) != folded(b[i]))
+            return folded(a[i]) < folded(b[i]) ? -1 : 1;
     }
     if (left.size() == right.size())
         return 0;

@@ -104,6 +104,22 @@ TEST(StringCompareNoCase, FoldsTheSameUnitsAtEveryPlaceOfALongText)
     }
 }
 
+TEST(StringCompareNoCase, FoldsEachUnitAlikeAtEveryPlace)
+{
+    for (unsigned int unit = 1; unit < 0x10000; ++unit)
+    {
+        const bool letter = (unit >= 'A' && unit <= 'Z') || (unit >= 'a' && unit <= 'z');
+        for (std::size_t place = 0; place < 5; ++place) // four units are compared at a time, then single ones
+        {
+            unsigned short left[] = {'-', '-', '-', '-', '-', 0};
+            unsigned short right[] = {'-', '-', '-', '-', '-', 0};
+            left[place] = static_cast<unsigned short>(unit);
+            right[place] = static_cast<unsigned short>(unit ^ 0x20);
+            ASSERT_EQ(letter, String::compareNoCase(left, right) == 0) << unit << ' ' << place;
+        }
+    }
+}
+
 TEST(StringSubString, CopiesThatManyUnitsFromTheStart)
 {
     EXPECT_EQ(String("String"), String("A(String)").subString(2, 6));
