@@ -128,7 +128,6 @@ Parser::Parser()
     m_app.get_formatter()->label("REQUIRED", "");
     m_app.get_formatter()->label("TEXT", "");
     m_app.get_formatter()->label("SUBCOMMAND", "COMMAND");
-    m_app.get_formatter()->label("Subcommands", "Commands");
     m_app.get_formatter()->label("Positionals", "Arguments");
     addGlobalOptions();
     addVerbs();
@@ -158,6 +157,7 @@ CLI::App& Parser::verb(const std::string& name, Verb verb, const std::string& de
 {
     CLI::App* const result = m_app.add_subcommand(name, description);
     result->footer(globalOptions);
+    result->group("Commands");
     m_verbs[result] = verb;
     return *result;
 }
@@ -174,7 +174,7 @@ CLI::App& Parser::verbOnEndpoint(const std::string& name, Verb verb, const std::
 
 void Parser::addVerbs()
 {
-    verb("list", Verb::list, "The sound cards at a glance; the same without a command");
+    verb("list", Verb::list, "The sound cards at a glance (without a command, too)");
     verbOnEndpoint("show", Verb::show, "All about one endpoint");
     verbOnEndpoint("controls", Verb::controls, "The volume controls in the hardware of an endpoint");
     verb("selectors", Verb::selectors, "The input selectors of the cards")
@@ -208,7 +208,6 @@ void Parser::addLastingVerbs()
     m_format = format.add_option("--set", m_words.format, "Set it for a while, as in 24/48000/2")
                    ->type_name("BITS/RATE/CHANNELS");
     m_hold = format.add_option("--hold", m_words.hold, "Put it back after so many seconds (5)")->type_name("SECONDS");
-    m_hold->needs(m_format);
     format.footer(std::string(namesOfEndpoints) + changesLastForTheRun + globalOptions);
 }
 
@@ -294,6 +293,8 @@ Arguments Parser::arguments() const
         result.duration = milliseconds(m_words.duration, "--for");
     if (m_format->count() > 0)
         result.format = readFormatRequest(m_words.format);
+    if (m_hold->count() > 0 && !result.format)
+        throw UsageError("--hold goes with --set");
     result.hold = milliseconds(m_words.hold, "--hold");
     return result;
 }

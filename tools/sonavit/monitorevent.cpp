@@ -169,6 +169,7 @@ void EventWriter::expect(const EventSubject& subject)
 
 void EventWriter::write(const MonitorEvent& event)
 {
+    expect(event.subject);
     m_environment.out << (m_isJson ? eventJson(event).line() : line(event)) << "\n" << std::flush;
 }
 

@@ -37,8 +37,10 @@ Session::Session(const Environment& environment, const Arguments& arguments)
     }
     // The shared enumerator initialises COM in the same way; another way would leave the counts of the two unbalanced.
     CoInitialize(nullptr);
-    if (machine)
-        m_simulation = std::make_unique<sim::Simulation>(std::move(*machine));
+    if (!machine)
+        return;
+    m_simulation = std::make_unique<sim::Simulation>(std::move(*machine));
+    m_simulation->journal().record(false); // nobody reads it, and a monitor may run for long
 }
 
 Session::~Session()

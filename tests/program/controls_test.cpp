@@ -1,0 +1,115 @@
+#include "tests/program/programtest.h"
+
+#include <nlohmann/json.hpp>
+
+using nlohmann::json;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace
+{
+class ProgramControls : public support::ProgramTest
+{
+};
+}
+
+TEST_F(ProgramControls, ShowsTheHardwareBesideTheEndpointItself)
+{
+    run(support::smallMachine());
+
+    const support::Answer answer = call({"controls", "Speakers"});
+
+    EXPECT_EQ(0, answer.code);
+    EXPECT_THAT(answer.lines(), ElementsAre("Speakers (Analog Audio), 1 hardware control",
+                                            "CONTROL   JACK      CH  LEVEL   DECIBELS              RANGE  STEP  MUTE",
+                                            "endpoint           all    72%  -18.00 dB  -65.25 to 0.00 dB  0.75  off",
+                                            "Speakers  Speaker    1    91%   -6.00 dB  -65.25 to 0.00 dB  0.75  off",
+                                            "                     2    91%   -6.00 dB  -65.25 to 0.00 dB  0.75"));
+}
+
+TEST_F(ProgramControls, AnswersInJson)
+{
+    run(support::smallMachine());
+
+    const json answer = json::parse(call({"controls", "Speakers", "--json"}).out);
+
+    EXPECT_EQ(support::speakerId(), answer["endpoint"]);
+    EXPECT_EQ(json::parse(R"([{"ownerName": "Speakers", "ownerJack": "speaker",
+        "ownerType": "{DFF21CE1-F70F-11D0-B917-00A0C9223196}",
+        "channels": [{"decibels": -6, "percent": 91, "range": {"min": -65.25, "max": 0, "step": 0.75}},
+                     {"decibels": -6, "percent": 91, "range": {"min": -65.25, "max": 0, "step": 0.75}}],
+        "hasMute": true, "muted": false}])"),
+              answer["controls"]);
+    EXPECT_EQ(72, answer["endpointVolume"]["percent"]);
+    EXPECT_EQ(false, answer["endpointMuted"]);
+}
+
+TEST_F(ProgramControls, AreNoneBehindAPlainWire)
+{
+    run(support::smallMachine());
+
+    const support::Answer answer = call({"controls", "Microphone"});
+
+    EXPECT_EQ(0, answer.code);
+    EXPECT_EQ("Microphone (Analog Audio), 0 hardware controls", answer.lines()[0]);
+    EXPECT_EQ(json::array(), json::parse(call({"controls", "Microphone", "--json"}).out)["controls"]);
+}
+
+TEST_F(ProgramControls, ShowDashesForWhatCannotBeRead)
+{
+    sim::Simulation& simulation = run(support::smallMachine());
+    simulation.faults().fail("IAudioVolumeLevel::GetLevelRange");
+    simulation.faults().fail("IAudioMute::GetMute");
+
+    const support::Answer text = call({"controls", "Speakers"});
+    const json control = json::parse(call({"controls", "Speakers", "--json"}).out)["controls"][0];
+
+    EXPECT_THAT(text.lines(), Contains("Speakers  Speaker    1      -   -6.00 dB                  -     -  -"));
+    EXPECT_EQ(json::parse(R"({"decibels": -6, "percent": null, "range": null})"), control["channels"][0]);
+    EXPECT_EQ(true, control["hasMute"]);
+    EXPECT_TRUE(control["muted"].is_null());
+}
+
+TEST_F(ProgramControls, ShowAControlWhoseChannelsCannotBeCounted)
+{
+    sim::Simulation& simulation = run(support::smallMachine());
+    simulation.faults().fail("IAudioVolumeLevel::GetChannelCount");
+
+    const support::Answer text = call({"controls", "Speakers"});
+    const json control = json::parse(call({"controls", "Speakers", "--json"}).out)["controls"][0];
+
+    EXPECT_THAT(text.lines(), Contains("Speakers  Speaker    -      -          -                  -     -  off"));
+    EXPECT_TRUE(control["channels"].is_null());
+}
+
+TEST_F(ProgramControls, ShowAControlWithoutMute)
+{
+    sim::MachineBuilder builder;
+    builder.card("Card").speaker("Speakers").hardwareVolume({-60.0f, 0.0f, 1.0f, -30.0f}, 1);
+    run(builder.build());
+
+    const support::Answer text = call({"controls", "Speakers"});
+    const json control = json::parse(call({"controls", "Speakers", "--json"}).out)["controls"][0];
+
+    EXPECT_THAT(text.lines(),
+                Contains("Speakers         Speaker    1    50%  -30.00 dB  -60.00 to 0.00 dB  1.00  none"));
+    EXPECT_EQ(false, control["hasMute"]);
+    EXPECT_TRUE(control["muted"].is_null());
+}
+
+TEST_F(ProgramControls, FailWhereTheWayLeadsOutOfTheGraph)
+{
+    sim::Machine machine = support::smallMachine();
+    machine.adapters[0].openable = false; // its connectors are joined to all the same
+    run(std::move(machine));
+
+    const support::Answer answer = call({"controls", "Speakers", "--json"});
+
+    const std::string sentence =
+        "the way from Speakers (Analog Audio) leads out of what the card's graph knows, so its "
+        "controls cannot be told";
+    EXPECT_EQ(1, answer.code);
+    EXPECT_EQ("sonavit: " + sentence + "\n", answer.err);
+    EXPECT_EQ(sentence, json::parse(answer.out)["error"]);
+}

@@ -1,0 +1,90 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <string>
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace
+{
+#if defined(_WIN32)
+FILE* start(const std::string& command)
+{
+    return _popen(("\"" + command + "\"").c_str(), "rb"); // the command interpreter takes the outer quotes away
+}
+
+int finish(FILE* pipe)
+{
+    return _pclose(pipe);
+}
+#else
+FILE* start(const std::string& command)
+{
+    return popen(command.c_str(), "r");
+}
+
+int finish(FILE* pipe)
+{
+    const int status = pclose(pipe);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+#endif
+
+struct Outcome
+{
+    int code = -1;
+    std::string out;
+};
+
+/// Runs the program as a process of its own; what it says on standard error comes along.
+Outcome execute(const std::string& words)
+{
+    Outcome outcome;
+    FILE* const pipe = start("\"" SONAVIT_PROGRAM_PATH "\" " + words + " 2>&1");
+    if (pipe == nullptr)
+        return outcome;
+    std::array<char, 4096> buffer{};
+    for (std::size_t size = 1; size > 0;)
+    {
+        size = std::fread(buffer.data(), 1, buffer.size(), pipe);
+        outcome.out.append(buffer.data(), size);
+    }
+    outcome.code = finish(pipe);
+    return outcome;
+}
+}
+
+TEST(ProgramExecutable, ListsASimulatedMachine)
+{
+    const Outcome outcome = execute("--machine desktop");
+
+    EXPECT_EQ(0, outcome.code);
+    EXPECT_THAT(outcome.out, StartsWith("Simulated machine desktop: "));
+    EXPECT_THAT(outcome.out, HasSubstr("\n\xE2\x94\x9C\xE2\x94\x80 * Speakers "));
+    EXPECT_EQ(std::string::npos, outcome.out.find('\x1B')) << "a pipe is no terminal";
+}
+
+TEST(ProgramExecutable, TellsByItsExitCodeHowItWent)
+{
+    EXPECT_EQ(0, execute("--version").code);
+    EXPECT_EQ(1, execute("--machine desktop get-volume Projector").code);
+    EXPECT_EQ(2, execute("--machine nosuch").code);
+}
+
+TEST(ProgramExecutable, SaysOneSentenceAboutAFailure)
+{
+    EXPECT_EQ("sonavit: there is no command \"frobnicate\"; sonavit --help shows what there is\n",
+              execute("frobnicate").out);
+}
+
+TEST(ProgramExecutable, PlaysTheScriptOfAMachineWhileItListens)
+{
+    const Outcome outcome = execute("--machine laptop monitor --for 1.2");
+
+    EXPECT_EQ(0, outcome.code);
+    EXPECT_THAT(outcome.out, HasSubstr("Headset Jack "));
+    EXPECT_THAT(outcome.out, HasSubstr("unplugged \xE2\x86\x92 active\n"));
+}

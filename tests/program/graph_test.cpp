@@ -1,0 +1,196 @@
+#include "tests/program/dotreader.h"
+#include "tests/program/programtest.h"
+
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+using nlohmann::json;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace
+{
+class ProgramGraph : public support::ProgramTest
+{
+protected:
+    json graph(std::vector<std::string> words = {})
+    {
+        words.insert(words.begin(), {"graph", "--json"});
+        return json::parse(call(words).out);
+    }
+
+    /// The names of the parts that an edge of that kind joins, "from -> to".
+    static std::vector<std::string> edges(const json& graph, const std::string& kind)
+    {
+        std::map<int, std::string> names;
+        for (const json& device : graph["devices"])
+        {
+            for (const json& part : device["parts"])
+                names[part["number"]] = part["name"].is_null() ? device["name"] : part["name"];
+        }
+        std::vector<std::string> result;
+        for (const json& edge : graph["edges"])
+        {
+            if (edge["kind"] == kind)
+                result.push_back(names.at(edge["from"]) + " -> " + names.at(edge["to"]));
+        }
+        return result;
+    }
+
+    static std::vector<std::string> namesOnPath(const json& graph)
+    {
+        std::vector<std::string> result;
+        for (const json& device : graph["devices"])
+        {
+            for (const json& part : device["parts"])
+            {
+                if (part["onPath"] == true)
+                    result.push_back(part["name"].is_null() ? device["name"] : part["name"]);
+            }
+        }
+        return result;
+    }
+};
+}
+
+TEST_F(ProgramGraph, TellsJoinsWiresAndPathsApart)
+{
+    sim::MachineBuilder builder;
+    builder.card("Card").speaker("Speakers").hardwareVolume({-60.0f, 0.0f, 1.0f, -30.0f});
+    run(builder.build());
+
+    const json answer = graph();
+
+    EXPECT_THAT(edges(answer, "join"), testing::ElementsAre("Speakers -> Speakers (Card)"));
+    EXPECT_THAT(edges(answer, "wire"),
+                testing::UnorderedElementsAre("Speakers Stream -> Volume", "Volume -> Speakers"));
+    EXPECT_THAT(edges(answer, "signalPath"), testing::ElementsAre("Speakers Stream -> Speakers"));
+}
+
+TEST_F(ProgramGraph, DrawsDevicesPartsAndEdges)
+{
+    sim::MachineBuilder builder;
+    builder.card("Card").speaker("Speakers").hardwareVolume({-60.0f, 0.0f, 1.0f, -30.0f}).hardwareMute();
+    run(builder.build());
+
+    const support::Answer answer = call({"graph"});
+
+    EXPECT_EQ(0, answer.code);
+    EXPECT_EQ("", support::brokenDot(answer.out));
+    EXPECT_THAT(answer.out, HasSubstr(R"(label="Speakers (Card)\noutput")"));
+    EXPECT_THAT(answer.out, HasSubstr(R"(label="Speaker\nSpeakers", shape="box")"));
+    EXPECT_THAT(answer.out, HasSubstr(R"(label="Volume", shape="invtrapezium")"));
+    EXPECT_THAT(answer.out, HasSubstr(R"(label="Mute", shape="octagon")"));
+}
+
+TEST_F(ProgramGraph, ShowsThePathOfAnOutputAgainstTheWayOfTheSound)
+{
+    run(support::smallMachine());
+
+    const json answer = graph({"--endpoint", "Speakers"});
+
+    EXPECT_THAT(namesOnPath(answer), testing::UnorderedElementsAre("Speakers (Analog Audio)", "Speakers", "Volume",
+                                                                   "Mute", "Speakers Stream"));
+    EXPECT_THAT(namesOnPath(graph({})), testing::IsEmpty());
+    EXPECT_THAT(call({"graph", "--endpoint", "Speakers"}).out, HasSubstr("penwidth=\"3\""));
+}
+
+TEST_F(ProgramGraph, ShowsThePathOfAnInputTheWayOfTheSound)
+{
+    run(support::smallMachine());
+
+    EXPECT_THAT(namesOnPath(graph({"--endpoint", "Microphone"})),
+                testing::UnorderedElementsAre("Microphone (Analog Audio)", "Microphone", "Microphone Stream"));
+}
+
+TEST_F(ProgramGraph, IsOfOneCardWhereOneIsNamed)
+{
+    sim::MachineBuilder builder;
+    builder.card("First").speaker();
+    builder.card("Second").speaker();
+    run(builder.build());
+
+    EXPECT_EQ(4u, graph()["devices"].size());
+    EXPECT_EQ(2u, graph({"second"})["devices"].size());
+    EXPECT_EQ(2, call({"graph", "Third"}).code);
+    EXPECT_EQ(2, call({"graph", "first", "--endpoint", "Nothing"}).code);
+}
+
+TEST_F(ProgramGraph, ShowsWhatIsBehindADoorThatDoesNotOpen)
+{
+    sim::Machine machine = support::smallMachine();
+    machine.adapters[0].openable = false;
+    run(std::move(machine));
+
+    const json answer = graph();
+
+    EXPECT_EQ("closed", answer["devices"][3]["kind"]);
+    EXPECT_EQ(3u, edges(answer, "join").size());
+    EXPECT_EQ("", support::brokenDot(call({"graph"}).out));
+}
+
+TEST_F(ProgramGraph, ShowsAJoinWhoseFarEndIsNotToBeHad)
+{
+    sim::Machine machine = support::smallMachine();
+    machine.joins[0].to.clear();
+    machine.joins[0].toDevice = "{2}.gone";
+    run(std::move(machine));
+
+    const json answer = graph();
+
+    EXPECT_EQ(1,
+              std::count_if(answer["edges"].begin(), answer["edges"].end(),
+                            [](const json& edge) { return edge["to"].is_null() && edge["toDevice"] == "{2}.gone"; }));
+    EXPECT_EQ("", support::brokenDot(call({"graph"}).out));
+}
+
+TEST_F(ProgramGraph, TellsPartsWithoutIdsApart)
+{
+    sim::Machine machine = support::smallMachine();
+    for (sim::Connector& connector : machine.adapters[0].topology->connectors)
+        connector.reportsId = false;
+    run(std::move(machine));
+
+    const json answer = graph();
+
+    EXPECT_EQ(6u, answer["devices"][3]["parts"].size() - 2); // all connectors beside volume and mute
+    EXPECT_EQ(3u, edges(answer, "join").size());
+}
+
+TEST_F(ProgramGraph, QuotesWhateverTheNamesAre)
+{
+    sim::MachineBuilder builder;
+    builder.card("A \"quoted\" \\ card").speaker("Line\nbreak; } ->").jackName("]\\");
+    run(builder.build());
+
+    EXPECT_EQ("", support::brokenDot(call({"graph"}).out));
+}
+
+TEST_F(ProgramGraph, IsWrittenToAFile)
+{
+    run(support::smallMachine());
+    const std::filesystem::path path = std::filesystem::temp_directory_path() / "sonavit-graph-test.dot";
+
+    const support::Answer onOutput = call({"graph"});
+    const support::Answer answer = call({"graph", "-o", path.u8string()});
+
+    std::ifstream file(path, std::ios::binary);
+    EXPECT_EQ(onOutput.out, std::string(std::istreambuf_iterator<char>(file), {}));
+    EXPECT_EQ("", answer.out);
+    EXPECT_EQ(0, answer.code);
+    file.close();
+    std::filesystem::remove(path);
+}
+
+TEST_F(ProgramGraph, FailsWhereTheFileCannotBeWritten)
+{
+    run(support::smallMachine());
+
+    const support::Answer answer = call({"graph", "--output", "no-such-folder/graph.dot"});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_EQ("sonavit: the file \"no-such-folder/graph.dot\" cannot be written\n", answer.err);
+}

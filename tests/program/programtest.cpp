@@ -1,0 +1,142 @@
+#include "tests/program/programtest.h"
+
+#include "COM/identifiers.h"
+#include "simulator/machinekeys.h"
+
+#include <utility>
+
+namespace support
+{
+namespace
+{
+const char* const cardName = "Analog Audio";
+
+/// Fills @p builder and gives the ids of what was built.
+struct SmallMachine
+{
+    SmallMachine() : builder("small")
+    {
+        sim::CardBuilder card = builder.card(cardName);
+        sim::EndpointBuilder speaker = card.speaker("Speakers");
+        speaker.isDefault().level(-18.0f).hardwareVolume({-65.25f, 0.0f, 0.75f, -6.0f}).hardwareMute();
+        sim::EndpointBuilder headphones = card.headphones("Headphones").unplugged().level(-30.0f);
+        sim::EndpointBuilder microphone = card.microphone("Microphone");
+        sim::EndpointVolume volume;
+        volume.minimum = -34.5f;
+        volume.maximum = 12.0f;
+        volume.step = 1.5f;
+        microphone.volume(volume).muted();
+        ids = {speaker.id(), headphones.id(), microphone.id()};
+        cardId = card.instancePath();
+        instanceId = card.instanceId();
+    }
+
+    sim::MachineBuilder builder;
+    std::vector<std::string> ids;
+    std::string cardId;
+    std::string instanceId;
+};
+}
+
+std::vector<std::string> Answer::lines() const
+{
+    std::vector<std::string> result;
+    std::istringstream stream(out);
+    for (std::string line; std::getline(stream, line);)
+        result.push_back(line);
+    return result;
+}
+
+/// The commands send the log where their user wants it; as little as a user gets is enough here.
+ProgramTest::ProgramTest()
+{
+    qor::LogFactory::setPriority(qor::LoggerPriority::LOG_ERROR);
+}
+
+sim::Simulation& ProgramTest::run(sim::Machine machine)
+{
+    m_isRunning = true;
+    return LibraryTest::run(std::move(machine));
+}
+
+void ProgramTest::TearDown()
+{
+    if (m_isRunning)
+    {
+        kept.partsLists =
+            static_cast<long>(succeeded("IPart::EnumPartsIncoming") + succeeded("IPart::EnumPartsOutgoing"));
+        kept.directSoundTexts = directSoundTexts();
+        kept.defaultDeviceIds =
+            static_cast<long>(succeeded("IMMDeviceEnumerator::GetDefaultAudioEndpoint") - ownDefaultQuestions);
+    }
+    LibraryTest::TearDown();
+}
+
+/// The texts of DirectSound GUIDs that were read; adapters have none.
+long ProgramTest::directSoundTexts()
+{
+    const sim::Machine machine = simulation().machine();
+    long count = 0;
+    for (const sim::JournalEntry& call :
+         simulation().journal().of("IPropertyStore::GetValue").with(sim::keyText(propertykeys::directSoundGuid)))
+    {
+        const sim::Endpoint* const endpoint = machine.endpoint(call.object);
+        const bool isThere =
+            endpoint != nullptr && sim::findProperty(endpoint->properties, propertykeys::directSoundGuid) != nullptr;
+        count += isThere && SUCCEEDED(call.result) ? 1 : 0;
+    }
+    return count;
+}
+
+std::size_t ProgramTest::succeeded(const std::string& operation)
+{
+    const sim::JournalEntries calls = simulation().journal().of(operation);
+    return calls.size() - calls.failed().size();
+}
+
+Answer ProgramTest::call(const std::vector<std::string>& words)
+{
+    std::ostringstream out;
+    std::ostringstream err;
+    sonavit::Environment environment{out, err};
+    environment.isTerminal = isTerminal;
+    environment.hasColours = hasColours;
+    environment.width = width;
+    environment.pause = pause;
+    Answer answer;
+    answer.code = sonavit::run(words, environment);
+    answer.out = out.str();
+    answer.err = err.str();
+    return answer;
+}
+
+sim::Machine smallMachine()
+{
+    return SmallMachine().builder.build();
+}
+
+std::string speakerId()
+{
+    return SmallMachine().ids[0];
+}
+
+std::string headphonesId()
+{
+    return SmallMachine().ids[1];
+}
+
+std::string microphoneId()
+{
+    return SmallMachine().ids[2];
+}
+
+std::string smallCardId()
+{
+    return SmallMachine().cardId;
+}
+
+std::string smallInstanceId()
+{
+    return SmallMachine().instanceId;
+}
+} // namespace support

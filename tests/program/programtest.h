@@ -1,0 +1,69 @@
+#pragma once
+
+#include "tests/support/librarytest.h"
+#include "tools/sonavit/program.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace support
+{
+/// What a call of the program left behind.
+struct Answer
+{
+    int code = -1;
+    std::string out;
+    std::string err;
+
+    std::vector<std::string> lines() const;
+};
+
+/// A test of the program's commands, called in this process.
+///
+/// After run(machine) a call without --machine works on that machine, as on the system's own Core Audio, and at the end
+/// the machine must hold nothing but what the library leaves there on purpose.
+class ProgramTest : public LibraryTest
+{
+protected:
+    ProgramTest();
+    void TearDown() override;
+
+    /// As that of the base.
+    sim::Simulation& run(sim::Machine machine);
+
+    Answer call(const std::vector<std::string>& words);
+
+    unsigned width = 0; ///< of the terminal
+    bool hasColours = false;
+    bool isTerminal = false;
+    std::function<bool(std::chrono::milliseconds)> pause = [](std::chrono::milliseconds) { return true; };
+
+    /// How often commands have asked for a default endpoint themselves, and freed what they got.
+    std::size_t ownDefaultQuestions = 0;
+
+private:
+    long directSoundTexts();
+    std::size_t succeeded(const std::string& operation);
+
+    bool m_isRunning = false;
+};
+
+/// One card with a speaker that is the default (stereo, -18 dB of -65.25 to 0), unplugged headphones and a muted
+/// microphone; the speaker's wire has a volume and a mute in the hardware.
+sim::Machine smallMachine();
+
+/// Ids of its endpoints.
+std::string speakerId();
+std::string headphonesId();
+std::string microphoneId();
+
+/// The card's ids.
+std::string smallCardId();
+std::string smallInstanceId();
+} // namespace support

@@ -1,0 +1,99 @@
+#include "tests/program/programtest.h"
+
+#include "simulator/machinenodetypes.h"
+
+#include <nlohmann/json.hpp>
+
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace
+{
+/// A card with a microphone and a line input, between which a selector chooses the latter, and another card without.
+class ProgramSelectors : public support::ProgramTest
+{
+protected:
+    ProgramSelectors() : builder("selecting")
+    {
+        sim::CardBuilder card = builder.card("Mixer");
+        const std::string microphone = card.microphone("Microphone").jackId();
+        const std::string line = card.lineIn("Line In").jackId();
+        selection = builder.machine().part(line)->localId;
+        sim::Subunit subunit;
+        subunit.name = "Source";
+        subunit.subType = sim::nodetypes::multiplexer;
+        subunit.selector = sim::SelectorControl{selection};
+        selector = card.subunit(subunit);
+        card.chain({microphone, selector});
+        card.chain({line, selector});
+        cardId = card.instancePath();
+        adapterId = card.adapter().id;
+        builder.card("Plain").speaker();
+    }
+
+    sim::MachineBuilder builder;
+    unsigned selection;
+    std::string selector;
+    std::string cardId;
+    std::string adapterId;
+};
+}
+
+TEST_F(ProgramSelectors, AreShownWithWhatTheySelect)
+{
+    run(builder.build());
+
+    const support::Answer answer = call({"selectors"});
+
+    EXPECT_EQ(0, answer.code);
+    EXPECT_THAT(answer.lines(), ElementsAre("Mixer, Source", "     Microphone  Microphone  through Microphone",
+                                            "  *  Line In     Line        through Line In"));
+}
+
+TEST_F(ProgramSelectors, AreAnsweredInJson)
+{
+    run(builder.build());
+
+    const json answer = json::parse(call({"selectors", "--json"}).out);
+
+    ASSERT_EQ(1u, answer["selectors"].size());
+    const json& only = answer["selectors"][0];
+    EXPECT_EQ(cardId, only["card"]);
+    EXPECT_EQ(adapterId, only["device"]);
+    EXPECT_EQ("Source", only["name"]);
+    EXPECT_EQ(selection, only["selection"]);
+    EXPECT_EQ("microphone", only["inputs"][0]["jack"]);
+    EXPECT_EQ(false, only["inputs"][0]["isSelected"]);
+    EXPECT_EQ("line", only["inputs"][1]["jack"]);
+    EXPECT_EQ(true, only["inputs"][1]["isSelected"]);
+}
+
+TEST_F(ProgramSelectors, AreThoseOfOneCardWhereOneIsNamed)
+{
+    run(builder.build());
+
+    EXPECT_THAT(call({"selectors", "mix"}).out, HasSubstr("Mixer, Source"));
+    EXPECT_EQ("There is no input selector.\n", call({"selectors", "Plain"}).out);
+    EXPECT_EQ(2, call({"selectors", "Nothing"}).code);
+}
+
+TEST_F(ProgramSelectors, ShowADashForASelectionThatCannotBeRead)
+{
+    sim::Simulation& simulation = run(builder.build());
+    simulation.faults().fail("IAudioInputSelector::GetSelection");
+
+    const support::Answer text = call({"selectors"});
+    const json answer = json::parse(call({"selectors", "--json"}).out);
+
+    EXPECT_THAT(text.out, HasSubstr("  selection -\n"));
+    EXPECT_TRUE(answer["selectors"][0]["selection"].is_null());
+}
+
+TEST_F(ProgramSelectors, ShowASelectionThatIsNoneOfTheInputs)
+{
+    builder.machine().part(selector)->selector->selection = 7;
+    run(builder.build());
+
+    EXPECT_THAT(call({"selectors"}).out, HasSubstr("  selection 7\n"));
+}
