@@ -4,6 +4,8 @@
 #include "libSonavit/soundcard/supportgraphs.h"
 #include "tests/support/librarytest.h"
 
+#include <algorithm>
+
 using qor::LoggerPriority;
 using support::idsOf;
 using support::linksOf;
@@ -14,6 +16,9 @@ using testing::IsEmpty;
 
 namespace
 {
+constexpr const char* channel = "libSonavit.soundcard";
+const std::string topologyLabel = "SoundCard::registerConnectors(const AudioDeviceTopology& deviceTopology)";
+
 struct ConnectorMap : support::LibraryTest
 {
     ~ConnectorMap() noexcept override {} // the cards' own may throw
@@ -42,11 +47,12 @@ TEST_F(ConnectorMap, IsEmptyOnACardWithoutEndpointsAndLeavesTheInternalDevicesAl
 {
     run(graph.machine);
     SoundCard card;
+    card.m_internalDevices->append(AudioDevice());
 
     card.initializeConnectorMap();
 
     EXPECT_EQ(0u, card.m_connectorMap.size());
-    EXPECT_EQ(0u, card.m_internalDevices->size());
+    EXPECT_EQ(1u, card.m_internalDevices->size());
 }
 
 TEST_F(ConnectorMap, HasPlaybackConnectorsFirstThenRecordConnectorsThenThoseOfTheDevicesBehindThem)
@@ -247,4 +253,62 @@ TEST_F(ConnectorMap, LogsItsThreeOperations)
                                     "SoundCard::registerConnectors(const Array<AudioDevice>& deviceList)",
                                     "SoundCard::registerConnectors(const AudioDeviceTopology& deviceTopology)",
                                     "SoundCard::registerConnectors(const Array<AudioDevice>& deviceList)"));
+}
+
+TEST_F(ConnectorMap, TakesAnEndpointForAnInternalDeviceWhenAConnectorNamesItInAnotherCase)
+{
+    graph.endpoint("first");
+    graph.endpoint("second");
+    graph.join("first/1", "second/1", false);
+    graph.machine.joins[0].toDevice = "SECOND";
+
+    SoundCard& card = discovered();
+
+    EXPECT_THAT(idsOf(*card.m_internalDevices), ElementsAre("second")) << "known ids are compared exactly";
+    EXPECT_THAT(nodesOf(card), ElementsAre("first/1", "second/1"));
+    EXPECT_THAT(linksOf(card, 0), ElementsAre(1u));
+}
+
+TEST_F(ConnectorMap, RegistersAllInternalDevicesAgainForEachNewOne)
+{
+    graph.endpoint("out");
+    for (const char* id : {"a", "b", "c"})
+        graph.adapter(id, 2);
+    graph.join("out/1", "a/1").join("a/2", "b/1").join("b/2", "c/1");
+
+    discovered();
+
+    const std::vector<std::string> labels = log.entered(channel);
+    EXPECT_EQ(1 + 1 + 2 + 3, std::count(labels.begin(), labels.end(), topologyLabel));
+}
+
+TEST_F(ConnectorMap, RegistersItsOwnSideOnceForTwoConnectorsToADeviceThatCannotBeOpened)
+{
+    graph.endpoint("out", 2).topology->deviceId = "out under another name";
+    graph.machine.joins.push_back({"out/1", "", "nobody", true});
+    graph.machine.joins.push_back({"out/2", "", "nobody", true});
+
+    discovered();
+
+    EXPECT_EQ(2u + 2u, simulation().journal().count("IPart::GetTopologyObject")) << "one a node in each pass";
+    const std::vector<std::string> labels = log.entered(channel);
+    EXPECT_EQ(2, std::count(labels.begin(), labels.end(), topologyLabel));
+}
+
+TEST_F(ConnectorMap, GoesByThePointersOfFarDeviceAndPeerAndNotByTheResults)
+{
+    graph.endpoint("out");
+    graph.adapter("board", 1);
+    graph.join("out/1", "board/1");
+    SoundCard& card = discovered();
+    const sim::PlannedFault id = simulation().faults().succeedWithNull("IConnector::GetDeviceIdConnectedTo");
+    const sim::PlannedFault peer = simulation().faults().succeedWithNull("IConnector::GetConnectedTo");
+    card.m_internalDevices->clear();
+
+    card.initializeConnectorMap();
+
+    EXPECT_GT(id.fired(), 0u);
+    EXPECT_GT(peer.fired(), 0u);
+    EXPECT_THAT(nodesOf(card), ElementsAre("out/1"));
+    EXPECT_THAT(linksOf(card, 0), IsEmpty());
 }

@@ -119,6 +119,7 @@ void expectEqual(SoundCard& card, const sim::Machine& machine)
     EXPECT_EQ(reference.internalDevices(), idsOf(*card.m_internalDevices));
     qor::Array<COMPtr<IAudioInputSelector>::pointer> selectors;
     EXPECT_EQ(reference.selectors(), card.recordingMux(selectors));
+    EXPECT_EQ(reference.selectors(), selectors.size());
     expectEqualEndpoints(card, *card.m_playbackDevices, reference, reference.playback());
     expectEqualEndpoints(card, *card.m_recordDevices, reference, reference.record());
 }

@@ -4,6 +4,7 @@
 #include "libSonavit/soundcard/supportobserver.h"
 #include "tests/support/librarytest.h"
 
+#include <algorithm>
 #include <memory>
 #include <thread>
 
@@ -153,7 +154,9 @@ TEST_F(HotPlugStateChanged, FindsTheEndpointWithoutRegardToCase)
         c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
     ASSERT_NE(headphones, upper);
 
-    EXPECT_EQ(S_OK, updater().OnDeviceStateChanged(IdText(upper), DEVICE_STATE_ACTIVE));
+    playbackDevices()[1].m_properties.deviceId = qor::String::fromUtf8(upper);
+
+    EXPECT_EQ(S_OK, updater().OnDeviceStateChanged(IdText(headphones), DEVICE_STATE_ACTIVE));
 
     EXPECT_THAT(playback.heard, ElementsAre("state"));
 }
@@ -213,6 +216,7 @@ TEST_F(HotPlugAdded, IsSeenThroughCopiesOfTheCardMadeBefore)
 TEST_F(HotPlugAdded, LeavesTheGraphAsItWasSoThatTheEndpointIsListedButItsControlsRaiseIndexOutOfBounds)
 {
     const unsigned int nodes = card().m_connectorMap.size();
+    const unsigned int internalDevices = card().m_internalDevices->size();
     simulation().events().add(newcomerOf(card()));
     qor::Array<AudioDevice> listed;
     card().allPlaybackDevice(listed, DEVICE_STATEMASK_ALL);
@@ -223,6 +227,7 @@ TEST_F(HotPlugAdded, LeavesTheGraphAsItWasSoThatTheEndpointIsListedButItsControl
     EXPECT_THROW(card().volumeController(listed[2], controls), qor::IndexOutOfBounds);
 
     EXPECT_EQ(nodes, card().m_connectorMap.size());
+    EXPECT_EQ(internalDevices, card().m_internalDevices->size());
     EXPECT_THAT(log.texts(LoggerPriority::LOG_FATAL), IsEmpty());
 }
 
@@ -281,9 +286,12 @@ TEST_F(HotPlug, TakesAnInstancePathInAnotherCaseForAnotherCard)
     std::string path = card().deviceId().toUtf8();
     for (char& c : path)
         c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    ASSERT_NE(card().deviceId().toUtf8(), path);
     *card().m_deviceId = qor::String::fromUtf8(path);
 
     simulation().events().add(late);
+    EXPECT_EQ(S_OK, updater().OnDeviceStateChanged(IdText(headphones), DEVICE_STATE_ACTIVE));
+    EXPECT_EQ(S_OK, updater().OnDeviceRemoved(IdText(headphones)));
 
     EXPECT_EQ(2u, playbackDevices().size());
     EXPECT_THAT(playback.heard, IsEmpty());
@@ -358,4 +366,65 @@ TEST_F(HotPlug, LetsAnExceptionOfAnObserverPassToThePlatform)
     EXPECT_THROW(updater().OnDeviceAdded(IdText(late)), qor::NullPointer);
 
     EXPECT_EQ(3u, playbackDevices().size());
+}
+
+TEST_F(HotPlug, RaisesIndexOutOfBoundsForTheControlsOfAnEndpointOfAnotherCard)
+{
+    qor::Array<SoundCard::VolumeController> controls;
+
+    EXPECT_THROW(card().volumeController((*cards[1].m_playbackDevices)[0], controls), qor::IndexOutOfBounds);
+
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_FATAL), IsEmpty());
+}
+
+TEST_F(HotPlug, TakesAnEndpointWhosePropertiesCannotBeReadForOneOfAnotherCard)
+{
+    const sim::PlannedFault closed = simulation().faults().fail("IMMDevice::OpenPropertyStore").on(headphones);
+
+    EXPECT_EQ(S_OK, updater().OnDeviceStateChanged(IdText(headphones), DEVICE_STATE_ACTIVE));
+    EXPECT_EQ(S_OK, updater().OnDeviceAdded(IdText(headphones)));
+    EXPECT_EQ(S_OK, updater().OnDeviceRemoved(IdText(headphones)));
+
+    EXPECT_EQ(3u, closed.fired());
+    EXPECT_EQ(2u, playbackDevices().size());
+    EXPECT_THAT(playback.heard, IsEmpty());
+}
+
+TEST_F(HotPlug, AsksForTheFlowInBothSelectorsAndNotForAForeignEndpoint)
+{
+    updater().OnDeviceStateChanged(IdText(headphones), DEVICE_STATE_ACTIVE);
+    updater().OnDeviceStateChanged(IdText(foreign), DEVICE_STATE_ACTIVE);
+
+    const std::vector<std::string> labels = log.entered();
+    EXPECT_EQ(2, std::count(labels.begin(), labels.end(), "AudioDevice::dataFlow"));
+}
+
+TEST_F(HotPlug, FilesADeviceThatCannotBeOpenedOnTheRecordSideOfACardWithoutAnId)
+{
+    const SoundCard bare;
+
+    EXPECT_EQ(S_OK, bare.m_updater->OnDeviceAdded(IdText("{nobody}")));
+
+    EXPECT_EQ(1u, bare.m_recordDevices->size());
+    EXPECT_EQ(0u, bare.m_playbackDevices->size());
+}
+
+TEST_F(HotPlugStateChanged, TellsTheObserversAlsoWhenTheListsEndpointCannotReadItsState)
+{
+    const sim::PlannedFault unreadable =
+        simulation().faults().fail("IMMDevice::GetState").at(2); // the first is the event's own
+
+    EXPECT_EQ(S_OK, updater().OnDeviceStateChanged(IdText(headphones), DEVICE_STATE_ACTIVE));
+
+    EXPECT_EQ(1u, unreadable.fired());
+    EXPECT_THAT(playback.heard, ElementsAre("state"));
+}
+
+TEST_F(HotPlugRemoved, TakesARecordEndpointOutAndTellsTheRecordObservers)
+{
+    simulation().events().remove(microphone);
+
+    EXPECT_EQ(0u, recordDevices().size());
+    EXPECT_THAT(record.heard, ElementsAre("removed"));
+    EXPECT_THAT(playback.heard, IsEmpty());
 }

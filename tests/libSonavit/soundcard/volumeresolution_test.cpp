@@ -19,7 +19,9 @@ std::string described(const SoundCard::VolumeController& control)
     EXPECT_EQ(S_OK, control.volumeLevel->GetLevel(0, &level));
     BOOL muted = FALSE;
     if (control.mute.get() != nullptr)
+    {
         EXPECT_EQ(S_OK, control.mute->GetMute(&muted));
+    }
     const std::string mute = control.mute.get() == nullptr ? "no mute" : muted == FALSE ? "not muted" : "muted";
     return std::to_string(static_cast<int>(level)) + " " + control.ownerName.toUtf8() + ", " + mute;
 }
@@ -272,10 +274,36 @@ TEST_F(VolumeResolution, GivesARecordWithoutMuteWhereTheFirstMuteCannotBeActivat
     graph.volume("out", 101, -1.0f);
     graph.node("out", 201, KSNODETYPE_MUTE); // has the type and no control
     graph.mute("out", 202, true);
-    graph.feed("out/101", "out/1").feed("out/201", "out/101").feed("out/101", "out/202");
+    graph.mute("out", 203, true);
+    graph.feed("out/101", "out/1").feed("out/201", "out/101").feed("out/203", "out/101").feed("out/101", "out/202");
 
     EXPECT_THAT(controls(), ElementsAre("-1 Plug out/1, no mute"));
-    EXPECT_THAT(simulation().journal().of("IPart::Activate").with("23").on("out/202").lines(), IsEmpty());
+
+    const sim::JournalEntries activations = simulation().journal().of("IPart::Activate");
+    EXPECT_EQ(1u, activations.on("out/201").size());
+    EXPECT_THAT(activations.on("out/202").lines(), IsEmpty());
+    EXPECT_THAT(activations.on("out/203").lines(), IsEmpty());
+}
+
+TEST_F(VolumeResolution, DoesNotFindAMuteTwoPartsAwayFromTheVolumeNode)
+{
+    graph.endpoint("out");
+    graph.volume("out", 101, -1.0f);
+    graph.node("out", 102, KSNODETYPE_SUM);
+    graph.mute("out", 201, true);
+    graph.feed("out/101", "out/1").feed("out/102", "out/101").feed("out/201", "out/102");
+
+    EXPECT_THAT(controls(), ElementsAre("-1 Plug out/1, no mute"));
+}
+
+TEST_F(VolumeResolution, VisitsANodeTwiceThatTwoConnectorsOfTheEndpointStandFor)
+{
+    graph.endpoint("out", 2);
+    graph.volume("out", 101, -1.0f);
+    graph.feed("out/101", "out/1");
+    graph.machine.endpoints[0].topology->connectors[1].id = "OUT/1";
+
+    EXPECT_THAT(controls(), ElementsAre("-1 Plug out/1, no mute", "-1 Plug out/1, no mute"));
 }
 
 TEST_F(VolumeResolution, GivesNoRecordAndSaysNothingWhereTheVolumeCannotBeActivated)

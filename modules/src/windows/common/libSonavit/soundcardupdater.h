@@ -17,7 +17,8 @@
 class SONAVIT_API SoundCard::SoundCardDeviceUpdater final : public IMMNotificationClient
 {
 public:
-    /// A new updater without any share; the handle holds its one reference.
+    /// A new updater without any share; the handle holds its one reference. It needs an owner id before its first
+    /// event.
     static COMPtr<SoundCardDeviceUpdater>::pointer createUpdater();
 
     ~SoundCardDeviceUpdater();
