@@ -1,6 +1,8 @@
 /// The operations of qor::Array; included by "qor/array.h" only.
 #pragma once
 
+#include "qor/array.h"
+
 namespace qor
 {
 template<class T>
