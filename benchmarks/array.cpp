@@ -1,5 +1,6 @@
 #include "suites.h"
 #include "texts.h"
+#include "visited.h"
 
 #include "qor/array.h"
 
@@ -21,21 +22,6 @@ template<class T>
 void add(std::vector<T>& sequence, const T& value)
 {
     sequence.push_back(value);
-}
-
-unsigned int visited(unsigned int value)
-{
-    return value;
-}
-
-unsigned int visited(const qor::String& text)
-{
-    return text.size() + text.getUCS2Buffer()[text.size() - 1];
-}
-
-unsigned int visited(const std::u16string& text)
-{
-    return static_cast<unsigned int>(text.size()) + text[text.size() - 1];
 }
 
 template<class Sequence, class T>
@@ -64,13 +50,22 @@ Comparisons::Work appending(const std::vector<T>& values)
     };
 }
 
-/// Visits all elements by index, as callers of both do.
-template<class Sequence>
-unsigned int sumOf(const Sequence& sequence)
+/// Visits all elements, as callers do.
+template<class T>
+unsigned int sumOf(const qor::Array<T>& sequence)
 {
     unsigned int sum = 0;
     for (unsigned int i = 0; i < sequence.size(); ++i)
         sum += visited(sequence[i]);
+    return sum;
+}
+
+template<class T>
+unsigned int sumOf(const std::vector<T>& sequence)
+{
+    unsigned int sum = 0;
+    for (const T& element : sequence)
+        sum += visited(element);
     return sum;
 }
 
