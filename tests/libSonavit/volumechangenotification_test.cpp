@@ -4,6 +4,7 @@
 
 #include "libSonavit/volumechangenotification.h"
 
+#include <atomic>
 #include <thread>
 #include <type_traits>
 
@@ -103,9 +104,13 @@ TEST_F(VolumeChangeNotificationObject, AnswersTheNewCountAndEndsAtNothing)
 TEST_F(VolumeChangeNotificationObject, CountsFromTwoThreadsAtOnce)
 {
     const Notification notification(new VolumeChangeNotification);
+    std::atomic<int> arrived{0};
     const auto takeAndGive = [&]
     {
-        for (int turn = 0; turn < 20000; ++turn)
+        ++arrived;
+        while (arrived < 2)
+            std::this_thread::yield();
+        for (int turn = 0; turn < 200000; ++turn)
         {
             notification->AddRef();
             notification->Release();

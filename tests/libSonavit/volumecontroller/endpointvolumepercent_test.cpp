@@ -63,8 +63,16 @@ TEST_F(EndpointVolumeControllerPercent, IsTheScalarRoundedToTheNearestPercent)
 
 TEST_F(EndpointVolumeControllerPercent, IsComputedInSinglePrecision)
 {
-    // In double precision each of them would be one less: 0.005f lies a little below 0.005.
-    expectPercents({{0.005f, 1}, {0.015f, 2}, {0.055f, 6}, {0.175f, 18}, {0.355f, 36}, {0.505f, 51}, {0.965f, 97}});
+    // In double precision each of them would be one less: 0.005f lies a little below 0.005, and of the large one the
+    // half is rounded to the even neighbour.
+    expectPercents({{0.005f, 1},
+                    {0.015f, 2},
+                    {0.055f, 6},
+                    {0.175f, 18},
+                    {0.355f, 36},
+                    {0.505f, 51},
+                    {0.965f, 97},
+                    {83886.09f, 8388610}});
 }
 
 TEST_F(EndpointVolumeControllerPercent, IsNotClampedAboveOneHundred)
