@@ -20,8 +20,9 @@ float scalarFromPercent(unsigned int percent)
 }
 }
 
+// Each carries the export mark itself: on Windows a specialization does not have that of its class.
 template<>
-unsigned int VolumeController<EndpointVolumeController>::numChannel() const
+SONAVIT_API unsigned int VolumeController<EndpointVolumeController>::numChannel() const
 {
     UINT count = 0;
     m_policy.endpointVolume->GetChannelCount(&count);
@@ -29,7 +30,7 @@ unsigned int VolumeController<EndpointVolumeController>::numChannel() const
 }
 
 template<>
-unsigned int VolumeController<EndpointVolumeController>::volumeLevelPercent(unsigned int channel) const
+SONAVIT_API unsigned int VolumeController<EndpointVolumeController>::volumeLevelPercent(unsigned int channel) const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::volumeLevelPercent");
     float scalar = 0.0f;
@@ -38,7 +39,7 @@ unsigned int VolumeController<EndpointVolumeController>::volumeLevelPercent(unsi
 }
 
 template<>
-float VolumeController<EndpointVolumeController>::volumeLevelDecibel(unsigned int channel) const
+SONAVIT_API float VolumeController<EndpointVolumeController>::volumeLevelDecibel(unsigned int channel) const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::volumeLevelDecibel");
     float level = 0.0f;
@@ -48,14 +49,15 @@ float VolumeController<EndpointVolumeController>::volumeLevelDecibel(unsigned in
 
 // The label is that of the setter; readers of the log match on it.
 template<>
-bool VolumeController<EndpointVolumeController>::volumeRangeDecibel(unsigned int, DbVolumeRange& range) const
+SONAVIT_API bool VolumeController<EndpointVolumeController>::volumeRangeDecibel(unsigned int,
+                                                                                DbVolumeRange& range) const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::setVolumeLevelDecibel");
     return SUCCEEDED(m_policy.endpointVolume->GetVolumeRange(&range.minLevel, &range.maxLevel, &range.stepping));
 }
 
 template<>
-unsigned int VolumeController<EndpointVolumeController>::masterVolumeLevelPercent() const
+SONAVIT_API unsigned int VolumeController<EndpointVolumeController>::masterVolumeLevelPercent() const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::masterVolumeLevelPercent");
     float scalar = 0.0f;
@@ -64,7 +66,7 @@ unsigned int VolumeController<EndpointVolumeController>::masterVolumeLevelPercen
 }
 
 template<>
-float VolumeController<EndpointVolumeController>::masterVolumeLevelDecibel() const
+SONAVIT_API float VolumeController<EndpointVolumeController>::masterVolumeLevelDecibel() const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::masterVolumeLevelDecibel");
     float level = 0.0f;
@@ -73,7 +75,8 @@ float VolumeController<EndpointVolumeController>::masterVolumeLevelDecibel() con
 }
 
 template<>
-bool VolumeController<EndpointVolumeController>::setVolumeLevelPercent(unsigned int channel, unsigned int percent)
+SONAVIT_API bool VolumeController<EndpointVolumeController>::setVolumeLevelPercent(unsigned int channel,
+                                                                                   unsigned int percent)
 {
     SONAVIT_TRACE(volumelog, "VolumeController::setVolumeLevelPercent");
     return SUCCEEDED(
@@ -81,28 +84,28 @@ bool VolumeController<EndpointVolumeController>::setVolumeLevelPercent(unsigned 
 }
 
 template<>
-bool VolumeController<EndpointVolumeController>::setVolumeLevelDecibel(unsigned int channel, float level)
+SONAVIT_API bool VolumeController<EndpointVolumeController>::setVolumeLevelDecibel(unsigned int channel, float level)
 {
     SONAVIT_TRACE(volumelog, "VolumeController::setVolumeLevelDecibel");
     return SUCCEEDED(m_policy.endpointVolume->SetChannelVolumeLevel(channel, level, nullptr));
 }
 
 template<>
-bool VolumeController<EndpointVolumeController>::setMasterVolumeLevelPercent(unsigned int percent)
+SONAVIT_API bool VolumeController<EndpointVolumeController>::setMasterVolumeLevelPercent(unsigned int percent)
 {
     SONAVIT_TRACE(volumelog, "VolumeController::setMasterVolumeLevelPercent");
     return SUCCEEDED(m_policy.endpointVolume->SetMasterVolumeLevelScalar(scalarFromPercent(percent), nullptr));
 }
 
 template<>
-bool VolumeController<EndpointVolumeController>::setMasterVolumeLevelDecibel(float level)
+SONAVIT_API bool VolumeController<EndpointVolumeController>::setMasterVolumeLevelDecibel(float level)
 {
     SONAVIT_TRACE(volumelog, "VolumeController::setMasterVolumeLevelDecibel");
     return SUCCEEDED(m_policy.endpointVolume->SetMasterVolumeLevel(level, nullptr));
 }
 
 template<>
-bool VolumeController<EndpointVolumeController>::registerVolumeChangeNotification(
+SONAVIT_API bool VolumeController<EndpointVolumeController>::registerVolumeChangeNotification(
     const COMPtr<VolumeChangeNotification>::pointer& notification)
 {
     if (m_policy.endpointVolume.get() == nullptr)
@@ -121,7 +124,7 @@ bool VolumeController<EndpointVolumeController>::registerVolumeChangeNotificatio
 
 /// Asked with a start value of true, so that a control whose state cannot be read counts as muted.
 template<>
-bool VolumeController<EndpointVolumeController>::isMuted() const
+SONAVIT_API bool VolumeController<EndpointVolumeController>::isMuted() const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::isMuted");
     BOOL muted = TRUE;
@@ -130,7 +133,7 @@ bool VolumeController<EndpointVolumeController>::isMuted() const
 }
 
 template<>
-bool VolumeController<EndpointVolumeController>::setMute(bool mute)
+SONAVIT_API bool VolumeController<EndpointVolumeController>::setMute(bool mute)
 {
     SONAVIT_TRACE(volumelog, "VolumeController::setMute");
     return SUCCEEDED(m_policy.endpointVolume->SetMute(mute ? TRUE : FALSE, nullptr));
@@ -138,20 +141,20 @@ bool VolumeController<EndpointVolumeController>::setMute(bool mute)
 
 /// Claimed in any case, also without an interface: callers of an endpoint's controller rely on the claim.
 template<>
-bool VolumeController<EndpointVolumeController>::hasVolumeControl() const
+SONAVIT_API bool VolumeController<EndpointVolumeController>::hasVolumeControl() const
 {
     return true;
 }
 
 template<>
-bool VolumeController<EndpointVolumeController>::hasMuteControl() const
+SONAVIT_API bool VolumeController<EndpointVolumeController>::hasMuteControl() const
 {
     return true;
 }
 
 /// A copy holds a notification that it did not register, and takes it off all the same.
 template<>
-VolumeController<EndpointVolumeController>::~VolumeController() noexcept(false)
+SONAVIT_API VolumeController<EndpointVolumeController>::~VolumeController() noexcept(false)
 {
     if (m_notification.get() != nullptr && m_policy.endpointVolume.get() != nullptr)
         m_policy.endpointVolume->UnregisterControlChangeNotify(m_notification.get());

@@ -15,15 +15,17 @@ float fractionOf(float level, const VolumeControllerInterface::DbVolumeRange& ra
 }
 
 // Used below before they are defined, and a specialization must be known before its first use.
+// Each carries the export mark itself: on Windows a specialization does not have that of its class.
 template<>
-float VolumeController<RegularVolumeController>::volumeLevelDecibel(unsigned int channel) const;
+SONAVIT_API float VolumeController<RegularVolumeController>::volumeLevelDecibel(unsigned int channel) const;
 template<>
-bool VolumeController<RegularVolumeController>::volumeRangeDecibel(unsigned int channel, DbVolumeRange& range) const;
+SONAVIT_API bool VolumeController<RegularVolumeController>::volumeRangeDecibel(unsigned int channel,
+                                                                               DbVolumeRange& range) const;
 template<>
-float VolumeController<RegularVolumeController>::masterVolumeLevelDecibel() const;
+SONAVIT_API float VolumeController<RegularVolumeController>::masterVolumeLevelDecibel() const;
 
 template<>
-unsigned int VolumeController<RegularVolumeController>::numChannel() const
+SONAVIT_API unsigned int VolumeController<RegularVolumeController>::numChannel() const
 {
     UINT count = 0;
     m_policy.volumeLevel->GetChannelCount(&count);
@@ -31,7 +33,7 @@ unsigned int VolumeController<RegularVolumeController>::numChannel() const
 }
 
 template<>
-unsigned int VolumeController<RegularVolumeController>::volumeLevelPercent(unsigned int channel) const
+SONAVIT_API unsigned int VolumeController<RegularVolumeController>::volumeLevelPercent(unsigned int channel) const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::volumeLevelPercent");
     DbVolumeRange range = {};
@@ -41,7 +43,7 @@ unsigned int VolumeController<RegularVolumeController>::volumeLevelPercent(unsig
 }
 
 template<>
-float VolumeController<RegularVolumeController>::volumeLevelDecibel(unsigned int channel) const
+SONAVIT_API float VolumeController<RegularVolumeController>::volumeLevelDecibel(unsigned int channel) const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::volumeLevelDecibel");
     float level = 0.0f;
@@ -51,7 +53,8 @@ float VolumeController<RegularVolumeController>::volumeLevelDecibel(unsigned int
 
 // The label is that of the setter; readers of the log match on it.
 template<>
-bool VolumeController<RegularVolumeController>::volumeRangeDecibel(unsigned int channel, DbVolumeRange& range) const
+SONAVIT_API bool VolumeController<RegularVolumeController>::volumeRangeDecibel(unsigned int channel,
+                                                                               DbVolumeRange& range) const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::setVolumeLevelDecibel");
     return SUCCEEDED(m_policy.volumeLevel->GetLevelRange(channel, &range.minLevel, &range.maxLevel, &range.stepping));
@@ -60,7 +63,7 @@ bool VolumeController<RegularVolumeController>::volumeRangeDecibel(unsigned int 
 /// The half is added before the fraction becomes percent, so that the answer runs from 50 to 150. Callers have long
 /// been fitted to these numbers; the formula of a channel must not be put in its place.
 template<>
-unsigned int VolumeController<RegularVolumeController>::masterVolumeLevelPercent() const
+SONAVIT_API unsigned int VolumeController<RegularVolumeController>::masterVolumeLevelPercent() const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::masterVolumeLevelPercent");
     if (numChannel() == 0)
@@ -74,7 +77,7 @@ unsigned int VolumeController<RegularVolumeController>::masterVolumeLevelPercent
 
 /// The mean of the channels, whose number is asked for on each pass; without channels it is not a number.
 template<>
-float VolumeController<RegularVolumeController>::masterVolumeLevelDecibel() const
+SONAVIT_API float VolumeController<RegularVolumeController>::masterVolumeLevelDecibel() const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::masterVolumeLevelDecibel");
     float sum = 0.0f;
@@ -84,7 +87,8 @@ float VolumeController<RegularVolumeController>::masterVolumeLevelDecibel() cons
 }
 
 template<>
-bool VolumeController<RegularVolumeController>::setVolumeLevelPercent(unsigned int channel, unsigned int percent)
+SONAVIT_API bool VolumeController<RegularVolumeController>::setVolumeLevelPercent(unsigned int channel,
+                                                                                  unsigned int percent)
 {
     SONAVIT_TRACE(volumelog, "VolumeController::setVolumeLevelPercent");
     const float fraction = static_cast<float>(percent) / 100.0f;
@@ -95,7 +99,7 @@ bool VolumeController<RegularVolumeController>::setVolumeLevelPercent(unsigned i
 }
 
 template<>
-bool VolumeController<RegularVolumeController>::setVolumeLevelDecibel(unsigned int channel, float level)
+SONAVIT_API bool VolumeController<RegularVolumeController>::setVolumeLevelDecibel(unsigned int channel, float level)
 {
     SONAVIT_TRACE(volumelog, "VolumeController::setVolumeLevelDecibel");
     return SUCCEEDED(m_policy.volumeLevel->SetLevel(channel, level, nullptr));
@@ -103,13 +107,13 @@ bool VolumeController<RegularVolumeController>::setVolumeLevelDecibel(unsigned i
 
 /// A part has a master level in decibels only; callers get false, without a message.
 template<>
-bool VolumeController<RegularVolumeController>::setMasterVolumeLevelPercent(unsigned int)
+SONAVIT_API bool VolumeController<RegularVolumeController>::setMasterVolumeLevelPercent(unsigned int)
 {
     return false;
 }
 
 template<>
-bool VolumeController<RegularVolumeController>::setMasterVolumeLevelDecibel(float level)
+SONAVIT_API bool VolumeController<RegularVolumeController>::setMasterVolumeLevelDecibel(float level)
 {
     SONAVIT_TRACE(volumelog, "VolumeController::setMasterVolumeLevelDecibel");
     return SUCCEEDED(m_policy.volumeLevel->SetLevelUniform(level, nullptr));
@@ -117,7 +121,7 @@ bool VolumeController<RegularVolumeController>::setMasterVolumeLevelDecibel(floa
 
 /// A part does not notify; callers get false, without a message.
 template<>
-bool VolumeController<RegularVolumeController>::registerVolumeChangeNotification(
+SONAVIT_API bool VolumeController<RegularVolumeController>::registerVolumeChangeNotification(
     const COMPtr<VolumeChangeNotification>::pointer&)
 {
     return false;
@@ -125,7 +129,7 @@ bool VolumeController<RegularVolumeController>::registerVolumeChangeNotification
 
 /// Asked with a start value of true, so that a control whose state cannot be read counts as muted.
 template<>
-bool VolumeController<RegularVolumeController>::isMuted() const
+SONAVIT_API bool VolumeController<RegularVolumeController>::isMuted() const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::isMuted");
     BOOL muted = TRUE;
@@ -134,25 +138,25 @@ bool VolumeController<RegularVolumeController>::isMuted() const
 }
 
 template<>
-bool VolumeController<RegularVolumeController>::setMute(bool mute)
+SONAVIT_API bool VolumeController<RegularVolumeController>::setMute(bool mute)
 {
     SONAVIT_TRACE(volumelog, "VolumeController::setMute");
     return SUCCEEDED(m_policy.mute->SetMute(mute ? TRUE : FALSE, nullptr));
 }
 
 template<>
-bool VolumeController<RegularVolumeController>::hasVolumeControl() const
+SONAVIT_API bool VolumeController<RegularVolumeController>::hasVolumeControl() const
 {
     return m_policy.volumeLevel.get() != nullptr;
 }
 
 template<>
-bool VolumeController<RegularVolumeController>::hasMuteControl() const
+SONAVIT_API bool VolumeController<RegularVolumeController>::hasMuteControl() const
 {
     return m_policy.mute.get() != nullptr;
 }
 
 template<>
-VolumeController<RegularVolumeController>::~VolumeController() noexcept(false) = default;
+SONAVIT_API VolumeController<RegularVolumeController>::~VolumeController() noexcept(false) = default;
 
 template class VolumeController<RegularVolumeController>;
