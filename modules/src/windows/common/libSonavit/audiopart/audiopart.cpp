@@ -40,8 +40,8 @@ AudioPart::AudioPart(I* component) : m_subType()
     initialize();
 }
 
-template AudioPart::AudioPart(IConnector* component);
-template AudioPart::AudioPart(ISubunit* component);
+template SONAVIT_API AudioPart::AudioPart(IConnector* component);
+template SONAVIT_API AudioPart::AudioPart(ISubunit* component);
 
 AudioPart::AudioPart(const AudioPart& other) = default;
 AudioPart::~AudioPart() = default;
