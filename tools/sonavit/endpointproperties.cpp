@@ -60,13 +60,23 @@ std::optional<unsigned> readSpeakers(AudioDevice& device)
 }
 }
 
-EndpointProperties readProperties(Endpoint& endpoint)
+bool waveFunctionsKnow(const sim::Simulation* simulation)
+{
+#if defined(_WIN32)
+    return simulation == nullptr;
+#else
+    static_cast<void>(simulation); // answers them itself
+    return true;
+#endif
+}
+
+EndpointProperties readProperties(Endpoint& endpoint, bool hasWaveIds)
 {
     EndpointProperties properties;
     if (!endpoint.device.isInitialized())
         return properties;
     properties.defaultRoles = readDefaultRoles(endpoint);
-    const unsigned waveId = endpoint.device.waveLegacyDeviceID();
+    const unsigned waveId = hasWaveIds ? endpoint.device.waveLegacyDeviceID() : noWaveId;
     if (waveId != noWaveId)
         properties.waveId = waveId;
     properties.directSoundId = typeOrNothing(endpoint.device.deviceProperty().directSoundGuid);

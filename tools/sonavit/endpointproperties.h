@@ -1,5 +1,6 @@
 #pragma once
 
+#include "simulator/simulation.h"
 #include "tools/sonavit/endpoint.h"
 
 #include <optional>
@@ -18,5 +19,10 @@ struct EndpointProperties
     std::optional<unsigned> speakers; ///< mask of the loudspeakers that stand there
 };
 
-EndpointProperties readProperties(Endpoint& endpoint);
+/// Whether the wave functions know the machine that a session works on. On Windows they are the system's own and know
+/// nothing of a simulated machine, whose endpoints they cannot bear to meet.
+bool waveFunctionsKnow(const sim::Simulation* simulation);
+
+/// Reads them from the platform; the wave id only where @p hasWaveIds.
+EndpointProperties readProperties(Endpoint& endpoint, bool hasWaveIds);
 }

@@ -114,7 +114,8 @@ void runShow(Context& context)
 {
     std::vector<Card> cards = readCards();
     const EndpointOfCard found = findEndpoint(cards, context.arguments.endpoint);
-    const EndpointProperties properties = readProperties(found.endpoint);
+    const EndpointProperties properties =
+        readProperties(found.endpoint, waveFunctionsKnow(context.session.simulation()));
     const Environment& environment = context.environment;
     if (context.arguments.isJson)
     {
