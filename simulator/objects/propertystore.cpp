@@ -22,7 +22,7 @@ std::string textOf(const Properties& properties, const PROPERTYKEY& key)
 /// Audio)". The wave functions of Windows read it for every endpoint and do not expect it to be missing.
 PropertyValue composed(const Properties& properties, const PROPERTYKEY& key)
 {
-    if (!sameKey(key, PKEY_Device_FriendlyName))
+    if (!sameKey(key, keys::fullName))
         return {};
     return PropertyValue::ofText(textOf(properties, keys::deviceDescription) + " (" +
                                  textOf(properties, keys::friendlyName) + ")");

@@ -35,14 +35,15 @@ TEST(PlatformIdentifiers, AreEqualOnlyWhenEveryFieldIs)
 
 TEST(PlatformPropertyKeys, AreEqualOnlyWhenBothFieldsAre)
 {
-    PROPERTYKEY otherNumber = PKEY_Device_DeviceDesc;
+    const PROPERTYKEY key = {GUID{1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}}, 2};
+    PROPERTYKEY otherNumber = key;
     otherNumber.pid += 1;
-    PROPERTYKEY otherFormat = PKEY_Device_DeviceDesc;
+    PROPERTYKEY otherFormat = key;
     otherFormat.fmtid.Data1 ^= 1;
 
-    EXPECT_TRUE(PKEY_Device_DeviceDesc == PROPERTYKEY(PKEY_Device_DeviceDesc));
-    EXPECT_TRUE(PKEY_Device_DeviceDesc != otherNumber);
-    EXPECT_TRUE(PKEY_Device_DeviceDesc != otherFormat);
+    EXPECT_TRUE(key == PROPERTYKEY(key));
+    EXPECT_TRUE(key != otherNumber);
+    EXPECT_TRUE(key != otherFormat);
 }
 
 TEST(PlatformResults, AreJudgedByTheirSign)

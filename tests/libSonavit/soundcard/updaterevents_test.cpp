@@ -68,7 +68,7 @@ sim::Endpoint newcomerOf(const SoundCard& card)
     endpoint.id = "{0.0.0.00000000}.{newcomer}";
     endpoint.topology.emplace();
     endpoint.topology->connectors.emplace_back().id = "newcomer/1";
-    sim::setProperty(endpoint.properties, PKEY_Device_DeviceDesc, sim::PropertyValue::ofText("Newcomer"));
+    sim::setProperty(endpoint.properties, sim::keys::deviceDescription, sim::PropertyValue::ofText("Newcomer"));
     sim::setProperty(endpoint.properties, sim::keys::instancePath,
                      sim::PropertyValue::ofText(card.deviceId().toUtf8()));
     return endpoint;
@@ -327,7 +327,7 @@ TEST_F(HotPlug, MakesNothingOfAChangedDefaultOrProperty)
     simulation().journal().clear();
 
     simulation().events().announceDefault(eRender, eConsole, headphones);
-    simulation().events().setProperty(speaker, PKEY_Device_DeviceDesc, sim::PropertyValue::ofText("Renamed"));
+    simulation().events().setProperty(speaker, sim::keys::deviceDescription, sim::PropertyValue::ofText("Renamed"));
 
     EXPECT_EQ(0u, simulation().journal().count("IMMDeviceEnumerator::GetDevice"));
     EXPECT_EQ(name, playbackDevices()[0].deviceProperty().endpointType);
