@@ -12,7 +12,7 @@ namespace bench
 /// in their last four units.
 std::u16string endpointId(unsigned int number);
 
-/// A path of a device interface, some 120 units long. Different numbers give paths that differ in their middle.
+/// A path of a device interface, 141 units long. Different numbers give paths that differ in their middle.
 std::u16string devicePath(unsigned int number);
 
 /// endpointId(0) to endpointId(count - 1); devicePath() likewise.
