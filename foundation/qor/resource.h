@@ -29,7 +29,21 @@ struct PointerStorage<X, 3, 2>
     static void release(X*& value) noexcept { value = nullptr; }
 };
 
-/// The owner: letting go deletes. There is no copy, such a handle is handed out by reference.
+/// Makes a field nil at the end of a scope, also when an exception leaves it.
+template<class Field>
+struct NilAtTheEnd
+{
+    explicit NilAtTheEnd(Field*& theField) noexcept : field(theField) {}
+    NilAtTheEnd(const NilAtTheEnd&) = delete;
+    NilAtTheEnd& operator=(const NilAtTheEnd&) = delete;
+    ~NilAtTheEnd() { field = nullptr; }
+
+    Field*& field;
+};
+
+/// The owner: letting go deletes, and only then is the field nil. Whoever looks during the deletion, as a thread of the
+/// platform may, sees the object and not an empty handle that wants to be filled. There is no copy, such a handle is
+/// handed out by reference.
 template<class X>
 struct PointerStorage<X, 0, 3>
 {
@@ -42,9 +56,8 @@ struct PointerStorage<X, 0, 3>
     static void release(X*& value) noexcept(false)
     {
         static_assert(sizeof(X) > 0, "the pointee must be complete where it is deleted");
-        X* const object = value;
-        value = nullptr;
-        delete object;
+        const NilAtTheEnd<X> nilAfterwards(value);
+        delete value;
     }
 };
 
@@ -225,12 +238,11 @@ private:
         const AutoMutex lock(SharedResourceLock<Storage, locking>::mutex());
         if (m_count == nullptr)
             return;
-        std::int32_t* const count = m_count;
-        m_value = Storage::nil();
-        m_count = nullptr;
-        if (--*count != 0)
+        const NilAtTheEnd<Element> noValueAfterwards(m_value);
+        const NilAtTheEnd<std::int32_t> noCountAfterwards(m_count);
+        if (--*m_count != 0)
             return;
-        delete count;
+        delete m_count;
         delete m_destroyer;
     }
 

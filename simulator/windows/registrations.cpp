@@ -88,10 +88,21 @@ struct Registrations
         all.swap(kept);
     }
 };
+
+/// The wave functions read the system's endpoints once, when they are first asked, and may do so by way of a class that
+/// is registered here. They could not use what they would find: a simulated endpoint plays nothing, and Wine's crash on
+/// it. So they are asked before the first machine is registered. On a system that has no endpoint at all they read anew
+/// each time, and are best not asked while a machine runs.
+void letWaveFunctionsReadTheSystem()
+{
+    static std::once_flag isDone;
+    std::call_once(isDone, [] { waveOutGetNumDevs(); });
+}
 }
 
 HRESULT registerApartment(const std::shared_ptr<State>& state)
 {
+    letWaveFunctionsReadTheSystem();
     Registrations& registrations = Registrations::instance();
     const std::lock_guard<std::mutex> lock(registrations.mutex);
     registrations.revokeHere(state->number);

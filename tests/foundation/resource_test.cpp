@@ -319,4 +319,66 @@ TEST(OwnedPointer, TakesAnObjectWhileItIsNil)
     EXPECT_EQ(1, Living::alive);
     EXPECT_NE(nullptr, pointer.get());
 }
+
+/// Looks at its owner while it goes.
+template<template<class> class Handle>
+class Onlooker
+{
+public:
+    Onlooker(const Handle<Onlooker>& owner, const Onlooker*& seen, bool throws = false)
+        : m_owner(owner),
+          m_seen(seen),
+          m_throws(throws)
+    {
+    }
+
+    ~Onlooker() noexcept(false)
+    {
+        m_seen = m_owner.get();
+        if (m_throws)
+            throw 1;
+    }
+
+private:
+    const Handle<Onlooker>& m_owner;
+    const Onlooker*& m_seen;
+    const bool m_throws;
+};
+
+TEST(OwnedPointer, IsNilOnlyWhenItsObjectIsGone)
+{
+    const Onlooker<OwnedPointer>* seen = nullptr;
+    OwnedPointer<Onlooker<OwnedPointer>> pointer;
+    auto* const object = new Onlooker<OwnedPointer>(pointer, seen);
+    pointer = object;
+
+    pointer = nullptr;
+
+    EXPECT_EQ(object, seen);
+    EXPECT_EQ(nullptr, pointer.get());
+}
+
+TEST(OwnedPointer, IsNilAlsoWhenItsObjectThrowsOnTheWay)
+{
+    const Onlooker<OwnedPointer>* seen = nullptr;
+    OwnedPointer<Onlooker<OwnedPointer>> pointer;
+    pointer = new Onlooker<OwnedPointer>(pointer, seen, true);
+
+    EXPECT_THROW(pointer = nullptr, int);
+
+    EXPECT_EQ(nullptr, pointer.get());
+}
+
+TEST(SharedPointer, IsNilOnlyWhenItsObjectIsGone)
+{
+    const Onlooker<SharedPointer>* seen = nullptr;
+    SharedPointer<Onlooker<SharedPointer>> pointer;
+    auto* const object = new Onlooker<SharedPointer>(pointer, seen);
+    pointer = SharedPointer<Onlooker<SharedPointer>>(object);
+
+    pointer = SharedPointer<Onlooker<SharedPointer>>();
+
+    EXPECT_EQ(object, seen);
+    EXPECT_EQ(nullptr, pointer.get());
+}
 } // namespace

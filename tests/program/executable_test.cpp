@@ -1,9 +1,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <string>
+#include <utility>
 
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -39,6 +41,13 @@ struct Outcome
     std::string out;
 };
 
+/// Windows ends the lines of its standard streams in two characters.
+std::string withPlainLineEnds(std::string text)
+{
+    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+    return text;
+}
+
 /// Runs the program as a process of its own; what it says on standard error comes along.
 Outcome execute(const std::string& words)
 {
@@ -53,6 +62,7 @@ Outcome execute(const std::string& words)
         outcome.out.append(buffer.data(), size);
     }
     outcome.code = finish(pipe);
+    outcome.out = withPlainLineEnds(std::move(outcome.out));
     return outcome;
 }
 }

@@ -40,7 +40,7 @@ private:
         adapter.id = "{2}.\\\\?\\adapter#" + std::to_string(number);
         adapter.openable = !chance(15);
         if (!chance(10))
-            adapter.topology = topologyOf(adapter.id, 1 + below(14), below(10));
+            adapter.topology = topologyWithin(adapter.id, 1, 14, 10);
         m_machine.adapters.push_back(adapter);
     }
 
@@ -52,8 +52,17 @@ private:
         const std::string path = "{1}.ROOT\\CARD\\" + std::to_string(card);
         sim::setProperty(endpoint.properties, propertykeys::instancePath, sim::PropertyValue::ofText(path));
         if (!chance(10))
-            endpoint.topology = topologyOf(endpoint.id, below(4), below(3));
+            endpoint.topology = topologyWithin(endpoint.id, 0, 4, 3);
         m_machine.endpoints.push_back(endpoint);
+    }
+
+    /// Draws one number a statement: the order in which arguments are evaluated differs between compilers.
+    sim::Topology topologyWithin(const std::string& owner, unsigned int fewest, unsigned int connectors,
+                                 unsigned int subunits)
+    {
+        const unsigned int drawnConnectors = fewest + below(connectors);
+        const unsigned int drawnSubunits = below(subunits);
+        return topologyOf(owner, drawnConnectors, drawnSubunits);
     }
 
     sim::Topology topologyOf(const std::string& owner, unsigned int connectors, unsigned int subunits)
