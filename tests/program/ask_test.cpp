@@ -9,8 +9,9 @@ namespace
 class ProgramAsk : public support::ProgramTest
 {
 protected:
-    ProgramAsk()
+    void SetUp() override
     {
+        ProgramTest::SetUp();
         sim::MachineBuilder builder;
         sim::CardBuilder inputs = builder.card("Inputs", "INPUTS\\1");
         inputs.lineIn().disabled();

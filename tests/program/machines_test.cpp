@@ -140,6 +140,19 @@ TEST_P(ProgramOnMachine, ListensAndEnds)
     EXPECT_EQ(0, callHere({"monitor", "--json"}).code);
 }
 
-INSTANTIATE_TEST_SUITE_P(Shipped, ProgramOnMachine,
-                         testing::Values("broken", "crowded", "desktop", "empty", "laptop", "studio"),
-                         [](const auto& machine) { return std::string(machine.param); });
+/// A suite for each machine, so that they can be run side by side.
+#define ON_MACHINE(Suite, machine)                                                                                     \
+    INSTANTIATE_TEST_SUITE_P(Suite, ProgramOnMachine, testing::Values(machine),                                        \
+                             [](const auto& name) { return std::string(name.param); })
+ON_MACHINE(Broken, "broken");
+ON_MACHINE(Crowded, "crowded");
+ON_MACHINE(Desktop, "desktop");
+ON_MACHINE(Empty, "empty");
+ON_MACHINE(Laptop, "laptop");
+ON_MACHINE(Studio, "studio");
+
+TEST(ProgramOnMachines, HaveASuiteForEachMachineThatShips)
+{
+    EXPECT_THAT(sim::machineNames(),
+                testing::UnorderedElementsAre("broken", "crowded", "desktop", "empty", "laptop", "studio"));
+}

@@ -184,7 +184,7 @@ TEST(RandomMachine, MeetsControlsMutesHolesAdaptersAndSelectorsOften)
     }
 
     EXPECT_GT(controls, 1000u);
-    EXPECT_GT(mutes, 200u);
+    EXPECT_GT(mutes, 150u);
     EXPECT_GT(holes, 50u);
     EXPECT_GT(adapters, 200u);
     EXPECT_GT(selectors, 100u);
