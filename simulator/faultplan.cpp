@@ -8,7 +8,7 @@ namespace sim
 /// A rule and its counts. The mutex is the rule's own, because handles may outlive the plan.
 struct PlannedFault::Shared
 {
-    mutable std::mutex mutex;
+    mutable Mutex mutex;
     FaultRule rule;
     std::function<void()> action;
     std::uint32_t met = 0;
@@ -33,21 +33,21 @@ PlannedFault::PlannedFault(std::shared_ptr<Shared> shared) : m_shared(std::move(
 
 PlannedFault& PlannedFault::on(const std::string& object)
 {
-    const std::lock_guard<std::mutex> lock(m_shared->mutex);
+    const std::lock_guard<Mutex> lock(m_shared->mutex);
     m_shared->rule.object = object;
     return *this;
 }
 
 PlannedFault& PlannedFault::with(const std::string& firstArgument)
 {
-    const std::lock_guard<std::mutex> lock(m_shared->mutex);
+    const std::lock_guard<Mutex> lock(m_shared->mutex);
     m_shared->rule.argument = firstArgument;
     return *this;
 }
 
 PlannedFault& PlannedFault::at(std::uint32_t call)
 {
-    const std::lock_guard<std::mutex> lock(m_shared->mutex);
+    const std::lock_guard<Mutex> lock(m_shared->mutex);
     m_shared->rule.call = call;
     m_shared->met = 0;
     return *this;
@@ -55,19 +55,19 @@ PlannedFault& PlannedFault::at(std::uint32_t call)
 
 std::uint32_t PlannedFault::met() const
 {
-    const std::lock_guard<std::mutex> lock(m_shared->mutex);
+    const std::lock_guard<Mutex> lock(m_shared->mutex);
     return m_shared->met;
 }
 
 std::uint32_t PlannedFault::fired() const
 {
-    const std::lock_guard<std::mutex> lock(m_shared->mutex);
+    const std::lock_guard<Mutex> lock(m_shared->mutex);
     return m_shared->fired;
 }
 
 FaultRule PlannedFault::rule() const
 {
-    const std::lock_guard<std::mutex> lock(m_shared->mutex);
+    const std::lock_guard<Mutex> lock(m_shared->mutex);
     return m_shared->rule;
 }
 
@@ -112,7 +112,7 @@ PlannedFault FaultPlan::add(const FaultRule& rule, std::function<void()> action)
     auto shared = std::make_shared<PlannedFault::Shared>();
     shared->rule = rule;
     shared->action = std::move(action);
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard<Mutex> lock(m_mutex);
     m_rules.push_back(shared);
     m_count = m_rules.size();
     return PlannedFault(std::move(shared));
@@ -120,14 +120,14 @@ PlannedFault FaultPlan::add(const FaultRule& rule, std::function<void()> action)
 
 void FaultPlan::clear()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard<Mutex> lock(m_mutex);
     m_rules.clear();
     m_count = 0;
 }
 
 std::vector<PlannedFault> FaultPlan::faults() const
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard<Mutex> lock(m_mutex);
     std::vector<PlannedFault> result;
     for (const auto& rule : m_rules)
         result.push_back(PlannedFault(rule));
@@ -162,10 +162,10 @@ FaultPlan::Verdict FaultPlan::judge(const std::string& operation, const std::str
                                     const std::vector<std::string>& arguments)
 {
     Verdict verdict;
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard<Mutex> lock(m_mutex);
     for (const auto& shared : m_rules)
     {
-        const std::lock_guard<std::mutex> ruleLock(shared->mutex);
+        const std::lock_guard<Mutex> ruleLock(shared->mutex);
         if (!shared->fits(operation, object, arguments))
             continue;
         ++shared->met;

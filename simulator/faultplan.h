@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "simulator/machine.h"
+#include "simulator/mutex.h"
 
 namespace sim
 {
@@ -95,7 +96,7 @@ public:
 private:
     PlannedFault add(const FaultRule& rule, std::function<void()> action);
 
-    mutable std::mutex m_mutex;
+    mutable Mutex m_mutex;
     std::vector<std::shared_ptr<PlannedFault::Shared>> m_rules;
     std::atomic<std::size_t> m_count{0};
 };

@@ -164,14 +164,14 @@ bool Journal::recordingReferences() const
 
 void Journal::clear()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard<Mutex> lock(m_mutex);
     m_entries.clear();
     ++m_clearings;
 }
 
 JournalEntries Journal::entries() const
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard<Mutex> lock(m_mutex);
     return JournalEntries(m_entries);
 }
 
@@ -187,28 +187,28 @@ std::vector<std::string> Journal::operations() const
 
 std::size_t Journal::count(const std::string& operation) const
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard<Mutex> lock(m_mutex);
     const auto isWanted = [&](const JournalEntry& entry) { return names(operation, entry.operation); };
     return static_cast<std::size_t>(std::count_if(m_entries.begin(), m_entries.end(), isWanted));
 }
 
 std::size_t Journal::size() const
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard<Mutex> lock(m_mutex);
     return m_entries.size();
 }
 
 Journal::Place Journal::begin(JournalEntry entry)
 {
     entry.thread = std::this_thread::get_id();
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard<Mutex> lock(m_mutex);
     m_entries.push_back(std::move(entry));
     return {m_clearings, m_entries.size() - 1};
 }
 
 void Journal::end(Place place, CallEnd how, HRESULT result)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard<Mutex> lock(m_mutex);
     if (place.clearings != m_clearings)
         return;
     m_entries[place.index].end = how;

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/coreaudio.h"
+#include "simulator/mutex.h"
 
 namespace sim
 {
@@ -116,7 +117,7 @@ public:
 private:
     std::atomic<bool> m_recording{true};
     std::atomic<bool> m_recordingReferences{false};
-    mutable std::mutex m_mutex;
+    mutable Mutex m_mutex;
     std::vector<JournalEntry> m_entries;
     std::uint64_t m_clearings = 0;
 };

@@ -6,7 +6,7 @@ namespace sim
 {
 void LatencyPlan::set(const std::string& operation, std::chrono::microseconds cost)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard<Mutex> lock(m_mutex);
     m_costs[operation] = cost;
     m_hasRules = true;
 }
@@ -18,14 +18,14 @@ void LatencyPlan::add(const LatencyRule& rule)
 
 void LatencyPlan::clear()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard<Mutex> lock(m_mutex);
     m_costs.clear();
     m_hasRules = false;
 }
 
 std::chrono::microseconds LatencyPlan::cost(const std::string& operation) const
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard<Mutex> lock(m_mutex);
     auto found = m_costs.find(operation);
     if (found == m_costs.end())
         found = m_costs.find("*");

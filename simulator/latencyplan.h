@@ -9,6 +9,7 @@
 #include <unordered_map>
 
 #include "simulator/machine.h"
+#include "simulator/mutex.h"
 
 namespace sim
 {
@@ -35,7 +36,7 @@ public:
 
 private:
     std::atomic<bool> m_hasRules{false};
-    mutable std::mutex m_mutex;
+    mutable Mutex m_mutex;
     std::unordered_map<std::string, std::chrono::microseconds> m_costs;
 };
 }

@@ -199,7 +199,7 @@ bool String::operator==(const String& other) const noexcept
 {
     if (m_buffer == other.m_buffer)
         return true;
-    return size() == other.size() && std::memcmp(getUCS2Buffer(), other.getUCS2Buffer(), size() * 2u) == 0;
+    return size() == other.size() && std::memcmp(getUCS2Buffer(), other.getUCS2Buffer(), size() * std::size_t{2}) == 0;
 }
 
 int String::compareNoCase(const String& left, const String& right) noexcept

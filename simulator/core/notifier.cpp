@@ -16,13 +16,13 @@ void Notifier::prepare(std::weak_ptr<void> owner, Task enter, Task leave)
 
 void Notifier::deliverAtOnce(bool on)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard<Mutex> lock(m_mutex);
     m_atOnce = on;
 }
 
 bool Notifier::deliversAtOnce() const
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard<Mutex> lock(m_mutex);
     return m_atOnce;
 }
 
@@ -34,7 +34,7 @@ void Notifier::post(Task task)
 void Notifier::postAt(Clock::time_point due, Task task)
 {
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard<Mutex> lock(m_mutex);
         if (m_isStopped)
             return;
         if (!m_atOnce)
@@ -51,7 +51,7 @@ void Notifier::postAt(Clock::time_point due, Task task)
 
 void Notifier::settle()
 {
-    std::unique_lock<std::mutex> lock(m_mutex);
+    std::unique_lock<Mutex> lock(m_mutex);
     if (m_thread.get_id() == std::this_thread::get_id())
         return;
     m_changed.wait(lock, [this] { return m_tasks.empty() && !m_isRunning; });
@@ -61,7 +61,7 @@ void Notifier::stop()
 {
     std::thread thread;
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard<Mutex> lock(m_mutex);
         m_isStopped = true;
         m_tasks.clear();
         thread.swap(m_thread);
@@ -78,7 +78,7 @@ void Notifier::stop()
 void Notifier::work()
 {
     m_enter();
-    std::unique_lock<std::mutex> lock(m_mutex);
+    std::unique_lock<Mutex> lock(m_mutex);
     for (Task task; nextTask(lock, task); task = nullptr)
     {
         m_isRunning = true;
@@ -94,7 +94,7 @@ void Notifier::work()
 }
 
 /// Waits for a task that is due; false when there will be none any more.
-bool Notifier::nextTask(std::unique_lock<std::mutex>& lock, Task& task)
+bool Notifier::nextTask(std::unique_lock<Mutex>& lock, Task& task)
 {
     while (!m_isStopped)
     {

@@ -12,6 +12,8 @@
 #include <thread>
 #include <utility>
 
+#include "simulator/mutex.h"
+
 namespace sim
 {
 /// Runs tasks one after the other on a thread of its own, which is started by the first task and has COM.
@@ -49,10 +51,10 @@ public:
 
 private:
     void work();
-    bool nextTask(std::unique_lock<std::mutex>& lock, Task& task);
+    bool nextTask(std::unique_lock<Mutex>& lock, Task& task);
 
-    mutable std::mutex m_mutex;
-    std::condition_variable m_changed;
+    mutable Mutex m_mutex;
+    std::condition_variable_any m_changed;
     std::multimap<Clock::time_point, Task> m_tasks;
     std::thread m_thread;
     std::weak_ptr<void> m_owner;

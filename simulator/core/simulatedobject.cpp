@@ -2,6 +2,8 @@
 
 #include <mutex>
 
+#include "simulator/mutex.h"
+
 namespace sim
 {
 namespace
@@ -9,7 +11,7 @@ namespace
 /// Never destroyed, see the class.
 struct LiveObjects
 {
-    std::mutex mutex;
+    Mutex mutex;
     SimulatedObject* first = nullptr;
 
     static LiveObjects& instance()
@@ -36,7 +38,7 @@ SimulatedObject::SimulatedObject(std::shared_ptr<State> state, const char* inter
       m_name(std::move(name))
 {
     LiveObjects& objects = LiveObjects::instance();
-    const std::lock_guard<std::mutex> lock(objects.mutex);
+    const std::lock_guard<Mutex> lock(objects.mutex);
     m_next = objects.first;
     if (m_next != nullptr)
         m_next->m_previous = this;
@@ -46,7 +48,7 @@ SimulatedObject::SimulatedObject(std::shared_ptr<State> state, const char* inter
 SimulatedObject::~SimulatedObject()
 {
     LiveObjects& objects = LiveObjects::instance();
-    const std::lock_guard<std::mutex> lock(objects.mutex);
+    const std::lock_guard<Mutex> lock(objects.mutex);
     if (m_next != nullptr)
         m_next->m_previous = m_previous;
     (m_previous == nullptr ? objects.first : m_previous->m_next) = m_next;
@@ -65,7 +67,7 @@ const std::shared_ptr<State>& SimulatedObject::state() const
 void SimulatedObject::count(const State& state, Census& census)
 {
     LiveObjects& objects = LiveObjects::instance();
-    const std::lock_guard<std::mutex> lock(objects.mutex);
+    const std::lock_guard<Mutex> lock(objects.mutex);
     for (const SimulatedObject* object = objects.first; object != nullptr; object = object->m_next)
     {
         const auto references = static_cast<long>(object->m_references.load());

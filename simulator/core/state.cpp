@@ -20,7 +20,7 @@ std::uint64_t nextNumber()
 /// Never destroyed: static objects of other modules call the runtime functions while the process ends.
 struct CurrentStates
 {
-    std::mutex mutex;
+    Mutex mutex;
     std::vector<std::shared_ptr<State>> states;
 
     static CurrentStates& instance()
@@ -50,7 +50,7 @@ std::shared_ptr<State> State::create(Machine machine)
 
 std::shared_ptr<State::VolumeListeners> State::volumeListeners(const std::string& endpoint)
 {
-    const std::lock_guard<std::mutex> lock(m_listenersMutex);
+    const std::lock_guard<Mutex> lock(m_listenersMutex);
     auto& listeners = m_volumeListeners[endpoint];
     if (!listeners)
         listeners = std::make_shared<VolumeListeners>();
@@ -60,7 +60,7 @@ std::shared_ptr<State::VolumeListeners> State::volumeListeners(const std::string
 std::shared_ptr<State::ControlListeners> State::controlListeners(const std::string& part,
                                                                  const std::string& interfaceName)
 {
-    const std::lock_guard<std::mutex> lock(m_listenersMutex);
+    const std::lock_guard<Mutex> lock(m_listenersMutex);
     auto& listeners = m_controlListeners[part][interfaceName];
     if (!listeners)
         listeners = std::make_shared<ControlListeners>();
@@ -71,7 +71,7 @@ bool State::removeControlListener(const std::string& part, IControlChangeNotify*
 {
     std::vector<std::shared_ptr<ControlListeners>> candidates;
     {
-        const std::lock_guard<std::mutex> lock(m_listenersMutex);
+        const std::lock_guard<Mutex> lock(m_listenersMutex);
         for (const auto& [name, listeners] : m_controlListeners[part])
             candidates.push_back(listeners);
     }
@@ -81,13 +81,13 @@ bool State::removeControlListener(const std::string& part, IControlChangeNotify*
 
 void State::recordMessage(const PostedMessage& message)
 {
-    const std::lock_guard<std::mutex> lock(m_messagesMutex);
+    const std::lock_guard<Mutex> lock(m_messagesMutex);
     m_messages.push_back(message);
 }
 
 std::vector<PostedMessage> State::postedMessages() const
 {
-    const std::lock_guard<std::mutex> lock(m_messagesMutex);
+    const std::lock_guard<Mutex> lock(m_messagesMutex);
     return m_messages;
 }
 
@@ -107,7 +107,7 @@ Census State::census() const
             census.clients[name] += static_cast<long>(count);
     };
     addClients("IMMNotificationClient", clients.count());
-    const std::lock_guard<std::mutex> lock(m_listenersMutex);
+    const std::lock_guard<Mutex> lock(m_listenersMutex);
     for (const auto& [endpoint, listeners] : m_volumeListeners)
         addClients("IAudioEndpointVolumeCallback", listeners->count());
     for (const auto& [part, controls] : m_controlListeners)
@@ -121,21 +121,21 @@ Census State::census() const
 std::shared_ptr<State> currentState()
 {
     CurrentStates& current = CurrentStates::instance();
-    const std::lock_guard<std::mutex> lock(current.mutex);
+    const std::lock_guard<Mutex> lock(current.mutex);
     return current.states.empty() ? nullptr : current.states.back();
 }
 
 void pushCurrentState(const std::shared_ptr<State>& state)
 {
     CurrentStates& current = CurrentStates::instance();
-    const std::lock_guard<std::mutex> lock(current.mutex);
+    const std::lock_guard<Mutex> lock(current.mutex);
     current.states.push_back(state);
 }
 
 void removeCurrentState(const std::shared_ptr<State>& state)
 {
     CurrentStates& current = CurrentStates::instance();
-    const std::lock_guard<std::mutex> lock(current.mutex);
+    const std::lock_guard<Mutex> lock(current.mutex);
     current.states.erase(std::remove(current.states.begin(), current.states.end(), state), current.states.end());
 }
 }

@@ -18,6 +18,7 @@
 #include "simulator/faultplan.h"
 #include "simulator/journal.h"
 #include "simulator/latencyplan.h"
+#include "simulator/mutex.h"
 #include "simulator/postedmessage.h"
 
 namespace sim
@@ -45,7 +46,7 @@ public:
     template<class Action>
     auto withHardware(const Action& action)
     {
-        const std::lock_guard<std::mutex> lock(m_hardwareMutex);
+        const std::lock_guard<Mutex> lock(m_hardwareMutex);
         return action(m_hardware);
     }
 
@@ -63,12 +64,12 @@ public:
 private:
     explicit State(Machine machine);
 
-    std::mutex m_hardwareMutex;
+    Mutex m_hardwareMutex;
     Hardware m_hardware;
-    mutable std::mutex m_listenersMutex;
+    mutable Mutex m_listenersMutex;
     std::map<std::string, std::shared_ptr<VolumeListeners>> m_volumeListeners;
     std::map<std::string, std::map<std::string, std::shared_ptr<ControlListeners>>> m_controlListeners;
-    mutable std::mutex m_messagesMutex;
+    mutable Mutex m_messagesMutex;
     std::vector<PostedMessage> m_messages;
 };
 

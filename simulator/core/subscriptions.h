@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/coreaudio.h"
+#include "simulator/mutex.h"
 
 namespace sim
 {
@@ -27,15 +28,15 @@ public:
         client->AddRef();
         auto entry = std::make_shared<Entry>();
         entry->client = client;
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard<Mutex> lock(m_mutex);
         m_entries.push_back(std::move(entry));
     }
 
     /// Takes the oldest registration of @p client away; false when there is none. Waits for callbacks of it that run on
-    /// other threads.
+    /// other threads, as long as there are other threads.
     bool remove(Client* client)
     {
-        std::unique_lock<std::mutex> lock(m_mutex);
+        std::unique_lock<Mutex> lock(m_mutex);
         const auto isMine = [&](const auto& entry) { return entry->client == client; };
         const auto found = std::find_if(m_entries.begin(), m_entries.end(), isMine);
         if (found == m_entries.end())
@@ -46,7 +47,7 @@ public:
         entry->releaseWhenIdle = entry->isRunningHere();
         if (entry->releaseWhenIdle)
             return true; // the last callback that ends gives the reference up
-        m_idle.wait(lock, [&] { return entry->runners.empty(); });
+        m_idle.wait(lock, [&] { return entry->runners.empty() || Mutex::otherThreadsAreGone(); });
         lock.unlock();
         client->Release();
         return true;
@@ -54,7 +55,7 @@ public:
 
     std::size_t count() const
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard<Mutex> lock(m_mutex);
         return m_entries.size();
     }
 
@@ -96,13 +97,13 @@ private:
 
     std::vector<std::shared_ptr<Entry>> snapshot() const
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard<Mutex> lock(m_mutex);
         return m_entries;
     }
 
     bool enter(Entry& entry)
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard<Mutex> lock(m_mutex);
         if (entry.isActive)
             entry.runners.push_back(std::this_thread::get_id());
         return entry.isActive;
@@ -112,7 +113,7 @@ private:
     {
         bool isLast = false;
         {
-            const std::lock_guard<std::mutex> lock(m_mutex);
+            const std::lock_guard<Mutex> lock(m_mutex);
             entry.runners.erase(std::find(entry.runners.begin(), entry.runners.end(), std::this_thread::get_id()));
             isLast = entry.releaseWhenIdle && entry.runners.empty();
         }
@@ -121,8 +122,8 @@ private:
             entry.client->Release();
     }
 
-    mutable std::mutex m_mutex;
-    std::condition_variable m_idle;
+    mutable Mutex m_mutex;
+    std::condition_variable_any m_idle;
     std::vector<std::shared_ptr<Entry>> m_entries;
 };
 }

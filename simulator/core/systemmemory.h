@@ -12,5 +12,5 @@ void free(void* memory);
 
 /// @p heard is called with each block that users free past free(). Off Windows nobody can: all frees go through the
 /// simulated CoTaskMemFree.
-void watchFrees(std::function<void(void*)> heard);
+void watchFrees(const std::function<void(void*)>& heard);
 }

@@ -7,6 +7,7 @@
 
 #include "simulator/core/systemmemory.h"
 #include "simulator/core/text.h"
+#include "simulator/mutex.h"
 
 namespace sim
 {
@@ -18,13 +19,13 @@ struct TaskMemory::Ledger
         std::uint64_t owner = 0;
     };
 
-    mutable std::mutex mutex;
+    mutable Mutex mutex;
     std::unordered_map<void*, Entry> entries;
 
     /// Strikes @p memory out; false when it is not there.
     bool strike(void* memory, std::string& origin)
     {
-        const std::lock_guard<std::mutex> lock(mutex);
+        const std::lock_guard<Mutex> lock(mutex);
         const auto found = entries.find(memory);
         if (found == entries.end())
             return false;
@@ -56,7 +57,7 @@ void* TaskMemory::allocate(std::size_t bytes, std::uint64_t owner, std::string o
     void* const memory = systemmemory::allocate(bytes);
     if (memory == nullptr)
         return nullptr;
-    const std::lock_guard<std::mutex> lock(m_ledger->mutex);
+    const std::lock_guard<Mutex> lock(m_ledger->mutex);
     m_ledger->entries[memory] = {{bytes, std::move(origin)}, owner};
     return memory;
 }
@@ -73,7 +74,7 @@ std::string TaskMemory::free(void* memory)
 std::vector<TaskMemory::Block> TaskMemory::outstanding(std::uint64_t owner) const
 {
     std::vector<Block> result;
-    const std::lock_guard<std::mutex> lock(m_ledger->mutex);
+    const std::lock_guard<Mutex> lock(m_ledger->mutex);
     for (const auto& [memory, entry] : m_ledger->entries)
     {
         if (entry.owner == owner)

@@ -4,6 +4,7 @@
 #include "simulator/core/notifications.h"
 #include "simulator/core/simulatedobject.h"
 #include "simulator/machinekeys.h"
+#include "simulator/mutex.h"
 #include "simulator/objects/lookup.h"
 #include "simulator/objects/objects.h"
 #include "simulator/objects/propertyvalue.h"
@@ -92,7 +93,7 @@ public:
             const std::optional<PropertyValue> copy = readVariant(value);
             if (!copy)
                 return E_INVALIDARG;
-            const std::lock_guard<std::mutex> lock(m_mutex);
+            const std::lock_guard<Mutex> lock(m_mutex);
             m_pending.push_back({key, *copy});
             return S_OK;
         };
@@ -122,7 +123,7 @@ public:
 private:
     Properties takePending()
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const std::lock_guard<Mutex> lock(m_mutex);
         return std::exchange(m_pending, {});
     }
 
@@ -143,7 +144,7 @@ private:
     {
         Properties changes;
         {
-            const std::lock_guard<std::mutex> lock(m_mutex);
+            const std::lock_guard<Mutex> lock(m_mutex);
             changes = m_pending;
         }
         return onDevice(*state(), name(),
@@ -183,7 +184,7 @@ private:
     }
 
     const DWORD m_access;
-    std::mutex m_mutex;
+    Mutex m_mutex;
     Properties m_pending;
 };
 }

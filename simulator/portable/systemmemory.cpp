@@ -16,7 +16,7 @@ void free(void* memory)
     std::free(memory);
 }
 
-void watchFrees(std::function<void(void*)>) {}
+void watchFrees(const std::function<void(void*)>&) {}
 }
 
 #endif

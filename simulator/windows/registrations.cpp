@@ -8,6 +8,7 @@
 #include "simulator/core/state.h"
 #include "simulator/core/threads.h"
 #include "simulator/core/watchedcall.h"
+#include "simulator/mutex.h"
 #include "simulator/objects/objects.h"
 
 namespace sim
@@ -64,7 +65,7 @@ struct Registration
 /// Never destroyed: a simulation may be a static object.
 struct Registrations
 {
-    std::mutex mutex;
+    Mutex mutex;
     std::vector<Registration> all;
 
     static Registrations& instance()
@@ -104,7 +105,7 @@ HRESULT registerApartment(const std::shared_ptr<State>& state)
 {
     letWaveFunctionsReadTheSystem();
     Registrations& registrations = Registrations::instance();
-    const std::lock_guard<std::mutex> lock(registrations.mutex);
+    const std::lock_guard<Mutex> lock(registrations.mutex);
     registrations.revokeHere(state->number);
     DWORD cookie = 0;
     const HRESULT result = CoRegisterClassObject(__uuidof(MMDeviceEnumerator), &EnumeratorFactory::instance(),
@@ -117,7 +118,7 @@ HRESULT registerApartment(const std::shared_ptr<State>& state)
 void revokeRegistrations(const State& state)
 {
     Registrations& registrations = Registrations::instance();
-    const std::lock_guard<std::mutex> lock(registrations.mutex);
+    const std::lock_guard<Mutex> lock(registrations.mutex);
     registrations.revokeHere(state.number);
 }
 

@@ -76,9 +76,9 @@ void free(void* memory)
     CoTaskMemFree(memory);
 }
 
-void watchFrees(std::function<void(void*)> heard)
+void watchFrees(const std::function<void(void*)>& heard)
 {
-    static FreeSpy* const spy = new FreeSpy(std::move(heard)); // stays with COM to the end
+    static FreeSpy* const spy = new FreeSpy(heard); // stays with COM to the end
     CoRegisterMallocSpy(spy);
 }
 }

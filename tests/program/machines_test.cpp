@@ -141,8 +141,8 @@ TEST_P(ProgramOnMachine, ListensAndEnds)
 }
 
 /// A suite for each machine, so that they can be run side by side.
-#define ON_MACHINE(Suite, machine)                                                                                     \
-    INSTANTIATE_TEST_SUITE_P(Suite, ProgramOnMachine, testing::Values(machine),                                        \
+#define ON_MACHINE(Suite, machine)                                              \
+    INSTANTIATE_TEST_SUITE_P(Suite, ProgramOnMachine, testing::Values(machine), \
                              [](const auto& name) { return std::string(name.param); })
 ON_MACHINE(Broken, "broken");
 ON_MACHINE(Crowded, "crowded");

@@ -64,6 +64,7 @@ const auto& named(const Table& table, const std::string& word, const std::string
     if (found != table.end())
         return *found;
     std::vector<std::string> names;
+    names.reserve(std::size(table));
     for (const auto& entry : table)
         names.emplace_back(entry.name);
     throw UsageError("\"" + word + "\" is no " + what + ": expected one of " + enumeration(names));

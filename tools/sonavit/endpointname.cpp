@@ -109,6 +109,7 @@ std::size_t endpointIndex(const std::vector<Endpoint>& endpoints, const std::str
     if (equalNoCase(name, defaultInputName))
         return defaultIndex(endpoints, eCapture);
     std::vector<Names> names;
+    names.reserve(endpoints.size());
     for (const Endpoint& endpoint : endpoints)
         names.push_back(namesOf(endpoint));
     return indexOf(names, name, "endpoint");
@@ -139,6 +140,7 @@ void keepCards(std::vector<Card>& cards, const std::string& name)
     if (name.empty())
         return;
     std::vector<Names> names;
+    names.reserve(cards.size());
     for (const Card& card : cards)
         names.push_back(namesOf(card));
     std::vector<Card> kept;

@@ -110,8 +110,9 @@ private:
 ///
 /// It keeps COM initialised on the thread that makes it, and every client alive, until it is destroyed at the end of
 /// the module: it then takes all clients off the platform in the order of their arrival, lets go of the platform's
-/// enumerator and uninitialises COM on whichever thread that happens. Nothing locks; it is to be made on one thread
-/// before others join in.
+/// enumerator and uninitialises COM on whichever thread that happens. The module ends with the process, or when the
+/// last FreeLibrary unloads it; the factory gives this very object until that is done. Nothing locks; it is to be made
+/// on one thread before others join in.
 class SONAVIT_API AudioDeviceEnumerator
 {
 public:

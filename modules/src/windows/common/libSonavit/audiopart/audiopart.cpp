@@ -9,7 +9,7 @@ namespace
 /// list's old elements, and its cache with it, so the list is filled from a copy.
 unsigned int handOut(const qor::Array<AudioPart>& cache, qor::Array<AudioPart>& list)
 {
-    const qor::Array<AudioPart> parts(cache);
+    const qor::Array<AudioPart> parts(cache); // NOLINT(performance-unnecessary-copy-initialization): see above
     list = parts;
     return list.size();
 }

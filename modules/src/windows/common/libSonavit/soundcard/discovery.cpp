@@ -14,7 +14,7 @@ void enumerateSoundCards(qor::Array<BorrowedPointer<SoundCardInterface>>& cards)
     {
         auto card = std::make_unique<SoundCard>(found[i]);
         cards.append(BorrowedPointer<SoundCardInterface>(card.get()));
-        card.release(); // the caller's, now that the list has it
+        static_cast<void>(card.release()); // the caller's, now that the list has it
     }
 }
 
@@ -48,7 +48,7 @@ void SoundCard::enumerateSystemSoundDevices(const AudioDevice& audioDevice, EDat
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::enumerateSystemSoundDevices(const AudioDevice& audioDevice, EDataFlow "
                                 "dataFlow, OrderedHashTable<String, SoundCard>& deviceTable)");
-    const AudioDeviceInterface::Properties properties(audioDevice.deviceProperty());
+    const AudioDeviceInterface::Properties& properties = audioDevice.deviceProperty();
     const qor::String& path = properties.instancePath;
     if (deviceTable.contains(path))
     {
