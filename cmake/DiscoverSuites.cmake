@@ -1,5 +1,5 @@
-# Read by ctest, which sets name, program, emulator and timeout before: asks the test program for its suites
-# and adds a test for each of them. The list is kept until the program changes.
+# Read by ctest, which sets name, program, emulator, environment and timeout before: asks the test program for its
+# suites and adds a test for each of them. The list is kept until the program changes.
 
 set(list "${program}.suites")
 if(NOT EXISTS "${program}")
@@ -40,6 +40,9 @@ if(EXISTS "${program}")
   file(STRINGS "${list}" suites)
   foreach(suite IN LISTS suites)
     add_test("${name}:${suite}" ${emulator} "${program}" "--gtest_filter=${suite}.*")
-    set_tests_properties("${name}:${suite}" PROPERTIES TIMEOUT ${timeout})
+    set_tests_properties("${name}:${suite}" PROPERTIES TIMEOUT ${timeout} ENVIRONMENT "${environment}")
+    if(suite MATCHES "/") # suites with parameters are the long ones: they come first
+      set_tests_properties("${name}:${suite}" PROPERTIES COST 1000)
+    endif()
   endforeach()
 endif()

@@ -1,5 +1,5 @@
-# Tests. Loggers and the shared enumerator are process-wide, so natively each test is a process of its own; under an
-# emulator (Wine), where a process is dear, each suite is.
+# Tests. Loggers and the shared enumerator are process-wide, so natively each test is a process of its own; where a
+# process is dear, under an emulator (Wine) and with instrumentation, each suite is.
 #
 #   sonavit_add_test(<name> SOURCES <file>... [LIBRARIES <target>...] [WINDOWS_ONLY] [NO_PRIVATE_ACCESS])
 #
@@ -43,29 +43,29 @@ function(sonavit_add_test name)
   endif()
   sonavit_build_tests_quickly(${name} "${arg_LIBRARIES}")
 
-  if(CMAKE_CROSSCOMPILING_EMULATOR)
+  if(CMAKE_CROSSCOMPILING_EMULATOR OR SONAVIT_SANITIZE)
     sonavit_discover_suites(${name})
   else()
-    set(environment)
-    if(SONAVIT_SANITIZE)
-      set(environment
-          "ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1:check_initialization_order=1"
-          "UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1"
-          "TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1"
-      )
-    endif()
     gtest_discover_tests(
       ${name}
       DISCOVERY_MODE PRE_TEST
       DISCOVERY_TIMEOUT 60
       TEST_PREFIX "${name}:"
-      PROPERTIES TIMEOUT ${SONAVIT_TEST_TIMEOUT} ENVIRONMENT "${environment}"
+      PROPERTIES TIMEOUT ${SONAVIT_TEST_TIMEOUT}
     )
   endif()
 endfunction()
 
 # One ctest entry for each suite of an executable, found when ctest starts.
 function(sonavit_discover_suites name)
+  set(environment)
+  if(SONAVIT_SANITIZE)
+    set(environment
+        "ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1:check_initialization_order=1"
+        "UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1"
+        "TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1"
+    )
+  endif()
   set(script "${CMAKE_CURRENT_BINARY_DIR}/${name}_suites.cmake")
   file(
     GENERATE
@@ -74,6 +74,7 @@ function(sonavit_discover_suites name)
       "set(name [==[${name}]==])
 set(program [==[$<TARGET_FILE:${name}>]==])
 set(emulator [==[${CMAKE_CROSSCOMPILING_EMULATOR}]==])
+set(environment [==[${environment}]==])
 set(timeout ${SONAVIT_TEST_TIMEOUT})
 include([==[${PROJECT_SOURCE_DIR}/cmake/DiscoverSuites.cmake]==])
 "
