@@ -2,6 +2,7 @@
 
 #include "qor/exception.h"
 #include "qor/export.h"
+#include "qor/nilattheend.h"
 #include "qor/qorvalue.h"
 #include "qor/serializable.h"
 #include "qor/string.h"
@@ -96,6 +97,8 @@ private:
 
     /// Frees a block under construction, with what it holds, when the copy of an element throws.
     class BlockGuard;
+
+    class StoringGuard;
 
     /// Closes the gap of a removed element, also when the element's destructor throws.
     class GapGuard;

@@ -28,6 +28,22 @@ private:
     Block* m_block;
 };
 
+/// Puts a grown block in its place when the old one is gone, also when an element of that threw.
+template<class T>
+class Array<T>::StoringGuard
+{
+public:
+    StoringGuard(Block*& place, BlockGuard& grown) : m_place(place), m_grown(grown) {}
+    StoringGuard(const StoringGuard&) = delete;
+    StoringGuard& operator=(const StoringGuard&) = delete;
+
+    ~StoringGuard() { m_place = m_grown.release(); }
+
+private:
+    Block*& m_place;
+    BlockGuard& m_grown;
+};
+
 template<class T>
 class Array<T>::GapGuard
 {
@@ -140,9 +156,8 @@ void Array<T>::ensureCapacity(unsigned int required)
     BlockGuard grown(allocate(required, required));
     if (m_block != nullptr)
         copyElements(m_block, grown.block());
-    Block* const old = m_block;
-    m_block = grown.release();
-    destroyBlock(old);
+    const StoringGuard storing(m_block, grown);
+    destroyBlock(m_block);
 }
 
 template<class T>
@@ -249,9 +264,8 @@ unsigned int Array<T>::checked(unsigned int index) const
 template<class T>
 void Array<T>::destroyBlock()
 {
-    Block* const block = m_block;
-    m_block = nullptr;
-    destroyBlock(block);
+    const NilAtTheEnd<Block> noBlockAfterwards(m_block);
+    destroyBlock(m_block);
 }
 
 template<class T>

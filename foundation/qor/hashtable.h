@@ -153,8 +153,9 @@ public:
     /// Stores copies of key and value. @return false, with nothing changed, if the key is there already
     bool insert(const K& key, const V& value)
     {
+        const unsigned int hash = Hash::hash(key);
         std::unique_ptr<Bucket> bucket(new (std::nothrow) Bucket(key, value));
-        const bool stored = m_table.insert(Hash::hash(key), bucket.get(), &key);
+        const bool stored = m_table.insert(hash, bucket.get(), &key);
         if (stored)
             static_cast<void>(bucket.release()); // the table's from here on
         return stored;
@@ -163,8 +164,9 @@ public:
     /// Stores copies of key and value, whether the key is there already or not.
     void insertWithoutCheck(const K& key, const V& value)
     {
+        const unsigned int hash = Hash::hash(key);
         std::unique_ptr<Bucket> bucket(new (std::nothrow) Bucket(key, value));
-        m_table.insertWithoutCheck(Hash::hash(key), bucket.get(), &key);
+        m_table.insertWithoutCheck(hash, bucket.get(), &key);
         static_cast<void>(bucket.release()); // the table's from here on
     }
 

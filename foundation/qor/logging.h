@@ -99,7 +99,7 @@ public:
     static Logger& logger(const char* channel);
 
     /// Sends all records to @p sink from now on; an empty one restores the default, one line on standard error.
-    /// Calls of the sink are serialised. A sink must not throw.
+    /// Calls of the sink are serialised: it must not wait for a thread that may log. A sink must not throw.
     static void setSink(Sink sink);
 
 private:

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "qor/mutex.h"
+#include "qor/nilattheend.h"
 
 #include <cstdint>
 #include <new>
@@ -27,18 +28,6 @@ struct PointerStorage<X, 3, 2>
     static constexpr X* nil() noexcept { return nullptr; }
     static X* copy(X* source) noexcept { return source; }
     static void release(X*& value) noexcept { value = nullptr; }
-};
-
-/// Makes a field nil at the end of a scope, also when an exception leaves it.
-template<class Field>
-struct NilAtTheEnd
-{
-    explicit NilAtTheEnd(Field*& theField) noexcept : field(theField) {}
-    NilAtTheEnd(const NilAtTheEnd&) = delete;
-    NilAtTheEnd& operator=(const NilAtTheEnd&) = delete;
-    ~NilAtTheEnd() { field = nullptr; }
-
-    Field*& field;
 };
 
 /// The owner: letting go deletes, and only then is the field nil. Whoever looks during the deletion, as a thread of the
@@ -238,8 +227,8 @@ private:
         const AutoMutex lock(SharedResourceLock<Storage, locking>::mutex());
         if (m_count == nullptr)
             return;
-        const NilAtTheEnd<Element> noValueAfterwards(m_value);
         const NilAtTheEnd<std::int32_t> noCountAfterwards(m_count);
+        const NilAtTheEnd<Element> noValueAfterwards(m_value); // the first of the two to go
         if (--*m_count != 0)
             return;
         delete m_count;

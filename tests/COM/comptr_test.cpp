@@ -141,25 +141,6 @@ TEST_F(COMPtrPointer, IsNilAndHasReleasedAfterNullWasAssigned)
     EXPECT_THAT(calls, ElementsAre("object Release"));
 }
 
-TEST(ComTaskMemStorage, ForgetsNilWithoutACall)
-{
-    unsigned short* text = ComTaskMemStorage<unsigned short>::nil();
-
-    ComTaskMemStorage<unsigned short>::release(text);
-
-    EXPECT_EQ(nullptr, text);
-}
-
-TEST(ComTaskMemStorage, GivesTaskMemoryBackAndIsNil)
-{
-    auto* text = static_cast<unsigned short*>(CoTaskMemAlloc(2 * sizeof(unsigned short)));
-    ASSERT_NE(nullptr, text);
-
-    ComTaskMemStorage<unsigned short>::release(text);
-
-    EXPECT_EQ(nullptr, text);
-}
-
 TEST(ComReferenceCount, AnswersOneForAnObjectHeldByOneReference)
 {
     CallList calls;

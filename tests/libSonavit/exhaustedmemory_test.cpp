@@ -6,16 +6,23 @@
 #include "qor/exception.h"
 
 #include "foundation/supportallocations.h"
+#include "libSonavit/endpointdeviceenumerator/supportcountedclient.h"
 #include "libSonavit/endpointdeviceenumerator/supportendpoints.h"
 #include "tests/support/librarytest.h"
 
 #if !defined(_WIN32) // a DLL there keeps allocation operators of its own, which no test can make fail
 
+#include <list>
+#include <utility>
+
 using libSonavit::AudioDeviceEnumeratorFactory;
 using qor::LoggerPriority;
 using support::AllocationProbe;
+using support::CallList;
+using support::CountedClient;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::StartsWith;
 
 namespace
 {
@@ -114,6 +121,74 @@ TEST_F(ExhaustedMemory, LeavesACardWithoutASharedEnumeratorCompleteAndUnregister
     EXPECT_EQ(nullptr, AudioDeviceEnumeratorFactory::m_enumerator.get());
     EXPECT_TRUE(simulation().census().clients.empty());
     EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING), IsEmpty());
+}
+
+TEST_F(ExhaustedMemory, LeavesAClientUnregisteredWhenTheListOfClientsCannotGrow)
+{
+    run({});
+    CallList calls;
+    std::list<CountedClient> clients;
+    libSonavit::AudioDeviceEnumerator& shared = *AudioDeviceEnumeratorFactory::enumerator();
+    for (int i = 0; i < 8; ++i)
+        shared.addNotificationClient(clients.emplace_back(calls, "client").handle());
+    const COMPtr<IMMNotificationClient>::pointer ninth = clients.emplace_back(calls, "ninth").handle();
+    std::string message;
+    {
+        AllocationProbe probe;
+        probe.failNothrow();
+        try
+        {
+            shared.addNotificationClient(ninth);
+        }
+        catch (const qor::NullPointer& exception)
+        {
+            probe.succeed();
+            message = exception.message().toUtf8();
+        }
+    }
+
+    EXPECT_EQ("Asked for array of size: 9", message);
+    EXPECT_EQ(8u, shared.m_notificationClients.size());
+    EXPECT_EQ(8u, simulation().journal().count("IMMDeviceEnumerator::RegisterEndpointNotificationCallback"));
+    endModule(); // while the clients are still there
+}
+
+TEST_F(ExhaustedMemory, PassesOutOfTheStateLists)
+{
+    runCards(9);
+    EndpointDeviceEnumeratorCommon lists; // its end, which empties it, needs memory
+    const auto enumerate = [&](AllocationProbe& probe)
+    {
+        lists.enumerate(eRender);
+        probe.succeed();
+        EXPECT_EQ(9u, std::as_const(lists).activeDevice().size());
+    };
+
+    EXPECT_THAT(failingAtTheLastAllocation(enumerate), StartsWith("Asked for array of size: "));
+}
+
+TEST_F(ExhaustedMemory, PassesOutOfTheFlatListAndOfItsTwin)
+{
+    runCards(9);
+    AudioDeviceEnumeratorFactory::enumerator()->deviceEnumerator();
+    const auto listHere = [](AllocationProbe& probe)
+    {
+        const libSonavit::EndpointDeviceEnumerator enumerator;
+        qor::Array<AudioDevice> devices;
+        enumerator.audioDevices(eRender, devices);
+        probe.succeed();
+        EXPECT_EQ(9u, devices.size());
+    };
+    const auto listThere = [](AllocationProbe& probe)
+    {
+        qor::Array<AudioDevice> devices;
+        AudioDeviceEnumeratorFactory::enumerator()->audioDevices(eRender, devices);
+        probe.succeed();
+        EXPECT_EQ(9u, devices.size());
+    };
+
+    EXPECT_THAT(failingAtTheLastAllocation(listHere), StartsWith("Asked for array of size: "));
+    EXPECT_THAT(failingAtTheLastAllocation(listThere), StartsWith("Asked for array of size: "));
 }
 
 TEST_F(ExhaustedMemory, PassesOutOfTheFacadeWhenItsListCannotGrow)

@@ -62,6 +62,15 @@ TEST_F(AudioDeviceEnumeratorFactoryEnumerator, GivesTheSameHandleTwiceAndConstru
     EXPECT_EQ(1u, log.texts("comptr").size()); // that of CoInitialize
 }
 
+TEST_F(AudioDeviceEnumeratorFactoryEnumerator, HasItsFieldsInTheirOrderWithComAtTheEnd)
+{
+    AudioDeviceEnumerator& instance = shared();
+
+    EXPECT_EQ(static_cast<void*>(&instance), static_cast<void*>(&instance.m_deviceEnumerator));
+    EXPECT_LT(static_cast<void*>(&instance.m_deviceEnumerator), static_cast<void*>(&instance.m_notificationClients));
+    EXPECT_LT(static_cast<void*>(&instance.m_notificationClients), static_cast<void*>(&instance.m_comInitializer));
+}
+
 TEST_F(AudioDeviceEnumeratorFactoryEnumerator, StartsComAndNothingElse)
 {
     AudioDeviceEnumerator& instance = shared();

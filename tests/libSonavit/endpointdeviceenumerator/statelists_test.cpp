@@ -3,6 +3,7 @@
 #include "libSonavit/endpointdeviceenumerator/supportendpoints.h"
 #include "tests/support/librarytest.h"
 
+#include <algorithm>
 #include <type_traits>
 
 using qor::LoggerPriority;
@@ -55,6 +56,16 @@ TEST_F(EndpointDeviceEnumeratorCommonConstruction, IsEmptyByDefaultAndAsksThePla
     EXPECT_THAT(log.texts(), IsEmpty());
     EXPECT_THAT(log.entered(), ElementsAre("EndpointDeviceEnumeratorCommon::EndpointDeviceEnumeratorCommon()"));
     EXPECT_THAT(log.left(), ElementsAre("EndpointDeviceEnumeratorCommon::EndpointDeviceEnumeratorCommon()"));
+}
+
+TEST_F(EndpointDeviceEnumeratorCommonConstruction, HasItsFieldsInTheirOrder)
+{
+    const EndpointDeviceEnumeratorCommon lists;
+
+    const std::vector<const void*> fields = {&lists.m_active,    &lists.m_notPresent,  &lists.m_disabled,
+                                             &lists.m_unplugged, &lists.m_collections, &lists.m_notificationObserver,
+                                             &lists.m_enumerator};
+    EXPECT_TRUE(std::is_sorted(fields.begin(), fields.end()));
 }
 
 TEST_F(EndpointDeviceEnumeratorCommonConstruction, EnumeratesTheFlowThatItIsGiven)

@@ -142,8 +142,8 @@ private:
 
     COMPtr<IMMDeviceEnumerator>::pointer m_deviceEnumerator;
     qor::Array<COMPtr<IMMNotificationClient>::pointer> m_notificationClients; // in order of arrival; only grows
-    COMInitializer
-        m_comInitializer; // last: COM comes up when the rest stands, and goes down before the list is destroyed
+    /// Last: COM comes up when the rest stands, and goes down before the list is destroyed.
+    COMInitializer m_comInitializer;
 };
 
 /// Holds the one AudioDeviceEnumerator.
