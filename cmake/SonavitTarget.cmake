@@ -65,6 +65,10 @@ function(sonavit_configure_target target)
   )
   sonavit_set_warnings(${target} ${kind})
   sonavit_instrument(${target})
+  if(NOT MSVC)
+    # Levels and percents are rounded after each step, also where the processor could do two steps as one.
+    target_compile_options(${target} PRIVATE -ffp-contract=off)
+  endif()
 
   if(MINGW)
     # Exceptions cross the border of our libraries, so all of them share one C++ runtime.
@@ -115,10 +119,10 @@ function(sonavit_copy_compiler_runtime folder)
   endif()
 endfunction()
 
-# sonavit_precompile(<target> <header>...): reads the headers once for all sources of the target, but for those that
-# must read the platform's headers in their own way.
+# sonavit_precompile(<target> PRIVATE <header>... | REUSE_FROM <target>): reads the headers once for all sources of the
+# target, but for those that must read the platform's headers in their own way.
 function(sonavit_precompile target)
-  target_precompile_headers(${target} PRIVATE ${ARGN})
+  target_precompile_headers(${target} ${ARGN})
   get_target_property(sources ${target} SOURCES)
   foreach(source IN LISTS sources)
     cmake_path(ABSOLUTE_PATH source)
@@ -134,13 +138,13 @@ endfunction()
 # The products' sources. Only for builds beside one that goes without: that one finds the include that a source forgot.
 function(sonavit_precompile_products)
   set(standard <algorithm> <atomic> <functional> <map> <memory> <mutex> <string> <vector>)
-  sonavit_precompile(Sonavit ${standard} <libSonavit/libsonavit.h>)
+  sonavit_precompile(Sonavit PRIVATE ${standard} <libSonavit/libsonavit.h>)
   if(TARGET SonavitSimulator)
-    sonavit_precompile(SonavitSimulator ${standard} <simulator/machine.h> <nlohmann/json.hpp>)
+    sonavit_precompile(SonavitSimulator PRIVATE ${standard} <simulator/machine.h> <nlohmann/json.hpp>)
   endif()
   if(TARGET sonavit-commands)
     sonavit_precompile(
-      sonavit-commands ${standard} <libSonavit/libsonavit.h> <simulator/machine.h> <nlohmann/json.hpp>
+      sonavit-commands PRIVATE ${standard} <libSonavit/libsonavit.h> <simulator/machine.h> <nlohmann/json.hpp>
     )
   endif()
 endfunction()

@@ -1,32 +1,36 @@
 # Tests. Loggers and the shared enumerator are process-wide, so natively each test is a process of its own; where a
 # process is dear, under an emulator (Wine) and with instrumentation, each suite is.
 #
-#   sonavit_add_test(<name> SOURCES <file>... [LIBRARIES <target>...] [WINDOWS_ONLY] [NO_PRIVATE_ACCESS])
+#   sonavit_add_test(<name> SOURCES <file>... [LIBRARIES <target>...] [WINDOWS_ONLY] [NO_PRIVATE_ACCESS]
+#                    [PRECOMPILE <header>...] [PRECOMPILED_FOR <test>])
 #
-# Test sources may reach private operations (-fno-access-control) unless NO_PRIVATE_ACCESS is given.
+# Test sources may reach private operations (-fno-access-control) unless NO_PRIVATE_ACCESS is given. PRECOMPILE names
+# headers that many of them read; PRECOMPILED_FOR takes what has been precompiled for another test.
 include(GoogleTest)
 
 set(SONAVIT_TEST_TIMEOUT 120 CACHE STRING "Seconds after which a test has failed")
 mark_as_advanced(SONAVIT_TEST_TIMEOUT)
 
+option(SONAVIT_TEST_DEBUG "Debug information in the tests, which makes them longer to build" ON)
+
 # Test sources are many and run for an instant, so it is their compilation that counts: no optimisation, and the headers
-# that all of them read are read once. A compiler cache works better without the latter. On Windows the linker would
-# take longer for what a debugger wants than all the rest takes.
-function(sonavit_build_tests_quickly target libraries)
+# that all of them read are read once. A compiler cache works better without the latter.
+function(sonavit_build_tests_quickly target precompiledFor)
   if(NOT MSVC)
-    target_compile_options(${target} PRIVATE -O0 $<IF:$<PLATFORM_ID:Windows>,-g0,-g1>)
+    target_compile_options(${target} PRIVATE -O0 $<IF:$<BOOL:${SONAVIT_TEST_DEBUG}>,-g1,-g0>)
   endif()
-  if(NOT CMAKE_CXX_COMPILER_LAUNCHER)
-    set(headers <gmock/gmock.h> <gtest/gtest.h> <string> <vector>)
-    if("test_support" IN_LIST libraries)
-      list(APPEND headers "${PROJECT_SOURCE_DIR}/tests/support/librarytest.h" <libSonavit/libsonavit.h>)
-    endif()
-    sonavit_precompile(${target} ${headers})
+  if(CMAKE_CXX_COMPILER_LAUNCHER)
+    return()
+  endif()
+  if(precompiledFor)
+    sonavit_precompile(${target} REUSE_FROM ${precompiledFor})
+  else()
+    sonavit_precompile(${target} PRIVATE <gmock/gmock.h> <gtest/gtest.h> <string> <vector> ${ARGN})
   endif()
 endfunction()
 
 function(sonavit_add_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "WINDOWS_ONLY;NO_PRIVATE_ACCESS" "" "SOURCES;LIBRARIES")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "WINDOWS_ONLY;NO_PRIVATE_ACCESS" "PRECOMPILED_FOR" "SOURCES;LIBRARIES;PRECOMPILE")
   if(arg_WINDOWS_ONLY AND NOT WIN32)
     return()
   endif()
@@ -41,7 +45,7 @@ function(sonavit_add_test name)
   if(NOT arg_NO_PRIVATE_ACCESS AND NOT MSVC)
     target_compile_options(${name} PRIVATE -fno-access-control)
   endif()
-  sonavit_build_tests_quickly(${name} "${arg_LIBRARIES}")
+  sonavit_build_tests_quickly(${name} "${arg_PRECOMPILED_FOR}" ${arg_PRECOMPILE})
 
   if(CMAKE_CROSSCOMPILING_EMULATOR OR SONAVIT_SANITIZE)
     sonavit_discover_suites(${name})

@@ -58,7 +58,8 @@ private:
 /// Operations are named as in the journal; a bare name such as "Release" stands for that operation of every interface.
 /// When several rules fire at one call, the first that was planned decides. A failing call stores null in its
 /// out-pointers and leaves other out-parameters as they are; a call that succeeds without doing anything ("null
-/// success") zeroes those too. AddRef, CoTaskMemFree and CoUninitialize always work.
+/// success") zeroes those too. AddRef, CoTaskMemFree and CoUninitialize always work, and the latter two meet no rule at
+/// all, not even one of run().
 class FaultPlan
 {
 public:
