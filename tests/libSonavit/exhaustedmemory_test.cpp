@@ -2,6 +2,7 @@
 #include "libSonavit/audiodeviceendpoint.h"
 #include "libSonavit/endpointdeviceenumerator.h"
 #include "libSonavit/soundcard.h"
+#include "libSonavit/soundcardupdater.h"
 #include "libSonavit/sysinfohelper.h"
 #include "qor/exception.h"
 

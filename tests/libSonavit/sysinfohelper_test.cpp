@@ -1,6 +1,7 @@
 #include "libSonavit/sysinfohelper.h"
 
 #include "libSonavit/endpointdeviceenumerator.h"
+#include "libSonavit/soundcardupdater.h"
 #include "libSonavit/supportsysinfo.h"
 
 #include <memory>

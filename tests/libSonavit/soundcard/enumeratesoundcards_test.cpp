@@ -2,6 +2,7 @@
 
 #include "libSonavit/endpointdeviceenumerator.h"
 #include "libSonavit/soundcard/supportcards.h"
+#include "libSonavit/soundcardupdater.h"
 #include "tests/support/librarytest.h"
 
 using testing::ElementsAre;

@@ -2,6 +2,7 @@
 
 #include "libSonavit/endpointdeviceenumerator/supportendpoints.h"
 #include "libSonavit/soundcard/supportobserver.h"
+#include "libSonavit/soundcardupdater.h"
 #include "tests/support/librarytest.h"
 
 #include <algorithm>

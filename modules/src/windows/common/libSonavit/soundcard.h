@@ -23,7 +23,7 @@
 class SONAVIT_API SoundCard : public SoundCardInterface
 {
 public:
-    class SoundCardDeviceUpdater;
+    class SoundCardDeviceUpdater; ///< complete in "libSonavit/soundcardupdater.h"
 
     /// A connector and the nodes joined to it.
     struct ConnectorNode
@@ -57,8 +57,8 @@ public:
     /// @return false, with @p card left alone, if there is none
     static bool createSoundCard(const qor::String& id, SoundCard& card);
 
-    /// The device instance id within deviceId(): what stands behind its first dot, up to the next. Empty, with a
-    /// message (LOG_WARNING), where there is no dot.
+    /// The device instance id within deviceId(): the second of the pieces between its dots, empty pieces not counted.
+    /// Empty, with a message (LOG_WARNING), where there are fewer than two.
     qor::String instanceId();
 
     const qor::String& deviceId() const override;
@@ -163,5 +163,3 @@ private:
     SharedPointer<qor::String> m_deviceId; // written in place, so that the updater sees it
     qor::Array<ConnectorNode> m_connectorMap;
 };
-
-#include "libSonavit/soundcardupdater.h" // completes the nested class

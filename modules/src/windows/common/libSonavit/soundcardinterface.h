@@ -25,7 +25,8 @@ public:
     virtual unsigned int spdifInEndpointDevice(qor::Array<AudioInterfacePtr>& result) = 0;
     virtual unsigned int spdifOutEndpointDevice(qor::Array<AudioInterfacePtr>& result) = 0;
 
-    /// Finds nothing: the hardware controls of an endpoint come from the operation of SoundCard of the same name.
+    /// The hardware controls of @p device. A SoundCard gives none through the interface: they come from the overload
+    /// that the class adds.
     virtual unsigned int volumeController(const AudioDeviceInterface& device,
                                           qor::Array<SharedPointer<VolumeControllerInterface>>& result) const = 0;
 

@@ -17,15 +17,15 @@
 class SONAVIT_API SoundCard::SoundCardDeviceUpdater final : public IMMNotificationClient
 {
 public:
-    /// A new updater without any share; the handle holds its one reference. It needs an owner id before its first
-    /// event.
+    /// A new updater without any share; the handle holds its one reference. It needs an owner id, see setOwnerId().
     static COMPtr<SoundCardDeviceUpdater>::pointer createUpdater();
 
     ~SoundCardDeviceUpdater();
     SoundCardDeviceUpdater(const SoundCardDeviceUpdater&) = delete;
     SoundCardDeviceUpdater& operator=(const SoundCardDeviceUpdater&) = delete;
 
-    /// Takes a share of the card's id, which is compared, case included, with the instance path of each endpoint.
+    /// Takes a share of the card's id, which is compared, case included, with the instance path of each endpoint. A nil
+    /// handle is taken as well, but the id that is held must not be nil by the time an event comes.
     void setOwnerId(const SharedPointer<qor::String>& ownerId);
 
     /// Take a share each. A nil handle is refused, with a message (LOG_WARNING) and false; a list without elements is

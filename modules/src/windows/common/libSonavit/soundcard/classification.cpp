@@ -11,6 +11,25 @@ qor::String guidText(GUID guid)
 {
     return guidToString(&guid);
 }
+
+/// Appends copies of the endpoints that match and are in one of the states of @p filter to @p result.
+/// @return the number appended
+template<class Condition>
+unsigned int appendMatching(const qor::Array<AudioDevice>& searchFrom, const Condition& matches,
+                            qor::Array<AudioDevice>& result, unsigned int filter)
+{
+    const unsigned int sizeBefore = result.size();
+    for (unsigned int i = 0; i < searchFrom.size(); ++i)
+    {
+        const AudioDeviceInterface::Properties& properties = searchFrom[i].deviceProperty();
+        if (!matches(properties) || (properties.deviceState & filter) == 0)
+            continue;
+        result.append(searchFrom[i]);
+        SONAVIT_LOG(soundcardlog, LOG_DEBUG, out.append("Appending device ").append(properties.endpointType));
+    }
+    SONAVIT_LOG(soundcardlog, LOG_DEBUG, out.append("Number of found device = ").append(decimalText(result.size() - sizeBefore)));
+    return result.size() - sizeBefore;
+}
 }
 
 unsigned int SoundCard::microphoneEndpointDevice(qor::Array<AudioDevice>& result) const
@@ -119,18 +138,9 @@ unsigned int SoundCard::findEndpoint(const qor::Array<AudioDevice>& searchFrom, 
     SONAVIT_TRACE(
         soundcardlog,
         "SoundCard::findEndpoint(const Array<AudioDevice>& searchFrom, Array<AudioDevice>& result, Uint32 filter)");
-    const unsigned int sizeBefore = result.size();
     SONAVIT_LOG(soundcardlog, LOG_DEBUG, out.append("searchFrom.size() = ").append(decimalText(searchFrom.size())).append(" device filter = ").append(decimalText(filter)));
-    for (unsigned int i = 0; i < searchFrom.size(); ++i)
-    {
-        const AudioDeviceInterface::Properties& properties = searchFrom[i].deviceProperty();
-        if ((properties.deviceState & filter) == 0)
-            continue;
-        result.append(searchFrom[i]);
-        SONAVIT_LOG(soundcardlog, LOG_DEBUG, out.append("Appending device ").append(properties.endpointType));
-    }
-    SONAVIT_LOG(soundcardlog, LOG_DEBUG, out.append("Number of found device = ").append(decimalText(result.size() - sizeBefore)));
-    return result.size() - sizeBefore;
+    const auto isAny = [](const AudioDeviceInterface::Properties&) { return true; };
+    return appendMatching(searchFrom, isAny, result, filter);
 }
 
 unsigned int SoundCard::findEndpoint(const qor::Array<AudioDevice>& searchFrom, const GUID& deviceType,
@@ -138,18 +148,10 @@ unsigned int SoundCard::findEndpoint(const qor::Array<AudioDevice>& searchFrom, 
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::findEndpoint(const Array<AudioDevice>& searchFrom, const GUID& deviceType, "
                                 "Array<AudioDevice>& result, Uint32 filter)");
-    const unsigned int sizeBefore = result.size();
     SONAVIT_LOG(soundcardlog, LOG_DEBUG, out.append("searchFrom.size() = ").append(decimalText(searchFrom.size())).append(" device filter = ").append(decimalText(filter)).append(" DeviceGUID ").append(guidText(deviceType)));
-    for (unsigned int i = 0; i < searchFrom.size(); ++i)
-    {
-        const AudioDeviceInterface::Properties& properties = searchFrom[i].deviceProperty();
-        if (properties.subType != deviceType || (properties.deviceState & filter) == 0)
-            continue;
-        result.append(searchFrom[i]);
-        SONAVIT_LOG(soundcardlog, LOG_DEBUG, out.append("Appending device ").append(properties.endpointType));
-    }
-    SONAVIT_LOG(soundcardlog, LOG_DEBUG, out.append("Number of found device = ").append(decimalText(result.size() - sizeBefore)));
-    return result.size() - sizeBefore;
+    const auto isOfTheType = [&deviceType](const AudioDeviceInterface::Properties& properties)
+    { return properties.subType == deviceType; };
+    return appendMatching(searchFrom, isOfTheType, result, filter);
 }
 
 /// The label calls the list const; it is not, as the result keeps pointers into it.

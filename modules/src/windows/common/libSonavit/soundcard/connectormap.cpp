@@ -1,5 +1,6 @@
 #include "libSonavit/soundcard.h"
 
+#include "libSonavit/soundcard/listsearch.h"
 #include "libSonavit/soundcardlog.h"
 
 namespace
@@ -10,30 +11,41 @@ void appendIds(const qor::Array<AudioDevice>& devices, qor::Array<qor::String>& 
         ids.append(devices[i].deviceProperty().deviceId);
 }
 
-/// Id of the device on the far side; empty where the platform gives none.
-qor::String farDeviceId(const AudioComponent<IConnector>& connector)
+/// A text of the platform's, freed in any case: null as well, and when what is made of it fails.
+struct TaskText
 {
+    TaskText() = default;
+    TaskText(const TaskText&) = delete;
+    TaskText& operator=(const TaskText&) = delete;
+    ~TaskText() { CoTaskMemFree(text); }
+
     LPWSTR text = nullptr;
-    connector.component()->GetDeviceIdConnectedTo(&text); // the pointer decides
-    const qor::String id(platform::ucs2(text));
-    CoTaskMemFree(text);
-    return id;
+};
+
+/// Id of the device on the far side; empty where the platform gives none, or has given no connector to ask.
+qor::String farDeviceId(const COMPtr<IConnector>::pointer& connector)
+{
+    TaskText id;
+    if (connector.get() != nullptr)
+        connector->GetDeviceIdConnectedTo(&id.text); // the pointer decides
+    return qor::String(platform::ucs2(id.text));
 }
 
-bool holds(const qor::Array<AudioDevice>& devices, const AudioDevice& device)
+/// The connector on the far side, or null.
+IConnector* farConnector(const COMPtr<IConnector>::pointer& connector)
 {
-    for (unsigned int i = 0; i < devices.size(); ++i)
-    {
-        if (devices[i] == device)
-            return true;
-    }
-    return false;
+    IConnector* peer = nullptr;
+    if (connector.get() != nullptr)
+        connector->GetConnectedTo(&peer); // the pointer decides
+    return peer;
 }
 }
 
 void SoundCard::initializeConnectorMap()
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::initializeConnectorMap");
+    // Only the map starts anew. The devices on the adapter side stay, as copies of the card share them; a second build
+    // takes them for known and leaves their connectors out, so discovery builds each map once.
     m_connectorMap.clear();
     registerConnectors(*m_playbackDevices);
     registerConnectors(*m_recordDevices);
@@ -63,18 +75,20 @@ void SoundCard::registerConnectors(const AudioDeviceTopology& deviceTopology)
     const qor::Array<AudioComponent<IConnector>> connectors = deviceTopology.connector();
     for (unsigned int i = 0; i < connectors.size(); ++i)
     {
-        if (static_cast<int>(nodeIndex(connectors[i])) < 0)
+        if (!listsearch::isHit(nodeIndex(connectors[i])))
             m_connectorMap.append(ConnectorNode{connectors[i], qor::Array<unsigned int>()});
     }
 }
 
 /// Looks behind the connector of a node: a new device there joins the card, and the join itself is recorded. The device
-/// is opened in any case, before it is known whether it is new.
+/// is opened in any case, before it is known whether it is new. Ids count as known only when they are spelled alike,
+/// devices without regard to case: an endpoint of the card that a connector names in another case becomes an internal
+/// device as well, and what follows from that is in the graphs that callers know.
 void SoundCard::followConnector(unsigned int index, qor::Array<qor::String>& knownDevices)
 {
-    const qor::String farId = farDeviceId(m_connectorMap[index].connector);
+    const qor::String farId = farDeviceId(m_connectorMap[index].connector.component());
     const AudioDevice farDevice(farId);
-    if (!knownDevices.contains(farId) && !holds(*m_internalDevices, farDevice))
+    if (!knownDevices.contains(farId) && !listsearch::isHit(listsearch::indexOf(*m_internalDevices, farDevice)))
         registerFarDevice(farDevice, farId, index, knownDevices);
     linkToPeer(index);
 }
@@ -88,7 +102,7 @@ void SoundCard::registerFarDevice(const AudioDevice& farDevice, const qor::Strin
     {
         m_internalDevices->append(farDevice);
         knownDevices.append(farId);
-        registerConnectors(*m_internalDevices);
+        registerConnectors(*m_internalDevices); // the whole list again: what is in the map already is passed over
         return;
     }
     const AudioDeviceTopology nearTopology(m_connectorMap[index].connector);
@@ -103,15 +117,15 @@ void SoundCard::registerFarDevice(const AudioDevice& farDevice, const qor::Strin
 /// whoever walks the map is to notice that it is incomplete there.
 void SoundCard::linkToPeer(unsigned int index)
 {
-    IConnector* peer = nullptr;
-    m_connectorMap[index].connector.component()->GetConnectedTo(&peer); // the pointer decides
+    IConnector* const peer = farConnector(m_connectorMap[index].connector.component());
     if (peer == nullptr)
         return;
     const AudioComponent<IConnector> peerConnector(peer);
     m_connectorMap[index].links.append(nodeIndex(peerConnector));
 }
 
-/// Records the signal paths between the connector of a node and those of all later nodes, in both directions.
+/// Records the signal paths between the connector of a node and those of all later nodes, in both directions. Pairs
+/// across two devices are tested like the others: whether a path leaves a device is for the platform to say.
 void SoundCard::linkWithinTopology(unsigned int index)
 {
     const AudioDeviceTopology topology(m_connectorMap[index].connector);
@@ -124,14 +138,9 @@ void SoundCard::linkWithinTopology(unsigned int index)
     }
 }
 
-/// Index of the first node whose connector equals @p connector; 0xFFFFFFFF, negative as a signed number, where there is
-/// none.
+/// Index of the first node whose connector equals @p connector, or listsearch::notFound.
 unsigned int SoundCard::nodeIndex(const AudioComponent<IConnector>& connector) const
 {
-    for (unsigned int i = 0; i < m_connectorMap.size(); ++i)
-    {
-        if (m_connectorMap[i].connector == connector)
-            return i;
-    }
-    return 0xFFFFFFFF;
+    return listsearch::indexWhere(m_connectorMap,
+                                  [&connector](const ConnectorNode& node) { return node.connector == connector; });
 }

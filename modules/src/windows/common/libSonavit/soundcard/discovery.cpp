@@ -28,6 +28,8 @@ qor::Array<SoundCard> SoundCard::enumerateSystemSoundDevices()
         SONAVIT_LOG(soundcardlog, LOG_WARNING, out.append("Faild to initialize endpoint device enumerator"));
         return qor::Array<SoundCard>();
     }
+    // The record side goes first, and a card stands where its first endpoint came up: so cards with a record endpoint
+    // are ahead of all others, an order that callers count on.
     for (const EDataFlow flow : {eCapture, eRender})
     {
         qor::Array<AudioDevice> devices;
@@ -69,6 +71,8 @@ bool SoundCard::createSoundCard(const qor::String& id, SoundCard& card)
     for (unsigned int i = 0; i < cards.size(); ++i)
     {
         SoundCard& candidate = cards[i];
+        // The instance id is asked for anew each time, and a card that has none warns each time: readers of the log
+        // count on every one of these lines.
         qor::String parent;
         if (libOSWindows::ConfigManager::getParentDeviceInstanceId(candidate.instanceId(), parent))
             SONAVIT_LOG(soundcardlog, LOG_INFO, out.append("Parent device id = ").append(parent).append(" device id =").append(candidate.instanceId()));

@@ -4,6 +4,19 @@
 #include "COM/resultcode.h"
 #include "libSonavit/soundcardlog.h"
 
+namespace
+{
+/// The input selector of a subunit, or nil. There is no part to ask where the platform has given no subunit, or one
+/// that is no part.
+COMPtr<IAudioInputSelector>::pointer selectorOf(const COMPtr<IPart>::pointer& part)
+{
+    void* selector = nullptr;
+    if (part.get() != nullptr)
+        part->Activate(CLSCTX_ALL, IID_IAudioInputSelector, &selector); // the pointer decides
+    return static_cast<IAudioInputSelector*>(selector);
+}
+}
+
 unsigned int SoundCard::recordingMux(qor::Array<COMPtr<IAudioInputSelector>::pointer>& result)
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::recordingMux");
@@ -16,9 +29,7 @@ unsigned int SoundCard::recordingMux(qor::Array<COMPtr<IAudioInputSelector>::poi
         const qor::Array<AudioComponent<ISubunit>> subunits = topology.subunit();
         for (unsigned int j = 0; j < subunits.size(); ++j)
         {
-            void* object = nullptr;
-            subunits[j].part().part()->Activate(CLSCTX_ALL, IID_IAudioInputSelector, &object); // the pointer decides
-            const COMPtr<IAudioInputSelector>::pointer selector(static_cast<IAudioInputSelector*>(object));
+            const COMPtr<IAudioInputSelector>::pointer selector = selectorOf(subunits[j].part().part());
             if (selector.get() == nullptr)
                 continue;
             SONAVIT_LOG(soundcardlog, LOG_INFO, out.append("Found an input selector from device ").append(devices[i].deviceProperty().friendlyName));

@@ -1,7 +1,9 @@
 #include "libSonavit/soundcard.h"
 
 #include "libSonavit/endpointdeviceenumerator.h"
+#include "libSonavit/soundcard/listsearch.h"
 #include "libSonavit/soundcardlog.h"
+#include "libSonavit/soundcardupdater.h"
 
 SoundCardInterface::SoundCardInterface() = default;
 SoundCardInterface::SoundCardInterface(const SoundCardInterface&) = default;
@@ -35,10 +37,11 @@ SoundCard::SoundCard()
     m_updater->setPlaybackObserver(m_playbackObservers);
     m_updater->setRecordObserver(m_recordObservers);
 
+    const COMPtr<IMMNotificationClient>::pointer client = notificationClient(m_updater);
     const OwnedPointer<libSonavit::AudioDeviceEnumerator>& enumerator =
         libSonavit::AudioDeviceEnumeratorFactory::enumerator();
     if (enumerator.get() != nullptr)
-        enumerator->addNotificationClient(notificationClient(m_updater));
+        enumerator->addNotificationClient(client);
 }
 
 SoundCard::SoundCard(const SoundCard& other) = default;
@@ -81,16 +84,10 @@ bool SoundCard::operator==(const SoundCard& other)
 bool SoundCard::isDeviceAlreadyInTheCard(const qor::String& id)
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::isDeviceAlreadyInTheCard");
-    const auto holds = [&id](const qor::Array<AudioDevice>& devices)
-    {
-        for (unsigned int i = 0; i < devices.size(); ++i)
-        {
-            if (qor::String::compareNoCase(id, devices[i].deviceProperty().deviceId) == 0)
-                return true;
-        }
-        return false;
-    };
-    return holds(*m_playbackDevices) || holds(*m_recordDevices);
+    const auto hasThatId = [&id](const AudioDevice& device)
+    { return qor::String::compareNoCase(id, device.deviceProperty().deviceId) == 0; };
+    return listsearch::isHit(listsearch::indexWhere(*m_playbackDevices, hasThatId)) ||
+           listsearch::isHit(listsearch::indexWhere(*m_recordDevices, hasThatId));
 }
 
 bool SoundCard::addDevice(qor::Array<AudioDevice>& deviceTable, const AudioDevice& device)

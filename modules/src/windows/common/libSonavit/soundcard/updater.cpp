@@ -2,6 +2,7 @@
 
 #include "COM/identifiers.h"
 #include "COM/resultcode.h"
+#include "libSonavit/soundcard/listsearch.h"
 #include "libSonavit/soundcardlog.h"
 #include "platform/interlocked.h"
 
@@ -10,16 +11,29 @@ namespace
 typedef SharedPointer<qor::Array<AudioDevice>> DeviceList;
 typedef SharedPointer<qor::Array<BorrowedPointer<SoundCardObserver>>> ObserverList;
 
-constexpr unsigned int notFound = 0xFFFFFFFF;
-
-unsigned int indexOf(const qor::Array<AudioDevice>& devices, const AudioDevice& device)
+/// Makes @p share one of what @p offered holds, unless that is nil: then the share stays and @p refusal is logged.
+template<class Handle>
+bool takeShare(Handle& share, const Handle& offered, const char* refusal)
 {
-    for (unsigned int i = 0; i < devices.size(); ++i)
+    if (offered.get() == nullptr)
     {
-        if (devices[i] == device)
-            return i;
+        SONAVIT_LOG(soundcardlog, LOG_WARNING, out.append(refusal));
+        return false;
     }
-    return notFound;
+    share = offered;
+    return true;
+}
+
+/// What belongs to the side of @p device: @p playback or @p record; nil if the device is not of the card @p ownerId. A
+/// device whose flow is not known goes to the record side.
+template<class Handle>
+Handle sideOf(const AudioDevice& device, const qor::String& ownerId, const Handle& playback, const Handle& record)
+{
+    if (device.deviceProperty().instancePath != ownerId)
+        return Handle();
+    EDataFlow flow = eAll;
+    device.dataFlow(flow);
+    return flow == eRender ? playback : record;
 }
 
 /// Calls all observers, those included that register while it goes on.
@@ -52,54 +66,28 @@ void SoundCard::SoundCardDeviceUpdater::setOwnerId(const SharedPointer<qor::Stri
 }
 
 // This label lacks a pair of colons; readers of the log match on it as it is.
-bool SoundCard::SoundCardDeviceUpdater::setRecordDeviceList(const SharedPointer<qor::Array<AudioDevice>>& list)
+bool SoundCard::SoundCardDeviceUpdater::setRecordDeviceList(const DeviceList& list)
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdatersetRecordDeviceList");
-    if (list.get() == nullptr)
-    {
-        SONAVIT_LOG(soundcardlog, LOG_WARNING, out.append("Cannot use an empty eCapture device list"));
-        return false;
-    }
-    m_recordDeviceList = list;
-    return true;
+    return takeShare(m_recordDeviceList, list, "Cannot use an empty eCapture device list");
 }
 
-bool SoundCard::SoundCardDeviceUpdater::setPlaybackDeviceList(const SharedPointer<qor::Array<AudioDevice>>& list)
+bool SoundCard::SoundCardDeviceUpdater::setPlaybackDeviceList(const DeviceList& list)
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::setPlaybackDeviceList");
-    if (list.get() == nullptr)
-    {
-        SONAVIT_LOG(soundcardlog, LOG_WARNING, out.append("Cannot use an empty eRender device list"));
-        return false;
-    }
-    m_playbackDeviceList = list;
-    return true;
+    return takeShare(m_playbackDeviceList, list, "Cannot use an empty eRender device list");
 }
 
-bool SoundCard::SoundCardDeviceUpdater::setPlaybackObserver(
-    const SharedPointer<qor::Array<BorrowedPointer<SoundCardObserver>>>& observers)
+bool SoundCard::SoundCardDeviceUpdater::setPlaybackObserver(const ObserverList& observers)
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::setPlaybackObserver");
-    if (observers.get() == nullptr)
-    {
-        SONAVIT_LOG(soundcardlog, LOG_WARNING, out.append("Cannot use NULL pointer"));
-        return false;
-    }
-    m_playbackObserver = observers;
-    return true;
+    return takeShare(m_playbackObserver, observers, "Cannot use NULL pointer");
 }
 
-bool SoundCard::SoundCardDeviceUpdater::setRecordObserver(
-    const SharedPointer<qor::Array<BorrowedPointer<SoundCardObserver>>>& observers)
+bool SoundCard::SoundCardDeviceUpdater::setRecordObserver(const ObserverList& observers)
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::setRecordObserver");
-    if (observers.get() == nullptr)
-    {
-        SONAVIT_LOG(soundcardlog, LOG_WARNING, out.append("Cannot use NULL pointer"));
-        return false;
-    }
-    m_recordObserver = observers;
-    return true;
+    return takeShare(m_recordObserver, observers, "Cannot use NULL pointer");
 }
 
 HRESULT SoundCard::SoundCardDeviceUpdater::QueryInterface(REFIID iid, void** object)
@@ -141,8 +129,8 @@ HRESULT SoundCard::SoundCardDeviceUpdater::OnDeviceStateChanged(LPCWSTR deviceId
     const ObserverList observers = selectObserver(device);
     if (devices.get() == nullptr)
         return S_OK;
-    const unsigned int index = indexOf(*devices, device);
-    if (index == notFound)
+    const unsigned int index = listsearch::indexOf(*devices, device);
+    if (!listsearch::isHit(index))
         return E_FAIL;
     (*devices)[index].refreshDeviceState(); // asks the platform: the state that came with the event may be old by now
     tell(observers, &SoundCardObserver::onDeviceStateChanged);
@@ -156,7 +144,7 @@ HRESULT SoundCard::SoundCardDeviceUpdater::OnDeviceAdded(LPCWSTR deviceId)
     const DeviceList devices = selectDeviceList(device);
     const ObserverList observers = selectObserver(device);
     if (devices.get() != nullptr)
-        devices->append(device); // also one that is there already: each addition is answered by one removal
+        devices->append(device); // also one that is there already: nobody looks, and a removal takes out the first
     tell(observers, &SoundCardObserver::onDeviceAdded);
     return S_OK;
 }
@@ -169,8 +157,8 @@ HRESULT SoundCard::SoundCardDeviceUpdater::OnDeviceRemoved(LPCWSTR deviceId)
     const ObserverList observers = selectObserver(device);
     if (devices.get() != nullptr)
     {
-        const unsigned int index = indexOf(*devices, device);
-        if (index == notFound)
+        const unsigned int index = listsearch::indexOf(*devices, device);
+        if (!listsearch::isHit(index))
             return E_FAIL;
         devices->remove(index);
     }
@@ -191,27 +179,16 @@ HRESULT SoundCard::SoundCardDeviceUpdater::OnPropertyValueChanged(LPCWSTR, const
     return S_OK;
 }
 
-/// The list that @p device belongs in; nil if it is of another card. A device whose flow is not known goes to the
-/// record side.
-SharedPointer<qor::Array<AudioDevice>> SoundCard::SoundCardDeviceUpdater::selectDeviceList(
-    const AudioDevice& device) const
+/// The list that @p device belongs in; nil if it is of another card.
+DeviceList SoundCard::SoundCardDeviceUpdater::selectDeviceList(const AudioDevice& device) const
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::selectDeviceList");
-    if (!(device.deviceProperty().instancePath == *m_ownerId))
-        return DeviceList();
-    EDataFlow flow = eAll;
-    device.dataFlow(flow);
-    return flow == eRender ? m_playbackDeviceList : m_recordDeviceList;
+    return sideOf(device, *m_ownerId, m_playbackDeviceList, m_recordDeviceList);
 }
 
 /// The observers of the side that @p device belongs to; nil if it is of another card.
-SharedPointer<qor::Array<BorrowedPointer<SoundCardObserver>>> SoundCard::SoundCardDeviceUpdater::selectObserver(
-    const AudioDevice& device) const
+ObserverList SoundCard::SoundCardDeviceUpdater::selectObserver(const AudioDevice& device) const
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::selectObserver");
-    if (!(device.deviceProperty().instancePath == *m_ownerId))
-        return ObserverList();
-    EDataFlow flow = eAll;
-    device.dataFlow(flow);
-    return flow == eRender ? m_playbackObserver : m_recordObserver;
+    return sideOf(device, *m_ownerId, m_playbackObserver, m_recordObserver);
 }

@@ -1,11 +1,21 @@
 #include "libSonavit/soundcard.h"
 
 #include "COM/identifiers.h"
+#include "libSonavit/soundcard/listsearch.h"
 #include "libSonavit/soundcardlog.h"
 
 namespace
 {
-constexpr unsigned int noNode = 0xFFFFFFFF;
+typedef unsigned int (AudioPart::*Side)(qor::Array<AudioPart>& list);
+
+/// The parts next to @p part on one side. An empty part, as of a connector that is none, has no neighbours.
+qor::Array<AudioPart> neighbours(AudioPart part, Side side)
+{
+    qor::Array<AudioPart> list;
+    if (part.part().get() != nullptr)
+        (part.*side)(list);
+    return list;
+}
 
 /// The mute of the part, or nil if it gives none.
 COMPtr<IAudioMute>::pointer activateMute(const AudioPart& part)
@@ -31,7 +41,7 @@ unsigned int SoundCard::volumeController(const AudioDevice& endpoint, qor::Array
         // It is the position that is tested, not the index. So a connector that is not in the map is queued as well,
         // and the walk below raises IndexOutOfBounds for it, which is what callers expect of an endpoint that came by
         // hot plug.
-        if (position == noNode)
+        if (position == listsearch::notFound)
             SONAVIT_LOG(soundcardlog, LOG_FATAL, out.append("m_connectorMap is inconsistent. Please review initialization code"));
         else
             queue.append(index);
@@ -62,10 +72,8 @@ unsigned int SoundCard::volumeController(const AudioDeviceInterface&,
 bool SoundCard::volumeControllerFromConnector(const AudioComponent<IConnector>& connector,
                                               qor::Array<VolumeController>& result) const
 {
-    qor::Array<AudioPart> incoming;
-    qor::Array<AudioPart> outgoing;
-    connector.part().incomingPartsList(incoming);
-    connector.part().outgoingPartsList(outgoing);
+    const qor::Array<AudioPart> incoming = neighbours(connector.part(), &AudioPart::incomingPartsList);
+    const qor::Array<AudioPart> outgoing = neighbours(connector.part(), &AudioPart::outgoingPartsList);
     if (volumeControllerFromList(incoming, connector, result))
         return true;
     return volumeControllerFromList(outgoing, connector, result);
@@ -85,10 +93,10 @@ bool SoundCard::volumeControllerFromList(const qor::Array<AudioPart>& parts,
     }
     for (unsigned int i = 0; i < volumeParts.size(); ++i)
     {
+        VolumeController controller; // before the activation, so that nothing stands between that and the handle
         void* level = nullptr;
         if (FAILED(volumeParts[i].part()->Activate(CLSCTX_ALL, IID_IAudioVolumeLevel, &level)))
             continue;
-        VolumeController controller;
         controller.volumeLevel = static_cast<IAudioVolumeLevel*>(level);
         controller.ownerType = connector.subType();
         controller.ownerName = connector.name();

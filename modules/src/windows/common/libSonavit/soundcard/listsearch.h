@@ -1,0 +1,35 @@
+/// The searches through a card's lists; included by this module's source files only.
+#pragma once
+
+#include "libSonavit/audiodeviceendpoint.h"
+#include "qor/array.h"
+
+namespace listsearch
+{
+/// The answer of a search that finds nothing; negative as a signed number.
+inline constexpr unsigned int notFound = 0xFFFFFFFF;
+
+/// The sign alone tells a hit, so no list of more than 0x7FFFFFFF elements can be searched.
+inline bool isHit(unsigned int index)
+{
+    return static_cast<int>(index) >= 0;
+}
+
+/// Index of the first element that @p matches, or notFound.
+template<class T, class Condition>
+unsigned int indexWhere(const qor::Array<T>& list, const Condition& matches)
+{
+    for (unsigned int i = 0; i < list.size(); ++i)
+    {
+        if (matches(list[i]))
+            return i;
+    }
+    return notFound;
+}
+
+/// Index of the first device that has the endpoint id of @p device, in any case, or notFound.
+inline unsigned int indexOf(const qor::Array<AudioDevice>& devices, const AudioDevice& device)
+{
+    return indexWhere(devices, [&device](const AudioDevice& element) { return element == device; });
+}
+}
