@@ -1,12 +1,16 @@
 // Callers that were built against an older library find the virtual operations by their places.
 #include "libSonavit/audiodeviceendpoint.h"
 #include "libSonavit/soundcard.h"
+#include "libSonavit/soundcardobserver.h"
+#include "libSonavit/soundcardupdater.h"
 #include "libSonavit/volumecontroller.h"
 #include "qor/serializable.h"
 
 #include "foundation/supportvirtualslot.h"
 
 #include <gtest/gtest.h>
+
+#include <type_traits>
 
 #if defined(SUPPORT_HAS_VIRTUAL_SLOTS)
 
@@ -42,6 +46,30 @@ TEST(VirtualOrder, OfSoundCardInterfaceEndsWithTheDestructor)
 TEST(VirtualOrder, IsNotAddedToBySoundCard)
 {
     EXPECT_EQ(10u, virtualSlot(&Extended<SoundCard>::further));
+}
+
+TEST(VirtualOrder, OfSoundCardObserverHasNoDestructor)
+{
+    EXPECT_EQ(0u, virtualSlot(&SoundCardObserver::onDeviceStateChanged));
+    EXPECT_EQ(1u, virtualSlot(&SoundCardObserver::onDeviceAdded));
+    EXPECT_EQ(2u, virtualSlot(&SoundCardObserver::onDeviceRemoved));
+    EXPECT_EQ(3u, virtualSlot(&Extended<SoundCardObserver>::further));
+    EXPECT_FALSE(std::has_virtual_destructor_v<SoundCardObserver>);
+}
+
+TEST(VirtualOrder, OfSoundCardDeviceUpdaterIsThePlatforms)
+{
+    typedef SoundCard::SoundCardDeviceUpdater Updater;
+    EXPECT_EQ(0u, virtualSlot(&Updater::QueryInterface));
+    EXPECT_EQ(1u, virtualSlot(&Updater::AddRef));
+    EXPECT_EQ(2u, virtualSlot(&Updater::Release));
+    EXPECT_EQ(3u, virtualSlot(&Updater::OnDeviceStateChanged));
+    EXPECT_EQ(4u, virtualSlot(&Updater::OnDeviceAdded));
+    EXPECT_EQ(5u, virtualSlot(&Updater::OnDeviceRemoved));
+    EXPECT_EQ(6u, virtualSlot(&Updater::OnDefaultDeviceChanged));
+    EXPECT_EQ(7u, virtualSlot(&Updater::OnPropertyValueChanged));
+    EXPECT_FALSE(std::has_virtual_destructor_v<Updater>);
+    EXPECT_EQ(4u, sizeof(Updater::m_refCount));
 }
 
 TEST(VirtualOrder, OfAudioDeviceInterfaceEndsWithTheDestructor)

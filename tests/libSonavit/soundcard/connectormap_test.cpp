@@ -2,6 +2,7 @@
 
 #include "libSonavit/endpointdeviceenumerator/supportendpoints.h"
 #include "libSonavit/soundcard/supportgraphs.h"
+#include "libSonavit/soundcard/supportscriptedparts.h"
 #include "tests/support/librarytest.h"
 
 #include <algorithm>
@@ -295,7 +296,48 @@ TEST_F(ConnectorMap, RegistersItsOwnSideOnceForTwoConnectorsToADeviceThatCannotB
     EXPECT_EQ(2, std::count(labels.begin(), labels.end(), topologyLabel));
 }
 
-TEST_F(ConnectorMap, GoesByThePointersOfFarDeviceAndPeerAndNotByTheResults)
+TEST_F(ConnectorMap, TakesFarDeviceAndPeerThatCameWithAFailure)
+{
+    graph.adapter("board", 1);
+    run(graph.machine);
+    support::ScriptedConnector connector("out/1");
+    connector.farDevice = "board";
+    connector.peer = simulation().connector("board/1");
+    {
+        AudioDevice endpoint;
+        endpoint.m_topology.m_connectors.append(AudioComponent<IConnector>(connector.handle()));
+        SoundCard card;
+        card.m_playbackDevices->append(endpoint);
+
+        card.initializeConnectorMap();
+
+        EXPECT_THAT(idsOf(*card.m_internalDevices), ElementsAre("board"));
+        EXPECT_THAT(nodesOf(card), ElementsAre("out/1", "board/1"));
+        EXPECT_THAT(linksOf(card, 0), ElementsAre(1u));
+        endModule(); // while the connector is still there
+    }
+    EXPECT_EQ(1u, connector.references);
+    EXPECT_EQ(1u, connector.part.references);
+}
+
+TEST_F(ConnectorMap, PassesOverAConnectorThatThePlatformReportedAndDidNotGive)
+{
+    graph.endpoint("out", 2);
+    graph.adapter("board", 1);
+    graph.join("out/2", "board/1");
+    run(graph.machine);
+    const sim::PlannedFault missing =
+        simulation().faults().succeedWithNull("IDeviceTopology::GetConnector").on("out").with("0");
+    cards = SoundCard::enumerateSystemSoundDevices();
+    SoundCard& card = cards[0];
+
+    EXPECT_GT(missing.fired(), 0u);
+    EXPECT_THAT(nodesOf(card), ElementsAre("", "out/2", "board/1"));
+    EXPECT_THAT(linksOf(card), ElementsAre(IsEmpty(), ElementsAre(2u), ElementsAre(1u)));
+    EXPECT_THAT(log.texts(channel), IsEmpty());
+}
+
+TEST_F(ConnectorMap, MakesNothingOfASuccessWithoutFarDeviceAndPeer)
 {
     graph.endpoint("out");
     graph.adapter("board", 1);

@@ -68,13 +68,12 @@ TEST_F(ConnectorMapOrder, AsksForEveryPairOfConnectorsInBothDirectionsWhereNoPat
     {
         support::GraphMachine lone;
         lone.endpoint("out", connectors);
-        const sim::Simulation machine(lone.machine);
+        sim::Simulation machine(lone.machine);
         {
             const qor::Array<SoundCard> cards = SoundCard::enumerateSystemSoundDevices();
         }
         const std::size_t pairs = connectors * (connectors - 1) / 2;
-        EXPECT_EQ(2 * pairs, const_cast<sim::Simulation&>(machine).journal().count("IDeviceTopology::GetSignalPath"))
-            << connectors;
+        EXPECT_EQ(2 * pairs, machine.journal().count("IDeviceTopology::GetSignalPath")) << connectors;
         endModule();
     }
 }

@@ -1,6 +1,7 @@
 #include "libSonavit/soundcard.h"
 
 #include "libSonavit/soundcard/supportgraphs.h"
+#include "libSonavit/soundcard/supportscriptedparts.h"
 #include "tests/support/librarytest.h"
 
 using qor::LoggerPriority;
@@ -120,7 +121,70 @@ TEST_F(RecordingMux, GivesEachHandleOneReference)
     EXPECT_EQ(0, simulation().census().references("IAudioInputSelector"));
 }
 
-TEST_F(RecordingMux, GoesByThePointerAndNotByTheResultOfTheActivation)
+TEST_F(RecordingMux, AsksEachSubunitForASelectorInAnyContext)
+{
+    adapterWithSelectors("board", 1);
+    SoundCard& card = discovered();
+    simulation().journal().clear();
+    Selectors selectors;
+
+    card.recordingMux(selectors);
+
+    EXPECT_THAT(simulation().journal().entries().of("IPart::Activate").calls(),
+                ElementsAre("IPart::Activate(IAudioInputSelector, 23)", "IPart::Activate(IAudioInputSelector, 23)"));
+}
+
+TEST_F(RecordingMux, TakesASelectorThatCameWithAFailure)
+{
+    adapterWithSelectors("board", 1);
+    SoundCard& card = discovered();
+    support::ScriptedSubunit subunit("scripted");
+    subunit.part.activation = E_FAIL;
+    subunit.part.control = simulation().inputSelector("board/100");
+    {
+        AudioDevice device;
+        device.m_topology.m_subunits.append(AudioComponent<ISubunit>(subunit.handle()));
+        card.m_internalDevices->append(device);
+        Selectors selectors;
+
+        EXPECT_EQ(2u, card.recordingMux(selectors));
+
+        EXPECT_EQ(subunit.part.control, selectors[1].get());
+        card.m_internalDevices->remove(1);
+    }
+    EXPECT_EQ(1u, subunit.references);
+    EXPECT_EQ(1u, subunit.part.references);
+}
+
+TEST_F(RecordingMux, PassesOverASubunitThatThePlatformReportedAndDidNotGive)
+{
+    adapterWithSelectors("board", 2);
+    run(graph.machine);
+    const sim::PlannedFault missing =
+        simulation().faults().succeedWithNull("IDeviceTopology::GetSubunit").on("board").with("1");
+    cards = SoundCard::enumerateSystemSoundDevices();
+    Selectors selectors;
+
+    EXPECT_EQ(1u, cards[0].recordingMux(selectors));
+
+    EXPECT_GT(missing.fired(), 0u);
+}
+
+TEST_F(RecordingMux, PassesOverASubunitThatIsNoPart)
+{
+    adapterWithSelectors("board", 2);
+    run(graph.machine);
+    const sim::PlannedFault lone =
+        simulation().faults().fail("ISubunit::QueryInterface", E_NOINTERFACE).on("board/100");
+    cards = SoundCard::enumerateSystemSoundDevices();
+    Selectors selectors;
+
+    EXPECT_EQ(1u, cards[0].recordingMux(selectors));
+
+    EXPECT_GT(lone.fired(), 0u);
+}
+
+TEST_F(RecordingMux, MakesNothingOfAnActivationThatSucceedsWithoutASelector)
 {
     adapterWithSelectors("board", 2);
     SoundCard& card = discovered();

@@ -57,6 +57,18 @@ TEST_F(SoundCardObservers, AreRefusedWithAMessageWhenTheyAreNull)
                 ElementsAre("Unable to register playback observer", "Unable to register record observer"));
 }
 
+TEST_F(SoundCardObservers, AreRefusedWithAMessageByACardWithoutLists)
+{
+    card->m_playbackObservers = SharedPointer<qor::Array<BorrowedPointer<SoundCardObserver>>>();
+    card->m_recordObservers = SharedPointer<qor::Array<BorrowedPointer<SoundCardObserver>>>();
+
+    EXPECT_FALSE(card->registerPlaybackObserver(observer.handle()));
+    EXPECT_FALSE(card->registerRecordObserver(observer.handle()));
+
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channel),
+                ElementsAre("Unable to register playback observer", "Unable to register record observer"));
+}
+
 TEST_F(SoundCardObservers, AreSharedByCopiesOfTheCard)
 {
     SoundCard copy(*card);

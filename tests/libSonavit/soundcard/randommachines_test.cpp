@@ -1,8 +1,10 @@
 #include "libSonavit/soundcard.h"
 
 #include "libSonavit/endpointdeviceenumerator.h"
+#include "libSonavit/endpointdeviceenumerator/supportendpoints.h"
 #include "libSonavit/soundcard/randommachine.h"
 #include "libSonavit/soundcard/referencecard.h"
+#include "libSonavit/soundcard/supportgraphs.h"
 #include "simulator/machinefile.h"
 #include "simulator/simulation.h"
 #include "tests/support/logcapture.h"
@@ -12,6 +14,9 @@
 
 #include <fstream>
 
+using support::idsOf;
+using support::linksOf;
+using support::nodesOf;
 using support::ReferenceAnswer;
 using support::ReferenceCard;
 using support::ReferenceControl;
@@ -38,33 +43,6 @@ std::string writtenMachine(const sim::Machine& machine)
     const std::string path = testing::TempDir() + machine.name + ".json";
     std::ofstream(path) << sim::writeMachine(machine);
     return "see it with: sonavit graph --machine " + path;
-}
-
-std::vector<std::string> nodesOf(const SoundCard& card)
-{
-    std::vector<std::string> ids;
-    for (unsigned int i = 0; i < card.m_connectorMap.size(); ++i)
-        ids.push_back(card.m_connectorMap[i].connector.id().toUtf8());
-    return ids;
-}
-
-std::vector<std::vector<std::uint32_t>> linksOf(const SoundCard& card)
-{
-    std::vector<std::vector<std::uint32_t>> links(card.m_connectorMap.size());
-    for (unsigned int i = 0; i < card.m_connectorMap.size(); ++i)
-    {
-        for (unsigned int j = 0; j < card.m_connectorMap[i].links.size(); ++j)
-            links[i].push_back(card.m_connectorMap[i].links[j]);
-    }
-    return links;
-}
-
-std::vector<std::string> idsOf(const qor::Array<AudioDevice>& devices)
-{
-    std::vector<std::string> ids;
-    for (unsigned int i = 0; i < devices.size(); ++i)
-        ids.push_back(devices[i].deviceProperty().deviceId.toUtf8());
-    return ids;
 }
 
 ReferenceControl described(const SoundCard::VolumeController& control)

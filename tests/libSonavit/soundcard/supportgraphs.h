@@ -132,4 +132,13 @@ inline std::vector<unsigned int> linksOf(const SoundCard& card, unsigned int nod
         links.push_back(card.m_connectorMap[node].links[i]);
     return links;
 }
+
+/// The links of each node.
+inline std::vector<std::vector<unsigned int>> linksOf(const SoundCard& card)
+{
+    std::vector<std::vector<unsigned int>> links;
+    for (unsigned int node = 0; node < card.m_connectorMap.size(); ++node)
+        links.push_back(linksOf(card, node));
+    return links;
+}
 }

@@ -1,77 +1,15 @@
-#include "libSonavit/soundcard.h"
-
-#include "libSonavit/soundcard/supportgraphs.h"
-#include "tests/support/librarytest.h"
+// The walk from an endpoint through the card's graph.
+#include "libSonavit/soundcard/supportvolumeresolution.h"
 
 using qor::LoggerPriority;
+using support::described;
+using support::VolumeResolution;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace
 {
 constexpr const char* channel = "libSonavit.soundcard";
-const std::string noVolumeNode = "Supplied part list does not have a volume controller node";
-
-/// A control in short: the level that names it, its owner, and "muted", "not muted" or "no mute".
-std::string described(const SoundCard::VolumeController& control)
-{
-    float level = 1.0f;
-    EXPECT_EQ(S_OK, control.volumeLevel->GetLevel(0, &level));
-    BOOL muted = FALSE;
-    if (control.mute.get() != nullptr)
-    {
-        EXPECT_EQ(S_OK, control.mute->GetMute(&muted));
-    }
-    const std::string mute = control.mute.get() == nullptr ? "no mute" : muted == FALSE ? "not muted" : "muted";
-    return std::to_string(static_cast<int>(level)) + " " + control.ownerName.toUtf8() + ", " + mute;
-}
-
-struct VolumeResolution : support::LibraryTest
-{
-    ~VolumeResolution() noexcept override {} // the cards' own may throw
-
-    void discover()
-    {
-        run(graph.machine);
-        cards = SoundCard::enumerateSystemSoundDevices();
-        ASSERT_EQ(1u, cards.size());
-        log.clear();
-    }
-
-    /// The controls of the card's first playback endpoint.
-    std::vector<std::string> controls()
-    {
-        if (cards.size() == 0)
-            discover();
-        qor::Array<SoundCard::VolumeController> result;
-        count = cards[0].volumeController((*cards[0].m_playbackDevices)[0], result);
-        std::vector<std::string> texts;
-        for (unsigned int i = 0; i < result.size(); ++i)
-            texts.push_back(described(result[i]));
-        EXPECT_EQ(count, texts.size());
-        return texts;
-    }
-
-    void TearDown() override
-    {
-        cards.clear();
-        kept.partsLists = walks();
-        LibraryTest::TearDown();
-    }
-
-    /// Each walk to neighbours that were there keeps its list.
-    long walks()
-    {
-        long found = 0;
-        for (const sim::JournalEntry& entry : simulation().journal().of("IPart::EnumParts*"))
-            found += SUCCEEDED(entry.result) ? 1 : 0;
-        return found;
-    }
-
-    support::GraphMachine graph;
-    qor::Array<SoundCard> cards;
-    unsigned int count = 0;
-};
 }
 
 TEST_F(VolumeResolution, FindsNothingForAnEndpointWithoutConnectorsAndForgetsWhatTheResultHeld)
@@ -170,18 +108,6 @@ TEST_F(VolumeResolution, WalksBreadthFirstFromTheConnectorsOfTheEndpointThroughT
                                         "-5 Plug b/1, no mute", "-4 Plug a/2, no mute"));
 }
 
-TEST_F(VolumeResolution, GivesARecordForEachVolumePartOfAListWithTheMuteBesideEach)
-{
-    graph.endpoint("out");
-    graph.volume("out", 101, -1.0f);
-    graph.volume("out", 102, -2.0f);
-    graph.mute("out", 201, true);
-    graph.mute("out", 202, false);
-    graph.feed("out/101", "out/1").feed("out/102", "out/1").feed("out/201", "out/101").feed("out/102", "out/202");
-
-    EXPECT_THAT(controls(), ElementsAre("-1 Plug out/1, muted", "-2 Plug out/1, not muted"));
-}
-
 TEST_F(VolumeResolution, GivesTwoRecordsForANodeBetweenTwoConnectorsWithTheOwnerOfEach)
 {
     graph.endpoint("out");
@@ -201,101 +127,6 @@ TEST_F(VolumeResolution, GivesTwoRecordsForANodeBetweenTwoConnectorsWithTheOwner
     EXPECT_TRUE(result[1].ownerType == GUID(KSNODETYPE_LINE_CONNECTOR));
 }
 
-TEST_F(VolumeResolution, DoesNotLookAtTheOutgoingListWhereTheIncomingOneHasAVolumeNodeEvenOneThatCannotBeActivated)
-{
-    graph.endpoint("out");
-    graph.node("out", 100, KSNODETYPE_VOLUME); // has the type and no control
-    graph.volume("out", 101, -1.0f);
-    graph.feed("out/100", "out/1").feed("out/1", "out/101");
-
-    EXPECT_THAT(controls(), IsEmpty());
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channel), IsEmpty());
-}
-
-TEST_F(VolumeResolution, SaysOnceThatTheIncomingListHasNoVolumeNodeAndThenUsesTheOutgoingOne)
-{
-    graph.endpoint("out");
-    graph.volume("out", 101, -1.0f);
-    graph.feed("out/1", "out/101");
-
-    EXPECT_THAT(controls(), ElementsAre("-1 Plug out/1, no mute"));
-
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channel), ElementsAre(noVolumeNode));
-}
-
-TEST_F(VolumeResolution, SaysTwiceThatAConnectorHasNoVolumeNodeOnEitherSide)
-{
-    graph.endpoint("out");
-
-    EXPECT_THAT(controls(), IsEmpty());
-
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channel), ElementsAre(noVolumeNode, noVolumeNode));
-}
-
-TEST_F(VolumeResolution, CountsAListThatCannotBeReadAsOneWithoutAVolumeNode)
-{
-    graph.endpoint("out");
-    graph.volume("out", 101, -1.0f);
-    graph.feed("out/101", "out/1");
-    discover();
-    const sim::PlannedFault unreadable = simulation().faults().fail("IPart::EnumPartsIncoming").on("out/1");
-
-    EXPECT_THAT(controls(), IsEmpty());
-
-    EXPECT_EQ(1u, unreadable.fired());
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channel), ElementsAre(noVolumeNode, noVolumeNode));
-}
-
-TEST_F(VolumeResolution, DoesNotFindAVolumeNodeTwoPartsAwayFromEveryConnector)
-{
-    graph.endpoint("out");
-    graph.node("out", 100, KSNODETYPE_SUM);
-    graph.volume("out", 101, -1.0f);
-    graph.feed("out/101", "out/100").feed("out/100", "out/1");
-
-    EXPECT_THAT(controls(), IsEmpty());
-}
-
-TEST_F(VolumeResolution, TakesTheFirstOfTwoMutesAndOneOnTheIncomingSideBeforeOneOnTheOutgoingSide)
-{
-    graph.endpoint("out");
-    graph.volume("out", 101, -1.0f);
-    graph.mute("out", 201, true);
-    graph.mute("out", 202, false);
-    graph.mute("out", 203, false);
-    graph.feed("out/101", "out/1").feed("out/201", "out/101").feed("out/202", "out/101").feed("out/101", "out/203");
-
-    EXPECT_THAT(controls(), ElementsAre("-1 Plug out/1, muted"));
-}
-
-TEST_F(VolumeResolution, GivesARecordWithoutMuteWhereTheFirstMuteCannotBeActivatedAndTriesNoOther)
-{
-    graph.endpoint("out");
-    graph.volume("out", 101, -1.0f);
-    graph.node("out", 201, KSNODETYPE_MUTE); // has the type and no control
-    graph.mute("out", 202, true);
-    graph.mute("out", 203, true);
-    graph.feed("out/101", "out/1").feed("out/201", "out/101").feed("out/203", "out/101").feed("out/101", "out/202");
-
-    EXPECT_THAT(controls(), ElementsAre("-1 Plug out/1, no mute"));
-
-    const sim::JournalEntries activations = simulation().journal().of("IPart::Activate");
-    EXPECT_EQ(1u, activations.on("out/201").size());
-    EXPECT_THAT(activations.on("out/202").lines(), IsEmpty());
-    EXPECT_THAT(activations.on("out/203").lines(), IsEmpty());
-}
-
-TEST_F(VolumeResolution, DoesNotFindAMuteTwoPartsAwayFromTheVolumeNode)
-{
-    graph.endpoint("out");
-    graph.volume("out", 101, -1.0f);
-    graph.node("out", 102, KSNODETYPE_SUM);
-    graph.mute("out", 201, true);
-    graph.feed("out/101", "out/1").feed("out/102", "out/101").feed("out/201", "out/102");
-
-    EXPECT_THAT(controls(), ElementsAre("-1 Plug out/1, no mute"));
-}
-
 TEST_F(VolumeResolution, VisitsANodeTwiceThatTwoConnectorsOfTheEndpointStandFor)
 {
     graph.endpoint("out", 2);
@@ -304,21 +135,6 @@ TEST_F(VolumeResolution, VisitsANodeTwiceThatTwoConnectorsOfTheEndpointStandFor)
     graph.machine.endpoints[0].topology->connectors[1].id = "OUT/1";
 
     EXPECT_THAT(controls(), ElementsAre("-1 Plug out/1, no mute", "-1 Plug out/1, no mute"));
-}
-
-TEST_F(VolumeResolution, GivesNoRecordAndSaysNothingWhereTheVolumeCannotBeActivated)
-{
-    graph.endpoint("out");
-    graph.volume("out", 101, -1.0f);
-    graph.volume("out", 102, -2.0f);
-    graph.feed("out/101", "out/1").feed("out/102", "out/1");
-    discover();
-    const sim::PlannedFault refused = simulation().faults().fail("IPart::Activate").on("out/101");
-
-    EXPECT_THAT(controls(), ElementsAre("-2 Plug out/1, no mute"));
-
-    EXPECT_EQ(1u, refused.fired());
-    EXPECT_THAT(log.texts(channel), IsEmpty());
 }
 
 TEST_F(VolumeResolution, EndsInACycleAndVisitsEachNodeOnce)
@@ -349,27 +165,6 @@ TEST_F(VolumeResolution, GivesEachHandleOneReferenceAndChangesNothingInTheCard)
     const sim::Census after = simulation().census() - before;
     EXPECT_EQ(walks(), after.references()) << after;
     EXPECT_EQ(walks(), after.references("IPartsList")) << after;
-}
-
-TEST_F(VolumeResolution, ReadsBothListsOfAConnectorBeforeItActivatesAnything)
-{
-    graph.endpoint("out");
-    graph.volume("out", 101, -1.0f);
-    graph.mute("out", 201, false);
-    graph.feed("out/101", "out/1").feed("out/201", "out/101");
-    discover();
-    simulation().journal().clear();
-
-    ASSERT_EQ(1u, controls().size());
-
-    std::vector<std::string> calls;
-    for (const sim::JournalEntry& entry : simulation().journal().entries())
-    {
-        if (entry.operation.find("IPart::EnumParts") == 0 || entry.operation == "IPart::Activate")
-            calls.push_back(entry.operation.substr(7) + " " + entry.object);
-    }
-    EXPECT_THAT(calls, ElementsAre("EnumPartsIncoming out/1", "EnumPartsOutgoing out/1", "Activate out/101",
-                                   "EnumPartsIncoming out/101", "EnumPartsOutgoing out/101", "Activate out/201"));
 }
 
 TEST_F(VolumeResolution, LabelsItsOperations)
