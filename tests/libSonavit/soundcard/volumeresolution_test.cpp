@@ -1,4 +1,5 @@
 // The walk from an endpoint through the card's graph.
+#include "foundation/supportallocations.h"
 #include "libSonavit/soundcard/supportvolumeresolution.h"
 
 using qor::LoggerPriority;
@@ -180,3 +181,25 @@ TEST_F(VolumeResolution, LabelsItsOperations)
                             "SoundCard::volumeControllerFromList", "SoundCard::partFromList", "SoundCard::partFromList",
                             "SoundCard::partFromList"));
 }
+
+#if !defined(_WIN32) // a DLL there keeps allocation operators of its own, which no test can make fail
+
+TEST_F(VolumeResolution, KeepsWhatTheResultHeldWhenThereIsNoMemoryForTheEndpointsTopology)
+{
+    graph.endpoint("out");
+    discover();
+    qor::Array<SoundCard::VolumeController> result;
+    result.append(SoundCard::VolumeController());
+    for (const unsigned int room : {0u, 1u}) // one block for the connectors, one for the subunits
+    {
+        support::AllocationProbe probe;
+        probe.failNothrow(room);
+
+        EXPECT_THROW(cards[0].volumeController((*cards[0].m_playbackDevices)[0], result), qor::NullPointer);
+
+        probe.succeed();
+        EXPECT_EQ(1u, result.size()) << room;
+    }
+}
+
+#endif
