@@ -6,6 +6,14 @@ namespace sim
 {
 namespace
 {
+/// The interfaces that must be activated without parameters; others are free to take some.
+bool takesNoParameters(REFIID iid)
+{
+    return IsEqualGUID(iid, InterfaceTraits<IDeviceTopology>::iid()) ||
+           IsEqualGUID(iid, InterfaceTraits<IAudioEndpointVolume>::iid()) ||
+           IsEqualGUID(iid, InterfaceTraits<IAudioClient>::iid());
+}
+
 /// What endpoints and adapter devices answer alike.
 template<class... Interfaces>
 class DeviceBase : public ComObject<Interfaces...>
@@ -13,10 +21,16 @@ class DeviceBase : public ComObject<Interfaces...>
 public:
     using ComObject<Interfaces...>::ComObject;
 
-    HRESULT STDMETHODCALLTYPE Activate(REFIID iid, DWORD context, PROPVARIANT*, void** object) override
+    /// Parameters are the third argument in the journal where they are given.
+    HRESULT STDMETHODCALLTYPE Activate(REFIID iid, DWORD context, PROPVARIANT* parameters, void** object) override
     {
-        const auto answer = [&] { return activate(iid, object); };
-        return this->call("IMMDevice::Activate", outputs(object), answer, iid, context);
+        if (parameters == nullptr)
+        {
+            const auto answer = [&] { return activate(iid, object); };
+            return this->call("IMMDevice::Activate", outputs(object), answer, iid, context);
+        }
+        const auto answer = [&]() -> HRESULT { return takesNoParameters(iid) ? E_INVALIDARG : activate(iid, object); };
+        return this->call("IMMDevice::Activate", outputs(object), answer, iid, context, presenceText(parameters));
     }
 
     HRESULT STDMETHODCALLTYPE OpenPropertyStore(DWORD access, IPropertyStore** store) override

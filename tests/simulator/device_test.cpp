@@ -69,6 +69,33 @@ TEST_F(SimulatedDeviceActivate, GivesAnAdapterNoEndpointVolume)
     EXPECT_EQ(nullptr, volume);
 }
 
+TEST_F(SimulatedDeviceActivate, RefusesParametersForAllButAFilterAndShowsThem)
+{
+    simulation.change(
+        [&](sim::Machine& machine)
+        {
+            machine.endpoint(speakerId)->hasAudioClient = true;
+            machine.endpoint(speakerId)->hasBaseFilter = true;
+        });
+    PROPVARIANT parameters = {};
+
+    for (const IID& iid : {idOf<IDeviceTopology>(), idOf<IAudioEndpointVolume>(), idOf<IAudioClient>()})
+    {
+        void* object = poison<void>();
+        EXPECT_EQ(E_INVALIDARG, speaker->Activate(iid, CLSCTX_ALL, &parameters, &object));
+        EXPECT_EQ(nullptr, object);
+    }
+    Held<IBaseFilter> filter;
+    EXPECT_EQ(S_OK, speaker->Activate(idOf<IBaseFilter>(), CLSCTX_ALL, &parameters, filter.putVoid()));
+
+    EXPECT_NE(nullptr, filter.get());
+    EXPECT_THAT(simulation.journal().of("IMMDevice::Activate").calls(),
+                testing::ElementsAre("IMMDevice::Activate(IDeviceTopology, 23, object)",
+                                     "IMMDevice::Activate(IAudioEndpointVolume, 23, object)",
+                                     "IMMDevice::Activate(IAudioClient, 23, object)",
+                                     "IMMDevice::Activate(IBaseFilter, 23, object)"));
+}
+
 TEST_F(SimulatedDeviceActivate, GivesStreamsAndFiltersThatDoNothing)
 {
     simulation.change(
