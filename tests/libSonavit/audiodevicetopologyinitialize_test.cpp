@@ -125,6 +125,20 @@ TEST_F(AudioDeviceTopologyInitialize, TracesItselfAndTheClearing)
     EXPECT_THAT(log.left(channel), ElementsAre(clearLabel, initializeLabel));
 }
 
+TEST_F(AudioDeviceTopologyInitialize, LetsGoOfTheOldTopologyBeforeItsConnectorsAndSubunits)
+{
+    start();
+    AudioDeviceTopology topology(topologyHandle(device));
+    simulation().journal().clear();
+    simulation().journal().recordReferences(true);
+
+    topology.initialize(COMPtr<IDeviceTopology>::pointer());
+
+    EXPECT_THAT(asked(), ElementsAre("IDeviceTopology::Release", "IConnector::Release", "IConnector::Release",
+                                     "IConnector::Release", "IConnector::Release", "ISubunit::Release",
+                                     "ISubunit::Release", "ISubunit::Release", "ISubunit::Release"));
+}
+
 TEST_F(AudioDeviceTopologyInitialize, SkipsTheConnectorThatCannotBeReadAndStillSucceeds)
 {
     start();

@@ -1,4 +1,6 @@
+#include "tests/foundation/supportallocations.h"
 #include "tests/foundation/supportvirtualslot.h"
+#include "tests/libSonavit/supportplace.h"
 
 #include "support/librarytest.h"
 
@@ -8,6 +10,7 @@
 #include <thread>
 #include <type_traits>
 
+using support::placeOf;
 using testing::IsEmpty;
 
 namespace
@@ -99,6 +102,33 @@ TEST_F(VolumeChangeNotificationObject, AnswersTheNewCountAndEndsAtNothing)
     EXPECT_EQ(0u, notification->Release());
 
     EXPECT_THAT(log.records(), IsEmpty());
+}
+
+#if !defined(_WIN32) // where the library's own allocations are not seen
+TEST_F(VolumeChangeNotificationObject, IsDestroyedByItsLastReleaseAndNoEarlierOne)
+{
+    const support::AllocationProbe probe;
+    auto* const notification = new VolumeChangeNotification;
+    notification->AddRef();
+
+    const int withTwo = (notification->Release(), probe.balance());
+    const ULONG left = notification->Release();
+    const int withNone = probe.balance();
+
+    EXPECT_EQ(1, withTwo);
+    EXPECT_EQ(0, withNone);
+    EXPECT_EQ(0u, left);
+}
+#endif
+
+TEST_F(VolumeChangeNotificationObject, KeepsItsFieldsInTheirOrder)
+{
+    const Notification notification(new VolumeChangeNotification);
+
+    EXPECT_LT(placeOf(*notification), placeOf(notification->m_referenceCount)); // behind the virtual operations
+    EXPECT_LT(placeOf(notification->m_referenceCount), placeOf(notification->m_window));
+    EXPECT_LT(placeOf(notification->m_window), placeOf(notification->m_callback));
+    EXPECT_LT(placeOf(notification->m_callback), placeOf(notification->m_callbackContext));
 }
 
 TEST_F(VolumeChangeNotificationObject, CountsFromTwoThreadsAtOnce)

@@ -6,7 +6,9 @@
 #include "libSonavit/volumecontroller.h"
 
 #include <memory>
+#include <string>
 #include <thread>
+#include <vector>
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -39,6 +41,19 @@ struct Listener
     std::thread::id thread;
     support::PostBox* box = nullptr;
     std::size_t postedBefore = 0;
+};
+
+/// The context of a callback that looks at what has been logged up to then.
+struct LogReader
+{
+    static void read(void* context)
+    {
+        LogReader& reader = *static_cast<LogReader*>(context);
+        reader.texts = reader.log.texts(channelName);
+    }
+
+    const support::LogCapture& log;
+    std::vector<std::string> texts;
 };
 
 class VolumeChangeNotificationOnNotify : public support::LibraryTest
@@ -106,6 +121,17 @@ TEST_F(VolumeChangeNotificationOnNotify, PostsToTheWindowWithBothParametersNothi
     EXPECT_EQ(S_OK, result);
     EXPECT_THAT(box().messages(), ElementsAre(messageTo(box().window())));
     EXPECT_EQ(volumeChanged, +VolumeChangeNotification::message);
+}
+
+TEST_F(VolumeChangeNotificationOnNotify, LogsBeforeItCallsTheFunction)
+{
+    LogReader reader{log, {}};
+    const Notification notification(new VolumeChangeNotification);
+    notification->setCallbackFunction(&LogReader::read, &reader);
+
+    notification->OnNotify(nullptr);
+
+    EXPECT_THAT(reader.texts, ElementsAre("OnNotify"));
 }
 
 TEST_F(VolumeChangeNotificationOnNotify, CallsTheFunctionBeforeItPosts)

@@ -99,6 +99,20 @@ TEST_F(AudioDeviceActivation, GivesTheReferenceOfThePlatform)
     EXPECT_EQ(2, simulation().census().objects.at("IAudioEndpointVolume"));
 }
 
+TEST_F(AudioDeviceActivation, GivesNoParameters)
+{
+    startFor(1);
+    AudioDevice device(reference(speaker.id()));
+
+    device.audioClient();
+    device.baseFilter();
+
+    const sim::JournalEntries activations = simulation().journal().of("IMMDevice::Activate");
+    EXPECT_EQ(4u, activations.size());
+    for (const sim::JournalEntry& activation : activations)
+        EXPECT_EQ(2u, activation.arguments.size()) << activation.line(); // parameters would be the third
+}
+
 TEST_F(AudioDeviceAudioClient, IsActivatedAnewOnEachCall)
 {
     startFor(1);

@@ -168,9 +168,7 @@ TEST_F(AudioDeviceIsDefault, ComparesIdsCaseIncluded)
 {
     begin();
     kept.defaultDeviceIds = 1;
-    std::string upper = speaker.id();
-    std::transform(upper.begin(), upper.end(), upper.begin(),
-                   [](char unit) { return unit >= 'a' && unit <= 'z' ? char(unit - 'a' + 'A') : unit; });
+    const std::string upper = devicetest::upperCase(speaker.id());
     ASSERT_NE(upper, speaker.id());
     device().m_properties.deviceId = qor::String::fromUtf8(upper);
 

@@ -1,6 +1,7 @@
 #include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
 
 #include "qor/exception.h"
+#include "tests/libSonavit/supportstackobject.h"
 
 #include <memory>
 
@@ -14,6 +15,34 @@ using testing::IsEmpty;
 
 const sim::DeviceFormat usual = {16, 48000, 2};
 const sim::DeviceFormat better = {24, 96000, 2};
+
+/// A store that takes everything and keeps nothing.
+class AcceptingStore final : public support::StackObject<IPropertyStore>
+{
+public:
+    HRESULT STDMETHODCALLTYPE GetCount(DWORD*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetAt(DWORD, PROPERTYKEY*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetValue(REFPROPERTYKEY, PROPVARIANT*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE SetValue(REFPROPERTYKEY, REFPROPVARIANT) override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE Commit() override { return S_OK; }
+};
+
+/// A device that calls the opening of its store a failure and leaves the store in its place all the same.
+class FailingWithAStore final : public support::StackObject<IMMDevice>
+{
+public:
+    HRESULT STDMETHODCALLTYPE Activate(REFIID, DWORD, PROPVARIANT*, void**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetId(LPWSTR*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetState(DWORD*) override { return E_NOTIMPL; }
+
+    HRESULT STDMETHODCALLTYPE OpenPropertyStore(DWORD, IPropertyStore** opened) override
+    {
+        *opened = &store;
+        return E_FAIL;
+    }
+
+    AcceptingStore store;
+};
 
 /// A device on the speaker, whose format is the usual one.
 class AudioDeviceSetFormat : public devicetest::DeviceTest
@@ -188,6 +217,24 @@ TEST_F(AudioDeviceSetFormat, ReportsAStoreThatCannotBeOpenedAnew)
     EXPECT_EQ(0, simulation().census().references("IPropertyStore"));
     EXPECT_EQ(better.bytes(), storedFormat(speaker.id()));
     EXPECT_TRUE(waveFormat(usual) == device().deviceProperty().format);
+}
+
+TEST_F(AudioDeviceSetFormat, HoldsNoStoreThatStandsBesideAFailure)
+{
+    FailingWithAStore failing;
+    {
+        AudioDevice bound;
+        bound.m_device = failing.handle();
+        bound.m_propertyStore = failing.store.handle();
+
+        EXPECT_FALSE(bound.setFormat(waveFormat(better)));
+
+        EXPECT_EQ(nullptr, bound.m_propertyStore.get());
+        EXPECT_EQ(1u, failing.store.references);
+    }
+    EXPECT_EQ(1u, failing.store.references);
+    EXPECT_EQ(1u, failing.references);
+    EXPECT_THAT(messages(LoggerPriority::LOG_WARNING), ElementsAre("Cannot open a new property store 0x80004005"));
 }
 
 TEST_F(AudioDeviceSetFormat, LeavesAStoreThatCouldNotBeOpenedToTheNextRefresh)

@@ -52,6 +52,14 @@ inline WAVEFORMATEXTENSIBLE waveFormat(const sim::DeviceFormat& format)
     return result;
 }
 
+/// @p text with the letters from a to z made large.
+inline std::string upperCase(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char unit) { return unit >= 'a' && unit <= 'z' ? char(unit - 'a' + 'A') : unit; });
+    return text;
+}
+
 /// A machine with one card, which has a speaker and a microphone.
 class DeviceTest : public support::LibraryTest
 {

@@ -55,6 +55,25 @@ TEST_F(AudioDeviceInitialize, FreesTheIdThatThePlatformGave)
     EXPECT_EQ(1u, simulation().journal().count("IMMDevice::GetId"));
 }
 
+TEST_F(AudioDeviceInitialize, ReportsTheCountAfterTheIdAndBeforeTheTopology)
+{
+    kept.directSoundTexts = 1;
+    std::vector<std::string> upToTheId;
+    sim::PlannedFault watch =
+        simulation().faults().run("IMMDevice::GetId", [this, &upToTheId] { upToTheId = records(); });
+
+    const AudioDevice device(reference(speaker.id()));
+
+    EXPECT_EQ(1u, watch.fired());
+    const std::vector<std::string> lines = records();
+    ASSERT_LE(4u, lines.size());
+    const std::vector<std::string> beginning(lines.begin(), lines.begin() + 4);
+    EXPECT_THAT(beginning, ElementsAre("> AudioDevice::AudioDevice(IMMDevice* device)",
+                                       "> AudioDevice::initialize(IMMDevice* device)",
+                                       "1 m_device has reference count 1", "> AudioDevice::activateDeviceInterface()"));
+    EXPECT_EQ(std::vector<std::string>(lines.begin(), lines.begin() + 2), upToTheId);
+}
+
 TEST_F(AudioDeviceInitialize, SavesThePropertiesAfterASuccess)
 {
     kept.directSoundTexts = 1;
@@ -162,6 +181,23 @@ TEST_F(AudioDeviceInitializeAgain, KeepsTopologyAndStoreOfTheFirstDevice)
     EXPECT_EQ("Speakers", device.deviceProperty().endpointType.toUtf8());
 }
 
+TEST_F(AudioDeviceInitializeAgain, ReportsTheCountsOfTheOldStoreAndTheNewDevice)
+{
+    kept.directSoundTexts = 2;
+    AudioDevice device(reference(speaker.id()));
+    device.m_propertyStore->AddRef(); // makes the two counts differ
+    log.clear();
+
+    device.initialize(reference(microphone.id()));
+
+    const std::vector<std::string> lines = records();
+    ASSERT_LE(4u, lines.size());
+    EXPECT_THAT(std::vector<std::string>(lines.begin(), lines.begin() + 4),
+                ElementsAre("> AudioDevice::initialize(IMMDevice* device)", "1 m_propertyStore has reference count 2",
+                            "1 m_device has reference count 1", "> AudioDevice::refreshDeviceInformation()"));
+    device.m_propertyStore->Release();
+}
+
 TEST_F(AudioDeviceInitializeAgain, TriesForATopologyThatTheFirstTimeDidNotGive)
 {
     kept.directSoundTexts = 2;
@@ -231,9 +267,7 @@ TEST_F(AudioDeviceInitializeById, AsksTheSharedEnumeratorForTheDevice)
 TEST_F(AudioDeviceInitializeById, TakesTheIdAsThePlatformSpellsIt)
 {
     kept.directSoundTexts = 1;
-    std::string upper = speaker.id();
-    std::transform(upper.begin(), upper.end(), upper.begin(),
-                   [](char unit) { return unit >= 'a' && unit <= 'z' ? char(unit - 'a' + 'A') : unit; });
+    const std::string upper = devicetest::upperCase(speaker.id());
     ASSERT_NE(upper, speaker.id());
 
     const AudioDevice device(qor::String::fromUtf8(upper));

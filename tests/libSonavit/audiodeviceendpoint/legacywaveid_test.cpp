@@ -1,5 +1,9 @@
+#include "libSonavit/soundcard.h"
+#include "simulator/waveredirection.h"
+
 #include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace
@@ -7,6 +11,7 @@ namespace
 using devicetest::channel;
 using qor::LoggerPriority;
 using testing::ElementsAre;
+using testing::ElementsAreArray;
 using testing::IsEmpty;
 
 constexpr unsigned int none = 0xFFFFFFFF;
@@ -58,7 +63,6 @@ TEST_F(AudioDeviceWaveId, OnTheAdapterSideIsNoneAndReported)
     EXPECT_THAT(log.texts(), ElementsAre("Audio stream flow cannot be determined"));
 }
 
-#if !defined(_WIN32) // the wave functions are the system's own there
 class AudioDeviceWaveIdScan : public AudioDeviceWaveId
 {
 protected:
@@ -72,6 +76,19 @@ protected:
     }
 
     sim::JournalEntries calls() { return simulation().journal().entries().without("IMMEndpoint::*"); }
+
+    /// @p expected as far as a journal can tell: on Windows task memory is the system's own.
+    static std::vector<std::string> recorded(std::vector<std::string> expected)
+    {
+#if defined(_WIN32)
+        const auto isHidden = [](const std::string& call) { return call.rfind("CoTaskMem", 0) == 0; };
+        expected.erase(std::remove_if(expected.begin(), expected.end(), isHidden), expected.end());
+#endif
+        return expected;
+    }
+
+private:
+    const sim::WaveRedirection m_redirection{reinterpret_cast<const void*>(&enumerateSoundCards)};
 };
 
 TEST_F(AudioDeviceWaveIdScan, AsksOneNumberAfterTheOtherUntilTheIdIsFound)
@@ -83,10 +100,10 @@ TEST_F(AudioDeviceWaveIdScan, AsksOneNumberAfterTheOtherUntilTheIdIsFound)
 
     const std::string bytes = std::to_string(2 * (speaker.id().size() + 1));
     EXPECT_THAT(calls().calls(),
-                ElementsAre("waveOutGetNumDevs()", "waveOutMessage(0, 2066)", "CoTaskMemAlloc(12)",
-                            "waveOutMessage(0, 2065)", "CoTaskMemFree(CoTaskMemAlloc)", "waveOutGetNumDevs()",
-                            "waveOutMessage(1, 2066)", "CoTaskMemAlloc(" + bytes + ")", "waveOutMessage(1, 2065)",
-                            "CoTaskMemFree(CoTaskMemAlloc)"));
+                ElementsAreArray(recorded(
+                    {"waveOutGetNumDevs()", "waveOutMessage(0, 2066)", "CoTaskMemAlloc(12)", "waveOutMessage(0, 2065)",
+                     "CoTaskMemFree(CoTaskMemAlloc)", "waveOutGetNumDevs()", "waveOutMessage(1, 2066)",
+                     "CoTaskMemAlloc(" + bytes + ")", "waveOutMessage(1, 2065)", "CoTaskMemFree(CoTaskMemAlloc)"})));
     EXPECT_THAT(messages(LoggerPriority::LOG_INFO),
                 ElementsAre("Wave out device " + speaker.id() + " has waveOut id = 1"));
     EXPECT_THAT(log.entered(channel), ElementsAre("waveOutLegacyDeviceID", "AudioDevice::dataFlow"));
@@ -114,9 +131,7 @@ TEST_F(AudioDeviceWaveIdScan, EndsAtTheFirstOfTwoNumbers)
 
 TEST_F(AudioDeviceWaveIdScan, MakesNoAllowanceForCase)
 {
-    std::string upper = speaker.id();
-    std::transform(upper.begin(), upper.end(), upper.begin(),
-                   [](char unit) { return unit >= 'a' && unit <= 'z' ? char(unit - 'a' + 'A') : unit; });
+    const std::string upper = devicetest::upperCase(speaker.id());
     ASSERT_NE(upper, speaker.id());
     bench.machine().waveOut = waveDevices({upper, speaker.id()});
     begin(speaker);
@@ -181,7 +196,7 @@ TEST_F(AudioDeviceWaveIdScan, PassesOverADriverThatRefusesTheSize)
     EXPECT_EQ(1u, device().waveLegacyDeviceID());
 
     EXPECT_THAT(messages(LoggerPriority::LOG_WARNING), ElementsAre("waveMessage returns an error 8"));
-    EXPECT_EQ(1u, simulation().journal().count("CoTaskMemAlloc"));
+    EXPECT_EQ(3u, simulation().journal().count("waveOutMessage")) << "the size alone is asked of the first";
 }
 
 TEST_F(AudioDeviceWaveIdScan, PassesOverADriverThatRefusesTheIdAndFreesTheBlock)
@@ -192,9 +207,13 @@ TEST_F(AudioDeviceWaveIdScan, PassesOverADriverThatRefusesTheIdAndFreesTheBlock)
     EXPECT_EQ(1u, device().waveLegacyDeviceID());
 
     EXPECT_THAT(messages(LoggerPriority::LOG_WARNING), ElementsAre("waveMessage returns an error 11"));
+    EXPECT_EQ(4u, simulation().journal().count("waveOutMessage"));
+#if !defined(_WIN32)
     EXPECT_EQ(2u, simulation().journal().of("CoTaskMemFree").with("CoTaskMemAlloc").size());
+#endif
 }
 
+#if !defined(_WIN32) // where task memory is the system's own and never refused
 TEST_F(AudioDeviceWaveIdScan, StopsWithoutMemory)
 {
     bench.machine().waveOut = waveDevices({"other", "another", speaker.id()});
@@ -208,6 +227,8 @@ TEST_F(AudioDeviceWaveIdScan, StopsWithoutMemory)
     EXPECT_EQ(3u, simulation().journal().count("waveOutMessage"));
     EXPECT_EQ(2u, simulation().journal().count("waveOutGetNumDevs"));
 }
+
+#endif
 
 TEST_F(AudioDeviceWaveIdScan, EndsEarlierWhenADeviceIsUnpluggedMeanwhile)
 {
@@ -313,7 +334,6 @@ TEST_F(AudioDeviceWaveMessage, PassesBothParametersOn)
     EXPECT_EQ(0u, device().waveMessage(eRender, 0, 0x811, reinterpret_cast<DWORD_PTR>(text), size));
 
     EXPECT_EQ(6u, size);
-    EXPECT_EQ(qor::String("ab"), qor::String(text));
+    EXPECT_EQ(qor::String("ab"), qor::String(platform::ucs2(text)));
 }
-#endif
 }

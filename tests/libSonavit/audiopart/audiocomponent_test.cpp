@@ -1,9 +1,13 @@
 #include "tests/libSonavit/supportgraph.h"
 
+#include "tests/libSonavit/audiopart/supportsubunit.h"
+#include "tests/libSonavit/supportplace.h"
+
 #include <type_traits>
 
 using support::GraphTest;
 using support::idsOf;
+using support::placeOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -49,6 +53,7 @@ using Kinds = testing::Types<IConnector, ISubunit>;
 TYPED_TEST_SUITE(AudioComponentConstructor, Kinds);
 
 using AudioComponentQueries = AudioComponentOf<IConnector>;
+using AudioComponentFields = AudioComponentOf<ISubunit>;
 }
 
 TYPED_TEST(AudioComponentConstructor, AdoptsAPlainPointerAndHoldsASecondReferenceAsPart)
@@ -237,6 +242,35 @@ TYPED_TEST(AudioComponentConstructor, HandsOutComponentAndPartWithNewReferencesA
     EXPECT_EQ(4, this->references(this->own()));
     EXPECT_THAT(this->log.entered(), ElementsAre("AudioComponent::component()", "AudioComponent::part()"));
     EXPECT_THAT(this->log.texts(), IsEmpty());
+}
+
+TEST_F(AudioComponentFields, StandInTheirOrder)
+{
+    const AudioComponent<IConnector> connector(static_cast<IConnector*>(nullptr));
+    const AudioComponent<ISubunit> subunit(static_cast<ISubunit*>(nullptr));
+
+    EXPECT_EQ(placeOf(connector), placeOf(connector.m_component));
+    EXPECT_LT(placeOf(connector.m_component), placeOf(connector.m_part));
+    EXPECT_EQ(placeOf(subunit), placeOf(subunit.m_component));
+    EXPECT_LT(placeOf(subunit.m_component), placeOf(subunit.m_part));
+}
+
+TEST_F(AudioComponentFields, GoPartFirst)
+{
+    start();
+    const COMPtr<IPart>::pointer other = partHandle(jack);
+    support::SubunitOfPart object(other.get(), S_OK);
+    ULONG heldWhenThePartWent = 0;
+    {
+        const AudioComponent<ISubunit> component(object.handle());
+        ASSERT_EQ(2, references(jack));
+        simulation().faults().run("IConnector::Release", [&] { heldWhenThePartWent = object.references; });
+    }
+    simulation().faults().clear();
+
+    EXPECT_EQ(2u, heldWhenThePartWent);
+    EXPECT_EQ(1u, object.references);
+    EXPECT_EQ(1, references(jack));
 }
 
 TEST_F(AudioComponentQueries, ForwardIdNameAndSubTypeToThePartWithoutATrace)

@@ -1,8 +1,10 @@
 #include "tests/libSonavit/supportgraph.h"
 
-#include <cstdint>
+#include "tests/libSonavit/audiopart/supportsubunit.h"
+#include "tests/libSonavit/supportplace.h"
 
 using support::GraphTest;
+using support::placeOf;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -12,12 +14,6 @@ constexpr const char* channel = "libSonavit.audioPart";
 constexpr const char* plainLabel = "AudioConnector::AudioConnector(const IPart* part)";
 constexpr const char* handleLabel = "AudioConnector(const COMPtr<IPart>::pointer& part)";
 constexpr const char* initializeLabel = "AudioPart::initialize()";
-
-template<class Field>
-std::uintptr_t placeOf(const Field& field)
-{
-    return reinterpret_cast<std::uintptr_t>(&field);
-}
 
 class AudioPartConstructor : public GraphTest
 {
@@ -156,6 +152,37 @@ TEST_F(AudioPartConstructor, IsEmptyAndSilentWhenAConnectorDoesNotKnowItsPart)
     EXPECT_EQ("", part.globalId().toUtf8());
     EXPECT_EQ(1, references(jack));
     EXPECT_THAT(log.texts(), IsEmpty());
+}
+
+TEST_F(AudioPartConstructor, IsEmptyWhenAConnectorSucceedsWithoutItsPart)
+{
+    start();
+    const COMPtr<IConnector>::pointer handle = connectorHandle(jack);
+    const sim::PlannedFault fault = simulation().faults().succeedWithNull("IConnector::QueryInterface");
+
+    const AudioPart part(handle.get());
+
+    EXPECT_EQ(1u, fault.fired());
+    EXPECT_EQ(nullptr, part.part().get());
+    EXPECT_EQ(1, references(jack));
+    EXPECT_THAT(log.entered(), ElementsAre(initializeLabel));
+    EXPECT_THAT(log.texts(), IsEmpty());
+}
+
+TEST_F(AudioPartConstructor, IsEmptyWhenAPartStandsBesideAFailure)
+{
+    start();
+    const COMPtr<IPart>::pointer stray = partHandle(jack);
+    support::SubunitOfPart failing(stray.get(), E_NOINTERFACE);
+    {
+        const AudioPart part(static_cast<ISubunit*>(&failing));
+
+        EXPECT_EQ(nullptr, part.part().get());
+        EXPECT_EQ("", part.globalId().toUtf8());
+    }
+    EXPECT_EQ(1, references(jack));
+    EXPECT_THAT(asked(), IsEmpty());
+    EXPECT_THAT(log.entered(), ElementsAre(initializeLabel));
 }
 
 TEST_F(AudioPartConstructor, CopiesTakeAReferenceAndTheSnapshotWithoutAskingThePlatform)

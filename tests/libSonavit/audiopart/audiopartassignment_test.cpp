@@ -13,6 +13,20 @@ constexpr const char* initializeLabel = "AudioPart::initialize()";
 
 class AudioPartAssignment : public GraphTest
 {
+protected:
+    /// Where the latest call of @p operation on @p object stands in the journal.
+    std::size_t placeOfCall(const std::string& operation, const std::string& object)
+    {
+        const sim::JournalEntries entries = simulation().journal().entries();
+        std::size_t place = entries.size();
+        for (std::size_t index = 0; index < entries.size(); ++index)
+        {
+            if (entries[index].operation == operation && entries[index].object == object)
+                place = index;
+        }
+        EXPECT_LT(place, entries.size()) << operation << " on " << object;
+        return place;
+    }
 };
 }
 
@@ -47,6 +61,23 @@ TEST_F(AudioPartAssignment, TakesAReferenceOfItsOwnOnAHandleReleasesTheOldPartAn
     EXPECT_EQ(2, references(volume));
     EXPECT_EQ(volume, part.globalId().toUtf8());
     EXPECT_THAT(log.entered(), ElementsAre(handleLabel, initializeLabel));
+}
+
+TEST_F(AudioPartAssignment, ReleasesTheOldPartBeforeItReadsTheNewOne)
+{
+    start();
+    AudioPart ofPlain(this->part(jack));
+    AudioPart ofHandle(this->part(stream));
+    IPart* const plain = this->part(volume);
+    const COMPtr<IPart>::pointer handle = partHandle(mute);
+    simulation().journal().clear();
+    simulation().journal().recordReferences(true);
+
+    ofPlain = plain;
+    ofHandle = handle;
+
+    EXPECT_LT(placeOfCall("IConnector::Release", jack), placeOfCall("IPart::GetSubType", volume));
+    EXPECT_LT(placeOfCall("IConnector::Release", stream), placeOfCall("IPart::GetSubType", mute));
 }
 
 TEST_F(AudioPartAssignment, OfANilHandleReleasesTheOldPartAndKeepsIdNameAndSubType)

@@ -81,6 +81,19 @@ TEST_F(RegularVolumeControllerPercent, RunFromNothingToOneHundredOnAChannelAndHa
                     {-34.5f, 12.0f, 12.0f, 100, 150}});
 }
 
+TEST_F(RegularVolumeControllerPercent, OfTwoChannelsInTheMiddleAreFiftyEachAndOneHundredOnTheMaster)
+{
+    start(); // both channels from -96 to 0 decibels
+    const RegularController controller(policy());
+    ASSERT_THAT(levels(), ElementsAre(-48.0f, -48.0f));
+
+    EXPECT_EQ(2u, controller.numChannel());
+    EXPECT_EQ(50u, controller.volumeLevelPercent(0));
+    EXPECT_EQ(50u, controller.volumeLevelPercent(1));
+    EXPECT_EQ(-48.0f, controller.masterVolumeLevelDecibel());
+    EXPECT_EQ(100u, controller.masterVolumeLevelPercent());
+}
+
 TEST_F(RegularVolumeControllerPercent, AreRoundedOnAChannelAndTruncatedOnTheMaster)
 {
     expectPercents({{0.0f, 200.0f, 0.9f, 0, 50},

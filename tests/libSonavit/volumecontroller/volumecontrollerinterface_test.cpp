@@ -1,52 +1,20 @@
 #include "supportcontrollers.h"
 
-#include "tests/foundation/supportvirtualslot.h"
+#include "tests/libSonavit/supportplace.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <type_traits>
 
 using support::EndpointController;
+using support::placeOf;
 using support::RegularController;
 
 namespace
 {
-template<class Field>
-std::uintptr_t placeOf(const Field& field)
-{
-    return reinterpret_cast<std::uintptr_t>(&field);
-}
-
 class VolumeControllerInterfaceObject : public support::EndpointControllerTest
 {
 };
 }
-
-#if defined(SUPPORT_HAS_VIRTUAL_SLOTS)
-TEST_F(VolumeControllerInterfaceObject, HasItsOperationsInTheirOrder)
-{
-    using support::virtualSlot;
-    using Interface = VolumeControllerInterface;
-
-    EXPECT_EQ(0u, virtualSlot(&Interface::numChannel));
-    EXPECT_EQ(1u, virtualSlot(&Interface::volumeLevelPercent));
-    EXPECT_EQ(2u, virtualSlot(&Interface::volumeLevelDecibel));
-    EXPECT_EQ(3u, virtualSlot(&Interface::volumeRangeDecibel));
-    EXPECT_EQ(4u, virtualSlot(&Interface::masterVolumeLevelPercent));
-    EXPECT_EQ(5u, virtualSlot(&Interface::masterVolumeLevelDecibel));
-    EXPECT_EQ(6u, virtualSlot(&Interface::setVolumeLevelPercent));
-    EXPECT_EQ(7u, virtualSlot(&Interface::setVolumeLevelDecibel));
-    EXPECT_EQ(8u, virtualSlot(&Interface::setMasterVolumeLevelPercent));
-    EXPECT_EQ(9u, virtualSlot(&Interface::setMasterVolumeLevelDecibel));
-    EXPECT_EQ(10u, virtualSlot(&Interface::registerVolumeChangeNotification));
-    EXPECT_EQ(11u, virtualSlot(&Interface::ownerName));
-    EXPECT_EQ(12u, virtualSlot(&Interface::ownerType));
-    EXPECT_EQ(13u, virtualSlot(&Interface::isMuted));
-    EXPECT_EQ(14u, virtualSlot(&Interface::setMute));
-    EXPECT_EQ(15u, virtualSlot(&Interface::hasVolumeControl));
-    EXPECT_EQ(16u, virtualSlot(&Interface::hasMuteControl));
-}
-#endif
 
 TEST_F(VolumeControllerInterfaceObject, HasNoDataAndAVirtualDestructor)
 {

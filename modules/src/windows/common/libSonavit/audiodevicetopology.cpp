@@ -1,8 +1,8 @@
 #include "libSonavit/audiodevicetopology.h"
 
-#include "COM/identifiers.h"
 #include "COM/resultcode.h"
 #include "libSonavit/audiodevicetopologylog.h"
+#include "libSonavit/audiopart/interfacequery.h"
 
 namespace
 {
@@ -20,39 +20,38 @@ void readDeviceOwner(IDeviceTopology& topology, qor::String& owner)
         SONAVIT_LOG(topologylog, LOG_ERROR, out.append("Unable to retrieve device id from topology ").append(hexText(result)));
 }
 
-void readConnectors(IDeviceTopology& topology, qor::Array<AudioComponent<IConnector>>& connectors)
+/// How a topology counts and gives one kind of component, and the words of the log for it.
+template<class I>
+struct ComponentKind
 {
-    UINT count = 0;
-    topology.GetConnectorCount(&count);
-    SONAVIT_LOG(topologylog, LOG_INFO, out.append("Num connector = ").append(decimalText(count)));
-    for (UINT index = 0; index < count; ++index)
-    {
-        IConnector* connector = nullptr;
-        const HRESULT result = topology.GetConnector(index, &connector);
-        if (FAILED(result))
-        {
-            SONAVIT_LOG(topologylog, LOG_ERROR, out.append("Unable to retrieve connector index ").append(decimalText(index)).append(" ").append(hexText(result)));
-            continue;
-        }
-        connectors.append(AudioComponent<IConnector>(connector));
-    }
-}
+    HRESULT (STDMETHODCALLTYPE IDeviceTopology::*count)(UINT*);
+    HRESULT (STDMETHODCALLTYPE IDeviceTopology::*component)(UINT, I**);
+    const char* countRecord;
+    const char* failureRecord;
+};
 
-void readSubunits(IDeviceTopology& topology, qor::Array<AudioComponent<ISubunit>>& subunits)
+constexpr ComponentKind<IConnector> connectorKind = {&IDeviceTopology::GetConnectorCount,
+                                                     &IDeviceTopology::GetConnector,
+                                                     "Num connector = ", "Unable to retrieve connector index "};
+constexpr ComponentKind<ISubunit> subunitKind = {&IDeviceTopology::GetSubunitCount, &IDeviceTopology::GetSubunit,
+                                                 "Subunit count = ", "Unable to retrieve subunit index "};
+
+template<class I>
+void readComponents(IDeviceTopology& topology, const ComponentKind<I>& kind, qor::Array<AudioComponent<I>>& components)
 {
     UINT count = 0;
-    topology.GetSubunitCount(&count);
-    SONAVIT_LOG(topologylog, LOG_INFO, out.append("Subunit count = ").append(decimalText(count)));
+    (topology.*kind.count)(&count);
+    SONAVIT_LOG(topologylog, LOG_INFO, out.append(kind.countRecord).append(decimalText(count)));
     for (UINT index = 0; index < count; ++index)
     {
-        ISubunit* subunit = nullptr;
-        const HRESULT result = topology.GetSubunit(index, &subunit);
+        I* component = nullptr;
+        const HRESULT result = (topology.*kind.component)(index, &component);
         if (FAILED(result))
         {
-            SONAVIT_LOG(topologylog, LOG_ERROR, out.append("Unable to retrieve subunit index ").append(decimalText(index)).append(" ").append(hexText(result)));
+            SONAVIT_LOG(topologylog, LOG_ERROR, out.append(kind.failureRecord).append(decimalText(index)).append(" ").append(hexText(result)));
             continue;
         }
-        subunits.append(AudioComponent<ISubunit>(subunit));
+        components.append(AudioComponent<I>(component));
     }
 }
 }
@@ -106,8 +105,8 @@ bool AudioDeviceTopology::initialize(const COMPtr<IDeviceTopology>::pointer& top
         return false;
     }
     readDeviceOwner(*m_topology, m_deviceOwner);
-    readConnectors(*m_topology, m_connectors);
-    readSubunits(*m_topology, m_subunits);
+    readComponents(*m_topology, connectorKind, m_connectors);
+    readComponents(*m_topology, subunitKind, m_subunits);
     return true;
 }
 
@@ -214,11 +213,11 @@ bool AudioDeviceTopology::initializeHelper(const typename COMPtr<Interface>::poi
         SONAVIT_LOG(topologylog, LOG_ERROR, out.append("Cannot use NULL as parameter"));
         return false;
     }
-    void* part = nullptr;
-    if (FAILED(obj->QueryInterface(IID_IPart, &part)))
+    IPart* part = nullptr;
+    if (FAILED(interfacequery::query(*obj, part)))
     {
         SONAVIT_LOG(topologylog, LOG_ERROR, out.append("No part interface found"));
         return false;
     }
-    return initialize(COMPtr<IPart>::pointer(static_cast<IPart*>(part)));
+    return initialize(COMPtr<IPart>::pointer(part));
 }

@@ -72,7 +72,11 @@ public:
     COMPtr<IDeviceTopology>::pointer topology() const;
 
 private:
+    typedef HRESULT (STDMETHODCALLTYPE IPart::*Enumeration)(IPartsList**);
+
     void initialize();
+    unsigned int walk(Enumeration enumeration, const char* failure, qor::Array<AudioPart>& cache,
+                      qor::Array<AudioPart>& list);
     unsigned int storePartsList(IPartsList* list, qor::Array<AudioPart>& parts);
 
     COMPtr<IPart>::pointer m_part;
@@ -82,6 +86,10 @@ private:
     qor::Array<AudioPart> m_incomingParts;
     qor::Array<AudioPart> m_outgoingParts;
 };
+
+// The library holds the two forms that there are.
+extern template SONAVIT_API AudioPart::AudioPart(IConnector* component);
+extern template SONAVIT_API AudioPart::AudioPart(ISubunit* component);
 
 /// A part together with its more specific interface: AudioComponent<IConnector> or AudioComponent<ISubunit>.
 ///
@@ -130,3 +138,6 @@ private:
     typename COMPtr<I>::pointer m_component;
     AudioPart m_part;
 };
+
+extern template class AudioComponent<IConnector>;
+extern template class AudioComponent<ISubunit>;

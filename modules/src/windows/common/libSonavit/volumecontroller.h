@@ -139,3 +139,45 @@ private:
     Policy m_policy;
     COMPtr<VolumeChangeNotification>::pointer m_notification; // only the control of an endpoint sets it
 };
+
+// What the two controls answer each in its own way. A specialization must be known before anybody uses it, and on
+// Windows it does not have the export mark of its class.
+#define SONAVIT_OWN_ANSWERS_OF(Policy)                                                                               \
+    template<>                                                                                                       \
+    SONAVIT_API unsigned int VolumeController<Policy>::numChannel() const;                                           \
+    template<>                                                                                                       \
+    SONAVIT_API unsigned int VolumeController<Policy>::volumeLevelPercent(unsigned int channel) const;               \
+    template<>                                                                                                       \
+    SONAVIT_API float VolumeController<Policy>::volumeLevelDecibel(unsigned int channel) const;                      \
+    template<>                                                                                                       \
+    SONAVIT_API bool VolumeController<Policy>::volumeRangeDecibel(unsigned int channel, DbVolumeRange& range) const; \
+    template<>                                                                                                       \
+    SONAVIT_API unsigned int VolumeController<Policy>::masterVolumeLevelPercent() const;                             \
+    template<>                                                                                                       \
+    SONAVIT_API float VolumeController<Policy>::masterVolumeLevelDecibel() const;                                    \
+    template<>                                                                                                       \
+    SONAVIT_API bool VolumeController<Policy>::setVolumeLevelPercent(unsigned int channel, unsigned int percent);    \
+    template<>                                                                                                       \
+    SONAVIT_API bool VolumeController<Policy>::setVolumeLevelDecibel(unsigned int channel, float level);             \
+    template<>                                                                                                       \
+    SONAVIT_API bool VolumeController<Policy>::setMasterVolumeLevelPercent(unsigned int percent);                    \
+    template<>                                                                                                       \
+    SONAVIT_API bool VolumeController<Policy>::setMasterVolumeLevelDecibel(float level);                             \
+    template<>                                                                                                       \
+    SONAVIT_API bool VolumeController<Policy>::registerVolumeChangeNotification(                                     \
+        const COMPtr<VolumeChangeNotification>::pointer& notification);                                              \
+    template<>                                                                                                       \
+    SONAVIT_API bool VolumeController<Policy>::hasVolumeControl() const;                                             \
+    template<>                                                                                                       \
+    SONAVIT_API bool VolumeController<Policy>::hasMuteControl() const;                                               \
+    template<>                                                                                                       \
+    SONAVIT_API VolumeController<Policy>::~VolumeController() noexcept(false)
+
+SONAVIT_OWN_ANSWERS_OF(EndpointVolumeController);
+SONAVIT_OWN_ANSWERS_OF(RegularVolumeController);
+
+#undef SONAVIT_OWN_ANSWERS_OF
+
+// All else is the same for both; the library holds it.
+extern template class VolumeController<EndpointVolumeController>;
+extern template class VolumeController<RegularVolumeController>;

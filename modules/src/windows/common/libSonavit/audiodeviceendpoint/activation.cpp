@@ -1,27 +1,9 @@
 #include "libSonavit/audiodeviceendpoint.h"
 
-#include "COM/identifiers.h"
 #include "COM/resultcode.h"
 #include "libSonavit/audiodeviceendpointlog.h"
+#include "libSonavit/audiopart/interfacequery.h"
 #include "qor/exception.h"
-
-namespace
-{
-template<class T>
-const IID& interfaceId();
-
-template<>
-const IID& interfaceId<IDeviceTopology>()
-{
-    return IID_IDeviceTopology;
-}
-
-template<>
-const IID& interfaceId<IAudioEndpointVolume>()
-{
-    return IID_IAudioEndpointVolume;
-}
-}
 
 template<>
 void AudioDevice::logInterfaceType<IDeviceTopology>()
@@ -44,14 +26,14 @@ typename COMPtr<T>::pointer AudioDevice::activateDeviceInterface()
     SONAVIT_TRACE(endpointlog, "AudioDevice::activateDeviceInterface()");
     if (m_device.get() == nullptr)
         throw qor::AssertionFailure(__FILE__, __LINE__, "m_device.get() != NULL");
-    void* object = nullptr;
-    const HRESULT result = m_device->Activate(interfaceId<T>(), CLSCTX_ALL, nullptr, &object);
+    T* object = nullptr;
+    const HRESULT result = interfacequery::activate(*m_device, object);
     if (FAILED(result))
     {
         logInterfaceType<T>();
         SONAVIT_LOG(endpointlog, LOG_WARNING, out.append("Interface is not available for this device ").append(m_properties.endpointType).append(" ").append(m_properties.friendlyName).append(" ").append(hexText(result)));
     }
-    return static_cast<T*>(object);
+    return object;
 }
 
 template COMPtr<IDeviceTopology>::pointer AudioDevice::activateDeviceInterface<IDeviceTopology>();
@@ -85,10 +67,10 @@ SharedPointer<VolumeControllerInterface> AudioDevice::volumeControl()
 COMPtr<IAudioClient>::pointer AudioDevice::audioClient()
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::audioClient");
-    void* client = nullptr;
-    if (FAILED(m_device->Activate(IID_IAudioClient, CLSCTX_ALL, nullptr, &client)))
+    IAudioClient* client = nullptr;
+    if (FAILED(interfacequery::activate(*m_device, client)))
         SONAVIT_LOG(endpointlog, LOG_DEBUG, out.append("Device ").append(m_properties.friendlyName).append(" has not audio client interface"));
-    return static_cast<IAudioClient*>(client);
+    return client;
 }
 
 // Label and message are those of audioClient(): the log shows the same words for both.
@@ -96,10 +78,10 @@ ATL::CComPtr<IBaseFilter> AudioDevice::baseFilter()
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::audioClient");
     ATL::CComPtr<IBaseFilter> filter;
-    void* object = nullptr;
-    if (FAILED(m_device->Activate(IID_IBaseFilter, CLSCTX_ALL, nullptr, &object)))
+    IBaseFilter* object = nullptr;
+    if (FAILED(interfacequery::activate(*m_device, object)))
         SONAVIT_LOG(endpointlog, LOG_DEBUG, out.append("Device ").append(m_properties.friendlyName).append(" has not audio client interface"));
-    filter.Attach(static_cast<IBaseFilter*>(object));
+    filter.Attach(object);
     return filter;
 }
 
@@ -127,6 +109,8 @@ bool AudioDevice::createVolumeControl()
         m_volumeControl = SharedPointer<VolumeControllerInterface>(controller);
     }
     else
+    {
         SONAVIT_LOG(endpointlog, LOG_FATAL, out.append("Not implemented. Subunits don't always have a volume controller"));
+    }
     return m_volumeControl.get() != nullptr;
 }

@@ -3,6 +3,7 @@
 #include "COM/identifiers.h"
 #include "COM/resultcode.h"
 #include "libSonavit/audiodeviceendpointlog.h"
+#include "libSonavit/audiopart/interfacequery.h"
 
 namespace
 {
@@ -24,21 +25,14 @@ public:
     DefaultEndpointInquiry(const DefaultEndpointInquiry&) = delete;
     DefaultEndpointInquiry& operator=(const DefaultEndpointInquiry&) = delete;
 
-    /// In this order, each with a record of its own.
-    ~DefaultEndpointInquiry() noexcept(false)
-    {
-        releaseWithRecord(m_enumerator, "enumerator RELEASED");
-        releaseWithRecord(m_endpoint, "endpoint RELEASED");
-        releaseWithRecord(m_defaultDevice, "pDefaultDevice RELEASED");
-    }
-
+    /// Whatever comes of it, releaseAll() is to follow.
     /// @return whether all went well and @p id holds the default endpoint's id; a failing step is logged
-    bool ask(qor::String& id)
+    bool ask(LPWSTR& id)
     {
         HRESULT result = createEnumerator();
         if (FAILED(result) || m_enumerator == nullptr)
             return failed("CoCreateInstance returns ", result);
-        result = m_device->QueryInterface(IID_IMMEndpoint, reinterpret_cast<void**>(&m_endpoint));
+        result = interfacequery::query(*m_device, m_endpoint);
         if (FAILED(result) || m_endpoint == nullptr)
             return failed("QueryInterface returns ", result);
         EDataFlow flow = eAll;
@@ -48,20 +42,29 @@ public:
         result = m_enumerator->GetDefaultAudioEndpoint(flow, eConsole, &m_defaultDevice);
         if (FAILED(result) || m_defaultDevice == nullptr)
             return failed("GetDefaultAudioEndpoint returns ", result);
-        LPWSTR text = nullptr;
-        result = m_defaultDevice->GetId(&text);
+        result = m_defaultDevice->GetId(&id);
         if (FAILED(result))
             return failed("GetId returns ", result);
-        id = platform::ucs2(text); // never freed, and meant to stay so: each answer leaves one text with the platform
         return true;
+    }
+
+    /// In this order, each with a record of its own.
+    void releaseAll()
+    {
+        releaseWithRecord(m_enumerator, "enumerator RELEASED");
+        releaseWithRecord(m_endpoint, "endpoint RELEASED");
+        releaseWithRecord(m_defaultDevice, "pDefaultDevice RELEASED");
     }
 
 private:
     /// An enumerator of its own, apart from the shared one.
     HRESULT createEnumerator()
     {
-        return CoCreateInstance(CLSID_MMDeviceEnumerator, nullptr, CLSCTX_INPROC_SERVER, IID_IMMDeviceEnumerator,
-                                reinterpret_cast<void**>(&m_enumerator));
+        void* place = nullptr;
+        const HRESULT result = CoCreateInstance(CLSID_MMDeviceEnumerator, nullptr, CLSCTX_INPROC_SERVER,
+                                                interfacequery::idOf<IMMDeviceEnumerator>(), &place);
+        m_enumerator = static_cast<IMMDeviceEnumerator*>(place);
+        return result;
     }
 
     static bool failed(const char* step, HRESULT result)
@@ -82,10 +85,9 @@ bool AudioDevice::dataFlow(EDataFlow& flow) const
     SONAVIT_TRACE(endpointlog, "AudioDevice::dataFlow");
     if (m_device.get() == nullptr)
         return false;
-    void* object = nullptr;
-    if (FAILED(m_device->QueryInterface(IID_IMMEndpoint, &object)) || object == nullptr)
+    IMMEndpoint* endpoint = nullptr;
+    if (FAILED(interfacequery::query(*m_device, endpoint)) || endpoint == nullptr)
         return false;
-    IMMEndpoint* const endpoint = static_cast<IMMEndpoint*>(object);
     endpoint->GetDataFlow(&flow);
     endpoint->Release();
     return true;
@@ -93,12 +95,13 @@ bool AudioDevice::dataFlow(EDataFlow& flow) const
 
 bool AudioDevice::isDefaultEndpoint() const
 {
-    qor::String defaultId;
-    {
-        DefaultEndpointInquiry inquiry(m_device.get());
-        if (!inquiry.ask(defaultId))
-            return false;
-    }
+    DefaultEndpointInquiry inquiry(m_device.get());
+    LPWSTR text = nullptr; // never freed, and meant to stay so: each answer leaves one text with the platform
+    const bool answered = inquiry.ask(text);
+    inquiry.releaseAll();
+    if (!answered)
+        return false;
+    const qor::String defaultId(platform::ucs2(text));
     SONAVIT_LOG(endpointlog, LOG_DEBUG, out.append("Are these Equal: ").append(m_properties.deviceId).append(" ?= ").append(defaultId));
     return m_properties.deviceId == defaultId;
 }

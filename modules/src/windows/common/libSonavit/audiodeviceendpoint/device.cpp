@@ -1,8 +1,8 @@
 #include "libSonavit/audiodeviceendpoint.h"
 
-#include "COM/identifiers.h"
 #include "COM/resultcode.h"
 #include "libSonavit/audiodeviceendpointlog.h"
+#include "libSonavit/audiopart/interfacequery.h"
 #include "libSonavit/endpointdeviceenumerator.h"
 
 AudioDevice::AudioDevice() = default;
@@ -88,10 +88,10 @@ bool AudioDevice::isInitialized() const
 
 bool AudioDevice::isEndpoint() const
 {
-    void* endpoint = nullptr;
-    const HRESULT result = m_device->QueryInterface(IID_IMMEndpoint, &endpoint);
+    IMMEndpoint* endpoint = nullptr;
+    const HRESULT result = interfacequery::query(*m_device, endpoint);
     if (endpoint != nullptr)
-        static_cast<IMMEndpoint*>(endpoint)->Release();
+        endpoint->Release();
     return SUCCEEDED(result);
 }
 

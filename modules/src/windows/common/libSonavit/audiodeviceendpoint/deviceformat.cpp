@@ -29,12 +29,12 @@ bool AudioDevice::setFormat(const WAVEFORMATEXTENSIBLE& format)
     m_propertyStore = nullptr;
     IPropertyStore* store = nullptr;
     result = m_device->OpenPropertyStore(STGM_READWRITE, &store);
-    m_propertyStore = store;
     if (FAILED(result))
     {
         SONAVIT_LOG(endpointlog, LOG_WARNING, out.append("Cannot open a new property store ").append(hexText(result)));
-        return false;
+        return false; // without a store, whatever stands beside the failure
     }
+    m_propertyStore = store;
     return refreshDeviceInformation();
 }
 

@@ -1,26 +1,8 @@
 #include "libSonavit/audiopart.h"
 
-#include "COM/identifiers.h"
 #include "libSonavit/audiodevicetopology.h"
+#include "libSonavit/audiopart/interfacequery.h"
 #include "libSonavit/audiopartlog.h"
-
-namespace
-{
-template<class I>
-const IID& interfaceId();
-
-template<>
-const IID& interfaceId<IConnector>()
-{
-    return IID_IConnector;
-}
-
-template<>
-const IID& interfaceId<ISubunit>()
-{
-    return IID_ISubunit;
-}
-}
 
 template<class I>
 AudioComponent<I>::AudioComponent(I* component) : m_component(component),
@@ -44,11 +26,11 @@ AudioComponent<I>::AudioComponent(const COMPtr<IPart>::pointer& part)
     SONAVIT_TRACE(partlog, "AudioConnector::AudioConnector(const COMPtr<IPart>::pointer& part)");
     if (part.get() == nullptr)
         return;
-    void* component = nullptr;
-    part->QueryInterface(interfaceId<I>(), &component); // the pointer decides
+    I* component = nullptr;
+    interfacequery::query(*part, component); // the pointer decides
     if (component == nullptr)
         return;
-    m_component = static_cast<I*>(component);
+    m_component = component;
     m_part = part;
 }
 

@@ -1,19 +1,8 @@
 #include "libSonavit/audiopart.h"
 
-#include "COM/identifiers.h"
+#include "libSonavit/audiopart/interfacequery.h"
 #include "libSonavit/audiopartlog.h"
-
-namespace
-{
-/// The list may hold the very part that was asked, as in `parts[0].incomingPartsList(parts)`. That part goes with the
-/// list's old elements, and its cache with it, so the list is filled from a copy.
-unsigned int handOut(const qor::Array<AudioPart>& cache, qor::Array<AudioPart>& list)
-{
-    const qor::Array<AudioPart> parts(cache); // NOLINT(performance-unnecessary-copy-initialization): see above
-    list = parts;
-    return list.size();
-}
-}
+#include "qor/exception.h"
 
 AudioPart::AudioPart() : m_subType() {}
 
@@ -34,14 +23,14 @@ AudioPart::AudioPart(I* component) : m_subType()
 {
     if (component == nullptr)
         return;
-    void* part = nullptr;
-    component->QueryInterface(IID_IPart, &part); // the pointer decides
-    m_part = static_cast<IPart*>(part);
+    IPart* part = nullptr;
+    if (SUCCEEDED(interfacequery::query(*component, part)))
+        m_part = part; // what stands beside a failure is nobody's
     initialize();
 }
 
-template SONAVIT_API AudioPart::AudioPart(IConnector* component);
-template SONAVIT_API AudioPart::AudioPart(ISubunit* component);
+template AudioPart::AudioPart(IConnector* component);
+template AudioPart::AudioPart(ISubunit* component);
 
 AudioPart::AudioPart(const AudioPart& other) = default;
 AudioPart::~AudioPart() = default;
@@ -81,27 +70,13 @@ AudioPart& AudioPart::operator=(const COMPtr<IPart>::pointer& part)
 unsigned int AudioPart::incomingPartsList(qor::Array<AudioPart>& list)
 {
     SONAVIT_TRACE(partlog, "AudioPart::incomingPartsList");
-    IPartsList* parts = nullptr;
-    if (FAILED(m_part->EnumPartsIncoming(&parts)))
-    {
-        SONAVIT_LOG(partlog, LOG_ERROR, out.append("Unable to enumerate incoming parts"));
-        return 0;
-    }
-    storePartsList(parts, m_incomingParts);
-    return handOut(m_incomingParts, list);
+    return walk(&IPart::EnumPartsIncoming, "Unable to enumerate incoming parts", m_incomingParts, list);
 }
 
 unsigned int AudioPart::outgoingPartsList(qor::Array<AudioPart>& list)
 {
     SONAVIT_TRACE(partlog, "AudioPart::outgoingPartsList");
-    IPartsList* parts = nullptr;
-    if (FAILED(m_part->EnumPartsOutgoing(&parts)))
-    {
-        SONAVIT_LOG(partlog, LOG_ERROR, out.append("Unable to enumerate outgoing parts"));
-        return 0;
-    }
-    storePartsList(parts, m_outgoingParts);
-    return handOut(m_outgoingParts, list);
+    return walk(&IPart::EnumPartsOutgoing, "Unable to enumerate outgoing parts", m_outgoingParts, list);
 }
 
 bool AudioPart::operator==(const AudioPart& other) const
@@ -162,6 +137,24 @@ void AudioPart::initialize()
         m_name = platform::ucs2(name);
         CoTaskMemFree(name);
     }
+}
+
+/// Both ways to the neighbours, see incomingPartsList(). The list may hold the very part that is asked, as in
+/// `parts[0].incomingPartsList(parts)`. That part goes with the list's old elements, and its cache with it, so the list
+/// is filled from a copy.
+unsigned int AudioPart::walk(Enumeration enumeration, const char* failure, qor::Array<AudioPart>& cache,
+                             qor::Array<AudioPart>& list)
+{
+    IPartsList* parts = nullptr;
+    if (FAILED((m_part.get()->*enumeration)(&parts)))
+    {
+        SONAVIT_LOG(partlog, LOG_ERROR, out.append(failure));
+        return 0;
+    }
+    storePartsList(parts, cache);
+    const qor::Array<AudioPart> copy(cache); // NOLINT(performance-unnecessary-copy-initialization): see above
+    list = copy;
+    return list.size();
 }
 
 /// The list is borrowed and stays with the platform, see incomingPartsList().

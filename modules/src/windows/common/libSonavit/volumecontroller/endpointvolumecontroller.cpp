@@ -1,10 +1,10 @@
 #include "libSonavit/volumecontroller/sharedoperations.h"
 
 #include "COM/resultcode.h"
-#include "libSonavit/volumecontrollerlog.h"
 
 namespace
 {
+using volumecontroller::fractionFromPercent;
 using volumecontroller::truncated;
 
 /// In single precision throughout.
@@ -13,16 +13,10 @@ unsigned int percentFromScalar(float scalar)
     const float scaled = scalar * 100.0f;
     return truncated(scaled + 0.5f);
 }
-
-float scalarFromPercent(unsigned int percent)
-{
-    return static_cast<float>(percent) / 100.0f;
-}
 }
 
-// Each carries the export mark itself: on Windows a specialization does not have that of its class.
 template<>
-SONAVIT_API unsigned int VolumeController<EndpointVolumeController>::numChannel() const
+unsigned int VolumeController<EndpointVolumeController>::numChannel() const
 {
     UINT count = 0;
     m_policy.endpointVolume->GetChannelCount(&count);
@@ -30,7 +24,7 @@ SONAVIT_API unsigned int VolumeController<EndpointVolumeController>::numChannel(
 }
 
 template<>
-SONAVIT_API unsigned int VolumeController<EndpointVolumeController>::volumeLevelPercent(unsigned int channel) const
+unsigned int VolumeController<EndpointVolumeController>::volumeLevelPercent(unsigned int channel) const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::volumeLevelPercent");
     float scalar = 0.0f;
@@ -39,7 +33,7 @@ SONAVIT_API unsigned int VolumeController<EndpointVolumeController>::volumeLevel
 }
 
 template<>
-SONAVIT_API float VolumeController<EndpointVolumeController>::volumeLevelDecibel(unsigned int channel) const
+float VolumeController<EndpointVolumeController>::volumeLevelDecibel(unsigned int channel) const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::volumeLevelDecibel");
     float level = 0.0f;
@@ -49,15 +43,14 @@ SONAVIT_API float VolumeController<EndpointVolumeController>::volumeLevelDecibel
 
 // The label is that of the setter; readers of the log match on it.
 template<>
-SONAVIT_API bool VolumeController<EndpointVolumeController>::volumeRangeDecibel(unsigned int,
-                                                                                DbVolumeRange& range) const
+bool VolumeController<EndpointVolumeController>::volumeRangeDecibel(unsigned int, DbVolumeRange& range) const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::setVolumeLevelDecibel");
     return SUCCEEDED(m_policy.endpointVolume->GetVolumeRange(&range.minLevel, &range.maxLevel, &range.stepping));
 }
 
 template<>
-SONAVIT_API unsigned int VolumeController<EndpointVolumeController>::masterVolumeLevelPercent() const
+unsigned int VolumeController<EndpointVolumeController>::masterVolumeLevelPercent() const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::masterVolumeLevelPercent");
     float scalar = 0.0f;
@@ -66,7 +59,7 @@ SONAVIT_API unsigned int VolumeController<EndpointVolumeController>::masterVolum
 }
 
 template<>
-SONAVIT_API float VolumeController<EndpointVolumeController>::masterVolumeLevelDecibel() const
+float VolumeController<EndpointVolumeController>::masterVolumeLevelDecibel() const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::masterVolumeLevelDecibel");
     float level = 0.0f;
@@ -75,37 +68,36 @@ SONAVIT_API float VolumeController<EndpointVolumeController>::masterVolumeLevelD
 }
 
 template<>
-SONAVIT_API bool VolumeController<EndpointVolumeController>::setVolumeLevelPercent(unsigned int channel,
-                                                                                   unsigned int percent)
+bool VolumeController<EndpointVolumeController>::setVolumeLevelPercent(unsigned int channel, unsigned int percent)
 {
     SONAVIT_TRACE(volumelog, "VolumeController::setVolumeLevelPercent");
     return SUCCEEDED(
-        m_policy.endpointVolume->SetChannelVolumeLevelScalar(channel, scalarFromPercent(percent), nullptr));
+        m_policy.endpointVolume->SetChannelVolumeLevelScalar(channel, fractionFromPercent(percent), nullptr));
 }
 
 template<>
-SONAVIT_API bool VolumeController<EndpointVolumeController>::setVolumeLevelDecibel(unsigned int channel, float level)
+bool VolumeController<EndpointVolumeController>::setVolumeLevelDecibel(unsigned int channel, float level)
 {
     SONAVIT_TRACE(volumelog, "VolumeController::setVolumeLevelDecibel");
     return SUCCEEDED(m_policy.endpointVolume->SetChannelVolumeLevel(channel, level, nullptr));
 }
 
 template<>
-SONAVIT_API bool VolumeController<EndpointVolumeController>::setMasterVolumeLevelPercent(unsigned int percent)
+bool VolumeController<EndpointVolumeController>::setMasterVolumeLevelPercent(unsigned int percent)
 {
     SONAVIT_TRACE(volumelog, "VolumeController::setMasterVolumeLevelPercent");
-    return SUCCEEDED(m_policy.endpointVolume->SetMasterVolumeLevelScalar(scalarFromPercent(percent), nullptr));
+    return SUCCEEDED(m_policy.endpointVolume->SetMasterVolumeLevelScalar(fractionFromPercent(percent), nullptr));
 }
 
 template<>
-SONAVIT_API bool VolumeController<EndpointVolumeController>::setMasterVolumeLevelDecibel(float level)
+bool VolumeController<EndpointVolumeController>::setMasterVolumeLevelDecibel(float level)
 {
     SONAVIT_TRACE(volumelog, "VolumeController::setMasterVolumeLevelDecibel");
     return SUCCEEDED(m_policy.endpointVolume->SetMasterVolumeLevel(level, nullptr));
 }
 
 template<>
-SONAVIT_API bool VolumeController<EndpointVolumeController>::registerVolumeChangeNotification(
+bool VolumeController<EndpointVolumeController>::registerVolumeChangeNotification(
     const COMPtr<VolumeChangeNotification>::pointer& notification)
 {
     if (m_policy.endpointVolume.get() == nullptr)
@@ -122,39 +114,22 @@ SONAVIT_API bool VolumeController<EndpointVolumeController>::registerVolumeChang
     return SUCCEEDED(result);
 }
 
-/// Asked with a start value of true, so that a control whose state cannot be read counts as muted.
-template<>
-SONAVIT_API bool VolumeController<EndpointVolumeController>::isMuted() const
-{
-    SONAVIT_TRACE(volumelog, "VolumeController::isMuted");
-    BOOL muted = TRUE;
-    m_policy.endpointVolume->GetMute(&muted);
-    return muted == TRUE;
-}
-
-template<>
-SONAVIT_API bool VolumeController<EndpointVolumeController>::setMute(bool mute)
-{
-    SONAVIT_TRACE(volumelog, "VolumeController::setMute");
-    return SUCCEEDED(m_policy.endpointVolume->SetMute(mute ? TRUE : FALSE, nullptr));
-}
-
 /// Claimed in any case, also without an interface: callers of an endpoint's controller rely on the claim.
 template<>
-SONAVIT_API bool VolumeController<EndpointVolumeController>::hasVolumeControl() const
+bool VolumeController<EndpointVolumeController>::hasVolumeControl() const
 {
     return true;
 }
 
 template<>
-SONAVIT_API bool VolumeController<EndpointVolumeController>::hasMuteControl() const
+bool VolumeController<EndpointVolumeController>::hasMuteControl() const
 {
     return true;
 }
 
 /// A copy holds a notification that it did not register, and takes it off all the same.
 template<>
-SONAVIT_API VolumeController<EndpointVolumeController>::~VolumeController() noexcept(false)
+VolumeController<EndpointVolumeController>::~VolumeController() noexcept(false)
 {
     if (m_notification.get() != nullptr && m_policy.endpointVolume.get() != nullptr)
         m_policy.endpointVolume->UnregisterControlChangeNotify(m_notification.get());

@@ -1,10 +1,10 @@
 #include "libSonavit/volumecontroller/sharedoperations.h"
 
-#include "libSonavit/volumecontrollerlog.h"
 #include "qor/exception.h"
 
 namespace
 {
+using volumecontroller::fractionFromPercent;
 using volumecontroller::truncated;
 
 /// Where @p level stands in @p range, 0.0 at the bottom and 1.0 at the top, in single precision.
@@ -14,18 +14,8 @@ float fractionOf(float level, const VolumeControllerInterface::DbVolumeRange& ra
 }
 }
 
-// Used below before they are defined, and a specialization must be known before its first use.
-// Each carries the export mark itself: on Windows a specialization does not have that of its class.
 template<>
-SONAVIT_API float VolumeController<RegularVolumeController>::volumeLevelDecibel(unsigned int channel) const;
-template<>
-SONAVIT_API bool VolumeController<RegularVolumeController>::volumeRangeDecibel(unsigned int channel,
-                                                                               DbVolumeRange& range) const;
-template<>
-SONAVIT_API float VolumeController<RegularVolumeController>::masterVolumeLevelDecibel() const;
-
-template<>
-SONAVIT_API unsigned int VolumeController<RegularVolumeController>::numChannel() const
+unsigned int VolumeController<RegularVolumeController>::numChannel() const
 {
     UINT count = 0;
     m_policy.volumeLevel->GetChannelCount(&count);
@@ -33,7 +23,7 @@ SONAVIT_API unsigned int VolumeController<RegularVolumeController>::numChannel()
 }
 
 template<>
-SONAVIT_API unsigned int VolumeController<RegularVolumeController>::volumeLevelPercent(unsigned int channel) const
+unsigned int VolumeController<RegularVolumeController>::volumeLevelPercent(unsigned int channel) const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::volumeLevelPercent");
     DbVolumeRange range = {};
@@ -43,7 +33,7 @@ SONAVIT_API unsigned int VolumeController<RegularVolumeController>::volumeLevelP
 }
 
 template<>
-SONAVIT_API float VolumeController<RegularVolumeController>::volumeLevelDecibel(unsigned int channel) const
+float VolumeController<RegularVolumeController>::volumeLevelDecibel(unsigned int channel) const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::volumeLevelDecibel");
     float level = 0.0f;
@@ -53,8 +43,7 @@ SONAVIT_API float VolumeController<RegularVolumeController>::volumeLevelDecibel(
 
 // The label is that of the setter; readers of the log match on it.
 template<>
-SONAVIT_API bool VolumeController<RegularVolumeController>::volumeRangeDecibel(unsigned int channel,
-                                                                               DbVolumeRange& range) const
+bool VolumeController<RegularVolumeController>::volumeRangeDecibel(unsigned int channel, DbVolumeRange& range) const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::setVolumeLevelDecibel");
     return SUCCEEDED(m_policy.volumeLevel->GetLevelRange(channel, &range.minLevel, &range.maxLevel, &range.stepping));
@@ -63,7 +52,7 @@ SONAVIT_API bool VolumeController<RegularVolumeController>::volumeRangeDecibel(u
 /// The half is added before the fraction becomes percent, so that the answer runs from 50 to 150. Callers have long
 /// been fitted to these numbers; the formula of a channel must not be put in its place.
 template<>
-SONAVIT_API unsigned int VolumeController<RegularVolumeController>::masterVolumeLevelPercent() const
+unsigned int VolumeController<RegularVolumeController>::masterVolumeLevelPercent() const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::masterVolumeLevelPercent");
     if (numChannel() == 0)
@@ -77,7 +66,7 @@ SONAVIT_API unsigned int VolumeController<RegularVolumeController>::masterVolume
 
 /// The mean of the channels, whose number is asked for on each pass; without channels it is not a number.
 template<>
-SONAVIT_API float VolumeController<RegularVolumeController>::masterVolumeLevelDecibel() const
+float VolumeController<RegularVolumeController>::masterVolumeLevelDecibel() const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::masterVolumeLevelDecibel");
     float sum = 0.0f;
@@ -87,11 +76,10 @@ SONAVIT_API float VolumeController<RegularVolumeController>::masterVolumeLevelDe
 }
 
 template<>
-SONAVIT_API bool VolumeController<RegularVolumeController>::setVolumeLevelPercent(unsigned int channel,
-                                                                                  unsigned int percent)
+bool VolumeController<RegularVolumeController>::setVolumeLevelPercent(unsigned int channel, unsigned int percent)
 {
     SONAVIT_TRACE(volumelog, "VolumeController::setVolumeLevelPercent");
-    const float fraction = static_cast<float>(percent) / 100.0f;
+    const float fraction = fractionFromPercent(percent);
     DbVolumeRange range = {};
     volumeRangeDecibel(channel, range);
     const float level = (range.maxLevel - range.minLevel) * fraction + range.minLevel;
@@ -99,7 +87,7 @@ SONAVIT_API bool VolumeController<RegularVolumeController>::setVolumeLevelPercen
 }
 
 template<>
-SONAVIT_API bool VolumeController<RegularVolumeController>::setVolumeLevelDecibel(unsigned int channel, float level)
+bool VolumeController<RegularVolumeController>::setVolumeLevelDecibel(unsigned int channel, float level)
 {
     SONAVIT_TRACE(volumelog, "VolumeController::setVolumeLevelDecibel");
     return SUCCEEDED(m_policy.volumeLevel->SetLevel(channel, level, nullptr));
@@ -107,13 +95,13 @@ SONAVIT_API bool VolumeController<RegularVolumeController>::setVolumeLevelDecibe
 
 /// A part has a master level in decibels only; callers get false, without a message.
 template<>
-SONAVIT_API bool VolumeController<RegularVolumeController>::setMasterVolumeLevelPercent(unsigned int)
+bool VolumeController<RegularVolumeController>::setMasterVolumeLevelPercent(unsigned int)
 {
     return false;
 }
 
 template<>
-SONAVIT_API bool VolumeController<RegularVolumeController>::setMasterVolumeLevelDecibel(float level)
+bool VolumeController<RegularVolumeController>::setMasterVolumeLevelDecibel(float level)
 {
     SONAVIT_TRACE(volumelog, "VolumeController::setMasterVolumeLevelDecibel");
     return SUCCEEDED(m_policy.volumeLevel->SetLevelUniform(level, nullptr));
@@ -121,42 +109,25 @@ SONAVIT_API bool VolumeController<RegularVolumeController>::setMasterVolumeLevel
 
 /// A part does not notify; callers get false, without a message.
 template<>
-SONAVIT_API bool VolumeController<RegularVolumeController>::registerVolumeChangeNotification(
+bool VolumeController<RegularVolumeController>::registerVolumeChangeNotification(
     const COMPtr<VolumeChangeNotification>::pointer&)
 {
     return false;
 }
 
-/// Asked with a start value of true, so that a control whose state cannot be read counts as muted.
 template<>
-SONAVIT_API bool VolumeController<RegularVolumeController>::isMuted() const
-{
-    SONAVIT_TRACE(volumelog, "VolumeController::isMuted");
-    BOOL muted = TRUE;
-    m_policy.mute->GetMute(&muted);
-    return muted == TRUE;
-}
-
-template<>
-SONAVIT_API bool VolumeController<RegularVolumeController>::setMute(bool mute)
-{
-    SONAVIT_TRACE(volumelog, "VolumeController::setMute");
-    return SUCCEEDED(m_policy.mute->SetMute(mute ? TRUE : FALSE, nullptr));
-}
-
-template<>
-SONAVIT_API bool VolumeController<RegularVolumeController>::hasVolumeControl() const
+bool VolumeController<RegularVolumeController>::hasVolumeControl() const
 {
     return m_policy.volumeLevel.get() != nullptr;
 }
 
 template<>
-SONAVIT_API bool VolumeController<RegularVolumeController>::hasMuteControl() const
+bool VolumeController<RegularVolumeController>::hasMuteControl() const
 {
     return m_policy.mute.get() != nullptr;
 }
 
 template<>
-SONAVIT_API VolumeController<RegularVolumeController>::~VolumeController() noexcept(false) = default;
+VolumeController<RegularVolumeController>::~VolumeController() noexcept(false) = default;
 
 template class VolumeController<RegularVolumeController>;

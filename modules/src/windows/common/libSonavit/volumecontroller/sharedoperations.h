@@ -2,6 +2,7 @@
 #pragma once
 
 #include "libSonavit/volumecontroller.h"
+#include "libSonavit/volumecontrollerlog.h"
 
 #include <cstdint>
 
@@ -14,6 +15,24 @@ inline unsigned int truncated(double value)
     if (!(value >= -limit && value < limit))
         return 0;
     return static_cast<unsigned int>(static_cast<std::uint64_t>(static_cast<std::int64_t>(value)));
+}
+
+/// In single precision, not clamped.
+inline float fractionFromPercent(unsigned int percent)
+{
+    return static_cast<float>(percent) / 100.0f;
+}
+
+// What mutes a control.
+
+inline IAudioEndpointVolume& muteOf(const EndpointVolumeController& policy)
+{
+    return *policy.endpointVolume;
+}
+
+inline IAudioMute& muteOf(const RegularVolumeController& policy)
+{
+    return *policy.mute;
 }
 }
 
@@ -44,4 +63,21 @@ template<class Policy>
 const GUID& VolumeController<Policy>::ownerType() const
 {
     return m_policy.ownerType;
+}
+
+/// Asked with a start value of true, so that a control whose state cannot be read counts as muted.
+template<class Policy>
+bool VolumeController<Policy>::isMuted() const
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::isMuted");
+    BOOL muted = TRUE;
+    volumecontroller::muteOf(m_policy).GetMute(&muted);
+    return muted == TRUE;
+}
+
+template<class Policy>
+bool VolumeController<Policy>::setMute(bool mute)
+{
+    SONAVIT_TRACE(volumelog, "VolumeController::setMute");
+    return SUCCEEDED(volumecontroller::muteOf(m_policy).SetMute(mute ? TRUE : FALSE, nullptr));
 }

@@ -1,0 +1,13 @@
+/// Where an object lies in memory, for the tests of the order of fields.
+#pragma once
+
+#include <cstdint>
+
+namespace support
+{
+template<class Object>
+std::uintptr_t placeOf(const Object& object)
+{
+    return reinterpret_cast<std::uintptr_t>(&object);
+}
+} // namespace support
