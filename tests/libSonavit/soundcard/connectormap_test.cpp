@@ -1,13 +1,8 @@
-#include "libSonavit/soundcard.h"
-
 #include "libSonavit/endpointdeviceenumerator/supportendpoints.h"
-#include "libSonavit/soundcard/supportgraphs.h"
-#include "libSonavit/soundcard/supportscriptedparts.h"
-#include "tests/support/librarytest.h"
+#include "libSonavit/soundcard/supportgraphcard.h"
 
 #include <algorithm>
 
-using qor::LoggerPriority;
 using support::idsOf;
 using support::linksOf;
 using support::nodesOf;
@@ -20,33 +15,14 @@ namespace
 constexpr const char* channel = "libSonavit.soundcard";
 const std::string topologyLabel = "SoundCard::registerConnectors(const AudioDeviceTopology& deviceTopology)";
 
-struct ConnectorMap : support::LibraryTest
+struct ConnectorMap : support::GraphCardTest
 {
-    ~ConnectorMap() noexcept override {} // the cards' own may throw
-
-    /// The only card of the machine.
-    SoundCard& discovered()
-    {
-        run(graph.machine);
-        cards = SoundCard::enumerateSystemSoundDevices();
-        EXPECT_EQ(1u, cards.size());
-        return cards[0];
-    }
-
-    void TearDown() override
-    {
-        cards.clear();
-        LibraryTest::TearDown();
-    }
-
-    support::GraphMachine graph;
-    qor::Array<SoundCard> cards;
 };
 }
 
 TEST_F(ConnectorMap, IsEmptyOnACardWithoutEndpointsAndLeavesTheInternalDevicesAlone)
 {
-    run(graph.machine);
+    start();
     SoundCard card;
     card.m_internalDevices->append(AudioDevice());
 
@@ -156,36 +132,6 @@ TEST_F(ConnectorMap, LeavesAConnectorWithoutAPeerWithoutLinks)
     EXPECT_THAT(linksOf(card, 0), IsEmpty());
 }
 
-TEST_F(ConnectorMap, LinksTo0xFFFFFFFFWhereTheFarDeviceCannotBeOpened)
-{
-    graph.endpoint("out", 2);
-    graph.adapter("board", 1).openable = false;
-    graph.join("out/1", "board/1").path("out/1", "out/2");
-
-    SoundCard& card = discovered();
-
-    EXPECT_EQ(0u, card.m_internalDevices->size());
-    EXPECT_THAT(nodesOf(card), ElementsAre("out/1", "out/2"));
-    EXPECT_THAT(linksOf(card, 0), ElementsAre(nowhere, 1u));
-    EXPECT_THAT(linksOf(card, 1), ElementsAre(0u));
-}
-
-TEST_F(ConnectorMap, RegistersTheTopologyOnThisSideOfAConnectorWhoseFarDeviceCannotBeOpened)
-{
-    graph.endpoint("out");
-    graph.adapter("board", 2);
-    graph.machine.adapters[0].topology->deviceId = "board under another name";
-    graph.join("out/1", "board/1", false);
-    graph.machine.joins.push_back({"board/1", "", "nobody", true});
-    run(graph.machine);
-    const sim::PlannedFault hidden = simulation().faults().fail("IDeviceTopology::GetConnector").on("board").at(2);
-    cards = SoundCard::enumerateSystemSoundDevices();
-    SoundCard& card = cards[0];
-
-    EXPECT_EQ(1u, hidden.fired()) << "the adapter's own snapshot lacks its second connector";
-    EXPECT_THAT(nodesOf(card), ElementsAre("out/1", "board/1", "board/2")) << "the topology behind board/1 has it";
-}
-
 TEST_F(ConnectorMap, FollowsAChainOfAdaptersToItsEnd)
 {
     graph.endpoint("out");
@@ -281,76 +227,4 @@ TEST_F(ConnectorMap, RegistersAllInternalDevicesAgainForEachNewOne)
 
     const std::vector<std::string> labels = log.entered(channel);
     EXPECT_EQ(1 + 1 + 2 + 3, std::count(labels.begin(), labels.end(), topologyLabel));
-}
-
-TEST_F(ConnectorMap, RegistersItsOwnSideOnceForTwoConnectorsToADeviceThatCannotBeOpened)
-{
-    graph.endpoint("out", 2).topology->deviceId = "out under another name";
-    graph.machine.joins.push_back({"out/1", "", "nobody", true});
-    graph.machine.joins.push_back({"out/2", "", "nobody", true});
-
-    discovered();
-
-    EXPECT_EQ(2u + 2u, simulation().journal().count("IPart::GetTopologyObject")) << "one a node in each pass";
-    const std::vector<std::string> labels = log.entered(channel);
-    EXPECT_EQ(2, std::count(labels.begin(), labels.end(), topologyLabel));
-}
-
-TEST_F(ConnectorMap, TakesFarDeviceAndPeerThatCameWithAFailure)
-{
-    graph.adapter("board", 1);
-    run(graph.machine);
-    support::ScriptedConnector connector("out/1");
-    connector.farDevice = "board";
-    connector.peer = simulation().connector("board/1");
-    {
-        AudioDevice endpoint;
-        endpoint.m_topology.m_connectors.append(AudioComponent<IConnector>(connector.handle()));
-        SoundCard card;
-        card.m_playbackDevices->append(endpoint);
-
-        card.initializeConnectorMap();
-
-        EXPECT_THAT(idsOf(*card.m_internalDevices), ElementsAre("board"));
-        EXPECT_THAT(nodesOf(card), ElementsAre("out/1", "board/1"));
-        EXPECT_THAT(linksOf(card, 0), ElementsAre(1u));
-        endModule(); // while the connector is still there
-    }
-    EXPECT_EQ(1u, connector.references);
-    EXPECT_EQ(1u, connector.part.references);
-}
-
-TEST_F(ConnectorMap, PassesOverAConnectorThatThePlatformReportedAndDidNotGive)
-{
-    graph.endpoint("out", 2);
-    graph.adapter("board", 1);
-    graph.join("out/2", "board/1");
-    run(graph.machine);
-    const sim::PlannedFault missing =
-        simulation().faults().succeedWithNull("IDeviceTopology::GetConnector").on("out").with("0");
-    cards = SoundCard::enumerateSystemSoundDevices();
-    SoundCard& card = cards[0];
-
-    EXPECT_GT(missing.fired(), 0u);
-    EXPECT_THAT(nodesOf(card), ElementsAre("", "out/2", "board/1"));
-    EXPECT_THAT(linksOf(card), ElementsAre(IsEmpty(), ElementsAre(2u), ElementsAre(1u)));
-    EXPECT_THAT(log.texts(channel), IsEmpty());
-}
-
-TEST_F(ConnectorMap, MakesNothingOfASuccessWithoutFarDeviceAndPeer)
-{
-    graph.endpoint("out");
-    graph.adapter("board", 1);
-    graph.join("out/1", "board/1");
-    SoundCard& card = discovered();
-    const sim::PlannedFault id = simulation().faults().succeedWithNull("IConnector::GetDeviceIdConnectedTo");
-    const sim::PlannedFault peer = simulation().faults().succeedWithNull("IConnector::GetConnectedTo");
-    card.m_internalDevices->clear();
-
-    card.initializeConnectorMap();
-
-    EXPECT_GT(id.fired(), 0u);
-    EXPECT_GT(peer.fired(), 0u);
-    EXPECT_THAT(nodesOf(card), ElementsAre("out/1"));
-    EXPECT_THAT(linksOf(card, 0), IsEmpty());
 }

@@ -1,8 +1,5 @@
-#include "libSonavit/soundcard.h"
-
-#include "libSonavit/soundcard/supportgraphs.h"
+#include "libSonavit/soundcard/supportgraphcard.h"
 #include "libSonavit/soundcard/supportscriptedparts.h"
-#include "tests/support/librarytest.h"
 
 using qor::LoggerPriority;
 using testing::ElementsAre;
@@ -14,23 +11,13 @@ constexpr const char* channel = "libSonavit.soundcard";
 
 typedef qor::Array<COMPtr<IAudioInputSelector>::pointer> Selectors;
 
-struct RecordingMux : support::LibraryTest
+struct RecordingMux : support::GraphCardTest
 {
-    ~RecordingMux() noexcept override {} // the cards' own may throw
-
     SoundCard& discovered()
     {
-        run(graph.machine);
-        cards = SoundCard::enumerateSystemSoundDevices();
-        EXPECT_EQ(1u, cards.size());
+        SoundCard& card = GraphCardTest::discovered();
         log.clear();
-        return cards[0];
-    }
-
-    void TearDown() override
-    {
-        cards.clear();
-        LibraryTest::TearDown();
+        return card;
     }
 
     /// An adapter behind an endpoint of its own, with that many multiplexers.
@@ -44,9 +31,6 @@ struct RecordingMux : support::LibraryTest
         for (unsigned int i = 0; i < selectors; ++i)
             graph.node(id, 100 + i, KSNODETYPE_MUX).selector = sim::SelectorControl{};
     }
-
-    support::GraphMachine graph;
-    qor::Array<SoundCard> cards;
 };
 }
 
@@ -160,13 +144,12 @@ TEST_F(RecordingMux, TakesASelectorThatCameWithAFailure)
 TEST_F(RecordingMux, PassesOverASubunitThatThePlatformReportedAndDidNotGive)
 {
     adapterWithSelectors("board", 2);
-    run(graph.machine);
+    start();
     const sim::PlannedFault missing =
         simulation().faults().succeedWithNull("IDeviceTopology::GetSubunit").on("board").with("1");
-    cards = SoundCard::enumerateSystemSoundDevices();
     Selectors selectors;
 
-    EXPECT_EQ(1u, cards[0].recordingMux(selectors));
+    EXPECT_EQ(1u, discovered().recordingMux(selectors));
 
     EXPECT_GT(missing.fired(), 0u);
 }
@@ -174,13 +157,12 @@ TEST_F(RecordingMux, PassesOverASubunitThatThePlatformReportedAndDidNotGive)
 TEST_F(RecordingMux, PassesOverASubunitThatIsNoPart)
 {
     adapterWithSelectors("board", 2);
-    run(graph.machine);
+    start();
     const sim::PlannedFault lone =
         simulation().faults().fail("ISubunit::QueryInterface", E_NOINTERFACE).on("board/100");
-    cards = SoundCard::enumerateSystemSoundDevices();
     Selectors selectors;
 
-    EXPECT_EQ(1u, cards[0].recordingMux(selectors));
+    EXPECT_EQ(1u, discovered().recordingMux(selectors));
 
     EXPECT_GT(lone.fired(), 0u);
 }

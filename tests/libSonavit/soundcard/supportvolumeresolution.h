@@ -1,9 +1,7 @@
 /// The controls that a card finds for an endpoint, in words.
 #pragma once
 
-#include "libSonavit/soundcard.h"
-#include "libSonavit/soundcard/supportgraphs.h"
-#include "tests/support/librarytest.h"
+#include "libSonavit/soundcard/supportgraphcard.h"
 
 namespace support
 {
@@ -21,15 +19,11 @@ inline std::string described(const SoundCard::VolumeController& control)
     return std::to_string(static_cast<int>(level)) + " " + control.ownerName.toUtf8() + ", " + mute;
 }
 
-struct VolumeResolution : LibraryTest
+struct VolumeResolution : GraphCardTest
 {
-    ~VolumeResolution() noexcept override {} // the cards' own may throw
-
     void discover()
     {
-        run(graph.machine);
-        cards = SoundCard::enumerateSystemSoundDevices();
-        ASSERT_EQ(1u, cards.size());
+        discovered();
         log.clear();
     }
 
@@ -51,7 +45,7 @@ struct VolumeResolution : LibraryTest
     {
         cards.clear();
         kept.partsLists = walks();
-        LibraryTest::TearDown();
+        GraphCardTest::TearDown();
     }
 
     /// Each walk to neighbours that were there keeps its list.
@@ -63,8 +57,6 @@ struct VolumeResolution : LibraryTest
         return found;
     }
 
-    GraphMachine graph;
-    qor::Array<SoundCard> cards;
     unsigned int count = 0;
 };
 } // namespace support
