@@ -2,7 +2,7 @@
 
 #include "OSWindows/configmanager.h"
 
-#include "simulator/portable/runtimecall.h"
+#include "simulator/core/runtimecall.h"
 
 using namespace sim;
 

@@ -1,11 +1,11 @@
 #if !defined(_WIN32)
 
+#include "simulator/core/runtimecall.h"
 #include "simulator/core/simulatedobject.h"
 #include "simulator/core/text.h"
 #include "simulator/machinenames.h"
 #include "simulator/objects/objects.h"
 #include "simulator/portable/comapartment.h"
-#include "simulator/portable/runtimecall.h"
 
 using namespace sim;
 

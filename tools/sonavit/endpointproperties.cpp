@@ -60,23 +60,13 @@ std::optional<unsigned> readSpeakers(AudioDevice& device)
 }
 }
 
-bool waveFunctionsKnow(const sim::Simulation* simulation)
-{
-#if defined(_WIN32)
-    return simulation == nullptr;
-#else
-    static_cast<void>(simulation); // answers them itself
-    return true;
-#endif
-}
-
-EndpointProperties readProperties(Endpoint& endpoint, bool hasWaveIds)
+EndpointProperties readProperties(Endpoint& endpoint)
 {
     EndpointProperties properties;
     if (!endpoint.device.isInitialized())
         return properties;
     properties.defaultRoles = readDefaultRoles(endpoint);
-    const unsigned waveId = hasWaveIds ? endpoint.device.waveLegacyDeviceID() : noWaveId;
+    const unsigned waveId = endpoint.device.waveLegacyDeviceID();
     if (waveId != noWaveId)
         properties.waveId = waveId;
     properties.directSoundId = typeOrNothing(endpoint.device.deviceProperty().directSoundGuid);

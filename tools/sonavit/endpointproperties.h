@@ -1,6 +1,5 @@
 #pragma once
 
-#include "simulator/simulation.h"
 #include "tools/sonavit/endpoint.h"
 
 #include <optional>
@@ -19,10 +18,6 @@ struct EndpointProperties
     std::optional<unsigned> speakers; ///< mask of the loudspeakers that stand there
 };
 
-/// Whether the wave functions know the machine that a session works on. On Windows they are the system's own and know
-/// nothing of a simulated machine, whose endpoints they cannot bear to meet.
-bool waveFunctionsKnow(const sim::Simulation* simulation);
-
-/// Reads them from the platform; the wave id only where @p hasWaveIds.
-EndpointProperties readProperties(Endpoint& endpoint, bool hasWaveIds);
+/// Reads them from the platform.
+EndpointProperties readProperties(Endpoint& endpoint);
 }

@@ -1,6 +1,7 @@
 #include "tools/sonavit/session.h"
 
 #include "libSonavit/endpointdeviceenumerator.h"
+#include "libSonavit/soundcard.h"
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/text.h"
 
@@ -26,6 +27,7 @@ sim::Machine openMachine(const Environment& environment, const std::string& name
 }
 
 Session::Session(const Environment& environment, const Arguments& arguments)
+    : m_waveFunctions(reinterpret_cast<const void*>(&enumerateSoundCards))
 {
     const std::optional<std::string>& name = arguments.machine ? arguments.machine : environment.defaultMachine;
     std::optional<sim::Machine> machine;

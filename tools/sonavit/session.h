@@ -1,6 +1,7 @@
 #pragma once
 
 #include "simulator/simulation.h"
+#include "simulator/waveredirection.h"
 #include "tools/sonavit/commandline.h"
 #include "tools/sonavit/environment.h"
 
@@ -37,6 +38,7 @@ public:
 private:
     std::optional<std::string> m_name;
     std::string m_description;
+    sim::WaveRedirection m_waveFunctions;
     std::unique_ptr<sim::Simulation> m_simulation;
 };
 }

@@ -114,8 +114,7 @@ void runShow(Context& context)
 {
     std::vector<Card> cards = readCards();
     const EndpointOfCard found = findEndpoint(cards, context.arguments.endpoint);
-    const EndpointProperties properties =
-        readProperties(found.endpoint, waveFunctionsKnow(context.session.simulation()));
+    const EndpointProperties properties = readProperties(found.endpoint);
     const Environment& environment = context.environment;
     if (context.arguments.isJson)
     {

@@ -1,0 +1,12 @@
+#if !defined(_WIN32)
+
+#include "simulator/waveredirection.h"
+
+namespace sim
+{
+WaveRedirection::WaveRedirection(const void*) {}
+
+WaveRedirection::~WaveRedirection() = default;
+}
+
+#endif
