@@ -8,7 +8,7 @@
 # headers that many of them read; PRECOMPILED_FOR takes what has been precompiled for another test.
 include(GoogleTest)
 
-set(SONAVIT_TEST_TIMEOUT 120 CACHE STRING "Seconds after which a test has failed")
+set(SONAVIT_TEST_TIMEOUT 300 CACHE STRING "Seconds after which a test has failed")
 mark_as_advanced(SONAVIT_TEST_TIMEOUT)
 
 option(SONAVIT_TEST_DEBUG "Debug information in the tests, which makes them longer to build" ON)
