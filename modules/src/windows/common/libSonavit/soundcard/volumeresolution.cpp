@@ -9,11 +9,13 @@ namespace
 typedef unsigned int (AudioPart::*Side)(qor::Array<AudioPart>& list);
 
 /// The parts next to @p part on one side. An empty part, as of a connector that is none, has no neighbours.
-qor::Array<AudioPart> neighbours(AudioPart part, Side side)
+qor::Array<AudioPart> neighbours(const AudioPart& part, Side side)
 {
     qor::Array<AudioPart> list;
-    if (part.part().get() != nullptr)
-        (part.*side)(list);
+    if (part.part().get() == nullptr)
+        return list;
+    AudioPart walked(part); // a walk writes down in its part what it finds
+    (walked.*side)(list);
     return list;
 }
 
