@@ -140,11 +140,12 @@ function(sonavit_precompile_products)
   set(standard <algorithm> <atomic> <functional> <map> <memory> <mutex> <string> <vector>)
   sonavit_precompile(Sonavit PRIVATE ${standard} <libSonavit/libsonavit.h>)
   if(TARGET SonavitSimulator)
-    sonavit_precompile(SonavitSimulator PRIVATE ${standard} <simulator/machine.h> <nlohmann/json.hpp>)
+    sonavit_precompile(SonavitMachine PRIVATE ${standard} <simulator/machine/machine.h>)
+    sonavit_precompile(SonavitSimulator PRIVATE ${standard} <simulator/machine/machine.h>)
   endif()
   if(TARGET sonavit-commands)
     sonavit_precompile(
-      sonavit-commands PRIVATE ${standard} <libSonavit/libsonavit.h> <simulator/machine.h> <nlohmann/json.hpp>
+      sonavit-commands PRIVATE ${standard} <libSonavit/libsonavit.h> <simulator/machine/machine.h> <nlohmann/json.hpp>
     )
   endif()
 endfunction()

@@ -1,6 +1,6 @@
 // Lists the playback endpoints of a machine, card by card, and turns each one that is on down to a quarter.
 #include "libSonavit/libsonavit.h"
-#include "simulator/machinefile.h"
+#include "simulator/machine/file/machinefile.h"
 #include "simulator/simulation.h"
 
 #include <iostream>

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "simulator/machine.h"
+#include "simulator/machine/machine.h"
 
 namespace sim
 {

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "simulator/machine.h"
+#include "simulator/machine/machine.h"
 #include "simulator/mutex.h"
 
 namespace sim

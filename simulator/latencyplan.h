@@ -8,7 +8,7 @@
 #include <string>
 #include <unordered_map>
 
-#include "simulator/machine.h"
+#include "simulator/machine/machine.h"
 #include "simulator/mutex.h"
 
 namespace sim

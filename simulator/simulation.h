@@ -17,7 +17,7 @@
 #include "simulator/faultplan.h"
 #include "simulator/journal.h"
 #include "simulator/latencyplan.h"
-#include "simulator/machine.h"
+#include "simulator/machine/machine.h"
 #include "simulator/postedmessage.h"
 
 namespace sim

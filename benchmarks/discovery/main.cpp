@@ -3,7 +3,7 @@
 #include "../median.h"
 
 #include "libSonavit/libsonavit.h"
-#include "simulator/machinefile.h"
+#include "simulator/machine/file/machinefile.h"
 #include "simulator/simulation.h"
 
 #include <cstdio>

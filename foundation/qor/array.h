@@ -98,6 +98,7 @@ private:
     /// Frees a block under construction, with what it holds, when the copy of an element throws.
     class BlockGuard;
 
+    /// Puts a grown block in its place when the old one is gone, also when an element of that threw.
     class StoringGuard;
 
     /// Closes the gap of a removed element, also when the element's destructor throws.

@@ -28,7 +28,6 @@ private:
     Block* m_block;
 };
 
-/// Puts a grown block in its place when the old one is gone, also when an element of that threw.
 template<class T>
 class Array<T>::StoringGuard
 {

@@ -2,9 +2,9 @@
 
 #include "simulator/core/interfaces.h"
 #include "simulator/core/text.h"
-#include "simulator/machinekeys.h"
-#include "simulator/machinenames.h"
-#include "simulator/machinetext.h"
+#include "simulator/machine/file/names.h"
+#include "simulator/machine/propertykeys.h"
+#include "simulator/machine/valuetext.h"
 
 namespace sim
 {

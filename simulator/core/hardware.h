@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "simulator/machine.h"
+#include "simulator/machine/machine.h"
 
 namespace sim
 {

@@ -2,7 +2,7 @@
 /// Levels of an endpoint volume between decibels and scalars, channels and master.
 #pragma once
 
-#include "simulator/machine.h"
+#include "simulator/machine/machine.h"
 
 namespace sim
 {

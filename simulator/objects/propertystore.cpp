@@ -3,7 +3,7 @@
 
 #include "simulator/core/notifications.h"
 #include "simulator/core/simulatedobject.h"
-#include "simulator/machinekeys.h"
+#include "simulator/machine/propertykeys.h"
 #include "simulator/mutex.h"
 #include "simulator/objects/lookup.h"
 #include "simulator/objects/objects.h"

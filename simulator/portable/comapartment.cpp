@@ -1,5 +1,3 @@
-#if !defined(_WIN32)
-
 #include "simulator/portable/comapartment.h"
 
 #include "simulator/core/threads.h"
@@ -52,5 +50,3 @@ void leaveNotificationThread()
     comapartment::leave();
 }
 }
-
-#endif

@@ -1,5 +1,3 @@
-#if !defined(_WIN32)
-
 #include "OSWindows/configmanager.h"
 
 #include "simulator/core/runtimecall.h"
@@ -32,5 +30,3 @@ bool ConfigManager::getParentDeviceInstanceId(const qor::String& childInstanceId
     return true;
 }
 }
-
-#endif

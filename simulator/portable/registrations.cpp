@@ -1,5 +1,3 @@
-#if !defined(_WIN32)
-
 #include "simulator/core/registrations.h"
 
 namespace sim
@@ -11,5 +9,3 @@ HRESULT registerApartment(const std::shared_ptr<State>&)
 
 void revokeRegistrations(const State&) {}
 }
-
-#endif

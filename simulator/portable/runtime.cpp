@@ -1,9 +1,7 @@
-#if !defined(_WIN32)
-
 #include "simulator/core/runtimecall.h"
 #include "simulator/core/simulatedobject.h"
 #include "simulator/core/text.h"
-#include "simulator/machinenames.h"
+#include "simulator/machine/file/names.h"
 #include "simulator/objects/objects.h"
 #include "simulator/portable/comapartment.h"
 
@@ -122,5 +120,3 @@ BOOL WINAPI PostMessageW(HWND window, UINT message, WPARAM first, LPARAM second)
     };
     return SUCCEEDED(runtimeCall("PostMessageW", outputs(), answer, message, first, second)) ? TRUE : FALSE;
 }
-
-#endif

@@ -1,5 +1,3 @@
-#if !defined(_WIN32)
-
 #include "simulator/core/systemmemory.h"
 
 #include <cstdlib>
@@ -18,5 +16,3 @@ void free(void* memory)
 
 void watchFrees(const std::function<void(void*)>&) {}
 }
-
-#endif

@@ -1,5 +1,3 @@
-#if !defined(_WIN32)
-
 #include "simulator/core/wave.h"
 
 using namespace sim;
@@ -18,5 +16,3 @@ MMRESULT WINAPI waveInMessage(HWAVEIN device, UINT message, DWORD_PTR first, DWO
 {
     return wave::sendToInput(wave::idOf(device), message, first, second);
 }
-
-#endif

@@ -1,5 +1,3 @@
-#if !defined(_WIN32)
-
 #include "simulator/waveredirection.h"
 
 namespace sim
@@ -8,5 +6,3 @@ WaveRedirection::WaveRedirection(const void*) {}
 
 WaveRedirection::~WaveRedirection() = default;
 }
-
-#endif

@@ -1,5 +1,3 @@
-#if defined(_WIN32)
-
 #include "simulator/mutex.h"
 
 #include <windows.h>
@@ -16,5 +14,3 @@ bool Mutex::otherThreadsAreGone() noexcept
     return question != nullptr && question() != FALSE;
 }
 }
-
-#endif

@@ -1,5 +1,3 @@
-#if defined(_WIN32)
-
 #include "simulator/core/registrations.h"
 
 #include <mutex>
@@ -134,5 +132,3 @@ void leaveNotificationThread()
     CoUninitialize();
 }
 }
-
-#endif

@@ -1,5 +1,3 @@
-#if defined(_WIN32)
-
 #include "simulator/core/systemmemory.h"
 
 #include <utility>
@@ -82,5 +80,3 @@ void watchFrees(const std::function<void(void*)>& heard)
     CoRegisterMallocSpy(spy);
 }
 }
-
-#endif

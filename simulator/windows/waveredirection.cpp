@@ -1,5 +1,3 @@
-#if defined(_WIN32)
-
 #include "simulator/waveredirection.h"
 
 #include <array>
@@ -133,5 +131,3 @@ void WaveRedirection::redirect(void* module)
     }
 }
 }
-
-#endif

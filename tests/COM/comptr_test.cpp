@@ -1,6 +1,6 @@
 #include "COM/comptr.h"
 
-#include "COM/supportcountedobject.h"
+#include "tests/COM/supportcountedobject.h"
 #include "tests/support/logcapture.h"
 
 #include <gmock/gmock.h>

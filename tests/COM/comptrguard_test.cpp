@@ -1,7 +1,7 @@
 #include "COM/comptr.h"
 
-#include "COM/supportcountedobject.h"
 #include "qor/array.h"
+#include "tests/COM/supportcountedobject.h"
 #include "tests/support/logcapture.h"
 
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
 /// Uses the installed headers and both libraries, across their borders: data, handles and an exception.
 #include "libSonavit/libsonavit.h"
-#include "simulator/machinebuilder.h"
+#include "simulator/machine/builder/machinebuilder.h"
 #include "simulator/simulation.h"
 
 #include <cstdio>

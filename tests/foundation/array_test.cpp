@@ -1,8 +1,8 @@
 #include "qor/array.h"
 
-#include "support/printers.h"
-#include "supportallocations.h"
-#include "supportarrays.h"
+#include "tests/foundation/supportallocations.h"
+#include "tests/foundation/supportarrays.h"
+#include "tests/support/printers.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

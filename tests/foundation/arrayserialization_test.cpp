@@ -1,7 +1,7 @@
 #include "qor/array.h"
 
-#include "support/printers.h"
-#include "supporttracked.h"
+#include "tests/foundation/supporttracked.h"
+#include "tests/support/printers.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "qor/hashtable.h"
 
-#include "support/printers.h"
-#include "supportallocations.h"
-#include "supportkeys.h"
+#include "tests/foundation/supportallocations.h"
+#include "tests/foundation/supportkeys.h"
+#include "tests/support/printers.h"
 
 #include <gtest/gtest.h>
 

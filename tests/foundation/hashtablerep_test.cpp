@@ -1,6 +1,6 @@
 #include "qor/hashtable.h"
 
-#include "supportvirtualslot.h"
+#include "tests/foundation/supportvirtualslot.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "qor/logging.h"
 
 #include "qor/qorvalue.h"
-#include "support/printers.h"
+#include "tests/support/printers.h"
 
 #include <gtest/gtest.h>
 

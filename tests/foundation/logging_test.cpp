@@ -1,7 +1,7 @@
 #include "qor/logging.h"
 
 #include "qor/logstatement.h"
-#include "support/logcapture.h"
+#include "tests/support/logcapture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

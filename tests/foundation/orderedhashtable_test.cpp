@@ -1,8 +1,8 @@
 #include "qor/orderedhashtable.h"
 
-#include "support/printers.h"
-#include "supportkeys.h"
-#include "supporttracked.h"
+#include "tests/foundation/supportkeys.h"
+#include "tests/foundation/supporttracked.h"
+#include "tests/support/printers.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -3,9 +3,9 @@
 #include "qor/array.h"
 #include "qor/exception.h"
 #include "qor/hashtable.h"
-#include "support/printers.h"
-#include "supporttracked.h"
-#include "supportvirtualslot.h"
+#include "tests/foundation/supporttracked.h"
+#include "tests/foundation/supportvirtualslot.h"
+#include "tests/support/printers.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

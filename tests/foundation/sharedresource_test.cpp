@@ -1,7 +1,7 @@
 #include "qor/resource.h"
 
-#include "supportallocations.h"
-#include "supportvirtualslot.h"
+#include "tests/foundation/supportallocations.h"
+#include "tests/foundation/supportvirtualslot.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "qor/string.h"
 
 #include "qor/logging.h"
-#include "support/printers.h"
+#include "tests/support/printers.h"
 
 #include <gtest/gtest.h>
 

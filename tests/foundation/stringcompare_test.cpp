@@ -1,6 +1,6 @@
 #include "qor/array.h"
 #include "qor/string.h"
-#include "support/printers.h"
+#include "tests/support/printers.h"
 
 #include <gtest/gtest.h>
 

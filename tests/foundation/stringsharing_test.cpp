@@ -1,7 +1,7 @@
 #include "qor/array.h"
 #include "qor/string.h"
-#include "support/printers.h"
-#include "supportallocations.h"
+#include "tests/foundation/supportallocations.h"
+#include "tests/support/printers.h"
 
 #include <gtest/gtest.h>
 

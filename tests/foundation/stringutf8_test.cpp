@@ -1,5 +1,5 @@
 #include "qor/string.h"
-#include "support/printers.h"
+#include "tests/support/printers.h"
 
 #include <gtest/gtest.h>
 

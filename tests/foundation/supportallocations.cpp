@@ -1,4 +1,4 @@
-#include "supportallocations.h"
+#include "tests/foundation/supportallocations.h"
 
 #include <cstdlib>
 #include <new>

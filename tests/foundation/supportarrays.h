@@ -1,7 +1,7 @@
 #pragma once
 
 #include "qor/array.h"
-#include "supporttracked.h"
+#include "tests/foundation/supporttracked.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "qor/logstatement.h"
 
-#include "support/logcapture.h"
+#include "tests/support/logcapture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

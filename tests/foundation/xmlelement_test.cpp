@@ -1,7 +1,7 @@
 #include "qor/serializable.h"
 
 #include "qor/exception.h"
-#include "support/printers.h"
+#include "tests/support/printers.h"
 
 #include <gtest/gtest.h>
 

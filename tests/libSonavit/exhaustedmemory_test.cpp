@@ -6,9 +6,9 @@
 #include "libSonavit/sysinfohelper.h"
 #include "qor/exception.h"
 
-#include "foundation/supportallocations.h"
-#include "libSonavit/endpointdeviceenumerator/supportcountedclient.h"
-#include "libSonavit/endpointdeviceenumerator/supportendpoints.h"
+#include "tests/foundation/supportallocations.h"
+#include "tests/libSonavit/endpointdeviceenumerator/supportcountedclient.h"
+#include "tests/libSonavit/endpointdeviceenumerator/supportendpoints.h"
 #include "tests/support/librarytest.h"
 
 #if !defined(_WIN32) // a DLL there keeps allocation operators of its own, which no test can make fail

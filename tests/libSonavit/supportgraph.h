@@ -1,7 +1,7 @@
 /// A hardware graph for the tests of parts, components and topologies.
 #pragma once
 
-#include "support/librarytest.h"
+#include "tests/support/librarytest.h"
 
 #include "libSonavit/audiodevicetopology.h"
 #include "libSonavit/audiopart.h"

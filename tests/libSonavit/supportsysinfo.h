@@ -2,7 +2,7 @@
 
 #include "libSonavit/sysinfohelper.h"
 
-#include "libSonavit/endpointdeviceenumerator/supportendpoints.h"
+#include "tests/libSonavit/endpointdeviceenumerator/supportendpoints.h"
 #include "tests/support/librarytest.h"
 
 namespace support

@@ -2,7 +2,7 @@
 
 #include "libSonavit/endpointdeviceenumerator.h"
 #include "libSonavit/soundcardupdater.h"
-#include "libSonavit/supportsysinfo.h"
+#include "tests/libSonavit/supportsysinfo.h"
 
 #include <memory>
 #include <thread>

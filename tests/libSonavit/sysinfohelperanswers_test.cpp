@@ -1,6 +1,6 @@
 #include "libSonavit/sysinfohelper.h"
 
-#include "libSonavit/supportsysinfo.h"
+#include "tests/libSonavit/supportsysinfo.h"
 
 using support::Answers;
 using support::BalancedHelper;

@@ -6,7 +6,7 @@
 #include "libSonavit/volumecontroller.h"
 #include "qor/serializable.h"
 
-#include "foundation/supportvirtualslot.h"
+#include "tests/foundation/supportvirtualslot.h"
 
 #include <gtest/gtest.h>
 

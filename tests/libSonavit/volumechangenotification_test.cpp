@@ -2,7 +2,7 @@
 #include "tests/foundation/supportvirtualslot.h"
 #include "tests/libSonavit/supportplace.h"
 
-#include "support/librarytest.h"
+#include "tests/support/librarytest.h"
 
 #include "libSonavit/volumechangenotification.h"
 

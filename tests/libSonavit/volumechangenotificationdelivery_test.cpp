@@ -1,7 +1,7 @@
 // What a notification does when the platform calls it.
 #include "tests/libSonavit/supportpostbox.h"
 
-#include "support/librarytest.h"
+#include "tests/support/librarytest.h"
 
 #include "libSonavit/volumecontroller.h"
 

@@ -1,7 +1,7 @@
 #include "tests/program/programtest.h"
 
-#include "simulator/machineformat.h"
-#include "simulator/machinekeys.h"
+#include "simulator/machine/deviceformat.h"
+#include "simulator/machine/propertykeys.h"
 
 #include <nlohmann/json.hpp>
 

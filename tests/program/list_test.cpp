@@ -1,6 +1,6 @@
 #include "tests/program/programtest.h"
 
-#include "simulator/machinekeys.h"
+#include "simulator/machine/propertykeys.h"
 #include "tools/sonavit/text.h"
 
 #include <nlohmann/json.hpp>

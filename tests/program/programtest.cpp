@@ -1,7 +1,7 @@
 #include "tests/program/programtest.h"
 
 #include "COM/identifiers.h"
-#include "simulator/machinekeys.h"
+#include "simulator/machine/propertykeys.h"
 
 #include <utility>
 

@@ -1,6 +1,6 @@
 #include "tests/program/programtest.h"
 
-#include "simulator/machinenodetypes.h"
+#include "simulator/machine/nodetypes.h"
 
 #include <nlohmann/json.hpp>
 

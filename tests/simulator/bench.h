@@ -7,8 +7,8 @@
 #include <string>
 #include <thread>
 
-#include "simulator/machinebuilder.h"
-#include "simulator/machinenodetypes.h"
+#include "simulator/machine/builder/machinebuilder.h"
+#include "simulator/machine/nodetypes.h"
 #include "simulator/simulation.h"
 #include "tests/simulator/held.h"
 #include "tests/simulator/listeners.h"

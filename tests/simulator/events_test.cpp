@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "simulator/machinekeys.h"
+#include "simulator/machine/propertykeys.h"
 
 namespace
 {

@@ -1,6 +1,6 @@
 #include "tests/simulator/bench.h"
 
-#include "simulator/machinekeys.h"
+#include "simulator/machine/propertykeys.h"
 
 #include <sstream>
 

@@ -1,5 +1,5 @@
-#include "simulator/machinefile.h"
-#include "tests/simulator/machinefacts.h"
+#include "simulator/machine/file/machinefile.h"
+#include "tests/simulator/machine/machinefacts.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/machinebuilder.h"
+#include "simulator/machine/builder/machinebuilder.h"
 #include "simulator/simulation.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/printers.h"

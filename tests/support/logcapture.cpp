@@ -1,4 +1,4 @@
-#include "support/logcapture.h"
+#include "tests/support/logcapture.h"
 
 #include <algorithm>
 

@@ -15,7 +15,7 @@
 //
 // It writes down, line by line, what the library asks of the platform from then on. Nothing of this may crash or hang.
 
-#include "simulator/machinebuilder.h"
+#include "simulator/machine/builder/machinebuilder.h"
 #include "simulator/simulation.h"
 #include "tests/unloading/events.h"
 

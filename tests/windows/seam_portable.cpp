@@ -1,7 +1,7 @@
 // The portable side of the comparison: the portable headers in a namespace of their own, beside a Windows runtime but
 // without the SDK's headers.
 
-#include "windows/seam_table.h"
+#include "tests/windows/seam_table.h"
 
 // The standard headers that the portable ones include, so that they are not read again inside the namespace.
 #include <cstddef>
@@ -17,7 +17,7 @@ namespace
 seam::Table readTable()
 {
     seam::Table table;
-#include "windows/seam_contents.inc"
+#include "tests/windows/seam_contents.inc"
     return table;
 }
 

@@ -2,14 +2,14 @@
 
 #include "platform/windows/defineidentifiers.h"
 
-#include "windows/seam_table.h"
+#include "tests/windows/seam_table.h"
 
 #include <gtest/gtest.h>
 
 seam::Table seam::sdkTable()
 {
     Table table;
-#include "windows/seam_contents.inc"
+#include "tests/windows/seam_contents.inc"
     return table;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/machinefile.h"
+#include "simulator/machine/file/machinefile.h"
 
 #include <chrono>
 #include <functional>

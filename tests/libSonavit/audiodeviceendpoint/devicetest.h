@@ -2,8 +2,8 @@
 #pragma once
 
 #include "libSonavit/audiodeviceendpoint.h"
-#include "simulator/machinekeys.h"
-#include "simulator/machinenodetypes.h"
+#include "simulator/machine/nodetypes.h"
+#include "simulator/machine/propertykeys.h"
 #include "tests/support/librarytest.h"
 
 #include <algorithm>

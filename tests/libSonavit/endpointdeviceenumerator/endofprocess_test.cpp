@@ -1,6 +1,6 @@
 #include "libSonavit/endpointdeviceenumerator.h"
 
-#include "libSonavit/endpointdeviceenumerator/supportcountedclient.h"
+#include "tests/libSonavit/endpointdeviceenumerator/supportcountedclient.h"
 #include "tests/support/librarytest.h"
 
 #if !defined(_WIN32) // what happens at the end of a process there is told by the fixture alone

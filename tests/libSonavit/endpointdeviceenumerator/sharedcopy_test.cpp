@@ -1,6 +1,6 @@
 #include "libSonavit/endpointdeviceenumerator.h"
 
-#include "libSonavit/endpointdeviceenumerator/supportcountedclient.h"
+#include "tests/libSonavit/endpointdeviceenumerator/supportcountedclient.h"
 #include "tests/support/librarytest.h"
 
 #include <memory>

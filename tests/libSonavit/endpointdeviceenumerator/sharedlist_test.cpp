@@ -1,6 +1,6 @@
 #include "libSonavit/endpointdeviceenumerator.h"
 
-#include "libSonavit/endpointdeviceenumerator/supportendpoints.h"
+#include "tests/libSonavit/endpointdeviceenumerator/supportendpoints.h"
 #include "tests/support/librarytest.h"
 
 using libSonavit::AudioDeviceEnumerator;

@@ -1,7 +1,7 @@
 #include "libSonavit/endpointdeviceenumerator.h"
 
-#include "libSonavit/endpointdeviceenumerator/supportcountedclient.h"
-#include "libSonavit/endpointdeviceenumerator/supportendpoints.h"
+#include "tests/libSonavit/endpointdeviceenumerator/supportcountedclient.h"
+#include "tests/libSonavit/endpointdeviceenumerator/supportendpoints.h"
 #include "tests/support/librarytest.h"
 
 #include <memory>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "COM/supportcountedobject.h"
+#include "tests/COM/supportcountedobject.h"
 
 namespace support
 {

@@ -2,8 +2,8 @@
 
 #include "libSonavit/audiodeviceendpoint.h"
 #include "qor/array.h"
-#include "simulator/machinebuilder.h"
-#include "simulator/machinekeys.h"
+#include "simulator/machine/builder/machinebuilder.h"
+#include "simulator/machine/propertykeys.h"
 
 #include <string>
 #include <utility>

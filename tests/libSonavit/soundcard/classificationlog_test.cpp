@@ -1,6 +1,6 @@
 #include "libSonavit/soundcard.h"
 
-#include "libSonavit/soundcard/supportcards.h"
+#include "tests/libSonavit/soundcard/supportcards.h"
 #include "tests/support/librarytest.h"
 
 using qor::LoggerPriority;

@@ -1,20 +1,19 @@
-#include "libSonavit/endpointdeviceenumerator/supportendpoints.h"
-#include "libSonavit/soundcard/supportgraphcard.h"
+#include "tests/libSonavit/endpointdeviceenumerator/supportendpoints.h"
+#include "tests/libSonavit/soundcard/supportgraphcard.h"
 
 #include <algorithm>
 
+using support::cardChannel;
 using support::idsOf;
 using support::linksOf;
 using support::nodesOf;
 using support::nowhere;
+using support::topologyLabel;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.soundcard";
-const std::string topologyLabel = "SoundCard::registerConnectors(const AudioDeviceTopology& deviceTopology)";
-
 struct ConnectorMap : support::GraphCardTest
 {
 };
@@ -191,7 +190,7 @@ TEST_F(ConnectorMap, LogsItsThreeOperations)
     discovered();
 
     std::vector<std::string> labels;
-    for (const std::string& label : log.entered("libSonavit.soundcard"))
+    for (const std::string& label : log.entered(cardChannel))
     {
         if (label.find("onnector") != std::string::npos)
             labels.push_back(label);
@@ -225,6 +224,6 @@ TEST_F(ConnectorMap, RegistersAllInternalDevicesAgainForEachNewOne)
 
     discovered();
 
-    const std::vector<std::string> labels = log.entered(channel);
+    const std::vector<std::string> labels = log.entered(cardChannel);
     EXPECT_EQ(1 + 1 + 2 + 3, std::count(labels.begin(), labels.end(), topologyLabel));
 }

@@ -1,22 +1,21 @@
 // The graph of connectors on a platform that withholds things.
-#include "libSonavit/endpointdeviceenumerator/supportendpoints.h"
-#include "libSonavit/soundcard/supportgraphcard.h"
-#include "libSonavit/soundcard/supportscriptedparts.h"
+#include "tests/libSonavit/endpointdeviceenumerator/supportendpoints.h"
+#include "tests/libSonavit/soundcard/supportgraphcard.h"
+#include "tests/libSonavit/soundcard/supportscriptedparts.h"
 
 #include <algorithm>
 
+using support::cardChannel;
 using support::idsOf;
 using support::linksOf;
 using support::nodesOf;
 using support::nowhere;
+using support::topologyLabel;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.soundcard";
-const std::string topologyLabel = "SoundCard::registerConnectors(const AudioDeviceTopology& deviceTopology)";
-
 struct ConnectorMapFaults : support::GraphCardTest
 {
 };
@@ -60,7 +59,7 @@ TEST_F(ConnectorMapFaults, RegistersItsOwnSideOnceForTwoConnectorsToADeviceThatC
     discovered();
 
     EXPECT_EQ(2u + 2u, simulation().journal().count("IPart::GetTopologyObject")) << "one a node in each pass";
-    const std::vector<std::string> labels = log.entered(channel);
+    const std::vector<std::string> labels = log.entered(cardChannel);
     EXPECT_EQ(2, std::count(labels.begin(), labels.end(), topologyLabel));
 }
 
@@ -101,7 +100,7 @@ TEST_F(ConnectorMapFaults, PassesOverAConnectorThatThePlatformReportedAndDidNotG
     EXPECT_GT(missing.fired(), 0u);
     EXPECT_THAT(nodesOf(card), ElementsAre("", "out/2", "board/1"));
     EXPECT_THAT(linksOf(card), ElementsAre(IsEmpty(), ElementsAre(2u), ElementsAre(1u)));
-    EXPECT_THAT(log.texts(channel), IsEmpty());
+    EXPECT_THAT(log.texts(cardChannel), IsEmpty());
 }
 
 TEST_F(ConnectorMapFaults, MakesNothingOfASuccessWithoutFarDeviceAndPeer)

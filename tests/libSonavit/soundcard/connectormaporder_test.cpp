@@ -1,6 +1,6 @@
 #include "libSonavit/soundcard.h"
 
-#include "libSonavit/soundcard/supportgraphs.h"
+#include "tests/libSonavit/soundcard/supportgraphs.h"
 #include "tests/support/librarytest.h"
 
 using testing::ElementsAre;

@@ -1,6 +1,6 @@
 #include "libSonavit/soundcard.h"
 
-#include "simulator/machinekeys.h"
+#include "simulator/machine/propertykeys.h"
 #include "tests/support/librarytest.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 #include "libSonavit/soundcard.h"
 
 #include "libSonavit/endpointdeviceenumerator.h"
-#include "libSonavit/soundcard/supportcards.h"
 #include "libSonavit/soundcardupdater.h"
+#include "tests/libSonavit/soundcard/supportcards.h"
 #include "tests/support/librarytest.h"
 
 using testing::ElementsAre;

@@ -1,5 +1,5 @@
 // What holds for all events.
-#include "libSonavit/soundcard/supporthotplug.h"
+#include "tests/libSonavit/soundcard/supporthotplug.h"
 
 #include <algorithm>
 #include <thread>

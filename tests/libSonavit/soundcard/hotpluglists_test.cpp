@@ -1,5 +1,5 @@
 // Endpoints enter and leave a card's lists.
-#include "libSonavit/soundcard/supporthotplug.h"
+#include "tests/libSonavit/soundcard/supporthotplug.h"
 
 using qor::LoggerPriority;
 using support::IdText;

@@ -2,8 +2,8 @@
 
 #include "COM/identifiers.h"
 #include "libSonavit/endpointdeviceenumerator.h"
-#include "libSonavit/soundcard/supportobserver.h"
 #include "simulator/simulation.h"
+#include "tests/libSonavit/soundcard/supportobserver.h"
 #include "tests/support/logcapture.h"
 
 #include <gmock/gmock.h>

@@ -1,5 +1,5 @@
 // A card's endpoint changes its state.
-#include "libSonavit/soundcard/supporthotplug.h"
+#include "tests/libSonavit/soundcard/supporthotplug.h"
 
 #include <algorithm>
 

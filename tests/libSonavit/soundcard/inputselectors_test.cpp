@@ -1,5 +1,5 @@
-#include "libSonavit/soundcard/supportgraphcard.h"
-#include "libSonavit/soundcard/supportscriptedparts.h"
+#include "tests/libSonavit/soundcard/supportgraphcard.h"
+#include "tests/libSonavit/soundcard/supportscriptedparts.h"
 
 using qor::LoggerPriority;
 using testing::ElementsAre;

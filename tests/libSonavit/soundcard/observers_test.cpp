@@ -1,6 +1,6 @@
 #include "libSonavit/soundcard.h"
 
-#include "libSonavit/soundcard/supportobserver.h"
+#include "tests/libSonavit/soundcard/supportobserver.h"
 #include "tests/support/librarytest.h"
 
 using qor::LoggerPriority;

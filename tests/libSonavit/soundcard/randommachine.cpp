@@ -1,4 +1,4 @@
-#include "libSonavit/soundcard/randommachine.h"
+#include "tests/libSonavit/soundcard/randommachine.h"
 
 #include "COM/identifiers.h"
 

@@ -1,12 +1,12 @@
 #include "libSonavit/soundcard.h"
 
 #include "libSonavit/endpointdeviceenumerator.h"
-#include "libSonavit/endpointdeviceenumerator/supportendpoints.h"
-#include "libSonavit/soundcard/randommachine.h"
-#include "libSonavit/soundcard/referencecard.h"
-#include "libSonavit/soundcard/supportgraphs.h"
-#include "simulator/machinefile.h"
+#include "simulator/machine/file/machinefile.h"
 #include "simulator/simulation.h"
+#include "tests/libSonavit/endpointdeviceenumerator/supportendpoints.h"
+#include "tests/libSonavit/soundcard/randommachine.h"
+#include "tests/libSonavit/soundcard/referencecard.h"
+#include "tests/libSonavit/soundcard/supportgraphs.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/printers.h"
 

@@ -1,4 +1,4 @@
-#include "libSonavit/soundcard/referencecard.h"
+#include "tests/libSonavit/soundcard/referencecard.h"
 
 #include "COM/identifiers.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/machine.h"
+#include "simulator/machine/machine.h"
 
 #include <cstdint>
 #include <ostream>

@@ -1,8 +1,8 @@
 #include "libSonavit/soundcard.h"
 
 #include "libSonavit/endpointdeviceenumerator.h"
-#include "libSonavit/endpointdeviceenumerator/supportendpoints.h"
 #include "libSonavit/soundcardupdater.h"
+#include "tests/libSonavit/endpointdeviceenumerator/supportendpoints.h"
 #include "tests/support/librarytest.h"
 
 #include <algorithm>

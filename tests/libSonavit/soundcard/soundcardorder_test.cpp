@@ -1,8 +1,8 @@
 // The order in which a card comes together and falls apart.
 #include "libSonavit/endpointdeviceenumerator.h"
 #include "libSonavit/soundcard.h"
-#include "libSonavit/soundcard/supportgraphs.h"
 #include "libSonavit/soundcardupdater.h"
+#include "tests/libSonavit/soundcard/supportgraphs.h"
 #include "tests/support/librarytest.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 
 #include "libSonavit/soundcard.h"
 
-#include "libSonavit/endpointdeviceenumerator/supportendpoints.h"
+#include "tests/libSonavit/endpointdeviceenumerator/supportendpoints.h"
 
 namespace support
 {

@@ -1,11 +1,16 @@
 #pragma once
 
 #include "libSonavit/soundcard.h"
-#include "libSonavit/soundcard/supportgraphs.h"
+#include "tests/libSonavit/soundcard/supportgraphs.h"
 #include "tests/support/librarytest.h"
 
 namespace support
 {
+inline constexpr const char* cardChannel = "libSonavit.soundcard";
+
+/// Entered for each topology whose connectors are registered.
+inline constexpr const char* topologyLabel = "SoundCard::registerConnectors(const AudioDeviceTopology& deviceTopology)";
+
 /// A test of the only card of a machine, which is discovered once the test has drawn the machine's graph.
 struct GraphCardTest : LibraryTest
 {

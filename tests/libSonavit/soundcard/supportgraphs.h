@@ -2,7 +2,7 @@
 
 #include "COM/identifiers.h"
 #include "libSonavit/soundcard.h"
-#include "simulator/machine.h"
+#include "simulator/machine/machine.h"
 
 #include <string>
 #include <vector>

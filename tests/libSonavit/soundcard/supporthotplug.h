@@ -1,10 +1,10 @@
 /// A machine whose endpoints come and go.
 #pragma once
 
-#include "libSonavit/endpointdeviceenumerator/supportendpoints.h"
 #include "libSonavit/soundcard.h"
-#include "libSonavit/soundcard/supportobserver.h"
 #include "libSonavit/soundcardupdater.h"
+#include "tests/libSonavit/endpointdeviceenumerator/supportendpoints.h"
+#include "tests/libSonavit/soundcard/supportobserver.h"
 #include "tests/support/librarytest.h"
 
 namespace support

@@ -1,7 +1,7 @@
 /// The controls that a card finds for an endpoint, in words.
 #pragma once
 
-#include "libSonavit/soundcard/supportgraphcard.h"
+#include "tests/libSonavit/soundcard/supportgraphcard.h"
 
 namespace support
 {

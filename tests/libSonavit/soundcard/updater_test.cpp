@@ -1,7 +1,7 @@
 #include "libSonavit/soundcardupdater.h"
 
 #include "COM/identifiers.h"
-#include "libSonavit/soundcard/supportobserver.h"
+#include "tests/libSonavit/soundcard/supportobserver.h"
 #include "tests/support/librarytest.h"
 
 #include <algorithm>

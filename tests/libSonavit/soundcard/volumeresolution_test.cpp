@@ -1,6 +1,6 @@
 // The walk from an endpoint through the card's graph.
-#include "foundation/supportallocations.h"
-#include "libSonavit/soundcard/supportvolumeresolution.h"
+#include "tests/foundation/supportallocations.h"
+#include "tests/libSonavit/soundcard/supportvolumeresolution.h"
 
 using qor::LoggerPriority;
 using support::described;

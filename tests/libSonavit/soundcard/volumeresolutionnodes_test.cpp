@@ -1,6 +1,6 @@
 // The volume and mute nodes around one connector.
-#include "libSonavit/soundcard/supportscriptedparts.h"
-#include "libSonavit/soundcard/supportvolumeresolution.h"
+#include "tests/libSonavit/soundcard/supportscriptedparts.h"
+#include "tests/libSonavit/soundcard/supportvolumeresolution.h"
 #include "tests/libSonavit/volumecontroller/supportscriptedvolume.h"
 
 using qor::LoggerPriority;
@@ -170,6 +170,21 @@ TEST_F(VolumeResolution, ActivatesBothControlsInAnyContext)
                 ElementsAre("IPart::Activate(IAudioVolumeLevel, 23)", "IPart::Activate(IAudioMute, 23)"));
 }
 
+namespace
+{
+/// The records of a list of parts that holds @p volume alone.
+qor::Array<SoundCard::VolumeController> recordsOf(support::ScriptedPart& volume)
+{
+    const SoundCard card;
+    const AudioComponent<IConnector> connector(static_cast<IConnector*>(nullptr));
+    qor::Array<AudioPart> parts;
+    parts.append(AudioPart(volume.handle()));
+    qor::Array<SoundCard::VolumeController> result;
+    EXPECT_TRUE(card.volumeControllerFromList(parts, connector, result));
+    return result;
+}
+}
+
 TEST_F(VolumeResolution, GivesNoRecordForAVolumeThatCameWithAFailure)
 {
     run({});
@@ -177,17 +192,8 @@ TEST_F(VolumeResolution, GivesNoRecordForAVolumeThatCameWithAFailure)
     support::ScriptedPart volume("volume", KSNODETYPE_VOLUME);
     volume.activation = E_FAIL;
     volume.control = static_cast<IAudioVolumeLevel*>(&level);
-    {
-        const SoundCard card;
-        const AudioComponent<IConnector> connector(static_cast<IConnector*>(nullptr));
-        qor::Array<AudioPart> parts;
-        parts.append(AudioPart(volume.handle()));
-        qor::Array<SoundCard::VolumeController> result;
+    EXPECT_EQ(0u, recordsOf(volume).size());
 
-        EXPECT_TRUE(card.volumeControllerFromList(parts, connector, result));
-
-        EXPECT_EQ(0u, result.size());
-    }
     EXPECT_EQ(1u, level.references);
     EXPECT_EQ(1u, volume.references);
 }
@@ -206,13 +212,7 @@ TEST_F(VolumeResolution, GivesARecordWithoutAMuteThatCameWithAFailure)
     volume.control = static_cast<IAudioVolumeLevel*>(&level);
     level.AddRef(); // the reference that comes with the activation
     {
-        const SoundCard card;
-        const AudioComponent<IConnector> connector(static_cast<IConnector*>(nullptr));
-        qor::Array<AudioPart> parts;
-        parts.append(AudioPart(volume.handle()));
-        qor::Array<SoundCard::VolumeController> result;
-
-        EXPECT_TRUE(card.volumeControllerFromList(parts, connector, result));
+        const qor::Array<SoundCard::VolumeController> result = recordsOf(volume);
 
         ASSERT_EQ(1u, result.size());
         EXPECT_EQ(nullptr, result[0].mute.get());

@@ -1,6 +1,6 @@
 // The endpoint twin's questions and setters. Percents have a file of their own, and so has the change notification.
-#include "supportcontrollers.h"
-#include "supportscriptedvolume.h"
+#include "tests/libSonavit/volumecontroller/supportcontrollers.h"
+#include "tests/libSonavit/volumecontroller/supportscriptedvolume.h"
 
 using support::EndpointController;
 using support::EndpointControllerTest;

@@ -1,5 +1,5 @@
 // Registering a change notification with the endpoint twin, and what becomes of it.
-#include "supportcontrollers.h"
+#include "tests/libSonavit/volumecontroller/supportcontrollers.h"
 
 using support::EndpointController;
 using support::EndpointControllerTest;

@@ -1,5 +1,5 @@
 // Percents of the endpoint twin, which come from the platform's scalars and become such.
-#include "supportcontrollers.h"
+#include "tests/libSonavit/volumecontroller/supportcontrollers.h"
 
 #include <limits>
 

@@ -1,6 +1,6 @@
 // The regular twin's questions and setters. Percents have a file of their own.
-#include "supportcontrollers.h"
-#include "supportscriptedvolume.h"
+#include "tests/libSonavit/volumecontroller/supportcontrollers.h"
+#include "tests/libSonavit/volumecontroller/supportscriptedvolume.h"
 
 #include "qor/exception.h"
 

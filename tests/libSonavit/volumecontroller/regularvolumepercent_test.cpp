@@ -1,5 +1,5 @@
 // Percents of the regular twin, which it computes itself from decibels and their range.
-#include "supportcontrollers.h"
+#include "tests/libSonavit/volumecontroller/supportcontrollers.h"
 
 #include "qor/exception.h"
 

@@ -1,7 +1,7 @@
 /// Controllers of a simulated endpoint and of a simulated hardware node, for the tests of both twins.
 #pragma once
 
-#include "support/librarytest.h"
+#include "tests/support/librarytest.h"
 
 #include "libSonavit/volumecontroller.h"
 

@@ -1,4 +1,4 @@
-#include "supportcontrollers.h"
+#include "tests/libSonavit/volumecontroller/supportcontrollers.h"
 
 #include "tests/libSonavit/supportplace.h"
 

@@ -1,7 +1,5 @@
 #include "OSWindows/configmanager.h"
 
-#if defined(_WIN32)
-
 #include "platform/windows/configurationmanager.h"
 
 #include <vector>
@@ -27,5 +25,3 @@ bool ConfigManager::getParentDeviceInstanceId(const qor::String& childInstanceId
     return true;
 }
 }
-
-#endif

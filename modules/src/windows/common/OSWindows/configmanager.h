@@ -1,6 +1,6 @@
 #pragma once
 
-#include "libSonavit/export.h"
+#include "libModuleCommon/export.h"
 #include "qor/string.h"
 
 namespace libOSWindows

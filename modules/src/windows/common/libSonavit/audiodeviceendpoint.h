@@ -1,10 +1,10 @@
 #pragma once
 
 #include "COM/comptr.h"
+#include "libModuleCommon/export.h"
 #include "libSonavit/audiodeviceinterface.h"
 #include "libSonavit/audiodevicetopology.h"
 #include "libSonavit/audiopart.h"
-#include "libSonavit/export.h"
 #include "libSonavit/volumecontroller.h"
 #include "platform/atlcomptr.h"
 #include "platform/coreaudio.h"

@@ -1,8 +1,18 @@
 #include "libSonavit/audiodevicetopology.h"
 
+#include "COM/interfacequery.h"
 #include "COM/resultcode.h"
-#include "libSonavit/audiodevicetopologylog.h"
-#include "libSonavit/audiopart/interfacequery.h"
+#include "qor/logstatement.h"
+
+namespace
+{
+/// The log channel of this module.
+namespace topologylog
+{
+constexpr const char* channel = "libSonavit.audioDeviceTopology";
+qor::LoggerSlot logger;
+}
+}
 
 namespace
 {

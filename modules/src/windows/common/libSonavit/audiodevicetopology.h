@@ -1,8 +1,8 @@
 #pragma once
 
 #include "COM/comptr.h"
+#include "libModuleCommon/export.h"
 #include "libSonavit/audiopart.h"
-#include "libSonavit/export.h"
 #include "platform/coreaudio.h"
 #include "qor/array.h"
 #include "qor/string.h"

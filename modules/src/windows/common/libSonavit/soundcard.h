@@ -1,10 +1,10 @@
 #pragma once
 
 #include "COM/comptr.h"
+#include "libModuleCommon/export.h"
 #include "libSonavit/audiodeviceendpoint.h"
 #include "libSonavit/audiodevicetopology.h"
 #include "libSonavit/audiopart.h"
-#include "libSonavit/export.h"
 #include "libSonavit/soundcardinterface.h"
 #include "libSonavit/soundcardobserver.h"
 #include "platform/coreaudio.h"

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "libModuleCommon/export.h"
 #include "libSonavit/audiodeviceinterface.h"
-#include "libSonavit/export.h"
 #include "libSonavit/volumecontroller.h"
 #include "qor/array.h"
 #include "qor/resource.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "libSonavit/export.h"
+#include "libModuleCommon/export.h"
 #include "libSonavit/soundcard.h"
 #include "qor/array.h"
 #include "qor/resource.h"

@@ -1,8 +1,18 @@
 #include "libSonavit/volumechangenotification.h"
 
 #include "COM/identifiers.h"
-#include "libSonavit/volumechangenotificationlog.h"
 #include "platform/interlocked.h"
+#include "qor/logstatement.h"
+
+namespace
+{
+/// The log channel of this module.
+namespace notificationlog
+{
+constexpr const char* channel = "libSonavit.volumeChangeNotification";
+qor::LoggerSlot logger;
+}
+}
 
 VolumeChangeNotification::VolumeChangeNotification()
     : m_referenceCount(1),

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "COM/comptr.h"
-#include "libSonavit/export.h"
+#include "libModuleCommon/export.h"
 #include "platform/coreaudio.h"
 
 // The base has virtual functions and no virtual destructor: objects of it end by Release, and a virtual destructor

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "COM/comptr.h"
-#include "libSonavit/export.h"
+#include "libModuleCommon/export.h"
 #include "libSonavit/volumechangenotification.h"
 #include "platform/coreaudio.h"
 #include "qor/string.h"

@@ -1,9 +1,9 @@
 #include "libSonavit/audiodeviceendpoint.h"
 
 #include "COM/identifiers.h"
+#include "COM/interfacequery.h"
 #include "COM/resultcode.h"
-#include "libSonavit/audiodeviceendpointlog.h"
-#include "libSonavit/audiopart/interfacequery.h"
+#include "libSonavit/audiodeviceendpoint/log.h"
 
 namespace
 {
@@ -29,7 +29,7 @@ public:
     /// @return whether all went well and @p id holds the default endpoint's id; a failing step is logged
     bool ask(LPWSTR& id)
     {
-        HRESULT result = createEnumerator();
+        HRESULT result = interfacequery::createEnumerator(m_enumerator); // one of its own, apart from the shared one
         if (FAILED(result) || m_enumerator == nullptr)
             return failed("CoCreateInstance returns ", result);
         result = interfacequery::query(*m_device, m_endpoint);
@@ -57,16 +57,6 @@ public:
     }
 
 private:
-    /// An enumerator of its own, apart from the shared one.
-    HRESULT createEnumerator()
-    {
-        void* place = nullptr;
-        const HRESULT result = CoCreateInstance(CLSID_MMDeviceEnumerator, nullptr, CLSCTX_INPROC_SERVER,
-                                                interfacequery::idOf<IMMDeviceEnumerator>(), &place);
-        m_enumerator = static_cast<IMMDeviceEnumerator*>(place);
-        return result;
-    }
-
     static bool failed(const char* step, HRESULT result)
     {
         SONAVIT_LOG(endpointlog, LOG_ERROR, out.append(step).append(hexText(result)));

@@ -1,8 +1,8 @@
 #include "libSonavit/audiodeviceendpoint.h"
 
+#include "COM/interfacequery.h"
 #include "COM/resultcode.h"
-#include "libSonavit/audiodeviceendpointlog.h"
-#include "libSonavit/audiopart/interfacequery.h"
+#include "libSonavit/audiodeviceendpoint/log.h"
 #include "libSonavit/endpointdeviceenumerator.h"
 
 AudioDevice::AudioDevice() = default;

@@ -1,7 +1,7 @@
 #include "libSonavit/audiodeviceendpoint.h"
 
 #include "COM/resultcode.h"
-#include "libSonavit/audiodeviceendpointlog.h"
+#include "libSonavit/audiodeviceendpoint/log.h"
 #include "qor/exception.h"
 
 #include <cstring>

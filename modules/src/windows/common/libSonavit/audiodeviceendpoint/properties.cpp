@@ -1,7 +1,7 @@
 #include "libSonavit/audiodeviceinterface.h"
 
 #include "COM/resultcode.h"
-#include "libSonavit/audiodeviceendpointlog.h"
+#include "libSonavit/audiodeviceendpoint/log.h"
 
 AudioDeviceInterface::AudioDeviceInterface() = default;
 AudioDeviceInterface::AudioDeviceInterface(const AudioDeviceInterface&) = default;

@@ -2,7 +2,7 @@
 
 #include "COM/identifiers.h"
 #include "COM/resultcode.h"
-#include "libSonavit/audiodeviceendpointlog.h"
+#include "libSonavit/audiodeviceendpoint/log.h"
 
 #include <cstring>
 

@@ -1,8 +1,8 @@
 #include "libSonavit/audiopart.h"
 
+#include "COM/interfacequery.h"
 #include "libSonavit/audiodevicetopology.h"
-#include "libSonavit/audiopart/interfacequery.h"
-#include "libSonavit/audiopartlog.h"
+#include "libSonavit/audiopart/log.h"
 
 template<class I>
 AudioComponent<I>::AudioComponent(I* component) : m_component(component),

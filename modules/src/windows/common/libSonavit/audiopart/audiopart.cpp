@@ -1,7 +1,7 @@
 #include "libSonavit/audiopart.h"
 
-#include "libSonavit/audiopart/interfacequery.h"
-#include "libSonavit/audiopartlog.h"
+#include "COM/interfacequery.h"
+#include "libSonavit/audiopart/log.h"
 #include "qor/exception.h"
 
 AudioPart::AudioPart() : m_subType() {}

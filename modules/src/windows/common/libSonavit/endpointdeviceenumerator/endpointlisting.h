@@ -2,19 +2,11 @@
 #pragma once
 
 #include "COM/comptr.h"
-#include "COM/identifiers.h"
 #include "libSonavit/audiodeviceendpoint.h"
 #include "qor/array.h"
 
 namespace endpointlisting
 {
-/// Makes an enumerator, whose reference passes to the caller. Each owner logs a failure itself.
-inline HRESULT createEnumerator(IMMDeviceEnumerator*& enumerator)
-{
-    return CoCreateInstance(CLSID_MMDeviceEnumerator, nullptr, CLSCTX_INPROC_SERVER, IID_IMMDeviceEnumerator,
-                            reinterpret_cast<void**>(&enumerator));
-}
-
 /// The endpoints of @p flow in one of the states of @p states, as they are now; nil if the platform gives no
 /// collection.
 inline COMPtr<IMMDeviceCollection>::pointer collectionOf(IMMDeviceEnumerator& enumerator, EDataFlow flow, DWORD states)

@@ -1,8 +1,9 @@
 #include "libSonavit/endpointdeviceenumerator.h"
 
+#include "COM/interfacequery.h"
 #include "COM/resultcode.h"
 #include "libSonavit/endpointdeviceenumerator/endpointlisting.h"
-#include "libSonavit/endpointdeviceenumeratorlog.h"
+#include "libSonavit/endpointdeviceenumerator/log.h"
 
 namespace libSonavit
 {
@@ -49,7 +50,7 @@ bool EndpointDeviceEnumerator::initialize()
     SONAVIT_TRACE(enumeratorlog, "EndpointDeviceEnumerator::initialize()");
     m_enumerator = nullptr;
     IMMDeviceEnumerator* enumerator = nullptr;
-    const HRESULT result = endpointlisting::createEnumerator(enumerator);
+    const HRESULT result = interfacequery::createEnumerator(enumerator);
     if (FAILED(result))
     {
         SONAVIT_LOG(enumeratorlog, LOG_ERROR, out.append("CoCreateInstance returns ").append(hexText(result)));

@@ -1,8 +1,9 @@
 #include "libSonavit/endpointdeviceenumerator.h"
 
+#include "COM/interfacequery.h"
 #include "COM/resultcode.h"
 #include "libSonavit/endpointdeviceenumerator/endpointlisting.h"
-#include "libSonavit/endpointdeviceenumeratorlog.h"
+#include "libSonavit/endpointdeviceenumerator/log.h"
 
 #include <new>
 
@@ -87,7 +88,7 @@ unsigned int AudioDeviceEnumerator::audioDevices(EDataFlow flow, qor::Array<Audi
 void AudioDeviceEnumerator::createDeviceEnumerator()
 {
     IMMDeviceEnumerator* enumerator = nullptr;
-    const HRESULT result = endpointlisting::createEnumerator(enumerator);
+    const HRESULT result = interfacequery::createEnumerator(enumerator);
     if (FAILED(result))
         SONAVIT_LOG(enumeratorlog, LOG_ERROR, out.append("CoCreateInstance returns ").append(hexText(result)));
     if (enumerator == nullptr)

@@ -1,8 +1,9 @@
 #include "libSonavit/endpointdeviceenumerator.h"
 
+#include "COM/interfacequery.h"
 #include "COM/resultcode.h"
 #include "libSonavit/endpointdeviceenumerator/endpointlisting.h"
-#include "libSonavit/endpointdeviceenumeratorlog.h"
+#include "libSonavit/endpointdeviceenumerator/log.h"
 
 EndpointDeviceEnumeratorCommon::EndpointDeviceEnumeratorCommon() : m_notificationObserver(nullptr)
 {
@@ -31,7 +32,7 @@ bool EndpointDeviceEnumeratorCommon::enumerate(EDataFlow flow)
     SONAVIT_TRACE(enumeratorlog, "EndpointDeviceEnumeratorCommon::enumerate(EDataFlow flow)");
     clear();
     IMMDeviceEnumerator* enumerator = nullptr;
-    const HRESULT result = endpointlisting::createEnumerator(enumerator);
+    const HRESULT result = interfacequery::createEnumerator(enumerator);
     if (FAILED(result))
     {
         SONAVIT_LOG(enumeratorlog, LOG_ERROR, out.append("CoCreateInstance returns ").append(hexText(result)));

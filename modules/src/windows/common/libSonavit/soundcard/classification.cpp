@@ -3,7 +3,7 @@
 #include "COM/identifiers.h"
 #include "COM/resultcode.h"
 #include "libModuleCommon/guid.h"
-#include "libSonavit/soundcardlog.h"
+#include "libSonavit/soundcard/log.h"
 
 namespace
 {

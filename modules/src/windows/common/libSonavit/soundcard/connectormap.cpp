@@ -1,7 +1,8 @@
 #include "libSonavit/soundcard.h"
 
+#include "COM/tasktext.h"
 #include "libSonavit/soundcard/listsearch.h"
-#include "libSonavit/soundcardlog.h"
+#include "libSonavit/soundcard/log.h"
 
 namespace
 {
@@ -11,24 +12,13 @@ void appendIds(const qor::Array<AudioDevice>& devices, qor::Array<qor::String>& 
         ids.append(devices[i].deviceProperty().deviceId);
 }
 
-/// A text of the platform's, freed in any case: null as well, and when what is made of it fails.
-struct TaskText
-{
-    TaskText() = default;
-    TaskText(const TaskText&) = delete;
-    TaskText& operator=(const TaskText&) = delete;
-    ~TaskText() { CoTaskMemFree(text); }
-
-    LPWSTR text = nullptr;
-};
-
 /// Id of the device on the far side; empty where the platform gives none, or has given no connector to ask.
 qor::String farDeviceId(const COMPtr<IConnector>::pointer& connector)
 {
     TaskText id;
     if (connector.get() != nullptr)
-        connector->GetDeviceIdConnectedTo(&id.text); // the pointer decides
-    return qor::String(platform::ucs2(id.text));
+        connector->GetDeviceIdConnectedTo(id.put()); // the pointer decides
+    return qor::String(platform::ucs2(id.get()));
 }
 
 /// The connector on the far side, or null.

@@ -2,7 +2,7 @@
 
 #include "OSWindows/configmanager.h"
 #include "libSonavit/endpointdeviceenumerator.h"
-#include "libSonavit/soundcardlog.h"
+#include "libSonavit/soundcard/log.h"
 
 #include <memory>
 

@@ -2,7 +2,7 @@
 
 #include "COM/identifiers.h"
 #include "COM/resultcode.h"
-#include "libSonavit/soundcardlog.h"
+#include "libSonavit/soundcard/log.h"
 
 namespace
 {

@@ -1,6 +1,6 @@
 #include "libSonavit/soundcard.h"
 
-#include "libSonavit/soundcardlog.h"
+#include "libSonavit/soundcard/log.h"
 
 bool SoundCard::registerPlaybackObserver(const BorrowedPointer<SoundCardObserver>& observer)
 {

@@ -2,7 +2,7 @@
 
 #include "libSonavit/endpointdeviceenumerator.h"
 #include "libSonavit/soundcard/listsearch.h"
-#include "libSonavit/soundcardlog.h"
+#include "libSonavit/soundcard/log.h"
 #include "libSonavit/soundcardupdater.h"
 
 SoundCardInterface::SoundCardInterface() = default;

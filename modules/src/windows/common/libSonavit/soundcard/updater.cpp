@@ -3,7 +3,7 @@
 #include "COM/identifiers.h"
 #include "COM/resultcode.h"
 #include "libSonavit/soundcard/listsearch.h"
-#include "libSonavit/soundcardlog.h"
+#include "libSonavit/soundcard/log.h"
 #include "platform/interlocked.h"
 
 namespace

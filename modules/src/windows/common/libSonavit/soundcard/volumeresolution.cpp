@@ -2,7 +2,7 @@
 
 #include "COM/identifiers.h"
 #include "libSonavit/soundcard/listsearch.h"
-#include "libSonavit/soundcardlog.h"
+#include "libSonavit/soundcard/log.h"
 
 namespace
 {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "libSonavit/volumecontroller.h"
-#include "libSonavit/volumecontrollerlog.h"
+#include "libSonavit/volumecontroller/log.h"
 
 #include <cstdint>
 

@@ -1,0 +1,173 @@
+/// Fills a machine with what is usual, so that a test states only what matters to it:
+///
+///     sim::MachineBuilder bench("bench");
+///     sim::CardBuilder codec = bench.card("Analog Audio");
+///     codec.speaker().level(-12.0f).hardwareVolume({-96.0f, 0.0f, 1.5f, -30.0f});
+///     codec.microphone().unplugged();
+///     bench.usbCard("USB Headset").headphones("Headset Earphone").muted();
+///     const sim::Machine machine = bench.build();
+///
+/// Ids are derived from the names and from the order of the calls, so equal calls give equal machines.
+#pragma once
+
+#include "simulator/machine/deviceformat.h"
+#include "simulator/machine/machine.h"
+
+#include <string>
+#include <vector>
+
+namespace sim
+{
+class CardBuilder;
+class MachineBuilder;
+
+/// One endpoint of a machine that is being built: a light reference to hold by value, valid as long as its
+/// MachineBuilder.
+class EndpointBuilder
+{
+public:
+    EndpointBuilder& state(std::uint32_t states);
+    EndpointBuilder& disabled();
+    EndpointBuilder& unplugged();
+    EndpointBuilder& notPresent();
+    EndpointBuilder& notInstalled();
+
+    /// The default of its flow in all roles, or in one.
+    EndpointBuilder& isDefault();
+    EndpointBuilder& defaultFor(ERole role);
+
+    EndpointBuilder& volume(const EndpointVolume& volume);
+    /// All channels of the endpoint volume, in decibels.
+    EndpointBuilder& level(float decibels);
+    EndpointBuilder& muted();
+    EndpointBuilder& withoutVolume();
+
+    EndpointBuilder& format(const DeviceFormat& format);
+    EndpointBuilder& property(const PROPERTYKEY& key, PropertyValue value);
+    EndpointBuilder& withoutProperty(const PROPERTYKEY& key);
+
+    /// Puts a node into the adapter's wire between jack and stream: the first node stands next to the jack, each
+    /// further one between its predecessor and the stream. A single node is the neighbour of both.
+    EndpointBuilder& hardwareVolume(const ChannelLevel& channel, std::size_t channels = 2);
+    EndpointBuilder& hardwareMute(bool muted = false);
+    EndpointBuilder& node(Subunit node);
+
+    EndpointBuilder& jackName(Text name);
+    /// Takes the wire between the endpoint and its jack away; both stay.
+    EndpointBuilder& unjoined();
+    EndpointBuilder& withoutTopology();
+
+    std::string id() const;
+    /// Connector of the endpoint's own topology, of the adapter's jack, and of the stream behind the jack.
+    std::string connectorId() const;
+    std::string jackId() const;
+    std::string streamId() const;
+
+    /// The data themselves, for what has no operation here; valid until the next endpoint or card is added.
+    Endpoint& endpoint() const;
+    Part& jack() const;
+
+private:
+    friend class CardBuilder;
+    EndpointBuilder(MachineBuilder& owner, std::size_t wiring);
+
+    /// The parts of the adapter's wire in the order in which the signal passes them.
+    std::vector<std::string> signal() const;
+
+    MachineBuilder* m_owner;
+    std::size_t m_wiring;
+};
+
+/// One card of a machine that is being built: an adapter with its jacks, and the endpoints behind them. A light
+/// reference, valid as long as its MachineBuilder.
+class CardBuilder
+{
+public:
+    EndpointBuilder speaker(const std::string& name = "Speakers");
+    EndpointBuilder headphones(const std::string& name = "Headphones");
+    EndpointBuilder lineOut(const std::string& name = "Line Out");
+    EndpointBuilder spdifOut(const std::string& name = "Digital Output");
+    EndpointBuilder hdmi(const std::string& name = "Display Audio");
+    EndpointBuilder microphone(const std::string& name = "Microphone");
+    EndpointBuilder lineIn(const std::string& name = "Line In");
+    EndpointBuilder spdifIn(const std::string& name = "Digital Input");
+    EndpointBuilder endpoint(const std::string& name, EDataFlow flow, const GUID& jackType);
+
+    /// Adds a connector or a node to the adapter's topology, with ids of its own and no neighbours; returns its id.
+    std::string connector(Text name, const GUID& type, DataFlow direction, ConnectorType kind = Software_IO);
+    std::string subunit(Subunit subunit);
+    /// Makes each part feed the next, and notes a signal path from the first to the last.
+    CardBuilder& chain(const std::vector<std::string>& parts);
+
+    /// What the instance path of the card's endpoints is, and the part of it that is the instance id.
+    std::string instancePath() const;
+    std::string instanceId() const;
+
+    /// The data themselves; valid until the next card is added.
+    Adapter& adapter() const;
+
+private:
+    friend class MachineBuilder;
+    friend class EndpointBuilder;
+    CardBuilder(MachineBuilder& owner, std::size_t index);
+
+    /// Takes back what chain() did.
+    void unchain(const std::vector<std::string>& parts);
+
+    MachineBuilder* m_owner;
+    std::size_t m_index;
+};
+
+/// A machine that is being built.
+class MachineBuilder
+{
+public:
+    explicit MachineBuilder(const std::string& name = "bench");
+    MachineBuilder(const MachineBuilder&) = delete;
+    MachineBuilder& operator=(const MachineBuilder&) = delete;
+
+    /// A card on the board or on USB, whose device instance and parent become known.
+    CardBuilder card(const std::string& name);
+    CardBuilder usbCard(const std::string& name);
+    /// A card of that instance id; the machine's device instances stay as they are.
+    CardBuilder card(const std::string& name, const std::string& instanceId);
+
+    /// No endpoint becomes a default, or gets a wave id, unless it is told to.
+    MachineBuilder& withoutDefaults();
+    MachineBuilder& withoutWaveIds();
+
+    /// The data as they stand. Appending to its lists is safe, whatever is built afterwards.
+    Machine& machine();
+
+    /// The machine. The first active endpoint of a flow that has no default becomes it in all roles; active endpoints
+    /// get wave ids in their order where no wave id is given.
+    Machine build() const;
+
+private:
+    friend class CardBuilder;
+    friend class EndpointBuilder;
+
+    struct Card
+    {
+        std::size_t adapter;
+        std::string name;
+        std::string instanceId;
+        std::string instancePath;
+    };
+
+    /// Where an endpoint stands and where it has its parts.
+    struct Wiring
+    {
+        std::size_t endpoint;
+        std::size_t card;
+        std::string connector;         ///< of the endpoint's own topology
+        std::vector<std::string> wire; ///< of the adapter: the jack, the nodes, the stream
+    };
+
+    Machine m_machine;
+    std::vector<Card> m_cards;
+    std::vector<Wiring> m_wirings;
+    bool m_choosesDefaults = true;
+    bool m_givesWaveIds = true;
+};
+}

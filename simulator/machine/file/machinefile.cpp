@@ -1,0 +1,171 @@
+#include "simulator/machine/file/machinefile.h"
+
+#include "simulator/machine/file/programfolder.h"
+#include "simulator/machine/valuetext.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <utility>
+
+namespace sim
+{
+namespace
+{
+namespace fs = std::filesystem;
+
+constexpr const char* suffix = ".json";
+
+std::string describe(const std::string& file, std::size_t line, std::size_t column, const std::string& place,
+                     const std::string& expected, const std::string& found)
+{
+    std::string text = file;
+    if (line != 0)
+        text += ":" + std::to_string(line);
+    if (column != 0)
+        text += ":" + std::to_string(column);
+    if (!place.empty())
+        text += ": " + place;
+    return text + ": expected " + expected + ", found " + found;
+}
+
+/// The folders to look for shipped machines in; a folder that is not there holds none.
+std::vector<fs::path> machineFolders()
+{
+    const char* const chosen = std::getenv("SONAVIT_MACHINES");
+    if (chosen != nullptr && *chosen != '\0')
+        return {fs::u8path(chosen)};
+
+    std::vector<fs::path> folders;
+    const std::string program = programFolder();
+    if (!program.empty())
+    {
+        folders.push_back(fs::u8path(program) / "machines");
+        folders.push_back(fs::u8path(program).parent_path() / "share" / "sonavit" / "machines");
+    }
+#if defined(SONAVIT_MACHINES_DIR)
+    folders.push_back(fs::u8path(SONAVIT_MACHINES_DIR));
+#endif
+    return folders;
+}
+
+/// A schema lies beside the machines; it is none.
+bool isMachineFile(const fs::path& path)
+{
+    return path.extension() == suffix && path.stem().extension() != ".schema";
+}
+
+bool isPath(const std::string& nameOrFile)
+{
+    const bool hasFolder = nameOrFile.find_first_of("/\\") != std::string::npos;
+    return hasFolder || fs::u8path(nameOrFile).extension() == suffix;
+}
+
+std::string knownNames()
+{
+    std::string result;
+    for (const std::string& name : machineNames())
+        result += (result.empty() ? "" : ", ") + name;
+    return result.empty() ? "no machine at all" : result;
+}
+}
+
+MachineFileError::MachineFileError(std::string file, std::size_t line, std::size_t column, std::string place,
+                                   std::string expected, std::string found)
+    : std::runtime_error(describe(file, line, column, place, expected, found)),
+      m_file(std::move(file)),
+      m_line(line),
+      m_column(column),
+      m_place(std::move(place)),
+      m_expected(std::move(expected)),
+      m_found(std::move(found))
+{
+}
+
+const std::string& MachineFileError::file() const
+{
+    return m_file;
+}
+
+std::size_t MachineFileError::line() const
+{
+    return m_line;
+}
+
+std::size_t MachineFileError::column() const
+{
+    return m_column;
+}
+
+const std::string& MachineFileError::place() const
+{
+    return m_place;
+}
+
+const std::string& MachineFileError::expected() const
+{
+    return m_expected;
+}
+
+const std::string& MachineFileError::found() const
+{
+    return m_found;
+}
+
+Machine readMachineFile(const std::string& path)
+{
+    std::error_code error;
+    if (fs::is_directory(fs::u8path(path), error))
+        throw MachineFileError(path, 0, 0, "", "a machine file", "a folder");
+    std::ifstream file(fs::u8path(path), std::ios::binary);
+    if (!file)
+        throw MachineFileError(path, 0, 0, "", "a machine file", "nothing that can be opened");
+    const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    if (file.bad())
+        throw MachineFileError(path, 0, 0, "", "a machine file", "one that cannot be read to its end");
+    return readMachine(text, path);
+}
+
+Machine findMachine(const std::string& nameOrFile)
+{
+    if (isPath(nameOrFile))
+        return readMachineFile(nameOrFile);
+    const std::string file = machineFile(nameOrFile);
+    if (!file.empty())
+        return readMachineFile(file);
+    throw MachineFileError(inQuotes(nameOrFile), 0, 0, "", "the name of a machine (" + knownNames() + ") or of a file",
+                           "neither");
+}
+
+std::vector<std::string> machineNames()
+{
+    std::vector<std::string> names;
+    for (const fs::path& folder : machineFolders())
+    {
+        std::error_code error;
+        for (fs::directory_iterator entry(folder, error); !error && entry != fs::directory_iterator();
+             entry.increment(error))
+        {
+            if (isMachineFile(entry->path()))
+                names.push_back(entry->path().stem().u8string());
+        }
+    }
+    std::sort(names.begin(), names.end());
+    names.erase(std::unique(names.begin(), names.end()), names.end());
+    return names;
+}
+
+std::string machineFile(const std::string& name)
+{
+    for (const fs::path& folder : machineFolders())
+    {
+        const fs::path path = folder / fs::u8path(name + suffix);
+        std::error_code error;
+        if (!name.empty() && isMachineFile(path) && fs::is_regular_file(path, error))
+            return path.u8string();
+    }
+    return {};
+}
+}

@@ -1,0 +1,110 @@
+/// The words of a machine file and the platform's values that they stand for.
+#pragma once
+
+#include "platform/coreaudio.h"
+#include "simulator/machine/machine.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace sim
+{
+template<class Value>
+struct Named
+{
+    std::string_view name;
+    Value value;
+};
+
+template<class Value, std::size_t Size>
+using Names = std::array<Named<Value>, Size>;
+
+inline constexpr Names<EDataFlow, 2> flowNames = {{{"render", eRender}, {"capture", eCapture}}};
+
+inline constexpr Names<std::uint32_t, 4> stateNames = {{{"active", stateActive},
+                                                        {"disabled", stateDisabled},
+                                                        {"notPresent", stateNotPresent},
+                                                        {"unplugged", stateUnplugged}}};
+
+inline constexpr Names<ERole, 3> roleNames = {
+    {{"console", eConsole}, {"multimedia", eMultimedia}, {"communications", eCommunications}}};
+
+inline constexpr Names<DataFlow, 2> directionNames = {{{"in", In}, {"out", Out}}};
+
+inline constexpr Names<ConnectorType, 6> connectorTypeNames = {{{"unknown", Unknown_Connector},
+                                                                {"physicalInternal", Physical_Internal},
+                                                                {"physicalExternal", Physical_External},
+                                                                {"softwareIo", Software_IO},
+                                                                {"softwareFixed", Software_Fixed},
+                                                                {"network", Network}}};
+
+inline constexpr Names<std::uint32_t, 3> hardwareSupportNames = {{{"volume", 1}, {"mute", 2}, {"meter", 4}}};
+
+inline constexpr Names<ScriptEvent::Kind, 8> eventNames = {{{"added", ScriptEvent::Kind::added},
+                                                            {"removed", ScriptEvent::Kind::removed},
+                                                            {"plugged", ScriptEvent::Kind::plugged},
+                                                            {"unplugged", ScriptEvent::Kind::unplugged},
+                                                            {"stateChanged", ScriptEvent::Kind::stateChanged},
+                                                            {"defaultChanged", ScriptEvent::Kind::defaultChanged},
+                                                            {"volumeChanged", ScriptEvent::Kind::volumeChanged},
+                                                            {"propertyChanged", ScriptEvent::Kind::propertyChanged}}};
+
+inline constexpr Names<bool Device::*, 2> interfaceNames = {
+    {{"IAudioClient", &Device::hasAudioClient}, {"IBaseFilter", &Device::hasBaseFilter}}};
+
+/// The tags of a property value that is a whole number.
+inline constexpr Names<VARTYPE, 6> numberTagNames = {
+    {{"VT_I4", 3}, {"VT_BOOL", 11}, {"VT_UI1", 17}, {"VT_UI2", 18}, {"VT_UI4", 19}, {"VT_UINT", 23}}};
+
+/// The value called @p name; no value where the table has no such name.
+template<class Value, std::size_t Size>
+std::optional<Value> valueOf(const Names<Value, Size>& names, std::string_view name)
+{
+    for (const Named<Value>& named : names)
+    {
+        if (named.name == name)
+            return named.value;
+    }
+    return std::nullopt;
+}
+
+/// The name of @p value; empty where the table has none.
+template<class Value, std::size_t Size>
+std::string nameOf(const Names<Value, Size>& names, const Value& value)
+{
+    for (const Named<Value>& named : names)
+    {
+        if (named.value == value)
+            return std::string(named.name);
+    }
+    return {};
+}
+
+/// "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}" in upper case.
+std::string guidText(const GUID& guid);
+
+/// The GUID written that way, in either case; no value for any other text.
+std::optional<GUID> guidFromText(const std::string& text);
+
+/// A decimal number without sign, blanks or leading zeros that fits into 32 bits.
+std::optional<std::uint32_t> numberFromText(const std::string& text);
+
+/// "0x80004005", eight digits; no value for any other text.
+std::optional<HRESULT> resultFromText(const std::string& text);
+std::string resultText(HRESULT result);
+
+/// The kind of a jack or node by its name ("speaker", "volume"), or any other as a GUID text.
+std::string nodeTypeText(const GUID& nodeType);
+std::optional<GUID> nodeTypeFromText(const std::string& text);
+
+/// Whether the simulated platform has that operation ("IMMDevice::Activate", "CoCreateInstance"). A bare name such as
+/// "Release" stands for that operation of every interface.
+bool isOperation(std::string_view name);
+
+/// Whether IAudioEndpointVolume has an operation of that name ("SetMute").
+bool isEndpointVolumeOperation(std::string_view name);
+}

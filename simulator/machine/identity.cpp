@@ -1,0 +1,115 @@
+#include "simulator/machine/identity.h"
+
+#include "simulator/machine/file/names.h"
+#include "simulator/machine/nodetypes.h"
+#include "simulator/machine/valuetext.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace sim
+{
+namespace
+{
+/// FNV-1a, with its usual constants.
+std::uint64_t hash(const std::string& text)
+{
+    std::uint64_t value = 0xCBF29CE484222325u;
+    for (const char character : text)
+    {
+        value ^= static_cast<unsigned char>(character);
+        value *= 0x100000001B3u;
+    }
+    return value;
+}
+
+std::string inLowerCase(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(), [](char unit) { return lowerCase(unit); });
+    return text;
+}
+}
+
+GUID derivedGuid(const std::string& seed)
+{
+    const std::uint64_t first = hash(seed + "\nfirst");
+    const std::uint64_t last = hash(seed + "\nlast");
+
+    GUID guid = {};
+    guid.Data1 = static_cast<std::uint32_t>(first >> 32);
+    guid.Data2 = static_cast<std::uint16_t>(first >> 16);
+    guid.Data3 = static_cast<std::uint16_t>((first & 0x0FFF) | 0x4000); // the version of random GUIDs
+    for (int index = 0; index < 8; ++index)
+        guid.Data4[index] = static_cast<unsigned char>(last >> (8 * index));
+    guid.Data4[0] = static_cast<unsigned char>((guid.Data4[0] & 0x3F) | 0x80); // and their variant
+    return guid;
+}
+
+std::string derivedHex(const std::string& seed, int digits)
+{
+    char text[17] = {};
+    std::snprintf(text, sizeof text, "%016llX", static_cast<unsigned long long>(hash(seed)));
+    return std::string(text).substr(16 - static_cast<std::size_t>(std::clamp(digits, 0, 16)));
+}
+
+std::string endpointId(EDataFlow flow, const GUID& guid)
+{
+    const std::string family = flow == eRender ? "{0.0.0.00000000}" : "{0.0.1.00000000}";
+    return family + "." + inLowerCase(guidText(guid));
+}
+
+std::string boardInstance(const std::string& seed)
+{
+    return "HDAUDIO\\FUNC_01&VEN_" + derivedHex(seed + "/ven", 4) + "&DEV_" + derivedHex(seed + "/dev", 4) +
+           "&SUBSYS_" + derivedHex(seed + "/subsys", 8) + "&REV_1000\\4&" + derivedHex(seed + "/bus", 7) + "&0&0001";
+}
+
+std::string boardParent(const std::string& seed)
+{
+    return "PCI\\VEN_" + derivedHex(seed + "/ven", 4) + "&DEV_" + derivedHex(seed + "/bridge", 4) + "&SUBSYS_" +
+           derivedHex(seed + "/subsys", 8) + "&REV_03\\3&" + derivedHex(seed + "/slot", 7) + "&0&FB";
+}
+
+std::string usbInstance(const std::string& seed)
+{
+    return "USB\\VID_" + derivedHex(seed + "/vid", 4) + "&PID_" + derivedHex(seed + "/pid", 4) + "&MI_00\\7&" +
+           derivedHex(seed + "/port", 7) + "&0&0000";
+}
+
+std::string usbParent(const std::string& seed)
+{
+    return "USB\\VID_" + derivedHex(seed + "/vid", 4) + "&PID_" + derivedHex(seed + "/pid", 4) + "\\" +
+           derivedHex(seed + "/serial", 12);
+}
+
+std::string adapterId(const std::string& instanceId)
+{
+    std::string path = inLowerCase(instanceId);
+    std::replace(path.begin(), path.end(), '\\', '#');
+    return "{2}.\\\\?\\" + path + "#" + inLowerCase(guidText(nodetypes::stream)) + "\\topo";
+}
+
+std::string driverName(const std::string& instancePath)
+{
+    const std::size_t start = instancePath.find('.') + 1; // the whole text where it has no dot
+    const std::string device = instancePath.substr(start, instancePath.rfind('\\') - start);
+    return "oem7.inf:" + derivedHex(device, 16) + ":AudioModel:6.0.1.7:" + inLowerCase(device);
+}
+
+std::uint32_t usualConnectorLocalId(std::size_t position)
+{
+    return 0x00010000 + static_cast<std::uint32_t>(position);
+}
+
+std::uint32_t usualSubunitLocalId(std::size_t position)
+{
+    return 0x00020000 + static_cast<std::uint32_t>(position);
+}
+
+std::string partId(const std::string& deviceId, std::uint32_t localId)
+{
+    char text[9] = {};
+    std::snprintf(text, sizeof text, "%08lx", static_cast<unsigned long>(localId));
+    return deviceId + "/" + text;
+}
+}

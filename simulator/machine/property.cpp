@@ -1,0 +1,65 @@
+#include "simulator/machine/property.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace sim
+{
+PropertyValue PropertyValue::ofText(Text value)
+{
+    PropertyValue result;
+    result.tag = VT_LPWSTR;
+    result.text = std::move(value);
+    return result;
+}
+
+PropertyValue PropertyValue::ofNumber(std::uint32_t value, VARTYPE tag)
+{
+    PropertyValue result;
+    result.tag = tag;
+    result.number = value;
+    return result;
+}
+
+PropertyValue PropertyValue::ofBytes(std::vector<std::uint8_t> value)
+{
+    PropertyValue result;
+    result.tag = VT_BLOB;
+    result.bytes = std::move(value);
+    return result;
+}
+
+const PropertyValue* findProperty(const Properties& properties, const PROPERTYKEY& key)
+{
+    for (const Property& property : properties)
+    {
+        if (sameKey(property.key, key))
+            return &property.value;
+    }
+    return nullptr;
+}
+
+void setProperty(Properties& properties, const PROPERTYKEY& key, PropertyValue value)
+{
+    for (Property& property : properties)
+    {
+        if (sameKey(property.key, key))
+        {
+            property.value = std::move(value);
+            return;
+        }
+    }
+    properties.push_back({key, std::move(value)});
+}
+
+void removeProperty(Properties& properties, const PROPERTYKEY& key)
+{
+    const auto matches = [&](const Property& property) { return sameKey(property.key, key); };
+    properties.erase(std::remove_if(properties.begin(), properties.end(), matches), properties.end());
+}
+
+bool sameKey(const PROPERTYKEY& left, const PROPERTYKEY& right)
+{
+    return left.fmtid == right.fmtid && left.pid == right.pid;
+}
+}

@@ -1,0 +1,75 @@
+/// What is planned for a machine: events that happen to it, calls that fail, and what calls cost.
+#pragma once
+
+#include "platform/coreaudio.h"
+#include "simulator/machine/property.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sim
+{
+/// The states of a device, as IMMDevice::GetState answers them and EnumAudioEndpoints takes them.
+inline constexpr std::uint32_t stateActive = 0x1;
+inline constexpr std::uint32_t stateDisabled = 0x2;
+inline constexpr std::uint32_t stateNotPresent = 0x4;
+inline constexpr std::uint32_t stateUnplugged = 0x8;
+
+/// Something that happens to the machine while it runs.
+struct ScriptEvent
+{
+    enum class Kind
+    {
+        added,           ///< the endpoint enters the collections; listeners hear OnDeviceAdded
+        removed,         ///< the endpoint leaves the collections, but can still be opened by id; OnDeviceRemoved
+        plugged,         ///< the endpoint becomes active; OnDeviceStateChanged
+        unplugged,       ///< the endpoint becomes unplugged; OnDeviceStateChanged
+        stateChanged,    ///< the endpoint takes `state`; OnDeviceStateChanged
+        defaultChanged,  ///< the endpoint becomes the default of its flow for `role`; OnDefaultDeviceChanged
+        volumeChanged,   ///< all channels take `level`, mute takes `muted`, where given; OnNotify
+        propertyChanged, ///< the property takes `value`; OnPropertyValueChanged
+    };
+
+    std::uint32_t afterMilliseconds = 0; ///< counted from the event before, or from the start of the script
+    Kind kind = Kind::plugged;
+    std::string endpoint; ///< id; with defaultChanged it may be empty: the flow has no default any more
+    std::uint32_t state = stateActive;
+    EDataFlow flow = eRender; ///< defaultChanged without an endpoint
+    ERole role = eConsole;
+    std::optional<float> level; ///< decibels
+    std::optional<bool> muted;
+    PROPERTYKEY key = {};
+    PropertyValue value;
+};
+
+/// One planned failure of the platform.
+struct FaultRule
+{
+    enum class Outcome
+    {
+        result,      ///< `result` is answered, out-parameters are null
+        nullSuccess, ///< S_OK is answered, out-parameters are null
+        thrown,      ///< an exception leaves the operation; meant for Release
+    };
+
+    std::string operation;    ///< "IMMDevice::Activate", "CoCreateInstance"; bare "Release": that of every interface
+    std::string object = "*"; ///< a device id (its store, topology and volume too) or a part's global id; "*": any
+    std::string argument;     ///< the first argument as the journal writes it; empty: any
+    std::uint32_t call = 0;   ///< the n-th matching call, counted from 1; 0: every call
+    Outcome outcome = Outcome::result;
+    HRESULT result = E_FAIL;
+};
+
+/// What a call of an operation costs.
+struct LatencyRule
+{
+    std::string operation; ///< as in FaultRule; "*": every call that no other rule names
+    std::uint32_t microseconds = 0;
+};
+
+bool operator==(const ScriptEvent& left, const ScriptEvent& right);
+bool operator==(const FaultRule& left, const FaultRule& right);
+bool operator==(const LatencyRule& left, const LatencyRule& right);
+}

@@ -1,0 +1,97 @@
+/// Hardware graphs as data: parts, their controls, and the paths between them.
+///
+/// Parts refer to each other by global id.
+#pragma once
+
+#include "platform/coreaudio.h"
+#include "simulator/machine/property.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sim
+{
+/// Level and range of one channel of a hardware volume node, in decibels.
+struct ChannelLevel
+{
+    float minimum = -96.0f;
+    float maximum = 0.0f;
+    float step = 1.5f;
+    float level = 0.0f;
+};
+
+/// IAudioVolumeLevel of a part.
+struct VolumeControl
+{
+    std::vector<ChannelLevel> channels;
+};
+
+/// IAudioMute of a part.
+struct MuteControl
+{
+    bool muted = false;
+};
+
+/// IAudioInputSelector of a part.
+struct SelectorControl
+{
+    std::uint32_t selection = 0; ///< local id of the incoming part that is heard; 0: none
+};
+
+/// What connectors and subunits of a topology have in common.
+struct Part
+{
+    std::string id;            ///< global id, stable over all topology objects; unique in the machine
+    std::uint32_t localId = 0; ///< unique in the topology
+    bool reportsId = true;     ///< false: GetGlobalId stores null; the model refers to the part by @ref id all the same
+    Text name;
+    GUID subType = {};
+    std::vector<std::string> incoming; ///< ids of the neighbours that feed this part, in the platform's order
+    std::vector<std::string> outgoing; ///< ids of the neighbours that this part feeds
+    std::optional<VolumeControl> volume;
+    std::optional<MuteControl> mute;
+    std::optional<SelectorControl> selector;
+};
+
+/// A plug of a device: a jack, or the bridge between the topologies of two devices.
+struct Connector : Part
+{
+    ConnectorType type = Physical_External;
+    DataFlow direction = Out;
+};
+
+/// A node inside a device: volume, mute, selector, sum, converter.
+struct Subunit : Part
+{
+};
+
+/// A signal path inside one topology, from one part to another; it says nothing of the way back.
+struct SignalPath
+{
+    std::string from;
+    std::string to;
+    std::vector<std::string> through; ///< ids of the parts in between, in the signal's order
+    bool mixed = false;               ///< it passes a sum: refused when the caller rejects mixed paths
+};
+
+/// The hardware graph of one device.
+struct Topology
+{
+    Text deviceId; ///< what GetDeviceId answers
+    std::vector<Connector> connectors;
+    std::vector<Subunit> subunits;
+    std::vector<SignalPath> signalPaths;
+};
+
+bool operator==(const ChannelLevel& left, const ChannelLevel& right);
+bool operator==(const VolumeControl& left, const VolumeControl& right);
+bool operator==(const MuteControl& left, const MuteControl& right);
+bool operator==(const SelectorControl& left, const SelectorControl& right);
+bool operator==(const Part& left, const Part& right);
+bool operator==(const Connector& left, const Connector& right);
+bool operator==(const Subunit& left, const Subunit& right);
+bool operator==(const SignalPath& left, const SignalPath& right);
+bool operator==(const Topology& left, const Topology& right);
+}

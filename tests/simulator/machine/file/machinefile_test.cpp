@@ -1,0 +1,229 @@
+#include "simulator/machine/file/machinefile.h"
+
+#include "simulator/machine/builder/machinebuilder.h"
+#include "tests/simulator/machine/file/machinesample.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+
+namespace
+{
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+/// A folder of its own that is gone with the object.
+class TemporaryFolder
+{
+public:
+    TemporaryFolder() : m_path(std::filesystem::temp_directory_path() / ("sonavit-machines-" + name()))
+    {
+        std::filesystem::create_directories(m_path);
+    }
+
+    ~TemporaryFolder() { std::filesystem::remove_all(m_path); }
+
+    std::string write(const std::string& file, const std::string& content) const
+    {
+        std::ofstream(m_path / std::filesystem::u8path(file), std::ios::binary) << content;
+        return (m_path / std::filesystem::u8path(file)).u8string();
+    }
+
+    std::string path() const { return m_path.u8string(); }
+
+private:
+    static std::string name()
+    {
+        const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+        return std::string(test->test_suite_name()) + "-" + test->name();
+    }
+
+    std::filesystem::path m_path;
+};
+
+/// Sets an environment variable until the end of the object's life.
+class ChosenFolder
+{
+public:
+    explicit ChosenFolder(const std::string& path) { set(path); }
+
+    ~ChosenFolder() { set(""); }
+
+private:
+    static void set(const std::string& value)
+    {
+#if defined(_WIN32)
+        _putenv_s("SONAVIT_MACHINES", value.c_str());
+#else
+        setenv("SONAVIT_MACHINES", value.c_str(), 1);
+#endif
+    }
+};
+
+std::string errorOf(const std::function<void()>& action)
+{
+    try
+    {
+        action();
+    }
+    catch (const sim::MachineFileError& error)
+    {
+        return error.what();
+    }
+    return "no error";
+}
+
+TEST(MachineFileWrite, GivesATextThatReadsBackAsAnEqualMachine)
+{
+    const sim::Machine machine = sample::machine();
+
+    const sim::Machine again = sim::readMachine(sim::writeMachine(machine), "sample.json");
+
+    EXPECT_TRUE(machine == again);
+    EXPECT_EQ(sim::writeMachine(machine), sim::writeMachine(again));
+}
+
+TEST(MachineFileWrite, GivesATextThatReadsBackAsAnEqualMachineWhenEverythingIsUsual)
+{
+    sim::MachineBuilder bench;
+    sim::CardBuilder codec = bench.card("Analog Audio");
+    codec.speaker().hardwareVolume({-34.5f, 12.0f, 1.5f, -0.3f}).hardwareMute();
+    codec.microphone().unplugged();
+
+    const sim::Machine again = sim::readMachine(sim::writeMachine(bench.build()), "bench.json");
+
+    EXPECT_TRUE(bench.build() == again);
+}
+
+TEST(MachineFileWrite, LeavesOutWhatIsUsual)
+{
+    sim::Machine machine;
+    machine.name = "plain";
+    machine.endpoints.emplace_back();
+    machine.endpoints.front().id = "{0.0.0.00000000}.{1}";
+
+    EXPECT_EQ("{\n"
+              "  \"$schema\": \"machine.schema.json\",\n"
+              "  \"name\": \"plain\",\n"
+              "  \"endpoints\": [{\"id\": \"{0.0.0.00000000}.{1}\", \"flow\": \"render\"}]\n"
+              "}\n",
+              sim::writeMachine(machine));
+}
+
+TEST(MachineFileWrite, WritesFormatsAndLevelsAsPeopleDo)
+{
+    const std::string text = sim::writeMachine(sample::machine());
+
+    EXPECT_THAT(text, AllOf(HasSubstr("\"deviceFormat\": {\"format\": \"24/96000/6\"}"), HasSubstr("-12.34,"),
+                            HasSubstr("{\"blob\": \"00FF5A\"}"), HasSubstr("\"type\": \"multiplexer\"")));
+}
+
+TEST(MachineFileRead, TakesTheUsualForWhatIsNotGiven)
+{
+    const sim::Machine machine = sim::readMachine(
+        R"({"name": "one", "endpoints": [{"id": "E", "flow": "capture", "topology": {"connectors": [{"id": "C"}]}}]})",
+        "one.json");
+
+    const sim::Endpoint& endpoint = machine.endpoints.at(0);
+    EXPECT_EQ(eCapture, endpoint.flow);
+    EXPECT_EQ(sim::stateActive, endpoint.state);
+    EXPECT_TRUE(endpoint.openable && endpoint.installed);
+    EXPECT_FALSE(endpoint.volume);
+    EXPECT_EQ("E", endpoint.topology->deviceId);
+    EXPECT_EQ(0x00010000u, endpoint.topology->connectors.at(0).localId);
+    EXPECT_FALSE(endpoint.topology->connectors.at(0).name);
+}
+
+TEST(MachineFileRead, TellsANullTextFromAnEmptyValueAndFromAnEmptyText)
+{
+    const sim::Machine machine = sim::readMachine(
+        R"({"name": "n", "adapters": [{"id": "A", "properties":
+            {"friendlyName": null, "instancePath": {"text": null}, "deviceDescription": ""}}]})",
+        "n.json");
+
+    const sim::Properties& properties = machine.adapters.at(0).properties;
+    ASSERT_EQ(3u, properties.size());
+    EXPECT_EQ(VT_EMPTY, properties[0].value.tag);
+    EXPECT_EQ(VT_LPWSTR, properties[1].value.tag);
+    EXPECT_FALSE(properties[1].value.text);
+    EXPECT_EQ("", properties[2].value.text.value());
+}
+
+TEST(MachineFileRead, KeepsIdsApartThatDifferInCaseOnly)
+{
+    const sim::Machine machine = sim::readMachine(
+        R"({"name": "n", "endpoints": [{"id": "{a}", "flow": "render"}, {"id": "{A}", "flow": "render"}]})", "n.json");
+
+    EXPECT_EQ(2u, machine.endpoints.size());
+    EXPECT_EQ(&machine.endpoints[1], machine.openDevice("{A}"));
+    EXPECT_EQ(&machine.endpoints[0], machine.openDevice("{a}"));
+}
+
+TEST(MachineFileRead, OpensAFileWhoseNameIsNotAscii)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.write("m\xC3\xA4schine.json", R"({"name": "umlaut"})");
+
+    EXPECT_EQ("umlaut", sim::readMachineFile(path).name);
+}
+
+TEST(MachineFileRead, SaysWhenThereIsNoFileOrItIsAFolder)
+{
+    const TemporaryFolder folder;
+    const std::string missing = folder.path() + "/missing.json";
+
+    EXPECT_EQ(missing + ": expected a machine file, found nothing that can be opened",
+              errorOf([&] { sim::readMachineFile(missing); }));
+    EXPECT_EQ(folder.path() + ": expected a machine file, found a folder",
+              errorOf([&] { sim::readMachineFile(folder.path()); }));
+}
+
+TEST(MachineFileFind, LooksIntoTheChosenFolder)
+{
+    const TemporaryFolder folder;
+    folder.write("second.json", R"({"name": "the second"})");
+    folder.write("first.json", R"({"name": "the first"})");
+    folder.write("machine.schema.json", "{}");
+    folder.write("readme.txt", "");
+    const ChosenFolder chosen(folder.path());
+
+    EXPECT_THAT(sim::machineNames(), ElementsAre("first", "second"));
+    EXPECT_EQ("the second", sim::findMachine("second").name);
+}
+
+TEST(MachineFileFind, TakesAPathAsItIs)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.write("mine.json", R"({"name": "mine"})");
+    const ChosenFolder chosen(folder.path() + "/none");
+
+    EXPECT_EQ("mine", sim::findMachine(path).name);
+}
+
+TEST(MachineFileFind, ListsTheKnownNamesWhenItKnowsNoSuchMachine)
+{
+    const TemporaryFolder folder;
+    folder.write("b.json", "{}");
+    folder.write("a.json", "{}");
+    const ChosenFolder chosen(folder.path());
+
+    EXPECT_EQ("\"c\": expected the name of a machine (a, b) or of a file, found neither",
+              errorOf([] { sim::findMachine("c"); }));
+    EXPECT_THAT(errorOf([] { sim::findMachine(""); }), HasSubstr("(a, b)"));
+}
+
+TEST(MachineFileFind, SaysWhenThereIsNoMachineAtAll)
+{
+    const TemporaryFolder folder;
+    const ChosenFolder chosen(folder.path());
+
+    EXPECT_THAT(sim::machineNames(), IsEmpty());
+    EXPECT_THAT(errorOf([] { sim::findMachine("desktop"); }), HasSubstr("(no machine at all)"));
+}
+}

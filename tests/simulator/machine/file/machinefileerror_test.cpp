@@ -1,0 +1,326 @@
+#include "simulator/machine/file/machinefile.h"
+
+#include "tests/simulator/machine/file/machinesample.h"
+
+#include <gtest/gtest.h>
+
+#include <ostream>
+
+namespace
+{
+/// A file that cannot be used, and the text of the error that says so.
+struct Broken
+{
+    const char* name; ///< of the test
+    std::string text;
+    const char* error;
+};
+
+std::ostream& operator<<(std::ostream& stream, const Broken& broken)
+{
+    return stream << broken.text;
+}
+
+std::string nameOf(const testing::TestParamInfo<Broken>& info)
+{
+    return info.param.name;
+}
+
+/// The file with @p inside as further members of the machine.
+std::string with(const std::string& inside)
+{
+    return "{\"name\": \"m\",\n" + inside + "}";
+}
+
+/// The file whose only endpoint E has @p inside as further members.
+std::string endpointWith(const std::string& inside)
+{
+    return with(R"("endpoints": [{"id": "E", "flow": "render",)" + ("\n" + inside + "}]"));
+}
+
+/// The file whose only endpoint E has a topology with the connectors C and D, the subunit S, and @p inside.
+std::string graphWith(const std::string& inside)
+{
+    return endpointWith(R"("topology": {"connectors": [{"id": "C"}, {"id": "D"}], "subunits": [{"id": "S"}]},)" +
+                        ("\n" + inside));
+}
+
+class MachineFileError : public testing::TestWithParam<Broken>
+{
+};
+
+TEST_P(MachineFileError, SaysWhereWhatWasExpectedAndWhatStoodThere)
+{
+    std::string error = "no error";
+
+    try
+    {
+        sim::readMachine(GetParam().text, "m.json");
+    }
+    catch (const sim::MachineFileError& failure)
+    {
+        error = failure.what();
+    }
+
+    EXPECT_EQ(GetParam().error, error);
+}
+
+const std::string deepLists = std::string(100, '[') + std::string(100, ']');
+
+const Broken notJson[] = {
+    {"NothingAtAll", "",
+     "m.json:1:1: expected JSON, found syntax error while parsing value - unexpected end of input; "
+     "expected '[', '{', or a literal"},
+    {"AMissingComma", "{\"name\": \"m\"\n \"joins\": []}",
+     "m.json:2:8: expected JSON, found syntax error while parsing object - unexpected string literal; expected "
+     "'}'"},
+    {"AnEndTooEarly", "{\"endpoints\": [{\"id\":",
+     "m.json:1:22: /endpoints/0/id: expected JSON, found syntax error while parsing value - unexpected end of input; "
+     "expected '[', '{', or a literal"},
+    {"SomethingBehindTheEnd", "{\"name\": \"m\"}\n}",
+     "m.json:2:1: expected JSON, found syntax error while parsing value - unexpected '}'; expected end of input"},
+    {"ANumberBeyondAllBounds", with("\"latency\": [{\"operation\": \"*\", \"microseconds\": 1e999}]"),
+     "m.json:2:52: /latency/0/microseconds: expected JSON, found number overflow parsing '1e999'"},
+    {"AKeyTwice", with("\"waveIn\": [],\n\"waveIn\": []"),
+     "m.json:3: expected each key once, found \"waveIn\" for the second time"},
+    {"AZeroCharacter", with("\"description\": \"a\\u0000b\""),
+     "m.json:2: /description: expected a text without a zero character, found one with it"},
+    {"DeepNesting", deepLists,
+     "m.json:1: /0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0: expected at most 32 levels, found "
+     "more"},
+};
+
+const Broken wrongKinds[] = {
+    {"AList", "[]", "m.json:1: expected an object, found a list"},
+    {"NoName", "{\n}", "m.json:1: expected the key \"name\", found an object without it"},
+    {"ANumberAsName", R"({"name": 5})", "m.json:1: /name: expected a text, found 5"},
+    {"AnUnknownKey", with(R"("colour": "red")"),
+     "m.json:2: /colour: expected one of the keys $schema, name, description, endpoints, adapters, joins, "
+     "deviceInstances, "
+     "waveOut, waveIn, script, faults, latency, found the key \"colour\""},
+    {"AnObjectAsList", with(R"("endpoints": {})"), "m.json:2: /endpoints: expected a list, found an object"},
+    {"AnUnknownFlow", with(R"("endpoints": [{"id": "E", "flow": "sideways"}])"),
+     "m.json:2: /endpoints/0/flow: expected \"render\" or \"capture\", found \"sideways\""},
+    {"AnUnknownState", endpointWith(R"("state": "asleep")"),
+     "m.json:3: /endpoints/0/state: expected \"active\", \"disabled\", \"notPresent\" or \"unplugged\", found "
+     "\"asleep\""},
+    {"ATooLargeState", endpointWith(R"("state": 16)"),
+     "m.json:3: /endpoints/0/state: expected a state or a sum of states, 0 to 15, found 16"},
+    {"ATextAsTruth", endpointWith(R"("openable": "no")"),
+     "m.json:3: /endpoints/0/openable: expected true or false, found \"no\""},
+    {"AnUnknownInterface", endpointWith(R"("interfaces": ["IAudioClient", "IFoo"])"),
+     "m.json:3: /endpoints/0/interfaces/1: expected \"IAudioClient\" or \"IBaseFilter\", found \"IFoo\""},
+    {"AnUnknownType", endpointWith(R"("topology": {"connectors": [{"id": "C", "type": "{123}"}]})"),
+     "m.json:3: /endpoints/0/topology/connectors/0/type: expected the name of a jack or node type, or a GUID like "
+     "\"{01234567-89AB-CDEF-0123-456789ABCDEF}\", found \"{123}\""},
+    {"ANegativeNumber", with(R"("latency": [{"operation": "*", "microseconds": -1}])"),
+     "m.json:2: /latency/0/microseconds: expected a whole number from 0 to 4294967295, found -1"},
+    {"AFraction", with(R"("latency": [{"operation": "*", "microseconds": 1.5}])"),
+     "m.json:2: /latency/0/microseconds: expected a whole number from 0 to 4294967295, found 1.5"},
+    {"ATooLargeNumber", with(R"("latency": [{"operation": "*", "microseconds": 4294967296}])"),
+     "m.json:2: /latency/0/microseconds: expected a whole number from 0 to 4294967295, found 4294967296"},
+    {"AnEventWithoutKind", with(R"("script": [{"endpoint": "E"}])"),
+     "m.json:2: /script/0: expected an object with the key \"event\", found an object"},
+    {"AKeyOfAnotherEvent", endpointWith(R"("state": 1}], "script": [{"event": "plugged", "endpoint": "E", "level": 1)"),
+     "m.json:3: /script/0/level: expected one of the keys afterMilliseconds, event, endpoint, found the key \"level\""},
+    {"AnUnknownResult", with(R"("faults": [{"operation": "Release", "result": "0x8000"}])"),
+     "m.json:2: /faults/0/result: expected a result like \"0x80004005\", \"null\" or \"throw\", found \"0x8000\""},
+};
+
+const Broken wrongProperties[] = {
+    {"AnUnknownProperty", endpointWith(R"("properties": {"colour": "red"})"),
+     "m.json:3: /endpoints/0/properties/colour: expected a property's name, or a key like "
+     "{01234567-89AB-CDEF-0123-456789ABCDEF}/2, found \"colour\""},
+    {"AKeyWithoutNumber", endpointWith(R"("properties": {"{01234567-89AB-CDEF-0123-456789ABCDEF}/": "red"})"),
+     "m.json:3: /endpoints/0/properties/{01234567-89AB-CDEF-0123-456789ABCDEF}~1: expected a property's name, or a key "
+     "like "
+     "{01234567-89AB-CDEF-0123-456789ABCDEF}/2, found \"{01234567-89AB-CDEF-0123-456789ABCDEF}/\""},
+    {"APropertyInTwoSpellings",
+     endpointWith(R"("properties": {"friendlyName": "a", "{B3F8FA53-0004-438E-9003-51A46E139BFC}/6": "b"})"),
+     "m.json:3: /endpoints/0/properties: expected each property once, found \"friendlyName\" for the second time"},
+    {"AListAsValue", endpointWith(R"("properties": {"friendlyName": []})"),
+     "m.json:3: /endpoints/0/properties/friendlyName: expected a text, a number, null or an object, found a list"},
+    {"ANumberWithoutTag", endpointWith(R"("properties": {"friendlyName": {"number": 3}})"),
+     "m.json:3: /endpoints/0/properties/friendlyName: expected the key \"tag\", found an object without it"},
+    {"AnUnknownTag", endpointWith(R"("properties": {"friendlyName": {"number": 3, "tag": "VT_BLOB"}})"),
+     "m.json:3: /endpoints/0/properties/friendlyName/tag: expected \"VT_I4\", \"VT_BOOL\", \"VT_UI1\", \"VT_UI2\", "
+     "\"VT_UI4\" or \"VT_UINT\", found \"VT_BLOB\""},
+    {"HalfAByte", endpointWith(R"("properties": {"deviceFormat": {"blob": "FFF"}})"),
+     "m.json:3: /endpoints/0/properties/deviceFormat/blob: expected pairs of hexadecimal digits, found \"FFF\""},
+    {"NoByte", endpointWith(R"("properties": {"deviceFormat": {"blob": "0G"}})"),
+     "m.json:3: /endpoints/0/properties/deviceFormat/blob: expected pairs of hexadecimal digits, found \"0G\""},
+    {"AnUnusualFormat", endpointWith(R"("properties": {"deviceFormat": {"format": "20/48000/2"}})"),
+     "m.json:3: /endpoints/0/properties/deviceFormat/format: expected a format \"bits/rate/channels\" such as "
+     "\"24/48000/2\", found \"20/48000/2\""},
+};
+
+const Broken wrongIds[] = {
+    {"AnEmptyId", with(R"("adapters": [{"id": ""}])"), "m.json:2: /adapters/0/id: expected an id, found \"\""},
+    {"ADeviceIdTwice", endpointWith(R"("state": 1}], "adapters": [{"id": "E")"),
+     "m.json:3: /adapters/0/id: expected an id that is not given yet, found \"E\" for the second time"},
+    {"APartIdTwice", graphWith(R"("state": 1}], "adapters": [{"id": "A", "topology": {"subunits": [{"id": "C"}]})"),
+     "m.json:4: /adapters/0/topology/subunits/0/id: expected an id that is not given yet, found \"C\" for the second "
+     "time"},
+    {"ALocalIdTwice",
+     endpointWith(R"("topology": {"connectors": [{"id": "C", "localId": 131072}], "subunits": [{"id": "S"}]})"),
+     "m.json:3: /endpoints/0/topology/subunits/0/localId: expected a local id that the topology has not given yet, "
+     "found "
+     "131072 for the second time"},
+    {"ANeighbourOfAnotherDevice",
+     graphWith(R"("state": 1}], "adapters": [{"id": "A", "topology": {"subunits": [{"id": "T", "incoming": ["S"]}]})"),
+     "m.json:4: /adapters/0/topology/subunits/0/incoming/0: expected the id of a part of this topology, found \"S\""},
+    {"APathToNowhere",
+     endpointWith(R"("topology": {"connectors": [{"id": "C"}], "signalPaths": [{"from": "C", "to": "X"}]})"),
+     "m.json:3: /endpoints/0/topology/signalPaths/0/to: expected the id of a part of this topology, found \"X\""},
+    {"APathTwice", endpointWith(R"("topology": {"connectors": [{"id": "C"}, {"id": "D"}],
+        "signalPaths": [{"from": "C", "to": "D"}, {"from": "D", "to": "C"},
+        {"from": "C", "to": "D", "mixed": true}]})"),
+     "m.json:5: /endpoints/0/topology/signalPaths/2: expected each pair of parts once, found \"C\" to \"D\" for the "
+     "second "
+     "time"},
+    {"ASelectionThatDoesNotFeed",
+     endpointWith(
+         R"("topology": {"subunits": [{"id": "S"}, {"id": "T", "incoming": ["S"], "selector": {"selection": 3}}]})"),
+     "m.json:3: /endpoints/0/topology/subunits/1/selector/selection: expected the local id of an incoming part, or 0, "
+     "found 3"},
+    {"AJoinFromNowhere", graphWith(R"("state": 1}], "joins": [{"from": "X", "to": "C")"),
+     "m.json:4: /joins/0/from: expected the id of a connector, found \"X\""},
+    {"AJoinToASubunit", graphWith(R"("state": 1}], "joins": [{"from": "C", "to": "S")"),
+     "m.json:4: /joins/0/to: expected the id of a connector, found \"S\""},
+    {"AJoinToItself", graphWith(R"("state": 1}], "joins": [{"from": "C", "to": "C")"),
+     "m.json:4: /joins/0/to: expected another connector than \"from\", found \"C\""},
+    {"AJoinToNothing", graphWith(R"("state": 1}], "joins": [{"from": "C")"),
+     "m.json:4: /joins/0: expected \"to\" or \"toDevice\", found neither"},
+    {"ADefaultTwice", with(R"("endpoints": [{"id": "E", "flow": "render", "defaultFor": ["console"]},
+        {"id": "F", "flow": "capture", "defaultFor": ["console"]},
+        {"id": "G", "flow": "render", "defaultFor": ["multimedia", "console"]}])"),
+     "m.json:4: /endpoints/2/defaultFor/1: expected a role that no endpoint of this flow has yet, found \"console\" "
+     "for the "
+     "second time"},
+    {"AnInstanceTwice", with(R"("deviceInstances": [{"id": "I", "parent": null}, {"id": "I", "parent": "P"}])"),
+     "m.json:2: /deviceInstances/1/id: expected an id that is not given yet, found \"I\" for the second time"},
+};
+
+const Broken wrongPlans[] = {
+    {"AnEventOfNoEndpoint", with(R"("script": [{"event": "unplugged", "endpoint": "E"}])"),
+     "m.json:2: /script/0/endpoint: expected the id of an endpoint, found \"E\""},
+    {"ADefaultOfTheOtherFlow",
+     endpointWith(
+         R"("state": 1}], "script": [
+             {"event": "defaultChanged", "endpoint": "E", "flow": "capture", "role": "console")"),
+     "m.json:4: /script/0/flow: expected the flow of the endpoint, found \"capture\""},
+    {"AVolumeEventWithoutVolume",
+     endpointWith(R"("state": 1}], "script": [{"event": "volumeChanged", "endpoint": "E", "muted": true)"),
+     "m.json:3: /script/0/endpoint: expected an endpoint with a volume, found \"E\""},
+    {"AFaultOfAnUnknownOperation", with(R"("faults": [{"operation": "IMMDevice::Explode", "result": "null"}])"),
+     "m.json:2: /faults/0/operation: expected an operation of the simulated platform, found \"IMMDevice::Explode\""},
+    {"AFaultOfAnUnknownObject", with(R"("faults": [{"operation": "IPart::GetName", "object": "X", "result": "null"}])"),
+     "m.json:2: /faults/0/object: expected \"*\" or the id of a device or part, found \"X\""},
+    {"ALatencyTwice",
+     with(R"("latency": [{"operation": "*", "microseconds": 1}, {"operation": "*", "microseconds": 2}])"),
+     "m.json:2: /latency/1/operation: expected an operation that has no latency yet, found \"*\" for the second time"},
+    {"TwoProblems", with(R"("adapters": [{"id": ""}, {"id": ""}])"),
+     "m.json:2: /adapters/0/id: expected an id, found \"\" (and 1 more)"},
+};
+
+/// A file whose endpoint has a volume with these levels.
+std::string volume(const std::string& levels)
+{
+    return endpointWith("\"volume\": {" + levels + "}");
+}
+
+/// A file with a part that has a volume control with these channels.
+std::string control(const std::string& channels)
+{
+    return endpointWith(R"("topology": {"subunits": [{"id": "S", "volume": {"channels": [)" + channels + "]}}]}");
+}
+
+const Broken wrongLevels[] = {
+    {"NoRange", volume(R"("minimum": -3, "maximum": -3, "step": 1, "channels": [-3])"),
+     "m.json:3: /endpoints/0/volume: expected a minimum below the maximum, found -3 to -3 (and 1 more)"},
+    {"NoStep", volume(R"("minimum": -3, "maximum": 0, "step": 0, "channels": [-3])"),
+     "m.json:3: /endpoints/0/volume/step: expected a step above 0 that fits into the range, found 0"},
+    {"ALevelOutOfRange", volume(R"("minimum": -3, "maximum": 0, "step": 0.5, "channels": [-3, 0.5])"),
+     "m.json:3: /endpoints/0/volume/channels/1: expected a level from -3 to 0, found 0.5"},
+    {"NoChannel", volume(R"("minimum": -3, "maximum": 0, "step": 1, "channels": [])"),
+     "m.json:3: /endpoints/0/volume/channels: expected 1 to 64 channels, found 0"},
+    {"ATextAsLevel", volume(R"("minimum": "quiet", "maximum": 0, "step": 1, "channels": [0])"),
+     "m.json:3: /endpoints/0/volume/minimum: expected a number of decibels, found \"quiet\""},
+    {"ALevelThatNoFloatHolds", volume(R"("minimum": -1e300, "maximum": 0, "step": 1, "channels": [0])"),
+     "m.json:3: /endpoints/0/volume/minimum: expected a number of decibels, found -1e300"},
+    {"AnUnknownRefusal", volume(R"("minimum": -3, "maximum": 0, "step": 1, "channels": [0], "refused": ["SetMood"])"),
+     "m.json:3: /endpoints/0/volume/refused/0: expected an operation of IAudioEndpointVolume, found \"SetMood\""},
+    {"APartLevelOutOfRange", control(R"({"minimum": -3, "maximum": 0, "step": 1, "level": -4})"),
+     "m.json:3: /endpoints/0/topology/subunits/0/volume/channels/0/level: expected a level from -3 to 0, found -4"},
+    {"APartWithoutChannels", control(""),
+     "m.json:3: /endpoints/0/topology/subunits/0/volume/channels: expected 1 to 64 channels, found 0"},
+    {"AnEventLevelOutOfRange", endpointWith(R"("volume": {"minimum": -3, "maximum": 0, "step": 1, "channels": [0]}}],
+        "script": [{"event": "volumeChanged", "endpoint": "E", "level": 1)"),
+     "m.json:4: /script/0/level: expected a level from -3 to 0, found 1"},
+    {"AVolumeEventWithoutChange", endpointWith(R"("volume": {"minimum": -3, "maximum": 0, "step": 1, "channels": [0]}}],
+        "script": [{"event": "volumeChanged", "endpoint": "E")"),
+     "m.json:4: /script/0: expected \"level\" or \"muted\", found neither"},
+};
+
+INSTANTIATE_TEST_SUITE_P(NotJson, MachineFileError, testing::ValuesIn(notJson), nameOf);
+INSTANTIATE_TEST_SUITE_P(WrongKinds, MachineFileError, testing::ValuesIn(wrongKinds), nameOf);
+INSTANTIATE_TEST_SUITE_P(WrongProperties, MachineFileError, testing::ValuesIn(wrongProperties), nameOf);
+INSTANTIATE_TEST_SUITE_P(WrongIds, MachineFileError, testing::ValuesIn(wrongIds), nameOf);
+INSTANTIATE_TEST_SUITE_P(WrongPlans, MachineFileError, testing::ValuesIn(wrongPlans), nameOf);
+INSTANTIATE_TEST_SUITE_P(WrongLevels, MachineFileError, testing::ValuesIn(wrongLevels), nameOf);
+
+TEST(MachineFileErrorParts, CanBeAskedOneByOne)
+{
+    try
+    {
+        sim::readMachine("{\"name\":\n 5}", "m.json");
+        FAIL() << "no error";
+    }
+    catch (const sim::MachineFileError& error)
+    {
+        EXPECT_EQ("m.json", error.file());
+        EXPECT_EQ(2u, error.line());
+        EXPECT_EQ(0u, error.column());
+        EXPECT_EQ("/name", error.place());
+        EXPECT_EQ("a text", error.expected());
+        EXPECT_EQ("5", error.found());
+    }
+}
+
+TEST(MachineFileErrorRobustness, IsTheOnlyThingThatATruncatedFileCauses)
+{
+    const std::string whole = sim::writeMachine(sample::machine());
+
+    for (std::size_t length = 0; length + 2 < whole.size(); length += 29)
+    {
+        EXPECT_THROW(sim::readMachine(whole.substr(0, length), "cut.json"), sim::MachineFileError) << length;
+    }
+}
+
+TEST(MachineFileErrorRobustness, IsTheOnlyThingThatADamagedByteCauses)
+{
+    const std::string whole = sim::writeMachine(sample::machine());
+    std::size_t refused = 0;
+    std::size_t read = 0;
+
+    for (const char damage : {'"', '{', ']', '9', '\xC3', '\n'})
+    {
+        for (std::size_t position = 0; position < whole.size(); position += 61)
+        {
+            std::string damaged = whole;
+            damaged[position] = damage;
+            try
+            {
+                sim::readMachine(damaged, "damaged.json");
+                ++read;
+            }
+            catch (const sim::MachineFileError&)
+            {
+                ++refused;
+            }
+        }
+    }
+
+    EXPECT_GT(refused, read);
+}
+}

@@ -1,0 +1,155 @@
+/// A machine in which every field differs from what the reader takes for granted.
+#pragma once
+
+#include "simulator/machine/deviceformat.h"
+#include "simulator/machine/machine.h"
+#include "simulator/machine/nodetypes.h"
+#include "simulator/machine/propertykeys.h"
+
+namespace sample
+{
+inline const std::string speakers = "{0.0.0.00000000}.{11111111-0000-4000-8000-000000000001}";
+inline const std::string microphone = "{0.0.1.00000000}.{11111111-0000-4000-8000-000000000002}";
+inline const std::string codec = "{2}.\\\\?\\hdaudio#func_01&ven_c0de#4&1&0&0001#{6994ad04}\\topo";
+
+inline sim::Properties allKindsOfProperties()
+{
+    constexpr GUID otherFormat = {0x01234567, 0x89AB, 0xCDEF, {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF}};
+    sim::Properties properties;
+    sim::setProperty(properties, sim::keys::deviceDescription,
+                     sim::PropertyValue::ofText("Überlautsprecher \xF0\x9F\x94\x8A"));
+    sim::setProperty(properties, sim::keys::deviceFormat,
+                     sim::PropertyValue::ofBytes(sim::DeviceFormat{24, 96000, 6}.bytes()));
+    sim::setProperty(properties, sim::keys::instancePath, sim::PropertyValue::ofText({}));
+    sim::setProperty(properties, sim::keys::speakerConfig, sim::PropertyValue::ofNumber(0xFFFFFFFF));
+    sim::setProperty(properties, sim::keys::friendlyName, sim::PropertyValue());
+    sim::setProperty(properties, sim::keys::endpointGuid, sim::PropertyValue::ofNumber(7, 11));
+    sim::setProperty(properties, {otherFormat, 4294967295u}, sim::PropertyValue::ofBytes({0x00, 0xFF, 0x5A}));
+    return properties;
+}
+
+inline sim::Connector jack()
+{
+    sim::Connector connector;
+    connector.id = codec + "/jack";
+    connector.localId = 7;
+    connector.reportsId = false;
+    connector.name = "Rear \"green\"";
+    connector.subType = sim::nodetypes::speaker;
+    connector.incoming = {codec + "/node"};
+    connector.outgoing = {codec + "/stream", codec + "/node"};
+    connector.type = Physical_Internal;
+    connector.direction = In;
+    connector.volume = sim::VolumeControl{{{-96.0f, 12.0f, 1.5f, -0.1f}}};
+    connector.mute = sim::MuteControl{true};
+    connector.selector = sim::SelectorControl{9};
+    return connector;
+}
+
+inline sim::Topology graph()
+{
+    sim::Connector stream;
+    stream.id = codec + "/stream";
+    stream.localId = 0x00010001;
+    stream.subType = {0xAAAAAAAA, 1, 2, {3, 4, 5, 6, 7, 8, 9, 10}};
+
+    sim::Subunit node;
+    node.id = codec + "/node";
+    node.localId = 9;
+    node.reportsId = false;
+    node.name = "";
+    node.subType = sim::nodetypes::multiplexer;
+    node.incoming = {codec + "/stream"};
+    node.outgoing = {codec + "/jack"};
+    node.volume = sim::VolumeControl{{{-34.5f, 0.0f, 0.5f, -10.0f}, {-30.0f, 6.0f, 0.75f, 1e-3f}}};
+    node.mute = sim::MuteControl{false};
+    node.selector = sim::SelectorControl{0x00010001};
+
+    sim::Topology topology;
+    topology.deviceId = std::nullopt;
+    topology.connectors = {jack(), stream};
+    topology.subunits = {node};
+    topology.signalPaths = {{stream.id, codec + "/jack", {node.id}, true}, {codec + "/jack", stream.id, {}, false}};
+    return topology;
+}
+
+inline std::vector<sim::Endpoint> endpoints()
+{
+    sim::Endpoint output;
+    output.id = speakers;
+    output.state = sim::stateUnplugged;
+    output.openable = false;
+    output.installed = false;
+    output.hasAudioClient = true;
+    output.hasBaseFilter = true;
+    output.properties = allKindsOfProperties();
+    output.volume =
+        sim::EndpointVolume{-60.0f, 6.0f, 0.25f, {-12.34f, -60.0f, 6.0f}, true, 5, {"SetMute", "GetVolumeRange"}};
+    output.defaultFor = {eMultimedia, eCommunications};
+    output.topology = sim::Topology();
+    output.topology->deviceId = output.id;
+    sim::Connector plug;
+    plug.id = speakers + "/plug";
+    plug.localId = 0x00010000;
+    output.topology->connectors = {plug};
+
+    sim::Endpoint input;
+    input.id = microphone;
+    input.flow = eCapture;
+    input.state = 5;
+    input.defaultFor = {eConsole};
+    return {output, input};
+}
+
+inline std::vector<sim::ScriptEvent> script()
+{
+    using Kind = sim::ScriptEvent::Kind;
+    std::vector<sim::ScriptEvent> events(9);
+    constexpr Kind kinds[] = {Kind::added,         Kind::removed,         Kind::plugged,
+                              Kind::unplugged,     Kind::stateChanged,    Kind::defaultChanged,
+                              Kind::volumeChanged, Kind::propertyChanged, Kind::defaultChanged};
+    for (std::size_t index = 0; index < events.size(); ++index)
+    {
+        events[index].afterMilliseconds = static_cast<std::uint32_t>(index * 100);
+        events[index].kind = kinds[index];
+        events[index].endpoint = speakers;
+    }
+    events[4].state = sim::stateDisabled;
+    events[5].role = eCommunications;
+    events[6].level = -3.5f;
+    events[6].muted = true;
+    events[7].key = sim::keys::friendlyName;
+    events[7].value = sim::PropertyValue::ofText("Renamed");
+    events[8].endpoint = "";
+    events[8].flow = eCapture;
+    return events;
+}
+
+inline sim::Machine machine()
+{
+    sim::Adapter adapter;
+    adapter.id = codec;
+    adapter.state = sim::stateDisabled;
+    adapter.openable = false;
+    adapter.hasBaseFilter = true;
+    adapter.properties = allKindsOfProperties();
+    adapter.topology = graph();
+
+    sim::Machine result;
+    result.name = "sample";
+    result.description = "Everything differs";
+    result.endpoints = endpoints();
+    result.adapters = {adapter};
+    result.joins = {{speakers + "/plug", codec + "/jack", "{2}.elsewhere", false},
+                    {codec + "/stream", "", "{2}.gone", true}};
+    result.deviceInstances = {{"HDAUDIO\\FUNC_01", "PCI\\VEN_C0DE"}, {"ROOT\\MEDIA", {}}};
+    result.waveOut = {{speakers, 8, 0}, {speakers, 0, 2}, {speakers}};
+    result.waveIn = {{microphone}};
+    result.script = script();
+    result.faults = {{"IMMDevice::Activate", speakers, "IAudioClient", 2, sim::FaultRule::Outcome::result, E_FAIL},
+                     {"IPart::GetName", codec + "/jack", "", 0, sim::FaultRule::Outcome::nullSuccess, E_FAIL},
+                     {"Release", "*", "", 1, sim::FaultRule::Outcome::thrown, E_FAIL}};
+    result.latency = {{"*", 5}, {"IMMDevice::Activate", 1200}};
+    return result;
+}
+}

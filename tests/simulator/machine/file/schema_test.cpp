@@ -1,0 +1,234 @@
+#include "simulator/machine/file/json.h"
+#include "simulator/machine/file/machinefile.h"
+#include "simulator/machine/file/names.h"
+#include "simulator/machine/file/objectkeys.h"
+#include "simulator/machine/nodetypes.h"
+#include "simulator/machine/propertykeys.h"
+#include "tests/simulator/machine/file/machinesample.h"
+#include "tests/simulator/machine/file/schemavalidator.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+
+// The schema and the reader are written down apart; these tests hold them together.
+namespace
+{
+using Words = std::set<std::string>;
+
+std::string contentOf(const std::string& path)
+{
+    std::ifstream file(std::filesystem::u8path(path), std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+}
+
+class MachineSchema : public testing::Test
+{
+protected:
+    static sim::JsonValue read()
+    {
+        const auto folder = std::filesystem::u8path(sim::machineFile("desktop")).parent_path();
+        const std::string path = (folder / "machine.schema.json").u8string();
+        return sim::parseJson(contentOf(path), path);
+    }
+
+    const sim::JsonValue& definition(const std::string& name) const
+    {
+        const sim::JsonValue* const found = schema.member("$defs")->member(name);
+        if (found == nullptr)
+            throw std::logic_error("the schema does not define " + name);
+        return *found;
+    }
+
+    static Words wordsOf(const sim::JsonValue* list)
+    {
+        Words words;
+        for (const sim::JsonValue& element : list == nullptr ? std::vector<sim::JsonValue>() : list->elements)
+            words.insert(element.text);
+        return words;
+    }
+
+    Words wordsOf(const std::string& name) const { return wordsOf(definition(name).member("enum")); }
+
+    template<class Table>
+    static Words namesOf(const Table& table)
+    {
+        Words words;
+        for (const auto& named : table)
+            words.insert(std::string(named.name));
+        return words;
+    }
+
+    bool accepts(const std::string& text) const
+    {
+        return MachineSchemaValidator(schema).accepts(sim::parseJson(text, "test.json"));
+    }
+
+    static bool readerAccepts(const std::string& text)
+    {
+        try
+        {
+            sim::readMachine(text, "test.json");
+            return true;
+        }
+        catch (const sim::MachineFileError&)
+        {
+            return false;
+        }
+    }
+
+    const sim::JsonValue schema = read();
+};
+
+TEST_F(MachineSchema, HasTheReadersKeysForEachKindOfObject)
+{
+    for (const sim::FileObject& object : sim::fileObjects())
+    {
+        Words keys;
+        Words required;
+        for (const sim::FileKey& key : object.keys)
+        {
+            keys.insert(std::string(key.name));
+            if (key.required)
+                required.insert(std::string(key.name));
+        }
+
+        const sim::JsonValue& described = definition(std::string(object.name));
+
+        const std::vector<std::string>& properties = described.member("properties")->keys;
+        EXPECT_EQ(keys, Words(properties.begin(), properties.end())) << object.name;
+        EXPECT_EQ(required, wordsOf(described.member("required"))) << object.name;
+        ASSERT_NE(nullptr, described.member("additionalProperties")) << object.name;
+        EXPECT_FALSE(described.member("additionalProperties")->boolean) << object.name;
+    }
+}
+
+TEST_F(MachineSchema, DescribesNoObjectThatTheReaderDoesNotKnow)
+{
+    const sim::JsonValue& definitions = *schema.member("$defs");
+
+    for (std::size_t index = 0; index < definitions.keys.size(); ++index)
+    {
+        if (definitions.elements[index].member("properties") != nullptr)
+        {
+            EXPECT_NO_THROW(sim::fileObject(definitions.keys[index])) << definitions.keys[index];
+        }
+    }
+}
+
+TEST_F(MachineSchema, HasTheReadersWords)
+{
+    EXPECT_EQ(namesOf(sim::flowNames), wordsOf("flow"));
+    EXPECT_EQ(namesOf(sim::roleNames), wordsOf("role"));
+    EXPECT_EQ(namesOf(sim::stateNames), wordsOf("stateName"));
+    EXPECT_EQ(namesOf(sim::directionNames), wordsOf("direction"));
+    EXPECT_EQ(namesOf(sim::connectorTypeNames), wordsOf("connectorType"));
+    EXPECT_EQ(namesOf(sim::hardwareSupportNames), wordsOf("hardwareSupport"));
+    EXPECT_EQ(namesOf(sim::interfaceNames), wordsOf("interface"));
+    EXPECT_EQ(namesOf(sim::numberTagNames), wordsOf("numberTag"));
+    EXPECT_EQ(namesOf(sim::namedNodeTypes), wordsOf("nodeTypeName"));
+    EXPECT_EQ(namesOf(sim::namedKeys),
+              wordsOf(definition("propertyName").member("oneOf")->elements.at(0).member("enum")));
+}
+
+TEST_F(MachineSchema, HasTheReadersEventsUnderTheSameKindsOfObjects)
+{
+    for (const auto& named : sim::eventNames)
+    {
+        const std::string object(sim::eventObject(named.value));
+
+        const Words words = wordsOf(definition(object).member("properties")->member("event")->member("enum"));
+
+        EXPECT_EQ(1u, words.count(std::string(named.name))) << named.name;
+    }
+}
+
+TEST_F(MachineSchema, AcceptsAMachineInWhichEveryFieldIsGiven)
+{
+    EXPECT_TRUE(accepts(sim::writeMachine(sample::machine())));
+}
+
+TEST_F(MachineSchema, AcceptsEachMachineThatShips)
+{
+    for (const std::string& name : sim::machineNames())
+        EXPECT_TRUE(accepts(contentOf(sim::machineFile(name)))) << name;
+}
+
+TEST_F(MachineSchema, AndTheReaderAcceptTheExamplesOfTheReadme)
+{
+    const auto folder = std::filesystem::u8path(sim::machineFile("desktop")).parent_path();
+    const std::string readme = contentOf((folder / "README.md").u8string());
+    const std::string start = "```json\n";
+
+    std::size_t examples = 0;
+    for (std::size_t at = readme.find(start); at != std::string::npos; at = readme.find(start, at + 1), ++examples)
+    {
+        const std::size_t begin = at + start.size();
+        const std::string example = readme.substr(begin, readme.find("```", begin) - begin);
+        EXPECT_TRUE(accepts(example)) << example;
+        EXPECT_NO_THROW(sim::readMachine(example, "README.md")) << example;
+    }
+
+    EXPECT_EQ(2u, examples);
+}
+
+TEST_F(MachineSchema, AgreesWithTheReaderOnWhatMayStandInOnePlace)
+{
+    struct Case
+    {
+        std::string text;
+        bool isGood;
+    };
+    const auto endpoint = [](const std::string& inside)
+    { return R"({"name": "m", "endpoints": [{"id": "E", "flow": "render", )" + inside + "}]}"; };
+    const Case cases[] = {
+        {R"({"name": "m"})", true},
+        {R"({"title": "m"})", false},
+        {R"({"name": 1})", false},
+        {endpoint(R"("state": "disabled")"), true},
+        {endpoint(R"("state": 0)"), true},
+        {endpoint(R"("state": 16)"), false},
+        {endpoint(R"("state": "broken")"), false},
+        {endpoint(R"("colour": "red")"), false},
+        {endpoint(R"("properties": {"friendlyName": null, "speakerConfig": 4294967295})"), true},
+        {endpoint(R"("properties": {"speakerConfig": 4294967296})"), false},
+        {endpoint(R"("properties": {"speakerConfig": 1.5})"), false},
+        {endpoint(R"("properties": {"FriendlyName": "x"})"), false},
+        {endpoint(R"("properties": {"{01234567-89ab-cdef-0123-456789abcdef}/0": {"blob": "0aF1"}})"), true},
+        {endpoint(R"("properties": {"{01234567-89ab-cdef-0123-456789abcdef}/01": "x"})"), false},
+        {endpoint(R"("properties": {"deviceFormat": {"blob": "0aF"}})"), false},
+        {endpoint(R"("properties": {"deviceFormat": {"format": "32/999999/8"}})"), true},
+        {endpoint(R"("properties": {"deviceFormat": {"format": "32/1000000/8"}})"), false},
+        {endpoint(R"("properties": {"deviceFormat": {"format": "32/48000/9"}})"), false},
+        {endpoint(R"("properties": {"deviceFormat": {"format": "12/48000/2"}})"), false},
+        {endpoint(R"("properties": {"deviceFormat": {"format": "16/048000/2"}})"), false},
+        {endpoint(R"("properties": {"deviceFormat": {"number": 1, "tag": "VT_UI1"}})"), true},
+        {endpoint(R"("properties": {"deviceFormat": {"number": 1, "tag": "VT_LPWSTR"}})"), false},
+        {endpoint(R"("topology": {"connectors": [{"id": "/a", "type": "headset"}]})"), true},
+        {endpoint(R"("topology": {"connectors": [{"id": "", "type": "headset"}]})"), false},
+        {endpoint(R"("topology": {"connectors": [{"id": "/a", "type": "Headset"}]})"), false},
+        {endpoint(R"("topology": {"connectors": [{"id": "/a", "kind": "usb"}]})"), false},
+        {endpoint(R"("topology": {"subunits": [{"id": "/a", "direction": "in"}]})"), false},
+        {endpoint(R"("volume": {"minimum": -1, "maximum": 0, "step": 0.5, "channels": []})"), false},
+        {endpoint(R"("volume": {"minimum": -1, "maximum": 0, "step": 0.5, "channels": [0, -1e0]})"), true},
+        {R"({"name": "m", "faults": [{"operation": "IPart::GetName", "result": "0x80004005"}]})", true},
+        {R"({"name": "m", "faults": [{"operation": "IPart::GetName", "result": "80004005"}]})", false},
+        {R"({"name": "m", "script":
+            [{"event": "defaultChanged", "endpoint": null, "flow": "render", "role": "console"}]})",
+         true},
+        {R"({"name": "m", "script": [{"event": "exploded", "endpoint": "E"}]})", false},
+        {R"({"name": "m", "waveOut": ["a", {"endpoint": "b", "sizeResult": 8}]})", true},
+        {R"({"name": "m", "waveOut": [null]})", false},
+    };
+
+    for (const Case& each : cases)
+    {
+        EXPECT_EQ(each.isGood, accepts(each.text)) << "schema: " << each.text;
+        EXPECT_EQ(each.isGood, readerAccepts(each.text)) << "reader: " << each.text;
+    }
+}
+}
