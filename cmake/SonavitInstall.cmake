@@ -1,5 +1,5 @@
 # Installing: the libraries, their public headers under include/sonavit, the machines, and a CMake package
-# (find_package(Sonavit): Sonavit::Platform, Sonavit::Common, Sonavit::Sonavit, Sonavit::Simulator).
+# (find_package(Sonavit): Sonavit::Platform, Sonavit::Common, Sonavit::Sonavit, Sonavit::Machine, Sonavit::Simulator).
 include(CMakePackageConfigHelpers)
 
 set(SONAVIT_INCLUDE_FOLDER "${CMAKE_INSTALL_INCLUDEDIR}/sonavit")
@@ -21,17 +21,6 @@ function(sonavit_install_library target exportName)
     ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
     FILE_SET HEADERS DESTINATION "${SONAVIT_INCLUDE_FOLDER}"
   )
-endfunction()
-
-# sonavit_install_headers(<target> <folder>): for a target that is headers only
-function(sonavit_install_headers target folder)
-  target_include_directories(${target} INTERFACE "$<INSTALL_INTERFACE:${SONAVIT_INCLUDE_FOLDER}>")
-  if(NOT SONAVIT_INSTALL)
-    return()
-  endif()
-  install(TARGETS ${target} EXPORT SonavitTargets)
-  install(DIRECTORY "${PROJECT_SOURCE_DIR}/${folder}" DESTINATION "${SONAVIT_INCLUDE_FOLDER}"
-          FILES_MATCHING PATTERN "*.h")
 endfunction()
 
 function(sonavit_install_package)

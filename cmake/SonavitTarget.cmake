@@ -1,5 +1,12 @@
 # What every target of this project shares: language level, visibility, warnings and instrumentation.
 
+# 32-bit x86, where gcc and clang compute with the x87 unit unless they are asked for SSE2.
+if(CMAKE_SIZEOF_VOID_P EQUAL 4 AND CMAKE_SYSTEM_PROCESSOR MATCHES "^(i[3-6]86|x86)$" AND NOT MSVC)
+  set(SONAVIT_X87 ON)
+else()
+  set(SONAVIT_X87 OFF)
+endif()
+
 # Warnings of our own sources; KIND is LIBRARY (products) or TEST (conversions are not judged there).
 function(sonavit_set_warnings target kind)
   if(MSVC)
@@ -66,8 +73,12 @@ function(sonavit_configure_target target)
   sonavit_set_warnings(${target} ${kind})
   sonavit_instrument(${target})
   if(NOT MSVC)
-    # Levels and percents are rounded after each step, also where the processor could do two steps as one.
+    # Levels and percents are rounded after each step, even if the processor could do two steps as one.
     target_compile_options(${target} PRIVATE -ffp-contract=off)
+    if(SONAVIT_X87)
+      # The x87 unit keeps more digits than a float has.
+      target_compile_options(${target} PRIVATE -msse2 -mfpmath=sse)
+    endif()
   endif()
 
   if(MINGW)
@@ -92,22 +103,33 @@ function(sonavit_configure_library target buildingDefinition)
   endif()
 endfunction()
 
-# mingw's C++ runtime is a set of libraries that programs need beside them.
+# sonavit_find_runtime_library(<result> <name>...): the first of these files that the compiler has
+function(sonavit_find_runtime_library result)
+  foreach(name IN LISTS ARGN)
+    execute_process(
+      COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
+      OUTPUT_VARIABLE file
+      OUTPUT_STRIP_TRAILING_WHITESPACE
+    )
+    if(EXISTS "${file}") # a name that the compiler does not know comes back as it is
+      file(REAL_PATH "${file}" file)
+      set(${result} "${file}" PARENT_SCOPE)
+      return()
+    endif()
+  endforeach()
+  list(JOIN ARGN " or " names)
+  message(FATAL_ERROR "${CMAKE_CXX_COMPILER} has no ${names}")
+endfunction()
+
+# The files of mingw's C++ runtime, which programs need in their folder; empty for other compilers. libgcc is named
+# after the way in which it unwinds the stack, which differs between 64-bit and 32-bit compilers.
 function(sonavit_compiler_runtime result)
   set(files)
   if(MINGW)
-    foreach(name IN ITEMS libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
-      execute_process(
-        COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
-        OUTPUT_VARIABLE file
-        OUTPUT_STRIP_TRAILING_WHITESPACE
-      )
-      if(NOT EXISTS "${file}")
-        message(FATAL_ERROR "${CMAKE_CXX_COMPILER} has no ${name}")
-      endif()
-      file(REAL_PATH "${file}" file)
-      list(APPEND files "${file}")
-    endforeach()
+    sonavit_find_runtime_library(standardLibrary libstdc++-6.dll)
+    sonavit_find_runtime_library(unwinding libgcc_s_seh-1.dll libgcc_s_dw2-1.dll libgcc_s_sjlj-1.dll)
+    sonavit_find_runtime_library(threads libwinpthread-1.dll)
+    set(files "${standardLibrary}" "${unwinding}" "${threads}")
   endif()
   set(${result} ${files} PARENT_SCOPE)
 endfunction()

@@ -15,6 +15,9 @@ endif()
 cmake_host_system_information(RESULT cores QUERY NUMBER_OF_LOGICAL_CORES)
 run(${CMAKE_COMMAND} -S "${project}" -B "${build}" -G "${generator}" "-DCMAKE_CXX_COMPILER=${compiler}"
     -DCMAKE_BUILD_TYPE=Debug ${arguments})
+if(configureOnly)
+  return()
+endif()
 run(${CMAKE_COMMAND} --build "${build}" --parallel ${cores})
 run("${build}/consumer")
 
