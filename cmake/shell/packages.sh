@@ -1,4 +1,4 @@
-# Sourced: installing the Debian packages that a command needs. Wants the project's folder in $root.
+# Sourced: installing the Debian packages that a command needs. Expects the project's folder in $root.
 
 isPresent() {
     case $1 in
@@ -7,7 +7,7 @@ isPresent() {
     esac
 }
 
-# missingPackages COMMAND: the packages of cmake/packages.txt that COMMAND needs and that are not there.
+# missingPackages COMMAND: the packages of cmake/packages.txt that COMMAND needs and that are missing.
 missingPackages() {
     local package proof commands
     while read -r package proof commands; do
@@ -17,7 +17,7 @@ missingPackages() {
     done < <(grep -v '^#' "$root/cmake/packages.txt")
 }
 
-# installPackages COMMAND: installs what is missing, as root or with sudo; touches nothing when all is there.
+# installPackages COMMAND: installs what is missing, as root or with sudo; does nothing if nothing is missing.
 installPackages() {
     local missing elevate=()
     mapfile -t missing < <(missingPackages "$1")

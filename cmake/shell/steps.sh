@@ -1,4 +1,4 @@
-# Sourced: running steps whose output matters only when they fail. Wants the project's folder in $root.
+# Sourced: running steps whose output matters only when they fail. Expects the project's folder in $root.
 
 logs="$root/build/logs"
 
@@ -15,7 +15,7 @@ quietly() {
     return $result
 }
 
-# configure PRESET [OPTION...]: a build folder that was made for another place (a moved or copied tree) starts anew.
+# configure PRESET [OPTION...]: a build folder of another source folder (a tree that was moved or copied) is made anew.
 configure() {
     local preset=$1 folder="$root/build/$1"
     shift
@@ -32,5 +32,5 @@ build() {
     if [ $# -gt 0 ]; then
         targets=(--target "$@")
     fi
-    quietly "$preset-build" cmake --build "$root/build/$preset" --parallel "$(nproc)" "${targets[@]}"
+    quietly "$preset-build" nice cmake --build "$root/build/$preset" --parallel "$(nproc)" "${targets[@]}"
 }
