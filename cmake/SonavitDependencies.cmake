@@ -35,7 +35,7 @@ if(SONAVIT_BUILD_PROGRAM)
 endif()
 
 # GoogleTest: a package where there is one for this compiler, otherwise built from its sources with our own flags
-# (a cross build has no package; a sanitizer wants the containers of both sides instrumented alike).
+# (a cross build has no package; a sanitizer needs the containers on both sides instrumented alike).
 function(sonavit_find_googletest)
   if(TARGET GTest::gmock)
     return()

@@ -1,6 +1,6 @@
 # Compiling sources in groups: sources of one folder that declare no equal names at file level are compiled as one. The
 # headers and templates that they share are then read and compiled once for the group, which about halves the time.
-# Only for builds beside one that compiles each source by itself: that one finds the include that a source forgot.
+# A build of another preset compiles each source by itself and finds missing includes.
 
 set(SONAVIT_GROUP_LIMIT 6 CACHE STRING "How many sources a group has at most")
 mark_as_advanced(SONAVIT_GROUP_LIMIT)

@@ -7,7 +7,7 @@ else()
   set(SONAVIT_X87 OFF)
 endif()
 
-# Warnings of our own sources; KIND is LIBRARY (products) or TEST (conversions are not judged there).
+# Warnings for our own sources; KIND is LIBRARY (products) or TEST (without warnings about conversions).
 function(sonavit_set_warnings target kind)
   if(MSVC)
     target_compile_options(${target} PRIVATE /W4 /permissive- /utf-8 /Zc:__cplusplus /Zc:preprocessor)
@@ -30,7 +30,7 @@ function(sonavit_set_warnings target kind)
   endif()
 endfunction()
 
-# Sanitizers, coverage or fuzzer instrumentation, as the options ask.
+# Sanitizers, coverage or fuzzer instrumentation, as the options request.
 function(sonavit_instrument target)
   if(MSVC)
     if("address" IN_LIST SONAVIT_SANITIZE)
@@ -82,7 +82,7 @@ function(sonavit_configure_target target)
   endif()
 
   if(MINGW)
-    # Exceptions cross the border of our libraries, so all of them share one C++ runtime.
+    # Exceptions pass from one library into another, so all of them share one C++ runtime.
     target_link_options(${target} PRIVATE -shared-libgcc)
   endif()
 endfunction()
@@ -142,7 +142,7 @@ function(sonavit_copy_compiler_runtime folder)
 endfunction()
 
 # sonavit_precompile(<target> PRIVATE <header>... | REUSE_FROM <target>): reads the headers once for all sources of the
-# target, but for those that must read the platform's headers in their own way.
+# target, except those that include the platform's headers in an order of their own.
 function(sonavit_precompile target)
   target_precompile_headers(${target} ${ARGN})
   get_target_property(sources ${target} SOURCES)
@@ -157,7 +157,7 @@ function(sonavit_precompile target)
   endforeach()
 endfunction()
 
-# The products' sources. Only for builds beside one that goes without: that one finds the include that a source forgot.
+# Precompiled headers for the products. A build of another preset does without them and finds missing includes.
 function(sonavit_precompile_products)
   set(standard <algorithm> <atomic> <functional> <map> <memory> <mutex> <string> <vector>)
   sonavit_precompile(Sonavit PRIVATE ${standard} <libSonavit/libsonavit.h>)

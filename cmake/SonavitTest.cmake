@@ -1,5 +1,5 @@
-# Tests. Loggers and the shared enumerator are process-wide, so natively each test is a process of its own; where a
-# process is dear, under an emulator (Wine) and with instrumentation, each suite is.
+# Tests. Loggers and the shared enumerator are process-wide, so natively each test runs in a process of its own. Under an
+# emulator (Wine) and with instrumentation, where a process takes long to start, each suite does.
 #
 #   sonavit_add_test(<name> SOURCES <file>... [LIBRARIES <target>...] [WINDOWS_ONLY] [NO_PRIVATE_ACCESS]
 #                    [PRECOMPILE <header>...] [PRECOMPILED_FOR <test>])
@@ -13,8 +13,8 @@ mark_as_advanced(SONAVIT_TEST_TIMEOUT)
 
 option(SONAVIT_TEST_DEBUG "Debug information in the tests, which makes them longer to build" ON)
 
-# Test sources are many and run for an instant, so it is their compilation that counts: no optimisation, and the headers
-# that all of them read are read once. A compiler cache works better without the latter.
+# Test sources are many and run for an instant, so it is their compilation that takes time: no optimisation, and the
+# headers that all of them include are precompiled, unless there is a compiler cache, which works better without.
 function(sonavit_build_tests_quickly target precompiledFor)
   if(NOT MSVC)
     target_compile_options(${target} PRIVATE -O0 $<IF:$<BOOL:${SONAVIT_TEST_DEBUG}>,-g1,-g0>)
