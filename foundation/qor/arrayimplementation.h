@@ -210,7 +210,7 @@ typename Array<T>::Block* Array<T>::allocate(unsigned int required, unsigned int
     if (bytes < (1ULL << 32)) // the limit holds on 64-bit hosts as well
         memory = ::operator new(static_cast<std::size_t>(bytes), std::nothrow);
     if (memory == nullptr)
-        throw NullPointer("Asked for array of size: " + QORValue(reported).toString(QORValue::nilValue));
+        throw NullPointer::ofArray(reported);
     return ::new (memory) Block{0, capacity};
 }
 
