@@ -154,4 +154,10 @@ String cutClassName(const String& name)
 {
     return name.size() < 4 ? name : name.subString(2, name.size() - 3);
 }
+
+String tableClassName(const char* start, const String& keys, const String& values)
+{
+    String name(start);
+    return name.append(cutClassName(keys)).append(",").append(cutClassName(values)).append(")");
+}
 } // namespace qor

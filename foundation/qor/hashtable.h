@@ -124,9 +124,12 @@ struct HashFunc<String>
     QOR_API static unsigned int hash(const String& text);
 };
 
-/// The middle of a class name of at least 4 units, which stands behind two marks and before one; a shorter name as it
-/// is.
+/// A class name of at least 4 units without its first two and its last one, which mark where a name starts and ends; a
+/// shorter name unchanged.
 QOR_API String cutClassName(const String& name);
+
+/// The class name of a table: @p start, the cut names of its arrays of keys and of values with a comma between, ")".
+QOR_API String tableClassName(const char* start, const String& keys, const String& values);
 
 /// Values found by key, in no useful order. No operation locks.
 template<class K, class V, class Eq = EqualFunc<K>, class Hash = HashFunc<K>>
@@ -178,7 +181,9 @@ public:
     /// Replaces the content; a key that is repeated in the text stays repeated.
     void deserializeFromElement(const XmlElement* element) override;
 
-    /// "H(", the cut class names of the arrays of keys and of values with a comma between, ")".
+    /// tableClassName() with "H(". Made in the first call, by one thread; required behaviour: made again if the string
+    /// is empty. If memory fails, nothing stays behind and the next call tries again.
+    /// @exception std::bad_alloc without memory for the name
     const String& objectClassName() override;
 
 private:
@@ -222,13 +227,9 @@ void HashTable<K, V, Eq, Hash>::deserializeFromElement(const XmlElement* element
 template<class K, class V, class Eq, class Hash>
 const String& HashTable<K, V, Eq, Hash>::objectClassName()
 {
-    static String& name = *new String;
+    static String& name = *new String(tableClassName("H(", Array<K>::className(), Array<V>::className()));
     if (name.size() == 0)
-        name.append("H(")
-            .append(cutClassName(Array<K>::className()))
-            .append(",")
-            .append(cutClassName(Array<V>::className()))
-            .append(")");
+        name = tableClassName("H(", Array<K>::className(), Array<V>::className());
     return name;
 }
 } // namespace qor

@@ -143,9 +143,17 @@ TraceLogger::TraceLogger(Logger* logger, const char* label, const char* file, in
         deliver({LogRecord::Kind::enter, LoggerPriority::LOG_DEBUG, m_logger->channel(), m_label, m_file, m_line});
 }
 
+// An exception out of this destructor would end the process, so a record that fails is dropped.
 TraceLogger::~TraceLogger()
 {
-    if (m_logger != nullptr)
+    if (m_logger == nullptr)
+        return;
+    try
+    {
         deliver({LogRecord::Kind::leave, LoggerPriority::LOG_DEBUG, m_logger->channel(), m_label, m_file, m_line});
+    }
+    catch (...) // exhausted memory, or whatever a sink throws
+    {
+    }
 }
 } // namespace qor

@@ -24,7 +24,9 @@ public:
     V& operator[](const K& key) { return m_arrayValues[position(key)]; }
     const V& operator[](const K& key) const { return m_arrayValues[position(key)]; }
 
-    /// Stores copies of @p key and @p value at the end. The caller has made sure that the key is not in the table.
+    /// Stores copies of @p key and @p value at the end. The caller has checked that the key is not in the table.
+    /// @exception NullPointer if an array cannot grow. The key is in the index then, without a value: access by it
+    /// throws IndexOutOfBounds, and the table is of no further use
     void insert(const K& key, const V& value)
     {
         m_index.insert(key, m_arrayKeys.size());
@@ -64,18 +66,15 @@ public:
         deserializeEnd();
     }
 
-    /// "OH(", the cut class names of the arrays of keys and of values with a comma between, ")". The cut takes two
-    /// units off the front and one off the end of "ArrayOfOthers" as well: "rayOfOther" stands in the names of most
-    /// tables, and readers of the names know it that way.
+    /// tableClassName() with "OH(". Made in the first call, by one thread; required behaviour: made again if the string
+    /// is empty. The cut shortens "ArrayOfOthers" as well: the names of most tables contain "rayOfOther", and code that
+    /// reads the names relies on it.
+    /// @exception std::bad_alloc without memory for the name; the next call tries again
     const String& objectClassName() override
     {
-        static String& name = *new String;
+        static String& name = *new String(tableClassName("OH(", Array<K>::className(), Array<V>::className()));
         if (name.size() == 0)
-            name.append("OH(")
-                .append(cutClassName(Array<K>::className()))
-                .append(",")
-                .append(cutClassName(Array<V>::className()))
-                .append(")");
+            name = tableClassName("OH(", Array<K>::className(), Array<V>::className());
         return name;
     }
 
