@@ -25,7 +25,7 @@ namespace qor
 /// An exception out of an element's destructor passes through once the elements behind it are destroyed and their
 /// block is freed; a second one meanwhile ends the process, as it does for an array of the language.
 template<class T>
-class Array : public Serializable
+class QOR_SHARED_TYPE Array : public Serializable
 {
 public:
     /// An empty array of capacity 8. @exception NullPointer if its block cannot be had

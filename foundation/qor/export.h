@@ -16,3 +16,11 @@
 #else
 #define QOR_API __attribute__((visibility("default")))
 #endif
+
+/// Mark of a class template that crosses module boundaries. C++ runtimes that compare types by address, as libc++ does,
+/// then see one type in all modules; the others compare by name and need no mark.
+#if defined(__clang__) && !defined(_WIN32)
+#define QOR_SHARED_TYPE __attribute__((type_visibility("default")))
+#else
+#define QOR_SHARED_TYPE
+#endif

@@ -13,7 +13,7 @@
 namespace qor
 {
 template<class T>
-class Array;
+class QOR_SHARED_TYPE Array;
 
 /// Text of 16-bit UCS-2 code units, one pointer wide.
 ///
