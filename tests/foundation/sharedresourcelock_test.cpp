@@ -106,14 +106,15 @@ TEST(LockedSharedResource, CreatesCopiesAndReleasesOnlyWithTheLock)
     const Locked shared(new Watcher);
     Watcher* const object = new Watcher;
     std::unique_ptr<Locked> created;
+    std::unique_ptr<Locked> another;
     Locked copy;
 
     EXPECT_TRUE(waitsForTheLock([&] { created = std::make_unique<Locked>(object); }));
     EXPECT_TRUE(waitsForTheLock([&] { copy = shared; }));
-    EXPECT_TRUE(waitsForTheLock([&] { const Locked another(shared); }));
+    EXPECT_TRUE(waitsForTheLock([&] { another = std::make_unique<Locked>(shared); })); // a copy without its release
     EXPECT_TRUE(waitsForTheLock([&] { created.reset(); }));
 
-    EXPECT_EQ(2, *shared.m_count);
+    EXPECT_EQ(3, *shared.m_count);
 }
 
 TEST(LockedSharedResource, KeepsItsCountWholeBetweenThreads)
@@ -142,6 +143,37 @@ TEST(LockedSharedResource, KeepsItsCountWholeBetweenThreads)
     }
 
     EXPECT_EQ(1, Watcher::destroyed);
+}
+
+TEST(LockedSharedResource, CountsEveryCopyThatRacingThreadsMake)
+{
+    constexpr int threadCount = 4;
+    constexpr int copies = 20000;
+    const Locked shared(new Watcher);
+    std::vector<std::vector<Locked>> made(threadCount);
+    for (std::vector<Locked>& copiesOfThread : made)
+        copiesOfThread.reserve(copies);
+    std::atomic<int> waiting{threadCount};
+    std::vector<std::thread> threads;
+
+    for (std::vector<Locked>& copiesOfThread : made)
+    {
+        threads.emplace_back(
+            [&shared, &waiting, &copiesOfThread]
+            {
+                --waiting;
+                while (waiting != 0)
+                    std::this_thread::yield();
+                for (int i = 0; i < copies; ++i)
+                    copiesOfThread.push_back(shared);
+            });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+
+    const int count = *shared.m_count;
+    *shared.m_count = threadCount * copies + 1; // whatever was counted, no copy outlives its object
+    EXPECT_EQ(threadCount * copies + 1, count);
 }
 
 TEST(LockedSharedResource, BehavesLikeTheUnlockedFormOtherwise)
