@@ -47,13 +47,14 @@ Watcher::~Watcher()
     lockWasFree = isFree(watcherMutex());
 }
 
-/// Runs @p operation while another thread holds the lock. @return whether it ended only when the lock was free again
+/// Runs @p operation while another thread holds the lock. @return whether it ended only after that
 template<class Operation>
 bool waitsForTheLock(Operation operation)
 {
     std::atomic<bool> held{false};
     std::atomic<bool> announced{false};
-    std::atomic<bool> over{false};
+    std::atomic<bool> ended{false};
+    bool waited = false;
     std::thread holder(
         [&]
         {
@@ -61,15 +62,15 @@ bool waitsForTheLock(Operation operation)
             held = true;
             while (!announced)
                 std::this_thread::yield();
-            for (int i = 0; i < 1000; ++i) // time for an operation that does not wait
+            for (int i = 0; i < 20000 && !ended; ++i) // time for an operation that does not wait
                 std::this_thread::yield();
-            over = true;
+            waited = !ended;
         });
     while (!held)
         std::this_thread::yield();
     announced = true;
     operation();
-    const bool waited = over;
+    ended = true;
     holder.join();
     return waited;
 }
@@ -148,7 +149,7 @@ TEST(LockedSharedResource, KeepsItsCountWholeBetweenThreads)
 TEST(LockedSharedResource, CountsEveryCopyThatRacingThreadsMake)
 {
     constexpr int threadCount = 4;
-    constexpr int copies = 20000;
+    constexpr int copies = 100000;
     const Locked shared(new Watcher);
     std::vector<std::vector<Locked>> made(threadCount);
     for (std::vector<Locked>& copiesOfThread : made)
