@@ -7,9 +7,9 @@
 
 namespace qor
 {
-/// Values found by key that also keep the order in which their keys first came. No operation locks.
+/// Table of values by key that keeps the order in which the keys were inserted. No operation locks.
 ///
-/// Position i of keys() and of values() belong together, and the index leads from a key to its position.
+/// Entry i of keys() belongs to entry i of values(), and the index maps a key to its position.
 template<class K, class V, class Eq = EqualFunc<K>, class Hash = HashFunc<K>>
 class OrderedHashTable : public Serializable
 {
@@ -18,8 +18,8 @@ public:
 
     bool contains(const K& key) const { return m_index.contains(key); }
 
-    /// The value of @p key in its place, to be read or changed there.
-    /// @exception HashKeyMissing with the key, if it is not in the table
+    /// The stored value of @p key, which the caller may change; valid until the table changes.
+    /// @exception HashKeyMissing with the key, if the table does not contain it
     /// @exception IndexOutOfBounds if index and values disagree
     V& operator[](const K& key) { return m_arrayValues[position(key)]; }
     const V& operator[](const K& key) const { return m_arrayValues[position(key)]; }
@@ -41,8 +41,8 @@ public:
 
     unsigned int size() const { return m_arrayKeys.size(); }
 
-    /// Writes keys and values as two arrays. @exception SerializationFailed if the values refuse, as all but texts and
-    /// numbers do
+    /// Writes keys and values as two arrays, under the names "m_arrayKeys" and "m_arrayValues".
+    /// @exception SerializationFailed if keys or values are neither strings nor unsigned numbers
     void serializeToXML(const String& name, String& out) override
     {
         serializeBegin(name);
@@ -52,7 +52,7 @@ public:
         getSerializedXML(out);
     }
 
-    /// Replaces the content. What was there is gone even if reading fails.
+    /// Replaces the content. Required behaviour: the old content is cleared first, even if reading fails.
     void deserializeFromElement(const XmlElement* element) override
     {
         m_arrayKeys.clear();
