@@ -2,7 +2,7 @@
 
 namespace qor
 {
-// Two characters in front and one behind are cut off where these names go into those of the tables.
+// cutClassName() removes the first two units and the last one when these names become part of a table's name.
 
 template<>
 const String& Array<String>::className()

@@ -2,7 +2,7 @@
 
 #include "qor/exception.h"
 #include "qor/export.h"
-#include "qor/nilattheend.h"
+#include "qor/nullonscopeexit.h"
 #include "qor/qorvalue.h"
 #include "qor/serializable.h"
 #include "qor/string.h"
@@ -18,66 +18,69 @@ namespace qor
 {
 /// Growable sequence with value semantics: a copy holds copies of all elements, and keeps the capacity of its source.
 ///
-/// Count, capacity and elements share one block; a new array has a block of 8 places, and growth doubles. Elements are
-/// copied at growth and destroyed from the first to the last. An element type must bear being moved in memory byte by
-/// byte (remove() does that) and need no more than 8-byte alignment. No operation locks.
+/// Count, capacity and elements share one block; a new array has a block for 8 elements, and growth doubles it.
+/// Elements are copied when the array grows, and destroyed from the first to the last. An element type must be
+/// trivially relocatable, as remove() moves elements byte by byte, and need no more than 8-byte alignment. No operation
+/// locks.
 ///
-/// An exception out of an element's destructor passes through once the elements behind it are destroyed and their
-/// block is freed; a second one meanwhile ends the process, as it does for an array of the language.
+/// An exception from an element's destructor reaches the caller after the remaining elements are destroyed and their
+/// block is freed; a second exception meanwhile ends the process, as for a built-in array.
 template<class T>
-class Array : public Serializable
+class QOR_SHARED_TYPE Array : public Serializable
 {
 public:
-    /// An empty array of capacity 8. @exception NullPointer if its block cannot be had
+    /// An empty array of capacity 8. @exception NullPointer without memory for its block
     Array() : m_block(allocate(smallestCapacity, 0)) {}
 
-    /// Copies each element in order; the capacity is that of @p other.
+    /// Copies each element in order; the capacity is that of @p other. @exception NullPointer without memory
     Array(const Array& other) : Serializable(other), m_block(copyOf(other.m_block)) {}
 
     ~Array() noexcept(false) override { destroyBlock(); }
 
-    /// Arrays that hold the same block are left alone. Otherwise the own elements go before the others are copied.
+    /// Does nothing if both arrays have the same block. Otherwise destroys its own elements before it copies the
+    /// others; if a copy fails, the array is empty and may be used again.
     Array& operator=(const Array& other);
 
     /// Number of elements.
     unsigned int size() const { return m_block == nullptr ? 0 : m_block->count; }
 
-    /// Number of places in the block.
+    /// Number of elements that the block has room for.
     unsigned int capacity() const { return m_block == nullptr ? 0 : m_block->capacity; }
 
-    /// @exception IndexOutOfBounds (0, size - 1, index) where the array has no such element
+    /// @exception IndexOutOfBounds (0, size - 1, index) if there is no such element; the array is unchanged
     T& operator[](unsigned int index) { return *element(checked(index)); }
     const T& operator[](unsigned int index) const { return *element(checked(index)); }
 
-    /// Adds a copy of @p value at the end; @p value may be an element of this array.
-    /// @exception NullPointer if the array has to grow and cannot; it is unchanged then
+    /// Appends a copy of @p value, which may be an element of this array.
+    /// @exception NullPointer if the array must grow and there is no memory; it is unchanged then
     void append(const T& value);
     void append(T& value) { append(static_cast<const T&>(value)); }
 
-    /// Destroys all elements and starts again with a block of capacity 8.
+    /// Destroys all elements and makes a new block of capacity 8. @exception NullPointer without memory for it
     void clear();
 
     /// Whether an element equals @p value by its `operator==`.
     bool contains(const T& value) const;
 
-    /// Makes room for @p required elements. @exception NullPointer if that is impossible; the array keeps its block
-    /// then
+    /// Makes room for @p required elements. A block has less than 4 GiB.
+    /// @exception NullPointer without memory, or if the block would be too large; the array keeps its block then
     void ensureCapacity(unsigned int required);
 
     /// Destroys the element at @p index and moves the later ones down by one place.
     ///
-    /// An index equal to the size changes nothing. That bound is one wider than that of operator[], and callers rely on
-    /// it. An exception out of the element's destructor passes through when the later ones have moved.
-    /// @exception IndexOutOfBounds for any larger index
+    /// Required behaviour: an index equal to the size changes nothing, unlike in operator[]; callers rely on it. An
+    /// exception from the element's destructor reaches the caller after the later elements have moved.
+    /// @exception IndexOutOfBounds for a larger index
     void remove(unsigned int index);
 
-    /// Name of this kind of array in serialized class names. Lives to the end of the process.
+    /// Name of this kind of array in serialized class names; valid until the process ends.
     static const String& className();
 
-    /// Says on standard output that there is nothing to read, and returns: reading is refused more gently than writing.
+    /// Required behaviour: prints one line on standard output and returns, with the array unchanged. Only writing
+    /// throws.
     void deserializeFromElement(const XmlElement* element) override;
 
-    /// Refuses. @exception SerializationFailed always, naming @p name; @p out is left alone
+    /// @exception SerializationFailed always, with @p name in its message; @p out is unchanged
     void serializeToXML(const String& name, String& out) override;
 
     const String& objectClassName() override { return className(); }
@@ -90,21 +93,21 @@ private:
     {
         unsigned int count;
         unsigned int capacity;
-        // the element places follow without a gap
+        // the elements follow without a gap
     };
 
     static constexpr unsigned int smallestCapacity = 8;
 
-    /// Frees a block under construction, with what it holds, when the copy of an element throws.
+    /// Destroys an unfinished block with its elements if copying an element throws.
     class BlockGuard;
 
-    /// Puts a grown block in its place when the old one is gone, also when an element of that threw.
+    /// Stores a grown block after the old one is freed, even if one of its elements threw.
     class StoringGuard;
 
-    /// Closes the gap of a removed element, also when the element's destructor throws.
+    /// Closes the gap of a removed element, even if its destructor throws.
     class GapGuard;
 
-    /// Destroys what is left of the elements and frees their block, also when a destructor throws.
+    /// Destroys the remaining elements and frees their block, even if a destructor throws.
     class RestGuard;
 
     static unsigned int capacityFor(unsigned int required);
@@ -124,7 +127,7 @@ private:
     unsigned int checked(unsigned int index) const;
     void destroyBlock();
 
-    Block* m_block; // null only between losing an old block and having a new one
+    Block* m_block; // null only after an assignment or clear() has failed, and after destruction
 };
 
 template<>

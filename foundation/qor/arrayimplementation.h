@@ -51,7 +51,7 @@ public:
     GapGuard(const GapGuard&) = delete;
     GapGuard& operator=(const GapGuard&) = delete;
 
-    /// Byte by byte: the elements stay the same objects, so that nothing is copied or destroyed.
+    /// Byte by byte: the elements stay the same objects, so no copy is made and no destructor runs.
     ~GapGuard()
     {
         T* const gap = places(m_block) + m_index;
@@ -114,7 +114,7 @@ inline void Array<T>::append(const T& value)
     m_block->count = count + 1;
 }
 
-/// append() where the block is full.
+/// append() to a full block.
 template<class T>
 void Array<T>::appendGrown(const T& value)
 {
@@ -124,7 +124,7 @@ void Array<T>::appendGrown(const T& value)
     const bool ownElement = std::less_equal<const T*>()(first, source) && std::less<const T*>()(source, first + count);
     ensureCapacity(count + 1);
     if (ownElement)
-        source = places(m_block) + (source - first); // growth has moved it
+        source = places(m_block) + (source - first); // the element in the new block
     ::new (static_cast<void*>(places(m_block) + count)) T(*source);
     m_block->count = count + 1;
 }
@@ -173,7 +173,8 @@ void Array<T>::remove(unsigned int index)
 template<class T>
 const String& Array<T>::className()
 {
-    static const String& name = *new String("ArrayOfOthers"); // never destroyed: static objects die in no useful order
+    static const String& name =
+        *new String("ArrayOfOthers"); // never destroyed: other static objects may ask for it when the process ends
     return name;
 }
 
@@ -198,23 +199,23 @@ unsigned int Array<T>::capacityFor(unsigned int required)
     return capacity == 0 ? required : capacity;
 }
 
-/// A block for @p required elements by the capacity rule, still without elements.
+/// A block with room for @p required elements, still without elements. @p reported is the number in the exception.
 template<class T>
 typename Array<T>::Block* Array<T>::allocate(unsigned int required, unsigned int reported)
 {
-    static_assert(sizeof(Block) == 8, "elements stand right behind two header words");
-    static_assert(alignof(T) <= sizeof(Block), "elements stand at offset 8 of the block");
+    static_assert(sizeof(Block) == 8, "elements follow two header words directly");
+    static_assert(alignof(T) <= sizeof(Block), "elements start at offset 8 of the block");
     const unsigned int capacity = capacityFor(required);
     const unsigned long long bytes = sizeof(Block) + static_cast<unsigned long long>(capacity) * sizeof(T);
     void* memory = nullptr;
-    if (bytes < (1ULL << 32)) // the limit holds on 64-bit hosts as well
+    if (bytes < (1ULL << 32)) // the limit holds on 64-bit hosts too
         memory = ::operator new(static_cast<std::size_t>(bytes), std::nothrow);
     if (memory == nullptr)
-        throw NullPointer("Asked for array of size: " + QORValue(reported).toString(QORValue::nilValue));
+        throw NullPointer::ofArray(reported);
     return ::new (memory) Block{0, capacity};
 }
 
-/// A copy takes the capacity of its source as the number required, not its count.
+/// Required behaviour: the capacity of the source decides about the size of the copy, not its count.
 template<class T>
 typename Array<T>::Block* Array<T>::copyOf(const Block* source)
 {
@@ -225,8 +226,8 @@ typename Array<T>::Block* Array<T>::copyOf(const Block* source)
     return copy.release();
 }
 
-/// Counts each element as it is made, so that a throwing copy leaves a block that can be taken down. Elements that are
-/// nothing but their bytes are copied at one go.
+/// Counts each element as soon as it is made, so that the guard destroys exactly those if a copy throws. Trivially
+/// copyable elements are copied in one call.
 template<class T>
 void Array<T>::copyElements(const Block* source, Block* target)
 {
@@ -263,7 +264,7 @@ unsigned int Array<T>::checked(unsigned int index) const
 template<class T>
 void Array<T>::destroyBlock()
 {
-    const NilAtTheEnd<Block> noBlockAfterwards(m_block);
+    const NullOnScopeExit<Block> noBlockAfterwards(m_block);
     destroyBlock(m_block);
 }
 
@@ -273,6 +274,6 @@ void Array<T>::destroyBlock(Block* block)
     if (block == nullptr)
         return;
     RestGuard rest(block);
-    rest.destroyElements(); // here, outside of a destructor, an exception can pass
+    rest.destroyElements(); // outside the guard's destructor, where an exception can reach the caller
 }
 } // namespace qor

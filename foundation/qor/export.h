@@ -1,8 +1,7 @@
 /// Export marks of the foundation module.
 ///
-/// Off Windows every use makes the symbol visible, whatever is defined. On Windows the shared build defines
-/// SONAVIT_SHARED for everybody and QOR_BUILDING for the module itself; without SONAVIT_SHARED the marks are empty, as
-/// a static build needs.
+/// Off Windows the mark always makes the symbol visible. On Windows a shared build defines SONAVIT_SHARED for all
+/// targets and QOR_BUILDING for the module itself; without SONAVIT_SHARED the mark is empty, as a static build needs.
 #pragma once
 
 #if defined(_WIN32)
@@ -15,4 +14,12 @@
 #endif
 #else
 #define QOR_API __attribute__((visibility("default")))
+#endif
+
+/// Mark of a class template whose instances cross module boundaries. A C++ runtime that compares types by address, such
+/// as libc++, then sees the same type in all modules. Runtimes that compare by name need no mark.
+#if defined(__clang__) && !defined(_WIN32)
+#define QOR_SHARED_TYPE __attribute__((type_visibility("default")))
+#else
+#define QOR_SHARED_TYPE
 #endif

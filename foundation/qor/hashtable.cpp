@@ -82,11 +82,11 @@ void _HashTableRep::insertWithoutCheck(unsigned int hash, _BucketBase* bucket, c
         return;
     if (m_entries.size() == m_heads.size())
         grow();
-    m_entries.push_back({hash, bucket}); // the last that may throw: a bucket is linked and listed, or neither
+    m_entries.push_back({hash, bucket}); // the last step that can throw: a bucket is both linked and listed, or neither
     link(m_entries.back());
 }
 
-/// At the end of its chain, so that of two equal keys the first one is found.
+/// Adds to the end of the chain, so that lookup() finds the first of two equal keys.
 void _HashTableRep::link(const Entry& entry)
 {
     _BucketBase** place = &m_heads[entry.hash % m_heads.size()];
@@ -153,5 +153,11 @@ unsigned int HashFunc<String>::hash(const String& text)
 String cutClassName(const String& name)
 {
     return name.size() < 4 ? name : name.subString(2, name.size() - 3);
+}
+
+String tableClassName(const char* start, const String& keys, const String& values)
+{
+    String name(start);
+    return name.append(cutClassName(keys)).append(",").append(cutClassName(values)).append(")");
 }
 } // namespace qor

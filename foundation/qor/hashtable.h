@@ -11,19 +11,19 @@
 
 namespace qor
 {
-/// One entry of a table, linked into the chain of its hash.
+/// One entry of a table, linked into the chain of its hash number.
 class QOR_API _BucketBase
 {
 public:
     _BucketBase() noexcept : next(nullptr) {}
-    virtual ~_BucketBase() noexcept(false); // keys and values may let an exception pass, see qor/resource.h
+    virtual ~_BucketBase() noexcept(false); // destructors of keys and values may throw, see qor/resource.h
     _BucketBase(const _BucketBase&) = delete;
     _BucketBase& operator=(const _BucketBase&) = delete;
 
     /// Whether the entry's key equals the one at @p key, which has the entry's key type.
     virtual bool matches(const void* key) const = 0;
 
-    /// A new entry with copies of key and value, owned by the caller; null if memory is exhausted.
+    /// A new entry with copies of key and value, owned by the caller; null without memory.
     virtual _BucketBase* clone() const = 0;
 
     _BucketBase* next;
@@ -42,11 +42,11 @@ public:
     V value;
 };
 
-/// Chains of buckets behind an array of heads. Owns the buckets given to it; a null bucket is not stored.
+/// Chains of buckets and an array of their heads. Owns the buckets that it stores; a null bucket is not stored.
 ///
-/// The number of heads grows with the number of buckets, so that chains stay short; with it the order of the chains
-/// changes. Exhausted memory raises std::bad_alloc, with the bucket still the caller's and the table as it was. An
-/// exception out of a bucket's destructor passes through; the buckets behind it are then lost.
+/// The number of heads grows with the number of buckets to keep the chains short; this changes the order of the chains.
+/// Without memory an operation throws std::bad_alloc: the table is unchanged then and the caller still owns the bucket.
+/// An exception from a bucket's destructor reaches the caller; the remaining buckets are leaked then.
 class QOR_API _HashTableRep
 {
 public:
@@ -63,11 +63,11 @@ public:
     _BucketBase* lookup(unsigned int hash, const void* key);
     const _BucketBase* lookup(unsigned int hash, const void* key) const;
 
-    /// Stores @p bucket unless one with that key exists, which leaves @p bucket with the caller. @return whether it is
+    /// Stores @p bucket unless one with that key exists; the caller still owns @p bucket then. @return whether it is
     /// stored
     bool insert(unsigned int hash, _BucketBase* bucket, const void* key);
 
-    /// Stores @p bucket at the end of its chain without looking for its key.
+    /// Stores @p bucket at the end of its chain, even if there is one with that key.
     void insertWithoutCheck(unsigned int hash, _BucketBase* bucket, const void* key);
 
     /// The chain heads, from heads() up to, not including, heads() + length().
@@ -85,16 +85,16 @@ private:
     void grow();
 
     std::vector<_BucketBase*> m_heads;
-    std::vector<Entry> m_entries; // in order of arrival, for a larger array of heads
+    std::vector<Entry> m_entries; // in the order of insertion, to fill a larger array of heads
 };
 
-/// Walks all buckets, along each chain and from head to head.
+/// Iterates over all buckets, chain by chain in the order of the heads.
 class QOR_API _HashTableIteratorBase
 {
 public:
     _HashTableIteratorBase(_BucketBase** first, _BucketBase** last);
 
-    /// The bucket it stands at, null behind the last one.
+    /// The current bucket, null after the last one.
     _BucketBase* current() const noexcept { return m_current; }
 
     _HashTableIteratorBase& operator++();
@@ -107,7 +107,7 @@ private:
     _BucketBase* m_current;
 };
 
-/// Equality of keys: the exact `operator==`, so that texts differing in case are two keys.
+/// Equality of keys by the exact `operator==`: strings that differ in case are two keys.
 template<class T>
 struct EqualFunc
 {
@@ -120,15 +120,18 @@ struct HashFunc;
 template<>
 struct HashFunc<String>
 {
-    /// Equal texts give equal numbers.
+    /// Equal strings give equal numbers.
     QOR_API static unsigned int hash(const String& text);
 };
 
-/// The middle of a class name of at least 4 units, which stands behind two marks and before one; a shorter name as it
-/// is.
+/// A class name of at least 4 units without its first two and its last one, which mark where a name starts and ends; a
+/// shorter name unchanged.
 QOR_API String cutClassName(const String& name);
 
-/// Values found by key, in no useful order. No operation locks.
+/// The class name of a table: @p start, the cut names of its arrays of keys and of values with a comma between, ")".
+QOR_API String tableClassName(const char* start, const String& keys, const String& values);
+
+/// Table of values by key, in no useful order. No operation locks. Operations that allocate throw std::bad_alloc.
 template<class K, class V, class Eq = EqualFunc<K>, class Hash = HashFunc<K>>
 class HashTable : public Serializable
 {
@@ -137,7 +140,7 @@ public:
 
     bool contains(const K& key) const { return lookup(key) != nullptr; }
 
-    /// The value of @p key in its place, or null; valid until the table changes.
+    /// The stored value of @p key, or null; valid until the table changes.
     V* lookup(const K& key)
     {
         Bucket* const bucket = static_cast<Bucket*>(m_table.lookup(Hash::hash(key), &key));
@@ -150,7 +153,8 @@ public:
         return bucket == nullptr ? nullptr : &bucket->value;
     }
 
-    /// Stores copies of key and value. @return false, with nothing changed, if the key is there already
+    /// Stores copies of key and value. @return false, with the table unchanged, if it contains the key or if there is
+    /// no memory for the entry
     bool insert(const K& key, const V& value)
     {
         const unsigned int hash = Hash::hash(key);
@@ -161,7 +165,8 @@ public:
         return stored;
     }
 
-    /// Stores copies of key and value, whether the key is there already or not.
+    /// Stores copies of key and value, even if the table contains the key. Without memory for the entry it stores
+    /// nothing.
     void insertWithoutCheck(const K& key, const V& value)
     {
         const unsigned int hash = Hash::hash(key);
@@ -172,13 +177,18 @@ public:
 
     void clear() { m_table.clear(); }
 
-    /// Writes keys and values as two arrays in the order of the chains.
+    /// Writes keys and values as two arrays in the order of the chains, under the names "m_arrKey" and "m_arrValue".
+    /// @exception SerializationFailed if keys or values are neither strings nor unsigned numbers
     void serializeToXML(const String& name, String& out) override;
 
-    /// Replaces the content; a key that is repeated in the text stays repeated.
+    /// Replaces the content; a repeated key stays repeated, and values without a key are ignored.
+    /// @exception SerializationFailed if the arrays cannot be read; the content is unchanged then
+    /// @exception IndexOutOfBounds if there are more keys than values; the entries before are stored then
     void deserializeFromElement(const XmlElement* element) override;
 
-    /// "H(", the cut class names of the arrays of keys and of values with a comma between, ")".
+    /// tableClassName() with "H(". Made in the first call, by one thread; required behaviour: made again if the string
+    /// is empty. If memory fails, nothing stays behind and the next call tries again.
+    /// @exception std::bad_alloc without memory for the name
     const String& objectClassName() override;
 
 private:
@@ -222,13 +232,9 @@ void HashTable<K, V, Eq, Hash>::deserializeFromElement(const XmlElement* element
 template<class K, class V, class Eq, class Hash>
 const String& HashTable<K, V, Eq, Hash>::objectClassName()
 {
-    static String& name = *new String;
+    static String& name = *new String(tableClassName("H(", Array<K>::className(), Array<V>::className()));
     if (name.size() == 0)
-        name.append("H(")
-            .append(cutClassName(Array<K>::className()))
-            .append(",")
-            .append(cutClassName(Array<V>::className()))
-            .append(")");
+        name = tableClassName("H(", Array<K>::className(), Array<V>::className());
     return name;
 }
 } // namespace qor

@@ -13,12 +13,12 @@ namespace qor
 {
 namespace
 {
-/// All state of the log. Never destroyed: records still come while static objects of other modules die.
+/// All state of the log. Never destroyed: static objects of other modules log while they are destroyed.
 struct Registry
 {
     std::mutex channelsMutex;
     std::map<std::string, std::unique_ptr<Logger>> channels;
-    std::recursive_mutex sinkMutex; // recursive: a sink may let go of the last handle on something that logs
+    std::recursive_mutex sinkMutex;               // recursive: a sink may log, or release an object that logs
     std::shared_ptr<const LogFactory::Sink> sink; // null for the default
 };
 
@@ -60,7 +60,8 @@ void deliver(const LogRecord& record)
 {
     Registry& log = registry();
     const std::lock_guard<std::recursive_mutex> lock(log.sinkMutex);
-    const std::shared_ptr<const LogFactory::Sink> sink = log.sink; // stays whole while it runs, even if it sets another
+    const std::shared_ptr<const LogFactory::Sink> sink =
+        log.sink; // stays alive during the call, even if the sink sets another one
     if (sink != nullptr)
         (*sink)(record);
     else
@@ -103,7 +104,7 @@ void Logger::log(LOGGER_PRIORITY priority, const LoggerStream& message)
     deliver({LogRecord::Kind::message, priority, channel(), message, nullptr, 0});
 }
 
-std::atomic<LOGGER_PRIORITY> LogFactory::m_minimum{LoggerPriority::LOG_ERROR}; // no code runs for that at start-up
+std::atomic<LOGGER_PRIORITY> LogFactory::m_minimum{LoggerPriority::LOG_ERROR}; // initialised at compile time
 
 void LogFactory::setPriority(LOGGER_PRIORITY priority) noexcept
 {
@@ -130,7 +131,7 @@ void LogFactory::setSink(Sink sink)
     std::shared_ptr<const Sink> next = sink ? std::make_shared<const Sink>(std::move(sink)) : nullptr;
     Registry& log = registry();
     const std::lock_guard<std::recursive_mutex> lock(log.sinkMutex);
-    log.sink.swap(next); // the old one dies behind the lock
+    log.sink.swap(next); // the old sink is destroyed after the lock is released
 }
 
 TraceLogger::TraceLogger(Logger* logger, const char* label, const char* file, int line)
@@ -143,9 +144,17 @@ TraceLogger::TraceLogger(Logger* logger, const char* label, const char* file, in
         deliver({LogRecord::Kind::enter, LoggerPriority::LOG_DEBUG, m_logger->channel(), m_label, m_file, m_line});
 }
 
+// An exception out of this destructor would end the process, so a record that fails is dropped.
 TraceLogger::~TraceLogger()
 {
-    if (m_logger != nullptr)
+    if (m_logger == nullptr)
+        return;
+    try
+    {
         deliver({LogRecord::Kind::leave, LoggerPriority::LOG_DEBUG, m_logger->channel(), m_label, m_file, m_line});
+    }
+    catch (...) // exhausted memory, or whatever a sink throws
+    {
+    }
 }
 } // namespace qor

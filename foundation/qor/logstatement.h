@@ -1,6 +1,6 @@
-/// The front end of the log: two statements that cost a call and a compare while they are not written.
+/// The statements of the log. One that writes nothing costs a call and a comparison.
 ///
-/// Each module of the library names its channel in a namespace of its own:
+/// Each module of the library declares its channel in a namespace:
 ///
 ///     namespace topologylog
 ///     {
@@ -15,10 +15,10 @@
 
 namespace qor
 {
-/// The place of a channel's logger, empty until a first record passes the process-wide test.
+/// Holds the logger of a channel; null until a message passes the process-wide minimum for the first time.
 using LoggerSlot = std::atomic<Logger*>;
 
-/// The logger of a channel, made on first use; threads that race get the same object.
+/// The logger of a channel, made on first use; racing threads get the same object.
 inline Logger& slotLogger(const char* channel, LoggerSlot& slot)
 {
     Logger* logger = slot.load(std::memory_order_acquire);
@@ -30,7 +30,7 @@ inline Logger& slotLogger(const char* channel, LoggerSlot& slot)
     return *logger;
 }
 
-/// The logger that a trace scope records to, or null when it is to stay silent.
+/// The logger of a trace scope, or null if nothing is to be traced.
 inline Logger* traceLogger(const char* channel, LoggerSlot& slot)
 {
     if (LogFactory::getPriority() > LoggerPriority::LOG_DEBUG)
@@ -40,10 +40,10 @@ inline Logger* traceLogger(const char* channel, LoggerSlot& slot)
 }
 } // namespace qor
 
-/// Writes one message. The statement behind @p level appends to `out`, a LoggerStream that already holds the line
-/// number; it is not evaluated unless the message is written. The two tests differ on purpose: a message of exactly the
-/// process-wide minimum passes, one of exactly the channel's threshold does not. A statement stands on one source line,
-/// as compilers disagree about the line of a longer one.
+/// Writes one message. The statement after @p level appends to `out`, a LoggerStream that already contains the line
+/// number; it is evaluated only if the message is written. Required behaviour: a message whose priority equals the
+/// process-wide minimum passes, one whose priority equals the channel's threshold does not. Write each use on one
+/// source line: compilers number the lines of a longer statement differently.
 #define SONAVIT_LOG(module, level, ...)                                                \
     do                                                                                 \
     {                                                                                  \
@@ -58,7 +58,7 @@ inline Logger* traceLogger(const char* channel, LoggerSlot& slot)
         sonavitLogger.log(qor::LoggerPriority::level, out);                            \
     } while (false)
 
-/// Opens a trace scope for the rest of the enclosing block. Labels are written by hand: readers of the log match on
-/// them, so that several functions share one and some name another function than the one they stand in.
+/// Opens a trace scope for the rest of the enclosing block. Required behaviour: labels are literals that readers of the
+/// log search for; several functions share a label, and some labels name another function.
 #define SONAVIT_TRACE(module, label) \
     const qor::TraceLogger sonavitTrace(qor::traceLogger(module::channel, module::logger), label, __FILE__, __LINE__)

@@ -4,7 +4,7 @@
 
 namespace qor
 {
-/// A lock that one thread at a time holds; not recursive.
+/// A lock that one thread at a time can hold; not recursive.
 class Mutex
 {
 public:
@@ -19,7 +19,7 @@ private:
     std::mutex m_mutex;
 };
 
-/// Holds a Mutex for the length of a scope. A null mutex is held by doing nothing.
+/// Holds a Mutex until the end of a scope. With a null mutex it does nothing.
 class AutoMutex
 {
 public:

@@ -7,9 +7,9 @@
 
 namespace qor
 {
-/// Values found by key that also keep the order in which their keys first came. No operation locks.
+/// Table of values by key that keeps the order in which the keys were inserted. No operation locks.
 ///
-/// Position i of keys() and of values() belong together, and the index leads from a key to its position.
+/// Entry i of keys() belongs to entry i of values(), and the index maps a key to its position.
 template<class K, class V, class Eq = EqualFunc<K>, class Hash = HashFunc<K>>
 class OrderedHashTable : public Serializable
 {
@@ -18,13 +18,15 @@ public:
 
     bool contains(const K& key) const { return m_index.contains(key); }
 
-    /// The value of @p key in its place, to be read or changed there.
-    /// @exception HashKeyMissing with the key, if it is not in the table
+    /// The stored value of @p key, which the caller may change; valid until the table changes.
+    /// @exception HashKeyMissing with the key, if the table does not contain it
     /// @exception IndexOutOfBounds if index and values disagree
     V& operator[](const K& key) { return m_arrayValues[position(key)]; }
     const V& operator[](const K& key) const { return m_arrayValues[position(key)]; }
 
-    /// Stores copies of @p key and @p value at the end. The caller has made sure that the key is not in the table.
+    /// Stores copies of @p key and @p value at the end. The caller has checked that the key is not in the table.
+    /// @exception NullPointer if an array cannot grow. The key is in the index then, without a value: access by it
+    /// throws IndexOutOfBounds, and the table is of no further use
     void insert(const K& key, const V& value)
     {
         m_index.insert(key, m_arrayKeys.size());
@@ -39,8 +41,8 @@ public:
 
     unsigned int size() const { return m_arrayKeys.size(); }
 
-    /// Writes keys and values as two arrays. @exception SerializationFailed if the values refuse, as all but texts and
-    /// numbers do
+    /// Writes keys and values as two arrays, under the names "m_arrayKeys" and "m_arrayValues".
+    /// @exception SerializationFailed if keys or values are neither strings nor unsigned numbers
     void serializeToXML(const String& name, String& out) override
     {
         serializeBegin(name);
@@ -50,7 +52,7 @@ public:
         getSerializedXML(out);
     }
 
-    /// Replaces the content. What was there is gone even if reading fails.
+    /// Replaces the content. Required behaviour: the old content is cleared first, even if reading fails.
     void deserializeFromElement(const XmlElement* element) override
     {
         m_arrayKeys.clear();
@@ -64,18 +66,15 @@ public:
         deserializeEnd();
     }
 
-    /// "OH(", the cut class names of the arrays of keys and of values with a comma between, ")". The cut takes two
-    /// units off the front and one off the end of "ArrayOfOthers" as well: "rayOfOther" stands in the names of most
-    /// tables, and readers of the names know it that way.
+    /// tableClassName() with "OH(". Made in the first call, by one thread; required behaviour: made again if the string
+    /// is empty. The cut shortens "ArrayOfOthers" as well: the names of most tables contain "rayOfOther", and code that
+    /// reads the names relies on it.
+    /// @exception std::bad_alloc without memory for the name; the next call tries again
     const String& objectClassName() override
     {
-        static String& name = *new String;
+        static String& name = *new String(tableClassName("OH(", Array<K>::className(), Array<V>::className()));
         if (name.size() == 0)
-            name.append("OH(")
-                .append(cutClassName(Array<K>::className()))
-                .append(",")
-                .append(cutClassName(Array<V>::className()))
-                .append(")");
+            name = tableClassName("OH(", Array<K>::className(), Array<V>::className());
         return name;
     }
 

@@ -1,24 +1,23 @@
-/// Handles: every pointer to something that must be let go of sits in one of the two templates below.
+/// Handles: the library keeps every pointer to a resource that must be released in one of the two templates below.
 ///
-/// Letting go may throw, as a platform object's Release may: the handles report such a failure and let it pass.
-/// Destructors are noexcept by default, and a class's destructor follows those of its members and bases. So the
-/// destructors of the handles, of the arrays and tables that hold them, and of the abstract bases of classes that hold
-/// them are declared noexcept(false); otherwise the process would end where the caller is to see the exception.
+/// A release may throw, as a platform object's Release may, and the caller must see that exception. Destructors are
+/// noexcept by default, so an exception would end the process. Therefore the destructors of the handles, of the arrays
+/// and tables that contain them, and of the abstract bases of classes that contain them are declared noexcept(false).
 #pragma once
 
 #include "qor/mutex.h"
-#include "qor/nilattheend.h"
+#include "qor/nullonscopeexit.h"
 
 #include <cstdint>
 #include <new>
 
 namespace qor
 {
-/// How a plain pointer behaves in a handle. Only two pairs of selectors have a meaning.
+/// How a handle copies and releases a plain pointer. Only two pairs of policies exist.
 template<class X, int copyPolicy, int releasePolicy>
 struct PointerStorage;
 
-/// A view: copying copies the pointer, letting go forgets it.
+/// A view: copies the pointer, and releases nothing.
 template<class X>
 struct PointerStorage<X, 3, 2>
 {
@@ -30,9 +29,9 @@ struct PointerStorage<X, 3, 2>
     static void release(X*& value) noexcept { value = nullptr; }
 };
 
-/// The owner: letting go deletes, and only then is the field nil. Whoever looks during the deletion, as a thread of the
-/// platform may, sees the object and not an empty handle that wants to be filled. There is no copy, such a handle is
-/// handed out by reference.
+/// The owner: deletes the object, and then sets the field to nil. During the deletion the field still contains the
+/// object, so that another thread, such as one of the platform, does not take the handle for an empty one and fill it.
+/// Such a handle cannot be copied; it is passed by reference.
 template<class X>
 struct PointerStorage<X, 0, 3>
 {
@@ -45,13 +44,13 @@ struct PointerStorage<X, 0, 3>
     static void release(X*& value) noexcept(false)
     {
         static_assert(sizeof(X) > 0, "the pointee must be complete where it is deleted");
-        const NilAtTheEnd<X> nilAfterwards(value);
+        const NullOnScopeExit<X> nilAfterwards(value);
         delete value;
     }
 };
 
-/// One pointer, with the meaning that its storage gives it. Nil or a value; nil handles are ordinary values, and access
-/// through one is not tested. Not synchronised.
+/// A handle that has one pointer; its storage defines how the pointer is copied and released. A handle may be nil;
+/// access through a nil handle is not tested. Not synchronised.
 template<class Storage>
 class CopiedResource
 {
@@ -60,16 +59,21 @@ public:
 
     constexpr CopiedResource() noexcept : m_value(Storage::nil()) {}
 
-    /// Stores @p value as it is. A COM handle adopts the caller's reference: there is no AddRef.
+    /// Stores @p value unchanged. A COM handle adopts the caller's reference: no AddRef is called.
     CopiedResource(Element* value) noexcept : m_value(value) {}
 
-    /// The storage's copy step; a COM handle takes a reference of its own.
+    /// Copies by the storage; a COM handle adds a reference.
     CopiedResource(const CopiedResource& other) : m_value(Storage::copy(other.m_value)) {}
 
-    /// The storage's release step.
-    ~CopiedResource() noexcept(false) { Storage::release(m_value); }
+    /// Releases by the storage. Static objects that are destroyed later find the handle nil; if the release throws, the
+    /// storage decides what they find.
+    ~CopiedResource() noexcept(false)
+    {
+        Storage::release(m_value);
+        storeNull(m_value); // the storage's own store of nil may have been dropped
+    }
 
-    /// Takes the new value before it lets go of the old one, so that another handle on the same object can be assigned.
+    /// Copies the new value before it releases the old one, so that both handles may have the same object.
     CopiedResource& operator=(const CopiedResource& other)
     {
         if (this == &other)
@@ -80,8 +84,8 @@ public:
         return *this;
     }
 
-    /// As construction from the pointer, followed by assignment: a COM reference is adopted. An owner deletes what it
-    /// held and then stores the pointer.
+    /// As construction from the pointer, followed by assignment: a COM handle adopts the reference. An owner deletes
+    /// its old object and then stores the pointer.
     CopiedResource& operator=(Element* value)
     {
         if constexpr (Storage::copyable)
@@ -114,7 +118,7 @@ private:
     Element* m_value;
 };
 
-/// Destroys, or has been told not to destroy, a resource whose real kind its holder does not know.
+/// Destroys a resource of any kind in its destructor, unless forget() was called.
 class SharedResourceDestroyerBase
 {
 public:
@@ -123,7 +127,7 @@ public:
     SharedResourceDestroyerBase& operator=(const SharedResourceDestroyerBase&) = delete;
     virtual ~SharedResourceDestroyerBase() noexcept(false) = default;
 
-    /// Lets go of the resource without destroying it.
+    /// Gives the resource up without destroying it.
     virtual void forget() = 0;
 };
 
@@ -146,7 +150,7 @@ private:
 template<class Storage, int locking>
 struct SharedResourceLock
 {
-    /// Made on first use behind a plain test, and never destroyed. The first use belongs to one thread.
+    /// Made on first use, which is not guarded: it must be on one thread. Never destroyed.
     static Mutex* mutex()
     {
         static_assert(locking == 1, "0 selects the unlocked form, 1 the locked one");
@@ -167,9 +171,9 @@ struct SharedResourceLock<Storage, 0>
     static Mutex* mutex() noexcept { return nullptr; }
 };
 
-/// Counted owner of a resource: the last handle to go destroys it. With @p locking 0 the count is a plain number, so
-/// that handles on one resource belong to one thread at a time or to an outer lock; with 1 each operation on a count
-/// runs under one lock for all resources of this kind.
+/// Counted owner of a resource: the last handle destroys it. With @p locking 0 the count is a plain number, so the
+/// handles of one resource must be used from one thread at a time or under a lock of the caller; with 1 each operation
+/// on a count takes one lock that all resources of this kind share.
 template<class Storage, int locking>
 class SharedResource
 {
@@ -178,8 +182,8 @@ public:
 
     SharedResource() noexcept : m_value(Storage::nil()), m_count(nullptr), m_destroyer(nullptr) {}
 
-    /// Owns @p value with a count of 1, also a null one. An allocation that fails leaves its field null and raises
-    /// nothing.
+    /// Owns @p value, even null, with a count of 1. If the count or the destroyer cannot be allocated, its field stays
+    /// null and nothing is thrown.
     SharedResource(Element* value) : m_value(value), m_count(nullptr), m_destroyer(nullptr)
     {
         const AutoMutex lock(SharedResourceLock<Storage, locking>::mutex());
@@ -187,7 +191,7 @@ public:
         m_destroyer = new (std::nothrow) SharedResourceDestroyer<Storage>(value);
     }
 
-    /// Takes a share; a copy of a handle without a count is nil.
+    /// Shares the resource; a copy of a handle without a count is nil.
     SharedResource(const SharedResource& other) : m_value(Storage::nil()), m_count(nullptr), m_destroyer(nullptr)
     {
         share(other);
@@ -195,7 +199,7 @@ public:
 
     ~SharedResource() noexcept(false) { release(); }
 
-    /// Gives up its own share first; that is safe, as @p other holds one of the other resource.
+    /// Releases its own resource first; the new one stays alive, as @p other owns it too.
     SharedResource& operator=(const SharedResource& other)
     {
         if (this == &other)
@@ -227,8 +231,9 @@ private:
         const AutoMutex lock(SharedResourceLock<Storage, locking>::mutex());
         if (m_count == nullptr)
             return;
-        const NilAtTheEnd<std::int32_t> noCountAfterwards(m_count);
-        const NilAtTheEnd<Element> noValueAfterwards(m_value); // the first of the two to go
+        const NullOnScopeExit<std::int32_t> noCountAfterwards(m_count);
+        const NullOnScopeExit<Element> noValueAfterwards(
+            m_value); // destroyed first, so the value is null before the count
         if (--*m_count != 0)
             return;
         delete m_count;
@@ -241,7 +246,7 @@ private:
 };
 } // namespace qor
 
-/// A plain pointer into something owned elsewhere.
+/// A plain pointer to an object that another object owns.
 template<class X>
 using BorrowedPointer = qor::CopiedResource<qor::PointerStorage<X, 3, 2>>;
 
@@ -249,6 +254,6 @@ using BorrowedPointer = qor::CopiedResource<qor::PointerStorage<X, 3, 2>>;
 template<class X>
 using OwnedPointer = qor::CopiedResource<qor::PointerStorage<X, 0, 3>>;
 
-/// A counted owner of an object; not for two threads at once.
+/// A counted owner of an object; not for two threads at the same time.
 template<class X>
 using SharedPointer = qor::SharedResource<qor::PointerStorage<X, 0, 3>, 0>;

@@ -3,7 +3,9 @@
 #include "qor/array.h"
 #include "qor/exception.h"
 
+#include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace qor
 {
@@ -56,9 +58,18 @@ void readItem(const XmlElement& item, Array<unsigned int>& items)
     items.append(number(item.text()));
 }
 
+bool isBlank(const String& text)
+{
+    const unsigned short* const end = text.getUCS2Buffer() + text.size();
+    return std::all_of(text.getUCS2Buffer(), end,
+                       [](unsigned short unit) { return unit == ' ' || unit == '\t' || unit == '\r' || unit == '\n'; });
+}
+
 template<class T>
 void readItems(const XmlElement& element, Array<T>& items)
 {
+    if (!isBlank(element.text()))
+        throw SerializationFailed("Text in place of items in: " + element.name());
     items.clear();
     for (const XmlElement& item : element.children())
     {
@@ -112,15 +123,15 @@ void Serializable::insertValueToContainer(int, const XmlElement* element, String
         value = element->text();
 }
 
-// The two arrays refuse to be written on their own, so a field of such a type is written here. Its class name tells the
-// type.
+// The arrays of strings and of numbers refuse to write themselves, so a field of such a type is written here. Its type
+// decides, not its class name: any class may return that of an array.
 void Serializable::serialize(const String& fieldName, Serializable& field)
 {
     XmlElement element(fieldName);
-    if (field.objectClassName() == Array<String>::className())
-        writeItems(element, static_cast<Array<String>&>(field));
-    else if (field.objectClassName() == Array<unsigned int>::className())
-        writeItems(element, static_cast<Array<unsigned int>&>(field));
+    if (const auto* const strings = dynamic_cast<const Array<String>*>(&field))
+        writeItems(element, *strings);
+    else if (const auto* const numbers = dynamic_cast<const Array<unsigned int>*>(&field))
+        writeItems(element, *numbers);
     else
     {
         String text;
@@ -136,10 +147,10 @@ void Serializable::deserialize(const String& fieldName, Serializable& field)
     const XmlElement* const element = parent == nullptr ? nullptr : parent->child(fieldName);
     if (element == nullptr)
         throw SerializationFailed("Missing element: " + fieldName);
-    if (field.objectClassName() == Array<String>::className())
-        readItems(*element, static_cast<Array<String>&>(field));
-    else if (field.objectClassName() == Array<unsigned int>::className())
-        readItems(*element, static_cast<Array<unsigned int>&>(field));
+    if (auto* const strings = dynamic_cast<Array<String>*>(&field))
+        readItems(*element, *strings);
+    else if (auto* const numbers = dynamic_cast<Array<unsigned int>*>(&field))
+        readItems(*element, *numbers);
     else
         field.deserializeFromElement(element);
 }

@@ -9,7 +9,7 @@
 
 namespace qor
 {
-/// One element of a small XML tree: a name, and either a text or children.
+/// One element of a small XML tree: a name, and either text or children.
 class QOR_API XmlElement
 {
 public:
@@ -24,16 +24,16 @@ public:
     /// The first child called @p name, or null. Valid until this element changes.
     const XmlElement* child(const String& name) const noexcept;
 
-    /// Takes @p element as the last child. @return the child in its place
+    /// Adds @p element as the last child. @return the child in this element
     XmlElement& add(XmlElement element);
 
-    /// The tree as XML text, with everything escaped that needs it.
-    /// @exception SerializationFailed if a name in the tree cannot be the name of an element, an element has both text
-    /// and children, or a text holds a zero
+    /// The tree as XML text, with escaped characters where XML needs them.
+    /// @exception SerializationFailed if the tree contains an invalid name, an element with both text and children, or
+    /// text with a zero unit
     String write() const;
 
-    /// Reads one element with all it holds; white space around elements, comments and a prolog are passed over.
-    /// @exception SerializationFailed that says at which line and column the text is not well formed
+    /// Reads one element with its content; skips white space around elements, comments and a prolog.
+    /// @exception SerializationFailed with line and column if the text is not well formed
     static XmlElement read(const String& text);
 
 private:
@@ -44,21 +44,21 @@ private:
     std::vector<XmlElement> m_children;
 };
 
-/// Base of the classes that can be written as XML text and read back.
+/// Base of the classes that can be written as XML and read back.
 ///
-/// A class overrides deserializeFromElement(), serializeToXML() and objectClassName(), and in the first two goes
-/// through its fields: begin, one serialize() or deserialize() a field, end. A copy takes nothing of the state between
+/// A class overrides deserializeFromElement(), serializeToXML() and objectClassName(). The first two process its
+/// fields: begin, one serialize() or deserialize() for each field, end. A copy does not take over the state between
 /// begin and end.
 class QOR_API Serializable
 {
 public:
-    // The destructors of elements and fields may let an exception pass, see qor/resource.h.
+    // The destructors of elements and fields may throw, see qor/resource.h.
     virtual ~Serializable() noexcept(false) {}
 
-    /// Writes this object as an element called @p name into @p out, replacing what was there.
+    /// Writes this object to @p out as an element called @p name; the old content of @p out is replaced.
     virtual void doSerialization(const String& name, String& out);
 
-    /// Reads this object from XML text. @exception SerializationFailed if the text is not well formed
+    /// Reads this object from XML text. @exception SerializationFailed if the text is not well formed or does not fit
     virtual void deserialize(const String& text);
 
     virtual void deserializeFromElement(const XmlElement* element) = 0;
@@ -73,26 +73,27 @@ protected:
     /// Starts to write an element called @p name.
     virtual void serializeBegin(const String& name);
     virtual void serializeEnd();
-    /// The element written last, as text; @p out is replaced.
+    /// Stores the last written element in @p out as XML text.
     virtual void getSerializedXML(String& out);
-    /// Starts to read from @p element, which must outlive the reading.
+    /// Starts to read from @p element, which must exist until deserializeEnd().
     virtual void deserializeBegin(const XmlElement* element);
     virtual void deserializeEnd();
-    /// A container stores the item of @p element at @p index; here only the item's text is given out.
+    /// For containers, which store the item of @p element at @p index; this one only copies its text to @p value.
     virtual void insertValueToContainer(int index, const XmlElement* element, String& value);
 
-    /// Writes @p field below the element that was begun. Arrays of texts and of numbers are written item by item; any
-    /// other field writes itself, or refuses to.
+    /// Writes @p field as a child of the current element. Arrays of strings and of unsigned numbers are written item by
+    /// item; any other field writes itself or throws. The type of the field decides, not its class name.
     void serialize(const String& fieldName, Serializable& field);
 
     /// Reads @p field from the child called @p fieldName.
-    /// @exception SerializationFailed if there is no such child, or an item of it does not fit
+    /// @exception SerializationFailed, with the name of the element, if there is no such child, an item of it does not
+    /// fit, or it has text in place of items; an array that has text in place of items is unchanged
     void deserialize(const String& fieldName, Serializable& field);
 
 private:
     struct State;
 
-    /// Lets every container be made and destroyed without a call, as hardly any is ever written or read.
+    /// Separate from State, so that making and destroying a container needs no call: hardly any is ever serialized.
     struct StateDeleter
     {
         QOR_API void operator()(State* state) const noexcept;
@@ -100,6 +101,6 @@ private:
 
     State& state();
 
-    std::unique_ptr<State, StateDeleter> m_state; // null but between a begin and the end of the text
+    std::unique_ptr<State, StateDeleter> m_state; // null unless an element is being written or read
 };
 } // namespace qor

@@ -36,7 +36,7 @@ unsigned short folded(unsigned short unit)
     return unit >= 'A' && unit <= 'Z' ? static_cast<unsigned short>(unit + ('a' - 'A')) : unit;
 }
 
-/// Four units side by side in one word.
+/// Four adjacent units are compared as one word.
 constexpr unsigned int unitsOfWord = 4;
 
 std::uint64_t wordAt(const unsigned short* units)
@@ -46,7 +46,7 @@ std::uint64_t wordAt(const unsigned short* units)
     return word;
 }
 
-/// folded() for each of the four units: bit 15 of a sum tells whether its unit reaches A, or is beyond Z.
+/// folded() for each of the four units: bit 15 of a sum is set if its unit is at least A, or greater than Z.
 std::uint64_t foldedWord(std::uint64_t word)
 {
     constexpr std::uint64_t each = 0x0001000100010001ULL;
@@ -54,7 +54,7 @@ std::uint64_t foldedWord(std::uint64_t word)
     const std::uint64_t fromA = low + (0x8000 - 'A') * each;
     const std::uint64_t beyondZ = low + (0x8000 - 'Z' - 1) * each;
     const std::uint64_t capitals = fromA & ~beyondZ & ~word & (0x8000 * each);
-    return word | (capitals >> 10); // from bit 15 to bit 5, which parts a from A
+    return word | (capitals >> 10); // from bit 15 to bit 5, the difference of a and A
 }
 
 bool sameButForCase(std::uint64_t left, std::uint64_t right)
@@ -92,7 +92,7 @@ void appendUtf8(std::string& out, char32_t point)
     out += static_cast<char>(0x80 | (point & 0x3F));
 }
 
-/// Reads one code point at @p position and moves on behind it; malformed bytes read as U+FFFD, one at a time.
+/// Reads one code point at @p position and advances past it; each malformed byte gives one U+FFFD.
 char32_t nextPoint(std::string_view utf8, std::size_t& position)
 {
     const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(utf8[at]); };
@@ -125,7 +125,7 @@ String::String(const unsigned short* text) : m_buffer(text == nullptr ? nullptr 
 
 String& String::operator=(const char* text)
 {
-    return *this = String(text); // the new buffer stands before the old one goes: text may point into it
+    return *this = String(text); // makes the new buffer before it frees the old one: text may point into that
 }
 
 String& String::operator=(const unsigned short* text)
@@ -167,7 +167,7 @@ String& String::append(const String& text)
         return *this = text;
     if (text.m_buffer == nullptr)
         return *this;
-    const String source(text); // keeps the source's buffer as it is, also when a text is appended to itself
+    const String source(text); // keeps the source's buffer unchanged even if a string is appended to itself
     std::memcpy(extend(source.size()), source.getUCS2Buffer(), source.size() * sizeof(unsigned short));
     return *this;
 }
@@ -284,7 +284,7 @@ String::Buffer* String::widened(const char* text)
     return buffer;
 }
 
-/// Makes the text @p units longer, in a buffer of this object's own. @return the place of the new units, to be filled
+/// Makes the string @p units longer, in a buffer that is not shared. @return where the caller writes the new units
 unsigned short* String::extend(std::size_t units)
 {
     const std::size_t oldSize = size();

@@ -13,25 +13,28 @@
 namespace qor
 {
 template<class T>
-class Array;
+class QOR_SHARED_TYPE Array;
 
-/// Text of 16-bit UCS-2 code units, one pointer wide.
+/// String of 16-bit UCS-2 code units, one pointer wide.
 ///
-/// Copies share one counted buffer that is never changed while shared: a copy costs one increment, and an operation
-/// that changes the text first takes a buffer of its own. Different objects may be used from different threads, also
-/// when they share a buffer; one object belongs to one thread at a time. Exhausted memory raises std::bad_alloc.
+/// Copies share one reference-counted buffer, which is never changed while it is shared: a copy costs one increment,
+/// and an operation that changes a string first makes a buffer of its own. Different objects may be used from different
+/// threads even if they share a buffer; one object must be used from one thread at a time.
+///
+/// Operations that allocate throw std::bad_alloc without memory, and std::length_error if the result would have more
+/// than 2,147,483,615 code units; the string is unchanged then.
 class QOR_API String
 {
 public:
-    /// The empty text; allocates nothing.
+    /// The empty string; allocates nothing.
     String() noexcept : m_buffer(nullptr) {}
     String(const String& other) noexcept : m_buffer(other.m_buffer) { retain(m_buffer); }
     String(String&& other) noexcept : m_buffer(other.m_buffer) { other.m_buffer = nullptr; }
 
-    /// Copies zero-terminated 8-bit text; units above 0x7F are Latin-1. Null reads as the empty text.
+    /// Copies a zero-terminated 8-bit string; units above 0x7F are Latin-1. Null gives the empty string.
     String(const char* text);
 
-    /// Copies zero-terminated UCS-2 text, so that the source can be freed at once. Null reads as the empty text.
+    /// Copies a zero-terminated UCS-2 string; the caller may free the source right away. Null gives the empty string.
     String(const unsigned short* text);
 
     ~String() { release(m_buffer); }
@@ -41,38 +44,38 @@ public:
     String& operator=(const char* text);
     String& operator=(const unsigned short* text);
 
-    /// Text from UTF-8. Units beyond the basic plane become surrogate pairs, malformed bytes U+FFFD.
+    /// Converts from UTF-8. Characters beyond the basic plane become surrogate pairs, each malformed byte U+FFFD.
     static String fromUtf8(std::string_view utf8);
 
-    /// Adds @p text at the end. @return this object
+    /// Appends @p text; null appends nothing. @return this object
     String& append(const char* text);
     String& append(const String& text);
     String& operator+=(const String& text) { return append(text); }
 
-    /// Makes the text empty.
+    /// Makes this string empty; copies keep their content.
     void clear() noexcept;
 
     /// Number of code units.
     unsigned int size() const noexcept { return m_buffer == nullptr ? 0 : m_buffer->size; }
 
-    /// The zero-terminated text, never null; valid until this object changes or dies.
+    /// The zero-terminated code units, never null; valid until this object is changed or destroyed.
     const unsigned short* getUCS2Buffer() const noexcept { return m_buffer == nullptr ? emptyText : m_buffer->text(); }
 
-    /// The text as UTF-8; surrogates without a partner become U+FFFD.
+    /// Converts to UTF-8; surrogates without a partner become U+FFFD.
     std::string toUtf8() const;
 
     /// Exact comparison, case included.
     bool operator==(const String& other) const noexcept;
     bool operator!=(const String& other) const noexcept { return !(*this == other); }
 
-    /// Compares without regard to the case of the letters A to Z; other units count as they stand.
+    /// Compares and ignores the case of the letters A to Z; all other units are compared exactly.
     /// @return 0 when equal, otherwise -1 or 1
     static int compareNoCase(const String& left, const String& right) noexcept;
 
-    /// Copy of @p length units from @p start; what lies outside the text is left out.
+    /// Copy of @p length units from @p start, less what is outside this string.
     String subString(unsigned int start, unsigned int length) const;
 
-    /// The pieces between the units of @p delimiters, without empty ones; the empty text has none. Include
+    /// Splits at each unit of @p delimiters and drops empty pieces; the empty string has none. Callers include
     /// "qor/array.h".
     Array<String> tokenize(const String& delimiters) const;
 
@@ -83,7 +86,7 @@ private:
         unsigned int size;
         unsigned int capacity;
 
-        /// Room for capacity + 1 units, right behind these fields.
+        /// Room for capacity + 1 units, directly after these fields.
         unsigned short* text() noexcept { return reinterpret_cast<unsigned short*>(this + 1); }
     };
 
@@ -99,13 +102,13 @@ private:
 
     static const unsigned short emptyText[1];
 
-    Buffer* m_buffer; // null for the empty text
+    Buffer* m_buffer; // null for the empty string
 };
 
-/// New text: @p left followed by @p right.
+/// New string: @p left followed by @p right.
 QOR_API String operator+(const char* left, const String& right);
 
-/// True while the process has had one thread only, so that counting needs no locked instruction.
+/// True as long as the process has only ever had one thread; counting needs no locked instruction then.
 inline bool String::singleThreaded() noexcept
 {
 #if __has_include(<sys/single_threaded.h>)
@@ -131,7 +134,7 @@ inline void String::release(Buffer* buffer) noexcept
         return;
     const unsigned int count = buffer->count.load(std::memory_order_acquire);
     if (count == 1)
-        deallocate(buffer); // the only owner: nobody can take a share meanwhile
+        deallocate(buffer); // the only owner: no other thread can take a reference meanwhile
     else if (singleThreaded())
         buffer->count.store(count - 1, std::memory_order_relaxed);
     else if (buffer->count.fetch_sub(1, std::memory_order_acq_rel) == 1)
@@ -140,7 +143,7 @@ inline void String::release(Buffer* buffer) noexcept
 
 inline String& String::operator=(const String& other) noexcept
 {
-    retain(other.m_buffer); // first, so that assigning a text to itself cannot free it
+    retain(other.m_buffer); // first, so that assigning a string to itself cannot free it
     release(m_buffer);
     m_buffer = other.m_buffer;
     return *this;

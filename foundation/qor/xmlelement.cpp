@@ -9,7 +9,7 @@ namespace qor
 {
 namespace
 {
-constexpr int deepestElement = 200; // keeps hostile text from using up the stack
+constexpr int deepestElement = 200; // input must not be able to overflow the stack
 
 bool startsName(unsigned char c)
 {
@@ -44,18 +44,18 @@ bool needsReference(unsigned short unit)
     return markup || unit < ' ' || unit == 0x7F || isSurrogate(unit) || unit >= 0xFFFE;
 }
 
-/// Writes the text so that reading gives the same units, also those that plain XML has no character for; only zero is
-/// refused, as a reference to it is no XML for any reader.
+/// Writes the text so that reading it gives the same units, even those that are not allowed in plain XML. Only zero is
+/// refused: a reference to it is not valid XML.
 void escape(std::string& out, const String& text)
 {
-    unsigned int plain = 0; // start of the run that can stand as it is
+    unsigned int plain = 0; // start of the run that needs no escaping
     for (unsigned int i = 0; i < text.size(); ++i)
     {
         const unsigned short unit = text.getUCS2Buffer()[i];
         if (!needsReference(unit))
             continue;
         if (unit == 0)
-            throw SerializationFailed("A text that holds a zero cannot be written");
+            throw SerializationFailed("Text with a zero cannot be written");
         out += text.subString(plain, i - plain).toUtf8();
         out += "&#" + std::to_string(unit) + ';';
         plain = i + 1;
@@ -75,7 +75,7 @@ public:
         XmlElement root = element(1);
         skipOutside();
         if (m_position != m_text.size())
-            fail("nothing more was expected behind the element");
+            fail("unexpected content after the element");
         return root;
     }
 
@@ -83,19 +83,19 @@ private:
     XmlElement element(int depth)
     {
         if (depth > deepestElement)
-            fail("elements stand too deep in each other");
-        expect("<", "an element was expected");
+            fail("elements are nested too deeply");
+        expect("<", "element expected");
         XmlElement result(String::fromUtf8(name()));
         skipBlanks();
         if (accept("/>"))
             return result;
-        expect(">", "an element has a name and nothing else");
+        expect(">", "attributes are not supported");
         content(result, depth);
-        expect("</", "the end of an element was expected");
+        expect("</", "the end of element expected");
         if (String::fromUtf8(name()) != result.name())
-            fail("this end does not belong to the element that is open");
+            fail("end of another element");
         skipBlanks();
-        expect(">", "the end of an element was expected");
+        expect(">", "the end of element expected");
         return result;
     }
 
@@ -106,19 +106,19 @@ private:
         while (!atEnd() && !startsWith("</"))
         {
             if (accept("<!--"))
-                skipBehind("-->", "a comment has no end");
+                skipBehind("-->", "comment without an end");
             else if (startsWith("<"))
                 parent.add(element(depth + 1));
             else
                 hasText = append(text) || hasText;
         }
         if (!parent.children().empty() && hasText)
-            fail("an element holds either text or elements");
+            fail("element with both text and elements");
         if (parent.children().empty())
             parent.setText(text);
     }
 
-    /// @return whether the run holds more than blanks
+    /// @return whether the run contains more than blanks
     bool append(String& text)
     {
         bool solid = false;
@@ -135,7 +135,7 @@ private:
                 continue;
             }
             if (m_text[m_position] == '\0')
-                fail("a text holds no zero");
+                fail("text with a zero");
             solid = solid || !isBlank(m_text[m_position]);
             run += m_text[m_position++];
         }
@@ -157,15 +157,15 @@ private:
             if (accept(entry.text))
                 return entry.unit;
         }
-        expect("&#", "a reference was expected");
+        expect("&#", "reference expected");
         const unsigned int base = accept("x") ? 16 : 10;
         unsigned int value = 0;
         int digits = 0;
         for (; !atEnd() && m_text[m_position] != ';' && value <= 0xFFFF; ++m_position, ++digits)
             value = value * base + digit(m_text[m_position], base);
         if (digits == 0 || value == 0 || value > 0xFFFF)
-            fail("a reference names one unit from 1 to 65535");
-        expect(";", "a reference ends in a semicolon");
+            fail("reference outside 1 to 65535");
+        expect(";", "semicolon expected after a reference");
         return static_cast<unsigned short>(value);
     }
 
@@ -175,7 +175,7 @@ private:
         const char lower = c >= 'A' && c <= 'F' ? static_cast<char>(c - 'A' + 'a') : c;
         const std::size_t value = digits.substr(0, base).find(lower);
         if (value == std::string_view::npos)
-            fail("a digit was expected");
+            fail("digit expected");
         return static_cast<unsigned int>(value);
     }
 
@@ -186,7 +186,7 @@ private:
             ++m_position;
         std::string result(m_text.substr(start, m_position - start));
         if (!isName(result))
-            fail("a name was expected");
+            fail("name expected");
         return result;
     }
 
@@ -196,9 +196,9 @@ private:
         {
             skipBlanks();
             if (accept("<?"))
-                skipBehind("?>", "a prolog has no end");
+                skipBehind("?>", "prolog without an end");
             else if (accept("<!--"))
-                skipBehind("-->", "a comment has no end");
+                skipBehind("-->", "comment without an end");
             else
                 return;
         }
@@ -249,7 +249,8 @@ private:
                 ++line;
                 column = 1;
             }
-            else if ((static_cast<unsigned char>(m_text[i]) & 0xC0) != 0x80) // a character counts once
+            else if ((static_cast<unsigned char>(m_text[i]) & 0xC0) !=
+                     0x80) // a character counts as one column, however many bytes it has
                 ++column;
         }
         String message("XML is not well formed at line ");
@@ -298,9 +299,9 @@ void XmlElement::write(std::string& out) const
 {
     const std::string name = m_name.toUtf8();
     if (!isName(name))
-        throw SerializationFailed("Not a name of an element: " + m_name);
+        throw SerializationFailed("Invalid name of an element: " + m_name);
     if (m_text.size() > 0 && !m_children.empty())
-        throw SerializationFailed("Both text and elements in: " + m_name);
+        throw SerializationFailed("Element with both text and elements: " + m_name);
     out += '<' + name + '>';
     escape(out, m_text);
     for (const XmlElement& child : m_children)

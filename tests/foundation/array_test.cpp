@@ -280,6 +280,45 @@ TEST_F(ArrayRemove, KeepsTheCapacity)
     EXPECT_EQ(16u, array.capacity());
 }
 
+TEST_F(ArrayRemove, FromAFullArrayMovesNothingBeyondTheLastElement)
+{
+    for (unsigned int index = 0; index < 8; ++index)
+    {
+        Array<unsigned int> array = numbers(8);
+        ASSERT_EQ(8u, array.capacity());
+
+        array.remove(index);
+
+        ASSERT_EQ(7u, array.size());
+        for (unsigned int i = 0; i < 7; ++i)
+            EXPECT_EQ(i < index ? i : i + 1, array[i]) << index;
+        EXPECT_EQ(7u, *array.element(7)) << "the last place keeps its bytes: there is nothing to move into it";
+    }
+}
+
+TEST_F(ArrayRemove, FromAFullArrayMakesRoomForOneMore)
+{
+    Array<unsigned int> array = numbers(8);
+    const void* const block = array.m_block;
+
+    array.remove(7);
+    array.append(70u);
+
+    EXPECT_EQ(block, array.m_block);
+    EXPECT_EQ(8u, array.size());
+    EXPECT_EQ(70u, array[7]);
+}
+
+TEST_F(ArrayRemove, FromAFullArrayLetsAnIndexEqualToTheCountThroughAndNoLargerOne)
+{
+    Array<unsigned int> array = numbers(8);
+
+    EXPECT_NO_THROW(array.remove(8));
+    EXPECT_THROW(array.remove(9), IndexOutOfBounds);
+
+    EXPECT_EQ(8u, array.size());
+}
+
 TEST_F(ArrayRemove, ForgetsTheElementEvenWhenItsDestructorThrows)
 {
     Array<Tracked> array = trackedArray(0, 2);

@@ -246,6 +246,36 @@ TEST(ArrayEnsureCapacity, AsksForNoBlockOf4GiBOrMore)
     EXPECT_EQ("Asked for array of size: 536870913", message);
 }
 
+TEST(ArrayEnsureCapacity, AsksForTheLargestBlockBelow4GiBAndForNoneOfExactly4GiB)
+{
+    Array<char> array; // its blocks have any size from 2 GiB on
+    constexpr unsigned int largest = 0xFFFFFFFFu - 8;
+    AllocationProbe probe;
+    probe.failNothrow();
+
+    EXPECT_EQ("Asked for array of size: 4294967288", refusal([&] { array.ensureCapacity(largest + 1); }));
+    const std::size_t asked = probe.largestSize();
+    EXPECT_EQ("Asked for array of size: 4294967287", refusal([&] { array.ensureCapacity(largest); }));
+
+    EXPECT_GT(1000u, asked) << "only the message takes memory";
+    EXPECT_EQ(0xFFFFFFFFu, probe.largestSize());
+}
+
+TEST(ArrayEnsureCapacity, CountsTheBytesOfLargeElementsBeyond32Bits)
+{
+    struct Large
+    {
+        unsigned int words[4];
+    };
+    Array<Large> array;
+    AllocationProbe probe;
+    probe.failNothrow();
+
+    EXPECT_EQ("Asked for array of size: 268435456", refusal([&] { array.ensureCapacity(1u << 28); }));
+
+    EXPECT_GT(1000u, probe.largestSize()) << "2^32 bytes and a header are not taken for a header alone";
+}
+
 TEST(ArrayEnsureCapacity, TakesTheNumberItselfWhereDoublingLeaves32Bits)
 {
     Array<char> array;

@@ -1,10 +1,16 @@
 #include "qor/exception.h"
 
+#include "qor/array.h"
+#include "tests/foundation/supportallocations.h"
 #include "tests/support/printers.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <memory>
+#include <new>
+#include <string>
+#include <thread>
 #include <type_traits>
 
 using qor::String;
@@ -94,6 +100,98 @@ TEST(AssertionFailure, CarriesFileLineAndExpression)
 TEST(NullPointer, CarriesItsMessage)
 {
     EXPECT_EQ(String("Asked for array of size: 0"), thrown(qor::NullPointer("Asked for array of size: 0")).message());
+}
+
+/// The NullPointer of an array that is made while no memory is left.
+qor::NullPointer refusedArray(support::AllocationProbe& probe)
+{
+    probe.failAll();
+    try
+    {
+        const qor::Array<unsigned int> array;
+    }
+    catch (const qor::NullPointer& error)
+    {
+        return error; // still without memory
+    }
+    probe.succeed();
+    ADD_FAILURE() << "nothing was thrown";
+    return qor::NullPointer("");
+}
+
+TEST(NullPointerWithoutMemory, IsThrownByAnArray)
+{
+    support::AllocationProbe probe;
+
+    EXPECT_NO_THROW(refusedArray(probe));
+}
+
+TEST(NullPointerWithoutMemory, ThrowsNothingWhenItIsAskedForItsText)
+{
+    support::AllocationProbe probe;
+    const qor::NullPointer error = refusedArray(probe);
+
+    const unsigned int size = error.message().size();
+    const char* const what = error.what();
+
+    probe.succeed();
+    EXPECT_TRUE(noexcept(error.message()));
+    EXPECT_TRUE(noexcept(error.what()));
+#if !defined(_WIN32) // there the operators of the DLL are out of reach
+    EXPECT_EQ(0u, size);
+    EXPECT_STREQ("Asked for array of size: ", what);
+#else
+    static_cast<void>(size);
+    static_cast<void>(what);
+#endif
+}
+
+TEST(NullPointerWithoutMemory, HasItsTextAsSoonAsMemoryIsBack)
+{
+    support::AllocationProbe probe;
+    const qor::NullPointer error = refusedArray(probe);
+    static_cast<void>(error.message());
+
+    probe.succeed();
+
+    EXPECT_EQ(String("Asked for array of size: 0"), error.message());
+    EXPECT_STREQ("Asked for array of size: 0", error.what());
+}
+
+TEST(NullPointerWithoutMemory, KeepsItsTextInACopyOfTheBase)
+{
+    support::AllocationProbe probe;
+    const qor::Exception copy = refusedArray(probe);
+    qor::Exception assigned("");
+    probe.succeed();
+
+    assigned = copy;
+
+    EXPECT_EQ(String("Asked for array of size: 0"), copy.message());
+    EXPECT_EQ(String("Asked for array of size: 0"), assigned.message());
+}
+
+TEST(NullPointerWithoutMemory, GivesEveryThreadTheSameText)
+{
+    for (int round = 0; round < 100; ++round)
+    {
+        const qor::NullPointer error = qor::NullPointer::ofArray(4294967295u);
+        const String* messages[2] = {};
+        const char* whats[2] = {};
+        std::thread other(
+            [&]
+            {
+                messages[1] = &error.message();
+                whats[1] = error.what();
+            });
+        messages[0] = &error.message();
+        whats[0] = error.what();
+        other.join();
+
+        ASSERT_EQ(messages[0], messages[1]);
+        ASSERT_EQ(whats[0], whats[1]);
+        ASSERT_STREQ("Asked for array of size: 4294967295", whats[0]);
+    }
 }
 
 TEST(IndexOutOfBounds, CarriesLowHighAndIndex)

@@ -250,6 +250,29 @@ TEST(HashTableFromText, KeepsTheContentWhenTheArraysCannotBeRead)
     EXPECT_TRUE(table.contains("a"));
 }
 
+TEST(HashTableFromText, KeepsTheContentWhenThereIsTextInPlaceOfItems)
+{
+    Table table;
+    table.insert("a", 1);
+
+    EXPECT_THROW(table.deserialize("<t><m_arrKey>b</m_arrKey><m_arrValue/></t>"), qor::SerializationFailed);
+    EXPECT_THROW(table.deserialize("<t><m_arrKey/><m_arrValue>2</m_arrValue></t>"), qor::SerializationFailed);
+
+    EXPECT_EQ(1u, *table.lookup("a"));
+}
+
+TEST(HashTableFromText, IgnoresSurplusValues)
+{
+    Table table;
+
+    table.deserialize("<t><m_arrKey><item>a</item></m_arrKey>"
+                      "<m_arrValue><item>1</item><item>2</item></m_arrValue></t>");
+
+    String out;
+    table.serializeToXML("t", out);
+    EXPECT_EQ(String("<t><m_arrKey><item>a</item></m_arrKey><m_arrValue><item>1</item></m_arrValue></t>"), out);
+}
+
 TEST(HashTableFromText, WithFewerValuesThanKeysThrowsIndexOutOfBounds)
 {
     Table table;

@@ -107,6 +107,28 @@ TEST(LogFactoryCreateLogger, GivesRacingThreadsTheSameObject)
     }
 }
 
+TEST(LogFactoryCreateLogger, MakesOneLoggerForEachChannelWhenThreadsMakeManyAtOnce)
+{
+    constexpr int channelCount = 10000; // more than a thread makes before another one runs
+    std::vector<std::vector<Logger*>> loggers(threadCount, std::vector<Logger*>(channelCount));
+
+    race(
+        [&](int index)
+        {
+            for (int channel = 0; channel < channelCount; ++channel)
+            {
+                Logger*& logger = loggers[static_cast<std::size_t>(index)][static_cast<std::size_t>(channel)];
+                LogFactory::createLogger(("test.race.many." + std::to_string(channel)).c_str(), logger);
+            }
+        });
+
+    for (const std::vector<Logger*>& found : loggers)
+        ASSERT_EQ(loggers[0], found);
+    for (int channel = 0; channel < channelCount; ++channel)
+        ASSERT_EQ("test.race.many." + std::to_string(channel),
+                  loggers[0][static_cast<std::size_t>(channel)]->channel());
+}
+
 TEST(LoggerSlot, GivesRacingThreadsTheSameObject)
 {
     for (int round = 0; round < 50; ++round)
@@ -169,6 +191,69 @@ TEST(LogSink, GetsOneRecordAtATime)
 
     EXPECT_EQ(0, overlaps);
     EXPECT_EQ(threadCount * 500 * 3, calls);
+}
+
+TEST(LogSink, KeepsAnotherThreadOutWhileItHandlesARecord)
+{
+    constexpr int rounds = 20;
+    std::atomic<int> inside{0};
+    std::atomic<int> overlaps{0};
+    std::atomic<int> arriving{0};
+    const support::LogCapture restores;
+    LogFactory::setSink(
+        [&](const LogRecord&)
+        {
+            if (++inside != 1)
+                ++overlaps;
+            while (arriving != 2) // the other thread is about to log as well
+                std::this_thread::yield();
+            for (int i = 0; i < 200 && overlaps == 0; ++i) // time for a thread that is not kept out
+                std::this_thread::yield();
+            --inside;
+        });
+    Logger& logger = LogFactory::logger("test.overlap");
+    const LoggerStream message = stream("text");
+    const auto logOnce = [&]
+    {
+        ++arriving;
+        logger.log(LoggerPriority::LOG_ERROR, message);
+    };
+
+    for (int round = 0; round < rounds; ++round)
+    {
+        arriving = 0;
+        std::thread other(logOnce);
+        logOnce();
+        other.join();
+    }
+
+    EXPECT_EQ(0, overlaps);
+}
+
+TEST(LogSink, CanBePutInPlaceWhileOtherThreadsLog)
+{
+    constexpr int rounds = 5000;
+    std::atomic<int> calls{0};
+    const support::LogCapture restores;
+    const auto place = [&]
+    { LogFactory::setSink([&calls, text = std::string(100, 'x')](const LogRecord&) { calls += text[99] == 'x'; }); };
+    place();
+    Logger& logger = LogFactory::logger("test.replacement");
+    const LoggerStream message = stream("text");
+
+    race(
+        [&](int index)
+        {
+            for (int i = 0; i < rounds; ++i)
+            {
+                if (index % 2 == 0)
+                    place();
+                else
+                    logger.log(LoggerPriority::LOG_ERROR, message);
+            }
+        });
+
+    EXPECT_EQ(threadCount / 2 * rounds, calls);
 }
 
 TEST(LogSink, CanLogItself)

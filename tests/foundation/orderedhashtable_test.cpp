@@ -1,5 +1,6 @@
 #include "qor/orderedhashtable.h"
 
+#include "tests/foundation/supportallocations.h"
 #include "tests/foundation/supportkeys.h"
 #include "tests/foundation/supporttracked.h"
 #include "tests/support/printers.h"
@@ -221,6 +222,69 @@ TEST(OrderedHashTableFromText, ForgetsTheContentBeforeItReads)
     EXPECT_EQ(0u, table.size());
     EXPECT_EQ(0u, table.values().size());
     EXPECT_FALSE(table.contains("a"));
+}
+
+TEST(OrderedHashTableFromText, IsEmptyWhenThereIsTextInPlaceOfItems)
+{
+    Table table;
+    insertAbc(table);
+
+    EXPECT_THROW(table.deserialize("<t><m_arrayKeys>d</m_arrayKeys><m_arrayValues/></t>"), qor::SerializationFailed);
+
+    EXPECT_EQ(0u, table.size());
+    EXPECT_FALSE(table.contains("a"));
+}
+
+/// Message of the NullPointer that an insertion throws when its array @p which, counted from 0, cannot grow.
+std::string failedGrowth(Table& table, const String& key, unsigned int which)
+{
+    support::AllocationProbe probe;
+    probe.failNothrow(1 + which); // the first one is for the bucket
+    try
+    {
+        table.insert(key, 9);
+    }
+    catch (const qor::NullPointer& error)
+    {
+        probe.succeed();
+        return error.what();
+    }
+    return "nothing was thrown";
+}
+
+/// A table whose arrays are full.
+Table fullTable()
+{
+    Table table;
+    for (unsigned int i = 0; i < 8; ++i)
+        table.insert("key " + qor::QORValue(i).toString(qor::QORValue::nilValue), i);
+    return table;
+}
+
+TEST(OrderedHashTableInsert, ThatCannotAppendTheKeyLeavesItInTheIndexOnly)
+{
+    Table table = fullTable();
+
+    EXPECT_EQ("Asked for array of size: 9", failedGrowth(table, "ninth", 0));
+
+    EXPECT_EQ(8u, table.size());
+    EXPECT_EQ(8u, table.values().size());
+    EXPECT_TRUE(table.contains("ninth"));
+    EXPECT_THROW(table["ninth"], qor::IndexOutOfBounds);
+    EXPECT_EQ(7u, table["key 7"]);
+}
+
+TEST(OrderedHashTableInsert, ThatCannotAppendTheValueLeavesAKeyWithoutOne)
+{
+    Table table = fullTable();
+
+    EXPECT_EQ("Asked for array of size: 9", failedGrowth(table, "ninth", 1));
+
+    EXPECT_EQ(9u, table.keys().size());
+    EXPECT_EQ(8u, table.values().size());
+    EXPECT_EQ(String("ninth"), table.keys()[8]);
+    EXPECT_THROW(table["ninth"], qor::IndexOutOfBounds);
+    EXPECT_EQ(7u, table["key 7"]);
 }
 
 TEST(OrderedHashTableClassName, HoldsTheMangledNameOfOtherArrays)

@@ -135,6 +135,35 @@ TEST(SerializableText, WithAForeignElementInAnArrayFailsAndNamesIt)
               failure([&] { preset.deserialize("<preset><names><entry/></names></preset>"); }));
 }
 
+TEST(SerializableText, WithTextInPlaceOfItemsFailsAndNamesTheElement)
+{
+    Preset preset;
+
+    EXPECT_EQ("Text in place of items in: names",
+              failure([&] { preset.deserialize("<preset><names>left</names><levels/><table/></preset>"); }));
+    EXPECT_EQ("Text in place of items in: levels",
+              failure([&] { preset.deserialize("<preset><names/><levels>\n 7 </levels><table/></preset>"); }));
+    EXPECT_EQ("Text in place of items in: m_arrKey",
+              failure(
+                  [&]
+                  {
+                      preset.deserialize("<preset><names/><levels/><table><m_arrKey>a</m_arrKey><m_arrValue/></table>"
+                                         "</preset>");
+                  }));
+}
+
+TEST(SerializableText, WithBlanksInPlaceOfItemsHasNone)
+{
+    Preset preset;
+    preset.names.append(String("old"));
+
+    preset.deserialize("<preset><names>\r\n\t </names><levels> </levels><table><m_arrKey> </m_arrKey><m_arrValue> "
+                       "</m_arrValue></table></preset>");
+
+    EXPECT_EQ(0u, preset.names.size());
+    EXPECT_EQ(0u, preset.levels.size());
+}
+
 TEST(SerializableText, WithSomethingElseThanA32BitNumberFailsAndShowsIt)
 {
     for (const std::string number : {"", "-1", "1x", " 1", "4294967296", "99999999999999999999999"})
@@ -202,6 +231,75 @@ TEST(SerializableField, CannotBeReadWithoutAnElement)
     Preset preset;
 
     EXPECT_EQ("Missing element: names", failure([&] { preset.deserializeFromElement(nullptr); }));
+}
+
+/// Is called as the array of strings, and is none. It writes and reads a text of its own.
+class Impostor : public Serializable
+{
+public:
+    void deserializeFromElement(const XmlElement* element) override { text = element->text(); }
+    void serializeToXML(const String& name, String& out) override
+    {
+        XmlElement element(name);
+        element.setText(text);
+        out = element.write();
+    }
+    const String& objectClassName() override { return Array<String>::className(); }
+
+    String text;
+};
+
+/// An array of strings that gives itself another class name.
+class NamedArray : public Array<String>
+{
+public:
+    const String& objectClassName() override
+    {
+        static const String name("NamedArray");
+        return name;
+    }
+};
+
+/// Writes and reads two fields whose class names say nothing about their types.
+class Misnamed : public Serializable
+{
+public:
+    void deserializeFromElement(const XmlElement* element) override
+    {
+        deserializeBegin(element);
+        Serializable::deserialize("impostor", impostor);
+        Serializable::deserialize("array", array);
+        deserializeEnd();
+    }
+    void serializeToXML(const String& name, String& out) override
+    {
+        serializeBegin(name);
+        serialize("impostor", impostor);
+        serialize("array", array);
+        serializeEnd();
+        getSerializedXML(out);
+    }
+    const String& objectClassName() override { return array.objectClassName(); }
+
+    Impostor impostor;
+    NamedArray array;
+};
+
+TEST(SerializableField, IsWrittenAndReadByItsTypeWhateverItsClassName)
+{
+    Misnamed written;
+    written.impostor.text = "own";
+    written.array.append(String("item"));
+    Misnamed read;
+    String text;
+
+    written.serializeToXML("x", text);
+    read.deserialize(text);
+
+    EXPECT_EQ(String("<x><impostor>own</impostor><array><item>item</item></array></x>"), text);
+    EXPECT_EQ(String("own"), read.impostor.text);
+    ASSERT_EQ(1u, read.array.size());
+    EXPECT_EQ(String("item"), read.array[0]);
 }
 
 TEST(SerializableContainer, GetsTheTextOfAnElementWhereItDoesNotOverrideThat)

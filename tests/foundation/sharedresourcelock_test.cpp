@@ -47,13 +47,14 @@ Watcher::~Watcher()
     lockWasFree = isFree(watcherMutex());
 }
 
-/// Runs @p operation while another thread holds the lock. @return whether it ended only when the lock was free again
+/// Runs @p operation while another thread holds the lock. @return whether it ended only after that
 template<class Operation>
 bool waitsForTheLock(Operation operation)
 {
     std::atomic<bool> held{false};
     std::atomic<bool> announced{false};
-    std::atomic<bool> over{false};
+    std::atomic<bool> ended{false};
+    bool waited = false;
     std::thread holder(
         [&]
         {
@@ -61,15 +62,15 @@ bool waitsForTheLock(Operation operation)
             held = true;
             while (!announced)
                 std::this_thread::yield();
-            for (int i = 0; i < 1000; ++i) // time for an operation that does not wait
+            for (int i = 0; i < 20000 && !ended; ++i) // time for an operation that does not wait
                 std::this_thread::yield();
-            over = true;
+            waited = !ended;
         });
     while (!held)
         std::this_thread::yield();
     announced = true;
     operation();
-    const bool waited = over;
+    ended = true;
     holder.join();
     return waited;
 }
@@ -106,14 +107,15 @@ TEST(LockedSharedResource, CreatesCopiesAndReleasesOnlyWithTheLock)
     const Locked shared(new Watcher);
     Watcher* const object = new Watcher;
     std::unique_ptr<Locked> created;
+    std::unique_ptr<Locked> another;
     Locked copy;
 
     EXPECT_TRUE(waitsForTheLock([&] { created = std::make_unique<Locked>(object); }));
     EXPECT_TRUE(waitsForTheLock([&] { copy = shared; }));
-    EXPECT_TRUE(waitsForTheLock([&] { const Locked another(shared); }));
+    EXPECT_TRUE(waitsForTheLock([&] { another = std::make_unique<Locked>(shared); })); // a copy without its release
     EXPECT_TRUE(waitsForTheLock([&] { created.reset(); }));
 
-    EXPECT_EQ(2, *shared.m_count);
+    EXPECT_EQ(3, *shared.m_count);
 }
 
 TEST(LockedSharedResource, KeepsItsCountWholeBetweenThreads)
@@ -142,6 +144,37 @@ TEST(LockedSharedResource, KeepsItsCountWholeBetweenThreads)
     }
 
     EXPECT_EQ(1, Watcher::destroyed);
+}
+
+TEST(LockedSharedResource, CountsEveryCopyThatRacingThreadsMake)
+{
+    constexpr int threadCount = 4;
+    constexpr int copies = 100000;
+    const Locked shared(new Watcher);
+    std::vector<std::vector<Locked>> made(threadCount);
+    for (std::vector<Locked>& copiesOfThread : made)
+        copiesOfThread.reserve(copies);
+    std::atomic<int> waiting{threadCount};
+    std::vector<std::thread> threads;
+
+    for (std::vector<Locked>& copiesOfThread : made)
+    {
+        threads.emplace_back(
+            [&shared, &waiting, &copiesOfThread]
+            {
+                --waiting;
+                while (waiting != 0)
+                    std::this_thread::yield();
+                for (int i = 0; i < copies; ++i)
+                    copiesOfThread.push_back(shared);
+            });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+
+    const int count = *shared.m_count;
+    *shared.m_count = threadCount * copies + 1; // whatever was counted, no copy outlives its object
+    EXPECT_EQ(threadCount * copies + 1, count);
 }
 
 TEST(LockedSharedResource, BehavesLikeTheUnlockedFormOtherwise)

@@ -76,6 +76,52 @@ TEST(StringConstruction, OfMoreUnitsThanASizeCanTellIsRefused)
     EXPECT_THROW(String::allocate(0x7FFFFFFFu), std::length_error);
 }
 
+/// A string that claims to have @p size units, until it goes.
+class ClaimedSize
+{
+public:
+    explicit ClaimedSize(unsigned int size) : m_text("claimed"), m_size(m_text.size()) { m_text.m_buffer->size = size; }
+    ~ClaimedSize() { m_text.m_buffer->size = m_size; }
+    ClaimedSize(const ClaimedSize&) = delete;
+    ClaimedSize& operator=(const ClaimedSize&) = delete;
+
+    String& text() { return m_text; }
+
+private:
+    String m_text;
+    const unsigned int m_size;
+};
+
+TEST(StringAppend, BeyondTheLargestSizeThrowsLengthErrorAndLeavesTheText)
+{
+    ClaimedSize claimed(2147483615u); // the largest there is, without 4 GiB behind it
+    const unsigned short* const buffer = claimed.text().getUCS2Buffer();
+
+    EXPECT_THROW(claimed.text().append("x"), std::length_error);
+    EXPECT_THROW(claimed.text().append(String("x")), std::length_error);
+    EXPECT_THROW(claimed.text() += claimed.text(), std::length_error);
+
+    EXPECT_EQ(2147483615u, claimed.text().size());
+    EXPECT_EQ(buffer, claimed.text().getUCS2Buffer());
+}
+
+TEST(StringAppend, OfSingleUnitsTakesAFewNewBuffersOnly)
+{
+    String text;
+    int buffers = 0;
+    const unsigned short* buffer = text.getUCS2Buffer();
+
+    for (int i = 0; i < 20000; ++i)
+    {
+        text.append("x");
+        buffers += text.getUCS2Buffer() != buffer;
+        buffer = text.getUCS2Buffer();
+    }
+
+    EXPECT_EQ(20000u, text.size());
+    EXPECT_GE(20, buffers) << "room grows with the text, so that appending takes the same time on average";
+}
+
 TEST(StringConstruction, FromAnotherTextGivesAnIndependentCopy)
 {
     String original("card");

@@ -120,6 +120,34 @@ TEST(StringCompareNoCase, FoldsEachUnitAlikeAtEveryPlace)
     }
 }
 
+unsigned int foldedUnit(unsigned int unit)
+{
+    return unit >= 'A' && unit <= 'Z' ? unit + ('a' - 'A') : unit;
+}
+
+TEST(StringCompareNoCase, ComparesAWholeGroupOfFourUnitsAsItComparesThemOneByOne)
+{
+    for (unsigned int left = 1; left <= 0xFF; ++left)
+    {
+        const String leftGroup(std::string(4, static_cast<char>(left)).c_str());
+        for (unsigned int right = 1; right <= 0xFF; ++right)
+        {
+            const String rightGroup(std::string(4, static_cast<char>(right)).c_str());
+            const int result = String::compareNoCase(leftGroup, rightGroup);
+            ASSERT_EQ(foldedUnit(left) < foldedUnit(right), result < 0) << left << ' ' << right;
+            ASSERT_EQ(foldedUnit(left) > foldedUnit(right), result > 0) << left << ' ' << right;
+        }
+    }
+}
+
+TEST(StringCompareNoCase, FindsADifferentLetterAmongEqualOnesOfAGroupOfFour)
+{
+    EXPECT_NE(0, String::compareNoCase("AAAA", "QQQQ"));
+    EXPECT_NE(0, String::compareNoCase("AAAA", "AAQA"));
+    EXPECT_NE(0, String::compareNoCase("aQAA", "aAaa"));
+    EXPECT_EQ(0, String::compareNoCase("aQAa", "AqaA"));
+}
+
 TEST(StringSubString, CopiesThatManyUnitsFromTheStart)
 {
     EXPECT_EQ(String("String"), String("A(String)").subString(2, 6));

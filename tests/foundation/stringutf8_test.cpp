@@ -71,6 +71,22 @@ TEST(StringFromUtf8, ReadsACharacterThatEndsTooSoonAsReplacements)
     EXPECT_EQ((Units{0xFFFD, 'z'}), units(String::fromUtf8("\xC3z")));
 }
 
+TEST(StringFromUtf8, ReadsNothingBeyondTheEndOfAViewThatCutsACharacter)
+{
+    for (const std::string character : {"\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x94\x8A"})
+    {
+        for (std::size_t length = 1; length < character.size(); ++length)
+        {
+            const std::string_view cut =
+                std::string_view(character).substr(0, length); // the rest is behind it in memory
+
+            EXPECT_EQ(Units(length, 0xFFFD), units(String::fromUtf8(cut))) << character << ' ' << length;
+        }
+        EXPECT_EQ((Units{0xFFFD, 'a'}), units(String::fromUtf8("\xC3" + std::string("a"))))
+            << "after a cut, reading goes on";
+    }
+}
+
 TEST(StringFromUtf8, KeepsAZeroInTheMiddle)
 {
     const String text = String::fromUtf8(std::string_view("a\0b", 3));

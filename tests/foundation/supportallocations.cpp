@@ -15,12 +15,15 @@ struct Watch
     int balance;
     unsigned int nothrowLeft; // successful ones of that form before all fail
     unsigned int left;        // successful ones of either form before one fails
+    bool exhausted;           // all of either form fail
 };
 
-thread_local Watch watch = {false, 0, 0, 0, never, never};
+thread_local Watch watch = {false, 0, 0, 0, never, never, false};
 
 bool hasToFail(bool nothrow)
 {
+    if (watch.exhausted)
+        return true;
     if (nothrow && watch.nothrowLeft != never && watch.nothrowLeft-- == 0)
     {
         watch.nothrowLeft = 0;
@@ -101,12 +104,12 @@ namespace support
 {
 AllocationProbe::AllocationProbe()
 {
-    watch = {true, 0, 0, 0, never, never};
+    watch = {true, 0, 0, 0, never, never, false};
 }
 
 AllocationProbe::~AllocationProbe()
 {
-    watch = {false, 0, 0, 0, never, never};
+    watch = {false, 0, 0, 0, never, never, false};
 }
 
 unsigned int AllocationProbe::count() const
@@ -134,8 +137,14 @@ void AllocationProbe::failOnce(unsigned int more)
     watch.left = more;
 }
 
+void AllocationProbe::failAll()
+{
+    watch.exhausted = true;
+}
+
 void AllocationProbe::succeed()
 {
+    watch.exhausted = false;
     watch.nothrowLeft = never;
     watch.left = never;
 }

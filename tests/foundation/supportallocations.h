@@ -31,7 +31,10 @@ public:
     /// After @p more successful ones of either form, one allocation fails.
     void failOnce(unsigned int more = 0);
 
-    /// Nothing fails any more.
+    /// From now on every allocation of either form fails.
+    void failAll();
+
+    /// From now on no allocation fails.
     void succeed();
 };
 } // namespace support

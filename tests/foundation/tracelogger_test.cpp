@@ -1,5 +1,6 @@
 #include "qor/logstatement.h"
 
+#include "tests/foundation/supportallocations.h"
 #include "tests/support/logcapture.h"
 
 #include <gmock/gmock.h>
@@ -152,5 +153,58 @@ TEST(TraceLogger, LeavesUnderTheLoggerThatItEnteredWith)
     }
 
     EXPECT_THAT(log.left(), ElementsAre("label"));
+}
+
+TEST(TraceLogger, LosesTheLeavingWithoutMemoryForIt)
+{
+    support::LogCapture log;
+    support::AllocationProbe probe;
+
+    {
+        SONAVIT_TRACE(scopelog, "label");
+        probe.failAll();
+    }
+
+    probe.succeed();
+    EXPECT_THAT(log.entered(), ElementsAre("label"));
+#if !defined(_WIN32) // there the operators of the DLL are out of reach
+    EXPECT_THAT(log.left(), IsEmpty());
+#endif
+}
+
+TEST(TraceLogger, LosesTheLeavingWhenTheSinkThrows)
+{
+    const support::LogCapture restores;
+    int leavings = 0;
+    qor::LogFactory::setSink(
+        [&](const qor::LogRecord& record)
+        {
+            if (record.kind != qor::LogRecord::Kind::leave)
+                return;
+            ++leavings;
+            throw 1;
+        });
+
+    EXPECT_NO_THROW(outer());
+
+    EXPECT_EQ(2, leavings) << "each scope is still reported";
+}
+
+TEST(TraceLogger, LetsAnExceptionGoOnWhenTheSinkThrowsMeanwhile)
+{
+    const support::LogCapture restores;
+    qor::LogFactory::setSink(
+        [](const qor::LogRecord& record)
+        {
+            if (record.kind == qor::LogRecord::Kind::leave)
+                throw 1;
+        });
+    const auto throwing = []
+    {
+        SONAVIT_TRACE(scopelog, "throwing()");
+        throw std::string("first");
+    };
+
+    EXPECT_THROW(throwing(), std::string);
 }
 } // namespace

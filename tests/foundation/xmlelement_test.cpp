@@ -82,10 +82,10 @@ TEST(XmlElementWrite, EscapesWhatHasAMeaningInXml)
 
 TEST(XmlElementWrite, RefusesANameThatIsNone)
 {
-    EXPECT_EQ("Not a name of an element: ", refusal(XmlElement("")));
-    EXPECT_EQ("Not a name of an element: 1st", refusal(XmlElement("1st")));
-    EXPECT_EQ("Not a name of an element: a b", refusal(XmlElement("a b")));
-    EXPECT_EQ("Not a name of an element: a<b", refusal(XmlElement("a<b")));
+    EXPECT_EQ("Invalid name of an element: ", refusal(XmlElement("")));
+    EXPECT_EQ("Invalid name of an element: 1st", refusal(XmlElement("1st")));
+    EXPECT_EQ("Invalid name of an element: a b", refusal(XmlElement("a b")));
+    EXPECT_EQ("Invalid name of an element: a<b", refusal(XmlElement("a<b")));
 }
 
 TEST(XmlElementWrite, RefusesTextBesideChildren)
@@ -94,7 +94,7 @@ TEST(XmlElementWrite, RefusesTextBesideChildren)
     element.setText("text");
     element.add(XmlElement("child"));
 
-    EXPECT_EQ("Both text and elements in: both", refusal(element));
+    EXPECT_EQ("Element with both text and elements: both", refusal(element));
 }
 
 TEST(XmlElementWrite, RefusesATextThatHoldsAZero)
@@ -102,7 +102,7 @@ TEST(XmlElementWrite, RefusesATextThatHoldsAZero)
     XmlElement element("e");
     element.setText(String::fromUtf8(std::string_view("a\0b", 3)));
 
-    EXPECT_EQ("A text that holds a zero cannot be written", refusal(element));
+    EXPECT_EQ("Text with a zero cannot be written", refusal(element));
 }
 
 TEST(XmlElementRead, GivesBackEveryUnitThatWasWritten)
@@ -167,46 +167,46 @@ TEST(XmlElementRead, TakesReferencesInsideWords)
 
 TEST(XmlElementReadFailure, SaysLineAndColumn)
 {
-    EXPECT_EQ("line 1, column 1: an element was expected", complaint(""));
-    EXPECT_EQ("line 3, column 3: a name was expected", complaint("<a>\n<b/>\n < c/></a>"));
+    EXPECT_EQ("line 1, column 1: element expected", complaint(""));
+    EXPECT_EQ("line 3, column 3: name expected", complaint("<a>\n<b/>\n < c/></a>"));
 }
 
 TEST(XmlElementReadFailure, CountsACharacterAsOneColumn)
 {
-    EXPECT_EQ("line 1, column 7: a reference was expected", complaint("<e>\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80&;</e>"));
+    EXPECT_EQ("line 1, column 7: reference expected", complaint("<e>\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80&;</e>"));
 }
 
 TEST(XmlElementReadFailure, CoversTagsThatDoNotFit)
 {
-    EXPECT_EQ("line 1, column 7: this end does not belong to the element that is open", complaint("<a></b></a>"));
-    EXPECT_EQ("line 1, column 4: the end of an element was expected", complaint("<a>"));
-    EXPECT_EQ("line 1, column 7: the end of an element was expected", complaint("<a></a"));
-    EXPECT_EQ("line 1, column 4: an element has a name and nothing else", complaint("<a b=\"c\"/>"));
-    EXPECT_EQ("line 1, column 5: nothing more was expected behind the element", complaint("<a/><b/>"));
+    EXPECT_EQ("line 1, column 7: end of another element", complaint("<a></b></a>"));
+    EXPECT_EQ("line 1, column 4: the end of element expected", complaint("<a>"));
+    EXPECT_EQ("line 1, column 7: the end of element expected", complaint("<a></a"));
+    EXPECT_EQ("line 1, column 4: attributes are not supported", complaint("<a b=\"c\"/>"));
+    EXPECT_EQ("line 1, column 5: unexpected content after the element", complaint("<a/><b/>"));
 }
 
 TEST(XmlElementReadFailure, CoversTextThatDoesNotFit)
 {
-    EXPECT_EQ("line 1, column 10: an element holds either text or elements", complaint("<a>b<c/>d</a>"));
-    EXPECT_EQ("line 1, column 1: an element was expected", complaint("text"));
-    EXPECT_EQ("line 1, column 5: a text holds no zero", complaint(std::string_view("<a>b\0</a>", 9)));
+    EXPECT_EQ("line 1, column 10: element with both text and elements", complaint("<a>b<c/>d</a>"));
+    EXPECT_EQ("line 1, column 1: element expected", complaint("text"));
+    EXPECT_EQ("line 1, column 5: text with a zero", complaint(std::string_view("<a>b\0</a>", 9)));
 }
 
 TEST(XmlElementReadFailure, CoversReferences)
 {
-    EXPECT_EQ("line 1, column 4: a reference was expected", complaint("<a>&nbsp;</a>"));
-    EXPECT_EQ("line 1, column 6: a digit was expected", complaint("<a>&#A;</a>"));
-    EXPECT_EQ("line 1, column 6: a reference names one unit from 1 to 65535", complaint("<a>&#;</a>"));
-    EXPECT_EQ("line 1, column 7: a reference names one unit from 1 to 65535", complaint("<a>&#0;</a>"));
-    EXPECT_EQ("line 1, column 11: a reference names one unit from 1 to 65535", complaint("<a>&#65536;</a>"));
-    EXPECT_EQ("line 1, column 8: a reference ends in a semicolon", complaint("<a>&#65"));
+    EXPECT_EQ("line 1, column 4: reference expected", complaint("<a>&nbsp;</a>"));
+    EXPECT_EQ("line 1, column 6: digit expected", complaint("<a>&#A;</a>"));
+    EXPECT_EQ("line 1, column 6: reference outside 1 to 65535", complaint("<a>&#;</a>"));
+    EXPECT_EQ("line 1, column 7: reference outside 1 to 65535", complaint("<a>&#0;</a>"));
+    EXPECT_EQ("line 1, column 11: reference outside 1 to 65535", complaint("<a>&#65536;</a>"));
+    EXPECT_EQ("line 1, column 8: semicolon expected after a reference", complaint("<a>&#65"));
 }
 
 TEST(XmlElementReadFailure, CoversCommentsAndPrologsWithoutAnEnd)
 {
-    EXPECT_EQ("line 1, column 5: a comment has no end", complaint("<!-- <a/>"));
-    EXPECT_EQ("line 1, column 8: a comment has no end", complaint("<a><!-- </a>"));
-    EXPECT_EQ("line 1, column 3: a prolog has no end", complaint("<?xml <a/>"));
+    EXPECT_EQ("line 1, column 5: comment without an end", complaint("<!-- <a/>"));
+    EXPECT_EQ("line 1, column 8: comment without an end", complaint("<a><!-- </a>"));
+    EXPECT_EQ("line 1, column 3: prolog without an end", complaint("<?xml <a/>"));
 }
 
 TEST(XmlElementReadFailure, EndsTooDeepElements)
@@ -220,6 +220,6 @@ TEST(XmlElementReadFailure, EndsTooDeepElements)
     }
 
     EXPECT_EQ("none", complaint(deep + ends));
-    EXPECT_EQ("line 1, column 601: elements stand too deep in each other", complaint("<a>" + deep + ends + "</a>"));
+    EXPECT_EQ("line 1, column 601: elements are nested too deeply", complaint("<a>" + deep + ends + "</a>"));
 }
 } // namespace
