@@ -96,7 +96,9 @@ GUID AudioComponent<I>::subType() const
 template<class I>
 qor::String AudioComponent<I>::deviceOwner() const
 {
-    const AudioDeviceTopology topology(m_part.topology());
+    COMPtr<IDeviceTopology>::pointer handle = m_part.topology();
+    const AudioDeviceTopology topology(handle);
+    handle = nullptr; // released by a statement of its own: if Release throws, the snapshot is released, too
     return topology.deviceOwner();
 }
 

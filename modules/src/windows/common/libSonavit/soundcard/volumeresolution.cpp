@@ -9,15 +9,14 @@ namespace
 {
 typedef unsigned int (AudioPart::*Side)(qor::Array<AudioPart>& list);
 
-/// The parts next to @p part on one side. An empty part has no neighbours: a connector that is not a part has one.
-qor::Array<AudioPart> neighbours(const AudioPart& part, Side side)
+/// Replaces the empty @p list by the parts next to @p part on one side. An empty part has no neighbours: a connector
+/// that is not a part has one.
+void readNeighbours(const AudioPart& part, Side side, qor::Array<AudioPart>& list)
 {
-    qor::Array<AudioPart> list;
     if (part.part().get() == nullptr)
-        return list;
+        return;
     AudioPart walked(part); // the walk stores its result in the part, too
     (walked.*side)(list);
-    return list;
 }
 
 /// The control @p I of the part, or nil if the part has none. What the platform stores along with a failure is ignored.
@@ -39,7 +38,9 @@ typename COMPtr<I>::pointer activate(const AudioPart& audioPart, const IID& iid)
 unsigned int SoundCard::volumeController(const AudioDevice& endpoint, qor::Array<VolumeController>& result) const
 {
     SONAVIT_TRACE(soundcardlog, "EndpointDeviceEnumeratorCommon::volumeController(const AudioDevice& endpoint)");
-    const AudioDeviceTopology topology(endpoint.deviceTopology());
+    COMPtr<IDeviceTopology>::pointer handle = endpoint.deviceTopology();
+    const AudioDeviceTopology topology(handle);
+    handle = nullptr; // released by a statement of its own: if Release throws, the snapshot is released, too
     const qor::Array<AudioComponent<IConnector>> connectors = topology.connector();
     result.clear();
     qor::Array<unsigned int> queue; // nothing is removed from it, so it is the set of visited nodes, too
@@ -80,8 +81,10 @@ unsigned int SoundCard::volumeController(const AudioDeviceInterface&,
 bool SoundCard::volumeControllerFromConnector(const AudioComponent<IConnector>& connector,
                                               qor::Array<VolumeController>& result) const
 {
-    const qor::Array<AudioPart> incoming = neighbours(connector.part(), &AudioPart::incomingPartsList);
-    const qor::Array<AudioPart> outgoing = neighbours(connector.part(), &AudioPart::outgoingPartsList);
+    qor::Array<AudioPart> incoming;
+    qor::Array<AudioPart> outgoing;
+    readNeighbours(connector.part(), &AudioPart::incomingPartsList, incoming);
+    readNeighbours(connector.part(), &AudioPart::outgoingPartsList, outgoing);
     if (volumeControllerFromList(incoming, connector, result))
         return true;
     return volumeControllerFromList(outgoing, connector, result);
