@@ -119,6 +119,7 @@ TEST_F(SoundCardDeviceUpdater, DeletesItselfWithTheLastReleaseWhichReturnsZero)
 TEST_F(SoundCardDeviceUpdater, CountsTheReferencesOfSeveralThreads)
 {
     constexpr ULONG numReferences = 100000;
+    constexpr int numRounds = 10; // in a single one the threads may happen to run one after the other
     qor::LogFactory::setPriority(LoggerPriority::LOG_FATAL); // or each reference takes a record
     const auto add = [this]
     {
@@ -131,17 +132,20 @@ TEST_F(SoundCardDeviceUpdater, CountsTheReferencesOfSeveralThreads)
             updater->Release();
     };
 
-    onSeveralThreads(add);
-    EXPECT_EQ(LONG{1 + numThreads * numReferences}, updater->m_refCount);
-    onSeveralThreads(release);
-
-    EXPECT_EQ(1, updater->m_refCount);
+    for (int round = 0; round < numRounds; ++round)
+    {
+        onSeveralThreads(add);
+        ASSERT_EQ(LONG{1 + numThreads * numReferences}, updater->m_refCount);
+        onSeveralThreads(release);
+        ASSERT_EQ(1, updater->m_refCount);
+    }
 }
 
 TEST_F(SoundCardDeviceUpdater, EndsWithOneOfSeveralThreadsThatReleaseTheLastReferences)
 {
+    constexpr int numRounds = 20;
     qor::LogFactory::setPriority(LoggerPriority::LOG_FATAL);
-    for (int round = 0; round < 200; ++round)
+    for (int round = 0; round < numRounds; ++round)
     {
         const SharedPointer<Devices> list(new Devices);
         Updater* const object = new Updater;
@@ -150,7 +154,16 @@ TEST_F(SoundCardDeviceUpdater, EndsWithOneOfSeveralThreadsThatReleaseTheLastRefe
             object->AddRef();
         std::atomic<int> last{0};
 
-        onSeveralThreads([&] { last += object->Release() == 0 ? 1 : 0; });
+        onSeveralThreads(
+            [&]
+            {
+                for (int i = 0; i < 10000; ++i)
+                {
+                    object->AddRef();
+                    object->Release();
+                }
+                last += object->Release() == 0 ? 1 : 0;
+            });
 
         ASSERT_EQ(1, last);
         ASSERT_EQ(1, *list.m_count) << "the share went with the object";
