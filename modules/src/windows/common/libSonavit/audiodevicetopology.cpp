@@ -68,24 +68,24 @@ void readSubunits(IDeviceTopology& topology, qor::Array<AudioComponent<ISubunit>
     }
 }
 
-/// Empties an id and two lists at the end of its scope, unless the scope has emptied them itself.
+/// Empties an id and two lists when its scope ends, unless the scope has emptied them itself.
 ///
 /// It runs while an exception leaves the scope, so it allocates nothing: Array::clear() would ask for new storage.
-class EmptyAtTheEnd
+class EmptyOnExit
 {
 public:
-    EmptyAtTheEnd(qor::String& id, qor::Array<AudioComponent<IConnector>>& connectors,
-                  qor::Array<AudioComponent<ISubunit>>& subunits) noexcept
+    EmptyOnExit(qor::String& id, qor::Array<AudioComponent<IConnector>>& connectors,
+                qor::Array<AudioComponent<ISubunit>>& subunits) noexcept
         : m_id(id),
           m_connectors(connectors),
           m_subunits(subunits)
     {
     }
 
-    EmptyAtTheEnd(const EmptyAtTheEnd&) = delete;
-    EmptyAtTheEnd& operator=(const EmptyAtTheEnd&) = delete;
+    EmptyOnExit(const EmptyOnExit&) = delete;
+    EmptyOnExit& operator=(const EmptyOnExit&) = delete;
 
-    ~EmptyAtTheEnd()
+    ~EmptyOnExit()
     {
         m_id.clear();
         removeAll(m_connectors);
@@ -235,7 +235,7 @@ bool AudioDeviceTopology::connectorsAreLinked(const AudioComponent<IConnector>& 
 void AudioDeviceTopology::clear()
 {
     SONAVIT_TRACE(topologylog, "AudioDeviceTopology::clear()");
-    const EmptyAtTheEnd rest(m_deviceOwner, m_connectors, m_subunits);
+    const EmptyOnExit rest(m_deviceOwner, m_connectors, m_subunits);
     m_topology = nullptr;
     m_deviceOwner.clear();
     m_connectors.clear();
