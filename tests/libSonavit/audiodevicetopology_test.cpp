@@ -20,7 +20,7 @@ constexpr const char* connectorLabel = "AudioDeviceTopology::AudioDeviceTopology
 class AudioDeviceTopologyConstructor : public GraphTest
 {
 protected:
-    /// What the card's graph looks like in an object that was initialized from it.
+    /// Expects the card's graph in an object that was initialized from it.
     void expectGraph(const AudioDeviceTopology& topology)
     {
         EXPECT_TRUE(topology.isInitialized());

@@ -1,4 +1,4 @@
-// The way from a connector or subunit to the topology that it lies in.
+// From a connector or subunit to the topology that contains it.
 #include "tests/libSonavit/supportgraph.h"
 
 using support::GraphTest;
@@ -17,7 +17,7 @@ constexpr qor::LOGGER_PRIORITY error = qor::LoggerPriority::LOG_ERROR;
 class AudioDeviceTopologyOfComponent : public GraphTest
 {
 protected:
-    /// An object that is initialized already, so that what a failure leaves of it is seen.
+    /// An object that is initialized already, so that a test sees its content after a failure.
     AudioDeviceTopology initialized()
     {
         const AudioDeviceTopology topology(topologyHandle(speaker.id()));

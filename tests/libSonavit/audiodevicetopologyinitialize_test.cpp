@@ -1,6 +1,11 @@
+#include "tests/foundation/supportallocations.h"
+#include "tests/libSonavit/soundcard/supportscriptedparts.h"
 #include "tests/libSonavit/supportgraph.h"
+#include "tests/libSonavit/supportlogline.h"
+#include "tests/libSonavit/supportscriptedtopology.h"
 
-#include "tests/libSonavit/supportstackobject.h"
+#include <functional>
+#include <new>
 
 using support::GraphTest;
 using support::idsOf;
@@ -27,32 +32,19 @@ protected:
     }
 };
 
-/// A topology without parts that gives its device's id and calls that a failure.
-class FailingWithAnId final : public support::StackObject<IDeviceTopology>
+/// A topology without parts that hands out its device's id along with a failure code.
+class FailingWithAnId final : public support::ScriptedTopology
 {
 public:
-    HRESULT STDMETHODCALLTYPE GetConnectorCount(UINT* count) override { return none(count); }
-    HRESULT STDMETHODCALLTYPE GetConnector(UINT, IConnector** connector) override { return none(connector); }
-    HRESULT STDMETHODCALLTYPE GetSubunitCount(UINT* count) override { return none(count); }
-    HRESULT STDMETHODCALLTYPE GetSubunit(UINT, ISubunit** subunit) override { return none(subunit); }
-    HRESULT STDMETHODCALLTYPE GetPartById(UINT, IPart** part) override { return none(part); }
-    HRESULT STDMETHODCALLTYPE GetSignalPath(IPart*, IPart*, BOOL, IPartsList** parts) override { return none(parts); }
-
     HRESULT STDMETHODCALLTYPE GetDeviceId(LPWSTR* id) override
     {
-        *id = static_cast<LPWSTR>(CoTaskMemAlloc(2 * sizeof(WCHAR)));
-        (*id)[0] = 'x';
-        (*id)[1] = 0;
+        *id = support::taskText("x");
+        if (afterId)
+            afterId();
         return E_FAIL;
     }
 
-private:
-    template<class Value>
-    static HRESULT none(Value* value)
-    {
-        *value = Value();
-        return S_OK;
-    }
+    std::function<void()> afterId; ///< called when the id is allocated
 };
 }
 
@@ -75,7 +67,7 @@ TEST_F(AudioDeviceTopologyInitialize, ReadsTheDeviceIdThenTheConnectorsThenTheSu
     EXPECT_THAT(idsOf(topology.subunit()), ElementsAre(mute, volume));
 }
 
-TEST_F(AudioDeviceTopologyInitialize, TellsHowManyConnectorsAndSubunitsThereAre)
+TEST_F(AudioDeviceTopologyInitialize, LogsTheNumbersOfConnectorsAndSubunits)
 {
     bench.machine().adapters[0].topology->subunits.pop_back();
     start();
@@ -125,7 +117,7 @@ TEST_F(AudioDeviceTopologyInitialize, TracesItselfAndTheClearing)
     EXPECT_THAT(log.left(channel), ElementsAre(clearLabel, initializeLabel));
 }
 
-TEST_F(AudioDeviceTopologyInitialize, LetsGoOfTheOldTopologyBeforeItsConnectorsAndSubunits)
+TEST_F(AudioDeviceTopologyInitialize, ReleasesTheOldTopologyBeforeItsConnectorsAndSubunits)
 {
     start();
     AudioDeviceTopology topology(topologyHandle(device));
@@ -212,7 +204,7 @@ TEST_F(AudioDeviceTopologyInitialize, TakesNoSubunitsWhenTheirCountCannotBeRead)
     EXPECT_THAT(log.texts(), ElementsAre("Num connector = 2", "Subunit count = 0"));
 }
 
-TEST_F(AudioDeviceTopologyInitialize, GoesOnWithoutAnOwnerWhenTheDeviceIdCannotBeRead)
+TEST_F(AudioDeviceTopologyInitialize, ContinuesWithoutAnOwnerWhenTheDeviceIdCannotBeRead)
 {
     start();
     const sim::PlannedFault fault = simulation().faults().fail("IDeviceTopology::GetDeviceId");
@@ -228,7 +220,7 @@ TEST_F(AudioDeviceTopologyInitialize, GoesOnWithoutAnOwnerWhenTheDeviceIdCannotB
     EXPECT_EQ("Unable to retrieve device id from topology 0x80004005", log.texts().front());
 }
 
-TEST_F(AudioDeviceTopologyInitialize, GoesOnInSilenceWhenThereIsNoDeviceId)
+TEST_F(AudioDeviceTopologyInitialize, ContinuesInSilenceWhenThereIsNoDeviceId)
 {
     bench.machine().adapters[0].topology->deviceId = std::nullopt;
     start();
@@ -241,7 +233,7 @@ TEST_F(AudioDeviceTopologyInitialize, GoesOnInSilenceWhenThereIsNoDeviceId)
     EXPECT_THAT(log.texts(error), IsEmpty());
 }
 
-TEST_F(AudioDeviceTopologyInitialize, TakesADeviceIdThatCameWithAFailureAndTellsTheFailure)
+TEST_F(AudioDeviceTopologyInitialize, TakesADeviceIdThatCameWithAFailureAndLogsTheFailure)
 {
     start();
     FailingWithAnId platform;
@@ -313,3 +305,100 @@ TEST_F(AudioDeviceTopologyInitialize, EmptiesTheObjectAtAssignmentOfANilTopology
     expectEmpty(topology);
     EXPECT_THAT(log.texts(error, channel), ElementsAre("Using NULL deviceTopology invalidates this object"));
 }
+
+TEST_F(AudioDeviceTopologyInitialize, LogsEachStepFromItsOwnLine)
+{
+    start();
+    const sim::PlannedFault connector = simulation().faults().fail("IDeviceTopology::GetConnector").with("0");
+    const sim::PlannedFault subunit = simulation().faults().fail("IDeviceTopology::GetSubunit").with("0");
+    AudioDeviceTopology topology;
+
+    topology.initialize(topologyHandle(device));
+
+    std::vector<int> lines;
+    for (const char* const text : {"Num connector = ", "Unable to retrieve connector index ",
+                                   "Subunit count = ", "Unable to retrieve subunit index "})
+    {
+        const std::vector<int> line = support::linesOf(log, text);
+        ASSERT_EQ(1u, line.size()) << text;
+        EXPECT_THAT(lines, testing::Not(testing::Contains(line[0]))) << text;
+        lines.push_back(line[0]);
+    }
+}
+
+TEST_F(AudioDeviceTopologyInitialize, LeavesTheObjectEmptyWhenTheReleaseOfTheOldTopologyThrows)
+{
+    start();
+    AudioDeviceTopology topology(topologyHandle(device));
+    const COMPtr<IDeviceTopology>::pointer other = topologyHandle(speaker.id());
+    const sim::PlannedFault fault = simulation().faults().raise("IDeviceTopology::Release").on(device);
+
+    EXPECT_THROW(topology.initialize(other), sim::InjectedException);
+
+    EXPECT_EQ(1u, fault.fired());
+    expectEmpty(topology);
+    EXPECT_EQ(1, simulation().census().references()) << "the handle of the test";
+}
+
+TEST_F(AudioDeviceTopologyInitialize, LeavesTheObjectEmptyWhenTheReleaseOfAConnectorThrows)
+{
+    start();
+    AudioDeviceTopology topology(topologyHandle(device));
+    const sim::PlannedFault fault = simulation().faults().raise("IConnector::Release").on(jack).at(1);
+
+    EXPECT_THROW(topology.initialize(COMPtr<IDeviceTopology>::pointer()), sim::InjectedException);
+
+    EXPECT_EQ(1u, fault.fired());
+    expectEmpty(topology);
+    EXPECT_EQ(0, simulation().census().references());
+}
+
+TEST_F(AudioDeviceTopologyInitialize, CanBeInitializedAgainAfterAReleaseThatThrew)
+{
+    start();
+    AudioDeviceTopology topology(topologyHandle(device));
+    const sim::PlannedFault fault = simulation().faults().raise("IConnector::Release").on(jack).at(1);
+    EXPECT_THROW(topology.initialize(COMPtr<IDeviceTopology>::pointer()), sim::InjectedException);
+
+    EXPECT_TRUE(topology.initialize(topologyHandle(device)));
+
+    EXPECT_EQ(1u, fault.fired());
+    EXPECT_THAT(idsOf(topology.connector()), ElementsAre(jack, stream));
+    EXPECT_THAT(idsOf(topology.subunit()), ElementsAre(mute, volume));
+}
+
+#if !defined(_WIN32) // a DLL there keeps allocation operators of its own, which no test can make fail
+
+TEST_F(AudioDeviceTopologyInitialize, EmptiesTheObjectWithoutMemoryWhileAnExceptionIsUnderWay)
+{
+    start();
+    AudioDeviceTopology topology(topologyHandle(device));
+    const sim::PlannedFault fault = simulation().faults().raise("IDeviceTopology::Release").on(device);
+    {
+        support::AllocationProbe probe;
+        probe.failNothrow(); // an array that asks for storage throws, which ends the process here
+
+        EXPECT_THROW(topology.initialize(COMPtr<IDeviceTopology>::pointer()), sim::InjectedException);
+    }
+    EXPECT_EQ(1u, fault.fired());
+    expectEmpty(topology);
+}
+
+TEST_F(AudioDeviceTopologyInitialize, FreesADeviceIdThatThereIsNoMemoryToCopy)
+{
+    start();
+    FailingWithAnId platform;
+    AudioDeviceTopology topology;
+    {
+        support::AllocationProbe probe;
+        platform.afterId = [&probe] { probe.failOnce(); };
+
+        EXPECT_THROW(topology.initialize(platform.handle()), std::bad_alloc);
+    }
+    topology = AudioDeviceTopology();
+
+    EXPECT_EQ(0, simulation().census().taskBlocks());
+    EXPECT_EQ(1u, platform.references);
+}
+
+#endif

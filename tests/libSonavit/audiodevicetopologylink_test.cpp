@@ -1,5 +1,7 @@
 // Whether a signal path joins two connectors of one graph.
+#include "tests/libSonavit/soundcard/supportscriptedparts.h"
 #include "tests/libSonavit/supportgraph.h"
+#include "tests/libSonavit/supportscriptedtopology.h"
 
 using support::GraphTest;
 using testing::ElementsAre;
@@ -14,7 +16,7 @@ constexpr qor::LOGGER_PRIORITY warning = qor::LoggerPriority::LOG_WARNING;
 class AudioDeviceTopologyConnectorsAreLinked : public GraphTest
 {
 protected:
-    /// Asks @p topology about two components, with journal and log from just that question.
+    /// Asks @p topology about two components, with the journal and the log of just that question.
     bool ask(const AudioDeviceTopology& topology, const AudioComponent<IConnector>& from,
              const AudioComponent<IConnector>& to)
     {
@@ -44,6 +46,26 @@ protected:
     }
 
     static AudioComponent<IConnector> empty() { return AudioComponent<IConnector>(static_cast<IConnector*>(nullptr)); }
+};
+
+/// Fails with a list at the first question for a path, and then succeeds without storing anything.
+class FailingWithAList final : public support::ScriptedTopology
+{
+public:
+    explicit FailingWithAList(IPartsList& list) : m_list(list) {}
+
+    HRESULT STDMETHODCALLTYPE GetSignalPath(IPart*, IPart*, BOOL, IPartsList** parts) override
+    {
+        if (++questions > 1)
+            return S_OK;
+        *parts = &m_list;
+        return E_FAIL;
+    }
+
+    int questions = 0;
+
+private:
+    IPartsList& m_list;
 };
 }
 
@@ -220,4 +242,19 @@ TEST_F(AudioDeviceTopologyConnectorsAreLinked, AndNoReferenceOnThemStays)
     ask(topology, from, to);
 
     EXPECT_EQ(before, simulation().census());
+}
+
+TEST_F(AudioDeviceTopologyConnectorsAreLinked, AndAListThatCameWithTheFirstFailureIsNotReleased)
+{
+    start();
+    support::ScriptedPartsList list({});
+    FailingWithAList platform(list);
+    {
+        const AudioDeviceTopology topology(platform.handle());
+
+        EXPECT_TRUE(ask(topology, component(stream), component(jack)));
+    }
+    EXPECT_EQ(2, platform.questions);
+    EXPECT_EQ(1u, list.references);
+    EXPECT_EQ(1u, platform.references);
 }

@@ -12,7 +12,7 @@
 
 namespace support
 {
-/// A test on a machine with one card. A test may change what stands here until it calls start(). The card's graph:
+/// A test on a machine with one card. A test may change the members until it calls start(). The card's graph:
 ///
 ///     stream (connector) -> volume (subunit) -> mute (subunit) -> jack (connector, "Speakers")
 ///
@@ -34,7 +34,7 @@ protected:
 
     sim::Simulation& start() { return run(bench.build()); }
 
-    // Each answer comes with one reference that is the test's.
+    // Each result has one reference that the test owns.
     IPart* part(const std::string& id) { return simulation().part(id); }
     IConnector* connector(const std::string& id) { return simulation().connector(id); }
     ISubunit* subunit(const std::string& id) { return simulation().subunit(id); }
@@ -64,7 +64,7 @@ protected:
         return sum;
     }
 
-    /// What the platform was asked since the last call: the operations of its objects.
+    /// The operations of the platform's objects since the last call of this function.
     Texts asked()
     {
         const Texts operations = simulation().journal().entries().of("I*").operations();

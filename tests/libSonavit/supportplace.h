@@ -1,4 +1,4 @@
-/// Where an object lies in memory, for the tests of the order of fields.
+/// The address of an object, for the tests of the order of fields.
 #pragma once
 
 #include <cstdint>

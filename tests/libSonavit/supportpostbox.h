@@ -1,4 +1,4 @@
-/// Where the window messages of a notification end up.
+/// Receives the window messages of a notification.
 #pragma once
 
 #include "simulator/simulation.h"
@@ -9,7 +9,7 @@
 namespace support
 {
 #if defined(_WIN32)
-/// A window of the test's thread, and that thread's queue, in which messages to a null window end up as well.
+/// A window of the test's thread, and that thread's queue, which receives messages to a null window, too.
 class PostBox
 {
 public:
@@ -23,10 +23,10 @@ public:
     PostBox(const PostBox&) = delete;
     PostBox& operator=(const PostBox&) = delete;
 
-    /// Where messages are read; null if there is no window to be had.
+    /// The window that receives messages; null if it could not be created.
     HWND window() const { return m_window; }
 
-    /// What was posted to the window, or to none from this thread, since the last call.
+    /// The messages to the window, or from this thread to none, since the last call.
     std::vector<sim::PostedMessage> messages()
     {
         std::vector<sim::PostedMessage> result;
@@ -42,7 +42,7 @@ private:
     HWND m_window;
 };
 #else
-/// A made-up window; the simulated machine keeps what is posted.
+/// An invented window handle; the simulated machine records the messages.
 class PostBox
 {
 public:
@@ -50,7 +50,7 @@ public:
 
     HWND window() const { return reinterpret_cast<HWND>(0x1234); }
 
-    /// What was posted to whatever window since the last call.
+    /// The messages to any window since the last call.
     std::vector<sim::PostedMessage> messages()
     {
         const std::vector<sim::PostedMessage> all = m_simulation.postedMessages();

@@ -1,12 +1,12 @@
-/// The COM side of a platform object that a test writes itself.
+/// The IUnknown of a platform object that a test writes itself.
 #pragma once
 
 #include "COM/comptr.h"
 
 namespace support
 {
-/// Stands on the stack of a test, which holds the first reference; further ones are counted and must be gone before it
-/// is.
+/// Lives on the stack of a test, which owns the first reference. All other references must be released before the
+/// object ends.
 template<class Interface>
 class StackObject : public Interface
 {
@@ -24,7 +24,7 @@ public:
     ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
     ULONG STDMETHODCALLTYPE Release() override { return --references; }
 
-    /// With a reference of its own.
+    /// A handle with a reference of its own.
     typename COMPtr<Interface>::pointer handle()
     {
         AddRef();

@@ -7,7 +7,7 @@
 
 namespace support
 {
-/// One more count of COM for the thread.
+/// One more CoInitialize for the thread.
 struct ComOnceMore
 {
     ComOnceMore() { CoInitialize(nullptr); }
@@ -15,8 +15,8 @@ struct ComOnceMore
     ComOnceMore& operator=(const ComOnceMore&) = default;
 };
 
-/// A SysInfoHelper on the fixture's thread. It cannot have its multithreaded apartment there and takes a count of COM
-/// away all the same, at its end and at that of each copy, so it is given one before.
+/// A SysInfoHelper on the fixture's thread. Its CoInitializeEx fails there, and its destructor and that of each copy
+/// call CoUninitialize all the same, so each gets one CoInitialize before.
 struct BalancedHelper : ComOnceMore, libSonavit::SysInfoHelper
 {
 };

@@ -1,4 +1,4 @@
-// Callers that were built against an older library find the virtual operations by their places.
+// Callers that were built against an older library call the virtual operations by their slots.
 #include "libSonavit/audiodeviceendpoint.h"
 #include "libSonavit/soundcard.h"
 #include "libSonavit/soundcardobserver.h"
@@ -18,8 +18,8 @@ using support::virtualSlot;
 
 namespace
 {
-/// A class with one more virtual operation, which takes the place behind all others. A virtual destructor takes two
-/// places; where the named operations leave two in front of this one, the destructor is the last of them.
+/// A class with one more virtual operation, in the slot after all others. A virtual destructor takes two slots: if the
+/// named operations leave two slots before this one, the destructor is the last of them.
 template<class Base>
 struct Extended : Base
 {

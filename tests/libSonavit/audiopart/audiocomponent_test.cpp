@@ -18,18 +18,18 @@ constexpr const char* ownLabel = "AudioComponent::AudioComponent";
 constexpr const char* partLabel = "AudioConnector::AudioConnector(const COMPtr<IPart>::pointer& part)";
 constexpr const char* initializeLabel = "AudioPart::initialize()";
 
-/// What a component of either kind does; I is IConnector or ISubunit.
+/// The behaviour of both kinds of component; I is IConnector or ISubunit.
 template<class I>
 class AudioComponentOf : public GraphTest
 {
 protected:
     static constexpr bool isConnector = std::is_same_v<I, IConnector>;
 
-    /// A part of this kind, and one of the other.
+    /// A part of this kind, and one of the other kind.
     const std::string& own() const { return isConnector ? jack : volume; }
     const std::string& foreign() const { return isConnector ? volume : jack; }
 
-    /// With one reference that is the test's.
+    /// The component, with one reference that the test owns.
     I* plain()
     {
         if constexpr (isConnector)

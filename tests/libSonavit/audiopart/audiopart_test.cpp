@@ -169,7 +169,7 @@ TEST_F(AudioPartConstructor, IsEmptyWhenAConnectorSucceedsWithoutItsPart)
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 
-TEST_F(AudioPartConstructor, IsEmptyWhenAPartStandsBesideAFailure)
+TEST_F(AudioPartConstructor, IsEmptyWhenAPartComesWithAFailure)
 {
     start();
     const COMPtr<IPart>::pointer stray = partHandle(jack);
@@ -308,7 +308,7 @@ TEST_F(AudioPartEquality, TakesIdsThatDifferOnlyInCaseForEqual)
     EXPECT_TRUE(quietPart == shoutedPart);
 }
 
-TEST_F(AudioPartEquality, TellsPartsOfDifferentIdsApartWhateverTheirNames)
+TEST_F(AudioPartEquality, DistinguishesPartsOfDifferentIdsWithAnyNames)
 {
     described(stream).name = "Speakers";
     start();

@@ -14,7 +14,7 @@ constexpr const char* initializeLabel = "AudioPart::initialize()";
 class AudioPartAssignment : public GraphTest
 {
 protected:
-    /// Where the latest call of @p operation on @p object stands in the journal.
+    /// Index in the journal of the latest call of @p operation on @p object.
     std::size_t placeOfCall(const std::string& operation, const std::string& object)
     {
         const sim::JournalEntries entries = simulation().journal().entries();

@@ -1,4 +1,8 @@
+#include "tests/foundation/supportallocations.h"
+#include "tests/libSonavit/soundcard/supportscriptedparts.h"
 #include "tests/libSonavit/supportgraph.h"
+
+#include <new>
 
 using support::GraphTest;
 using testing::ElementsAre;
@@ -126,5 +130,34 @@ TEST_F(AudioPartInitialize, FreesEachTextRightAfterItsCall)
                 ElementsAre("IPart::GetSubType()", "IPart::GetGlobalId()",
                             "CoTaskMemFree(IPart::GetGlobalId " + jack + ")", "IPart::GetName()",
                             "CoTaskMemFree(IPart::GetName " + jack + ")"));
+}
+
+TEST_F(AudioPartInitialize, FreesAnIdThatThereIsNoMemoryToCopy)
+{
+    start();
+    support::ScriptedPart platformPart("part");
+    {
+        support::AllocationProbe probe;
+        platformPart.afterId = [&probe] { probe.failOnce(); };
+
+        EXPECT_THROW(const AudioPart part(platformPart.handle()), std::bad_alloc);
+    }
+    EXPECT_EQ(0, simulation().census().taskBlocks());
+    EXPECT_EQ(1u, platformPart.references);
+}
+
+TEST_F(AudioPartInitialize, FreesANameThatThereIsNoMemoryToCopy)
+{
+    start();
+    support::ScriptedPart platformPart("part");
+    platformPart.name = "Speakers";
+    {
+        support::AllocationProbe probe;
+        platformPart.afterName = [&probe] { probe.failOnce(); };
+
+        EXPECT_THROW(const AudioPart part(platformPart.handle()), std::bad_alloc);
+    }
+    EXPECT_EQ(0, simulation().census().taskBlocks());
+    EXPECT_EQ(1u, platformPart.references);
 }
 #endif

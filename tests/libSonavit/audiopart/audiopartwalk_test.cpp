@@ -1,7 +1,7 @@
-// The two walks from a part to its neighbours, which are alike but for their direction.
-#include "tests/libSonavit/supportgraph.h"
-
+// The two walks from a part to its neighbours, which differ only in their direction.
 #include "qor/exception.h"
+#include "tests/libSonavit/supportgraph.h"
+#include "tests/libSonavit/supportlogline.h"
 
 using support::GraphTest;
 using support::idsOf;
@@ -167,7 +167,7 @@ TEST_P(AudioPartList, LeavesThePlatformsListUnreleasedAtEachWalk)
     EXPECT_EQ(3, simulation().census().references("IPartsList"));
 }
 
-TEST_P(AudioPartList, HoldsAReferenceOnEachPartBesideThatOfTheCache)
+TEST_P(AudioPartList, HoldsAReferenceOnEachPartInAdditionToTheCache)
 {
     kept.partsLists = 1;
     start();
@@ -393,3 +393,40 @@ TEST_F(AudioPartStorePartsList, AssertsBeforeItTouchesTheGivenList)
     EXPECT_THAT(idsOf(list), ElementsAre(jack));
     EXPECT_THAT(log.texts(), IsEmpty());
 }
+
+TEST_F(AudioPartWalk, LogsAFailureOfEachDirectionFromItsOwnLine)
+{
+    start();
+    AudioPart part(this->part(mixer));
+    qor::Array<AudioPart> list;
+    simulation().faults().fail("IPart::EnumPartsIncoming");
+    simulation().faults().fail("IPart::EnumPartsOutgoing");
+
+    part.incomingPartsList(list);
+    part.outgoingPartsList(list);
+
+    const std::vector<int> lines = support::linesOf(log, "Unable to enumerate ");
+    ASSERT_EQ(2u, lines.size());
+    EXPECT_NE(lines[0], lines[1]);
+}
+
+#if !defined(_WIN32) // where the tests run, the sources may have another path
+TEST_F(AudioPartStorePartsList, AssertsWithTheLineOfTheCheck)
+{
+    start();
+    AudioPart part;
+    qor::Array<AudioPart> list;
+
+    std::string check;
+    try
+    {
+        part.storePartsList(nullptr, list);
+    }
+    catch (const qor::AssertionFailure& failure)
+    {
+        check = support::sourceLineOf(failure);
+    }
+
+    EXPECT_THAT(check, testing::HasSubstr("list != nullptr"));
+}
+#endif

@@ -1,4 +1,4 @@
-/// A subunit whose part is another object, or goes along with a failure.
+/// A subunit whose part is another object, or is handed out along with a failure code.
 #pragma once
 
 #include "tests/libSonavit/supportstackobject.h"
@@ -8,7 +8,7 @@ namespace support
 class SubunitOfPart final : public StackObject<ISubunit>
 {
 public:
-    /// Borrows @p part, and gives a reference on it only with a success.
+    /// Borrows @p part; hands out a reference on it only if the call succeeds.
     SubunitOfPart(IPart* part, HRESULT result) : m_part(part), m_result(result) {}
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** object) override

@@ -27,7 +27,7 @@ struct NamedCard : SoundCard
 
 struct SoundCardInstanceId : CardIdentityTest
 {
-    /// The instance id of a card called @p id; the log holds what that said.
+    /// The instance id of a card called @p id; the log contains only the records of that question.
     qor::String instanceIdOf(const char* id)
     {
         NamedCard card(id);
@@ -57,6 +57,18 @@ TEST_F(SoundCardInstanceId, IsTheSecondOfTwoParts)
 TEST_F(SoundCardInstanceId, IsTheMiddleOneOfThreeParts)
 {
     EXPECT_EQ(qor::String("USB\\VID_0001"), instanceIdOf("{1}.USB\\VID_0001.7"));
+}
+
+TEST_F(SoundCardInstanceId, IsCutAtDotsAloneAndNotAtSlashesOrDashes)
+{
+    EXPECT_EQ(qor::String("USB/VID-0001/7"), instanceIdOf("{1}/{2}-{3}.USB/VID-0001/7.8"));
+    EXPECT_THAT(texts, IsEmpty());
+}
+
+TEST_F(SoundCardInstanceId, IsEmptyAndReportedWithASlashInPlaceOfTheDot)
+{
+    EXPECT_EQ(qor::String(), instanceIdOf("{1}/USB/VID_0001"));
+    EXPECT_THAT(warnings, ElementsAre("Unrecognized device id format {1}/USB/VID_0001"));
 }
 
 TEST_F(SoundCardInstanceId, IsEmptyAndReportedWithoutADot)
@@ -115,7 +127,7 @@ TEST_F(SoundCardEquality, ComparesCardsWithoutRegardToCase)
 
 TEST_F(SoundCardEquality, AsksTheOtherInterfaceForItsId)
 {
-    /// Calls itself otherwise than its field says.
+    /// Answers another id than the one in its field.
     struct Disguised : SoundCard
     {
         const qor::String& deviceId() const override { return name; }

@@ -24,7 +24,7 @@ struct Kind
     unsigned int (SoundCardInterface::*viewed)(qor::Array<AudioInterfacePtr>&);
     Names found;      ///< in any state but 0
     Names active;     ///< in state active
-    Names unfiltered; ///< whatever the state
+    Names unfiltered; ///< in any state
 };
 
 void PrintTo(const Kind& kind, std::ostream* out)
@@ -70,7 +70,7 @@ const Kind kinds[] = {
      {"headphones", "unplugged headphones", "speaker", "second speaker"}},
 };
 
-/// A card with endpoints of all kinds in both lists, as they might have been added.
+/// A card with endpoints of all kinds in both lists.
 void fill(SoundCard& card)
 {
     qor::Array<AudioDevice>& playback = *card.m_playbackDevices;
@@ -294,7 +294,7 @@ TEST_F(SoundCardPlaybackQuery, FindsALineOutOnlyAmongAllPlaybackEndpoints)
     EXPECT_EQ(1u, card.allPlaybackDevice(all, DEVICE_STATEMASK_ALL));
 }
 
-TEST_F(SoundCardPlaybackQuery, TellsDigitalInputFromOutputByTheList)
+TEST_F(SoundCardPlaybackQuery, DistinguishesDigitalInputFromOutputByTheList)
 {
     SoundCard card;
     card.m_playbackDevices->append(endpointOf("1", "output", KSNODETYPE_SPDIF_INTERFACE));

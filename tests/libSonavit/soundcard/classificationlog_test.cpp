@@ -1,6 +1,7 @@
 #include "libSonavit/soundcard.h"
 
 #include "tests/libSonavit/soundcard/supportcards.h"
+#include "tests/libSonavit/supportlogline.h"
 #include "tests/support/librarytest.h"
 
 using qor::LoggerPriority;
@@ -23,7 +24,7 @@ constexpr const char* viewLabel =
 /// What a query on a card with two speakers and an unplugged microphone writes to the log.
 struct SoundCardQueryLog : support::LibraryTest
 {
-    /// Calls @p query with the card. The log holds only what that wrote.
+    /// Calls @p query with the card. The log contains only the records of that call.
     template<class Query>
     void ask(const Query& query)
     {
@@ -167,4 +168,21 @@ TEST_F(SoundCardQueryLog, OpensAScopeAndSaysNothingForTheLoopbackMix)
 
     EXPECT_THAT(entered, ElementsAre("SoundCard::loopbackMixEndpointDevice"));
     EXPECT_THAT(texts, IsEmpty());
+}
+
+TEST_F(SoundCardQueryLog, ShowsASearchByTypeAndASearchByStateFromDifferentLines)
+{
+    ask(
+        [this](const SoundCard& card)
+        {
+            card.microphoneEndpointDevice(fresh(), DEVICE_STATEMASK_ALL);
+            card.allPlaybackDevice(fresh(), DEVICE_STATE_DISABLED);
+        });
+
+    for (const char* const text : {"searchFrom.size() = ", "Appending device ", "Number of found device = "})
+    {
+        const std::vector<int> lines = support::linesOf(log, text);
+        ASSERT_EQ(2u, lines.size()) << text;
+        EXPECT_NE(lines[0], lines[1]) << text;
+    }
 }

@@ -1,4 +1,4 @@
-// The graph of connectors on a platform that withholds things.
+// The graph of connectors on a platform whose calls fail, throw, or succeed without a result.
 #include "tests/libSonavit/endpointdeviceenumerator/supportendpoints.h"
 #include "tests/libSonavit/soundcard/supportgraphcard.h"
 #include "tests/libSonavit/soundcard/supportscriptedparts.h"
@@ -81,7 +81,7 @@ TEST_F(ConnectorMapFaults, TakesFarDeviceAndPeerThatCameWithAFailure)
         EXPECT_THAT(idsOf(*card.m_internalDevices), ElementsAre("board"));
         EXPECT_THAT(nodesOf(card), ElementsAre("out/1", "board/1"));
         EXPECT_THAT(linksOf(card, 0), ElementsAre(1u));
-        endModule(); // while the connector is still there
+        endModule(); // while the connector exists
     }
     EXPECT_EQ(1u, connector.references);
     EXPECT_EQ(1u, connector.part.references);
@@ -119,4 +119,19 @@ TEST_F(ConnectorMapFaults, MakesNothingOfASuccessWithoutFarDeviceAndPeer)
     EXPECT_GT(peer.fired(), 0u);
     EXPECT_THAT(nodesOf(card), ElementsAre("out/1"));
     EXPECT_THAT(linksOf(card, 0), IsEmpty());
+}
+
+TEST_F(ConnectorMapFaults, ReleasesAPeerWhoseNearSideThrowsAtItsRelease)
+{
+    graph.endpoint("out");
+    graph.adapter("board", 1);
+    graph.join("out/1", "board/1");
+    SoundCard& card = discovered();
+    card.m_internalDevices->clear();
+    throwAtTheReleaseAfter("IConnector::GetConnectedTo", "out/1");
+
+    EXPECT_THROW(card.initializeConnectorMap(), sim::InjectedException);
+
+    cards.clear();
+    EXPECT_EQ(0u, simulation().census().byObject.count("IConnector board/1")) << simulation().census();
 }

@@ -11,7 +11,7 @@ struct ConnectorMapOrder : support::LibraryTest
 {
     support::GraphMachine graph;
 
-    /// The calls of the two passes that tell them apart, without those that read the parts of each snapshot.
+    /// The calls that distinguish the two passes, without those that read the parts of each snapshot.
     std::vector<std::string> passes()
     {
         std::vector<std::string> calls;

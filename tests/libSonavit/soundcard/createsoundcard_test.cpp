@@ -27,7 +27,7 @@ struct CreateSoundCard : support::LibraryTest
         builder.machine().deviceInstances.push_back({instanceId, parent});
     }
 
-    /// Runs the machine as it is built and makes a card to be assigned to; the log starts after that.
+    /// Starts the machine and creates a card as the target of the assignment; the log begins after that.
     SoundCard runAndMakeTarget()
     {
         run(support::withoutGuids(builder.build()));
@@ -45,7 +45,7 @@ struct CreateSoundCard : support::LibraryTest
 };
 }
 
-TEST_F(CreateSoundCard, FindsACardByItsInstanceIdInAnyCase)
+TEST_F(CreateSoundCard, FindsACardByItsInstanceIdWithoutRegardToCase)
 {
     addCard("First", "USB\\VID_0001\\1");
     addCard("Second", "USB\\VID_0002\\2");
@@ -93,7 +93,7 @@ TEST_F(CreateSoundCard, LeavesTheCardAloneForAnUnknownIdAndHasAddedItsClientsAll
 
     EXPECT_EQ(updater.get(), card.m_updater.get());
     EXPECT_EQ(qor::String(), card.deviceId());
-    EXPECT_EQ(3u, clients()); // that of the card itself, and those of the two that were looked at
+    EXPECT_EQ(3u, clients()); // one of the card itself, and one of each card that was enumerated
     EXPECT_EQ(3, simulation().census().clients.at("IMMNotificationClient"));
 }
 
@@ -175,7 +175,7 @@ TEST_F(CreateSoundCard, AsksForTheInstanceIdAnewAtEachUse)
 
 #if !defined(_WIN32) // there the system's own device tree is asked, which knows nothing of the machine
 
-TEST_F(CreateSoundCard, FindsACardByItsParentInAnyCase)
+TEST_F(CreateSoundCard, FindsACardByItsParentWithoutRegardToCase)
 {
     addCard("First", "USB1");
     addCard("Second", "USB2");

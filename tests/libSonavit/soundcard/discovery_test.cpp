@@ -23,7 +23,7 @@ constexpr const char* filingLabel =
 
 struct SoundCardDiscovery : support::LibraryTest
 {
-    /// Runs the machine as it is built, without the texts that the library would not give back.
+    /// Starts the machine, without the strings that the library would not free.
     void runBuilt() { run(support::withoutGuids(builder.build())); }
 
     static std::vector<std::string> idsOf(const qor::Array<SoundCard>& cards)
@@ -60,7 +60,7 @@ TEST_F(SoundCardDiscovery, GathersTheEndpointsOfOneInstancePathInOneCard)
     const qor::Array<SoundCard> cards = SoundCard::enumerateSystemSoundDevices();
 
     ASSERT_EQ(2u, cards.size());
-    EXPECT_EQ(second.instancePath(), cards[1].deviceId().toUtf8()); // the place that its microphone earned
+    EXPECT_EQ(second.instancePath(), cards[1].deviceId().toUtf8()); // its microphone comes before it
     EXPECT_THAT(namesOf(*cards[1].m_playbackDevices), ElementsAre("Second speaker"));
     EXPECT_THAT(namesOf(*cards[1].m_recordDevices), ElementsAre("Second microphone"));
     EXPECT_THAT(namesOf(*cards[0].m_playbackDevices), IsEmpty());
@@ -202,7 +202,7 @@ TEST_F(SoundCardDiscovery, BuildsTheMapsOnlyWhenAllEndpointsAreFiled)
     }
     EXPECT_THAT(steps, ElementsAre(filingLabel, filingLabel, filingLabel, "SoundCard::initializeConnectorMap",
                                    "SoundCard::initializeConnectorMap"));
-    EXPECT_EQ(6u, cards[0].m_connectorMap.size()); // of the card that is handed out
+    EXPECT_EQ(6u, cards[0].m_connectorMap.size()); // of the card that the caller gets
     EXPECT_EQ(3u, cards[1].m_connectorMap.size());
     EXPECT_EQ(1u, cards[0].m_internalDevices->size());
 }
@@ -229,7 +229,7 @@ TEST_F(SoundCardDiscovery, RaisesWhereTheTableOfCardsIsInconsistent)
 {
     run({});
     qor::OrderedHashTable<qor::String, SoundCard> table(32);
-    table.m_index.insert("", 5u); // a position without a card
+    table.m_index.insert("", 5u); // an index without a card
     const AudioDevice endpoint;
 
     EXPECT_THROW(SoundCard::enumerateSystemSoundDevices(endpoint, eRender, table), qor::IndexOutOfBounds);
@@ -269,7 +269,7 @@ TEST_F(SoundCardDiscovery, FindsNothingOnAThreadWithoutCom)
     EXPECT_EQ(0u, found);
     EXPECT_THAT(log.texts(channel), ElementsAre("Faild to initialize endpoint device enumerator"));
     EXPECT_THAT(log.texts(LoggerPriority::LOG_ERROR), ElementsAre("CoCreateInstance returns 0x800401F0"));
-    EXPECT_EQ(nullptr, AudioDeviceEnumeratorFactory::m_enumerator.get()); // which would have brought COM up
+    EXPECT_EQ(nullptr, AudioDeviceEnumeratorFactory::m_enumerator.get()); // which would have initialised COM
 }
 
 #if !defined(_WIN32) // there an apartment's enumerator is not another one's

@@ -19,7 +19,7 @@ struct Place
     std::string soundGuid; ///< of an endpoint the text of its DirectSound GUID
 };
 
-/// Writes down the calls that a discovery is to make.
+/// Collects the calls that a discovery is expected to make.
 class ExpectedCalls
 {
 public:
@@ -27,7 +27,7 @@ public:
 
     void addAll(std::initializer_list<std::string> calls) { m_lines.insert(m_lines.end(), calls); }
 
-    /// The platform's text of @p call is freed after it.
+    /// The platform's string of @p call is freed after it.
     void addText(const std::string& call, const std::string& object)
     {
         addAll({call + "() on " + object, "CoTaskMemFree(" + call + " " + object + ")"});
@@ -69,7 +69,7 @@ public:
         addAll({"IPropertyStore::GetValue(" + key + ") on " + device.id, "PropVariantClear(" + tag + ")"});
     }
 
-    /// All that happens when an AudioDevice takes a device over.
+    /// All calls of an AudioDevice that is bound to a device.
     void readDevice(const Place& device)
     {
         const bool isEndpoint = !device.jack.empty();
@@ -92,7 +92,7 @@ public:
         add("IMMDevice::Activate(IAudioEndpointVolume, 23) on " + device.id);
     }
 
-    /// The map looks behind a connector that leads to @p farConnector of @p farDevice.
+    /// The map follows a connector to @p farConnector of @p farDevice.
     void followConnector(const std::string& connector, const Place& farDevice, const std::string& farConnector)
     {
         addText("IConnector::GetDeviceIdConnectedTo", connector);
@@ -102,7 +102,7 @@ public:
         readPart(farConnector, farDevice.isNamed);
     }
 
-    /// The map looks behind a connector of @p device that leads nowhere.
+    /// The map follows a connector of @p device that is not connected.
     void followLooseConnector(const std::string& connector, const Place& device)
     {
         addAll({"IConnector::GetDeviceIdConnectedTo() on " + connector + " -> 0x80070490", "CoTaskMemFree(null)",
@@ -118,7 +118,7 @@ public:
             (isThere ? "" : " -> 0x80070490"));
     }
 
-    /// What the simulated machine can see of it: on Windows the functions of COM are the system's own.
+    /// The calls that the simulated machine can record: on Windows the functions of COM are the system's own.
     std::vector<std::string> visible() const
     {
         std::vector<std::string> lines = m_lines;
@@ -170,7 +170,7 @@ struct SoundCardDiscoveryOrder : support::LibraryTest
                    "",
                    "null"};
         run(machine);
-        kept.directSoundTexts = 4; // each endpoint is read for the list, and once more behind its jack
+        kept.directSoundTexts = 4; // each endpoint is read for the list, and again for the far side of its jack
     }
 
     void expectFiling()
@@ -178,14 +178,14 @@ struct SoundCardDiscoveryOrder : support::LibraryTest
         expected.createEnumerator();
         expected.listOne("eCapture");
         expected.readDevice(microphone);
-        expected.add("CoInitialize()"); // the card is made, and with it the shared enumerator
+        expected.add("CoInitialize()"); // the first card creates the shared enumerator
         expected.createEnumerator();
         expected.add("IMMDeviceEnumerator::RegisterEndpointNotificationCallback(object) on enumerator");
         expected.listOne("eRender");
         expected.readDevice(speaker);
     }
 
-    /// Playback connectors stand first in the map, and those of the adapter behind both endpoints.
+    /// Playback connectors come first in the map, and the adapter's after those of both endpoints.
     void expectExpansion()
     {
         expected.followConnector(speaker.connectors[0], adapter, speaker.jack);
@@ -196,7 +196,7 @@ struct SoundCardDiscoveryOrder : support::LibraryTest
         expected.followLooseConnector(adapter.connectors[3], adapter);
     }
 
-    /// Each connector is tried with all later ones, in both directions unless the first has a path.
+    /// Each connector is tested with all later ones, in both directions unless the first one has a path.
     void expectLinks()
     {
         std::vector<std::pair<const Place*, std::string>> nodes = {{&speaker, speaker.connectors[0]},

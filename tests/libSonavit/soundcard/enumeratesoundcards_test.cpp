@@ -34,7 +34,7 @@ struct EnumerateSoundCards : support::LibraryTest
         return ids;
     }
 
-    /// What the caller of enumerateSoundCards() has to do in the end.
+    /// Deletes the cards, as the caller of enumerateSoundCards() does.
     static void deleteAll(Cards& cards)
     {
         for (unsigned int i = 0; i < cards.size(); ++i)
@@ -73,7 +73,7 @@ TEST_F(EnumerateSoundCards, HasTwoRunsInAListThatIsGivenTwice)
     deleteAll(cards);
 }
 
-TEST_F(EnumerateSoundCards, LeavesTheHeapCopiesAsTheOnlyHoldersBesideTheUpdaters)
+TEST_F(EnumerateSoundCards, LeavesTheHeapCopiesAsTheOnlyHoldersApartFromTheUpdaters)
 {
     run(support::withoutGuids(machine));
     Cards cards;
@@ -118,7 +118,8 @@ TEST_F(EnumerateSoundCards, HoldsAllOfTheMachineThatItsCardsShow)
     EXPECT_EQ(1, census.references("IMMDeviceEnumerator")) << census;  // the shared one
     EXPECT_EQ(0, census.references("IMMDeviceCollection")) << census;
     EXPECT_EQ(0, census.references("IPartsList")) << census;
-    EXPECT_EQ(6, census.taskBlocks()) << census; // DirectSound GUIDs, read for the list and behind the jack
+    EXPECT_EQ(6, census.taskBlocks())
+        << census; // DirectSound GUIDs, read for the list and for the far side of the jack
     EXPECT_EQ(2, census.clients.at("IMMNotificationClient")) << census;
     deleteAll(cards);
     kept.directSoundTexts = 6;
@@ -133,7 +134,7 @@ TEST_F(EnumerateSoundCards, LeavesItsEndpointsWithTheUpdatersWhenTheCardsAreGone
     deleteAll(cards);
 
     const sim::Census census = simulation().census();
-    EXPECT_EQ(3, census.references("IMMDevice")) << census; // the adapters were the cards' alone
+    EXPECT_EQ(3, census.references("IMMDevice")) << census; // only the cards held the adapters
     EXPECT_EQ(3, census.references("IPropertyStore")) << census;
     EXPECT_EQ(3, census.references("IAudioEndpointVolume")) << census;
     EXPECT_EQ(1, census.references("IMMDeviceEnumerator")) << census;

@@ -1,4 +1,4 @@
-// What holds for all events.
+// Behaviour that is common to all events.
 #include "tests/libSonavit/soundcard/supporthotplug.h"
 
 #include <algorithm>
@@ -76,7 +76,7 @@ TEST_F(HotPlug, MakesNothingOfAChangedDefaultOrProperty)
     EXPECT_THAT(playback.heard, IsEmpty());
 }
 
-TEST_F(HotPlug, GoesOnInAnUpdaterWhoseCardIsGone)
+TEST_F(HotPlug, FollowsEventsInAnUpdaterWhoseCardIsGone)
 {
     const SharedPointer<qor::Array<AudioDevice>> list = card().m_playbackDevices;
     cards.clear();
@@ -145,7 +145,7 @@ TEST_F(HotPlug, FilesADeviceThatCannotBeOpenedOnTheRecordSideOfACardWithoutAnId)
 {
     const SoundCard bare;
 
-    EXPECT_EQ(S_OK, bare.m_updater->OnDeviceAdded(IdText("{nobody}")));
+    EXPECT_EQ(S_OK, bare.m_updater->OnDeviceAdded(IdText("{unknown}")));
 
     EXPECT_EQ(1u, bare.m_recordDevices->size());
     EXPECT_EQ(0u, bare.m_playbackDevices->size());

@@ -9,7 +9,7 @@ using testing::IsEmpty;
 
 namespace
 {
-/// An endpoint of the first card that the machine has not had, with one connector of its own.
+/// A new endpoint of the first card, with one connector of its own.
 sim::Endpoint newcomerOf(const SoundCard& card)
 {
     sim::Endpoint endpoint;
@@ -30,7 +30,7 @@ struct HotPlugRemoved : support::HotPlug
 };
 }
 
-TEST_F(HotPlugAdded, AppendsTheEndpointAndTellsTheObserversOfItsSide)
+TEST_F(HotPlugAdded, AppendsTheEndpointAndNotifiesTheObserversOfItsSide)
 {
     simulation().events().add(late);
 
@@ -39,7 +39,7 @@ TEST_F(HotPlugAdded, AppendsTheEndpointAndTellsTheObserversOfItsSide)
     EXPECT_THAT(record.heard, IsEmpty());
 }
 
-TEST_F(HotPlugAdded, TellsTheObserversOnceTheListHasTheEndpoint)
+TEST_F(HotPlugAdded, NotifiesTheObserversOnceTheListHasTheEndpoint)
 {
     std::vector<std::string> seen;
     playback.whenHeard = [&] { seen = namesOf(playbackDevices()); };
@@ -49,7 +49,7 @@ TEST_F(HotPlugAdded, TellsTheObserversOnceTheListHasTheEndpoint)
     EXPECT_THAT(seen, ElementsAre("Speakers", "Headphones", "Late"));
 }
 
-TEST_F(HotPlugAdded, TellsTheObserversAlsoWithoutAList)
+TEST_F(HotPlugAdded, NotifiesTheObserversAlsoWithoutAList)
 {
     const COMPtr<SoundCard::SoundCardDeviceUpdater>::pointer bare = SoundCard::SoundCardDeviceUpdater::createUpdater();
     bare->setOwnerId(card().m_deviceId);
@@ -111,7 +111,7 @@ TEST_F(HotPlugAdded, LeavesTheGraphAsItWasSoThatTheEndpointIsListedButItsControl
     EXPECT_THAT(log.texts(LoggerPriority::LOG_FATAL), IsEmpty());
 }
 
-TEST_F(HotPlugRemoved, TakesTheEndpointOutInItsPlaceAndTellsTheObservers)
+TEST_F(HotPlugRemoved, RemovesTheEndpointInItsPlaceAndNotifiesTheObservers)
 {
     simulation().events().remove(speaker);
 
@@ -120,7 +120,7 @@ TEST_F(HotPlugRemoved, TakesTheEndpointOutInItsPlaceAndTellsTheObservers)
     EXPECT_THAT(record.heard, IsEmpty());
 }
 
-TEST_F(HotPlugRemoved, TellsTheObserversOnceTheListIsWithoutTheEndpoint)
+TEST_F(HotPlugRemoved, NotifiesTheObserversOnceTheListIsWithoutTheEndpoint)
 {
     std::vector<std::string> seen;
     playback.whenHeard = [&] { seen = namesOf(playbackDevices()); };
@@ -130,7 +130,7 @@ TEST_F(HotPlugRemoved, TellsTheObserversOnceTheListIsWithoutTheEndpoint)
     EXPECT_THAT(seen, ElementsAre("Headphones"));
 }
 
-TEST_F(HotPlugRemoved, AnswersEFailAndTellsNobodyForAnEndpointOfTheCardThatTheListDoesNotHold)
+TEST_F(HotPlugRemoved, AnswersEFailAndNotifiesNoObserverForAnEndpointOfTheCardThatTheListDoesNotHold)
 {
     EXPECT_EQ(E_FAIL, updater().OnDeviceRemoved(IdText(late)));
 
@@ -138,7 +138,7 @@ TEST_F(HotPlugRemoved, AnswersEFailAndTellsNobodyForAnEndpointOfTheCardThatTheLi
     EXPECT_THAT(playback.heard, IsEmpty());
 }
 
-TEST_F(HotPlugRemoved, LeavesAnEndpointThatCanNoLongerBeOpenedInTheListAndTellsNobody)
+TEST_F(HotPlugRemoved, LeavesAnEndpointThatCanNoLongerBeOpenedInTheListAndNotifiesNoObserver)
 {
     simulation().change([&](sim::Machine& machine) { machine.endpoint(speaker)->openable = false; });
 
@@ -148,7 +148,7 @@ TEST_F(HotPlugRemoved, LeavesAnEndpointThatCanNoLongerBeOpenedInTheListAndTellsN
     EXPECT_THAT(playback.heard, IsEmpty());
 }
 
-TEST_F(HotPlugRemoved, TellsTheObserversAlsoWithoutAList)
+TEST_F(HotPlugRemoved, NotifiesTheObserversAlsoWithoutAList)
 {
     const COMPtr<SoundCard::SoundCardDeviceUpdater>::pointer bare = SoundCard::SoundCardDeviceUpdater::createUpdater();
     bare->setOwnerId(card().m_deviceId);
@@ -159,7 +159,7 @@ TEST_F(HotPlugRemoved, TellsTheObserversAlsoWithoutAList)
     EXPECT_THAT(playback.heard, ElementsAre("removed"));
 }
 
-TEST_F(HotPlugRemoved, TakesARecordEndpointOutAndTellsTheRecordObservers)
+TEST_F(HotPlugRemoved, RemovesARecordEndpointAndNotifiesTheRecordObservers)
 {
     simulation().events().remove(microphone);
 

@@ -17,7 +17,7 @@ struct HotPlugStateChanged : support::HotPlug
 };
 }
 
-TEST_F(HotPlugStateChanged, HasTheListsOwnEndpointReadItsStateAndTellsTheObserversOfItsSide)
+TEST_F(HotPlugStateChanged, HasTheListsOwnEndpointReadItsStateAndNotifiesTheObserversOfItsSide)
 {
     simulation().events().plug(headphones);
 
@@ -26,7 +26,7 @@ TEST_F(HotPlugStateChanged, HasTheListsOwnEndpointReadItsStateAndTellsTheObserve
     EXPECT_THAT(record.heard, IsEmpty());
 }
 
-TEST_F(HotPlugStateChanged, TellsTheObserversOnceTheListHasTheNewState)
+TEST_F(HotPlugStateChanged, NotifiesTheObserversOnceTheListHasTheNewState)
 {
     unsigned int seen = 0;
     playback.whenHeard = [&] { seen = playbackDevices()[1].deviceProperty().deviceState; };
@@ -36,7 +36,7 @@ TEST_F(HotPlugStateChanged, TellsTheObserversOnceTheListHasTheNewState)
     EXPECT_EQ(unsigned{DEVICE_STATE_ACTIVE}, seen);
 }
 
-TEST_F(HotPlugStateChanged, TellsTheRecordObserversOfARecordEndpoint)
+TEST_F(HotPlugStateChanged, NotifiesTheRecordObserversOfARecordEndpoint)
 {
     simulation().events().unplug(microphone);
 
@@ -73,7 +73,7 @@ TEST_F(HotPlugStateChanged, LogsIdAndNewStateBeforeItOpensTheEndpoint)
     EXPECT_LT(message, opened);
 }
 
-TEST_F(HotPlugStateChanged, AnswersEFailAndTellsNobodyForAnEndpointOfTheCardThatTheListDoesNotHold)
+TEST_F(HotPlugStateChanged, AnswersEFailAndNotifiesNoObserverForAnEndpointOfTheCardThatTheListDoesNotHold)
 {
     EXPECT_EQ(E_FAIL, updater().OnDeviceStateChanged(IdText(late), DEVICE_STATE_ACTIVE));
 
@@ -95,7 +95,7 @@ TEST_F(HotPlugStateChanged, FindsTheEndpointWithoutRegardToCase)
     EXPECT_THAT(playback.heard, ElementsAre("state"));
 }
 
-TEST_F(HotPlugStateChanged, ReturnsAtOnceWithoutAListAndTellsNobody)
+TEST_F(HotPlugStateChanged, ReturnsAtOnceWithoutAListAndNotifiesNoObserver)
 {
     const COMPtr<SoundCard::SoundCardDeviceUpdater>::pointer bare = SoundCard::SoundCardDeviceUpdater::createUpdater();
     bare->setOwnerId(card().m_deviceId);
@@ -106,10 +106,10 @@ TEST_F(HotPlugStateChanged, ReturnsAtOnceWithoutAListAndTellsNobody)
     EXPECT_THAT(playback.heard, IsEmpty());
 }
 
-TEST_F(HotPlugStateChanged, TellsTheObserversAlsoWhenTheListsEndpointCannotReadItsState)
+TEST_F(HotPlugStateChanged, NotifiesTheObserversAlsoWhenTheListsEndpointCannotReadItsState)
 {
     const sim::PlannedFault unreadable =
-        simulation().faults().fail("IMMDevice::GetState").at(2); // the first is the event's own
+        simulation().faults().fail("IMMDevice::GetState").at(2); // the first call reads the event's own device
 
     EXPECT_EQ(S_OK, updater().OnDeviceStateChanged(IdText(headphones), DEVICE_STATE_ACTIVE));
 

@@ -133,7 +133,7 @@ TEST_F(RecordingMux, TakesASelectorThatCameWithAFailure)
 
         card.recordingMux(selectors);
 
-        card.m_internalDevices->remove(1); // while the subunit is still there
+        card.m_internalDevices->remove(1); // while the subunit exists
         ASSERT_EQ(2u, selectors.size());
         EXPECT_EQ(subunit.part.control, selectors[1].get());
     }
@@ -189,4 +189,17 @@ TEST_F(RecordingMux, AddsNothingForADeviceWithoutATopologyOrWithoutSubunits)
 
     EXPECT_EQ(0u, card.recordingMux(selectors));
     EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channel), IsEmpty());
+}
+
+TEST_F(RecordingMux, ReleasesASelectorWhoseSubunitThrowsAtItsRelease)
+{
+    adapterWithSelectors("board", 1);
+    SoundCard& card = discovered();
+    throwAtTheReleaseAfter("IPart::Activate", "board/100");
+    Selectors selectors;
+
+    EXPECT_THROW(card.recordingMux(selectors), sim::InjectedException);
+
+    EXPECT_EQ(0u, selectors.size());
+    EXPECT_EQ(0, simulation().census().references("IAudioInputSelector")) << simulation().census();
 }

@@ -56,7 +56,7 @@ private:
         m_machine.endpoints.push_back(endpoint);
     }
 
-    /// Draws one number a statement: the order in which arguments are evaluated differs between compilers.
+    /// Draws one number in each statement: compilers differ in the order in which they evaluate arguments.
     sim::Topology topologyWithin(const std::string& owner, unsigned int fewest, unsigned int connectors,
                                  unsigned int subunits)
     {

@@ -6,9 +6,9 @@
 
 namespace support
 {
-/// A machine that chance has wired: a few cards and adapters, up to 60 connectors, with cycles, dead ends, one-sided
+/// A machine with random connections: a few cards and adapters, up to 60 connectors, with cycles, dead ends, one-sided
 /// and repeated joins, far devices that cannot be opened, ids that differ only in case, and volume, mute and selector
 /// nodes anywhere. Equal seeds give equal machines on every system. Every machine can be written to a file and read
-/// back.
+/// again.
 sim::Machine randomMachine(std::uint32_t seed);
 }

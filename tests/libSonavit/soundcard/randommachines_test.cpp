@@ -25,7 +25,7 @@ namespace
 {
 constexpr std::uint32_t machinesInATest = 25;
 
-/// Hundreds of machines that chance has wired, a run of seeds for each parameter.
+/// Hundreds of random machines, a range of seeds for each parameter.
 class SoundCardOnRandomMachines : public testing::TestWithParam<std::uint32_t>
 {
 protected:
@@ -33,11 +33,10 @@ protected:
     void TearDown() override { CoUninitialize(); }
 
 private:
-    support::LogCapture m_log{
-        qor::LoggerPriority::LOG_FATAL}; // keeps the test's output free of what such machines cause
+    support::LogCapture m_log{qor::LoggerPriority::LOG_FATAL}; // or the failures of such machines fill the output
 };
 
-/// Where to find the machine of a failure: a file that the program reads.
+/// Path of the file that holds the machine of a failure, for the program to read.
 std::string writtenMachine(const sim::Machine& machine)
 {
     const std::string path = testing::TempDir() + machine.name + ".json";

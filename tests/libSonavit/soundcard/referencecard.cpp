@@ -128,8 +128,8 @@ void ReferenceCard::enter(const sim::Device& device)
     }
 }
 
-/// The devices behind a node come in, or the one on this side if that behind it cannot be opened; then the join is
-/// noted.
+/// Adds the device on the far side of a node, or the one on this side if the far one cannot be opened; then records
+/// the join.
 void ReferenceCard::expand(std::size_t node, std::vector<std::string>& known)
 {
     const std::optional<sim::Peer> peer = m_machine.peer(m_nodes[node]);
@@ -173,7 +173,7 @@ void ReferenceCard::connect(std::size_t node)
     }
 }
 
-/// The volume nodes that feed the connector or, where there are none, those that it feeds.
+/// The volume nodes that feed the connector or, if there are none, those that it feeds.
 void ReferenceCard::controlsAt(const std::string& connectorId, std::vector<ReferenceControl>& controls) const
 {
     const sim::Connector& connector = *m_machine.part(connectorId).connector;

@@ -21,15 +21,15 @@ struct ReferenceControl
 bool operator==(const ReferenceControl& left, const ReferenceControl& right);
 void PrintTo(const ReferenceControl& control, std::ostream* out);
 
-/// What became of the question for an endpoint's controls.
+/// The result of the question for an endpoint's controls.
 struct ReferenceAnswer
 {
-    std::vector<ReferenceControl> controls; ///< up to the exception, where there was one
+    std::vector<ReferenceControl> controls; ///< until the exception, if there was one
     bool leftTheGraph = false;              ///< qor::IndexOutOfBounds
 };
 
-/// One card, worked out from the data of a machine alone and in the plainest way: a second opinion on what the library
-/// finds through the platform's interfaces.
+/// One card, computed in the simplest way from the data of a machine alone, to be compared with the card that the
+/// library finds through the platform's interfaces.
 class ReferenceCard
 {
 public:

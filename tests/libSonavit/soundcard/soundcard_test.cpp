@@ -20,7 +20,7 @@ namespace
 constexpr const char* channel = "libSonavit.soundcard";
 constexpr const char* registerCall = "IMMDeviceEnumerator::RegisterEndpointNotificationCallback";
 constexpr const char* unregisterCall = "IMMDeviceEnumerator::UnregisterEndpointNotificationCallback";
-constexpr const char* referenceLabel = "SoundCard::SoundCardDeviceUpdater::Release"; // of AddRef as well
+constexpr const char* referenceLabel = "SoundCard::SoundCardDeviceUpdater::Release"; // of AddRef, too
 
 struct SoundCardTest : support::LibraryTest
 {
@@ -258,7 +258,7 @@ TEST_F(SoundCardDestruction, LeavesTheUpdaterRegistered)
     EXPECT_EQ(3u, comReferenceCount(updater.get())); // the enumerator's, the machine's and the test's
 }
 
-TEST_F(SoundCardDestruction, LeavesTheListsWithTheUpdaterWhichGoesOnFillingThem)
+TEST_F(SoundCardDestruction, LeavesTheListsWithTheUpdaterWhichStillFillsThem)
 {
     sim::MachineBuilder builder;
     sim::CardBuilder card = builder.card("Codec");

@@ -1,4 +1,4 @@
-// The order in which a card comes together and falls apart.
+// The order in which a card is constructed and destroyed.
 #include "libSonavit/endpointdeviceenumerator.h"
 #include "libSonavit/soundcard.h"
 #include "libSonavit/soundcardupdater.h"
@@ -19,11 +19,11 @@ namespace
 {
 constexpr const char* channel = "libSonavit.soundcard";
 constexpr const char* registerCall = "IMMDeviceEnumerator::RegisterEndpointNotificationCallback";
-constexpr const char* referenceLabel = "SoundCard::SoundCardDeviceUpdater::Release"; // of AddRef as well
+constexpr const char* referenceLabel = "SoundCard::SoundCardDeviceUpdater::Release"; // of AddRef, too
 
 struct SoundCardOrder : support::LibraryTest
 {
-    /// What the card does, and the message about COM with which the shared enumerator comes into being.
+    /// The records of the card, and the message about COM when the shared enumerator is created.
     std::vector<std::string> steps() const
     {
         std::vector<std::string> found;

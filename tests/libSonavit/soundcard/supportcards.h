@@ -6,7 +6,7 @@
 
 namespace support
 {
-/// An endpoint that no platform stands behind: an id, a name, a kind of jack and a state.
+/// An endpoint without a device of the platform: an id, a name, a kind of jack and a state.
 inline AudioDevice endpointOf(const char* id, const char* name = "", const GUID& jack = {},
                               unsigned int state = DEVICE_STATE_ACTIVE)
 {

@@ -44,14 +44,14 @@ public:
         return *this;
     }
 
-    /// A signal path from one connector of a device to another one of it.
+    /// A signal path from one connector of a device to another connector of the same device.
     GraphMachine& path(const std::string& from, const std::string& to)
     {
         deviceOf(from).topology->signalPaths.push_back({from, to, {}, false});
         return *this;
     }
 
-    /// A node of a device; @p localId tells it from the others.
+    /// A node of a device; @p localId is unique in the device.
     sim::Subunit& node(const std::string& device, unsigned int localId, const GUID& type)
     {
         sim::Topology& topology = *deviceCalled(device).topology;
@@ -64,7 +64,7 @@ public:
         return node;
     }
 
-    /// A volume node whose first channel stands at @p level, which names the control in a result.
+    /// A volume node whose first channel has @p level, which identifies the control in a result.
     sim::Subunit& volume(const std::string& device, unsigned int localId, float level)
     {
         sim::Subunit& result = node(device, localId, KSNODETYPE_VOLUME);

@@ -1,4 +1,4 @@
-/// A machine whose endpoints come and go.
+/// A machine whose endpoints arrive and leave.
 #pragma once
 
 #include "libSonavit/soundcard.h"
@@ -51,7 +51,7 @@ struct HotPlug : LibraryTest
     qor::Array<SoundCard> cards;
 };
 
-/// The platform's text of an id, for calls past the simulated machine.
+/// An id as the platform passes it, for direct calls of the updater.
 struct IdText
 {
     explicit IdText(const std::string& id) : text(qor::String::fromUtf8(id)) {}

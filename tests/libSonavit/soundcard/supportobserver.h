@@ -8,7 +8,7 @@
 
 namespace support
 {
-/// Writes down what it hears, and may do something when it hears it.
+/// Records its notifications, and may run an action at each.
 class RecordingObserver final : public SoundCardObserver
 {
 public:

@@ -1,10 +1,12 @@
-/// Parts of a platform that contradicts itself: it hands something out and calls that a failure.
+/// Parts of a platform that hands something out along with a failure code.
 #pragma once
 
 #include "COM/identifiers.h"
 #include "tests/libSonavit/supportstackobject.h"
 
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace support
@@ -39,13 +41,12 @@ public:
     std::vector<IPart*> parts;
 };
 
-/// A part without name and topology, whose control comes with any result.
+/// A part without a topology, whose control comes with any result.
 class ScriptedPart final : public StackObject<IPart>
 {
 public:
     explicit ScriptedPart(std::string globalId, const GUID& type = {}) : id(std::move(globalId)), subType(type) {}
 
-    HRESULT STDMETHODCALLTYPE GetName(LPWSTR* name) override { return none(name); }
     HRESULT STDMETHODCALLTYPE GetLocalId(UINT* localId) override { return none(localId); }
     HRESULT STDMETHODCALLTYPE GetPartType(PartType*) override { return E_NOTIMPL; }
     HRESULT STDMETHODCALLTYPE GetControlInterfaceCount(UINT* count) override { return none(count); }
@@ -58,6 +59,18 @@ public:
     HRESULT STDMETHODCALLTYPE GetGlobalId(LPWSTR* globalId) override
     {
         *globalId = taskText(id);
+        if (afterId)
+            afterId();
+        return S_OK;
+    }
+
+    HRESULT STDMETHODCALLTYPE GetName(LPWSTR* partName) override
+    {
+        if (name.empty())
+            return none(partName);
+        *partName = taskText(name);
+        if (afterName)
+            afterName();
         return S_OK;
     }
 
@@ -67,7 +80,7 @@ public:
         return S_OK;
     }
 
-    /// The list is its owner's: whoever walks to neighbours never releases the one that it gets.
+    /// The list belongs to the test: a walk to the neighbours never releases the list that it receives.
     HRESULT STDMETHODCALLTYPE EnumPartsIncoming(IPartsList** parts) override
     {
         *parts = incoming;
@@ -81,7 +94,10 @@ public:
     }
 
     std::string id;
+    std::string name; ///< none if empty
     GUID subType;
+    std::function<void()> afterId;   ///< called when the id is allocated
+    std::function<void()> afterName; ///< called when the name is allocated
     IPartsList* incoming = nullptr;
     void* control = nullptr; ///< handed out with the reference that the test has put on it, if any
     HRESULT activation = S_OK;
@@ -116,7 +132,7 @@ public:
 
 typedef ScriptedComponent<ISubunit> ScriptedSubunit;
 
-/// A connector whose far side is known and whose answers about it fail.
+/// A connector that hands out its far side along with a failure code.
 class ScriptedConnector final : public ScriptedComponent<IConnector>
 {
 public:

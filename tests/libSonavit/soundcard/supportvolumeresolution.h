@@ -1,11 +1,11 @@
-/// The controls that a card finds for an endpoint, in words.
+/// The controls that a card finds for an endpoint, as strings.
 #pragma once
 
 #include "tests/libSonavit/soundcard/supportgraphcard.h"
 
 namespace support
 {
-/// A control in short: the level that names it, its owner, and "muted", "not muted" or "no mute".
+/// A control as a string: the level that identifies it, its owner, and "muted", "not muted" or "no mute".
 inline std::string described(const SoundCard::VolumeController& control)
 {
     float level = 1.0f;
@@ -48,7 +48,7 @@ struct VolumeResolution : GraphCardTest
         GraphCardTest::TearDown();
     }
 
-    /// Each walk to neighbours that were there keeps its list.
+    /// The number of walks that kept a list: those that the platform answered with success.
     long walks()
     {
         long found = 0;

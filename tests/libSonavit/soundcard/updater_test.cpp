@@ -2,9 +2,13 @@
 
 #include "COM/identifiers.h"
 #include "tests/libSonavit/soundcard/supportobserver.h"
+#include "tests/libSonavit/supportlogline.h"
 #include "tests/support/librarytest.h"
 
 #include <algorithm>
+#include <atomic>
+#include <set>
+#include <thread>
 
 using qor::LoggerPriority;
 using testing::ElementsAre;
@@ -32,6 +36,29 @@ struct SoundCardDeviceUpdaterSetters : SoundCardDeviceUpdater
 struct SoundCardUpdaterWiring : support::LibraryTest
 {
 };
+
+constexpr unsigned int numThreads = 4;
+
+/// Runs @p action on several threads, which begin it together.
+template<class Action>
+void onSeveralThreads(const Action& action)
+{
+    std::atomic<unsigned int> waiting{numThreads};
+    std::vector<std::thread> threads;
+    for (unsigned int i = 0; i < numThreads; ++i)
+    {
+        threads.emplace_back(
+            [&]
+            {
+                --waiting;
+                while (waiting > 0)
+                    std::this_thread::yield();
+                action();
+            });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+}
 }
 
 TEST_F(SoundCardDeviceUpdater, IsMadeWithOneReferenceAndWithoutShares)
@@ -87,6 +114,60 @@ TEST_F(SoundCardDeviceUpdater, DeletesItselfWithTheLastReleaseWhichReturnsZero)
     EXPECT_EQ(0u, object->Release());
 
     EXPECT_EQ(1, *list.m_count) << "the share went with the object";
+}
+
+TEST_F(SoundCardDeviceUpdater, CountsTheReferencesOfSeveralThreads)
+{
+    constexpr ULONG numReferences = 100000;
+    constexpr int numRounds = 10; // in a single one the threads may happen to run one after the other
+    qor::LogFactory::setPriority(LoggerPriority::LOG_FATAL); // or each reference takes a record
+    const auto add = [this]
+    {
+        for (ULONG i = 0; i < numReferences; ++i)
+            updater->AddRef();
+    };
+    const auto release = [this]
+    {
+        for (ULONG i = 0; i < numReferences; ++i)
+            updater->Release();
+    };
+
+    for (int round = 0; round < numRounds; ++round)
+    {
+        onSeveralThreads(add);
+        ASSERT_EQ(LONG{1 + numThreads * numReferences}, updater->m_refCount);
+        onSeveralThreads(release);
+        ASSERT_EQ(1, updater->m_refCount);
+    }
+}
+
+TEST_F(SoundCardDeviceUpdater, EndsWithOneOfSeveralThreadsThatReleaseTheLastReferences)
+{
+    constexpr int numRounds = 20;
+    qor::LogFactory::setPriority(LoggerPriority::LOG_FATAL);
+    for (int round = 0; round < numRounds; ++round)
+    {
+        const SharedPointer<Devices> list(new Devices);
+        Updater* const object = new Updater;
+        object->setRecordDeviceList(list);
+        for (unsigned int i = 1; i < numThreads; ++i)
+            object->AddRef();
+        std::atomic<int> last{0};
+
+        onSeveralThreads(
+            [&]
+            {
+                for (int i = 0; i < 10000; ++i)
+                {
+                    object->AddRef();
+                    object->Release();
+                }
+                last += object->Release() == 0 ? 1 : 0;
+            });
+
+        ASSERT_EQ(1, last);
+        ASSERT_EQ(1, *list.m_count) << "the share went with the object";
+    }
 }
 
 TEST_F(SoundCardDeviceUpdater, LabelsEachOperationOfThePlatform)
@@ -164,6 +245,18 @@ TEST_F(SoundCardDeviceUpdaterSetters, RefuseANilHandleWithTheirMessagesAndKeepTh
     EXPECT_EQ(devices.get(), updater->m_playbackDeviceList.get());
     EXPECT_EQ(observers.get(), updater->m_playbackObserver.get());
     EXPECT_EQ(observers.get(), updater->m_recordObserver.get());
+}
+
+TEST_F(SoundCardDeviceUpdaterSetters, RefuseANilHandleEachFromItsOwnLine)
+{
+    updater->setRecordDeviceList(SharedPointer<Devices>());
+    updater->setPlaybackDeviceList(SharedPointer<Devices>());
+    updater->setPlaybackObserver(SharedPointer<Observers>());
+    updater->setRecordObserver(SharedPointer<Observers>());
+
+    const std::vector<int> lines = support::linesOf(log, "Cannot use ");
+    EXPECT_EQ(4u, lines.size());
+    EXPECT_EQ(4u, std::set<int>(lines.begin(), lines.end()).size());
 }
 
 TEST_F(SoundCardDeviceUpdaterSetters, TakeTheSameHandleAgainWithoutLosingIt)

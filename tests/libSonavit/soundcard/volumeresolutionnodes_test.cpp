@@ -14,7 +14,7 @@ constexpr const char* channel = "libSonavit.soundcard";
 const std::string noVolumeNode = "Supplied part list does not have a volume controller node";
 }
 
-TEST_F(VolumeResolution, GivesARecordForEachVolumePartOfAListWithTheMuteBesideEach)
+TEST_F(VolumeResolution, GivesARecordForEachVolumePartOfAListWithTheMuteNextToEach)
 {
     graph.endpoint("out");
     graph.volume("out", 101, -1.0f);
@@ -136,6 +136,70 @@ TEST_F(VolumeResolution, GivesNoRecordAndSaysNothingWhereTheVolumeCannotBeActiva
     EXPECT_THAT(log.texts(channel), IsEmpty());
 }
 
+TEST_F(VolumeResolution, GivesNoRecordAndSearchesNoMuteWhereTheActivationSucceedsWithoutALevel)
+{
+    graph.endpoint("out");
+    graph.volume("out", 101, -1.0f);
+    graph.volume("out", 102, -2.0f);
+    graph.volume("out", 103, -3.0f);
+    graph.feed("out/101", "out/1").feed("out/102", "out/1").feed("out/1", "out/103");
+    discover();
+    const sim::PlannedFault empty = simulation().faults().succeedWithNull("IPart::Activate").on("out/101");
+
+    EXPECT_THAT(controls(), ElementsAre("-2 Plug out/1, no mute"));
+
+    EXPECT_EQ(1u, empty.fired());
+    EXPECT_THAT(simulation().journal().of("IPart::EnumParts*").on("out/101").lines(), IsEmpty());
+    EXPECT_THAT(log.texts(channel), IsEmpty());
+}
+
+TEST_F(VolumeResolution, DoesNotLookAtTheOutgoingListWhereTheOnlyIncomingVolumeNodeSucceedsWithoutALevel)
+{
+    graph.endpoint("out");
+    graph.volume("out", 101, -1.0f);
+    graph.volume("out", 102, -2.0f);
+    graph.feed("out/101", "out/1").feed("out/1", "out/102");
+    discover();
+    const sim::PlannedFault empty = simulation().faults().succeedWithNull("IPart::Activate").on("out/101");
+
+    EXPECT_THAT(controls(), IsEmpty());
+
+    EXPECT_EQ(1u, empty.fired());
+    EXPECT_THAT(log.texts(channel), IsEmpty());
+}
+
+TEST_F(VolumeResolution, ReleasesALevelWhosePartThrowsAtItsRelease)
+{
+    graph.endpoint("out");
+    graph.volume("out", 101, -1.0f);
+    graph.feed("out/101", "out/1");
+    discover();
+    throwAtTheReleaseAfter("IPart::Activate", "out/101");
+    qor::Array<SoundCard::VolumeController> result;
+
+    EXPECT_THROW(cards[0].volumeController((*cards[0].m_playbackDevices)[0], result), sim::InjectedException);
+
+    EXPECT_EQ(0u, result.size());
+    EXPECT_EQ(0, simulation().census().references("IAudioVolumeLevel")) << simulation().census();
+}
+
+TEST_F(VolumeResolution, ReleasesLevelAndMuteWhenThePartOfTheMuteThrowsAtItsRelease)
+{
+    graph.endpoint("out");
+    graph.volume("out", 101, -1.0f);
+    graph.mute("out", 201, false);
+    graph.feed("out/101", "out/1").feed("out/201", "out/101");
+    discover();
+    throwAtTheReleaseAfter("IPart::Activate", "out/201");
+    qor::Array<SoundCard::VolumeController> result;
+
+    EXPECT_THROW(cards[0].volumeController((*cards[0].m_playbackDevices)[0], result), sim::InjectedException);
+
+    EXPECT_EQ(0u, result.size());
+    EXPECT_EQ(0, simulation().census().references("IAudioVolumeLevel")) << simulation().census();
+    EXPECT_EQ(0, simulation().census().references("IAudioMute")) << simulation().census();
+}
+
 TEST_F(VolumeResolution, ReadsBothListsOfAConnectorBeforeItActivatesAnything)
 {
     graph.endpoint("out");
@@ -172,7 +236,7 @@ TEST_F(VolumeResolution, ActivatesBothControlsInAnyContext)
 
 namespace
 {
-/// The records of a list of parts that holds @p volume alone.
+/// The records of a list of parts that contains only @p volume.
 qor::Array<SoundCard::VolumeController> recordsOf(support::ScriptedPart& volume)
 {
     const SoundCard card;
@@ -222,7 +286,7 @@ TEST_F(VolumeResolution, GivesARecordWithoutAMuteThatCameWithAFailure)
     EXPECT_EQ(1u, mute.references);
 }
 
-TEST_F(VolumeResolution, FindsNothingBesideAConnectorThatIsNoPart)
+TEST_F(VolumeResolution, FindsNothingNextToAConnectorThatIsNoPart)
 {
     graph.endpoint("out");
     graph.volume("out", 101, -1.0f);

@@ -31,7 +31,7 @@ TEST_F(EndpointVolumeControllerObject, TakesAReferenceOfItsOwnAtConstructionWith
     EXPECT_THAT(asked(), IsEmpty());
 }
 
-TEST_F(EndpointVolumeControllerObject, TellsNameAndTypeOfItsOwnerWithoutATrace)
+TEST_F(EndpointVolumeControllerObject, ReportsNameAndTypeOfItsOwnerWithoutATrace)
 {
     start();
     const EndpointController controller(policy(speaker));
@@ -213,7 +213,7 @@ TEST_F(EndpointVolumeControllerReader, AnswersTheStartValuesInSilenceWhenThePlat
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 
-TEST_F(EndpointVolumeControllerReader, AnswersWhatThePlatformLeftBesideItsFailure)
+TEST_F(EndpointVolumeControllerReader, AnswersWhatThePlatformStoredAlongWithAFailure)
 {
     support::ScriptedEndpointVolume platform;
     platform.result = E_FAIL;

@@ -1,4 +1,4 @@
-// Registering a change notification with the endpoint twin, and what becomes of it.
+// Registering a change notification with the endpoint twin, and how the registration ends.
 #include "tests/libSonavit/volumecontroller/supportcontrollers.h"
 
 using support::EndpointController;
@@ -46,7 +46,7 @@ protected:
         simulation().events().setVolume(endpoint.id(), m_level);
     }
 
-    /// Takes off what a controller has left registered for good.
+    /// Unregisters a notification that a controller leaves registered.
     void unregister(const sim::EndpointBuilder& endpoint, const COMPtr<VolumeChangeNotification>::pointer& notification)
     {
         const COMPtr<IAudioEndpointVolume>::pointer platform = simulation().endpointVolume(endpoint.id());
@@ -76,7 +76,7 @@ TEST_F(EndpointVolumeControllerRegistration, GivesTheNotificationToThePlatformIn
     EXPECT_EQ(1, first.calls);
 }
 
-TEST_F(EndpointVolumeControllerRegistration, HoldsOneReferenceBesideThePlatformsUntilTheController)
+TEST_F(EndpointVolumeControllerRegistration, HoldsOneReferenceInAdditionToThePlatformsUntilTheController)
 {
     start();
     const COMPtr<VolumeChangeNotification>::pointer notification = first.notification();
@@ -162,7 +162,7 @@ TEST_F(EndpointVolumeControllerRegistration, DoesNotLookWhetherTheFirstCouldBeUn
     unregister(speaker, one);
 }
 
-TEST_F(EndpointVolumeControllerRegistration, TellsARefusalOfThePlatformInDecimalAndKeepsTheNotification)
+TEST_F(EndpointVolumeControllerRegistration, LogsARefusalOfThePlatformInDecimalAndKeepsTheNotification)
 {
     start();
     const COMPtr<VolumeChangeNotification>::pointer notification = first.notification();

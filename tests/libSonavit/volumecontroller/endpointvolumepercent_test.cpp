@@ -1,4 +1,4 @@
-// Percents of the endpoint twin, which come from the platform's scalars and become such.
+// Percents of the endpoint twin, which are converted from and to the platform's scalars.
 #include "tests/libSonavit/volumecontroller/supportcontrollers.h"
 
 #include <limits>
@@ -36,7 +36,7 @@ protected:
         }
     }
 
-    /// The scalars that setters were given since the last call.
+    /// The scalars that the platform's setters received since the last call.
     std::vector<float> handedOn(const char* operation, std::size_t argument)
     {
         std::vector<float> scalars;

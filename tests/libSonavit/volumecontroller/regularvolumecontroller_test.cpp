@@ -186,7 +186,7 @@ TEST_F(RegularVolumeControllerReader, AnswersTheStartValuesInSilenceWhenThePlatf
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 
-TEST_F(RegularVolumeControllerReader, AnswersWhatThePlatformLeftBesideItsFailure)
+TEST_F(RegularVolumeControllerReader, AnswersWhatThePlatformStoredAlongWithAFailure)
 {
     support::ScriptedVolumeLevel level;
     level.result = E_FAIL;

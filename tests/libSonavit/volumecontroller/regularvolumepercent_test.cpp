@@ -1,7 +1,7 @@
 // Percents of the regular twin, which it computes itself from decibels and their range.
-#include "tests/libSonavit/volumecontroller/supportcontrollers.h"
-
 #include "qor/exception.h"
+#include "tests/libSonavit/supportlogline.h"
+#include "tests/libSonavit/volumecontroller/supportcontrollers.h"
 
 #include <limits>
 
@@ -16,7 +16,7 @@ constexpr const char* channelName = "libSonavit.volumecontroller";
 constexpr float infinity = std::numeric_limits<float>::infinity();
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 
-/// What one channel with this range, at this level, reads as, and what its master does.
+/// The expected percents of one channel with this range and level, and of its master.
 struct LevelAsPercent
 {
     float minimum;
@@ -47,7 +47,7 @@ protected:
 using RegularVolumeControllerMasterPercent = RegularVolumeControllerPercent;
 using RegularVolumeControllerSetPercent = RegularVolumeControllerPercent;
 
-/// A controller whose answers about one channel are its own.
+/// A controller that overrides the readers of one channel.
 class OwnAnswers final : public RegularController
 {
 public:
@@ -253,6 +253,27 @@ TEST_F(RegularVolumeControllerMasterPercent, AssertsThatThereIsAChannelBeforeItA
     EXPECT_THAT(asked(), ElementsAre("IAudioVolumeLevel::GetChannelCount()"));
     EXPECT_THAT(log.texts(), IsEmpty());
 }
+
+#if !defined(_WIN32) // where the tests run, the sources may have another path
+TEST_F(RegularVolumeControllerMasterPercent, AssertsWithTheLineOfTheCheck)
+{
+    start();
+    setChannels({});
+    const RegularController controller(policy());
+
+    std::string check;
+    try
+    {
+        controller.masterVolumeLevelPercent();
+    }
+    catch (const qor::AssertionFailure& failure)
+    {
+        check = support::sourceLineOf(failure);
+    }
+
+    EXPECT_THAT(check, testing::HasSubstr("check(numChannel() > 0,"));
+}
+#endif
 
 TEST_F(RegularVolumeControllerMasterPercent, AssertsLikewiseWhenTheNumberOfChannelsCannotBeRead)
 {

@@ -14,7 +14,7 @@ namespace support
 using EndpointController = VolumeController<EndpointVolumeController>;
 using RegularController = VolumeController<RegularVolumeController>;
 
-/// A machine with two endpoints. A test may change what stands here until it calls start().
+/// A machine with two endpoints. A test may change the members until it calls start().
 class EndpointControllerTest : public LibraryTest
 {
 protected:
@@ -32,7 +32,7 @@ protected:
         return result;
     }
 
-    /// What the platform was asked since the last call.
+    /// The calls of the platform since the last call of this function.
     Texts asked()
     {
         const Texts calls = simulation().journal().of("IAudioEndpointVolume::*").calls();
@@ -48,7 +48,7 @@ protected:
         return found == census.byObject.end() ? 0 : found->second;
     }
 
-    /// An endpoint volume on which scalar and decibels are the same number, by one channel for each of @p scalars.
+    /// An endpoint volume with one channel for each of @p scalars, on which scalar and decibels are the same number.
     static sim::EndpointVolume scalarVolume(std::vector<float> scalars)
     {
         sim::EndpointVolume volume;
@@ -99,7 +99,7 @@ protected:
         simulation().change([&](sim::Machine& machine) { machine.part(node)->volume->channels = channels; });
     }
 
-    /// Levels of the node's channels as they stand.
+    /// The current levels of the node's channels.
     std::vector<float> levels()
     {
         const sim::Machine machine = simulation().machine();
@@ -109,7 +109,7 @@ protected:
         return result;
     }
 
-    /// What the platform was asked since the last call.
+    /// The calls of the platform since the last call of this function.
     Texts asked()
     {
         const Texts calls = simulation().journal().of("IAudio*").calls();

@@ -1,4 +1,4 @@
-/// Volume interfaces of a platform that answers what a test wants: any value together with any result.
+/// Volume interfaces that answer what the test has set: any value together with any HRESULT.
 #pragma once
 
 #include "tests/libSonavit/supportstackobject.h"

@@ -2,6 +2,7 @@
 
 #include "COM/interfacequery.h"
 #include "COM/resultcode.h"
+#include "COM/tasktext.h"
 #include "qor/logstatement.h"
 
 namespace
@@ -16,54 +17,93 @@ qor::LoggerSlot logger;
 
 namespace
 {
-/// The platform's text is ours to free even when the call reports failure.
+/// Reads the id of the device. A string that comes along with a failure code is used and freed like any other.
 void readDeviceOwner(IDeviceTopology& topology, qor::String& owner)
 {
-    LPWSTR id = nullptr;
-    const HRESULT result = topology.GetDeviceId(&id);
-    if (id != nullptr)
+    HRESULT result = S_OK;
     {
-        owner = platform::ucs2(id);
-        CoTaskMemFree(id);
+        TaskText id(TaskText::NullText::skipped);
+        result = topology.GetDeviceId(id.put());
+        if (id.get() != nullptr)
+            owner = platform::ucs2(id.get());
     }
     if (FAILED(result))
         SONAVIT_LOG(topologylog, LOG_ERROR, out.append("Unable to retrieve device id from topology ").append(hexText(result)));
 }
 
-/// How a topology counts and gives one kind of component, and the words of the log for it.
-template<class I>
-struct ComponentKind
-{
-    HRESULT (STDMETHODCALLTYPE IDeviceTopology::*count)(UINT*);
-    HRESULT (STDMETHODCALLTYPE IDeviceTopology::*component)(UINT, I**);
-    const char* countRecord;
-    const char* failureRecord;
-};
-
-constexpr ComponentKind<IConnector> connectorKind = {&IDeviceTopology::GetConnectorCount,
-                                                     &IDeviceTopology::GetConnector,
-                                                     "Num connector = ", "Unable to retrieve connector index "};
-constexpr ComponentKind<ISubunit> subunitKind = {&IDeviceTopology::GetSubunitCount, &IDeviceTopology::GetSubunit,
-                                                 "Subunit count = ", "Unable to retrieve subunit index "};
-
-template<class I>
-void readComponents(IDeviceTopology& topology, const ComponentKind<I>& kind, qor::Array<AudioComponent<I>>& components)
+void readConnectors(IDeviceTopology& topology, qor::Array<AudioComponent<IConnector>>& connectors)
 {
     UINT count = 0;
-    (topology.*kind.count)(&count);
-    SONAVIT_LOG(topologylog, LOG_INFO, out.append(kind.countRecord).append(decimalText(count)));
+    topology.GetConnectorCount(&count);
+    SONAVIT_LOG(topologylog, LOG_INFO, out.append("Num connector = ").append(decimalText(count)));
     for (UINT index = 0; index < count; ++index)
     {
-        I* component = nullptr;
-        const HRESULT result = (topology.*kind.component)(index, &component);
+        IConnector* connector = nullptr;
+        const HRESULT result = topology.GetConnector(index, &connector);
         if (FAILED(result))
         {
-            SONAVIT_LOG(topologylog, LOG_ERROR, out.append(kind.failureRecord).append(decimalText(index)).append(" ").append(hexText(result)));
+            SONAVIT_LOG(topologylog, LOG_ERROR, out.append("Unable to retrieve connector index ").append(decimalText(index)).append(" ").append(hexText(result)));
             continue;
         }
-        components.append(AudioComponent<I>(component));
+        connectors.append(AudioComponent<IConnector>(connector));
     }
 }
+
+/// Repeats readConnectors() on purpose: the line number of a log record tells the two steps apart.
+void readSubunits(IDeviceTopology& topology, qor::Array<AudioComponent<ISubunit>>& subunits)
+{
+    UINT count = 0;
+    topology.GetSubunitCount(&count);
+    SONAVIT_LOG(topologylog, LOG_INFO, out.append("Subunit count = ").append(decimalText(count)));
+    for (UINT index = 0; index < count; ++index)
+    {
+        ISubunit* subunit = nullptr;
+        const HRESULT result = topology.GetSubunit(index, &subunit);
+        if (FAILED(result))
+        {
+            SONAVIT_LOG(topologylog, LOG_ERROR, out.append("Unable to retrieve subunit index ").append(decimalText(index)).append(" ").append(hexText(result)));
+            continue;
+        }
+        subunits.append(AudioComponent<ISubunit>(subunit));
+    }
+}
+
+/// Empties an id and two lists when its scope ends, unless the scope has emptied them itself.
+///
+/// It runs while an exception leaves the scope, so it allocates nothing: Array::clear() would ask for new storage.
+class EmptyOnExit
+{
+public:
+    EmptyOnExit(qor::String& id, qor::Array<AudioComponent<IConnector>>& connectors,
+                qor::Array<AudioComponent<ISubunit>>& subunits) noexcept
+        : m_id(id),
+          m_connectors(connectors),
+          m_subunits(subunits)
+    {
+    }
+
+    EmptyOnExit(const EmptyOnExit&) = delete;
+    EmptyOnExit& operator=(const EmptyOnExit&) = delete;
+
+    ~EmptyOnExit()
+    {
+        m_id.clear();
+        removeAll(m_connectors);
+        removeAll(m_subunits);
+    }
+
+private:
+    template<class T>
+    static void removeAll(qor::Array<T>& list)
+    {
+        while (list.size() > 0)
+            list.remove(0);
+    }
+
+    qor::String& m_id;
+    qor::Array<AudioComponent<IConnector>>& m_connectors;
+    qor::Array<AudioComponent<ISubunit>>& m_subunits;
+};
 }
 
 AudioDeviceTopology::AudioDeviceTopology() = default;
@@ -86,7 +126,7 @@ AudioDeviceTopology::AudioDeviceTopology(const COMPtr<IConnector>::pointer& conn
     initialize(connector);
 }
 
-// The label is that of the constructor above.
+// Required behaviour: the label is that of the constructor above.
 AudioDeviceTopology::AudioDeviceTopology(const AudioComponent<IConnector>& connector)
 {
     SONAVIT_TRACE(topologylog, "AudioDeviceTopology::AudioDeviceTopology(IConnector* connector)");
@@ -115,8 +155,8 @@ bool AudioDeviceTopology::initialize(const COMPtr<IDeviceTopology>::pointer& top
         return false;
     }
     readDeviceOwner(*m_topology, m_deviceOwner);
-    readComponents(*m_topology, connectorKind, m_connectors);
-    readComponents(*m_topology, subunitKind, m_subunits);
+    readConnectors(*m_topology, m_connectors);
+    readSubunits(*m_topology, m_subunits);
     return true;
 }
 
@@ -172,12 +212,13 @@ bool AudioDeviceTopology::connectorsAreLinked(const AudioComponent<IConnector>& 
         return false;
     }
     if (m_topology.get() == nullptr)
-        return false; // nobody to ask; the caller's connector has lost its topology, which is reported there
+        return false; // the snapshot that failed to take this topology has logged it already
 
     IPartsList* path = nullptr;
     if (FAILED(m_topology->GetSignalPath(fromPart.get(), toPart.get(), TRUE, &path)))
     {
         SONAVIT_LOG(topologylog, LOG_WARNING, out.append("No signal path from ").append(from.id()).append(" to ").append(to.id()));
+        path = nullptr; // what came along with the failure is not a list to release
         if (FAILED(m_topology->GetSignalPath(toPart.get(), fromPart.get(), TRUE, &path)))
         {
             SONAVIT_LOG(topologylog, LOG_WARNING, out.append("No signal path from ").append(to.id()).append(" to ").append(from.id()));
@@ -189,9 +230,12 @@ bool AudioDeviceTopology::connectorsAreLinked(const AudioComponent<IConnector>& 
     return true;
 }
 
+/// Releases the topology, then empties id and lists, in this order. The object is empty afterwards even if a Release
+/// throws.
 void AudioDeviceTopology::clear()
 {
     SONAVIT_TRACE(topologylog, "AudioDeviceTopology::clear()");
+    const EmptyOnExit rest(m_deviceOwner, m_connectors, m_subunits);
     m_topology = nullptr;
     m_deviceOwner.clear();
     m_connectors.clear();
@@ -210,7 +254,7 @@ bool AudioDeviceTopology::initialize(const COMPtr<IPart>::pointer& part)
     const HRESULT result = part->GetTopologyObject(&topology);
     if (FAILED(result))
         SONAVIT_LOG(topologylog, LOG_ERROR, out.append("GetTopologyObject fails ").append(hexText(result)));
-    return initialize(COMPtr<IDeviceTopology>::pointer(topology)); // a nil one has its own message
+    return initialize(COMPtr<IDeviceTopology>::pointer(topology)); // which logs a nil topology, too
 }
 
 template<class Interface>

@@ -15,110 +15,127 @@
 
 /// One physical sound card: its endpoints, the graph of connectors around them, and the hardware controls in it.
 ///
-/// Lists, observers and id are shared by all copies of a card and by its updater, which follows hot-plug events on a
-/// thread of the platform. The graph of connectors belongs to each copy, is built once by enumerateSystemSoundDevices()
-/// and does not follow hot plug. Every default-constructed card registers its updater with the shared enumerator and
-/// leaves it there: it works on, and keeps its shares, until the process ends. Nothing locks, also not between a caller
-/// and a notification.
+/// All copies of a card and its updater share the lists, the observers and the id. The updater follows hot-plug events
+/// on a thread of the platform. Each copy has its own graph of connectors, which enumerateSystemSoundDevices() builds
+/// once and which does not follow hot plug. Every default-constructed card registers its updater with the shared
+/// enumerator and never unregisters it: the updater keeps its shares, and follows events, until the module ends.
+/// Nothing locks, not even between a caller's thread and a notification.
 class SONAVIT_API SoundCard : public SoundCardInterface
 {
 public:
     class SoundCardDeviceUpdater; ///< complete in "libSonavit/soundcardupdater.h"
 
-    /// A connector and the nodes joined to it.
+    /// A connector and the nodes that are joined to it.
     struct ConnectorNode
     {
         AudioComponent<IConnector> connector;
-        qor::Array<unsigned int> links; ///< indexes into the card's map; 0xFFFFFFFF stands for a connector outside it
+        qor::Array<unsigned int> links; ///< indexes into the card's map; 0xFFFFFFFF means a connector outside it
     };
 
     /// A hardware control that acts on an endpoint.
     struct VolumeController
     {
         COMPtr<IAudioVolumeLevel>::pointer volumeLevel; ///< never nil in a result
-        COMPtr<IAudioMute>::pointer mute;               ///< nil where there is none beside the level
+        COMPtr<IAudioMute>::pointer mute;               ///< nil if there is none next to the level
         GUID ownerType = {};                            ///< kind of the connector next to the control
         qor::String ownerName;                          ///< name of that connector
     };
 
-    /// A card without endpoints, whose updater is registered with the shared enumerator. A failing registration is
-    /// logged by the enumerator; the card then hears of no change.
+    /// A card without endpoints, whose updater is registered with the shared enumerator
+    /// (IMMDeviceEnumerator::RegisterEndpointNotificationCallback). If the registration fails, the enumerator logs it
+    /// and the card receives no change notifications.
+    /// @exception qor::NullPointer if memory runs out
     SoundCard();
 
-    /// Shares all lists with @p other and copies its graph.
+    /// Shares lists, observers, id and updater with @p other, and copies its graph. Registers nothing.
     SoundCard(const SoundCard& other);
     SoundCard& operator=(const SoundCard& other);
 
-    /// All sound cards of the system: those with a record endpoint first, each group in the system's order. Empty, with
-    /// a message (LOG_WARNING), if the endpoints cannot be enumerated. The thread must have initialised COM.
+    /// All sound cards of the system: those with a record endpoint first, each group in the system's order. The thread
+    /// must have initialised COM. Each call registers one more updater for each card.
+    /// @return empty if there is no endpoint; empty, with a message (LOG_WARNING), if the endpoints cannot be
+    /// enumerated
+    /// @exception qor::NullPointer if memory runs out
     static qor::Array<SoundCard> enumerateSystemSoundDevices();
 
-    /// Finds the first card whose instanceId(), or the parent of it, is @p id in any case. Enumerates all cards anew.
-    /// @return false, with @p card left alone, if there is none
+    /// Finds the first card whose instanceId(), or the parent device instance id of that, equals @p id without regard
+    /// to case, and assigns it to @p card. Enumerates all cards as enumerateSystemSoundDevices() does. Logs ids
+    /// (LOG_INFO), and a card whose parent is unknown (LOG_WARNING).
+    /// @return false, with @p card unchanged, if there is none
     static bool createSoundCard(const qor::String& id, SoundCard& card);
 
-    /// The device instance id within deviceId(): the second of the pieces between its dots, empty pieces not counted.
-    /// Empty, with a message (LOG_WARNING), where there are fewer than two.
+    /// The device instance id in deviceId(): the second of the pieces between its dots; empty pieces are not counted.
+    /// Empty, with a message (LOG_WARNING), if there are fewer than two pieces.
     qor::String instanceId();
 
     const qor::String& deviceId() const override;
 
-    /// Exact, by deviceId().
+    /// Whether both cards have the same deviceId(), case included.
     bool operator==(const SoundCardInterface& other) const override;
 
-    /// Without regard to case, by deviceId(). The two forms differ on purpose.
+    /// Whether both cards have the same id, compared without regard to case. The two forms differ on purpose.
     bool operator==(const SoundCard& other);
 
-    /// Appends copies of the endpoints of one kind of jack to @p result, in any state. @return the number appended
+    /// Appends copies of the endpoints of one kind of jack to @p result, in any state. Reads the stored properties
+    /// only; the platform is not called. Logs the search (LOG_DEBUG). @return the number of endpoints that this call
+    /// appends
     unsigned int microphoneEndpointDevice(qor::Array<AudioDevice>& result) const;
     unsigned int lineInEndpointDevice(qor::Array<AudioDevice>& result) const;
     unsigned int spdifInEndpointDevice(qor::Array<AudioDevice>& result) const;
     unsigned int spdifOutEndpointDevice(qor::Array<AudioDevice>& result) const;
     unsigned int waveOutEndpointDevice(qor::Array<AudioDevice>& result) const; ///< headphones first, then speakers
 
-    /// As above, only endpoints that have one of the DEVICE_STATE_ bits of @p filter.
+    /// As above, but only endpoints that have one of the DEVICE_STATE_ bits of @p filter.
     unsigned int microphoneEndpointDevice(qor::Array<AudioDevice>& result, unsigned int filter) const;
     unsigned int lineInEndpointDevice(qor::Array<AudioDevice>& result, unsigned int filter) const;
     unsigned int spdifInEndpointDevice(qor::Array<AudioDevice>& result, unsigned int filter) const;
     unsigned int spdifOutEndpointDevice(qor::Array<AudioDevice>& result, unsigned int filter) const;
     unsigned int waveOutEndpointDevice(qor::Array<AudioDevice>& result, unsigned int filter) const;
 
+    /// See SoundCardInterface; headphones precede speakers. The state is not tested.
     unsigned int microphoneEndpointDevice(qor::Array<AudioInterfacePtr>& result) override;
     unsigned int waveOutEndpointDevice(qor::Array<AudioInterfacePtr>& result) override;
     unsigned int lineInEndpointDevice(qor::Array<AudioInterfacePtr>& result) override;
     unsigned int spdifInEndpointDevice(qor::Array<AudioInterfacePtr>& result) override;
     unsigned int spdifOutEndpointDevice(qor::Array<AudioInterfacePtr>& result) override;
 
-    /// Appends copies of all playback endpoints that have one of the DEVICE_STATE_ bits of @p filter. @return the
-    /// number appended
+    /// Appends copies of all playback endpoints that have one of the DEVICE_STATE_ bits of @p filter. Logs the search
+    /// (LOG_DEBUG). @return the number of endpoints that this call appends
     unsigned int allPlaybackDevice(qor::Array<AudioDevice>& result, unsigned int filter) const;
 
-    /// Finds nothing on any card. @return 0
+    /// Required behaviour: finds nothing on any card. @return 0
     unsigned int loopbackMixEndpointDevice(qor::Array<AudioDevice>& result) const;
 
-    /// Replaces @p result by every hardware volume control that acts on @p endpoint, each with the mute beside it.
+    /// Replaces @p result by every hardware volume control that acts on @p endpoint, each with the mute next to it
+    /// (IPart::Activate). Each control holds references of its own.
     ///
-    /// They come in the order in which a breadth-first walk from the endpoint's connectors meets them. A control next
-    /// to two connectors is there twice.
+    /// The order is that of a breadth-first walk from the endpoint's connectors. A control next to two connectors
+    /// occurs twice. A volume node without a level is omitted without a message. A connector without a volume node on
+    /// one side is logged (LOG_INFO). Each walk to the neighbours of a part keeps a reference, see
+    /// AudioPart::incomingPartsList().
     /// @return the size of @p result; 0 for an endpoint without a topology
-    /// @exception qor::IndexOutOfBounds if the walk leaves the card's graph: for an endpoint that came by hot plug or
-    /// belongs to another card, and behind a connector whose far side could not be opened
+    /// @exception qor::IndexOutOfBounds if the walk leaves the card's graph: for an endpoint that arrived by hot plug
+    /// or belongs to another card, and after a connector whose far device could not be opened. @p result then contains
+    /// what the walk found before.
     unsigned int volumeController(const AudioDevice& endpoint, qor::Array<VolumeController>& result) const;
 
-    /// Finds nothing, see SoundCardInterface.
+    /// Required behaviour: finds nothing and leaves @p result unchanged. @return 0
     unsigned int volumeController(const AudioDeviceInterface& device,
                                   qor::Array<SharedPointer<VolumeControllerInterface>>& result) const override;
 
-    /// Appends the input multiplexers of the devices on the adapter side of the card. @return the size of @p result
-    /// afterwards
+    /// Appends the input multiplexers of the devices on the adapter side of the card (IPart::Activate on each subunit),
+    /// each with a reference that @p result owns. Logs the number of devices (LOG_DEBUG) and each multiplexer
+    /// (LOG_INFO).
+    /// @return the size of @p result afterwards, what it contained before included
     unsigned int recordingMux(qor::Array<COMPtr<IAudioInputSelector>::pointer>& result);
 
-    /// Has @p observer called, once for each registration, when the card's endpoints of that side change.
+    /// Registers @p observer for changes among the card's playback, or record, endpoints. An observer that is
+    /// registered twice is called twice. It cannot be unregistered, see SoundCardObserver.
     /// @return false, with a message (LOG_WARNING), for a null observer
     bool registerPlaybackObserver(const BorrowedPointer<SoundCardObserver>& observer);
     bool registerRecordObserver(const BorrowedPointer<SoundCardObserver>& observer);
 
-    /// Leaves the updater registered.
+    /// Releases the card's reference on the updater, which stays registered.
     ~SoundCard() noexcept(false) override;
 
 private:
@@ -157,7 +174,8 @@ private:
     COMPtr<SoundCardDeviceUpdater>::pointer m_updater;
     SharedPointer<qor::Array<AudioDevice>> m_playbackDevices;
     SharedPointer<qor::Array<AudioDevice>> m_recordDevices;
-    SharedPointer<qor::Array<AudioDevice>> m_internalDevices; // adapter side of the connectors; not with the updater
+    SharedPointer<qor::Array<AudioDevice>>
+        m_internalDevices; // adapter side of the connectors; the updater has no share
     SharedPointer<qor::Array<BorrowedPointer<SoundCardObserver>>> m_playbackObservers;
     SharedPointer<qor::Array<BorrowedPointer<SoundCardObserver>>> m_recordObservers;
     SharedPointer<qor::String> m_deviceId; // written in place, so that the updater sees it

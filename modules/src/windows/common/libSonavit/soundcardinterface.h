@@ -9,9 +9,9 @@
 
 /// One physical sound card: all endpoints that the system reports under one device instance path.
 ///
-/// The queries append views of the card's own endpoints of one kind of jack, whatever their state, and return how many
-/// they have appended. A view is valid until the card's list changes next, which hot plug does on a thread of the
-/// platform.
+/// The queries append borrowed pointers to the card's own endpoints of one kind of jack, in any state, and return the
+/// number that they append. They do not call the platform. A pointer is valid until the next change of the card's list,
+/// which hot plug makes on a thread of the platform.
 class SONAVIT_API SoundCardInterface
 {
 public:
@@ -19,27 +19,29 @@ public:
     SoundCardInterface(const SoundCardInterface& other);
     SoundCardInterface& operator=(const SoundCardInterface& other);
 
+    /// The jacks: microphone, speakers and headphones, line in, digital in, digital out.
     virtual unsigned int microphoneEndpointDevice(qor::Array<AudioInterfacePtr>& result) = 0;
     virtual unsigned int waveOutEndpointDevice(qor::Array<AudioInterfacePtr>& result) = 0;
     virtual unsigned int lineInEndpointDevice(qor::Array<AudioInterfacePtr>& result) = 0;
     virtual unsigned int spdifInEndpointDevice(qor::Array<AudioInterfacePtr>& result) = 0;
     virtual unsigned int spdifOutEndpointDevice(qor::Array<AudioInterfacePtr>& result) = 0;
 
-    /// The hardware controls of @p device. A SoundCard gives none through the interface: they come from the overload
-    /// that the class adds.
+    /// The hardware controls of @p device. Required behaviour: a SoundCard returns 0 here; its class has an overload
+    /// that finds the controls.
     virtual unsigned int volumeController(const AudioDeviceInterface& device,
                                           qor::Array<SharedPointer<VolumeControllerInterface>>& result) const = 0;
 
     /// Whether both cards have the same id, case included.
     virtual bool operator==(const SoundCardInterface& other) const = 0;
 
-    /// The device instance path that all endpoints of the card share; valid while the card lives.
+    /// The device instance path that all endpoints of the card share; valid while the card exists.
     virtual const qor::String& deviceId() const = 0;
 
-    virtual ~SoundCardInterface() noexcept(false); // handles may let an exception pass, see qor/resource.h
+    virtual ~SoundCardInterface() noexcept(false); // a handle's Release may throw, see qor/resource.h
 };
 
-/// Appends the sound cards of the system to @p cards, each made on the heap and from now on the caller's to delete: a
-/// borrowed pointer does not delete. A failure is logged (LOG_WARNING) and appends nothing, as an empty system does.
-/// The thread must have initialised COM.
+/// Appends the sound cards of the system to @p cards, in the order of SoundCard::enumerateSystemSoundDevices(). Each is
+/// allocated with `new`, and the caller deletes it: a borrowed pointer does not. A failure is logged (LOG_WARNING) and
+/// appends nothing, like a system without endpoints. The thread must have initialised COM.
+/// @exception qor::NullPointer if memory runs out
 SONAVIT_API void enumerateSoundCards(qor::Array<BorrowedPointer<SoundCardInterface>>& cards);

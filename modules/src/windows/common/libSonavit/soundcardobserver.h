@@ -1,14 +1,19 @@
 #pragma once
 
-/// Hears of changes among the playback or the record endpoints of a card: that something changed, not what.
+/// Receives change notifications for the playback or the record endpoints of a card: that something changed, not what.
 ///
-/// Implemented by the library's users. Calls come on a thread of the platform. There is no way to take an observer off
-/// a card: it must live until the last event, in practice as long as the process.
+/// The library's users implement it. It is called on a thread of the platform, while the card's lists have changed
+/// already. An observer cannot be unregistered: it must live until the last event, in practice as long as the process.
 class SoundCardObserver
 {
 public:
+    /// An endpoint of that side has changed its state.
     virtual void onDeviceStateChanged() = 0;
+
+    /// An endpoint has been added to that side.
     virtual void onDeviceAdded() = 0;
+
+    /// An endpoint has been removed from that side.
     virtual void onDeviceRemoved() = 0;
 
 protected:

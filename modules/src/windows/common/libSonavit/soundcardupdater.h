@@ -2,22 +2,22 @@
 
 #include "libSonavit/soundcard.h"
 
-// The base has virtual functions and no virtual destructor: objects of it end by Release, and a virtual destructor
-// would take a place among the platform's functions.
+// The base has virtual functions and no virtual destructor: its objects delete themselves in Release, and a virtual
+// destructor would occupy a slot in the platform's table of functions.
 #if defined(__GNUC__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
 #endif
 
-/// Keeps a card's endpoint lists in step with the hardware and tells the card's observers.
+/// Keeps a card's endpoint lists in step with the hardware and notifies the card's observers.
 ///
-/// It does not know the card: it holds shares of the card's lists, observers and id, and may outlive it. The platform
-/// calls it on a thread of its own; only the reference count is safe for that. Exceptions from endpoints, lists and
-/// observers pass through to the platform. The object ends with its last Release.
+/// It has no reference to the card: it holds shares of the card's lists, observers and id, and may outlive the card.
+/// The platform calls it on a thread of the platform; only the reference count is safe against that. Exceptions from
+/// endpoints, lists and observers reach the platform. The last Release deletes the object.
 class SONAVIT_API SoundCard::SoundCardDeviceUpdater final : public IMMNotificationClient
 {
 public:
-    /// A new updater without any share; the handle holds its one reference. It needs an owner id, see setOwnerId().
+    /// A new updater without shares; the handle owns its one reference. It needs an owner id, see setOwnerId().
     static COMPtr<SoundCardDeviceUpdater>::pointer createUpdater();
 
     ~SoundCardDeviceUpdater();
@@ -25,34 +25,39 @@ public:
     SoundCardDeviceUpdater& operator=(const SoundCardDeviceUpdater&) = delete;
 
     /// Takes a share of the card's id, which is compared, case included, with the instance path of each endpoint. A nil
-    /// handle is taken as well, but the id that is held must not be nil by the time an event comes.
+    /// handle is accepted, but the updater must hold an id when an event arrives.
     void setOwnerId(const SharedPointer<qor::String>& ownerId);
 
-    /// Take a share each. A nil handle is refused, with a message (LOG_WARNING) and false; a list without elements is
-    /// not.
+    /// Each takes a share of its argument in place of the share that it held. @return false, with a message
+    /// (LOG_WARNING) and the old share kept, for a nil handle; a list without elements is accepted
     bool setRecordDeviceList(const SharedPointer<qor::Array<AudioDevice>>& list);
     bool setPlaybackDeviceList(const SharedPointer<qor::Array<AudioDevice>>& list);
     bool setPlaybackObserver(const SharedPointer<qor::Array<BorrowedPointer<SoundCardObserver>>>& observers);
     bool setRecordObserver(const SharedPointer<qor::Array<BorrowedPointer<SoundCardObserver>>>& observers);
 
-    /// Knows IUnknown and IMMNotificationClient; anything else is E_NOINTERFACE with null stored.
+    /// Stores this object, with an added reference, for IUnknown and IMMNotificationClient. @return E_NOINTERFACE, with
+    /// null stored, for any other interface
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
+
+    /// Any thread. @return the new number of references
     ULONG STDMETHODCALLTYPE AddRef() override;
     ULONG STDMETHODCALLTYPE Release() override;
 
-    /// Has the list's own endpoint read its state, and tells the observers of that side. @p newState is only logged.
-    /// @return E_FAIL, with nobody told, for an endpoint of this card that its list does not hold; otherwise S_OK
+    /// Refreshes the state of the endpoint in the list from the platform, and notifies the observers of that side.
+    /// @p newState is only logged (LOG_DEBUG).
+    /// @return E_FAIL, without a notification, for an endpoint of this card that is not in its list; otherwise S_OK
     HRESULT STDMETHODCALLTYPE OnDeviceStateChanged(LPCWSTR deviceId, DWORD newState) override;
 
-    /// Appends the endpoint, if it is of this card, also where the list holds it already; tells the observers. @return
-    /// S_OK
+    /// Appends an endpoint of this card, even if it is in the list already, and notifies the observers of that side.
+    /// @return S_OK
     HRESULT STDMETHODCALLTYPE OnDeviceAdded(LPCWSTR deviceId) override;
 
-    /// Takes the endpoint out and tells the observers. One that can no longer be opened counts as foreign and stays.
-    /// @return E_FAIL, with nobody told, for an endpoint of this card that its list does not hold; otherwise S_OK
+    /// Removes the endpoint from the list and notifies the observers of that side. An endpoint that can no longer be
+    /// opened counts as one of another card and stays in the list.
+    /// @return E_FAIL, without a notification, for an endpoint of this card that is not in its list; otherwise S_OK
     HRESULT STDMETHODCALLTYPE OnDeviceRemoved(LPCWSTR deviceId) override;
 
-    /// These change nothing. @return S_OK
+    /// Both are ignored. @return S_OK
     HRESULT STDMETHODCALLTYPE OnDefaultDeviceChanged(EDataFlow flow, ERole role, LPCWSTR defaultDeviceId) override;
     HRESULT STDMETHODCALLTYPE OnPropertyValueChanged(LPCWSTR deviceId, const PROPERTYKEY key) override;
 

@@ -8,10 +8,11 @@
 
 /// Level and mute of one audio control, in percent and in decibels, by channel and as a master value.
 ///
-/// No operation locks. No operation but registerVolumeChangeNotification() looks whether the interface behind it is
-/// there. Readers do not look at the platform's results: where a call fails, they answer what stands with each. Setters
-/// pass a null event context, take values as they are, without clamping or rounding to a step, and answer whether the
-/// platform accepted.
+/// No operation locks. Only registerVolumeChangeNotification() tests whether the platform's interface is nil: on a
+/// part's control ask hasVolumeControl() or hasMuteControl() first. Readers ignore the platform's HRESULT on purpose
+/// and answer on failure what their comments state. Setters pass a null event context, hand the value to the platform
+/// without clamping it or rounding it to a step, and return whether the platform accepts it. Nothing is logged unless a
+/// comment states it.
 class SONAVIT_API VolumeControllerInterface
 {
 public:
@@ -36,50 +37,54 @@ public:
     /// Level of @p channel in decibels; 0 on failure.
     virtual float volumeLevelDecibel(unsigned int channel) const = 0;
 
-    /// Range of @p channel in decibels; an endpoint has one for all channels. @return whether the platform gave it
+    /// Range of @p channel in decibels; an endpoint has one range for all channels. @return false, with @p range as the
+    /// platform left it, if the call fails
     virtual bool volumeRangeDecibel(unsigned int channel, DbVolumeRange& range) const = 0;
 
-    /// Master level in percent: 0 to 100 on an endpoint, 0 on failure. A part's control answers 50 at the bottom of its
-    /// range and 150 at the top; see its implementation.
+    /// Master level in percent: 0 to 100 on an endpoint, 0 on failure. Required behaviour: a part's control answers 50
+    /// at the bottom of its range and 150 at the top.
     /// @exception qor::AssertionFailure "numChannel() > 0" from a part's control without channels
     virtual unsigned int masterVolumeLevelPercent() const = 0;
 
-    /// Master level in decibels, 0 on failure. On a part the mean of its channels, not a number where it has none.
+    /// Master level in decibels, 0 on failure. On a part the mean of its channels; NaN if it has none.
     virtual float masterVolumeLevelDecibel() const = 0;
 
-    /// Sets @p channel to @p percent of the range.
+    /// Sets @p channel to @p percent of the range; more than 100 is handed to the platform, too.
     virtual bool setVolumeLevelPercent(unsigned int channel, unsigned int percent) = 0;
 
     /// Sets @p channel to @p level decibels.
     virtual bool setVolumeLevelDecibel(unsigned int channel, float level) = 0;
 
-    /// Sets the master level to @p percent of the range. A part's control cannot: false, and nothing happens.
+    /// Sets the master level to @p percent of the range. Required behaviour: a part's control returns false and does
+    /// nothing.
     virtual bool setMasterVolumeLevelPercent(unsigned int percent) = 0;
 
     /// Sets the master level to @p level decibels; on a part all channels alike.
     virtual bool setMasterVolumeLevelDecibel(float level) = 0;
 
-    /// Has @p notification called on each change, in place of the one registered before. A part's control cannot:
-    /// false.
+    /// Registers @p notification for changes of the control, in place of the one that was registered before
+    /// (IAudioEndpointVolume::RegisterControlChangeNotify). A part's control returns false and does nothing.
     ///
-    /// The controller keeps a reference also where the platform refuses, and unregisters at its end; so does each copy
-    /// of it.
-    /// @return false, and a message (LOG_WARNING), without an interface or where the platform refuses
+    /// The controller keeps a reference on @p notification, even if the platform refuses it. Its destructor unregisters
+    /// the notification, and so does the destructor of each copy.
+    /// @return false, with a message (LOG_WARNING), if the interface is nil or the platform refuses
     virtual bool registerVolumeChangeNotification(const COMPtr<VolumeChangeNotification>::pointer& notification) = 0;
 
-    /// Name and type of what the control belongs to.
+    /// Name and type of the owner of the control; valid while the controller exists.
     virtual const qor::String& ownerName() const = 0;
     virtual const GUID& ownerType() const = 0;
 
-    /// Whether it is muted. A control that does not tell counts as muted.
+    /// Whether the control is muted; true on failure.
     virtual bool isMuted() const = 0;
+
+    /// Mutes the control or ends that. @return whether the platform accepts it
     virtual bool setMute(bool mute) = 0;
 
-    /// Whether there is a level and a mute to be had. An endpoint's control claims both in any case.
+    /// Whether there is a level, and a mute. Required behaviour: an endpoint's control always answers true.
     virtual bool hasVolumeControl() const = 0;
     virtual bool hasMuteControl() const = 0;
 
-    virtual ~VolumeControllerInterface() noexcept(false); // handles may let an exception pass, see qor/resource.h
+    virtual ~VolumeControllerInterface() noexcept(false); // a handle's Release may throw, see qor/resource.h
 };
 
 /// The control of an endpoint: levels in decibels and as a scalar from 0.0 to 1.0, both from the platform.
@@ -99,9 +104,10 @@ struct SONAVIT_API RegularVolumeController
     qor::String ownerName;
 };
 
-/// A control as its policy holds it, one of the two structures above. A value: copies hold references of their own.
+/// A control with one of the two structures above as its policy. A value: copies hold references of their own.
 ///
-/// Ending a controller, or a copy, of an endpoint unregisters its notification from the interface that it then holds.
+/// The destructor of an endpoint's controller, or of a copy of one, unregisters its notification from the interface
+/// that the controller holds at that moment.
 template<class Policy>
 class SONAVIT_API VolumeController : public VolumeControllerInterface
 {
@@ -109,11 +115,11 @@ public:
     VolumeController(const Policy& policy);
     VolumeController(const VolumeController& other);
 
-    /// Field by field: a notification that this controller had registered is forgotten and stays with the platform.
+    /// Assigns field by field: a notification that this controller registered stays registered with the platform.
     VolumeController& operator=(const VolumeController& other);
 
-    /// Rebinds the controller. A registered notification stays, and stays registered where it was; the controller will
-    /// take it off the new interface.
+    /// Replaces the policy. A registered notification stays registered with the old interface; the controller will
+    /// unregister it from the new one.
     void initialize(const Policy& policy);
 
     unsigned int numChannel() const override;
@@ -137,11 +143,11 @@ public:
 
 private:
     Policy m_policy;
-    COMPtr<VolumeChangeNotification>::pointer m_notification; // only the control of an endpoint sets it
+    COMPtr<VolumeChangeNotification>::pointer m_notification; // only an endpoint's control sets it
 };
 
-// What the two controls answer each in its own way. A specialization must be known before anybody uses it, and on
-// Windows it does not have the export mark of its class.
+// The operations that the two controls implement differently. A specialization must be declared before its first use,
+// and on Windows it does not inherit the export attribute of its class.
 #define SONAVIT_OWN_ANSWERS_OF(Policy)                                                                               \
     template<>                                                                                                       \
     SONAVIT_API unsigned int VolumeController<Policy>::numChannel() const;                                           \
@@ -178,6 +184,6 @@ SONAVIT_OWN_ANSWERS_OF(RegularVolumeController);
 
 #undef SONAVIT_OWN_ANSWERS_OF
 
-// All else is the same for both; the library holds it.
+// The library contains all other operations, which are the same for both.
 extern template class VolumeController<EndpointVolumeController>;
 extern template class VolumeController<RegularVolumeController>;

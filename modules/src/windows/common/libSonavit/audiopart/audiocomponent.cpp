@@ -19,7 +19,7 @@ AudioComponent<I>::AudioComponent(const typename COMPtr<I>::pointer& component)
     SONAVIT_TRACE(partlog, "AudioComponent::AudioComponent");
 }
 
-// The label names connectors for subunits as well; readers of the log match on it.
+// Required behaviour: the label names a connector even for a subunit; readers of the log match it.
 template<class I>
 AudioComponent<I>::AudioComponent(const COMPtr<IPart>::pointer& part)
 {
@@ -27,7 +27,7 @@ AudioComponent<I>::AudioComponent(const COMPtr<IPart>::pointer& part)
     if (part.get() == nullptr)
         return;
     I* component = nullptr;
-    interfacequery::query(*part, component); // the pointer decides
+    interfacequery::query(*part, component); // the HRESULT is ignored on purpose: a null pointer means failure
     if (component == nullptr)
         return;
     m_component = component;
@@ -96,7 +96,9 @@ GUID AudioComponent<I>::subType() const
 template<class I>
 qor::String AudioComponent<I>::deviceOwner() const
 {
-    const AudioDeviceTopology topology(m_part.topology());
+    COMPtr<IDeviceTopology>::pointer handle = m_part.topology();
+    const AudioDeviceTopology topology(handle);
+    handle = nullptr; // released by a statement of its own: if Release throws, the snapshot is released, too
     return topology.deviceOwner();
 }
 

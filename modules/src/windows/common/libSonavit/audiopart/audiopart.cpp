@@ -1,8 +1,22 @@
 #include "libSonavit/audiopart.h"
 
 #include "COM/interfacequery.h"
+#include "COM/tasktext.h"
 #include "libSonavit/audiopart/log.h"
-#include "qor/exception.h"
+#include "libSonavit/precondition.h"
+
+namespace
+{
+/// Copies the parts of the latest walk into the caller's list, by way of a copy of their own: in
+/// `parts[0].incomingPartsList(parts)` the list holds the part that is asked, and the assignment destroys that part,
+/// with its cache, before it copies anything.
+unsigned int copyCache(const qor::Array<AudioPart>& cache, qor::Array<AudioPart>& list)
+{
+    const qor::Array<AudioPart> copy(cache); // NOLINT(performance-unnecessary-copy-initialization): see above
+    list = copy;
+    return list.size();
+}
+}
 
 AudioPart::AudioPart() : m_subType() {}
 
@@ -25,7 +39,7 @@ AudioPart::AudioPart(I* component) : m_subType()
         return;
     IPart* part = nullptr;
     if (SUCCEEDED(interfacequery::query(*component, part)))
-        m_part = part; // what stands beside a failure is nobody's
+        m_part = part; // what the platform stores along with a failure is not the library's to release
     initialize();
 }
 
@@ -39,7 +53,7 @@ AudioPart& AudioPart::operator=(const AudioPart& other)
 {
     if (this == &other)
         return *this;
-    // The other part may stand in one of the lists that are replaced.
+    // One of the lists that are replaced may contain the other part.
     const qor::Array<AudioPart> incoming(other.m_incomingParts);
     const qor::Array<AudioPart> outgoing(other.m_outgoingParts);
     m_part = other.m_part;
@@ -70,13 +84,27 @@ AudioPart& AudioPart::operator=(const COMPtr<IPart>::pointer& part)
 unsigned int AudioPart::incomingPartsList(qor::Array<AudioPart>& list)
 {
     SONAVIT_TRACE(partlog, "AudioPart::incomingPartsList");
-    return walk(&IPart::EnumPartsIncoming, "Unable to enumerate incoming parts", m_incomingParts, list);
+    IPartsList* parts = nullptr;
+    if (FAILED(m_part->EnumPartsIncoming(&parts)))
+    {
+        SONAVIT_LOG(partlog, LOG_ERROR, out.append("Unable to enumerate incoming parts"));
+        return 0;
+    }
+    storePartsList(parts, m_incomingParts);
+    return copyCache(m_incomingParts, list);
 }
 
 unsigned int AudioPart::outgoingPartsList(qor::Array<AudioPart>& list)
 {
     SONAVIT_TRACE(partlog, "AudioPart::outgoingPartsList");
-    return walk(&IPart::EnumPartsOutgoing, "Unable to enumerate outgoing parts", m_outgoingParts, list);
+    IPartsList* parts = nullptr;
+    if (FAILED(m_part->EnumPartsOutgoing(&parts)))
+    {
+        SONAVIT_LOG(partlog, LOG_ERROR, out.append("Unable to enumerate outgoing parts"));
+        return 0;
+    }
+    storePartsList(parts, m_outgoingParts);
+    return copyCache(m_outgoingParts, list);
 }
 
 bool AudioPart::operator==(const AudioPart& other) const
@@ -110,14 +138,14 @@ COMPtr<IDeviceTopology>::pointer AudioPart::topology() const
     if (m_part.get() == nullptr)
         return nullptr;
     IDeviceTopology* topology = nullptr;
-    m_part->GetTopologyObject(&topology); // the pointer decides
+    m_part->GetTopologyObject(&topology); // the HRESULT is ignored on purpose: a null pointer means failure
     if (topology == nullptr)
         SONAVIT_LOG(partlog, LOG_WARNING, out.append("Unable to get topology object from part ").append(m_name));
     return topology;
 }
 
-/// Reads the snapshot. No result is looked at: what a call leaves in its place is what counts. An id that did not come
-/// reads as the empty text, whereas a name that did not come leaves the name as it was.
+/// Reads the snapshot. All three HRESULTs are ignored on purpose: only what a call stores counts. Without an id from
+/// the platform the id becomes empty, whereas without a name the old name stays.
 void AudioPart::initialize()
 {
     SONAVIT_TRACE(partlog, "AudioPart::initialize()");
@@ -125,44 +153,22 @@ void AudioPart::initialize()
         return;
     m_part->GetSubType(&m_subType);
 
-    LPWSTR globalId = nullptr;
-    m_part->GetGlobalId(&globalId);
-    m_globalId = platform::ucs2(globalId);
-    CoTaskMemFree(globalId);
-
-    LPWSTR name = nullptr;
-    m_part->GetName(&name);
-    if (name != nullptr)
     {
-        m_name = platform::ucs2(name);
-        CoTaskMemFree(name);
+        TaskText globalId;
+        m_part->GetGlobalId(globalId.put());
+        m_globalId = platform::ucs2(globalId.get());
     }
+    TaskText name(TaskText::NullText::skipped);
+    m_part->GetName(name.put());
+    if (name.get() != nullptr)
+        m_name = platform::ucs2(name.get());
 }
 
-/// Both ways to the neighbours, see incomingPartsList(). The list may hold the very part that is asked, as in
-/// `parts[0].incomingPartsList(parts)`. That part goes with the list's old elements, and its cache with it, so the list
-/// is filled from a copy.
-unsigned int AudioPart::walk(Enumeration enumeration, const char* failure, qor::Array<AudioPart>& cache,
-                             qor::Array<AudioPart>& list)
-{
-    IPartsList* parts = nullptr;
-    if (FAILED((m_part.get()->*enumeration)(&parts)))
-    {
-        SONAVIT_LOG(partlog, LOG_ERROR, out.append(failure));
-        return 0;
-    }
-    storePartsList(parts, cache);
-    const qor::Array<AudioPart> copy(cache); // NOLINT(performance-unnecessary-copy-initialization): see above
-    list = copy;
-    return list.size();
-}
-
-/// The list is borrowed and stays with the platform, see incomingPartsList().
+/// Replaces @p parts by the parts of the platform's list, which stays unreleased: see incomingPartsList().
 unsigned int AudioPart::storePartsList(IPartsList* list, qor::Array<AudioPart>& parts)
 {
     SONAVIT_TRACE(partlog, "AudioPart::storePartsList");
-    if (list == nullptr)
-        throw qor::AssertionFailure(__FILE__, __LINE__, "partlist != NULL");
+    precondition::check(list != nullptr, __FILE__, __LINE__, "partlist != NULL");
     parts.clear();
     UINT count = 0;
     list->GetCount(&count);

@@ -12,23 +12,9 @@ qor::String guidText(GUID guid)
     return guidToString(&guid);
 }
 
-/// Appends copies of the endpoints that match and are in one of the states of @p filter to @p result.
-/// @return the number appended
-template<class Condition>
-unsigned int appendMatching(const qor::Array<AudioDevice>& searchFrom, const Condition& matches,
-                            qor::Array<AudioDevice>& result, unsigned int filter)
+bool isInOneOf(unsigned int filter, const AudioDeviceInterface::Properties& properties)
 {
-    const unsigned int sizeBefore = result.size();
-    for (unsigned int i = 0; i < searchFrom.size(); ++i)
-    {
-        const AudioDeviceInterface::Properties& properties = searchFrom[i].deviceProperty();
-        if (!matches(properties) || (properties.deviceState & filter) == 0)
-            continue;
-        result.append(searchFrom[i]);
-        SONAVIT_LOG(soundcardlog, LOG_DEBUG, out.append("Appending device ").append(properties.endpointType));
-    }
-    SONAVIT_LOG(soundcardlog, LOG_DEBUG, out.append("Number of found device = ").append(decimalText(result.size() - sizeBefore)));
-    return result.size() - sizeBefore;
+    return (properties.deviceState & filter) != 0;
 }
 }
 
@@ -88,7 +74,7 @@ unsigned int SoundCard::waveOutEndpointDevice(qor::Array<AudioDevice>& result, u
     return headphones + findEndpoint(*m_playbackDevices, KSNODETYPE_SPEAKER, result, filter);
 }
 
-// The only one of the five without a scope of its own.
+// Required behaviour: the only one of the five without a trace scope of its own.
 unsigned int SoundCard::microphoneEndpointDevice(qor::Array<AudioInterfacePtr>& result)
 {
     return findEndpoint(*m_recordDevices, KSNODETYPE_MICROPHONE, result);
@@ -119,7 +105,7 @@ unsigned int SoundCard::spdifOutEndpointDevice(qor::Array<AudioInterfacePtr>& re
     return findEndpoint(*m_playbackDevices, KSNODETYPE_SPDIF_INTERFACE, result);
 }
 
-// The label names no operation of the class; readers of the log know it as it is.
+// Required behaviour: the label names no operation of the class; readers of the log match it.
 unsigned int SoundCard::allPlaybackDevice(qor::Array<AudioDevice>& result, unsigned int filter) const
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::allActiveEndpointDevice");
@@ -139,22 +125,40 @@ unsigned int SoundCard::findEndpoint(const qor::Array<AudioDevice>& searchFrom, 
         soundcardlog,
         "SoundCard::findEndpoint(const Array<AudioDevice>& searchFrom, Array<AudioDevice>& result, Uint32 filter)");
     SONAVIT_LOG(soundcardlog, LOG_DEBUG, out.append("searchFrom.size() = ").append(decimalText(searchFrom.size())).append(" device filter = ").append(decimalText(filter)));
-    const auto isAny = [](const AudioDeviceInterface::Properties&) { return true; };
-    return appendMatching(searchFrom, isAny, result, filter);
+    const unsigned int sizeBefore = result.size();
+    for (unsigned int i = 0; i < searchFrom.size(); ++i)
+    {
+        const AudioDeviceInterface::Properties& properties = searchFrom[i].deviceProperty();
+        if (!isInOneOf(filter, properties))
+            continue;
+        result.append(searchFrom[i]);
+        SONAVIT_LOG(soundcardlog, LOG_DEBUG, out.append("Appending device ").append(properties.endpointType));
+    }
+    SONAVIT_LOG(soundcardlog, LOG_DEBUG, out.append("Number of found device = ").append(decimalText(result.size() - sizeBefore)));
+    return result.size() - sizeBefore;
 }
 
+/// Repeats the search above on purpose: the line number of a log record tells the two operations apart.
 unsigned int SoundCard::findEndpoint(const qor::Array<AudioDevice>& searchFrom, const GUID& deviceType,
                                      qor::Array<AudioDevice>& result, unsigned int filter) const
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::findEndpoint(const Array<AudioDevice>& searchFrom, const GUID& deviceType, "
                                 "Array<AudioDevice>& result, Uint32 filter)");
     SONAVIT_LOG(soundcardlog, LOG_DEBUG, out.append("searchFrom.size() = ").append(decimalText(searchFrom.size())).append(" device filter = ").append(decimalText(filter)).append(" DeviceGUID ").append(guidText(deviceType)));
-    const auto isOfTheType = [&deviceType](const AudioDeviceInterface::Properties& properties)
-    { return properties.subType == deviceType; };
-    return appendMatching(searchFrom, isOfTheType, result, filter);
+    const unsigned int sizeBefore = result.size();
+    for (unsigned int i = 0; i < searchFrom.size(); ++i)
+    {
+        const AudioDeviceInterface::Properties& properties = searchFrom[i].deviceProperty();
+        if (properties.subType != deviceType || !isInOneOf(filter, properties))
+            continue;
+        result.append(searchFrom[i]);
+        SONAVIT_LOG(soundcardlog, LOG_DEBUG, out.append("Appending device ").append(properties.endpointType));
+    }
+    SONAVIT_LOG(soundcardlog, LOG_DEBUG, out.append("Number of found device = ").append(decimalText(result.size() - sizeBefore)));
+    return result.size() - sizeBefore;
 }
 
-/// The label calls the list const; it is not, as the result keeps pointers into it.
+/// Required behaviour: the label calls the list const. It is not, because the result keeps pointers into it.
 unsigned int SoundCard::findEndpoint(qor::Array<AudioDevice>& searchFrom, const GUID& deviceType,
                                      qor::Array<AudioInterfacePtr>& result)
 {

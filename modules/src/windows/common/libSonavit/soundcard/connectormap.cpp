@@ -3,6 +3,7 @@
 #include "COM/tasktext.h"
 #include "libSonavit/soundcard/listsearch.h"
 #include "libSonavit/soundcard/log.h"
+#include "libSonavit/soundcard/pendingreference.h"
 
 namespace
 {
@@ -12,37 +13,38 @@ void appendIds(const qor::Array<AudioDevice>& devices, qor::Array<qor::String>& 
         ids.append(devices[i].deviceProperty().deviceId);
 }
 
-/// Id of the device on the far side; empty where the platform gives none, or has given no connector to ask.
+/// Id of the device on the far side; empty if the platform reports none, or if there is no connector to ask.
 qor::String farDeviceId(const COMPtr<IConnector>::pointer& connector)
 {
     TaskText id;
     if (connector.get() != nullptr)
-        connector->GetDeviceIdConnectedTo(id.put()); // the pointer decides
+        connector->GetDeviceIdConnectedTo(id.put()); // the HRESULT is ignored on purpose: null means that there is none
     return qor::String(platform::ucs2(id.get()));
 }
 
-/// The connector on the far side, or null.
-IConnector* farConnector(const COMPtr<IConnector>::pointer& connector)
+/// Stores the connector on the far side of @p component in @p peer, or nothing.
+void findPeer(const AudioComponent<IConnector>& component, PendingReference<IConnector>& peer)
 {
-    IConnector* peer = nullptr;
+    const COMPtr<IConnector>::pointer connector = component.component();
+    IConnector* found = nullptr;
     if (connector.get() != nullptr)
-        connector->GetConnectedTo(&peer); // the pointer decides
-    return peer;
+        connector->GetConnectedTo(&found); // the HRESULT is ignored on purpose: null means that there is none
+    peer.adopt(found);
 }
 }
 
 void SoundCard::initializeConnectorMap()
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::initializeConnectorMap");
-    // Only the map starts anew. The devices on the adapter side stay, as copies of the card share them; a second build
-    // takes them for known and leaves their connectors out, so discovery builds each map once.
+    // Only the map starts anew. The devices on the adapter side stay, because copies of the card share them. A second
+    // build treats them as known and omits their connectors, so discovery builds each map once.
     m_connectorMap.clear();
     registerConnectors(*m_playbackDevices);
     registerConnectors(*m_recordDevices);
     qor::Array<qor::String> knownDevices;
     appendIds(*m_playbackDevices, knownDevices);
     appendIds(*m_recordDevices, knownDevices);
-    for (unsigned int i = 0; i < m_connectorMap.size(); ++i) // the map grows meanwhile
+    for (unsigned int i = 0; i < m_connectorMap.size(); ++i) // the map grows during this pass
         followConnector(i, knownDevices);
     for (unsigned int i = 0; i < m_connectorMap.size(); ++i)
         linkWithinTopology(i);
@@ -70,10 +72,11 @@ void SoundCard::registerConnectors(const AudioDeviceTopology& deviceTopology)
     }
 }
 
-/// Looks behind the connector of a node: a new device there joins the card, and the join itself is recorded. The device
-/// is opened in any case, before it is known whether it is new. Ids count as known only when they are spelled alike,
-/// devices without regard to case: an endpoint of the card that a connector names in another case becomes an internal
-/// device as well, and what follows from that is in the graphs that callers know.
+/// Follows the connector of a node to its far side: registers a new device there, then records the join itself.
+///
+/// Required behaviour: the far device is always opened, even if it is known already. Ids count as known only if they
+/// are equal in case, whereas devices are compared without regard to case: an endpoint of the card that a connector
+/// names in another case becomes an internal device, too. Callers rely on the graphs that follow from this.
 void SoundCard::followConnector(unsigned int index, qor::Array<qor::String>& knownDevices)
 {
     const qor::String farId = farDeviceId(m_connectorMap[index].connector.component());
@@ -83,7 +86,7 @@ void SoundCard::followConnector(unsigned int index, qor::Array<qor::String>& kno
     linkToPeer(index);
 }
 
-/// Where the far device cannot be opened, this side of the connector is registered instead, and the far side stays
+/// If the far device cannot be opened, registers the topology on this side of the connector instead; the far side stays
 /// unknown.
 void SoundCard::registerFarDevice(const AudioDevice& farDevice, const qor::String& farId, unsigned int index,
                                   qor::Array<qor::String>& knownDevices)
@@ -92,7 +95,7 @@ void SoundCard::registerFarDevice(const AudioDevice& farDevice, const qor::Strin
     {
         m_internalDevices->append(farDevice);
         knownDevices.append(farId);
-        registerConnectors(*m_internalDevices); // the whole list again: what is in the map already is passed over
+        registerConnectors(*m_internalDevices); // the whole list again; connectors in the map are skipped
         return;
     }
     const AudioDeviceTopology nearTopology(m_connectorMap[index].connector);
@@ -103,19 +106,20 @@ void SoundCard::registerFarDevice(const AudioDevice& farDevice, const qor::Strin
     knownDevices.append(owner);
 }
 
-/// Records the join to the connector on the far side. One that is not in the map is recorded as 0xFFFFFFFF, unfiltered:
-/// whoever walks the map is to notice that it is incomplete there.
+/// Records the join to the connector on the far side. Required behaviour: a connector that is not in the map is
+/// recorded as 0xFFFFFFFF, so that a walk of the map raises an exception at the gap.
 void SoundCard::linkToPeer(unsigned int index)
 {
-    IConnector* const peer = farConnector(m_connectorMap[index].connector.component());
-    if (peer == nullptr)
+    PendingReference<IConnector> peer;
+    findPeer(m_connectorMap[index].connector, peer);
+    if (peer.get() == nullptr)
         return;
-    const AudioComponent<IConnector> peerConnector(peer);
+    const AudioComponent<IConnector> peerConnector(peer.take());
     m_connectorMap[index].links.append(nodeIndex(peerConnector));
 }
 
-/// Records the signal paths between the connector of a node and those of all later nodes, in both directions. Pairs
-/// across two devices are tested like the others: whether a path leaves a device is for the platform to say.
+/// Records the signal paths between the connector of a node and those of all later nodes, in both directions. Pairs of
+/// different devices are tested, too: the platform decides whether a path leaves a device.
 void SoundCard::linkWithinTopology(unsigned int index)
 {
     const AudioDeviceTopology topology(m_connectorMap[index].connector);

@@ -14,7 +14,7 @@ void enumerateSoundCards(qor::Array<BorrowedPointer<SoundCardInterface>>& cards)
     {
         auto card = std::make_unique<SoundCard>(found[i]);
         cards.append(BorrowedPointer<SoundCardInterface>(card.get()));
-        static_cast<void>(card.release()); // the caller's, now that the list has it
+        static_cast<void>(card.release()); // the caller owns it, now that the list contains it
     }
 }
 
@@ -28,8 +28,8 @@ qor::Array<SoundCard> SoundCard::enumerateSystemSoundDevices()
         SONAVIT_LOG(soundcardlog, LOG_WARNING, out.append("Faild to initialize endpoint device enumerator"));
         return qor::Array<SoundCard>();
     }
-    // The record side goes first, and a card stands where its first endpoint came up: so cards with a record endpoint
-    // are ahead of all others, an order that callers count on.
+    // The record side comes first, and cards keep the order of their first endpoints. Cards with a record endpoint thus
+    // precede all others; callers rely on that order.
     for (const EDataFlow flow : {eCapture, eRender})
     {
         qor::Array<AudioDevice> devices;
@@ -37,14 +37,14 @@ qor::Array<SoundCard> SoundCard::enumerateSystemSoundDevices()
         for (unsigned int i = 0; i < count; ++i)
             enumerateSystemSoundDevices(devices[i], flow, deviceTable);
     }
-    // Only now: the map of a card needs its endpoints of both flows.
+    // Not earlier: the map of a card needs the endpoints of both flows.
     for (unsigned int i = 0; i < deviceTable.size(); ++i)
         deviceTable.values()[i].initializeConnectorMap();
     return deviceTable.values();
 }
 
-/// Files an endpoint under its card, which is made if it is the first of its instance path. The path is compared as it
-/// is, and an empty one is a path like any other.
+/// Adds an endpoint to its card, and creates the card for the first endpoint of an instance path. Paths are compared
+/// exactly, case included; the empty path is a path like any other.
 void SoundCard::enumerateSystemSoundDevices(const AudioDevice& audioDevice, EDataFlow dataFlow,
                                             qor::OrderedHashTable<qor::String, SoundCard>& deviceTable)
 {
@@ -71,8 +71,8 @@ bool SoundCard::createSoundCard(const qor::String& id, SoundCard& card)
     for (unsigned int i = 0; i < cards.size(); ++i)
     {
         SoundCard& candidate = cards[i];
-        // The instance id is asked for anew each time, and a card that has none warns each time: readers of the log
-        // count on every one of these lines.
+        // Required behaviour: each use calls instanceId() again, which logs a warning each time if the card has none.
+        // Readers of the log count these records.
         qor::String parent;
         if (libOSWindows::ConfigManager::getParentDeviceInstanceId(candidate.instanceId(), parent))
             SONAVIT_LOG(soundcardlog, LOG_INFO, out.append("Parent device id = ").append(parent).append(" device id =").append(candidate.instanceId()));
@@ -80,7 +80,7 @@ bool SoundCard::createSoundCard(const qor::String& id, SoundCard& card)
             SONAVIT_LOG(soundcardlog, LOG_WARNING, out.append("Unable to get parent id from the child id ").append(candidate.instanceId()));
         SONAVIT_LOG(soundcardlog, LOG_INFO, out.append(candidate.instanceId()));
         SONAVIT_LOG(soundcardlog, LOG_INFO, out.append(id));
-        // A card without a parent is a candidate like the others: its parent reads as the empty text.
+        // Required behaviour: a card without a parent is compared, too. Its parent is the empty string.
         if (qor::String::compareNoCase(candidate.instanceId(), id) == 0 || qor::String::compareNoCase(id, parent) == 0)
         {
             card = candidate;

@@ -3,17 +3,24 @@
 #include "COM/identifiers.h"
 #include "COM/resultcode.h"
 #include "libSonavit/soundcard/log.h"
+#include "libSonavit/soundcard/pendingreference.h"
 
 namespace
 {
-/// The input selector of a subunit, or nil. There is no part to ask where the platform has given no subunit, or one
-/// that is no part.
-COMPtr<IAudioInputSelector>::pointer selectorOf(const COMPtr<IPart>::pointer& part)
+/// The input selector of a subunit, or nil. A subunit that the platform reported and did not hand out has no part to
+/// ask, nor has one that does not implement IPart.
+COMPtr<IAudioInputSelector>::pointer activateSelector(const AudioComponent<ISubunit>& subunit)
 {
-    void* selector = nullptr;
-    if (part.get() != nullptr)
-        part->Activate(CLSCTX_ALL, IID_IAudioInputSelector, &selector); // the pointer decides
-    return static_cast<IAudioInputSelector*>(selector);
+    PendingReference<IAudioInputSelector> selector;
+    {
+        const AudioPart audioPart = subunit.part();
+        const COMPtr<IPart>::pointer part = audioPart.part();
+        void* object = nullptr;
+        if (part.get() != nullptr)
+            part->Activate(CLSCTX_ALL, IID_IAudioInputSelector, &object); // HRESULT ignored on purpose: null means none
+        selector.adopt(static_cast<IAudioInputSelector*>(object));
+    }
+    return selector.take();
 }
 }
 
@@ -29,7 +36,7 @@ unsigned int SoundCard::recordingMux(qor::Array<COMPtr<IAudioInputSelector>::poi
         const qor::Array<AudioComponent<ISubunit>> subunits = topology.subunit();
         for (unsigned int j = 0; j < subunits.size(); ++j)
         {
-            const COMPtr<IAudioInputSelector>::pointer selector = selectorOf(subunits[j].part().part());
+            const COMPtr<IAudioInputSelector>::pointer selector = activateSelector(subunits[j]);
             if (selector.get() == nullptr)
                 continue;
             SONAVIT_LOG(soundcardlog, LOG_INFO, out.append("Found an input selector from device ").append(devices[i].deviceProperty().friendlyName));

@@ -1,4 +1,4 @@
-/// The searches through a card's lists; included by this module's source files only.
+/// Searches in the lists of a card; included by this module's source files only.
 #pragma once
 
 #include "libSonavit/audiodeviceendpoint.h"
@@ -6,10 +6,10 @@
 
 namespace listsearch
 {
-/// The answer of a search that finds nothing; negative as a signed number.
+/// The result of a search that finds nothing; negative as a signed number.
 inline constexpr unsigned int notFound = 0xFFFFFFFF;
 
-/// The sign alone tells a hit, so no list of more than 0x7FFFFFFF elements can be searched.
+/// Whether a search found something. The sign decides, so a list of more than 0x7FFFFFFF elements cannot be searched.
 inline bool isHit(unsigned int index)
 {
     return static_cast<int>(index) >= 0;
@@ -27,7 +27,7 @@ unsigned int indexWhere(const qor::Array<T>& list, const Condition& matches)
     return notFound;
 }
 
-/// Index of the first device that has the endpoint id of @p device, in any case, or notFound.
+/// Index of the first device that has the endpoint id of @p device, without regard to case, or notFound.
 inline unsigned int indexOf(const qor::Array<AudioDevice>& devices, const AudioDevice& device)
 {
     return indexWhere(devices, [&device](const AudioDevice& element) { return element == device; });

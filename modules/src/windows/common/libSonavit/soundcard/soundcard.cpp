@@ -12,8 +12,7 @@ SoundCardInterface::~SoundCardInterface() noexcept(false) = default;
 
 namespace
 {
-/// The updater as what the platform knows it by, with a reference of its own: the handle adopts the one that is added
-/// here.
+/// The updater under the interface that the platform calls. The handle adopts the reference that is added here.
 COMPtr<IMMNotificationClient>::pointer notificationClient(
     const COMPtr<SoundCard::SoundCardDeviceUpdater>::pointer& updater)
 {
@@ -47,7 +46,7 @@ SoundCard::SoundCard()
 SoundCard::SoundCard(const SoundCard& other) = default;
 SoundCard& SoundCard::operator=(const SoundCard& other) = default;
 
-/// The updater stays registered. Whoever still holds an observer on this card, or a copy of it, counts on that.
+/// Required behaviour: the updater stays registered. Copies of this card and its observers rely on that.
 SoundCard::~SoundCard() noexcept(false)
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::~SoundCard()");

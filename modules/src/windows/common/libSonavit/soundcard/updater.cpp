@@ -11,21 +11,8 @@ namespace
 typedef SharedPointer<qor::Array<AudioDevice>> DeviceList;
 typedef SharedPointer<qor::Array<BorrowedPointer<SoundCardObserver>>> ObserverList;
 
-/// Makes @p share one of what @p offered holds, unless that is nil: then the share stays and @p refusal is logged.
-template<class Handle>
-bool takeShare(Handle& share, const Handle& offered, const char* refusal)
-{
-    if (offered.get() == nullptr)
-    {
-        SONAVIT_LOG(soundcardlog, LOG_WARNING, out.append(refusal));
-        return false;
-    }
-    share = offered;
-    return true;
-}
-
-/// What belongs to the side of @p device: @p playback or @p record; nil if the device is not of the card @p ownerId. A
-/// device whose flow is not known goes to the record side.
+/// @p playback or @p record, by the data flow of @p device; nil if the device does not belong to the card @p ownerId. A
+/// device whose flow cannot be read belongs to the record side.
 template<class Handle>
 Handle sideOf(const AudioDevice& device, const qor::String& ownerId, const Handle& playback, const Handle& record)
 {
@@ -36,8 +23,8 @@ Handle sideOf(const AudioDevice& device, const qor::String& ownerId, const Handl
     return flow == eRender ? playback : record;
 }
 
-/// Calls all observers, those included that register while it goes on.
-void tell(const ObserverList& observers, void (SoundCardObserver::*event)())
+/// Calls all observers, including those that register during the calls.
+void notify(const ObserverList& observers, void (SoundCardObserver::*event)())
 {
     if (observers.get() == nullptr)
         return;
@@ -65,29 +52,53 @@ void SoundCard::SoundCardDeviceUpdater::setOwnerId(const SharedPointer<qor::Stri
     m_ownerId = ownerId;
 }
 
-// This label lacks a pair of colons; readers of the log match on it as it is.
+// Required behaviour: the label lacks a pair of colons; readers of the log match it.
 bool SoundCard::SoundCardDeviceUpdater::setRecordDeviceList(const DeviceList& list)
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdatersetRecordDeviceList");
-    return takeShare(m_recordDeviceList, list, "Cannot use an empty eCapture device list");
+    if (list.get() == nullptr)
+    {
+        SONAVIT_LOG(soundcardlog, LOG_WARNING, out.append("Cannot use an empty eCapture device list"));
+        return false;
+    }
+    m_recordDeviceList = list;
+    return true;
 }
 
 bool SoundCard::SoundCardDeviceUpdater::setPlaybackDeviceList(const DeviceList& list)
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::setPlaybackDeviceList");
-    return takeShare(m_playbackDeviceList, list, "Cannot use an empty eRender device list");
+    if (list.get() == nullptr)
+    {
+        SONAVIT_LOG(soundcardlog, LOG_WARNING, out.append("Cannot use an empty eRender device list"));
+        return false;
+    }
+    m_playbackDeviceList = list;
+    return true;
 }
 
 bool SoundCard::SoundCardDeviceUpdater::setPlaybackObserver(const ObserverList& observers)
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::setPlaybackObserver");
-    return takeShare(m_playbackObserver, observers, "Cannot use NULL pointer");
+    if (observers.get() == nullptr)
+    {
+        SONAVIT_LOG(soundcardlog, LOG_WARNING, out.append("Cannot use NULL pointer"));
+        return false;
+    }
+    m_playbackObserver = observers;
+    return true;
 }
 
 bool SoundCard::SoundCardDeviceUpdater::setRecordObserver(const ObserverList& observers)
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::setRecordObserver");
-    return takeShare(m_recordObserver, observers, "Cannot use NULL pointer");
+    if (observers.get() == nullptr)
+    {
+        SONAVIT_LOG(soundcardlog, LOG_WARNING, out.append("Cannot use NULL pointer"));
+        return false;
+    }
+    m_recordObserver = observers;
+    return true;
 }
 
 HRESULT SoundCard::SoundCardDeviceUpdater::QueryInterface(REFIID iid, void** object)
@@ -103,7 +114,7 @@ HRESULT SoundCard::SoundCardDeviceUpdater::QueryInterface(REFIID iid, void** obj
     return S_OK;
 }
 
-// The two operations share one label.
+// Required behaviour: the two operations share one label.
 ULONG SoundCard::SoundCardDeviceUpdater::AddRef()
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::Release");
@@ -132,8 +143,8 @@ HRESULT SoundCard::SoundCardDeviceUpdater::OnDeviceStateChanged(LPCWSTR deviceId
     const unsigned int index = listsearch::indexOf(*devices, device);
     if (!listsearch::isHit(index))
         return E_FAIL;
-    (*devices)[index].refreshDeviceState(); // asks the platform: the state that came with the event may be old by now
-    tell(observers, &SoundCardObserver::onDeviceStateChanged);
+    (*devices)[index].refreshDeviceState(); // reads the state from the platform: newState may be out of date
+    notify(observers, &SoundCardObserver::onDeviceStateChanged);
     return S_OK;
 }
 
@@ -144,8 +155,8 @@ HRESULT SoundCard::SoundCardDeviceUpdater::OnDeviceAdded(LPCWSTR deviceId)
     const DeviceList devices = selectDeviceList(device);
     const ObserverList observers = selectObserver(device);
     if (devices.get() != nullptr)
-        devices->append(device); // also one that is there already: nobody looks, and a removal takes out the first
-    tell(observers, &SoundCardObserver::onDeviceAdded);
+        devices->append(device); // even a duplicate: required behaviour, and a removal removes the first
+    notify(observers, &SoundCardObserver::onDeviceAdded);
     return S_OK;
 }
 
@@ -162,7 +173,7 @@ HRESULT SoundCard::SoundCardDeviceUpdater::OnDeviceRemoved(LPCWSTR deviceId)
             return E_FAIL;
         devices->remove(index);
     }
-    tell(observers, &SoundCardObserver::onDeviceRemoved); // unlike a change of state, also without a list
+    notify(observers, &SoundCardObserver::onDeviceRemoved); // even without a list, unlike a change of state
     return S_OK;
 }
 
@@ -172,21 +183,21 @@ HRESULT SoundCard::SoundCardDeviceUpdater::OnDefaultDeviceChanged(EDataFlow, ERo
     return S_OK;
 }
 
-// This label lacks a pair of colons; readers of the log match on it as it is.
+// Required behaviour: the label lacks a pair of colons; readers of the log match it.
 HRESULT SoundCard::SoundCardDeviceUpdater::OnPropertyValueChanged(LPCWSTR, const PROPERTYKEY)
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdaterOnPropertyValueChanged");
     return S_OK;
 }
 
-/// The list that @p device belongs in; nil if it is of another card.
+/// The list for @p device; nil if the device belongs to another card.
 DeviceList SoundCard::SoundCardDeviceUpdater::selectDeviceList(const AudioDevice& device) const
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::selectDeviceList");
     return sideOf(device, *m_ownerId, m_playbackDeviceList, m_recordDeviceList);
 }
 
-/// The observers of the side that @p device belongs to; nil if it is of another card.
+/// The observers for the side of @p device; nil if the device belongs to another card.
 ObserverList SoundCard::SoundCardDeviceUpdater::selectObserver(const AudioDevice& device) const
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::selectObserver");

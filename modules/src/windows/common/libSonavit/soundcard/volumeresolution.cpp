@@ -3,46 +3,53 @@
 #include "COM/identifiers.h"
 #include "libSonavit/soundcard/listsearch.h"
 #include "libSonavit/soundcard/log.h"
+#include "libSonavit/soundcard/pendingreference.h"
 
 namespace
 {
 typedef unsigned int (AudioPart::*Side)(qor::Array<AudioPart>& list);
 
-/// The parts next to @p part on one side. An empty part, as of a connector that is none, has no neighbours.
-qor::Array<AudioPart> neighbours(const AudioPart& part, Side side)
+/// Replaces the empty @p list by the parts next to @p part on one side. An empty part has no neighbours: a connector
+/// that is not a part has one.
+void readNeighbours(const AudioPart& part, Side side, qor::Array<AudioPart>& list)
 {
-    qor::Array<AudioPart> list;
     if (part.part().get() == nullptr)
-        return list;
-    AudioPart walked(part); // a walk writes down in its part what it finds
+        return;
+    AudioPart walked(part); // the walk stores its result in the part, too
     (walked.*side)(list);
-    return list;
 }
 
-/// The mute of the part, or nil if it gives none.
-COMPtr<IAudioMute>::pointer activateMute(const AudioPart& part)
+/// The control @p I of the part, or nil if the part has none. What the platform stores along with a failure is ignored.
+template<class I>
+typename COMPtr<I>::pointer activate(const AudioPart& audioPart, const IID& iid)
 {
-    void* mute = nullptr;
-    if (FAILED(part.part()->Activate(CLSCTX_ALL, IID_IAudioMute, &mute)))
-        return nullptr;
-    return static_cast<IAudioMute*>(mute);
+    PendingReference<I> control;
+    {
+        const COMPtr<IPart>::pointer part = audioPart.part();
+        void* object = nullptr;
+        if (SUCCEEDED(part->Activate(CLSCTX_ALL, iid, &object)))
+            control.adopt(static_cast<I*>(object));
+    }
+    return control.take();
 }
 }
 
-// The label names another class; readers of the log know it as it is.
+// Required behaviour: the label names another class; readers of the log match it.
 unsigned int SoundCard::volumeController(const AudioDevice& endpoint, qor::Array<VolumeController>& result) const
 {
     SONAVIT_TRACE(soundcardlog, "EndpointDeviceEnumeratorCommon::volumeController(const AudioDevice& endpoint)");
-    const AudioDeviceTopology topology(endpoint.deviceTopology());
+    COMPtr<IDeviceTopology>::pointer handle = endpoint.deviceTopology();
+    const AudioDeviceTopology topology(handle);
+    handle = nullptr; // released by a statement of its own: if Release throws, the snapshot is released, too
     const qor::Array<AudioComponent<IConnector>> connectors = topology.connector();
     result.clear();
-    qor::Array<unsigned int> queue; // nothing is taken out, so it is the set of visited nodes as well
+    qor::Array<unsigned int> queue; // nothing is removed from it, so it is the set of visited nodes, too
     for (unsigned int position = 0; position < connectors.size(); ++position)
     {
         const unsigned int index = nodeIndex(connectors[position]);
-        // It is the position that is tested, not the index. So a connector that is not in the map is queued as well,
-        // and the walk below raises IndexOutOfBounds for it, which is what callers expect of an endpoint that came by
-        // hot plug.
+        // Required behaviour: the test is on the position, not on the index. A connector that is not in the map is
+        // queued like the others, and the walk below raises IndexOutOfBounds for it. Callers rely on that exception for
+        // an endpoint that arrived by hot plug.
         if (position == listsearch::notFound)
             SONAVIT_LOG(soundcardlog, LOG_FATAL, out.append("m_connectorMap is inconsistent. Please review initialization code"));
         else
@@ -62,7 +69,7 @@ unsigned int SoundCard::volumeController(const AudioDevice& endpoint, qor::Array
     return result.size();
 }
 
-/// A caller that holds only the interface gets no controllers from it.
+/// Required behaviour: a caller that has only the interface gets no controllers.
 unsigned int SoundCard::volumeController(const AudioDeviceInterface&,
                                          qor::Array<SharedPointer<VolumeControllerInterface>>&) const
 {
@@ -74,14 +81,17 @@ unsigned int SoundCard::volumeController(const AudioDeviceInterface&,
 bool SoundCard::volumeControllerFromConnector(const AudioComponent<IConnector>& connector,
                                               qor::Array<VolumeController>& result) const
 {
-    const qor::Array<AudioPart> incoming = neighbours(connector.part(), &AudioPart::incomingPartsList);
-    const qor::Array<AudioPart> outgoing = neighbours(connector.part(), &AudioPart::outgoingPartsList);
+    qor::Array<AudioPart> incoming;
+    qor::Array<AudioPart> outgoing;
+    readNeighbours(connector.part(), &AudioPart::incomingPartsList, incoming);
+    readNeighbours(connector.part(), &AudioPart::outgoingPartsList, outgoing);
     if (volumeControllerFromList(incoming, connector, result))
         return true;
     return volumeControllerFromList(outgoing, connector, result);
 }
 
-/// @return whether the list has a volume node, whether or not a control came of it
+/// Appends a record for each volume node of the list that has a level.
+/// @return whether the list has a volume node, even if none of them gives a level
 bool SoundCard::volumeControllerFromList(const qor::Array<AudioPart>& parts,
                                          const AudioComponent<IConnector>& connector,
                                          qor::Array<VolumeController>& result) const
@@ -95,11 +105,10 @@ bool SoundCard::volumeControllerFromList(const qor::Array<AudioPart>& parts,
     }
     for (unsigned int i = 0; i < volumeParts.size(); ++i)
     {
-        VolumeController controller; // before the activation, so that nothing stands between that and the handle
-        void* level = nullptr;
-        if (FAILED(volumeParts[i].part()->Activate(CLSCTX_ALL, IID_IAudioVolumeLevel, &level)))
+        VolumeController controller;
+        controller.volumeLevel = activate<IAudioVolumeLevel>(volumeParts[i], IID_IAudioVolumeLevel);
+        if (controller.volumeLevel.get() == nullptr)
             continue;
-        controller.volumeLevel = static_cast<IAudioVolumeLevel*>(level);
         controller.ownerType = connector.subType();
         controller.ownerName = connector.name();
 
@@ -109,7 +118,7 @@ bool SoundCard::volumeControllerFromList(const qor::Array<AudioPart>& parts,
         volumeParts[i].outgoingPartsList(outgoing);
         qor::Array<AudioPart> muteParts;
         if (partFromList(incoming, KSNODETYPE_MUTE, muteParts) || partFromList(outgoing, KSNODETYPE_MUTE, muteParts))
-            controller.mute = activateMute(muteParts[0]); // of several, the first one counts
+            controller.mute = activate<IAudioMute>(muteParts[0], IID_IAudioMute); // only the first of several
         result.append(controller);
     }
     return true;

@@ -7,7 +7,7 @@ namespace
 using volumecontroller::fractionFromPercent;
 using volumecontroller::truncated;
 
-/// In single precision throughout.
+/// @p scalar, 0.0 to 1.0, in percent, rounded; in single precision throughout.
 unsigned int percentFromScalar(float scalar)
 {
     const float scaled = scalar * 100.0f;
@@ -41,7 +41,7 @@ float VolumeController<EndpointVolumeController>::volumeLevelDecibel(unsigned in
     return level;
 }
 
-// The label is that of the setter; readers of the log match on it.
+// Required behaviour: the label is that of the setter; readers of the log match it.
 template<>
 bool VolumeController<EndpointVolumeController>::volumeRangeDecibel(unsigned int, DbVolumeRange& range) const
 {
@@ -107,14 +107,14 @@ bool VolumeController<EndpointVolumeController>::registerVolumeChangeNotificatio
     }
     if (m_notification.get() != nullptr)
         m_policy.endpointVolume->UnregisterControlChangeNotify(m_notification.get());
-    m_notification = notification; // stays after a refusal as well
+    m_notification = notification; // stays even if the platform refuses it
     const HRESULT result = m_policy.endpointVolume->RegisterControlChangeNotify(m_notification.get());
     if (FAILED(result))
         SONAVIT_LOG(volumelog, LOG_WARNING, out.append("Unable to register control change notification "), out + signExtended(result));
     return SUCCEEDED(result);
 }
 
-/// Claimed in any case, also without an interface: callers of an endpoint's controller rely on the claim.
+/// Required behaviour: true even if the interface is nil. Callers of an endpoint's controller rely on it.
 template<>
 bool VolumeController<EndpointVolumeController>::hasVolumeControl() const
 {
@@ -127,7 +127,7 @@ bool VolumeController<EndpointVolumeController>::hasMuteControl() const
     return true;
 }
 
-/// A copy holds a notification that it did not register, and takes it off all the same.
+/// Required behaviour: a copy unregisters the notification, too, although it did not register it.
 template<>
 VolumeController<EndpointVolumeController>::~VolumeController() noexcept(false)
 {

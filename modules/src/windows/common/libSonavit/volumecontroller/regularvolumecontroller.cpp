@@ -1,13 +1,13 @@
 #include "libSonavit/volumecontroller/sharedoperations.h"
 
-#include "qor/exception.h"
+#include "libSonavit/precondition.h"
 
 namespace
 {
 using volumecontroller::fractionFromPercent;
 using volumecontroller::truncated;
 
-/// Where @p level stands in @p range, 0.0 at the bottom and 1.0 at the top, in single precision.
+/// The place of @p level in @p range, 0.0 at the bottom and 1.0 at the top, in single precision.
 float fractionOf(float level, const VolumeControllerInterface::DbVolumeRange& range)
 {
     return (level - range.minLevel) / (range.maxLevel - range.minLevel);
@@ -27,7 +27,7 @@ unsigned int VolumeController<RegularVolumeController>::volumeLevelPercent(unsig
 {
     SONAVIT_TRACE(volumelog, "VolumeController::volumeLevelPercent");
     DbVolumeRange range = {};
-    volumeRangeDecibel(channel, range); // a range that cannot be read stays zero, and the arithmetic goes on
+    volumeRangeDecibel(channel, range); // the result is ignored on purpose: a range that cannot be read is zero
     const float percent = fractionOf(volumeLevelDecibel(channel), range) * 100.0f;
     return truncated(static_cast<double>(percent) + 0.5);
 }
@@ -41,7 +41,7 @@ float VolumeController<RegularVolumeController>::volumeLevelDecibel(unsigned int
     return level;
 }
 
-// The label is that of the setter; readers of the log match on it.
+// Required behaviour: the label is that of the setter; readers of the log match it.
 template<>
 bool VolumeController<RegularVolumeController>::volumeRangeDecibel(unsigned int channel, DbVolumeRange& range) const
 {
@@ -49,22 +49,21 @@ bool VolumeController<RegularVolumeController>::volumeRangeDecibel(unsigned int 
     return SUCCEEDED(m_policy.volumeLevel->GetLevelRange(channel, &range.minLevel, &range.maxLevel, &range.stepping));
 }
 
-/// The half is added before the fraction becomes percent, so that the answer runs from 50 to 150. Callers have long
-/// been fitted to these numbers; the formula of a channel must not be put in its place.
+/// Required behaviour: 0.5 is added before the multiplication by 100, so that the answer ranges from 50 to 150. Callers
+/// are adapted to these numbers; the formula of a channel must not replace this one.
 template<>
 unsigned int VolumeController<RegularVolumeController>::masterVolumeLevelPercent() const
 {
     SONAVIT_TRACE(volumelog, "VolumeController::masterVolumeLevelPercent");
-    if (numChannel() == 0)
-        throw qor::AssertionFailure(__FILE__, __LINE__, "numChannel() > 0");
+    precondition::check(numChannel() > 0, __FILE__, __LINE__, "numChannel() > 0");
     DbVolumeRange range = {};
-    volumeRangeDecibel(0, range); // stands for all channels
+    volumeRangeDecibel(0, range); // the range of channel 0 counts for all channels
     const float raised = fractionOf(masterVolumeLevelDecibel(), range) + 0.5f;
     const float percent = raised * 100.0f;
     return truncated(percent);
 }
 
-/// The mean of the channels, whose number is asked for on each pass; without channels it is not a number.
+/// The mean of the channels; NaN without channels. Required behaviour: each pass asks for the number of channels again.
 template<>
 float VolumeController<RegularVolumeController>::masterVolumeLevelDecibel() const
 {
@@ -93,7 +92,7 @@ bool VolumeController<RegularVolumeController>::setVolumeLevelDecibel(unsigned i
     return SUCCEEDED(m_policy.volumeLevel->SetLevel(channel, level, nullptr));
 }
 
-/// A part has a master level in decibels only; callers get false, without a message.
+/// Required behaviour: a part has a master level in decibels only. Returns false without a message.
 template<>
 bool VolumeController<RegularVolumeController>::setMasterVolumeLevelPercent(unsigned int)
 {
@@ -107,7 +106,7 @@ bool VolumeController<RegularVolumeController>::setMasterVolumeLevelDecibel(floa
     return SUCCEEDED(m_policy.volumeLevel->SetLevelUniform(level, nullptr));
 }
 
-/// A part does not notify; callers get false, without a message.
+/// Required behaviour: a part does not notify. Returns false without a message.
 template<>
 bool VolumeController<RegularVolumeController>::registerVolumeChangeNotification(
     const COMPtr<VolumeChangeNotification>::pointer&)
