@@ -36,7 +36,7 @@ TEST_F(ConfigManagerParent, LeavesTheTextAloneForAnEmptyId)
     EXPECT_EQ(qor::String("before"), parent);
 }
 
-#if !defined(_WIN32) // there the system's own device tree is asked, which knows nothing of the machine
+#if !defined(_WIN32) // Windows searches its own device tree, which does not contain the machine's devices
 TEST_F(ConfigManagerParent, StoresTheParentInPlaceOfWhatWasThere)
 {
     run(machine);
