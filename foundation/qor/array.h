@@ -2,7 +2,7 @@
 
 #include "qor/exception.h"
 #include "qor/export.h"
-#include "qor/nilattheend.h"
+#include "qor/nullonscopeexit.h"
 #include "qor/qorvalue.h"
 #include "qor/serializable.h"
 #include "qor/string.h"

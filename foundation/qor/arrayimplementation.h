@@ -263,7 +263,7 @@ unsigned int Array<T>::checked(unsigned int index) const
 template<class T>
 void Array<T>::destroyBlock()
 {
-    const NilAtTheEnd<Block> noBlockAfterwards(m_block);
+    const NullOnScopeExit<Block> noBlockAfterwards(m_block);
     destroyBlock(m_block);
 }
 

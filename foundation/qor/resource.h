@@ -7,7 +7,7 @@
 #pragma once
 
 #include "qor/mutex.h"
-#include "qor/nilattheend.h"
+#include "qor/nullonscopeexit.h"
 
 #include <cstdint>
 #include <new>
@@ -45,7 +45,7 @@ struct PointerStorage<X, 0, 3>
     static void release(X*& value) noexcept(false)
     {
         static_assert(sizeof(X) > 0, "the pointee must be complete where it is deleted");
-        const NilAtTheEnd<X> nilAfterwards(value);
+        const NullOnScopeExit<X> nilAfterwards(value);
         delete value;
     }
 };
@@ -66,8 +66,13 @@ public:
     /// The storage's copy step; a COM handle takes a reference of its own.
     CopiedResource(const CopiedResource& other) : m_value(Storage::copy(other.m_value)) {}
 
-    /// The storage's release step.
-    ~CopiedResource() noexcept(false) { Storage::release(m_value); }
+    /// The storage's release step. The handle is nil afterwards, also for a static object that is destroyed later; if
+    /// the release throws, it is as the storage leaves it.
+    ~CopiedResource() noexcept(false)
+    {
+        Storage::release(m_value);
+        storeNull(m_value); // the storage's own store of nil may have been dropped
+    }
 
     /// Takes the new value before it lets go of the old one, so that another handle on the same object can be assigned.
     CopiedResource& operator=(const CopiedResource& other)
@@ -227,8 +232,8 @@ private:
         const AutoMutex lock(SharedResourceLock<Storage, locking>::mutex());
         if (m_count == nullptr)
             return;
-        const NilAtTheEnd<std::int32_t> noCountAfterwards(m_count);
-        const NilAtTheEnd<Element> noValueAfterwards(m_value); // the first of the two to go
+        const NullOnScopeExit<std::int32_t> noCountAfterwards(m_count);
+        const NullOnScopeExit<Element> noValueAfterwards(m_value); // the first of the two to go
         if (--*m_count != 0)
             return;
         delete m_count;
