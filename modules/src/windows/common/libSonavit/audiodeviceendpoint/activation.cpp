@@ -3,7 +3,7 @@
 #include "COM/interfacequery.h"
 #include "COM/resultcode.h"
 #include "libSonavit/audiodeviceendpoint/log.h"
-#include "qor/exception.h"
+#include "libSonavit/precondition.h"
 
 template<>
 void AudioDevice::logInterfaceType<IDeviceTopology>()
@@ -24,8 +24,7 @@ template<class T>
 typename COMPtr<T>::pointer AudioDevice::activateDeviceInterface()
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::activateDeviceInterface()");
-    if (m_device.get() == nullptr)
-        throw qor::AssertionFailure(__FILE__, __LINE__, "m_device.get() != NULL");
+    precondition::check(m_device.get() != nullptr, __FILE__, __LINE__, "m_device.get() != NULL");
     T* object = nullptr;
     const HRESULT result = interfacequery::activate(*m_device, object);
     if (FAILED(result))
@@ -63,8 +62,7 @@ ATL::CComPtr<IBaseFilter> AudioDevice::baseFilter()
 COMPtr<IAudioEndpointVolume>::pointer AudioDevice::volumeController()
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::volumeController()");
-    if (m_device.get() == nullptr)
-        throw qor::AssertionFailure(__FILE__, __LINE__, "m_device.get() != NULL");
+    precondition::check(m_device.get() != nullptr, __FILE__, __LINE__, "m_device.get() != NULL");
     return activateDeviceInterface<IAudioEndpointVolume>();
 }
 

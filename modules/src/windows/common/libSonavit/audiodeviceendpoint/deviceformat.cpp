@@ -2,15 +2,14 @@
 
 #include "COM/resultcode.h"
 #include "libSonavit/audiodeviceendpoint/log.h"
-#include "qor/exception.h"
+#include "libSonavit/precondition.h"
 
 #include <cstring>
 
 bool AudioDevice::setFormat(const WAVEFORMATEXTENSIBLE& format)
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::setFormat");
-    if (m_propertyStore.get() == nullptr)
-        throw qor::AssertionFailure(__FILE__, __LINE__, "m_propertyStore.get() != NULL");
+    precondition::check(m_propertyStore.get() != nullptr, __FILE__, __LINE__, "m_propertyStore.get() != NULL");
 
     PROPVARIANT variant; // refers to the caller's format, so it must not be cleared
     std::memset(&variant, 0, sizeof(variant));
