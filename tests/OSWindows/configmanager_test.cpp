@@ -24,7 +24,7 @@ TEST_F(ConfigManagerParent, LeavesTheTextAloneForAnUnknownInstance)
 {
     run(machine);
 
-    EXPECT_FALSE(ConfigManager::getParentDeviceInstanceId("NOBODY\\HAS\\THIS", parent));
+    EXPECT_FALSE(ConfigManager::getParentDeviceInstanceId("NO\\SUCH\\DEVICE", parent));
     EXPECT_EQ(qor::String("before"), parent);
 }
 

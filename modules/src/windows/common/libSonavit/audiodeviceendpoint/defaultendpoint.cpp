@@ -21,16 +21,16 @@ bool release(I*& object)
 /// One search for the default endpoint of a device's flow, with the interfaces that it holds meanwhile. They are raw
 /// pointers on purpose: each release has its place and its record. Each step logs with a statement of its own, because
 /// a record shows the line of its statement.
-class DefaultEndpointInquiry
+class DefaultEndpointSearch
 {
 public:
-    explicit DefaultEndpointInquiry(IMMDevice* device) : m_device(device) {}
-    DefaultEndpointInquiry(const DefaultEndpointInquiry&) = delete;
-    DefaultEndpointInquiry& operator=(const DefaultEndpointInquiry&) = delete;
+    explicit DefaultEndpointSearch(IMMDevice* device) : m_device(device) {}
+    DefaultEndpointSearch(const DefaultEndpointSearch&) = delete;
+    DefaultEndpointSearch& operator=(const DefaultEndpointSearch&) = delete;
 
     /// The caller calls releaseAll() afterwards, even after a failure.
     /// @return whether @p id holds the default endpoint's id; a failing step is logged
-    bool ask(LPWSTR& id) { return createEnumerator() && queryEndpoint() && findDefaultDevice() && readId(id); }
+    bool findId(LPWSTR& id) { return createEnumerator() && queryEndpoint() && findDefaultDevice() && readId(id); }
 
     /// In this order, each with its own record.
     void releaseAll()
@@ -110,10 +110,10 @@ bool AudioDevice::dataFlow(EDataFlow& flow) const
 
 bool AudioDevice::isDefaultEndpoint() const
 {
-    DefaultEndpointInquiry inquiry(m_device.get());
+    DefaultEndpointSearch search(m_device.get());
     LPWSTR text = nullptr; // required behaviour: never freed, each answer leaves one string allocated
-    const bool answered = inquiry.ask(text);
-    inquiry.releaseAll();
+    const bool answered = search.findId(text);
+    search.releaseAll();
     if (!answered)
         return false;
     const qor::String defaultId(platform::ucs2(text));
