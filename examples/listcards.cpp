@@ -1,14 +1,24 @@
-// Lists the playback endpoints of a machine, card by card, and turns each one that is on down to a quarter.
+// Lists the active playback endpoints of a machine, card by card, and sets the volume of each to 25 %.
 #include "libSonavit/libsonavit.h"
 #include "simulator/machine/file/machinefile.h"
 #include "simulator/simulation.h"
 
 #include <iostream>
 
-int main()
+/// Every endpoint has a volume controller, but some, such as digital outputs, have no volume that it could control.
+bool hasVolume(AudioDevice& endpoint)
+{
+    void* volume = nullptr;
+    endpoint.device()->Activate(IID_IAudioEndpointVolume, CLSCTX_ALL, nullptr, &volume);
+    const COMPtr<IAudioEndpointVolume>::pointer owned(static_cast<IAudioEndpointVolume*>(volume));
+    return owned.get() != nullptr;
+}
+
+int main(int count, char** words)
 {
     qor::LogFactory::setSink([](const qor::LogRecord&) {});
-    const sim::Simulation machine(sim::findMachine("desktop")); // without this line: the hardware of a Windows machine
+    const char* const name = count > 1 ? words[1] : "desktop";
+    const sim::Simulation machine(sim::findMachine(name)); // without this line: the hardware of a Windows machine
     CoInitialize(nullptr);
     qor::Array<SoundCard> cards = SoundCard::enumerateSystemSoundDevices();
     for (unsigned int i = 0; i < cards.size(); ++i)
@@ -17,10 +27,15 @@ int main()
         cards[i].allPlaybackDevice(endpoints, DEVICE_STATE_ACTIVE);
         for (unsigned int j = 0; j < endpoints.size(); ++j)
         {
+            std::cout << cards[i].instanceId().toUtf8() << ": " << endpoints[j].deviceProperty().endpointType.toUtf8();
+            if (!hasVolume(endpoints[j]))
+            {
+                std::cout << " has no volume\n";
+                continue;
+            }
             const SharedPointer<VolumeControllerInterface> volume = endpoints[j].volumeControl();
             volume->setMasterVolumeLevelPercent(25);
-            std::cout << cards[i].instanceId().toUtf8() << ": " << endpoints[j].deviceProperty().endpointType.toUtf8()
-                      << " at " << volume->masterVolumeLevelPercent() << " %, " << volume->masterVolumeLevelDecibel()
+            std::cout << " at " << volume->masterVolumeLevelPercent() << " %, " << volume->masterVolumeLevelDecibel()
                       << " dB\n";
         }
     }

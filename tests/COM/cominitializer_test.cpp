@@ -15,7 +15,7 @@ static_assert(std::is_empty_v<COMInitializer>, "it exists for its constructor an
 
 struct COMInitializerLife : support::LibraryTest
 {
-    /// Runs @p action on a thread of its own, which has no COM at first.
+    /// Runs @p action on a new thread, where COM is not initialised.
     template<class Action>
     static void onFreshThread(const Action& action)
     {

@@ -22,7 +22,7 @@ using Handle = COMPtr<CountedObject>::pointer;
 
 static_assert(!std::is_nothrow_destructible_v<Handle>, "what Release throws must get out of the destructor");
 
-/// Knows where it was made, so that a handler can tell it from a copy of it.
+/// Stores its own address, so that a handler can distinguish it from a copy.
 struct Refusal
 {
     explicit Refusal(const Refusal*& place) { place = this; }
@@ -40,7 +40,7 @@ struct COMPtrReleaseGuard : testing::Test
         };
     }
 
-    /// Calls @p action, which is to let a Refusal out. @return the very object that came
+    /// Calls @p action, which must throw a Refusal. @return the object that was caught, not a copy
     template<class Action>
     const Refusal* caughtFrom(const Action& action)
     {

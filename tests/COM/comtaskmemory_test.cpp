@@ -8,7 +8,7 @@ namespace
 {
 typedef ComTaskMemStorage<unsigned short> Storage;
 
-/// The machine watches task memory; on Windows its journal does not, the memory is the system's.
+/// The machine's census counts task memory; on Windows, where the system owns it, the journal does not show its calls.
 struct ComTaskMemory : support::LibraryTest
 {
     void SetUp() override
@@ -19,7 +19,7 @@ struct ComTaskMemory : support::LibraryTest
         run(builder.build());
     }
 
-    /// A text that the machine has handed out and watches.
+    /// A string that the machine has allocated and counts.
     unsigned short* idOfEndpoint()
     {
         const COMPtr<IMMDevice>::pointer device(simulation().device(endpointId));

@@ -9,10 +9,10 @@
 
 namespace support
 {
-/// Calls that several counted objects received, in their order: "first AddRef", "second Release".
+/// Calls that several counted objects received, in order: "first AddRef", "second Release".
 using CallList = std::vector<std::string>;
 
-/// Counts its references, notes the calls for them, and survives the last one so that both can be read.
+/// Counts its references and records the calls. The last Release does not destroy it, so a test can read both.
 class CountedObject final : public IUnknown
 {
 public:
@@ -39,9 +39,9 @@ public:
         return count + releaseSurplus;
     }
 
-    ULONG count = 1;                 ///< begins with the test's own reference
-    ULONG releaseSurplus = 0;        ///< by how much Release overstates the count
-    std::function<void()> atRelease; ///< runs within Release, when the reference is given up; may throw
+    ULONG count = 1;                 ///< 1 at first, for the test's own reference
+    ULONG releaseSurplus = 0;        ///< how much Release adds to the count that it returns
+    std::function<void()> atRelease; ///< runs inside Release after the count has changed; may throw
 
 private:
     CallList& m_calls;

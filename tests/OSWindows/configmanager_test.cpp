@@ -24,7 +24,7 @@ TEST_F(ConfigManagerParent, LeavesTheTextAloneForAnUnknownInstance)
 {
     run(machine);
 
-    EXPECT_FALSE(ConfigManager::getParentDeviceInstanceId("NOBODY\\HAS\\THIS", parent));
+    EXPECT_FALSE(ConfigManager::getParentDeviceInstanceId("NO\\SUCH\\DEVICE", parent));
     EXPECT_EQ(qor::String("before"), parent);
 }
 
@@ -36,7 +36,7 @@ TEST_F(ConfigManagerParent, LeavesTheTextAloneForAnEmptyId)
     EXPECT_EQ(qor::String("before"), parent);
 }
 
-#if !defined(_WIN32) // there the system's own device tree is asked, which knows nothing of the machine
+#if !defined(_WIN32) // Windows searches its own device tree, which does not contain the machine's devices
 TEST_F(ConfigManagerParent, StoresTheParentInPlaceOfWhatWasThere)
 {
     run(machine);

@@ -1,4 +1,4 @@
-// What is left when memory runs out, apart from the containers themselves.
+// The state that exhausted memory leaves behind, apart from the containers themselves.
 #include "libSonavit/audiodeviceendpoint.h"
 #include "libSonavit/endpointdeviceenumerator.h"
 #include "libSonavit/soundcard.h"
@@ -31,7 +31,7 @@ typedef qor::Array<BorrowedPointer<SoundCardInterface>> Cards;
 
 struct ExhaustedMemory : support::LibraryTest
 {
-    /// A machine with @p count cards of one endpoint each. Neither log nor journal take memory.
+    /// A machine with @p count cards of one endpoint each. Log and journal are off, so they allocate nothing.
     void runCards(unsigned int count)
     {
         sim::MachineBuilder builder;
@@ -43,9 +43,9 @@ struct ExhaustedMemory : support::LibraryTest
         qor::LogFactory::setPriority(LoggerPriority::LOG_FATAL);
     }
 
-    /// Calls @p action with room for ever fewer allocations of the kind that may give null, until it throws: then the
-    /// last one that it makes has failed. It calls probe.succeed() where nothing of interest follows.
-    /// @return the message of what it threw
+    /// Calls @p action with fewer and fewer successful std::nothrow allocations, until it throws: then its last such
+    /// allocation has failed. @p action calls probe.succeed() once the rest must not fail.
+    /// @return the message of the exception
     template<class Action>
     static std::string failingAtTheLastAllocation(const Action& action)
     {
@@ -106,7 +106,7 @@ TEST_F(ExhaustedMemory, HasADeviceReportThatThereIsNoSharedEnumerator)
 TEST_F(ExhaustedMemory, LeavesACardWithoutASharedEnumeratorCompleteAndUnregistered)
 {
     run({});
-    // The blocks of five lists and of the map, and count and destroyer of six shares.
+    // The blocks of five lists and of the map, and the counts and destroyers of six shares.
     constexpr unsigned int ownAllocations = 6 + 2 * 6;
     {
         AllocationProbe probe;
@@ -157,7 +157,7 @@ TEST_F(ExhaustedMemory, LeavesAClientUnregisteredWhenTheListOfClientsCannotGrow)
 TEST_F(ExhaustedMemory, PassesOutOfTheStateLists)
 {
     runCards(9);
-    EndpointDeviceEnumeratorCommon lists; // its end, which empties it, needs memory
+    EndpointDeviceEnumeratorCommon lists; // its destructor allocates
     const auto enumerate = [&](AllocationProbe& probe)
     {
         lists.enumerate(eRender);
@@ -194,10 +194,10 @@ TEST_F(ExhaustedMemory, PassesOutOfTheFlatListAndOfItsTwin)
 
 TEST_F(ExhaustedMemory, PassesOutOfTheFacadeWhenItsListCannotGrow)
 {
-    runCards(9); // one more than the list has places at first
+    runCards(9); // one more than the list's first capacity
     const auto construct = [](AllocationProbe& probe)
     {
-        CoInitialize(nullptr); // the object takes it away, unless it does not come to be
+        CoInitialize(nullptr); // balances the object's CoUninitialize; unbalanced if its constructor throws
         const libSonavit::SysInfoHelper helper;
         probe.succeed();
         EXPECT_EQ(9u, helper.m_soundCards.size());

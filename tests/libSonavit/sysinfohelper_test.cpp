@@ -187,16 +187,16 @@ TEST_F(SysInfoHelperConstruction, AsksForAMultithreadedApartmentFirstOfAll)
     builder.card("Codec").speaker();
     runBuilt();
 
-    CoInitialize(nullptr); // which the object takes away
+    CoInitialize(nullptr); // balances the object's CoUninitialize
     simulation().journal().clear();
 
     const SysInfoHelper helper;
 
     EXPECT_EQ("CoInitializeEx(0)", simulation().journal().entries()[0].call());
     EXPECT_EQ("CoCreateInstance", simulation().journal().entries()[1].operation);
-    EXPECT_EQ(RPC_E_CHANGED_MODE, simulation().journal().entries()[0].result); // and goes on
+    EXPECT_EQ(RPC_E_CHANGED_MODE, simulation().journal().entries()[0].result); // and the constructor goes on
     EXPECT_THAT(simulation().journal().of("CoInitialize*").calls(),
-                ElementsAre("CoInitializeEx(0)", "CoInitialize()")); // the second by the shared enumerator
+                ElementsAre("CoInitializeEx(0)", "CoInitialize()")); // the second one is the shared enumerator's
     EXPECT_EQ(1u, helper.m_soundCards.size());
 }
 
@@ -219,7 +219,7 @@ TEST_F(SysInfoHelperConstruction, BringsComUpOnAThreadThatHasNone)
 
     EXPECT_TRUE(answer);
     EXPECT_THAT(log.texts("comptr"), ElementsAre("CoInitialize returns 18446744071562133766"));
-    EXPECT_EQ(1u, simulation().comUnderflows()); // the shared enumerator's, which had got no apartment
+    EXPECT_EQ(1u, simulation().comUnderflows()); // the shared enumerator's, whose CoInitialize failed
 }
 
 TEST_F(SysInfoHelperConstruction, LetsItsCardsGoBeforeItUninitializesCom)

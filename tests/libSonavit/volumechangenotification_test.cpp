@@ -1,14 +1,17 @@
+#include "libSonavit/volumechangenotification.h"
+
 #include "tests/foundation/supportallocations.h"
 #include "tests/foundation/supportvirtualslot.h"
 #include "tests/libSonavit/supportplace.h"
-
+#include "tests/libSonavit/supportthreads.h"
 #include "tests/support/librarytest.h"
 
-#include "libSonavit/volumechangenotification.h"
-
+#include <array>
 #include <atomic>
+#include <cstdint>
 #include <thread>
 #include <type_traits>
+#include <vector>
 
 using support::placeOf;
 using testing::IsEmpty;
@@ -104,7 +107,7 @@ TEST_F(VolumeChangeNotificationObject, AnswersTheNewCountAndEndsAtNothing)
     EXPECT_THAT(log.records(), IsEmpty());
 }
 
-#if !defined(_WIN32) // where the library's own allocations are not seen
+#if !defined(_WIN32) // where a probe does not see the library's allocations
 TEST_F(VolumeChangeNotificationObject, IsDestroyedByItsLastReleaseAndNoEarlierOne)
 {
     const support::AllocationProbe probe;
@@ -125,7 +128,8 @@ TEST_F(VolumeChangeNotificationObject, KeepsItsFieldsInTheirOrder)
 {
     const Notification notification(new VolumeChangeNotification);
 
-    EXPECT_LT(placeOf(*notification), placeOf(notification->m_referenceCount)); // behind the virtual operations
+    EXPECT_LT(placeOf(*notification),
+              placeOf(notification->m_referenceCount)); // after the pointer to the virtual table
     EXPECT_LT(placeOf(notification->m_referenceCount), placeOf(notification->m_window));
     EXPECT_LT(placeOf(notification->m_window), placeOf(notification->m_callback));
     EXPECT_LT(placeOf(notification->m_callback), placeOf(notification->m_callbackContext));
@@ -134,24 +138,66 @@ TEST_F(VolumeChangeNotificationObject, KeepsItsFieldsInTheirOrder)
 TEST_F(VolumeChangeNotificationObject, CountsFromTwoThreadsAtOnce)
 {
     const Notification notification(new VolumeChangeNotification);
-    std::atomic<int> arrived{0};
-    const auto takeAndGive = [&]
-    {
-        ++arrived;
-        while (arrived < 2)
-            std::this_thread::yield();
-        for (int turn = 0; turn < 200000; ++turn)
-        {
-            notification->AddRef();
-            notification->Release();
-        }
-    };
 
-    std::thread other(takeAndGive);
-    takeAndGive();
-    other.join();
+    support::overlapping(
+        [&](unsigned int)
+        {
+            for (int turn = 0; turn < 500; ++turn)
+            {
+                notification->AddRef();
+                notification->Release();
+            }
+        });
 
     EXPECT_EQ(1, count(notification));
+}
+
+TEST_F(VolumeChangeNotificationObject, AnswersEachNewCountToOneOfTwoThreadsOnly)
+{
+    const Notification notification(new VolumeChangeNotification);
+    std::array<std::uint64_t, 2> sums = {0, 0};
+
+    support::overlapping(
+        [&](unsigned int thread)
+        {
+            for (int turn = 0; turn < 500; ++turn)
+                sums[thread] += notification->AddRef();
+        });
+
+    const auto last = static_cast<std::uint64_t>(count(notification));
+    EXPECT_EQ(last * (last + 1) / 2 - 1, sums[0] + sums[1]) << "the sum of 2, 3, ... " << last;
+    notification->m_referenceCount = 1;
+}
+
+TEST_F(VolumeChangeNotificationObject, IsLastReleasedByOneOfTwoThreadsOnly)
+{
+    constexpr unsigned int objects = 30000;
+    std::vector<VolumeChangeNotification*> notifications(objects);
+    std::vector<std::atomic<unsigned int>> arrived(objects);
+    std::array<std::vector<ULONG>, 2> left = {std::vector<ULONG>(objects), std::vector<ULONG>(objects)};
+    for (VolumeChangeNotification*& notification : notifications)
+    {
+        notification = new VolumeChangeNotification;
+        notification->AddRef();
+    }
+
+    support::onTwoThreads(
+        [&](unsigned int thread)
+        {
+            for (unsigned int i = 0; i < objects; ++i)
+            {
+                ++arrived[i];
+                for (unsigned int turns = 0; arrived[i] < 2; ++turns)
+                {
+                    if (turns > 1000)
+                        std::this_thread::yield();
+                }
+                left[thread][i] = notifications[i]->Release();
+            }
+        });
+
+    for (unsigned int i = 0; i < objects; ++i)
+        ASSERT_EQ(1u, left[0][i] + left[1][i]) << "object " << i;
 }
 
 TEST_F(VolumeChangeNotificationObject, CopiesAllFieldsTheCountIncluded)

@@ -1,4 +1,4 @@
-// What a notification does when the platform calls it.
+// What a notification does when the platform calls OnNotify.
 #include "tests/libSonavit/supportpostbox.h"
 
 #include "tests/support/librarytest.h"
@@ -25,7 +25,7 @@ sim::PostedMessage messageTo(HWND window)
     return {window, volumeChanged, 0, 0};
 }
 
-/// The context of a callback: what it was called with, and when.
+/// The context of a callback, which records its argument and when it is called.
 struct Listener
 {
     static void hear(void* context)
@@ -43,7 +43,7 @@ struct Listener
     std::size_t postedBefore = 0;
 };
 
-/// The context of a callback that looks at what has been logged up to then.
+/// The context of a callback that copies the log up to its call.
 struct LogReader
 {
     static void read(void* context)
@@ -68,7 +68,7 @@ protected:
 
     support::PostBox& box() { return *m_box; }
 
-    /// What a controller of the speaker holds.
+    /// The interfaces that a controller of the speaker holds.
     EndpointVolumeController policy()
     {
         EndpointVolumeController result;

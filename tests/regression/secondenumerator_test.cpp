@@ -1,5 +1,5 @@
-// A thread of the platform that asked for the shared enumerator while that ended was given a second one, which nobody
-// released: its owner was empty before it was gone.
+// A thread of the platform that asked for the shared enumerator during its destruction was given a second one, which
+// was never released: the handle was emptied before the object was destroyed.
 
 #include "libSonavit/endpointdeviceenumerator.h"
 #include "libSonavit/soundcard.h"
@@ -28,7 +28,7 @@ TEST_F(SharedEnumeratorDuringItsEnd, IsStillTheOneThatCallbacksGet)
         [&]
         {
             seen = AudioDeviceEnumeratorFactory::enumerator().get();
-            isFound = AudioDevice(qor::String::fromUtf8(endpoint)).isInitialized(); // as the card's updater does
+            isFound = AudioDevice(qor::String::fromUtf8(endpoint)).isInitialized(); // as the card's updater does it
         });
 
     endModule();

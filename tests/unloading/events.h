@@ -1,19 +1,27 @@
-/// @file
-/// Writing down what happens while a process ends, when little of it can still be used.
+/// Output of programs that are ending, when the C++ runtime may already be gone.
 #pragma once
-
-#include <windows.h>
 
 #include <cstring>
 
+#if defined(_WIN32)
+#include <windows.h>
+#else
+#include <unistd.h>
+#endif
+
 namespace unloading
 {
-/// Writes @p line to standard output at once, without the runtime's buffers, which may be gone.
+/// Writes @p line to standard output at once, without the buffers of the runtime.
 inline void say(const char* line)
 {
+#if defined(_WIN32)
     const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
     DWORD written = 0;
     WriteFile(output, line, static_cast<DWORD>(std::strlen(line)), &written, nullptr);
     WriteFile(output, "\n", 1, &written, nullptr);
+#else
+    if (::write(STDOUT_FILENO, line, std::strlen(line)) < 0 || ::write(STDOUT_FILENO, "\n", 1) < 0)
+        ::_exit(3);
+#endif
 }
 }

@@ -1,19 +1,19 @@
-// Loads a DLL that uses the library, and ends in the way that it is told:
+// Loads a DLL that uses the library, and ends in one of several ways:
 //
 //   unloading_host MACHINE END
 //
-//   MACHINE  simulated     three cards, whose Core Audio is this program's
-//            busy          the same, with events on their way all the time
-//            system        the system's own Core Audio
-//   END      drop          the cards go, the library stays; main() returns
-//            keep          the cards stay; main() returns
-//            exit          the cards stay; ExitProcess without main()'s return
-//            free          the cards go, and the DLL is freed
-//            free-keeping  the cards stay, and the DLL is freed
-//            free-aside    the cards go, and another thread frees the DLL
-//            unused        the DLL is freed without having been used
+//   MACHINE  simulated     three cards; this program provides Core Audio
+//            busy          the same, with a permanent stream of events
+//            system        the system's Core Audio
+//   END      drop          destroys the cards, keeps the library, returns from main()
+//            keep          keeps the cards, returns from main()
+//            exit          keeps the cards, calls ExitProcess
+//            free          destroys the cards, frees the DLL
+//            free-keeping  keeps the cards, frees the DLL
+//            free-aside    destroys the cards, frees the DLL on another thread
+//            unused        frees the DLL without using it
 //
-// It writes down, line by line, what the library asks of the platform from then on. Nothing of this may crash or hang.
+// It prints the library's platform calls from then on, one a line. None of this may crash or hang.
 
 #include "simulator/machine/builder/machinebuilder.h"
 #include "simulator/simulation.h"
@@ -28,7 +28,7 @@ using unloading::say;
 
 namespace
 {
-/// Says when COM is initialised and uninitialised on this thread.
+/// Prints a line when COM is uninitialised on this thread.
 class ComSpy final : public IInitializeSpy
 {
 public:
@@ -53,7 +53,7 @@ public:
     HRESULT STDMETHODCALLTYPE PostUninitialize(DWORD) override { return S_OK; }
 };
 
-/// Says from now on when COM ends on the calling thread. For good: the process ends with it.
+/// Prints each CoUninitialize on the calling thread from now on, to the end of the process.
 void watchCom()
 {
     static ComSpy* const spy = new ComSpy;
@@ -74,7 +74,7 @@ sim::Machine threeCards()
     return builder.build();
 }
 
-/// Simulated Core Audio, which stays to the end of the process as the system's does.
+/// Simulated Core Audio, which exists until the process ends, as the system's does.
 class Platform
 {
 public:
@@ -111,7 +111,7 @@ private:
     sim::Simulation* m_simulation = nullptr;
 };
 
-/// The DLL, loaded.
+/// The DLL, which the constructor loads.
 class User
 {
 public:
@@ -121,7 +121,7 @@ public:
     unsigned keepCards() const { return operation<unsigned()>("keepCards")(); }
     void dropCards() const { operation<void()>("dropCards")(); }
 
-    /// Frees the DLL, and says so when the library is gone with it.
+    /// Frees the DLL, and prints whether the library is unloaded as well.
     void free() const
     {
         FreeLibrary(m_module);
@@ -156,7 +156,7 @@ int main(int count, char** words)
     if (count != 3)
         return 2;
     const std::string end = words[2];
-    CoInitialize(nullptr); // as programs do that show windows
+    CoInitialize(nullptr); // as programs with windows do
     Platform platform(words[1]);
     watchCom();
     const User user;

@@ -1,5 +1,5 @@
-// A DLL that uses the library, as a plug-in of some program would. The program that loads it knows nothing of the
-// library, which therefore goes along with it.
+// A DLL that uses the library, as a plug-in would. The program that loads it does not link the library, so freeing this
+// DLL unloads the library, too.
 
 #include "libSonavit/libsonavit.h"
 
@@ -7,7 +7,7 @@
 
 namespace
 {
-/// There is one for the life of the process, as a card does not let its observers go.
+/// Exists until the process ends, because a card cannot unregister an observer.
 class Observer final : public SoundCardObserver
 {
 public:
@@ -19,8 +19,8 @@ public:
 std::vector<SoundCard>* kept = nullptr;
 }
 
-/// Finds the cards, keeps them and listens to them.
-/// @return how many cards there are
+/// Discovers the cards, keeps them and registers an observer with each.
+/// @return the number of cards
 extern "C" __declspec(dllexport) unsigned keepCards()
 {
     static auto* const observer = new Observer;
@@ -34,7 +34,7 @@ extern "C" __declspec(dllexport) unsigned keepCards()
     return cards.size();
 }
 
-/// Lets the cards go. What they have registered stays with the shared enumerator.
+/// Destroys the cards. The clients that they have registered stay with the shared enumerator.
 extern "C" __declspec(dllexport) void dropCards()
 {
     delete kept;

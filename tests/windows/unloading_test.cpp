@@ -1,4 +1,4 @@
-// The library's end in every order in which a process can bring it about, each in a process of its own.
+// The end of the library, in every order that a process can cause; each order in a process of its own.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@ using testing::ElementsAre;
 
 namespace
 {
-constexpr DWORD patience = 60000; // milliseconds; a process that takes longer hangs
+constexpr DWORD patience = 60000; // milliseconds; a process that takes longer counts as hanging
 
 struct Outcome
 {
@@ -34,7 +34,7 @@ std::vector<std::string> linesOf(const std::string& text)
     return lines;
 }
 
-/// Reads to the end: what was written is small enough for a pipe to hold it.
+/// Reads to the end; the output is small enough for the buffer of a pipe.
 std::string contents(HANDLE pipe)
 {
     std::string text;
@@ -47,7 +47,7 @@ std::string contents(HANDLE pipe)
 class Unloading : public testing::Test
 {
 protected:
-    /// Runs the host to its end. One that hangs is stopped, and has the exit code WAIT_TIMEOUT.
+    /// Runs the host to its end. A host that hangs is terminated with the exit code WAIT_TIMEOUT.
     static Outcome run(const std::string& machine, const std::string& end)
     {
         SECURITY_ATTRIBUTES inherited = {sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
@@ -150,8 +150,8 @@ TEST_F(Unloading, WhileEventsArriveNeitherCrashesNorHangs)
         EXPECT_EQ(1, std::count(outcome.lines.begin(), outcome.lines.end(), letsGo)) << end;
         EXPECT_THAT(outcome.lines, Contains("ends")) << end;
     }
-    // The end of the process takes the other threads away wherever they are, with a lock of the system's perhaps. Then
-    // the system ends the process at once, and what would have been said is not.
+    // The end of the process terminates the other threads at any point, even while they hold a lock of the system. The
+    // system then ends the process at once, and the remaining lines are missing.
     for (const char* const end : {"drop", "keep", "exit"})
     {
         const Outcome outcome = run("busy", end);

@@ -11,7 +11,7 @@ using testing::IsEmpty;
 class AudioDeviceActivation : public devicetest::DeviceTest
 {
 protected:
-    /// Runs the machine; @p refreshes refreshes of endpoints will follow.
+    /// Runs the machine for a test that refreshes endpoints @p refreshes times.
     void startFor(long refreshes)
     {
         start();

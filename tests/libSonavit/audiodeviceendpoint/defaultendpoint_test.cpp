@@ -2,7 +2,9 @@
 
 #include "libSonavit/endpointdeviceenumerator.h"
 
+#include <map>
 #include <memory>
+#include <set>
 #include <thread>
 
 namespace
@@ -101,7 +103,7 @@ TEST_F(AudioDeviceDataFlow, KeepsNoReference)
 class AudioDeviceIsDefault : public devicetest::DeviceTest
 {
 protected:
-    /// Runs the machine with a device on the speaker and a silent past.
+    /// Runs the machine, initializes a device on the speaker and clears log and journal.
     void begin()
     {
         start();
@@ -252,7 +254,7 @@ TEST_F(AudioDeviceIsDefault, IsFalseWhereTheFlowHasNoDefault)
                                        "1 endpoint RELEASED"));
 }
 
-/// One step of the inquiry that fails.
+/// One failing step of the search.
 struct StepCase
 {
     std::string name;
@@ -300,6 +302,30 @@ INSTANTIATE_TEST_SUITE_P(
                              {"4 GetId returns 0x8007000E", "1 enumerator RELEASED", "1 endpoint RELEASED",
                               "1 pDefaultDevice RELEASED"}}),
     [](const auto& tested) { return tested.param.name; });
+
+TEST_F(AudioDeviceIsDefault, LogsEachStepAndEachReleaseFromALineOfItsOwn)
+{
+    begin();
+    for (const char* const operation : {"CoCreateInstance", "IMMDevice::QueryInterface", "IMMEndpoint::GetDataFlow",
+                                        "IMMDeviceEnumerator::GetDefaultAudioEndpoint", "IMMDevice::GetId"})
+    {
+        simulation().faults().fail(operation, E_OUTOFMEMORY);
+        device().isDefaultEndpoint();
+        simulation().faults().clear();
+    }
+
+    std::map<std::string, std::set<int>> linesOfMessage;
+    std::set<int> lines;
+    for (const support::LogCapture::Record& record : log.records(channel))
+    {
+        linesOfMessage[record.text].insert(record.line);
+        lines.insert(record.line);
+    }
+    EXPECT_EQ(8u, linesOfMessage.size());
+    EXPECT_EQ(8u, lines.size()) << "two messages share a line";
+    for (const auto& [message, own] : linesOfMessage)
+        EXPECT_EQ(1u, own.size()) << message;
+}
 
 TEST_F(AudioDeviceIsDefault, IsFalseWithoutAnInterfaceInSpiteOfSuccess)
 {

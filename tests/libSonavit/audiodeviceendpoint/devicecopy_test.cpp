@@ -27,7 +27,7 @@ protected:
 
     AudioDevice& original() { return *m_original; }
 
-    /// References on what the original holds.
+    /// References on the objects that the original holds.
     std::map<std::string, long> held() { return simulation().census().byInterface; }
 
 private:

@@ -1,4 +1,4 @@
-// The order in which a device holds its things and lets go of them.
+// The order in which a device stores its members and releases them.
 #include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
 
 #include "tests/libSonavit/supportplace.h"
@@ -25,7 +25,7 @@ TEST_F(AudioDeviceFields, StandInTheirOrder)
 {
     const AudioDevice device;
 
-    EXPECT_LT(placeOf(device), placeOf(device.m_device)); // behind the virtual operations
+    EXPECT_LT(placeOf(device), placeOf(device.m_device)); // after the pointer to the virtual table
     EXPECT_LT(placeOf(device.m_device), placeOf(device.m_propertyStore));
     EXPECT_LT(placeOf(device.m_propertyStore), placeOf(device.m_volumeControl));
     EXPECT_LT(placeOf(device.m_volumeControl), placeOf(device.m_topology));
@@ -41,7 +41,7 @@ TEST_F(AudioDeviceEnd, TellsOfEachAssignmentBeforeItLetsGo)
     {
         const AudioDevice device(reference(speaker.id()));
         log.clear();
-        // The counts take references too; the last release of each is the one that counts.
+        // The logged counts take references, too; only the last Release of each interface matters.
         simulation().faults().run("IPropertyStore::Release",
                                   [&] { whenTheStoreWent = messages(LoggerPriority::LOG_DEBUG); });
         simulation().faults().run("IMMDevice::Release",

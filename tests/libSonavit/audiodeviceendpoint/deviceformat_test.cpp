@@ -16,7 +16,7 @@ using testing::IsEmpty;
 const sim::DeviceFormat usual = {16, 48000, 2};
 const sim::DeviceFormat better = {24, 96000, 2};
 
-/// A store that takes everything and keeps nothing.
+/// A store that accepts every value and stores none.
 class AcceptingStore final : public support::StackObject<IPropertyStore>
 {
 public:
@@ -27,7 +27,7 @@ public:
     HRESULT STDMETHODCALLTYPE Commit() override { return S_OK; }
 };
 
-/// A device that calls the opening of its store a failure and leaves the store in its place all the same.
+/// A device whose OpenPropertyStore returns a failure code and stores a pointer nevertheless.
 class FailingWithAStore final : public support::StackObject<IMMDevice>
 {
 public:
@@ -44,7 +44,7 @@ public:
     AcceptingStore store;
 };
 
-/// A device on the speaker, whose format is the usual one.
+/// A device on the speaker with the format `usual`.
 class AudioDeviceSetFormat : public devicetest::DeviceTest
 {
 protected:
@@ -66,7 +66,7 @@ protected:
 
     AudioDevice& device() { return *m_device; }
 
-    /// Lets the device end with nothing to put back.
+    /// Destroys the device without a restore.
     void forgetTheChange() { device().m_savedProperties.format = device().m_properties.format; }
 
 private:

@@ -1,4 +1,4 @@
-/// What the tests of the endpoint device share: a machine with one card, and ways to look at what a device did.
+/// Fixture of the endpoint device's tests: a machine with one card, and access to the device's log and calls.
 #pragma once
 
 #include "libSonavit/audiodeviceendpoint.h"
@@ -18,10 +18,10 @@ using support::LogCapture;
 
 inline constexpr const char* channel = "libSonavit.audioDeviceEndpoint";
 
-/// What leaves an object without a device.
+/// The expression of the assertion that an empty object throws.
 inline constexpr const char* noDevice = "m_device.get() != NULL";
 
-/// @p expected as far as a journal can tell: on Windows the functions of the runtime are the system's own.
+/// The calls of @p expected that the journal shows: on Windows the system answers the functions of the runtime.
 inline std::vector<std::string> visible(std::vector<std::string> expected)
 {
 #if defined(_WIN32)
@@ -32,7 +32,7 @@ inline std::vector<std::string> visible(std::vector<std::string> expected)
     return expected;
 }
 
-/// Calls with their arguments; those that only count references are left out.
+/// Calls with their arguments, without AddRef and Release.
 inline std::vector<std::string> withoutCounting(const sim::JournalEntries& entries)
 {
     std::vector<std::string> calls = entries.calls();
@@ -42,7 +42,7 @@ inline std::vector<std::string> withoutCounting(const sim::JournalEntries& entri
     return calls;
 }
 
-/// The format as an endpoint's property store keeps it.
+/// The format as an endpoint's property store stores it.
 inline WAVEFORMATEXTENSIBLE waveFormat(const sim::DeviceFormat& format)
 {
     const std::vector<std::uint8_t> bytes = format.bytes();
@@ -52,7 +52,7 @@ inline WAVEFORMATEXTENSIBLE waveFormat(const sim::DeviceFormat& format)
     return result;
 }
 
-/// @p text with the letters from a to z made large.
+/// @p text with the letters a to z in upper case.
 inline std::string upperCase(std::string text)
 {
     std::transform(text.begin(), text.end(), text.begin(),
@@ -60,14 +60,14 @@ inline std::string upperCase(std::string text)
     return text;
 }
 
-/// A machine with one card, which has a speaker and a microphone.
+/// A machine with one card that has a speaker and a microphone.
 class DeviceTest : public support::LibraryTest
 {
 protected:
-    /// Runs the machine as it has been built so far.
+    /// Builds and runs the machine.
     void start() { run(bench.build()); }
 
-    /// A reference on the platform's device, for an AudioDevice to adopt.
+    /// A reference on the platform's device, which an AudioDevice adopts.
     IMMDevice* reference(const std::string& id) { return simulation().device(id); }
 
     /// Messages of the endpoint device's channel.
@@ -87,7 +87,7 @@ protected:
         return lines;
     }
 
-    /// Keeps messages of reference counts from being built, which ask the platform for counts.
+    /// Disables the messages about reference counts, which call AddRef and Release.
     static void withoutDebugMessages() { qor::LogFactory::setPriority(LoggerPriority::LOG_INFO); }
 
     /// References on the platform's object of that name, such as "IMMDevice {0.0.0.00000000}.{…}".
@@ -109,7 +109,7 @@ protected:
         simulation().change([&](sim::Machine& machine) { sim::removeProperty(machine.endpoint(id)->properties, key); });
     }
 
-    /// What the machine holds as the endpoint's device format.
+    /// The endpoint's device format in the machine.
     std::vector<std::uint8_t> storedFormat(const std::string& id)
     {
         const sim::Machine machine = simulation().machine();

@@ -90,7 +90,7 @@ TEST(FormatComparison, HasNoRegardForWhatTheTagSays)
     plain.Format.wFormatTag = 1;
     plain.Format.cbSize = 0;
     WAVEFORMATEXTENSIBLE other = plain;
-    other.dwChannelMask ^= 1; // means nothing in a plain format
+    other.dwChannelMask ^= 1; // unused in a plain format
 
     EXPECT_FALSE(plain == other);
     EXPECT_TRUE(plain != other);

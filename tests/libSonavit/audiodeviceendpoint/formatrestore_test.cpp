@@ -13,7 +13,7 @@ using testing::IsEmpty;
 const sim::DeviceFormat usual = {16, 48000, 2};
 const sim::DeviceFormat better = {24, 96000, 2};
 
-/// What the end of a device does to the endpoint's format.
+/// How the destructor of a device restores the endpoint's format.
 class AudioDeviceRestore : public devicetest::DeviceTest
 {
 protected:
@@ -115,7 +115,7 @@ TEST_F(AudioDeviceRestore, IsDoneByEachCopyMadeAfterwards)
 
     device.reset();
     EXPECT_EQ(3u, writes());
-    assigned = AudioDevice(); // overwritten, not ended
+    assigned = AudioDevice(); // assigned to, not destroyed
     EXPECT_EQ(3u, writes());
 }
 
@@ -128,7 +128,7 @@ TEST_F(AudioDeviceRestore, IsDoneByATemporary)
     EXPECT_TRUE(AudioDevice(*device).isInitialized());
 
     EXPECT_EQ(usual.bytes(), storedFormat(speaker.id()));
-    EXPECT_TRUE(waveFormat(better) == device->deviceProperty().format); // not asked again
+    EXPECT_TRUE(waveFormat(better) == device->deviceProperty().format); // not read again
     device.reset();
     EXPECT_EQ(3u, writes());
 }

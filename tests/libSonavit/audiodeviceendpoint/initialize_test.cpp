@@ -243,7 +243,7 @@ TEST_F(AudioDeviceInitializeAgain, WithTheSameDeviceHoldsOneReference)
 {
     kept.directSoundTexts = 2;
     AudioDevice device(reference(speaker.id()));
-    device.m_device->AddRef(); // what the device is to adopt
+    device.m_device->AddRef(); // the reference that the device adopts
 
     device.initialize(device.m_device.get());
 

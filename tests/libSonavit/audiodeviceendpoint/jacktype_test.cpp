@@ -7,11 +7,11 @@ using qor::LoggerPriority;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// The kind of jack that a refresh finds.
+/// The jack type that a refresh finds.
 class AudioDeviceJackType : public devicetest::DeviceTest
 {
 protected:
-    /// Gives the speaker a second connector, joined to a jack of that kind.
+    /// Gives the speaker a second connector, joined to a jack of that type.
     void addSecondConnector(const GUID& jackType)
     {
         sim::Topology& topology = *speaker.endpoint().topology;

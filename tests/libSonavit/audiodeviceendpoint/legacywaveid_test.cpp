@@ -19,7 +19,7 @@ constexpr unsigned int none = 0xFFFFFFFF;
 class AudioDeviceWaveId : public devicetest::DeviceTest
 {
 protected:
-    /// Runs the machine with a device on the speaker and a silent past.
+    /// Runs the machine, initializes a device on the endpoint and clears log and journal.
     void begin(const sim::EndpointBuilder& endpoint)
     {
         bench.withoutWaveIds();
@@ -66,7 +66,7 @@ TEST_F(AudioDeviceWaveId, OnTheAdapterSideIsNoneAndReported)
 class AudioDeviceWaveIdScan : public AudioDeviceWaveId
 {
 protected:
-    /// Devices of one direction by endpoint id.
+    /// Wave devices of one direction with these endpoint ids.
     static std::vector<sim::WaveDevice> waveDevices(const std::vector<std::string>& ids)
     {
         std::vector<sim::WaveDevice> devices;
@@ -77,7 +77,7 @@ protected:
 
     sim::JournalEntries calls() { return simulation().journal().entries().without("IMMEndpoint::*"); }
 
-    /// @p expected as far as a journal can tell: on Windows task memory is the system's own.
+    /// The calls of @p expected that the journal shows: on Windows the system allocates task memory.
     static std::vector<std::string> recorded(std::vector<std::string> expected)
     {
 #if defined(_WIN32)
@@ -213,7 +213,7 @@ TEST_F(AudioDeviceWaveIdScan, PassesOverADriverThatRefusesTheIdAndFreesTheBlock)
 #endif
 }
 
-#if !defined(_WIN32) // where task memory is the system's own and never refused
+#if !defined(_WIN32) // where the system allocates task memory and never refuses it
 TEST_F(AudioDeviceWaveIdScan, StopsWithoutMemory)
 {
     bench.machine().waveOut = waveDevices({"other", "another", speaker.id()});

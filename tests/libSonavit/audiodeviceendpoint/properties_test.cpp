@@ -126,7 +126,7 @@ PROPVARIANT variantOf(VARTYPE tag)
     return variant;
 }
 
-/// Tags that none of the readers below expects.
+/// Type tags that none of the readers below accepts.
 constexpr VARTYPE foreignTags[] = {VT_EMPTY, VT_I4, VT_BOOL, VT_UI8, VT_CLSID};
 
 TEST(AudioDevicePropVariant, GivesATextForATextTagOnly)

@@ -10,7 +10,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using Properties = AudioDeviceInterface::Properties;
 
-/// A device on the speaker, refreshed once by its beginning.
+/// A device on the speaker, refreshed once by its constructor.
 class AudioDeviceRefresh : public devicetest::DeviceTest
 {
 protected:
@@ -37,7 +37,7 @@ private:
     std::unique_ptr<AudioDevice> m_device;
 };
 
-/// One of the properties that are read by their type.
+/// One of the properties whose type tag is checked.
 struct PropertyCase
 {
     std::string name; ///< as the journal writes the key
@@ -201,7 +201,7 @@ TEST_F(AudioDeviceRefreshFormat, IsReadByteForByte)
     device().refreshDeviceInformation();
 
     EXPECT_EQ(0, std::memcmp(bytes.data(), &properties().format, 40));
-    device().m_properties.format = usual; // nothing to put back at the end
+    device().m_properties.format = usual; // so that the destructor restores nothing
 }
 
 class AudioDeviceRefreshDirectSoundGuid : public AudioDeviceRefresh
@@ -258,7 +258,7 @@ TEST_F(AudioDeviceRefreshDirectSoundGuid, IsZeroInSilenceWhereThereIsNone)
 
 TEST_F(AudioDeviceRefreshDirectSoundGuid, HasNoRegardForTheType)
 {
-    setProperty(speaker.id(), sim::keys::endpointGuid, sim::PropertyValue::ofNumber(0)); // reads as a null text
+    setProperty(speaker.id(), sim::keys::endpointGuid, sim::PropertyValue::ofNumber(0)); // reads as a null string
 
     device().refreshDeviceInformation();
 

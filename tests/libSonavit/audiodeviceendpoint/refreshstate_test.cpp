@@ -99,7 +99,7 @@ TEST_F(AudioDeviceRefreshStore, ThatCannotBeOpenedIsTriedAgain)
 
     EXPECT_EQ(1u, fault.fired());
     EXPECT_EQ("Speakers", device.deviceProperty().endpointType.toUtf8());
-    device.m_savedProperties = device.m_properties; // nothing to put back at the end
+    device.m_savedProperties = device.m_properties; // so that the destructor restores nothing
 }
 
 TEST_F(AudioDeviceRefreshStore, ThatCannotBeOpenedLeavesAllPropertiesUnread)
@@ -131,7 +131,7 @@ TEST_F(AudioDeviceRefreshStore, RefreshEndsWithSevenLinesOfWhatWasFound)
                             "Physical Speaker Config 0x00000003", "Device state is 1"));
 }
 
-/// Notes which of the operations that can be overridden are called.
+/// Records which of the virtual operations are called.
 class WatchedDevice : public AudioDevice
 {
 public:
@@ -185,7 +185,7 @@ TEST_F(AudioDeviceOverrides, DecideWhetherInitializeSucceeds)
 
     EXPECT_EQ(qor::String(), device.m_savedProperties.deviceId);
     EXPECT_NE(nullptr, device.volumeControl().get());
-    device.m_savedProperties = device.m_properties; // nothing to put back at the end
+    device.m_savedProperties = device.m_properties; // so that the destructor restores nothing
 }
 
 TEST_F(AudioDeviceOverrides, AreCalledBySetFormat)

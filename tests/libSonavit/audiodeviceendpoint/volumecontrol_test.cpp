@@ -12,7 +12,7 @@ using testing::ElementsAre;
 class AudioDeviceVolumeControl : public devicetest::DeviceTest
 {
 protected:
-    /// Runs the machine; @p refreshes refreshes of endpoints will follow.
+    /// Runs the machine for a test that refreshes endpoints @p refreshes times.
     void startFor(long refreshes)
     {
         start();

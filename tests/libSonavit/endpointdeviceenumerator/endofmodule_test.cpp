@@ -15,7 +15,7 @@ namespace
 constexpr const char* unregisterCall = "IMMDeviceEnumerator::UnregisterEndpointNotificationCallback";
 constexpr const char* releaseCall = "IMMDeviceEnumerator::Release";
 
-/// The end of the module as the fixture brings it about: the static handle lets the shared enumerator go.
+/// The end of the module as the fixture simulates it: the static handle deletes the shared enumerator.
 struct AudioDeviceEnumeratorEnd : support::LibraryTest
 {
     void SetUp() override
@@ -79,10 +79,10 @@ TEST_F(AudioDeviceEnumeratorEnd, LooksAtNoAnswerToAnUnregistration)
 
     EXPECT_EQ(3u, fault.fired());
     EXPECT_THAT(log.records(), IsEmpty());
-    EXPECT_EQ(1u, first.count); // the machine's, which refused
+    EXPECT_EQ(1u, first.count); // the machine's, which refused the unregistration
     EXPECT_EQ(0, simulation().census().references("IMMDeviceEnumerator"));
 
-    simulation().faults().clear(); // so that the machine lets go of them
+    simulation().faults().clear(); // so that the machine releases them
     const COMPtr<IMMDeviceEnumerator>::pointer enumerator(simulation().enumerator());
     for (CountedClient* client : {&first, &second, &third})
         enumerator->UnregisterEndpointNotificationCallback(client);
@@ -115,7 +115,7 @@ TEST_F(AudioDeviceEnumeratorEnd, HasNothingToDoWhereNoInstanceWasMade)
     EXPECT_THAT(log.records(), IsEmpty());
 }
 
-#if !defined(_WIN32) // the system's own COM keeps no journal, and fails at nobody's word
+#if !defined(_WIN32) // the system's COM has no journal and no fault plan
 
 TEST_F(AudioDeviceEnumeratorEnd, UninitializesComLast)
 {
@@ -132,7 +132,7 @@ TEST_F(AudioDeviceEnumeratorEnd, UninitializesComAlsoAfterCoInitializeHasFailed)
 {
     const sim::PlannedFault fault = simulation().faults().fail("CoInitialize", E_OUTOFMEMORY);
 
-    EXPECT_NE(nullptr, shared().deviceEnumerator().get()); // the fixture's COM serves it
+    EXPECT_NE(nullptr, shared().deviceEnumerator().get()); // COM is initialised by the fixture
 
     EXPECT_EQ(1u, fault.fired());
     EXPECT_THAT(log.texts("comptr"), ElementsAre("CoInitialize returns 18446744071562526734"));
@@ -141,7 +141,7 @@ TEST_F(AudioDeviceEnumeratorEnd, UninitializesComAlsoAfterCoInitializeHasFailed)
     endModule();
 
     EXPECT_THAT(simulation().journal().operations(), ElementsAre("CoUninitialize"));
-    CoInitialize(nullptr); // what the fixture takes back
+    CoInitialize(nullptr); // balances the fixture's CoUninitialize
 }
 
 #endif

@@ -3,7 +3,7 @@
 #include "tests/libSonavit/endpointdeviceenumerator/supportcountedclient.h"
 #include "tests/support/librarytest.h"
 
-#if !defined(_WIN32) // what happens at the end of a process there is told by the fixture alone
+#if !defined(_WIN32) // see tests/windows/unloading_test.cpp for the end of a process there
 
 #include <unistd.h>
 
@@ -16,7 +16,7 @@ using support::CountedClient;
 
 namespace
 {
-/// The machine whose journal the ending process shows; null in every process that is not told to.
+/// The machine whose journal the ending process prints; null in all other processes.
 sim::Simulation* watched = nullptr;
 
 void showJournal(int, void*)
@@ -32,17 +32,17 @@ void showJournal(int, void*)
 
 void showJournalLast()
 {
-    ::on_exit(showJournal, nullptr); // unlike std::atexit not bound to this executable, which ends before its libraries
+    ::on_exit(showJournal, nullptr); // unlike std::atexit, not bound to the executable, which ends before its libraries
 }
 
-// Handlers run in the reverse of the order in which they came. This one comes before any library is initialised, so it
-// runs when the static objects of all libraries are gone.
+// Handlers run in the reverse order of their registration. This one is registered before any library is initialised, so
+// it runs after the static objects of all libraries are destroyed.
 __attribute__((section(".preinit_array"), used)) void (*const beforeAllLibraries)() = showJournalLast;
 
 /// Ends the process with @p clients registered.
 [[noreturn]] void endWithClients(unsigned int clients)
 {
-    watched = new sim::Simulation({}); // outlives the library, as the real platform does, and so do the clients
+    watched = new sim::Simulation({}); // outlives the library, as the real platform does; so do the clients
     static CallList* const calls = new CallList;
     static std::list<CountedClient>* const list = new std::list<CountedClient>;
     for (unsigned int i = 0; i < clients; ++i)

@@ -30,7 +30,7 @@ struct FlatListTest : support::LibraryTest
         run(support::endpointsInAllStates());
     }
 
-    /// Forgets what the log and the journal hold so far.
+    /// Clears log and journal.
     void forget()
     {
         log.clear();

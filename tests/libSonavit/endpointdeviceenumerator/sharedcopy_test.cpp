@@ -14,7 +14,7 @@ using testing::IsEmpty;
 
 namespace
 {
-/// The shared enumerator with two clients, and nothing of that in log and journal.
+/// The shared enumerator with two clients, with log and journal cleared.
 struct SharedEnumeratorCopyTest : support::LibraryTest
 {
     void SetUp() override
@@ -28,7 +28,7 @@ struct SharedEnumeratorCopyTest : support::LibraryTest
         simulation().journal().clear();
     }
 
-    /// Copies the shared enumerator. The copy takes COM away once at its end, so it is given once more before.
+    /// Copies the shared enumerator. The copy's destructor calls CoUninitialize, which this balances beforehand.
     std::unique_ptr<AudioDeviceEnumerator> copyOfShared()
     {
         CoInitialize(nullptr);

@@ -59,7 +59,7 @@ TEST_F(AudioDeviceEnumeratorFactoryEnumerator, GivesTheSameHandleTwiceAndConstru
     EXPECT_EQ(&first, &second);
     ASSERT_NE(nullptr, instance);
     EXPECT_EQ(instance, second.get());
-    EXPECT_EQ(1u, log.texts("comptr").size()); // that of CoInitialize
+    EXPECT_EQ(1u, log.texts("comptr").size()); // the message about CoInitialize
 }
 
 TEST_F(AudioDeviceEnumeratorFactoryEnumerator, HasItsFieldsInTheirOrderWithComAtTheEnd)
@@ -206,7 +206,7 @@ TEST_F(AudioDeviceEnumeratorAddNotificationClient, KeepsAClientThatThePlatformRe
 
     EXPECT_EQ(1u, fault.fired());
     ASSERT_EQ(1u, shared().m_notificationClients.size());
-    EXPECT_EQ(1u, client.count); // the list's alone
+    EXPECT_EQ(1u, client.count); // the list's only
     EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING),
                 ElementsAre("Fail to register notification callback 2147942405"));
     EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channel), Not(IsEmpty()));

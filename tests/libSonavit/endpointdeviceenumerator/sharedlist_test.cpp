@@ -16,7 +16,7 @@ constexpr const char* channel = "libSonavit.endpointDeviceEnumerator";
 
 struct AudioDeviceEnumeratorAudioDevices : support::LibraryTest
 {
-    /// The shared enumerator of @p machine, with its platform enumerator made and nothing of that in log and journal.
+    /// The shared enumerator on @p machine with its platform enumerator, with log and journal cleared.
     AudioDeviceEnumerator& sharedOf(sim::Machine machine)
     {
         run(std::move(machine));

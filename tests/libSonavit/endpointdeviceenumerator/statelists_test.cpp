@@ -265,7 +265,7 @@ TEST_F(EndpointDeviceEnumeratorCommonEnumerate, ReadsARefusedEnumerationOrCountA
 
     EXPECT_TRUE(enumerator.enumerate(eRender));
     EXPECT_EQ(1u, noCollection.fired());
-    EXPECT_EQ(1u, noCount.fired()); // that of the disabled ones
+    EXPECT_EQ(1u, noCount.fired()); // the count of the disabled endpoints
     EXPECT_EQ((std::vector<std::vector<std::string>>{{}, {}, {"Not present"}, {"Unplugged"}}), lists(enumerator));
 }
 

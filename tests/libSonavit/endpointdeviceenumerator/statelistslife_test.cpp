@@ -210,7 +210,7 @@ TEST_F(EndpointDeviceEnumeratorCommonObserver, IsUnregisteredBeforeAnotherOneIsR
     enumerator->registerNotificationObserver(&other);
 
     EXPECT_THAT(simulation().journal().operations(), ElementsAre(unregisterCall, registerCall));
-    EXPECT_THAT(calls, ElementsAre("client Release", "other AddRef")); // the machine's doing
+    EXPECT_THAT(calls, ElementsAre("client Release", "other AddRef")); // by the machine
     EXPECT_EQ(&other, enumerator->m_notificationObserver);
 
     enumerator->unregisterNotificationObserver();
@@ -271,7 +271,7 @@ TEST_F(EndpointDeviceEnumeratorCommonObserver, StaysKnownAndRegisteredOverANewEn
     EXPECT_EQ(0u, simulation().journal().count(registerCall));
     EXPECT_EQ(0u, simulation().journal().count(unregisterCall));
 
-    enumerator->registerNotificationObserver(&other); // takes the former one off through the new enumerator
+    enumerator->registerNotificationObserver(&other); // unregisters the former one with the new enumerator
 
     EXPECT_EQ(0u, client.count);
     enumerator->unregisterNotificationObserver();

@@ -4,8 +4,8 @@
 
 namespace support
 {
-/// A notification client that does nothing but count its references and note the calls for them. It survives the last
-/// one, so a test holds it by value.
+/// A notification client that only counts its references and records the calls. The last Release does not destroy it,
+/// so a test holds it by value.
 class CountedClient final : public IMMNotificationClient
 {
 public:
@@ -35,10 +35,10 @@ public:
     HRESULT STDMETHODCALLTYPE OnDefaultDeviceChanged(EDataFlow, ERole, LPCWSTR) override { return S_OK; }
     HRESULT STDMETHODCALLTYPE OnPropertyValueChanged(LPCWSTR, const PROPERTYKEY) override { return S_OK; }
 
-    /// A handle with a reference of its own.
+    /// A handle with a new reference.
     COMPtr<IMMNotificationClient>::pointer handle()
     {
-        ++count; // not noted: it is the test's doing
+        ++count; // not recorded, because the test takes it
         return this;
     }
 

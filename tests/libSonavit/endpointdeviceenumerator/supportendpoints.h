@@ -11,8 +11,8 @@
 
 namespace support
 {
-/// The machine without the DirectSound GUIDs of its endpoints, whose texts the library does not give back: whoever
-/// counts nothing else ends with nothing kept.
+/// The machine without the DirectSound GUIDs of its endpoints, whose strings the library does not free. A test that
+/// uses it needs no `kept.directSoundTexts`.
 inline sim::Machine withoutGuids(sim::Machine machine)
 {
     for (sim::Endpoint& endpoint : machine.endpoints)
@@ -29,7 +29,7 @@ inline std::vector<std::string> idsOf(const qor::Array<AudioDevice>& devices)
     return ids;
 }
 
-/// What the endpoints of a list are called ("Speakers"), in its order.
+/// The names of the endpoints of a list ("Speakers"), in its order.
 inline std::vector<std::string> namesOf(const qor::Array<AudioDevice>& devices)
 {
     std::vector<std::string> names;
@@ -38,8 +38,7 @@ inline std::vector<std::string> namesOf(const qor::Array<AudioDevice>& devices)
     return names;
 }
 
-/// A machine with playback endpoints in all four states, in an order that is not that of the states, and one
-/// microphone.
+/// A machine with playback endpoints in all four states, in an order other than that of the states, and one microphone.
 inline sim::Machine endpointsInAllStates()
 {
     sim::MachineBuilder builder;

@@ -5,14 +5,14 @@
 #include "qor/logstatement.h"
 #include "qor/resource.h"
 
-/// Log channel of the handles' guard and of COMInitializer.
+/// Log channel of the guard around Release and of COMInitializer.
 namespace comptrlog
 {
 inline constexpr const char* channel = "comptr";
 inline qor::LoggerSlot logger;
 }
 
-/// Storage of a handle that holds one counted reference to a COM object.
+/// Storage policy of a handle that holds one counted reference to a COM object.
 template<class I>
 struct ComPtrStorage
 {
@@ -28,8 +28,8 @@ struct ComPtrStorage
         return source;
     }
 
-    /// Releases the reference. What Release throws is reported (LOG_ERROR) and goes on to the caller: the guard adds
-    /// the record and changes nothing else.
+    /// Releases the reference and sets @p value to null. An exception out of Release is logged (LOG_ERROR) and passes
+    /// on to the caller, with @p value as it was: the guard adds the record and changes nothing else.
     static void release(I*& value) noexcept(false)
     {
         try
@@ -48,7 +48,7 @@ struct ComPtrStorage
     }
 };
 
-/// Storage of memory from CoTaskMemAlloc, for a counted handle.
+/// Storage policy of a counted handle that owns memory from CoTaskMemAlloc.
 template<class T>
 struct ComTaskMemStorage
 {
@@ -64,9 +64,10 @@ struct ComTaskMemStorage
     }
 };
 
-/// COMPtr<I>::pointer holds one counted reference to an I. Built from a raw pointer it adopts the caller's reference,
-/// which is what the out-parameter of a platform function gives; a caller that keeps its own reference copies a handle
-/// instead.
+/// COMPtr<I>::pointer holds one counted reference to an I.
+///
+/// Construction from a raw pointer adopts the caller's reference: there is no AddRef. That is the form for the
+/// out-parameter of a platform function; a caller that keeps its own reference copies a handle instead.
 template<class I>
 struct COMPtr
 {
@@ -75,20 +76,20 @@ struct COMPtr
 
 /// Keeps COM initialised, as a single-threaded apartment, from construction to destruction.
 ///
-/// CoUninitialize is called whatever CoInitialize answered; the result is logged (LOG_DEBUG) and not acted on. The
-/// apartment is that of the constructing thread; the balancing call is made on the destroying one.
+/// The destructor calls CoUninitialize even if CoInitialize failed; the result of CoInitialize is logged (LOG_DEBUG)
+/// and otherwise ignored. CoInitialize runs on the constructing thread, CoUninitialize on the destroying thread.
 class SONAVIT_API COMInitializer
 {
 public:
     COMInitializer();
 
-    /// A copy does not initialise COM, and uninitialises it at its end all the same.
+    /// A copy does not initialise COM; its destructor uninitialises it nevertheless.
     COMInitializer(const COMInitializer&) = default;
     COMInitializer& operator=(const COMInitializer&) = default;
 
     ~COMInitializer();
 };
 
-/// The number of references on @p object, as far as its platform tells: the answer of an AddRef less one, which a
-/// Release takes back. @p object is not null.
+/// The number of references on @p object, as far as the object reports it: the result of AddRef, which a Release
+/// follows, minus 1. @p object must not be null.
 SONAVIT_API unsigned int comReferenceCount(IUnknown* object);

@@ -1,4 +1,4 @@
-/// Questions for the platform's interfaces by their types; included by the library's source files only.
+/// Typed requests for the platform's interfaces; included by the library's source files only.
 #pragma once
 
 #include "platform/coreaudio.h"
@@ -25,8 +25,8 @@ SONAVIT_INTERFACE_ID(IPart)
 SONAVIT_INTERFACE_ID(ISubunit)
 #undef SONAVIT_INTERFACE_ID
 
-/// Asks @p object for the interface of @p answer, which takes what the platform left in its place, null or not, also
-/// beside a failure. A reference that came with it is the caller's.
+/// Queries @p object for the interface I. @p answer receives whatever pointer the platform stored, null or not, even
+/// along with a failure code; the caller owns the reference that comes with it.
 template<class I>
 HRESULT query(IUnknown& object, I*& answer)
 {
@@ -36,7 +36,7 @@ HRESULT query(IUnknown& object, I*& answer)
     return result;
 }
 
-/// As query(), for what @p device activates in any context, without parameters.
+/// As query(), with IMMDevice::Activate: any context, no activation parameters.
 template<class I>
 HRESULT activate(IMMDevice& device, I*& answer)
 {
@@ -46,7 +46,7 @@ HRESULT activate(IMMDevice& device, I*& answer)
     return result;
 }
 
-/// As query(), for a new enumerator of the system's endpoints. Each caller logs a failure itself.
+/// As query(), with CoCreateInstance for a new endpoint enumerator. Each caller logs a failure itself.
 inline HRESULT createEnumerator(IMMDeviceEnumerator*& enumerator)
 {
     void* place = nullptr;

@@ -8,7 +8,7 @@ namespace libOSWindows
 {
 bool ConfigManager::getParentDeviceInstanceId(const qor::String& childInstanceId, qor::String& parentInstanceId)
 {
-    std::vector<WCHAR> childId(childInstanceId.size() + 1, 0); // the platform takes a text that it may write to
+    std::vector<WCHAR> childId(childInstanceId.size() + 1, 0); // the platform's parameter is not const
     for (unsigned int i = 0; i < childInstanceId.size(); ++i)
         childId[i] = static_cast<WCHAR>(childInstanceId.getUCS2Buffer()[i]);
 

@@ -1,8 +1,8 @@
-/// Export marks of the library.
+/// Export macro of the library.
 ///
-/// Off Windows every use makes the symbol visible, whatever is defined. On Windows the shared build defines
-/// SONAVIT_SHARED for everybody and SONAVIT_BUILDING for the library itself; without SONAVIT_SHARED the marks are
-/// empty, as a static build needs.
+/// On Windows the shared build defines SONAVIT_SHARED for all targets and SONAVIT_BUILDING for the library itself.
+/// Without SONAVIT_SHARED the macro is empty, as a static build requires. On other systems it always makes the symbol
+/// visible.
 #pragma once
 
 #if defined(_WIN32)

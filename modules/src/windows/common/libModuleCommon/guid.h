@@ -4,5 +4,6 @@
 #include "platform/coreaudio.h"
 #include "qor/string.h"
 
-/// @p guid as text, "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}" in upper case. @p guid is read only, and not null.
+/// The string form of @p guid, "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}" in upper case. @p guid must not be null; it
+/// is not changed.
 SONAVIT_API qor::String guidToString(GUID* guid);

@@ -13,107 +13,119 @@
 #include "qor/resource.h"
 #include "qor/string.h"
 
-/// One Core Audio device: an endpoint, or a device on the adapter side.
+/// One Core Audio device: an endpoint or an adapter device.
 ///
-/// A value: each copy holds counted references of its own on the platform's device and property store, and shares one
-/// volume controller with the others. Either empty, or bound to a device by initialize(). Platform failures are logged
-/// and reported by false, by a nil handle or by a property that keeps its value. No operation locks: one object belongs
-/// to one thread at a time, and the counts of the shared controller to one thread altogether.
+/// A value type: each copy holds its own references on the platform's device and property store and shares the volume
+/// controller with the other copies. An object is empty until initialize() binds it to a device. Platform failures are
+/// logged and reported as false, as a nil handle or by a property that keeps its value. No operation locks: use one
+/// object from one thread at a time, and all copies of a device from one thread, because the controller's share count
+/// is not atomic.
 class SONAVIT_API AudioDevice : public AudioDeviceInterface
 {
 public:
-    /// An empty device; asks the platform nothing.
+    /// An empty device; calls no platform function.
     AudioDevice();
 
-    /// Adopts the reference on @p device and initializes; ask isInitialized() for the outcome.
+    /// Adopts the caller's reference on @p device and initializes. The reference is released even if the constructor
+    /// throws. initialize()'s result is dropped; isInitialized() answers whether @p device was not null.
+    /// @exception qor::NullPointer if memory is exhausted
     AudioDevice(IMMDevice* device);
 
-    /// Opens the device called @p deviceId; ask isInitialized() for the outcome.
+    /// Opens the device with the id @p deviceId; isInitialized() answers whether the device was found.
     AudioDevice(const qor::String& deviceId);
 
     AudioDevice(const AudioDevice& other);
     AudioDevice& operator=(const AudioDevice& other);
 
-    /// Adopts the reference on @p device, reads id, topology and properties, and makes the volume controller, the
-    /// latter also where the properties cannot be read. Topology and property store of an earlier initialize() are
-    /// kept.
-    /// @return the outcome of refreshDeviceInformation(); false for a null device
+    /// Adopts the caller's reference on @p device, reads id, topology and properties and creates the volume controller,
+    /// even if the properties cannot be read. Topology and property store of an earlier initialize() are kept.
+    /// @return the result of refreshDeviceInformation(); false, without a message, if @p device is null
     bool initialize(IMMDevice* device);
 
     /// As above, with the device that the shared enumerator finds (IMMDeviceEnumerator::GetDevice).
     /// @return false also if there is no enumerator (LOG_WARNING) or no such device (LOG_ERROR)
     bool initialize(const qor::String& deviceId) override;
 
-    /// Reads all properties, the state and the kind of jack: that of the connector to which the device's first
-    /// connector is joined. The property store is opened for reading and writing on first use. What cannot be read
-    /// keeps its value and is logged (LOG_ERROR; a DirectSound GUID that is none and the state at LOG_WARNING, the jack
-    /// not at all). A format that is not stored is no failure. Each refresh leaves the text of one GUID with the
-    /// platform. The device must not be empty.
+    /// Reads all properties, the state and the jack type.
+    ///
+    /// The property store is opened for reading and writing (IMMDevice::OpenPropertyStore) on first use. The jack type
+    /// is the subtype of the part on the far side of the device's first connector. A property that cannot be read keeps
+    /// its value and is logged at LOG_ERROR; a malformed DirectSound GUID and a failing IMMDevice::GetState are logged
+    /// at LOG_WARNING, a missing jack type is not logged. A missing format is not a failure. Required behaviour: each
+    /// refresh leaves the string of one GUID allocated. The device must not be empty: there is no check.
     /// @return false, with a message (LOG_ERROR), only if the store cannot be opened
     bool refreshDeviceInformation() override;
 
-    /// Reads the state (IMMDevice::GetState); a failure is logged (LOG_WARNING). An empty device answers what it has.
+    /// Reads the state (IMMDevice::GetState); a failure is logged (LOG_WARNING). An empty device returns the state as
+    /// it is.
     unsigned int refreshDeviceState() override;
 
-    /// Writes @p format as the endpoint's device format, opens a new property store and reads all properties from it.
+    /// Writes @p format as the endpoint's device format (IPropertyStore::SetValue, Commit), opens a new property store
+    /// and reads all properties from it.
     ///
-    /// The format is put back when this object ends, or a copy made from now on, see the destructor. Until the refresh
-    /// the properties keep what the system said before.
-    /// @return false, with a message (LOG_WARNING), if the system refuses the format or no new store can be opened
-    /// @exception qor::AssertionFailure "m_propertyStore.get() != NULL" on a device without an open store
+    /// The destructor of this object, and of each copy made from now on, restores the former format. The properties
+    /// change by the final refresh only, to what the system then reports.
+    /// @return false, with a message (LOG_WARNING), if the system refuses the format or no new store can be opened;
+    /// false, without a message, if initialize() has been given a null device since: the format is written, but there
+    /// is no device to open a store on
+    /// @exception qor::AssertionFailure "m_propertyStore.get() != NULL" if no store is open
     bool setFormat(const WAVEFORMATEXTENSIBLE& format);
 
-    /// Whether the device is bound to a platform device, whatever initialize() answered.
+    /// Whether the object holds a platform device, regardless of the result of initialize().
     bool isInitialized() const override;
 
-    /// Whether the platform's device knows IMMEndpoint. The device must not be empty.
+    /// Whether the platform's device implements IMMEndpoint. The device must not be empty: there is no check.
     bool isEndpoint() const override;
 
-    /// Whether both have the same endpoint id, without regard to case.
+    /// Whether both have the same endpoint id, ignoring case.
     bool operator==(const AudioDevice& other) const;
 
+    /// The properties as of the latest refresh; the reference is valid while this object exists.
     const Properties& deviceProperty() const override;
 
     /// The platform's device with a new reference, or nil.
     COMPtr<IMMDevice>::pointer device();
 
-    /// The device's topology with a new reference, or nil.
+    /// The device's topology with a new reference, or nil if it has none.
     COMPtr<IDeviceTopology>::pointer deviceTopology() const;
 
-    /// Replaces @p topo by a copy of the device's topology snapshot.
+    /// Replaces @p topo with a copy of the device's topology snapshot.
     void deviceTopology(AudioDeviceTopology& topo) const;
 
-    /// Replaces @p connectorList by the connectors of the device's topology. @return their number
+    /// Replaces @p connectorList with the connectors of the device's topology. @return their number
     unsigned int connector(qor::Array<AudioComponent<IConnector>>& connectorList);
 
+    /// A share of the endpoint's volume controller; nil only for an adapter device or an empty object.
     SharedPointer<VolumeControllerInterface> volumeControl() override;
 
-    /// Activates IAudioClient, anew on each call. @return nil, with a message (LOG_DEBUG), where there is none
+    /// Activates IAudioClient, again on each call. The device must not be empty: there is no check.
+    /// @return nil, with a message (LOG_DEBUG), if the device has none
     COMPtr<IAudioClient>::pointer audioClient();
 
-    /// Activates IBaseFilter, anew on each call. @return null, with the message of audioClient() (LOG_DEBUG), where
-    /// there is none
+    /// Activates IBaseFilter, again on each call. The device must not be empty: there is no check.
+    /// @return null, with the message of audioClient() (LOG_DEBUG), if the device has none
     ATL::CComPtr<IBaseFilter> baseFilter();
 
-    /// Stores the way the device's audio goes. @return false, with @p flow left alone, for an empty device or no
-    /// endpoint
+    /// Stores the data flow (IMMEndpoint::GetDataFlow). @return false, with @p flow unchanged, for an empty object and
+    /// for an adapter device
     bool dataFlow(EDataFlow& flow) const;
 
-    /// Whether the endpoint is the default one of its flow in the console role; the other roles play no part, and ids
-    /// are compared with regard to case. Every failure is logged (LOG_ERROR) and reads as false. Each answer leaves the
-    /// text of one id with the platform. The device must not be empty, and its thread needs COM.
+    /// Whether the endpoint is the default endpoint of its flow in the role eConsole
+    /// (IMMDeviceEnumerator::GetDefaultAudioEndpoint). The comparison of ids is case-sensitive. A failure is logged
+    /// (LOG_ERROR) and returns false. Required behaviour: each successful answer leaves the string of one id allocated.
+    /// The device must not be empty: there is no check. COM must be initialised on the calling thread.
     bool isDefaultEndpoint() const;
 
-    /// The number under which the wave functions know the endpoint, among as many numbers as there are wave outputs.
-    /// Drivers that do not answer are logged (LOG_WARNING) and passed over; without memory for an id the search ends
-    /// (LOG_WARNING).
-    /// @return 0xFFFFFFFF where there is none, or the data flow is not known (LOG_WARNING)
+    /// The endpoint's device number in the wave functions (waveOutMessage, waveInMessage). Required behaviour: inputs,
+    /// too, are searched among waveOutGetNumDevs() numbers only. A driver that returns an error is logged (LOG_WARNING)
+    /// and skipped; if no memory is left for an id, the search ends (LOG_WARNING).
+    /// @return 0xFFFFFFFF if there is no such number or the data flow is unknown (LOG_WARNING)
     unsigned int waveLegacyDeviceID() override;
 
-    /// Puts the device format back to that after the latest initialize() that succeeded, if the present one is another
-    /// and the store is open; what becomes of it is logged only. Each copy does so for itself, also a temporary or an
-    /// element that an array leaves behind when it grows, and whoever had changed the format. A device whose only
-    /// initialize() failed has an empty format to go back to, and writes that once a later refresh has found one.
+    /// Restores the device format that the latest successful initialize() read, if the current one differs and the
+    /// store is open; a failure is only logged. Each copy does so by itself, even a temporary and an element that an
+    /// array destroys as it grows, and even if another program changed the format. If every initialize() failed, the
+    /// saved format is all zero: once a later refresh has read a format, the destructor writes zeros.
     ~AudioDevice() noexcept(false) override;
 
 private:
@@ -129,6 +141,7 @@ private:
     template<class DataType>
     bool getPropVariantValue(const PROPVARIANT& variant, DataType& value);
 
+    bool bind(COMPtr<IMMDevice>::pointer& owned);
     void readDirectSoundGuid();
     void readJackType();
     COMPtr<IAudioEndpointVolume>::pointer volumeController();
@@ -137,7 +150,7 @@ private:
     unsigned int waveMessage(EDataFlow flow, unsigned int deviceId, unsigned int message, unsigned __int64 param1,
                              unsigned __int64 param2);
 
-    static const PROPERTYKEY m_friendlyName;
+    static const PROPERTYKEY m_friendlyName; // values: see COM/identifiers.h
     static const PROPERTYKEY m_instancePathKey;
     static const PROPERTYKEY m_driverNodeStrongName;
     static const PROPERTYKEY m_speakerConfig;
@@ -145,11 +158,11 @@ private:
     static const PROPERTYKEY m_deviceFormat;
 
     COMPtr<IMMDevice>::pointer m_device;
-    COMPtr<IPropertyStore>::pointer m_propertyStore; // open from the first refresh on
+    COMPtr<IPropertyStore>::pointer m_propertyStore; // nil until the first refresh opens it
     SharedPointer<VolumeControllerInterface> m_volumeControl;
     AudioDeviceTopology m_topology;
     Properties m_properties;
-    Properties m_savedProperties; // as after the latest successful initialize(): the format to go back to
+    Properties m_savedProperties; // as of the latest successful initialize(); has the format to restore
 };
 
 template<>
@@ -159,8 +172,8 @@ SONAVIT_API bool AudioDevice::getPropVariantValue(const PROPVARIANT& variant, un
 template<>
 SONAVIT_API bool AudioDevice::getPropVariantValue(const PROPVARIANT& variant, WAVEFORMATEXTENSIBLE& value);
 
-/// Equality of formats, field by field. Those over WAVEFORMATEX look at nothing behind cbSize; those over
-/// WAVEFORMATEXTENSIBLE look at all fields, whatever the format's tag says of them.
+/// Equality of formats, field by field. Those for WAVEFORMATEX ignore what follows cbSize; those for
+/// WAVEFORMATEXTENSIBLE compare all fields, even those that the format tag declares unused.
 SONAVIT_API bool operator==(const WAVEFORMATEX& left, const WAVEFORMATEX& right);
 SONAVIT_API bool operator!=(const WAVEFORMATEX& left, const WAVEFORMATEX& right);
 SONAVIT_API bool operator==(const WAVEFORMATEXTENSIBLE& left, const WAVEFORMATEXTENSIBLE& right);

@@ -6,26 +6,26 @@
 #include "qor/resource.h"
 #include "qor/string.h"
 
-/// One audio endpoint, as the lists of a SoundCard hand it out.
+/// One audio endpoint, the element type of the lists that a SoundCard returns.
 class SONAVIT_API AudioDeviceInterface
 {
 public:
-    /// What an endpoint tells about itself, as it stood at the latest refresh.
+    /// The properties of an endpoint as of the latest refresh.
     struct SONAVIT_API Properties
     {
-        /// All zero and empty.
+        /// All numbers and GUIDs zero, all strings empty.
         Properties();
         Properties(const Properties& other);
         Properties& operator=(const Properties& other);
         ~Properties();
 
-        /// Writes seven of the properties to the log (LOG_INFO).
+        /// Logs seven of the properties (LOG_INFO); not format, subType and directSoundGuid.
         void logPropertyInfo() const;
 
         unsigned int speakerConfig;       ///< mask of the physical speakers
-        WAVEFORMATEXTENSIBLE format;      ///< format in which the endpoint's engine works
-        qor::String deviceId;             ///< endpoint id, the identity of the object
-        qor::String instancePath;         ///< device instance path, the same for all endpoints of a card
+        WAVEFORMATEXTENSIBLE format;      ///< device format of the endpoint's audio engine
+        qor::String deviceId;             ///< endpoint id; identifies the endpoint
+        qor::String instancePath;         ///< device instance path, equal for all endpoints of a card
         qor::String driverNodeStrongName; ///< strong name of the driver node
         qor::String friendlyName;         ///< friendly name of the device that the endpoint belongs to
         qor::String endpointType;         ///< device description: "Speakers", "Microphone"
@@ -38,31 +38,38 @@ public:
     AudioDeviceInterface(const AudioDeviceInterface& other);
     AudioDeviceInterface& operator=(const AudioDeviceInterface& other);
 
-    /// Whether the device is an endpoint and not a device on the adapter side.
+    /// Whether the device is an endpoint, as opposed to an adapter device. The device must be initialized.
     virtual bool isEndpoint() const = 0;
 
-    /// The endpoint's volume controller, shared with all copies of the device; nil where there is none.
+    /// The endpoint's volume controller, shared by all copies of the device.
+    ///
+    /// Nil only for an adapter device and for an empty object. An initialized endpoint always has a controller, even if
+    /// it has no volume: hasVolumeControl() answers true there, and no level or mute operation may be called. To find
+    /// out, activate IAudioEndpointVolume on AudioDevice::device().
     virtual SharedPointer<VolumeControllerInterface> volumeControl() = 0;
 
-    /// Opens the device called @p deviceId. @return whether it could be opened and read
+    /// Opens the device with the id @p deviceId and reads its properties.
+    /// @return false, with a message, if the device or its property store cannot be opened
     virtual bool initialize(const qor::String& deviceId) = 0;
 
+    /// Whether the object holds a platform device.
     virtual bool isInitialized() const = 0;
 
-    /// Reads all properties anew. @return false only if the property store cannot be opened
+    /// Reads all properties again. The device must be initialized.
+    /// @return false, with a message (LOG_ERROR), only if the property store cannot be opened
     virtual bool refreshDeviceInformation() = 0;
 
-    /// The properties as they were read last; valid while the device lives.
+    /// The properties as of the latest refresh; the reference is valid while the device exists.
     virtual const Properties& deviceProperty() const = 0;
 
-    /// The number that the wave functions know the endpoint by, or 0xFFFFFFFF.
+    /// The endpoint's device number in the wave functions, or 0xFFFFFFFF if it has none.
     virtual unsigned int waveLegacyDeviceID() = 0;
 
-    /// Reads the state anew. @return DEVICE_STATE_ bits
+    /// Reads the state again. @return DEVICE_STATE_ bits
     virtual unsigned int refreshDeviceState() = 0;
 
-    virtual ~AudioDeviceInterface() noexcept(false); // handles may let an exception pass, see qor/resource.h
+    virtual ~AudioDeviceInterface() noexcept(false); // a handle's Release may throw, see qor/resource.h
 };
 
-/// A view of an endpoint that something else owns.
+/// A pointer to an endpoint that another object owns, such as a list of a SoundCard.
 typedef BorrowedPointer<AudioDeviceInterface> AudioInterfacePtr;

@@ -9,41 +9,44 @@
 
 /// A snapshot of the endpoints of one data flow, sorted into a list for each state.
 ///
-/// Either empty, or filled by enumerate(). The thread must have initialised COM. The snapshot stays readable after the
-/// enumerator has gone. No operation locks. The results of the platform's enumeration are not looked at, only what it
-/// left.
+/// An object is empty until enumerate() fills it. COM must be initialised on the calling thread. The snapshot stays
+/// readable after the enumerator is released. No operation locks. The HRESULTs of the platform's enumeration are
+/// ignored on purpose: a null collection counts as an empty one.
 class SONAVIT_API EndpointDeviceEnumeratorCommon
 {
 public:
-    /// A state and the list that takes the endpoints in it.
+    /// A state and the list that receives the endpoints in that state.
     struct Collection
     {
         unsigned int state;
         qor::Array<AudioDevice>* devices;
     };
 
-    /// Empty; asks the platform nothing.
+    /// Empty; calls no platform function.
     EndpointDeviceEnumeratorCommon();
 
-    /// Enumerates @p flow; look at the lists, or at enumerator(), for the outcome.
+    /// Calls enumerate(@p flow) and drops the result; enumerator() is nil if it failed.
     EndpointDeviceEnumeratorCommon(EDataFlow flow);
 
-    /// Copies the lists. The observer of @p other stays registered once, for @p other.
+    /// Copies the lists, the observer pointer and the enumerator handle; registers and unregisters no observer.
     EndpointDeviceEnumeratorCommon(const EndpointDeviceEnumeratorCommon& other);
     EndpointDeviceEnumeratorCommon& operator=(const EndpointDeviceEnumeratorCommon& other);
 
     /// Does not unregister the observer.
     ~EndpointDeviceEnumeratorCommon();
 
-    /// Makes a new enumerator and takes a new snapshot with it. What was there before is gone in any case.
-    /// @return false if there is no enumerator to be had; a failure is logged (LOG_ERROR)
+    /// Creates a new enumerator (CoCreateInstance) and takes a new snapshot. The former snapshot is discarded even if
+    /// that fails.
+    /// @return false, with a message (LOG_ERROR), if the enumerator cannot be created
+    /// @exception qor::NullPointer if memory is exhausted
     bool enumerate(EDataFlow flow);
 
-    /// Takes a new snapshot with the present enumerator, which must be there: one enumeration for each state, so that
-    /// an endpoint that changes its state meanwhile may stand in two lists or in none.
+    /// Takes a new snapshot with the current enumerator, which must not be nil: there is no check. Each state is
+    /// enumerated separately (IMMDeviceEnumerator::EnumAudioEndpoints), so an endpoint that changes its state meanwhile
+    /// may appear in two lists or in none.
     void refresh(EDataFlow flow);
 
-    /// The lists themselves, which change with the next snapshot.
+    /// References to the lists, which the next snapshot changes.
     const qor::Array<AudioDevice>& activeDevice() const;
     const qor::Array<AudioDevice>& notPresentDevice() const;
     const qor::Array<AudioDevice>& disabledDevice() const;
@@ -58,9 +61,9 @@ public:
     /// The enumerator with a new reference, or nil.
     COMPtr<IMMDeviceEnumerator>::pointer enumerator() const;
 
-    /// Registers @p observer in place of the one before, with the present enumerator, which must be there. Null changes
-    /// nothing. The object takes no reference: the caller keeps the observer alive. Calls come on a thread of the
-    /// platform.
+    /// Registers @p observer with the current enumerator, which must not be nil, and unregisters the former observer.
+    /// A null @p observer has no effect. The object takes no reference: the caller keeps the observer alive. The
+    /// platform calls it on a thread of its own.
     void registerNotificationObserver(IMMNotificationClient* observer);
 
 private:
@@ -80,24 +83,28 @@ private:
 
 namespace libSonavit
 {
-/// Lists the endpoints of a flow in every state. Owns an enumerator of its own and keeps nothing between calls. The
-/// thread must have initialised COM.
+/// Lists the endpoints of a flow in all states. Owns its own enumerator and keeps no endpoints between calls. COM must
+/// be initialised on the calling thread.
 class SONAVIT_API EndpointDeviceEnumerator
 {
 public:
-    /// Makes the enumerator; ask isInitialized() for the outcome. A failure is logged (LOG_ERROR).
+    /// Creates the enumerator (CoCreateInstance); isInitialized() answers whether that succeeded. A failure is logged
+    /// (LOG_ERROR).
     EndpointDeviceEnumerator();
     EndpointDeviceEnumerator(const EndpointDeviceEnumerator& other);
     EndpointDeviceEnumerator& operator=(const EndpointDeviceEnumerator& other);
     ~EndpointDeviceEnumerator();
 
+    /// Whether the enumerator exists.
     bool isInitialized() const;
 
-    /// The enumerator itself, without a new reference.
+    /// A reference to the handle; takes no new COM reference.
     const COMPtr<IMMDeviceEnumerator>::pointer& enumerator() const;
 
-    /// Replaces @p devices by the endpoints of @p flow in every state, in the system's order. Endpoints that could not
-    /// be initialized stand among them. The object must be initialized. @return the size of @p devices
+    /// Replaces @p devices with the endpoints of @p flow in all states, in the system's order. An endpoint that cannot
+    /// be initialized keeps its place. The object must be initialized: there is no check.
+    /// @return the size of @p devices
+    /// @exception qor::NullPointer if memory is exhausted
     unsigned int audioDevices(EDataFlow flow, qor::Array<AudioDevice>& devices) const;
 
 private:
@@ -106,31 +113,36 @@ private:
     COMPtr<IMMDeviceEnumerator>::pointer m_enumerator;
 };
 
-/// The one enumerator that lasts: endpoints are looked up on it by id, and notification clients are registered with it.
+/// The process-wide enumerator: AudioDevice finds endpoints by id with it, and SoundCard registers notification clients
+/// with it.
 ///
-/// It keeps COM initialised on the thread that makes it, and every client alive, until it is destroyed at the end of
-/// the module: it then takes all clients off the platform in the order of their arrival, lets go of the platform's
-/// enumerator and uninitialises COM on whichever thread that happens. The module ends with the process, or when the
-/// last FreeLibrary unloads it; the factory gives this very object until that is done. Nothing locks; it is to be made
-/// on one thread before others join in.
+/// It keeps COM initialised on the thread that creates it and keeps every client alive until the module ends: with the
+/// process, or when the last FreeLibrary unloads it. Its destructor then unregisters all clients in the order of their
+/// registration, releases the platform's enumerator and uninitialises COM on the thread that ends the module. Until the
+/// destructor has finished, the factory returns this object; after that, an empty handle, so the next call of the
+/// factory creates a new object. Nothing locks: create it on one thread before other threads use the library.
 class SONAVIT_API AudioDeviceEnumerator
 {
 public:
-    /// A copy with references of its own. It does not initialise COM; its end unregisters all clients and uninitialises
-    /// COM all the same.
+    /// A copy with its own references. It does not initialise COM; its destructor nevertheless unregisters all clients
+    /// and uninitialises COM.
     AudioDeviceEnumerator(const AudioDeviceEnumerator& other);
     AudioDeviceEnumerator& operator=(const AudioDeviceEnumerator& other);
     ~AudioDeviceEnumerator();
 
-    /// The platform's enumerator, made on first call; valid as long as this object. Nil, with a message (LOG_ERROR), if
-    /// it cannot be made; the next call tries again.
+    /// The platform's enumerator, created (CoCreateInstance) on the first call. Takes no reference: the pointer is
+    /// valid while this object exists.
+    /// @return nil, with a message (LOG_ERROR), if it cannot be created; the next call tries again
     BorrowedPointer<IMMDeviceEnumerator> deviceEnumerator();
 
-    /// Keeps @p client and registers it, as often as it is given. One that the platform refuses is kept as well.
+    /// Takes a reference on @p client and registers it
+    /// (IMMDeviceEnumerator::RegisterEndpointNotificationCallback), once more for each call. A client that the platform
+    /// refuses is kept as well.
     /// @return false, with a message (LOG_WARNING), if there is no enumerator or the platform refuses
     bool addNotificationClient(const COMPtr<IMMNotificationClient>::pointer& client);
 
-    /// Replaces @p devices by the endpoints of @p flow in every state. deviceEnumerator() must have been called.
+    /// Replaces @p devices with the endpoints of @p flow in all states. deviceEnumerator() must have been called: there
+    /// is no check.
     /// @return the size of @p devices
     unsigned int audioDevices(EDataFlow flow, qor::Array<AudioDevice>& devices) const;
 
@@ -141,8 +153,8 @@ private:
     void createDeviceEnumerator();
 
     COMPtr<IMMDeviceEnumerator>::pointer m_deviceEnumerator;
-    qor::Array<COMPtr<IMMNotificationClient>::pointer> m_notificationClients; // in order of arrival; only grows
-    /// Last: COM comes up when the rest stands, and goes down before the list is destroyed.
+    qor::Array<COMPtr<IMMNotificationClient>::pointer> m_notificationClients; // in order of registration; only grows
+    /// The last member: COM is initialised after the others and uninitialised before the list is destroyed.
     COMInitializer m_comInitializer;
 };
 
@@ -150,7 +162,8 @@ private:
 class SONAVIT_API AudioDeviceEnumeratorFactory
 {
 public:
-    /// The handle on the instance, which is made if there is none. It stays nil if memory is exhausted.
+    /// The handle of the instance, which is created if there is none. It stays nil if memory is exhausted. The caller
+    /// does not own the instance.
     static OwnedPointer<AudioDeviceEnumerator>& enumerator();
 
     /// Does nothing.

@@ -13,7 +13,8 @@ SysInfoHelper::SysInfoHelper()
 SysInfoHelper::SysInfoHelper(const SysInfoHelper& other) = default;
 SysInfoHelper& SysInfoHelper::operator=(const SysInfoHelper& other) = default;
 
-/// The cards go while COM is still up. The balance of COM is not looked at, not even by copies.
+/// Releases the cards while COM is still initialised. Required behaviour: CoUninitialize is always called, even by a
+/// copy, which has not initialised COM.
 SysInfoHelper::~SysInfoHelper()
 {
     m_soundCards.clear();
@@ -49,8 +50,7 @@ bool SysInfoHelper::hasEndpoint(const qor::String& id, EndpointQuery query)
     return ((*card).*query)(endpoints) != 0;
 }
 
-/// Walks to the end in any case: of several cards with this id the last one counts, unlike in
-/// SoundCard::createSoundCard().
+/// No early exit: of several cards with this id the last one is the result, unlike in SoundCard::createSoundCard().
 BorrowedPointer<SoundCard> SysInfoHelper::soundCard(const qor::String& id)
 {
     BorrowedPointer<SoundCard> result;

@@ -66,7 +66,7 @@ ULONG VolumeChangeNotification::Release()
     return static_cast<ULONG>(count);
 }
 
-/// Reported as an error on purpose, so that changes show in a log of the usual thresholds.
+/// Required behaviour: logged at LOG_ERROR, so that changes appear in a log with the default threshold.
 HRESULT VolumeChangeNotification::OnNotify(AUDIO_VOLUME_NOTIFICATION_DATA*)
 {
     SONAVIT_LOG(notificationlog, LOG_ERROR, out.append("OnNotify"));

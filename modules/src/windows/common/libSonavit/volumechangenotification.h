@@ -4,47 +4,51 @@
 #include "libModuleCommon/export.h"
 #include "platform/coreaudio.h"
 
-// The base has virtual functions and no virtual destructor: objects of it end by Release, and a virtual destructor
-// would take a place among the platform's functions.
+// The platform's interface has virtual functions and no virtual destructor, which would change the layout of its
+// virtual table. Release destroys the object.
 #if defined(__GNUC__)
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
 #endif
 
-/// Tells a window, a function or both that an endpoint's volume or mute has changed, whoever changed it.
+/// Notifies a window, a function or both that an endpoint's volume or mute has changed, including changes by this
+/// process.
 ///
-/// Make one, hold it in a COMPtr<VolumeChangeNotification>::pointer, which adopts its first reference, set window and
-/// function, and give it to VolumeControllerInterface::registerVolumeChangeNotification(). It carries no data: read the
-/// new state from the controller. The object ends with its last Release.
+/// Create one with new, hold it in a COMPtr<VolumeChangeNotification>::pointer, which adopts its first reference, set
+/// window and function, and pass it to VolumeControllerInterface::registerVolumeChangeNotification(). The notification
+/// carries no data: read the new state from the controller. The last Release destroys the object.
 ///
-/// OnNotify comes on a thread of the platform and calls the function there; the window gets its message on its own
-/// thread. Only the reference count is safe between threads: set window and function before registering.
+/// The platform calls OnNotify on a thread of its own; the function runs on that thread, the window receives its
+/// message on the window's thread. Only the reference count is thread-safe: set window and function before registering.
 class SONAVIT_API VolumeChangeNotification final : public IAudioEndpointVolumeCallback
 {
 public:
-    /// Posted to the window on each change, with both parameters 0: the number of the old mixer's control change.
+    /// The message that is posted to the window on each change, with both parameters 0; equal to
+    /// MM_MIXM_CONTROL_CHANGE.
     static constexpr UINT message = 0x3D1;
 
     /// Reference count 1; neither window nor function.
     VolumeChangeNotification();
 
-    /// These copy all fields, the reference count of the other object included: the result is good for nothing but to
-    /// be read, as its count says nothing of its own references.
+    /// Required behaviour: both copy all fields, including the reference count, which then does not count the
+    /// references on the copy.
     VolumeChangeNotification(const VolumeChangeNotification& other);
     VolumeChangeNotification& operator=(const VolumeChangeNotification& other);
 
-    /// The window that gets the message from now on; null for none.
+    /// Sets the window that receives the message; null for none. Takes no ownership.
     void setCallbackWindow(HWND window);
 
-    /// The function that is called from now on, with @p context; null for none.
+    /// Sets the function that is called with @p context; null for none. Takes no ownership of @p context.
     void setCallbackFunction(void (*function)(void*), void* context);
 
-    /// Knows IUnknown and IAudioEndpointVolumeCallback; anything else is E_NOINTERFACE with null stored.
+    /// Answers IUnknown and IAudioEndpointVolumeCallback, with a new reference; for any other interface it stores null
+    /// and returns E_NOINTERFACE.
     HRESULT STDMETHODCALLTYPE QueryInterface(const GUID& iid, void** object) override;
     ULONG STDMETHODCALLTYPE AddRef() override;
     ULONG STDMETHODCALLTYPE Release() override;
 
-    /// Calls the function, then posts the message (PostMessageW), also to a null window. @p data is not looked at.
+    /// Logs "OnNotify" (LOG_ERROR), calls the function, then posts the message (PostMessageW), even to a null window.
+    /// @p data is ignored and may be null.
     /// @return S_OK
     HRESULT STDMETHODCALLTYPE OnNotify(AUDIO_VOLUME_NOTIFICATION_DATA* data) override;
 

@@ -3,7 +3,7 @@
 #include "COM/interfacequery.h"
 #include "COM/resultcode.h"
 #include "libSonavit/audiodeviceendpoint/log.h"
-#include "qor/exception.h"
+#include "libSonavit/precondition.h"
 
 template<>
 void AudioDevice::logInterfaceType<IDeviceTopology>()
@@ -19,13 +19,12 @@ void AudioDevice::logInterfaceType<IAudioEndpointVolume>()
     SONAVIT_LOG(endpointlog, LOG_INFO, out.append("IAudioEndpointVolume"));
 }
 
-/// Activates an interface on the device. @return nil, with messages (LOG_INFO, LOG_WARNING), where there is none
+/// Activates the interface T on the device. @return nil, with messages (LOG_INFO, LOG_WARNING), if the device has none
 template<class T>
 typename COMPtr<T>::pointer AudioDevice::activateDeviceInterface()
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::activateDeviceInterface()");
-    if (m_device.get() == nullptr)
-        throw qor::AssertionFailure(__FILE__, __LINE__, "m_device.get() != NULL");
+    precondition::check(m_device.get() != nullptr, __FILE__, __LINE__, "m_device.get() != NULL");
     T* object = nullptr;
     const HRESULT result = interfacequery::activate(*m_device, object);
     if (FAILED(result))
@@ -39,31 +38,6 @@ typename COMPtr<T>::pointer AudioDevice::activateDeviceInterface()
 template COMPtr<IDeviceTopology>::pointer AudioDevice::activateDeviceInterface<IDeviceTopology>();
 template COMPtr<IAudioEndpointVolume>::pointer AudioDevice::activateDeviceInterface<IAudioEndpointVolume>();
 
-COMPtr<IDeviceTopology>::pointer AudioDevice::deviceTopology() const
-{
-    SONAVIT_TRACE(endpointlog, "AudioDevice::deviceTopology()");
-    return m_topology.topology();
-}
-
-void AudioDevice::deviceTopology(AudioDeviceTopology& topo) const
-{
-    SONAVIT_TRACE(endpointlog, "AudioDevice::deviceTopology(AudioDeviceTopology& topo)");
-    topo = m_topology;
-}
-
-unsigned int AudioDevice::connector(qor::Array<AudioComponent<IConnector>>& connectorList)
-{
-    SONAVIT_TRACE(endpointlog, "AudioDevice::connector(qor::Array<AudioConnector>& connectorList)");
-    connectorList = m_topology.connector();
-    return connectorList.size();
-}
-
-SharedPointer<VolumeControllerInterface> AudioDevice::volumeControl()
-{
-    SONAVIT_TRACE(endpointlog, "AudioDevice::volumeControl");
-    return m_volumeControl;
-}
-
 COMPtr<IAudioClient>::pointer AudioDevice::audioClient()
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::audioClient");
@@ -73,7 +47,7 @@ COMPtr<IAudioClient>::pointer AudioDevice::audioClient()
     return client;
 }
 
-// Label and message are those of audioClient(): the log shows the same words for both.
+// Required behaviour: label and message are those of audioClient(), readers of the log match on them.
 ATL::CComPtr<IBaseFilter> AudioDevice::baseFilter()
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::audioClient");
@@ -88,13 +62,13 @@ ATL::CComPtr<IBaseFilter> AudioDevice::baseFilter()
 COMPtr<IAudioEndpointVolume>::pointer AudioDevice::volumeController()
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::volumeController()");
-    if (m_device.get() == nullptr)
-        throw qor::AssertionFailure(__FILE__, __LINE__, "m_device.get() != NULL");
+    precondition::check(m_device.get() != nullptr, __FILE__, __LINE__, "m_device.get() != NULL");
     return activateDeviceInterface<IAudioEndpointVolume>();
 }
 
-/// Makes the controller from the properties as they are now, also on an endpoint without a volume interface: it then
-/// has a nil one. A device that is no endpoint keeps the controller that it had. The label is that of volumeControl().
+/// Creates the controller from the current properties, even on an endpoint without IAudioEndpointVolume: the
+/// controller's interface is nil then. An adapter device keeps the controller that it had. Required behaviour: the
+/// label is that of volumeControl().
 /// @return whether the device has a controller
 bool AudioDevice::createVolumeControl()
 {

@@ -7,59 +7,84 @@
 
 namespace
 {
+/// Releases @p object and sets it to null. @return whether there was one
 template<class I>
-void releaseWithRecord(I*& object, const char* record)
+bool release(I*& object)
 {
     if (object == nullptr)
-        return;
+        return false;
     object->Release();
     object = nullptr;
-    SONAVIT_LOG(endpointlog, LOG_DEBUG, out.append(record));
+    return true;
 }
 
-/// One question for the default endpoint of a device's flow, with what it holds meanwhile.
-class DefaultEndpointInquiry
+/// One search for the default endpoint of a device's flow, with the interfaces that it holds meanwhile. They are raw
+/// pointers on purpose: each release has its place and its record. Each step logs with a statement of its own, because
+/// a record shows the line of its statement.
+class DefaultEndpointSearch
 {
 public:
-    explicit DefaultEndpointInquiry(IMMDevice* device) : m_device(device) {}
-    DefaultEndpointInquiry(const DefaultEndpointInquiry&) = delete;
-    DefaultEndpointInquiry& operator=(const DefaultEndpointInquiry&) = delete;
+    explicit DefaultEndpointSearch(IMMDevice* device) : m_device(device) {}
+    DefaultEndpointSearch(const DefaultEndpointSearch&) = delete;
+    DefaultEndpointSearch& operator=(const DefaultEndpointSearch&) = delete;
 
-    /// Whatever comes of it, releaseAll() is to follow.
-    /// @return whether all went well and @p id holds the default endpoint's id; a failing step is logged
-    bool ask(LPWSTR& id)
-    {
-        HRESULT result = interfacequery::createEnumerator(m_enumerator); // one of its own, apart from the shared one
-        if (FAILED(result) || m_enumerator == nullptr)
-            return failed("CoCreateInstance returns ", result);
-        result = interfacequery::query(*m_device, m_endpoint);
-        if (FAILED(result) || m_endpoint == nullptr)
-            return failed("QueryInterface returns ", result);
-        EDataFlow flow = eAll;
-        result = m_endpoint->GetDataFlow(&flow);
-        if (FAILED(result))
-            return failed("GetDataFlow returns ", result);
-        result = m_enumerator->GetDefaultAudioEndpoint(flow, eConsole, &m_defaultDevice);
-        if (FAILED(result) || m_defaultDevice == nullptr)
-            return failed("GetDefaultAudioEndpoint returns ", result);
-        result = m_defaultDevice->GetId(&id);
-        if (FAILED(result))
-            return failed("GetId returns ", result);
-        return true;
-    }
+    /// The caller calls releaseAll() afterwards, even after a failure.
+    /// @return whether @p id holds the default endpoint's id; a failing step is logged
+    bool findId(LPWSTR& id) { return createEnumerator() && queryEndpoint() && findDefaultDevice() && readId(id); }
 
-    /// In this order, each with a record of its own.
+    /// In this order, each with its own record.
     void releaseAll()
     {
-        releaseWithRecord(m_enumerator, "enumerator RELEASED");
-        releaseWithRecord(m_endpoint, "endpoint RELEASED");
-        releaseWithRecord(m_defaultDevice, "pDefaultDevice RELEASED");
+        if (release(m_enumerator))
+            SONAVIT_LOG(endpointlog, LOG_DEBUG, out.append("enumerator RELEASED"));
+        if (release(m_endpoint))
+            SONAVIT_LOG(endpointlog, LOG_DEBUG, out.append("endpoint RELEASED"));
+        if (release(m_defaultDevice))
+            SONAVIT_LOG(endpointlog, LOG_DEBUG, out.append("pDefaultDevice RELEASED"));
     }
 
 private:
-    static bool failed(const char* step, HRESULT result)
+    /// Its own enumerator on purpose, not the shared one.
+    bool createEnumerator()
     {
-        SONAVIT_LOG(endpointlog, LOG_ERROR, out.append(step).append(hexText(result)));
+        const HRESULT result = interfacequery::createEnumerator(m_enumerator);
+        if (SUCCEEDED(result) && m_enumerator != nullptr)
+            return true;
+        SONAVIT_LOG(endpointlog, LOG_ERROR, out.append("CoCreateInstance returns ").append(hexText(result)));
+        return false;
+    }
+
+    bool queryEndpoint()
+    {
+        const HRESULT result = interfacequery::query(*m_device, m_endpoint);
+        if (SUCCEEDED(result) && m_endpoint != nullptr)
+            return true;
+        SONAVIT_LOG(endpointlog, LOG_ERROR, out.append("QueryInterface returns ").append(hexText(result)));
+        return false;
+    }
+
+    bool findDefaultDevice()
+    {
+        EDataFlow flow = eAll;
+        HRESULT result = m_endpoint->GetDataFlow(&flow);
+        if (FAILED(result))
+        {
+            SONAVIT_LOG(endpointlog, LOG_ERROR, out.append("GetDataFlow returns ").append(hexText(result)));
+            return false;
+        }
+        result = m_enumerator->GetDefaultAudioEndpoint(flow, eConsole, &m_defaultDevice);
+        if (SUCCEEDED(result) && m_defaultDevice != nullptr)
+            return true;
+        SONAVIT_LOG(endpointlog, LOG_ERROR, out.append("GetDefaultAudioEndpoint returns ").append(hexText(result)));
+        return false;
+    }
+
+    bool readId(LPWSTR& id)
+    {
+        const HRESULT result = m_defaultDevice->GetId(&id);
+        if (SUCCEEDED(result))
+            return true;
+        SONAVIT_LOG(endpointlog, LOG_ERROR, out.append("GetId returns ").append(hexText(result)));
         return false;
     }
 
@@ -85,10 +110,10 @@ bool AudioDevice::dataFlow(EDataFlow& flow) const
 
 bool AudioDevice::isDefaultEndpoint() const
 {
-    DefaultEndpointInquiry inquiry(m_device.get());
-    LPWSTR text = nullptr; // never freed, and meant to stay so: each answer leaves one text with the platform
-    const bool answered = inquiry.ask(text);
-    inquiry.releaseAll();
+    DefaultEndpointSearch search(m_device.get());
+    LPWSTR text = nullptr; // required behaviour: never freed, each answer leaves one string allocated
+    const bool answered = search.findId(text);
+    search.releaseAll();
     if (!answered)
         return false;
     const qor::String defaultId(platform::ucs2(text));

@@ -2,15 +2,17 @@
 
 #include "COM/interfacequery.h"
 #include "COM/resultcode.h"
+#include "COM/tasktext.h"
 #include "libSonavit/audiodeviceendpoint/log.h"
 #include "libSonavit/endpointdeviceenumerator.h"
 
 AudioDevice::AudioDevice() = default;
 
-AudioDevice::AudioDevice(IMMDevice* device)
+/// Adopts the reference before all else: the construction of the other members allocates and may throw.
+AudioDevice::AudioDevice(IMMDevice* device) : m_device(device)
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::AudioDevice(IMMDevice* device)");
-    initialize(device);
+    bind(m_device);
 }
 
 AudioDevice::AudioDevice(const qor::String& deviceId)
@@ -22,28 +24,10 @@ AudioDevice::AudioDevice(const qor::String& deviceId)
 AudioDevice::AudioDevice(const AudioDevice& other) = default;
 AudioDevice& AudioDevice::operator=(const AudioDevice& other) = default;
 
-/// The topology comes before the properties, so a message about its failure shows the names of an earlier binding or
-/// none.
 bool AudioDevice::initialize(IMMDevice* device)
 {
-    SONAVIT_TRACE(endpointlog, "AudioDevice::initialize(IMMDevice* device)");
-    m_device = device;
-    if (device == nullptr)
-        return false;
-
-    LPWSTR id = nullptr;
-    m_device->GetId(&id); // an id that did not come reads as the empty text
-    m_properties.deviceId = platform::ucs2(id);
-    CoTaskMemFree(id);
-    printReferenceCount();
-
-    if (!m_topology.isInitialized())
-        m_topology = activateDeviceInterface<IDeviceTopology>();
-    const bool refreshed = refreshDeviceInformation();
-    if (refreshed)
-        m_savedProperties = m_properties;
-    createVolumeControl();
-    return refreshed;
+    COMPtr<IMMDevice>::pointer owned(device); // before the trace record, which allocates and may throw
+    return bind(owned);
 }
 
 bool AudioDevice::initialize(const qor::String& deviceId)
@@ -67,6 +51,37 @@ bool AudioDevice::initialize(const qor::String& deviceId)
         return false;
     }
     return initialize(device);
+}
+
+/// The body of initialize(IMMDevice*). Moves the reference from @p owned to m_device, which may be the same handle, so
+/// that the logged reference count is not raised by @p owned.
+///
+/// The topology precedes the properties, so a message about a failing activation shows the names that an earlier
+/// initialize() read, or empty ones.
+bool AudioDevice::bind(COMPtr<IMMDevice>::pointer& owned)
+{
+    SONAVIT_TRACE(endpointlog, "AudioDevice::initialize(IMMDevice* device)");
+    if (&owned != &m_device)
+    {
+        m_device = owned;
+        owned = nullptr;
+    }
+    if (m_device.get() == nullptr)
+        return false;
+    {
+        TaskText id;
+        m_device->GetId(id.put()); // the HRESULT is ignored on purpose: a null pointer reads as the empty string
+        m_properties.deviceId = platform::ucs2(id.get());
+    }
+    printReferenceCount();
+
+    if (!m_topology.isInitialized())
+        m_topology = activateDeviceInterface<IDeviceTopology>();
+    const bool refreshed = refreshDeviceInformation();
+    if (refreshed)
+        m_savedProperties = m_properties;
+    createVolumeControl();
+    return refreshed;
 }
 
 unsigned int AudioDevice::refreshDeviceState()
@@ -110,8 +125,33 @@ COMPtr<IMMDevice>::pointer AudioDevice::device()
     return m_device;
 }
 
-/// Each copy restores by its own two formats: also a temporary, or an element that an array's growth leaves behind.
-/// Without an open store there is nothing to write to, and no assertion may leave a destructor.
+COMPtr<IDeviceTopology>::pointer AudioDevice::deviceTopology() const
+{
+    SONAVIT_TRACE(endpointlog, "AudioDevice::deviceTopology()");
+    return m_topology.topology();
+}
+
+void AudioDevice::deviceTopology(AudioDeviceTopology& topo) const
+{
+    SONAVIT_TRACE(endpointlog, "AudioDevice::deviceTopology(AudioDeviceTopology& topo)");
+    topo = m_topology;
+}
+
+unsigned int AudioDevice::connector(qor::Array<AudioComponent<IConnector>>& connectorList)
+{
+    SONAVIT_TRACE(endpointlog, "AudioDevice::connector(qor::Array<AudioConnector>& connectorList)");
+    connectorList = m_topology.connector();
+    return connectorList.size();
+}
+
+SharedPointer<VolumeControllerInterface> AudioDevice::volumeControl()
+{
+    SONAVIT_TRACE(endpointlog, "AudioDevice::volumeControl");
+    return m_volumeControl;
+}
+
+/// Each copy compares its own two formats, even a temporary or an element that an array destroys as it grows. Without
+/// an open store there is nothing to write to, and setFormat()'s assertion must not leave a destructor.
 AudioDevice::~AudioDevice() noexcept(false)
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::~AudioDevice()");

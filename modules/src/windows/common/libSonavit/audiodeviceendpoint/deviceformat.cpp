@@ -2,17 +2,16 @@
 
 #include "COM/resultcode.h"
 #include "libSonavit/audiodeviceendpoint/log.h"
-#include "qor/exception.h"
+#include "libSonavit/precondition.h"
 
 #include <cstring>
 
 bool AudioDevice::setFormat(const WAVEFORMATEXTENSIBLE& format)
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::setFormat");
-    if (m_propertyStore.get() == nullptr)
-        throw qor::AssertionFailure(__FILE__, __LINE__, "m_propertyStore.get() != NULL");
+    precondition::check(m_propertyStore.get() != nullptr, __FILE__, __LINE__, "m_propertyStore.get() != NULL");
 
-    PROPVARIANT variant; // borrows the caller's format, so it is never cleared
+    PROPVARIANT variant; // refers to the caller's format, so it must not be cleared
     std::memset(&variant, 0, sizeof(variant));
     variant.vt = VT_BLOB;
     variant.blob.cbSize = sizeof(format);
@@ -25,14 +24,15 @@ bool AudioDevice::setFormat(const WAVEFORMATEXTENSIBLE& format)
     }
     m_propertyStore->Commit();
 
-    // What the system made of the format is told by a new store only.
-    m_propertyStore = nullptr;
+    m_propertyStore = nullptr; // only a new store shows the format as the system has stored it
+    if (m_device.get() == nullptr)
+        return false; // initialize() has been given a null device since
     IPropertyStore* store = nullptr;
     result = m_device->OpenPropertyStore(STGM_READWRITE, &store);
     if (FAILED(result))
     {
         SONAVIT_LOG(endpointlog, LOG_WARNING, out.append("Cannot open a new property store ").append(hexText(result)));
-        return false; // without a store, whatever stands beside the failure
+        return false; // a pointer along with a failure code is ignored on purpose
     }
     m_propertyStore = store;
     return refreshDeviceInformation();

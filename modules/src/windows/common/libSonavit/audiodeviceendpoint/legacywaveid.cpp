@@ -3,15 +3,28 @@
 #include "COM/resultcode.h"
 #include "libSonavit/audiodeviceendpoint/log.h"
 
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
 namespace
 {
 constexpr unsigned int noWaveId = 0xFFFFFFFF;
 
-/// Memory for an endpoint id. Its kind of handle counts under a lock.
+/// Memory for an endpoint id. The share count of this handle type is guarded by a lock.
 typedef qor::SharedResource<ComTaskMemStorage<unsigned short>, 1> IdBuffer;
+
+/// The string in a block of @p bytes bytes: up to its terminator or, if the driver has written none, up to the end.
+qor::String boundedString(const unsigned short* block, std::size_t bytes)
+{
+    const unsigned short* const end = block + bytes / sizeof(*block);
+    std::vector<unsigned short> units(block, std::find(block, end, 0));
+    units.push_back(0);
+    return qor::String(units.data());
+}
 }
 
-// The label names outputs only; it stands for both directions.
+// Required behaviour: the label names outputs only, for inputs as well.
 unsigned int AudioDevice::waveLegacyDeviceID()
 {
     SONAVIT_TRACE(endpointlog, "waveOutLegacyDeviceID");
@@ -22,11 +35,10 @@ unsigned int AudioDevice::waveLegacyDeviceID()
         SONAVIT_LOG(endpointlog, LOG_WARNING, out.append("Audio stream flow cannot be determined"));
         return noWaveId;
     }
-    // Inputs, too, are searched among as many numbers as there are outputs, counted anew each time: devices come and
-    // go.
+    // Required behaviour: inputs, too, are searched among the numbers of outputs, which are counted again on each pass.
     for (unsigned int id = 0; id < waveOutGetNumDevs(); ++id)
     {
-        DWORD_PTR size = 0; // the driver fills the width of a pointer
+        DWORD_PTR size = 0; // the driver writes as many bytes as a pointer has
         unsigned int result =
             waveMessage(flow, id, DRV_QUERYFUNCTIONINSTANCEIDSIZE, reinterpret_cast<DWORD_PTR>(&size), 0);
         if (result != MMSYSERR_NOERROR)
@@ -40,13 +52,14 @@ unsigned int AudioDevice::waveLegacyDeviceID()
             SONAVIT_LOG(endpointlog, LOG_WARNING, out.append("Cannot allocate device id buffer"));
             break;
         }
+        std::memset(buffer.get(), 0, size); // a driver may report success and write nothing
         result = waveMessage(flow, id, DRV_QUERYFUNCTIONINSTANCEID, reinterpret_cast<DWORD_PTR>(buffer.get()), size);
         if (result != MMSYSERR_NOERROR)
         {
             SONAVIT_LOG(endpointlog, LOG_WARNING, out.append("waveMessage returns an error ").append(decimalText(result)));
             continue;
         }
-        if (qor::String(buffer.get()) == deviceId)
+        if (boundedString(buffer.get(), size) == deviceId)
         {
             SONAVIT_LOG(endpointlog, LOG_INFO, out.append("Wave out device ").append(deviceId).append(" has waveOut id = ").append(decimalText(id)));
             return id;
@@ -55,7 +68,7 @@ unsigned int AudioDevice::waveLegacyDeviceID()
     return noWaveId;
 }
 
-/// Sends @p message to the driver behind a wave number, which stands in the place of a handle.
+/// Sends @p message to the driver of a device number, which is passed in place of a handle.
 unsigned int AudioDevice::waveMessage(EDataFlow flow, unsigned int deviceId, unsigned int message,
                                       unsigned __int64 param1, unsigned __int64 param2)
 {

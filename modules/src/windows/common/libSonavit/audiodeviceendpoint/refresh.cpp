@@ -6,6 +6,22 @@
 
 #include <cstring>
 
+namespace
+{
+/// Clears a variant that GetValue has filled at the end of the scope, even if an exception leaves the scope.
+class VariantClearer
+{
+public:
+    explicit VariantClearer(PROPVARIANT& variant) noexcept : m_variant(variant) {}
+    VariantClearer(const VariantClearer&) = delete;
+    VariantClearer& operator=(const VariantClearer&) = delete;
+    ~VariantClearer() { PropVariantClear(&m_variant); }
+
+private:
+    PROPVARIANT& m_variant;
+};
+}
+
 const PROPERTYKEY AudioDevice::m_friendlyName = propertykeys::friendlyName;
 const PROPERTYKEY AudioDevice::m_instancePathKey = propertykeys::instancePath;
 const PROPERTYKEY AudioDevice::m_driverNodeStrongName = propertykeys::driverNodeStrongName;
@@ -54,10 +70,9 @@ bool AudioDevice::getDeviceData(const PROPERTYKEY& key, DataType& value)
     PROPVARIANT variant;
     std::memset(&variant, 0, sizeof(variant));
     if (FAILED(m_propertyStore->GetValue(key, &variant)))
-        return false;
-    const bool converted = getPropVariantValue(variant, value);
-    PropVariantClear(&variant);
-    return converted;
+        return false; // not cleared on purpose
+    const VariantClearer clearer(variant);
+    return getPropVariantValue(variant, value);
 }
 
 template bool AudioDevice::getDeviceData(const PROPERTYKEY& key, qor::String& value);
@@ -82,7 +97,7 @@ bool AudioDevice::getPropVariantValue(const PROPVARIANT& variant, unsigned int& 
     return true;
 }
 
-/// An endpoint without a stored format is no failure, one with a format of another size is.
+/// A missing format is not a failure; a format of another size is.
 template<>
 bool AudioDevice::getPropVariantValue(const PROPVARIANT& variant, WAVEFORMATEXTENSIBLE& value)
 {
@@ -94,9 +109,9 @@ bool AudioDevice::getPropVariantValue(const PROPVARIANT& variant, WAVEFORMATEXTE
     return true;
 }
 
-/// Read apart from the others, and meant to stay so: the type tag is not looked at, a property that cannot be had is
-/// passed over in silence, and the variant is not cleared, so that each read leaves one text with the platform. Those
-/// who match the log or count the platform's memory know it this way.
+/// Required behaviour, unlike for the other properties: the type tag is ignored, a property that cannot be read is not
+/// logged, and the variant is not cleared, so each read leaves one string allocated. Readers of the log and counts of
+/// task memory rely on it.
 void AudioDevice::readDirectSoundGuid()
 {
     PROPVARIANT variant;
@@ -107,7 +122,7 @@ void AudioDevice::readDirectSoundGuid()
         SONAVIT_LOG(endpointlog, LOG_WARNING, out.append("CLSIDFromString cannot convert sting guid to direct sound guid"));
 }
 
-/// Only the first connector counts, and without a far side the kind of jack stays what it was.
+/// Only the first connector is used; if it leads nowhere, the jack type keeps its value.
 void AudioDevice::readJackType()
 {
     qor::Array<AudioComponent<IConnector>> connectors;

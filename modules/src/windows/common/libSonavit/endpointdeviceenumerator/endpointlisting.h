@@ -1,4 +1,4 @@
-/// The steps that all lists of endpoints share; included by this module's source files only.
+/// The steps of listing endpoints; included by this module's source files only.
 #pragma once
 
 #include "COM/comptr.h"
@@ -7,8 +7,8 @@
 
 namespace endpointlisting
 {
-/// The endpoints of @p flow in one of the states of @p states, as they are now; nil if the platform gives no
-/// collection.
+/// A snapshot of the endpoints of @p flow whose state is in the mask @p states; nil if the platform stores none. The
+/// HRESULT is ignored on purpose.
 inline COMPtr<IMMDeviceCollection>::pointer collectionOf(IMMDeviceEnumerator& enumerator, EDataFlow flow, DWORD states)
 {
     IMMDeviceCollection* collection = nullptr;
@@ -16,6 +16,7 @@ inline COMPtr<IMMDeviceCollection>::pointer collectionOf(IMMDeviceEnumerator& en
     return collection;
 }
 
+/// The number of endpoints; 0 for a nil @p collection and if the platform stores none.
 inline UINT countOf(const COMPtr<IMMDeviceCollection>::pointer& collection)
 {
     UINT count = 0;
@@ -24,7 +25,8 @@ inline UINT countOf(const COMPtr<IMMDeviceCollection>::pointer& collection)
     return count;
 }
 
-/// Appends the first @p count endpoints. One that cannot be had or read takes its place all the same.
+/// Appends the first @p count endpoints. An endpoint that cannot be obtained or read keeps its place, as an AudioDevice
+/// that is empty or failed to initialize. Each AudioDevice adopts the reference of its IMMDevice.
 inline void append(const COMPtr<IMMDeviceCollection>::pointer& collection, UINT count, qor::Array<AudioDevice>& devices)
 {
     for (UINT index = 0; index < count; ++index)

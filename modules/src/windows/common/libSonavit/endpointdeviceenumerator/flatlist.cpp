@@ -16,7 +16,7 @@ EndpointDeviceEnumerator::EndpointDeviceEnumerator()
 EndpointDeviceEnumerator::EndpointDeviceEnumerator(const EndpointDeviceEnumerator& other) = default;
 EndpointDeviceEnumerator& EndpointDeviceEnumerator::operator=(const EndpointDeviceEnumerator& other) = default;
 
-/// Lets go of the enumerator inside the trace scope.
+/// Releases the enumerator inside the trace scope.
 EndpointDeviceEnumerator::~EndpointDeviceEnumerator()
 {
     SONAVIT_TRACE(enumeratorlog, "EndpointDeviceEnumerator::~EndpointDeviceEnumerator()");
@@ -33,7 +33,7 @@ const COMPtr<IMMDeviceEnumerator>::pointer& EndpointDeviceEnumerator::enumerator
     return m_enumerator;
 }
 
-/// The record has the state mask where that of the state lists has an index.
+/// Required behaviour: the message shows the state mask in the place of an index.
 unsigned int EndpointDeviceEnumerator::audioDevices(EDataFlow flow, qor::Array<AudioDevice>& devices) const
 {
     devices.clear();

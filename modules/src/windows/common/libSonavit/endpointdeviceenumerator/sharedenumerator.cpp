@@ -11,7 +11,7 @@ namespace libSonavit
 {
 namespace
 {
-/// The count that Release reports, with an AddRef before it.
+/// The count that Release returns after an AddRef.
 unsigned int releasedCount(IUnknown* object)
 {
     object->AddRef();
@@ -37,7 +37,7 @@ AudioDeviceEnumerator::AudioDeviceEnumerator() = default;
 AudioDeviceEnumerator::AudioDeviceEnumerator(const AudioDeviceEnumerator& other) = default;
 AudioDeviceEnumerator& AudioDeviceEnumerator::operator=(const AudioDeviceEnumerator& other) = default;
 
-/// Clients that the platform refused are taken off as well; nothing is made of the answers.
+/// Unregisters the clients that the platform refused, too; the HRESULTs are ignored on purpose.
 AudioDeviceEnumerator::~AudioDeviceEnumerator()
 {
     if (m_deviceEnumerator.get() == nullptr)
@@ -63,7 +63,7 @@ bool AudioDeviceEnumerator::addNotificationClient(const COMPtr<IMMNotificationCl
         SONAVIT_LOG(enumeratorlog, LOG_WARNING, out.append("Fail to instantiate IMMDeviceNumerator"));
         return false;
     }
-    m_notificationClients.append(client); // before the registration: one that is refused stays in the list
+    m_notificationClients.append(client); // before the registration: a client that is refused stays in the list
     const HRESULT result = m_deviceEnumerator->RegisterEndpointNotificationCallback(client.get());
     if (FAILED(result))
     {
@@ -84,17 +84,19 @@ unsigned int AudioDeviceEnumerator::audioDevices(EDataFlow flow, qor::Array<Audi
     return devices.size();
 }
 
-/// Without an enumerator after a failure the object stays as it was, so that the next question tries again.
+/// After a failure without an enumerator the object is unchanged, so the next call tries again.
 void AudioDeviceEnumerator::createDeviceEnumerator()
 {
-    IMMDeviceEnumerator* enumerator = nullptr;
-    const HRESULT result = interfacequery::createEnumerator(enumerator);
+    IMMDeviceEnumerator* created = nullptr;
+    const HRESULT result = interfacequery::createEnumerator(created);
+    COMPtr<IMMDeviceEnumerator>::pointer enumerator(created); // before the messages, which allocate and may throw
     if (FAILED(result))
         SONAVIT_LOG(enumeratorlog, LOG_ERROR, out.append("CoCreateInstance returns ").append(hexText(result)));
-    if (enumerator == nullptr)
+    if (created == nullptr)
         return;
-    SONAVIT_LOG(enumeratorlog, LOG_DEBUG, out.append("IMMDeviceEnumerator refcount = "), out + releasedCount(enumerator));
+    SONAVIT_LOG(enumeratorlog, LOG_DEBUG, out.append("IMMDeviceEnumerator refcount = "), out + releasedCount(created));
     m_deviceEnumerator = enumerator;
-    SONAVIT_LOG(enumeratorlog, LOG_DEBUG, out.append("IMMDeviceEnumerator refcount after copy = "), out + releasedCount(enumerator));
+    enumerator = nullptr; // the next message counts the stored reference only
+    SONAVIT_LOG(enumeratorlog, LOG_DEBUG, out.append("IMMDeviceEnumerator refcount after copy = "), out + releasedCount(created));
 }
 }

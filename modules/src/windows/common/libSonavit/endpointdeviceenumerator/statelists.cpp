@@ -39,7 +39,7 @@ bool EndpointDeviceEnumeratorCommon::enumerate(EDataFlow flow)
         return false;
     }
     if (enumerator == nullptr)
-        return false; // a success that left nobody to ask
+        return false; // success without an enumerator
     m_enumerator = enumerator;
     refresh(flow);
     return true;
@@ -113,7 +113,7 @@ void EndpointDeviceEnumeratorCommon::registerNotificationObserver(IMMNotificatio
     m_enumerator->RegisterEndpointNotificationCallback(observer);
 }
 
-/// With the present enumerator, which need not be the one that the observer was registered with.
+/// Uses the current enumerator, which may differ from the one that the observer was registered with.
 void EndpointDeviceEnumeratorCommon::unregisterNotificationObserver()
 {
     if (m_notificationObserver == nullptr)
@@ -141,8 +141,8 @@ void EndpointDeviceEnumeratorCommon::clearDeviceList()
     m_active.clear();
 }
 
-/// Enumerates the endpoints in the state of @p collection into its list. The second record shows the list before it is
-/// filled, and runs together with the index: readers of the log match on it as it is.
+/// Enumerates the endpoints in the state of @p collection into its list. Required behaviour: the second message shows
+/// the size before the list is filled, and has no blank after the index; readers of the log match on it.
 void EndpointDeviceEnumeratorCommon::appendDevices(EDataFlow flow, unsigned int index, const Collection& collection)
 {
     const COMPtr<IMMDeviceCollection>::pointer endpoints =

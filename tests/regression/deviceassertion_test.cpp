@@ -1,0 +1,43 @@
+// The assertions of the endpoint device named the line below their check.
+#include "qor/exception.h"
+#include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
+
+#if !defined(_WIN32) // under Wine the sources are not at the path that the compiler has seen
+
+#include <fstream>
+#include <functional>
+
+namespace
+{
+/// The source line that the assertion out of @p action names; empty if there is none.
+std::string assertedLine(const std::function<void()>& action)
+{
+    try
+    {
+        action();
+    }
+    catch (const qor::AssertionFailure& failure)
+    {
+        std::ifstream source(failure.file());
+        std::string line;
+        for (unsigned __int64 number = 0; number < failure.line(); ++number)
+            std::getline(source, line);
+        return line;
+    }
+    return {};
+}
+
+using AudioDeviceAssertion = devicetest::DeviceTest;
+}
+
+TEST_F(AudioDeviceAssertion, NamesTheLineOfItsCheck)
+{
+    AudioDevice empty;
+
+    EXPECT_THAT(assertedLine([&] { empty.volumeController(); }), testing::HasSubstr("m_device.get() != nullptr"));
+    EXPECT_THAT(assertedLine([&] { empty.activateDeviceInterface<IAudioEndpointVolume>(); }),
+                testing::HasSubstr("m_device.get() != nullptr"));
+    EXPECT_THAT(assertedLine([&] { empty.setFormat({}); }), testing::HasSubstr("m_propertyStore.get() != nullptr"));
+}
+
+#endif
