@@ -1,6 +1,6 @@
 #include "simulator/machine/deviceformat.h"
 
-#include "simulator/machine/file/names.h"
+#include "simulator/machine/valuetext.h"
 
 #include <array>
 

@@ -1,6 +1,5 @@
 #include "simulator/machine/identity.h"
 
-#include "simulator/machine/file/names.h"
 #include "simulator/machine/nodetypes.h"
 #include "simulator/machine/valuetext.h"
 

@@ -4,6 +4,8 @@
 #include "platform/coreaudio.h"
 
 #include <array>
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace sim
@@ -79,4 +81,8 @@ inline constexpr std::array<NamedNodeType, 22> namedNodeTypes = {{
     {"toAnalog", nodetypes::toAnalog},
     {"peakMeter", nodetypes::peakMeter},
 }};
+
+/// The kind of a jack or node by its name ("speaker", "volume"), or any other as a GUID text.
+std::string nodeTypeText(const GUID& nodeType);
+std::optional<GUID> nodeTypeFromText(const std::string& text);
 }

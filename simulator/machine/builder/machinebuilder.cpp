@@ -1,9 +1,9 @@
 #include "simulator/machine/builder/machinebuilder.h"
 
-#include "simulator/machine/file/names.h"
 #include "simulator/machine/identity.h"
 #include "simulator/machine/nodetypes.h"
 #include "simulator/machine/propertykeys.h"
+#include "simulator/machine/valuetext.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,7 +1,8 @@
 #include "simulator/machine/file/check.h"
 
 #include "simulator/machine/file/json.h"
-#include "simulator/machine/file/names.h"
+#include "simulator/machine/namedvalues.h"
+#include "simulator/machine/operations.h"
 #include "simulator/machine/propertykeys.h"
 #include "simulator/machine/valuetext.h"
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "simulator/machine/file/json.h"
-#include "simulator/machine/file/names.h"
 #include "simulator/machine/machine.h"
+#include "simulator/machine/namedvalues.h"
 
 #include <cstdint>
 #include <optional>

@@ -3,9 +3,10 @@
 
 #include "simulator/machine/deviceformat.h"
 #include "simulator/machine/file/json.h"
-#include "simulator/machine/file/names.h"
 #include "simulator/machine/file/shortids.h"
 #include "simulator/machine/identity.h"
+#include "simulator/machine/namedvalues.h"
+#include "simulator/machine/nodetypes.h"
 #include "simulator/machine/propertykeys.h"
 #include "simulator/machine/valuetext.h"
 

@@ -1,7 +1,7 @@
 #include "simulator/machine/file/json.h"
 #include "simulator/machine/file/machinefile.h"
-#include "simulator/machine/file/names.h"
 #include "simulator/machine/file/objectkeys.h"
+#include "simulator/machine/namedvalues.h"
 #include "simulator/machine/nodetypes.h"
 #include "simulator/machine/propertykeys.h"
 #include "tests/simulator/machine/file/machinesample.h"

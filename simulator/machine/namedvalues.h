@@ -1,4 +1,4 @@
-/// The words of a machine file and the platform's values that they stand for.
+/// The names that machine files, messages and the program give to the platform's values.
 #pragma once
 
 #include "platform/coreaudio.h"
@@ -83,28 +83,4 @@ std::string nameOf(const Names<Value, Size>& names, const Value& value)
     }
     return {};
 }
-
-/// "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}" in upper case.
-std::string guidText(const GUID& guid);
-
-/// The GUID written that way, in either case; no value for any other text.
-std::optional<GUID> guidFromText(const std::string& text);
-
-/// A decimal number without sign, blanks or leading zeros that fits into 32 bits.
-std::optional<std::uint32_t> numberFromText(const std::string& text);
-
-/// "0x80004005", eight digits; no value for any other text.
-std::optional<HRESULT> resultFromText(const std::string& text);
-std::string resultText(HRESULT result);
-
-/// The kind of a jack or node by its name ("speaker", "volume"), or any other as a GUID text.
-std::string nodeTypeText(const GUID& nodeType);
-std::optional<GUID> nodeTypeFromText(const std::string& text);
-
-/// Whether the simulated platform has that operation ("IMMDevice::Activate", "CoCreateInstance"). A bare name such as
-/// "Release" stands for that operation of every interface.
-bool isOperation(std::string_view name);
-
-/// Whether IAudioEndpointVolume has an operation of that name ("SetMute").
-bool isEndpointVolumeOperation(std::string_view name);
 }
