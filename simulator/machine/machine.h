@@ -66,16 +66,16 @@ struct Adapter : Device
 struct Join
 {
     std::string from;
-    std::string to;       ///< empty: the far connector cannot be had, only its device's id
-    Text toDevice;        ///< the far device's id as `from` reports it; no value: that of the owner of `to`
-    bool bothWays = true; ///< false: `to` knows nothing of it
+    std::string to;          ///< empty: the far connector cannot be had, only its device's id
+    OptionalString toDevice; ///< the far device's id as `from` reports it; no value: that of the owner of `to`
+    bool bothWays = true;    ///< false: `to` knows nothing of it
 };
 
 /// A device instance and its parent, as the configuration manager knows them. No parent: asking for it fails.
 struct DeviceInstance
 {
     std::string id;
-    Text parent;
+    OptionalString parent;
 };
 
 /// What the legacy wave interface answers for one wave id; its position in the list is the id.
@@ -105,7 +105,7 @@ using ChangeablePartPlace = BasicPartPlace<Device, Part, Connector>;
 /// The far side of a connector as the connector reports it.
 struct Peer
 {
-    Text device;           ///< answer of GetDeviceIdConnectedTo
+    OptionalString device; ///< answer of GetDeviceIdConnectedTo
     std::string connector; ///< id of the connector that GetConnectedTo gives; empty: there is none to be had
 };
 

@@ -1,7 +1,10 @@
 #include "simulator/machine/operations.h"
 
+#include "simulator/machine/nearestname.h"
+
+#include <algorithm>
 #include <array>
-#include <string>
+#include <vector>
 
 namespace sim
 {
@@ -58,6 +61,61 @@ bool hasWord(std::string_view words, std::string_view word)
     const bool isOneWord = !word.empty() && word.find(' ') == std::string_view::npos;
     return isOneWord && words.find(" " + std::string(word) + " ") != std::string_view::npos;
 }
+
+void append(std::vector<std::string>& list, std::string_view words, const std::string& prefix = {})
+{
+    for (std::size_t start = words.find_first_not_of(' '); start != std::string_view::npos;)
+    {
+        const std::size_t end = words.find(' ', start);
+        list.push_back(prefix + std::string(words.substr(start, end - start)));
+        start = words.find_first_not_of(' ', end);
+    }
+}
+
+/// The operations of one interface, with those that count references at the end.
+std::vector<std::string> operationsOf(const InterfaceOperations& owner, const std::string& prefix = {})
+{
+    std::vector<std::string> names;
+    append(names, owner.operations, prefix);
+    append(names, countingOperations, prefix);
+    return names;
+}
+
+/// Every operation by its full name, and every function.
+std::vector<std::string> allOperations()
+{
+    std::vector<std::string> names;
+    append(names, functions);
+    for (const InterfaceOperations& each : interfaces)
+    {
+        const std::vector<std::string> own = operationsOf(each, std::string(each.interfaceName) + "::");
+        names.insert(names.end(), own.begin(), own.end());
+    }
+    return names;
+}
+
+std::vector<std::string> bareNames()
+{
+    std::vector<std::string> names;
+    append(names, functions);
+    for (const InterfaceOperations& each : interfaces)
+        append(names, each.operations);
+    append(names, countingOperations);
+    return names;
+}
+
+std::string functionsAndInterfaces()
+{
+    std::vector<std::string> names;
+    append(names, functions);
+    std::string text = " (functions:";
+    for (const std::string& name : names)
+        text += " " + name;
+    text += "; interfaces:";
+    for (const InterfaceOperations& each : interfaces)
+        text += " " + std::string(each.interfaceName);
+    return text + ")";
+}
 }
 
 bool isOperation(std::string_view name)
@@ -79,5 +137,22 @@ bool isOperation(std::string_view name)
 bool isEndpointVolumeOperation(std::string_view name)
 {
     return !hasWord(countingOperations, name) && isOperation("IAudioEndpointVolume::" + std::string(name));
+}
+
+std::string operationSuggestion(const std::string& name)
+{
+    const std::size_t colons = name.find("::");
+    const auto isNamed = [&](const InterfaceOperations& each) { return each.interfaceName == name.substr(0, colons); };
+    const auto owner = std::find_if(interfaces.begin(), interfaces.end(), isNamed);
+    if (colons != std::string::npos && owner != interfaces.end())
+    {
+        const std::string prefix = name.substr(0, colons + 2);
+        const std::string nearest = nearestName(name.substr(colons + 2), operationsOf(*owner));
+        return nearest.empty() ? suggestion("", operationsOf(*owner), "operations of " + name.substr(0, colons))
+                               : " (did you mean \"" + prefix + nearest + "\"?)";
+    }
+    const bool isBare = colons == std::string::npos;
+    const std::string nearest = nearestName(name, isBare ? bareNames() : allOperations());
+    return nearest.empty() ? functionsAndInterfaces() : " (did you mean \"" + nearest + "\"?)";
 }
 }

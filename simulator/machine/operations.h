@@ -1,6 +1,7 @@
 /// The operations of the simulated platform by name.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace sim
@@ -11,4 +12,8 @@ bool isOperation(std::string_view name);
 
 /// Whether IAudioEndpointVolume has an operation of that name ("SetMute").
 bool isEndpointVolumeOperation(std::string_view name);
+
+/// What to say behind a name that isOperation() refuses: ` (did you mean "IMMDevice::Activate"?)`, or the existing
+/// operations.
+std::string operationSuggestion(const std::string& name);
 }

@@ -10,8 +10,9 @@
 
 namespace sim
 {
-/// UTF-8 text that the platform may fail to give: no value stands for a null pointer with a success code.
-using Text = std::optional<std::string>;
+/// A UTF-8 string that the platform returns; no value stands for a null pointer along with a success code.
+using OptionalString = std::optional<std::string>;
+using Text = OptionalString;
 
 /// One value of a property store together with the tag under which the store hands it out.
 ///
@@ -19,11 +20,11 @@ using Text = std::optional<std::string>;
 struct PropertyValue
 {
     VARTYPE tag = VT_EMPTY;
-    Text text;                       ///< VT_LPWSTR; no value: the tag comes with a null pointer
+    OptionalString text;             ///< VT_LPWSTR; no value: the tag comes with a null pointer
     std::uint32_t number = 0;        ///< VT_UI4 and the other numeric tags
     std::vector<std::uint8_t> bytes; ///< VT_BLOB
 
-    static PropertyValue ofText(Text value);
+    static PropertyValue ofText(OptionalString value);
     static PropertyValue ofNumber(std::uint32_t value, VARTYPE tag = VT_UI4);
     static PropertyValue ofBytes(std::vector<std::uint8_t> value);
 };

@@ -46,7 +46,7 @@ struct Part
     std::string id;            ///< global id, stable over all topology objects; unique in the machine
     std::uint32_t localId = 0; ///< unique in the topology
     bool reportsId = true;     ///< false: GetGlobalId stores null; the model refers to the part by @ref id all the same
-    Text name;
+    OptionalString name;
     GUID subType = {};
     std::vector<std::string> incoming; ///< ids of the neighbours that feed this part, in the platform's order
     std::vector<std::string> outgoing; ///< ids of the neighbours that this part feeds
@@ -79,7 +79,7 @@ struct SignalPath
 /// The hardware graph of one device.
 struct Topology
 {
-    Text deviceId; ///< what GetDeviceId answers
+    OptionalString deviceId; ///< what GetDeviceId answers
     std::vector<Connector> connectors;
     std::vector<Subunit> subunits;
     std::vector<SignalPath> signalPaths;

@@ -3,6 +3,7 @@
 
 #include "platform/coreaudio.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -34,6 +35,11 @@ std::optional<std::uint32_t> numberFromText(const std::string& text);
 std::optional<HRESULT> resultFromText(const std::string& text);
 std::string resultText(HRESULT result);
 
-/// @p text between double quotes, shortened where it is long.
-std::string inQuotes(const std::string& text);
+/// @p text for a message: on one line, in UTF-8 and without anything that steers a terminal. Control characters,
+/// characters that change the direction of writing and surrogates are written `\n`, `\t`, `\u001B`, bytes that are not
+/// UTF-8 `\xC3`. More than @p longest bytes are cut behind a whole character and end in `...`.
+std::string printable(const std::string& text, std::size_t longest = 100);
+
+/// printable() between double quotes.
+std::string inQuotes(const std::string& text, std::size_t longest = 100);
 }

@@ -152,7 +152,7 @@ EndpointBuilder CardBuilder::endpoint(const std::string& name, EDataFlow flow, c
     return {*m_owner, m_owner->m_wirings.size() - 1};
 }
 
-std::string CardBuilder::connector(Text name, const GUID& type, DataFlow direction, ConnectorType kind)
+std::string CardBuilder::connector(OptionalString name, const GUID& type, DataFlow direction, ConnectorType kind)
 {
     Topology& topology = *adapter().topology;
     Connector connector;

@@ -52,7 +52,7 @@ public:
     EndpointBuilder& hardwareMute(bool muted = false);
     EndpointBuilder& node(Subunit node);
 
-    EndpointBuilder& jackName(Text name);
+    EndpointBuilder& jackName(OptionalString name);
     /// Takes the wire between the endpoint and its jack away; both stay.
     EndpointBuilder& unjoined();
     EndpointBuilder& withoutTopology();
@@ -94,7 +94,7 @@ public:
     EndpointBuilder endpoint(const std::string& name, EDataFlow flow, const GUID& jackType);
 
     /// Adds a connector or a node to the adapter's topology, with ids of its own and no neighbours; returns its id.
-    std::string connector(Text name, const GUID& type, DataFlow direction, ConnectorType kind = Software_IO);
+    std::string connector(OptionalString name, const GUID& type, DataFlow direction, ConnectorType kind = Software_IO);
     std::string subunit(Subunit subunit);
     /// Makes each part feed the next, and notes a signal path from the first to the last.
     CardBuilder& chain(const std::vector<std::string>& parts);

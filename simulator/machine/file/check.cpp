@@ -14,7 +14,6 @@ namespace sim
 {
 namespace
 {
-constexpr std::size_t maximumChannels = 64;
 constexpr std::uint32_t allStates = stateActive | stateDisabled | stateNotPresent | stateUnplugged;
 constexpr const char* stateRange = "a state or a sum of states, 0 to 15";
 

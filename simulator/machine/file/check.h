@@ -3,11 +3,15 @@
 
 #include "simulator/machine/machine.h"
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
 namespace sim
 {
+/// The most channels that a volume in a machine file may have.
+inline constexpr std::size_t maximumChannels = 64;
+
 /// Something that is wrong with a machine.
 struct MachineProblem
 {

@@ -15,21 +15,21 @@ struct JsonValue
         null,
         boolean,
         number,
-        text,
+        string,
         array,
         object,
     };
 
     Kind kind = Kind::null;
     bool boolean = false;
-    std::string text;                ///< of a text; of a number, as it is written
+    std::string text;                ///< of a string; of a number, as it is written
     std::vector<JsonValue> elements; ///< of an array; the values of an object
     std::vector<std::string> keys;   ///< of an object, one for each element
     std::size_t line = 0;            ///< where it stands, counted from 1; 0: it was not read from a text
 
     static JsonValue ofBoolean(bool value);
     static JsonValue ofNumber(std::string written);
-    static JsonValue ofText(std::string value);
+    static JsonValue ofString(std::string value);
     static JsonValue array(std::vector<JsonValue> elements = {});
     static JsonValue object();
 

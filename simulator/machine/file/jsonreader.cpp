@@ -75,7 +75,7 @@ public:
     {
         if (value.find('\0') != std::string::npos)
             fail("a text without a zero character", "one with it");
-        return put(JsonValue::ofText(value));
+        return put(JsonValue::ofString(value));
     }
 
     bool binary(binary_t&) override { return false; }

@@ -130,7 +130,11 @@ const Broken wrongKinds[] = {
 const Broken wrongProperties[] = {
     {"AnUnknownProperty", endpointWith(R"("properties": {"colour": "red"})"),
      "m.json:3: /endpoints/0/properties/colour: expected a property's name, or a key like "
-     "{01234567-89AB-CDEF-0123-456789ABCDEF}/2, found \"colour\""},
+     "{01234567-89AB-CDEF-0123-456789ABCDEF}/2, found \"colour\" (property names: deviceDescription, deviceFormat, "
+     "instancePath, driverNodeStrongName, friendlyName, speakerConfig, endpointGuid)"},
+    {"AMisspeltProperty", endpointWith(R"("properties": {"FriendlyNam": "red"})"),
+     "m.json:3: /endpoints/0/properties/FriendlyNam: expected a property's name, or a key like "
+     "{01234567-89AB-CDEF-0123-456789ABCDEF}/2, found \"FriendlyNam\" (did you mean \"friendlyName\"?)"},
     {"AKeyWithoutNumber", endpointWith(R"("properties": {"{01234567-89AB-CDEF-0123-456789ABCDEF}/": "red"})"),
      "m.json:3: /endpoints/0/properties/{01234567-89AB-CDEF-0123-456789ABCDEF}~1: expected a property's name, or a key "
      "like "
