@@ -56,9 +56,16 @@ inline constexpr Names<ScriptEvent::Kind, 8> eventNames = {{{"added", ScriptEven
 inline constexpr Names<bool Device::*, 2> interfaceNames = {
     {{"IAudioClient", &Device::hasAudioClient}, {"IBaseFilter", &Device::hasBaseFilter}}};
 
-/// The tags of a property value that is a whole number.
-inline constexpr Names<VARTYPE, 6> numberTagNames = {
-    {{"VT_I4", 3}, {"VT_BOOL", 11}, {"VT_UI1", 17}, {"VT_UI2", 18}, {"VT_UI4", 19}, {"VT_UINT", 23}}};
+/// The tags of a property value that is a whole number: all that a property store of the simulated platform takes.
+inline constexpr Names<VARTYPE, 9> numberTagNames = {{{"VT_I2", VT_I2},
+                                                      {"VT_I4", VT_I4},
+                                                      {"VT_BOOL", VT_BOOL},
+                                                      {"VT_I1", VT_I1},
+                                                      {"VT_UI1", VT_UI1},
+                                                      {"VT_UI2", VT_UI2},
+                                                      {"VT_UI4", VT_UI4},
+                                                      {"VT_INT", VT_INT},
+                                                      {"VT_UINT", VT_UINT}}};
 
 /// The value called @p name; no value where the table has no such name.
 template<class Value, std::size_t Size>
