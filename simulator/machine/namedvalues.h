@@ -1,4 +1,4 @@
-/// The names that machine files, messages and the program give to the platform's values.
+/// The names of the platform's values in machine files, messages and the program's JSON.
 #pragma once
 
 #include "platform/coreaudio.h"
@@ -67,7 +67,7 @@ inline constexpr Names<VARTYPE, 9> numberTagNames = {{{"VT_I2", VT_I2},
                                                       {"VT_INT", VT_INT},
                                                       {"VT_UINT", VT_UINT}}};
 
-/// The value called @p name; no value where the table has no such name.
+/// The value with the name @p name; no value if the table does not contain it.
 template<class Value, std::size_t Size>
 std::optional<Value> valueOf(const Names<Value, Size>& names, std::string_view name)
 {
@@ -79,7 +79,7 @@ std::optional<Value> valueOf(const Names<Value, Size>& names, std::string_view n
     return std::nullopt;
 }
 
-/// The name of @p value; empty where the table has none.
+/// The name of @p value; empty if the table does not contain it.
 template<class Value, std::size_t Size>
 std::string nameOf(const Names<Value, Size>& names, const Value& value)
 {

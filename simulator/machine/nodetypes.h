@@ -1,4 +1,4 @@
-/// The kinds of jacks and nodes that a machine can have, by the names that a machine file gives them.
+/// The kinds of jacks and nodes, and their names in machine files.
 #pragma once
 
 #include "platform/coreaudio.h"
@@ -70,7 +70,8 @@ inline const std::array<NamedNodeType, 22> namedNodeTypes = {{
     {"peakMeter", nodetypes::peakMeter},
 }};
 
-/// The kind of a jack or node by its name ("speaker", "volume"), or any other as a GUID text.
+/// The name of a kind of jack or node ("speaker", "volume"); for any other, the GUID as guidText() writes it.
+/// nodeTypeFromText() reads both and returns no value for any other string.
 std::string nodeTypeText(const GUID& nodeType);
 std::optional<GUID> nodeTypeFromText(const std::string& text);
 }

@@ -7,13 +7,13 @@
 namespace sim
 {
 /// Whether the simulated platform has that operation ("IMMDevice::Activate", "CoCreateInstance"). A bare name such as
-/// "Release" stands for that operation of every interface.
+/// "Release" means that operation of every interface.
 bool isOperation(std::string_view name);
 
 /// Whether IAudioEndpointVolume has an operation of that name ("SetMute").
 bool isEndpointVolumeOperation(std::string_view name);
 
-/// What to say behind a name that isOperation() refuses: ` (did you mean "IMMDevice::Activate"?)`, or the existing
-/// operations.
+/// The end of a message about a name that is not an operation: ` (did you mean "IMMDevice::Activate"?)`, or the
+/// existing operations if no name is near.
 std::string operationSuggestion(const std::string& name);
 }

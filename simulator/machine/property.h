@@ -14,13 +14,13 @@ namespace sim
 using OptionalString = std::optional<std::string>;
 using Text = OptionalString;
 
-/// One value of a property store together with the tag under which the store hands it out.
+/// One value of a property store and the tag with which the store returns it.
 ///
-/// A mistyped property is simply a value with another tag than its reader expects.
+/// A mistyped property is a value with a tag that its reader does not expect.
 struct PropertyValue
 {
     VARTYPE tag = VT_EMPTY;
-    OptionalString text;             ///< VT_LPWSTR; no value: the tag comes with a null pointer
+    OptionalString text;             ///< VT_LPWSTR; no value: the store returns the tag and a null pointer
     std::uint32_t number = 0;        ///< VT_UI4 and the other numeric tags
     std::vector<std::uint8_t> bytes; ///< VT_BLOB
 
@@ -35,11 +35,14 @@ struct Property
     PropertyValue value;
 };
 
-/// The content of a property store, in the store's order. A key that is absent is answered with S_OK and VT_EMPTY.
+/// The content of a property store, in the store's order. For an absent key, GetValue returns S_OK and VT_EMPTY.
 using Properties = std::vector<Property>;
 
+/// The value of @p key; null if it is absent. The pointer is valid until @p properties change.
 const PropertyValue* findProperty(const Properties& properties, const PROPERTYKEY& key);
+/// Replaces the value of @p key, or appends it if the key is absent.
 void setProperty(Properties& properties, const PROPERTYKEY& key, PropertyValue value);
+/// Removes @p key; does nothing if it is absent.
 void removeProperty(Properties& properties, const PROPERTYKEY& key);
 
 bool sameKey(const PROPERTYKEY& left, const PROPERTYKEY& right);

@@ -28,7 +28,7 @@ struct NamedKey
     PROPERTYKEY key;
 };
 
-/// The keys that a machine file may call by name; any other is written "{FORMAT-ID}/NUMBER".
+/// The keys that have a name in machine files; any other is written "{FORMAT-ID}/NUMBER".
 inline constexpr std::array<NamedKey, 7> namedKeys = {{
     {"deviceDescription", keys::deviceDescription},
     {"deviceFormat", keys::deviceFormat},
@@ -39,6 +39,7 @@ inline constexpr std::array<NamedKey, 7> namedKeys = {{
     {"endpointGuid", keys::endpointGuid},
 }};
 
+/// The name of @p key, or "{FORMAT-ID}/NUMBER". keyFromText() reads both and returns no value for any other string.
 std::string keyText(const PROPERTYKEY& key);
 std::optional<PROPERTYKEY> keyFromText(const std::string& text);
 }

@@ -14,7 +14,7 @@ JsonValue typeSchema(const std::string& type)
     return JsonValue::object().add("type", JsonValue::ofString(type));
 }
 
-/// Whether a schema mentions @p value as a default. Null and the empty string mean that nothing is given.
+/// Whether a schema mentions @p value as a default.
 bool isMentioned(const JsonValue& value)
 {
     using Kind = JsonValue::Kind;

@@ -1,4 +1,4 @@
-/// How single values stand in a machine file: reader, writer and schema of each type.
+/// Codecs of single values in a machine file: reader, writer and schema of each type.
 #pragma once
 
 #include "simulator/machine/file/cursor.h"
@@ -15,7 +15,7 @@ namespace sim
 /// {"$ref": ...} to a definition of the schema.
 JsonValue reference(const std::string& definition);
 
-/// A string; as the schema defines it under a name, where one is given.
+/// A string. With a definition, the schema refers to that.
 struct StringCodec
 {
     std::string definition;
@@ -102,7 +102,7 @@ NameCodec<Value, Size> nameCodec(const Names<Value, Size>& names, const std::str
     return {&names, definition};
 }
 
-/// A value that may be missing. It is written only where there is one.
+/// A value that may be missing.
 template<class Codec>
 struct OptionalCodec
 {

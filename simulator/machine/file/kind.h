@@ -32,7 +32,7 @@ bool areEqual(const Value& left, const Value& right)
     return left == right;
 }
 
-/// @p schema with a description and a default value in front of and behind what it says; either may be missing.
+/// @p schema with a description, unless it is empty, and a default value, unless it is null or an empty string.
 JsonValue annotated(const JsonValue& schema, const std::string& description, const JsonValue& usual);
 
 /// The table of one kind of object. Fields are read and written in the order in which they are added.

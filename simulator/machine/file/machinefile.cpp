@@ -19,8 +19,8 @@ namespace fs = std::filesystem;
 
 constexpr const char* suffix = ".json";
 constexpr std::uintmax_t largestFile = std::uintmax_t{64} << 20;
-constexpr std::size_t longestName = 300;     ///< of a file or a place in a message
-constexpr std::size_t longestFinding = 1000; ///< what stood there, in a message
+constexpr std::size_t longestName = 300;     ///< bytes of a file's name or a JSON pointer in a message
+constexpr std::size_t longestFinding = 1000; ///< bytes of what was found, in a message
 
 std::string describe(const std::string& file, std::size_t line, std::size_t column, const std::string& place,
                      const std::string& expected, const std::string& found)
@@ -35,7 +35,7 @@ std::string describe(const std::string& file, std::size_t line, std::size_t colu
     return text + ": expected " + expected + ", found " + printable(found, longestFinding);
 }
 
-/// The folders to look for shipped machines in; a folder that is not there holds none.
+/// The folders of shipped machines; some of them may not exist.
 std::vector<fs::path> machineFolders()
 {
     const char* const chosen = std::getenv("SONAVIT_MACHINES");
@@ -55,7 +55,7 @@ std::vector<fs::path> machineFolders()
     return folders;
 }
 
-/// A schema lies beside the machines; it is none.
+/// The folder also contains the schema, which is not a machine.
 bool isMachineFile(const fs::path& path)
 {
     return path.extension() == suffix && path.stem().extension() != ".schema";

@@ -5,7 +5,7 @@ namespace sim
 {
 namespace
 {
-/// An endpoint id alone where the driver answers both questions, otherwise an object.
+/// Only the endpoint id if the driver answers both questions, otherwise an object.
 struct WaveDeviceCodec
 {
     WaveDevice read(const JsonCursor& cursor) const
@@ -48,7 +48,7 @@ struct ScriptEventCodec
     }
 };
 
-/// A key for editors, which no member of the data stands for.
+/// A key for editors, without a member in the data.
 void addSchema(Kind<Machine>& kind)
 {
     const auto read = [](const JsonCursor& cursor, Machine&) { cursor.string(); };

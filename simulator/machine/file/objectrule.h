@@ -1,4 +1,4 @@
-/// What an object in a machine file may contain, without the data that it stands for.
+/// The keys that an object in a machine file may have.
 #pragma once
 
 #include "simulator/machine/file/json.h"

@@ -49,7 +49,7 @@ struct EventCodec
     }
 };
 
-/// The id of an endpoint; null stands for an empty one.
+/// The id of an endpoint; null means an empty one.
 struct EndpointOrNoneCodec
 {
     std::string read(const JsonCursor& cursor) const { return cursor.stringOrNull().value_or(""); }

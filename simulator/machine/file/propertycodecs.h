@@ -1,4 +1,4 @@
-/// How the keys and values of a property store stand in a machine file.
+/// Codecs of the keys and values of a property store.
 #pragma once
 
 #include "simulator/machine/file/cursor.h"
@@ -14,7 +14,7 @@ struct PropertyKeyCodec
     JsonValue schema() const;
 };
 
-/// A plain string, number or null stands for the usual tags, an object for anything else.
+/// A plain string, number or null for the usual tags, an object for any other tag.
 struct PropertyValueCodec
 {
     PropertyValue read(const JsonCursor& cursor) const;

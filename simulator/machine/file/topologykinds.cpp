@@ -7,7 +7,7 @@ namespace sim
 {
 namespace
 {
-/// Connectors or subunits: the local id of a part follows from its position where a file does not give it.
+/// Connectors or subunits. If a file does not contain the local id of a part, it follows from the part's position.
 template<class AnyPart>
 struct PartsCodec
 {
@@ -40,7 +40,7 @@ private:
     }
 };
 
-/// What stands at the beginning of each part.
+/// The first fields of each part.
 template<class AnyPart>
 void addIdentity(Kind<AnyPart>& kind)
 {
@@ -52,7 +52,7 @@ void addIdentity(Kind<AnyPart>& kind)
         .optional("type", &Part::subType, NodeTypeCodec());
 }
 
-/// What stands at the end of each part.
+/// The last fields of each part.
 template<class AnyPart>
 void addNeighboursAndControls(Kind<AnyPart>& kind)
 {
