@@ -2,7 +2,6 @@
 
 #include "simulator/core/interfaces.h"
 #include "simulator/core/text.h"
-#include "simulator/machine/file/names.h"
 #include "simulator/machine/propertykeys.h"
 #include "simulator/machine/valuetext.h"
 

@@ -1,8 +1,9 @@
 #include "simulator/machine/deviceformat.h"
 
-#include "simulator/machine/file/names.h"
+#include "simulator/machine/valuetext.h"
 
 #include <array>
+#include <cstring>
 
 namespace sim
 {
@@ -10,15 +11,8 @@ namespace
 {
 constexpr std::uint32_t maximumRate = 999999;
 
-void appendNumber(std::vector<std::uint8_t>& bytes, std::uint32_t value, int size)
-{
-    for (int index = 0; index < size; ++index)
-        bytes.push_back(static_cast<std::uint8_t>(value >> (8 * index)));
-}
-
-/// The whole-number subtype {00000001-0000-0010-8000-00AA00389B71} as it lies in memory.
-constexpr std::array<std::uint8_t, 16> wholeNumberSamples = {0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x10, 0x00,
-                                                             0x80, 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
+/// The subtype of whole-number samples. The SDK's name for it is a constant that each program must define.
+constexpr GUID wholeNumberSamples = {0x00000001, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71}};
 
 bool isUsual(const DeviceFormat& format)
 {
@@ -49,45 +43,58 @@ std::optional<DeviceFormat> DeviceFormat::fromText(const std::string& text)
     return isUsual(format) ? std::optional<DeviceFormat>(format) : std::nullopt;
 }
 
-std::vector<std::uint8_t> DeviceFormat::bytes() const
+WAVEFORMATEXTENSIBLE DeviceFormat::waveFormat() const
 {
-    constexpr std::uint32_t extensibleTag = 0xFFFE;
-    constexpr std::uint32_t bytesBehindTheBasicFormat = 22;
     const std::uint32_t frame = channels * (bits / 8);
 
-    std::vector<std::uint8_t> result;
-    appendNumber(result, extensibleTag, 2);
-    appendNumber(result, channels, 2);
-    appendNumber(result, rate, 4);
-    appendNumber(result, rate * frame, 4);
-    appendNumber(result, frame, 2);
-    appendNumber(result, bits, 2);
-    appendNumber(result, bytesBehindTheBasicFormat, 2);
-    appendNumber(result, bits, 2);
-    appendNumber(result, speakers(), 4);
-    result.insert(result.end(), wholeNumberSamples.begin(), wholeNumberSamples.end());
+    WAVEFORMATEXTENSIBLE format = {};
+    format.Format.wFormatTag = WAVE_FORMAT_EXTENSIBLE;
+    format.Format.nChannels = static_cast<WORD>(channels);
+    format.Format.nSamplesPerSec = rate;
+    format.Format.nAvgBytesPerSec = rate * frame;
+    format.Format.nBlockAlign = static_cast<WORD>(frame);
+    format.Format.wBitsPerSample = static_cast<WORD>(bits);
+    format.Format.cbSize = sizeof(WAVEFORMATEXTENSIBLE) - sizeof(WAVEFORMATEX);
+    format.Samples.wValidBitsPerSample = static_cast<WORD>(bits);
+    format.dwChannelMask = speakers();
+    format.SubFormat = wholeNumberSamples;
+    return format;
+}
+
+std::vector<std::uint8_t> DeviceFormat::bytes() const
+{
+    const WAVEFORMATEXTENSIBLE format = waveFormat();
+    std::vector<std::uint8_t> result(sizeof format);
+    std::memcpy(result.data(), &format, sizeof format);
     return result;
 }
 
 std::optional<DeviceFormat> DeviceFormat::fromBytes(const std::vector<std::uint8_t>& bytes)
 {
-    if (bytes.size() != 40)
+    WAVEFORMATEXTENSIBLE stored = {};
+    if (bytes.size() != sizeof stored)
         return std::nullopt;
-    const auto number = [&](std::size_t at, std::size_t size)
-    {
-        std::uint32_t value = 0;
-        for (std::size_t index = size; index > 0; --index)
-            value = value << 8 | bytes[at + index - 1];
-        return value;
-    };
-    const DeviceFormat format = {number(14, 2), number(4, 4), number(2, 2)};
+    std::memcpy(&stored, bytes.data(), sizeof stored);
+    const DeviceFormat format = {stored.Format.wBitsPerSample, stored.Format.nSamplesPerSec, stored.Format.nChannels};
     const bool isOurs = isUsual(format) && format.bytes() == bytes;
     return isOurs ? std::optional<DeviceFormat>(format) : std::nullopt;
 }
 
 std::uint32_t DeviceFormat::speakers() const
 {
-    constexpr std::array<std::uint32_t, 9> usual = {0, 0x4, 0x3, 0x7, 0x33, 0x37, 0x3F, 0x13F, 0x63F};
+    constexpr std::uint32_t stereo = SPEAKER_FRONT_LEFT | SPEAKER_FRONT_RIGHT;
+    constexpr std::uint32_t quadraphonic = stereo | SPEAKER_BACK_LEFT | SPEAKER_BACK_RIGHT;
+    constexpr std::uint32_t surround =
+        stereo | SPEAKER_FRONT_CENTER | SPEAKER_LOW_FREQUENCY | SPEAKER_SIDE_LEFT | SPEAKER_SIDE_RIGHT;
+    constexpr std::array<std::uint32_t, 9> usual = {0,
+                                                    SPEAKER_FRONT_CENTER,
+                                                    stereo,
+                                                    stereo | SPEAKER_FRONT_CENTER,
+                                                    quadraphonic,
+                                                    quadraphonic | SPEAKER_FRONT_CENTER,
+                                                    surround,
+                                                    surround | SPEAKER_BACK_CENTER,
+                                                    surround | SPEAKER_BACK_LEFT | SPEAKER_BACK_RIGHT};
     return channels < usual.size() ? usual[channels] : 0;
 }
 }

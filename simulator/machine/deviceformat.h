@@ -1,6 +1,8 @@
 /// The device format as people write it and as a property store keeps it.
 #pragma once
 
+#include "platform/coreaudio.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -18,13 +20,16 @@ struct DeviceFormat
     std::string text() const;
     static std::optional<DeviceFormat> fromText(const std::string& text);
 
-    /// The 40 bytes of a WAVEFORMATEXTENSIBLE of whole-number samples, as a property store keeps them.
+    /// The platform's structure for whole-number samples.
+    WAVEFORMATEXTENSIBLE waveFormat() const;
+
+    /// The 40 bytes of waveFormat(), as a property store keeps them.
     std::vector<std::uint8_t> bytes() const;
 
     /// The format whose bytes() these are; no value for any other bytes.
     static std::optional<DeviceFormat> fromBytes(const std::vector<std::uint8_t>& bytes);
 
-    /// Mask of the loudspeakers that the channels usually feed.
+    /// Mask of the loudspeakers that so many channels usually feed; 0 for more than 8 channels.
     std::uint32_t speakers() const;
 };
 }

@@ -1,6 +1,5 @@
 #include "simulator/machine/identity.h"
 
-#include "simulator/machine/file/names.h"
 #include "simulator/machine/nodetypes.h"
 #include "simulator/machine/valuetext.h"
 
@@ -91,7 +90,7 @@ std::string adapterId(const std::string& instanceId)
 
 std::string driverName(const std::string& instancePath)
 {
-    const std::size_t start = instancePath.find('.') + 1; // the whole text where it has no dot
+    const std::size_t start = instancePath.find('.') + 1; // the whole string if it has no dot
     const std::string device = instancePath.substr(start, instancePath.rfind('\\') - start);
     return "oem7.inf:" + derivedHex(device, 16) + ":AudioModel:6.0.1.7:" + inLowerCase(device);
 }

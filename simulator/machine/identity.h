@@ -1,4 +1,4 @@
-/// Ids as real machines have them, derived from a text: equal texts give equal ids.
+/// Ids in the form that real machines have, derived from a string: equal strings lead to equal ids.
 #pragma once
 
 #include "platform/coreaudio.h"
@@ -18,13 +18,13 @@ std::string derivedHex(const std::string& seed, int digits);
 /// "{0.0.0.00000000}.{guid}" for a render, "{0.0.1.00000000}.{guid}" for a capture endpoint.
 std::string endpointId(EDataFlow flow, const GUID& guid);
 
-/// A device instance and the one above it: a codec on the board's audio bus, or one function of a USB device.
+/// A device instance and its parent: a codec on the board's audio bus, or one function of a USB device.
 std::string boardInstance(const std::string& seed);
 std::string boardParent(const std::string& seed);
 std::string usbInstance(const std::string& seed);
 std::string usbParent(const std::string& seed);
 
-/// "{2}.\\?\hdaudio#...#{category}\topo", the id of the adapter device behind a device instance.
+/// "{2}.\\?\hdaudio#...#{category}\topo", the id of the adapter device of a device instance.
 std::string adapterId(const std::string& instanceId);
 
 /// The strong name of the driver node of the device with that instance path.

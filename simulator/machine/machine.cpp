@@ -45,10 +45,10 @@ Place findPart(AnyMachine& machine, const std::string& id)
     return {};
 }
 
-Text deviceOf(const Machine& machine, const std::string& connector)
+OptionalString deviceOf(const Machine& machine, const std::string& connector)
 {
     const PartPlace place = machine.part(connector);
-    return place ? Text(place.device->id) : Text();
+    return place ? OptionalString(place.device->id) : OptionalString();
 }
 }
 

@@ -1,9 +1,9 @@
-/// A machine as data: everything that the simulated platform answers is written down in these plain value types.
+/// A machine as data: plain value types that contain everything that the simulated platform answers with.
 ///
-/// A machine is filled in code (simulator/machine/builder/machinebuilder.h fills in what is usual) or read from a JSON
-/// file (simulator/machine/file/machinefile.h). Nothing here calls a platform interface. All texts are UTF-8. Parts are
-/// referred to by their global id and devices by their device id, everywhere and exactly, case included: ids that
-/// differ only in case name two things, although the platform finds a device without regard to case.
+/// A machine is built in code (simulator/machine/builder/machinebuilder.h adds the usual data) or read from a JSON file
+/// (simulator/machine/file/machinefile.h). Nothing here calls a platform interface, and nothing is safe for several
+/// threads at once unless all of them only read. All strings are UTF-8. Ids refer to parts and devices exactly, case
+/// included: ids that differ only in case name two things, although the platform finds a device regardless of case.
 #pragma once
 
 #include "platform/coreaudio.h"
@@ -18,11 +18,11 @@
 
 namespace sim
 {
-/// What endpoints and adapters have in common: what stands behind an IMMDevice.
+/// The common data of endpoints and adapters: those of an IMMDevice.
 struct Device
 {
     std::string id;
-    bool openable = true; ///< false: the enumerator cannot find it by id, though connectors may name it
+    bool openable = true; ///< false: the enumerator does not find it by id, though connectors may refer to it
     std::uint32_t state = stateActive;
     Properties properties;
     std::optional<Topology> topology; ///< none: Activate(IDeviceTopology) fails
@@ -30,10 +30,10 @@ struct Device
     bool hasBaseFilter = false;       ///< Activate(IBaseFilter) succeeds
 };
 
-/// IAudioEndpointVolume: one range for all channels, a level for each, all in decibels.
+/// IAudioEndpointVolume: one range for all channels and a level for each, all in decibels.
 ///
-/// The master level is that of the loudest channel; setting it moves all channels by the same distance. The scalar
-/// level runs linearly from 0 at the minimum to 1 at the maximum.
+/// The master level is that of the loudest channel; setting it changes all channels by the same difference. The
+/// scalar level is linear in decibels, from 0 at the minimum to 1 at the maximum.
 struct EndpointVolume
 {
     float minimum = -65.25f;
@@ -42,43 +42,43 @@ struct EndpointVolume
     std::vector<float> channels = {0.0f, 0.0f};
     bool muted = false;
     std::uint32_t hardwareSupport = 0; ///< bits of QueryHardwareSupport: 1 volume, 2 mute, 4 meter
-    std::vector<std::string> refused;  ///< names of operations that answer E_NOTIMPL, such as "SetMute"
+    std::vector<std::string> refused;  ///< names of operations that return E_NOTIMPL, such as "SetMute"
 };
 
-/// An audio endpoint: what a person calls "the speakers" or "the microphone".
+/// An audio endpoint, such as the speakers or the microphone.
 struct Endpoint : Device
 {
     EDataFlow flow = eRender;
-    bool installed = true;                ///< false: no collection lists it before an event adds it
+    bool installed = true;                ///< false: no collection contains it before an event adds it
     std::optional<EndpointVolume> volume; ///< none: Activate(IAudioEndpointVolume) fails
     std::vector<ERole> defaultFor;        ///< roles in which it is the default of its flow
 };
 
-/// A device on the adapter side: it has a topology, but it is no endpoint and no collection lists it.
+/// A device on the adapter side: it has a topology, but it is not an endpoint and no collection contains it.
 struct Adapter : Device
 {
 };
 
-/// A wire between two connectors of different topologies.
+/// A connection between two connectors of different topologies.
 ///
-/// Several joins may end at one connector. A connector has one peer all the same: the first join in the machine's order
-/// that starts at it, or that ends at it and runs both ways, tells what the connector is joined to.
+/// Several joins may end at one connector, but a connector has one peer: that of the first join in the machine's order
+/// that starts at the connector, or that ends at it and runs both ways.
 struct Join
 {
     std::string from;
-    std::string to;       ///< empty: the far connector cannot be had, only its device's id
-    Text toDevice;        ///< the far device's id as `from` reports it; no value: that of the owner of `to`
-    bool bothWays = true; ///< false: `to` knows nothing of it
+    std::string to;          ///< empty: GetConnectedTo fails, only the far device's id is known
+    OptionalString toDevice; ///< the far device's id as `from` reports it; no value: the id of the device that has `to`
+    bool bothWays = true;    ///< false: `to` does not report `from`
 };
 
-/// A device instance and its parent, as the configuration manager knows them. No parent: asking for it fails.
+/// A device instance and its parent in the configuration manager. No parent: asking for it fails.
 struct DeviceInstance
 {
     std::string id;
-    Text parent;
+    OptionalString parent;
 };
 
-/// What the legacy wave interface answers for one wave id; its position in the list is the id.
+/// What the legacy wave interface returns for one wave id; the position in the list is the id.
 struct WaveDevice
 {
     std::string endpointId;
@@ -86,13 +86,13 @@ struct WaveDevice
     std::uint32_t idResult = 0;   ///< MMRESULT of the question for the endpoint id
 };
 
-/// Where a part stands in a machine. It points into the machine and holds as long as no list of the machine changes.
+/// A part of a machine and its device: pointers into the machine, valid until one of its lists changes.
 template<class AnyDevice, class AnyPart, class AnyConnector>
 struct BasicPartPlace
 {
     AnyDevice* device = nullptr;
     AnyPart* part = nullptr;
-    AnyConnector* connector = nullptr; ///< the same part where it is a connector, otherwise null
+    AnyConnector* connector = nullptr; ///< the same part if it is a connector, otherwise null
 
     explicit operator bool() const { return part != nullptr; }
 
@@ -102,11 +102,11 @@ struct BasicPartPlace
 using PartPlace = BasicPartPlace<const Device, const Part, const Connector>;
 using ChangeablePartPlace = BasicPartPlace<Device, Part, Connector>;
 
-/// The far side of a connector as the connector reports it.
+/// The far side of a connector, as the connector reports it.
 struct Peer
 {
-    Text device;           ///< answer of GetDeviceIdConnectedTo
-    std::string connector; ///< id of the connector that GetConnectedTo gives; empty: there is none to be had
+    OptionalString device; ///< what GetDeviceIdConnectedTo returns
+    std::string connector; ///< id of the connector that GetConnectedTo returns; empty: it fails
 };
 
 /// A whole machine.
@@ -124,35 +124,35 @@ struct Machine
     std::vector<FaultRule> faults;
     std::vector<LatencyRule> latency;
 
-    /// The device with that id, exactly spelled; null where there is none.
+    /// The device with exactly that id; null if there is none. The pointer is valid until a list changes.
     const Endpoint* endpoint(const std::string& id) const;
     Endpoint* endpoint(const std::string& id);
     const Adapter* adapter(const std::string& id) const;
     Adapter* adapter(const std::string& id);
 
-    /// What the platform finds by @p id: the exactly spelled device before one that differs in the case of A to Z.
-    /// A device that cannot be opened is not found. An endpoint that is not installed is: whoever hears of a removal
-    /// can still ask the device what it was.
+    /// The device that the platform finds by @p id: the one with exactly that id, otherwise one whose id differs in the
+    /// case of A to Z only; null if there is none. A device that cannot be opened is not found. An endpoint that is not
+    /// installed is found, so a client that is notified of a removal can still ask the device.
     const Device* openDevice(const std::string& id) const;
 
-    /// The part with that global id, exactly spelled; an empty place where there is none.
+    /// The part with exactly that global id; an empty place if there is none.
     PartPlace part(const std::string& id) const;
     ChangeablePartPlace part(const std::string& id);
 
-    /// What the connector @p id is joined to; no value where no join says so.
+    /// The peer of the connector @p id; no value if no join mentions it.
     std::optional<Peer> peer(const std::string& id) const;
 
-    /// The default endpoint of @p flow in @p role; null where there is none.
+    /// The default endpoint of @p flow in @p role; null if there is none.
     const Endpoint* defaultEndpoint(EDataFlow flow, ERole role) const;
 
-    /// The instance @p id without regard to case, as the configuration manager looks it up; null where there is none.
+    /// The instance @p id regardless of case, as the configuration manager finds it; null if there is none.
     const DeviceInstance* deviceInstance(const std::string& id) const;
 };
 
-/// Whether two texts are equal when A to Z and a to z count as the same.
+/// Whether two strings are equal apart from the case of A to Z.
 bool equalNoCase(const std::string& left, const std::string& right);
 
-// Equal means all data, levels to the last bit.
+// Equal means all data; the tables of fields (simulator/machine/file/kinds.h) say which.
 bool operator==(const Device& left, const Device& right);
 bool operator==(const EndpointVolume& left, const EndpointVolume& right);
 bool operator==(const Endpoint& left, const Endpoint& right);

@@ -5,7 +5,7 @@
 
 namespace sim
 {
-PropertyValue PropertyValue::ofText(Text value)
+PropertyValue PropertyValue::ofText(OptionalString value)
 {
     PropertyValue result;
     result.tag = VT_LPWSTR;

@@ -10,20 +10,21 @@
 
 namespace sim
 {
-/// UTF-8 text that the platform may fail to give: no value stands for a null pointer with a success code.
-using Text = std::optional<std::string>;
+/// A UTF-8 string that the platform returns; no value stands for a null pointer along with a success code.
+using OptionalString = std::optional<std::string>;
+using Text = OptionalString;
 
-/// One value of a property store together with the tag under which the store hands it out.
+/// One value of a property store and the tag with which the store returns it.
 ///
-/// A mistyped property is simply a value with another tag than its reader expects.
+/// A mistyped property is a value with a tag that its reader does not expect.
 struct PropertyValue
 {
     VARTYPE tag = VT_EMPTY;
-    Text text;                       ///< VT_LPWSTR; no value: the tag comes with a null pointer
+    OptionalString text;             ///< VT_LPWSTR; no value: the store returns the tag and a null pointer
     std::uint32_t number = 0;        ///< VT_UI4 and the other numeric tags
     std::vector<std::uint8_t> bytes; ///< VT_BLOB
 
-    static PropertyValue ofText(Text value);
+    static PropertyValue ofText(OptionalString value);
     static PropertyValue ofNumber(std::uint32_t value, VARTYPE tag = VT_UI4);
     static PropertyValue ofBytes(std::vector<std::uint8_t> value);
 };
@@ -34,11 +35,14 @@ struct Property
     PropertyValue value;
 };
 
-/// The content of a property store, in the store's order. A key that is absent is answered with S_OK and VT_EMPTY.
+/// The content of a property store, in the store's order. For an absent key, GetValue returns S_OK and VT_EMPTY.
 using Properties = std::vector<Property>;
 
+/// The value of @p key; null if it is absent. The pointer is valid until @p properties change.
 const PropertyValue* findProperty(const Properties& properties, const PROPERTYKEY& key);
+/// Replaces the value of @p key, or appends it if the key is absent.
 void setProperty(Properties& properties, const PROPERTYKEY& key, PropertyValue value);
+/// Removes @p key; does nothing if it is absent.
 void removeProperty(Properties& properties, const PROPERTYKEY& key);
 
 bool sameKey(const PROPERTYKEY& left, const PROPERTYKEY& right);

@@ -1,7 +1,7 @@
 #include "simulator/machine/propertykeys.h"
 
-#include "simulator/machine/file/names.h"
 #include "simulator/machine/property.h"
+#include "simulator/machine/valuetext.h"
 
 namespace sim
 {

@@ -1,4 +1,4 @@
-/// What is planned for a machine: events that happen to it, calls that fail, and what calls cost.
+/// Plans for a machine: events that happen to it, calls that fail, and how long calls take.
 #pragma once
 
 #include "platform/coreaudio.h"
@@ -11,7 +11,7 @@
 
 namespace sim
 {
-/// The states of a device, as IMMDevice::GetState answers them and EnumAudioEndpoints takes them.
+/// The states of a device, as IMMDevice::GetState stores them and EnumAudioEndpoints accepts them.
 inline constexpr std::uint32_t stateActive = 0x1;
 inline constexpr std::uint32_t stateDisabled = 0x2;
 inline constexpr std::uint32_t stateNotPresent = 0x4;
@@ -22,14 +22,14 @@ struct ScriptEvent
 {
     enum class Kind
     {
-        added,           ///< the endpoint enters the collections; listeners hear OnDeviceAdded
-        removed,         ///< the endpoint leaves the collections, but can still be opened by id; OnDeviceRemoved
+        added,           ///< collections contain the endpoint; OnDeviceAdded
+        removed,         ///< collections no longer contain it, but it can still be opened by id; OnDeviceRemoved
         plugged,         ///< the endpoint becomes active; OnDeviceStateChanged
         unplugged,       ///< the endpoint becomes unplugged; OnDeviceStateChanged
-        stateChanged,    ///< the endpoint takes `state`; OnDeviceStateChanged
+        stateChanged,    ///< the endpoint's state becomes `state`; OnDeviceStateChanged
         defaultChanged,  ///< the endpoint becomes the default of its flow for `role`; OnDefaultDeviceChanged
-        volumeChanged,   ///< all channels take `level`, mute takes `muted`, where given; OnNotify
-        propertyChanged, ///< the property takes `value`; OnPropertyValueChanged
+        volumeChanged,   ///< all channels become `level`, mute becomes `muted`, if they have a value; OnNotify
+        propertyChanged, ///< the property becomes `value`; OnPropertyValueChanged
     };
 
     std::uint32_t afterMilliseconds = 0; ///< counted from the event before, or from the start of the script
@@ -49,8 +49,8 @@ struct FaultRule
 {
     enum class Outcome
     {
-        result,      ///< `result` is answered, out-parameters are null
-        nullSuccess, ///< S_OK is answered, out-parameters are null
+        result,      ///< the operation returns `result`, out-parameters are null
+        nullSuccess, ///< the operation returns S_OK, out-parameters are null
         thrown,      ///< an exception leaves the operation; meant for Release
     };
 
@@ -62,7 +62,7 @@ struct FaultRule
     HRESULT result = E_FAIL;
 };
 
-/// What a call of an operation costs.
+/// How long a call of an operation takes.
 struct LatencyRule
 {
     std::string operation; ///< as in FaultRule; "*": every call that no other rule names

@@ -37,16 +37,16 @@ struct MuteControl
 /// IAudioInputSelector of a part.
 struct SelectorControl
 {
-    std::uint32_t selection = 0; ///< local id of the incoming part that is heard; 0: none
+    std::uint32_t selection = 0; ///< local id of the selected incoming part; 0: none
 };
 
-/// What connectors and subunits of a topology have in common.
+/// The common data of connectors and subunits of a topology.
 struct Part
 {
     std::string id;            ///< global id, stable over all topology objects; unique in the machine
     std::uint32_t localId = 0; ///< unique in the topology
-    bool reportsId = true;     ///< false: GetGlobalId stores null; the model refers to the part by @ref id all the same
-    Text name;
+    bool reportsId = true;     ///< false: GetGlobalId stores null; other data still refer to the part by @ref id
+    OptionalString name;
     GUID subType = {};
     std::vector<std::string> incoming; ///< ids of the neighbours that feed this part, in the platform's order
     std::vector<std::string> outgoing; ///< ids of the neighbours that this part feeds
@@ -67,19 +67,19 @@ struct Subunit : Part
 {
 };
 
-/// A signal path inside one topology, from one part to another; it says nothing of the way back.
+/// A signal path inside one topology, from one part to another, in this direction only.
 struct SignalPath
 {
     std::string from;
     std::string to;
     std::vector<std::string> through; ///< ids of the parts in between, in the signal's order
-    bool mixed = false;               ///< it passes a sum: refused when the caller rejects mixed paths
+    bool mixed = false;               ///< it passes a sum: a caller that rejects mixed paths does not get it
 };
 
 /// The hardware graph of one device.
 struct Topology
 {
-    Text deviceId; ///< what GetDeviceId answers
+    OptionalString deviceId; ///< what GetDeviceId returns; no value: null
     std::vector<Connector> connectors;
     std::vector<Subunit> subunits;
     std::vector<SignalPath> signalPaths;

@@ -1,10 +1,54 @@
 #include "simulator/machine/valuetext.h"
 
+#include "simulator/machine/utf8.h"
+
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdio>
+#include <string_view>
 
 namespace sim
 {
+namespace
+{
+/// The number of @p digits hexadecimal digits of @p text from @p at on.
+std::uint32_t hexNumber(const std::string& text, std::size_t at, std::size_t digits)
+{
+    std::uint32_t value = 0;
+    for (std::size_t index = at; index < at + digits; ++index)
+        value = value << 4 | static_cast<std::uint32_t>(hexDigit(text[index]));
+    return value;
+}
+
+/// Whether a character has no place in a message: it steers the terminal, breaks the line or turns what follows around.
+bool mustBeEscaped(std::uint32_t code)
+{
+    const bool isControl = code < 0x20 || (code >= 0x7F && code < 0xA0);
+    const bool isSeparator = code == 0x2028 || code == 0x2029;
+    const bool isDirection = code == 0x061C || code == 0x200E || code == 0x200F || (code >= 0x202A && code <= 0x202E) ||
+                             (code >= 0x2066 && code <= 0x2069);
+    const bool isSurrogate = code >= 0xD800 && code <= 0xDFFF;
+    return isControl || isSeparator || isDirection || isSurrogate;
+}
+
+/// A character as messages show it; @p bytes are its bytes.
+std::string escaped(const Utf8Character& character, const std::string& bytes)
+{
+    if (!character.isBroken && !mustBeEscaped(character.code))
+        return bytes;
+    if (character.code == '\n')
+        return "\\n";
+    if (character.code == '\t')
+        return "\\t";
+    char text[12] = {};
+    std::snprintf(text, sizeof text, character.isBroken ? "\\x%02lX" : "\\u%04lX",
+                  static_cast<unsigned long>(character.code));
+    return text;
+}
+}
+
 std::string decimal(float value)
 {
     char text[32] = {};
@@ -36,16 +80,74 @@ char lowerCase(char character)
     return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
 }
 
-std::string inQuotes(const std::string& text)
+std::string guidText(const GUID& guid)
 {
-    constexpr std::size_t longest = 100;
-    if (text.size() <= longest)
-        return "\"" + text + "\"";
+    char text[39] = {};
+    std::snprintf(text, sizeof text, "{%08lX-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}",
+                  static_cast<unsigned long>(guid.Data1), guid.Data2, guid.Data3, guid.Data4[0], guid.Data4[1],
+                  guid.Data4[2], guid.Data4[3], guid.Data4[4], guid.Data4[5], guid.Data4[6], guid.Data4[7]);
+    return text;
+}
 
-    // A cut inside a character would not be UTF-8 any more.
-    std::size_t end = longest;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
-        --end;
-    return "\"" + text.substr(0, end) + "...\"";
+std::optional<GUID> guidFromText(const std::string& text)
+{
+    constexpr std::string_view form = "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}";
+    const auto fits = [](char wanted, char found) { return wanted == 'X' ? hexDigit(found) >= 0 : wanted == found; };
+    if (!std::equal(form.begin(), form.end(), text.begin(), text.end(), fits))
+        return std::nullopt;
+
+    GUID guid = {};
+    guid.Data1 = hexNumber(text, 1, 8);
+    guid.Data2 = static_cast<unsigned short>(hexNumber(text, 10, 4));
+    guid.Data3 = static_cast<unsigned short>(hexNumber(text, 15, 4));
+    constexpr std::array<std::size_t, 8> lastBytes = {20, 22, 25, 27, 29, 31, 33, 35};
+    for (std::size_t index = 0; index < lastBytes.size(); ++index)
+        guid.Data4[index] = static_cast<unsigned char>(hexNumber(text, lastBytes[index], 2));
+    return guid;
+}
+
+std::optional<std::uint32_t> numberFromText(const std::string& text)
+{
+    const bool isDecimal = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+    const bool isPlain = text.size() <= 10 && (text.size() == 1 || text.front() != '0');
+    if (!isDecimal || !isPlain)
+        return std::nullopt;
+    const unsigned long long value = std::stoull(text);
+    return value <= UINT32_MAX ? std::optional<std::uint32_t>(static_cast<std::uint32_t>(value)) : std::nullopt;
+}
+
+std::optional<HRESULT> resultFromText(const std::string& text)
+{
+    const bool hasForm = text.size() == 10 && text.compare(0, 2, "0x") == 0;
+    if (!hasForm || !std::all_of(text.begin() + 2, text.end(), [](char unit) { return hexDigit(unit) >= 0; }))
+        return std::nullopt;
+    return static_cast<HRESULT>(hexNumber(text, 2, 8));
+}
+
+std::string resultText(HRESULT result)
+{
+    char text[11] = {};
+    std::snprintf(text, sizeof text, "0x%08lX", static_cast<unsigned long>(static_cast<std::uint32_t>(result)));
+    return text;
+}
+
+std::string printable(const std::string& text, std::size_t longest)
+{
+    std::string result;
+    for (std::size_t position = 0; position < text.size();)
+    {
+        const Utf8Character character = characterAt(text, position);
+        const std::string piece = escaped(character, text.substr(position, character.size));
+        if (result.size() + piece.size() > longest)
+            return result + "...";
+        result += piece;
+        position += character.size;
+    }
+    return result;
+}
+
+std::string inQuotes(const std::string& text, std::size_t longest)
+{
+    return "\"" + printable(text, longest) + "\"";
 }
 }

@@ -1,23 +1,47 @@
-/// How values are shown in messages and written to machine files.
+/// Values as strings, in messages and in machine files.
 #pragma once
 
+#include "platform/coreaudio.h"
+
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 
 namespace sim
 {
-/// The shortest decimal text that reads back as exactly this value.
+/// The shortest decimal string that reads back as exactly @p value.
 std::string decimal(float value);
 
-/// The value of such a text; no value where it is not one, or too large.
+/// The value of such a string; no value for any other string, and if the number is too large.
 std::optional<float> fromDecimal(const std::string& text);
 
 /// The value of a hexadecimal digit in either case; -1 for any other character.
 int hexDigit(char character);
 
-/// @p character with A to Z turned into a to z.
+/// The lower-case letter of A to Z; any other character as it is.
 char lowerCase(char character);
 
-/// @p text between double quotes, shortened where it is long.
-std::string inQuotes(const std::string& text);
+/// "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}" in upper case.
+std::string guidText(const GUID& guid);
+
+/// The GUID of such a string, in either case; no value for any other string.
+std::optional<GUID> guidFromText(const std::string& text);
+
+/// The value of a decimal number without sign, blanks or leading zeros; no value for any other string, and if the
+/// number does not fit into 32 bits.
+std::optional<std::uint32_t> numberFromText(const std::string& text);
+
+/// The value of "0x80004005", eight digits; no value for any other string.
+std::optional<HRESULT> resultFromText(const std::string& text);
+std::string resultText(HRESULT result);
+
+/// @p text for a message: on one line, in UTF-8 and without anything that steers a terminal. Control characters,
+/// characters that change the direction of writing and surrogates are written `\n`, `\t`, `\u001B`, bytes that are not
+/// UTF-8 `\xC3`. A result of more than @p longest bytes is cut after a whole
+/// character and ends in `...`.
+std::string printable(const std::string& text, std::size_t longest = 100);
+
+/// printable() between double quotes.
+std::string inQuotes(const std::string& text, std::size_t longest = 100);
 }

@@ -1,7 +1,7 @@
 #include "simulator/core/runtimecall.h"
 #include "simulator/core/simulatedobject.h"
 #include "simulator/core/text.h"
-#include "simulator/machine/file/names.h"
+#include "simulator/machine/valuetext.h"
 #include "simulator/objects/objects.h"
 #include "simulator/portable/comapartment.h"
 

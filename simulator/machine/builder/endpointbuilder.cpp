@@ -136,7 +136,7 @@ EndpointBuilder& EndpointBuilder::node(Subunit node)
     return *this;
 }
 
-EndpointBuilder& EndpointBuilder::jackName(Text name)
+EndpointBuilder& EndpointBuilder::jackName(OptionalString name)
 {
     jack().name = std::move(name);
     return *this;

@@ -1,9 +1,9 @@
 #include "simulator/machine/builder/machinebuilder.h"
 
-#include "simulator/machine/file/names.h"
 #include "simulator/machine/identity.h"
 #include "simulator/machine/nodetypes.h"
 #include "simulator/machine/propertykeys.h"
+#include "simulator/machine/valuetext.h"
 
 #include <algorithm>
 #include <utility>
@@ -152,7 +152,7 @@ EndpointBuilder CardBuilder::endpoint(const std::string& name, EDataFlow flow, c
     return {*m_owner, m_owner->m_wirings.size() - 1};
 }
 
-std::string CardBuilder::connector(Text name, const GUID& type, DataFlow direction, ConnectorType kind)
+std::string CardBuilder::connector(OptionalString name, const GUID& type, DataFlow direction, ConnectorType kind)
 {
     Topology& topology = *adapter().topology;
     Connector connector;

@@ -1,4 +1,4 @@
-/// Fills a machine with what is usual, so that a test states only what matters to it:
+/// Builds a machine with the usual data, so that a test states only what matters to it:
 ///
 ///     sim::MachineBuilder bench("bench");
 ///     sim::CardBuilder codec = bench.card("Analog Audio");
@@ -7,7 +7,7 @@
 ///     bench.usbCard("USB Headset").headphones("Headset Earphone").muted();
 ///     const sim::Machine machine = bench.build();
 ///
-/// Ids are derived from the names and from the order of the calls, so equal calls give equal machines.
+/// Ids are derived from the names and from the order of the calls, so equal calls build equal machines.
 #pragma once
 
 #include "simulator/machine/deviceformat.h"
@@ -21,8 +21,7 @@ namespace sim
 class CardBuilder;
 class MachineBuilder;
 
-/// One endpoint of a machine that is being built: a light reference to hold by value, valid as long as its
-/// MachineBuilder.
+/// One endpoint of a machine that is being built: a reference to be copied, valid as long as its MachineBuilder.
 class EndpointBuilder
 {
 public:
@@ -46,24 +45,24 @@ public:
     EndpointBuilder& property(const PROPERTYKEY& key, PropertyValue value);
     EndpointBuilder& withoutProperty(const PROPERTYKEY& key);
 
-    /// Puts a node into the adapter's wire between jack and stream: the first node stands next to the jack, each
-    /// further one between its predecessor and the stream. A single node is the neighbour of both.
+    /// Inserts a node into the adapter's path between jack and stream: the first node next to the jack, each further
+    /// one between the node before it and the stream.
     EndpointBuilder& hardwareVolume(const ChannelLevel& channel, std::size_t channels = 2);
     EndpointBuilder& hardwareMute(bool muted = false);
     EndpointBuilder& node(Subunit node);
 
-    EndpointBuilder& jackName(Text name);
-    /// Takes the wire between the endpoint and its jack away; both stay.
+    EndpointBuilder& jackName(OptionalString name);
+    /// Removes the connection between the endpoint and its jack; both stay.
     EndpointBuilder& unjoined();
     EndpointBuilder& withoutTopology();
 
     std::string id() const;
-    /// Connector of the endpoint's own topology, of the adapter's jack, and of the stream behind the jack.
+    /// Connector of the endpoint's own topology, of the adapter's jack, and of the stream that belongs to the jack.
     std::string connectorId() const;
     std::string jackId() const;
     std::string streamId() const;
 
-    /// The data themselves, for what has no operation here; valid until the next endpoint or card is added.
+    /// The data themselves, for changes that have no operation here; valid until the next endpoint or card is added.
     Endpoint& endpoint() const;
     Part& jack() const;
 
@@ -78,8 +77,8 @@ private:
     std::size_t m_wiring;
 };
 
-/// One card of a machine that is being built: an adapter with its jacks, and the endpoints behind them. A light
-/// reference, valid as long as its MachineBuilder.
+/// One card of a machine that is being built: an adapter with its jacks and their endpoints. A reference to be copied,
+/// valid as long as its MachineBuilder.
 class CardBuilder
 {
 public:
@@ -94,12 +93,12 @@ public:
     EndpointBuilder endpoint(const std::string& name, EDataFlow flow, const GUID& jackType);
 
     /// Adds a connector or a node to the adapter's topology, with ids of its own and no neighbours; returns its id.
-    std::string connector(Text name, const GUID& type, DataFlow direction, ConnectorType kind = Software_IO);
+    std::string connector(OptionalString name, const GUID& type, DataFlow direction, ConnectorType kind = Software_IO);
     std::string subunit(Subunit subunit);
-    /// Makes each part feed the next, and notes a signal path from the first to the last.
+    /// Connects each part to the next, and adds a signal path from the first to the last.
     CardBuilder& chain(const std::vector<std::string>& parts);
 
-    /// What the instance path of the card's endpoints is, and the part of it that is the instance id.
+    /// The instance path of the card's endpoints, and the instance id that it contains.
     std::string instancePath() const;
     std::string instanceId() const;
 
@@ -111,7 +110,7 @@ private:
     friend class EndpointBuilder;
     CardBuilder(MachineBuilder& owner, std::size_t index);
 
-    /// Takes back what chain() did.
+    /// Undoes chain().
     void unchain(const std::vector<std::string>& parts);
 
     MachineBuilder* m_owner;
@@ -126,21 +125,21 @@ public:
     MachineBuilder(const MachineBuilder&) = delete;
     MachineBuilder& operator=(const MachineBuilder&) = delete;
 
-    /// A card on the board or on USB, whose device instance and parent become known.
+    /// A card on the board or on USB, with its device instance and parent.
     CardBuilder card(const std::string& name);
     CardBuilder usbCard(const std::string& name);
-    /// A card of that instance id; the machine's device instances stay as they are.
+    /// A card with that instance id; no device instance is added.
     CardBuilder card(const std::string& name, const std::string& instanceId);
 
-    /// No endpoint becomes a default, or gets a wave id, unless it is told to.
+    /// build() chooses no defaults, or assigns no wave ids.
     MachineBuilder& withoutDefaults();
     MachineBuilder& withoutWaveIds();
 
-    /// The data as they stand. Appending to its lists is safe, whatever is built afterwards.
+    /// The current data. Appending to its lists is safe at any time.
     Machine& machine();
 
-    /// The machine. The first active endpoint of a flow that has no default becomes it in all roles; active endpoints
-    /// get wave ids in their order where no wave id is given.
+    /// The machine. In a flow without a default, the first active endpoint becomes the default in all roles. In a flow
+    /// without wave ids, active endpoints get wave ids in their order.
     Machine build() const;
 
 private:
@@ -155,7 +154,7 @@ private:
         std::string instancePath;
     };
 
-    /// Where an endpoint stands and where it has its parts.
+    /// The position of an endpoint in the machine, and its parts.
     struct Wiring
     {
         std::size_t endpoint;

@@ -1,19 +1,21 @@
 #include "simulator/machine/file/check.h"
 
 #include "simulator/machine/file/json.h"
-#include "simulator/machine/file/names.h"
+#include "simulator/machine/namedvalues.h"
+#include "simulator/machine/operations.h"
 #include "simulator/machine/propertykeys.h"
 #include "simulator/machine/valuetext.h"
 
 #include <cmath>
 #include <set>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 namespace sim
 {
 namespace
 {
-constexpr std::size_t maximumChannels = 64;
 constexpr std::uint32_t allStates = stateActive | stateDisabled | stateNotPresent | stateUnplugged;
 constexpr const char* stateRange = "a state or a sum of states, 0 to 15";
 
@@ -26,6 +28,9 @@ std::string inner(const std::string& place, std::size_t index)
 {
     return place + "/" + std::to_string(index);
 }
+
+/// The parts of one topology.
+using PartsById = std::unordered_map<std::string, const Part*>;
 
 /// Walks a machine once, in the order of its file, and collects what is wrong.
 class Check
@@ -67,9 +72,12 @@ private:
     void propertyValue(const PropertyValue& value, const std::string& place);
     void endpointVolume(const EndpointVolume& volume, const std::string& place);
     void topology(const Topology& topology, const std::string& place);
-    void part(const Part& part, const Topology& topology, const std::string& place);
-    void partIds(const std::vector<std::string>& ids, const Topology& topology, const std::string& place);
-    void signalPaths(const Topology& topology, const std::string& place);
+    template<class AnyPart>
+    void partList(const std::vector<AnyPart>& parts, std::set<std::uint32_t>& localIds, const PartsById& known,
+                  const std::string& place);
+    void part(const Part& part, const PartsById& known, const std::string& place);
+    void partIds(const std::vector<std::string>& ids, const PartsById& known, const std::string& place);
+    void signalPaths(const Topology& topology, const PartsById& known, const std::string& place);
     void defaults();
     void joins();
     void connectorId(const std::string& id, const std::string& place);
@@ -87,6 +95,7 @@ private:
     const Machine& m_machine;
     std::set<std::string> m_deviceIds;
     std::set<std::string> m_partIds;
+    std::unordered_set<std::string> m_connectorIds;
     std::vector<MachineProblem> m_problems;
 };
 
@@ -144,48 +153,49 @@ void Check::endpointVolume(const EndpointVolume& volume, const std::string& plac
                 "an operation of IAudioEndpointVolume", inQuotes(volume.refused[index]));
 }
 
+PartsById partsOf(const Topology& topology)
+{
+    PartsById parts;
+    for (const Connector& connector : topology.connectors)
+        parts.emplace(connector.id, &connector);
+    for (const Subunit& subunit : topology.subunits)
+        parts.emplace(subunit.id, &subunit);
+    return parts;
+}
+
 void Check::topology(const Topology& topology, const std::string& place)
 {
+    const PartsById known = partsOf(topology);
     std::set<std::uint32_t> localIds;
-    const auto parts = [&](const auto& list, const std::string& listPlace)
-    {
-        for (std::size_t index = 0; index < list.size(); ++index)
-        {
-            const std::string partPlace = inner(listPlace, index);
-            requireNew(m_partIds, list[index].id, inner(partPlace, "id"));
-            // In a file such an id would be taken for a short one.
-            require(list[index].id.compare(0, 1, "/") != 0, inner(partPlace, "id"), "an id that does not begin with /",
-                    inQuotes(list[index].id));
-            require(localIds.insert(list[index].localId).second, inner(partPlace, "localId"),
-                    "a local id that the topology has not given yet",
-                    std::to_string(list[index].localId) + " for the second time");
-            part(list[index], topology, partPlace);
-        }
-    };
-    parts(topology.connectors, inner(place, "connectors"));
-    parts(topology.subunits, inner(place, "subunits"));
-    signalPaths(topology, inner(place, "signalPaths"));
-}
-
-const Part* findPart(const Topology& topology, const std::string& id)
-{
     for (const Connector& connector : topology.connectors)
-    {
-        if (connector.id == id)
-            return &connector;
-    }
-    for (const Subunit& subunit : topology.subunits)
-    {
-        if (subunit.id == id)
-            return &subunit;
-    }
-    return nullptr;
+        m_connectorIds.insert(connector.id);
+    partList(topology.connectors, localIds, known, inner(place, "connectors"));
+    partList(topology.subunits, localIds, known, inner(place, "subunits"));
+    signalPaths(topology, known, inner(place, "signalPaths"));
 }
 
-void Check::part(const Part& part, const Topology& topology, const std::string& place)
+template<class AnyPart>
+void Check::partList(const std::vector<AnyPart>& parts, std::set<std::uint32_t>& localIds, const PartsById& known,
+                     const std::string& place)
 {
-    partIds(part.incoming, topology, inner(place, "incoming"));
-    partIds(part.outgoing, topology, inner(place, "outgoing"));
+    for (std::size_t index = 0; index < parts.size(); ++index)
+    {
+        const std::string partPlace = inner(place, index);
+        const std::string& id = parts[index].id;
+        requireNew(m_partIds, id, inner(partPlace, "id"));
+        // In a file such an id would be taken for a short one.
+        require(id.compare(0, 1, "/") != 0, inner(partPlace, "id"), "an id that does not begin with /", inQuotes(id));
+        require(localIds.insert(parts[index].localId).second, inner(partPlace, "localId"),
+                "a local id that the topology has not given yet",
+                std::to_string(parts[index].localId) + " for the second time");
+        part(parts[index], known, partPlace);
+    }
+}
+
+void Check::part(const Part& part, const PartsById& known, const std::string& place)
+{
+    partIds(part.incoming, known, inner(place, "incoming"));
+    partIds(part.outgoing, known, inner(place, "outgoing"));
     if (part.volume)
     {
         const std::string channels = inner(inner(place, "volume"), "channels");
@@ -202,34 +212,35 @@ void Check::part(const Part& part, const Topology& topology, const std::string& 
         bool isIncoming = false;
         for (const std::string& id : part.incoming)
         {
-            const Part* neighbour = findPart(topology, id);
-            isIncoming = isIncoming || (neighbour != nullptr && neighbour->localId == part.selector->selection);
+            const auto neighbour = known.find(id);
+            isIncoming =
+                isIncoming || (neighbour != known.end() && neighbour->second->localId == part.selector->selection);
         }
         require(isIncoming, inner(inner(place, "selector"), "selection"), "the local id of an incoming part, or 0",
                 std::to_string(part.selector->selection));
     }
 }
 
-void Check::partIds(const std::vector<std::string>& ids, const Topology& topology, const std::string& place)
+void Check::partIds(const std::vector<std::string>& ids, const PartsById& known, const std::string& place)
 {
     for (std::size_t index = 0; index < ids.size(); ++index)
-        require(findPart(topology, ids[index]) != nullptr, inner(place, index), "the id of a part of this topology",
+        require(known.count(ids[index]) != 0, inner(place, index), "the id of a part of this topology",
                 inQuotes(ids[index]));
 }
 
-void Check::signalPaths(const Topology& topology, const std::string& place)
+void Check::signalPaths(const Topology& topology, const PartsById& known, const std::string& place)
 {
-    std::set<std::pair<std::string, std::string>> known;
+    std::set<std::pair<std::string, std::string>> taken;
     for (std::size_t index = 0; index < topology.signalPaths.size(); ++index)
     {
         const SignalPath& path = topology.signalPaths[index];
         const std::string pathPlace = inner(place, index);
-        require(findPart(topology, path.from) != nullptr, inner(pathPlace, "from"), "the id of a part of this topology",
+        require(known.count(path.from) != 0, inner(pathPlace, "from"), "the id of a part of this topology",
                 inQuotes(path.from));
-        require(findPart(topology, path.to) != nullptr, inner(pathPlace, "to"), "the id of a part of this topology",
+        require(known.count(path.to) != 0, inner(pathPlace, "to"), "the id of a part of this topology",
                 inQuotes(path.to));
-        partIds(path.through, topology, inner(pathPlace, "through"));
-        require(known.insert({path.from, path.to}).second, pathPlace, "each pair of parts once",
+        partIds(path.through, known, inner(pathPlace, "through"));
+        require(taken.insert({path.from, path.to}).second, pathPlace, "each pair of parts once",
                 inQuotes(path.from) + " to " + inQuotes(path.to) + " for the second time");
     }
 }
@@ -265,7 +276,7 @@ void Check::joins()
 
 void Check::connectorId(const std::string& id, const std::string& place)
 {
-    require(m_machine.part(id).connector != nullptr, place, "the id of a connector", inQuotes(id));
+    require(m_connectorIds.count(id) != 0, place, "the id of a connector", inQuotes(id));
 }
 
 void Check::deviceInstances()
@@ -311,8 +322,9 @@ void Check::faults()
     {
         const FaultRule& rule = m_machine.faults[index];
         const std::string place = inner("/faults", index);
-        require(isOperation(rule.operation), inner(place, "operation"), "an operation of the simulated platform",
-                inQuotes(rule.operation));
+        const bool isPlatforms = isOperation(rule.operation);
+        require(isPlatforms, inner(place, "operation"), "an operation of the simulated platform",
+                inQuotes(rule.operation) + (isPlatforms ? "" : operationSuggestion(rule.operation)));
         const bool isKnown = m_deviceIds.count(rule.object) != 0 || m_partIds.count(rule.object) != 0;
         require(rule.object == "*" || isKnown, inner(place, "object"), "\"*\" or the id of a device or part",
                 inQuotes(rule.object));
@@ -326,8 +338,9 @@ void Check::latency()
     {
         const std::string& operation = m_machine.latency[index].operation;
         const std::string place = inner(inner("/latency", index), "operation");
-        require(operation == "*" || isOperation(operation), place, "\"*\" or an operation of the simulated platform",
-                inQuotes(operation));
+        const bool isPlatforms = operation == "*" || isOperation(operation);
+        require(isPlatforms, place, "\"*\" or an operation of the simulated platform",
+                inQuotes(operation) + (isPlatforms ? "" : operationSuggestion(operation)));
         require(known.insert(operation).second, place, "an operation that has no latency yet",
                 inQuotes(operation) + " for the second time");
     }

@@ -1,7 +1,7 @@
 #include "simulator/machine/file/cursor.h"
 
 #include "simulator/machine/file/machinefile.h"
-#include "simulator/machine/file/objectkeys.h"
+#include "simulator/machine/nodetypes.h"
 #include "simulator/machine/valuetext.h"
 
 #include <algorithm>
@@ -11,123 +11,118 @@ namespace sim
 {
 namespace
 {
-std::string keyList(const FileObject& object)
+std::string keyList(const ObjectRule& rule)
 {
     std::string result;
-    for (const FileKey& key : object.keys)
-        result += (result.empty() ? "" : ", ") + std::string(key.name);
+    for (const KeyRule& key : rule.keys)
+        result += (result.empty() ? "" : ", ") + key.name;
     return result;
 }
 
-bool isKey(const FileObject& object, const std::string& name)
+bool hasKey(const ObjectRule& rule, const std::string& name)
 {
-    return std::any_of(object.keys.begin(), object.keys.end(), [&](const FileKey& key) { return key.name == name; });
+    return std::any_of(rule.keys.begin(), rule.keys.end(), [&](const KeyRule& key) { return key.name == name; });
 }
 }
 
-FilePlace::FilePlace(const JsonValue& value, const std::string& file, std::string pointer)
+JsonCursor::JsonCursor(const JsonValue& value, const std::string& file, std::string pointer)
     : m_value(&value),
       m_file(&file),
       m_pointer(std::move(pointer))
 {
 }
 
-const FilePlace& FilePlace::object(std::string_view kind) const
+void JsonCursor::requireKeys(const ObjectRule& rule) const
 {
-    const FileObject& object = fileObject(kind);
     if (!isObject())
         fail("an object");
     for (std::size_t index = 0; index < m_value->keys.size(); ++index)
     {
         const std::string& key = m_value->keys[index];
-        if (!isKey(object, key))
+        if (!hasKey(rule, key))
             throw MachineFileError(*m_file, m_value->elements[index].line, 0, m_pointer + pointerStep(key),
-                                   "one of the keys " + keyList(object), "the key " + inQuotes(key));
+                                   "one of the keys " + keyList(rule), "the key " + inQuotes(key));
     }
-    for (const FileKey& key : object.keys)
+    for (const KeyRule& key : rule.keys)
     {
-        if (key.required && m_value->member(key.name) == nullptr)
-            throw MachineFileError(*m_file, m_value->line, 0, m_pointer, "the key " + inQuotes(std::string(key.name)),
-                                   "an object without it");
+        if (key.isRequired && m_value->member(key.name) == nullptr)
+            fail("the key " + inQuotes(key.name), "an object without it");
     }
-    return *this;
 }
 
-std::optional<FilePlace> FilePlace::find(const std::string& key) const
+std::optional<JsonCursor> JsonCursor::find(const std::string& key) const
 {
     const JsonValue* member = m_value->member(key);
     if (member == nullptr)
         return std::nullopt;
-    return FilePlace(*member, *m_file, m_pointer + pointerStep(key));
+    return JsonCursor(*member, *m_file, m_pointer + pointerStep(key));
 }
 
-FilePlace FilePlace::at(const std::string& key) const
-{
-    return find(key).value();
-}
-
-std::vector<std::pair<std::string, FilePlace>> FilePlace::members() const
+std::vector<std::pair<std::string, JsonCursor>> JsonCursor::members() const
 {
     if (!isObject())
         fail("an object");
-    std::vector<std::pair<std::string, FilePlace>> result;
-    for (const std::string& key : m_value->keys)
-        result.emplace_back(key, at(key));
+    std::vector<std::pair<std::string, JsonCursor>> result;
+    for (std::size_t index = 0; index < m_value->keys.size(); ++index)
+    {
+        const std::string& key = m_value->keys[index];
+        result.emplace_back(key, JsonCursor(m_value->elements[index], *m_file, m_pointer + pointerStep(key)));
+    }
     return result;
 }
 
-std::vector<FilePlace> FilePlace::elements() const
+std::vector<JsonCursor> JsonCursor::elements() const
 {
     if (m_value->kind != JsonValue::Kind::array)
         fail("a list");
-    std::vector<FilePlace> result;
+    std::vector<JsonCursor> result;
     for (std::size_t index = 0; index < m_value->elements.size(); ++index)
         result.emplace_back(m_value->elements[index], *m_file, m_pointer + "/" + std::to_string(index));
     return result;
 }
 
-bool FilePlace::isObject() const
+bool JsonCursor::isObject() const
 {
     return m_value->kind == JsonValue::Kind::object;
 }
 
-bool FilePlace::isNull() const
+bool JsonCursor::isNull() const
 {
     return m_value->kind == JsonValue::Kind::null;
 }
 
-bool FilePlace::isText() const
+bool JsonCursor::isString() const
 {
-    return m_value->kind == JsonValue::Kind::text;
+    return m_value->kind == JsonValue::Kind::string;
 }
 
-bool FilePlace::isNumber() const
+bool JsonCursor::isNumber() const
 {
     return m_value->kind == JsonValue::Kind::number;
 }
 
-std::string FilePlace::text() const
+std::string JsonCursor::string() const
 {
-    if (!isText())
+    if (!isString())
         fail("a text");
     return m_value->text;
 }
 
-Text FilePlace::textOrNull() const
+OptionalString JsonCursor::stringOrNull() const
 {
-    if (!isText() && !isNull())
+    if (!isString() && !isNull())
         fail("a text or null");
-    return isText() ? Text(m_value->text) : Text();
+    return isString() ? OptionalString(m_value->text) : std::nullopt;
 }
 
-bool FilePlace::boolean() const
+bool JsonCursor::boolean() const
 {
     if (m_value->kind != JsonValue::Kind::boolean)
         fail("true or false");
     return m_value->boolean;
 }
 
-std::uint32_t FilePlace::number() const
+std::uint32_t JsonCursor::number() const
 {
     const std::optional<std::uint32_t> value = isNumber() ? numberFromText(m_value->text) : std::nullopt;
     if (!value)
@@ -135,7 +130,7 @@ std::uint32_t FilePlace::number() const
     return *value;
 }
 
-float FilePlace::decibels() const
+float JsonCursor::decibels() const
 {
     const std::optional<float> value = isNumber() ? fromDecimal(m_value->text) : std::nullopt;
     if (!value)
@@ -143,22 +138,17 @@ float FilePlace::decibels() const
     return *value;
 }
 
-GUID FilePlace::nodeType() const
+GUID JsonCursor::nodeType() const
 {
-    const std::optional<GUID> type = isText() ? nodeTypeFromText(m_value->text) : std::nullopt;
+    const std::optional<GUID> type = isString() ? nodeTypeFromText(m_value->text) : std::nullopt;
     if (!type)
         fail("the name of a jack or node type, or a GUID like \"{01234567-89AB-CDEF-0123-456789ABCDEF}\"");
     return *type;
 }
 
-std::uint32_t FilePlace::state() const
+std::vector<std::uint8_t> JsonCursor::bytes() const
 {
-    return isNumber() ? number() : named(stateNames);
-}
-
-std::vector<std::uint8_t> FilePlace::bytes() const
-{
-    const std::string digits = isText() ? m_value->text : "?";
+    const std::string digits = isString() ? m_value->text : "?";
     const auto isHex = [](char character) { return hexDigit(character) >= 0; };
     if (digits.size() % 2 != 0 || !std::all_of(digits.begin(), digits.end(), isHex))
         fail("pairs of hexadecimal digits");
@@ -168,20 +158,12 @@ std::vector<std::uint8_t> FilePlace::bytes() const
     return result;
 }
 
-std::vector<std::string> FilePlace::texts() const
-{
-    std::vector<std::string> result;
-    for (const FilePlace& element : elements())
-        result.push_back(element.text());
-    return result;
-}
-
-void FilePlace::fail(const std::string& expected) const
+void JsonCursor::fail(const std::string& expected) const
 {
     fail(expected, shown(*m_value));
 }
 
-void FilePlace::fail(const std::string& expected, const std::string& found) const
+void JsonCursor::fail(const std::string& expected, const std::string& found) const
 {
     throw MachineFileError(*m_file, m_value->line, 0, m_pointer, expected, found);
 }
@@ -196,7 +178,7 @@ std::string shown(const JsonValue& value)
         return value.boolean ? "true" : "false";
     case JsonValue::Kind::number:
         return value.text.size() <= 40 ? value.text : value.text.substr(0, 40) + "...";
-    case JsonValue::Kind::text:
+    case JsonValue::Kind::string:
         return inQuotes(value.text);
     case JsonValue::Kind::array:
         return "a list";

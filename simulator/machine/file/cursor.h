@@ -1,63 +1,60 @@
-/// A value of a machine file together with where it stands, for reading it into one type or saying what is wrong.
+/// A position in a machine file: a value, the file and line that it comes from and the JSON pointer that leads to it.
 #pragma once
 
 #include "simulator/machine/file/json.h"
-#include "simulator/machine/file/names.h"
-#include "simulator/machine/machine.h"
+#include "simulator/machine/file/objectrule.h"
+#include "simulator/machine/namedvalues.h"
+#include "simulator/machine/property.h"
 
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace sim
 {
-/// Each reading operation throws MachineFileError where the value is of another kind or out of range. The file's text
-/// and its tree must outlive the place.
-class FilePlace
+/// Each reading operation returns the value as one type, and throws MachineFileError if it is of another kind or out of
+/// range. The tree and the file's name must outlive the cursor.
+class JsonCursor
 {
 public:
-    FilePlace(const JsonValue& value, const std::string& file, std::string pointer = {});
+    JsonCursor(const JsonValue& value, const std::string& file, std::string pointer = {});
 
-    /// Requires an object with the keys of that kind (simulator/machine/file/objectkeys.h), all required ones and no
-    /// other.
-    const FilePlace& object(std::string_view kind) const;
+    /// Requires an object with all required keys of @p rule and without keys that it does not have.
+    void requireKeys(const ObjectRule& rule) const;
     /// A member of an object.
-    std::optional<FilePlace> find(const std::string& key) const;
-    FilePlace at(const std::string& key) const;
+    std::optional<JsonCursor> find(const std::string& key) const;
     /// The members of an object, with their keys.
-    std::vector<std::pair<std::string, FilePlace>> members() const;
+    std::vector<std::pair<std::string, JsonCursor>> members() const;
     /// The elements of an array.
-    std::vector<FilePlace> elements() const;
+    std::vector<JsonCursor> elements() const;
 
     bool isObject() const;
     bool isNull() const;
-    bool isText() const;
+    bool isString() const;
     bool isNumber() const;
 
-    std::string text() const;
-    Text textOrNull() const;
+    std::string string() const;
+    OptionalString stringOrNull() const;
     bool boolean() const;
     std::uint32_t number() const;
     float decibels() const;
     GUID nodeType() const;
-    std::uint32_t state() const;
     /// Pairs of hexadecimal digits.
     std::vector<std::uint8_t> bytes() const;
-    std::vector<std::string> texts() const;
 
     /// One of the names in the table.
     template<class Value, std::size_t Size>
     Value named(const Names<Value, Size>& names) const
     {
-        const std::optional<Value> value = isText() ? valueOf(names, m_value->text) : std::nullopt;
+        const std::optional<Value> value = isString() ? valueOf(names, m_value->text) : std::nullopt;
         if (!value)
             fail(oneOf(names));
         return *value;
     }
 
-    /// Throws MachineFileError for this place.
+    /// Throws MachineFileError for this position.
     [[noreturn]] void fail(const std::string& expected) const;
     [[noreturn]] void fail(const std::string& expected, const std::string& found) const;
 
@@ -75,7 +72,7 @@ private:
         return result;
     }
 
-    FilePlace inner(std::size_t index) const;
+    JsonCursor inner(std::size_t index) const;
 
     const JsonValue* m_value;
     const std::string* m_file;

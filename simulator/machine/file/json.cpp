@@ -21,10 +21,10 @@ JsonValue JsonValue::ofNumber(std::string written)
     return result;
 }
 
-JsonValue JsonValue::ofText(std::string value)
+JsonValue JsonValue::ofString(std::string value)
 {
     JsonValue result;
-    result.kind = Kind::text;
+    result.kind = Kind::string;
     result.text = std::move(value);
     return result;
 }

@@ -1,4 +1,4 @@
-/// JSON as machine files use it: a tree that keeps order, spelling and lines, with reader and printer.
+/// JSON for machine files: a tree that keeps the order of keys, the spelling of numbers and the lines.
 #pragma once
 
 #include <cstddef>
@@ -15,21 +15,21 @@ struct JsonValue
         null,
         boolean,
         number,
-        text,
+        string,
         array,
         object,
     };
 
     Kind kind = Kind::null;
     bool boolean = false;
-    std::string text;                ///< of a text; of a number, as it is written
+    std::string text;                ///< of a string; of a number, as it is written
     std::vector<JsonValue> elements; ///< of an array; the values of an object
     std::vector<std::string> keys;   ///< of an object, one for each element
-    std::size_t line = 0;            ///< where it stands, counted from 1; 0: it was not read from a text
+    std::size_t line = 0;            ///< in the file, counted from 1; 0: it was not read from a file
 
     static JsonValue ofBoolean(bool value);
     static JsonValue ofNumber(std::string written);
-    static JsonValue ofText(std::string value);
+    static JsonValue ofString(std::string value);
     static JsonValue array(std::vector<JsonValue> elements = {});
     static JsonValue object();
 
@@ -39,15 +39,16 @@ struct JsonValue
     /// The member called @p key, or null.
     const JsonValue* member(std::string_view key) const;
 
-    /// What a JSON pointer leads to, or the last thing on its way that there is.
+    /// The value at a JSON pointer, or the last existing value on the way to it.
     const JsonValue& nearest(const std::string& pointer) const;
 };
 
-/// Reads @p text. Throws MachineFileError for what is not JSON, for a key that is given twice, for a zero character in
-/// a text, and for deeper nesting than any machine has.
+/// Reads @p text. Throws MachineFileError if it is not JSON, contains a key twice in one object or a zero character in
+/// a string, or is nested more deeply than any machine.
 JsonValue parseJson(const std::string& text, const std::string& file);
 
-/// The text of @p value, with a line of its own for whatever does not fit into one. What is not UTF-8 is replaced.
+/// @p value as JSON. An object or a list that does not fit into a line is printed with one line for each element. Bytes
+/// that are not UTF-8 become the replacement character.
 std::string printJson(const JsonValue& value);
 
 /// @p key as a step of a JSON pointer.

@@ -60,7 +60,7 @@ void print(const JsonValue& value, std::size_t indent, std::size_t room, std::st
     case JsonValue::Kind::number:
         out += value.text;
         return;
-    case JsonValue::Kind::text:
+    case JsonValue::Kind::string:
         out += escaped(value.text);
         return;
     case JsonValue::Kind::array:

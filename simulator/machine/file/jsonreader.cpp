@@ -18,7 +18,7 @@ using Nlohmann = nlohmann::json;
 
 constexpr std::size_t deepestNesting = 32;
 
-/// Goes through a text and tells, through what it shares with its copies, how far the furthest of them has come.
+/// Iterates over a string and records, in a place that it shares with its copies, how far the furthest of them is.
 class CountingIterator
 {
 public:
@@ -75,7 +75,7 @@ public:
     {
         if (value.find('\0') != std::string::npos)
             fail("a text without a zero character", "one with it");
-        return put(JsonValue::ofText(value));
+        return put(JsonValue::ofString(value));
     }
 
     bool binary(binary_t&) override { return false; }
@@ -107,7 +107,7 @@ public:
     }
 
 private:
-    /// What the parser says, without its number and its own reckoning of the place.
+    /// The parser's message, without its number and its own position.
     static std::string reason(const std::string& message)
     {
         const std::size_t number = message.find("] ");
@@ -124,7 +124,7 @@ private:
         return 1 + static_cast<std::size_t>(std::count(m_text.begin(), end, '\n'));
     }
 
-    /// The line of what has just been read. The parser is at most one character behind its end.
+    /// The line of the value that has just been read. The parser is at most one character past its end.
     std::size_t line()
     {
         const char* const last = m_read == m_text.data() ? m_read : m_read - 1;
@@ -138,7 +138,7 @@ private:
         throw MachineFileError(m_file, line(), 0, pointer(), expected, found);
     }
 
-    /// Where the value stands that is being read.
+    /// JSON pointer to the value that is being read.
     std::string pointer() const
     {
         std::string result;

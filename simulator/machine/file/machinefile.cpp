@@ -4,6 +4,7 @@
 #include "simulator/machine/valuetext.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -17,21 +18,24 @@ namespace
 namespace fs = std::filesystem;
 
 constexpr const char* suffix = ".json";
+constexpr std::uintmax_t largestFile = std::uintmax_t{64} << 20;
+constexpr std::size_t longestName = 300;     ///< bytes of a file's name or a JSON pointer in a message
+constexpr std::size_t longestFinding = 1000; ///< bytes of what was found, in a message
 
 std::string describe(const std::string& file, std::size_t line, std::size_t column, const std::string& place,
                      const std::string& expected, const std::string& found)
 {
-    std::string text = file;
+    std::string text = printable(file, longestName);
     if (line != 0)
         text += ":" + std::to_string(line);
     if (column != 0)
         text += ":" + std::to_string(column);
     if (!place.empty())
-        text += ": " + place;
-    return text + ": expected " + expected + ", found " + found;
+        text += ": " + printable(place, longestName);
+    return text + ": expected " + expected + ", found " + printable(found, longestFinding);
 }
 
-/// The folders to look for shipped machines in; a folder that is not there holds none.
+/// The folders of shipped machines; some of them may not exist.
 std::vector<fs::path> machineFolders()
 {
     const char* const chosen = std::getenv("SONAVIT_MACHINES");
@@ -51,7 +55,7 @@ std::vector<fs::path> machineFolders()
     return folders;
 }
 
-/// A schema lies beside the machines; it is none.
+/// The folder also contains the schema, which is not a machine.
 bool isMachineFile(const fs::path& path)
 {
     return path.extension() == suffix && path.stem().extension() != ".schema";
@@ -68,7 +72,26 @@ std::string knownNames()
     std::string result;
     for (const std::string& name : machineNames())
         result += (result.empty() ? "" : ", ") + name;
-    return result.empty() ? "no machine at all" : result;
+    return result.empty() ? "no machine at all" : printable(result, longestFinding);
+}
+
+[[noreturn]] void refuse(const std::string& path, const std::string& found)
+{
+    throw MachineFileError(path, 0, 0, "", "a machine file", found);
+}
+
+/// Before the file is opened: opening a pipe would wait, reading a device would never end.
+void refuseOtherFiles(const std::string& path)
+{
+    std::error_code error;
+    const fs::file_status status = fs::status(fs::u8path(path), error);
+    if (fs::is_directory(status))
+        refuse(path, "a folder");
+    if (fs::exists(status) && !fs::is_regular_file(status))
+        refuse(path, "something that is not a regular file");
+    const std::uintmax_t size = fs::file_size(fs::u8path(path), error);
+    if (!error && size > largestFile)
+        refuse(path, "one of more than 64 MiB");
 }
 }
 
@@ -116,15 +139,13 @@ const std::string& MachineFileError::found() const
 
 Machine readMachineFile(const std::string& path)
 {
-    std::error_code error;
-    if (fs::is_directory(fs::u8path(path), error))
-        throw MachineFileError(path, 0, 0, "", "a machine file", "a folder");
+    refuseOtherFiles(path);
     std::ifstream file(fs::u8path(path), std::ios::binary);
     if (!file)
-        throw MachineFileError(path, 0, 0, "", "a machine file", "nothing that can be opened");
+        refuse(path, "nothing that can be opened");
     const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
     if (file.bad())
-        throw MachineFileError(path, 0, 0, "", "a machine file", "one that cannot be read to its end");
+        refuse(path, "one that cannot be read to its end");
     return readMachine(text, path);
 }
 

@@ -1,4 +1,4 @@
-/// Machines as files. machines/README.md shows how to describe one, machines/machine.schema.json what there may be.
+/// Machines as files. machines/README.md shows how to describe one, machines/machine.schema.json defines the format.
 #pragma once
 
 #include "simulator/machine/machine.h"
@@ -10,13 +10,14 @@
 
 namespace sim
 {
-/// A machine file that cannot be used. what() says where, what was expected and what stood there:
-/// `desk.json:14: /endpoints/0/flow: expected "render" or "capture", found "sideways"`.
+/// A machine file that cannot be used. what() contains the position, what was expected and what was found:
+/// `desk.json:14: /endpoints/0/flow: expected "render" or "capture", found "sideways"`. It is one line of printable
+/// UTF-8 of at most about 2,000 bytes, whatever the file contains; the accessors return the whole data.
 class MachineFileError : public std::runtime_error
 {
 public:
-    /// @param line   counted from 1; 0 where no line is to blame
-    /// @param column counted from 1 in bytes; 0 but for what is not JSON
+    /// @param line   counted from 1; 0 if the error concerns no line
+    /// @param column counted from 1 in bytes; 0 unless the file is not JSON
     /// @param place  JSON pointer
     MachineFileError(std::string file, std::size_t line, std::size_t column, std::string place, std::string expected,
                      std::string found);
@@ -37,26 +38,29 @@ private:
     std::string m_found;
 };
 
-/// Reads a machine from the file @p path (UTF-8). Throws MachineFileError.
+/// Reads a machine from the file @p path (UTF-8). Throws MachineFileError, also for anything that is not a regular file
+/// and for a file of more than 64 MiB; neither is opened.
 Machine readMachineFile(const std::string& path);
 
-/// Reads a machine from the content of a file, which error messages call @p nameForMessages. Throws MachineFileError.
+/// Reads a machine from @p text, the content of a file. Error messages contain @p nameForMessages as the file's name.
+/// Throws MachineFileError.
 Machine readMachine(const std::string& text, const std::string& nameForMessages);
 
-/// The content of a file that reads back as an equal machine. What equals its default is left out.
+/// The content of a file that readMachine() reads as an equal machine, if @p machine passes its checks. Fields with
+/// their usual value are left out.
 std::string writeMachine(const Machine& machine);
 
-/// Reads the machine that ships under that name, or the file of that path. Throws MachineFileError; for a name that is
-/// unknown its text lists those that there are.
+/// Reads the shipped machine of that name, or the file of that path. Throws MachineFileError; for an unknown name it
+/// lists the existing ones.
 ///
-/// Shipped machines are looked for in the folder that the environment variable SONAVIT_MACHINES names; where it is not
-/// set, in `machines` beside the running program, then where an installation has them (`../share/sonavit/machines`),
-/// then in the folder of the sources that the program was built from.
+/// The folder of shipped machines is the value of the environment variable SONAVIT_MACHINES. If it is not set, the
+/// folders are `machines` next to the running program, then `../share/sonavit/machines` as in an installation, then the
+/// folder in the sources from which the program was built.
 Machine findMachine(const std::string& nameOrFile);
 
 /// The names of the machines that findMachine() knows, in alphabetical order.
 std::vector<std::string> machineNames();
 
-/// The file of the machine that ships under that name; empty where there is none.
+/// The file of the shipped machine of that name; empty if there is none.
 std::string machineFile(const std::string& name);
 }

@@ -1,10 +1,10 @@
-/// Where the running program lies.
+/// The location of the running program.
 #pragma once
 
 #include <string>
 
 namespace sim
 {
-/// The folder of the running program's file (UTF-8); empty where the system does not tell.
+/// The folder of the running program's file (UTF-8); empty if the system does not report it.
 std::string programFolder();
 }

@@ -1,4 +1,4 @@
-/// Short ids: in a machine file, "/jack" within the topology of the device "{2}.x" stands for the part "{2}.x/jack".
+/// Short ids: in a machine file, "/jack" within the topology of the device "{2}.x" is short for the part "{2}.x/jack".
 #pragma once
 
 #include "simulator/machine/topology.h"

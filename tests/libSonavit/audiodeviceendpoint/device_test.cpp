@@ -1,6 +1,6 @@
 #include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
 
-#include "simulator/machine/file/names.h"
+#include "simulator/machine/valuetext.h"
 
 namespace
 {

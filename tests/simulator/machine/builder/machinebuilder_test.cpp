@@ -114,6 +114,22 @@ TEST_F(EndpointBuilderJoin, CanBeTakenAway)
     EXPECT_FALSE(machine.peer(connector));
 }
 
+TEST_F(EndpointBuilderJoin, IsTakenAwayInBothDirectionsAndForOneEndpointOnly)
+{
+    sim::EndpointBuilder speaker = codec.speaker();
+    const sim::EndpointBuilder microphone = codec.microphone();
+    bench.machine().joins.push_back({microphone.jackId(), speaker.connectorId(), {}, false});
+
+    speaker.unjoined();
+
+    const sim::Machine machine = bench.build();
+    ASSERT_EQ(1u, machine.joins.size());
+    EXPECT_EQ(microphone.jackId(), machine.peer(microphone.connectorId())->connector);
+    EXPECT_FALSE(machine.peer(speaker.jackId()));
+    EXPECT_TRUE(machine.part(speaker.jackId()));
+    EXPECT_EQ(&speaker.endpoint(), bench.machine().endpoint(speaker.id()));
+}
+
 TEST_F(EndpointBuilderNode, RunsFromTheStreamToTheJackOfAnOutput)
 {
     const sim::EndpointBuilder speaker = codec.speaker();

@@ -1,6 +1,7 @@
 #include "simulator/machine/file/machinefile.h"
 
 #include "simulator/machine/builder/machinebuilder.h"
+#include "simulator/machine/propertykeys.h"
 #include "tests/simulator/machine/file/machinesample.h"
 
 #include <gmock/gmock.h>
@@ -11,12 +12,17 @@
 #include <fstream>
 #include <functional>
 
+#if !defined(_WIN32)
+#include <sys/stat.h>
+#endif
+
 namespace
 {
 using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::StartsWith;
 
 /// A folder of its own that is gone with the object.
 class TemporaryFolder
@@ -184,6 +190,90 @@ TEST(MachineFileRead, SaysWhenThereIsNoFileOrItIsAFolder)
               errorOf([&] { sim::readMachineFile(folder.path()); }));
 }
 
+TEST(MachineFileRead, RefusesAFileOfMoreThan64MiBAtOnce)
+{
+    const TemporaryFolder folder;
+    const std::string large = folder.write("large.json", "[]");
+    std::filesystem::resize_file(std::filesystem::u8path(large), (std::uintmax_t{64} << 20) + 1);
+
+    EXPECT_EQ(large + ": expected a machine file, found one of more than 64 MiB",
+              errorOf([&] { sim::readMachineFile(large); }));
+    EXPECT_EQ(large + ": expected a machine file, found one of more than 64 MiB",
+              errorOf([&] { sim::findMachine(large); }));
+}
+
+#if !defined(_WIN32)
+TEST(MachineFileRead, RefusesWhatIsNotARegularFileWithoutOpeningIt)
+{
+    const TemporaryFolder folder;
+    const std::string pipe = folder.path() + "/pipe.json";
+    ASSERT_EQ(0, mkfifo(pipe.c_str(), 0600));
+
+    EXPECT_EQ(pipe + ": expected a machine file, found something that is not a regular file",
+              errorOf([&] { sim::readMachineFile(pipe); }));
+    EXPECT_EQ("/dev/zero: expected a machine file, found something that is not a regular file",
+              errorOf([] { sim::findMachine("/dev/zero"); }));
+}
+#endif
+
+TEST(MachineFileRead, KeepsCharactersOfEveryLength)
+{
+    const sim::Machine machine = sim::readMachine(
+        "{\"name\": \"\xC3\xA4\xE2\x82\xAC\xF0\x9F\x94\x8A\", \"description\": \"\\u00e4\\u20ac\\ud83d\\udd0a\"}",
+        "n.json");
+
+    EXPECT_EQ("\xC3\xA4\xE2\x82\xAC\xF0\x9F\x94\x8A", machine.name);
+    EXPECT_EQ(machine.name, machine.description);
+    EXPECT_THAT(sim::writeMachine(machine), HasSubstr("\"name\": \"\xC3\xA4\xE2\x82\xAC\xF0\x9F\x94\x8A\""));
+}
+
+TEST(MachineFileWrite, ReplacesWhatIsNotUtf8)
+{
+    sim::Machine machine;
+    machine.name = "a\xC3\x28"
+                   "b\xED\xA0\xBD";
+
+    EXPECT_THAT(sim::writeMachine(machine), HasSubstr("\"name\": \"a\xEF\xBF\xBD(b\xEF\xBF\xBD"));
+    EXPECT_NO_THROW(sim::readMachine(sim::writeMachine(machine), "n.json"));
+}
+
+TEST(MachineFileWrite, KeepsEachTagThatAStoreTakesAndAnEmptyBlob)
+{
+    sim::Machine machine;
+    machine.name = "tags";
+    sim::Properties& properties = machine.adapters.emplace_back().properties;
+    machine.adapters.front().id = "A";
+    std::uint32_t number = 0;
+    for (const VARTYPE tag : {VT_I2, VT_I4, VT_BOOL, VT_I1, VT_UI1, VT_UI2, VT_UI4, VT_INT, VT_UINT})
+    {
+        const PROPERTYKEY key = {GUID{}, ++number};
+        sim::setProperty(properties, key, sim::PropertyValue::ofNumber(number == 3 ? 0xFFFF : number, tag));
+    }
+    sim::setProperty(properties, sim::keys::deviceFormat, sim::PropertyValue::ofBytes({}));
+
+    const std::string text = sim::writeMachine(machine);
+
+    EXPECT_TRUE(machine == sim::readMachine(text, "tags.json")) << text;
+    EXPECT_THAT(text, AllOf(HasSubstr("/1\": {\"number\": 1, \"tag\": \"VT_I2\"}"),
+                            HasSubstr("/3\": {\"number\": 65535, \"tag\": \"VT_BOOL\"}"),
+                            HasSubstr("/6\": {\"number\": 6, \"tag\": \"VT_UI2\"}"), HasSubstr("/7\": 7"),
+                            HasSubstr("\"deviceFormat\": {\"blob\": \"\"}")));
+}
+
+TEST(MachineFileWrite, GivesEachMachineThatShipsBack)
+{
+    ASSERT_THAT(sim::machineNames(), ElementsAre("broken", "crowded", "desktop", "empty", "laptop", "studio"));
+    for (const std::string& name : sim::machineNames())
+    {
+        const sim::Machine machine = sim::findMachine(name);
+
+        const std::string text = sim::writeMachine(machine);
+
+        EXPECT_TRUE(machine == sim::readMachine(text, name)) << name;
+        EXPECT_EQ(text, sim::writeMachine(sim::readMachine(text, name))) << name;
+    }
+}
+
 TEST(MachineFileFind, LooksIntoTheChosenFolder)
 {
     const TemporaryFolder folder;
@@ -216,6 +306,15 @@ TEST(MachineFileFind, ListsTheKnownNamesWhenItKnowsNoSuchMachine)
     EXPECT_EQ("\"c\": expected the name of a machine (a, b) or of a file, found neither",
               errorOf([] { sim::findMachine("c"); }));
     EXPECT_THAT(errorOf([] { sim::findMachine(""); }), HasSubstr("(a, b)"));
+}
+
+TEST(MachineFileFind, ShowsAnyNameOnOneShortLine)
+{
+    const TemporaryFolder folder;
+    const ChosenFolder chosen(folder.path());
+
+    EXPECT_THAT(errorOf([] { sim::findMachine("a\nb\xC3"); }), StartsWith("\"a\\nb\\xC3\": expected"));
+    EXPECT_LT(errorOf([] { sim::findMachine(std::string(100000, 'x')); }).size(), 300u);
 }
 
 TEST(MachineFileFind, SaysWhenThereIsNoMachineAtAll)

@@ -85,6 +85,15 @@ const Broken notJson[] = {
      "m.json:3: expected each key once, found \"waveIn\" for the second time"},
     {"AZeroCharacter", with("\"description\": \"a\\u0000b\""),
      "m.json:2: /description: expected a text without a zero character, found one with it"},
+    {"ABrokenCharacter", with("\"description\": \"a\xC3\""),
+     "m.json:2:19: /description: expected JSON, found syntax error while parsing value - invalid string: ill-formed "
+     "UTF-8 byte; last read: '\"a\\xC3\"'"},
+    {"HalfASurrogatePair", with(R"("description": "\ud83d")"),
+     "m.json:2:23: /description: expected JSON, found syntax error while parsing value - invalid string: surrogate "
+     "U+D800..U+DBFF must be followed by U+DC00..U+DFFF; last read: '\"\\ud83d\"'"},
+    {"AControlCharacterInAKey", with("\"a\\u001b[31m\\n\": 1"),
+     "m.json:2: /a\\u001B[31m\\n: expected one of the keys $schema, name, description, endpoints, adapters, joins, "
+     "deviceInstances, waveOut, waveIn, script, faults, latency, found the key \"a\\u001B[31m\\n\""},
     {"DeepNesting", deepLists,
      "m.json:1: /0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0: expected at most 32 levels, found "
      "more"},
@@ -130,7 +139,11 @@ const Broken wrongKinds[] = {
 const Broken wrongProperties[] = {
     {"AnUnknownProperty", endpointWith(R"("properties": {"colour": "red"})"),
      "m.json:3: /endpoints/0/properties/colour: expected a property's name, or a key like "
-     "{01234567-89AB-CDEF-0123-456789ABCDEF}/2, found \"colour\""},
+     "{01234567-89AB-CDEF-0123-456789ABCDEF}/2, found \"colour\" (property names: deviceDescription, deviceFormat, "
+     "instancePath, driverNodeStrongName, friendlyName, speakerConfig, endpointGuid)"},
+    {"AMisspeltProperty", endpointWith(R"("properties": {"FriendlyNam": "red"})"),
+     "m.json:3: /endpoints/0/properties/FriendlyNam: expected a property's name, or a key like "
+     "{01234567-89AB-CDEF-0123-456789ABCDEF}/2, found \"FriendlyNam\" (did you mean \"friendlyName\"?)"},
     {"AKeyWithoutNumber", endpointWith(R"("properties": {"{01234567-89AB-CDEF-0123-456789ABCDEF}/": "red"})"),
      "m.json:3: /endpoints/0/properties/{01234567-89AB-CDEF-0123-456789ABCDEF}~1: expected a property's name, or a key "
      "like "
@@ -143,8 +156,8 @@ const Broken wrongProperties[] = {
     {"ANumberWithoutTag", endpointWith(R"("properties": {"friendlyName": {"number": 3}})"),
      "m.json:3: /endpoints/0/properties/friendlyName: expected the key \"tag\", found an object without it"},
     {"AnUnknownTag", endpointWith(R"("properties": {"friendlyName": {"number": 3, "tag": "VT_BLOB"}})"),
-     "m.json:3: /endpoints/0/properties/friendlyName/tag: expected \"VT_I4\", \"VT_BOOL\", \"VT_UI1\", \"VT_UI2\", "
-     "\"VT_UI4\" or \"VT_UINT\", found \"VT_BLOB\""},
+     "m.json:3: /endpoints/0/properties/friendlyName/tag: expected \"VT_I2\", \"VT_I4\", \"VT_BOOL\", \"VT_I1\", "
+     "\"VT_UI1\", \"VT_UI2\", \"VT_UI4\", \"VT_INT\" or \"VT_UINT\", found \"VT_BLOB\""},
     {"HalfAByte", endpointWith(R"("properties": {"deviceFormat": {"blob": "FFF"}})"),
      "m.json:3: /endpoints/0/properties/deviceFormat/blob: expected pairs of hexadecimal digits, found \"FFF\""},
     {"NoByte", endpointWith(R"("properties": {"deviceFormat": {"blob": "0G"}})"),
@@ -213,7 +226,15 @@ const Broken wrongPlans[] = {
      endpointWith(R"("state": 1}], "script": [{"event": "volumeChanged", "endpoint": "E", "muted": true)"),
      "m.json:3: /script/0/endpoint: expected an endpoint with a volume, found \"E\""},
     {"AFaultOfAnUnknownOperation", with(R"("faults": [{"operation": "IMMDevice::Explode", "result": "null"}])"),
-     "m.json:2: /faults/0/operation: expected an operation of the simulated platform, found \"IMMDevice::Explode\""},
+     "m.json:2: /faults/0/operation: expected an operation of the simulated platform, found \"IMMDevice::Explode\" "
+     "(operations of IMMDevice: Activate, OpenPropertyStore, GetId, GetState, QueryInterface, AddRef, Release)"},
+    {"AFaultOfAMisspeltOperation", with(R"("faults": [{"operation": "Relase", "result": "throw"}])"),
+     "m.json:2: /faults/0/operation: expected an operation of the simulated platform, found \"Relase\" (did you mean "
+     "\"Release\"?)"},
+    {"ALatencyOfAMisspeltOperation", with(R"("latency": [{"operation": "IPart::GetNam", "microseconds": 1}])"),
+     "m.json:2: /latency/0/operation: expected \"*\" or an operation of the simulated platform, found "
+     "\"IPart::GetNam\" "
+     "(did you mean \"IPart::GetName\"?)"},
     {"AFaultOfAnUnknownObject", with(R"("faults": [{"operation": "IPart::GetName", "object": "X", "result": "null"}])"),
      "m.json:2: /faults/0/object: expected \"*\" or the id of a device or part, found \"X\""},
     {"ALatencyTwice",
@@ -252,6 +273,9 @@ const Broken wrongLevels[] = {
      "m.json:3: /endpoints/0/volume/refused/0: expected an operation of IAudioEndpointVolume, found \"SetMood\""},
     {"APartLevelOutOfRange", control(R"({"minimum": -3, "maximum": 0, "step": 1, "level": -4})"),
      "m.json:3: /endpoints/0/topology/subunits/0/volume/channels/0/level: expected a level from -3 to 0, found -4"},
+    {"APartWithoutRange", control(R"({"minimum": 1.5, "maximum": 1.5, "step": 0.5, "level": 1.5})"),
+     "m.json:3: /endpoints/0/topology/subunits/0/volume/channels/0: expected a minimum below the maximum, found 1.5 to "
+     "1.5 (and 1 more)"},
     {"APartWithoutChannels", control(""),
      "m.json:3: /endpoints/0/topology/subunits/0/volume/channels: expected 1 to 64 channels, found 0"},
     {"AnEventLevelOutOfRange", endpointWith(R"("volume": {"minimum": -3, "maximum": 0, "step": 1, "channels": [0]}}],
@@ -268,6 +292,44 @@ INSTANTIATE_TEST_SUITE_P(WrongProperties, MachineFileError, testing::ValuesIn(wr
 INSTANTIATE_TEST_SUITE_P(WrongIds, MachineFileError, testing::ValuesIn(wrongIds), nameOf);
 INSTANTIATE_TEST_SUITE_P(WrongPlans, MachineFileError, testing::ValuesIn(wrongPlans), nameOf);
 INSTANTIATE_TEST_SUITE_P(WrongLevels, MachineFileError, testing::ValuesIn(wrongLevels), nameOf);
+
+TEST(MachineFileErrorText, HasALimitWhateverTheFileContains)
+{
+    const std::string longWord(1 << 20, 'x');
+    const std::string texts[] = {with("\"" + longWord + "\": 1"),
+                                 with("\"name\": \"" + longWord + "\""),
+                                 with("\"description\": \"" + longWord + "\xC3\""),
+                                 with("\"latency\": [{\"operation\": \"" + longWord + "\", \"microseconds\": 1}]"),
+                                 with("\"latency\": [{\"operation\": \"*\", \"microseconds\": 1" + longWord + "}]"),
+                                 endpointWith("\"properties\": {\"" + longWord + "\": 1}")};
+
+    for (const std::string& text : texts)
+    {
+        try
+        {
+            sim::readMachine(text, longWord + "\n.json");
+            FAIL() << "no error";
+        }
+        catch (const sim::MachineFileError& error)
+        {
+            EXPECT_LT(std::string(error.what()).size(), 2000u);
+            EXPECT_EQ(longWord + "\n.json", error.file());
+        }
+    }
+}
+
+TEST(MachineFileErrorText, ShowsTheNameOfTheFileOnOneLine)
+{
+    try
+    {
+        sim::readMachine("[]", "a\n\x1B\xFF.json");
+        FAIL() << "no error";
+    }
+    catch (const sim::MachineFileError& error)
+    {
+        EXPECT_STREQ("a\\n\\u001B\\xFF.json:1: expected an object, found a list", error.what());
+    }
+}
 
 TEST(MachineFileErrorParts, CanBeAskedOneByOne)
 {

@@ -1,4 +1,4 @@
-/// A machine in which every field differs from what the reader takes for granted.
+/// A machine in which every field differs from its default.
 #pragma once
 
 #include "simulator/machine/deviceformat.h"

@@ -50,7 +50,7 @@ private:
             return fitsObject(value, schema, keyword, rule);
         if (value.kind == Kind::array)
             return fitsArray(value, keyword, rule);
-        if (value.kind == Kind::text)
+        if (value.kind == Kind::string)
             return fitsText(value, keyword, rule);
         return fitsNumber(value, keyword, rule);
     }
@@ -76,7 +76,7 @@ private:
             else if (keyword == "additionalProperties")
                 result = result && (isKnown(key) || fits(value.elements[index], rule));
             else if (keyword == "propertyNames")
-                result = result && fits(sim::JsonValue::ofText(key), rule);
+                result = result && fits(sim::JsonValue::ofString(key), rule);
             else
                 requireOther(keyword);
         }
@@ -153,7 +153,7 @@ private:
         const bool isWhole = value.text.find_first_of(".eE") == std::string::npos;
         return (rule.text == "object" && value.kind == Kind::object) ||
                (rule.text == "array" && value.kind == Kind::array) ||
-               (rule.text == "string" && value.kind == Kind::text) ||
+               (rule.text == "string" && value.kind == Kind::string) ||
                (rule.text == "boolean" && value.kind == Kind::boolean) ||
                (rule.text == "null" && value.kind == Kind::null) ||
                (rule.text == "number" && value.kind == Kind::number) ||
@@ -162,7 +162,7 @@ private:
 
     static bool isSame(const sim::JsonValue& left, const sim::JsonValue& right)
     {
-        return left.kind == Kind::text && right.kind == Kind::text && left.text == right.text;
+        return left.kind == Kind::string && right.kind == Kind::string && left.text == right.text;
     }
 
     static double number(const sim::JsonValue& value) { return std::strtod(value.text.c_str(), nullptr); }

@@ -1,4 +1,4 @@
-/// The words of a machine file and the platform's values that they stand for.
+/// The names of the platform's values in machine files, messages and the program's JSON.
 #pragma once
 
 #include "platform/coreaudio.h"
@@ -56,11 +56,18 @@ inline constexpr Names<ScriptEvent::Kind, 8> eventNames = {{{"added", ScriptEven
 inline constexpr Names<bool Device::*, 2> interfaceNames = {
     {{"IAudioClient", &Device::hasAudioClient}, {"IBaseFilter", &Device::hasBaseFilter}}};
 
-/// The tags of a property value that is a whole number.
-inline constexpr Names<VARTYPE, 6> numberTagNames = {
-    {{"VT_I4", 3}, {"VT_BOOL", 11}, {"VT_UI1", 17}, {"VT_UI2", 18}, {"VT_UI4", 19}, {"VT_UINT", 23}}};
+/// The tags of a property value that is a whole number: all that a property store of the simulated platform takes.
+inline constexpr Names<VARTYPE, 9> numberTagNames = {{{"VT_I2", VT_I2},
+                                                      {"VT_I4", VT_I4},
+                                                      {"VT_BOOL", VT_BOOL},
+                                                      {"VT_I1", VT_I1},
+                                                      {"VT_UI1", VT_UI1},
+                                                      {"VT_UI2", VT_UI2},
+                                                      {"VT_UI4", VT_UI4},
+                                                      {"VT_INT", VT_INT},
+                                                      {"VT_UINT", VT_UINT}}};
 
-/// The value called @p name; no value where the table has no such name.
+/// The value with the name @p name; no value if the table does not contain it.
 template<class Value, std::size_t Size>
 std::optional<Value> valueOf(const Names<Value, Size>& names, std::string_view name)
 {
@@ -72,7 +79,7 @@ std::optional<Value> valueOf(const Names<Value, Size>& names, std::string_view n
     return std::nullopt;
 }
 
-/// The name of @p value; empty where the table has none.
+/// The name of @p value; empty if the table does not contain it.
 template<class Value, std::size_t Size>
 std::string nameOf(const Names<Value, Size>& names, const Value& value)
 {
@@ -83,28 +90,4 @@ std::string nameOf(const Names<Value, Size>& names, const Value& value)
     }
     return {};
 }
-
-/// "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}" in upper case.
-std::string guidText(const GUID& guid);
-
-/// The GUID written that way, in either case; no value for any other text.
-std::optional<GUID> guidFromText(const std::string& text);
-
-/// A decimal number without sign, blanks or leading zeros that fits into 32 bits.
-std::optional<std::uint32_t> numberFromText(const std::string& text);
-
-/// "0x80004005", eight digits; no value for any other text.
-std::optional<HRESULT> resultFromText(const std::string& text);
-std::string resultText(HRESULT result);
-
-/// The kind of a jack or node by its name ("speaker", "volume"), or any other as a GUID text.
-std::string nodeTypeText(const GUID& nodeType);
-std::optional<GUID> nodeTypeFromText(const std::string& text);
-
-/// Whether the simulated platform has that operation ("IMMDevice::Activate", "CoCreateInstance"). A bare name such as
-/// "Release" stands for that operation of every interface.
-bool isOperation(std::string_view name);
-
-/// Whether IAudioEndpointVolume has an operation of that name ("SetMute").
-bool isEndpointVolumeOperation(std::string_view name);
 }

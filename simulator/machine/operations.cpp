@@ -1,10 +1,10 @@
-#include "simulator/machine/file/names.h"
+#include "simulator/machine/operations.h"
 
-#include "simulator/machine/nodetypes.h"
-#include "simulator/machine/valuetext.h"
+#include "simulator/machine/nearestname.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <array>
+#include <vector>
 
 namespace sim
 {
@@ -62,85 +62,60 @@ bool hasWord(std::string_view words, std::string_view word)
     return isOneWord && words.find(" " + std::string(word) + " ") != std::string_view::npos;
 }
 
-/// The number of @p digits hexadecimal digits of @p text from @p at on.
-std::uint32_t hexNumber(const std::string& text, std::size_t at, std::size_t digits)
+void append(std::vector<std::string>& list, std::string_view words, const std::string& prefix = {})
 {
-    std::uint32_t value = 0;
-    for (std::size_t index = at; index < at + digits; ++index)
-        value = value << 4 | static_cast<std::uint32_t>(hexDigit(text[index]));
-    return value;
-}
-}
-
-std::string guidText(const GUID& guid)
-{
-    char text[39] = {};
-    std::snprintf(text, sizeof text, "{%08lX-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}",
-                  static_cast<unsigned long>(guid.Data1), guid.Data2, guid.Data3, guid.Data4[0], guid.Data4[1],
-                  guid.Data4[2], guid.Data4[3], guid.Data4[4], guid.Data4[5], guid.Data4[6], guid.Data4[7]);
-    return text;
-}
-
-std::optional<GUID> guidFromText(const std::string& text)
-{
-    constexpr std::string_view form = "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}";
-    const auto fits = [](char wanted, char found) { return wanted == 'X' ? hexDigit(found) >= 0 : wanted == found; };
-    if (!std::equal(form.begin(), form.end(), text.begin(), text.end(), fits))
-        return std::nullopt;
-
-    GUID guid = {};
-    guid.Data1 = hexNumber(text, 1, 8);
-    guid.Data2 = static_cast<unsigned short>(hexNumber(text, 10, 4));
-    guid.Data3 = static_cast<unsigned short>(hexNumber(text, 15, 4));
-    constexpr std::array<std::size_t, 8> lastBytes = {20, 22, 25, 27, 29, 31, 33, 35};
-    for (std::size_t index = 0; index < lastBytes.size(); ++index)
-        guid.Data4[index] = static_cast<unsigned char>(hexNumber(text, lastBytes[index], 2));
-    return guid;
-}
-
-std::optional<std::uint32_t> numberFromText(const std::string& text)
-{
-    const bool isDecimal = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
-    const bool isPlain = text.size() <= 10 && (text.size() == 1 || text.front() != '0');
-    if (!isDecimal || !isPlain)
-        return std::nullopt;
-    const unsigned long long value = std::stoull(text);
-    return value <= UINT32_MAX ? std::optional<std::uint32_t>(static_cast<std::uint32_t>(value)) : std::nullopt;
-}
-
-std::optional<HRESULT> resultFromText(const std::string& text)
-{
-    const bool hasForm = text.size() == 10 && text.compare(0, 2, "0x") == 0;
-    if (!hasForm || !std::all_of(text.begin() + 2, text.end(), [](char unit) { return hexDigit(unit) >= 0; }))
-        return std::nullopt;
-    return static_cast<HRESULT>(hexNumber(text, 2, 8));
-}
-
-std::string resultText(HRESULT result)
-{
-    char text[11] = {};
-    std::snprintf(text, sizeof text, "0x%08lX", static_cast<unsigned long>(static_cast<std::uint32_t>(result)));
-    return text;
-}
-
-std::string nodeTypeText(const GUID& nodeType)
-{
-    for (const NamedNodeType& named : namedNodeTypes)
+    for (std::size_t start = words.find_first_not_of(' '); start != std::string_view::npos;)
     {
-        if (named.type == nodeType)
-            return std::string(named.name);
+        const std::size_t end = words.find(' ', start);
+        list.push_back(prefix + std::string(words.substr(start, end - start)));
+        start = words.find_first_not_of(' ', end);
     }
-    return guidText(nodeType);
 }
 
-std::optional<GUID> nodeTypeFromText(const std::string& text)
+/// The operations of one interface, with those that count references at the end.
+std::vector<std::string> operationsOf(const InterfaceOperations& owner, const std::string& prefix = {})
 {
-    for (const NamedNodeType& named : namedNodeTypes)
+    std::vector<std::string> names;
+    append(names, owner.operations, prefix);
+    append(names, countingOperations, prefix);
+    return names;
+}
+
+/// Every operation by its full name, and every function.
+std::vector<std::string> allOperations()
+{
+    std::vector<std::string> names;
+    append(names, functions);
+    for (const InterfaceOperations& each : interfaces)
     {
-        if (named.name == text)
-            return named.type;
+        const std::vector<std::string> own = operationsOf(each, std::string(each.interfaceName) + "::");
+        names.insert(names.end(), own.begin(), own.end());
     }
-    return guidFromText(text);
+    return names;
+}
+
+std::vector<std::string> bareNames()
+{
+    std::vector<std::string> names;
+    append(names, functions);
+    for (const InterfaceOperations& each : interfaces)
+        append(names, each.operations);
+    append(names, countingOperations);
+    return names;
+}
+
+std::string functionsAndInterfaces()
+{
+    std::vector<std::string> names;
+    append(names, functions);
+    std::string text = " (functions:";
+    for (const std::string& name : names)
+        text += " " + name;
+    text += "; interfaces:";
+    for (const InterfaceOperations& each : interfaces)
+        text += " " + std::string(each.interfaceName);
+    return text + ")";
+}
 }
 
 bool isOperation(std::string_view name)
@@ -162,5 +137,22 @@ bool isOperation(std::string_view name)
 bool isEndpointVolumeOperation(std::string_view name)
 {
     return !hasWord(countingOperations, name) && isOperation("IAudioEndpointVolume::" + std::string(name));
+}
+
+std::string operationSuggestion(const std::string& name)
+{
+    const std::size_t colons = name.find("::");
+    const auto isNamed = [&](const InterfaceOperations& each) { return each.interfaceName == name.substr(0, colons); };
+    const auto owner = std::find_if(interfaces.begin(), interfaces.end(), isNamed);
+    if (colons != std::string::npos && owner != interfaces.end())
+    {
+        const std::string prefix = name.substr(0, colons + 2);
+        const std::string nearest = nearestName(name.substr(colons + 2), operationsOf(*owner));
+        return nearest.empty() ? suggestion("", operationsOf(*owner), "operations of " + name.substr(0, colons))
+                               : " (did you mean \"" + prefix + nearest + "\"?)";
+    }
+    const bool isBare = colons == std::string::npos;
+    const std::string nearest = nearestName(name, isBare ? bareNames() : allOperations());
+    return nearest.empty() ? functionsAndInterfaces() : " (did you mean \"" + nearest + "\"?)";
 }
 }

@@ -1,0 +1,174 @@
+#include "simulator/machine/file/codecs.h"
+
+#include "simulator/machine/nodetypes.h"
+#include "simulator/machine/valuetext.h"
+
+#include <cmath>
+
+namespace sim
+{
+namespace
+{
+JsonValue typeSchema(const std::string& type)
+{
+    return JsonValue::object().add("type", JsonValue::ofString(type));
+}
+
+/// Whether a schema mentions @p value as a default.
+bool isMentioned(const JsonValue& value)
+{
+    using Kind = JsonValue::Kind;
+    const bool isFilled = value.kind == Kind::string && !value.text.empty();
+    return isFilled || value.kind == Kind::boolean || value.kind == Kind::number;
+}
+}
+
+JsonValue annotated(const JsonValue& schema, const std::string& description, const JsonValue& usual)
+{
+    JsonValue result = JsonValue::object();
+    if (!description.empty())
+        result.add("description", JsonValue::ofString(description));
+    for (std::size_t index = 0; index < schema.keys.size(); ++index)
+        result.add(schema.keys[index], schema.elements[index]);
+    if (isMentioned(usual))
+        result.add("default", usual);
+    return result;
+}
+
+JsonValue reference(const std::string& definition)
+{
+    return JsonValue::object().add("$ref", JsonValue::ofString("#/$defs/" + definition));
+}
+
+std::string StringCodec::read(const JsonCursor& cursor) const
+{
+    return cursor.string();
+}
+
+JsonValue StringCodec::write(const std::string& value) const
+{
+    return JsonValue::ofString(value);
+}
+
+JsonValue StringCodec::schema() const
+{
+    return definition.empty() ? typeSchema("string") : reference(definition);
+}
+
+OptionalString NullableStringCodec::read(const JsonCursor& cursor) const
+{
+    return cursor.stringOrNull();
+}
+
+JsonValue NullableStringCodec::write(const OptionalString& value) const
+{
+    return value ? JsonValue::ofString(*value) : JsonValue();
+}
+
+JsonValue NullableStringCodec::schema() const
+{
+    return JsonValue::object().add("type",
+                                   JsonValue::array({JsonValue::ofString("string"), JsonValue::ofString("null")}));
+}
+
+bool BooleanCodec::read(const JsonCursor& cursor) const
+{
+    return cursor.boolean();
+}
+
+JsonValue BooleanCodec::write(bool value) const
+{
+    return JsonValue::ofBoolean(value);
+}
+
+JsonValue BooleanCodec::schema() const
+{
+    return typeSchema("boolean");
+}
+
+std::uint32_t NumberCodec::read(const JsonCursor& cursor) const
+{
+    return cursor.number();
+}
+
+JsonValue NumberCodec::write(std::uint32_t value) const
+{
+    return JsonValue::ofNumber(std::to_string(value));
+}
+
+JsonValue NumberCodec::schema() const
+{
+    return reference("number");
+}
+
+float DecibelsCodec::read(const JsonCursor& cursor) const
+{
+    return cursor.decibels();
+}
+
+JsonValue DecibelsCodec::write(float value) const
+{
+    return std::isfinite(value) ? JsonValue::ofNumber(decimal(value)) : JsonValue();
+}
+
+JsonValue DecibelsCodec::schema() const
+{
+    JsonValue result = typeSchema("number");
+    return isPositive ? result.add("exclusiveMinimum", JsonValue::ofNumber("0")) : result;
+}
+
+std::uint32_t StateCodec::read(const JsonCursor& cursor) const
+{
+    return cursor.isNumber() ? cursor.number() : cursor.named(stateNames);
+}
+
+JsonValue StateCodec::write(std::uint32_t value) const
+{
+    const std::string name = nameOf(stateNames, value);
+    return name.empty() ? NumberCodec().write(value) : JsonValue::ofString(name);
+}
+
+JsonValue StateCodec::schema() const
+{
+    return reference("state");
+}
+
+GUID NodeTypeCodec::read(const JsonCursor& cursor) const
+{
+    return cursor.nodeType();
+}
+
+JsonValue NodeTypeCodec::write(const GUID& value) const
+{
+    return JsonValue::ofString(nodeTypeText(value));
+}
+
+JsonValue NodeTypeCodec::schema() const
+{
+    return reference("nodeType");
+}
+
+std::uint32_t HardwareSupportCodec::read(const JsonCursor& cursor) const
+{
+    std::uint32_t bits = 0;
+    for (const JsonCursor& element : cursor.elements())
+        bits |= element.named(hardwareSupportNames);
+    return bits;
+}
+
+JsonValue HardwareSupportCodec::write(std::uint32_t value) const
+{
+    JsonValue result = JsonValue::array();
+    for (const auto& named : hardwareSupportNames)
+    {
+        if ((value & named.value) != 0)
+            result.elements.push_back(JsonValue::ofString(std::string(named.name)));
+    }
+    return result;
+}
+
+JsonValue HardwareSupportCodec::schema() const
+{
+    return listCodec(nameCodec(hardwareSupportNames, "hardwareSupport")).schema();
+}
+}

@@ -1,0 +1,187 @@
+/// Codecs of single values in a machine file: reader, writer and schema of each type.
+#pragma once
+
+#include "simulator/machine/file/cursor.h"
+#include "simulator/machine/file/kinds.h"
+#include "simulator/machine/namedvalues.h"
+
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace sim
+{
+/// {"$ref": ...} to a definition of the schema.
+JsonValue reference(const std::string& definition);
+
+/// A string. With a definition, the schema refers to that.
+struct StringCodec
+{
+    std::string definition;
+
+    std::string read(const JsonCursor& cursor) const;
+    JsonValue write(const std::string& value) const;
+    JsonValue schema() const;
+};
+
+/// A string or null.
+struct NullableStringCodec
+{
+    OptionalString read(const JsonCursor& cursor) const;
+    JsonValue write(const OptionalString& value) const;
+    JsonValue schema() const;
+};
+
+struct BooleanCodec
+{
+    bool read(const JsonCursor& cursor) const;
+    JsonValue write(bool value) const;
+    JsonValue schema() const;
+};
+
+/// A whole number of 32 bits.
+struct NumberCodec
+{
+    std::uint32_t read(const JsonCursor& cursor) const;
+    JsonValue write(std::uint32_t value) const;
+    JsonValue schema() const;
+};
+
+/// A number of decibels. A value that is not finite is written as null, which no reader accepts.
+struct DecibelsCodec
+{
+    bool isPositive = false; ///< above 0, as the schema says; checkMachine() checks it
+
+    float read(const JsonCursor& cursor) const;
+    JsonValue write(float value) const;
+    JsonValue schema() const;
+};
+
+/// A state by name, or a sum of states as a number.
+struct StateCodec
+{
+    std::uint32_t read(const JsonCursor& cursor) const;
+    JsonValue write(std::uint32_t value) const;
+    JsonValue schema() const;
+};
+
+/// A kind of jack or node by name, or as a GUID.
+struct NodeTypeCodec
+{
+    GUID read(const JsonCursor& cursor) const;
+    JsonValue write(const GUID& value) const;
+    JsonValue schema() const;
+};
+
+/// The sum of the bits that a list names.
+struct HardwareSupportCodec
+{
+    std::uint32_t read(const JsonCursor& cursor) const;
+    JsonValue write(std::uint32_t value) const;
+    JsonValue schema() const;
+};
+
+/// One of the names in a table.
+template<class Value, std::size_t Size>
+struct NameCodec
+{
+    const Names<Value, Size>* names;
+    std::string definition;
+
+    Value read(const JsonCursor& cursor) const { return cursor.named(*names); }
+
+    JsonValue write(const Value& value) const { return JsonValue::ofString(nameOf(*names, value)); }
+
+    JsonValue schema() const { return reference(definition); }
+};
+
+template<class Value, std::size_t Size>
+NameCodec<Value, Size> nameCodec(const Names<Value, Size>& names, const std::string& definition)
+{
+    return {&names, definition};
+}
+
+/// A value that may be missing.
+template<class Codec>
+struct OptionalCodec
+{
+    Codec codec;
+
+    auto read(const JsonCursor& cursor) const { return std::make_optional(codec.read(cursor)); }
+
+    template<class Value>
+    JsonValue write(const std::optional<Value>& value) const
+    {
+        return value ? codec.write(*value) : JsonValue();
+    }
+
+    JsonValue schema() const { return codec.schema(); }
+};
+
+template<class Codec>
+OptionalCodec<Codec> optionalCodec(const Codec& codec)
+{
+    return {codec};
+}
+
+/// A list of values.
+template<class Codec>
+struct ListCodec
+{
+    Codec codec;
+    std::size_t minimum = 0;
+    std::size_t maximum = 0; ///< 0: no limit
+
+    auto read(const JsonCursor& cursor) const
+    {
+        std::vector<decltype(codec.read(cursor))> result;
+        for (const JsonCursor& element : cursor.elements())
+            result.push_back(codec.read(element));
+        return result;
+    }
+
+    template<class Value>
+    JsonValue write(const std::vector<Value>& list) const
+    {
+        JsonValue result = JsonValue::array();
+        for (const Value& element : list)
+            result.elements.push_back(codec.write(element));
+        return result;
+    }
+
+    JsonValue schema() const
+    {
+        JsonValue result = JsonValue::object();
+        result.add("type", JsonValue::ofString("array")).add("items", codec.schema());
+        if (minimum != 0)
+            result.add("minItems", JsonValue::ofNumber(std::to_string(minimum)));
+        if (maximum != 0)
+            result.add("maxItems", JsonValue::ofNumber(std::to_string(maximum)));
+        return result;
+    }
+};
+
+template<class Codec>
+ListCodec<Codec> listCodec(const Codec& codec, std::size_t minimum = 0, std::size_t maximum = 0)
+{
+    return {codec, minimum, maximum};
+}
+
+/// The ids of parts of one topology.
+struct PartIdsCodec : ListCodec<StringCodec>
+{
+    JsonValue schema() const { return reference("partIds"); }
+};
+
+/// An object of the one kind that describes its type.
+template<class Object>
+struct ObjectCodec
+{
+    Object read(const JsonCursor& cursor) const { return kindOf<Object>().read(cursor); }
+
+    JsonValue write(const Object& object) const { return kindOf<Object>().write(object); }
+
+    JsonValue schema() const { return reference(kindOf<Object>().rule().name); }
+};
+}

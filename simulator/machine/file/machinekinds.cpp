@@ -1,0 +1,132 @@
+// The tables of the machine and of what connects its devices.
+#include "simulator/machine/file/codecs.h"
+
+namespace sim
+{
+namespace
+{
+/// Only the endpoint id if the driver answers both questions, otherwise an object.
+struct WaveDeviceCodec
+{
+    WaveDevice read(const JsonCursor& cursor) const
+    {
+        return cursor.isString() ? WaveDevice{cursor.string()} : kindOf<WaveDevice>().read(cursor);
+    }
+
+    JsonValue write(const WaveDevice& device) const
+    {
+        const bool isPlain = device.sizeResult == 0 && device.idResult == 0;
+        return isPlain ? JsonValue::ofString(device.endpointId) : kindOf<WaveDevice>().write(device);
+    }
+
+    JsonValue schema() const
+    {
+        const JsonValue either = JsonValue::array({StringCodec().schema(), ObjectCodec<WaveDevice>().schema()});
+        return JsonValue::object().add("oneOf", either);
+    }
+};
+
+/// An event, whose keys depend on what happens.
+struct ScriptEventCodec
+{
+    ScriptEvent read(const JsonCursor& cursor) const
+    {
+        const auto event = cursor.isObject() ? cursor.find("event") : std::nullopt;
+        if (!event)
+            cursor.fail("an object with the key \"event\"");
+        return eventKind(event->named(eventNames)).read(cursor);
+    }
+
+    JsonValue write(const ScriptEvent& event) const { return eventKind(event.kind).write(event); }
+
+    JsonValue schema() const
+    {
+        JsonValue any = JsonValue::array();
+        for (const Kind<ScriptEvent>& kind : kindsOf<ScriptEvent>())
+            any.elements.push_back(reference(kind.rule().name));
+        return JsonValue::object().add("oneOf", any);
+    }
+};
+
+/// A key for editors, without a member in the data.
+void addSchema(Kind<Machine>& kind)
+{
+    const auto read = [](const JsonCursor& cursor, Machine&) { cursor.string(); };
+    const auto write = [](const Machine&) { return JsonValue::ofString("machine.schema.json"); };
+    const auto isEqual = [](const Machine&, const Machine&) { return true; };
+    kind.add({"$schema", false, StringCodec().schema(), true}, {read, write, isEqual});
+}
+
+Kind<Machine> machineKind()
+{
+    Kind<Machine> kind("machine");
+    addSchema(kind);
+    kind.required("name", &Machine::name, StringCodec())
+        .optional("description", &Machine::description, StringCodec())
+        .optional("endpoints", &Machine::endpoints, listCodec(ObjectCodec<Endpoint>()),
+                  "In the order in which the platform enumerates them.")
+        .optional("adapters", &Machine::adapters, listCodec(ObjectCodec<Adapter>()),
+                  "Devices on the adapter side: they have a topology, but no collection contains them.")
+        .optional("joins", &Machine::joins, listCodec(ObjectCodec<Join>()),
+                  "Connections between connectors. The peer of a connector is that of the first join that starts at "
+                  "it, or that ends at it and runs both ways.")
+        .optional("deviceInstances", &Machine::deviceInstances, listCodec(ObjectCodec<DeviceInstance>()))
+        .optional("waveOut", &Machine::waveOut, listCodec(WaveDeviceCodec()),
+                  "What the legacy wave interface returns; the position in the list is the wave id.")
+        .optional("waveIn", &Machine::waveIn, listCodec(WaveDeviceCodec()))
+        .optional("script", &Machine::script, listCodec(ScriptEventCodec()),
+                  "What happens to the machine, one event after the other.")
+        .optional("faults", &Machine::faults, listCodec(ObjectCodec<FaultRule>()),
+                  "Calls that fail. The first rule that fires decides.")
+        .optional("latency", &Machine::latency, listCodec(ObjectCodec<LatencyRule>()));
+    return kind;
+}
+}
+
+template<>
+const std::vector<Kind<Machine>>& kindsOf<Machine>()
+{
+    static const std::vector<Kind<Machine>> kinds = {machineKind()};
+    return kinds;
+}
+
+template<>
+const std::vector<Kind<Join>>& kindsOf<Join>()
+{
+    static const std::vector<Kind<Join>> kinds = {
+        Kind<Join>("join")
+            .required("from", &Join::from, StringCodec(), "Id of a connector, in full.")
+            .optional("to", &Join::to, StringCodec(),
+                      "Id of a connector, in full. If it is missing, the far connector cannot be asked for, and "
+                      "toDevice is required.")
+            .optional("toDevice", &Join::toDevice, optionalCodec(StringCodec()),
+                      "The far device's id as the near connector reports it. If it is missing: the id of the device "
+                      "that has the far connector.")
+            .optional("bothWays", &Join::bothWays, BooleanCodec(),
+                      "false: the far connector does not report the near one.")};
+    return kinds;
+}
+
+template<>
+const std::vector<Kind<DeviceInstance>>& kindsOf<DeviceInstance>()
+{
+    static const std::vector<Kind<DeviceInstance>> kinds = {
+        Kind<DeviceInstance>("deviceInstance")
+            .required("id", &DeviceInstance::id, StringCodec{"id"})
+            .required("parent", &DeviceInstance::parent, NullableStringCodec(), "null: asking for the parent fails.")};
+    return kinds;
+}
+
+template<>
+const std::vector<Kind<WaveDevice>>& kindsOf<WaveDevice>()
+{
+    static const std::vector<Kind<WaveDevice>> kinds = {
+        Kind<WaveDevice>("waveDevice")
+            .required("endpoint", &WaveDevice::endpointId, StringCodec(),
+                      "The endpoint id that the wave driver returns.")
+            .optional("sizeResult", &WaveDevice::sizeResult, NumberCodec(),
+                      "MMRESULT of the question for the id's size.")
+            .optional("idResult", &WaveDevice::idResult, NumberCodec(), "MMRESULT of the question for the id.")};
+    return kinds;
+}
+}

@@ -1,0 +1,195 @@
+#include "simulator/machine/file/propertycodecs.h"
+
+#include "simulator/machine/deviceformat.h"
+#include "simulator/machine/file/codecs.h"
+#include "simulator/machine/nearestname.h"
+#include "simulator/machine/propertykeys.h"
+#include "simulator/machine/valuetext.h"
+
+#include <algorithm>
+
+namespace sim
+{
+namespace
+{
+using Bytes = std::vector<std::uint8_t>;
+
+JsonValue patternSchema(const std::string& pattern)
+{
+    return JsonValue::object().add("type", JsonValue::ofString("string")).add("pattern", JsonValue::ofString(pattern));
+}
+
+/// Bytes as pairs of hexadecimal digits.
+struct BytesCodec
+{
+    Bytes read(const JsonCursor& cursor) const { return cursor.bytes(); }
+
+    JsonValue write(const Bytes& value) const
+    {
+        constexpr const char* digits = "0123456789ABCDEF";
+        std::string result;
+        for (const std::uint8_t byte : value)
+        {
+            result += digits[byte >> 4];
+            result += digits[byte & 0xF];
+        }
+        return JsonValue::ofString(result);
+    }
+
+    JsonValue schema() const { return patternSchema("^([0-9A-Fa-f]{2})*$"); }
+};
+
+/// The bytes of a device format, written as DeviceFormat::text().
+struct FormatCodec
+{
+    Bytes read(const JsonCursor& cursor) const
+    {
+        const std::optional<DeviceFormat> format =
+            cursor.isString() ? DeviceFormat::fromText(cursor.string()) : std::optional<DeviceFormat>();
+        if (!format)
+            cursor.fail("a format \"bits/rate/channels\" such as \"24/48000/2\"");
+        return format->bytes();
+    }
+
+    JsonValue write(const Bytes& value) const
+    {
+        const std::optional<DeviceFormat> format = DeviceFormat::fromBytes(value);
+        return format ? JsonValue::ofString(format->text()) : JsonValue();
+    }
+
+    JsonValue schema() const { return patternSchema("^(8|16|24|32)/[1-9][0-9]{0,5}/[1-8]$"); }
+};
+
+enum Form : std::size_t
+{
+    textForm,
+    numberForm,
+    blobForm,
+    formatForm,
+};
+
+const Kind<PropertyValue>& kindOf(Form form)
+{
+    return kindsOf<PropertyValue>()[form];
+}
+
+PropertyValue readAs(const JsonCursor& cursor, Form form, VARTYPE tag)
+{
+    PropertyValue start;
+    start.tag = tag;
+    return kindOf(form).read(cursor, std::move(start));
+}
+
+/// What to say about a name that no property has, to a reader who expects one.
+std::string unknownProperty(const std::string& text)
+{
+    std::vector<std::string> names;
+    for (const NamedKey& named : namedKeys)
+        names.emplace_back(named.name);
+    const bool isKey = !text.empty() && text.front() == '{';
+    return inQuotes(text) + (isKey ? "" : suggestion(text, names, "property names"));
+}
+
+PROPERTYKEY readKey(const JsonCursor& cursor, const std::string& text)
+{
+    const std::optional<PROPERTYKEY> key = keyFromText(text);
+    if (!key)
+        cursor.fail("a property's name, or a key like {01234567-89AB-CDEF-0123-456789ABCDEF}/2", unknownProperty(text));
+    return *key;
+}
+}
+
+template<>
+const std::vector<Kind<PropertyValue>>& kindsOf<PropertyValue>()
+{
+    static const std::vector<Kind<PropertyValue>> kinds = {
+        Kind<PropertyValue>("textValue", "A string; null: the tag of a string with a null pointer.")
+            .required("text", &PropertyValue::text, NullableStringCodec()),
+        Kind<PropertyValue>("numberValue", "A number under another tag than VT_UI4.")
+            .required("number", &PropertyValue::number, NumberCodec())
+            .required("tag", &PropertyValue::tag, nameCodec(numberTagNames, "numberTag")),
+        Kind<PropertyValue>("blobValue", "Bytes, as pairs of hexadecimal digits.")
+            .required("blob", &PropertyValue::bytes, BytesCodec()),
+        Kind<PropertyValue>("formatValue", "The 40 bytes of a device format, written bits/rate/channels.")
+            .required("format", &PropertyValue::bytes, FormatCodec()),
+    };
+    return kinds;
+}
+
+PROPERTYKEY PropertyKeyCodec::read(const JsonCursor& cursor) const
+{
+    return readKey(cursor, cursor.string());
+}
+
+JsonValue PropertyKeyCodec::write(const PROPERTYKEY& key) const
+{
+    return JsonValue::ofString(keyText(key));
+}
+
+JsonValue PropertyKeyCodec::schema() const
+{
+    return reference("propertyName");
+}
+
+PropertyValue PropertyValueCodec::read(const JsonCursor& cursor) const
+{
+    if (cursor.isString())
+        return PropertyValue::ofText(cursor.string());
+    if (cursor.isNumber())
+        return PropertyValue::ofNumber(cursor.number());
+    if (cursor.isNull())
+        return {};
+    if (!cursor.isObject())
+        cursor.fail("a text, a number, null or an object");
+    if (cursor.find("text"))
+        return readAs(cursor, textForm, VT_LPWSTR);
+    if (cursor.find("blob"))
+        return readAs(cursor, blobForm, VT_BLOB);
+    if (cursor.find("format"))
+        return readAs(cursor, formatForm, VT_BLOB);
+    return readAs(cursor, numberForm, VT_EMPTY);
+}
+
+JsonValue PropertyValueCodec::write(const PropertyValue& value) const
+{
+    switch (value.tag)
+    {
+    case VT_EMPTY:
+        return {};
+    case VT_LPWSTR:
+        return value.text ? JsonValue::ofString(*value.text) : kindOf(textForm).write(value);
+    case VT_UI4:
+        return NumberCodec().write(value.number);
+    case VT_BLOB:
+        return kindOf(DeviceFormat::fromBytes(value.bytes) ? formatForm : blobForm).write(value);
+    default:
+        return kindOf(numberForm).write(value);
+    }
+}
+
+JsonValue PropertyValueCodec::schema() const
+{
+    return reference("propertyValue");
+}
+
+Properties PropertiesCodec::read(const JsonCursor& cursor) const
+{
+    Properties result;
+    for (const auto& [name, value] : cursor.members())
+        result.push_back({readKey(value, name), PropertyValueCodec().read(value)});
+    return result;
+}
+
+JsonValue PropertiesCodec::write(const Properties& properties) const
+{
+    JsonValue result = JsonValue::object();
+    for (const Property& property : properties)
+        result.add(keyText(property.key), PropertyValueCodec().write(property.value));
+    return result;
+}
+
+JsonValue PropertiesCodec::schema() const
+{
+    return reference("properties");
+}
+}

@@ -1,0 +1,114 @@
+#include "simulator/machine/file/kinds.h"
+
+#include "simulator/machine/file/json.h"
+#include "simulator/machine/file/machinefile.h"
+#include "simulator/machine/file/schema.h"
+#include "tests/simulator/machine/file/machinesample.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <set>
+
+namespace
+{
+using sim::JsonValue;
+
+/// Calls @p visit with each object in @p value, the outermost first.
+void forEachObject(JsonValue& value, const std::function<void(JsonValue&)>& visit)
+{
+    if (value.kind == JsonValue::Kind::object)
+        visit(value);
+    for (JsonValue& element : value.elements)
+        forEachObject(element, visit);
+}
+
+/// Whether an object with the keys of @p object may be of the kind @p rule.
+bool mayBe(const JsonValue& object, const sim::ObjectRule& rule)
+{
+    const auto isKnown = [&](const std::string& key)
+    {
+        const auto is = [&](const sim::KeyRule& candidate) { return candidate.name == key; };
+        return std::any_of(rule.keys.begin(), rule.keys.end(), is);
+    };
+    const auto isThere = [&](const sim::KeyRule& key) { return !key.isRequired || object.member(key.name) != nullptr; };
+    return std::all_of(object.keys.begin(), object.keys.end(), isKnown) &&
+           std::all_of(rule.keys.begin(), rule.keys.end(), isThere);
+}
+
+class MachineKinds : public testing::Test
+{
+protected:
+    const sim::Machine machine = sample::machine();
+    const JsonValue json = sim::parseJson(sim::writeMachine(machine), "sample.json");
+};
+
+TEST_F(MachineKinds, AllStandInTheSampleWithAllTheirKeys)
+{
+    JsonValue copy = json;
+    for (const sim::ObjectRule& rule : sim::objectRules())
+    {
+        std::set<std::string> found;
+        forEachObject(copy,
+                      [&](JsonValue& object)
+                      {
+                          if (mayBe(object, rule))
+                              found.insert(object.keys.begin(), object.keys.end());
+                      });
+
+        EXPECT_EQ(rule.keys.size(), found.size()) << rule.name;
+    }
+}
+
+TEST_F(MachineKinds, HaveNoKeyThatTheReaderIgnores)
+{
+    // Leaves each member of each object out, one at a time. The sample has no usual value anywhere.
+    JsonValue copy = json;
+    std::size_t count = 0;
+    forEachObject(copy,
+                  [&](JsonValue& object)
+                  {
+                      for (std::size_t index = 0; index < object.keys.size(); ++index)
+                      {
+                          const std::string key = object.keys[index];
+                          if (key == "$schema")
+                              continue;
+                          const JsonValue whole = object;
+                          object.keys.erase(object.keys.begin() + static_cast<std::ptrdiff_t>(index));
+                          object.elements.erase(object.elements.begin() + static_cast<std::ptrdiff_t>(index));
+                          try
+                          {
+                              EXPECT_NE(machine, sim::readMachine(sim::printJson(copy), "less.json")) << key;
+                          }
+                          catch (const sim::MachineFileError& error)
+                          {
+                              EXPECT_FALSE(error.expected().empty()) << key;
+                          }
+                          object = whole;
+                          ++count;
+                      }
+                  });
+
+    EXPECT_GT(count, 150u);
+}
+
+TEST_F(MachineKinds, StateTheUsualValueOfAnOptionalKeyInTheSchema)
+{
+    const auto defaultOf = [](const sim::ObjectRule& rule, const std::string& key)
+    {
+        for (const sim::KeyRule& candidate : rule.keys)
+        {
+            if (candidate.name == key && candidate.schema.member("default") != nullptr)
+                return sim::printJson(*candidate.schema.member("default"));
+        }
+        return std::string("none");
+    };
+
+    EXPECT_EQ("true\n", defaultOf(sim::kindOf<sim::Endpoint>().rule(), "installed"));
+    EXPECT_EQ("\"active\"\n", defaultOf(sim::kindOf<sim::Endpoint>().rule(), "state"));
+    EXPECT_EQ("\"*\"\n", defaultOf(sim::kindOf<sim::FaultRule>().rule(), "object"));
+    EXPECT_EQ("none", defaultOf(sim::kindOf<sim::Connector>().rule(), "localId"));
+    EXPECT_EQ("none", defaultOf(sim::kindOf<sim::Endpoint>().rule(), "flow"));
+}
+}
