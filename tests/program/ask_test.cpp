@@ -40,9 +40,11 @@ TEST_F(ProgramAsk, AnswersInJsonInAnyCase)
 {
     const json answer = json::parse(call({"ask", "outputs\\1", "--json"}).out);
 
-    EXPECT_EQ(json::parse(R"({"schemaVersion": 1, "instanceId": "outputs\\1", "analogOut": true, "digitalOut": false,
+    EXPECT_EQ(
+        json::parse(
+            R"({"schemaVersion": 1, "machine": null, "instanceId": "outputs\\1", "analogOut": true, "digitalOut": false,
                               "lineIn": false, "microphoneIn": true, "known": true})"),
-              answer);
+        answer);
 }
 
 TEST_F(ProgramAsk, AnswersNoForACardThatThereIsNot)
@@ -57,9 +59,11 @@ TEST_F(ProgramAsk, AnswersNoForACardThatThereIsNot)
               "microphone input  no\n"
               "No card has this instance id.\n",
               text.out);
-    EXPECT_EQ(json::parse(R"({"schemaVersion": 1, "instanceId": "NOTHING", "analogOut": false, "digitalOut": false,
+    EXPECT_EQ(
+        json::parse(
+            R"({"schemaVersion": 1, "machine": null, "instanceId": "NOTHING", "analogOut": false, "digitalOut": false,
                               "lineIn": false, "microphoneIn": false, "known": false})"),
-              answer);
+        answer);
 }
 
 TEST_F(ProgramAsk, LeavesComOnTheThreadAsItWas)

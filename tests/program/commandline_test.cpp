@@ -71,8 +71,11 @@ TEST(ProgramCommandLine, ReadsTheChangeOfAMute)
     EXPECT_EQ(MuteChange::on, read({"mute", "Speakers", "on"}).mute);
     EXPECT_EQ(MuteChange::off, read({"mute", "Speakers", "OFF"}).mute);
     EXPECT_EQ(MuteChange::toggle, read({"mute", "Speakers", "toggle"}).mute);
-    EXPECT_EQ("\"maybe\" is no change of a mute: expected one of on, off and toggle",
-              complaint({"mute", "Speakers", "maybe"}));
+    EXPECT_EQ(MuteChange::on, read({"mute", "Speakers", "yes"}).mute);
+    EXPECT_EQ(MuteChange::on, read({"mute", "Speakers", "1"}).mute);
+    EXPECT_EQ(MuteChange::off, read({"mute", "Speakers", "No"}).mute);
+    EXPECT_EQ(MuteChange::off, read({"mute", "Speakers", "0"}).mute);
+    EXPECT_EQ("\"maybe\" is not a mute state: on, off or toggle", complaint({"mute", "Speakers", "maybe"}));
 }
 
 TEST(ProgramCommandLine, ReadsTheLevelOfTheLog)
@@ -81,8 +84,7 @@ TEST(ProgramCommandLine, ReadsTheLevelOfTheLog)
     EXPECT_FALSE(read({"--log", "off"}).log.has_value());
     EXPECT_EQ(qor::LoggerPriority::LOG_DEBUG, read({"--log", "debug"}).log);
     EXPECT_EQ(qor::LoggerPriority::LOG_FATAL, read({"--log", "fatal"}).log);
-    EXPECT_EQ("\"loud\" is no level of the log: expected one of debug, info, warning, error, fatal and off",
-              complaint({"--log", "loud"}));
+    EXPECT_EQ("\"loud\" is not a log level: debug, info, warning, error, fatal or off", complaint({"--log", "loud"}));
 }
 
 TEST(ProgramCommandLine, ReadsDurationsInSeconds)
@@ -90,11 +92,13 @@ TEST(ProgramCommandLine, ReadsDurationsInSeconds)
     EXPECT_FALSE(read({"monitor"}).duration.has_value());
     EXPECT_EQ(std::chrono::milliseconds(1500), read({"monitor", "--for", "1.5"}).duration);
     EXPECT_EQ(std::chrono::milliseconds(0), read({"monitor", "--for", "0"}).duration);
-    EXPECT_EQ("--for takes a number of seconds from 0 to 1000000", complaint({"monitor", "--for", "-1"}));
-    EXPECT_EQ("--for takes a number of seconds from 0 to 1000000", complaint({"monitor", "--for", "nan"}));
-    EXPECT_EQ("--hold takes a number of seconds from 0 to 1000000",
+    EXPECT_EQ(std::chrono::milliseconds(500), read({"monitor", "--for", ".5"}).duration);
+    EXPECT_EQ(std::chrono::milliseconds(1000000000), read({"monitor", "--for", "1000000"}).duration);
+    EXPECT_EQ("--hold takes a number of seconds from 0 to 1000000, not \"1e30\"",
               complaint({"format", "Speakers", "--set", "16/48000/2", "--hold", "1e30"}));
-    EXPECT_THAT(complaint({"monitor", "--for", "soon"}), HasSubstr("soon"));
+    for (const char* const word : {"-1", "nan", "soon", "", ".", "1.2.3", "1 ", "1000001"})
+        EXPECT_EQ("--for takes a number of seconds from 0 to 1000000, not \"" + std::string(word) + "\"",
+                  complaint({"monitor", "--for", word}));
 }
 
 TEST(ProgramCommandLine, ReadsAFormatAndHowLongToHoldIt)
@@ -104,8 +108,9 @@ TEST(ProgramCommandLine, ReadsAFormatAndHowLongToHoldIt)
     ASSERT_TRUE(arguments.format.has_value());
     EXPECT_EQ(96000u, arguments.format->rate);
     EXPECT_EQ(std::chrono::milliseconds(2000), arguments.hold);
+    EXPECT_EQ(std::chrono::milliseconds(5000), read({"format", "Speakers", "--set", "24/96000/2"}).hold);
     EXPECT_FALSE(read({"format", "Speakers"}).format.has_value());
-    EXPECT_EQ("--hold goes with --set", complaint({"format", "Speakers", "--hold", "2"}));
+    EXPECT_EQ("--hold needs --set", complaint({"format", "Speakers", "--hold", "2"}));
 }
 
 TEST(ProgramCommandLine, ReadsTheWordsOfAGraph)
@@ -120,15 +125,74 @@ TEST(ProgramCommandLine, ReadsTheWordsOfAGraph)
 
 TEST(ProgramCommandLine, SaysInOneLineWhatIsWrong)
 {
-    EXPECT_EQ("there is no command \"frobnicate\"; sonavit --help shows what there is", complaint({"frobnicate"}));
-    EXPECT_EQ("there is no option --frob; sonavit --help shows what there is", complaint({"list", "--frob"}));
-    EXPECT_EQ("there is no option -x; sonavit --help shows what there is", complaint({"-x"}));
-    EXPECT_EQ("there is nothing to be done with \"more\"; sonavit show --help shows what can be said",
-              complaint({"show", "Speakers", "more"}));
-    EXPECT_EQ("show: ENDPOINT is required", complaint({"show"}));
-    EXPECT_EQ("set-volume: VOLUME is required", complaint({"set-volume", "Speakers"}));
-    EXPECT_THAT(complaint({"--machine"}), HasSubstr("--machine"));
-    EXPECT_THAT(complaint({"list", "show"}), testing::Not(""));
+    EXPECT_EQ("unknown command \"frobnicate\"; see sonavit --help", complaint({"frobnicate"}));
+    EXPECT_EQ("unknown option \"--frob\"; see sonavit list --help", complaint({"list", "--frob"}));
+    EXPECT_EQ("unknown option \"-x\"; see sonavit --help", complaint({"-x"}));
+    EXPECT_EQ("unexpected argument \"more\"; see sonavit show --help", complaint({"show", "Speakers", "more"}));
+    EXPECT_EQ("unexpected argument \"show\"; see sonavit list --help", complaint({"list", "show"}));
+    EXPECT_EQ("unexpected argument \"-5\"; see sonavit list --help", complaint({"list", "-5"}));
+}
+
+TEST(ProgramCommandLine, SaysWhatIsMissing)
+{
+    EXPECT_EQ("ENDPOINT is missing; usage: sonavit show ENDPOINT", complaint({"show"}));
+    EXPECT_EQ("ENDPOINT is missing; usage: sonavit set-volume ENDPOINT VOLUME", complaint({"set-volume"}));
+    EXPECT_EQ("VOLUME is missing; usage: sonavit set-volume ENDPOINT VOLUME", complaint({"set-volume", "Speakers"}));
+    EXPECT_EQ("CHANGE is missing; usage: sonavit mute ENDPOINT CHANGE", complaint({"mute", "Speakers"}));
+    EXPECT_EQ("INSTANCE-ID is missing; usage: sonavit ask INSTANCE-ID", complaint({"ask"}));
+    EXPECT_EQ("--machine needs a value: --machine NAME|FILE", complaint({"--machine"}));
+    EXPECT_EQ("--for needs a value: --for SECONDS", complaint({"monitor", "--for"}));
+    EXPECT_EQ("-o needs a value: -o FILE", complaint({"graph", "-o"}));
+}
+
+TEST(ProgramCommandLine, RefusesEmptyNames)
+{
+    EXPECT_EQ("the name of the endpoint is empty", complaint({"show", ""}));
+    EXPECT_EQ("the name of the card is empty", complaint({"selectors", ""}));
+    EXPECT_EQ("the name of the file is empty", complaint({"graph", "-o", ""}));
+    EXPECT_EQ("the instance id is empty", complaint({"ask", ""}));
+}
+
+TEST(ProgramCommandLine, RefusesAValueOfAFlag)
+{
+    EXPECT_EQ("--json takes no value", complaint({"list", "--json=no"}));
+    EXPECT_EQ("--json takes no value", complaint({"--json=maybe"}));
+}
+
+TEST(ProgramCommandLine, TakesTheLastOfAnOptionThatIsGivenTwice)
+{
+    const Arguments arguments = read({"--machine", "studio", "--json", "--json", "list", "--machine", "laptop"});
+
+    EXPECT_EQ("laptop", arguments.machine);
+    EXPECT_TRUE(arguments.isJson);
+}
+
+TEST(ProgramCommandLine, EscapesAndCutsWhatItRepeats)
+{
+    EXPECT_EQ("unknown command \"a\\xFF\\nb\"; see sonavit --help", complaint({"a\xFF\nb"}));
+    EXPECT_EQ("unknown option \"--\\x1B[2J\"; see sonavit --help", complaint({"--\x1B[2J"}));
+    EXPECT_EQ("unexpected argument \"" + std::string(99, 'x') + "\xE2\x80\xA6\"; see sonavit list --help",
+              complaint({"list", std::string(5000, 'x')}));
+}
+
+TEST(ProgramCommandLine, ReadsAVolumeThatBeginsLikeAnOption)
+{
+    EXPECT_EQ(-0.5f, read({"set-volume", "Speakers", "-.5dB"}).level.amount);
+    EXPECT_EQ(-0.5f, read({"--json", "set-volume", "Speakers", "--", "-.5dB"}).level.amount);
+    EXPECT_EQ(-5.0f, read({"--machine", "studio", "set-volume", "Speakers", "-5%"}).level.amount);
+    EXPECT_EQ("\"-,5dB\" is not a volume: write 50%, -12.5dB, 5%+ or 5%-",
+              complaint({"set-volume", "Speakers", "-,5dB"}));
+    EXPECT_EQ("\"-dB\" is not a volume: write 50%, -12.5dB, 5%+ or 5%-", complaint({"set-volume", "Speakers", "-dB"}));
+    EXPECT_EQ("-5", read({"show", "-5"}).endpoint);
+}
+
+TEST(ProgramCommandLine, UnderstandsHelpAsACommand)
+{
+    EXPECT_EQ(readCommandLine({"--help"}).answer, readCommandLine({"help"}).answer);
+    EXPECT_EQ(readCommandLine({"--help"}).answer, readCommandLine({"--json", "help"}).answer);
+    EXPECT_EQ(readCommandLine({"mute", "--help"}).answer, readCommandLine({"help", "mute"}).answer);
+    EXPECT_EQ("unknown command \"frobnicate\"; see sonavit --help", complaint({"help", "frobnicate"}));
+    EXPECT_EQ("help", read({"show", "help"}).endpoint);
 }
 
 TEST(ProgramCommandLine, AnswersHelpAndVersion)
@@ -140,7 +204,7 @@ TEST(ProgramCommandLine, AnswersHelpAndVersion)
                                    "mute", "monitor", "format", "--machine", "--json", "--log"})
         EXPECT_THAT(help, HasSubstr(std::string("  ") + verb));
     EXPECT_THAT(helpOfVerb, HasSubstr("Usage: sonavit set-volume [OPTIONS] ENDPOINT VOLUME"));
-    EXPECT_THAT(helpOfVerb, HasSubstr("On a simulated machine the change lasts as long as the program runs."));
+    EXPECT_THAT(helpOfVerb, HasSubstr("On a simulated machine the change lasts until sonavit ends."));
     EXPECT_EQ("sonavit " SONAVIT_VERSION "\n", readCommandLine({"--version"}).answer);
 }
 

@@ -107,9 +107,48 @@ TEST_F(ProgramControls, FailWhereTheWayLeadsOutOfTheGraph)
     const support::Answer answer = call({"controls", "Speakers", "--json"});
 
     const std::string sentence =
-        "the way from Speakers (Analog Audio) leads out of what the card's graph knows, so its "
-        "controls cannot be told";
+        "the hardware controls of Speakers (Analog Audio) cannot be read: the path leads to a part that the card's "
+        "graph does not contain";
     EXPECT_EQ(1, answer.code);
     EXPECT_EQ("sonavit: " + sentence + "\n", answer.err);
     EXPECT_EQ(sentence, json::parse(answer.out)["error"]);
+}
+
+TEST_F(ProgramControls, FailWhereTheSystemSucceedsWithoutAList)
+{
+    sim::Simulation& simulation = run(support::smallMachine());
+    sim::PlannedFault fault = simulation.faults().succeedWithNull("IPart::EnumPartsIncoming");
+
+    const support::Answer answer = call({"controls", "Speakers"});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_EQ("sonavit: the hardware controls of Speakers (Analog Audio) cannot be read: the system reported success "
+              "without a result\n",
+              answer.err);
+    kept.partsLists = 0;
+    EXPECT_LT(0u, fault.fired());
+}
+
+TEST_F(ProgramControls, ShowEachStateInANarrowTerminalAndSayWhatIsMissing)
+{
+    run(support::smallMachine());
+    width = 40;
+
+    EXPECT_THAT(call({"controls", "Speakers"}).lines(),
+                ElementsAre("Speakers (Analog Audio), 1 hardware control", "CONTROL   CH LEVEL  DECIBELS MUTE",
+                            "endpoint all   72% -18.00 dB off", "Speakers   1   91%  -6.00 dB off",
+                            "           2   91%  -6.00 dB", "Left out at 40 columns: jack, range and", "step"));
+}
+
+TEST_F(ProgramControls, FitIntoEachTerminal)
+{
+    run(support::smallMachine());
+
+    for (unsigned columns = 30; columns <= 80; ++columns)
+    {
+        width = columns;
+        const std::vector<std::string> lines = call({"controls", "Speakers"}).lines();
+        for (std::size_t i = 1; i < lines.size(); ++i)
+            EXPECT_LE(lines[i].size(), columns) << lines[i];
+    }
 }

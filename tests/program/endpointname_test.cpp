@@ -78,7 +78,7 @@ TEST_F(ProgramEndpointName, FindsAPieceThatNoOtherHas)
 TEST_F(ProgramEndpointName, NamesTheCandidatesForWhatIsAmbiguous)
 {
     EXPECT_EQ(
-        "\"Analog\" names 2 endpoints: Speakers (Analog Audio) {0.0.0.00000000}.{aaaaaaaa-0000} and Rear Speakers "
+        "\"Analog\" matches 2 endpoints: Speakers (Analog Audio) {0.0.0.00000000}.{aaaaaaaa-0000} and Rear Speakers "
         "(Analog Audio) {0.0.0.00000000}.{bbbbbbbb-0000}",
         complaint("Analog"));
 }
@@ -90,7 +90,7 @@ TEST_F(ProgramEndpointName, NamesNoMoreThanSixCandidates)
 
     const std::string text = complaint("Output");
 
-    EXPECT_THAT(text, StartsWith("\"Output\" names 8 endpoints: Output (Card) {x0}, "));
+    EXPECT_THAT(text, StartsWith("\"Output\" matches 8 endpoints: Output (Card) {x0}, "));
     EXPECT_THAT(text, HasSubstr("{x5} and 2 more"));
     EXPECT_EQ(std::string::npos, text.find("{x6}"));
 }
@@ -101,6 +101,34 @@ TEST_F(ProgramEndpointName, RefusesWhatNamesNothing)
     EXPECT_EQ("the name of the endpoint is empty", complaint(""));
     EXPECT_EQ("there is no default output", complaint("@DEFAULT_OUTPUT@"));
     EXPECT_EQ("there is no default input", complaint("@default_input@"));
+}
+
+TEST_F(ProgramEndpointName, SaysThatAnUnreadableEndpointMayBeTheOne)
+{
+    endpoints.back().failure = E_ACCESSDENIED;
+
+    try
+    {
+        endpointIndex(endpoints, "Trum\npet");
+        ADD_FAILURE() << "there is no such endpoint";
+    }
+    catch (const OperationFailure& failure)
+    {
+        EXPECT_STREQ("the endpoint \"Trum\\npet\" cannot be found, as the system fails to report the name of 1 "
+                     "endpoint: 0x80070005, access denied",
+                     failure.what());
+    }
+    EXPECT_EQ(0u, endpointIndex(endpoints, "speakers"));
+}
+
+TEST_F(ProgramEndpointName, CutsLongNamesOfCandidates)
+{
+    add("{one}", std::string(200, 'x'), "");
+    add("{two}", std::string(200, 'x'), "");
+
+    EXPECT_EQ("\"" + std::string(4, 'x') + "\" matches 2 endpoints: " + std::string(59, 'x') +
+                  "\xE2\x80\xA6 {one} and " + std::string(59, 'x') + "\xE2\x80\xA6 {two}",
+              complaint("xxxx"));
 }
 
 namespace
@@ -140,4 +168,26 @@ TEST_F(ProgramDefaultName, IsNothingOnAMachineWithoutDefaults)
 
     EXPECT_EQ(2, answer.code);
     EXPECT_EQ("sonavit: there is no default output\n", answer.err);
+}
+
+TEST_F(ProgramDefaultName, IsAFailureWhereTheSystemCannotReportIt)
+{
+    sim::Simulation& simulation = run(support::smallMachine());
+    simulation.faults().fail("IMMDeviceEnumerator::GetDefaultAudioEndpoint", E_ACCESSDENIED);
+
+    const support::Answer answer = call({"get-volume", "@DEFAULT_OUTPUT@"});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_EQ("sonavit: the system cannot report the default output: 0x80070005, access denied\n", answer.err);
+}
+
+TEST_F(ProgramDefaultName, IsAFailureWhereTheSystemReportsNothing)
+{
+    sim::Simulation& simulation = run(support::smallMachine());
+    simulation.faults().succeedWithNull("IMMDeviceEnumerator::GetDefaultAudioEndpoint");
+
+    const support::Answer answer = call({"get-volume", "@DEFAULT_INPUT@"});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_EQ("sonavit: the default input cannot be identified\n", answer.err);
 }

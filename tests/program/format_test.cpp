@@ -103,7 +103,7 @@ TEST_F(ProgramFormat, IsNotSetWhereThereIsNoneToGoBackTo)
     const support::Answer answer = call({"format", "Speakers", "--set", "24/96000/2"});
 
     EXPECT_EQ(1, answer.code);
-    EXPECT_EQ("sonavit: Speakers (Analog Audio) does not tell its format, so there is none to go back to\n",
+    EXPECT_EQ("sonavit: the format of Speakers (Analog Audio) cannot be read, so it could not be restored\n",
               answer.err);
     EXPECT_EQ("none", stored());
     EXPECT_EQ("Speakers (Analog Audio): -\n", call({"format", "Speakers"}).out);

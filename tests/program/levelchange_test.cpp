@@ -59,14 +59,14 @@ TEST(ProgramLevelChange, ReadsSteps)
 TEST(ProgramLevelChange, RefusesWhatIsNoVolume)
 {
     for (const char* const text : {"",
-                                   "50",
                                    "%",
                                    "dB",
                                    "-dB",
                                    "x%",
-                                   "-5%",
-                                   "+5%",
                                    "5%+-",
+                                   "+5%+",
+                                   "-5%-",
+                                   "5+%",
                                    "--5dB",
                                    "5e3dB",
                                    "1.2.3dB",
@@ -81,16 +81,52 @@ TEST(ProgramLevelChange, RefusesWhatIsNoVolume)
                                    "\xE2\x88\x92"
                                    "5dB",
                                    "99999999999999999999%"})
-        EXPECT_EQ("\"" + std::string(text) + "\" is no volume: expected 50%, -12.5dB, 5%+ or 5%-", complaint(text));
+        EXPECT_EQ("\"" + std::string(text) + "\" is not a volume: write 50%, -12.5dB, 5%+ or 5%-", complaint(text));
 }
 
-TEST(ProgramLevelChange, TakesWholePercentsFrom0To100)
+TEST(ProgramLevelChange, TakesPercentagesFrom0To100)
 {
-    EXPECT_EQ("\"150%\" is no volume: percents run from 0 to 100", complaint("150%"));
-    EXPECT_EQ("\"101%+\" is no volume: percents run from 0 to 100", complaint("101%+"));
-    EXPECT_EQ("\"12.5%\" is no volume: percents are whole numbers", complaint("12.5%"));
+    EXPECT_EQ("\"150%\" is not a volume: percentages range from 0 to 100", complaint("150%"));
+    EXPECT_EQ("\"101%+\" is not a volume: percentages range from 0 to 100", complaint("101%+"));
+    EXPECT_EQ("\"100.1%\" is not a volume: percentages range from 0 to 100", complaint("100.1%"));
     EXPECT_EQ("", complaint("0%"));
     EXPECT_EQ("", complaint("100%"));
+    EXPECT_EQ("", complaint("101dB"));
+}
+
+TEST(ProgramLevelChange, ReadsAFractionOfAPercent)
+{
+    EXPECT_EQ(33.3f, readLevelChange("33.3%").amount);
+    EXPECT_EQ(0.5f, readLevelChange(".5%+").amount);
+}
+
+TEST(ProgramLevelChange, TakesANumberWithoutUnitForPercent)
+{
+    const LevelChange level = readLevelChange("50");
+    const LevelChange step = readLevelChange("5-");
+
+    EXPECT_EQ(LevelChange::Unit::percent, level.unit);
+    EXPECT_FALSE(level.isStep);
+    EXPECT_EQ(50.0f, level.amount);
+    EXPECT_TRUE(step.isStep);
+    EXPECT_EQ(-5.0f, step.amount);
+}
+
+TEST(ProgramLevelChange, AsksForTheUnitOfASignedNumber)
+{
+    EXPECT_EQ("\"-5\" is not a volume: add the unit, as in -5dB or -5%", complaint("-5"));
+    EXPECT_EQ("\"+5\" is not a volume: add the unit, as in +5dB or +5%", complaint("+5"));
+}
+
+TEST(ProgramLevelChange, TakesASignedPercentageForAStep)
+{
+    const LevelChange up = readLevelChange("+5%");
+    const LevelChange down = readLevelChange("-5%");
+
+    EXPECT_TRUE(up.isStep);
+    EXPECT_EQ(5.0f, up.amount);
+    EXPECT_TRUE(down.isStep);
+    EXPECT_EQ(-5.0f, down.amount);
 }
 
 TEST(ProgramLevelChange, NeedsToKnowTheLevelForAStepAlone)

@@ -152,15 +152,142 @@ TEST_F(ProgramList, FitsIntoTheTerminal)
     run(support::smallMachine());
     isTerminal = true;
 
-    for (const unsigned columns : {120u, 80u, 60u})
+    for (const unsigned columns : {120u, 80u, 60u, 40u, 34u})
     {
         width = columns;
         for (const std::string& line : call({}).lines())
         {
-            const bool isRow = line.compare(0, 2, "\xE2\x94") == 0; // ids stand whole on lines of their own
-            EXPECT_LE(isRow ? sonavit::displayWidth(line) : 0, columns) << line;
+            const bool isId = line == support::smallInstanceId(); // never cut, on a line of its own
+            EXPECT_LE(isId ? 0 : sonavit::displayWidth(line), columns) << line;
         }
     }
+}
+
+TEST_F(ProgramList, DropsDecorationFirstInANarrowTerminal)
+{
+    run(support::smallMachine());
+    isTerminal = true;
+    width = 74;
+
+    const support::Answer answer = call({});
+
+    EXPECT_THAT(answer.lines(), ElementsAre("Analog Audio", support::smallInstanceId(),
+                                            "├─ * Speakers   Speaker    output active    72% -18.00 dB       " +
+                                                shortId(support::speakerId()).substr(0, 4),
+                                            "├─   Headphones Headphones output unplugged 54% -30.00 dB       " +
+                                                shortId(support::headphonesId()).substr(0, 4),
+                                            "└─ * Microphone Microphone input  active    74%   0.00 dB muted " +
+                                                shortId(support::microphoneId()).substr(0, 4),
+                                            "", "1 card, 3 endpoints, * default"));
+}
+
+TEST_F(ProgramList, KeepsEachStateInAVeryNarrowTerminalAndSaysWhatIsMissing)
+{
+    run(support::smallMachine());
+    isTerminal = true;
+    width = 30;
+
+    const support::Answer answer = call({});
+
+    EXPECT_THAT(answer.lines(),
+                ElementsAre("Analog Audio", support::smallInstanceId(), "* Speak\xE2\x80\xA6 active    72%",
+                            "  Headp\xE2\x80\xA6 unplugged 54%", "* Micro\xE2\x80\xA6 active    74% muted", "",
+                            "1 card, 3 endpoints, * default", "Left out at 30 columns: jack,",
+                            "flow, decibels and id"));
+}
+
+TEST_F(ProgramList, ShortensIdsOnlyToBeginningsThatNoOtherHas)
+{
+    sim::Machine machine = support::smallMachine();
+    machine.endpoints[1].id = support::speakerId().substr(0, 24) + "0" + support::speakerId().substr(25);
+    run(std::move(machine));
+    isTerminal = true;
+    width = 78;
+
+    const std::string out = call({}).out;
+
+    EXPECT_THAT(out, HasSubstr(" " + shortId(support::speakerId()).substr(0, 7) + "\n"));
+    EXPECT_THAT(out, HasSubstr(" " + shortId(support::speakerId()).substr(0, 6) + "0\n"));
+    EXPECT_THAT(out, HasSubstr(" " + shortId(support::microphoneId()).substr(0, 4) + "\n"));
+}
+
+TEST_F(ProgramList, DrawsABarOfTheVolumeInAWideTerminal)
+{
+    sim::Machine machine = support::smallMachine();
+    machine.endpoints[1].volume->channels = {-65.25f, -65.25f};
+    machine.endpoints[2].volume->channels = {12.0f, 12.0f};
+    run(std::move(machine));
+    width = 120;
+
+    const support::Answer onPipe = call({});
+    isTerminal = true;
+    const support::Answer answer = call({});
+
+    const auto bar = [](int full, int hollow)
+    {
+        std::string text = "  ";
+        for (int i = 0; i < full + hollow; ++i)
+            text += i < full ? "\xE2\x96\xAE" : "\xE2\x96\xAF";
+        return text + "  ";
+    };
+    EXPECT_THAT(answer.out, HasSubstr("active   " + bar(7, 3) + " 72%"));
+    EXPECT_THAT(answer.out, HasSubstr("unplugged" + bar(0, 10) + "  0%"));
+    EXPECT_THAT(answer.out, HasSubstr("active   " + bar(10, 0) + "100%"));
+    EXPECT_THAT(onPipe.out, testing::Not(HasSubstr("\xE2\x96\xAE")));
+}
+
+TEST_F(ProgramList, RoundsTheBarToTheNearestCell)
+{
+    sim::Machine machine = support::smallMachine();
+    machine.endpoints[0].volume->minimum = -100.0f;
+    run(std::move(machine));
+    isTerminal = true;
+    const auto fullCells = [&](const std::string& percent)
+    {
+        call({"set-volume", "Speakers", percent});
+        const std::string line = call({}).lines()[2];
+        std::size_t cells = 0;
+        for (std::size_t at = line.find("\xE2\x96\xAE"); at != std::string::npos;
+             at = line.find("\xE2\x96\xAE", at + 1))
+            ++cells;
+        return cells;
+    };
+
+    EXPECT_EQ(0u, fullCells("4%"));
+    EXPECT_EQ(1u, fullCells("5%"));
+    EXPECT_EQ(9u, fullCells("94%"));
+    EXPECT_EQ(10u, fullCells("95%"));
+}
+
+TEST_F(ProgramList, CallsACardByTheFirstOfSeveralNames)
+{
+    sim::MachineBuilder builder;
+    sim::CardBuilder card = builder.card("Real Name");
+    card.speaker("One").property(sim::keys::friendlyName, sim::PropertyValue::ofText("Other Name"));
+    card.microphone("Two");
+    run(builder.build());
+
+    EXPECT_EQ("Other Name", call({}).lines()[0]);
+}
+
+TEST_F(ProgramList, CallsEndpointsWithoutInstancePathByTheNameThatTheyShare)
+{
+    sim::MachineBuilder builder;
+    sim::CardBuilder card = builder.card("Shared Name");
+    card.speaker("One").withoutProperty(sim::keys::instancePath);
+    card.microphone("Two").withoutProperty(sim::keys::instancePath);
+    run(builder.build());
+
+    EXPECT_EQ("Shared Name", call({}).lines()[0]);
+}
+
+TEST_F(ProgramList, CallsACardWithoutNameUnnamed)
+{
+    sim::MachineBuilder builder;
+    builder.card("Card").speaker("One").withoutProperty(sim::keys::friendlyName);
+    run(builder.build());
+
+    EXPECT_EQ("Unnamed card", call({}).lines()[0]);
 }
 
 TEST_F(ProgramList, PaintsOnlyWhereThereAreColours)
@@ -190,13 +317,73 @@ TEST_F(ProgramList, SaysThatThereIsNoCard)
 TEST_F(ProgramList, FailsWhereCoreAudioCannotBeReached)
 {
     sim::Simulation& simulation = run(support::smallMachine());
-    simulation.faults().fail("CoCreateInstance");
+    simulation.faults().fail("CoCreateInstance", static_cast<HRESULT>(0x80040154));
 
     const support::Answer answer = call({"list", "--json"});
 
+    const std::string sentence = "the system's audio cannot be reached: 0x80040154, class not registered";
     EXPECT_EQ(1, answer.code);
-    EXPECT_EQ("sonavit: Core Audio cannot be reached\n", answer.err);
-    EXPECT_EQ(json::parse(R"({"schemaVersion": 1, "error": "Core Audio cannot be reached"})"), json::parse(answer.out));
+    EXPECT_EQ("sonavit: " + sentence + "\n", answer.err);
+    EXPECT_EQ(json({{"schemaVersion", 1}, {"error", sentence}}), json::parse(answer.out));
+}
+
+TEST_F(ProgramList, FailsWhereTheSystemCannotListItsEndpoints)
+{
+    sim::Simulation& simulation = run(support::smallMachine());
+    sim::PlannedFault fault =
+        simulation.faults().fail("IMMDeviceEnumerator::EnumAudioEndpoints", static_cast<HRESULT>(0x800706BA));
+
+    for (const std::vector<std::string>& words : {std::vector<std::string>{"list"}, {"show", "Speakers"}, {"graph"}})
+    {
+        const support::Answer answer = call(words);
+
+        EXPECT_EQ(1, answer.code);
+        EXPECT_EQ("", answer.out);
+        EXPECT_EQ("sonavit: the system cannot list its outputs: 0x800706BA, the audio service is not available\n",
+                  answer.err);
+    }
+    EXPECT_LT(0u, fault.fired());
+}
+
+TEST_F(ProgramList, FailsWhereTheSystemListsNothingOrCannotCount)
+{
+    sim::Simulation& simulation = run(support::smallMachine());
+
+    simulation.faults().succeedWithNull("IMMDeviceEnumerator::EnumAudioEndpoints");
+    const support::Answer noList = call({"list"});
+    simulation.faults().clear();
+    simulation.faults().fail("IMMDeviceCollection::GetCount", E_FAIL);
+    const support::Answer noCount = call({"list"});
+
+    EXPECT_EQ("sonavit: the system cannot list its outputs: 0x80004003, success without a result\n", noList.err);
+    EXPECT_EQ("sonavit: the system cannot list its outputs: 0x80004005, unspecified error\n", noCount.err);
+}
+
+TEST_F(ProgramList, FailsWhereTheSystemFailedOnce)
+{
+    sim::Simulation& simulation = run(support::smallMachine());
+    simulation.faults().fail("IMMDeviceEnumerator::EnumAudioEndpoints", E_FAIL).at(1);
+
+    const support::Answer answer = call({"list"});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_EQ("sonavit: the system cannot list its outputs: 0x8000FFFF, unexpected failure\n", answer.err);
+}
+
+TEST_F(ProgramList, FailsWhereTheCardsOfEndpointsCannotBeListed)
+{
+    for (const std::uint32_t call : {2u, 3u})
+    {
+        sim::Simulation simulation(support::smallMachine());
+        sim::PlannedFault fault = simulation.faults().fail("CoCreateInstance", E_FAIL).at(call);
+
+        const support::Answer answer = this->call({"list"});
+
+        EXPECT_EQ(1u, fault.fired()) << call;
+        EXPECT_THAT(answer.out, testing::Not(HasSubstr("There is no sound card"))) << call;
+        EXPECT_EQ(1, answer.code) << call << answer.out;
+        EXPECT_EQ("sonavit: the system cannot list its sound cards\n", answer.err) << call;
+    }
 }
 
 TEST_F(ProgramList, ShowsNamesThatWouldSteerATerminalAsHarmlessText)

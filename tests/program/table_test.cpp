@@ -40,6 +40,48 @@ TEST(ProgramTable, ShortensBeforeItLeavesOutMore)
     EXPECT_THAT(sample().lines(8, false), ElementsAre("Spe\xE2\x80\xA6", "Mic"));
 }
 
+TEST(ProgramTable, NarrowsGapsAndShortensIdsBeforeItLeavesOutDecoration)
+{
+    Table table({{Align::left, 0, Table::decoration, 0, 0, ""}, {}, {}});
+    table.add({{"+-", Paint::none}, {"name", Paint::none}, {"abcdef", Paint::none, "abc"}});
+    table.add({{"+-", Paint::none}, {"n", Paint::none}, {"whole", Paint::none}});
+
+    EXPECT_THAT(table.lines(16, false), ElementsAre("+-  name  abcdef", "+-  n     whole"));
+    EXPECT_THAT(table.lines(15, false), ElementsAre("+-  name  abc", "+-  n     whole"));
+    EXPECT_THAT(table.lines(14, false), ElementsAre("+- name abc", "+- n    whole"));
+    EXPECT_THAT(table.lines(12, false), ElementsAre("name abc", "n    whole"));
+    EXPECT_THAT(table.lines(1, false), ElementsAre("name abc", "n    whole")) << "rank 0 is never left out";
+}
+
+TEST(ProgramTable, GivesAShortenedColumnTheRoomOfOneThatIsLeftOut)
+{
+    Table table({{Align::left, 0, 0, 4, 2, ""}, {Align::left, 1, 1, 0, 0, "level"}});
+    table.add({{"Speakers", Paint::none}, {"100%", Paint::none}});
+
+    EXPECT_THAT(table.lines(9, false), ElementsAre("Spe\xE2\x80\xA6 100%"));
+    EXPECT_THAT(table.lines(8, false), ElementsAre("Speakers"));
+    EXPECT_THAT(table.lines(3, false), ElementsAre("Sp\xE2\x80\xA6"));
+    EXPECT_THAT(table.lines(1, false), ElementsAre("S\xE2\x80\xA6")) << "its least width";
+}
+
+TEST(ProgramTable, NamesTheColumnsThatItLeavesOut)
+{
+    Table table(
+        {{}, {Align::left, 2, 1, 0, 0, "jack"}, {Align::left, 2, 2, 0, 0, "flow"}, {Align::left, 2, 3, 0, 0, ""}});
+    table.add({{"name", Paint::none}, {"Line", Paint::none}, {"input", Paint::none}, {"bar", Paint::none}});
+
+    EXPECT_THAT(table.leftOut(0), ElementsAre());
+    EXPECT_THAT(table.leftOut(12), ElementsAre("flow"));
+    EXPECT_THAT(table.leftOut(5), ElementsAre("jack", "flow"));
+}
+
+TEST(ProgramTable, SaysInLinesOfTheSameWidthWhatIsLeftOut)
+{
+    EXPECT_THAT(leftOutNote({}, 40), ElementsAre());
+    EXPECT_THAT(leftOutNote({"jack", "flow"}, 40), ElementsAre("Left out at 40 columns: jack and flow"));
+    EXPECT_THAT(leftOutNote({"jack", "flow"}, 24), ElementsAre("Left out at 24 columns:", "jack and flow"));
+}
+
 TEST(ProgramTable, LeavesBlankWhatARowDoesNotHave)
 {
     Table table({{Align::left, 0, 0, 0}, {}, {}});

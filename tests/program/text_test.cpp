@@ -1,8 +1,10 @@
 #include "tools/sonavit/text.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using namespace sonavit;
+using testing::ElementsAre;
 
 TEST(ProgramText, ShowsControlCharactersAsReplacements)
 {
@@ -11,6 +13,58 @@ TEST(ProgramText, ShowsControlCharactersAsReplacements)
               "b",
               printable("a\nb"));
     EXPECT_EQ("\xC3\xA4", printable("\xC3\xA4"));
+}
+
+TEST(ProgramText, ShowsWhatIsNoUtf8AsReplacements)
+{
+    constexpr const char* replacement = "\xEF\xBF\xBD";
+
+    EXPECT_EQ(std::string("a") + replacement + "b", printable("a\xFF"
+                                                              "b"));
+    EXPECT_EQ(std::string("\xC3\xA4") + replacement, printable("\xC3\xA4\xC3"));                // cut short
+    EXPECT_EQ(std::string(replacement) + replacement, printable("\xC0\x80"));                   // a longer form of zero
+    EXPECT_EQ(std::string(replacement) + replacement + replacement, printable("\xED\xA0\x80")); // a surrogate
+    EXPECT_EQ("\xF0\x9F\x8E\xA7", printable("\xF0\x9F\x8E\xA7"));
+    EXPECT_EQ(std::string(replacement) + replacement + replacement + replacement,
+              printable("\xF4\x90\x80\x80")); // beyond the last character
+    EXPECT_EQ(std::string(replacement) + "x", printable("\xE9x"));
+}
+
+TEST(ProgramText, ShowsCharactersThatReverseTheTextAsReplacements)
+{
+    EXPECT_EQ("a\xEF\xBF\xBD"
+              "b",
+              printable("a\xE2\x80\xAE"
+                        "b"));
+    EXPECT_EQ("a\xEF\xBF\xBD"
+              "b",
+              printable("a\xC2\x9B"
+                        "b")); // a control character beyond ASCII
+}
+
+TEST(ProgramText, EscapesWhatIsNotPrintable)
+{
+    EXPECT_EQ("a\\n\\t\\x1B\\xFF\\u202Eb", escaped("a\n\t\x1B\xFF\xE2\x80\xAE"
+                                                   "b"));
+    EXPECT_EQ("USB\\VID \xC3\xA4", escaped("USB\\VID \xC3\xA4"));
+    EXPECT_EQ("\\x7F", escaped("\x7F"));
+    EXPECT_EQ("\\u0085", escaped("\xC2\x85"));
+}
+
+TEST(ProgramText, CutsWhatItQuotes)
+{
+    EXPECT_EQ("\"\"", inQuotes(""));
+    EXPECT_EQ("\"" + std::string(100, 'x') + "\"", inQuotes(std::string(100, 'x')));
+    EXPECT_EQ("\"" + std::string(99, 'x') + "\xE2\x80\xA6\"", inQuotes(std::string(101, 'x')));
+}
+
+TEST(ProgramText, WrapsAtBlanks)
+{
+    EXPECT_THAT(wrapped("one two three", 7), ElementsAre("one two", "three"));
+    EXPECT_THAT(wrapped("one two three", 6), ElementsAre("one", "two", "three"));
+    EXPECT_THAT(wrapped("one two three", 0), ElementsAre("one two three"));
+    EXPECT_THAT(wrapped("extraordinary one", 4), ElementsAre("extraordinary", "one"));
+    EXPECT_THAT(wrapped("", 4), ElementsAre(""));
 }
 
 TEST(ProgramText, CountsTheColumnsThatCharactersTake)

@@ -13,7 +13,86 @@ namespace
 {
 class ProgramUsage : public support::ProgramTest
 {
+protected:
+    /// A call of each verb that succeeds on machine desktop.
+    static std::vector<std::vector<std::string>> verbs()
+    {
+        return {{"list"},
+                {"show", "Speakers"},
+                {"controls", "Speakers"},
+                {"selectors"},
+                {"graph"},
+                {"ask", "USB\\VID_2641&PID_247B&MI_00\\7&8777D5D&0&0000"},
+                {"get-volume", "Speakers"},
+                {"set-volume", "Speakers", "50%"},
+                {"mute", "Speakers", "on"},
+                {"format", "Speakers"},
+                {"format", "Speakers", "--set", "16/44100/2"},
+                {"monitor"}};
+    }
+
+    /// Such a call, on machine desktop.
+    support::Answer callOnDesktop(std::vector<std::string> words)
+    {
+        words.insert(words.end(), {"--machine", "desktop"});
+        return call(words);
+    }
 };
+}
+
+TEST_F(ProgramUsage, SaysThatTheMachineIsSimulated)
+{
+    for (const std::vector<std::string>& words : verbs())
+    {
+        const support::Answer answer = callOnDesktop(words);
+
+        EXPECT_EQ(0, answer.code) << words[0];
+        EXPECT_THAT(answer.err, StartsWith("Simulated machine desktop: A board with ")) << words[0];
+        EXPECT_THAT(answer.out, testing::Not(HasSubstr("imulated"))) << words[0];
+    }
+}
+
+TEST_F(ProgramUsage, NamesTheMachineInJson)
+{
+    for (std::vector<std::string> words : verbs())
+    {
+        words.emplace_back("--json");
+        const support::Answer answer = callOnDesktop(words);
+
+        EXPECT_EQ("", answer.err) << words[0];
+        if (words[0] == "monitor")
+            continue; // it answers one object for each event
+        EXPECT_EQ("desktop", json::parse(answer.out)["machine"]) << words[0];
+    }
+}
+
+TEST_F(ProgramUsage, NamesNoMachineOnTheSystemsOwn)
+{
+    run(support::smallMachine());
+
+    const json answer = json::parse(call({"get-volume", "Speakers", "--json"}).out);
+
+    EXPECT_TRUE(answer.contains("machine"));
+    EXPECT_TRUE(answer["machine"].is_null());
+    EXPECT_EQ("", call({"mute", "Speakers", "on"}).err);
+}
+
+TEST_F(ProgramUsage, SaysThatAChangeOfASimulatedMachineDoesNotLast)
+{
+    const std::string note = "The machine is simulated: the change lasts until sonavit ends.\n";
+
+    EXPECT_THAT(callOnDesktop({"set-volume", "Speakers", "50%"}).err, testing::EndsWith("\n" + note));
+    EXPECT_THAT(callOnDesktop({"mute", "Speakers", "on"}).err, testing::EndsWith("\n" + note));
+    EXPECT_THAT(callOnDesktop({"format", "Speakers", "--set", "16/44100/2"}).err, testing::EndsWith("\n" + note));
+    EXPECT_THAT(callOnDesktop({"format", "Speakers"}).err, testing::Not(HasSubstr(note)));
+    EXPECT_THAT(callOnDesktop({"set-volume", "Speakers", "99dB"}).err, testing::Not(HasSubstr(note)));
+}
+
+TEST_F(ProgramUsage, CutsTheDescriptionOfAMachineToTheTerminal)
+{
+    width = 40;
+
+    EXPECT_EQ("Simulated machine desktop: A board with\xE2\x80\xA6\n", callOnDesktop({"list"}).err);
 }
 
 TEST_F(ProgramUsage, AnswersNonsenseWithOneSentence)
@@ -28,6 +107,8 @@ TEST_F(ProgramUsage, AnswersNonsenseWithOneSentence)
         {"show", "Speakers", "more"},
         {"show", "Trumpet"},
         {"show", ""},
+        {"show", "a\xFF\x1B[2J\nb"},
+        {"graph", "Analog", "--endpoint", "Trumpet"},
         {"show", "phone"},
         {"controls", "Trumpet"},
         {"selectors", "Trumpet"},
@@ -97,7 +178,7 @@ TEST_F(ProgramUsage, WorksOnAMachineFile)
     const support::Answer answer = call({"--machine", path.u8string()});
 
     EXPECT_EQ(0, answer.code);
-    EXPECT_EQ("Simulated machine small", answer.lines()[0]);
+    EXPECT_EQ("Simulated machine small\n", answer.err);
     EXPECT_THAT(answer.out, HasSubstr("1 card, 3 endpoints, * default\n"));
     std::filesystem::remove(path);
 }
@@ -139,7 +220,7 @@ TEST_F(ProgramUsage, TurnsAnExceptionIntoASentence)
     const support::Answer answer = call({"format", "Speakers", "--set", "16/44100/2"});
 
     EXPECT_EQ(1, answer.code);
-    EXPECT_EQ("sonavit: something unforeseen happened: the roof came down\n", answer.err);
+    EXPECT_EQ("sonavit: internal error: the roof came down\n", answer.err);
 }
 
 TEST_F(ProgramUsage, FailsWhereTheAnswerCannotBeWritten)
@@ -153,4 +234,37 @@ TEST_F(ProgramUsage, FailsWhereTheAnswerCannotBeWritten)
 
     EXPECT_EQ(1, code);
     EXPECT_EQ("sonavit: the answer cannot be written\n", err.str());
+}
+
+TEST_F(ProgramUsage, FailsWhereTheAnswerInJsonCannotBeWritten)
+{
+    run(support::smallMachine());
+    std::ostringstream out;
+    std::ostringstream err;
+    out.setstate(std::ios::badbit);
+
+    const int code = sonavit::run({"list", "--json"}, sonavit::Environment{out, err});
+
+    EXPECT_EQ(1, code);
+    EXPECT_EQ("sonavit: the answer cannot be written\n", err.str());
+}
+
+TEST_F(ProgramUsage, SaysThatMemoryIsExhausted)
+{
+    run(support::smallMachine());
+    pause = [](std::chrono::milliseconds) -> bool { throw std::bad_alloc(); };
+
+    EXPECT_EQ("sonavit: out of memory\n", call({"format", "Speakers", "--set", "16/44100/2"}).err);
+}
+
+TEST_F(ProgramUsage, SaysOneLineAboutAnExceptionOfSeveral)
+{
+    run(support::smallMachine());
+    pause = [](std::chrono::milliseconds) -> bool { throw std::runtime_error("a\nb" + std::string(2000, 'x')); };
+
+    const std::string sentence = call({"format", "Speakers", "--set", "16/44100/2"}).err;
+
+    EXPECT_THAT(sentence, StartsWith("sonavit: internal error: a\\nbxxx"));
+    EXPECT_EQ(1, std::count(sentence.begin(), sentence.end(), '\n'));
+    EXPECT_LT(sentence.size(), 1100u);
 }

@@ -43,12 +43,13 @@ TEST_F(ProgramVolume, IsAnsweredInJson)
 
     const json answer = json::parse(call({"get-volume", "Speakers", "--json"}).out);
 
-    EXPECT_EQ(json::parse(R"json({"schemaVersion": 1, "endpoint": ")json" + support::speakerId() + R"json(",
+    EXPECT_EQ(
+        json::parse(R"json({"schemaVersion": 1, "machine": null, "endpoint": ")json" + support::speakerId() + R"json(",
         "name": "Speakers (Analog Audio)",
         "volume": {"percent": 72, "decibels": -18, "range": {"min": -65.25, "max": 0, "step": 0.75}, "channels": 2,
                    "levels": [{"percent": 72, "decibels": -18}, {"percent": 72, "decibels": -18}]},
         "muted": false})json"),
-              answer);
+        answer);
 }
 
 TEST_F(ProgramVolume, IsSetInPercent)
@@ -128,8 +129,36 @@ TEST_F(ProgramVolume, OutOfRangeInPercentIsWrongUsageAndReachesNobody)
     const support::Answer answer = call({"set-volume", "Speakers", "150%"});
 
     EXPECT_EQ(2, answer.code);
-    EXPECT_EQ("sonavit: \"150%\" is no volume: percents run from 0 to 100\n", answer.err);
+    EXPECT_EQ("sonavit: \"150%\" is not a volume: percentages range from 0 to 100\n", answer.err);
     EXPECT_EQ(0u, simulation.journal().count("CoCreateInstance"));
+}
+
+TEST_F(ProgramVolume, IsSetInFractionsOfAPercent)
+{
+    run(support::smallMachine());
+
+    const support::Answer answer = call({"set-volume", "Speakers", "33.3%"});
+
+    EXPECT_EQ("Speakers (Analog Audio): 72% (-18.00 dB) \xE2\x86\x92 33% (-43.52 dB)\n", answer.out);
+    EXPECT_THAT(speaker().channels, testing::Each(testing::FloatNear(-65.25f + 65.25f * 0.333f, 0.001f)));
+}
+
+TEST_F(ProgramVolume, RefusalNamesNoRangeThatCannotBeRead)
+{
+    runRefusing({"SetMasterVolumeLevel", "GetVolumeRange"});
+
+    EXPECT_EQ("sonavit: the system refused that volume for Speakers (Analog Audio)\n",
+              call({"set-volume", "Speakers", "-3dB"}).err);
+}
+
+TEST_F(ProgramVolume, HasNoRangeWhereTheSystemSucceedsWithoutOne)
+{
+    sim::Simulation& simulation = run(support::smallMachine());
+    simulation.faults().succeedWithNull("IAudioEndpointVolume::GetVolumeRange");
+    ownDefaultQuestions = 3;
+
+    EXPECT_TRUE(json::parse(call({"get-volume", "Speakers", "--json"}).out)["volume"]["range"].is_null());
+    EXPECT_THAT(call({"show", "Speakers"}).lines(), testing::Contains("  range        -"));
 }
 
 TEST_F(ProgramVolume, RefusalIsAFailure)
@@ -151,7 +180,8 @@ TEST_F(ProgramVolume, CannotStepFromALevelThatCannotBeRead)
     const support::Answer level = call({"set-volume", "Speakers", "50%"});
 
     EXPECT_EQ(1, step.code);
-    EXPECT_EQ("sonavit: the volume of Speakers (Analog Audio) cannot be read, so there is no step from it\n", step.err);
+    EXPECT_EQ("sonavit: the volume of Speakers (Analog Audio) cannot be read, so it cannot be changed by a step\n",
+              step.err);
     EXPECT_EQ("Speakers (Analog Audio): - (-18.00 dB) \xE2\x86\x92 - (-32.62 dB)\n", level.out);
 }
 
@@ -192,9 +222,10 @@ TEST_F(ProgramVolume, AnswersInJsonHowTheMuteWasAndIs)
 
     const json answer = json::parse(call({"mute", "Speakers", "on", "--json"}).out);
 
-    EXPECT_EQ(json::parse(R"json({"schemaVersion": 1, "endpoint": ")json" + support::speakerId() + R"json(",
+    EXPECT_EQ(
+        json::parse(R"json({"schemaVersion": 1, "machine": null, "endpoint": ")json" + support::speakerId() + R"json(",
         "name": "Speakers (Analog Audio)", "before": false, "after": true, "muted": true})json"),
-              answer);
+        answer);
 }
 
 TEST_F(ProgramVolume, RefusedMuteIsAFailure)
@@ -217,8 +248,7 @@ TEST_F(ProgramVolume, CannotToggleAMuteThatCannotBeRead)
     const support::Answer muting = call({"mute", "Speakers", "on"});
 
     EXPECT_EQ(1, toggling.code);
-    EXPECT_EQ("sonavit: nobody can tell whether Speakers (Analog Audio) is muted, so it cannot be toggled\n",
-              toggling.err);
+    EXPECT_EQ("sonavit: the mute of Speakers (Analog Audio) cannot be read, so it cannot be toggled\n", toggling.err);
     EXPECT_EQ("Speakers (Analog Audio): - \xE2\x86\x92 -\n", muting.out);
     EXPECT_TRUE(speaker().muted);
 }

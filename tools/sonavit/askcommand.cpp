@@ -19,8 +19,8 @@ struct Answers
     bool microphoneIn;
 };
 
-/// The helper's end uninitialises COM, also where its beginning could not initialise it: this thread has entered its
-/// apartment in another way. One initialisation beforehand is what it takes away.
+/// The helper's destructor uninitialises COM even if its constructor could not initialise it, as on this thread, which
+/// is in an apartment of another kind. The initialisation here makes up for that.
 Answers askHelper(const std::string& instanceId)
 {
     CoInitialize(nullptr);
@@ -29,7 +29,7 @@ Answers askHelper(const std::string& instanceId)
     return {helper.hasAnalogOut(id), helper.hasDigitalOut(id), helper.hasLineIn(id), helper.hasMicIn(id)};
 }
 
-/// The helper answers no for a card that there is not.
+/// The helper answers no for a card that does not exist.
 bool isKnown(const std::string& instanceId)
 {
     const std::vector<Card> cards = readCards();
@@ -42,11 +42,12 @@ void runAsk(Context& context)
 {
     const std::string& instanceId = context.arguments.instanceId;
     const Environment& environment = context.environment;
-    const bool isKnownCard = isKnown(instanceId); // first, so that it is this thread that makes what all share
+    const bool isKnownCard = isKnown(instanceId); // first: the shared enumerator belongs to this thread
     const Answers answers = askHelper(instanceId);
     if (context.arguments.isJson)
     {
-        const Json answer = Json::document({{"instanceId", instanceId},
+        const Json answer = Json::document({{"machine", context.session.machineName()},
+                                            {"instanceId", instanceId},
                                             {"analogOut", answers.analogOut},
                                             {"digitalOut", answers.digitalOut},
                                             {"lineIn", answers.lineIn},

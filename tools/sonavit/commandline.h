@@ -39,29 +39,29 @@ struct Arguments
     Verb verb = Verb::list;
     std::optional<std::string> machine;
     bool isJson = false;
-    std::optional<qor::LOGGER_PRIORITY> log; ///< least priority that is shown; none for no records at all
+    std::optional<qor::LOGGER_PRIORITY> log; ///< lowest priority to print; none to print no records
 
-    std::string endpoint;   ///< as the user names it; of `graph` the one whose path is shown
-    std::string card;       ///< likewise; empty for all
-    std::string instanceId; ///< of `ask`
-    std::string outputFile; ///< of `graph`; empty for standard output
-    LevelChange level;      ///< of `set-volume`
+    std::string endpoint;   ///< as the user names it; for `graph` the one whose path is highlighted, or empty
+    std::string card;       ///< as the user names it; empty for all
+    std::string instanceId; ///< for `ask`
+    std::string outputFile; ///< for `graph`; empty for standard output
+    LevelChange level;      ///< for `set-volume`
     MuteChange mute = MuteChange::toggle;
-    std::optional<std::chrono::milliseconds> duration; ///< of `monitor`; none for no end
-    std::optional<FormatRequest> format;               ///< of `format`; none to look only
-    std::chrono::milliseconds hold{};                  ///< of `format`
+    std::optional<std::chrono::milliseconds> duration; ///< for `monitor`; none for no end
+    std::optional<sim::DeviceFormat> format;           ///< for `format`; none to print the present one
+    std::chrono::milliseconds hold{5000};              ///< for `format`
 };
 
-/// What came of reading the command line.
+/// A command line that has been read.
 struct CommandLine
 {
     Arguments arguments;
-    std::string answer; ///< help or version, to be shown instead of doing anything
+    std::string answer; ///< help or version; if it is not empty, it is printed and nothing else is done
 };
 
-/// Reads the command line behind the program's name. Throws UsageError.
+/// Reads the command line after the program's name. Throws UsageError.
 CommandLine readCommandLine(const std::vector<std::string>& words);
 
-/// Whether @p words ask for JSON, as far as can be told before they have been understood.
+/// Whether @p words contain --json; they may make no sense otherwise.
 bool asksForJson(const std::vector<std::string>& words);
 }

@@ -1,5 +1,5 @@
-/// The commands, one function each. They show their answer on the environment's output and throw OperationFailure or
-/// UsageError where they cannot do what they were asked for.
+/// The commands, one function each. They print their answer to the environment's output and throw OperationFailure or
+/// UsageError if they cannot do what they were asked for.
 #pragma once
 
 #include "tools/sonavit/session.h"

@@ -16,6 +16,7 @@ using Align = Table::Column::Align;
 /// The library finds the controls on a walk through the card's graph, which may lead out of it.
 std::vector<HardwareControl> readControls(const Card& card, const Endpoint& endpoint)
 {
+    const std::string sentence = "the hardware controls of " + endpoint.shortTitle() + " cannot be read: ";
     qor::Array<SoundCard::VolumeController> records;
     try
     {
@@ -23,8 +24,11 @@ std::vector<HardwareControl> readControls(const Card& card, const Endpoint& endp
     }
     catch (const qor::IndexOutOfBounds&)
     {
-        throw OperationFailure("the way from " + endpoint.title() +
-                               " leads out of what the card's graph knows, so its controls cannot be told");
+        throw OperationFailure(sentence + "the path leads to a part that the card's graph does not contain");
+    }
+    catch (const qor::AssertionFailure&)
+    {
+        throw OperationFailure(sentence + "the system reported success without a result");
     }
     std::vector<HardwareControl> controls;
     for (unsigned i = 0; i < records.size(); ++i)
@@ -32,7 +36,7 @@ std::vector<HardwareControl> readControls(const Card& card, const Endpoint& endp
     return controls;
 }
 
-/// "on" and "off" as `mute` takes them.
+/// "on" and "off", as `mute` takes them.
 std::string shortMuteWords(const std::optional<bool>& isMuted)
 {
     if (!isMuted)
@@ -66,7 +70,7 @@ Table::Cell muteCell(const std::string& words, const std::optional<bool>& isMute
     return {words, isMuted.value_or(false) ? Paint::red : Paint::none};
 }
 
-/// A control without channels, or one that does not tell them, still has a row.
+/// A control without channels, or one that does not report them, still has a row.
 void addRows(Table& table, const HardwareControl& control)
 {
     const std::vector<ControlChannel> blank(1);
@@ -86,14 +90,14 @@ void addRows(Table& table, const HardwareControl& control)
 
 void showTable(const Environment& environment, const EndpointLevel& own, const std::vector<HardwareControl>& controls)
 {
-    Table table({{Align::left, 0, 0, 12},
-                 {Align::left, 2, 2, 0},
-                 {Align::right, 2, 0, 0},
-                 {Align::right, 2, 0, 0},
-                 {Align::right, 2, 0, 0},
-                 {Align::right, 2, 3, 0},
-                 {Align::right, 2, Table::goodToHave, 0},
-                 {Align::left, 2, 0, 0}});
+    Table table({{Align::left, 0, 0, 12, 6, ""},
+                 {Align::left, 2, 2, 0, 0, "jack"},
+                 {Align::right, 2, 0, 0, 0, ""},
+                 {Align::right, 2, 0, 0, 0, ""},
+                 {Align::right, 2, 1, 0, 0, "decibels"},
+                 {Align::right, 2, 3, 0, 0, "range"},
+                 {Align::right, 2, 4, 0, 0, "step"},
+                 {Align::left, 2, 0, 0, 0, ""}});
     std::vector<Table::Cell> header;
     for (const char* const title : {"CONTROL", "JACK", "CH", "LEVEL", "DECIBELS", "RANGE", "STEP", "MUTE"})
         header.push_back({title, Paint::dim});
@@ -106,6 +110,8 @@ void showTable(const Environment& environment, const EndpointLevel& own, const s
         addRows(table, control);
     for (const std::string& line : table.lines(environment.width, environment.hasColours))
         environment.out << line << "\n";
+    for (const std::string& line : leftOutNote(table.leftOut(environment.width), environment.width))
+        environment.out << painted(line, Paint::dim, environment.hasColours) << "\n";
 }
 }
 
@@ -121,7 +127,8 @@ void runControls(Context& context)
         Json list = Json::array();
         for (const HardwareControl& control : controls)
             list.append(controlJson(control));
-        const Json answer = Json::document({{"endpoint", found.endpoint.id},
+        const Json answer = Json::document({{"machine", context.session.machineName()},
+                                            {"endpoint", found.endpoint.id},
                                             {"name", found.endpoint.name()},
                                             {"controls", list},
                                             {"endpointVolume", volumeWithChannelsJson(own)},

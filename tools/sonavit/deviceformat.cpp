@@ -6,13 +6,18 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
+#include <optional>
+#include <utility>
 
 namespace sonavit
 {
 namespace
 {
 constexpr std::uint32_t bitsOfAByte = 8;
+constexpr std::uint32_t mostBits = 32;
 constexpr std::uint32_t lowestRate = 1000;
 constexpr std::uint32_t highestRate = 768000;
 constexpr std::uint32_t mostChannels = 8;
@@ -51,18 +56,6 @@ constexpr std::array<MaskName, 8> usualMasks = {{{KSAUDIO_SPEAKER_DIRECTOUT, "di
                                                  {KSAUDIO_SPEAKER_7POINT1, "7.1"},
                                                  {KSAUDIO_SPEAKER_7POINT1_SURROUND, "7.1 surround"}}};
 
-/// The speakers that so many channels usually feed.
-constexpr std::array<unsigned, mostChannels + 1> masksOfChannels = {0,
-                                                                    KSAUDIO_SPEAKER_MONO,
-                                                                    KSAUDIO_SPEAKER_STEREO,
-                                                                    KSAUDIO_SPEAKER_STEREO | SPEAKER_FRONT_CENTER,
-                                                                    KSAUDIO_SPEAKER_QUAD,
-                                                                    KSAUDIO_SPEAKER_QUAD | SPEAKER_FRONT_CENTER,
-                                                                    KSAUDIO_SPEAKER_5POINT1_SURROUND,
-                                                                    KSAUDIO_SPEAKER_5POINT1_SURROUND |
-                                                                        SPEAKER_BACK_CENTER,
-                                                                    KSAUDIO_SPEAKER_7POINT1_SURROUND};
-
 std::optional<std::uint32_t> number(const std::string& text)
 {
     const bool isNumber =
@@ -72,7 +65,7 @@ std::optional<std::uint32_t> number(const std::string& text)
     return static_cast<std::uint32_t>(std::strtoul(text.c_str(), nullptr, 10));
 }
 
-/// The numbers between slashes; none where there is anything else.
+/// The numbers between slashes; none if there is anything else.
 std::vector<std::uint32_t> numbers(const std::string& text)
 {
     std::vector<std::uint32_t> result;
@@ -112,6 +105,14 @@ const char* encoding(const WAVEFORMATEXTENSIBLE& format)
     return hasTag(format, WAVE_FORMAT_IEEE_FLOAT, KSDATAFORMAT_SUBTYPE_IEEE_FLOAT) ? "float" : "other";
 }
 
+/// Whether @p first and @p second are a rate and bits, in this order. A number that is too small for the bits or too
+/// large for them is not taken for the other of the two.
+bool isRateBeforeBits(std::uint32_t first, std::uint32_t second)
+{
+    constexpr std::uint32_t largestMistake = 64; // "64/48000/2" means 64 bits
+    return first > largestMistake && second <= largestMistake;
+}
+
 const MaskName* usualMask(unsigned mask)
 {
     const auto* const found =
@@ -120,37 +121,30 @@ const MaskName* usualMask(unsigned mask)
 }
 }
 
-FormatRequest readFormatRequest(const std::string& text)
+sim::DeviceFormat readFormatRequest(const std::string& text)
 {
+    const auto refuse = [&](const char* reason)
+    { throw UsageError(inQuotes(text) + " is not a device format: " + reason); };
     std::vector<std::uint32_t> parts = numbers(text);
     if (parts.size() != 3)
-        throw UsageError("\"" + text + "\" is no format: expected bits/rate/channels such as 24/48000/2");
-    if (parts[0] > parts[1])
+        refuse("write bits/rate/channels, such as 24/48000/2");
+    if (isRateBeforeBits(parts[0], parts[1]))
         std::swap(parts[0], parts[1]);
-    const FormatRequest request{parts[0], parts[1], parts[2]};
-    if (request.bits % bitsOfAByte != 0 || request.bits == 0 || request.bits > 32)
-        throw UsageError("\"" + text + "\" is no format: a sample has 8, 16, 24 or 32 bits");
+    const sim::DeviceFormat request{parts[0], parts[1], parts[2]};
+    if (request.bits % bitsOfAByte != 0 || request.bits == 0 || request.bits > mostBits)
+        refuse("a sample has 8, 16, 24 or 32 bits");
     if (request.rate < lowestRate || request.rate > highestRate)
-        throw UsageError("\"" + text + "\" is no format: rates run from 1000 to 768000 Hz");
+        refuse("the rate ranges from 1000 to 768000 Hz");
     if (request.channels == 0 || request.channels > mostChannels)
-        throw UsageError("\"" + text + "\" is no format: there are 1 to 8 channels");
+        refuse("the number of channels ranges from 1 to 8");
     return request;
 }
 
-WAVEFORMATEXTENSIBLE deviceFormat(const FormatRequest& request)
+WAVEFORMATEXTENSIBLE deviceFormat(const sim::DeviceFormat& request)
 {
     WAVEFORMATEXTENSIBLE format{};
-    const std::uint32_t frame = request.channels * request.bits / bitsOfAByte;
-    format.Format.wFormatTag = WAVE_FORMAT_EXTENSIBLE;
-    format.Format.nChannels = static_cast<WORD>(request.channels);
-    format.Format.nSamplesPerSec = request.rate;
-    format.Format.nAvgBytesPerSec = request.rate * frame;
-    format.Format.nBlockAlign = static_cast<WORD>(frame);
-    format.Format.wBitsPerSample = static_cast<WORD>(request.bits);
-    format.Format.cbSize = sizeof(WAVEFORMATEXTENSIBLE) - sizeof(WAVEFORMATEX);
-    format.Samples.wValidBitsPerSample = static_cast<WORD>(request.bits);
-    format.dwChannelMask = masksOfChannels[request.channels];
-    format.SubFormat = KSDATAFORMAT_SUBTYPE_PCM;
+    const std::vector<std::uint8_t> bytes = request.bytes();
+    std::memcpy(&format, bytes.data(), std::min(bytes.size(), sizeof format));
     return format;
 }
 

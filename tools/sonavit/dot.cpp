@@ -36,13 +36,13 @@ std::string nodeName(std::size_t part)
     return dotQuoted("part" + std::to_string(part));
 }
 
-/// The node that stands for parts that a device does not tell. A cluster with nothing in it would not be drawn.
+/// The node in place of parts that a device does not report. Graphviz does not draw an empty cluster.
 std::string deviceNodeName(std::size_t device)
 {
     return dotQuoted("device" + std::to_string(device));
 }
 
-/// The kind above the name, unless they say the same.
+/// The kind above the name, unless they are equal.
 std::string labelOf(const CardGraph::Part& part)
 {
     const std::string kind = part.type ? kindWords(part.type) : part.isConnector ? "Connector" : "Node";
@@ -62,7 +62,7 @@ void writeNode(std::ostream& out, const CardGraph::Part& part, std::size_t index
     out << "];\n";
 }
 
-/// Endpoints stand out from what is behind them, and what cannot be opened is dashed.
+/// Endpoints are filled, devices that cannot be opened are dashed.
 const char* clusterStyle(const CardGraph::Device& device)
 {
     switch (device.kind)

@@ -6,9 +6,9 @@
 
 namespace sonavit
 {
-/// @p text between quotes, as an id or a label of Graphviz.
+/// @p text in quotation marks, as a Graphviz id or label.
 std::string dotQuoted(const std::string& text);
 
-/// The graph in the language of Graphviz: a cluster for each device, in it a node for each part.
+/// The graph in Graphviz's DOT language: a cluster for each device, and in it a node for each part.
 std::string dotText(const CardGraph& graph, const std::string& title);
 }

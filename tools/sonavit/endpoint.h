@@ -11,21 +11,25 @@
 
 namespace sonavit
 {
-/// One endpoint with the facts by which people know it; what could not be read has no value.
+/// One endpoint with the facts by which people know it; what cannot be read has no value.
 struct Endpoint
 {
     AudioDevice device;
     EDataFlow flow = eRender;
-    std::string id;                          ///< empty for a device that did not tell it
+    std::string id;                          ///< empty for a device that does not report it
     std::optional<std::string> description;  ///< "Speakers"
     std::optional<std::string> friendlyName; ///< of the device it belongs to: "Analog Audio"
     std::optional<GUID> jackType;
     std::optional<unsigned> state; ///< DEVICE_STATE_ bits; none has no value
 
-    /// "Speakers (Analog Audio)", as the system's own dialogues have it.
+    std::optional<HRESULT> failure; ///< why neither id nor name can be read, if the platform fails
+
+    /// "Speakers (Analog Audio)", as the system's own dialogs show it.
     std::optional<std::string> name() const;
-    /// name(), or a stand-in for people to read.
+    /// name() as printable text, or "unnamed output" and the id.
     std::string title() const;
+    /// title(), cut to a length that fits into a message.
+    std::string shortTitle() const;
 };
 
 /// One sound card with its endpoints: outputs first, each group in the system's order.
@@ -42,21 +46,21 @@ struct Card
 const char* flowKey(EDataFlow flow);
 const char* flowWords(EDataFlow flow);
 
-/// "notPresent" and "not present"; no value and "-" for a state that is none of the four.
+/// "notPresent" and "not present"; no value and "-" for a state that is not one of the four.
 std::optional<std::string> stateKey(const std::optional<unsigned>& state);
 std::string stateWords(const std::optional<unsigned>& state);
 
 Endpoint readEndpoint(const AudioDevice& device, EDataFlow flow);
 
-/// All endpoints of the system: outputs first. Throws OperationFailure where the system cannot be asked.
+/// All endpoints of the system: outputs first. Throws OperationFailure if the system cannot list them.
 std::vector<Endpoint> readEndpoints();
 
-/// The endpoints of one flow, as @p enumerator lists them.
+/// The endpoints of one flow, as @p enumerator lists them; a platform that fails gives an empty list.
 std::vector<Endpoint> readEndpoints(const libSonavit::EndpointDeviceEnumerator& enumerator, EDataFlow flow);
 
-/// All cards of the system, with all endpoints. Throws OperationFailure where the system cannot be asked.
+/// All cards of the system, with all endpoints. Throws OperationFailure if the system cannot list them.
 std::vector<Card> readCards();
 
-/// Whether the system takes @p endpoint where a program names none.
+/// Whether @p endpoint is the default of its flow for the console role.
 bool isDefault(const Endpoint& endpoint);
 }

@@ -1,4 +1,4 @@
-/// What several commands answer about an endpoint in JSON.
+/// What several commands print about an endpoint, in JSON and in words.
 #pragma once
 
 #include "tools/sonavit/endpoint.h"
@@ -9,7 +9,7 @@ namespace sonavit
 {
 Json rangeJson(const std::optional<LevelRange>& range);
 
-/// Master level, range and channels; null where the endpoint has no volume control.
+/// Master level, range and channels; null if the endpoint has no volume control.
 Json volumeJson(const EndpointLevel& level);
 
 /// The same with each channel's level.

@@ -12,8 +12,9 @@ namespace sonavit
 inline constexpr const char* defaultOutputName = "@DEFAULT_OUTPUT@";
 inline constexpr const char* defaultInputName = "@DEFAULT_INPUT@";
 
-/// The endpoint that @p name names: by its whole id, by its whole name or description, by a piece of one of them, or as
-/// a default. Letters may be of either case. Throws UsageError, which lists the candidates, unless it is just one.
+/// The endpoint that @p name names: by its whole id, by its whole name or description, by a part of one of them, or as
+/// a default. Upper and lower case are alike. Throws UsageError, which lists the candidates, unless there is exactly
+/// one; OperationFailure if the platform fails to report the names or the default.
 std::size_t endpointIndex(const std::vector<Endpoint>& endpoints, const std::string& name);
 Endpoint& findEndpoint(std::vector<Endpoint>& endpoints, const std::string& name);
 
@@ -26,7 +27,12 @@ struct EndpointOfCard
 /// The same among the endpoints of all cards.
 EndpointOfCard findEndpoint(std::vector<Card>& cards, const std::string& name);
 
-/// Takes all cards away but the one that @p name names, by its ids, its name, or a piece of one of them. An empty name
-/// keeps all of them.
+/// Keeps only the card that @p name names, by its ids, its name, or a part of one of them. An empty name keeps all of
+/// them. Throws as endpointIndex().
 void keepCards(std::vector<Card>& cards, const std::string& name);
+
+/// As keepCards(), but throws UsageError if @p endpoint names an endpoint of another card and none of this one. An
+/// empty
+/// @p endpoint names none.
+void keepCardsWith(std::vector<Card>& cards, const std::string& name, const std::string& endpoint);
 }

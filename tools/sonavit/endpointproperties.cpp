@@ -21,7 +21,7 @@ struct RoleName
 constexpr std::array<RoleName, 3> roleNames = {
     {{eConsole, "console"}, {eMultimedia, "multimedia"}, {eCommunications, "communications"}}};
 
-/// The library answers for the console role alone; here all three are wanted.
+/// The library asks for the console role alone; this function asks for all three.
 std::vector<std::string> readDefaultRoles(const Endpoint& endpoint)
 {
     std::vector<std::string> roles;
@@ -43,7 +43,7 @@ std::vector<std::string> readDefaultRoles(const Endpoint& endpoint)
     return roles;
 }
 
-/// The library leaves 0 where the platform has no such value, and 0 is a mask as well.
+/// The library leaves 0 if the platform has no such value, but 0 is a valid mask too.
 std::optional<unsigned> readSpeakers(AudioDevice& device)
 {
     const COMPtr<IMMDevice>::pointer platformDevice = device.device();

@@ -8,14 +8,14 @@
 
 namespace sonavit
 {
-/// What else there is to know of an endpoint; what could not be read has no value.
+/// Further properties of an endpoint; what cannot be read has no value.
 struct EndpointProperties
 {
     std::vector<std::string> defaultRoles; ///< "console", "multimedia", "communications"
-    std::optional<unsigned> waveId;        ///< number among the old wave devices
+    std::optional<unsigned> waveId;        ///< device id of the legacy wave functions
     std::optional<GUID> directSoundId;
     std::optional<std::string> driverNode;
-    std::optional<unsigned> speakers; ///< mask of the loudspeakers that stand there
+    std::optional<unsigned> speakers; ///< mask of the physical speakers
 };
 
 /// Reads them from the platform.

@@ -1,5 +1,7 @@
 #include "tools/sonavit/endpointvolume.h"
 
+#include <cmath>
+
 namespace sonavit
 {
 namespace
@@ -10,14 +12,17 @@ EndpointVolumeController controllerOf(const COMPtr<IAudioEndpointVolume>::pointe
     policy.endpointVolume = volume;
     return policy;
 }
+}
 
-std::optional<LevelRange> readRange(const VolumeControllerInterface& controller)
+std::optional<LevelRange> readRange(const VolumeControllerInterface& controller, unsigned channel)
 {
     VolumeControllerInterface::DbVolumeRange range{};
-    if (!controller.volumeRangeDecibel(0, range))
+    if (!controller.volumeRangeDecibel(channel, range))
+        return std::nullopt;
+    const bool isBlank = range.minLevel == 0.0f && range.maxLevel == 0.0f && range.stepping == 0.0f;
+    if (isBlank) // the platform succeeded and stored nothing
         return std::nullopt;
     return LevelRange{range.minLevel, range.maxLevel, range.stepping};
-}
 }
 
 EndpointVolume::EndpointVolume(const COMPtr<IAudioEndpointVolume>::pointer& volume)
@@ -50,7 +55,7 @@ EndpointLevel EndpointVolume::read() const
         level.master.percent = m_controller.masterVolumeLevelPercent();
     if (SUCCEEDED(m_volume->GetMasterVolumeLevel(&number)))
         level.master.decibels = m_controller.masterVolumeLevelDecibel();
-    level.range = readRange(m_controller);
+    level.range = readRange(m_controller, 0);
     if (SUCCEEDED(m_volume->GetChannelCount(&count)))
     {
         level.channels = m_controller.numChannel();
@@ -77,9 +82,12 @@ std::vector<Level> EndpointVolume::readChannels(unsigned count) const
     return levels;
 }
 
-bool EndpointVolume::setPercent(unsigned percent)
+/// The library takes whole percent; a fraction goes to the platform directly.
+bool EndpointVolume::setPercent(float percent)
 {
-    return m_controller.setMasterVolumeLevelPercent(percent);
+    if (percent == std::floor(percent))
+        return m_controller.setMasterVolumeLevelPercent(static_cast<unsigned>(percent));
+    return SUCCEEDED(m_volume->SetMasterVolumeLevelScalar(percent / 100.0f, nullptr));
 }
 
 bool EndpointVolume::setDecibels(float decibels)

@@ -16,18 +16,18 @@ struct LevelRange
     float step;
 };
 
-/// One level, as far as it could be read.
+/// One level; what cannot be read has no value.
 struct Level
 {
     std::optional<unsigned> percent;
     std::optional<float> decibels;
 };
 
-/// What an endpoint's volume control tells. The library's readers answer a start value where the platform fails, so the
-/// platform itself is asked whether there is anything to read.
+/// What an endpoint's volume control reports. The library's readers return a start value if the platform fails, so the
+/// program calls the platform first to see whether the value can be read.
 struct EndpointLevel
 {
-    bool isThere = false; ///< whether the endpoint has a volume control at all
+    bool isThere = false; ///< whether the endpoint has a volume control
     Level master;
     std::optional<LevelRange> range;
     std::optional<unsigned> channels;
@@ -35,18 +35,21 @@ struct EndpointLevel
     std::optional<bool> isMuted;
 };
 
-/// An endpoint's volume control. Every endpoint has a controller from the library, bound or not; this one is only there
-/// where the platform has an interface to bind it to.
+/// The range of @p channel; no value if the platform fails or succeeds without a range.
+std::optional<LevelRange> readRange(const VolumeControllerInterface& controller, unsigned channel);
+
+/// An endpoint's volume control. The library gives every endpoint a controller, whether the platform has a volume
+/// interface behind it or not; this one exists only if the platform has the interface.
 class EndpointVolume
 {
 public:
-    /// No value where IAudioEndpointVolume cannot be activated, as on endpoints that are not present.
+    /// No value if IAudioEndpointVolume cannot be activated, as on endpoints that are not present.
     static std::optional<EndpointVolume> open(AudioDevice& device);
 
     EndpointLevel read() const;
 
-    /// These answer whether the platform accepted.
-    bool setPercent(unsigned percent);
+    /// These return whether the platform accepted the change. @p percent from 0 to 100, fractions included
+    bool setPercent(float percent);
     bool setDecibels(float decibels);
     bool setMute(bool isMuted);
 
@@ -59,6 +62,6 @@ private:
     VolumeController<EndpointVolumeController> m_controller;
 };
 
-/// The levels of @p device; nothing is there where it has no volume control.
+/// The levels of @p device; isThere is false if it has no volume control.
 EndpointLevel readLevel(AudioDevice& device);
 }

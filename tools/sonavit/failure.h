@@ -6,12 +6,12 @@
 
 namespace sonavit
 {
-/// What the program leaves to whoever called it.
+/// What the program returns to its caller.
 enum ExitCode
 {
     exitDone = 0,
-    exitFailed = 1, ///< something that could not be done
-    exitUsage = 2   ///< something that was asked for wrongly
+    exitFailed = 1, ///< an operation failed
+    exitUsage = 2   ///< the command line makes no sense or names something that does not exist
 };
 
 /// An operation that failed; what() is one sentence without a full stop.
@@ -21,10 +21,21 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Arguments that make no sense, or that name what there is not; what() is one sentence without a full stop.
+/// Arguments that make no sense, or that name something that does not exist; what() is one sentence without a full
+/// stop.
 class UsageError : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
 };
+
+/// The end of a command that did not succeed.
+struct Failure
+{
+    ExitCode code = exitFailed;
+    std::string sentence; ///< one line of printable text
+};
+
+/// The failure that the exception under way stands for. Call it in a handler.
+Failure currentFailure();
 }

@@ -3,27 +3,30 @@
 #include "tools/sonavit/endpointname.h"
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/json.h"
+#include "tools/sonavit/simulationnote.h"
 #include "tools/sonavit/text.h"
 
 namespace sonavit
 {
 namespace
 {
-/// The format as the endpoint has it now, whatever @p device has read before.
+/// The endpoint's present format; @p device may have read an older one.
 WAVEFORMATEXTENSIBLE presentFormat(const AudioDevice& device)
 {
     return AudioDevice(device.deviceProperty().deviceId).deviceProperty().format;
 }
 
-/// Sets the format for the time that the user wants. The device puts it back when it ends, so this one is made for
-/// the purpose, and nobody else holds a copy.
+/// Sets the format for as long as the user wants. The last copy of the device restores the old format, so this function
+/// makes a device of its own.
 WAVEFORMATEXTENSIBLE holdFormat(Context& context, const Endpoint& endpoint)
 {
     AudioDevice device(endpoint.device.deviceProperty().deviceId);
     if (!isKnown(device.deviceProperty().format))
-        throw OperationFailure(endpoint.title() + " does not tell its format, so there is none to go back to");
+        throw OperationFailure("the format of " + endpoint.shortTitle() +
+                               " cannot be read, so it could not be restored");
     if (!device.setFormat(deviceFormat(*context.arguments.format)))
-        throw OperationFailure("the system refused that format for " + endpoint.title());
+        throw OperationFailure("the system refused that format for " + endpoint.shortTitle());
+    announceTemporaryChange(context);
     const WAVEFORMATEXTENSIBLE during = device.deviceProperty().format;
     if (!context.arguments.isJson)
         context.environment.out << "during  " << formatWords(during) << "\n" << std::flush;
@@ -31,13 +34,18 @@ WAVEFORMATEXTENSIBLE holdFormat(Context& context, const Endpoint& endpoint)
     return during;
 }
 
+Json namedJson(const Context& context, const Endpoint& endpoint)
+{
+    return Json::document(
+        {{"machine", context.session.machineName()}, {"endpoint", endpoint.id}, {"name", endpoint.name()}});
+}
+
 void showFormat(const Context& context, const Endpoint& endpoint)
 {
     const WAVEFORMATEXTENSIBLE& format = endpoint.device.deviceProperty().format;
     if (context.arguments.isJson)
     {
-        const Json answer =
-            Json::document({{"endpoint", endpoint.id}, {"name", endpoint.name()}, {"format", formatJson(format)}});
+        const Json answer = namedJson(context, endpoint).set("format", formatJson(format));
         context.environment.out << answer.text() << "\n";
         return;
     }
@@ -60,11 +68,10 @@ void runFormat(Context& context)
     const WAVEFORMATEXTENSIBLE after = presentFormat(endpoint.device);
     if (context.arguments.isJson)
     {
-        const Json answer = Json::document({{"endpoint", endpoint.id},
-                                            {"name", endpoint.name()},
-                                            {"before", formatJson(before)},
-                                            {"during", formatJson(during)},
-                                            {"after", formatJson(after)}});
+        const Json answer = namedJson(context, endpoint)
+                                .set("before", formatJson(before))
+                                .set("during", formatJson(during))
+                                .set("after", formatJson(after));
         out << answer.text() << "\n";
         return;
     }

@@ -9,14 +9,14 @@
 
 namespace sonavit
 {
-/// A JSON value under construction; members keep the order in which they are set. What has no value is null.
+/// A JSON value under construction; members keep the order in which they are set. An optional without value is null.
 class Json
 {
 public:
     struct Member;
 
     Json();
-    // A value becomes JSON without further words, that is what this class is for.
+    // Implicit on purpose: each of these types is written as a value of a member.
     // NOLINTBEGIN(google-explicit-constructor)
     Json(bool value);
     Json(int value);
@@ -43,13 +43,13 @@ public:
     static Json object(std::initializer_list<Member> members);
     static Json array();
 
-    /// An object that begins with the version of the program's JSON, as each of its documents does.
+    /// An object that begins with the version of the program's JSON, as each of the program's documents does.
     static Json document(std::initializer_list<Member> members);
 
     Json& set(const std::string& key, const Json& value);
     Json& append(const Json& value);
 
-    /// With each member on a line of its own, or all on one line; no line end at the end.
+    /// With each member on a line of its own, or all on one line; without a line end.
     std::string text() const;
     std::string line() const;
 

@@ -17,16 +17,17 @@ struct LevelChange
 
     Unit unit = Unit::percent;
     bool isStep = false;
-    float amount = 0.0f; ///< of a step down it is negative
+    float amount = 0.0f; ///< percent or decibels; negative for a step down
 
-    /// Whether the change starts from a level that has to be known.
+    /// Whether @p level is enough to apply the change: a step needs to know the level that it starts from.
     bool canStartAt(const Level& level) const;
 
-    /// Applies the change to a volume that stands at @p level. Steps in percent end at 0 and 100; decibels go to the
-    /// platform as they are. @return whether the platform accepted
+    /// Applies the change to a volume whose present level is @p level. Steps in percent end at 0 and 100; decibels go
+    /// to the platform as they are. @return whether the platform accepted the new volume
     bool apply(EndpointVolume& volume, const Level& level) const;
 };
 
-/// Reads "50%", "-12.5dB", "5%+", "5%-", "3dB+", "3dB-". Throws UsageError.
+/// Reads a new volume, "50%", "50", "33.3%" or "-12.5dB", or a step, "5%+", "+5%", "5%-", "-5%", "3dB+" or "3dB-". A
+/// sign before decibels is part of the number. Throws UsageError.
 LevelChange readLevelChange(const std::string& text);
 }

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 namespace sonavit
 {
@@ -17,23 +18,24 @@ constexpr const char* noInstancePath = "(no instance path)";
 using Align = Table::Column::Align;
 using Row = std::vector<Table::Cell>;
 
-/// Branch, mark, name, jack, flow, state, bar, percent, decibels, mute, short id.
+/// Branch, mark, name, jack, flow, state, bar, percent, decibels, mute, short id. Mark, state, percent and mute say how
+/// the endpoint is, and are never left out.
 std::vector<Table::Column> columns()
 {
-    return {{Align::left, 0, 0, 0},
-            {Align::left, 1, 0, 0},
-            {Align::left, 1, 0, 12},
-            {Align::left, 2, 3, 0},
-            {Align::left, 2, 4, 0},
-            {Align::left, 2, 0, 0},
-            {Align::left, 2, Table::goodToHave + 1, 0},
-            {Align::right, 2, 0, 0},
-            {Align::right, 2, 2, 0},
-            {Align::left, 2, 1, 0},
-            {Align::left, 2, Table::goodToHave, 0}};
+    return {{Align::left, 0, Table::decoration, 0, 0, ""},
+            {Align::left, 1, 0, 0, 0, ""},
+            {Align::left, 1, 0, 10, 4, ""},
+            {Align::left, 2, 3, 0, 0, "jack"},
+            {Align::left, 2, 4, 0, 0, "flow"},
+            {Align::left, 2, 0, 0, 0, ""},
+            {Align::left, 2, Table::goodToHave, 0, 0, ""},
+            {Align::right, 2, 0, 0, 0, ""},
+            {Align::right, 2, 5, 0, 0, "decibels"},
+            {Align::left, 2, 0, 0, 0, ""},
+            {Align::left, 2, 2, 0, 0, "id"}};
 }
 
-/// Ten cells, as many of them full as the level has tens of percent.
+/// Ten cells, of which one is full for each ten percent.
 std::string bar(const std::optional<unsigned>& percent)
 {
     if (!percent)
@@ -45,7 +47,7 @@ std::string bar(const std::optional<unsigned>& percent)
     return result;
 }
 
-/// Only what is out of the ordinary: blank for an endpoint that sounds.
+/// Blank for the usual case, an endpoint that is not muted.
 std::string listMuteWords(const std::optional<bool>& isMuted)
 {
     if (!isMuted)
@@ -61,23 +63,43 @@ std::string shortId(const std::string& id)
     return brace == std::string::npos ? id : id.substr(brace + 1, length);
 }
 
-/// The short ids of all endpoints, whole ids where two would be the same.
-std::map<std::string, std::string> shortIds(const std::vector<Card>& cards)
+/// How an endpoint's id is shown.
+struct ShownId
 {
-    std::map<std::string, unsigned> uses;
+    std::string usual;   ///< the short id, or the whole id if two short ones are equal
+    std::string compact; ///< the beginning of the short id that no other one has
+};
+
+std::size_t commonLength(const std::string& left, const std::string& right)
+{
+    const std::size_t length = std::min(left.size(), right.size());
+    std::size_t common = 0;
+    while (common < length && left[common] == right[common])
+        ++common;
+    return common;
+}
+
+/// The ids of all endpoints, as they are shown.
+std::map<std::string, ShownId> shownIds(const std::vector<Card>& cards)
+{
+    constexpr std::size_t shortest = 4;
+    std::vector<std::pair<std::string, std::string>> sorted; // beginnings in lower case, whole ids
     for (const Card& card : cards)
     {
         for (const Endpoint& endpoint : card.endpoints)
-            ++uses[lowerCase(shortId(endpoint.id))];
+            sorted.emplace_back(lowerCase(shortId(endpoint.id)), endpoint.id);
     }
-    std::map<std::string, std::string> result;
-    for (const Card& card : cards)
+    std::sort(sorted.begin(), sorted.end());
+    std::map<std::string, ShownId> result;
+    for (std::size_t i = 0; i < sorted.size(); ++i)
     {
-        for (const Endpoint& endpoint : card.endpoints)
-        {
-            const std::string beginning = shortId(endpoint.id);
-            result[endpoint.id] = uses[lowerCase(beginning)] == 1 ? beginning : endpoint.id;
-        }
+        const auto& [beginning, id] = sorted[i];
+        std::size_t common = i > 0 ? commonLength(beginning, sorted[i - 1].first) : 0;
+        if (i + 1 < sorted.size())
+            common = std::max(common, commonLength(beginning, sorted[i + 1].first));
+        const bool isUnique = common < beginning.size();
+        const std::string usual = isUnique ? shortId(id) : id;
+        result[id] = {printable(usual), isUnique ? printable(usual.substr(0, std::max(common + 1, shortest))) : ""};
     }
     return result;
 }
@@ -93,17 +115,18 @@ public:
 private:
     Row row(Endpoint& endpoint, bool isLast);
     std::string heading(const Card& card) const;
-    void showFooter() const;
+    void showFooter(const std::vector<std::string>& leftOut) const;
+    void showDim(const std::string& line) const;
 
     const Environment& m_environment;
     std::vector<Card>& m_cards;
-    std::map<std::string, std::string> m_shortIds;
+    std::map<std::string, ShownId> m_ids;
     bool m_hasDefault = false;
 };
 
 void Tree::show()
 {
-    m_shortIds = shortIds(m_cards);
+    m_ids = shownIds(m_cards);
     Table table(columns());
     for (Card& card : m_cards)
     {
@@ -120,7 +143,7 @@ void Tree::show()
             m_environment.out << lines[line++] << "\n";
         m_environment.out << "\n";
     }
-    showFooter();
+    showFooter(table.leftOut(m_environment.width));
 }
 
 Row Tree::row(Endpoint& endpoint, bool isLast)
@@ -142,11 +165,11 @@ Row Tree::row(Endpoint& endpoint, bool isLast)
         {percentText(level.master.percent), plain},
         {decibelText(level.master.decibels), plain},
         {listMuteWords(level.isMuted), isMuted ? Paint::red : Paint::dim},
-        {m_shortIds[endpoint.id], Paint::dim}};
+        {m_ids[endpoint.id].usual, Paint::dim, m_ids[endpoint.id].compact}};
 }
 
-/// Name, marks for the jacks that not every card has, and the instance id, which stands whole on a line of its own to
-/// be copied from there.
+/// Name, marks for the jacks that not every card has, and the instance id, never cut, on a line of its own, so that it
+/// can be copied.
 std::string Tree::heading(const Card& card) const
 {
     const auto has = [&](bool (*isOfThatKind)(const GUID&))
@@ -166,7 +189,7 @@ std::string Tree::heading(const Card& card) const
            painted(printable(id), Paint::dim, hasColours);
 }
 
-void Tree::showFooter() const
+void Tree::showFooter(const std::vector<std::string>& leftOut) const
 {
     std::size_t endpoints = 0;
     for (const Card& card : m_cards)
@@ -174,19 +197,14 @@ void Tree::showFooter() const
     std::string text = counted(m_cards.size(), "card") + ", " + counted(endpoints, "endpoint");
     if (m_hasDefault)
         text += ", * default";
-    m_environment.out << painted(text, Paint::dim, m_environment.hasColours) << "\n";
+    showDim(text);
+    for (const std::string& line : leftOutNote(leftOut, m_environment.width))
+        showDim(line);
 }
 
-void showMachine(const Context& context)
+void Tree::showDim(const std::string& line) const
 {
-    if (!context.session.machineName())
-        return;
-    const std::string& description = context.session.machineDescription();
-    const std::string text = "Simulated machine " + printable(*context.session.machineName()) +
-                             (description.empty() ? "" : ": " + printable(description));
-    const unsigned width = context.environment.width;
-    const std::string fitting = width > 0 ? shortened(text, width) : text;
-    context.environment.out << painted(fitting, Paint::dim, context.environment.hasColours) << "\n\n";
+    m_environment.out << painted(line, Paint::dim, m_environment.hasColours) << "\n";
 }
 
 Json listJson(const Context& context, std::vector<Card>& cards)
@@ -211,7 +229,6 @@ void runList(Context& context)
         context.environment.out << listJson(context, cards).text() << "\n";
         return;
     }
-    showMachine(context);
     if (cards.empty())
         context.environment.out << "There is no sound card.\n";
     else

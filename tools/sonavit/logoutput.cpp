@@ -1,5 +1,7 @@
 #include "tools/sonavit/logoutput.h"
 
+#include "tools/sonavit/text.h"
+
 #include <string>
 
 namespace sonavit
@@ -29,7 +31,8 @@ void write(std::ostream& stream, const qor::LogRecord& record)
     const char* mark = "";
     if (record.kind != qor::LogRecord::Kind::message)
         mark = record.kind == qor::LogRecord::Kind::enter ? "> " : "< ";
-    stream << priorityWord(record.priority) << ' ' << record.channel << ": " << mark << record.text.toUtf8() << "\n";
+    stream << priorityWord(record.priority) << ' ' << record.channel << ": " << mark << printable(record.text.toUtf8())
+           << "\n";
 }
 }
 

@@ -7,14 +7,15 @@
 
 namespace sonavit
 {
-/// Sends the library's records of some priority and above to a stream, or nowhere, for as long as it lives.
+/// Prints the library's log records of some priority and above to a stream, one per line, or none of them, for as long
+/// as it lives: "error libSonavit.soundcard: …". Entering an operation is marked ">", leaving it "<".
 class LogOutput
 {
 public:
-    /// @param least no value for no records at all
+    /// @param least lowest priority to print; no value to print no records
     LogOutput(std::ostream& stream, const std::optional<qor::LOGGER_PRIORITY>& least);
 
-    /// Gives the log back as it was; its sink is then the library's own.
+    /// Restores the priority; the sink is then the library's default one.
     ~LogOutput();
     LogOutput(const LogOutput&) = delete;
     LogOutput& operator=(const LogOutput&) = delete;

@@ -1,6 +1,7 @@
 #include "tools/sonavit/nodekind.h"
 
 #include "libModuleCommon/guid.h"
+#include "simulator/machine/nodetypes.h"
 #include "tools/sonavit/text.h"
 
 #include <array>
@@ -9,9 +10,6 @@ namespace sonavit
 {
 namespace
 {
-/// The category of a connector that streams to or from software.
-constexpr GUID streamCategory = {0x6994AD04, 0x93EF, 0x11D0, {0xA3, 0xCC, 0x00, 0xA0, 0xC9, 0x22, 0x31, 0x96}};
-
 struct KnownKind
 {
     GUID type;
@@ -51,7 +49,7 @@ const std::array<KnownKind, 45> knownKinds = {{
     {KSNODETYPE_PHONOGRAPH, {"phonograph", "Phono"}},
     {KSNODETYPE_RADIO_RECEIVER, {"radio", "Radio"}},
     {KSNODETYPE_SYNTHESIZER, {"synthesizer", "Synthesizer"}},
-    {streamCategory, {"stream", "Stream"}},
+    {sim::nodetypes::stream, {"stream", "Stream"}},
     {KSNODETYPE_DAC, {"toAnalog", "To analog"}},
     {KSNODETYPE_ADC, {"toDigital", "To digital"}},
     {KSNODETYPE_MUX, {"selector", "Selector"}},

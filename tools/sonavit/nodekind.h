@@ -1,4 +1,4 @@
-/// Kinds of jacks and of nodes in a hardware graph, in plain words.
+/// Names of the kinds of jacks, and of nodes in a hardware graph.
 #pragma once
 
 #include "platform/coreaudio.h"
@@ -8,25 +8,25 @@
 
 namespace sonavit
 {
-/// What a kind is called: "spdif" in JSON, "S/PDIF" for people.
+/// The names of a kind: "spdif" in JSON, "S/PDIF" in text.
 struct NodeKind
 {
     const char* key;
     const char* words;
 };
 
-/// No value for the type that is all zero: nothing was read.
+/// No value for the type that is all zero, which the library keeps if it read none.
 std::optional<GUID> typeOrNothing(const GUID& type);
 
-/// The kind of @p type; "other" for one that has no name here.
+/// The kind of @p type; "other" if it has no name here.
 NodeKind nodeKind(const GUID& type);
 
-/// The names of a type that may not have been read.
+/// The names of a type; no value, or "-", without a type.
 std::optional<std::string> kindKey(const std::optional<GUID>& type);
 std::string kindWords(const std::optional<GUID>& type);
 std::optional<std::string> typeText(const std::optional<GUID>& type);
 
-/// Whether sound passes such a jack as numbers.
+/// Whether a jack of that type carries digital audio.
 bool isDigitalJack(const GUID& type);
 bool isLineJack(const GUID& type);
 }

@@ -1,13 +1,12 @@
 #include "tools/sonavit/program.h"
 
-#include "qor/exception.h"
 #include "tools/sonavit/commands.h"
 #include "tools/sonavit/failure.h"
+#include "tools/sonavit/heldoutput.h"
 #include "tools/sonavit/json.h"
+#include "tools/sonavit/lastwords.h"
 #include "tools/sonavit/logoutput.h"
-
-#include <array>
-#include <exception>
+#include "tools/sonavit/simulationnote.h"
 
 namespace sonavit
 {
@@ -45,7 +44,9 @@ Command commandOf(Verb verb)
     return runList;
 }
 
-void runCommand(const std::vector<std::string>& words, const Environment& environment)
+/// The session is closed here and not in its destructor, so that a failure on the way is reported. Events of the
+/// monitor are printed as they come, any other answer in JSON only if nothing failed.
+void runCommand(const std::vector<std::string>& words, const Environment& environment, HeldOutput& output)
 {
     const CommandLine line = readCommandLine(words);
     if (!line.answer.empty())
@@ -53,43 +54,51 @@ void runCommand(const std::vector<std::string>& words, const Environment& enviro
         environment.out << line.answer;
         return;
     }
+    if (line.arguments.isJson && line.arguments.verb != Verb::monitor)
+        output.hold();
     const LogOutput log(environment.err, line.arguments.log);
     Session session(environment, line.arguments);
     Context context{environment, line.arguments, session};
+    announceSimulation(context);
     commandOf(line.arguments.verb)(context);
+    session.close();
 }
 
-void complain(const std::vector<std::string>& words, const Environment& environment, const std::string& sentence)
+/// The error object takes one line, as each line of the monitor's output is an object.
+void complain(const std::vector<std::string>& words, const Environment& environment, HeldOutput& output,
+              const std::string& sentence)
 {
+    output.drop();
     if (asksForJson(words))
-        environment.out << Json::document({{"error", sentence}}).text() << "\n" << std::flush;
+        environment.out << Json::document({{"error", sentence}}).line() << "\n";
+    environment.out.flush();
     environment.err << "sonavit: " << sentence << "\n" << std::flush;
+}
+
+void finish(const Environment& environment, HeldOutput& output)
+{
+    output.release();
+    environment.out.flush();
+    if (!environment.out)
+        throw OperationFailure("the answer cannot be written");
 }
 }
 
 int run(const std::vector<std::string>& words, const Environment& environment)
 {
+    HeldOutput output(environment.out);
+    const LastWords lastWords([&] { complain(words, environment, output, currentFailure().sentence); });
     try
     {
-        runCommand(words, environment);
-        environment.out.flush();
-        if (!environment.out)
-            throw OperationFailure("the answer cannot be written");
+        runCommand(words, environment, output);
+        finish(environment, output);
         return exitDone;
     }
-    catch (const UsageError& error)
+    catch (...)
     {
-        complain(words, environment, error.what());
-        return exitUsage;
+        const Failure failure = currentFailure();
+        complain(words, environment, output, failure.sentence);
+        return failure.code;
     }
-    catch (const OperationFailure& error)
-    {
-        complain(words, environment, error.what());
-    }
-    catch (const std::exception& error)
-    {
-        complain(words, environment, "something unforeseen happened: " + std::string(error.what()));
-    }
-    return exitFailed;
 }
 }

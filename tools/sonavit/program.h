@@ -7,8 +7,12 @@
 
 namespace sonavit
 {
-/// The whole program: reads the command line, does what it asks for, and says what went wrong. May be called again and
-/// again, also on threads that have COM already. @param words the command line behind the program's name
+/// The whole program: reads the command line, runs the command, and prints the answer or what went wrong. It may be
+/// called any number of times, one call at a time, also on threads that have initialised COM.
+///
+/// During the call it sets the terminate handler: if the language ends the process, the program still prints one
+/// sentence and exits with code 1.
+/// @param words the command line after the program's name
 /// @return the exit code
 int run(const std::vector<std::string>& words, const Environment& environment);
 }

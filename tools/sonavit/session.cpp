@@ -21,7 +21,8 @@ sim::Machine openMachine(const Environment& environment, const std::string& name
     {
         if (error.line() > 0 || error.found() != "neither")
             throw UsageError("the machine cannot be used: " + std::string(error.what()));
-        throw UsageError("there is no machine \"" + name + "\"; the machines are " + enumeration(sim::machineNames()));
+        throw UsageError("there is no machine " + inQuotes(name) + "; the machines are " +
+                         enumeration(sim::machineNames()));
     }
 }
 }
@@ -42,16 +43,23 @@ Session::Session(const Environment& environment, const Arguments& arguments)
     if (!machine)
         return;
     m_simulation = std::make_unique<sim::Simulation>(std::move(*machine));
-    m_simulation->journal().record(false); // nobody reads it, and a monitor may run for long
+    m_simulation->journal().record(false); // it is never read, and would grow for as long as a monitor runs
 }
 
+/// A session that was not closed ends with an exception under way; a second one would end the process.
 Session::~Session()
 {
-    close();
+    try
+    {
+        close();
+    }
+    catch (...) // NOLINT(bugprone-empty-catch): the first exception is the one to report
+    {
+    }
     CoUninitialize();
 }
 
-/// The simulation ends first and takes its notification thread along: only then is nobody else at work on what goes.
+/// The simulation ends first, and with it its notification thread: after that no other thread uses what is destroyed.
 void Session::close()
 {
     m_simulation.reset();

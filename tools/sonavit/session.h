@@ -13,25 +13,25 @@ namespace sonavit
 {
 /// COM on this thread, and the machine that the library works on, for as long as a command runs.
 ///
-/// At its end it takes down the library's shared enumerator, which lives as long as the process otherwise: all
-/// registrations go while the thread that made them still has COM.
+/// close() destroys the library's shared enumerator, which otherwise lives as long as the process: all registrations
+/// end while the thread that made them still has COM.
 class Session
 {
 public:
-    /// Throws UsageError where the machine cannot be had.
+    /// Throws UsageError if the machine cannot be loaded.
     Session(const Environment& environment, const Arguments& arguments);
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    /// Ends the machine and all registrations, after which no thread of the platform calls any more. The library must
-    /// not be asked anything afterwards.
+    /// Ends the machine and all registrations; no thread of the platform calls the program after that. The library must
+    /// not be used after that. An exception that leaves a Release leaves this operation too.
     void close();
 
-    /// The simulated machine; null where the library works on the system's own Core Audio.
+    /// The simulated machine; null if the library works on the system's own Core Audio.
     sim::Simulation* simulation();
 
-    /// Name and description of the simulated machine; empty for the system's own.
+    /// Name and description of the simulated machine; no name on the system's own Core Audio.
     const std::optional<std::string>& machineName() const;
     const std::string& machineDescription() const;
 

@@ -48,22 +48,21 @@ void Table::add(std::vector<Cell> cells)
 
 std::vector<std::string> Table::lines(unsigned width, bool hasColours) const
 {
-    std::vector<std::size_t> widths = naturalWidths();
-    if (width > 0)
-        fit(widths, width);
+    const Layout layout = this->layout(width);
+    const std::vector<std::size_t>& widths = layout.widths;
     std::vector<std::string> result;
     for (const std::vector<Cell>& row : m_rows)
     {
         std::string line;
-        std::size_t blanks = 0; // held back, as there may be nothing behind them
+        std::size_t blanks = 0; // kept back, as nothing may follow them
         for (std::size_t i = 0; i < row.size(); ++i)
         {
             if (widths[i] == 0)
                 continue;
-            const std::string text = shortened(row[i].text, widths[i]);
+            const std::string text = shortened(textOf(row[i], layout), widths[i]);
             const std::size_t rest = widths[i] - displayWidth(text);
             const bool isRight = m_columns[i].align == Column::Align::right;
-            blanks += line.empty() && blanks == 0 ? 0 : m_columns[i].gap;
+            blanks += line.empty() && blanks == 0 ? 0 : gapBefore(i, layout);
             blanks += isRight ? rest : 0;
             if (!text.empty())
             {
@@ -77,66 +76,128 @@ std::vector<std::string> Table::lines(unsigned width, bool hasColours) const
     return result;
 }
 
-std::vector<std::size_t> Table::naturalWidths() const
+std::vector<std::string> Table::leftOut(unsigned width) const
+{
+    const Layout whole = layout(0);
+    const Layout fitting = layout(width);
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < m_columns.size(); ++i)
+    {
+        if (whole.widths[i] > 0 && fitting.widths[i] == 0 && m_columns[i].name[0] != '\0')
+            names.emplace_back(m_columns[i].name);
+    }
+    return names;
+}
+
+Table::Layout Table::layout(unsigned width) const
+{
+    Layout layout;
+    layout.widths = naturalWidths(layout);
+    const auto isTooWide = [&] { return width > 0 && totalWidth(layout) > width; };
+    while (isTooWide() && leaveOut(layout, goodToHave))
+    {
+    }
+    if (isTooWide())
+    {
+        layout.isCompact = true;
+        const std::vector<std::size_t> compact = naturalWidths(layout);
+        for (std::size_t i = 0; i < compact.size(); ++i)
+            layout.widths[i] = std::min(layout.widths[i], compact[i]);
+    }
+    layout.hasNarrowGaps = isTooWide();
+    while (isTooWide() && leaveOut(layout, decoration))
+    {
+    }
+    const Layout unshortened = layout;
+    if (isTooWide())
+        shorten(layout, width, &Column::smallest);
+    while (isTooWide() && leaveOut(layout, 1))
+    {
+    }
+    if (isTooWide())
+        shorten(layout, width, &Column::least);
+    widen(layout, width, unshortened);
+    return layout;
+}
+
+const std::string& Table::textOf(const Cell& cell, const Layout& layout) const
+{
+    return layout.isCompact && !cell.compact.empty() ? cell.compact : cell.text;
+}
+
+std::size_t Table::gapBefore(std::size_t column, const Layout& layout) const
+{
+    return layout.hasNarrowGaps ? std::min(m_columns[column].gap, 1u) : m_columns[column].gap;
+}
+
+std::vector<std::size_t> Table::naturalWidths(const Layout& layout) const
 {
     std::vector<std::size_t> widths(m_columns.size(), 0);
     for (const std::vector<Cell>& row : m_rows)
     {
         for (std::size_t i = 0; i < row.size(); ++i)
-            widths[i] = std::max(widths[i], displayWidth(row[i].text));
+            widths[i] = std::max(widths[i], displayWidth(textOf(row[i], layout)));
     }
     return widths;
 }
 
-std::size_t Table::totalWidth(const std::vector<std::size_t>& widths) const
+std::size_t Table::totalWidth(const Layout& layout) const
 {
     std::size_t total = 0;
-    for (std::size_t i = 0; i < widths.size(); ++i)
+    for (std::size_t i = 0; i < layout.widths.size(); ++i)
     {
-        if (widths[i] > 0)
-            total += widths[i] + (total == 0 ? 0 : m_columns[i].gap);
+        if (layout.widths[i] > 0)
+            total += layout.widths[i] + (total == 0 ? 0 : gapBefore(i, layout));
     }
     return total;
 }
 
-void Table::fit(std::vector<std::size_t>& widths, std::size_t width) const
-{
-    while (totalWidth(widths) > width && leaveOut(widths, goodToHave))
-    {
-    }
-    if (totalWidth(widths) > width)
-        shorten(widths, totalWidth(widths) - width);
-    while (totalWidth(widths) > width && leaveOut(widths, 1))
-    {
-    }
-}
-
 /// Leaves out the column of the highest rank. @return whether there was one
-bool Table::leaveOut(std::vector<std::size_t>& widths, unsigned lowestRank) const
+bool Table::leaveOut(Layout& layout, unsigned lowestRank) const
 {
-    std::size_t candidate = widths.size();
-    for (std::size_t i = 0; i < widths.size(); ++i)
+    std::size_t candidate = m_columns.size();
+    for (std::size_t i = 0; i < m_columns.size(); ++i)
     {
-        const bool isBetter = candidate == widths.size() || m_columns[i].leaveOut > m_columns[candidate].leaveOut;
-        if (widths[i] > 0 && m_columns[i].leaveOut >= lowestRank && isBetter)
+        const bool isBetter = candidate == m_columns.size() || m_columns[i].leaveOut > m_columns[candidate].leaveOut;
+        if (layout.widths[i] > 0 && m_columns[i].leaveOut >= lowestRank && isBetter)
             candidate = i;
     }
-    if (candidate == widths.size())
+    if (candidate == m_columns.size())
         return false;
-    widths[candidate] = 0;
+    layout.widths[candidate] = 0;
     return true;
 }
 
-void Table::shorten(std::vector<std::size_t>& widths, std::size_t excess) const
+/// Shortens columns to what is missing, but none below its @p limit.
+void Table::shorten(Layout& layout, std::size_t width, unsigned Column::*limit) const
 {
-    for (std::size_t i = 0; i < widths.size(); ++i)
+    std::size_t excess = totalWidth(layout) - width;
+    for (std::size_t i = 0; i < m_columns.size(); ++i)
     {
-        const std::size_t smallest = m_columns[i].smallest;
-        if (smallest == 0 || widths[i] <= smallest)
+        const std::size_t smallest = m_columns[i].*limit;
+        if (smallest == 0 || layout.widths[i] <= smallest)
             continue;
-        const std::size_t taken = std::min(excess, widths[i] - smallest);
-        widths[i] -= taken;
+        const std::size_t taken = std::min(excess, layout.widths[i] - smallest);
+        layout.widths[i] -= taken;
         excess -= taken;
     }
+}
+
+/// Gives shortened columns the room that columns left out afterwards have made.
+void Table::widen(Layout& layout, std::size_t width, const Layout& unshortened) const
+{
+    for (std::size_t i = 0; i < m_columns.size(); ++i)
+    {
+        const std::size_t total = totalWidth(layout);
+        if (layout.widths[i] > 0 && total < width)
+            layout.widths[i] += std::min(width - total, unshortened.widths[i] - layout.widths[i]);
+    }
+}
+
+std::vector<std::string> leftOutNote(const std::vector<std::string>& names, unsigned width)
+{
+    if (names.empty())
+        return {};
+    return wrapped("Left out at " + counted(width, "column") + ": " + enumeration(names), width);
 }
 }

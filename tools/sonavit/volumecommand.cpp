@@ -2,6 +2,7 @@
 #include "tools/sonavit/endpointjson.h"
 #include "tools/sonavit/endpointname.h"
 #include "tools/sonavit/failure.h"
+#include "tools/sonavit/simulationnote.h"
 #include "tools/sonavit/text.h"
 
 namespace sonavit
@@ -26,12 +27,19 @@ EndpointVolume openVolume(Endpoint& endpoint)
         return *volume;
     const bool isActive = endpoint.state == std::optional<unsigned>(DEVICE_STATE_ACTIVE);
     const std::string state = isActive || !stateKey(endpoint.state) ? "" : "; it is " + stateWords(endpoint.state);
-    throw OperationFailure(endpoint.title() + " has no volume control" + state);
+    throw OperationFailure(endpoint.shortTitle() + " has no volume control" + state);
 }
 
-Json namedJson(const Endpoint& endpoint)
+Json namedJson(const Context& context, const Endpoint& endpoint)
 {
-    return Json::document({{"endpoint", endpoint.id}, {"name", endpoint.name()}});
+    return Json::document(
+        {{"machine", context.session.machineName()}, {"endpoint", endpoint.id}, {"name", endpoint.name()}});
+}
+
+/// ", which takes …" and the range, if it is known.
+std::string rangeClause(const std::optional<LevelRange>& range)
+{
+    return range ? ", which takes " + rangeWords(range) : "";
 }
 }
 
@@ -43,7 +51,7 @@ void runGetVolume(Context& context)
     if (context.arguments.isJson)
     {
         const Json answer =
-            namedJson(endpoint).set("volume", volumeWithChannelsJson(level)).set("muted", level.isMuted);
+            namedJson(context, endpoint).set("volume", volumeWithChannelsJson(level)).set("muted", level.isMuted);
         context.environment.out << answer.text() << "\n";
         return;
     }
@@ -59,15 +67,17 @@ void runSetVolume(Context& context)
     const EndpointLevel before = volume.read();
     const LevelChange& change = context.arguments.level;
     if (!change.canStartAt(before.master))
-        throw OperationFailure("the volume of " + endpoint.title() + " cannot be read, so there is no step from it");
+        throw OperationFailure("the volume of " + endpoint.shortTitle() +
+                               " cannot be read, so it cannot be changed by a step");
     if (!change.apply(volume, before.master))
-        throw OperationFailure("the system refused that volume for " + endpoint.title() + ", which takes " +
-                               rangeWords(before.range));
+        throw OperationFailure("the system refused that volume for " + endpoint.shortTitle() +
+                               rangeClause(before.range));
 
+    announceTemporaryChange(context);
     const EndpointLevel after = volume.read();
     if (context.arguments.isJson)
     {
-        const Json answer = namedJson(endpoint)
+        const Json answer = namedJson(context, endpoint)
                                 .set("before", levelJson(before.master))
                                 .set("after", levelJson(after.master))
                                 .set("volume", volumeWithChannelsJson(after))
@@ -87,16 +97,17 @@ void runMute(Context& context)
     const std::optional<bool> before = volume.read().isMuted;
     const MuteChange change = context.arguments.mute;
     if (change == MuteChange::toggle && !before)
-        throw OperationFailure("nobody can tell whether " + endpoint.title() + " is muted, so it cannot be toggled");
+        throw OperationFailure("the mute of " + endpoint.shortTitle() + " cannot be read, so it cannot be toggled");
     const bool isToBeMuted = change == MuteChange::toggle ? !*before : change == MuteChange::on;
     if (!volume.setMute(isToBeMuted))
         throw OperationFailure("the system refused to " + std::string(isToBeMuted ? "mute " : "unmute ") +
-                               endpoint.title());
+                               endpoint.shortTitle());
 
+    announceTemporaryChange(context);
     const std::optional<bool> after = volume.read().isMuted;
     if (context.arguments.isJson)
     {
-        const Json answer = namedJson(endpoint).set("before", before).set("after", after).set("muted", after);
+        const Json answer = namedJson(context, endpoint).set("before", before).set("after", after).set("muted", after);
         context.environment.out << answer.text() << "\n";
         return;
     }

@@ -1,0 +1,55 @@
+#include "tests/program/programtest.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <iostream>
+
+namespace
+{
+/// The small machine, on which the @p release -th Release throws.
+sim::Machine throwingMachine(std::uint32_t release)
+{
+    sim::Machine machine = support::smallMachine();
+    sim::FaultRule rule;
+    rule.operation = "Release";
+    rule.outcome = sim::FaultRule::Outcome::thrown;
+    rule.call = release;
+    machine.faults.push_back(rule);
+    return machine;
+}
+
+/// Runs a command as the program does and ends the process; both of its streams go to standard error, which the test
+/// can see.
+[[noreturn]] void runProgram(std::vector<std::string> words, std::uint32_t release)
+{
+    sonavit::Environment environment{std::cerr, std::cerr};
+    environment.findMachine = [release](const std::string&) { return throwingMachine(release); };
+    words.insert(words.end(), {"--machine", "throwing"});
+    std::exit(sonavit::run(words, environment));
+}
+
+constexpr const char* sentence = "the simulated machine threw an exception: planned: [A-Za-z]+::Release\n";
+
+/// What a throwing Release leaves of the process depends on where the Release happens.
+class ProgramLastWords : public testing::TestWithParam<std::uint32_t>
+{
+};
+}
+
+TEST_P(ProgramLastWords, AreOneSentenceAndExitCode1)
+{
+    EXPECT_EXIT(runProgram({"get-volume", "Speakers"}, GetParam()), testing::ExitedWithCode(1),
+                std::string("sonavit: ") + sentence);
+    EXPECT_EXIT(runProgram({"show", "Speakers"}, GetParam()), testing::ExitedWithCode(1),
+                std::string("sonavit: ") + sentence);
+}
+
+TEST_P(ProgramLastWords, AreTheOnlyObjectInJson)
+{
+    EXPECT_EXIT(runProgram({"list", "--json"}, GetParam()), testing::ExitedWithCode(1),
+                R"(^.?.?.?.?\{"schemaVersion":1,"error":"the simulated machine threw an exception: [^"]*"\})"
+                "\nsonavit: ");
+}
+
+INSTANTIATE_TEST_SUITE_P(Releases, ProgramLastWords, testing::Values(1, 2, 5, 20, 50));

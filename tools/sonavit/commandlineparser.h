@@ -1,0 +1,47 @@
+#pragma once
+
+#include "tools/sonavit/commandline.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace sonavit
+{
+/// The words of a command line, each in its place, before those with a meaning of their own are interpreted. What the
+/// user did not write has no value.
+struct CommandWords
+{
+    Verb verb = Verb::list;
+    std::optional<std::string> machine;
+    bool isJson = false;
+    std::optional<std::string> log;
+    std::optional<std::string> endpoint;
+    std::optional<std::string> card;
+    std::optional<std::string> instanceId;
+    std::optional<std::string> outputFile;
+    std::optional<std::string> level;
+    std::optional<std::string> mute;
+    std::optional<std::string> duration;
+    std::optional<std::string> format;
+    std::optional<std::string> hold;
+    std::string answer; ///< help or version; if it is not empty, nothing else counts
+};
+
+/// Knows the verbs and options, sorts the words, and writes the help. One object reads one command line.
+class CommandLineParser
+{
+public:
+    CommandLineParser();
+    ~CommandLineParser();
+    CommandLineParser(const CommandLineParser&) = delete;
+    CommandLineParser& operator=(const CommandLineParser&) = delete;
+
+    /// Throws UsageError, always in the program's own words.
+    CommandWords read(const std::vector<std::string>& words);
+
+private:
+    class Grammar;
+    std::unique_ptr<Grammar> m_grammar;
+};
+}
