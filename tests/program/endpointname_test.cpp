@@ -183,7 +183,7 @@ TEST_F(ProgramDefaultName, IsAFailureWhereTheSystemCannotReportIt)
 
 TEST_F(ProgramDefaultName, IsAFailureWhereTheSystemReportsNothing)
 {
-    sim::Simulation& simulation = run(support::smallMachine());
+    sim::Simulation simulation(support::smallMachine());
     simulation.faults().succeedWithNull("IMMDeviceEnumerator::GetDefaultAudioEndpoint");
 
     const support::Answer answer = call({"get-volume", "@DEFAULT_INPUT@"});

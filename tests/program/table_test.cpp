@@ -37,7 +37,8 @@ TEST(ProgramTable, ShortensBeforeItLeavesOutMore)
 {
     EXPECT_THAT(sample().lines(10, false), ElementsAre("Spea\xE2\x80\xA6   5%", "Mic   100%"));
     EXPECT_THAT(sample().lines(9, false), ElementsAre("Spe\xE2\x80\xA6   5%", "Mic  100%"));
-    EXPECT_THAT(sample().lines(8, false), ElementsAre("Spe\xE2\x80\xA6", "Mic"));
+    EXPECT_THAT(sample().lines(8, false), ElementsAre("Speakers", "Mic"));
+    EXPECT_THAT(sample().lines(7, false), ElementsAre("Speake\xE2\x80\xA6", "Mic"));
 }
 
 TEST(ProgramTable, NarrowsGapsAndShortensIdsBeforeItLeavesOutDecoration)

@@ -22,7 +22,7 @@ constexpr const char* logHelp = "Print the library's log records from LEVEL on t
                                 "or off (the default)";
 
 constexpr const char* endpointHelp = "Id, name, or part of one, or a default endpoint";
-constexpr const char* cardHelp = "Name, instance id, or part of one (default: all cards)";
+constexpr const char* cardHelp = "Name, instance id, or part of one (default: all)";
 
 constexpr const char* endpointNames = "\n"
                                       "ENDPOINT is the id or name of an endpoint, a part that no other id or name\n"
@@ -97,6 +97,7 @@ private:
     void replaceHelpCommand(std::vector<std::string>& words) const;
     void parse(const std::vector<std::string>& words);
     [[noreturn]] void refuse(const std::vector<std::string>& words) const;
+    static void refuseFlagValues(const std::vector<std::string>& words);
     void refuseExtras() const;
     void refuseMissingValues(const std::vector<std::string>& words) const;
     void refuseMissingWords() const;
@@ -223,6 +224,7 @@ void CommandLineParser::Grammar::addChanges()
 
 CommandWords CommandLineParser::Grammar::read(std::vector<std::string> words)
 {
+    refuseFlagValues(words);
     replaceHelpCommand(words);
     try
     {
@@ -276,8 +278,8 @@ void CommandLineParser::Grammar::parse(const std::vector<std::string>& words)
     m_app.parse(reversed);
 }
 
-/// Says in our own words what is wrong with @p words.
-void CommandLineParser::Grammar::refuse(const std::vector<std::string>& words) const
+/// The parser would take --json=no for no JSON.
+void CommandLineParser::Grammar::refuseFlagValues(const std::vector<std::string>& words)
 {
     for (const char* const flag : {"--json", "--help", "--version"})
     {
@@ -286,6 +288,11 @@ void CommandLineParser::Grammar::refuse(const std::vector<std::string>& words) c
                         [&](const std::string& word) { return word.compare(0, beginning.size(), beginning) == 0; }))
             throw UsageError(std::string(flag) + " takes no value");
     }
+}
+
+/// Says in our own words what is wrong with @p words.
+void CommandLineParser::Grammar::refuse(const std::vector<std::string>& words) const
+{
     refuseMissingValues(words);
     refuseExtras();
     refuseMissingWords();

@@ -56,6 +56,18 @@ constexpr std::array<MaskName, 8> usualMasks = {{{KSAUDIO_SPEAKER_DIRECTOUT, "di
                                                  {KSAUDIO_SPEAKER_7POINT1, "7.1"},
                                                  {KSAUDIO_SPEAKER_7POINT1_SURROUND, "7.1 surround"}}};
 
+/// The speakers for each number of channels, with side speakers for surround sound. Machine files use back speakers.
+constexpr std::array<unsigned, mostChannels + 1> masksOfChannels = {0,
+                                                                    KSAUDIO_SPEAKER_MONO,
+                                                                    KSAUDIO_SPEAKER_STEREO,
+                                                                    KSAUDIO_SPEAKER_STEREO | SPEAKER_FRONT_CENTER,
+                                                                    KSAUDIO_SPEAKER_QUAD,
+                                                                    KSAUDIO_SPEAKER_QUAD | SPEAKER_FRONT_CENTER,
+                                                                    KSAUDIO_SPEAKER_5POINT1_SURROUND,
+                                                                    KSAUDIO_SPEAKER_5POINT1_SURROUND |
+                                                                        SPEAKER_BACK_CENTER,
+                                                                    KSAUDIO_SPEAKER_7POINT1_SURROUND};
+
 std::optional<std::uint32_t> number(const std::string& text)
 {
     const bool isNumber =
@@ -145,6 +157,7 @@ WAVEFORMATEXTENSIBLE deviceFormat(const sim::DeviceFormat& request)
     WAVEFORMATEXTENSIBLE format{};
     const std::vector<std::uint8_t> bytes = request.bytes();
     std::memcpy(&format, bytes.data(), std::min(bytes.size(), sizeof format));
+    format.dwChannelMask = masksOfChannels[request.channels];
     return format;
 }
 
