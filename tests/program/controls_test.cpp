@@ -151,3 +151,13 @@ TEST_F(ProgramControls, FitIntoEachTerminal)
             EXPECT_LE(lines[i].size(), columns) << lines[i];
     }
 }
+
+TEST_F(ProgramControls, HaveNoRangeWhereTheSystemSucceedsWithoutOne)
+{
+    sim::Simulation& simulation = run(support::smallMachine());
+    simulation.faults().succeedWithNull("IAudioVolumeLevel::GetLevelRange");
+
+    const json control = json::parse(call({"controls", "Speakers", "--json"}).out)["controls"][0];
+
+    EXPECT_EQ(json::parse(R"({"decibels": -6, "percent": null, "range": null})"), control["channels"][0]);
+}

@@ -86,7 +86,7 @@ TEST(ProgramExecutable, TellsByItsExitCodeHowItWent)
 
 TEST(ProgramExecutable, SaysOneSentenceAboutAFailure)
 {
-    EXPECT_EQ("sonavit: there is no command \"frobnicate\"; sonavit --help shows what there is\n",
+    EXPECT_EQ("sonavit: unknown command \"frobnicate\"; see sonavit --help\n",
               execute("frobnicate").out);
 }
 

@@ -194,3 +194,20 @@ TEST_F(ProgramGraph, FailsWhereTheFileCannotBeWritten)
     EXPECT_EQ(1, answer.code);
     EXPECT_EQ("sonavit: the file \"no-such-folder/graph.dot\" cannot be written\n", answer.err);
 }
+
+TEST_F(ProgramGraph, SaysThatAnEndpointIsOfAnotherCard)
+{
+    sim::MachineBuilder builder;
+    builder.card("Board").speaker("Speakers");
+    builder.card("Headset").headphones("Earphones");
+    run(builder.build());
+
+    const support::Answer other = call({"graph", "Headset", "--endpoint", "Speakers"});
+
+    EXPECT_EQ(2, other.code);
+    EXPECT_EQ("sonavit: \"Speakers\" is an endpoint of the card \"Board\", not of \"Headset\"\n", other.err);
+    EXPECT_EQ("sonavit: there is no endpoint \"Trumpet\"; sonavit list shows what there is\n",
+              call({"graph", "Headset", "--endpoint", "Trumpet"}).err);
+    EXPECT_EQ(0, call({"graph", "Board", "--endpoint", "Speakers"}).code);
+    EXPECT_EQ(0, call({"graph", "Board", "--endpoint", "@DEFAULT_OUTPUT@"}).code);
+}

@@ -240,3 +240,15 @@ TEST_F(ProgramMonitor, EndsAtOnceAfterNoTime)
     EXPECT_EQ(0, answer.code);
     EXPECT_EQ("", answer.err);
 }
+
+TEST_F(ProgramMonitor, NamesTheMachineInEachEvent)
+{
+    const support::Answer answer = call({"monitor", "--json", "--machine", "laptop"});
+    run(support::smallMachine());
+    const support::Answer own = listen({[](sim::Events& events) { events.plug(support::headphonesId()); }}, {"--json"});
+
+    for (const std::string& line : answer.lines())
+        EXPECT_EQ("laptop", json::parse(line)["machine"]);
+    EXPECT_TRUE(json::parse(own.out).contains("machine"));
+    EXPECT_TRUE(json::parse(own.out)["machine"].is_null());
+}

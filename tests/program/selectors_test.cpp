@@ -97,3 +97,13 @@ TEST_F(ProgramSelectors, ShowASelectionThatIsNoneOfTheInputs)
 
     EXPECT_THAT(call({"selectors"}).out, HasSubstr("  selection 7\n"));
 }
+
+TEST_F(ProgramSelectors, KeepWhatIsSelectedInANarrowTerminalAndSayWhatIsMissing)
+{
+    run(builder.build());
+    width = 26;
+
+    EXPECT_THAT(call({"selectors"}).lines(),
+                ElementsAre("Mixer, Source", "    Microphone Microphone", "  * Line In    Line",
+                            "Left out at 26 columns:", "input name"));
+}

@@ -85,14 +85,14 @@ void writeFile(const std::string& path, const std::string& text)
     std::ofstream file(std::filesystem::u8path(path), std::ios::binary);
     file << text << std::flush;
     if (!file)
-        throw OperationFailure("the file \"" + path + "\" cannot be written");
+        throw OperationFailure("the file " + inQuotes(path) + " cannot be written");
 }
 }
 
 void runGraph(Context& context)
 {
     std::vector<Card> cards = readCards();
-    keepCards(cards, context.arguments.card);
+    keepCardsWith(cards, context.arguments.card, context.arguments.endpoint);
     CardGraph graph(cards);
     if (!context.arguments.endpoint.empty())
         graph.showPath(findEndpoint(cards, context.arguments.endpoint).endpoint);

@@ -13,9 +13,7 @@ ControlChannel readChannel(const RegularVolumeController& policy, const VolumeCo
                            unsigned channel)
 {
     ControlChannel result;
-    VolumeControllerInterface::DbVolumeRange range{};
-    if (controller.volumeRangeDecibel(channel, range))
-        result.range = LevelRange{range.minLevel, range.maxLevel, range.stepping};
+    result.range = readRange(controller, channel);
     float decibels = 0.0f;
     if (FAILED(policy.volumeLevel->GetLevel(channel, &decibels)))
         return result;

@@ -35,8 +35,9 @@ struct Monitor::Watch
     EndpointLevel level;
 };
 
-Monitor::Monitor(const Environment& environment, bool isJson, const std::vector<Card>& cards)
-    : m_writer(environment, isJson)
+Monitor::Monitor(const Environment& environment, bool isJson, std::optional<std::string> machine,
+                 const std::vector<Card>& cards)
+    : m_writer(environment, isJson, std::move(machine))
 {
     for (const Card& card : cards)
     {

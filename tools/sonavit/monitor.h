@@ -20,7 +20,8 @@ class Monitor : public std::enable_shared_from_this<Monitor>
 {
 public:
     /// Takes down how things are. @p cards is not touched any more afterwards.
-    Monitor(const Environment& environment, bool isJson, const std::vector<Card>& cards);
+    Monitor(const Environment& environment, bool isJson, std::optional<std::string> machine,
+            const std::vector<Card>& cards);
     ~Monitor();
 
     /// Registers with the cards and with the volume of each endpoint. The cards must not be touched from now on until

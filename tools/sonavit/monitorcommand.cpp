@@ -38,7 +38,8 @@ void runMonitor(Context& context)
     std::size_t endpoints = 0;
     for (const Card& card : cards)
         endpoints += card.endpoints.size();
-    const auto monitor = std::make_shared<Monitor>(context.environment, context.arguments.isJson, cards);
+    const auto monitor =
+        std::make_shared<Monitor>(context.environment, context.arguments.isJson, context.session.machineName(), cards);
     monitor->start(cards);
     if (context.environment.isTerminal)
     {

@@ -9,6 +9,7 @@
 #include <array>
 #include <cstdio>
 #include <ctime>
+#include <utility>
 
 namespace sonavit
 {
@@ -133,11 +134,12 @@ Paint eventPaint(MonitorEvent::Kind kind)
     return Paint::none;
 }
 
-Json eventJson(const MonitorEvent& event)
+Json eventJson(const MonitorEvent& event, const std::optional<std::string>& machine)
 {
     const EventSubject& subject = event.subject;
     const bool isCardKnown = !subject.cardName.empty(); // not of a default that there is not, or not yet
-    Json result = Json::document({{"time", universalTimeText(event.time)},
+    Json result = Json::document({{"machine", machine},
+                                  {"time", universalTimeText(event.time)},
                                   {"event", kindKey(event.kind)},
                                   {"card", isCardKnown ? Json(subject.cardId) : Json()},
                                   {"cardName", isCardKnown ? Json(subject.cardName) : Json()},
@@ -159,7 +161,12 @@ Json eventJson(const MonitorEvent& event)
 }
 }
 
-EventWriter::EventWriter(const Environment& environment, bool isJson) : m_environment(environment), m_isJson(isJson) {}
+EventWriter::EventWriter(const Environment& environment, bool isJson, std::optional<std::string> machine)
+    : m_environment(environment),
+      m_isJson(isJson),
+      m_machine(std::move(machine))
+{
+}
 
 void EventWriter::expect(const EventSubject& subject)
 {
@@ -170,7 +177,7 @@ void EventWriter::expect(const EventSubject& subject)
 void EventWriter::write(const MonitorEvent& event)
 {
     expect(event.subject);
-    m_environment.out << (m_isJson ? eventJson(event).line() : line(event)) << "\n" << std::flush;
+    m_environment.out << (m_isJson ? eventJson(event, m_machine).line() : line(event)) << "\n" << std::flush;
 }
 
 std::string EventWriter::line(const MonitorEvent& event) const

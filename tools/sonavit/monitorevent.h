@@ -46,7 +46,8 @@ struct MonitorEvent
 class EventWriter
 {
 public:
-    EventWriter(const Environment& environment, bool isJson);
+    /// @param machine name of the simulated machine, for JSON
+    EventWriter(const Environment& environment, bool isJson, std::optional<std::string> machine);
 
     /// Makes room for names as long as those of @p subject.
     void expect(const EventSubject& subject);
@@ -58,6 +59,7 @@ private:
 
     const Environment& m_environment;
     bool m_isJson;
+    std::optional<std::string> m_machine;
     std::size_t m_cardWidth = 0;
     std::size_t m_endpointWidth = 0;
 };

@@ -144,7 +144,11 @@ void showSelector(const Environment& environment, const Card& card, const Select
 {
     const std::string name = selector.name ? ", " + printable(*selector.name) : "";
     environment.out << painted(printable(card.name) + name, Paint::bold, environment.hasColours) << "\n";
-    Table table({{Table::Column::Align::left, 0, 0, 0}, {}, {}, {}});
+    using Align = Table::Column::Align;
+    Table table({{Align::left, 0, 0, 0, 0, ""},
+                 {Align::left, 2, 0, 10, 4, ""},
+                 {Align::left, 2, 1, 0, 0, "jack"},
+                 {Align::left, 2, 2, 0, 0, "input name"}});
     bool isSelectionShown = false;
     for (const Input& input : selector.inputs)
     {
@@ -158,6 +162,8 @@ void showSelector(const Environment& environment, const Card& card, const Select
     }
     for (const std::string& line : table.lines(environment.width, environment.hasColours))
         environment.out << line << "\n";
+    for (const std::string& line : leftOutNote(table.leftOut(environment.width), environment.width))
+        environment.out << painted(line, Paint::dim, environment.hasColours) << "\n";
     if (!isSelectionShown)
         environment.out << "  selection " << (selector.selection ? std::to_string(*selector.selection) : nothing)
                         << "\n";
@@ -181,7 +187,8 @@ void runSelectors(Context& context)
         }
     }
     if (context.arguments.isJson)
-        context.environment.out << Json::document({{"selectors", list}}).text() << "\n";
+        context.environment.out
+            << Json::document({{"machine", context.session.machineName()}, {"selectors", list}}).text() << "\n";
     else if (!hasAny)
         context.environment.out << "There is no input selector.\n";
 }
