@@ -46,6 +46,11 @@ Json endpointJson(const Endpoint& endpoint, const EndpointLevel& level)
                          {"muted", level.isMuted}});
 }
 
+Json endpointDocument(const std::optional<std::string>& machine, const Endpoint& endpoint)
+{
+    return Json::document({{"machine", machine}, {"endpoint", endpoint.id}, {"name", endpoint.name()}});
+}
+
 Json cardJson(const Card& card)
 {
     return Json::object({{"id", card.id}, {"instanceId", card.instanceId}, {"name", card.name}});

@@ -18,6 +18,9 @@ Json volumeWithChannelsJson(const EndpointLevel& level);
 /// The endpoint as `list` shows it.
 Json endpointJson(const Endpoint& endpoint, const EndpointLevel& level);
 
+/// A document about one endpoint: the simulated machine, if there is one, and the endpoint's id and name.
+Json endpointDocument(const std::optional<std::string>& machine, const Endpoint& endpoint);
+
 /// Id and names of a card.
 Json cardJson(const Card& card);
 

@@ -1,5 +1,6 @@
 #include "tools/sonavit/commands.h"
 #include "tools/sonavit/deviceformat.h"
+#include "tools/sonavit/endpointjson.h"
 #include "tools/sonavit/endpointname.h"
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/json.h"
@@ -29,15 +30,12 @@ WAVEFORMATEXTENSIBLE holdFormat(Context& context, const Endpoint& endpoint)
     announceTemporaryChange(context);
     const WAVEFORMATEXTENSIBLE during = device.deviceProperty().format;
     if (!context.arguments.isJson)
-        context.environment.out << "during  " << formatWords(during) << "\n" << std::flush;
+        context.environment.out << endpoint.title() << "\nbefore  "
+                                << formatWords(endpoint.device.deviceProperty().format) << "\nduring  "
+                                << formatWords(during) << "\n"
+                                << std::flush;
     context.environment.pause(context.arguments.hold);
     return during;
-}
-
-Json namedJson(const Context& context, const Endpoint& endpoint)
-{
-    return Json::document(
-        {{"machine", context.session.machineName()}, {"endpoint", endpoint.id}, {"name", endpoint.name()}});
 }
 
 void showFormat(const Context& context, const Endpoint& endpoint)
@@ -45,7 +43,7 @@ void showFormat(const Context& context, const Endpoint& endpoint)
     const WAVEFORMATEXTENSIBLE& format = endpoint.device.deviceProperty().format;
     if (context.arguments.isJson)
     {
-        const Json answer = namedJson(context, endpoint).set("format", formatJson(format));
+        const Json answer = endpointDocument(context.session.machineName(), endpoint).set("format", formatJson(format));
         context.environment.out << answer.text() << "\n";
         return;
     }
@@ -62,13 +60,11 @@ void runFormat(Context& context)
 
     std::ostream& out = context.environment.out;
     const WAVEFORMATEXTENSIBLE before = endpoint.device.deviceProperty().format;
-    if (!context.arguments.isJson)
-        out << endpoint.title() << "\nbefore  " << formatWords(before) << "\n" << std::flush;
     const WAVEFORMATEXTENSIBLE during = holdFormat(context, endpoint);
     const WAVEFORMATEXTENSIBLE after = presentFormat(endpoint.device);
     if (context.arguments.isJson)
     {
-        const Json answer = namedJson(context, endpoint)
+        const Json answer = endpointDocument(context.session.machineName(), endpoint)
                                 .set("before", formatJson(before))
                                 .set("during", formatJson(during))
                                 .set("after", formatJson(after));

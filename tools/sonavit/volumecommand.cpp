@@ -30,12 +30,6 @@ EndpointVolume openVolume(Endpoint& endpoint)
     throw OperationFailure(endpoint.shortTitle() + " has no volume control" + state);
 }
 
-Json namedJson(const Context& context, const Endpoint& endpoint)
-{
-    return Json::document(
-        {{"machine", context.session.machineName()}, {"endpoint", endpoint.id}, {"name", endpoint.name()}});
-}
-
 /// ", which takes …" and the range, if it is known.
 std::string rangeClause(const std::optional<LevelRange>& range)
 {
@@ -50,8 +44,9 @@ void runGetVolume(Context& context)
     const EndpointLevel level = openVolume(endpoint).read();
     if (context.arguments.isJson)
     {
-        const Json answer =
-            namedJson(context, endpoint).set("volume", volumeWithChannelsJson(level)).set("muted", level.isMuted);
+        const Json answer = endpointDocument(context.session.machineName(), endpoint)
+                                .set("volume", volumeWithChannelsJson(level))
+                                .set("muted", level.isMuted);
         context.environment.out << answer.text() << "\n";
         return;
     }
@@ -77,7 +72,7 @@ void runSetVolume(Context& context)
     const EndpointLevel after = volume.read();
     if (context.arguments.isJson)
     {
-        const Json answer = namedJson(context, endpoint)
+        const Json answer = endpointDocument(context.session.machineName(), endpoint)
                                 .set("before", levelJson(before.master))
                                 .set("after", levelJson(after.master))
                                 .set("volume", volumeWithChannelsJson(after))
@@ -107,7 +102,10 @@ void runMute(Context& context)
     const std::optional<bool> after = volume.read().isMuted;
     if (context.arguments.isJson)
     {
-        const Json answer = namedJson(context, endpoint).set("before", before).set("after", after).set("muted", after);
+        const Json answer = endpointDocument(context.session.machineName(), endpoint)
+                                .set("before", before)
+                                .set("after", after)
+                                .set("muted", after);
         context.environment.out << answer.text() << "\n";
         return;
     }
