@@ -170,6 +170,31 @@ TEST_F(ProgramUsage, SaysWhatIsWrongWithAMachineFile)
     std::filesystem::remove(path);
 }
 
+TEST_F(ProgramUsage, RefusesAMachineFileOfMoreThan64MiB)
+{
+    const std::filesystem::path path = std::filesystem::temp_directory_path() / "sonavit-large-machine.json";
+    std::ofstream(path) << "{}";
+    std::filesystem::resize_file(path, (std::uintmax_t{64} << 20) + 1);
+
+    const support::Answer answer = call({"--machine", path.u8string()});
+
+    EXPECT_EQ(2, answer.code);
+    EXPECT_THAT(answer.err, testing::EndsWith("expected a machine file, found one of more than 64 MiB\n"));
+    std::filesystem::remove(path);
+}
+
+#if !defined(_WIN32)
+TEST_F(ProgramUsage, RefusesAMachineThatIsNoRegularFile)
+{
+    const support::Answer answer = call({"--machine", "/dev/zero"});
+
+    EXPECT_EQ(2, answer.code);
+    EXPECT_EQ("sonavit: the machine cannot be used: /dev/zero: expected a machine file, found something that is not a "
+              "regular file\n",
+              answer.err);
+}
+#endif
+
 TEST_F(ProgramUsage, WorksOnAMachineFile)
 {
     const std::filesystem::path path = std::filesystem::temp_directory_path() / "sonavit-small-machine.json";

@@ -1,12 +1,13 @@
 #include "tools/sonavit/endpoint.h"
 
 #include "COM/identifiers.h"
+#include "simulator/machine/namedvalues.h"
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/systemreason.h"
 #include "tools/sonavit/text.h"
 
 #include <algorithm>
-#include <array>
+#include <cstdint>
 #include <set>
 #include <utility>
 
@@ -14,25 +15,6 @@ namespace sonavit
 {
 namespace
 {
-struct StateName
-{
-    unsigned state;
-    const char* key;
-    const char* words;
-};
-
-constexpr std::array<StateName, 4> stateNames = {{{DEVICE_STATE_ACTIVE, "active", "active"},
-                                                  {DEVICE_STATE_DISABLED, "disabled", "disabled"},
-                                                  {DEVICE_STATE_NOTPRESENT, "notPresent", "not present"},
-                                                  {DEVICE_STATE_UNPLUGGED, "unplugged", "unplugged"}}};
-
-const StateName* stateName(const std::optional<unsigned>& state)
-{
-    const auto* const found = std::find_if(stateNames.begin(), stateNames.end(),
-                                           [&](const StateName& name) { return state && name.state == *state; });
-    return found == stateNames.end() ? nullptr : found;
-}
-
 /// The present state. The program calls the platform because the library's answer does not show a failure.
 std::optional<unsigned> readState(AudioDevice& device)
 {
@@ -160,9 +142,9 @@ std::string Endpoint::shortTitle() const
     return shortened(title(), longestQuote);
 }
 
-const char* flowKey(EDataFlow flow)
+std::string flowKey(EDataFlow flow)
 {
-    return flow == eRender ? "render" : "capture";
+    return sim::nameOf(sim::flowNames, flow);
 }
 
 const char* flowWords(EDataFlow flow)
@@ -172,16 +154,16 @@ const char* flowWords(EDataFlow flow)
 
 std::optional<std::string> stateKey(const std::optional<unsigned>& state)
 {
-    const StateName* const name = stateName(state);
-    if (name == nullptr)
-        return std::nullopt;
-    return name->key;
+    const std::string name = state ? sim::nameOf(sim::stateNames, std::uint32_t{*state}) : "";
+    return name.empty() ? std::nullopt : std::optional<std::string>(name);
 }
 
 std::string stateWords(const std::optional<unsigned>& state)
 {
-    const StateName* const name = stateName(state);
-    return name == nullptr ? nothing : name->words;
+    const std::optional<std::string> key = stateKey(state);
+    if (key && *state == DEVICE_STATE_NOTPRESENT)
+        return "not present";
+    return key.value_or(nothing);
 }
 
 Endpoint readEndpoint(const AudioDevice& device, EDataFlow flow)

@@ -43,7 +43,7 @@ struct Card
 };
 
 /// "render" and "capture", "output" and "input".
-const char* flowKey(EDataFlow flow);
+std::string flowKey(EDataFlow flow);
 const char* flowWords(EDataFlow flow);
 
 /// "notPresent" and "not present"; no value and "-" for a state that is not one of the four.

@@ -2,24 +2,14 @@
 
 #include "COM/identifiers.h"
 #include "libSonavit/endpointdeviceenumerator.h"
+#include "simulator/machine/namedvalues.h"
 #include "tools/sonavit/text.h"
-
-#include <array>
 
 namespace sonavit
 {
 namespace
 {
 constexpr unsigned noWaveId = 0xFFFFFFFF;
-
-struct RoleName
-{
-    ERole role;
-    const char* name;
-};
-
-constexpr std::array<RoleName, 3> roleNames = {
-    {{eConsole, "console"}, {eMultimedia, "multimedia"}, {eCommunications, "communications"}}};
 
 /// The library asks for the console role alone; this function asks for all three.
 std::vector<std::string> readDefaultRoles(const Endpoint& endpoint)
@@ -28,16 +18,16 @@ std::vector<std::string> readDefaultRoles(const Endpoint& endpoint)
     const libSonavit::EndpointDeviceEnumerator enumerator;
     if (!enumerator.isInitialized())
         return roles;
-    for (const RoleName& name : roleNames)
+    for (const sim::Named<ERole>& role : sim::roleNames)
     {
         IMMDevice* device = nullptr;
-        const HRESULT result = enumerator.enumerator()->GetDefaultAudioEndpoint(endpoint.flow, name.role, &device);
+        const HRESULT result = enumerator.enumerator()->GetDefaultAudioEndpoint(endpoint.flow, role.value, &device);
         const COMPtr<IMMDevice>::pointer holder(device);
         LPWSTR id = nullptr;
         if (FAILED(result) || device == nullptr || FAILED(device->GetId(&id)))
             continue;
         if (qor::String(platform::ucs2(id)).toUtf8() == endpoint.id)
-            roles.emplace_back(name.name);
+            roles.emplace_back(role.name);
         CoTaskMemFree(id);
     }
     return roles;
