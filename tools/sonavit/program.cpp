@@ -94,6 +94,12 @@ int run(const std::vector<std::string>& words, const Environment& environment)
         finish(environment, output);
         return exitDone;
     }
+    catch (const Interrupted&)
+    {
+        output.release();
+        environment.out.flush();
+        return exitInterrupted;
+    }
     catch (...)
     {
         const Failure failure = currentFailure();
