@@ -12,7 +12,7 @@ namespace
 class ProgramFormat : public support::ProgramTest
 {
 protected:
-    /// The speaker's format as the property store has it, or what stands there instead.
+    /// The speaker's format in the property store, or "none".
     std::string stored()
     {
         const sim::Machine machine = simulation().machine();

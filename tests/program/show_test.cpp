@@ -92,3 +92,14 @@ TEST_F(ProgramShow, ShowsAnEndpointThatTellsNothing)
                                   "volume", "muted", "driverNodeStrongName", "friendlyName"})
         EXPECT_TRUE(endpoint[key].is_null()) << key;
 }
+
+TEST_F(ProgramShow, ShowsNoRoleWhereTheSystemReportsNoDefault)
+{
+    sim::Simulation simulation(support::smallMachine());
+    simulation.faults().succeedWithNull("IMMDeviceEnumerator::GetDefaultAudioEndpoint");
+
+    const support::Answer answer = call({"show", support::speakerId()});
+
+    EXPECT_EQ(0, answer.code);
+    EXPECT_THAT(answer.lines(), Contains("  default for  -"));
+}

@@ -313,7 +313,7 @@ void CommandLineParser::Grammar::refuseExtras() const
     throw UsageError("unexpected argument " + inQuotes(first) + "; see sonavit" + command + " --help");
 }
 
-/// An option that takes a value and stands last, or before another option.
+/// Refuses an option that takes a value and is the last word or is followed by another option.
 void CommandLineParser::Grammar::refuseMissingValues(const std::vector<std::string>& words) const
 {
     for (std::size_t i = 0; i < words.size(); ++i)
