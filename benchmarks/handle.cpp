@@ -11,7 +11,7 @@ namespace
 {
 using Handle = COMPtr<IUnknown>::pointer;
 
-/// Copies a handle, and lets go of the copy.
+/// Copies a handle, and releases the copy.
 template<class Pointer>
 Comparisons::Work copying(const Pointer& handle)
 {

@@ -39,7 +39,7 @@ struct CoinHash
 
 namespace qor
 {
-/// A name shorter than the four units from which on names are cut.
+/// Too short to be cut: that takes four units.
 template<>
 const String& Array<Coin>::className()
 {
@@ -55,7 +55,7 @@ String numbered(unsigned int number)
     return "key " + qor::QORValue(number).toString(qor::QORValue::nilValue);
 }
 
-TEST(HashTableLookup, FindsTheValueOfAKeyInItsPlace)
+TEST(HashTableLookup, FindsTheStoredValueOfAKey)
 {
     Table table;
     table.insert("a", 1);

@@ -5,12 +5,12 @@
 
 namespace support
 {
-/// What a Tracked throws when it was asked to.
+/// What a Tracked throws on request.
 struct Planned
 {
 };
 
-/// An element that writes down how it is copied and destroyed, and that throws there on demand.
+/// An element that records its copies and its destruction, and throws in them on request.
 class Tracked
 {
 public:
@@ -44,7 +44,7 @@ public:
 
     int number() const { return m_number; }
 
-    /// Starts a test: nothing noted, nothing planned.
+    /// Removes all events and requests before a test.
     static void reset()
     {
         events.clear();
