@@ -70,7 +70,7 @@ struct ExhaustedMemory : support::LibraryTest
 };
 }
 
-TEST_F(ExhaustedMemory, LeavesTheSharedEnumeratorToTheNextCall)
+TEST_F(ExhaustedMemory, LeavesCreatingTheSharedEnumeratorToTheNextCall)
 {
     run({});
     {
@@ -84,7 +84,7 @@ TEST_F(ExhaustedMemory, LeavesTheSharedEnumeratorToTheNextCall)
     EXPECT_NE(nullptr, AudioDeviceEnumeratorFactory::enumerator().get());
 }
 
-TEST_F(ExhaustedMemory, HasADeviceReportThatThereIsNoSharedEnumerator)
+TEST_F(ExhaustedMemory, MakesADeviceLogThatThereIsNoSharedEnumerator)
 {
     run({});
     AudioDevice device;

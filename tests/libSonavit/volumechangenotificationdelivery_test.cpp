@@ -111,7 +111,7 @@ TEST_F(VolumeChangeNotificationOnNotify, CallsTheFunctionAndPostsToANullWindowWi
     EXPECT_THAT(box().messages(), ElementsAre(messageTo(nullptr)));
 }
 
-TEST_F(VolumeChangeNotificationOnNotify, PostsToTheWindowWithBothParametersNothing)
+TEST_F(VolumeChangeNotificationOnNotify, PostsToTheWindowWithBothParametersZero)
 {
     const Notification notification(new VolumeChangeNotification);
     notification->setCallbackWindow(box().window());
@@ -149,7 +149,7 @@ TEST_F(VolumeChangeNotificationOnNotify, CallsTheFunctionBeforeItPosts)
     EXPECT_THAT(box().messages(), ElementsAre(messageTo(box().window())));
 }
 
-TEST_F(VolumeChangeNotificationOnNotify, CallsNoFunctionThatWasTurnedOff)
+TEST_F(VolumeChangeNotificationOnNotify, CallsNoFunctionAfterItWasSetToNull)
 {
     Listener listener;
     const Notification notification(new VolumeChangeNotification);
@@ -162,7 +162,7 @@ TEST_F(VolumeChangeNotificationOnNotify, CallsNoFunctionThatWasTurnedOff)
     EXPECT_THAT(box().messages(), ElementsAre(messageTo(nullptr)));
 }
 
-TEST_F(VolumeChangeNotificationOnNotify, HandsANullContextOn)
+TEST_F(VolumeChangeNotificationOnNotify, PassesANullContextOn)
 {
     static bool wasNull;
     wasNull = false;
@@ -174,7 +174,7 @@ TEST_F(VolumeChangeNotificationOnNotify, HandsANullContextOn)
     EXPECT_TRUE(wasNull);
 }
 
-TEST_F(VolumeChangeNotificationOnNotify, DoesNotLookAtItsData)
+TEST_F(VolumeChangeNotificationOnNotify, IgnoresItsData)
 {
     Listener listener;
     const Notification notification(new VolumeChangeNotification);
@@ -186,7 +186,7 @@ TEST_F(VolumeChangeNotificationOnNotify, DoesNotLookAtItsData)
     EXPECT_EQ(1, listener.calls);
 }
 
-TEST_F(VolumeChangeNotificationOnNotify, SucceedsAlsoWhenItsWindowIsGone)
+TEST_F(VolumeChangeNotificationOnNotify, SucceedsEvenIfItsWindowIsGone)
 {
     const Notification notification(new VolumeChangeNotification);
     notification->setCallbackWindow(reinterpret_cast<HWND>(0x0DEAD));
@@ -249,7 +249,7 @@ TEST_F(VolumeChangeNotificationDelivery, CallsTheFunctionOnThePlatformsThreadAnd
     EXPECT_THAT(box().messages(), ElementsAre(messageTo(box().window()), messageTo(box().window())));
 }
 
-TEST_F(VolumeChangeNotificationDelivery, TellsAChangeThatItsOwnProcessMadeLikeAnyOther)
+TEST_F(VolumeChangeNotificationDelivery, NotifiesOfAChangeByItsOwnProcess)
 {
     Listener listener;
     const Notification notification(new VolumeChangeNotification);

@@ -109,7 +109,7 @@ TEST_F(AudioDeviceWaveIdScan, AsksOneNumberAfterTheOtherUntilTheIdIsFound)
     EXPECT_THAT(log.entered(channel), ElementsAre("waveOutLegacyDeviceID", "AudioDevice::dataFlow"));
 }
 
-TEST_F(AudioDeviceWaveIdScan, IsNoneInSilenceWhenAllNumbersAreExhausted)
+TEST_F(AudioDeviceWaveIdScan, IsNoneWithoutAMessageWhenAllNumbersAreSearched)
 {
     bench.machine().waveOut = waveDevices({"one", "two"});
     begin(speaker);
@@ -129,7 +129,7 @@ TEST_F(AudioDeviceWaveIdScan, EndsAtTheFirstOfTwoNumbers)
     EXPECT_EQ(1u, device().waveLegacyDeviceID());
 }
 
-TEST_F(AudioDeviceWaveIdScan, MakesNoAllowanceForCase)
+TEST_F(AudioDeviceWaveIdScan, ComparesIdsCaseSensitively)
 {
     const std::string upper = devicetest::upperCase(speaker.id());
     ASSERT_NE(upper, speaker.id());
@@ -188,7 +188,7 @@ TEST_F(AudioDeviceWaveIdScan, ReportsInputNumbersThatOnlyOutputsHave)
                 ElementsAre("waveMessage returns an error 2", "waveMessage returns an error 2"));
 }
 
-TEST_F(AudioDeviceWaveIdScan, PassesOverADriverThatRefusesTheSize)
+TEST_F(AudioDeviceWaveIdScan, SkipsADriverThatRefusesTheSize)
 {
     bench.machine().waveOut = {{speaker.id(), MMSYSERR_NOTSUPPORTED, 0}, {speaker.id()}};
     begin(speaker);
@@ -199,7 +199,7 @@ TEST_F(AudioDeviceWaveIdScan, PassesOverADriverThatRefusesTheSize)
     EXPECT_EQ(3u, simulation().journal().count("waveOutMessage")) << "the size alone is asked of the first";
 }
 
-TEST_F(AudioDeviceWaveIdScan, PassesOverADriverThatRefusesTheIdAndFreesTheBlock)
+TEST_F(AudioDeviceWaveIdScan, SkipsADriverThatRefusesTheIdAndFreesTheBlock)
 {
     bench.machine().waveOut = {{speaker.id(), 0, MMSYSERR_INVALPARAM}, {speaker.id()}};
     begin(speaker);
@@ -274,7 +274,7 @@ TEST_F(AudioDeviceWaveIdScan, FindsADeviceThatIsPluggedInMeanwhile)
     EXPECT_EQ(1u, plug.fired());
 }
 
-TEST_F(AudioDeviceWaveIdScan, TakesAnUnknownFlowForAnInput)
+TEST_F(AudioDeviceWaveIdScan, TreatsAnUnknownFlowAsAnInput)
 {
     bench.machine().waveOut = waveDevices({speaker.id()});
     bench.machine().waveIn = waveDevices({speaker.id()});

@@ -54,7 +54,7 @@ __attribute__((section(".preinit_array"), used)) void (*const beforeAllLibraries
 }
 }
 
-TEST(AudioDeviceEnumeratorDeathTest, IsTakenDownWhenTheProcessEnds)
+TEST(AudioDeviceEnumeratorDeathTest, IsDestroyedWhenTheProcessEnds)
 {
     EXPECT_EXIT(
         {
@@ -69,7 +69,7 @@ TEST(AudioDeviceEnumeratorDeathTest, IsTakenDownWhenTheProcessEnds)
                        "CoUninitialize\n"));
 }
 
-TEST(AudioDeviceEnumeratorDeathTest, LeavesNothingToDoAtTheEndOfAProcessThatNeverAskedForIt)
+TEST(AudioDeviceEnumeratorDeathTest, MakesNoCallAtTheEndOfAProcessThatNeverCreatedIt)
 {
     EXPECT_EXIT(endWithClients(0), testing::ExitedWithCode(0), testing::StrEq(""));
 }
