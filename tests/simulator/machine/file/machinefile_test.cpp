@@ -314,6 +314,8 @@ TEST(MachineFileFind, ShowsAnyNameOnOneShortLine)
     const ChosenFolder chosen(folder.path());
 
     EXPECT_THAT(errorOf([] { sim::findMachine("a\nb\xC3"); }), StartsWith("\"a\\nb\\xC3\": expected"));
+    EXPECT_THAT(errorOf([] { sim::findMachine("folder/\xC3.json"); }),
+                AllOf(StartsWith("folder/\\xC3.json: expected"), HasSubstr("nothing that can be opened")));
     EXPECT_LT(errorOf([] { sim::findMachine(std::string(100000, 'x')); }).size(), 300u);
 }
 
