@@ -381,4 +381,4 @@ TEST(SharedPointer, IsNilOnlyWhenItsObjectIsGone)
     EXPECT_EQ(object, seen);
     EXPECT_EQ(nullptr, pointer.get());
 }
-} // namespace
+}
