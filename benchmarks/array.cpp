@@ -1,8 +1,8 @@
+#include "qor/array.h"
+
 #include "suites.h"
 #include "texts.h"
 #include "visited.h"
-
-#include "qor/array.h"
 
 #include <numeric>
 #include <string>

@@ -1,7 +1,6 @@
+#include "COM/comptr.h"
 #include "countedobject.h"
 #include "suites.h"
-
-#include "COM/comptr.h"
 
 #include <memory>
 

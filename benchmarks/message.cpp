@@ -1,7 +1,6 @@
+#include "qor/logstatement.h"
 #include "suites.h"
 #include "threshold.h"
-
-#include "qor/logstatement.h"
 
 #define SPDLOG_ACTIVE_LEVEL SPDLOG_LEVEL_DEBUG // its statements are disabled at run time, like ours
 #include <spdlog/sinks/null_sink.h>

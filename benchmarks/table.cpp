@@ -1,8 +1,7 @@
+#include "qor/orderedhashtable.h"
 #include "suites.h"
 #include "texts.h"
 #include "visited.h"
-
-#include "qor/orderedhashtable.h"
 
 #include <string>
 #include <unordered_map>

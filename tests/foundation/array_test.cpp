@@ -348,4 +348,4 @@ TEST(ArrayContains, ComparesNumbers)
     EXPECT_TRUE(array.contains(2));
     EXPECT_FALSE(array.contains(3));
 }
-} // namespace
+}

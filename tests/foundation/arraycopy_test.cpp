@@ -210,4 +210,4 @@ TEST(ArrayWithoutMemory, ThrowsNullPointerNaming0WhenItIsCleared)
 
     EXPECT_EQ(0u, array.size());
 }
-} // namespace
+}

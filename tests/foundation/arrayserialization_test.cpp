@@ -102,4 +102,4 @@ TEST(ArrayClassName, IsWhatTheObjectAnswers)
     EXPECT_EQ(&Array<Tracked>::className(), &base.objectClassName());
     EXPECT_EQ(&Array<unsigned int>::className(), &numbers.objectClassName());
 }
-} // namespace
+}

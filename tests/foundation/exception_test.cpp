@@ -224,4 +224,4 @@ TEST(HashKeyMissing, CarriesTheKeyAsItsMessage)
     EXPECT_EQ(String("{1}.HDAUDIO"), exception.key());
     EXPECT_EQ(String("{1}.HDAUDIO"), exception.message());
 }
-} // namespace
+}

@@ -35,7 +35,7 @@ struct CoinHash
 {
     static unsigned int hash(const Coin& coin) { return coin.value; }
 };
-} // namespace
+}
 
 namespace qor
 {
@@ -46,7 +46,7 @@ const String& Array<Coin>::className()
     static const String& name = *new String("AC");
     return name;
 }
-} // namespace qor
+}
 
 namespace
 {
@@ -333,4 +333,4 @@ TEST(HashFuncOfTexts, SpreadsTextsThatDifferInOneUnitAnywhere)
     EXPECT_EQ(plain.size() * 26, hashes.size());
     EXPECT_LE(400u, chains.size()); // of 650 throws into 1024 chains, about 481 different ones are hit
 }
-} // namespace
+}

@@ -275,4 +275,4 @@ TEST(BucketBase, HasItsVirtualOperationsInTheirFixedOrder)
     EXPECT_EQ(3u, support::virtualSlot(&qor::_BucketBase::clone));
 }
 #endif
-} // namespace
+}

@@ -388,4 +388,4 @@ TEST(LogRegistryDeathTest, OutlivesTheStaticObjects)
     EXPECT_EXIT(logAtTheEnd(), testing::ExitedWithCode(0), "test.late: enumerator RELEASED");
     EXPECT_EXIT(logAtTheEnd(), testing::ExitedWithCode(0), "test.late.new: made at the end");
 }
-} // namespace
+}

@@ -76,4 +76,4 @@ TEST(AutoMutex, KeepsThreadsApart)
 
     EXPECT_EQ(20000, counter);
 }
-} // namespace
+}

@@ -328,4 +328,4 @@ TEST(OrderedHashTableCopy, IsIndependent)
     EXPECT_THAT(valuesOf(copy), ElementsAre(7, 2, 3, 4));
     EXPECT_FALSE(table.contains("d"));
 }
-} // namespace
+}

@@ -381,4 +381,4 @@ TEST(SharedPointer, IsNilOnlyAfterItsObjectIsDestroyed)
     EXPECT_EQ(object, seen);
     EXPECT_EQ(nullptr, pointer.get());
 }
-} // namespace
+}

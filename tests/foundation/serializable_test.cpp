@@ -363,4 +363,4 @@ TEST(SerializableInterface, HasItsVirtualOperationsInTheirFixedOrder)
     EXPECT_EQ(12u, virtualSlot(&Serializable::insertValueToContainer));
 }
 #endif
-} // namespace
+}

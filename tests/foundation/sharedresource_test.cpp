@@ -337,4 +337,4 @@ TEST(SharedResourceDestroyerBase, HasItsVirtualOperationsInTheirFixedOrder)
     EXPECT_EQ(2u, support::virtualSlot(&qor::SharedResourceDestroyerBase::forget)); // behind those of the destructor
 }
 #endif
-} // namespace
+}

@@ -191,4 +191,4 @@ TEST(LockedSharedResource, BehavesLikeTheUnlockedFormOtherwise)
     EXPECT_EQ(nullptr, number.get());
     EXPECT_EQ(nullptr, nilCopy.m_count);
 }
-} // namespace
+}

@@ -337,4 +337,4 @@ TEST(StringBuffer, OfTheEmptyTextIsNotNull)
     ASSERT_NE(nullptr, cleared.getUCS2Buffer());
     EXPECT_EQ(0, *cleared.getUCS2Buffer());
 }
-} // namespace
+}

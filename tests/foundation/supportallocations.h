@@ -37,4 +37,4 @@ public:
     /// From now on no allocation fails.
     void succeed();
 };
-} // namespace support
+}

@@ -39,4 +39,4 @@ std::string refusal(Operation operation)
     }
     return "nothing was thrown";
 }
-} // namespace support
+}

@@ -17,4 +17,4 @@ struct ConstantHash
 };
 
 using ExactText = qor::EqualFunc<qor::String>;
-} // namespace support
+}

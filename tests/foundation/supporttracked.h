@@ -65,4 +65,4 @@ private:
 
     int m_number;
 };
-} // namespace support
+}

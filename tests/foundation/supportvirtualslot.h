@@ -19,5 +19,5 @@ std::size_t virtualSlot(Member member)
     std::memcpy(&encoded, &member, sizeof(encoded));
     return (encoded - 1) / sizeof(void*);
 }
-} // namespace support
+}
 #endif

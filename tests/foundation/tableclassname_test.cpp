@@ -119,4 +119,4 @@ TEST(ClassNameRebuilding, HappensOnlyWhileTheNameIsEmpty)
     EXPECT_EQ(String("H(String,Uint32)"), table.objectClassName());
     EXPECT_EQ(&name, &table.objectClassName());
 }
-} // namespace
+}

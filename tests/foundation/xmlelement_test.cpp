@@ -222,4 +222,4 @@ TEST(XmlElementReadFailure, EndsTooDeepElements)
     EXPECT_EQ("none", complaint(deep + ends));
     EXPECT_EQ("line 1, column 601: elements are nested too deeply", complaint("<a>" + deep + ends + "</a>"));
 }
-} // namespace
+}

@@ -1,9 +1,8 @@
 // What a notification does when the platform calls OnNotify.
 #include "tests/libSonavit/supportpostbox.h"
 
-#include "tests/support/librarytest.h"
-
 #include "libSonavit/volumecontroller.h"
+#include "tests/support/librarytest.h"
 
 #include <memory>
 #include <string>

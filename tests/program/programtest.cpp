@@ -139,4 +139,4 @@ std::string smallInstanceId()
 {
     return SmallMachine().instanceId;
 }
-} // namespace support
+}

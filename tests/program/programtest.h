@@ -66,4 +66,4 @@ std::string microphoneId();
 /// The card's ids.
 std::string smallCardId();
 std::string smallInstanceId();
-} // namespace support
+}

@@ -1,17 +1,17 @@
 /// What the tests of the simulated machine share: a small machine, and a fixture on it that leaves nothing behind.
 #pragma once
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <string>
-#include <thread>
-
 #include "simulator/machine/builder/machinebuilder.h"
 #include "simulator/machine/nodetypes.h"
 #include "simulator/simulation.h"
 #include "tests/simulator/held.h"
 #include "tests/simulator/listeners.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
 
 namespace bench
 {

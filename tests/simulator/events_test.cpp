@@ -1,8 +1,8 @@
 #include "tests/simulator/eventstest.h"
 
-#include <stdexcept>
-
 #include "simulator/machine/propertykeys.h"
+
+#include <stdexcept>
 
 namespace
 {

@@ -1,15 +1,15 @@
 /// References and texts that end by themselves, for the tests of the simulated machine.
 #pragma once
 
+#include "simulator/core/interfaces.h"
+#include "simulator/core/text.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
-
-#include "simulator/core/interfaces.h"
-#include "simulator/core/text.h"
 
 namespace bench
 {

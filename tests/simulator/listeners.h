@@ -1,6 +1,8 @@
 /// Clients that write down what they hear, for the tests of the simulated machine.
 #pragma once
 
+#include "simulator/core/text.h"
+
 #include <atomic>
 #include <cstddef>
 #include <cstring>
@@ -8,8 +10,6 @@
 #include <string>
 #include <thread>
 #include <vector>
-
-#include "simulator/core/text.h"
 
 namespace bench
 {

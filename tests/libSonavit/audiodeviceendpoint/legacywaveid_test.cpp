@@ -1,6 +1,5 @@
 #include "libSonavit/soundcard.h"
 #include "simulator/waveredirection.h"
-
 #include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
 
 #include <algorithm>
@@ -320,7 +319,8 @@ TEST_F(AudioDeviceWaveMessage, WidensTheNumberWithItsSign)
 
     device().waveMessage(eRender, 0xFFFFFFFF, 5, 0, 0);
 
-    EXPECT_THAT(calls().calls(), ElementsAre("waveOutMessage(18446744073709551615, 5)"));
+    const std::string widened = std::to_string(~DWORD_PTR{0}); // 64 bits, but on 32-bit Windows
+    EXPECT_THAT(calls().calls(), ElementsAre("waveOutMessage(" + widened + ", 5)"));
 }
 
 TEST_F(AudioDeviceWaveMessage, PassesBothParametersOn)

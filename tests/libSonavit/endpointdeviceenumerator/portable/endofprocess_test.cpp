@@ -1,9 +1,8 @@
+// What happens at the end of a process. On Windows tests/windows/unloading_test.cpp covers it.
 #include "libSonavit/endpointdeviceenumerator.h"
 
 #include "tests/libSonavit/endpointdeviceenumerator/supportcountedclient.h"
 #include "tests/support/librarytest.h"
-
-#if !defined(_WIN32) // see tests/windows/unloading_test.cpp for the end of a process there
 
 #include <unistd.h>
 
@@ -73,5 +72,3 @@ TEST(AudioDeviceEnumeratorDeathTest, MakesNoCallAtTheEndOfAProcessThatNeverCreat
 {
     EXPECT_EXIT(endWithClients(0), testing::ExitedWithCode(0), testing::StrEq(""));
 }
-
-#endif

@@ -1,5 +1,4 @@
 // The runtime functions are the system's own on Windows.
-#if !defined(_WIN32)
 
 #include "tests/simulator/bench.h"
 
@@ -242,5 +241,3 @@ TEST_F(RuntimeDevices, LeaveTheTextAloneWhereThereIsNoParent)
     EXPECT_EQ("before", parent.toUtf8());
 }
 }
-
-#endif

@@ -1,5 +1,4 @@
 // The wave functions are the system's own on Windows.
-#if !defined(_WIN32)
 
 #include "tests/simulator/bench.h"
 
@@ -89,5 +88,3 @@ TEST_F(RuntimeWave, WritesIdAndMessageIntoTheJournal)
                 ElementsAre("waveInMessage(0, 2066) -> 0x00000007", "waveOutMessage(1, 2066) -> 0x00000006"));
 }
 }
-
-#endif
