@@ -166,7 +166,7 @@ TEST_F(ArrayAssignment, ThatFailsLeavesAnEmptyArrayThatCanBeUsed)
     Tracked::throwingCopy = 2;
 
     EXPECT_THROW(target = source, support::Planned);
-    Tracked::throwingCopy = Tracked::nobody;
+    Tracked::throwingCopy = Tracked::noNumber;
 
     EXPECT_EQ(nullptr, target.m_block);
     EXPECT_EQ(0u, target.size());
@@ -185,7 +185,7 @@ TEST_F(ArrayAssignment, GivesAnArrayWithoutABlockOneOfItsOwn)
     Array<Tracked> target;
     Tracked::throwingCopy = 1;
     EXPECT_THROW(target = source, support::Planned);
-    Tracked::throwingCopy = Tracked::nobody;
+    Tracked::throwingCopy = Tracked::noNumber;
 
     target = source;
 

@@ -37,7 +37,7 @@ public:
         note("destroy");
         if (m_number == throwingDestruction)
         {
-            throwingDestruction = nobody;
+            throwingDestruction = noNumber;
             throw Planned();
         }
     }
@@ -49,16 +49,16 @@ public:
     {
         events.clear();
         alive = 0;
-        throwingCopy = nobody;
-        throwingDestruction = nobody;
+        throwingCopy = noNumber;
+        throwingDestruction = noNumber;
     }
 
-    static constexpr int nobody = -1;
+    static constexpr int noNumber = -1;
 
     static inline std::vector<std::string> events; ///< "copy 3", "assign 3", "destroy 3"
     static inline int alive = 0;
-    static inline int throwingCopy = nobody;        ///< copies of this number throw
-    static inline int throwingDestruction = nobody; ///< the next destruction of this number throws
+    static inline int throwingCopy = noNumber;        ///< copies of this number throw
+    static inline int throwingDestruction = noNumber; ///< the next destruction of this number throws
 
 private:
     void note(const char* what) const { events.push_back(what + (' ' + std::to_string(m_number))); }
