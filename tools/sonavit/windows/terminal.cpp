@@ -16,11 +16,37 @@ namespace
 {
 constexpr DWORD virtualTerminal = 0x4; // ENABLE_VIRTUAL_TERMINAL_PROCESSING, which not every SDK has
 
+/// Only a console takes characters, here none. A handle that may only write, as of a redirection to CON, is enough.
 bool isConsole(HANDLE output)
 {
-    DWORD mode = 0;
-    return GetConsoleMode(output, &mode) != FALSE;
+    DWORD written = 0;
+    return WriteConsoleW(output, L"", 0, &written, nullptr) != FALSE;
 }
+
+/// The console's screen, opened to read as well, which a standard handle may not.
+class Screen
+{
+public:
+    Screen()
+        : m_handle(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                               OPEN_EXISTING, 0, nullptr))
+    {
+    }
+
+    ~Screen()
+    {
+        if (m_handle != INVALID_HANDLE_VALUE)
+            CloseHandle(m_handle);
+    }
+
+    Screen(const Screen&) = delete;
+    Screen& operator=(const Screen&) = delete;
+
+    HANDLE handle() const { return m_handle; }
+
+private:
+    HANDLE m_handle;
+};
 
 ConsoleBuffer::Write writerTo(HANDLE console)
 {
@@ -105,7 +131,6 @@ public:
     StandardStream(const StandardStream&) = delete;
     StandardStream& operator=(const StandardStream&) = delete;
 
-    HANDLE handle() const { return m_handle; }
     bool isOnConsole() const { return m_console.has_value(); }
 
 private:
@@ -122,7 +147,7 @@ public:
     Streams() : m_out(std::cout, STD_OUTPUT_HANDLE), m_err(std::cerr, STD_ERROR_HANDLE)
     {
         if (m_out.isOnConsole() && areColoursWanted())
-            m_sequences.emplace(m_out.handle());
+            m_sequences.emplace(m_screen.handle());
     }
 
     bool isTerminal() const { return m_out.isOnConsole(); }
@@ -133,13 +158,14 @@ public:
     unsigned width() const
     {
         CONSOLE_SCREEN_BUFFER_INFO info{};
-        if (GetConsoleScreenBufferInfo(m_out.handle(), &info) == FALSE)
+        if (!isTerminal() || GetConsoleScreenBufferInfo(m_screen.handle(), &info) == FALSE)
             return 0;
         const int columns = info.srWindow.Right - info.srWindow.Left;
         return columns > 0 ? static_cast<unsigned>(columns) : 0;
     }
 
 private:
+    Screen m_screen;
     std::optional<SequenceMode> m_sequences; // ends after the streams, which may still hold sequences
     StandardStream m_out;
     StandardStream m_err;
