@@ -105,6 +105,7 @@ TEST_P(ProgramOnMachine, AnswersForEachEndpoint)
 
 TEST_P(ProgramOnMachine, SetsWhatCanBeSet)
 {
+    pause = [](std::chrono::milliseconds) { return false; }; // the hold of a format ends by itself
     for (const std::string& id : endpointIds())
     {
         tryBoth({"set-volume", id, "50%"});

@@ -1,17 +1,19 @@
-/// How a command ends that cannot do what it was asked for.
+/// How a command reports that it cannot do what the user asks for.
 #pragma once
 
+#include <exception>
 #include <stdexcept>
 #include <string>
 
 namespace sonavit
 {
-/// What the program leaves to whoever called it.
+/// The program's exit codes.
 enum ExitCode
 {
-    exitDone = 0,
-    exitFailed = 1, ///< something that could not be done
-    exitUsage = 2   ///< something that was asked for wrongly
+    exitDone = 0,         ///< success
+    exitFailed = 1,       ///< an operation failed
+    exitUsage = 2,        ///< usage error
+    exitInterrupted = 130 ///< the user or the system ended the command; main() ends the process in the same way
 };
 
 /// An operation that failed; what() is one sentence without a full stop.
@@ -21,10 +23,15 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Arguments that make no sense, or that name what there is not; what() is one sentence without a full stop.
+/// Invalid arguments, or a name of something that does not exist; what() is one sentence without a full stop.
 class UsageError : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
+};
+
+/// The end was requested and the command has put back what it had changed; there is nothing to report.
+class Interrupted : public std::exception
+{
 };
 }

@@ -17,8 +17,11 @@ WAVEFORMATEXTENSIBLE presentFormat(const AudioDevice& device)
 
 /// Sets the format for the time that the user wants. The device puts it back when it ends, so this one is made for
 /// the purpose, and nobody else holds a copy.
-WAVEFORMATEXTENSIBLE holdFormat(Context& context, const Endpoint& endpoint)
+///
+/// @p isInterrupted is set if the end was requested in the meantime
+WAVEFORMATEXTENSIBLE holdFormat(Context& context, const Endpoint& endpoint, bool& isInterrupted)
 {
+    const std::shared_ptr<void> deferral = context.environment.deferEnd(); // outlives the device
     AudioDevice device(endpoint.device.deviceProperty().deviceId);
     if (!isKnown(device.deviceProperty().format))
         throw OperationFailure(endpoint.title() + " does not tell its format, so there is none to go back to");
@@ -27,7 +30,7 @@ WAVEFORMATEXTENSIBLE holdFormat(Context& context, const Endpoint& endpoint)
     const WAVEFORMATEXTENSIBLE during = device.deviceProperty().format;
     if (!context.arguments.isJson)
         context.environment.out << "during  " << formatWords(during) << "\n" << std::flush;
-    context.environment.pause(context.arguments.hold);
+    isInterrupted = context.environment.pause(context.arguments.hold);
     return during;
 }
 
@@ -56,7 +59,8 @@ void runFormat(Context& context)
     const WAVEFORMATEXTENSIBLE before = endpoint.device.deviceProperty().format;
     if (!context.arguments.isJson)
         out << endpoint.title() << "\nbefore  " << formatWords(before) << "\n" << std::flush;
-    const WAVEFORMATEXTENSIBLE during = holdFormat(context, endpoint);
+    bool isInterrupted = false;
+    const WAVEFORMATEXTENSIBLE during = holdFormat(context, endpoint, isInterrupted);
     const WAVEFORMATEXTENSIBLE after = presentFormat(endpoint.device);
     if (context.arguments.isJson)
     {
@@ -66,8 +70,10 @@ void runFormat(Context& context)
                                             {"during", formatJson(during)},
                                             {"after", formatJson(after)}});
         out << answer.text() << "\n";
-        return;
     }
-    out << "after   " << formatWords(after) << "\n";
+    else
+        out << "after   " << formatWords(after) << "\n";
+    if (isInterrupted)
+        throw Interrupted();
 }
 }

@@ -6,7 +6,6 @@
 #include "tools/sonavit/json.h"
 #include "tools/sonavit/logoutput.h"
 
-#include <array>
 #include <exception>
 
 namespace sonavit
@@ -62,7 +61,7 @@ void runCommand(const std::vector<std::string>& words, const Environment& enviro
 void complain(const std::vector<std::string>& words, const Environment& environment, const std::string& sentence)
 {
     if (asksForJson(words))
-        environment.out << Json::document({{"error", sentence}}).text() << "\n" << std::flush;
+        environment.out << Json::document({{"error", sentence}}).line() << "\n" << std::flush;
     environment.err << "sonavit: " << sentence << "\n" << std::flush;
 }
 }
@@ -76,6 +75,11 @@ int run(const std::vector<std::string>& words, const Environment& environment)
         if (!environment.out)
             throw OperationFailure("the answer cannot be written");
         return exitDone;
+    }
+    catch (const Interrupted&)
+    {
+        environment.out.flush();
+        return exitInterrupted;
     }
     catch (const UsageError& error)
     {
