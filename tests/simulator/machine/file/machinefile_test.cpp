@@ -12,10 +12,6 @@
 #include <fstream>
 #include <functional>
 
-#if !defined(_WIN32)
-#include <sys/stat.h>
-#endif
-
 namespace
 {
 using testing::AllOf;
@@ -201,20 +197,6 @@ TEST(MachineFileRead, RefusesAFileOfMoreThan64MiBAtOnce)
     EXPECT_EQ(large + ": expected a machine file, found one of more than 64 MiB",
               errorOf([&] { sim::findMachine(large); }));
 }
-
-#if !defined(_WIN32)
-TEST(MachineFileRead, RefusesWhatIsNotARegularFileWithoutOpeningIt)
-{
-    const TemporaryFolder folder;
-    const std::string pipe = folder.path() + "/pipe.json";
-    ASSERT_EQ(0, mkfifo(pipe.c_str(), 0600));
-
-    EXPECT_EQ(pipe + ": expected a machine file, found something that is not a regular file",
-              errorOf([&] { sim::readMachineFile(pipe); }));
-    EXPECT_EQ("/dev/zero: expected a machine file, found something that is not a regular file",
-              errorOf([] { sim::findMachine("/dev/zero"); }));
-}
-#endif
 
 TEST(MachineFileRead, KeepsCharactersOfEveryLength)
 {
