@@ -241,7 +241,7 @@ TEST_F(VolumeChangeNotificationDelivery, CallsTheFunctionOnThePlatformsThreadAnd
 
     simulation().events().setVolume(speaker.id(), -20.0f);
     simulation().events().setVolume(speaker.id(), {}, true);
-    simulation().events().settle();
+    simulation().events().waitForClients();
 
     EXPECT_EQ(2, listener.calls);
     EXPECT_NE(std::this_thread::get_id(), listener.thread);

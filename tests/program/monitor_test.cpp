@@ -22,7 +22,7 @@ protected:
         {
             if (next < steps.size())
                 steps[next](simulation().events());
-            simulation().events().settle();
+            simulation().events().waitForClients();
             return next++ >= steps.size();
         };
         options.insert(options.begin(), "monitor");

@@ -1,5 +1,3 @@
-// The wave functions are the system's own on Windows.
-
 #include "tests/simulator/bench.h"
 
 namespace
