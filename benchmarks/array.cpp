@@ -1,8 +1,8 @@
+#include "qor/array.h"
+
 #include "suites.h"
 #include "texts.h"
 #include "visited.h"
-
-#include "qor/array.h"
 
 #include <numeric>
 #include <string>
@@ -33,7 +33,7 @@ Sequence filled(const std::vector<T>& values)
     return sequence;
 }
 
-/// Starts empty, appends all values one by one, and takes the sequence down.
+/// Appends all values one by one to an empty sequence, and destroys it.
 template<class Sequence, class T>
 Comparisons::Work appending(const std::vector<T>& values)
 {
@@ -50,7 +50,7 @@ Comparisons::Work appending(const std::vector<T>& values)
     };
 }
 
-/// Visits all elements, as callers do. Not inlined, so that the compiler treats both loops as ones that matter.
+/// Visits all elements, as callers do. Not inlined, so that the compiler optimises both loops alike.
 template<class T>
 [[gnu::noinline]] unsigned int sumOf(const qor::Array<T>& sequence)
 {
@@ -86,7 +86,7 @@ Comparisons::Work iterating(const std::vector<T>& values)
     };
 }
 
-/// Copies a sequence, and takes the copy down.
+/// Copies a sequence, and destroys the copy.
 template<class Sequence, class T>
 Comparisons::Work copying(const std::vector<T>& values)
 {

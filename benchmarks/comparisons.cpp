@@ -7,7 +7,7 @@
 
 namespace bench
 {
-/// Keeps what each repetition took; Google Benchmark's own report would not bring the pairs together.
+/// Keeps the time of each repetition; the report of Google Benchmark does not compare pairs.
 class Comparisons::Collector final : public benchmark::BenchmarkReporter
 {
 public:

@@ -9,21 +9,21 @@
 
 namespace bench
 {
-/// Pairs of measurements that do the same work, once with this library and once with something well known, and the
-/// table of their ratios.
+/// Pairs of measurements that do the same work, once with this library and once with another one, and the table of
+/// their ratios.
 class Comparisons
 {
 public:
     using Work = std::function<void(benchmark::State&)>;
 
-    /// @param circumstances stand above the table, for example how many threads there are
+    /// @param circumstances printed above the table, for example the number of threads
     explicit Comparisons(std::string circumstances);
 
-    /// Adds a pair. @param theirName says what the library is compared with
+    /// Adds a pair. @param theirName names what the library is compared with
     void add(const std::string& name, Work ours, const std::string& theirName, Work theirs);
 
-    /// Measures all pairs, mixed at random so that a busy machine burdens both sides alike, and prints the table on
-    /// standard output. A command line that filters pairs away leaves them out of the table.
+    /// Measures all pairs in random order, so that a busy machine affects both sides equally, and prints the table to
+    /// standard output. Pairs that the command line filters out are not in the table.
     /// @return false, with a message on standard error, if a measurement failed
     bool run() const;
 

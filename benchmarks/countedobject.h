@@ -6,10 +6,10 @@
 
 namespace bench
 {
-/// An object as the platform makes them, behind its interface: its operations are calls that nobody sees through, its
-/// count is changed in one atomic step. It has one reference, which is the caller's.
+/// An object like those of the platform: the compiler cannot inline its operations, and it changes its count
+/// atomically. It has one reference, which the caller owns.
 IUnknown* newCountedObject();
 
-/// The same kind of object in the standard library's care.
+/// The same kind of object, owned by a pointer of the standard library.
 std::shared_ptr<IUnknown> newSharedObject();
 }

@@ -1,7 +1,6 @@
+#include "COM/comptr.h"
 #include "countedobject.h"
 #include "suites.h"
-
-#include "COM/comptr.h"
 
 #include <memory>
 
@@ -11,7 +10,7 @@ namespace
 {
 using Handle = COMPtr<IUnknown>::pointer;
 
-/// Copies a handle, and lets go of the copy.
+/// Copies a handle, and releases the copy.
 template<class Pointer>
 Comparisons::Work copying(const Pointer& handle)
 {

@@ -4,6 +4,6 @@
 
 namespace bench
 {
-/// Lines that belong ahead of measured numbers: processor, how busy it is, compiler and its options.
+/// Lines to print before the measured numbers: processor, its load, compiler and options.
 std::string hostAndBuild();
 }

@@ -1,4 +1,4 @@
-/// Measures this library beside the standard library, in one run, and prints the ratios.
+/// Measures this library and the standard library in one run, and prints the ratios.
 ///
 /// Options are those of Google Benchmark: --benchmark_filter=text measures the pairs with "text" in their names,
 /// --benchmark_repetitions=51 measures more often.
@@ -12,7 +12,7 @@
 
 namespace
 {
-/// Our defaults stand ahead of the command line, so that it has the last word.
+/// Puts our defaults before the command line, so that its options override them.
 std::vector<char*> withDefaults(int argc, char** argv)
 {
     static char repetitions[] = "--benchmark_repetitions=21";
@@ -36,7 +36,7 @@ bool compareWithOneThread()
     return comparisons.run();
 }
 
-/// What counts references, ours and the standard library's, uses locked instructions from the second thread on.
+/// Reference counting, ours and that of the standard library, uses locked instructions once a second thread exists.
 bool compareWithTwoThreads()
 {
     std::promise<void> done;

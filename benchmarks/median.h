@@ -5,7 +5,7 @@
 
 namespace bench
 {
-/// The middle of @p samples, which are put in order and are not empty; the lower one of two.
+/// The median of @p samples, the lower one of two; sorts them. They must not be empty.
 inline double median(std::vector<double>& samples)
 {
     std::sort(samples.begin(), samples.end());

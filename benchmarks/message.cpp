@@ -1,16 +1,15 @@
+#include "qor/logstatement.h"
 #include "suites.h"
 #include "threshold.h"
 
-#include "qor/logstatement.h"
-
-#define SPDLOG_ACTIVE_LEVEL SPDLOG_LEVEL_DEBUG // its statements are to be switched off when they run, like ours
+#define SPDLOG_ACTIVE_LEVEL SPDLOG_LEVEL_DEBUG // its statements are disabled at run time, like ours
 #include <spdlog/sinks/null_sink.h>
 #include <spdlog/spdlog.h>
 
 #include <memory>
 #include <string>
 
-/// Log channel of the messages here, none of which is ever written.
+/// Log channel of the messages in this file, which are never written.
 namespace benchmarklog
 {
 inline constexpr const char* channel = "benchmark";
@@ -21,7 +20,7 @@ namespace bench
 {
 namespace
 {
-/// Operands as the library has them: a number, and a text that has to be made first.
+/// Operands as the library has them: a number, and a string that must be made first.
 std::string operand(unsigned int number)
 {
     return "device " + std::to_string(number) + " with a text too long to be stored in place";
@@ -73,7 +72,7 @@ void theirMessage(benchmark::State& state)
     }
 }
 
-/// The same without the operand that takes time.
+/// The same without the expensive operand.
 void ourPlainMessage(benchmark::State& state)
 {
     unsigned int number = 1;

@@ -1,4 +1,4 @@
-/// What is compared. What texts and handles cost depends on whether the process has a second thread.
+/// The groups of comparisons. Strings and handles cost more once the process has a second thread.
 #pragma once
 
 #include "comparisons.h"

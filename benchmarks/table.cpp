@@ -1,8 +1,7 @@
+#include "qor/orderedhashtable.h"
 #include "suites.h"
 #include "texts.h"
 #include "visited.h"
-
-#include "qor/orderedhashtable.h"
 
 #include <string>
 #include <unordered_map>
@@ -13,7 +12,7 @@ namespace bench
 {
 namespace
 {
-/// What one builds from the standard library for the same purpose: an index by key, and the entries in order.
+/// The same built from the standard library: an index by key, and the entries in order.
 class StandardTable
 {
 public:
@@ -67,7 +66,7 @@ unsigned int lookedUp(const Table& table, const std::vector<Key>& keys)
     return sum;
 }
 
-/// Fills an empty table, and takes it down.
+/// Fills an empty table, and destroys it.
 template<class Table, class Key>
 Comparisons::Work filling(const std::vector<Key>& keys)
 {
@@ -83,7 +82,7 @@ Comparisons::Work filling(const std::vector<Key>& keys)
     };
 }
 
-/// Finds every key, by texts that share nothing with those in the table.
+/// Finds every key by strings that share no buffer with those in the table.
 template<class Table, class Key>
 Comparisons::Work lookingUp(const std::vector<Key>& keys, const std::vector<Key>& questions)
 {

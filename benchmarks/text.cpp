@@ -18,7 +18,7 @@ const char* units(const qor::String& text)
     return reinterpret_cast<const char*>(text.getUCS2Buffer());
 }
 
-/// Copies a text, and lets go of the copy.
+/// Copies a string, and destroys the copy.
 template<class Text>
 Comparisons::Work copying(const Text& text)
 {
@@ -32,7 +32,7 @@ Comparisons::Work copying(const Text& text)
     };
 }
 
-/// Assigns two texts of the same length in turn.
+/// Assigns two strings of the same length in turn.
 template<class Text>
 Comparisons::Work assigning(const Text& first, const Text& second)
 {
@@ -65,7 +65,7 @@ char16_t folded(char16_t unit)
     return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + (u'a' - u'A')) : unit;
 }
 
-/// The standard library has no such comparison; this is how one writes it.
+/// The usual way to write this comparison, which the standard library does not have.
 int compareNoCase(const std::u16string& left, const std::u16string& right)
 {
     const std::size_t common = std::min(left.size(), right.size());
@@ -79,7 +79,7 @@ int compareNoCase(const std::u16string& left, const std::u16string& right)
     return left.size() == right.size() ? 0 : left.size() < right.size() ? -1 : 1;
 }
 
-/// Compares two texts, whose content the compiler does not know.
+/// Compares two strings whose content the compiler does not know.
 template<class Text, class Result>
 Comparisons::Work comparing(Result (*compare)(const Text&, const Text&), Text left, Text right, Result expected)
 {

@@ -1,4 +1,4 @@
-/// The texts of the benchmarks, as this library and as the standard library hold them.
+/// The strings of the benchmarks, for this library and for the standard library.
 #pragma once
 
 #include "qor/string.h"
@@ -8,8 +8,8 @@
 
 namespace bench
 {
-/// An endpoint id, as long as those of the platform: 55 units. Numbers from 0 to 65535 give different ids, which differ
-/// in their last four units.
+/// An endpoint id as long as those of the platform: 55 units. Numbers from 0 to 65535 give ids that differ in their
+/// last four units.
 std::u16string endpointId(unsigned int number);
 
 /// A path of a device interface, 141 units long. Different numbers give paths that differ in their middle.
@@ -19,10 +19,10 @@ std::u16string devicePath(unsigned int number);
 std::vector<std::u16string> endpointIds(unsigned int count);
 std::vector<std::u16string> devicePaths(unsigned int count);
 
-/// The same text, in a buffer of its own.
+/// The same string in another buffer.
 qor::String ownText(const std::u16string& text);
 std::vector<qor::String> ownTexts(const std::vector<std::u16string>& texts);
 
-/// @p text with its letters a to z as capitals.
+/// @p text with its letters a to z in upper case.
 std::u16string capitals(std::u16string text);
 }

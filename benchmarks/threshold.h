@@ -2,6 +2,6 @@
 
 namespace bench
 {
-/// A number that is read by a call, as by a function of another library. It is 4.
+/// Returns 4 by a call that the compiler cannot inline, as a function of another library does.
 int threshold();
 }

@@ -1,4 +1,4 @@
-/// What visiting an element means: a number that depends on its content. Texts are not empty.
+/// What a visit of an element computes: a number that depends on its content. Strings must not be empty.
 #pragma once
 
 #include "qor/string.h"

@@ -1,5 +1,5 @@
-# Compiling sources in groups: sources of one folder that declare no equal names at file level are compiled as one. The
-# headers and templates that they share are then read and compiled once for the group, which about halves the time.
+# Compiling test sources in groups: sources of one folder that declare no equal names at file level are compiled as one.
+# The templates of the test framework that they share are then compiled once for the group, which about halves the time.
 # A build of another preset compiles each source by itself and finds missing includes.
 
 set(SONAVIT_GROUP_LIMIT 6 CACHE STRING "How many sources a group has at most")
@@ -72,12 +72,4 @@ function(sonavit_compile_in_groups target)
     # The warning is meant for headers, and takes the sources of a group for such.
     target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
   endif()
-endfunction()
-
-function(sonavit_group_products)
-  foreach(target IN ITEMS SonavitCommon Sonavit SonavitMachine SonavitSimulator sonavit-commands)
-    if(TARGET ${target})
-      sonavit_compile_in_groups(${target})
-    endif()
-  endforeach()
 endfunction()

@@ -1,5 +1,5 @@
 /// @file
-/// ATL::CComPtr: the compiler's own where it has one, otherwise a small class with the same behaviour.
+/// ATL::CComPtr: the compiler's own if it has one, otherwise a small class with the same behaviour.
 #pragma once
 
 #include "platform/coreaudio.h"
@@ -19,7 +19,7 @@ namespace ATL
 
 /// Holds one counted reference on a platform object, or none.
 ///
-/// A pointer that is passed in stays the caller's: the object takes a reference of its own. Attach() is the exception.
+/// The object adds a reference to a pointer that is passed in; the caller keeps its own. Attach() is the exception.
 template<class T>
 class CComPtr
 {
@@ -39,7 +39,7 @@ public:
 
     ~CComPtr() { Release(); }
 
-    /// Lets go of what was held and shares @p object; its reference is taken first, so assigning to oneself is safe.
+    /// Shares @p object and releases the previous one. The reference is added first, so self-assignment is safe.
     T* operator=(T* object)
     {
         CComPtr shared(object);
@@ -60,14 +60,14 @@ public:
         return *this;
     }
 
-    /// Adopts the reference that the caller holds on @p object; what was held before is released.
+    /// Adopts the caller's reference on @p object; the previous object is released.
     void Attach(T* object)
     {
         Release();
         p = object;
     }
 
-    /// Gives the reference to the caller and is empty afterwards.
+    /// Passes the reference to the caller; the pointer is then empty.
     T* Detach() noexcept
     {
         T* const object = p;
@@ -75,7 +75,7 @@ public:
         return object;
     }
 
-    /// Gives up the reference. The member is empty before the platform hears of it.
+    /// Releases the reference. The pointer is empty before the object's Release is called.
     void Release()
     {
         T* const object = Detach();
@@ -83,7 +83,7 @@ public:
             object->Release();
     }
 
-    /// The place for a platform call to store a reference in; use it on an empty pointer only.
+    /// Where a platform call stores a reference; use it on an empty pointer only.
     T** operator&() noexcept { return &p; }
 
     operator T*() const noexcept { return p; }

@@ -1,8 +1,8 @@
 /// @file
-/// The platform as this library sees it: Windows Core Audio, the COM runtime below it and a few functions beside it.
+/// The platform as this library sees it: Windows Core Audio, the COM runtime and a few other functions.
 ///
 /// No other file of the library includes a platform header. On Windows the names come from the SDK; elsewhere they are
-/// declared here, and whoever links an executable says what answers them (platform/README.md).
+/// declared here, and each executable links a provider that defines them (platform/README.md).
 #pragma once
 
 #if defined(_WIN32)

@@ -1,5 +1,5 @@
 /// @file
-/// Counting that several threads may do at once.
+/// Atomic counting.
 #pragma once
 
 #include "platform/coreaudio.h"
@@ -7,7 +7,7 @@
 namespace platform
 {
 
-/// Adds one to @p counter, as one step for all threads.
+/// Adds one to @p counter, atomically and with full ordering.
 /// @return the new value
 inline LONG interlockedIncrement(volatile LONG* counter)
 {
@@ -18,7 +18,7 @@ inline LONG interlockedIncrement(volatile LONG* counter)
 #endif
 }
 
-/// Takes one from @p counter, as one step for all threads.
+/// Subtracts one from @p counter, atomically and with full ordering.
 /// @return the new value; the caller that gets 0 is the last one
 inline LONG interlockedDecrement(volatile LONG* counter)
 {

@@ -1,5 +1,5 @@
 /// @file
-/// The census of a simulated machine: what users still hold of it.
+/// The census of a simulated machine: the references, task memory and registrations that users still hold.
 #pragma once
 
 #include <iosfwd>
@@ -10,22 +10,22 @@ namespace sim
 {
 /// Counts at one moment, or the difference of two such counts. A plain value.
 ///
-/// Interfaces go by the name of the one that an object was first handed out as: a part counts as "IConnector" or
-/// "ISubunit" even when it is held by its IPart. Objects go by interface and name: "IMMDevice {0.0.0.00000000}.{…}".
-/// Differences hold no zeroes, so an empty() difference means that all went back to what it was.
+/// An object counts under the interface that it is created as: a part as "IConnector" or "ISubunit", even if it is held
+/// by its IPart. Single objects have interface and name: "IMMDevice {0.0.0.00000000}.{…}". Differences contain no
+/// zeroes, so an empty() difference means that both counts are equal.
 class Census
 {
 public:
     /// References by interface and by object; never zero.
     std::map<std::string, long> byInterface;
     std::map<std::string, long> byObject;
-    /// Live objects by interface; an object lives as long as anybody holds a reference on it.
+    /// Live objects by interface; an object lives as long as there is a reference on it.
     std::map<std::string, long> objects;
-    /// Blocks of task memory that were not freed, by where they came from: "IMMDevice::GetId {0.0.0.00000000}.{…}".
+    /// Blocks of task memory that have not been freed, by origin: "IMMDevice::GetId {0.0.0.00000000}.{…}".
     std::map<std::string, long> taskMemory;
     long taskBytes = 0;
-    /// Clients that are registered with the machine: "IMMNotificationClient", "IAudioEndpointVolumeCallback",
-    /// "IControlChangeNotify". The machine holds one reference on each.
+    /// Registered clients by interface: "IMMNotificationClient", "IAudioEndpointVolumeCallback",
+    /// "IControlChangeNotify". The machine holds one reference for each registration.
     std::map<std::string, long> clients;
 
     /// All references, or those of one interface.
@@ -35,11 +35,11 @@ public:
     long taskBlocks() const;
 
     bool empty() const;
-    /// One line for each count; "nothing" when there is none.
+    /// One line for each count; "nothing" if there is none.
     std::string describe() const;
 };
 
-/// What @p now has more than @p before; what it has less counts below zero.
+/// Each count of @p now less that of @p before; the result can be negative.
 Census operator-(const Census& now, const Census& before);
 bool operator==(const Census& left, const Census& right);
 inline bool operator!=(const Census& left, const Census& right)

@@ -1,12 +1,12 @@
 #include "simulator/events.h"
 
+#include "simulator/core/notifications.h"
+#include "simulator/core/state.h"
+
 #include <algorithm>
 #include <chrono>
 #include <stdexcept>
 #include <utility>
-
-#include "simulator/core/notifications.h"
-#include "simulator/core/state.h"
 
 namespace sim
 {
@@ -17,7 +17,7 @@ namespace
     throw std::invalid_argument("the machine has no endpoint " + endpointId);
 }
 
-void forgetDefault(Machine& machine, EDataFlow flow, ERole role)
+void removeDefault(Machine& machine, EDataFlow flow, ERole role)
 {
     for (Endpoint& endpoint : machine.endpoints)
     {
@@ -92,7 +92,7 @@ void Events::setDefault(const std::string& endpointId, ERole role)
            [&](Hardware& hardware, Endpoint& endpoint)
            {
                flow = endpoint.flow;
-               forgetDefault(hardware.machine(), flow, role);
+               removeDefault(hardware.machine(), flow, role);
                endpoint.defaultFor.push_back(role);
            });
     notifyDefaultChanged(m_state, flow, role, endpointId);
@@ -100,7 +100,7 @@ void Events::setDefault(const std::string& endpointId, ERole role)
 
 void Events::clearDefault(EDataFlow flow, ERole role)
 {
-    m_state->withHardware([&](Hardware& hardware) { forgetDefault(hardware.machine(), flow, role); });
+    m_state->withHardware([&](Hardware& hardware) { removeDefault(hardware.machine(), flow, role); });
     notifyDefaultChanged(m_state, flow, role, std::nullopt);
 }
 
@@ -124,14 +124,7 @@ void Events::setVolume(const std::string& endpointId, std::optional<float> level
 
 void Events::setProperty(const std::string& endpointId, const PROPERTYKEY& key, const PropertyValue& value)
 {
-    change(endpointId,
-           [&](Hardware&, Endpoint& endpoint)
-           {
-               if (value.tag == VT_EMPTY)
-                   removeProperty(endpoint.properties, key);
-               else
-                   sim::setProperty(endpoint.properties, key, value);
-           });
+    change(endpointId, [&](Hardware&, Endpoint& endpoint) { changeProperty(endpoint.properties, key, value); });
     notifyPropertyChanged(m_state, endpointId, key);
 }
 
@@ -200,15 +193,14 @@ void Events::playScript()
                                      }
                                      catch (const std::invalid_argument&)
                                      {
-                                         // A machine may have been changed since its script was written: see the
-                                         // declaration.
+                                         // The machine may have changed since its script was written.
                                      }
                                  });
     }
 }
 
-void Events::settle()
+void Events::waitForClients()
 {
-    m_state->notifier.settle();
+    m_state->notifier.waitUntilIdle();
 }
 }

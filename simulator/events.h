@@ -1,35 +1,36 @@
 /// @file
-/// What happens to a simulated machine while it runs.
+/// Changes to a simulated machine while it runs.
 #pragma once
+
+#include "simulator/machine/machine.h"
 
 #include <memory>
 #include <optional>
 #include <string>
 
-#include "simulator/machine/machine.h"
-
 namespace sim
 {
 class State;
 
-/// Makes things happen. Any thread may call any operation.
+/// Changes the machine and notifies its clients. Any thread may call any operation.
 ///
-/// The machine changes before an operation returns; its clients hear of it on the machine's notification thread, or
-/// before the operation returns where Simulation::deliverAtOnce() says so. An id that names no endpoint of the machine
-/// raises std::invalid_argument. The operations named announce… tell the clients and change nothing.
+/// The machine changes before an operation returns. Its clients are notified on the machine's notification thread, or
+/// with Simulation::deliverAtOnce() on the calling thread before the operation returns. If the machine has no endpoint
+/// with the given id, an operation throws std::invalid_argument. The announce… operations notify the clients and change
+/// nothing; they accept any id.
 class Events
 {
 public:
     explicit Events(std::shared_ptr<State> state);
 
-    /// The endpoint enters the collections: OnDeviceAdded. The second form gives the machine an endpoint that it did
-    /// not have; an id that it has already raises std::invalid_argument.
+    /// The endpoint enters the collections: OnDeviceAdded. The second form adds a new endpoint to the machine; it
+    /// throws std::invalid_argument if the machine has a device with that id.
     void add(const std::string& endpointId);
     void add(const Endpoint& endpoint);
     /// The endpoint leaves the collections, but can still be opened by id: OnDeviceRemoved.
     void remove(const std::string& endpointId);
 
-    /// The endpoint takes that state: OnDeviceStateChanged. Clients hear it also when the endpoint was in that state.
+    /// The endpoint takes that state: OnDeviceStateChanged, even if it is in that state.
     void plug(const std::string& endpointId);
     void unplug(const std::string& endpointId);
     void setState(const std::string& endpointId, std::uint32_t state);
@@ -38,10 +39,10 @@ public:
     void setDefault(const std::string& endpointId, ERole role);
     void clearDefault(EDataFlow flow, ERole role);
 
-    /// All channels take @p level (decibels), the mute takes @p muted, as if another program had set them:
-    /// IAudioEndpointVolumeCallback::OnNotify when that changed something.
+    /// Sets all channels to @p level (decibels, not limited to the range) and the mute to @p muted, as another program
+    /// would: IAudioEndpointVolumeCallback::OnNotify if that changes anything.
     void setVolume(const std::string& endpointId, std::optional<float> level, std::optional<bool> muted = {});
-    /// The property takes @p value; VT_EMPTY takes it away: OnPropertyValueChanged.
+    /// Sets the property to @p value; VT_EMPTY removes it: OnPropertyValueChanged.
     void setProperty(const std::string& endpointId, const PROPERTYKEY& key, const PropertyValue& value);
 
     void announceAdded(const std::string& endpointId);
@@ -50,15 +51,16 @@ public:
     void announceDefault(EDataFlow flow, ERole role, const Text& endpointId);
     void announceProperty(const std::string& endpointId, const PROPERTYKEY& key);
 
-    /// One event of a script, at once.
+    /// Performs one event of a script.
     void play(const ScriptEvent& event);
-    /// The machine's script, on the notification thread and at its own pace, counted from now; where delivery is at
-    /// once all of it before the operation returns. An event that names no endpoint of the machine is passed over.
+    /// Plays the machine's script on the notification thread, with the delays of its events. With
+    /// Simulation::deliverAtOnce() all of it happens before the operation returns, without delays. An event for an
+    /// endpoint that the machine does not have is skipped.
     void playScript();
 
-    /// Waits until all clients have been told of all that has happened, a running script included. On the notification
-    /// thread it returns at once.
-    void settle();
+    /// Waits until all clients have been notified of all changes, a running script included. On the notification thread
+    /// it returns at once.
+    void waitForClients();
 
 private:
     template<class Change>

@@ -2,6 +2,9 @@
 /// The fault plan of a simulated machine: which calls fail, and how.
 #pragma once
 
+#include "simulator/machine/machine.h"
+#include "simulator/mutex.h"
+
 #include <atomic>
 #include <cstdint>
 #include <functional>
@@ -12,33 +15,30 @@
 #include <string>
 #include <vector>
 
-#include "simulator/machine/machine.h"
-#include "simulator/mutex.h"
-
 namespace sim
 {
-/// What leaves an operation that the plan makes throw.
+/// What a call throws if the plan says so.
 class InjectedException : public std::runtime_error
 {
 public:
     explicit InjectedException(const std::string& operation);
 };
 
-/// One rule of a plan: a cheap handle, whose copies mean the same rule. It may outlive the plan.
+/// One rule of a plan: a handle whose copies share the rule. It may outlive the plan.
 ///
-/// A rule meets a call when operation, object and first argument fit; it fires at the n-th call that it meets, or at
+/// A rule meets a call if operation, object and first argument match. It fires at the n-th call that it meets, or at
 /// each of them.
 class PlannedFault
 {
 public:
-    /// Only on this object: a device id, the global id of a part, or another name that the journal shows.
+    /// Only on this object: a device id, the global id of a part, or another object name of the journal.
     PlannedFault& on(const std::string& object);
-    /// Only with this first argument, as the journal writes it.
+    /// Only with this first argument, as the journal records it.
     PlannedFault& with(const std::string& firstArgument);
-    /// Only at the @p call -th call that fits, counted from 1 and from now on.
+    /// Only at the n-th call that matches, counted from now on; the next one is 1.
     PlannedFault& at(std::uint32_t call);
 
-    /// Calls that fitted, and those of them at which the rule fired. A test asserts with these that its fault was met.
+    /// The number of calls that matched, and of those at which the rule fired.
     std::uint32_t met() const;
     std::uint32_t fired() const;
 
@@ -55,34 +55,34 @@ private:
 
 /// Plans failures. Any thread may call any operation.
 ///
-/// Operations are named as in the journal; a bare name such as "Release" stands for that operation of every interface.
-/// When several rules fire at one call, the first that was planned decides. A failing call stores null in its
-/// out-pointers and leaves other out-parameters as they are; a call that succeeds without doing anything ("null
-/// success") zeroes those too. AddRef, CoTaskMemFree and CoUninitialize always work, and the latter two meet no rule at
-/// all, not even one of run().
+/// Operations have their names of the journal; a bare name such as "Release" means that operation of every interface. A
+/// name that no operation has is accepted, and its rule is never met. If several rules fire at one call, the one that
+/// was planned first decides. A failing call stores null in its out-pointers and leaves other out-parameters as they
+/// are; a call that succeeds without doing anything ("null success") also stores zero in those. AddRef, CoTaskMemFree
+/// and CoUninitialize meet no rule, not even one of run().
 class FaultPlan
 {
 public:
-    /// The call answers @p result.
+    /// The call returns @p result.
     PlannedFault fail(const std::string& operation, HRESULT result = E_FAIL);
-    /// The call answers S_OK, or what else is 0, and hands out nothing.
+    /// The call returns S_OK (or 0) and stores null and zero.
     PlannedFault succeedWithNull(const std::string& operation);
-    /// The call throws InjectedException. A Release that throws has given up its reference all the same.
+    /// The call throws InjectedException. A Release that throws has released its reference nevertheless.
     PlannedFault raise(const std::string& operation);
-    /// @p action runs ahead of the call, on its thread; then the call does its work.
+    /// @p action runs before the call, on its thread; then the call does its work.
     PlannedFault run(const std::string& operation, std::function<void()> action);
-    /// A rule as a machine holds it.
+    /// A rule of a machine file.
     PlannedFault add(const FaultRule& rule);
 
-    /// Forgets all rules, those of the machine included.
+    /// Removes all rules, those of the machine included.
     void clear();
 
-    /// All rules in order.
+    /// All rules in the order of their planning.
     std::vector<PlannedFault> faults() const;
-    /// Readable lines of the rules that have not fired yet; empty when the plan has been met in full.
+    /// One line for each rule that has not fired yet.
     std::vector<std::string> unmet() const;
 
-    /// What is to happen to a call.
+    /// What the plan decides for a call.
     struct Verdict
     {
         std::vector<std::function<void()>> actions;
@@ -90,7 +90,7 @@ public:
         HRESULT result = S_OK;
     };
 
-    /// For the platform's objects: whether there is any rule, and what the plan has for this call, which it counts.
+    /// For the platform's objects: whether there is no rule; the decision for a call, which is counted.
     bool isEmpty() const;
     Verdict judge(const std::string& operation, const std::string& object, const std::vector<std::string>& arguments);
 

@@ -2,6 +2,9 @@
 /// The journal of a simulated machine: every call that reached it, in order.
 #pragma once
 
+#include "platform/coreaudio.h"
+#include "simulator/mutex.h"
+
 #include <atomic>
 #include <cstdint>
 #include <iosfwd>
@@ -10,15 +13,12 @@
 #include <thread>
 #include <vector>
 
-#include "platform/coreaudio.h"
-#include "simulator/mutex.h"
-
 namespace sim
 {
-/// How a call came to its end.
+/// How a call ended.
 enum class CallEnd
 {
-    pending,  ///< it still runs, or an exception of a callback left it
+    pending,  ///< it still runs, or an exception of a callback passed through it
     returned, ///< it returned its result
     thrown,   ///< the fault plan made it throw
 };
@@ -28,7 +28,7 @@ struct JournalEntry
 {
     std::string operation;              ///< "IMMDevice::Activate", or a function's name such as "CoCreateInstance"
     std::string object;                 ///< device id, global id of a part, or a short description; functions: empty
-    std::vector<std::string> arguments; ///< the in-arguments; interfaces by name, texts as they are, null as "null"
+    std::vector<std::string> arguments; ///< the in-arguments; interfaces by name, strings as they are, null as "null"
     CallEnd end = CallEnd::pending;
     HRESULT result = S_OK; ///< HRESULT or MMRESULT; 0 for operations without a result
     std::thread::id thread;
@@ -40,14 +40,14 @@ struct JournalEntry
     std::string line() const;
 };
 
-/// A list of calls, in order, that can be narrowed down.
+/// A list of calls, in order, that can be filtered.
 class JournalEntries
 {
 public:
     JournalEntries() = default;
     explicit JournalEntries(std::vector<JournalEntry> entries);
 
-    /// The calls of @p operation; one that ends in '*' names all that begin alike: "IPart::*".
+    /// The calls of @p operation; a final '*' matches any ending: "IPart::*".
     JournalEntries of(const std::string& operation) const;
     /// All calls but those of @p operation; '*' as above.
     JournalEntries without(const std::string& operation) const;
@@ -57,7 +57,7 @@ public:
     /// The calls that returned a failure code or threw.
     JournalEntries failed() const;
 
-    /// One text for each call: the operation; operation and arguments; all that is known.
+    /// One string for each call: the operation; JournalEntry::call(); JournalEntry::line().
     std::vector<std::string> operations() const;
     std::vector<std::string> calls() const;
     std::vector<std::string> lines() const;
@@ -77,20 +77,20 @@ std::ostream& operator<<(std::ostream& stream, const JournalEntries& entries);
 
 /// Records calls. Any thread may call any operation.
 ///
-/// An entry takes its place when its call begins, so a call stands ahead of those that its callbacks make. AddRef,
-/// Release and QueryInterface are recorded only when asked for.
+/// An entry is added when its call begins, so a call comes before those that its callbacks make. AddRef, Release and
+/// QueryInterface are recorded only after recordReferences(true).
 class Journal
 {
 public:
-    /// Whether calls are recorded; on at first. Switch it off to measure time.
+    /// Whether calls are recorded; on by default. Switch it off to measure time.
     void record(bool on);
     bool recording() const;
 
-    /// Whether the operations of IUnknown are recorded too; off at first.
+    /// Whether the operations of IUnknown are recorded too; off by default.
     void recordReferences(bool on);
     bool recordingReferences() const;
 
-    /// Forgets all entries. Calls that are under way leave no trace.
+    /// Removes all entries. Calls that are running leave no entry.
     void clear();
 
     /// A copy of all entries.
@@ -103,7 +103,7 @@ public:
     std::size_t count(const std::string& operation) const;
     std::size_t size() const;
 
-    /// Where a call that has begun stands.
+    /// The position of a call that has begun.
     struct Place
     {
         std::uint64_t clearings = 0;

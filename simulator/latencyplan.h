@@ -1,6 +1,9 @@
 /// @file
-/// The latency plan of a simulated machine: what each kind of call costs.
+/// The latency plan of a simulated machine: how long each kind of call takes.
 #pragma once
+
+#include "simulator/machine/machine.h"
+#include "simulator/mutex.h"
 
 #include <atomic>
 #include <chrono>
@@ -8,30 +11,27 @@
 #include <string>
 #include <unordered_map>
 
-#include "simulator/machine/machine.h"
-#include "simulator/mutex.h"
-
 namespace sim
 {
-/// Makes calls slow. Any thread may call any operation. A machine without latency pays nothing for it.
+/// Makes calls slow. Any thread may call any operation. Without a rule a call costs one atomic read.
 ///
-/// Operations are named as in the journal. "*" stands for every operation that no other rule names; the operations of
-/// IUnknown and CoTaskMemFree never cost anything.
+/// Operations have their names of the journal. "*" means every operation without a rule of its own. The operations of
+/// IUnknown, CoTaskMemFree and CoUninitialize are never delayed.
 class LatencyPlan
 {
 public:
     /// From now on each call of @p operation takes at least @p cost.
     void set(const std::string& operation, std::chrono::microseconds cost);
-    /// A rule as a machine holds it; of two for one operation the later one counts.
+    /// A rule of a machine file; of two for one operation the later one counts.
     void add(const LatencyRule& rule);
-    /// Calls cost nothing again.
+    /// Removes all rules.
     void clear();
 
-    /// What a call of @p operation costs.
+    /// The delay of a call of @p operation.
     std::chrono::microseconds cost(const std::string& operation) const;
 
-    /// For the platform's objects: spends what a call of @p operation costs on the calling thread. Up to 200
-    /// microseconds it keeps the processor, because a sleep would take longer than asked; beyond that it sleeps.
+    /// For the platform's objects: delays the calling thread. Up to 200 microseconds it polls the clock, because a
+    /// sleep would take longer; above that it sleeps.
     void spend(const char* operation) const;
 
 private:

@@ -6,11 +6,11 @@
 
 namespace sim
 {
-/// A mutex that is never waited for while the process ends.
+/// A mutex that does not lock while the process ends.
 ///
-/// When a process ends on Windows, all of its threads but one are gone before its libraries are told, and a thread may
-/// have been taken away while it held a lock. Libraries that call the machine then are alone with it: they need no lock
-/// and must not wait for one. Elsewhere this is a plain std::mutex.
+/// When a process ends on Windows, the system terminates all threads but one before it notifies the libraries, and a
+/// terminated thread may still hold a lock. A library that calls the machine then runs on the only thread: it needs no
+/// lock and must not wait for one. Elsewhere this is a plain std::mutex.
 class Mutex
 {
 public:
@@ -30,7 +30,7 @@ public:
             m_mutex.unlock();
     }
 
-    /// Whether the process ends and has only this thread left. Always false off Windows, where threads run to the end.
+    /// Whether the process is ending and only this thread is left. Always false off Windows.
 #if defined(_WIN32)
     static bool otherThreadsAreGone() noexcept;
 #else

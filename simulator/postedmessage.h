@@ -1,5 +1,5 @@
 /// @file
-/// A message that the machine's window system was given.
+/// A message that was posted to the machine's window system.
 #pragma once
 
 #include "platform/coreaudio.h"

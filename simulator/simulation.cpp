@@ -1,23 +1,23 @@
 #include "simulator/simulation.h"
 
-#include <utility>
-
 #include "simulator/core/registrations.h"
 #include "simulator/core/state.h"
 #include "simulator/objects/objects.h"
+
+#include <utility>
 
 namespace sim
 {
 namespace
 {
-/// The part @p id, whatever @p wanted says of it.
+/// Whether the machine has the part @p id and @p wanted is true for it.
 template<class Wanted>
 bool hasPart(State& state, const std::string& id, const Wanted& wanted)
 {
     return state.withHardware(
         [&](const Hardware& hardware)
         {
-            const PartInPlace* const place = hardware.part(id);
+            const ChangeablePartPlace* const place = hardware.part(id);
             return place != nullptr && wanted(*place->part);
         });
 }

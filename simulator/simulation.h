@@ -2,15 +2,10 @@
 /// A simulated machine that answers as this process's Core Audio.
 ///
 ///     sim::Simulation simulation(machine);
-///     …                                            // whatever uses Core Audio meets the machine
+///     …                                            // code that uses Core Audio gets the machine
 ///     EXPECT_EQ(1u, simulation.journal().count("IMMDevice::Activate"));
 ///     EXPECT_EQ(sim::Census(), simulation.census());
 #pragma once
-
-#include <functional>
-#include <memory>
-#include <string>
-#include <vector>
 
 #include "simulator/census.h"
 #include "simulator/events.h"
@@ -20,60 +15,66 @@
 #include "simulator/machine/machine.h"
 #include "simulator/postedmessage.h"
 
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
 namespace sim
 {
 class State;
 
 /// Makes a machine the process's Core Audio from construction to destruction.
 ///
-/// Off Windows the functions of the COM runtime, the wave functions, PostMessageW and the configuration manager answer
-/// from it. On Windows the real CoCreateInstance hands out its enumerator in every apartment that was registered, see
+/// Off Windows it answers the functions of the COM runtime, the wave functions, PostMessageW and the configuration
+/// manager. On Windows the real CoCreateInstance hands out its enumerator in every registered apartment, see
 /// registerOnThisThread(); all other functions are the system's own there.
 ///
-/// Of several simulations the latest one answers, and the one before it again when that ends. Objects share ownership
-/// of the machine's data and stay usable after the simulation; the runtime functions then answer as on a machine
-/// without audio, also while the process's static objects are destroyed. All operations may be called from any thread.
+/// Of several simulations the latest one answers; when it ends, the one before it answers again. Objects share
+/// ownership of the machine's data and stay usable after the simulation. Without a simulation the runtime functions
+/// answer as on a machine without audio, even while the process's static objects are destroyed. Any thread may call any
+/// operation.
 class Simulation
 {
 public:
-    /// Reads the machine's fault and latency rules in; its script waits for events().playScript().
+    /// Takes over the machine's fault and latency rules; its script starts with events().playScript().
     explicit Simulation(Machine machine);
-    /// Lets a callback that runs end, drops what has not been delivered and tells nobody any more.
+    /// Waits for a running callback and drops the notifications that have not been delivered.
     ~Simulation();
     Simulation(const Simulation&) = delete;
     Simulation& operator=(const Simulation&) = delete;
 
-    /// On Windows makes CoCreateInstance in the calling thread's apartment hand out this machine's enumerator. The
-    /// constructor tries the same; the thread must have called CoInitialize. It ends with the simulation, or with
-    /// the apartment.
-    /// @return S_OK; CO_E_NOTINITIALIZED on Windows on a thread without COM. Off Windows always S_OK: nothing is
-    /// needed.
+    /// On Windows makes CoCreateInstance in the calling thread's apartment hand out this machine's enumerator, until
+    /// the simulation or the apartment ends. The thread must have called CoInitialize. The constructor does the same
+    /// and ignores a failure.
+    /// @return S_OK; CO_E_NOTINITIALIZED on Windows on a thread without COM. Off Windows always S_OK: no registration
+    /// is needed.
     HRESULT registerOnThisThread();
 
-    /// What has been called; who still holds what; what fails; what takes time; what happens.
+    /// Recorded calls; references, task memory and clients; planned failures; delays; changes of the machine.
     Journal& journal();
     Census census() const;
     FaultPlan& faults();
     LatencyPlan& latency();
     Events& events();
 
-    /// Whether clients are called on the thread that makes something happen, before the call that did it returns. At
-    /// first they are called on the machine's notification thread, which has COM.
+    /// Whether clients are called on the thread that causes a change, before the causing call returns. By default they
+    /// are called on the machine's notification thread, which has initialised COM.
     void deliverAtOnce(bool on);
 
-    /// The machine as it stands: levels, mutes, states and properties that were set are seen in it.
+    /// A copy of the machine in its current state, with all levels, mutes, states and properties that were set.
     Machine machine() const;
-    /// Changes the machine in silence: nobody is told. @p action must not call anything but the machine.
+    /// Changes the machine without notifying any client. @p action must only use its argument.
     void change(const std::function<void(Machine&)>& action);
 
-    /// What PostMessageW was given, in order. Empty on Windows, where the messages go to their windows.
+    /// The arguments of all PostMessageW calls, in order. Empty on Windows, where the messages go to their windows.
     std::vector<PostedMessage> postedMessages() const;
 
-    /// How often CoUninitialize was called on a thread that had no COM. 0 on Windows, where nobody can tell.
+    /// How often CoUninitialize was called on a thread without COM. Always 0 on Windows, where it cannot be observed.
     unsigned comUnderflows() const;
 
-    // Objects of the machine for tests that need just one, each with one reference that is the caller's; null where the
-    // machine has no such thing. Neither journal nor fault plan sees these operations.
+    // Single objects of the machine, each with one reference that belongs to the caller; null if the machine has no
+    // such object. Neither journal nor fault plan sees these operations.
     IMMDeviceEnumerator* enumerator() const;
     IMMDevice* device(const std::string& deviceId) const;
     IDeviceTopology* topology(const std::string& deviceId) const;

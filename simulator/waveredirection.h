@@ -6,12 +6,12 @@
 
 namespace sim
 {
-/// Makes a module of this process call the simulated machine's wave functions in place of the system's, from
+/// Makes a module of this process call the simulated machine's wave functions instead of the system's, from
 /// construction to destruction. Off Windows, where there are no others, it does nothing.
 ///
-/// The module's table of imports is changed, so that code of other modules is not affected. While no machine runs, the
-/// system answers. Journal and fault plan see the calls as they do off Windows. One redirection of a module lives at a
-/// time, and the module's code must not run on other threads at its beginning and end.
+/// It changes the import table of the module; other modules are not affected. While no machine runs, the system
+/// answers. Journal and fault plan see the calls as they do off Windows. A module can have one redirection at a time,
+/// and its code must not run on other threads while the redirection is constructed or destroyed.
 class WaveRedirection
 {
 public:

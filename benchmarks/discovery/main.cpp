@@ -1,5 +1,5 @@
-/// Measures what finding the sound cards of a simulated machine costs: processor time, with the machine's journal off,
-/// and calls of the platform. Each machine wants a process of its own, as the library keeps its enumerator to the end.
+/// Measures the discovery of the sound cards of a simulated machine: processor time, without the machine's journal, and
+/// the number of platform calls. Run one process for each machine: the library keeps its enumerator until the end.
 #include "../median.h"
 
 #include "libSonavit/libsonavit.h"
@@ -14,10 +14,10 @@
 
 namespace
 {
-/// Few, as each card that is found stays registered with the enumerator.
+/// A small number: each card that is found stays registered with the enumerator.
 constexpr int defaultRuns = 51;
 
-/// Microseconds of processor time for one discovery, the simulated machine's part included.
+/// Microseconds of processor time for one discovery, including the time of the simulated machine.
 double timeOfDiscovery()
 {
     const std::clock_t start = std::clock();
@@ -25,7 +25,7 @@ double timeOfDiscovery()
     return static_cast<double>(std::clock() - start) * 1e6 / CLOCKS_PER_SEC;
 }
 
-/// @return whether there are sound cards at all
+/// @return whether the machine has a sound card
 bool measure(const char* machineName, int runs)
 {
     sim::Simulation simulation(sim::findMachine(machineName));

@@ -17,4 +17,4 @@ const String& Array<unsigned int>::className()
     static const String& name = *new String("A(Uint32)");
     return name;
 }
-} // namespace qor
+}

@@ -134,6 +134,6 @@ template<>
 QOR_API const String& Array<String>::className();
 template<>
 QOR_API const String& Array<unsigned int>::className();
-} // namespace qor
+}
 
 #include "qor/arrayimplementation.h"

@@ -276,4 +276,4 @@ void Array<T>::destroyBlock(Block* block)
     RestGuard rest(block);
     rest.destroyElements(); // outside the guard's destructor, where an exception can reach the caller
 }
-} // namespace qor
+}

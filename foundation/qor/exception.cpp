@@ -19,7 +19,7 @@ String boundsMessage(int low, int high, int index)
     String text("index ");
     return text.append(decimal(index)).append(" not in ").append(decimal(low)).append("..").append(decimal(high));
 }
-} // namespace
+}
 
 struct Exception::Text
 {
@@ -123,4 +123,4 @@ SerializationFailed::~SerializationFailed() = default;
 HashKeyMissing::HashKeyMissing(const String& key) noexcept : Exception(key) {}
 HashKeyMissing::HashKeyMissing(const HashKeyMissing& other) noexcept = default;
 HashKeyMissing::~HashKeyMissing() = default;
-} // namespace qor
+}

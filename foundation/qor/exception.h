@@ -124,4 +124,4 @@ public:
 
     const String& key() const noexcept { return message(); }
 };
-} // namespace qor
+}

@@ -14,7 +14,7 @@ std::uint64_t mixed(std::uint64_t state, std::uint64_t word)
     state = (state ^ word) * multiplier;
     return state ^ (state >> 32);
 }
-} // namespace
+}
 
 _BucketBase::~_BucketBase() noexcept(false) = default;
 
@@ -160,4 +160,4 @@ String tableClassName(const char* start, const String& keys, const String& value
     String name(start);
     return name.append(cutClassName(keys)).append(",").append(cutClassName(values)).append(")");
 }
-} // namespace qor
+}

@@ -237,4 +237,4 @@ const String& HashTable<K, V, Eq, Hash>::objectClassName()
         name = tableClassName("H(", Array<K>::className(), Array<V>::className());
     return name;
 }
-} // namespace qor
+}

@@ -72,7 +72,7 @@ String unsignedDecimal(unsigned __int64 value)
 {
     return String(std::to_string(value).c_str());
 }
-} // namespace
+}
 
 LoggerStream::LoggerStream() = default;
 LoggerStream::LoggerStream(const LoggerStream& other) = default;
@@ -157,4 +157,4 @@ TraceLogger::~TraceLogger()
     {
     }
 }
-} // namespace qor
+}

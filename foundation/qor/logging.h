@@ -128,4 +128,4 @@ private:
     const char* m_file;
     int m_line;
 };
-} // namespace qor
+}

@@ -38,7 +38,7 @@ inline Logger* traceLogger(const char* channel, LoggerSlot& slot)
     Logger& logger = slotLogger(channel, slot);
     return logger.m_priority < LoggerPriority::LOG_DEBUG ? &logger : nullptr;
 }
-} // namespace qor
+}
 
 /// Writes one message. The statement after @p level appends to `out`, a LoggerStream that already contains the line
 /// number; it is evaluated only if the message is written. Required behaviour: a message whose priority equals the

@@ -41,4 +41,4 @@ public:
 private:
     Mutex* m_mutex;
 };
-} // namespace qor
+}

@@ -33,4 +33,4 @@ public:
 private:
     T*& m_pointer;
 };
-} // namespace qor
+}

@@ -91,4 +91,4 @@ private:
     Array<K> m_arrayKeys;
     Array<V> m_arrayValues;
 };
-} // namespace qor
+}

@@ -27,4 +27,4 @@ String QORValue::toHexString(bool withPrefix) const
         text[9 - digit] = "0123456789ABCDEF"[(m_value >> (4 * digit)) & 0xF];
     return String(withPrefix ? text : text + 2);
 }
-} // namespace qor
+}

@@ -30,4 +30,4 @@ private:
     unsigned int m_value;
     bool m_negative;
 };
-} // namespace qor
+}

@@ -244,7 +244,7 @@ private:
     std::int32_t* m_count;
     SharedResourceDestroyerBase* m_destroyer;
 };
-} // namespace qor
+}
 
 /// A plain pointer to an object that another object owns.
 template<class X>

@@ -78,7 +78,7 @@ void readItems(const XmlElement& element, Array<T>& items)
         readItem(item, items);
     }
 }
-} // namespace
+}
 
 void Serializable::doSerialization(const String& name, String& out)
 {
@@ -166,4 +166,4 @@ Serializable::State& Serializable::state()
         m_state.reset(new State);
     return *m_state;
 }
-} // namespace qor
+}

@@ -103,4 +103,4 @@ private:
 
     std::unique_ptr<State, StateDeleter> m_state; // null unless an element is being written or read
 };
-} // namespace qor
+}

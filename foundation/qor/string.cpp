@@ -115,7 +115,7 @@ char32_t nextPoint(std::string_view utf8, std::size_t& position)
     position += more;
     return point;
 }
-} // namespace
+}
 
 const unsigned short String::emptyText[1] = {0};
 
@@ -309,4 +309,4 @@ String operator+(const char* left, const String& right)
     result.append(right);
     return result;
 }
-} // namespace qor
+}

@@ -156,4 +156,4 @@ inline String& String::operator=(String&& other) noexcept
     other.m_buffer = old;
     return *this;
 }
-} // namespace qor
+}

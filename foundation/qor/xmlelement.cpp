@@ -262,7 +262,7 @@ private:
     std::string_view m_text;
     std::size_t m_position = 0;
 };
-} // namespace
+}
 
 XmlElement::XmlElement(const String& name) : m_name(name) {}
 
@@ -308,4 +308,4 @@ void XmlElement::write(std::string& out) const
         child.write(out);
     out += "</" + name + '>';
 }
-} // namespace qor
+}

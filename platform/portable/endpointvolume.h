@@ -1,5 +1,5 @@
 /// @file
-/// The EndpointVolume family: volume and mute of an endpoint, and the callback that hears of changes.
+/// The EndpointVolume family: volume and mute of an endpoint, and the callback for changes.
 #pragma once
 
 #include "platform/portable/unknown.h"
@@ -10,7 +10,7 @@ struct AUDIO_VOLUME_NOTIFICATION_DATA
     BOOL bMuted;
     FLOAT fMasterVolume;       ///< 0 to 1
     UINT nChannels;            ///< channels that follow
-    FLOAT afChannelVolumes[1]; ///< 0 to 1; the array goes on behind the structure
+    FLOAT afChannelVolumes[1]; ///< 0 to 1; the array continues after the structure
 };
 
 using PAUDIO_VOLUME_NOTIFICATION_DATA = AUDIO_VOLUME_NOTIFICATION_DATA*;
@@ -58,4 +58,4 @@ inline const IID IID_IAudioEndpointVolume = {
     0x5CDF2C82, 0x841E, 0x4546, {0x97, 0x22, 0x0C, 0xF7, 0x40, 0x78, 0x22, 0x9A}};
 
 static_assert(sizeof(AUDIO_VOLUME_NOTIFICATION_DATA) == 32, "one channel is part of the structure");
-static_assert(offsetof(AUDIO_VOLUME_NOTIFICATION_DATA, afChannelVolumes) == 28, "channels stand at the end");
+static_assert(offsetof(AUDIO_VOLUME_NOTIFICATION_DATA, afChannelVolumes) == 28, "the channels are the last member");

@@ -1,5 +1,5 @@
 /// @file
-/// The MMDevice family: the enumerator, its collections and devices, and the client that hears of changes.
+/// The MMDevice family: the enumerator, its collections and devices, and the client for changes.
 #pragma once
 
 #include "platform/portable/propertystore.h"

@@ -1,7 +1,7 @@
 #include "simulator/core/argumenttext.h"
 
 #include "simulator/core/interfaces.h"
-#include "simulator/core/text.h"
+#include "simulator/core/utf16.h"
 #include "simulator/machine/propertykeys.h"
 #include "simulator/machine/valuetext.h"
 
@@ -9,26 +9,12 @@ namespace sim
 {
 namespace
 {
-template<class... Interfaces>
-const char* nameAmong(REFIID iid)
-{
-    const char* name = nullptr;
-    (void)((IsEqualGUID(iid, InterfaceTraits<Interfaces>::iid()) && (name = InterfaceTraits<Interfaces>::name)) || ...);
-    return name;
-}
-
 constexpr GUID enumeratorClass = {0xBCDE0395, 0xE52F, 0x467C, {0x8E, 0x3D, 0xC4, 0x57, 0x92, 0x91, 0x69, 0x2E}};
 }
 
 std::string argumentText(REFIID iid)
 {
-    const char* const name =
-        nameAmong<IUnknown, IMMDeviceEnumerator, IMMDeviceCollection, IMMDevice, IMMEndpoint, IMMNotificationClient,
-                  IPropertyStore, IDeviceTopology, IPart, IConnector, ISubunit, IPartsList, IControlInterface,
-                  IControlChangeNotify, IPerChannelDbLevel, IAudioVolumeLevel, IAudioMute, IAudioInputSelector,
-                  IAudioEndpointVolume, IAudioEndpointVolumeCallback, IAudioClient, IPersist, IMediaFilter,
-                  IBaseFilter>(iid);
-    if (name != nullptr)
+    if (const char* const name = interfaceName(iid))
         return name;
     return IsEqualGUID(iid, enumeratorClass) ? "MMDeviceEnumerator" : guidText(iid);
 }

@@ -2,18 +2,18 @@
 /// Arguments of platform calls as the journal writes them.
 #pragma once
 
+#include "platform/coreaudio.h"
+
 #include <string>
 #include <type_traits>
 
-#include "platform/coreaudio.h"
-
 namespace sim
 {
-/// Name of an interface or class; for those that the machine does not know the identifier itself.
+/// Name of the interface or class; the identifier itself if the machine does not know it.
 std::string argumentText(REFIID iid);
 /// The key as machine files write it: "deviceFormat", or "{FORMAT-ID}/NUMBER".
 std::string argumentText(const PROPERTYKEY& key);
-/// The text itself.
+/// The string itself; "null" for a null pointer.
 std::string argumentText(const WCHAR* text);
 std::string argumentText(const std::string& text);
 /// An event context: its identifier, or "null".
@@ -30,7 +30,7 @@ std::string argumentText(Integer number)
     return std::to_string(number);
 }
 
-/// Pointers that say nothing but whether they are there.
+/// "object", or "null": for pointers of which only the presence matters.
 inline std::string presenceText(const void* pointer)
 {
     return pointer == nullptr ? "null" : "object";

@@ -1,5 +1,7 @@
 #include "simulator/core/hardware.h"
 
+#include "simulator/machine/valuetext.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -9,13 +11,17 @@ namespace
 {
 std::string lowered(std::string text)
 {
-    for (char& character : text)
-    {
-        if (character >= 'A' && character <= 'Z')
-            character = static_cast<char>(character - 'A' + 'a');
-    }
+    std::transform(text.begin(), text.end(), text.begin(), lowerCase);
     return text;
 }
+}
+
+void changeProperty(Properties& properties, const PROPERTYKEY& key, const PropertyValue& value)
+{
+    if (value.tag == VT_EMPTY)
+        removeProperty(properties, key);
+    else
+        setProperty(properties, key, value);
 }
 
 Hardware::Hardware(Machine machine) : m_machine(std::move(machine))
@@ -33,7 +39,7 @@ const Machine& Hardware::machine() const
     return m_machine;
 }
 
-/// Of two things with one id the first in the machine's order counts, endpoints before adapters.
+/// Of two devices or parts with the same id the first in the machine's order counts, endpoints before adapters.
 void Hardware::reindex()
 {
     m_endpoints.clear();
@@ -80,9 +86,9 @@ void Hardware::indexParts(Device& device)
     if (!device.topology)
         return;
     for (Connector& connector : device.topology->connectors)
-        m_parts.emplace(connector.id, PartInPlace{&device, &connector, &connector});
+        m_parts.emplace(connector.id, ChangeablePartPlace{&device, &connector, &connector});
     for (Subunit& subunit : device.topology->subunits)
-        m_parts.emplace(subunit.id, PartInPlace{&device, &subunit, nullptr});
+        m_parts.emplace(subunit.id, ChangeablePartPlace{&device, &subunit, nullptr});
     for (const SignalPath& path : device.topology->signalPaths)
         m_pathsFrom[path.from].push_back(&path);
 }
@@ -116,7 +122,7 @@ Device* Hardware::openDevice(const std::string& id)
     return nearly;
 }
 
-const PartInPlace* Hardware::part(const std::string& id) const
+const ChangeablePartPlace* Hardware::part(const std::string& id) const
 {
     const auto found = m_parts.find(id);
     return found == m_parts.end() ? nullptr : &found->second;

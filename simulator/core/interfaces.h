@@ -1,10 +1,10 @@
 /// @file
-/// Name and identifier of each interface that the simulated machine knows, at compile time.
+/// Name, identifier and base of each interface that the simulated machine knows. An interface is added here alone.
 #pragma once
 
-#include <type_traits>
-
 #include "platform/coreaudio.h"
+
+#include <type_traits>
 
 namespace sim
 {
@@ -29,32 +29,38 @@ struct InterfaceTraits;
             static const IID value = SONAVIT_SIM_IID(I); \
             return value;                                \
         }                                                \
-    }
+    };
 
-SONAVIT_SIM_INTERFACE(IUnknown, void);
-SONAVIT_SIM_INTERFACE(IMMDeviceEnumerator, IUnknown);
-SONAVIT_SIM_INTERFACE(IMMDeviceCollection, IUnknown);
-SONAVIT_SIM_INTERFACE(IMMDevice, IUnknown);
-SONAVIT_SIM_INTERFACE(IMMEndpoint, IUnknown);
-SONAVIT_SIM_INTERFACE(IMMNotificationClient, IUnknown);
-SONAVIT_SIM_INTERFACE(IPropertyStore, IUnknown);
-SONAVIT_SIM_INTERFACE(IDeviceTopology, IUnknown);
-SONAVIT_SIM_INTERFACE(IPart, IUnknown);
-SONAVIT_SIM_INTERFACE(IConnector, IUnknown);
-SONAVIT_SIM_INTERFACE(ISubunit, IUnknown);
-SONAVIT_SIM_INTERFACE(IPartsList, IUnknown);
-SONAVIT_SIM_INTERFACE(IControlInterface, IUnknown);
-SONAVIT_SIM_INTERFACE(IControlChangeNotify, IUnknown);
-SONAVIT_SIM_INTERFACE(IPerChannelDbLevel, IUnknown);
-SONAVIT_SIM_INTERFACE(IAudioVolumeLevel, IPerChannelDbLevel);
-SONAVIT_SIM_INTERFACE(IAudioMute, IUnknown);
-SONAVIT_SIM_INTERFACE(IAudioInputSelector, IUnknown);
-SONAVIT_SIM_INTERFACE(IAudioEndpointVolume, IUnknown);
-SONAVIT_SIM_INTERFACE(IAudioEndpointVolumeCallback, IUnknown);
-SONAVIT_SIM_INTERFACE(IAudioClient, IUnknown);
-SONAVIT_SIM_INTERFACE(IPersist, IUnknown);
-SONAVIT_SIM_INTERFACE(IMediaFilter, IPersist);
-SONAVIT_SIM_INTERFACE(IBaseFilter, IMediaFilter);
+/// Calls @p entry(interface, the interface that it extends) for each interface.
+// clang-format off
+#define SONAVIT_SIM_INTERFACES(entry)             \
+    entry(IUnknown, void)                         \
+    entry(IMMDeviceEnumerator, IUnknown)          \
+    entry(IMMDeviceCollection, IUnknown)          \
+    entry(IMMDevice, IUnknown)                    \
+    entry(IMMEndpoint, IUnknown)                  \
+    entry(IMMNotificationClient, IUnknown)        \
+    entry(IPropertyStore, IUnknown)               \
+    entry(IDeviceTopology, IUnknown)              \
+    entry(IPart, IUnknown)                        \
+    entry(IConnector, IUnknown)                   \
+    entry(ISubunit, IUnknown)                     \
+    entry(IPartsList, IUnknown)                   \
+    entry(IControlInterface, IUnknown)            \
+    entry(IControlChangeNotify, IUnknown)         \
+    entry(IPerChannelDbLevel, IUnknown)           \
+    entry(IAudioVolumeLevel, IPerChannelDbLevel)  \
+    entry(IAudioMute, IUnknown)                   \
+    entry(IAudioInputSelector, IUnknown)          \
+    entry(IAudioEndpointVolume, IUnknown)         \
+    entry(IAudioEndpointVolumeCallback, IUnknown) \
+    entry(IAudioClient, IUnknown)                 \
+    entry(IPersist, IUnknown)                     \
+    entry(IMediaFilter, IPersist)                 \
+    entry(IBaseFilter, IMediaFilter)
+// clang-format on
+
+SONAVIT_SIM_INTERFACES(SONAVIT_SIM_INTERFACE)
 
 /// Whether @p iid is I or one of the interfaces that I extends, IUnknown left out.
 template<class I>
@@ -66,5 +72,16 @@ bool extends(REFIID iid)
         return false;
     else
         return extends<typename InterfaceTraits<I>::Base>(iid);
+}
+
+/// The name of the interface with that identifier; null for an interface that the machine does not know.
+inline const char* interfaceName(REFIID iid)
+{
+#define SONAVIT_SIM_NAME(I, B)                       \
+    if (IsEqualGUID(iid, InterfaceTraits<I>::iid())) \
+        return InterfaceTraits<I>::name;
+    SONAVIT_SIM_INTERFACES(SONAVIT_SIM_NAME)
+#undef SONAVIT_SIM_NAME
+    return nullptr;
 }
 }

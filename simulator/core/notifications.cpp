@@ -1,20 +1,20 @@
 #include "simulator/core/notifications.h"
 
+#include "simulator/core/argumenttext.h"
+#include "simulator/core/utf16.h"
+#include "simulator/core/volumemath.h"
+
 #include <cstddef>
 #include <cstring>
 #include <optional>
 #include <utility>
 #include <vector>
 
-#include "simulator/core/argumenttext.h"
-#include "simulator/core/text.h"
-#include "simulator/core/volumemath.h"
-
 namespace sim
 {
 namespace
 {
-/// Calls a client and writes the call into the journal. What the client throws leaves the entry pending.
+/// Calls a client and records the call in the journal. If the client throws, the entry stays pending.
 template<class Call>
 void callClient(State& state, const char* operation, const std::string& object, std::vector<std::string> arguments,
                 const Call& call)
@@ -34,8 +34,8 @@ void callClient(State& state, const char* operation, const std::string& object, 
 
 /// Queues one call for each notification client.
 template<class Call>
-void tellClients(const std::shared_ptr<State>& state, const char* operation, const std::string& object,
-                 const std::vector<std::string>& arguments, const Call& call)
+void notifyClients(const std::shared_ptr<State>& state, const char* operation, const std::string& object,
+                   const std::vector<std::string>& arguments, const Call& call)
 {
     if (state->clients.count() == 0)
         return;
@@ -47,7 +47,7 @@ void tellClients(const std::shared_ptr<State>& state, const char* operation, con
         });
 }
 
-/// AUDIO_VOLUME_NOTIFICATION_DATA with room for all channels.
+/// AUDIO_VOLUME_NOTIFICATION_DATA with space for all channels.
 class VolumeData
 {
 public:
@@ -86,36 +86,38 @@ std::optional<GUID> copied(LPCGUID context)
 
 void notifyDeviceAdded(const std::shared_ptr<State>& state, const std::string& endpointId)
 {
-    tellClients(state, "IMMNotificationClient::OnDeviceAdded", endpointId, {endpointId},
-                [id = utf16(endpointId)](IMMNotificationClient& client) { return client.OnDeviceAdded(id.data()); });
+    notifyClients(state, "IMMNotificationClient::OnDeviceAdded", endpointId, {endpointId},
+                  [id = utf16(endpointId)](IMMNotificationClient& client) { return client.OnDeviceAdded(id.data()); });
 }
 
 void notifyDeviceRemoved(const std::shared_ptr<State>& state, const std::string& endpointId)
 {
-    tellClients(state, "IMMNotificationClient::OnDeviceRemoved", endpointId, {endpointId},
-                [id = utf16(endpointId)](IMMNotificationClient& client) { return client.OnDeviceRemoved(id.data()); });
+    notifyClients(state, "IMMNotificationClient::OnDeviceRemoved", endpointId, {endpointId},
+                  [id = utf16(endpointId)](IMMNotificationClient& client)
+                  { return client.OnDeviceRemoved(id.data()); });
 }
 
 void notifyStateChanged(const std::shared_ptr<State>& state, const std::string& endpointId, DWORD newState)
 {
-    tellClients(state, "IMMNotificationClient::OnDeviceStateChanged", endpointId, {endpointId, argumentText(newState)},
-                [id = utf16(endpointId), newState](IMMNotificationClient& client)
-                { return client.OnDeviceStateChanged(id.data(), newState); });
+    notifyClients(state, "IMMNotificationClient::OnDeviceStateChanged", endpointId,
+                  {endpointId, argumentText(newState)},
+                  [id = utf16(endpointId), newState](IMMNotificationClient& client)
+                  { return client.OnDeviceStateChanged(id.data(), newState); });
 }
 
 void notifyDefaultChanged(const std::shared_ptr<State>& state, EDataFlow flow, ERole role, const Text& endpointId)
 {
-    tellClients(state, "IMMNotificationClient::OnDefaultDeviceChanged", endpointId.value_or(""),
-                {argumentText(flow), argumentText(role), endpointId.value_or("null")},
-                [flow, role, id = utf16(endpointId.value_or("")), isNull = !endpointId](IMMNotificationClient& client)
-                { return client.OnDefaultDeviceChanged(flow, role, isNull ? nullptr : id.data()); });
+    notifyClients(state, "IMMNotificationClient::OnDefaultDeviceChanged", endpointId.value_or(""),
+                  {argumentText(flow), argumentText(role), endpointId.value_or("null")},
+                  [flow, role, id = utf16(endpointId.value_or("")), isNull = !endpointId](IMMNotificationClient& client)
+                  { return client.OnDefaultDeviceChanged(flow, role, isNull ? nullptr : id.data()); });
 }
 
 void notifyPropertyChanged(const std::shared_ptr<State>& state, const std::string& deviceId, const PROPERTYKEY& key)
 {
-    tellClients(state, "IMMNotificationClient::OnPropertyValueChanged", deviceId, {deviceId, argumentText(key)},
-                [id = utf16(deviceId), key](IMMNotificationClient& client)
-                { return client.OnPropertyValueChanged(id.data(), key); });
+    notifyClients(state, "IMMNotificationClient::OnPropertyValueChanged", deviceId, {deviceId, argumentText(key)},
+                  [id = utf16(deviceId), key](IMMNotificationClient& client)
+                  { return client.OnPropertyValueChanged(id.data(), key); });
 }
 
 void notifyVolumeChanged(const std::shared_ptr<State>& state, const std::string& endpointId, LPCGUID context)

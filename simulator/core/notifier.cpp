@@ -49,7 +49,7 @@ void Notifier::postAt(Clock::time_point due, Task task)
     task();
 }
 
-void Notifier::settle()
+void Notifier::waitUntilIdle()
 {
     std::unique_lock<Mutex> lock(m_mutex);
     if (m_thread.get_id() == std::this_thread::get_id())
@@ -70,7 +70,7 @@ void Notifier::stop()
     if (!thread.joinable())
         return;
     if (thread.get_id() == std::this_thread::get_id())
-        thread.detach(); // a callback ends the simulation: its thread ends after it
+        thread.detach(); // a callback ends the simulation: the thread ends when the callback has returned
     else
         thread.join();
 }
@@ -93,7 +93,7 @@ void Notifier::work()
     m_leave();
 }
 
-/// Waits for a task that is due; false when there will be none any more.
+/// Waits for a task that is due; false after stop().
 bool Notifier::nextTask(std::unique_lock<Mutex>& lock, Task& task)
 {
     while (!m_isStopped)

@@ -2,6 +2,8 @@
 /// The machine's notification thread.
 #pragma once
 
+#include "simulator/mutex.h"
+
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
@@ -12,11 +14,9 @@
 #include <thread>
 #include <utility>
 
-#include "simulator/mutex.h"
-
 namespace sim
 {
-/// Runs tasks one after the other on a thread of its own, which is started by the first task and has COM.
+/// Runs tasks one after another on its own thread, which the first task starts and on which COM is initialised.
 ///
 /// A task may post further tasks. No lock is held while a task runs.
 class Notifier
@@ -30,23 +30,24 @@ public:
     Notifier& operator=(const Notifier&) = delete;
     ~Notifier();
 
-    /// To be called before the first task. @p owner holds this object and lives at least as long as the thread, so that
-    /// a task may end the simulation; @p enter and @p leave run on the thread before the first and after the last task.
+    /// Call it before the first task. The thread keeps @p owner, which holds this object, alive, so that a task may end
+    /// the simulation. @p enter and @p leave run on the thread before the first and after the last task.
     void prepare(std::weak_ptr<void> owner, Task enter, Task leave);
 
-    /// From now on post() runs its task at once, on the calling thread.
+    /// Whether post() runs its task on the calling thread before it returns.
     void deliverAtOnce(bool on);
     bool deliversAtOnce() const;
 
-    /// Queues @p task behind those that are due, or runs it; see deliverAtOnce().
+    /// Queues @p task after those that are due, or runs it; see deliverAtOnce().
     void post(Task task);
-    /// Queues @p task for @p due; at once it runs now, whenever it is due.
+    /// Queues @p task for @p due. With deliverAtOnce() it runs now, whatever @p due is.
     void postAt(Clock::time_point due, Task task);
 
-    /// Returns when no task waits or runs, those that are not due yet included; at once on the notification thread.
-    void settle();
+    /// Waits until no task is queued or runs, tasks that are not due yet included. On the notification thread it
+    /// returns at once.
+    void waitUntilIdle();
 
-    /// Drops what waits, lets the running task end and ends the thread. Later tasks are dropped.
+    /// Drops the queued tasks, waits for the running task and ends the thread. Later tasks are dropped.
     void stop();
 
 private:

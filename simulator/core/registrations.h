@@ -1,18 +1,19 @@
 /// @file
-/// How a machine gets behind CoCreateInstance.
+/// Makes CoCreateInstance hand out a machine's enumerator.
 #pragma once
 
-#include <memory>
-
 #include "platform/coreaudio.h"
+
+#include <memory>
 
 namespace sim
 {
 class State;
 
-/// On Windows registers a class factory in the calling thread's apartment; elsewhere S_OK, nothing to do.
+/// On Windows registers a class factory in the calling thread's apartment; elsewhere does nothing and returns S_OK.
 HRESULT registerApartment(const std::shared_ptr<State>& state);
 
-/// Ends the registrations of @p state; those of other threads' apartments answer with failure from now on.
+/// Revokes the registrations of @p state in the calling thread's apartment. Those of other apartments fail from now on
+/// unless another machine is current.
 void revokeRegistrations(const State& state);
 }

@@ -1,16 +1,16 @@
 /// @file
-/// How the runtime functions pass through the gate of the machine that is current, if there is one.
+/// Runs a runtime function as a watched call of the current machine, if there is one.
 #pragma once
-
-#include <memory>
-#include <string>
 
 #include "simulator/core/state.h"
 #include "simulator/core/watchedcall.h"
 
+#include <memory>
+#include <string>
+
 namespace sim
 {
-/// One call of a runtime function. @p body is given the machine, null when there is none.
+/// One call of a runtime function. @p body receives the machine, null if there is none.
 template<class... Values, class Body, class... Arguments>
 HRESULT runtimeCall(const char* function, const Outputs<Values...>& outputs, const Body& body,
                     const Arguments&... arguments)
@@ -25,7 +25,7 @@ HRESULT runtimeCall(const char* function, const Outputs<Values...>& outputs, con
     return body(state);
 }
 
-/// One call of a function that has no result and cannot fail: it is only recorded.
+/// One call of a function that has no result and cannot fail. It is recorded and meets no fault rule.
 template<class Body, class... Arguments>
 void runtimeNotice(const char* function, const Body& body, const Arguments&... arguments)
 {

@@ -1,8 +1,8 @@
 #include "simulator/core/simulatedobject.h"
 
-#include <mutex>
-
 #include "simulator/mutex.h"
+
+#include <mutex>
 
 namespace sim
 {
@@ -101,7 +101,7 @@ ULONG SimulatedObject::watchedAddReference()
     return count;
 }
 
-/// The object may end in the middle, so nothing of it is used after that but copies.
+/// dropReference() may delete the object: after it only copies are used.
 ULONG SimulatedObject::watchedRelease()
 {
     const std::shared_ptr<State> machine = m_state;

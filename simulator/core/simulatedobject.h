@@ -1,6 +1,12 @@
 /// @file
-/// What every COM object of the simulated machine has: a machine, a name, references, and a watched way to be called.
+/// Base of every COM object of the simulated machine: machine, name, reference count, watched calls.
 #pragma once
+
+#include "simulator/core/argumenttext.h"
+#include "simulator/core/interfaces.h"
+#include "simulator/core/state.h"
+#include "simulator/core/taskmemory.h"
+#include "simulator/core/watchedcall.h"
 
 #include <atomic>
 #include <memory>
@@ -10,16 +16,10 @@
 #include <utility>
 #include <vector>
 
-#include "simulator/core/argumenttext.h"
-#include "simulator/core/interfaces.h"
-#include "simulator/core/state.h"
-#include "simulator/core/taskmemory.h"
-#include "simulator/core/watchedcall.h"
-
 namespace sim
 {
-/// Registers itself among the live objects of the process for as long as it lives. The list is never destroyed: what
-/// users forget to release stays reachable and is the census's to report.
+/// Is in the list of live objects from construction to destruction. The list is never destroyed: objects that users
+/// forget to release stay reachable, and the census reports them.
 class SimulatedObject
 {
 public:
@@ -36,10 +36,10 @@ protected:
     SimulatedObject(std::shared_ptr<State> state, const char* interfaceName, std::string name);
     virtual ~SimulatedObject();
 
-    /// True references: both return the new count, and the last release deletes the object.
+    /// Both return the new count. The last release deletes the object.
     ULONG addReference();
     ULONG releaseReference();
-    /// QueryInterface with journal and fault plan; @p find answers a pointer without a reference, or null.
+    /// QueryInterface with journal and fault plan; @p find returns a pointer without a reference, or null.
     template<class Find>
     HRESULT query(REFIID iid, void** object, const Find& find);
 
@@ -50,7 +50,7 @@ protected:
         return watchedCall(*m_state, operation, m_name, outputs, body, arguments...);
     }
 
-    /// Stores a copy of @p text in task memory, null where there is none.
+    /// Stores a copy of @p text in task memory; a null pointer if @p text has no value.
     HRESULT storeText(const char* operation, const Text& text, LPWSTR* result) const;
     void* allocate(const char* operation, std::size_t bytes) const;
 
@@ -69,14 +69,14 @@ private:
     SimulatedObject* m_next = nullptr;
 };
 
-/// The identifier by which the machine recognises its own objects: querying it is neither counted nor recorded, adds no
-/// reference, and answers the SimulatedObject.
+/// The identifier by which the machine recognises its own objects. A query for it stores the SimulatedObject; it is not
+/// recorded and adds no reference.
 extern const IID simulatedObjectId;
 
-/// The simulated object behind @p unknown; null when somebody else made it.
+/// The simulated object that @p unknown belongs to; null for other objects and for null.
 SimulatedObject* simulatedObject(IUnknown* unknown);
 
-/// A COM object that offers Interfaces, the first of which is its identity and gives it its name in the census.
+/// A COM object with Interfaces. The first one is its identity and its name in the census.
 template<class... Interfaces>
 class ComObject : public SimulatedObject, public Interfaces...
 {
@@ -135,11 +135,4 @@ HRESULT SimulatedObject::query(REFIID iid, void** object, const Find& find)
     return answerCall(watched, outputs(object), answer);
 }
 
-/// Makes an object and stores it with its one reference.
-template<class Object, class Interface, class... Arguments>
-HRESULT hand(Interface** result, Arguments&&... arguments)
-{
-    *result = new Object(std::forward<Arguments>(arguments)...);
-    return S_OK;
-}
 }

@@ -1,11 +1,11 @@
 #include "simulator/core/state.h"
 
-#include <algorithm>
-#include <utility>
-
 #include "simulator/core/simulatedobject.h"
 #include "simulator/core/taskmemory.h"
 #include "simulator/core/threads.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace sim
 {

@@ -1,15 +1,6 @@
 /// @file
-/// Everything that the objects of one simulated machine share.
+/// What the objects of one simulated machine share.
 #pragma once
-
-#include <atomic>
-#include <cstdint>
-#include <functional>
-#include <map>
-#include <memory>
-#include <mutex>
-#include <string>
-#include <vector>
 
 #include "simulator/census.h"
 #include "simulator/core/hardware.h"
@@ -21,9 +12,18 @@
 #include "simulator/mutex.h"
 #include "simulator/postedmessage.h"
 
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
 namespace sim
 {
-/// One simulated machine. Its COM objects share ownership of it, so it lives until the last of them is gone.
+/// One simulated machine. Its COM objects share ownership of it, so it lives until the last of them is released.
 class State : public std::enable_shared_from_this<State>
 {
 public:
@@ -42,7 +42,7 @@ public:
     Subscriptions<IMMNotificationClient> clients;
     std::atomic<unsigned> comUnderflows{0};
 
-    /// Calls @p action with the hardware under its lock. @p action must not call anything of a user.
+    /// Calls @p action with the hardware, under its lock. @p action must not call user code.
     template<class Action>
     auto withHardware(const Action& action)
     {
@@ -50,10 +50,10 @@ public:
         return action(m_hardware);
     }
 
-    /// Those who listen to one endpoint's volume, or to one kind of control of one part; made on demand.
+    /// The clients of one endpoint's volume, or of one kind of control of one part; created on demand.
     std::shared_ptr<VolumeListeners> volumeListeners(const std::string& endpoint);
     std::shared_ptr<ControlListeners> controlListeners(const std::string& part, const std::string& interfaceName);
-    /// Signs @p listener off from whatever control of @p part it listens to; false when it listens to none.
+    /// Unregisters @p listener from the controls of @p part; false if it is registered with none.
     bool removeControlListener(const std::string& part, IControlChangeNotify* listener);
 
     void recordMessage(const PostedMessage& message);
@@ -73,10 +73,10 @@ private:
     std::vector<PostedMessage> m_messages;
 };
 
-/// The machine that answers the runtime functions at this moment; null when there is none.
+/// The machine that currently answers the runtime functions; null if there is none.
 std::shared_ptr<State> currentState();
-/// Makes @p state answer, ahead of those that were made current before it.
+/// Makes @p state the current machine; the earlier ones follow when it is removed.
 void pushCurrentState(const std::shared_ptr<State>& state);
-/// Takes @p state away wherever it stands.
+/// Removes @p state, current or not.
 void removeCurrentState(const std::shared_ptr<State>& state);
 }

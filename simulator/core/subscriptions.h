@@ -1,6 +1,9 @@
 /// @file
-/// Clients that want to hear of changes: kept in order, called in order, let go when they sign off.
+/// Registered clients: called in the order of their registration, released when they are unregistered.
 #pragma once
+
+#include "platform/coreaudio.h"
+#include "simulator/mutex.h"
 
 #include <algorithm>
 #include <condition_variable>
@@ -10,15 +13,12 @@
 #include <thread>
 #include <vector>
 
-#include "platform/coreaudio.h"
-#include "simulator/mutex.h"
-
 namespace sim
 {
-/// Registrations of one kind of client. One client may be registered several times and is then called as often.
+/// Registrations of one kind of client. A client may be registered several times and is then called as often.
 ///
-/// Each registration holds one reference on its client. No lock is held while a client is called. A client that signs
-/// off is not called any more once remove() has returned, except by the very callback that called remove().
+/// Each registration holds one reference on its client. No lock is held while a client is called. After remove() has
+/// returned, the client is not called any more; only a callback that itself called remove() still runs.
 template<class Client>
 class Subscriptions
 {
@@ -32,8 +32,8 @@ public:
         m_entries.push_back(std::move(entry));
     }
 
-    /// Takes the oldest registration of @p client away; false when there is none. Waits for callbacks of it that run on
-    /// other threads, as long as there are other threads.
+    /// Removes the oldest registration of @p client; false if there is none. Waits for its callbacks on other threads,
+    /// as long as there are other threads.
     bool remove(Client* client)
     {
         std::unique_lock<Mutex> lock(m_mutex);
@@ -46,7 +46,7 @@ public:
         entry->isActive = false;
         entry->releaseWhenIdle = entry->isRunningHere();
         if (entry->releaseWhenIdle)
-            return true; // the last callback that ends gives the reference up
+            return true; // the last callback to end releases the reference
         m_idle.wait(lock, [&] { return entry->runners.empty() || Mutex::otherThreadsAreGone(); });
         lock.unlock();
         client->Release();
@@ -59,8 +59,8 @@ public:
         return m_entries.size();
     }
 
-    /// Calls @p notify with each client that is registered at the time of the call. What a client throws passes through
-    /// and ends the round.
+    /// Calls @p notify with each client that is registered when deliver() is called. An exception of a client passes
+    /// through; the remaining clients are then not called.
     template<class Notify>
     void deliver(const Notify& notify)
     {

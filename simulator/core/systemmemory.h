@@ -1,5 +1,5 @@
 /// @file
-/// Where task memory really comes from: the C library, on Windows the COM runtime.
+/// The allocator behind task memory: the C library, on Windows the COM runtime.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@ namespace sim::systemmemory
 void* allocate(std::size_t bytes);
 void free(void* memory);
 
-/// @p heard is called with each block that users free past free(). Off Windows nobody can: all frees go through the
-/// simulated CoTaskMemFree.
-void watchFrees(const std::function<void(void*)>& heard);
+/// @p onFree is called with each block that users free by the system's own function. Off Windows there is none: all
+/// blocks are freed by the simulated CoTaskMemFree.
+void watchFrees(const std::function<void(void*)>& onFree);
 }

@@ -1,13 +1,13 @@
 #include "simulator/core/taskmemory.h"
 
+#include "simulator/core/systemmemory.h"
+#include "simulator/core/utf16.h"
+#include "simulator/mutex.h"
+
 #include <algorithm>
 #include <mutex>
 #include <unordered_map>
 #include <utility>
-
-#include "simulator/core/systemmemory.h"
-#include "simulator/core/text.h"
-#include "simulator/mutex.h"
 
 namespace sim
 {
@@ -22,8 +22,8 @@ struct TaskMemory::Ledger
     mutable Mutex mutex;
     std::unordered_map<void*, Entry> entries;
 
-    /// Strikes @p memory out; false when it is not there.
-    bool strike(void* memory, std::string& origin)
+    /// Removes @p memory and stores its origin; false if it is not listed.
+    bool remove(void* memory, std::string& origin)
     {
         const std::lock_guard<Mutex> lock(mutex);
         const auto found = entries.find(memory);
@@ -37,12 +37,12 @@ struct TaskMemory::Ledger
 
 TaskMemory::TaskMemory() : m_ledger(new Ledger)
 {
-    // The system's own CoTaskMemFree is what users call on Windows: it tells the ledger.
+    // On Windows users call the system's own CoTaskMemFree.
     systemmemory::watchFrees(
         [ledger = m_ledger](void* memory)
         {
             std::string origin;
-            ledger->strike(memory, origin);
+            ledger->remove(memory, origin);
         });
 }
 
@@ -65,7 +65,7 @@ void* TaskMemory::allocate(std::size_t bytes, std::uint64_t owner, std::string o
 std::string TaskMemory::free(void* memory)
 {
     std::string origin;
-    if (!m_ledger->strike(memory, origin))
+    if (!m_ledger->remove(memory, origin))
         return "unknown block";
     systemmemory::free(memory);
     return origin;

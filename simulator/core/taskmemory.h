@@ -1,19 +1,19 @@
 /// @file
-/// Task memory and the ledger of what has not been freed.
+/// Task memory, and the list of blocks that have not been freed.
 #pragma once
+
+#include "platform/coreaudio.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include "platform/coreaudio.h"
-
 namespace sim
 {
 /// The process's task memory. It is never destroyed, so that static objects can free blocks while the process ends.
 ///
-/// On Windows the blocks are those of the system, and the ledger knows only blocks that the machine handed out.
+/// On Windows the blocks come from the system, and only those that the machine handed out are listed.
 class TaskMemory
 {
 public:
@@ -25,17 +25,17 @@ public:
 
     static TaskMemory& instance();
 
-    /// A block on the account of machine number @p owner; null when there is no memory.
+    /// A block that belongs to machine number @p owner; null if there is no memory.
     void* allocate(std::size_t bytes, std::uint64_t owner, std::string origin);
 
-    /// Frees a block that allocate() gave and returns its origin. A pointer that is no such block is left alone: the
-    /// answer is "unknown block" then.
+    /// Frees a block that allocate() returned, and returns its origin. For any other pointer it does nothing and
+    /// returns "unknown block".
     std::string free(void* memory);
 
-    /// What machine number @p owner has handed out and nobody freed.
+    /// The blocks of machine number @p owner that have not been freed.
     std::vector<Block> outstanding(std::uint64_t owner) const;
 
-    /// A zero-terminated copy of @p text; null when there is no memory.
+    /// A zero-terminated copy of @p text; null if there is no memory.
     WCHAR* allocateText(const std::string& text, std::uint64_t owner, std::string origin);
 
 private:

@@ -1,5 +1,5 @@
 /// @file
-/// What the machine's notification thread does to be a thread with COM.
+/// COM on the machine's notification thread.
 #pragma once
 
 #include <memory>

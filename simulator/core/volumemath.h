@@ -6,16 +6,17 @@
 
 namespace sim
 {
-/// 0 at the minimum, 1 at the maximum, linear in between; 1 where both are the same.
+/// 0 at the minimum, 1 at the maximum, linear in decibels in between; 1 if minimum and maximum are equal.
 float scalarLevel(const EndpointVolume& volume, float decibels);
 float decibelLevel(const EndpointVolume& volume, float scalar);
 
-/// The loudest channel, in decibels; the minimum where there is no channel.
+/// The loudest channel, in decibels; the minimum if there is no channel.
 float masterLevel(const EndpointVolume& volume);
 /// Moves all channels by the same distance, so that the loudest is at @p decibels; none leaves the range.
 void setMasterLevel(EndpointVolume& volume, float decibels);
 
-/// How many steps the range has, the lower end included, and at which of them the master stands.
+/// The number of steps in the range, both ends included; 1 without a step size.
 unsigned stepCount(const EndpointVolume& volume);
+/// The step nearest to @p decibels, counted from 0 at the minimum.
 unsigned stepOf(const EndpointVolume& volume, float decibels);
 }

@@ -1,6 +1,9 @@
 /// @file
-/// The gate through which every call of a user passes: out-parameters, latency, fault plan, journal.
+/// What every call of a user goes through: out-parameters, latency, fault plan, journal.
 #pragma once
+
+#include "simulator/core/argumenttext.h"
+#include "simulator/core/state.h"
 
 #include <optional>
 #include <string>
@@ -9,12 +12,10 @@
 #include <utility>
 #include <vector>
 
-#include "simulator/core/argumenttext.h"
-#include "simulator/core/state.h"
-
 namespace sim
 {
-/// Out-parameters of a call. Null ones make it answer E_POINTER; pointers behind them become null at its beginning.
+/// Out-parameters of a call. If one is null, the call returns E_POINTER. Pointers in them are null when the work
+/// begins.
 template<class... Values>
 class Outputs
 {
@@ -26,7 +27,7 @@ public:
         return std::apply([](auto*... values) { return (... && (values != nullptr)); }, m_values);
     }
 
-    /// Stores null in those that are pointers; with @p all also zero in the others.
+    /// Stores null in the pointers among them; with @p all also zero in the others.
     void clear(bool all) const
     {
         std::apply([&](auto*... values) { (clearOne(values, all), ...); }, m_values);
@@ -49,7 +50,7 @@ Outputs<Values...> outputs(Values*... values)
     return Outputs<Values...>(values...);
 }
 
-/// One call between its beginning and its end. The texts that it is given outlive it.
+/// One call from its beginning to its end. The caller keeps the strings that it passes alive for that long.
 class WatchedCall
 {
 public:
@@ -61,20 +62,20 @@ public:
 
     WatchedCall(State& state, const char* operation, const std::string& object, Kind kind = Kind::work);
 
-    /// Whether anybody wants to know the arguments.
+    /// Whether journal or fault plan need the arguments.
     bool wantsArguments() const;
     void setArguments(std::vector<std::string> arguments);
 
-    /// Asks the fault plan, runs its actions and opens the journal's entry.
+    /// Asks the fault plan, runs its actions and begins the journal's entry.
     void begin();
-    /// What the plan has instead of the work, if anything.
+    /// The planned outcome, which replaces the work; none if no fault fires.
     const std::optional<FaultRule::Outcome>& planned() const;
 
-    /// Closes the journal's entry with @p result, which it returns.
+    /// Ends the journal's entry with @p result, which it returns.
     HRESULT end(HRESULT result);
     /// The planned outcome as a result.
     HRESULT endAsPlanned();
-    /// Closes the journal's entry as thrown and throws InjectedException.
+    /// Ends the journal's entry as thrown and throws InjectedException.
     [[noreturn]] void raise();
 
 private:
@@ -87,7 +88,7 @@ private:
     Journal::Place m_place;
 };
 
-/// Answers one call: @p body does its work unless a fault is planned for it.
+/// Runs one call: @p body does the work unless a fault fires.
 template<class... Values, class Body>
 HRESULT answerCall(WatchedCall& watched, const Outputs<Values...>& outputs, const Body& body)
 {

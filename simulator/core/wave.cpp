@@ -1,9 +1,9 @@
 #include "simulator/core/wave.h"
 
-#include <cstring>
-
 #include "simulator/core/runtimecall.h"
-#include "simulator/core/text.h"
+#include "simulator/core/utf16.h"
+
+#include <cstring>
 
 namespace sim::wave
 {
@@ -40,7 +40,7 @@ MMRESULT answerMessage(const std::vector<WaveDevice>& devices, std::size_t id, U
     return planned != MMSYSERR_NOERROR ? planned : storeId(device, message, first, second);
 }
 
-/// The journal writes the wave id and the message.
+/// The journal records the wave id and the message.
 MMRESULT send(const char* function, std::vector<WaveDevice> Machine::*devices, std::size_t id, UINT message,
               DWORD_PTR first, DWORD_PTR second)
 {

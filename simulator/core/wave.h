@@ -1,21 +1,21 @@
 /// @file
-/// The wave functions as the current machine answers them.
+/// The wave functions, answered by the current machine.
 #pragma once
-
-#include <cstddef>
 
 #include "platform/coreaudio.h"
 
+#include <cstddef>
+
 namespace sim::wave
 {
-/// The number that stands in the place of a wave handle.
+/// The device number that the caller passes instead of a wave handle.
 template<class Handle>
 std::size_t idOf(Handle device)
 {
     return static_cast<std::size_t>(reinterpret_cast<DWORD_PTR>(device));
 }
 
-// What waveOutGetNumDevs, waveOutMessage and waveInMessage answer. Without a machine there are no devices.
+// What waveOutGetNumDevs, waveOutMessage and waveInMessage return. Without a machine there are no devices.
 UINT countOutputs();
 MMRESULT sendToOutput(std::size_t id, UINT message, DWORD_PTR first, DWORD_PTR second);
 MMRESULT sendToInput(std::size_t id, UINT message, DWORD_PTR first, DWORD_PTR second);

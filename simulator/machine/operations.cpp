@@ -18,7 +18,7 @@ struct InterfaceOperations
 
 constexpr std::string_view countingOperations = " QueryInterface AddRef Release ";
 
-constexpr std::array<InterfaceOperations, 18> interfaces = {{
+constexpr std::array<InterfaceOperations, 19> interfaces = {{
     {"IUnknown", " "},
     {"IClassFactory", " CreateInstance LockServer "},
     {"IMMDeviceEnumerator",
@@ -37,6 +37,7 @@ constexpr std::array<InterfaceOperations, 18> interfaces = {{
                    "GetDeviceIdConnectedTo "},
     {"ISubunit", " "},
     {"IPartsList", " GetCount GetPart "},
+    {"IControlInterface", " GetName GetIID "},
     {"IAudioVolumeLevel", " GetChannelCount GetLevelRange GetLevel SetLevel SetLevelUniform SetLevelAllChannels "},
     {"IAudioMute", " SetMute GetMute "},
     {"IAudioInputSelector", " GetSelection SetSelection "},

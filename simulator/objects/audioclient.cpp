@@ -5,7 +5,7 @@ namespace sim
 {
 namespace
 {
-/// There to be held: the machine plays and records nothing, so every operation answers E_NOTIMPL.
+/// Can be activated and held. The machine plays and records nothing, so every operation returns E_NOTIMPL.
 class AudioClientObject final : public ComObject<IAudioClient>
 {
 public:
@@ -37,7 +37,7 @@ public:
     HRESULT STDMETHODCALLTYPE IsFormatSupported(AUDCLNT_SHAREMODE, const WAVEFORMATEX*,
                                                 WAVEFORMATEX** closestMatch) override
     {
-        if (closestMatch != nullptr) // exclusive mode has no place for it
+        if (closestMatch != nullptr) // null is allowed in exclusive mode
             *closestMatch = nullptr;
         return refuse("IAudioClient::IsFormatSupported", outputs());
     }

@@ -5,7 +5,7 @@ namespace sim
 {
 namespace
 {
-/// There to be held: the machine has no filter graphs, so every operation answers E_NOTIMPL.
+/// Can be activated and held. The machine has no filter graphs, so every operation returns E_NOTIMPL.
 class BaseFilterObject final : public ComObject<IBaseFilter>
 {
 public:

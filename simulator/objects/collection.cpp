@@ -5,7 +5,7 @@ namespace sim
 {
 namespace
 {
-/// The endpoints that were there when it was made, whatever has become of them.
+/// A snapshot of endpoints: later changes of the machine do not affect it.
 class CollectionObject final : public ComObject<IMMDeviceCollection>
 {
 public:

@@ -4,7 +4,7 @@ namespace sim
 {
 namespace
 {
-/// The wires of the machine are fixed: ConnectTo and Disconnect are not implemented.
+/// The connections of the machine are fixed: ConnectTo and Disconnect return E_NOTIMPL.
 class ConnectorObject final : public PartBase<IConnector>
 {
 public:
@@ -36,46 +36,59 @@ public:
     HRESULT STDMETHODCALLTYPE IsConnected(BOOL* connected) override
     {
         return call("IConnector::IsConnected", outputs(connected),
-                    [&]() -> HRESULT
+                    [&]
                     {
-                        *connected = peer().has_value() ? TRUE : FALSE;
-                        return S_OK;
+                        return readPeer(
+                            [&](const std::optional<Peer>& peer)
+                            {
+                                *connected = peer ? TRUE : FALSE;
+                                return S_OK;
+                            });
                     });
     }
 
     HRESULT STDMETHODCALLTYPE GetConnectedTo(IConnector** connector) override
     {
         return call("IConnector::GetConnectedTo", outputs(connector),
-                    [&]() -> HRESULT
+                    [&]
                     {
-                        const std::optional<Peer> found = peer();
-                        if (found)
-                            *connector = makeConnector(state(), found->connector);
-                        return *connector == nullptr ? E_NOTFOUND : S_OK;
+                        return readPeer(
+                            [&](const std::optional<Peer>& peer)
+                            {
+                                if (peer)
+                                    *connector = makeConnector(state(), peer->connector);
+                                return *connector == nullptr ? E_NOTFOUND : S_OK;
+                            });
                     });
     }
 
     HRESULT STDMETHODCALLTYPE GetConnectorIdConnectedTo(LPWSTR* connectorId) override
     {
         return call("IConnector::GetConnectorIdConnectedTo", outputs(connectorId),
-                    [&]() -> HRESULT
+                    [&]
                     {
-                        const std::optional<Peer> found = peer();
-                        if (!found || found->connector.empty())
-                            return E_NOTFOUND;
-                        return storeText("IConnector::GetConnectorIdConnectedTo", found->connector, connectorId);
+                        return readPeer(
+                            [&](const std::optional<Peer>& peer)
+                            {
+                                if (!peer || peer->connector.empty())
+                                    return E_NOTFOUND;
+                                return storeText("IConnector::GetConnectorIdConnectedTo", peer->connector, connectorId);
+                            });
                     });
     }
 
     HRESULT STDMETHODCALLTYPE GetDeviceIdConnectedTo(LPWSTR* deviceId) override
     {
         return call("IConnector::GetDeviceIdConnectedTo", outputs(deviceId),
-                    [&]() -> HRESULT
+                    [&]
                     {
-                        const std::optional<Peer> found = peer();
-                        if (!found)
-                            return E_NOTFOUND;
-                        return storeText("IConnector::GetDeviceIdConnectedTo", found->device, deviceId);
+                        return readPeer(
+                            [&](const std::optional<Peer>& peer)
+                            {
+                                if (!peer)
+                                    return E_NOTFOUND;
+                                return storeText("IConnector::GetDeviceIdConnectedTo", peer->device, deviceId);
+                            });
                     });
     }
 
@@ -84,7 +97,7 @@ private:
     HRESULT readConnector(const Action& action) const
     {
         return onPart(*state(), name(),
-                      [&](const PartInPlace& place) -> HRESULT
+                      [&](const ChangeablePartPlace& place) -> HRESULT
                       {
                           if (place.connector == nullptr)
                               return AUDCLNT_E_DEVICE_INVALIDATED;
@@ -93,9 +106,18 @@ private:
                       });
     }
 
-    std::optional<Peer> peer() const
+    /// Calls @p action with the far side of the connector, outside the machine's lock.
+    template<class Action>
+    HRESULT readPeer(const Action& action) const
     {
-        return state()->withHardware([&](const Hardware& hardware) { return hardware.peer(name()); });
+        std::optional<Peer> peer;
+        const HRESULT result = state()->withHardware(
+            [&](const Hardware& hardware)
+            {
+                peer = hardware.peer(name());
+                return hardware.part(name()) == nullptr ? AUDCLNT_E_DEVICE_INVALIDATED : S_OK;
+            });
+        return SUCCEEDED(result) ? action(peer) : result;
     }
 };
 
@@ -104,7 +126,7 @@ ConnectorObject* make(const std::shared_ptr<State>& state, const std::string& pa
     const bool isThere = state->withHardware(
         [&](const Hardware& hardware)
         {
-            const PartInPlace* const place = hardware.part(partId);
+            const ChangeablePartPlace* const place = hardware.part(partId);
             return place != nullptr && place->connector != nullptr;
         });
     return isThere ? new ConnectorObject(state, partId) : nullptr;

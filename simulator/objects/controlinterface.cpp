@@ -5,7 +5,7 @@ namespace sim
 {
 namespace
 {
-/// Says which control a part has.
+/// Describes one control of a part. It answers even if the machine has lost the part.
 class ControlInterfaceObject final : public ComObject<IControlInterface>
 {
 public:

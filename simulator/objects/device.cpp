@@ -6,7 +6,7 @@ namespace sim
 {
 namespace
 {
-/// The interfaces that must be activated without parameters; others are free to take some.
+/// Whether the interface must be activated without parameters.
 bool takesNoParameters(REFIID iid)
 {
     return IsEqualGUID(iid, InterfaceTraits<IDeviceTopology>::iid()) ||
@@ -14,14 +14,14 @@ bool takesNoParameters(REFIID iid)
            IsEqualGUID(iid, InterfaceTraits<IAudioClient>::iid());
 }
 
-/// What endpoints and adapter devices answer alike.
+/// IMMDevice of endpoints and adapter devices.
 template<class... Interfaces>
 class DeviceBase : public ComObject<Interfaces...>
 {
 public:
     using ComObject<Interfaces...>::ComObject;
 
-    /// Parameters are the third argument in the journal where they are given.
+    /// The journal records parameters as a third argument, and only if there are any.
     HRESULT STDMETHODCALLTYPE Activate(REFIID iid, DWORD context, PROPVARIANT* parameters, void** object) override
     {
         if (parameters == nullptr)
@@ -53,7 +53,7 @@ public:
                           [&]() -> HRESULT { return this->storeText("IMMDevice::GetId", this->name(), deviceId); });
     }
 
-    /// A device that is gone is not present.
+    /// A device that the machine has lost is not present.
     HRESULT STDMETHODCALLTYPE GetState(DWORD* deviceState) override
     {
         return this->call("IMMDevice::GetState", outputs(deviceState),

@@ -1,16 +1,16 @@
-#include <algorithm>
-#include <cstring>
-
 #include "simulator/core/notifications.h"
 #include "simulator/core/simulatedobject.h"
 #include "simulator/core/volumemath.h"
 #include "simulator/objects/objects.h"
 
+#include <algorithm>
+#include <cstring>
+
 namespace sim
 {
 namespace
 {
-/// Volume and mute of an endpoint. A setter that leaves everything as it was tells nobody.
+/// Volume and mute of an endpoint. A setter that changes nothing notifies no client.
 class EndpointVolumeObject final : public ComObject<IAudioEndpointVolume>
 {
 public:
@@ -122,7 +122,7 @@ public:
         return readChannel("IAudioEndpointVolume::GetChannelVolumeLevelScalar", channel, level, scalarLevel);
     }
 
-    /// S_FALSE when the mute was so already.
+    /// S_FALSE if it changes nothing.
     HRESULT STDMETHODCALLTYPE SetMute(BOOL mute, LPCGUID context) override
     {
         const auto set = [&](EndpointVolume& volume)
@@ -178,7 +178,7 @@ public:
     }
 
 private:
-    // Written so that what is not a number is out of range.
+    // NaN compares false, so it is out of range.
     static bool isInRange(const EndpointVolume& volume, float decibels)
     {
         return decibels >= volume.minimum && decibels <= volume.maximum;
@@ -186,7 +186,7 @@ private:
 
     static bool isScalar(float level) { return level >= 0.0f && level <= 1.0f; }
 
-    /// @p action answers the call under the machine's lock, unless the endpoint refuses @p operation.
+    /// Calls @p action under the machine's lock; E_NOTIMPL if the endpoint refuses @p operation.
     template<class Action>
     HRESULT onVolume(const char* operation, const Action& action) const
     {

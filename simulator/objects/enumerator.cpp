@@ -1,5 +1,5 @@
 #include "simulator/core/simulatedobject.h"
-#include "simulator/core/text.h"
+#include "simulator/core/utf16.h"
 #include "simulator/objects/objects.h"
 
 namespace sim
@@ -11,7 +11,7 @@ bool isRole(ERole role)
     return role >= eConsole && role <= eCommunications;
 }
 
-/// Lists, finds and announces the machine's endpoints.
+/// Lists and finds the machine's endpoints, and registers clients.
 class EnumeratorObject final : public ComObject<IMMDeviceEnumerator>
 {
 public:

@@ -1,16 +1,16 @@
-#include <algorithm>
-#include <utility>
-
 #include "simulator/core/notifications.h"
 #include "simulator/core/simulatedobject.h"
 #include "simulator/objects/lookup.h"
 #include "simulator/objects/objects.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace sim
 {
 namespace
 {
-/// Lets the signal of one of the part's incoming neighbours through.
+/// Selects one of the part's incoming neighbours by its local id.
 class InputSelectorObject final : public ComObject<IAudioInputSelector>
 {
 public:
@@ -58,7 +58,7 @@ private:
         return std::any_of(part.incoming.begin(), part.incoming.end(),
                            [&](const std::string& neighbour)
                            {
-                               const PartInPlace* const place = hardware.part(neighbour);
+                               const ChangeablePartPlace* const place = hardware.part(neighbour);
                                return place != nullptr && place->part->localId == localId;
                            });
     }
@@ -69,7 +69,7 @@ private:
         return state()->withHardware(
             [&](Hardware& hardware) -> HRESULT
             {
-                const PartInPlace* const place = hardware.part(name());
+                const ChangeablePartPlace* const place = hardware.part(name());
                 if (place == nullptr || !place->part->selector)
                     return AUDCLNT_E_DEVICE_INVALIDATED;
                 return action(hardware, *place->part);

@@ -1,14 +1,14 @@
 /// @file
-/// How objects find what they stand for. It can be gone: a test may have taken it out of the machine.
+/// How objects find their device or part, which a test may have removed from the machine.
 #pragma once
-
-#include <string>
 
 #include "simulator/core/state.h"
 
+#include <string>
+
 namespace sim
 {
-/// Calls @p action(Device&) under the machine's lock; AUDCLNT_E_DEVICE_INVALIDATED when the device is gone.
+/// Calls @p action(Device&) under the machine's lock; AUDCLNT_E_DEVICE_INVALIDATED if the machine has lost the device.
 template<class Action>
 HRESULT onDevice(State& state, const std::string& id, const Action& action)
 {
@@ -20,14 +20,14 @@ HRESULT onDevice(State& state, const std::string& id, const Action& action)
         });
 }
 
-/// Calls @p action(PartInPlace) in the same way.
+/// Calls @p action(const ChangeablePartPlace&) in the same way.
 template<class Action>
 HRESULT onPart(State& state, const std::string& id, const Action& action)
 {
     return state.withHardware(
         [&](Hardware& hardware) -> HRESULT
         {
-            const PartInPlace* const place = hardware.part(id);
+            const ChangeablePartPlace* const place = hardware.part(id);
             return place == nullptr ? AUDCLNT_E_DEVICE_INVALIDATED : action(*place);
         });
 }

@@ -1,9 +1,9 @@
-#include <utility>
-
 #include "simulator/core/notifications.h"
 #include "simulator/core/simulatedobject.h"
 #include "simulator/objects/lookup.h"
 #include "simulator/objects/objects.h"
+
+#include <utility>
 
 namespace sim
 {
@@ -40,7 +40,7 @@ private:
     HRESULT onMute(const Action& action) const
     {
         return onPart(*state(), name(),
-                      [&](const PartInPlace& place) -> HRESULT
+                      [&](const ChangeablePartPlace& place) -> HRESULT
                       {
                           if (!place.part->mute)
                               return AUDCLNT_E_DEVICE_INVALIDATED;

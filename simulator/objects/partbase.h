@@ -1,12 +1,12 @@
 /// @file
-/// What connectors and subunits answer alike.
+/// IPart of connectors and subunits.
 #pragma once
-
-#include <algorithm>
 
 #include "simulator/core/simulatedobject.h"
 #include "simulator/objects/lookup.h"
 #include "simulator/objects/objects.h"
+
+#include <algorithm>
 
 namespace sim
 {
@@ -24,7 +24,7 @@ std::vector<ControlOfPart> controlsOf(const Part& part);
 IPart* makeConnectorAsPart(const std::shared_ptr<State>& state, const std::string& partId);
 IPart* makeSubunitAsPart(const std::shared_ptr<State>& state, const std::string& partId);
 
-/// Own is IConnector or ISubunit. The object's name is the part's global id.
+/// IPart beside Own, which is IConnector or ISubunit. The object's name is the part's global id.
 template<class Own>
 class PartBase : public ComObject<Own, IPart>
 {
@@ -93,23 +93,31 @@ public:
     HRESULT STDMETHODCALLTYPE GetControlInterfaceCount(UINT* count) override
     {
         return this->call("IPart::GetControlInterfaceCount", outputs(count),
-                          [&]() -> HRESULT
+                          [&]
                           {
-                              *count = static_cast<UINT>(controls().size());
-                              return S_OK;
+                              return readControls(
+                                  [&](const std::vector<ControlOfPart>& controls)
+                                  {
+                                      *count = static_cast<UINT>(controls.size());
+                                      return S_OK;
+                                  });
                           });
     }
 
     HRESULT STDMETHODCALLTYPE GetControlInterface(UINT index, IControlInterface** description) override
     {
-        const auto answer = [&]() -> HRESULT
+        const auto answer = [&]
         {
-            const std::vector<ControlOfPart> mine = controls();
-            if (index >= mine.size())
-                return E_INVALIDARG;
-            *description =
-                makeControlInterface(this->state(), this->name(), mine[index].iid, mine[index].interfaceName);
-            return S_OK;
+            return readControls(
+                [&](const std::vector<ControlOfPart>& controls)
+                {
+                    if (index >= controls.size())
+                        return E_INVALIDARG;
+                    const ControlOfPart& control = controls[index];
+                    *description =
+                        makeControlInterface(this->state(), this->name(), control.iid, control.interfaceName);
+                    return S_OK;
+                });
         };
         return this->call("IPart::GetControlInterface", outputs(description), answer, index);
     }
@@ -131,7 +139,7 @@ public:
                           {
                               std::string deviceId;
                               const HRESULT result = onPart(*this->state(), this->name(),
-                                                            [&](const PartInPlace& place)
+                                                            [&](const ChangeablePartPlace& place)
                                                             {
                                                                 deviceId = place.device->id;
                                                                 return S_OK;
@@ -142,13 +150,14 @@ public:
                           });
     }
 
-    /// The journal writes the interface first, as for IMMDevice::Activate.
+    /// The journal records the interface first, as for IMMDevice::Activate.
     HRESULT STDMETHODCALLTYPE Activate(DWORD context, REFIID iid, void** object) override
     {
         const auto answer = [&]() -> HRESULT
         {
-            if (!hasControl(iid))
-                return E_NOINTERFACE;
+            const HRESULT result = findControl(iid);
+            if (FAILED(result))
+                return result;
             if (IsEqualGUID(iid, InterfaceTraits<IAudioVolumeLevel>::iid()))
                 *object = makeVolumeLevel(this->state(), this->name());
             else if (IsEqualGUID(iid, InterfaceTraits<IAudioMute>::iid()))
@@ -166,10 +175,10 @@ public:
         {
             if (notify == nullptr)
                 return E_POINTER;
-            if (!hasControl(iid))
-                return E_NOINTERFACE;
-            this->state()->controlListeners(this->name(), argumentText(iid))->add(notify);
-            return S_OK;
+            const HRESULT result = findControl(iid);
+            if (SUCCEEDED(result))
+                this->state()->controlListeners(this->name(), argumentText(iid))->add(notify);
+            return result;
         };
         return this->call("IPart::RegisterControlChangeCallback", outputs(), answer, iid, presenceText(notify));
     }
@@ -189,27 +198,34 @@ protected:
     template<class Action>
     HRESULT read(const Action& action) const
     {
-        return onPart(*this->state(), this->name(), [&](const PartInPlace& place) { return action(*place.part); });
+        return onPart(*this->state(), this->name(),
+                      [&](const ChangeablePartPlace& place) { return action(*place.part); });
     }
 
 private:
-    std::vector<ControlOfPart> controls() const
+    /// Calls @p action with the part's controls, outside the machine's lock.
+    template<class Action>
+    HRESULT readControls(const Action& action) const
     {
-        std::vector<ControlOfPart> result;
-        read(
+        std::vector<ControlOfPart> controls;
+        const HRESULT result = read(
             [&](const Part& part)
             {
-                result = controlsOf(part);
+                controls = controlsOf(part);
                 return S_OK;
             });
-        return result;
+        return SUCCEEDED(result) ? action(controls) : result;
     }
 
-    bool hasControl(REFIID iid) const
+    /// E_NOINTERFACE if the part has no such control.
+    HRESULT findControl(REFIID iid) const
     {
-        const std::vector<ControlOfPart> mine = controls();
-        return std::any_of(mine.begin(), mine.end(),
-                           [&](const ControlOfPart& control) { return IsEqualGUID(control.iid, iid); });
+        return readControls(
+            [&](const std::vector<ControlOfPart>& controls)
+            {
+                const auto isMeant = [&](const ControlOfPart& control) { return IsEqualGUID(control.iid, iid); };
+                return std::any_of(controls.begin(), controls.end(), isMeant) ? S_OK : E_NOINTERFACE;
+            });
     }
 
     HRESULT list(std::vector<std::string> Part::*neighbours, IPartsList** parts) const

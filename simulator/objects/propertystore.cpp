@@ -1,6 +1,3 @@
-#include <algorithm>
-#include <mutex>
-
 #include "simulator/core/notifications.h"
 #include "simulator/core/simulatedobject.h"
 #include "simulator/machine/propertykeys.h"
@@ -8,6 +5,9 @@
 #include "simulator/objects/lookup.h"
 #include "simulator/objects/objects.h"
 #include "simulator/objects/propertyvalue.h"
+
+#include <algorithm>
+#include <mutex>
 
 namespace sim
 {
@@ -19,8 +19,8 @@ std::string textOf(const Properties& properties, const PROPERTYKEY& key)
     return value == nullptr ? std::string() : value->text.value_or("");
 }
 
-/// What the platform composes by itself where a machine says nothing of it: a device's full name, "Speakers (Analog
-/// Audio)". The wave functions of Windows read it for every endpoint and do not expect it to be missing.
+/// What the platform composes if the machine does not have it: a device's full name, "Speakers (Analog Audio)". The
+/// wave functions of Windows read it for every endpoint and require it.
 PropertyValue composed(const Properties& properties, const PROPERTYKEY& key)
 {
     if (!sameKey(key, keys::fullName))
@@ -29,7 +29,7 @@ PropertyValue composed(const Properties& properties, const PROPERTYKEY& key)
                                  textOf(properties, keys::friendlyName) + ")");
 }
 
-/// The properties of one device. What SetValue writes is seen by this store at once and by the machine after Commit.
+/// The properties of one device. A value of SetValue shows in this store at once and in the machine after Commit.
 class PropertyStoreObject final : public ComObject<IPropertyStore>
 {
 public:
@@ -114,9 +114,11 @@ public:
                                                             apply(changes, device.properties);
                                                             return S_OK;
                                                         });
+                        if (FAILED(result))
+                            return result;
                         for (const Property& change : changes)
                             notifyPropertyChanged(state(), name(), change.key);
-                        return result;
+                        return S_OK;
                     });
     }
 
@@ -130,15 +132,10 @@ private:
     static void apply(const Properties& changes, Properties& properties)
     {
         for (const Property& change : changes)
-        {
-            if (change.value.tag == VT_EMPTY)
-                removeProperty(properties, change.key);
-            else
-                setProperty(properties, change.key, change.value);
-        }
+            changeProperty(properties, change.key, change.value);
     }
 
-    /// The machine's properties with what this store has pending.
+    /// Calls @p action with the machine's properties, the pending changes of this store applied.
     template<class Action>
     HRESULT read(const Action& action)
     {

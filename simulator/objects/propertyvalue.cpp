@@ -1,6 +1,6 @@
 #include "simulator/objects/propertyvalue.h"
 
-#include "simulator/core/text.h"
+#include "simulator/core/utf16.h"
 
 namespace sim
 {

@@ -2,12 +2,12 @@
 /// Property values between the machine and the platform's variants.
 #pragma once
 
-#include <optional>
-
 #include "simulator/core/simulatedobject.h"
+
+#include <optional>
 
 namespace sim
 {
-/// The value of @p variant; no value for a tag that a property store does not take.
+/// The value of @p variant; no value if a property store does not accept its tag.
 std::optional<PropertyValue> readVariant(const PROPVARIANT& variant);
 }

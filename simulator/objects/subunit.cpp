@@ -15,7 +15,7 @@ SubunitObject* make(const std::shared_ptr<State>& state, const std::string& part
     const bool isThere = state->withHardware(
         [&](const Hardware& hardware)
         {
-            const PartInPlace* const place = hardware.part(partId);
+            const ChangeablePartPlace* const place = hardware.part(partId);
             return place != nullptr && place->connector == nullptr;
         });
     return isThere ? new SubunitObject(state, partId) : nullptr;

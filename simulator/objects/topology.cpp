@@ -99,7 +99,7 @@ public:
                     });
     }
 
-    /// The list runs from the first part to the last one, both included.
+    /// The list contains both ends.
     HRESULT STDMETHODCALLTYPE GetSignalPath(IPart* from, IPart* to, BOOL rejectMixed, IPartsList** parts) override
     {
         const SimulatedObject* const first = simulatedObject(from);
@@ -115,10 +115,10 @@ public:
                 [&](Hardware& hardware) -> HRESULT
                 {
                     const Device* const device = hardware.device(name());
+                    if (device == nullptr)
+                        return AUDCLNT_E_DEVICE_INVALIDATED;
                     const SignalPath* const path =
-                        device == nullptr
-                            ? nullptr
-                            : hardware.signalPath(*device, first->name(), last->name(), rejectMixed != FALSE);
+                        hardware.signalPath(*device, first->name(), last->name(), rejectMixed != FALSE);
                     if (path == nullptr)
                         return E_NOTFOUND;
                     ids.insert(ids.end(), path->through.begin(), path->through.end());

@@ -1,16 +1,17 @@
-#include <algorithm>
-
 #include "simulator/core/notifications.h"
 #include "simulator/core/simulatedobject.h"
 #include "simulator/objects/lookup.h"
 #include "simulator/objects/objects.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace sim
 {
 namespace
 {
-/// The level of a hardware node. A level beyond the range is brought to its end, as hardware does; a level between two
-/// steps is kept as it is.
+/// The level of a hardware node. A level outside the range becomes the nearest end of the range, as in hardware; a
+/// level between two steps is kept as it is. NaN is refused.
 class VolumeLevelObject final : public ComObject<IAudioVolumeLevel>
 {
 public:
@@ -59,7 +60,7 @@ public:
             return change(context,
                           [&](Channels& channels) -> HRESULT
                           {
-                              if (channel >= channels.size())
+                              if (channel >= channels.size() || std::isnan(level))
                                   return E_INVALIDARG;
                               set(channels[channel], level);
                               return S_OK;
@@ -75,6 +76,8 @@ public:
             return change(context,
                           [&](Channels& channels)
                           {
+                              if (std::isnan(level))
+                                  return E_INVALIDARG;
                               for (ChannelLevel& channel : channels)
                                   set(channel, level);
                               return S_OK;
@@ -92,7 +95,8 @@ public:
             return change(context,
                           [&](Channels& channels) -> HRESULT
                           {
-                              if (count != channels.size())
+                              const auto isNoNumber = [](float level) { return std::isnan(level); };
+                              if (count != channels.size() || std::any_of(levels, levels + count, isNoNumber))
                                   return E_INVALIDARG;
                               for (std::size_t channel = 0; channel < channels.size(); ++channel)
                                   set(channels[channel], levels[channel]);
@@ -114,7 +118,7 @@ private:
     HRESULT onChannels(const Action& action) const
     {
         return onPart(*state(), name(),
-                      [&](const PartInPlace& place) -> HRESULT {
+                      [&](const ChangeablePartPlace& place) -> HRESULT {
                           return place.part->volume ? action(place.part->volume->channels)
                                                     : AUDCLNT_E_DEVICE_INVALIDATED;
                       });

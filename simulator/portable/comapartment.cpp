@@ -6,7 +6,8 @@ namespace sim::comapartment
 {
 namespace
 {
-/// Plain data without a destructor: static objects leave COM when the main thread's own objects are gone already.
+/// Plain data without a destructor: static objects leave COM after the main thread's thread_local objects are
+/// destroyed.
 struct Apartment
 {
     unsigned depth;

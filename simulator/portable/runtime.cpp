@@ -1,6 +1,6 @@
 #include "simulator/core/runtimecall.h"
 #include "simulator/core/simulatedobject.h"
-#include "simulator/core/text.h"
+#include "simulator/core/utf16.h"
 #include "simulator/machine/valuetext.h"
 #include "simulator/objects/objects.h"
 #include "simulator/portable/comapartment.h"
@@ -9,7 +9,7 @@ using namespace sim;
 
 namespace
 {
-/// Frees a text or blob of a property; its origin is not known here.
+/// Frees a string or blob of a property.
 void freeMember(void* memory)
 {
     if (memory != nullptr)
@@ -68,7 +68,7 @@ LPVOID WINAPI CoTaskMemAlloc(SIZE_T bytes)
     return memory;
 }
 
-/// The journal's argument is where the block came from.
+/// The journal records the origin of the block as the argument.
 void WINAPI CoTaskMemFree(LPVOID memory)
 {
     const std::string origin = memory == nullptr ? "null" : TaskMemory::instance().free(memory);

@@ -6,7 +6,7 @@ namespace sim::systemmemory
 {
 void* allocate(std::size_t bytes)
 {
-    return std::malloc(bytes == 0 ? 1 : bytes); // a block of no bytes is a block all the same
+    return std::malloc(bytes == 0 ? 1 : bytes); // an empty block has an address, too
 }
 
 void free(void* memory)

@@ -4,8 +4,8 @@
 
 namespace sim
 {
-/// The system has no public function that tells it; this one is there since Windows XP, and without it nothing is lost
-/// but the way out of a wait.
+/// The system has no documented function for this. RtlDllShutdownInProgress exists since Windows XP; without it a
+/// library may wait forever at the end of the process.
 bool Mutex::otherThreadsAreGone() noexcept
 {
     using Question = BOOLEAN(NTAPI*)();

@@ -1,20 +1,20 @@
 #include "simulator/core/registrations.h"
 
-#include <mutex>
-#include <vector>
-
 #include "simulator/core/state.h"
 #include "simulator/core/threads.h"
 #include "simulator/core/watchedcall.h"
 #include "simulator/mutex.h"
 #include "simulator/objects/objects.h"
 
+#include <mutex>
+#include <vector>
+
 namespace sim
 {
 namespace
 {
-/// Hands out the enumerator of the machine that is current when it is asked. One object serves all apartments; it is
-/// never destroyed, so its references are not counted.
+/// Hands out the enumerator of the machine that is current at the time of the call. One object serves all apartments;
+/// it is never destroyed, so its references are not counted.
 class EnumeratorFactory final : public IClassFactory
 {
 public:
@@ -35,7 +35,7 @@ public:
 
     ULONG STDMETHODCALLTYPE Release() override { return 1; }
 
-    /// Journal and fault plan know it as what users call.
+    /// Journal and fault plan see it as CoCreateInstance, which is what users call.
     HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) override
     {
         const std::shared_ptr<State> state = currentState();
@@ -72,8 +72,8 @@ struct Registrations
         return *registrations;
     }
 
-    /// Takes out what @p machine has registered on this thread. An apartment that is gone has taken its own along, so
-    /// nobody looks at what revoking says.
+    /// Revokes what @p machine has registered on this thread. The result is ignored on purpose: an apartment that has
+    /// ended has revoked its own registrations.
     void revokeHere(std::uint64_t machine)
     {
         std::vector<Registration> kept;
@@ -88,10 +88,10 @@ struct Registrations
     }
 };
 
-/// The wave functions read the system's endpoints once, when they are first asked, and may do so by way of a class that
-/// is registered here. They could not use what they would find: a simulated endpoint plays nothing, and Wine's crash on
-/// it. So they are asked before the first machine is registered. On a system that has no endpoint at all they read anew
-/// each time, and are best not asked while a machine runs.
+/// The wave functions read the system's endpoints once, at their first call, and may use a class that is registered
+/// here. They cannot use a simulated endpoint: it plays nothing, and Wine's wave functions crash on it. So they are
+/// called before the first machine is registered. On a system without endpoints they read them at each call; do not
+/// call them there while a machine runs.
 void letWaveFunctionsReadTheSystem()
 {
     static std::once_flag isDone;

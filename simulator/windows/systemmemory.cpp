@@ -1,19 +1,19 @@
 #include "simulator/core/systemmemory.h"
 
-#include <utility>
-
 #include "platform/coreaudio.h"
+
+#include <utility>
 
 namespace sim::systemmemory
 {
 namespace
 {
-/// Hears of every block that the process gives back. COM has one such spy in a process; where another one is registered
-/// already, blocks that users free stay in the census.
+/// Is notified of every block that the process frees. COM has one such spy in a process; if another one is already
+/// registered, blocks that users free stay in the census.
 class FreeSpy final : public IMallocSpy
 {
 public:
-    explicit FreeSpy(std::function<void(void*)> heard) : m_heard(std::move(heard)) {}
+    explicit FreeSpy(std::function<void(void*)> onFree) : m_onFree(std::move(onFree)) {}
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override
     {
@@ -32,7 +32,7 @@ public:
 
     void* STDMETHODCALLTYPE PreFree(void* memory, BOOL) override
     {
-        m_heard(memory);
+        m_onFree(memory);
         return memory;
     }
 
@@ -40,7 +40,7 @@ public:
 
     SIZE_T STDMETHODCALLTYPE PreRealloc(void* memory, SIZE_T bytes, void** passedOn, BOOL) override
     {
-        m_heard(memory);
+        m_onFree(memory);
         *passedOn = memory;
         return bytes;
     }
@@ -60,7 +60,7 @@ public:
     void STDMETHODCALLTYPE PostHeapMinimize() override {}
 
 private:
-    const std::function<void(void*)> m_heard;
+    const std::function<void(void*)> m_onFree;
 };
 }
 
@@ -74,9 +74,9 @@ void free(void* memory)
     CoTaskMemFree(memory);
 }
 
-void watchFrees(const std::function<void(void*)>& heard)
+void watchFrees(const std::function<void(void*)>& onFree)
 {
-    static FreeSpy* const spy = new FreeSpy(heard); // stays with COM to the end
+    static FreeSpy* const spy = new FreeSpy(onFree); // stays with COM to the end
     CoRegisterMallocSpy(spy);
 }
 }

@@ -1,10 +1,10 @@
 #include "simulator/waveredirection.h"
 
-#include <array>
-#include <cstring>
-
 #include "simulator/core/state.h"
 #include "simulator/core/wave.h"
+
+#include <array>
+#include <cstring>
 
 namespace sim
 {
@@ -15,8 +15,8 @@ bool hasMachine()
     return currentState() != nullptr;
 }
 
-/// The system's function of that name. A direct call could end in the redirection again: it goes by the imports of this
-/// very module, where library and simulator are linked into one.
+/// The system's function of that name. A direct call uses the imports of this module, which are redirected themselves
+/// if library and simulator are linked into one module.
 template<class Function>
 Function* systems(Function&, const char* name)
 {
@@ -65,7 +65,7 @@ void* replacementOf(const char* name)
     return nullptr;
 }
 
-/// What stands @p offset bytes into a module.
+/// The object @p offset bytes into a module.
 template<class T>
 T* at(void* module, std::size_t offset)
 {
@@ -103,7 +103,7 @@ WaveRedirection::~WaveRedirection()
         store(slot.place, slot.before);
 }
 
-/// Looks by name, in whichever library the linker has found the functions.
+/// Searches by name in all imported libraries: different linkers find the functions in different ones.
 void WaveRedirection::redirect(void* module)
 {
     const IMAGE_IMPORT_DESCRIPTOR* import = importsOf(module);

@@ -24,14 +24,14 @@ struct COMInitializerLife : support::LibraryTest
 };
 }
 
-TEST_F(COMInitializerLife, TellsTheResultForAFreshThread)
+TEST_F(COMInitializerLife, LogsTheResultOnAFreshThread)
 {
     onFreshThread([] { const COMInitializer initializer; });
 
     EXPECT_THAT(log.texts(LoggerPriority::LOG_DEBUG, "comptr"), ElementsAre("CoInitialize returns 0"));
 }
 
-TEST_F(COMInitializerLife, TellsThatComWasThereAlready)
+TEST_F(COMInitializerLife, LogsThatComIsAlreadyInitialized)
 {
     {
         const COMInitializer initializer; // the fixture was first on this thread
@@ -66,7 +66,7 @@ TEST_F(COMInitializerLife, OpensItsScopeInTheConstructorOnly)
     EXPECT_THAT(log.records(), IsEmpty());
 }
 
-TEST_F(COMInitializerLife, SaysNothingAtAThresholdOfOne)
+TEST_F(COMInitializerLife, LogsNothingAtAThresholdOfOne)
 {
     log.setThreshold("comptr", LoggerPriority::LOG_DEBUG);
 
@@ -75,7 +75,7 @@ TEST_F(COMInitializerLife, SaysNothingAtAThresholdOfOne)
     EXPECT_THAT(log.records(), IsEmpty());
 }
 
-TEST_F(COMInitializerLife, SaysNothingAtAMinimumOfTwo)
+TEST_F(COMInitializerLife, LogsNothingAtAMinimumOfTwo)
 {
     qor::LogFactory::setPriority(LoggerPriority::LOG_INFO);
 
@@ -85,7 +85,7 @@ TEST_F(COMInitializerLife, SaysNothingAtAMinimumOfTwo)
 }
 
 #if !defined(_WIN32) // the system's own COM keeps no journal
-TEST_F(COMInitializerLife, InitializesAtItsBeginningAndUninitializesAtItsEnd)
+TEST_F(COMInitializerLife, InitializesInTheConstructorAndUninitializesInTheDestructor)
 {
     sim::Simulation& machine = run({});
     {
@@ -96,7 +96,7 @@ TEST_F(COMInitializerLife, InitializesAtItsBeginningAndUninitializesAtItsEnd)
     EXPECT_THAT(machine.journal().operations(), ElementsAre("CoInitialize", "CoUninitialize"));
 }
 
-TEST_F(COMInitializerLife, UninitializesAlsoAfterAFailure)
+TEST_F(COMInitializerLife, UninitializesEvenAfterAFailure)
 {
     sim::Simulation& machine = run({});
     const sim::PlannedFault fault = machine.faults().fail("CoInitialize", E_OUTOFMEMORY);
@@ -108,7 +108,7 @@ TEST_F(COMInitializerLife, UninitializesAlsoAfterAFailure)
     EXPECT_EQ(1u, machine.comUnderflows());
 }
 
-TEST_F(COMInitializerLife, HasACopyUninitializeWithoutHavingInitialized)
+TEST_F(COMInitializerLife, UninitializesInACopyThatHasNotInitialized)
 {
     sim::Simulation& machine = run({});
 

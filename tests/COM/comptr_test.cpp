@@ -36,7 +36,7 @@ TEST_F(COMPtrPointer, IsNilByDefault)
     EXPECT_EQ(nullptr, handle.get());
 }
 
-TEST_F(COMPtrPointer, AdoptsTheReferenceOfARawPointerAndReleasesItAtItsEnd)
+TEST_F(COMPtrPointer, AdoptsTheReferenceOfARawPointerAndReleasesItInTheDestructor)
 {
     {
         const Handle handle(&object);
@@ -56,7 +56,7 @@ TEST_F(COMPtrPointer, ReachesTheObject)
     EXPECT_EQ(1u, handle->count);
 }
 
-TEST_F(COMPtrPointer, HasACopyRaiseTheCountToTwo)
+TEST_F(COMPtrPointer, RaisesTheCountToTwoInACopy)
 {
     const Handle handle(&object);
     {
@@ -160,7 +160,7 @@ TEST(ComReferenceCount, AddsAReferenceAndTakesItBack)
     EXPECT_THAT(calls, ElementsAre("object AddRef", "object Release"));
 }
 
-TEST(ComReferenceCount, GoesByTheAnswerOfAddRefAlone)
+TEST(ComReferenceCount, UsesTheResultOfAddRefOnly)
 {
     CallList calls;
     CountedObject object(calls, "object");

@@ -122,7 +122,7 @@ TEST_F(COMPtrReleaseGuard, LetsTheExceptionOutOfAListOfHandlesAndReleasesTheRest
     expectTheRecord();
 }
 
-TEST_F(COMPtrReleaseGuard, TakesExceptionsOfAnyKind)
+TEST_F(COMPtrReleaseGuard, HandlesExceptionsOfAnyType)
 {
     object.atRelease = [] { throw 42; };
 
@@ -131,7 +131,7 @@ TEST_F(COMPtrReleaseGuard, TakesExceptionsOfAnyKind)
     expectTheRecord();
 }
 
-TEST_F(COMPtrReleaseGuard, RethrowsAlsoWhereTheRecordIsNotWanted)
+TEST_F(COMPtrReleaseGuard, RethrowsEvenIfTheMessageIsDisabled)
 {
     log.setThreshold("comptr", LoggerPriority::LOG_ERROR);
 
@@ -141,7 +141,7 @@ TEST_F(COMPtrReleaseGuard, RethrowsAlsoWhereTheRecordIsNotWanted)
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 
-TEST_F(COMPtrReleaseGuard, HasNothingToSayOfAnOrdinaryRelease)
+TEST_F(COMPtrReleaseGuard, LogsNothingForAnOrdinaryRelease)
 {
     {
         const Handle handle(&other);

@@ -33,7 +33,7 @@ struct ComTaskMemory : support::LibraryTest
 };
 }
 
-TEST_F(ComTaskMemory, IsGivenBackOnceAndTheFieldIsNil)
+TEST_F(ComTaskMemory, IsFreedOnceAndTheFieldIsNil)
 {
     unsigned short* text = idOfEndpoint();
     ASSERT_EQ(1, simulation().census().taskBlocks());
@@ -48,7 +48,7 @@ TEST_F(ComTaskMemory, IsGivenBackOnceAndTheFieldIsNil)
 #endif
 }
 
-TEST_F(ComTaskMemory, IsNotGivenBackWhereThereIsNone)
+TEST_F(ComTaskMemory, IsNotFreedIfThereIsNone)
 {
     unsigned short* text = Storage::nil();
 
@@ -58,7 +58,7 @@ TEST_F(ComTaskMemory, IsNotGivenBackWhereThereIsNone)
     EXPECT_THAT(simulation().journal().operations(), IsEmpty());
 }
 
-TEST_F(ComTaskMemory, GoesWithTheLastOfItsCountedHandles)
+TEST_F(ComTaskMemory, IsFreedByTheLastOfItsCountedHandles)
 {
     typedef qor::SharedResource<Storage, 1> Buffer;
     {

@@ -20,7 +20,7 @@ struct ConfigManagerParent : support::LibraryTest
 };
 }
 
-TEST_F(ConfigManagerParent, LeavesTheTextAloneForAnUnknownInstance)
+TEST_F(ConfigManagerParent, LeavesTheResultUnchangedForAnUnknownInstance)
 {
     run(machine);
 
@@ -28,7 +28,7 @@ TEST_F(ConfigManagerParent, LeavesTheTextAloneForAnUnknownInstance)
     EXPECT_EQ(qor::String("before"), parent);
 }
 
-TEST_F(ConfigManagerParent, LeavesTheTextAloneForAnEmptyId)
+TEST_F(ConfigManagerParent, LeavesTheResultUnchangedForAnEmptyId)
 {
     run(machine);
 
@@ -37,7 +37,7 @@ TEST_F(ConfigManagerParent, LeavesTheTextAloneForAnEmptyId)
 }
 
 #if !defined(_WIN32) // Windows searches its own device tree, which does not contain the machine's devices
-TEST_F(ConfigManagerParent, StoresTheParentInPlaceOfWhatWasThere)
+TEST_F(ConfigManagerParent, ReplacesTheResultWithTheParent)
 {
     run(machine);
 
@@ -53,7 +53,7 @@ TEST_F(ConfigManagerParent, FindsAnInstanceInAnyCase)
     EXPECT_EQ(qor::String("USB\\VID_0001&PID_0002\\42"), parent);
 }
 
-TEST_F(ConfigManagerParent, LeavesTheTextAloneForAnInstanceWithoutAParent)
+TEST_F(ConfigManagerParent, LeavesTheResultUnchangedForAnInstanceWithoutAParent)
 {
     run(machine);
 
@@ -61,7 +61,7 @@ TEST_F(ConfigManagerParent, LeavesTheTextAloneForAnInstanceWithoutAParent)
     EXPECT_EQ(qor::String("before"), parent);
 }
 
-TEST_F(ConfigManagerParent, FailsWhereThereIsNoMachine)
+TEST_F(ConfigManagerParent, FailsIfNoMachineRuns)
 {
     EXPECT_FALSE(ConfigManager::getParentDeviceInstanceId("USB\\VID_0001&PID_0002&MI_00\\7&0&0000", parent));
     EXPECT_EQ(qor::String("before"), parent);

@@ -199,7 +199,7 @@ TEST_F(ArrayClear, MakesANewBlockAndFreesTheOldOne)
     EXPECT_EQ(0, probe.balance());
 }
 
-TEST_F(ArrayClear, LeavesAnUsableArrayWhenAnElementThrows)
+TEST_F(ArrayClear, LeavesAUsableArrayWhenAnElementThrows)
 {
     Array<Tracked> array = trackedArray(0, 0);
     Tracked::throwingDestruction = 0;
@@ -348,4 +348,4 @@ TEST(ArrayContains, ComparesNumbers)
     EXPECT_TRUE(array.contains(2));
     EXPECT_FALSE(array.contains(3));
 }
-} // namespace
+}

@@ -20,7 +20,7 @@ using testing::IsEmpty;
 
 namespace
 {
-/// Three elements in a block of 32 places.
+/// Three elements in a block of capacity 32.
 Array<unsigned int> roomy()
 {
     Array<unsigned int> result;
@@ -89,7 +89,7 @@ TEST_F(ArrayCopy, OfAnElementThatThrowsLeavesTheSourceAndFreesTheRest)
     EXPECT_EQ(3, source[2].number());
 }
 
-TEST_F(ArrayAssignment, DestroysTheOwnElementsBeforeItCopiesTheOthers)
+TEST_F(ArrayAssignment, DestroysItsElementsBeforeItCopiesTheOthers)
 {
     Array<Tracked> target = trackedArray(1, 2);
     const Array<Tracked> source = trackedArray(3, 4);
@@ -100,7 +100,7 @@ TEST_F(ArrayAssignment, DestroysTheOwnElementsBeforeItCopiesTheOthers)
     EXPECT_THAT(Tracked::events, ElementsAre("destroy 1", "destroy 2", "copy 3", "copy 4"));
 }
 
-TEST_F(ArrayAssignment, TakesTheCapacityOfTheSourceAlsoWhereItIsSmaller)
+TEST_F(ArrayAssignment, TakesTheCapacityOfTheSourceEvenIfThatIsSmaller)
 {
     Array<unsigned int> target = roomy();
     Array<unsigned int> other;
@@ -166,7 +166,7 @@ TEST_F(ArrayAssignment, ThatFailsLeavesAnEmptyArrayThatCanBeUsed)
     Tracked::throwingCopy = 2;
 
     EXPECT_THROW(target = source, support::Planned);
-    Tracked::throwingCopy = Tracked::nobody;
+    Tracked::throwingCopy = Tracked::noNumber;
 
     EXPECT_EQ(nullptr, target.m_block);
     EXPECT_EQ(0u, target.size());
@@ -185,7 +185,7 @@ TEST_F(ArrayAssignment, GivesAnArrayWithoutABlockOneOfItsOwn)
     Array<Tracked> target;
     Tracked::throwingCopy = 1;
     EXPECT_THROW(target = source, support::Planned);
-    Tracked::throwingCopy = Tracked::nobody;
+    Tracked::throwingCopy = Tracked::noNumber;
 
     target = source;
 
@@ -210,4 +210,4 @@ TEST(ArrayWithoutMemory, ThrowsNullPointerNaming0WhenItIsCleared)
 
     EXPECT_EQ(0u, array.size());
 }
-} // namespace
+}

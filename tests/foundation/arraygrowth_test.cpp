@@ -287,4 +287,4 @@ TEST(ArrayEnsureCapacity, TakesTheNumberItselfWhereDoublingLeaves32Bits)
     EXPECT_EQ(8u + 2147483649u, probe.largestSize());
     EXPECT_EQ("Asked for array of size: 2147483649", message);
 }
-} // namespace
+}

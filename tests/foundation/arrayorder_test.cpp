@@ -1,4 +1,4 @@
-// What an element sees of its array while it goes: the old elements, until all of them are gone.
+// What an element sees of its array while it is destroyed: the old elements, until all of them are destroyed.
 #include "qor/array.h"
 
 #include <gmock/gmock.h>
@@ -12,15 +12,15 @@ using testing::ElementsAre;
 
 namespace
 {
-/// Writes down, when it is destroyed, how many elements of how many places the watched array has.
-class Onlooker
+/// Records, when it is destroyed, size and capacity of the watched array.
+class Observer
 {
 public:
-    Onlooker() = default;
-    Onlooker(const Onlooker&) = default;
-    Onlooker& operator=(const Onlooker&) = default;
+    Observer() = default;
+    Observer(const Observer&) = default;
+    Observer& operator=(const Observer&) = default;
 
-    ~Onlooker() noexcept(false)
+    ~Observer() noexcept(false)
     {
         if (watched == nullptr)
             return;
@@ -32,97 +32,97 @@ public:
         }
     }
 
-    static inline const Array<Onlooker>* watched = nullptr;
+    static inline const Array<Observer>* watched = nullptr;
     static inline bool throws = false;
     static inline std::vector<std::string> seen;
 };
 
 struct ArrayOrder : testing::Test
 {
-    ArrayOrder() { Onlooker::seen.clear(); }
-    ~ArrayOrder() override { Onlooker::watched = nullptr; }
+    ArrayOrder() { Observer::seen.clear(); }
+    ~ArrayOrder() override { Observer::watched = nullptr; }
 
-    static Array<Onlooker> filled(unsigned int count)
+    static Array<Observer> filled(unsigned int count)
     {
-        Array<Onlooker> array;
+        Array<Observer> array;
         for (unsigned int i = 0; i < count; ++i)
-            array.append(Onlooker());
+            array.append(Observer());
         return array;
     }
 };
 }
 
-TEST_F(ArrayOrder, ClearingLosesTheOldBlockWhenItsElementsAreGone)
+TEST_F(ArrayOrder, ClearingLosesTheOldBlockAfterItsElementsAreDestroyed)
 {
-    Array<Onlooker> array = filled(2);
-    Onlooker::watched = &array;
+    Array<Observer> array = filled(2);
+    Observer::watched = &array;
 
     array.clear();
 
-    Onlooker::watched = nullptr;
-    EXPECT_THAT(Onlooker::seen, ElementsAre("2 of 8", "2 of 8"));
+    Observer::watched = nullptr;
+    EXPECT_THAT(Observer::seen, ElementsAre("2 of 8", "2 of 8"));
     EXPECT_EQ(0u, array.size());
 }
 
-TEST_F(ArrayOrder, AssignmentLosesTheOldBlockWhenItsElementsAreGone)
+TEST_F(ArrayOrder, AssignmentLosesTheOldBlockAfterItsElementsAreDestroyed)
 {
-    Array<Onlooker> array = filled(2);
-    const Array<Onlooker> other = filled(1);
-    Onlooker::watched = &array;
+    Array<Observer> array = filled(2);
+    const Array<Observer> other = filled(1);
+    Observer::watched = &array;
 
     array = other;
 
-    Onlooker::watched = nullptr;
-    EXPECT_THAT(Onlooker::seen, ElementsAre("2 of 8", "2 of 8"));
+    Observer::watched = nullptr;
+    EXPECT_THAT(Observer::seen, ElementsAre("2 of 8", "2 of 8"));
     EXPECT_EQ(1u, array.size());
 }
 
-TEST_F(ArrayOrder, TheEndLosesTheBlockWhenItsElementsAreGone)
+TEST_F(ArrayOrder, DestructionLosesTheBlockAfterItsElementsAreDestroyed)
 {
     {
-        const Array<Onlooker> array = filled(2);
-        Onlooker::watched = &array;
+        const Array<Observer> array = filled(2);
+        Observer::watched = &array;
     }
 
-    EXPECT_THAT(Onlooker::seen, ElementsAre("2 of 8", "2 of 8"));
+    EXPECT_THAT(Observer::seen, ElementsAre("2 of 8", "2 of 8"));
 }
 
-TEST_F(ArrayOrder, GrowthStoresTheNewBlockWhenTheOldElementsAreGone)
+TEST_F(ArrayOrder, GrowthStoresTheNewBlockAfterTheOldElementsAreDestroyed)
 {
-    Array<Onlooker> array = filled(2);
-    Onlooker::watched = &array;
+    Array<Observer> array = filled(2);
+    Observer::watched = &array;
 
     array.ensureCapacity(9);
 
-    Onlooker::watched = nullptr;
-    EXPECT_THAT(Onlooker::seen, ElementsAre("2 of 8", "2 of 8"));
+    Observer::watched = nullptr;
+    EXPECT_THAT(Observer::seen, ElementsAre("2 of 8", "2 of 8"));
     EXPECT_EQ(2u, array.size());
     EXPECT_EQ(16u, array.capacity());
 }
 
-TEST_F(ArrayOrder, GrowthStoresTheNewBlockAlsoWhenAnOldElementThrows)
+TEST_F(ArrayOrder, GrowthStoresTheNewBlockEvenIfAnOldElementThrows)
 {
-    Array<Onlooker> array = filled(2);
-    Onlooker::watched = &array;
-    Onlooker::throws = true;
+    Array<Observer> array = filled(2);
+    Observer::watched = &array;
+    Observer::throws = true;
 
     EXPECT_THROW(array.ensureCapacity(9), int);
 
-    Onlooker::watched = nullptr;
-    EXPECT_THAT(Onlooker::seen, ElementsAre("2 of 8", "2 of 8"));
+    Observer::watched = nullptr;
+    EXPECT_THAT(Observer::seen, ElementsAre("2 of 8", "2 of 8"));
     EXPECT_EQ(2u, array.size());
     EXPECT_EQ(16u, array.capacity());
 }
 
-TEST_F(ArrayOrder, ClearingLosesTheOldBlockAlsoWhenAnElementThrows)
+TEST_F(ArrayOrder, ClearingLosesTheOldBlockEvenIfAnElementThrows)
 {
-    Array<Onlooker> array = filled(2);
-    Onlooker::watched = &array;
-    Onlooker::throws = true;
+    Array<Observer> array = filled(2);
+    Observer::watched = &array;
+    Observer::throws = true;
 
     EXPECT_THROW(array.clear(), int);
 
-    Onlooker::watched = nullptr;
+    Observer::watched = nullptr;
     EXPECT_EQ(0u, array.size());
     EXPECT_EQ(0u, array.capacity());
 }

@@ -14,7 +14,7 @@ using support::Tracked;
 
 namespace
 {
-/// What the array answers to being written under the name x.
+/// Message of the SerializationFailed that the array throws when it is written under the name x.
 template<class T>
 std::string refusal(Array<T>& array, String& out)
 {
@@ -102,4 +102,4 @@ TEST(ArrayClassName, IsWhatTheObjectAnswers)
     EXPECT_EQ(&Array<Tracked>::className(), &base.objectClassName());
     EXPECT_EQ(&Array<unsigned int>::className(), &numbers.objectClassName());
 }
-} // namespace
+}

@@ -102,7 +102,7 @@ TEST(NullPointer, CarriesItsMessage)
     EXPECT_EQ(String("Asked for array of size: 0"), thrown(qor::NullPointer("Asked for array of size: 0")).message());
 }
 
-/// The NullPointer of an array that is made while no memory is left.
+/// The NullPointer that the constructor of an array throws without any memory; none is available afterwards either.
 qor::NullPointer refusedArray(support::AllocationProbe& probe)
 {
     probe.failAll();
@@ -112,7 +112,7 @@ qor::NullPointer refusedArray(support::AllocationProbe& probe)
     }
     catch (const qor::NullPointer& error)
     {
-        return error; // still without memory
+        return error; // copied without memory
     }
     probe.succeed();
     ADD_FAILURE() << "nothing was thrown";
@@ -224,4 +224,4 @@ TEST(HashKeyMissing, CarriesTheKeyAsItsMessage)
     EXPECT_EQ(String("{1}.HDAUDIO"), exception.key());
     EXPECT_EQ(String("{1}.HDAUDIO"), exception.message());
 }
-} // namespace
+}

@@ -35,18 +35,18 @@ struct CoinHash
 {
     static unsigned int hash(const Coin& coin) { return coin.value; }
 };
-} // namespace
+}
 
 namespace qor
 {
-/// A name shorter than the four units from which on names are cut.
+/// Too short to be cut: that takes four units.
 template<>
 const String& Array<Coin>::className()
 {
     static const String& name = *new String("AC");
     return name;
 }
-} // namespace qor
+}
 
 namespace
 {
@@ -55,7 +55,7 @@ String numbered(unsigned int number)
     return "key " + qor::QORValue(number).toString(qor::QORValue::nilValue);
 }
 
-TEST(HashTableLookup, FindsTheValueOfAKeyInItsPlace)
+TEST(HashTableLookup, FindsTheStoredValueOfAKey)
 {
     Table table;
     table.insert("a", 1);
@@ -333,4 +333,4 @@ TEST(HashFuncOfTexts, SpreadsTextsThatDifferInOneUnitAnywhere)
     EXPECT_EQ(plain.size() * 26, hashes.size());
     EXPECT_LE(400u, chains.size()); // of 650 throws into 1024 chains, about 481 different ones are hit
 }
-} // namespace
+}

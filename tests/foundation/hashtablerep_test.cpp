@@ -12,7 +12,7 @@ using testing::IsEmpty;
 
 namespace
 {
-/// A bucket that keeps count of how many there are.
+/// A bucket that counts its living objects.
 class NumberBucket : public qor::_BucketBase
 {
 public:
@@ -175,7 +175,7 @@ TEST_F(HashTableRep, IsEmptyAndUsableOnceCleared)
     EXPECT_THAT(walk(table), ElementsAre(20));
 }
 
-TEST_F(HashTableRep, FindsEveryBucketAlsoWhenThereAreManyMoreThanItStartedWith)
+TEST_F(HashTableRep, FindsEveryBucketEvenIfThereAreManyMoreThanHeadsAtTheStart)
 {
     qor::_HashTableRep table(1);
     for (int key = 0; key < 1000; ++key)
@@ -275,4 +275,4 @@ TEST(BucketBase, HasItsVirtualOperationsInTheirFixedOrder)
     EXPECT_EQ(3u, support::virtualSlot(&qor::_BucketBase::clone));
 }
 #endif
-} // namespace
+}

@@ -101,4 +101,4 @@ TEST(LoggerStreamText, CopiesIndependently)
     EXPECT_EQ(String("ab"), copy);
     EXPECT_EQ(String("ab"), assigned);
 }
-} // namespace
+}

@@ -24,7 +24,7 @@ namespace
 {
 constexpr int threadCount = 8;
 
-/// Runs @p work on some threads that start as close to each other as can be.
+/// Runs @p work on several threads that start at nearly the same time.
 template<class Work>
 void race(Work work)
 {
@@ -355,7 +355,7 @@ TEST(LogSink, ThatIsEmptyRestoresTheDefault)
     EXPECT_EQ("[fatal] test.default: again\n", testing::internal::GetCapturedStderr());
 }
 
-/// A static object that is made before anything logs, and so dies after whatever the log could have made later.
+/// A static object that is constructed before anything logs, so it is destroyed after static objects of the log.
 struct LateObject
 {
     ~LateObject()
@@ -388,4 +388,4 @@ TEST(LogRegistryDeathTest, OutlivesTheStaticObjects)
     EXPECT_EXIT(logAtTheEnd(), testing::ExitedWithCode(0), "test.late: enumerator RELEASED");
     EXPECT_EXIT(logAtTheEnd(), testing::ExitedWithCode(0), "test.late.new: made at the end");
 }
-} // namespace
+}

@@ -18,19 +18,19 @@ namespace statementlog
 {
 constexpr const char* channel = "test.statement";
 qor::LoggerSlot logger;
-} // namespace statementlog
+}
 
 namespace firstusebelowminimumlog
 {
 constexpr const char* channel = "test.firstUse.belowMinimum";
 qor::LoggerSlot logger;
-} // namespace firstusebelowminimumlog
+}
 
 namespace firstusebelowthresholdlog
 {
 constexpr const char* channel = "test.firstUse.belowThreshold";
 qor::LoggerSlot logger;
-} // namespace firstusebelowthresholdlog
+}
 
 qor::String throwingOperand()
 {
@@ -179,4 +179,4 @@ TEST(LogStatement, MakesTheLoggerTheFirstTimeAnyMessagePassesTheMinimum)
     EXPECT_EQ(&qor::LogFactory::logger("test.firstUse.belowThreshold"), firstusebelowthresholdlog::logger.load());
     EXPECT_THAT(log.records(), IsEmpty());
 }
-} // namespace
+}

@@ -7,7 +7,7 @@
 
 namespace
 {
-/// Whether another thread could take the lock now.
+/// Whether another thread can take the lock now.
 bool isFree(qor::Mutex& mutex)
 {
     bool taken = false;
@@ -34,7 +34,7 @@ TEST(AutoMutex, HoldsTheMutexForItsScope)
     EXPECT_TRUE(isFree(mutex));
 }
 
-TEST(AutoMutex, LetsGoWhenAnExceptionPasses)
+TEST(AutoMutex, ReleasesTheMutexWhenAnExceptionPasses)
 {
     qor::Mutex mutex;
 
@@ -76,4 +76,4 @@ TEST(AutoMutex, KeepsThreadsApart)
 
     EXPECT_EQ(20000, counter);
 }
-} // namespace
+}

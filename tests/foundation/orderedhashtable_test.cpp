@@ -40,16 +40,16 @@ void insertAbc(AnyTable& table)
     table.insert("c", 3);
 }
 
-/// A key that writes down its end, as Tracked does.
-struct LoudKey
+/// A key that records its destruction, as Tracked does.
+struct RecordedKey
 {
-    ~LoudKey() { Tracked::events.push_back("destroy key"); }
-    bool operator==(const LoudKey&) const { return true; }
+    ~RecordedKey() { Tracked::events.push_back("destroy key"); }
+    bool operator==(const RecordedKey&) const { return true; }
 };
 
-struct LoudKeyHash
+struct RecordedKeyHash
 {
-    static unsigned int hash(const LoudKey&) { return 0; }
+    static unsigned int hash(const RecordedKey&) { return 0; }
 };
 
 TEST(OrderedHashTableInsert, KeepsTheOrderOfInsertionWhateverTheHashes)
@@ -235,7 +235,7 @@ TEST(OrderedHashTableFromText, IsEmptyWhenThereIsTextInPlaceOfItems)
     EXPECT_FALSE(table.contains("a"));
 }
 
-/// Message of the NullPointer that an insertion throws when its array @p which, counted from 0, cannot grow.
+/// Message of the NullPointer that an insertion throws if the array of keys (0) or of values (1) cannot grow.
 std::string failedGrowth(Table& table, const String& key, unsigned int which)
 {
     support::AllocationProbe probe;
@@ -295,12 +295,12 @@ TEST(OrderedHashTableClassName, HoldsTheMangledNameOfOtherArrays)
     EXPECT_EQ(&table.objectClassName(), &table.objectClassName());
 }
 
-TEST(OrderedHashTableDestruction, LetsTheValuesGoFirst)
+TEST(OrderedHashTableDestruction, DestroysTheValuesFirst)
 {
     Tracked::reset();
     {
-        OrderedHashTable<LoudKey, Tracked, qor::EqualFunc<LoudKey>, LoudKeyHash> table;
-        table.insert(LoudKey(), Tracked(1));
+        OrderedHashTable<RecordedKey, Tracked, qor::EqualFunc<RecordedKey>, RecordedKeyHash> table;
+        table.insert(RecordedKey(), Tracked(1));
         Tracked::events.clear();
     }
 
@@ -328,4 +328,4 @@ TEST(OrderedHashTableCopy, IsIndependent)
     EXPECT_THAT(valuesOf(copy), ElementsAre(7, 2, 3, 4));
     EXPECT_FALSE(table.contains("d"));
 }
-} // namespace
+}

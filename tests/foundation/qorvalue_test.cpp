@@ -55,4 +55,4 @@ TEST(QORValueType, HasAVirtualDestructorAndAnUnsignedNilValue)
     EXPECT_TRUE(std::has_virtual_destructor_v<QORValue>);
     EXPECT_TRUE((std::is_same_v<const unsigned int, decltype(QORValue::nilValue)>));
 }
-} // namespace
+}

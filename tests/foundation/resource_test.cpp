@@ -12,7 +12,7 @@ using testing::IsEmpty;
 
 namespace
 {
-/// An object that counts its references as platform objects do, and writes down each call.
+/// An object that counts its references as platform objects do, and records each call.
 class Counted
 {
 public:
@@ -33,7 +33,7 @@ public:
 
     static inline std::vector<std::string> events;
 
-    int count = 1; // the reference of whoever made it
+    int count = 1; // the reference of its creator
     bool releaseThrows = false;
 
 private:
@@ -84,7 +84,7 @@ TEST_F(CopiedResource, HasTheSizeOfAPointer)
     EXPECT_FALSE(std::is_polymorphic_v<Handle>);
 }
 
-TEST_F(CopiedResource, BuiltFromARawPointerAdoptsItsReferenceAndReleasesItAtTheEnd)
+TEST_F(CopiedResource, BuiltFromARawPointerAdoptsItsReferenceAndReleasesItInTheDestructor)
 {
     Counted object;
 
@@ -124,7 +124,7 @@ TEST_F(CopiedResource, AssignedToItselfChangesNoCount)
     EXPECT_THAT(Counted::events, IsEmpty());
 }
 
-TEST_F(CopiedResource, TakesTheNewValueBeforeItLetsGoOfTheOldOne)
+TEST_F(CopiedResource, CopiesTheNewValueBeforeItReleasesTheOldOne)
 {
     Counted oldObject("old");
     Counted newObject("new");
@@ -287,7 +287,7 @@ TEST(BorrowedPointer, NeedsNoCompleteType)
     EXPECT_EQ(nullptr, pointer.get());
 }
 
-TEST(OwnedPointer, DeletesItsObjectAtTheEndThroughTheVirtualDestructor)
+TEST(OwnedPointer, DeletesItsObjectThroughTheVirtualDestructor)
 {
     {
         const OwnedPointer<Living> pointer(new Derived);
@@ -320,19 +320,19 @@ TEST(OwnedPointer, TakesAnObjectWhileItIsNil)
     EXPECT_NE(nullptr, pointer.get());
 }
 
-/// Looks at its owner while it goes.
+/// Reads its owner while it is destroyed.
 template<template<class> class Handle>
-class Onlooker
+class Observer
 {
 public:
-    Onlooker(const Handle<Onlooker>& owner, const Onlooker*& seen, bool throws = false)
+    Observer(const Handle<Observer>& owner, const Observer*& seen, bool throws = false)
         : m_owner(owner),
           m_seen(seen),
           m_throws(throws)
     {
     }
 
-    ~Onlooker() noexcept(false)
+    ~Observer() noexcept(false)
     {
         m_seen = m_owner.get();
         if (m_throws)
@@ -340,16 +340,16 @@ public:
     }
 
 private:
-    const Handle<Onlooker>& m_owner;
-    const Onlooker*& m_seen;
+    const Handle<Observer>& m_owner;
+    const Observer*& m_seen;
     const bool m_throws;
 };
 
-TEST(OwnedPointer, IsNilOnlyWhenItsObjectIsGone)
+TEST(OwnedPointer, IsNilOnlyAfterItsObjectIsDestroyed)
 {
-    const Onlooker<OwnedPointer>* seen = nullptr;
-    OwnedPointer<Onlooker<OwnedPointer>> pointer;
-    auto* const object = new Onlooker<OwnedPointer>(pointer, seen);
+    const Observer<OwnedPointer>* seen = nullptr;
+    OwnedPointer<Observer<OwnedPointer>> pointer;
+    auto* const object = new Observer<OwnedPointer>(pointer, seen);
     pointer = object;
 
     pointer = nullptr;
@@ -358,27 +358,27 @@ TEST(OwnedPointer, IsNilOnlyWhenItsObjectIsGone)
     EXPECT_EQ(nullptr, pointer.get());
 }
 
-TEST(OwnedPointer, IsNilAlsoWhenItsObjectThrowsOnTheWay)
+TEST(OwnedPointer, IsNilEvenIfTheDestructorOfItsObjectThrows)
 {
-    const Onlooker<OwnedPointer>* seen = nullptr;
-    OwnedPointer<Onlooker<OwnedPointer>> pointer;
-    pointer = new Onlooker<OwnedPointer>(pointer, seen, true);
+    const Observer<OwnedPointer>* seen = nullptr;
+    OwnedPointer<Observer<OwnedPointer>> pointer;
+    pointer = new Observer<OwnedPointer>(pointer, seen, true);
 
     EXPECT_THROW(pointer = nullptr, int);
 
     EXPECT_EQ(nullptr, pointer.get());
 }
 
-TEST(SharedPointer, IsNilOnlyWhenItsObjectIsGone)
+TEST(SharedPointer, IsNilOnlyAfterItsObjectIsDestroyed)
 {
-    const Onlooker<SharedPointer>* seen = nullptr;
-    SharedPointer<Onlooker<SharedPointer>> pointer;
-    auto* const object = new Onlooker<SharedPointer>(pointer, seen);
-    pointer = SharedPointer<Onlooker<SharedPointer>>(object);
+    const Observer<SharedPointer>* seen = nullptr;
+    SharedPointer<Observer<SharedPointer>> pointer;
+    auto* const object = new Observer<SharedPointer>(pointer, seen);
+    pointer = SharedPointer<Observer<SharedPointer>>(object);
 
-    pointer = SharedPointer<Onlooker<SharedPointer>>();
+    pointer = SharedPointer<Observer<SharedPointer>>();
 
     EXPECT_EQ(object, seen);
     EXPECT_EQ(nullptr, pointer.get());
 }
-} // namespace
+}

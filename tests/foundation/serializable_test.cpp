@@ -20,7 +20,7 @@ using testing::HasSubstr;
 
 namespace
 {
-/// A class with a field of each kind that can be written.
+/// A class with one field of each type that can be serialized.
 class Preset : public Serializable
 {
 public:
@@ -185,7 +185,7 @@ TEST(SerializableText, ThatFailedCanBeFollowedByTextThatIsRead)
     EXPECT_EQ(2u, preset.levels.size());
 }
 
-/// Writes and reads one array of a kind that refuses.
+/// A class with an array that cannot be serialized.
 class Refused : public Serializable
 {
 public:
@@ -233,7 +233,7 @@ TEST(SerializableField, CannotBeReadWithoutAnElement)
     EXPECT_EQ("Missing element: names", failure([&] { preset.deserializeFromElement(nullptr); }));
 }
 
-/// Is called as the array of strings, and is none. It writes and reads a text of its own.
+/// Has the class name of the array of strings but is not one; serializes its own text.
 class Impostor : public Serializable
 {
 public:
@@ -249,7 +249,7 @@ public:
     String text;
 };
 
-/// An array of strings that gives itself another class name.
+/// An array of strings with another class name.
 class NamedArray : public Array<String>
 {
 public:
@@ -260,7 +260,7 @@ public:
     }
 };
 
-/// Writes and reads two fields whose class names say nothing about their types.
+/// A class with two fields whose class names do not match their types.
 class Misnamed : public Serializable
 {
 public:
@@ -363,4 +363,4 @@ TEST(SerializableInterface, HasItsVirtualOperationsInTheirFixedOrder)
     EXPECT_EQ(12u, virtualSlot(&Serializable::insertValueToContainer));
 }
 #endif
-} // namespace
+}

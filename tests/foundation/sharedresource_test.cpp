@@ -127,7 +127,7 @@ TEST_F(SharedResource, WithoutMemoryForTheCountKeepsThatFieldNullAndRaisesNothin
     EXPECT_EQ(nullptr, pointer.m_count);
     EXPECT_NE(nullptr, pointer.m_destroyer);
     expectNil(copy);
-    pointer.m_destroyer->forget(); // nobody owns it without a count
+    pointer.m_destroyer->forget(); // without a count nothing owns it
     delete pointer.m_destroyer;
 }
 
@@ -222,7 +222,7 @@ TEST_F(SharedResource, AssignedToItselfChangesNothing)
     EXPECT_EQ(0, Living::destroyed);
 }
 
-TEST_F(SharedResource, GivesUpItsOwnShareBeforeItTakesTheOther)
+TEST_F(SharedResource, ReleasesItsResourceBeforeItTakesTheOther)
 {
     const Pointer other(new Living);
     Pointer pointer(new Living);
@@ -337,4 +337,4 @@ TEST(SharedResourceDestroyerBase, HasItsVirtualOperationsInTheirFixedOrder)
     EXPECT_EQ(2u, support::virtualSlot(&qor::SharedResourceDestroyerBase::forget)); // behind those of the destructor
 }
 #endif
-} // namespace
+}

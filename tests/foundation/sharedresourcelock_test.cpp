@@ -9,7 +9,7 @@
 
 namespace
 {
-/// A resource whose end looks at a lock.
+/// A resource whose destructor tests a lock.
 struct Watcher
 {
     ~Watcher();
@@ -173,7 +173,7 @@ TEST(LockedSharedResource, CountsEveryCopyThatRacingThreadsMake)
         thread.join();
 
     const int count = *shared.m_count;
-    *shared.m_count = threadCount * copies + 1; // whatever was counted, no copy outlives its object
+    *shared.m_count = threadCount * copies + 1; // if the count was wrong, the copies are still released correctly
     EXPECT_EQ(threadCount * copies + 1, count);
 }
 
@@ -191,4 +191,4 @@ TEST(LockedSharedResource, BehavesLikeTheUnlockedFormOtherwise)
     EXPECT_EQ(nullptr, number.get());
     EXPECT_EQ(nullptr, nilCopy.m_count);
 }
-} // namespace
+}

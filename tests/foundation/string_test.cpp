@@ -76,14 +76,17 @@ TEST(StringConstruction, OfMoreUnitsThanASizeCanTellIsRefused)
     EXPECT_THROW(String::allocate(0x7FFFFFFFu), std::length_error);
 }
 
-/// A string that claims to have @p size units, until it goes.
-class ClaimedSize
+/// A string that pretends to have @p size units until this object is destroyed.
+class PretendedSize
 {
 public:
-    explicit ClaimedSize(unsigned int size) : m_text("claimed"), m_size(m_text.size()) { m_text.m_buffer->size = size; }
-    ~ClaimedSize() { m_text.m_buffer->size = m_size; }
-    ClaimedSize(const ClaimedSize&) = delete;
-    ClaimedSize& operator=(const ClaimedSize&) = delete;
+    explicit PretendedSize(unsigned int size) : m_text("pretended"), m_size(m_text.size())
+    {
+        m_text.m_buffer->size = size;
+    }
+    ~PretendedSize() { m_text.m_buffer->size = m_size; }
+    PretendedSize(const PretendedSize&) = delete;
+    PretendedSize& operator=(const PretendedSize&) = delete;
 
     String& text() { return m_text; }
 
@@ -94,15 +97,15 @@ private:
 
 TEST(StringAppend, BeyondTheLargestSizeThrowsLengthErrorAndLeavesTheText)
 {
-    ClaimedSize claimed(2147483615u); // the largest there is, without 4 GiB behind it
-    const unsigned short* const buffer = claimed.text().getUCS2Buffer();
+    PretendedSize pretended(2147483615u); // the largest size, without 4 GiB of memory
+    const unsigned short* const buffer = pretended.text().getUCS2Buffer();
 
-    EXPECT_THROW(claimed.text().append("x"), std::length_error);
-    EXPECT_THROW(claimed.text().append(String("x")), std::length_error);
-    EXPECT_THROW(claimed.text() += claimed.text(), std::length_error);
+    EXPECT_THROW(pretended.text().append("x"), std::length_error);
+    EXPECT_THROW(pretended.text().append(String("x")), std::length_error);
+    EXPECT_THROW(pretended.text() += pretended.text(), std::length_error);
 
-    EXPECT_EQ(2147483615u, claimed.text().size());
-    EXPECT_EQ(buffer, claimed.text().getUCS2Buffer());
+    EXPECT_EQ(2147483615u, pretended.text().size());
+    EXPECT_EQ(buffer, pretended.text().getUCS2Buffer());
 }
 
 TEST(StringAppend, OfSingleUnitsTakesAFewNewBuffersOnly)
@@ -334,4 +337,4 @@ TEST(StringBuffer, OfTheEmptyTextIsNotNull)
     ASSERT_NE(nullptr, cleared.getUCS2Buffer());
     EXPECT_EQ(0, *cleared.getUCS2Buffer());
 }
-} // namespace
+}

@@ -221,4 +221,4 @@ TEST(StringTokenize, WithoutDelimitersGivesTheWholeText)
     ASSERT_EQ(1u, pieces.size());
     EXPECT_EQ(String("a.b"), pieces[0]);
 }
-} // namespace
+}

@@ -159,4 +159,4 @@ TEST(StringSharing, OutlivesTheThreadThatMadeTheText)
 
     EXPECT_EQ(threadCount * rounds, whole);
 }
-} // namespace
+}

@@ -111,4 +111,4 @@ TEST(StringFromUtf8, GivesBackWhatToUtf8Wrote)
         ASSERT_EQ(text, String::fromUtf8(text.toUtf8())) << unit;
     }
 }
-} // namespace
+}

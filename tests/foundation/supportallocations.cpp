@@ -57,7 +57,7 @@ void deallocate(void* memory)
         --watch.balance;
     std::free(memory);
 }
-} // namespace
+}
 
 void* operator new(std::size_t size)
 {
@@ -148,4 +148,4 @@ void AllocationProbe::succeed()
     watch.nothrowLeft = never;
     watch.left = never;
 }
-} // namespace support
+}

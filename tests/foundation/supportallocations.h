@@ -4,10 +4,10 @@
 
 namespace support
 {
-/// Watches the allocations that this thread makes with `operator new` while it lives, and lets some of them fail.
+/// Counts the allocations of this thread with `operator new` while this object exists, and can make them fail.
 ///
-/// The test executable replaces the global operators for this. On Windows a library that is a DLL keeps the operators
-/// of its own, so that only templates and inline operations are seen there. One probe per thread lives at a time.
+/// The test executable replaces the global operators for this. On Windows a DLL has its own operators, so only
+/// templates and inline functions are counted there. At most one probe per thread exists at a time.
 class AllocationProbe
 {
 public:
@@ -16,16 +16,16 @@ public:
     AllocationProbe(const AllocationProbe&) = delete;
     AllocationProbe& operator=(const AllocationProbe&) = delete;
 
-    /// Number of allocations asked for, those that failed included.
+    /// Number of requested allocations, including those that failed.
     unsigned int count() const;
 
-    /// Bytes of the largest allocation asked for.
+    /// Bytes of the largest requested allocation.
     std::size_t largestSize() const;
 
-    /// Allocations that were given, less those that were freed.
+    /// Number of successful allocations minus number of deallocations.
     int balance() const;
 
-    /// After @p more successful ones, every allocation of the std::nothrow form gives null.
+    /// After @p more successful ones, every allocation of the std::nothrow form returns null.
     void failNothrow(unsigned int more = 0);
 
     /// After @p more successful ones of either form, one allocation fails.
@@ -37,4 +37,4 @@ public:
     /// From now on no allocation fails.
     void succeed();
 };
-} // namespace support
+}

@@ -9,7 +9,7 @@
 
 namespace support
 {
-/// Starts each test without events and checks at its end that every Tracked is gone.
+/// Starts each test without events and checks at its end that every Tracked is destroyed.
 class TrackedTest : public testing::Test
 {
 protected:
@@ -39,4 +39,4 @@ std::string refusal(Operation operation)
     }
     return "nothing was thrown";
 }
-} // namespace support
+}

@@ -5,12 +5,12 @@
 
 namespace support
 {
-/// What a Tracked throws when it was asked to.
+/// What a Tracked throws on request.
 struct Planned
 {
 };
 
-/// An element that writes down how it is copied and destroyed, and that throws there on demand.
+/// An element that records its copies and its destruction, and throws in them on request.
 class Tracked
 {
 public:
@@ -37,32 +37,32 @@ public:
         note("destroy");
         if (m_number == throwingDestruction)
         {
-            throwingDestruction = nobody;
+            throwingDestruction = noNumber;
             throw Planned();
         }
     }
 
     int number() const { return m_number; }
 
-    /// Starts a test: nothing noted, nothing planned.
+    /// Removes all events and requests before a test.
     static void reset()
     {
         events.clear();
         alive = 0;
-        throwingCopy = nobody;
-        throwingDestruction = nobody;
+        throwingCopy = noNumber;
+        throwingDestruction = noNumber;
     }
 
-    static constexpr int nobody = -1;
+    static constexpr int noNumber = -1;
 
     static inline std::vector<std::string> events; ///< "copy 3", "assign 3", "destroy 3"
     static inline int alive = 0;
-    static inline int throwingCopy = nobody;        ///< copies of this number throw
-    static inline int throwingDestruction = nobody; ///< the next destruction of this number throws
+    static inline int throwingCopy = noNumber;        ///< copies of this number throw
+    static inline int throwingDestruction = noNumber; ///< the next destruction of this number throws
 
 private:
     void note(const char* what) const { events.push_back(what + (' ' + std::to_string(m_number))); }
 
     int m_number;
 };
-} // namespace support
+}

@@ -4,13 +4,13 @@
 #include <cstdint>
 #include <cstring>
 
-// Pointers to members are read as gcc, clang and mingw encode them on this processor.
+// Reads pointers to members as gcc, clang and mingw encode them on this processor.
 #if defined(__GNUC__) && defined(__x86_64__)
 #define SUPPORT_HAS_VIRTUAL_SLOTS 1
 
 namespace support
 {
-/// Place of a virtual operation in the table of its class. A virtual destructor takes up two places.
+/// Index of a virtual operation in the virtual table of its class. A virtual destructor takes two entries.
 template<class Member>
 std::size_t virtualSlot(Member member)
 {
@@ -19,5 +19,5 @@ std::size_t virtualSlot(Member member)
     std::memcpy(&encoded, &member, sizeof(encoded));
     return (encoded - 1) / sizeof(void*);
 }
-} // namespace support
+}
 #endif

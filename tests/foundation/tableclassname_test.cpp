@@ -15,7 +15,7 @@ using qor::String;
 
 namespace
 {
-/// Each number gives a table type, and so a class name, of its own.
+/// Each number gives another table type, with another string for its class name.
 template<int number>
 struct NumberedHash
 {
@@ -28,7 +28,7 @@ using Plain = qor::HashTable<String, unsigned int, qor::EqualFunc<String>, Numbe
 template<int number>
 using Ordered = qor::OrderedHashTable<String, unsigned int, qor::EqualFunc<String>, NumberedHash<number>>;
 
-/// Asks for the name with the first allocation failing, then the second, until the name is there.
+/// Asks for the name while the first allocation fails, then while the second one does, until the name is made.
 /// @return number of failures
 template<class Table>
 unsigned int askUntilMemorySuffices(Table& table)
@@ -50,8 +50,8 @@ unsigned int askUntilMemorySuffices(Table& table)
     }
 }
 
-/// Two threads ask for a name that does not exist yet, as close to each other as possible.
-/// @return whether both got @p expected, the same object
+/// Two threads ask at nearly the same time for a name that does not exist yet.
+/// @return whether both got the same object, equal to @p expected
 template<class Table>
 bool namesAreWholeBetweenThreads(const std::string& expected)
 {
@@ -119,4 +119,4 @@ TEST(ClassNameRebuilding, HappensOnlyWhileTheNameIsEmpty)
     EXPECT_EQ(String("H(String,Uint32)"), table.objectClassName());
     EXPECT_EQ(&name, &table.objectClassName());
 }
-} // namespace
+}

@@ -18,13 +18,13 @@ namespace scopelog
 {
 constexpr const char* channel = "test.scope";
 qor::LoggerSlot logger;
-} // namespace scopelog
+}
 
 namespace traceonlylog
 {
 constexpr const char* channel = "test.scope.traceOnly";
 qor::LoggerSlot logger;
-} // namespace traceonlylog
+}
 
 void inner()
 {
@@ -207,4 +207,4 @@ TEST(TraceLogger, LetsAnExceptionGoOnWhenTheSinkThrowsMeanwhile)
 
     EXPECT_THROW(throwing(), std::string);
 }
-} // namespace
+}

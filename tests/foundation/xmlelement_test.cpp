@@ -13,7 +13,7 @@ using qor::XmlElement;
 
 namespace
 {
-/// Complaint about the text, without its fixed beginning.
+/// Message about the text, without its fixed start.
 std::string complaint(std::string_view text)
 {
     const std::string beginning = "XML is not well formed at ";
@@ -88,7 +88,7 @@ TEST(XmlElementWrite, RefusesANameThatIsNone)
     EXPECT_EQ("Invalid name of an element: a<b", refusal(XmlElement("a<b")));
 }
 
-TEST(XmlElementWrite, RefusesTextBesideChildren)
+TEST(XmlElementWrite, RefusesTextTogetherWithChildren)
 {
     XmlElement element("both");
     element.setText("text");
@@ -105,7 +105,7 @@ TEST(XmlElementWrite, RefusesATextThatHoldsAZero)
     EXPECT_EQ("Text with a zero cannot be written", refusal(element));
 }
 
-TEST(XmlElementRead, GivesBackEveryUnitThatWasWritten)
+TEST(XmlElementRead, ReadsEveryUnitThatWasWritten)
 {
     for (unsigned int unit = 1; unit <= 0xFFFF; ++unit)
     {
@@ -222,4 +222,4 @@ TEST(XmlElementReadFailure, EndsTooDeepElements)
     EXPECT_EQ("none", complaint(deep + ends));
     EXPECT_EQ("line 1, column 601: elements are nested too deeply", complaint("<a>" + deep + ends + "</a>"));
 }
-} // namespace
+}

@@ -26,7 +26,7 @@ void check(bool condition)
     if (!condition)
         std::abort();
 }
-} // namespace
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

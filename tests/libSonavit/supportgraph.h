@@ -1,10 +1,9 @@
 /// A hardware graph for the tests of parts, components and topologies.
 #pragma once
 
-#include "tests/support/librarytest.h"
-
 #include "libSonavit/audiodevicetopology.h"
 #include "libSonavit/audiopart.h"
+#include "tests/support/librarytest.h"
 
 #include <string>
 #include <utility>
@@ -100,4 +99,4 @@ std::vector<std::string> idsOf(const qor::Array<AudioComponent<I>>& list)
         ids.push_back(list[index].id().toUtf8());
     return ids;
 }
-} // namespace support
+}

@@ -31,4 +31,4 @@ std::string sourceLineOf(const Failure& failure)
         std::getline(source, line);
     return line;
 }
-} // namespace support
+}

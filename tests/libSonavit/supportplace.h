@@ -10,4 +10,4 @@ std::uintptr_t placeOf(const Object& object)
 {
     return reinterpret_cast<std::uintptr_t>(&object);
 }
-} // namespace support
+}

@@ -64,4 +64,4 @@ private:
     std::size_t m_seen = 0;
 };
 #endif
-} // namespace support
+}

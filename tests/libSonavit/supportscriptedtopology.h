@@ -25,4 +25,4 @@ private:
         return S_OK;
     }
 };
-} // namespace support
+}

@@ -33,4 +33,4 @@ public:
 
     ULONG references = 1;
 };
-} // namespace support
+}

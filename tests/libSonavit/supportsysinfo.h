@@ -1,7 +1,6 @@
 #pragma once
 
 #include "libSonavit/sysinfohelper.h"
-
 #include "tests/libSonavit/endpointdeviceenumerator/supportendpoints.h"
 #include "tests/support/librarytest.h"
 

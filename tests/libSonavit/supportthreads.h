@@ -48,4 +48,4 @@ inline void overlapping(const std::function<void(unsigned int)>& batch, unsigned
             }
         });
 }
-} // namespace support
+}

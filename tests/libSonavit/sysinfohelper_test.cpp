@@ -43,7 +43,7 @@ TEST_F(SysInfoHelperConstruction, TakesASnapshotOfAllCardsInTheirOrder)
     EXPECT_EQ(2, simulation().census().clients.at("IMMNotificationClient"));
 }
 
-TEST_F(SysInfoHelperConstruction, LeavesItsCardsAsTheOnlyHoldersBesideTheUpdaters)
+TEST_F(SysInfoHelperConstruction, LeavesItsCardsAsTheOnlyHoldersApartFromTheUpdaters)
 {
     builder.card("Codec").speaker();
     runBuilt();
@@ -110,7 +110,7 @@ TEST_F(SysInfoHelperConstruction, FollowsHotPlugThroughTheCards)
     EXPECT_TRUE(helper.hasMicIn("USB"));
 }
 
-TEST_F(SysInfoHelperConstruction, DoesNotTakeUpCardsThatCome)
+TEST_F(SysInfoHelperConstruction, DoesNotAddCardsThatArrive)
 {
     builder.card("Codec", "USB").speaker();
     const std::string later = builder.card("Headset", "HEADSET").headphones().notInstalled().id();
@@ -182,7 +182,7 @@ TEST_F(SysInfoHelperCopy, KeepsItsCardsWhenItIsAssignedToItself)
 
 #if !defined(_WIN32) // the system's own COM keeps no journal
 
-TEST_F(SysInfoHelperConstruction, AsksForAMultithreadedApartmentFirstOfAll)
+TEST_F(SysInfoHelperConstruction, RequestsAMultithreadedApartmentFirst)
 {
     builder.card("Codec").speaker();
     runBuilt();
@@ -200,7 +200,7 @@ TEST_F(SysInfoHelperConstruction, AsksForAMultithreadedApartmentFirstOfAll)
     EXPECT_EQ(1u, helper.m_soundCards.size());
 }
 
-TEST_F(SysInfoHelperConstruction, BringsComUpOnAThreadThatHasNone)
+TEST_F(SysInfoHelperConstruction, InitializesComOnAThreadThatHasNone)
 {
     builder.card("Codec", "USB").speaker();
     runBuilt();
@@ -222,7 +222,7 @@ TEST_F(SysInfoHelperConstruction, BringsComUpOnAThreadThatHasNone)
     EXPECT_EQ(1u, simulation().comUnderflows()); // the shared enumerator's, whose CoInitialize failed
 }
 
-TEST_F(SysInfoHelperConstruction, LetsItsCardsGoBeforeItUninitializesCom)
+TEST_F(SysInfoHelperConstruction, ReleasesItsCardsBeforeItUninitializesCom)
 {
     builder.card("Codec").speaker();
     runBuilt();

@@ -13,7 +13,7 @@ struct SysInfoHelperAnswers : support::SysInfoHelperTest
 };
 }
 
-TEST_F(SysInfoHelperAnswers, TellEachKindApart)
+TEST_F(SysInfoHelperAnswers, DistinguishEachKind)
 {
     builder.card("Analog", "analog").headphones();
     builder.card("Digital", "digital").spdifOut();
@@ -50,7 +50,7 @@ TEST_F(SysInfoHelperAnswers, AreFalseForAnUnknownId)
     EXPECT_EQ(nullptr, helper.soundCard("USB2").get());
 }
 
-TEST_F(SysInfoHelperAnswers, GoByTheInstanceIdInAnyCase)
+TEST_F(SysInfoHelperAnswers, UseTheInstanceIdIgnoringCase)
 {
     builder.card("Codec", "USB\\VID_0001").speaker();
     runBuilt();
@@ -60,7 +60,7 @@ TEST_F(SysInfoHelperAnswers, GoByTheInstanceIdInAnyCase)
     EXPECT_EQ(helper.m_soundCards[0].get(), helper.soundCard("Usb\\Vid_0001").get());
 }
 
-TEST_F(SysInfoHelperAnswers, DoNotGoByTheParent)
+TEST_F(SysInfoHelperAnswers, DoNotUseTheParentId)
 {
     builder.card("Codec", "USB").speaker();
     builder.machine().deviceInstances = {{"USB", "HUB"}};
@@ -94,7 +94,7 @@ TEST_F(SysInfoHelperAnswers, AreThoseOfTheLastOfTwoCardsOfOneInstanceId)
     EXPECT_EQ((Answers{false, false, true, false}), answersOf(helper, "USB"));
 }
 
-TEST_F(SysInfoHelperAnswers, AreThoseOfTheLastCardWithoutAnInstanceIdForAnEmptyOne)
+TEST_F(SysInfoHelperAnswers, AreThoseOfTheLastCardWithoutAnInstanceIdForAnEmptyId)
 {
     builder.card("First", "USB1").microphone().property(sim::keys::instancePath, sim::PropertyValue::ofText("first"));
     builder.card("Second", "USB2").lineIn().property(sim::keys::instancePath, sim::PropertyValue::ofText("second"));
@@ -105,7 +105,7 @@ TEST_F(SysInfoHelperAnswers, AreThoseOfTheLastCardWithoutAnInstanceIdForAnEmptyO
     EXPECT_EQ((Answers{false, false, true, false}), answersOf(helper, ""));
 }
 
-TEST_F(SysInfoHelperAnswers, ReportACardWithoutAnInstanceIdAtEveryQuestion)
+TEST_F(SysInfoHelperAnswers, LogACardWithoutAnInstanceIdAtEveryQuestion)
 {
     builder.card("Codec", "USB").microphone().property(sim::keys::instancePath, sim::PropertyValue::ofText("odd"));
     runBuilt();

@@ -5,7 +5,6 @@
 #include "libSonavit/soundcardupdater.h"
 #include "libSonavit/volumecontroller.h"
 #include "qor/serializable.h"
-
 #include "tests/foundation/supportvirtualslot.h"
 
 #include <gtest/gtest.h>

@@ -94,7 +94,7 @@ TEST_F(VolumeChangeNotificationObject, HasItsOldCountAfterAQueryAndARelease)
     EXPECT_EQ(1, count(notification));
 }
 
-TEST_F(VolumeChangeNotificationObject, AnswersTheNewCountAndEndsAtNothing)
+TEST_F(VolumeChangeNotificationObject, ReturnsTheNewCountAndIsDestroyedAtZero)
 {
     auto* const notification = new VolumeChangeNotification;
 

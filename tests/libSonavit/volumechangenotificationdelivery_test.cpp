@@ -1,9 +1,8 @@
 // What a notification does when the platform calls OnNotify.
 #include "tests/libSonavit/supportpostbox.h"
 
-#include "tests/support/librarytest.h"
-
 #include "libSonavit/volumecontroller.h"
+#include "tests/support/librarytest.h"
 
 #include <memory>
 #include <string>
@@ -111,7 +110,7 @@ TEST_F(VolumeChangeNotificationOnNotify, CallsTheFunctionAndPostsToANullWindowWi
     EXPECT_THAT(box().messages(), ElementsAre(messageTo(nullptr)));
 }
 
-TEST_F(VolumeChangeNotificationOnNotify, PostsToTheWindowWithBothParametersNothing)
+TEST_F(VolumeChangeNotificationOnNotify, PostsToTheWindowWithBothParametersZero)
 {
     const Notification notification(new VolumeChangeNotification);
     notification->setCallbackWindow(box().window());
@@ -149,7 +148,7 @@ TEST_F(VolumeChangeNotificationOnNotify, CallsTheFunctionBeforeItPosts)
     EXPECT_THAT(box().messages(), ElementsAre(messageTo(box().window())));
 }
 
-TEST_F(VolumeChangeNotificationOnNotify, CallsNoFunctionThatWasTurnedOff)
+TEST_F(VolumeChangeNotificationOnNotify, CallsNoFunctionAfterItWasSetToNull)
 {
     Listener listener;
     const Notification notification(new VolumeChangeNotification);
@@ -162,7 +161,7 @@ TEST_F(VolumeChangeNotificationOnNotify, CallsNoFunctionThatWasTurnedOff)
     EXPECT_THAT(box().messages(), ElementsAre(messageTo(nullptr)));
 }
 
-TEST_F(VolumeChangeNotificationOnNotify, HandsANullContextOn)
+TEST_F(VolumeChangeNotificationOnNotify, PassesANullContextOn)
 {
     static bool wasNull;
     wasNull = false;
@@ -174,7 +173,7 @@ TEST_F(VolumeChangeNotificationOnNotify, HandsANullContextOn)
     EXPECT_TRUE(wasNull);
 }
 
-TEST_F(VolumeChangeNotificationOnNotify, DoesNotLookAtItsData)
+TEST_F(VolumeChangeNotificationOnNotify, IgnoresItsData)
 {
     Listener listener;
     const Notification notification(new VolumeChangeNotification);
@@ -186,7 +185,7 @@ TEST_F(VolumeChangeNotificationOnNotify, DoesNotLookAtItsData)
     EXPECT_EQ(1, listener.calls);
 }
 
-TEST_F(VolumeChangeNotificationOnNotify, SucceedsAlsoWhenItsWindowIsGone)
+TEST_F(VolumeChangeNotificationOnNotify, SucceedsEvenIfItsWindowIsGone)
 {
     const Notification notification(new VolumeChangeNotification);
     notification->setCallbackWindow(reinterpret_cast<HWND>(0x0DEAD));
@@ -242,14 +241,14 @@ TEST_F(VolumeChangeNotificationDelivery, CallsTheFunctionOnThePlatformsThreadAnd
 
     simulation().events().setVolume(speaker.id(), -20.0f);
     simulation().events().setVolume(speaker.id(), {}, true);
-    simulation().events().settle();
+    simulation().events().waitForClients();
 
     EXPECT_EQ(2, listener.calls);
     EXPECT_NE(std::this_thread::get_id(), listener.thread);
     EXPECT_THAT(box().messages(), ElementsAre(messageTo(box().window()), messageTo(box().window())));
 }
 
-TEST_F(VolumeChangeNotificationDelivery, TellsAChangeThatItsOwnProcessMadeLikeAnyOther)
+TEST_F(VolumeChangeNotificationDelivery, NotifiesOfAChangeByItsOwnProcess)
 {
     Listener listener;
     const Notification notification(new VolumeChangeNotification);

@@ -1,4 +1,5 @@
 #include "platform/atlcomptr.h"
+
 #include "platform/interlocked.h"
 
 #include <gtest/gtest.h>

@@ -8,6 +8,7 @@
 #include <utility>
 
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 namespace
@@ -88,6 +89,17 @@ TEST(ProgramExecutable, SaysOneSentenceAboutAFailure)
 {
     EXPECT_EQ("sonavit: unknown command \"frobnicate\"; see sonavit --help\n",
               execute("frobnicate").out);
+}
+
+TEST(ProgramExecutable, WritesTheLogOnStandardErrorFromTheLevelThatIsAskedFor)
+{
+    const std::string debug = execute("--machine desktop --log debug ask none").out;
+    const std::string fatal = execute("--machine desktop --log fatal ask none").out;
+
+    EXPECT_THAT(debug, HasSubstr("debug libSonavit."));
+    EXPECT_THAT(debug, HasSubstr(": > "));
+    EXPECT_THAT(fatal, HasSubstr("fatal libSonavit."));
+    EXPECT_THAT(fatal, Not(HasSubstr("debug ")));
 }
 
 TEST(ProgramExecutable, PlaysTheScriptOfAMachineWhileItListens)

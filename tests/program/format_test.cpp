@@ -82,6 +82,38 @@ TEST_F(ProgramFormat, AnswersInJsonHowItWasAndIs)
     EXPECT_EQ(48000, answer["after"]["rate"]);
 }
 
+TEST_F(ProgramFormat, IsPutBackWhenTheEndIsRequested)
+{
+    run(support::smallMachine());
+    std::string whileHeld;
+    bool isDeferred = false;
+    bool wasDeferredWhilePutBack = false;
+    deferEnd = [&]
+    {
+        isDeferred = true;
+        return std::shared_ptr<void>(&isDeferred,
+                                     [&](bool* flag)
+                                     {
+                                         wasDeferredWhilePutBack = stored() == "16/48000/2";
+                                         *flag = false;
+                                     });
+    };
+    pause = [&](std::chrono::milliseconds)
+    {
+        whileHeld = isDeferred ? stored() : "not deferred";
+        return true;
+    };
+
+    const support::Answer answer = call({"format", "Speakers", "--set", "24/96000/2"});
+
+    EXPECT_EQ(130, answer.code);
+    EXPECT_EQ("", answer.err);
+    EXPECT_THAT(answer.out, testing::HasSubstr("\nafter   48000 Hz"));
+    EXPECT_EQ("24/96000/2", whileHeld);
+    EXPECT_TRUE(wasDeferredWhilePutBack);
+    EXPECT_FALSE(isDeferred);
+}
+
 TEST_F(ProgramFormat, IsLeftAloneWhereTheSystemRefuses)
 {
     sim::Simulation& simulation = run(support::smallMachine());

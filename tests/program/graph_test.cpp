@@ -56,6 +56,42 @@ protected:
 };
 }
 
+TEST_F(ProgramGraph, AnswersInJsonWhichWayTheSoundFlowsThroughConnectors)
+{
+    const sim::Machine machine = support::smallMachine();
+    std::map<std::string, std::string> expected; // by the ids of connectors
+    for (const sim::Adapter& adapter : machine.adapters)
+    {
+        for (const sim::Connector& connector : adapter.topology->connectors)
+            expected[connector.id] = connector.direction == In ? "in" : "out";
+    }
+    expected[machine.endpoint(support::speakerId())->topology->connectors.front().id] = "in";
+    expected[machine.endpoint(support::microphoneId())->topology->connectors.front().id] = "out";
+    run(machine);
+
+    std::map<std::string, json> directions;
+    const json answer = graph();
+    for (const json& device : answer["devices"])
+    {
+        for (const json& part : device["parts"])
+        {
+            EXPECT_EQ(part["kind"] == "subunit", part["direction"].is_null());
+            directions[part["id"]] = part["direction"];
+        }
+    }
+
+    for (const auto& [id, direction] : expected)
+        EXPECT_EQ(direction, directions[id]) << id;
+}
+
+TEST_F(ProgramGraph, AnswersInJsonNoDirectionThatCannotBeRead)
+{
+    run(support::smallMachine());
+    simulation().faults().fail("IConnector::GetDataFlow");
+
+    EXPECT_TRUE(graph()["devices"][0]["parts"][0]["direction"].is_null());
+}
+
 TEST_F(ProgramGraph, TellsJoinsWiresAndPathsApart)
 {
     sim::MachineBuilder builder;

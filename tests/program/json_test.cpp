@@ -21,6 +21,17 @@ TEST(ProgramJson, WritesNumbersAsNumbers)
     EXPECT_EQ("16777216.0", Json(16777216.0f).line());
 }
 
+TEST(ProgramJson, WritesIntegersOfEachTypeExactly)
+{
+    EXPECT_EQ("-2147483648", Json(std::numeric_limits<int>::min()).line());
+    EXPECT_EQ("-9223372036854775808", Json(std::numeric_limits<long long>::min()).line());
+    EXPECT_EQ("18446744073709551615", Json(std::numeric_limits<unsigned long long>::max()).line());
+    EXPECT_EQ("4294967295", Json(0xFFFFFFFFul).line());
+    EXPECT_EQ("7", Json(std::size_t(7)).line());
+    EXPECT_EQ("8", Json(static_cast<unsigned short>(8)).line());
+    EXPECT_EQ("true", Json(true).line());
+}
+
 TEST(ProgramJson, WritesNullForWhatIsNoNumber)
 {
     EXPECT_EQ("null", Json(std::numeric_limits<float>::quiet_NaN()).line());

@@ -22,7 +22,7 @@ protected:
         {
             if (next < steps.size())
                 steps[next](simulation().events());
-            simulation().events().settle();
+            simulation().events().waitForClients();
             return next++ >= steps.size();
         };
         options.insert(options.begin(), "monitor");
@@ -220,6 +220,55 @@ TEST_F(ProgramMonitor, EndsWhileThingsHappen)
     };
 
     EXPECT_EQ(0, call({"monitor"}).code);
+}
+
+TEST_F(ProgramMonitor, AnswersInJsonAnErrorOnOneLine)
+{
+    run(support::smallMachine());
+    simulation().faults().fail("IMMDeviceEnumerator::RegisterEndpointNotificationCallback");
+
+    const support::Answer answer = call({"monitor", "--json"});
+
+    EXPECT_EQ(1, answer.code);
+    ASSERT_EQ(1u, answer.lines().size()) << answer.out;
+    EXPECT_EQ("the system does not report changes of its endpoints", json::parse(answer.out)["error"]);
+    EXPECT_EQ(1u, call({"monitor", "--json", "--for", "never"}).lines().size());
+}
+
+TEST_F(ProgramMonitor, EndsWhenItsOutputCannotBeWritten)
+{
+    run(support::smallMachine());
+    std::ostringstream out;
+    std::ostringstream err;
+    sonavit::Environment environment{out, err};
+    int pauses = 0;
+    environment.pause = [&](std::chrono::milliseconds)
+    {
+        out.setstate(std::ios::badbit); // as after a failed write
+        return ++pauses > 10;
+    };
+
+    const int code = sonavit::run({"monitor"}, environment);
+
+    EXPECT_EQ(1, code);
+    EXPECT_EQ("sonavit: the answer cannot be written\n", err.str());
+    EXPECT_EQ(1 + 1, pauses) << "one while it listens, one to ask whether the end was requested";
+}
+
+TEST_F(ProgramMonitor, EndsSilentlyWhenTheReaderOfItsOutputHasGone)
+{
+    run(support::smallMachine());
+    std::ostringstream out;
+    std::ostringstream err;
+    sonavit::Environment environment{out, err};
+    environment.pause = [&](std::chrono::milliseconds)
+    {
+        out.setstate(std::ios::badbit);
+        return true;
+    };
+
+    EXPECT_EQ(130, sonavit::run({"monitor", "--json"}, environment));
+    EXPECT_EQ("", err.str());
 }
 
 TEST_F(ProgramMonitor, SaysToWhomItListensWhereSomebodyLooksOn)

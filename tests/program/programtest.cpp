@@ -103,6 +103,8 @@ Answer ProgramTest::call(const std::vector<std::string>& words)
     environment.hasColours = hasColours;
     environment.width = width;
     environment.pause = pause;
+    environment.deferEnd = deferEnd;
+    environment.findMachine = findMachine;
     Answer answer;
     answer.code = sonavit::run(words, environment);
     answer.out = out.str();
@@ -139,4 +141,4 @@ std::string smallInstanceId()
 {
     return SmallMachine().instanceId;
 }
-} // namespace support
+}

@@ -43,6 +43,8 @@ protected:
     bool hasColours = false;
     bool isTerminal = false;
     std::function<bool(std::chrono::milliseconds)> pause = [](std::chrono::milliseconds) { return true; };
+    std::function<std::shared_ptr<void>()> deferEnd = [] { return nullptr; };
+    std::function<sim::Machine(const std::string&)> findMachine = sim::findMachine; ///< for --machine
 
     /// How often commands have asked for a default endpoint themselves, and freed what they got.
     std::size_t ownDefaultQuestions = 0;
@@ -66,4 +68,4 @@ std::string microphoneId();
 /// The card's ids.
 std::string smallCardId();
 std::string smallInstanceId();
-} // namespace support
+}

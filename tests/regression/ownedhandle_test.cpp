@@ -139,4 +139,4 @@ TEST(HandleEnd, LeavesNilInTheMemoryOfAnOwnerWhoseObjectThrows)
 
     EXPECT_EQ(nullptr, pointerInMemory());
 }
-} // namespace
+}

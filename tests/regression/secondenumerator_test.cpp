@@ -3,7 +3,6 @@
 
 #include "libSonavit/endpointdeviceenumerator.h"
 #include "libSonavit/soundcard.h"
-
 #include "tests/support/librarytest.h"
 
 using libSonavit::AudioDeviceEnumerator;

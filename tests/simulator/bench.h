@@ -1,17 +1,20 @@
 /// What the tests of the simulated machine share: a small machine, and a fixture on it that leaves nothing behind.
 #pragma once
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <string>
-#include <thread>
-
 #include "simulator/machine/builder/machinebuilder.h"
 #include "simulator/machine/nodetypes.h"
+#include "simulator/machine/operations.h"
 #include "simulator/simulation.h"
 #include "tests/simulator/held.h"
 #include "tests/simulator/listeners.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
 
 namespace bench
 {
@@ -51,7 +54,7 @@ struct BenchMachine
     }
 };
 
-/// A thread of its own with or without COM; ends before the constructor does.
+/// Runs @p action on a new thread, without COM, and waits for it.
 template<class Action>
 void onThread(const Action& action)
 {
@@ -59,7 +62,8 @@ void onThread(const Action& action)
     thread.join();
 }
 
-/// The bench machine on a thread with COM. At the end nobody may hold anything of it.
+/// The bench machine on a thread with COM. At the end of a test there may be no reference on any of its objects, and
+/// every operation in the journal must be one that a fault rule can name.
 class SimulationTest : public testing::Test
 {
 protected:
@@ -86,6 +90,9 @@ protected:
     ~SimulationTest() override
     {
         EXPECT_EQ(sim::Census(), simulation.census());
+        const std::vector<std::string> operations = simulation.journal().operations();
+        for (const std::string& operation : std::set<std::string>(operations.begin(), operations.end()))
+            EXPECT_TRUE(isClientsOperation(operation) || sim::isOperation(operation)) << operation;
         CoUninitialize();
     }
 
@@ -114,7 +121,14 @@ protected:
     }
 
 private:
-    const HRESULT m_initialized = CoInitialize(nullptr); // ahead of the simulation, which wants to register here
+    /// Only the machine calls the operations of clients.
+    static bool isClientsOperation(const std::string& operation)
+    {
+        return operation.compare(0, 23, "IMMNotificationClient::") == 0 ||
+               operation == "IAudioEndpointVolumeCallback::OnNotify" || operation == "IControlChangeNotify::OnNotify";
+    }
+
+    const HRESULT m_initialized = CoInitialize(nullptr); // before the simulation, which registers on this thread
 
 protected:
     const std::string speakerId;

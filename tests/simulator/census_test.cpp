@@ -1,6 +1,9 @@
 #include "tests/simulator/bench.h"
 
+#include <map>
 #include <sstream>
+#include <string>
+#include <vector>
 
 namespace
 {
@@ -58,6 +61,19 @@ TEST_F(CensusTaskMemory, IsCountedUntilItIsFreed)
     EXPECT_EQ(0, simulation.census().taskBlocks());
 }
 
+TEST_F(CensusTaskMemory, IsThatOfOneSimulationOnly)
+{
+    const sim::Simulation other(simulation.machine());
+    const Held<IMMDevice> its(other.device(speakerId));
+    LPWSTR id = nullptr;
+    ASSERT_EQ(S_OK, its->GetId(&id));
+
+    EXPECT_EQ(1, other.census().taskBlocks());
+    EXPECT_EQ(0, simulation.census().taskBlocks());
+
+    taken(id);
+}
+
 TEST_F(CensusTaskMemory, IsGivenBackByPropVariantClear)
 {
     Held<IPropertyStore> store;
@@ -106,6 +122,37 @@ TEST_F(CensusDifference, IsEmptyWhenAllWentBack)
 
     EXPECT_TRUE((simulation.census() - earlier).empty());
     EXPECT_EQ(earlier, simulation.census());
+}
+
+TEST_F(CensusDifference, IsNotEmptyForAnySingleCount)
+{
+    const std::map<std::string, long> one = {{"x", 1}};
+    std::vector<sim::Census> censuses(6);
+    censuses[0].byInterface = one;
+    censuses[1].byObject = one;
+    censuses[2].objects = one;
+    censuses[3].taskMemory = one;
+    censuses[4].taskBytes = 1;
+    censuses[5].clients = one;
+
+    for (const sim::Census& census : censuses)
+    {
+        EXPECT_FALSE(census.empty());
+        EXPECT_NE(sim::Census(), census);
+        EXPECT_FALSE((sim::Census() - census).empty());
+        EXPECT_TRUE((census - census).empty());
+    }
+}
+
+TEST_F(CensusDifference, ShowsRegisteredClients)
+{
+    bench::ClientListener client;
+    const Held<IMMDeviceEnumerator> enumerator(simulation.enumerator());
+    enumerator->RegisterEndpointNotificationCallback(&client);
+
+    EXPECT_THAT(simulation.census().describe(), HasSubstr("registered IMMNotificationClient: 1\n"));
+
+    enumerator->UnregisterEndpointNotificationCallback(&client);
 }
 
 TEST_F(CensusDifference, ReadsWellInAFailure)

@@ -78,6 +78,9 @@ TEST_F(SimulatedConnectorJoin, CanNameAFarDeviceWhoseConnectorIsNotToBeHad)
     const Held<IConnector> connected = connector(speakerConnector);
 
     EXPECT_EQ("{2}.gone", textOf(connected, &IConnector::GetDeviceIdConnectedTo));
+    auto* text = poison<WCHAR>();
+    EXPECT_EQ(E_NOTFOUND, connected->GetConnectorIdConnectedTo(&text));
+    EXPECT_EQ(nullptr, text);
     auto* peer = poison<IConnector>();
     EXPECT_EQ(E_NOTFOUND, connected->GetConnectedTo(&peer));
     EXPECT_EQ(nullptr, peer);

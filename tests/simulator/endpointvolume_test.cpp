@@ -134,6 +134,133 @@ TEST_F(SimulatedEndpointVolumeLevels, CanBeRefusedByTheMachine)
     EXPECT_EQ(S_OK, control->SetMasterVolumeLevelScalar(0.5f, nullptr));
 }
 
+/// The speaker's volume has one level only.
+class SimulatedEndpointVolumeOfOneLevel : public SimulatedEndpointVolume
+{
+protected:
+    SimulatedEndpointVolumeOfOneLevel()
+    {
+        simulation.change(
+            [&](sim::Machine& machine) {
+                machine.endpoint(speakerId)->volume = {-12.0f, -12.0f, 0.0f, {-12.0f, -12.0f}, false, 0, {}};
+            });
+    }
+};
+
+TEST_F(SimulatedEndpointVolumeOfOneLevel, IsAtItsMaximum)
+{
+    float scalar = 0.0f;
+    EXPECT_EQ(1.0f, read(&IAudioEndpointVolume::GetMasterVolumeLevelScalar));
+    EXPECT_EQ(-12.0f, read(&IAudioEndpointVolume::GetMasterVolumeLevel));
+    EXPECT_EQ(S_OK, control->GetChannelVolumeLevelScalar(1, &scalar));
+    EXPECT_EQ(1.0f, scalar);
+}
+
+TEST_F(SimulatedEndpointVolumeOfOneLevel, StaysThereWhateverIsSet)
+{
+    simulation.deliverAtOnce(true);
+    bench::VolumeListener listener;
+    ASSERT_EQ(S_OK, control->RegisterControlChangeNotify(&listener));
+
+    for (const float scalar : {0.0f, 0.5f, 1.0f})
+    {
+        EXPECT_EQ(S_OK, control->SetMasterVolumeLevelScalar(scalar, nullptr));
+        EXPECT_EQ(S_OK, control->SetChannelVolumeLevelScalar(0, scalar, nullptr));
+    }
+    EXPECT_EQ(S_OK, control->SetMasterVolumeLevel(-12.0f, nullptr));
+    EXPECT_EQ(E_INVALIDARG, control->SetMasterVolumeLevel(-11.5f, nullptr));
+    EXPECT_EQ(S_OK, control->VolumeStepUp(nullptr));
+    EXPECT_EQ(S_OK, control->VolumeStepDown(nullptr));
+
+    EXPECT_THAT(levels(), ElementsAre(-12.0f, -12.0f));
+    EXPECT_THAT(listener.heard(), ElementsAre());
+    EXPECT_EQ(S_OK, control->SetMute(TRUE, nullptr));
+    EXPECT_THAT(listener.heard(), ElementsAre("muted 1000 1000 master 1000 context 0"));
+    EXPECT_EQ(S_OK, control->UnregisterControlChangeNotify(&listener));
+}
+
+TEST_F(SimulatedEndpointVolumeOfOneLevel, HasOneStep)
+{
+    UINT step = 99;
+    UINT count = 99;
+    EXPECT_EQ(S_OK, control->GetVolumeStepInfo(&step, &count));
+    EXPECT_EQ(0u, step);
+    EXPECT_EQ(1u, count);
+
+    simulation.change([&](sim::Machine& machine) { machine.endpoint(speakerId)->volume->step = 1.5f; });
+    EXPECT_EQ(S_OK, control->GetVolumeStepInfo(&step, &count));
+    EXPECT_EQ(0u, step);
+    EXPECT_EQ(1u, count);
+}
+
+TEST_F(SimulatedEndpointVolumeLevels, AreAtTheMinimumWithoutAChannel)
+{
+    simulation.change([&](sim::Machine& machine) { machine.endpoint(speakerId)->volume->channels.clear(); });
+
+    EXPECT_EQ(-60.0f, read(&IAudioEndpointVolume::GetMasterVolumeLevel));
+    EXPECT_EQ(0.0f, read(&IAudioEndpointVolume::GetMasterVolumeLevelScalar));
+    EXPECT_EQ(S_OK, control->SetMasterVolumeLevel(-10.0f, nullptr));
+    EXPECT_EQ(-60.0f, read(&IAudioEndpointVolume::GetMasterVolumeLevel));
+}
+
+TEST_F(SimulatedEndpointVolumeLevels, RefuseWhatIsNoNumberAndTakeBothEndsOfTheRange)
+{
+    const float nothing = std::numeric_limits<float>::quiet_NaN();
+    EXPECT_EQ(E_INVALIDARG, control->SetMasterVolumeLevel(nothing, nullptr));
+    EXPECT_EQ(E_INVALIDARG, control->SetChannelVolumeLevel(0, nothing, nullptr));
+    EXPECT_EQ(E_INVALIDARG, control->SetChannelVolumeLevelScalar(0, nothing, nullptr));
+    EXPECT_EQ(E_INVALIDARG, control->SetChannelVolumeLevelScalar(0, -0.01f, nullptr));
+    EXPECT_EQ(E_INVALIDARG, control->SetChannelVolumeLevel(0, -60.5f, nullptr));
+    EXPECT_THAT(levels(), ElementsAre(0.0f, 0.0f));
+
+    EXPECT_EQ(S_OK, control->SetChannelVolumeLevel(0, -60.0f, nullptr));
+    EXPECT_EQ(S_OK, control->SetChannelVolumeLevelScalar(1, 0.0f, nullptr));
+    EXPECT_THAT(levels(), ElementsAre(-60.0f, -60.0f));
+    EXPECT_EQ(S_OK, control->SetMasterVolumeLevel(0.0f, nullptr));
+    EXPECT_THAT(levels(), ElementsAre(0.0f, 0.0f));
+}
+
+TEST_F(SimulatedEndpointVolumeLevels, RefuseEachOperationThatTheMachineRefuses)
+{
+    simulation.change(
+        [&](sim::Machine& machine)
+        {
+            machine.endpoint(speakerId)->volume->refused = {"RegisterControlChangeNotify",
+                                                            "GetMasterVolumeLevel",
+                                                            "GetChannelVolumeLevelScalar",
+                                                            "SetMute",
+                                                            "GetMute",
+                                                            "GetVolumeStepInfo",
+                                                            "VolumeStepUp",
+                                                            "QueryHardwareSupport",
+                                                            "GetVolumeRange"};
+        });
+    bench::VolumeListener listener;
+    float level = 99.0f;
+    BOOL muted = 99;
+    UINT number = 99;
+    DWORD support = 99;
+
+    EXPECT_EQ(E_NOTIMPL, control->RegisterControlChangeNotify(&listener));
+    EXPECT_EQ(E_NOTIMPL, control->GetMasterVolumeLevel(&level));
+    EXPECT_EQ(E_NOTIMPL, control->GetChannelVolumeLevelScalar(0, &level));
+    EXPECT_EQ(E_NOTIMPL, control->SetMute(TRUE, nullptr));
+    EXPECT_EQ(E_NOTIMPL, control->GetMute(&muted));
+    EXPECT_EQ(E_NOTIMPL, control->GetVolumeStepInfo(&number, &number));
+    EXPECT_EQ(E_NOTIMPL, control->VolumeStepUp(nullptr));
+    EXPECT_EQ(E_NOTIMPL, control->QueryHardwareSupport(&support));
+    EXPECT_EQ(E_NOTIMPL, control->GetVolumeRange(&level, &level, &level));
+
+    EXPECT_EQ(1u, listener.references);
+    EXPECT_EQ(99.0f, level);
+    EXPECT_EQ(99, muted);
+    EXPECT_EQ(99u, number);
+    EXPECT_EQ(99u, support);
+    EXPECT_FALSE(simulation.machine().endpoint(speakerId)->volume->muted);
+    EXPECT_EQ(S_OK, control->GetMasterVolumeLevelScalar(&level)); // its name begins with a refused one
+    EXPECT_EQ(S_OK, control->VolumeStepDown(nullptr));
+}
+
 TEST_F(SimulatedEndpointVolumeSteps, AreCountedAndTaken)
 {
     UINT step = 0;
@@ -147,6 +274,45 @@ TEST_F(SimulatedEndpointVolumeSteps, AreCountedAndTaken)
     EXPECT_EQ(S_OK, control->VolumeStepUp(nullptr));
     EXPECT_EQ(S_OK, control->VolumeStepUp(nullptr)); // no step further than the maximum
     EXPECT_EQ(0.0f, read(&IAudioEndpointVolume::GetMasterVolumeLevel));
+}
+
+TEST_F(SimulatedEndpointVolumeSteps, AreOneWithoutAStepSize)
+{
+    simulation.change([&](sim::Machine& machine) { machine.endpoint(speakerId)->volume->step = 0.0f; });
+    UINT step = 99;
+    UINT count = 99;
+
+    EXPECT_EQ(S_OK, control->GetVolumeStepInfo(&step, &count));
+    EXPECT_EQ(S_OK, control->VolumeStepDown(nullptr));
+
+    EXPECT_EQ(0u, step);
+    EXPECT_EQ(1u, count);
+    EXPECT_THAT(levels(), ElementsAre(0.0f, 0.0f));
+}
+
+TEST_F(SimulatedEndpointVolumeSteps, RoundToTheNearestOneAndEndWithTheRange)
+{
+    UINT step = 0;
+    UINT count = 0;
+    EXPECT_EQ(S_OK, control->SetMasterVolumeLevel(-55.1f, nullptr));
+    EXPECT_EQ(S_OK, control->GetVolumeStepInfo(&step, &count));
+    EXPECT_EQ(2u, step);
+    EXPECT_EQ(S_OK, control->SetMasterVolumeLevel(-54.9f, nullptr));
+    EXPECT_EQ(S_OK, control->GetVolumeStepInfo(&step, &count));
+    EXPECT_EQ(3u, step);
+
+    EXPECT_EQ(S_OK, control->SetMasterVolumeLevel(-59.0f, nullptr));
+    EXPECT_EQ(S_OK, control->VolumeStepDown(nullptr));
+    EXPECT_EQ(-60.0f, read(&IAudioEndpointVolume::GetMasterVolumeLevel));
+}
+
+TEST_F(SimulatedEndpointVolumeSteps, KeepTheDistanceOfTheChannelsAtTheEndOfTheRange)
+{
+    EXPECT_EQ(S_OK, control->SetChannelVolumeLevel(0, -10.0f, nullptr));
+
+    EXPECT_EQ(S_OK, control->VolumeStepUp(nullptr));
+
+    EXPECT_THAT(levels(), ElementsAre(-10.0f, 0.0f));
 }
 
 TEST_F(SimulatedEndpointVolumeMute, SaysWhetherItChangedAnything)

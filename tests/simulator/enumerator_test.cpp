@@ -122,7 +122,11 @@ TEST_F(SimulatedEnumeratorDefault, RefusesFlowsAndRolesThatHaveNoDefault)
     auto* found = poison<IMMDevice>();
     EXPECT_EQ(E_INVALIDARG, enumerator->GetDefaultAudioEndpoint(eAll, eConsole, &found));
     EXPECT_EQ(nullptr, found);
+    found = poison<IMMDevice>();
     EXPECT_EQ(E_INVALIDARG, enumerator->GetDefaultAudioEndpoint(eRender, ERole_enum_count, &found));
+    EXPECT_EQ(nullptr, found);
+    EXPECT_EQ(E_INVALIDARG, enumerator->GetDefaultAudioEndpoint(EDataFlow_enum_count, eConsole, &found));
+    EXPECT_EQ(E_POINTER, enumerator->GetDefaultAudioEndpoint(eRender, eConsole, nullptr));
 }
 
 TEST_F(SimulatedEnumeratorGetDevice, FindsAnEndpointWithoutRegardToCase)
@@ -135,6 +139,28 @@ TEST_F(SimulatedEnumeratorGetDevice, FindsAnEndpointWithoutRegardToCase)
     ASSERT_EQ(S_OK, enumerator->GetDevice(Wide(shouted), found.put()));
 
     EXPECT_EQ(speakerId, textOf(found, &IMMDevice::GetId));
+}
+
+TEST_F(SimulatedEnumeratorGetDevice, PrefersTheExactIdAndThenTheFirstOfTheMachine)
+{
+    simulation.change(
+        [&](sim::Machine& machine)
+        {
+            machine.endpoint(lineInId)->id = "{TWIN}";
+            machine.endpoint(earphoneId)->id = "{twin}";
+        });
+    const auto idOf = [&](const char* id)
+    {
+        Held<IMMDevice> found;
+        EXPECT_EQ(S_OK, enumerator->GetDevice(Wide(id), found.put()));
+        return textOf(found, &IMMDevice::GetId);
+    };
+
+    EXPECT_EQ("{TWIN}", idOf("{TWIN}"));
+    EXPECT_EQ("{twin}", idOf("{twin}"));
+    EXPECT_EQ("{TWIN}", idOf("{Twin}"));
+    simulation.change([&](sim::Machine& machine) { machine.endpoint("{TWIN}")->openable = false; });
+    EXPECT_EQ("{twin}", idOf("{TWIN}"));
 }
 
 TEST_F(SimulatedEnumeratorGetDevice, OpensAnAdapterWhichIsNoEndpoint)

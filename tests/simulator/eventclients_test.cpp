@@ -57,11 +57,130 @@ TEST_F(EventsClients, MaySignOffInTheirOwnCallback)
 
     simulation.events().add(speakerId);
     simulation.events().add(earphoneId);
-    simulation.events().settle();
+    simulation.events().waitForClients();
 
     EXPECT_THAT(leaving.heard(), ElementsAre("added " + speakerId));
     EXPECT_EQ(2u, leaving.referencesInside);
     EXPECT_EQ(1u, leaving.references);
+}
+
+TEST_F(EventsClients, AreNotCalledAfterAnotherClientHasUnregisteredThem)
+{
+    simulation.deliverAtOnce(true);
+    bench::ClientListener later;
+    struct Removing : bench::ClientListener
+    {
+        HRESULT STDMETHODCALLTYPE OnDeviceAdded(LPCWSTR) override
+        {
+            return owner->UnregisterEndpointNotificationCallback(victim);
+        }
+        IMMDeviceEnumerator* owner = nullptr;
+        IMMNotificationClient* victim = nullptr;
+    } removing;
+    removing.owner = enumerator.get();
+    removing.victim = &later;
+    ASSERT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&removing));
+    ASSERT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&later));
+
+    simulation.events().add(speakerId);
+
+    EXPECT_THAT(later.heard(), ElementsAre());
+    EXPECT_EQ(1u, later.references);
+    EXPECT_EQ(S_OK, enumerator->UnregisterEndpointNotificationCallback(&removing));
+}
+
+TEST_F(EventsClients, AreCalledFromTheNextChangeOnIfAClientRegistersThem)
+{
+    simulation.deliverAtOnce(true);
+    bench::ClientListener later;
+    struct Adding : bench::ClientListener
+    {
+        HRESULT STDMETHODCALLTYPE OnDeviceAdded(LPCWSTR) override
+        {
+            return owner->RegisterEndpointNotificationCallback(next);
+        }
+        IMMDeviceEnumerator* owner = nullptr;
+        IMMNotificationClient* next = nullptr;
+    } adding;
+    adding.owner = enumerator.get();
+    adding.next = &later;
+    ASSERT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&adding));
+
+    simulation.events().add(speakerId);
+    simulation.events().remove(speakerId);
+
+    EXPECT_THAT(later.heard(), ElementsAre("removed " + speakerId));
+    EXPECT_EQ(S_OK, enumerator->UnregisterEndpointNotificationCallback(&adding));
+    EXPECT_EQ(S_OK, enumerator->UnregisterEndpointNotificationCallback(&later));
+}
+
+TEST_F(EventsClients, MayWaitForClientsInTheirOwnCallback)
+{
+    struct Waiting : bench::ClientListener
+    {
+        HRESULT STDMETHODCALLTYPE OnDeviceAdded(LPCWSTR) override
+        {
+            events->waitForClients();
+            hasReturned = true;
+            return S_OK;
+        }
+        sim::Events* events = nullptr;
+        std::atomic<bool> hasReturned{false};
+    } waiting;
+    waiting.events = &simulation.events();
+    ASSERT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&waiting));
+
+    simulation.events().add(speakerId);
+    simulation.events().waitForClients();
+
+    EXPECT_TRUE(waiting.hasReturned);
+    EXPECT_EQ(S_OK, enumerator->UnregisterEndpointNotificationCallback(&waiting));
+}
+
+TEST_F(EventsClients, AreWaitedForWhileTheLastOfThemRuns)
+{
+    struct Slow : bench::ClientListener
+    {
+        HRESULT STDMETHODCALLTYPE OnDeviceAdded(LPCWSTR) override
+        {
+            isInside = true;
+            for (int turn = 0; turn < 2000; ++turn)
+                std::this_thread::yield();
+            hasReturned = true;
+            return S_OK;
+        }
+        std::atomic<bool> isInside{false};
+        std::atomic<bool> hasReturned{false};
+    } slow;
+    ASSERT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&slow));
+    simulation.events().add(speakerId);
+    while (!slow.isInside)
+        std::this_thread::yield();
+
+    simulation.events().waitForClients();
+
+    EXPECT_TRUE(slow.hasReturned);
+    EXPECT_EQ(S_OK, enumerator->UnregisterEndpointNotificationCallback(&slow));
+}
+
+TEST_F(EventsClients, AreNotCalledAfterTheEndOfTheSimulation)
+{
+    for (const bool atOnce : {false, true})
+    {
+        auto other = std::make_unique<sim::Simulation>(simulation.machine());
+        other->deliverAtOnce(atOnce);
+        const Held<IAudioEndpointVolume> control(other->endpointVolume(speakerId));
+        bench::VolumeListener listener;
+        ASSERT_EQ(S_OK, control->RegisterControlChangeNotify(&listener));
+        sim::Events events = other->events();
+        other.reset();
+
+        EXPECT_EQ(S_OK, control->SetMute(TRUE, nullptr));
+        events.waitForClients();
+
+        EXPECT_THAT(listener.heard(), ElementsAre());
+        EXPECT_EQ(S_OK, control->UnregisterControlChangeNotify(&listener));
+    }
 }
 
 TEST_F(EventsClients, AreWaitedForWhenTheySignOffOnAnotherThread)

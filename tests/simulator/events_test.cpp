@@ -1,8 +1,10 @@
 #include "tests/simulator/eventstest.h"
 
-#include <stdexcept>
-
 #include "simulator/machine/propertykeys.h"
+
+#include <chrono>
+#include <stdexcept>
+#include <utility>
 
 namespace
 {
@@ -17,7 +19,7 @@ using EventsScript = bench::EventsTest;
 TEST_F(EventsThread, IsTheMachinesOwn)
 {
     simulation.events().plug(microphoneId);
-    simulation.events().settle();
+    simulation.events().waitForClients();
 
     EXPECT_THAT(client.heard(), ElementsAre("state " + microphoneId + " 1"));
     EXPECT_NE(std::this_thread::get_id(), client.thread());
@@ -29,7 +31,7 @@ TEST_F(EventsThread, DeliversInTheOrderInWhichThingsHappened)
     simulation.events().unplug(speakerId);
     simulation.events().remove(earphoneId);
     simulation.events().plug(speakerId);
-    simulation.events().settle();
+    simulation.events().waitForClients();
 
     EXPECT_THAT(client.heard(),
                 ElementsAre("state " + speakerId + " 8", "removed " + earphoneId, "state " + speakerId + " 1"));
@@ -59,7 +61,7 @@ TEST_F(EventsThread, HasCom)
     ASSERT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&asking));
 
     simulation.events().add(speakerId);
-    simulation.events().settle();
+    simulation.events().waitForClients();
 
     EXPECT_EQ(S_OK, created);
     EXPECT_EQ(S_OK, enumerator->UnregisterEndpointNotificationCallback(&asking));
@@ -118,6 +120,71 @@ TEST_F(EventsAtOnce, TellOfEveryKindOfChange)
     EXPECT_EQ(earphoneId, machine.defaultEndpoint(eRender, eMultimedia)->id);
     EXPECT_EQ(nullptr, machine.defaultEndpoint(eRender, eConsole));
     EXPECT_EQ("Other", sim::findProperty(machine.endpoint(speakerId)->properties, sim::keys::friendlyName)->text);
+}
+
+TEST_F(EventsAtOnce, MoveADefaultWithinItsFlowAndRoleOnly)
+{
+    simulation.events().setDefault(lineInId, eConsole);
+    simulation.events().setDefault(earphoneId, eConsole);
+
+    const sim::Machine machine = simulation.machine();
+    EXPECT_EQ(earphoneId, machine.defaultEndpoint(eRender, eConsole)->id);
+    EXPECT_EQ(speakerId, machine.defaultEndpoint(eRender, eMultimedia)->id);
+    EXPECT_EQ(lineInId, machine.defaultEndpoint(eCapture, eConsole)->id);
+    EXPECT_THAT(machine.endpoint(speakerId)->defaultFor, testing::Not(testing::Contains(eConsole)));
+}
+
+TEST_F(EventsAtOnce, SetOnlyWhatAVolumeChangeNames)
+{
+    simulation.deliverAtOnce(true);
+    bench::VolumeListener listener;
+    const Held<IAudioEndpointVolume> control = volume(speakerId);
+    ASSERT_EQ(S_OK, control->RegisterControlChangeNotify(&listener));
+    sim::Events& events = simulation.events();
+
+    events.setVolume(speakerId, std::nullopt, true);
+    const sim::EndpointVolume muted = *simulation.machine().endpoint(speakerId)->volume;
+    events.setVolume(speakerId, -10.0f);
+    const sim::EndpointVolume lowered = *simulation.machine().endpoint(speakerId)->volume;
+    events.setVolume(speakerId, -10.0f, true); // no change
+    events.setVolume(speakerId, std::nullopt); // no change
+
+    EXPECT_TRUE(muted.muted);
+    EXPECT_THAT(muted.channels, ElementsAre(0.0f, 0.0f));
+    EXPECT_TRUE(lowered.muted);
+    EXPECT_THAT(lowered.channels, ElementsAre(-10.0f, -10.0f));
+    EXPECT_EQ(2u, listener.heard().size());
+    EXPECT_EQ(S_OK, control->UnregisterControlChangeNotify(&listener));
+}
+
+TEST_F(EventsAtOnce, FindAnEndpointWhosePlaceInTheMachineHasChanged)
+{
+    simulation.change([](sim::Machine& machine) { std::swap(machine.endpoints.front(), machine.endpoints.back()); });
+
+    simulation.events().setState(speakerId, sim::stateDisabled);
+
+    EXPECT_EQ(sim::stateDisabled, simulation.machine().endpoint(speakerId)->state);
+    EXPECT_EQ(sim::stateActive, simulation.machine().endpoint(earphoneId)->state);
+}
+
+TEST_F(EventsAtOnce, LeaveAnEndpointWithoutVolumeAsItIs)
+{
+    simulation.change([&](sim::Machine& machine) { machine.endpoint(speakerId)->volume.reset(); });
+
+    simulation.events().setVolume(speakerId, -10.0f, true);
+
+    EXPECT_FALSE(simulation.machine().endpoint(speakerId)->volume.has_value());
+}
+
+TEST_F(EventsAtOnce, RemoveAPropertyThatBecomesEmpty)
+{
+    simulation.deliverAtOnce(true);
+
+    simulation.events().setProperty(speakerId, sim::keys::speakerConfig, sim::PropertyValue());
+
+    EXPECT_EQ(nullptr,
+              sim::findProperty(simulation.machine().endpoint(speakerId)->properties, sim::keys::speakerConfig));
+    EXPECT_THAT(client.heard(), ElementsAre("property " + speakerId + " 3"));
 }
 
 TEST_F(EventsAtOnce, GiveTheMachineAnEndpointThatItDidNotHave)
@@ -194,11 +261,31 @@ TEST_F(EventsScript, PlaysInOrderOnTheNotificationThread)
         });
 
     simulation.events().playScript();
-    simulation.events().settle();
+    simulation.events().waitForClients();
 
     EXPECT_THAT(client.heard(),
                 ElementsAre("state " + microphoneId + " 1", "state " + microphoneId + " 8", "removed " + microphoneId));
     EXPECT_NE(std::this_thread::get_id(), client.thread());
+}
+
+TEST_F(EventsScript, KeepsTheDelaysOfItsEvents)
+{
+    using std::chrono::milliseconds;
+    simulation.change(
+        [&](sim::Machine& machine)
+        {
+            sim::ScriptEvent event;
+            event.endpoint = microphoneId;
+            event.afterMilliseconds = 15;
+            machine.script = {event, event};
+        });
+    const auto start = std::chrono::steady_clock::now();
+
+    simulation.events().playScript();
+    simulation.events().waitForClients();
+
+    EXPECT_GE(std::chrono::steady_clock::now() - start, milliseconds(30));
+    EXPECT_EQ(2u, client.heard().size());
 }
 
 TEST_F(EventsScript, PlaysWhollyAtOnceWhereThatIsAskedFor)

@@ -5,7 +5,7 @@
 
 namespace bench
 {
-/// The client is signed off at the end, and nobody may hold it then.
+/// The client is unregistered at the end, and the machine may hold no reference on it then.
 class EventsTest : public SimulationTest
 {
 protected:

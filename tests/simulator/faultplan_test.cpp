@@ -88,6 +88,69 @@ TEST_F(FaultPlanMatch, TakesABareNameForEveryInterface)
     EXPECT_EQ(2u, fault.fired());
 }
 
+TEST_F(FaultPlanMatch, MeetsNoCallWithAMisspeltName)
+{
+    std::vector<sim::PlannedFault> faults;
+    for (const char* const name : {"GetStat", "GetStates", "getState", "State", "etState", ":GetState", "::GetState",
+                                   "Device::GetState", "IMMDevice:GetState", "IMMDevice::", "IMMDevice", "*", ""})
+        faults.push_back(simulation.faults().fail(name));
+    DWORD state = 0;
+
+    EXPECT_EQ(S_OK, speaker->GetState(&state));
+
+    for (const sim::PlannedFault& fault : faults)
+        EXPECT_EQ(0u, fault.met()) << fault.rule().operation;
+    EXPECT_EQ(faults.size(), simulation.faults().unmet().size());
+    simulation.faults().clear();
+}
+
+TEST_F(FaultPlanMatch, TakesABareNameForAFunctionToo)
+{
+    const sim::PlannedFault fault = simulation.faults().fail("CoCreateInstance", E_ABORT);
+    void* object = poison<void>();
+
+    EXPECT_EQ(E_ABORT, CoCreateInstance(bench::enumeratorClass, nullptr, CLSCTX_INPROC_SERVER,
+                                        idOf<IMMDeviceEnumerator>(), &object));
+
+    EXPECT_EQ(nullptr, object);
+    EXPECT_EQ(1u, fault.fired());
+}
+
+TEST_F(FaultPlanMatch, MeetsNoCallWithoutTheArgumentThatItNames)
+{
+    const sim::PlannedFault fault = simulation.faults().fail("GetState").with("1");
+    DWORD state = 0;
+
+    EXPECT_EQ(S_OK, speaker->GetState(&state));
+
+    EXPECT_EQ(0u, fault.met());
+    EXPECT_EQ(1u, simulation.faults().unmet().size());
+}
+
+TEST_F(FaultPlanMatch, CountsAnewFromTheCallOfAt)
+{
+    sim::PlannedFault fault = simulation.faults().fail("IMMDevice::GetState").at(99);
+    DWORD state = 0;
+    EXPECT_EQ(S_OK, speaker->GetState(&state));
+
+    fault.at(2);
+
+    EXPECT_EQ(0u, fault.met());
+    EXPECT_EQ(S_OK, speaker->GetState(&state));
+    EXPECT_EQ(E_FAIL, speaker->GetState(&state));
+    EXPECT_EQ(S_OK, speaker->GetState(&state));
+}
+
+TEST_F(FaultPlanMatch, NeverMeetsAnAddRef)
+{
+    const sim::PlannedFault fault = simulation.faults().fail("AddRef");
+
+    EXPECT_EQ(2u, speaker->AddRef());
+
+    EXPECT_EQ(0u, fault.met());
+    speaker->Release();
+}
+
 TEST_F(FaultPlanMatch, LetsTheFirstRuleThatFiresDecide)
 {
     simulation.faults().fail("IMMDevice::GetState", E_ACCESSDENIED).at(2);
@@ -146,6 +209,42 @@ TEST_F(FaultPlanOutcome, CanRunSomethingAheadOfACall)
     EXPECT_EQ(DWORD(DEVICE_STATE_UNPLUGGED), state);
 }
 
+TEST_F(FaultPlanOutcome, RunsEveryActionAndFailsAllTheSame)
+{
+    std::vector<std::string> order;
+    simulation.faults().run("IMMDevice::GetState", [&] { order.push_back("first"); });
+    simulation.faults().fail("IMMDevice::GetState", E_ACCESSDENIED);
+    simulation.faults().run("GetState", [&] { order.push_back("second"); });
+    DWORD state = 99;
+
+    EXPECT_EQ(E_ACCESSDENIED, speaker->GetState(&state));
+
+    EXPECT_THAT(order, ElementsAre("first", "second"));
+    EXPECT_EQ(99u, state);
+}
+
+TEST_F(FaultPlanOutcome, DecidesEvenIfAnOutParameterIsNull)
+{
+    simulation.faults().fail("IMMDevice::GetId", E_ABORT);
+    simulation.faults().succeedWithNull("IMMDevice::GetState");
+
+    EXPECT_EQ(E_ABORT, speaker->GetId(nullptr));
+    EXPECT_EQ(S_OK, speaker->GetState(nullptr));
+}
+
+TEST_F(FaultPlanOutcome, CanMakeAnyOperationThrow)
+{
+    simulation.faults().raise("IMMDevice::GetId");
+    auto* id = poison<WCHAR>();
+
+    EXPECT_THROW(speaker->GetId(&id), sim::InjectedException);
+
+    EXPECT_EQ(nullptr, id);
+    EXPECT_EQ("IMMDevice::GetId() on " + speakerId + " -> thrown",
+              simulation.journal().of("IMMDevice::GetId").lines().at(0));
+    EXPECT_EQ(1u, simulation.journal().entries().failed().size());
+}
+
 TEST_F(FaultPlanOutcome, CanFailTheCreationOfTheEnumerator)
 {
     simulation.faults().fail("CoCreateInstance", E_OUTOFMEMORY);
@@ -166,6 +265,28 @@ TEST_F(FaultPlanReferences, CanFailAQueryWithNull)
     EXPECT_EQ(nullptr, object);
     EXPECT_NE(nullptr, speaker.as<IMMDevice>().get());
     EXPECT_EQ(1, simulation.census().byObject.at("IMMDevice " + speakerId));
+}
+
+TEST_F(FaultPlanReferences, AreNotRecordedBecauseThereIsARule)
+{
+    simulation.faults().fail("IMMDevice::GetState");
+    simulation.journal().clear();
+
+    speaker->AddRef();
+    speaker->Release();
+    speaker.as<IMMEndpoint>();
+
+    EXPECT_THAT(simulation.journal().entries(), IsEmpty());
+}
+
+TEST_F(FaultPlanReferences, CannotFailARelease)
+{
+    simulation.faults().fail("Release");
+    speaker->AddRef();
+
+    EXPECT_EQ(1u, speaker->Release());
+
+    simulation.faults().clear();
 }
 
 TEST_F(FaultPlanReferences, CanMakeReleaseThrowAndTheReferenceIsGoneAllTheSame)
@@ -228,6 +349,18 @@ TEST_F(FaultPlanReport, ForgetsRulesButNotTheirCounts)
     EXPECT_EQ(1u, fault.fired());
     EXPECT_EQ("IMMDevice::GetState", fault.rule().operation);
     EXPECT_THAT(simulation.faults().unmet(), IsEmpty());
+}
+
+TEST_F(FaultPlanReport, DoesNotReviveForgottenRulesWithANewOne)
+{
+    simulation.faults().fail("IMMDevice::GetState");
+    simulation.faults().clear();
+    simulation.faults().fail("IMMDevice::GetId");
+    DWORD state = 0;
+
+    EXPECT_EQ(S_OK, speaker->GetState(&state));
+
+    EXPECT_EQ(1u, simulation.faults().faults().size());
 }
 
 TEST_F(FaultPlanReport, StartsWithTheRulesOfTheMachine)

@@ -1,5 +1,8 @@
-/// References and texts that end by themselves, for the tests of the simulated machine.
+/// References and strings that are released automatically, for the tests of the simulated machine.
 #pragma once
+
+#include "simulator/core/interfaces.h"
+#include "simulator/core/utf16.h"
 
 #include <gtest/gtest.h>
 
@@ -7,9 +10,6 @@
 #include <string>
 #include <utility>
 #include <vector>
-
-#include "simulator/core/interfaces.h"
-#include "simulator/core/text.h"
 
 namespace bench
 {
@@ -65,7 +65,7 @@ private:
     I* m_object = nullptr;
 };
 
-/// The text, whose task memory is freed.
+/// The string; its task memory is freed.
 inline std::string taken(LPWSTR text)
 {
     const std::string result = text == nullptr ? "null" : sim::utf8(text);
@@ -73,7 +73,7 @@ inline std::string taken(LPWSTR text)
     return result;
 }
 
-/// The text that a getter such as IMMDevice::GetId stores.
+/// The string that a getter such as IMMDevice::GetId stores.
 template<class Object, class Getter>
 std::string textOf(const Object& object, Getter getter)
 {

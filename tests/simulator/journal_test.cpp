@@ -100,6 +100,28 @@ TEST_F(JournalRecord, ShowsTheEnumeratorsCallsAndItsCollections)
                             "0x00000000"));
 }
 
+TEST_F(JournalRecord, ShowsFlowsAndRolesThatDoNotExistAsNumbers)
+{
+    const Held<IMMDeviceEnumerator> enumerator(simulation.enumerator());
+    Held<IMMDeviceCollection> collection;
+    Held<IMMDevice> found;
+    enumerator->EnumAudioEndpoints(eAll, 1, collection.put());
+    enumerator->EnumAudioEndpoints(EDataFlow_enum_count, 1, collection.put());
+    enumerator->GetDefaultAudioEndpoint(eRender, ERole_enum_count, found.put());
+
+    EXPECT_THAT(entries().calls(), ElementsAre("IMMDeviceEnumerator::EnumAudioEndpoints(eAll, 1)",
+                                               "IMMDeviceEnumerator::EnumAudioEndpoints(3, 1)",
+                                               "IMMDeviceEnumerator::GetDefaultAudioEndpoint(eRender, 3)"));
+}
+
+TEST_F(JournalRecord, ShowsAnUnknownInterfaceAsItsIdentifier)
+{
+    void* object = nullptr;
+    speaker->Activate(GUID{1, 2, 3, {4, 5, 6, 7, 8, 9, 10, 11}}, CLSCTX_ALL, nullptr, &object);
+
+    EXPECT_THAT(entries().calls(), ElementsAre("IMMDevice::Activate({00000001-0002-0003-0405-060708090A0B}, 23)"));
+}
+
 TEST_F(JournalRecord, SaysOnWhichThreadACallWasMade)
 {
     std::thread::id other;
@@ -144,6 +166,9 @@ TEST_F(JournalNarrow, PicksByOperationObjectArgumentAndOutcome)
     EXPECT_EQ(2u, entries().of("IMMDevice::GetState").size());
     EXPECT_EQ(4u, entries().of("IMMDevice::*").size());
     EXPECT_EQ(2u, entries().without("IMMDevice::Act*").size());
+    EXPECT_EQ(2u, entries().of("IMMDevice::Ge*").size());
+    EXPECT_EQ(0u, entries().of("IMMDevice::GetI*").size());
+    EXPECT_EQ(4u, entries().of("*").size());
     EXPECT_EQ(1u, entries().on(earphoneId).size());
     EXPECT_THAT(entries().with("IBaseFilter").operations(), ElementsAre("IMMDevice::Activate"));
     EXPECT_EQ(2u, entries().failed().size());
@@ -205,6 +230,35 @@ TEST_F(JournalSwitch, ForgetsWhatIsClearedAndACallThatIsUnderWay)
     speaker->GetState(&state);
 
     EXPECT_EQ(1u, entries().size());
+}
+
+TEST_F(JournalSwitch, KeepsLaterEntriesAsTheyAreWhenACallEndsThatBeganBeforeItWasCleared)
+{
+    simulation.deliverAtOnce(true);
+    struct Clearing : bench::VolumeListener
+    {
+        HRESULT STDMETHODCALLTYPE OnNotify(AUDIO_VOLUME_NOTIFICATION_DATA*) override
+        {
+            journal->clear();
+            DWORD state = 0;
+            device->GetState(&state);
+            device->GetState(&state);
+            return E_ABORT;
+        }
+        sim::Journal* journal = nullptr;
+        IMMDevice* device = nullptr;
+    } clearing;
+    clearing.journal = &simulation.journal();
+    clearing.device = speaker.get();
+    const Held<IAudioEndpointVolume> control = volume(speakerId);
+    ASSERT_EQ(S_OK, control->RegisterControlChangeNotify(&clearing));
+    simulation.journal().clear();
+
+    EXPECT_EQ(S_OK, control->SetMute(TRUE, nullptr));
+
+    const std::string line = "IMMDevice::GetState() on " + speakerId + " -> 0x00000000";
+    EXPECT_THAT(entries().lines(), ElementsAre(line, line));
+    EXPECT_EQ(S_OK, control->UnregisterControlChangeNotify(&clearing));
 }
 
 TEST_F(JournalSwitch, PrintsALineForEachCall)

@@ -1,5 +1,7 @@
-/// Clients that write down what they hear, for the tests of the simulated machine.
+/// Clients that record their calls, for the tests of the simulated machine.
 #pragma once
+
+#include "simulator/core/utf16.h"
 
 #include <atomic>
 #include <cstddef>
@@ -9,11 +11,9 @@
 #include <thread>
 #include <vector>
 
-#include "simulator/core/text.h"
-
 namespace bench
 {
-/// What COM objects of tests have in common: a count, and an end when it is 0.
+/// Base of the clients: counts its references and records its calls.
 template<class I>
 class Listener : public I
 {
@@ -26,10 +26,10 @@ public:
 
     ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
 
-    /// Lives on the stack of its test, which looks at the count.
+    /// The object lives on the stack of its test, which reads the count.
     ULONG STDMETHODCALLTYPE Release() override { return --references; }
 
-    /// What was heard, in order.
+    /// The calls, in order.
     std::vector<std::string> heard() const
     {
         const std::lock_guard<std::mutex> lock(m_mutex);

@@ -1,5 +1,7 @@
 #include "tests/simulator/bench.h"
 
+#include <limits>
+
 namespace
 {
 using bench::Held;
@@ -85,6 +87,42 @@ TEST_F(SimulatedVolumeLevel, BringsALevelBeyondTheRangeToItsEnd)
     EXPECT_EQ(-96.0f, levelOf(1));
 }
 
+TEST_F(SimulatedVolumeLevel, RefusesALevelThatIsNoNumber)
+{
+    const float nothing = std::numeric_limits<float>::quiet_NaN();
+    float levels[] = {-1.0f, nothing};
+
+    EXPECT_EQ(E_INVALIDARG, volume->SetLevel(0, nothing, nullptr));
+    EXPECT_EQ(E_INVALIDARG, volume->SetLevelUniform(nothing, nullptr));
+    EXPECT_EQ(E_INVALIDARG, volume->SetLevelAllChannels(levels, 2, nullptr));
+
+    EXPECT_EQ(-30.0f, levelOf(0));
+    EXPECT_EQ(-30.0f, levelOf(1));
+}
+
+TEST_F(SimulatedVolumeLevel, StaysWhereItIsWhenTheRangeHasOneLevelOnly)
+{
+    simulation.change(
+        [&](sim::Machine& machine)
+        {
+            for (sim::ChannelLevel& channel : machine.part(volumeId)->volume->channels)
+                channel = {-12.0f, -12.0f, 0.0f, -12.0f};
+        });
+    float minimum = 0.0f;
+    float maximum = 0.0f;
+    float step = 1.0f;
+
+    EXPECT_EQ(S_OK, volume->SetLevel(0, -96.0f, nullptr));
+    EXPECT_EQ(S_OK, volume->SetLevel(1, 0.0f, nullptr));
+
+    EXPECT_EQ(-12.0f, levelOf(0));
+    EXPECT_EQ(-12.0f, levelOf(1));
+    EXPECT_EQ(S_OK, volume->GetLevelRange(0, &minimum, &maximum, &step));
+    EXPECT_EQ(-12.0f, minimum);
+    EXPECT_EQ(-12.0f, maximum);
+    EXPECT_EQ(0.0f, step);
+}
+
 TEST_F(SimulatedVolumeLevel, IsOneStateBehindAllItsObjects)
 {
     const Held<IAudioVolumeLevel> other(simulation.volumeLevel(volumeId));
@@ -167,6 +205,55 @@ TEST_F(SimulatedControlCallback, HearsLevelsAndSelections)
     EXPECT_EQ(2, simulation.census().clients.at("IControlChangeNotify"));
     EXPECT_EQ(S_OK, part(volumeId)->UnregisterControlChangeCallback(&levels));
     EXPECT_EQ(S_OK, part(selectorId)->UnregisterControlChangeCallback(&selections));
+}
+
+TEST_F(SimulatedControlCallback, HearsEverySetterThatChangesSomething)
+{
+    simulation.deliverAtOnce(true);
+    bench::ControlListener levels;
+    bench::ControlListener selections;
+    ASSERT_EQ(S_OK, part(volumeId)->RegisterControlChangeCallback(idOf<IAudioVolumeLevel>(), &levels));
+    ASSERT_EQ(S_OK, part(selectorId)->RegisterControlChangeCallback(idOf<IAudioInputSelector>(), &selections));
+    float both[] = {-1.0f, -2.0f};
+    float three[] = {-1.0f, -2.0f, -3.0f};
+    const UINT lineIn = simulation.machine().part(lineInJack)->localId;
+
+    EXPECT_EQ(S_OK, volume->SetLevelUniform(-6.0f, nullptr));
+    EXPECT_EQ(S_OK, volume->SetLevelUniform(-6.0f, &context)); // no change
+    EXPECT_EQ(S_OK, volume->SetLevelAllChannels(both, 2, &context));
+    EXPECT_EQ(S_OK, volume->SetLevelAllChannels(both, 2, nullptr)); // no change
+    EXPECT_EQ(E_INVALIDARG, volume->SetLevelAllChannels(three, 3, nullptr));
+    EXPECT_EQ(S_OK, selector->SetSelection(lineIn, nullptr));
+    EXPECT_EQ(S_OK, selector->SetSelection(lineIn, &context)); // no change
+    EXPECT_EQ(E_INVALIDARG, selector->SetSelection(0x7777, &context));
+
+    EXPECT_THAT(levels.heard(), ElementsAre("null", "77"));
+    EXPECT_THAT(selections.heard(), ElementsAre("null"));
+    EXPECT_EQ(S_OK, part(volumeId)->UnregisterControlChangeCallback(&levels));
+    EXPECT_EQ(S_OK, part(selectorId)->UnregisterControlChangeCallback(&selections));
+}
+
+TEST_F(SimulatedControlCallback, HearsOnlyTheControlThatItIsRegisteredFor)
+{
+    simulation.deliverAtOnce(true);
+    simulation.change([&](sim::Machine& machine) { machine.part(volumeId)->mute = sim::MuteControl(); });
+    bench::ControlListener levels;
+    bench::ControlListener mutes;
+    const Held<IPart> node = part(volumeId);
+    const Held<IAudioMute> itsMute(simulation.mute(volumeId));
+    ASSERT_EQ(S_OK, node->RegisterControlChangeCallback(idOf<IAudioVolumeLevel>(), &levels));
+    ASSERT_EQ(S_OK, node->RegisterControlChangeCallback(idOf<IAudioMute>(), &mutes));
+
+    EXPECT_EQ(S_OK, volume->SetLevel(0, -1.0f, nullptr));
+    EXPECT_EQ(S_OK, itsMute->SetMute(TRUE, &context));
+
+    EXPECT_THAT(levels.heard(), ElementsAre("null"));
+    EXPECT_THAT(mutes.heard(), ElementsAre("77"));
+    EXPECT_EQ(S_OK, node->UnregisterControlChangeCallback(&mutes));
+    EXPECT_EQ(E_NOTFOUND, node->UnregisterControlChangeCallback(&mutes));
+    EXPECT_EQ(S_OK, node->UnregisterControlChangeCallback(&levels));
+    EXPECT_EQ(1u, levels.references);
+    EXPECT_EQ(1u, mutes.references);
 }
 
 TEST_F(SimulatedControlCallback, IsRefusedForAControlThatThePartHasNot)

@@ -47,6 +47,19 @@ protected:
         return store;
     }
 
+    void set(const PROPERTYKEY& key, const sim::PropertyValue& value)
+    {
+        simulation.change([&](sim::Machine& machine)
+                          { sim::setProperty(machine.endpoint(speakerId)->properties, key, value); });
+    }
+
+    std::string textOf(const PROPERTYKEY& key)
+    {
+        Variant value;
+        EXPECT_EQ(S_OK, opened(STGM_READ)->GetValue(key, &value));
+        return value->vt == VT_LPWSTR ? sim::utf8(value->pwszVal) : "no text";
+    }
+
     std::vector<BYTE> formatOf(const Held<IPropertyStore>& store)
     {
         Variant value;
@@ -101,6 +114,66 @@ TEST_F(SimulatedPropertyStoreRead, GivesATextThatTheMachineHasNotAsANullPointer)
 
     EXPECT_EQ(VT_LPWSTR, value->vt);
     EXPECT_EQ(nullptr, value->pwszVal);
+}
+
+TEST_F(SimulatedPropertyStoreRead, GivesEveryNumberInTheMemberOfItsTag)
+{
+    const auto stored = [&](std::uint32_t number, VARTYPE tag)
+    {
+        set(foreignKey, sim::PropertyValue::ofNumber(number, tag));
+        PROPVARIANT value;
+        EXPECT_EQ(S_OK, opened(STGM_READ)->GetValue(foreignKey, &value));
+        EXPECT_EQ(tag, value.vt);
+        return value;
+    };
+
+    EXPECT_EQ(-1, stored(0xFFFF, VT_BOOL).boolVal); // VARIANT_TRUE
+    EXPECT_EQ(0, stored(0, VT_BOOL).boolVal);
+    EXPECT_EQ(-2, stored(0xFFFE, VT_I2).iVal);
+    EXPECT_EQ(0xFFFE, stored(0xFFFE, VT_UI2).uiVal);
+    EXPECT_EQ(-2, static_cast<signed char>(stored(0xFE, VT_I1).cVal));
+    EXPECT_EQ(0xFE, stored(0xFE, VT_UI1).bVal);
+    EXPECT_EQ(-2, stored(0xFFFFFFFE, VT_I4).lVal);
+    EXPECT_EQ(0xFFFFFFFEu, stored(0xFFFFFFFE, VT_UI4).ulVal);
+    EXPECT_EQ(-2, stored(0xFFFFFFFE, VT_INT).intVal);
+    EXPECT_EQ(0xFFFFFFFEu, stored(0xFFFFFFFE, VT_UINT).uintVal);
+}
+
+TEST_F(SimulatedPropertyStoreRead, GivesAnEmptyBlobWithoutMemory)
+{
+    set(keys::deviceFormat, sim::PropertyValue::ofBytes({}));
+    const Held<IPropertyStore> store = opened(STGM_READ);
+    PROPVARIANT value;
+    value.vt = VT_EMPTY;
+    value.blob.cbSize = 99;
+    value.blob.pBlobData = poison<BYTE>();
+
+    EXPECT_EQ(S_OK, store->GetValue(keys::deviceFormat, &value));
+
+    EXPECT_EQ(VT_BLOB, value.vt);
+    EXPECT_EQ(0u, value.blob.cbSize);
+    EXPECT_EQ(nullptr, value.blob.pBlobData);
+    EXPECT_EQ(0, simulation.census().taskBlocks());
+    EXPECT_EQ(S_OK, PropVariantClear(&value));
+}
+
+TEST_F(SimulatedPropertyStoreRead, GivesTheFullNameThatTheDescriptionAndTheCardMakeUp)
+{
+    set(keys::deviceDescription, sim::PropertyValue::ofText("Jack"));
+    set(keys::friendlyName, sim::PropertyValue::ofText("Card"));
+    EXPECT_EQ("Jack (Card)", textOf(keys::fullName));
+
+    set(keys::fullName, sim::PropertyValue::ofText("Given"));
+    EXPECT_EQ("Given", textOf(keys::fullName));
+}
+
+TEST_F(SimulatedPropertyStoreRead, MakesUpTheFullNameEvenIfItsPartsAreMissingOrMistyped)
+{
+    set(keys::deviceDescription, sim::PropertyValue::ofNumber(7));
+    simulation.change([&](sim::Machine& machine)
+                      { sim::removeProperty(machine.endpoint(speakerId)->properties, keys::friendlyName); });
+
+    EXPECT_EQ(" ()", textOf(keys::fullName));
 }
 
 TEST_F(SimulatedPropertyStoreRead, ListsItsKeysInTheMachinesOrder)
@@ -181,6 +254,73 @@ TEST_F(SimulatedPropertyStoreWrite, TakesAPropertyAwayThatIsSetToEmpty)
     ASSERT_EQ(S_OK, store->Commit());
 
     EXPECT_EQ(nullptr, sim::findProperty(simulation.machine().endpoint(speakerId)->properties, keys::deviceFormat));
+}
+
+TEST_F(SimulatedPropertyStoreWrite, TakesEveryNumberFromTheMemberOfItsTag)
+{
+    const Held<IPropertyStore> store = opened(STGM_READWRITE);
+    const auto taken = [&](VARTYPE tag, ULONG bits)
+    {
+        PROPVARIANT value;
+        PropVariantInit(&value);
+        value.vt = tag;
+        value.ulVal = bits;
+        EXPECT_EQ(S_OK, store->SetValue(foreignKey, value));
+        EXPECT_EQ(S_OK, store->Commit());
+        const sim::Properties properties = simulation.machine().endpoint(speakerId)->properties;
+        const sim::PropertyValue* const stored = sim::findProperty(properties, foreignKey);
+        EXPECT_NE(nullptr, stored);
+        EXPECT_EQ(tag, stored->tag);
+        return stored->number;
+    };
+
+    for (const VARTYPE tag : {VT_I1, VT_UI1})
+        EXPECT_EQ(0xF4u, taken(tag, 0xF1F2F3F4)) << tag;
+    for (const VARTYPE tag : {VT_I2, VT_UI2, VT_BOOL})
+        EXPECT_EQ(0xF3F4u, taken(tag, 0xF1F2F3F4)) << tag;
+    for (const VARTYPE tag : {VT_I4, VT_UI4, VT_INT, VT_UINT})
+        EXPECT_EQ(0xF1F2F3F4u, taken(tag, 0xF1F2F3F4)) << tag;
+}
+
+TEST_F(SimulatedPropertyStoreWrite, TakesAnEmptyBlobAndANullText)
+{
+    const Held<IPropertyStore> store = opened(STGM_READWRITE);
+    std::vector<BYTE> nothing;
+    PROPVARIANT blob = blobOf(nothing);
+    blob.blob.pBlobData = nullptr;
+    blob.blob.cbSize = 5; // a size without bytes
+    PROPVARIANT text;
+    PropVariantInit(&text);
+    text.vt = VT_LPWSTR;
+
+    EXPECT_EQ(S_OK, store->SetValue(keys::deviceFormat, blob));
+    EXPECT_EQ(S_OK, store->SetValue(keys::friendlyName, text));
+    EXPECT_EQ(S_OK, store->Commit());
+
+    const sim::Properties properties = simulation.machine().endpoint(speakerId)->properties;
+    EXPECT_EQ(sim::PropertyValue::ofBytes({}), *sim::findProperty(properties, keys::deviceFormat));
+    EXPECT_EQ(sim::PropertyValue::ofText(std::nullopt), *sim::findProperty(properties, keys::friendlyName));
+}
+
+TEST_F(SimulatedPropertyStoreWrite, ShowsItsOwnPendingValuesInOrder)
+{
+    const Held<IPropertyStore> store = opened(STGM_WRITE);
+    std::vector<BYTE> bytes = {1, 2, 3};
+    Variant empty;
+    DWORD before = 0;
+    DWORD count = 0;
+    PROPERTYKEY last = {};
+    EXPECT_EQ(S_OK, store->GetCount(&before));
+
+    EXPECT_EQ(S_OK, store->SetValue(foreignKey, blobOf(bytes)));
+    EXPECT_EQ(S_OK, store->GetCount(&count));
+    EXPECT_EQ(before + 1, count);
+    EXPECT_EQ(S_OK, store->GetAt(before, &last));
+    EXPECT_TRUE(sim::sameKey(foreignKey, last));
+    EXPECT_EQ(S_OK, store->SetValue(foreignKey, *&empty));
+    EXPECT_EQ(S_OK, store->GetCount(&count));
+
+    EXPECT_EQ(before, count);
 }
 
 TEST_F(SimulatedPropertyStoreWrite, TakesTextsAndNumbersButNotEveryTag)

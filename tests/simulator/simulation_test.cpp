@@ -157,7 +157,7 @@ TEST_F(SimulationThreads, MayUseTheMachineWhileItNotifies)
     first.join();
     second.join();
     third.join();
-    simulation.events().settle();
+    simulation.events().waitForClients();
 
     EXPECT_EQ(static_cast<std::size_t>(rounds), client.heard().size());
     EXPECT_FALSE(listener.heard().empty());
@@ -175,7 +175,7 @@ TEST_F(SimulationThreads, MaySignOnAndOffWhileTheMachineNotifies)
             while (!isDone)
             {
                 simulation.events().plug(lineInId);
-                simulation.events().settle();
+                simulation.events().waitForClients();
             }
         });
 

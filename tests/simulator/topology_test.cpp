@@ -66,6 +66,8 @@ TEST_F(SimulatedTopologyParts, FindsPartsByTheirLocalId)
     Held<IPart> found;
     EXPECT_EQ(S_OK, codec->GetPartById(localId, found.put()));
     EXPECT_EQ(selectorId, textOf(found, &IPart::GetGlobalId));
+    EXPECT_EQ(S_OK, codec->GetPartById(simulation.machine().part(lineInJack)->localId, found.put()));
+    EXPECT_EQ(lineInJack, textOf(found, &IPart::GetGlobalId));
 
     auto* unknown = poison<IPart>();
     EXPECT_EQ(E_NOTFOUND, codec->GetPartById(0x7777, &unknown));
@@ -120,7 +122,31 @@ TEST_F(SimulatedTopologyPath, IsRefusedWhereItIsMixedAndTheCallerSaysSo)
     EXPECT_EQ(S_OK, codec->GetSignalPath(part(speakerStream).get(), part(speakerJack).get(), FALSE, path.put()));
 }
 
-TEST_F(SimulatedTopologyPath, RefusesNullPartsAndPartsOfSomebodyElse)
+TEST_F(SimulatedTopologyPath, IsNotFoundAfterTheMachineHasLostIt)
+{
+    simulation.change([&](sim::Machine& machine) { machine.adapter(codecId)->topology->signalPaths.clear(); });
+
+    auto* path = poison<IPartsList>();
+    EXPECT_EQ(E_NOTFOUND, codec->GetSignalPath(part(speakerStream).get(), part(speakerJack).get(), TRUE, &path));
+    EXPECT_EQ(nullptr, path);
+}
+
+TEST_F(SimulatedTopologyPath, IsNotFoundToAPartOfAnotherDevice)
+{
+    simulation.change(
+        [&](sim::Machine& machine) {
+            machine.adapter(codecId)->topology->signalPaths = {{speakerStream, speakerConnector, {}, false}};
+        });
+
+    auto* path = poison<IPartsList>();
+    EXPECT_EQ(E_NOTFOUND, codec->GetSignalPath(part(speakerStream).get(), part(speakerConnector).get(), FALSE, &path));
+    EXPECT_EQ(nullptr, path);
+    const Held<IDeviceTopology> speaker = topology(speakerId);
+    EXPECT_EQ(E_NOTFOUND,
+              speaker->GetSignalPath(part(speakerStream).get(), part(speakerConnector).get(), FALSE, &path));
+}
+
+TEST_F(SimulatedTopologyPath, RefusesNullPartsAndPartsOfOtherProviders)
 {
     const Held<IPart> jack = part(speakerJack);
     auto* path = poison<IPartsList>();
@@ -129,8 +155,10 @@ TEST_F(SimulatedTopologyPath, RefusesNullPartsAndPartsOfSomebodyElse)
     EXPECT_EQ(nullptr, path);
     EXPECT_EQ(E_POINTER, codec->GetSignalPath(jack.get(), nullptr, TRUE, &path));
     EXPECT_EQ(E_POINTER, codec->GetSignalPath(jack.get(), jack.get(), TRUE, nullptr));
-    bench::ClientListener somebody; // answers no question for an interface, which is all that is asked of it
-    EXPECT_EQ(E_NOINTERFACE, codec->GetSignalPath(reinterpret_cast<IPart*>(&somebody), jack.get(), TRUE, &path));
+    bench::ClientListener foreign; // GetSignalPath calls nothing but QueryInterface, which this object refuses
+    EXPECT_EQ(E_NOINTERFACE, codec->GetSignalPath(reinterpret_cast<IPart*>(&foreign), jack.get(), TRUE, &path));
+    EXPECT_EQ(E_NOINTERFACE, codec->GetSignalPath(jack.get(), reinterpret_cast<IPart*>(&foreign), TRUE, &path));
+    EXPECT_EQ(nullptr, path);
 }
 
 TEST_F(SimulatedTopologyPath, GivesAListThatRefusesAnIndexPastItsEnd)

@@ -14,7 +14,7 @@ void LibraryTest::TearDown()
     endModule();
     if (m_simulation != nullptr)
     {
-        m_simulation->events().settle();
+        m_simulation->events().waitForClients();
         const sim::Census left = m_simulation->census();
         EXPECT_EQ(kept.partsLists, left.references("IPartsList")) << left;
         EXPECT_EQ(kept.partsLists, left.references()) << left;

@@ -16,7 +16,7 @@ int cutPrefix(std::string& text)
     text.erase(0, digits + 1);
     return line;
 }
-} // namespace
+}
 
 LogCapture::LogCapture(qor::LOGGER_PRIORITY minimum) : m_oldMinimum(qor::LogFactory::getPriority())
 {
@@ -104,4 +104,4 @@ std::vector<std::string> LogCapture::textsOf(qor::LogRecord::Kind kind, std::str
     }
     return found;
 }
-} // namespace support
+}

@@ -61,4 +61,4 @@ private:
     mutable std::mutex m_mutex;
     std::vector<Record> m_records;
 };
-} // namespace support
+}

@@ -11,4 +11,4 @@ inline void PrintTo(const String& text, std::ostream* out)
 {
     *out << '"' << text.toUtf8() << '"';
 }
-} // namespace qor
+}

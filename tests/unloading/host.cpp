@@ -104,7 +104,7 @@ private:
         for (unsigned i = 0;; ++i)
         {
             m_simulation->events().setState(endpoint, i % 2 == 0 ? sim::stateUnplugged : sim::stateActive);
-            m_simulation->events().settle();
+            m_simulation->events().waitForClients();
         }
     }
 

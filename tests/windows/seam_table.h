@@ -91,6 +91,22 @@ std::string signatureOf(Result (*)(Arguments...))
     return callText<Result, Arguments...>();
 }
 
+#if defined(_WIN32) && !defined(_WIN64)
+// On 32-bit Windows the SDK's operations and functions have a calling convention that is part of their types. The
+// portable declarations have none, so it is no fact to compare.
+template<class Result, class Class, class... Arguments>
+std::string signatureOf(Result (__stdcall Class::*)(Arguments...))
+{
+    return callText<Result, Arguments...>();
+}
+
+template<class Result, class... Arguments>
+std::string signatureOf(Result(__stdcall*)(Arguments...))
+{
+    return callText<Result, Arguments...>();
+}
+#endif
+
 inline std::string bytesOf(const void* data, std::size_t size)
 {
     const auto* const bytes = static_cast<const unsigned char*>(data);

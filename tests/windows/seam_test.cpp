@@ -6,6 +6,15 @@
 
 #include <gtest/gtest.h>
 
+// What depends on the size of a pointer, for builds whose programs cannot be run. The portable headers assert the same.
+static_assert(sizeof(PROPVARIANT) == 8 + 2 * sizeof(void*), "16 bytes on 32-bit Windows, 24 on 64-bit Windows");
+static_assert(offsetof(PROPVARIANT, ulVal) == 8, "the value follows four words");
+static_assert(sizeof(BLOB) == 2 * sizeof(void*) && offsetof(BLOB, pBlobData) == sizeof(void*), "a size and a pointer");
+static_assert(sizeof(FILTER_INFO) == 256 + sizeof(void*), "128 units and a pointer");
+static_assert(sizeof(DWORD_PTR) == sizeof(void*) && sizeof(LPARAM) == sizeof(void*), "integers of a pointer's size");
+static_assert(sizeof(PROPERTYKEY) == 20 && sizeof(AUDIO_VOLUME_NOTIFICATION_DATA) == 32, "the same everywhere");
+static_assert(sizeof(WAVEFORMATEX) == 18 && sizeof(WAVEFORMATEXTENSIBLE) == 40, "packed");
+
 seam::Table seam::sdkTable()
 {
     Table table;

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
 #include <windows.h>
 
 #include <algorithm>
@@ -87,7 +86,7 @@ protected:
 };
 }
 
-TEST_F(Unloading, OfTheProcessEndsTheSharedEnumeratorInOrder)
+TEST_F(Unloading, AtTheEndOfTheProcessDestroysTheSharedEnumeratorInOrder)
 {
     for (const char* const end : {"drop", "keep"})
     {
@@ -128,7 +127,7 @@ TEST_F(Unloading, OnAnotherThreadUninitialisesComThere)
     EXPECT_THAT(outcome.lines, ElementsAre("used", takesOff, takesOff, takesOff, letsGo, "freed", "ends"));
 }
 
-TEST_F(Unloading, OfALibraryThatNobodyUsedAsksNothingOfThePlatform)
+TEST_F(Unloading, OfAnUnusedLibraryCallsNoPlatformFunction)
 {
     for (const char* const machine : {"simulated", "system"})
     {

@@ -9,12 +9,24 @@ namespace sonavit
 {
 namespace
 {
-/// Text of the platform that is ours to free.
+/// Copies and frees a string of the platform.
 std::string takenText(LPWSTR text)
 {
     const std::string result = qor::String(platform::ucs2(text)).toUtf8();
     CoTaskMemFree(text);
     return result;
+}
+
+/// The platform may report success without an object.
+template<class I>
+bool isThere(const AudioComponent<I>& component)
+{
+    return component.component().get() != nullptr && component.part().part().get() != nullptr;
+}
+
+bool isThere(const AudioPart& part)
+{
+    return part.part().get() != nullptr;
 }
 
 std::string localId(const AudioPart& part)
@@ -29,7 +41,7 @@ std::string localId(const AudioPart& part)
 std::optional<DataFlow> directionOf(const AudioComponent<IConnector>& connector)
 {
     DataFlow direction = In;
-    if (FAILED(connector.component()->GetDataFlow(&direction)))
+    if (!isThere(connector) || FAILED(connector.component()->GetDataFlow(&direction)))
         return std::nullopt;
     return direction;
 }
@@ -42,7 +54,7 @@ CardGraph::CardGraph(const std::vector<Card>& cards)
         for (const Endpoint& endpoint : card.endpoints)
             addEndpoint(endpoint);
     }
-    // Both lists grow while they are walked.
+    // Both lists grow during the walk.
     for (std::size_t device = 0; device < m_devices.size(); ++device)
     {
         const std::vector<std::size_t> parts = m_devices[device].parts;
@@ -81,7 +93,8 @@ void CardGraph::addEndpoint(const Endpoint& endpoint)
 void CardGraph::addDevice(const AudioDevice& device, Device description)
 {
     const std::size_t index = m_devices.size();
-    if (!m_deviceIndexes.emplace(lowerCase(description.id), index).second)
+    const std::string key = description.id.empty() ? "#" + std::to_string(index) : lowerCase(description.id);
+    if (!m_deviceIndexes.emplace(key, index).second)
         return;
     m_devices.push_back(std::move(description));
     AudioDeviceTopology topology;
@@ -89,13 +102,19 @@ void CardGraph::addDevice(const AudioDevice& device, Device description)
     m_topologies.push_back(topology);
     const qor::Array<AudioComponent<IConnector>> connectors = topology.connector();
     for (unsigned i = 0; i < connectors.size(); ++i)
-        addConnector(connectors[i], index);
+    {
+        if (isThere(connectors[i]))
+            addConnector(connectors[i], index);
+    }
     const qor::Array<AudioComponent<ISubunit>> subunits = topology.subunit();
     for (unsigned i = 0; i < subunits.size(); ++i)
-        addPart(subunits[i].part(), index);
+    {
+        if (isThere(subunits[i]))
+            addPart(subunits[i].part(), index);
+    }
 }
 
-/// Global ids tell parts apart as the library does it; a part without one is known by its number in its device.
+/// Identifies a part by its global id, as the library does, or else by its device and its number there.
 std::string CardGraph::keyOf(const AudioPart& part) const
 {
     const std::string id = part.globalId().toUtf8();
@@ -134,12 +153,12 @@ std::size_t CardGraph::addConnector(const AudioComponent<IConnector>& connector,
     return index;
 }
 
-/// Adds what is on the far side of a connector: the device, where it is new, and the join.
+/// Adds the join from a connector, and the device on its far side if it is new.
 void CardGraph::followConnector(std::size_t index)
 {
     const COMPtr<IPart>::pointer part = m_parts[index].part.part();
     const AudioComponent<IConnector> connector(part);
-    if (connector.component().get() == nullptr)
+    if (!isThere(connector))
         return;
     LPWSTR text = nullptr;
     connector.component()->GetDeviceIdConnectedTo(&text);
@@ -147,36 +166,43 @@ void CardGraph::followConnector(std::size_t index)
     IConnector* opposite = nullptr;
     connector.component()->GetConnectedTo(&opposite);
     const AudioComponent<IConnector> peer(opposite);
-    if (farId.empty() && opposite != nullptr)
+    const bool hasPeer = isThere(peer);
+    if (farId.empty() && hasPeer)
         farId = peer.deviceOwner().toUtf8();
     if (farId.empty())
         return;
     const std::size_t farDevice = deviceIndex(farId);
-    if (opposite != nullptr)
+    if (hasPeer)
         addEdge(Edge::Kind::join, index, peerIndex(peer, farDevice));
     else
         m_edges.push_back({Edge::Kind::join, index, none, farDevice});
 }
 
-/// The device called @p id, opened where the walk meets it for the first time.
+/// The device with that id, opened when the walk meets it for the first time. It keeps this id even if it cannot report
+/// one itself.
 std::size_t CardGraph::deviceIndex(const std::string& id)
 {
     const auto found = m_deviceIndexes.find(lowerCase(id));
     if (found != m_deviceIndexes.end())
         return found->second;
+    const std::size_t index = m_devices.size();
     const AudioDevice device(qor::String::fromUtf8(id));
     const std::optional<std::string> name = textOrNothing(device.deviceProperty().friendlyName);
     EDataFlow flow = eRender;
     if (device.isInitialized() && device.isEndpoint() && device.dataFlow(flow))
-        addEndpoint(readEndpoint(device, flow)); // of another card, or one that the system does not list
+    {
+        Endpoint endpoint = readEndpoint(device, flow); // of another card, or one that the system does not list
+        endpoint.id = id;
+        addEndpoint(endpoint);
+    }
     else if (device.isInitialized())
         addDevice(device, {Device::Kind::adapter, id, printable(name.value_or("Adapter")), std::nullopt, {}});
     else
         addDevice(device, {Device::Kind::closed, id, "cannot be opened", std::nullopt, {}});
-    return m_deviceIndexes.at(lowerCase(id));
+    return index;
 }
 
-/// The part on the far side of a join, also where its device does not list it.
+/// The part on the far side of a join, even if its device does not list it.
 std::size_t CardGraph::peerIndex(const AudioComponent<IConnector>& peer, std::size_t farDevice)
 {
     const std::size_t known = indexOf(peer.part());
@@ -185,14 +211,17 @@ std::size_t CardGraph::peerIndex(const AudioComponent<IConnector>& peer, std::si
 
 void CardGraph::addWires(std::size_t index)
 {
-    AudioPart part = m_parts[index].part; // asking for neighbours changes the object
+    AudioPart part = m_parts[index].part; // reading the neighbours changes the object
     const std::size_t device = m_parts[index].device;
-    if (part.part().get() == nullptr || m_devices[device].kind == Device::Kind::closed)
+    if (!isThere(part) || m_devices[device].kind == Device::Kind::closed)
         return;
     qor::Array<AudioPart> neighbours;
     const unsigned count = part.outgoingPartsList(neighbours);
     for (unsigned i = 0; i < count; ++i)
-        addEdge(Edge::Kind::wire, index, addPart(neighbours[i], device));
+    {
+        if (isThere(neighbours[i]))
+            addEdge(Edge::Kind::wire, index, addPart(neighbours[i], device));
+    }
 }
 
 void CardGraph::addPaths(std::size_t device, const AudioDeviceTopology& topology)
@@ -208,8 +237,8 @@ void CardGraph::addPaths(std::size_t device, const AudioDeviceTopology& topology
     }
 }
 
-/// Joins and paths have no direction of their own: they are drawn the way of the sound, as far as it is known, and
-/// only once, though both of their ends tell of them.
+/// Joins and paths have no direction of their own: they point the way that the sound flows, as far as it is known. Both
+/// ends report them; the second report is ignored.
 void CardGraph::addEdge(Edge::Kind kind, std::size_t from, std::size_t to)
 {
     const std::optional<DataFlow>& direction = m_parts[from].direction;
@@ -239,8 +268,8 @@ std::vector<std::size_t> CardGraph::sourcesOf(std::size_t index) const
     return sources;
 }
 
-/// Where the path of an endpoint goes on from a part: along the wires, against them for an output, and across joins,
-/// but not into another endpoint.
+/// The next parts on the path of an endpoint: along the wires (against them for an output) and across joins, but not
+/// into another endpoint.
 std::vector<std::size_t> CardGraph::nextOnPath(std::size_t index, EDataFlow flow, std::size_t start) const
 {
     std::vector<std::size_t> next;

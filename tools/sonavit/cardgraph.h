@@ -11,10 +11,11 @@
 
 namespace sonavit
 {
-/// The hardware of cards as a graph: devices, their parts, and how the sound goes between them.
+/// The hardware of cards as a graph: devices, their parts, and how the sound flows between them.
 ///
-/// It is read through the library's topology operations, beginning at the endpoints; each connector leads to the device
-/// on its far side. Devices stand in the order in which that walk meets them, as the library's own walk does.
+/// It is read with the library's topology operations, starting at the endpoints; each connector leads to the device on
+/// its far side. Devices are in the order in which that walk meets them, the order of the library's own walk. A
+/// connector, subunit or neighbour that the platform reports without an object is left out.
 class CardGraph
 {
 public:
@@ -37,11 +38,11 @@ public:
         {
             endpoint,
             adapter,
-            closed ///< named by a connector, but not to be opened
+            closed ///< named by a connector, but cannot be opened
         };
 
         Kind kind = Kind::adapter;
-        std::string id;
+        std::string id; ///< empty for a listed endpoint that does not report its id
         std::string name;
         std::optional<EDataFlow> flow; ///< of an endpoint
         std::vector<std::size_t> parts;
@@ -54,30 +55,30 @@ public:
         enum class Kind
         {
             wire, ///< from a part to the one that it feeds, within a device
-            path, ///< between two connectors of a device that a signal path joins
+            path, ///< between two connectors of a device with a signal path between them
             join  ///< between connectors of two devices
         };
 
         Kind kind;
         std::size_t from;
-        std::size_t to;                         ///< none for a join to a part that the far device does not tell
+        std::size_t to;                         ///< none for a join to a part that the far device does not report
         std::size_t toDevice = CardGraph::none; ///< of such a join
         bool isOnPath = false;
     };
 
     explicit CardGraph(const std::vector<Card>& cards);
 
-    /// Marks the way of the sound between @p endpoint and the software.
+    /// Marks the path of the sound between @p endpoint and the software.
     void showPath(const Endpoint& endpoint);
 
     const std::vector<Device>& devices() const;
     const std::vector<Part>& parts() const;
     const std::vector<Edge>& edges() const;
 
-    /// The part that is @p part; none where the graph has not got it.
+    /// The index of @p part; none if the graph does not contain it.
     std::size_t indexOf(const AudioPart& part) const;
 
-    /// The parts that feed part @p index.
+    /// The indexes of the parts that feed part @p index.
     std::vector<std::size_t> sourcesOf(std::size_t index) const;
 
 private:

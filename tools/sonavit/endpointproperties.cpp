@@ -41,6 +41,8 @@ std::optional<unsigned> readSpeakers(AudioDevice& device)
     if (platformDevice.get() == nullptr || FAILED(platformDevice->OpenPropertyStore(STGM_READ, &store)))
         return std::nullopt;
     const COMPtr<IPropertyStore>::pointer holder(store);
+    if (store == nullptr)
+        return std::nullopt;
     PROPVARIANT value{};
     const bool isThere = SUCCEEDED(store->GetValue(propertykeys::physicalSpeakers, &value)) && value.vt == VT_UI4;
     PropVariantClear(&value);

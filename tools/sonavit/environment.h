@@ -4,27 +4,32 @@
 
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <ostream>
 #include <string>
 
 namespace sonavit
 {
-/// All that a command knows of the world outside of Core Audio.
+/// What a command uses of the world outside Core Audio.
 struct Environment
 {
     std::ostream& out;
     std::ostream& err;
 
-    bool isTerminal = false; ///< whether `out` is one, so that somebody looks on
-    bool hasColours = false;
-    unsigned width = 0; ///< columns of the terminal; 0 for no limit
+    bool isTerminal = false; ///< whether `out` is a terminal, so that a person reads it
+    bool hasColours = false; ///< whether `out` shows colours
+    unsigned width = 0;      ///< columns that a line may take; 0 for no limit
 
-    /// The machine to simulate where none is named; no value for the system's own Core Audio.
+    /// The machine to simulate if the command line names none; no value for the system's own Core Audio.
     std::optional<std::string> defaultMachine = std::nullopt;
     std::function<sim::Machine(const std::string&)> findMachine = sim::findMachine;
 
-    /// Waits so long, or less where something may have happened. @return whether the user wants an end
+    /// While the result lives, a request to end (Ctrl-C, SIGTERM, the closing of a window) does not end the process:
+    /// pause() reports it instead. A command that has to put something back holds one.
+    std::function<std::shared_ptr<void>()> deferEnd = [] { return nullptr; };
+
+    /// Waits for that long, or until the end is requested. @return whether the end is requested
     std::function<bool(std::chrono::milliseconds)> pause = [](std::chrono::milliseconds) { return true; };
 };
 }

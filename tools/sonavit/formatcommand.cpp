@@ -19,8 +19,10 @@ WAVEFORMATEXTENSIBLE presentFormat(const AudioDevice& device)
 
 /// Sets the format for as long as the user wants. The last copy of the device restores the old format, so this function
 /// makes a device of its own.
-WAVEFORMATEXTENSIBLE holdFormat(Context& context, const Endpoint& endpoint)
+/// @param isInterrupted set if the end was requested in the meantime
+WAVEFORMATEXTENSIBLE holdFormat(Context& context, const Endpoint& endpoint, bool& isInterrupted)
 {
+    const std::shared_ptr<void> deferral = context.environment.deferEnd(); // outlives the device
     AudioDevice device(endpoint.device.deviceProperty().deviceId);
     if (!isKnown(device.deviceProperty().format))
         throw OperationFailure("the format of " + endpoint.shortTitle() +
@@ -34,7 +36,7 @@ WAVEFORMATEXTENSIBLE holdFormat(Context& context, const Endpoint& endpoint)
                                 << formatWords(endpoint.device.deviceProperty().format) << "\nduring  "
                                 << formatWords(during) << "\n"
                                 << std::flush;
-    context.environment.pause(context.arguments.hold);
+    isInterrupted = context.environment.pause(context.arguments.hold);
     return during;
 }
 
@@ -60,7 +62,8 @@ void runFormat(Context& context)
 
     std::ostream& out = context.environment.out;
     const WAVEFORMATEXTENSIBLE before = endpoint.device.deviceProperty().format;
-    const WAVEFORMATEXTENSIBLE during = holdFormat(context, endpoint);
+    bool isInterrupted = false;
+    const WAVEFORMATEXTENSIBLE during = holdFormat(context, endpoint, isInterrupted);
     const WAVEFORMATEXTENSIBLE after = presentFormat(endpoint.device);
     if (context.arguments.isJson)
     {
@@ -69,8 +72,10 @@ void runFormat(Context& context)
                                 .set("during", formatJson(during))
                                 .set("after", formatJson(after));
         out << answer.text() << "\n";
-        return;
     }
-    out << "after   " << formatWords(after) << "\n";
+    else
+        out << "after   " << formatWords(after) << "\n";
+    if (isInterrupted)
+        throw Interrupted();
 }
 }

@@ -34,7 +34,7 @@ Json directionJson(const std::optional<DataFlow>& direction)
     return *direction == In ? "in" : "out";
 }
 
-/// Parts are numbered through, as ids may be missing.
+/// Parts have a number each, as ids may be missing.
 Json partJson(const CardGraph::Part& part, std::size_t index)
 {
     return Json::object({{"number", index},
@@ -52,7 +52,8 @@ Json deviceJson(const CardGraph& graph, const CardGraph::Device& device)
     Json parts = Json::array();
     for (const std::size_t part : device.parts)
         parts.append(partJson(graph.parts()[part], part));
-    return Json::object({{"id", device.id}, {"name", device.name}, {"kind", kindText(device.kind)}, {"parts", parts}});
+    const Json id = device.id.empty() ? Json() : Json(device.id);
+    return Json::object({{"id", id}, {"name", device.name}, {"kind", kindText(device.kind)}, {"parts", parts}});
 }
 
 Json graphJson(const Context& context, const CardGraph& graph)
@@ -63,11 +64,11 @@ Json graphJson(const Context& context, const CardGraph& graph)
     Json edges = Json::array();
     for (const CardGraph::Edge& edge : graph.edges())
     {
-        const bool isLoose = edge.to == CardGraph::none;
+        const bool hasNoPart = edge.to == CardGraph::none;
         edges.append(Json::object({{"kind", kindText(edge.kind)},
                                    {"from", edge.from},
-                                   {"to", isLoose ? Json() : Json(edge.to)},
-                                   {"toDevice", isLoose ? Json(graph.devices()[edge.toDevice].id) : Json()},
+                                   {"to", hasNoPart ? Json() : Json(edge.to)},
+                                   {"toDevice", hasNoPart ? Json(graph.devices()[edge.toDevice].id) : Json()},
                                    {"onPath", edge.isOnPath}}));
     }
     return Json::document({{"machine", context.session.machineName()}, {"devices", devices}, {"edges", edges}});

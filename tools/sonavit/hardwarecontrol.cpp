@@ -8,7 +8,7 @@ namespace sonavit
 {
 namespace
 {
-/// Percent are computed from the range, so that without one there are none.
+/// The library computes percent from the range: without a range there is no percent.
 ControlChannel readChannel(const RegularVolumeController& policy, const VolumeControllerInterface& controller,
                            unsigned channel)
 {
@@ -61,7 +61,7 @@ HardwareControl readControl(const SoundCard::VolumeController& record)
     control.ownerName = textOrNothing(controller.ownerName());
     control.ownerType = typeOrNothing(controller.ownerType());
     UINT count = 0;
-    if (SUCCEEDED(policy.volumeLevel->GetChannelCount(&count)))
+    if (policy.volumeLevel.get() != nullptr && SUCCEEDED(policy.volumeLevel->GetChannelCount(&count)))
         control.channels = readChannels(policy, controller);
     control.hasMute = controller.hasMuteControl();
     BOOL isMuted = FALSE;

@@ -10,19 +10,19 @@
 
 namespace sonavit
 {
-/// One channel of a hardware control, as far as it could be read.
+/// One channel of a hardware control; what cannot be read has no value.
 struct ControlChannel
 {
     Level level;
     std::optional<LevelRange> range;
 };
 
-/// A volume control in the hardware that acts on an endpoint, with the mute beside it.
+/// A hardware volume control of an endpoint, with the mute next to it in the hardware.
 struct HardwareControl
 {
-    std::optional<std::string> ownerName; ///< of the connector next to it
+    std::optional<std::string> ownerName; ///< of the neighbouring connector
     std::optional<GUID> ownerType;
-    std::optional<std::vector<ControlChannel>> channels; ///< no value where their number is not to be had
+    std::optional<std::vector<ControlChannel>> channels; ///< no value if their number cannot be read
     bool hasMute = false;
     std::optional<bool> isMuted;
 };

@@ -39,9 +39,6 @@ std::string written(const Value& value, int indent)
 
 Json::Json() : m_value(std::make_unique<Value>()) {}
 Json::Json(bool value) : m_value(std::make_unique<Value>(value)) {}
-Json::Json(int value) : m_value(std::make_unique<Value>(value)) {}
-Json::Json(unsigned value) : m_value(std::make_unique<Value>(value)) {}
-Json::Json(std::size_t value) : m_value(std::make_unique<Value>(value)) {}
 Json::Json(double value) : m_value(std::make_unique<Value>(value)) {}
 Json::Json(float value) : m_value(std::make_unique<Value>(shortestDecimal(value))) {}
 Json::Json(const char* value) : m_value(std::make_unique<Value>(value)) {}
@@ -92,6 +89,20 @@ Json& Json::append(const Json& value)
 {
     m_value->push_back(*value.m_value);
     return *this;
+}
+
+Json Json::integer(std::int64_t value)
+{
+    Json result;
+    *result.m_value = value;
+    return result;
+}
+
+Json Json::integer(std::uint64_t value)
+{
+    Json result;
+    *result.m_value = value;
+    return result;
 }
 
 std::string Json::text() const

@@ -2,10 +2,12 @@
 
 #include <nlohmann/json_fwd.hpp>
 
+#include <cstdint>
 #include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
+#include <type_traits>
 
 namespace sonavit
 {
@@ -19,9 +21,10 @@ public:
     // Implicit on purpose: each of these types is written as a value of a member.
     // NOLINTBEGIN(google-explicit-constructor)
     Json(bool value);
-    Json(int value);
-    Json(unsigned value);
-    Json(std::size_t value);
+    template<class Integer, class = std::enable_if_t<std::is_integral_v<Integer>>>
+    Json(Integer value) : Json(integer(static_cast<WidestLike<Integer>>(value)))
+    {
+    }
     Json(double value);
     Json(float value); ///< as the shortest decimal that reads back as @p value; null where it is not a number
     Json(const char* value);
@@ -54,6 +57,13 @@ public:
     std::string line() const;
 
 private:
+    // Which of the standard's integer types are the same type depends on the platform, so there is one form for all.
+    template<class Integer>
+    using WidestLike = std::conditional_t<std::is_signed_v<Integer>, std::int64_t, std::uint64_t>;
+
+    static Json integer(std::int64_t value);
+    static Json integer(std::uint64_t value);
+
     std::unique_ptr<nlohmann::ordered_json> m_value;
 };
 

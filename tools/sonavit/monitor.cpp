@@ -1,6 +1,7 @@
 #include "tools/sonavit/monitor.h"
 
 #include "libSonavit/volumechangenotification.h"
+#include "tools/sonavit/failure.h"
 #include "tools/sonavit/monitorlisteners.h"
 #include "tools/sonavit/text.h"
 
@@ -26,7 +27,8 @@ const Known* find(const std::vector<Known>& endpoints, const std::string& id)
 }
 }
 
-/// The volume of one endpoint: a device of our own, whose controller nobody else holds, and an interface to read from.
+/// The volume of one endpoint: a device of its own, so that nothing else holds the registration of its controller, and
+/// an interface to read from.
 struct Monitor::Watch
 {
     EventSubject subject;
@@ -39,6 +41,8 @@ Monitor::Monitor(const Environment& environment, bool isJson, std::optional<std:
                  const std::vector<Card>& cards)
     : m_writer(environment, isJson, std::move(machine))
 {
+    if (!m_enumerator.isInitialized())
+        throw OperationFailure("Core Audio cannot be reached");
     for (const Card& card : cards)
     {
         KnownCard known{card.card.deviceId(), card.name, true, {}};
@@ -67,14 +71,16 @@ void Monitor::start(std::vector<Card>& cards)
         cards[i].card.registerPlaybackObserver(BorrowedPointer<SoundCardObserver>(&playback));
         cards[i].card.registerRecordObserver(BorrowedPointer<SoundCardObserver>(&record));
     }
-    m_systemListener = &makeSystemListener(weak_from_this());
-    m_enumerator.enumerator()->RegisterEndpointNotificationCallback(m_systemListener);
+    IMMNotificationClient& listener = makeSystemListener(weak_from_this());
+    if (FAILED(m_enumerator.enumerator()->RegisterEndpointNotificationCallback(&listener)))
+        throw OperationFailure("the system does not report changes of its endpoints");
+    m_systemListener = &listener;
 }
 
-/// Registers with the volume of @p device, where it has one, in place of an earlier registration.
+/// Registers with the volume of @p device, if it has one; an earlier registration ends.
 void Monitor::watch(const AudioDevice& device, const EventSubject& subject)
 {
-    const std::unique_ptr<Watch> before = retired(subject.endpointId);
+    const std::unique_ptr<Watch> before = takeWatch(subject.endpointId);
     AudioDevice own = device;
     std::optional<EndpointVolume> volume = EndpointVolume::open(own);
     if (!volume)
@@ -92,8 +98,8 @@ void Monitor::watch(const AudioDevice& device, const EventSubject& subject)
     own.volumeControl()->registerVolumeChangeNotification(notification);
 }
 
-/// The watch of that endpoint, taken out; its end unregisters.
-std::unique_ptr<Monitor::Watch> Monitor::retired(const std::string& endpointId)
+/// Removes and returns the watch of that endpoint; its destructor unregisters.
+std::unique_ptr<Monitor::Watch> Monitor::takeWatch(const std::string& endpointId)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     for (std::unique_ptr<Watch>& watch : m_watches)
@@ -104,39 +110,45 @@ std::unique_ptr<Monitor::Watch> Monitor::retired(const std::string& endpointId)
     return nullptr;
 }
 
-void Monitor::lookAfterNewcomers()
+void Monitor::watchNewEndpoints()
 {
-    std::vector<EventSubject> newcomers;
+    std::vector<EventSubject> subjects;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        newcomers.swap(m_newcomers);
+        subjects.swap(m_newEndpoints);
     }
-    for (const EventSubject& newcomer : newcomers)
-        watch(AudioDevice(qor::String::fromUtf8(newcomer.endpointId)), newcomer);
+    for (const EventSubject& subject : subjects)
+        watch(AudioDevice(qor::String::fromUtf8(subject.endpointId)), subject);
+}
+
+bool Monitor::isOutputLost()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_writer.isOutputLost();
 }
 
 void Monitor::stop()
 {
     if (m_systemListener != nullptr)
         m_enumerator.enumerator()->UnregisterEndpointNotificationCallback(m_systemListener);
-    std::vector<std::unique_ptr<Watch>> watches; // end here, behind the lock
+    std::vector<std::unique_ptr<Watch>> watches; // destroyed after the lock is released
     const std::lock_guard<std::mutex> lock(m_mutex);
-    m_isOver = true;
+    m_isStopped = true;
     watches.swap(m_watches);
 }
 
 void Monitor::endpointsChanged(std::size_t card, EDataFlow flow)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_isOver)
+    if (!m_isStopped)
         compare(m_cards[card], flow, readEndpoints(m_enumerator, flow));
 }
 
-/// Cards that came later have no observer of their own: what there is to hear of them comes from here.
+/// Cards that were added later have no observer: their changes are found here.
 void Monitor::systemChanged()
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (m_isOver)
+    if (m_isStopped)
         return;
     for (const EDataFlow flow : {eRender, eCapture})
     {
@@ -162,7 +174,7 @@ void Monitor::addNewCards(const std::vector<Endpoint>& endpoints)
     }
 }
 
-/// Reports in what the endpoints of one side of @p known differ from what was known of them, and takes it down.
+/// Reports the differences between the known and the current endpoints of one flow of @p known, and records them.
 void Monitor::compare(KnownCard& known, EDataFlow flow, const std::vector<Endpoint>& endpoints)
 {
     std::vector<KnownEndpoint> now;
@@ -188,7 +200,7 @@ void Monitor::compare(KnownCard& known, EDataFlow flow, const std::vector<Endpoi
             report(MonitorEvent::Kind::stateChanged, endpoint, before->state);
         const bool isActive = endpoint.state == std::optional<unsigned>(DEVICE_STATE_ACTIVE);
         if (before == nullptr || (isActive && before->state != endpoint.state))
-            m_newcomers.push_back(endpoint.subject);
+            m_newEndpoints.push_back(endpoint.subject);
         kept.push_back(endpoint);
     }
     known.endpoints = std::move(kept);
@@ -209,7 +221,7 @@ void Monitor::report(MonitorEvent::Kind kind, const KnownEndpoint& endpoint,
 void Monitor::defaultChanged(EDataFlow flow, ERole role, const std::string& endpointId)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (m_isOver)
+    if (m_isStopped)
         return;
     MonitorEvent event;
     event.kind = MonitorEvent::Kind::defaultChanged;
@@ -228,7 +240,7 @@ void Monitor::defaultChanged(EDataFlow flow, ERole role, const std::string& endp
 void Monitor::volumeChanged(std::size_t watch)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (m_isOver || m_watches[watch] == nullptr)
+    if (m_isStopped || m_watches[watch] == nullptr)
         return;
     Watch& watched = *m_watches[watch];
     MonitorEvent event;

@@ -1,4 +1,5 @@
 #include "tools/sonavit/commands.h"
+#include "tools/sonavit/failure.h"
 #include "tools/sonavit/monitor.h"
 #include "tools/sonavit/text.h"
 
@@ -13,7 +14,20 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds slice(100);
 
-/// Waits for the end that the user wants, and meanwhile sees to what has come.
+/// Ends the session before the cards go, as the platform's threads may be using their lists.
+class SessionEnd
+{
+public:
+    explicit SessionEnd(Session& session) : m_session(session) {}
+    ~SessionEnd() { m_session.close(); }
+    SessionEnd(const SessionEnd&) = delete;
+    SessionEnd& operator=(const SessionEnd&) = delete;
+
+private:
+    Session& m_session;
+};
+
+/// Watches new endpoints until the requested end, the end of the duration, or the loss of the output.
 void waitForEnd(const Context& context, Monitor& monitor)
 {
     const Clock::time_point start = Clock::now();
@@ -25,9 +39,9 @@ void waitForEnd(const Context& context, Monitor& monitor)
             const auto passed = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
             pause = std::min(slice, *context.arguments.duration - passed);
         }
-        if (pause.count() <= 0 || context.environment.pause(pause))
+        if (pause.count() <= 0 || context.environment.pause(pause) || monitor.isOutputLost())
             return;
-        monitor.lookAfterNewcomers();
+        monitor.watchNewEndpoints();
     }
 }
 }
@@ -35,9 +49,11 @@ void waitForEnd(const Context& context, Monitor& monitor)
 void runMonitor(Context& context)
 {
     std::vector<Card> cards = readCards();
+    const SessionEnd sessionEnd(context.session);
     std::size_t endpoints = 0;
     for (const Card& card : cards)
         endpoints += card.endpoints.size();
+    const std::shared_ptr<void> deferral = context.environment.deferEnd();
     const auto monitor =
         std::make_shared<Monitor>(context.environment, context.arguments.isJson, context.session.machineName(), cards);
     monitor->start(cards);
@@ -50,6 +66,8 @@ void runMonitor(Context& context)
         context.session.simulation()->events().playScript();
     waitForEnd(context, *monitor);
     monitor->stop();
-    context.session.close(); // while the cards are still there, as the platform's threads may be at work on their lists
+    context.session.close(); // first, so that no thread of the platform holds the monitor's last reference
+    if (!context.environment.out && context.environment.pause(std::chrono::milliseconds(0)))
+        throw Interrupted(); // the reader of the output has gone, and nobody is left to tell
 }
 }

@@ -46,7 +46,7 @@ std::string clockText(const std::tm& whole, std::chrono::system_clock::time_poin
     return text.data();
 }
 
-/// For people: the time of day where they are.
+/// For people: the local time of day.
 std::string localTimeText(std::chrono::system_clock::time_point time)
 {
     const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
@@ -79,7 +79,8 @@ std::string volumeWords(const MonitorEvent& event)
     if (isOtherLevel)
         words = "volume " + levelWords(before.master) + arrow + levelWords(now.master);
     else if (!isOtherMute)
-        words = "volume " + levelWords(now.master); // the channels among themselves, or nothing that lasted
+        words =
+            "volume " + levelWords(now.master); // only the balance of the channels, or a change that is already undone
     if (isOtherMute && now.isMuted)
         words += (words.empty() ? "" : ", ") + std::string(*now.isMuted ? "muted" : "no longer muted");
     return words;
@@ -137,7 +138,7 @@ Paint eventPaint(MonitorEvent::Kind kind)
 Json eventJson(const MonitorEvent& event, const std::optional<std::string>& machine)
 {
     const EventSubject& subject = event.subject;
-    const bool isCardKnown = !subject.cardName.empty(); // not of a default that there is not, or not yet
+    const bool isCardKnown = !subject.cardName.empty(); // not for a default that does not exist (yet)
     Json result = Json::document({{"machine", machine},
                                   {"time", universalTimeText(event.time)},
                                   {"event", kindKey(event.kind)},
@@ -176,8 +177,15 @@ void EventWriter::expect(const EventSubject& subject)
 
 void EventWriter::write(const MonitorEvent& event)
 {
+    if (isOutputLost())
+        return;
     expect(event.subject);
     m_environment.out << (m_isJson ? eventJson(event, m_machine).line() : line(event)) << "\n" << std::flush;
+}
+
+bool EventWriter::isOutputLost() const
+{
+    return !m_environment.out;
 }
 
 std::string EventWriter::line(const MonitorEvent& event) const

@@ -9,7 +9,7 @@
 
 namespace sonavit
 {
-/// An endpoint as events tell of it.
+/// The endpoint that an event is about.
 struct EventSubject
 {
     std::string cardId;
@@ -19,7 +19,7 @@ struct EventSubject
     std::string endpointTitle; ///< short, for people
 };
 
-/// Something that happened.
+/// One change of an endpoint or a default.
 struct MonitorEvent
 {
     enum class Kind
@@ -42,7 +42,7 @@ struct MonitorEvent
     ERole role = eConsole;    ///< of defaultChanged
 };
 
-/// Shows events, one a line.
+/// Shows events, one on each line.
 class EventWriter
 {
 public:
@@ -52,7 +52,11 @@ public:
     /// Makes room for names as long as those of @p subject.
     void expect(const EventSubject& subject);
 
+    /// Writes and flushes the line of @p event, unless an earlier line could not be written.
     void write(const MonitorEvent& event);
+
+    /// Whether a line could not be written.
+    bool isOutputLost() const;
 
 private:
     std::string line(const MonitorEvent& event) const;

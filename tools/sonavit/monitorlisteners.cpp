@@ -11,7 +11,7 @@ namespace sonavit
 namespace
 {
 template<class Listener>
-Listener& keptForGood(std::unique_ptr<Listener> listener)
+Listener& keepUntilProcessEnds(std::unique_ptr<Listener> listener)
 {
     static std::mutex mutex;
     static auto* const all = new std::vector<std::unique_ptr<Listener>>;
@@ -99,7 +99,7 @@ private:
 
 SoundCardObserver& makeCardListener(const std::weak_ptr<Monitor>& monitor, std::size_t card, EDataFlow flow)
 {
-    return keptForGood(std::make_unique<CardListener>(monitor, card, flow));
+    return keepUntilProcessEnds(std::make_unique<CardListener>(monitor, card, flow));
 }
 
 void VolumeListener::pass(void* listener)
@@ -111,11 +111,11 @@ void VolumeListener::pass(void* listener)
 
 VolumeListener& makeVolumeListener(const std::weak_ptr<Monitor>& monitor, std::size_t watch)
 {
-    return keptForGood(std::make_unique<VolumeListener>(VolumeListener{monitor, watch}));
+    return keepUntilProcessEnds(std::make_unique<VolumeListener>(VolumeListener{monitor, watch}));
 }
 
 IMMNotificationClient& makeSystemListener(const std::weak_ptr<Monitor>& monitor)
 {
-    return keptForGood(std::make_unique<SystemListener>(monitor));
+    return keepUntilProcessEnds(std::make_unique<SystemListener>(monitor));
 }
 }

@@ -1,7 +1,7 @@
-/// What the platform's threads call, each of which passes on to a monitor, if that is still there.
+/// The listeners that the platform's threads call. Each passes its calls to a monitor, if that still exists.
 ///
-/// An observer cannot be taken off a card, and a call may be under way when a registration ends: so listeners live as
-/// long as the process.
+/// An observer cannot be removed from a card, and a call may be in progress when a registration ends: so the listeners
+/// live as long as the process.
 #pragma once
 
 #include "libSonavit/soundcardobserver.h"
@@ -14,10 +14,10 @@ namespace sonavit
 {
 class Monitor;
 
-/// A listener to one side of a card.
+/// A listener to the endpoints of one flow of a card.
 SoundCardObserver& makeCardListener(const std::weak_ptr<Monitor>& monitor, std::size_t card, EDataFlow flow);
 
-/// What a VolumeChangeNotification calls, and with what.
+/// What a VolumeChangeNotification calls, and its argument.
 struct VolumeListener
 {
     std::weak_ptr<Monitor> monitor;
@@ -28,6 +28,6 @@ struct VolumeListener
 
 VolumeListener& makeVolumeListener(const std::weak_ptr<Monitor>& monitor, std::size_t watch);
 
-/// A listener to what cards do not tell: defaults, and endpoints of cards that were not there before.
+/// A listener to what cards do not notify: defaults, and endpoints of cards that were added later.
 IMMNotificationClient& makeSystemListener(const std::weak_ptr<Monitor>& monitor);
 }

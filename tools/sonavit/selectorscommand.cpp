@@ -12,12 +12,12 @@ namespace sonavit
 {
 namespace
 {
-/// Something that a selector can select.
+/// One input of a selector.
 struct Input
 {
-    std::optional<unsigned> id; ///< as the selection has it
+    std::optional<unsigned> id; ///< the selection has this value when the input is selected
     std::optional<std::string> name;
-    std::optional<std::string> connectorName; ///< where the sound of this input comes from
+    std::optional<std::string> connectorName; ///< of the connector that feeds this input
     std::optional<GUID> connectorType;
 };
 
@@ -30,15 +30,15 @@ struct Selector
     std::vector<Input> inputs;
 };
 
-std::optional<unsigned> selectionOf(IAudioInputSelector& selector)
+std::optional<unsigned> selectionOf(const COMPtr<IAudioInputSelector>::pointer& selector)
 {
     UINT selection = 0;
-    if (FAILED(selector.GetSelection(&selection)))
+    if (selector.get() == nullptr || FAILED(selector->GetSelection(&selection)))
         return std::nullopt;
     return selection;
 }
 
-/// The subunits behind a card's connectors that are selectors, in the order in which the library looks for them.
+/// The subunits of a card's adapters that are selectors, in the order in which the library searches.
 std::vector<std::size_t> selectorParts(const CardGraph& graph)
 {
     std::vector<std::size_t> result;
@@ -50,7 +50,7 @@ std::vector<std::size_t> selectorParts(const CardGraph& graph)
         {
             void* object = nullptr;
             const COMPtr<IPart>::pointer platformPart = graph.parts()[part].part.part();
-            if (!graph.parts()[part].isConnector)
+            if (!graph.parts()[part].isConnector && platformPart.get() != nullptr)
                 platformPart->Activate(CLSCTX_ALL, IID_IAudioInputSelector, &object);
             const COMPtr<IAudioInputSelector>::pointer holder(static_cast<IAudioInputSelector*>(object));
             if (object != nullptr)
@@ -60,7 +60,7 @@ std::vector<std::size_t> selectorParts(const CardGraph& graph)
     return result;
 }
 
-/// The first connector against the way of the sound.
+/// The nearest connector upstream of a part.
 std::size_t sourceConnector(const CardGraph& graph, std::size_t part)
 {
     std::vector<std::size_t> reached = {part};
@@ -81,7 +81,8 @@ Input readInput(const CardGraph& graph, std::size_t part)
 {
     Input input;
     UINT id = 0;
-    if (SUCCEEDED(graph.parts()[part].part.part()->GetLocalId(&id)))
+    const COMPtr<IPart>::pointer platformPart = graph.parts()[part].part.part();
+    if (platformPart.get() != nullptr && SUCCEEDED(platformPart->GetLocalId(&id)))
         input.id = id;
     input.name = graph.parts()[part].name;
     const std::size_t connector = sourceConnector(graph, part);
@@ -93,8 +94,8 @@ Input readInput(const CardGraph& graph, std::size_t part)
     return input;
 }
 
-/// The library hands out the selectors alone. Which part of which device each of them is comes from the graph: both
-/// walks go the same way, and where they found a different number nothing is said of it.
+/// The library returns only the selectors' interfaces. The part and device of each come from the graph, whose walk has
+/// the same order; if the two walks find different numbers, they are left out.
 std::vector<Selector> readSelectors(Card& card)
 {
     qor::Array<COMPtr<IAudioInputSelector>::pointer> found;
@@ -105,7 +106,7 @@ std::vector<Selector> readSelectors(Card& card)
     for (unsigned i = 0; i < found.size(); ++i)
     {
         Selector selector;
-        selector.selection = selectionOf(*found[i]);
+        selector.selection = selectionOf(found[i]);
         if (parts.size() == found.size())
         {
             const CardGraph::Part& part = graph.parts()[parts[i]];

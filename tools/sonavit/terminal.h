@@ -1,22 +1,44 @@
-/// Standard output and the command line as this system has them.
 #pragma once
 
-#include <string>
-#include <vector>
+#include <memory>
+#include <ostream>
 
 namespace sonavit
 {
-/// Makes standard output take UTF-8, unchanged.
-void prepareOutput();
+/// Standard output and standard error as this system has them. One at a time; at its end it writes what is left and
+/// puts back what it has changed.
+///
+/// Both streams take UTF-8. On Windows a console receives it as UTF-16 when the stream is flushed; a file or a pipe
+/// receives the bytes unchanged.
+class Terminal
+{
+public:
+    Terminal();
+    ~Terminal();
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
 
-bool isOutputTerminal();
+    std::ostream& out();
+    std::ostream& err();
 
-/// Whether standard output shows colours: on a terminal that can, unless NO_COLOR is set.
-bool hasOutputColours();
+    /// Whether standard output is a terminal.
+    bool isTerminal() const;
 
-/// Columns of the terminal; 0 where there is no terminal and COLUMNS does not say.
-unsigned outputWidth();
+    /// Whether standard output shows colours: it is a terminal that obeys escape sequences, and NO_COLOR is not set.
+    bool hasColours() const;
 
-/// The words behind the program's name, in UTF-8.
-std::vector<std::string> commandLineWords(int count, char** words);
+    /// The columns that a line may take; 0 for no limit: standard output is no terminal and COLUMNS is not set.
+    unsigned width() const;
+
+private:
+    class Streams; // of this system
+
+    std::unique_ptr<Streams> m_streams;
+};
+
+/// Whether the environment does not forbid colours with NO_COLOR.
+bool areColoursWanted();
+
+/// The columns that the environment states in COLUMNS, 1 to 10,000; 0 if it states none.
+unsigned statedColumns();
 }

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <utility>
 
 namespace sim
@@ -35,14 +36,30 @@ std::string describe(const std::string& file, std::size_t line, std::size_t colu
     return text + ": expected " + expected + ", found " + printable(found, longestFinding);
 }
 
+/// The path of that name in UTF-8; no value if it is not UTF-8 and the system, as Windows, needs that.
+std::optional<fs::path> pathOf(const std::string& name)
+{
+    try
+    {
+        return fs::u8path(name);
+    }
+    catch (const std::exception&)
+    {
+        return std::nullopt;
+    }
+}
+
 /// The folders of shipped machines; some of them may not exist.
 std::vector<fs::path> machineFolders()
 {
     const char* const chosen = std::getenv("SONAVIT_MACHINES");
-    if (chosen != nullptr && *chosen != '\0')
-        return {fs::u8path(chosen)};
-
     std::vector<fs::path> folders;
+    if (chosen != nullptr && *chosen != '\0')
+    {
+        if (const auto folder = pathOf(chosen))
+            folders.push_back(*folder);
+        return folders;
+    }
     const std::string program = programFolder();
     if (!program.empty())
     {
@@ -64,7 +81,8 @@ bool isMachineFile(const fs::path& path)
 bool isPath(const std::string& nameOrFile)
 {
     const bool hasFolder = nameOrFile.find_first_of("/\\") != std::string::npos;
-    return hasFolder || fs::u8path(nameOrFile).extension() == suffix;
+    const std::optional<fs::path> path = pathOf(nameOrFile);
+    return hasFolder || (path && path->extension() == suffix);
 }
 
 std::string knownNames()
@@ -80,18 +98,22 @@ std::string knownNames()
     throw MachineFileError(path, 0, 0, "", "a machine file", found);
 }
 
-/// Before the file is opened: opening a pipe would wait, reading a device would never end.
-void refuseOtherFiles(const std::string& path)
+/// The path of a file that is worth opening: opening a pipe would wait, reading a device would never end.
+fs::path regularFile(const std::string& name)
 {
+    const std::optional<fs::path> path = pathOf(name);
+    if (!path)
+        refuse(name, "nothing that can be opened");
     std::error_code error;
-    const fs::file_status status = fs::status(fs::u8path(path), error);
+    const fs::file_status status = fs::status(*path, error);
     if (fs::is_directory(status))
-        refuse(path, "a folder");
+        refuse(name, "a folder");
     if (fs::exists(status) && !fs::is_regular_file(status))
-        refuse(path, "something that is not a regular file");
-    const std::uintmax_t size = fs::file_size(fs::u8path(path), error);
+        refuse(name, "something that is not a regular file");
+    const std::uintmax_t size = fs::file_size(*path, error);
     if (!error && size > largestFile)
-        refuse(path, "one of more than 64 MiB");
+        refuse(name, "one of more than 64 MiB");
+    return *path;
 }
 }
 
@@ -139,8 +161,7 @@ const std::string& MachineFileError::found() const
 
 Machine readMachineFile(const std::string& path)
 {
-    refuseOtherFiles(path);
-    std::ifstream file(fs::u8path(path), std::ios::binary);
+    std::ifstream file(regularFile(path), std::ios::binary);
     if (!file)
         refuse(path, "nothing that can be opened");
     const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
@@ -182,10 +203,10 @@ std::string machineFile(const std::string& name)
 {
     for (const fs::path& folder : machineFolders())
     {
-        const fs::path path = folder / fs::u8path(name + suffix);
+        const std::optional<fs::path> file = pathOf(name + suffix);
         std::error_code error;
-        if (!name.empty() && isMachineFile(path) && fs::is_regular_file(path, error))
-            return path.u8string();
+        if (!name.empty() && file && isMachineFile(*file) && fs::is_regular_file(folder / *file, error))
+            return (folder / *file).u8string();
     }
     return {};
 }

@@ -87,7 +87,7 @@ TEST_F(AudioDeviceActivation, FailureNamesInterfaceAndDevice)
                             "< AudioDevice::activateDeviceInterface()", "< AudioDevice::volumeController()"));
 }
 
-TEST_F(AudioDeviceActivation, GivesTheReferenceOfThePlatform)
+TEST_F(AudioDeviceActivation, PassesTheReferenceOfThePlatformOn)
 {
     startFor(1);
     AudioDevice device(reference(speaker.id()));
@@ -99,7 +99,7 @@ TEST_F(AudioDeviceActivation, GivesTheReferenceOfThePlatform)
     EXPECT_EQ(2, simulation().census().objects.at("IAudioEndpointVolume"));
 }
 
-TEST_F(AudioDeviceActivation, GivesNoParameters)
+TEST_F(AudioDeviceActivation, PassesNoParameters)
 {
     startFor(1);
     AudioDevice device(reference(speaker.id()));
@@ -113,7 +113,7 @@ TEST_F(AudioDeviceActivation, GivesNoParameters)
         EXPECT_EQ(2u, activation.arguments.size()) << activation.line(); // parameters would be the third
 }
 
-TEST_F(AudioDeviceAudioClient, IsActivatedAnewOnEachCall)
+TEST_F(AudioDeviceAudioClient, IsActivatedAgainOnEachCall)
 {
     startFor(1);
     AudioDevice device(reference(speaker.id()));
@@ -133,7 +133,7 @@ TEST_F(AudioDeviceAudioClient, IsActivatedAnewOnEachCall)
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 
-TEST_F(AudioDeviceAudioClient, IsEmptyWhereThereIsNoneAndOnlyADebugMessageSaysSo)
+TEST_F(AudioDeviceAudioClient, IsEmptyWithADebugMessageIfThereIsNone)
 {
     speaker.endpoint().hasAudioClient = false;
     startFor(1);
@@ -148,7 +148,7 @@ TEST_F(AudioDeviceAudioClient, IsEmptyWhereThereIsNoneAndOnlyADebugMessageSaysSo
                             "< AudioDevice::audioClient"));
 }
 
-TEST_F(AudioDeviceAudioClient, IsEmptyWhereThePlatformFails)
+TEST_F(AudioDeviceAudioClient, IsEmptyIfThePlatformFails)
 {
     startFor(1);
     AudioDevice device(reference(speaker.id()));
@@ -162,7 +162,7 @@ TEST_F(AudioDeviceAudioClient, IsEmptyWhereThePlatformFails)
     EXPECT_THAT(log.texts(), ElementsAre("Device Analog Audio has not audio client interface"));
 }
 
-TEST_F(AudioDeviceBaseFilter, IsActivatedAnewOnEachCall)
+TEST_F(AudioDeviceBaseFilter, IsActivatedAgainOnEachCall)
 {
     startFor(1);
     AudioDevice device(reference(speaker.id()));
@@ -181,7 +181,7 @@ TEST_F(AudioDeviceBaseFilter, IsActivatedAnewOnEachCall)
                 ElementsAre("IMMDevice::Activate(IBaseFilter, 23)", "IMMDevice::Activate(IBaseFilter, 23)"));
 }
 
-TEST_F(AudioDeviceBaseFilter, SpeaksOfAnAudioClientWhereThereIsNone)
+TEST_F(AudioDeviceBaseFilter, LogsTheMessageOfAnAudioClientIfThereIsNone)
 {
     speaker.endpoint().hasBaseFilter = false;
     startFor(1);
@@ -196,7 +196,7 @@ TEST_F(AudioDeviceBaseFilter, SpeaksOfAnAudioClientWhereThereIsNone)
                             "< AudioDevice::audioClient"));
 }
 
-TEST_F(AudioDeviceBaseFilter, IsEmptyWhereThePlatformFails)
+TEST_F(AudioDeviceBaseFilter, IsEmptyIfThePlatformFails)
 {
     startFor(1);
     AudioDevice device(reference(speaker.id()));
@@ -219,7 +219,7 @@ TEST_F(AudioDeviceDeviceTopology, OfAnEmptyDeviceIsEmpty)
     EXPECT_THAT(log.entered(channel), ElementsAre("AudioDevice::deviceTopology()"));
 }
 
-TEST_F(AudioDeviceDeviceTopology, IsTheOneThatWasActivatedAtFirst)
+TEST_F(AudioDeviceDeviceTopology, IsTheOneThatWasActivatedFirst)
 {
     startFor(1);
     const AudioDevice device(reference(speaker.id()));
@@ -232,7 +232,7 @@ TEST_F(AudioDeviceDeviceTopology, IsTheOneThatWasActivatedAtFirst)
     EXPECT_THAT(simulation().journal().operations(), IsEmpty());
 }
 
-TEST_F(AudioDeviceDeviceTopology, IsEmptyWhereThePlatformGaveNone)
+TEST_F(AudioDeviceDeviceTopology, IsEmptyIfThePlatformHasNone)
 {
     speaker.withoutTopology();
     startFor(1);

@@ -40,7 +40,7 @@ TEST_F(AudioDeviceDataFlow, IsThatOfTheEndpoint)
     EXPECT_EQ(eCapture, inputFlow);
 }
 
-TEST_F(AudioDeviceDataFlow, OfAnEmptyDeviceIsLeftAlone)
+TEST_F(AudioDeviceDataFlow, OfAnEmptyDeviceIsUnchanged)
 {
     const AudioDevice device;
     EDataFlow flow = eAll;
@@ -51,7 +51,7 @@ TEST_F(AudioDeviceDataFlow, OfAnEmptyDeviceIsLeftAlone)
     EXPECT_THAT(records(), ElementsAre("> AudioDevice::dataFlow", "< AudioDevice::dataFlow"));
 }
 
-TEST_F(AudioDeviceDataFlow, OnTheAdapterSideIsLeftAlone)
+TEST_F(AudioDeviceDataFlow, OfAnAdapterDeviceIsUnchanged)
 {
     const AudioDevice device(reference(card.adapter().id));
     log.clear();
@@ -63,7 +63,7 @@ TEST_F(AudioDeviceDataFlow, OnTheAdapterSideIsLeftAlone)
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 
-TEST_F(AudioDeviceDataFlow, ThatThePlatformDoesNotTellIsASuccessAllTheSame)
+TEST_F(AudioDeviceDataFlow, SucceedsEvenIfGetDataFlowFails)
 {
     kept.directSoundTexts = 1;
     const AudioDevice device(reference(speaker.id()));
@@ -76,7 +76,7 @@ TEST_F(AudioDeviceDataFlow, ThatThePlatformDoesNotTellIsASuccessAllTheSame)
     EXPECT_EQ(eAll, flow);
 }
 
-TEST_F(AudioDeviceDataFlow, IsFalseWithoutAnInterfaceInSpiteOfSuccess)
+TEST_F(AudioDeviceDataFlow, IsFalseIfThePlatformSucceedsWithNull)
 {
     kept.directSoundTexts = 1;
     const AudioDevice device(reference(speaker.id()));
@@ -166,7 +166,7 @@ TEST_F(AudioDeviceIsDefault, AsksForTheDefaultOfAnInputsFlow)
                 ElementsAre("IMMDeviceEnumerator::GetDefaultAudioEndpoint(eCapture, eConsole)"));
 }
 
-TEST_F(AudioDeviceIsDefault, ComparesIdsCaseIncluded)
+TEST_F(AudioDeviceIsDefault, ComparesTheIdsCaseSensitively)
 {
     begin();
     kept.defaultDeviceIds = 1;
@@ -177,7 +177,7 @@ TEST_F(AudioDeviceIsDefault, ComparesIdsCaseIncluded)
     EXPECT_FALSE(device().isDefaultEndpoint());
 }
 
-TEST_F(AudioDeviceIsDefault, LeavesTheTextOfTheIdWithThePlatform)
+TEST_F(AudioDeviceIsDefault, LeavesTheStringOfTheIdAllocated)
 {
     begin();
     const sim::Census before = simulation().census();
@@ -191,7 +191,7 @@ TEST_F(AudioDeviceIsDefault, LeavesTheTextOfTheIdWithThePlatform)
     kept.defaultDeviceIds = 2;
 }
 
-TEST_F(AudioDeviceIsDefault, AsksThePlatformInThisOrder)
+TEST_F(AudioDeviceIsDefault, CallsThePlatformInThisOrder)
 {
     sim::EndpointBuilder headphones = card.headphones();
     headphones.isDefault();
@@ -227,7 +227,7 @@ TEST_F(AudioDeviceIsDefault, ReleasesEverythingBeforeItComparesAndOpensNoScope)
                                        "1 Are these Equal: " + speaker.id() + " ?= " + speaker.id()));
 }
 
-TEST_F(AudioDeviceIsDefault, HasAnEnumeratorOfItsOwnEachTime)
+TEST_F(AudioDeviceIsDefault, CreatesItsOwnEnumeratorEachTime)
 {
     begin();
     kept.defaultDeviceIds = 2;
@@ -243,7 +243,7 @@ TEST_F(AudioDeviceIsDefault, HasAnEnumeratorOfItsOwnEachTime)
     EXPECT_NE(nullptr, shared.get());
 }
 
-TEST_F(AudioDeviceIsDefault, IsFalseWhereTheFlowHasNoDefault)
+TEST_F(AudioDeviceIsDefault, IsFalseIfTheFlowHasNoDefault)
 {
     bench.withoutDefaults();
     begin();
@@ -271,7 +271,7 @@ class AudioDeviceIsDefaultStep : public AudioDeviceIsDefault, public testing::Wi
 {
 };
 
-TEST_P(AudioDeviceIsDefaultStep, ThatFailsIsReportedAndReleasesWhatThereIs)
+TEST_P(AudioDeviceIsDefaultStep, ThatFailsIsLoggedAndReleasesTheInterfaces)
 {
     begin();
     const sim::Census before = simulation().census();
@@ -327,7 +327,7 @@ TEST_F(AudioDeviceIsDefault, LogsEachStepAndEachReleaseFromALineOfItsOwn)
         EXPECT_EQ(1u, own.size()) << message;
 }
 
-TEST_F(AudioDeviceIsDefault, IsFalseWithoutAnInterfaceInSpiteOfSuccess)
+TEST_F(AudioDeviceIsDefault, IsFalseIfThePlatformSucceedsWithNull)
 {
     begin();
     sim::PlannedFault endpoint = simulation().faults().succeedWithNull("IMMDevice::QueryInterface").at(1);

@@ -58,7 +58,7 @@ TEST_F(AudioDeviceDefault, HoldsNothing)
     EXPECT_FALSE(device.m_topology.isInitialized());
 }
 
-TEST_F(AudioDeviceDefault, AnswersItsStateWithoutThePlatform)
+TEST_F(AudioDeviceDefault, ReturnsItsStateWithoutAPlatformCall)
 {
     AudioDevice device;
     device.m_properties.deviceState = DEVICE_STATE_UNPLUGGED;
@@ -70,7 +70,7 @@ TEST_F(AudioDeviceDefault, AnswersItsStateWithoutThePlatform)
     EXPECT_THAT(log.records(channel), IsEmpty());
 }
 
-TEST_F(AudioDeviceDefault, BeginsAndEndsWithoutThePlatform)
+TEST_F(AudioDeviceDefault, MakesNoPlatformCallInItsConstructorAndDestructor)
 {
     {
         const AudioDevice device;
@@ -79,7 +79,7 @@ TEST_F(AudioDeviceDefault, BeginsAndEndsWithoutThePlatform)
     EXPECT_THAT(simulation().journal().operations(), IsEmpty());
 }
 
-TEST_F(AudioDeviceDefault, BeginsWithoutATrace)
+TEST_F(AudioDeviceDefault, ConstructsWithoutATrace)
 {
     const AudioDevice device;
     const AudioDevice copy(device);
@@ -87,7 +87,7 @@ TEST_F(AudioDeviceDefault, BeginsWithoutATrace)
     EXPECT_THAT(log.records(channel), IsEmpty());
 }
 
-TEST_F(AudioDeviceDefault, ReportsBothAssignmentsAtItsEnd)
+TEST_F(AudioDeviceDefault, LogsBothAssignmentsInTheDestructor)
 {
     {
         const AudioDevice device;
@@ -107,7 +107,7 @@ protected:
     }
 };
 
-TEST_F(AudioDeviceOfPlatformDevice, AsksThePlatformInThisOrder)
+TEST_F(AudioDeviceOfPlatformDevice, CallsThePlatformInThisOrder)
 {
     kept.directSoundTexts = 1;
     const std::string guid = speaker.endpoint().properties.back().value.text.value();
@@ -178,7 +178,7 @@ TEST_F(AudioDeviceOfPlatformDevice, TracesInThisOrder)
     EXPECT_EQ("AudioDevice::AudioDevice(IMMDevice* device)", log.left(channel).back());
 }
 
-TEST_F(AudioDeviceOfPlatformDevice, ReadsWhatTheEndpointSays)
+TEST_F(AudioDeviceOfPlatformDevice, ReadsThePropertiesOfTheEndpoint)
 {
     kept.directSoundTexts = 1;
     const std::string guid = speaker.endpoint().properties.back().value.text.value();
@@ -199,7 +199,7 @@ TEST_F(AudioDeviceOfPlatformDevice, ReadsWhatTheEndpointSays)
     EXPECT_NE(qor::String(), properties.driverNodeStrongName);
 }
 
-TEST_F(AudioDeviceOfPlatformDevice, AdoptsTheReferenceAndHoldsOneOnEachThing)
+TEST_F(AudioDeviceOfPlatformDevice, AdoptsTheReferenceAndHoldsOneOnEachInterface)
 {
     kept.directSoundTexts = 1;
 
@@ -214,7 +214,7 @@ TEST_F(AudioDeviceOfPlatformDevice, AdoptsTheReferenceAndHoldsOneOnEachThing)
     EXPECT_EQ(expected, held);
 }
 
-TEST_F(AudioDeviceOfPlatformDevice, ReportsTheCountOfTheDeviceAtItsBeginningAndOfBothAtItsEnd)
+TEST_F(AudioDeviceOfPlatformDevice, LogsTheCountOfTheDeviceInTheConstructorAndOfBothInTheDestructor)
 {
     kept.directSoundTexts = 1;
     {
@@ -241,7 +241,7 @@ TEST_F(AudioDeviceOfPlatformDevice, CountsReferencesOnlyForAMessageThatIsWritten
     EXPECT_THAT(simulation().journal().of("IPropertyStore::AddRef"), IsEmpty());
 }
 
-TEST_F(AudioDeviceOfPlatformDevice, LetsGoOfStoreAndDeviceBeforeItsOtherMembers)
+TEST_F(AudioDeviceOfPlatformDevice, ReleasesStoreAndDeviceBeforeItsOtherMembers)
 {
     kept.directSoundTexts = 1;
     withoutDebugMessages();
@@ -256,7 +256,7 @@ TEST_F(AudioDeviceOfPlatformDevice, LetsGoOfStoreAndDeviceBeforeItsOtherMembers)
                             "IConnector::Release", "IDeviceTopology::Release", "IAudioEndpointVolume::Release"));
 }
 
-TEST_F(AudioDeviceOfPlatformDevice, LetsAnExceptionOfAReleasePassAndReleasesTheRest)
+TEST_F(AudioDeviceOfPlatformDevice, PassesAnExceptionOfReleaseOnAndReleasesTheRest)
 {
     kept.directSoundTexts = 1;
     withoutDebugMessages();
@@ -273,7 +273,7 @@ TEST_F(AudioDeviceOfPlatformDevice, LetsAnExceptionOfAReleasePassAndReleasesTheR
     EXPECT_THAT(log.texts(LoggerPriority::LOG_ERROR, "comptr"), ElementsAre("COMPtr destructor caught an exception"));
 }
 
-TEST_F(AudioDeviceOfPlatformDevice, GivesAnotherReferenceOnTheDevice)
+TEST_F(AudioDeviceOfPlatformDevice, ReturnsTheDeviceWithANewReference)
 {
     kept.directSoundTexts = 1;
     AudioDevice device(reference(speaker.id()));

@@ -41,7 +41,7 @@ const std::map<std::string, long> referencesOfOne = {
 const std::map<std::string, long> referencesOfTwo = {
     {"IMMDevice", 2}, {"IPropertyStore", 2}, {"IDeviceTopology", 2}, {"IConnector", 4}, {"IAudioEndpointVolume", 1}};
 
-TEST_F(AudioDeviceCopy, TakesOneReferenceOnEachThingButSharesTheController)
+TEST_F(AudioDeviceCopy, TakesOneReferenceOnEachInterfaceAndSharesTheController)
 {
     ASSERT_EQ(referencesOfOne, held());
     {
@@ -56,7 +56,7 @@ TEST_F(AudioDeviceCopy, TakesOneReferenceOnEachThingButSharesTheController)
     EXPECT_EQ(referencesOfOne, held());
 }
 
-TEST_F(AudioDeviceCopy, AsksThePlatformNothing)
+TEST_F(AudioDeviceCopy, CallsNoPlatformFunction)
 {
     const AudioDevice copy(original());
 
@@ -74,7 +74,7 @@ TEST_F(AudioDeviceCopy, HasAllProperties)
     EXPECT_TRUE(original() == copy);
 }
 
-TEST_F(AudioDeviceCopy, HasATopologyListOfItsOwn)
+TEST_F(AudioDeviceCopy, HasItsOwnTopologyLists)
 {
     AudioDevice copy(original());
 
@@ -106,7 +106,7 @@ TEST_F(AudioDeviceAssignment, TakesTheReferencesOfTheOther)
     EXPECT_TRUE(assigned.m_savedProperties.format == original().m_savedProperties.format);
 }
 
-TEST_F(AudioDeviceAssignment, GivesUpWhatWasHeld)
+TEST_F(AudioDeviceAssignment, ReleasesTheFormerInterfaces)
 {
     kept.directSoundTexts = 2;
     AudioDevice assigned(reference(microphone.id()));
@@ -139,7 +139,7 @@ TEST_F(AudioDeviceAssignment, ToItselfChangesNothing)
     EXPECT_EQ(1u, original().connector(connectors));
 }
 
-TEST_F(AudioDeviceAssignment, BetweenCopiesHoldsAsBefore)
+TEST_F(AudioDeviceAssignment, BetweenCopiesChangesNoCount)
 {
     AudioDevice copy(original());
 

@@ -33,7 +33,7 @@ TEST_F(AudioDeviceFields, StandInTheirOrder)
     EXPECT_LT(placeOf(device.m_properties), placeOf(device.m_savedProperties));
 }
 
-TEST_F(AudioDeviceEnd, TellsOfEachAssignmentBeforeItLetsGo)
+TEST_F(AudioDeviceEnd, LogsEachAssignmentBeforeTheRelease)
 {
     kept.directSoundTexts = 1;
     std::vector<std::string> whenTheStoreWent;

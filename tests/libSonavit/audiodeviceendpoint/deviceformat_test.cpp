@@ -115,7 +115,7 @@ TEST_F(AudioDeviceSetFormat, TracesItselfAndTheRefresh)
     EXPECT_THAT(messages(LoggerPriority::LOG_WARNING), IsEmpty());
 }
 
-TEST_F(AudioDeviceSetFormat, WritesThePresentFormatAllTheSame)
+TEST_F(AudioDeviceSetFormat, WritesTheCurrentFormatAsWell)
 {
     kept.directSoundTexts = 2;
 
@@ -136,7 +136,7 @@ TEST_F(AudioDeviceSetFormat, MayBeGivenTheDevicesOwnFormat)
     EXPECT_EQ(usual.bytes(), storedFormat(speaker.id()));
 }
 
-TEST_F(AudioDeviceSetFormat, ShowsWhatTheSystemMadeOfIt)
+TEST_F(AudioDeviceSetFormat, ShowsTheFormatThatTheSystemHasStored)
 {
     kept.directSoundTexts = 3;
     const sim::DeviceFormat rounded = {24, 48000, 2};
@@ -151,7 +151,7 @@ TEST_F(AudioDeviceSetFormat, ShowsWhatTheSystemMadeOfIt)
     EXPECT_TRUE(waveFormat(rounded) == device().deviceProperty().format);
 }
 
-TEST_F(AudioDeviceSetFormat, LeavesTheSavedPropertiesAlone)
+TEST_F(AudioDeviceSetFormat, LeavesTheSavedPropertiesUnchanged)
 {
     kept.directSoundTexts = 3;
 
@@ -192,7 +192,7 @@ TEST_F(AudioDeviceSetFormat, ReportsAFormatThatTheSystemRefusesAndKeepsTheStoreO
     EXPECT_EQ(0u, simulation().journal().count("IMMDevice::OpenPropertyStore"));
 }
 
-TEST_F(AudioDeviceSetFormat, DoesNotLookAtTheCommit)
+TEST_F(AudioDeviceSetFormat, IgnoresTheResultOfCommit)
 {
     kept.directSoundTexts = 2;
     sim::PlannedFault fault = simulation().faults().fail("IPropertyStore::Commit", E_FAIL);
@@ -204,7 +204,7 @@ TEST_F(AudioDeviceSetFormat, DoesNotLookAtTheCommit)
     EXPECT_TRUE(waveFormat(usual) == device().deviceProperty().format); // which never reached the system
 }
 
-TEST_F(AudioDeviceSetFormat, ReportsAStoreThatCannotBeOpenedAnew)
+TEST_F(AudioDeviceSetFormat, LogsAStoreThatCannotBeReopened)
 {
     sim::PlannedFault fault = simulation().faults().fail("IMMDevice::OpenPropertyStore", E_FAIL);
 
@@ -219,7 +219,7 @@ TEST_F(AudioDeviceSetFormat, ReportsAStoreThatCannotBeOpenedAnew)
     EXPECT_TRUE(waveFormat(usual) == device().deviceProperty().format);
 }
 
-TEST_F(AudioDeviceSetFormat, HoldsNoStoreThatStandsBesideAFailure)
+TEST_F(AudioDeviceSetFormat, HoldsNoStoreThatComesWithAFailureCode)
 {
     FailingWithAStore failing;
     {
@@ -237,7 +237,7 @@ TEST_F(AudioDeviceSetFormat, HoldsNoStoreThatStandsBesideAFailure)
     EXPECT_THAT(messages(LoggerPriority::LOG_WARNING), ElementsAre("Cannot open a new property store 0x80004005"));
 }
 
-TEST_F(AudioDeviceSetFormat, LeavesAStoreThatCouldNotBeOpenedToTheNextRefresh)
+TEST_F(AudioDeviceSetFormat, LeavesOpeningTheStoreToTheNextRefresh)
 {
     kept.directSoundTexts = 2;
     sim::PlannedFault fault = simulation().faults().fail("IMMDevice::OpenPropertyStore", E_FAIL).at(1);
@@ -251,7 +251,7 @@ TEST_F(AudioDeviceSetFormat, LeavesAStoreThatCouldNotBeOpenedToTheNextRefresh)
     forgetTheChange();
 }
 
-TEST_F(AudioDeviceSetFormat, AnswersWhatTheRefreshAnswers)
+TEST_F(AudioDeviceSetFormat, ReturnsTheResultOfTheRefreshAfterTheWrite)
 {
     sim::PlannedFault nothing = simulation().faults().succeedWithNull("IMMDevice::OpenPropertyStore").at(1);
     sim::PlannedFault fault = simulation().faults().fail("IMMDevice::OpenPropertyStore", E_ACCESSDENIED).at(2);
@@ -265,7 +265,7 @@ TEST_F(AudioDeviceSetFormat, AnswersWhatTheRefreshAnswers)
 }
 
 #if !defined(_WIN32)
-TEST_F(AudioDeviceSetFormat, ClearsNothingOfWhatItWrites)
+TEST_F(AudioDeviceSetFormat, DoesNotClearTheVariantThatItWrites)
 {
     kept.directSoundTexts = 3;
     const sim::Census before = simulation().census();

@@ -24,14 +24,14 @@ TEST_F(AudioDeviceIsEndpoint, AnswersTrueForAnEndpointAndKeepsNoReference)
     EXPECT_EQ(1, references("IMMDevice " + speaker.id()));
 }
 
-TEST_F(AudioDeviceIsEndpoint, AnswersFalseForADeviceOnTheAdapterSide)
+TEST_F(AudioDeviceIsEndpoint, AnswersFalseForAnAdapterDevice)
 {
     const AudioDevice device(reference(card.adapter().id));
 
     EXPECT_FALSE(device.isEndpoint());
 }
 
-TEST_F(AudioDeviceIsEndpoint, AsksEachTime)
+TEST_F(AudioDeviceIsEndpoint, QueriesEachTime)
 {
     kept.directSoundTexts = 1;
     const AudioDevice device(reference(speaker.id()));
@@ -46,7 +46,7 @@ class AudioDeviceEquality : public devicetest::DeviceTest
 {
 };
 
-TEST_F(AudioDeviceEquality, HasNoRegardForCase)
+TEST_F(AudioDeviceEquality, IgnoresCase)
 {
     AudioDevice lower;
     AudioDevice upper;
@@ -56,7 +56,7 @@ TEST_F(AudioDeviceEquality, HasNoRegardForCase)
     EXPECT_TRUE(lower == upper);
 }
 
-TEST_F(AudioDeviceEquality, LooksAtNothingButTheId)
+TEST_F(AudioDeviceEquality, ComparesTheIdOnly)
 {
     start();
     kept.directSoundTexts = 1;

@@ -27,7 +27,7 @@ protected:
     WAVEFORMATEXTENSIBLE m_changed = original;
 };
 
-TEST_P(FormatField, TellsExtendedFormatsApart)
+TEST_P(FormatField, DistinguishesExtendedFormats)
 {
     EXPECT_FALSE(original == m_changed);
     EXPECT_FALSE(m_changed == original);
@@ -35,7 +35,7 @@ TEST_P(FormatField, TellsExtendedFormatsApart)
     EXPECT_TRUE(m_changed != original);
 }
 
-TEST_P(FormatField, TellsPlainFormatsApartWhereItIsOneOfTheirs)
+TEST_P(FormatField, DistinguishesPlainFormatsIfTheyHaveIt)
 {
     const bool isEqual = !GetParam().isBasic;
 
@@ -69,7 +69,7 @@ TEST(FormatComparison, FindsCopiesEqual)
     EXPECT_FALSE(original.Format != copy.Format);
 }
 
-TEST(FormatComparison, LooksAtEachByteOfTheSubFormat)
+TEST(FormatComparison, ComparesEachByteOfTheSubFormat)
 {
     for (std::size_t i = 0; i < sizeof(GUID); ++i)
     {
@@ -84,7 +84,7 @@ TEST(FormatComparison, LooksAtEachByteOfTheSubFormat)
     }
 }
 
-TEST(FormatComparison, HasNoRegardForWhatTheTagSays)
+TEST(FormatComparison, IgnoresTheFormatTag)
 {
     WAVEFORMATEXTENSIBLE plain = original;
     plain.Format.wFormatTag = 1;
@@ -96,7 +96,7 @@ TEST(FormatComparison, HasNoRegardForWhatTheTagSays)
     EXPECT_TRUE(plain != other);
 }
 
-TEST(FormatComparison, LooksAtNothingBehindAPlainFormat)
+TEST(FormatComparison, IgnoresWhatFollowsAPlainFormat)
 {
     WAVEFORMATEXTENSIBLE changed = original;
     std::memset(reinterpret_cast<unsigned char*>(&changed) + sizeof(WAVEFORMATEX), 0xEE,
@@ -106,7 +106,7 @@ TEST(FormatComparison, LooksAtNothingBehindAPlainFormat)
     EXPECT_FALSE(original.Format != changed.Format);
 }
 
-TEST(FormatComparison, SeesSamplesAsOneField)
+TEST(FormatComparison, ComparesSamplesAsOneField)
 {
     WAVEFORMATEXTENSIBLE changed = original;
     changed.Samples.wSamplesPerBlock = static_cast<WORD>(original.Samples.wSamplesPerBlock + 1);

@@ -28,7 +28,7 @@ protected:
     std::size_t writes() { return simulation().journal().count("IPropertyStore::SetValue"); }
 };
 
-TEST_F(AudioDeviceRestore, PutsTheFormatBackThatSetFormatHadChanged)
+TEST_F(AudioDeviceRestore, RestoresTheFormatThatSetFormatChanged)
 {
     kept.directSoundTexts = 3;
     std::unique_ptr<AudioDevice> device = newDevice();
@@ -41,7 +41,7 @@ TEST_F(AudioDeviceRestore, PutsTheFormatBackThatSetFormatHadChanged)
     EXPECT_EQ(2u, writes());
 }
 
-TEST_F(AudioDeviceRestore, StandsBetweenTheCountsAndTheLastReleases)
+TEST_F(AudioDeviceRestore, HappensBetweenTheCountsAndTheLastReleases)
 {
     kept.directSoundTexts = 3;
     std::unique_ptr<AudioDevice> device = newDevice();
@@ -61,7 +61,7 @@ TEST_F(AudioDeviceRestore, StandsBetweenTheCountsAndTheLastReleases)
                                   "1 Assigning m_device to NULL", "< AudioDevice::~AudioDevice()"));
 }
 
-TEST_F(AudioDeviceRestore, WritesNothingWhereTheFormatsAreEqual)
+TEST_F(AudioDeviceRestore, WritesNothingIfTheFormatsAreEqual)
 {
     kept.directSoundTexts = 1;
     std::unique_ptr<AudioDevice> device = newDevice();
@@ -71,7 +71,7 @@ TEST_F(AudioDeviceRestore, WritesNothingWhereTheFormatsAreEqual)
     EXPECT_EQ(0u, writes());
 }
 
-TEST_F(AudioDeviceRestore, WritesNothingAfterTheCallerHasPutTheFormatBack)
+TEST_F(AudioDeviceRestore, WritesNothingAfterTheCallerHasRestoredTheFormat)
 {
     kept.directSoundTexts = 3;
     std::unique_ptr<AudioDevice> device = newDevice();
@@ -84,7 +84,7 @@ TEST_F(AudioDeviceRestore, WritesNothingAfterTheCallerHasPutTheFormatBack)
     EXPECT_EQ(usual.bytes(), storedFormat(speaker.id()));
 }
 
-TEST_F(AudioDeviceRestore, IsNoMatterOfACopyMadeBefore)
+TEST_F(AudioDeviceRestore, IsNotDoneByACopyMadeBefore)
 {
     kept.directSoundTexts = 3;
     std::unique_ptr<AudioDevice> device = newDevice();
@@ -133,7 +133,7 @@ TEST_F(AudioDeviceRestore, IsDoneByATemporary)
     EXPECT_EQ(3u, writes());
 }
 
-TEST_F(AudioDeviceRestore, IsDoneByTheElementThatAGrowingArrayLeavesBehind)
+TEST_F(AudioDeviceRestore, IsDoneByTheElementThatAGrowingArrayDestroys)
 {
     kept.directSoundTexts = 4;
     {
@@ -152,7 +152,7 @@ TEST_F(AudioDeviceRestore, IsDoneByTheElementThatAGrowingArrayLeavesBehind)
     EXPECT_EQ(3u, writes()); // the element in the new block
 }
 
-TEST_F(AudioDeviceRestore, IsLeftOutWithoutAnOpenStore)
+TEST_F(AudioDeviceRestore, IsOmittedWithoutAnOpenStore)
 {
     kept.directSoundTexts = 2;
     std::unique_ptr<AudioDevice> device = newDevice();
@@ -171,7 +171,7 @@ TEST_F(AudioDeviceRestore, IsLeftOutWithoutAnOpenStore)
                                        "< AudioDevice::~AudioDevice()"));
 }
 
-TEST_F(AudioDeviceRestore, ThatTheSystemRefusesIsReportedAndDropped)
+TEST_F(AudioDeviceRestore, ThatTheSystemRefusesIsLoggedAndDropped)
 {
     kept.directSoundTexts = 2;
     std::unique_ptr<AudioDevice> device = newDevice();
@@ -185,7 +185,7 @@ TEST_F(AudioDeviceRestore, ThatTheSystemRefusesIsReportedAndDropped)
     EXPECT_EQ(better.bytes(), storedFormat(speaker.id()));
 }
 
-TEST_F(AudioDeviceRestore, GoesBackToTheLatestInitialize)
+TEST_F(AudioDeviceRestore, RestoresTheFormatOfTheLatestInitialize)
 {
     kept.directSoundTexts = 3;
     std::unique_ptr<AudioDevice> device = newDevice();
@@ -198,7 +198,7 @@ TEST_F(AudioDeviceRestore, GoesBackToTheLatestInitialize)
     EXPECT_EQ(better.bytes(), storedFormat(speaker.id()));
 }
 
-TEST_F(AudioDeviceRestore, TakesBackWhatSomebodyElseHadSetAndARefreshHasRead)
+TEST_F(AudioDeviceRestore, UndoesAForeignChangeThatARefreshHasRead)
 {
     kept.directSoundTexts = 3;
     std::unique_ptr<AudioDevice> device = newDevice();
@@ -210,7 +210,7 @@ TEST_F(AudioDeviceRestore, TakesBackWhatSomebodyElseHadSetAndARefreshHasRead)
     EXPECT_EQ(usual.bytes(), storedFormat(speaker.id()));
 }
 
-TEST_F(AudioDeviceRestore, WritesAnEmptyFormatWhereTheFirstRefreshHadFailedAndALaterOneHadNot)
+TEST_F(AudioDeviceRestore, WritesAnEmptyFormatIfTheFirstRefreshFailedAndALaterOneSucceeded)
 {
     kept.directSoundTexts = 2;
     sim::PlannedFault fault = simulation().faults().fail("IMMDevice::OpenPropertyStore", E_FAIL).at(1);

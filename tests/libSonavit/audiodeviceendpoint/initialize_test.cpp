@@ -21,7 +21,7 @@ protected:
 using AudioDeviceInitializeAgain = AudioDeviceInitialize;
 using AudioDeviceInitializeById = AudioDeviceInitialize;
 
-TEST_F(AudioDeviceInitialize, AnswersTheOutcomeOfTheRefresh)
+TEST_F(AudioDeviceInitialize, ReturnsTheResultOfTheRefresh)
 {
     kept.directSoundTexts = 1;
     AudioDevice device;
@@ -29,7 +29,7 @@ TEST_F(AudioDeviceInitialize, AnswersTheOutcomeOfTheRefresh)
     EXPECT_TRUE(device.initialize(reference(speaker.id())));
 }
 
-TEST_F(AudioDeviceInitialize, GoesOnWithoutAnIdThatThePlatformRefuses)
+TEST_F(AudioDeviceInitialize, ContinuesIfGetIdFails)
 {
     kept.directSoundTexts = 1;
     sim::PlannedFault fault = simulation().faults().fail("IMMDevice::GetId", E_FAIL);
@@ -88,7 +88,7 @@ TEST_F(AudioDeviceInitialize, SavesThePropertiesAfterASuccess)
     EXPECT_EQ(unsigned(DEVICE_STATE_ACTIVE), device.m_savedProperties.deviceState);
 }
 
-TEST_F(AudioDeviceInitialize, WithoutAStoreFailsButStaysBoundAndMakesTheController)
+TEST_F(AudioDeviceInitialize, WithoutAStoreFailsButKeepsTheDeviceAndCreatesTheController)
 {
     sim::PlannedFault fault = simulation().faults().fail("IMMDevice::OpenPropertyStore", E_ACCESSDENIED);
     AudioDevice device;
@@ -109,7 +109,7 @@ TEST_F(AudioDeviceInitialize, WithoutAStoreFailsButStaysBoundAndMakesTheControll
     EXPECT_EQ(qor::String(), device.m_savedProperties.deviceId);
 }
 
-TEST_F(AudioDeviceInitialize, WithoutAStoreInSpiteOfSuccessFailsInTheSameWay)
+TEST_F(AudioDeviceInitialize, WithASuccessfulNullStoreFailsInTheSameWay)
 {
     sim::PlannedFault fault = simulation().faults().succeedWithNull("IMMDevice::OpenPropertyStore");
     AudioDevice device;
@@ -143,7 +143,7 @@ TEST_F(AudioDeviceInitialize, WithoutATopologyNamesTheInterfaceBeforeTheFailureA
                 ElementsAre("Using NULL deviceTopology invalidates this object"));
 }
 
-TEST_F(AudioDeviceInitialize, WithNullIsFalseAndAsksNothing)
+TEST_F(AudioDeviceInitialize, WithNullReturnsFalseAndCallsNothing)
 {
     AudioDevice device;
 
@@ -198,7 +198,7 @@ TEST_F(AudioDeviceInitializeAgain, ReportsTheCountsOfTheOldStoreAndTheNewDevice)
     device.m_propertyStore->Release();
 }
 
-TEST_F(AudioDeviceInitializeAgain, TriesForATopologyThatTheFirstTimeDidNotGive)
+TEST_F(AudioDeviceInitializeAgain, ActivatesATopologyThatTheFirstTimeFailedToActivate)
 {
     kept.directSoundTexts = 2;
     sim::PlannedFault fault = simulation().faults().fail("IMMDevice::Activate", E_NOINTERFACE).with("IDeviceTopology");
@@ -264,7 +264,7 @@ TEST_F(AudioDeviceInitializeById, AsksTheSharedEnumeratorForTheDevice)
     EXPECT_EQ(1, simulation().census().references("IMMDeviceEnumerator"));
 }
 
-TEST_F(AudioDeviceInitializeById, TakesTheIdAsThePlatformSpellsIt)
+TEST_F(AudioDeviceInitializeById, StoresTheIdAsThePlatformSpellsIt)
 {
     kept.directSoundTexts = 1;
     const std::string upper = devicetest::upperCase(speaker.id());
@@ -275,7 +275,7 @@ TEST_F(AudioDeviceInitializeById, TakesTheIdAsThePlatformSpellsIt)
     EXPECT_EQ(speaker.id(), device.deviceProperty().deviceId.toUtf8());
 }
 
-TEST_F(AudioDeviceInitializeById, OpensOneScopeInTheOther)
+TEST_F(AudioDeviceInitializeById, NestsTheTraceScopes)
 {
     kept.directSoundTexts = 1;
 
@@ -287,7 +287,7 @@ TEST_F(AudioDeviceInitializeById, OpensOneScopeInTheOther)
     EXPECT_EQ("AudioDevice::initialize(IMMDevice* device)", labels.at(2));
 }
 
-TEST_F(AudioDeviceInitializeById, ReportsADeviceThatIsNotThere)
+TEST_F(AudioDeviceInitializeById, LogsAnUnknownDevice)
 {
     AudioDevice device;
 
@@ -298,7 +298,7 @@ TEST_F(AudioDeviceInitializeById, ReportsADeviceThatIsNotThere)
     EXPECT_THAT(messages(LoggerPriority::LOG_ERROR), ElementsAre("IMMDeviceEnumerator::GetDevice returns 0x80070490"));
 }
 
-TEST_F(AudioDeviceInitializeById, LeavesABoundDeviceAloneAfterAFailure)
+TEST_F(AudioDeviceInitializeById, KeepsTheFormerDeviceAfterAFailure)
 {
     kept.directSoundTexts = 1;
     AudioDevice device(reference(speaker.id()));
@@ -312,7 +312,7 @@ TEST_F(AudioDeviceInitializeById, LeavesABoundDeviceAloneAfterAFailure)
     EXPECT_THAT(messages(LoggerPriority::LOG_ERROR), ElementsAre("IMMDeviceEnumerator::GetDevice returns 0x8007000E"));
 }
 
-TEST_F(AudioDeviceInitializeById, ReportsAnEnumeratorThatCannotBeHad)
+TEST_F(AudioDeviceInitializeById, LogsAnEnumeratorThatCannotBeCreated)
 {
     sim::PlannedFault fault = simulation().faults().fail("CoCreateInstance", E_FAIL);
 
@@ -325,7 +325,7 @@ TEST_F(AudioDeviceInitializeById, ReportsAnEnumeratorThatCannotBeHad)
     EXPECT_EQ(0u, simulation().journal().count("IMMDeviceEnumerator::*"));
 }
 
-TEST_F(AudioDeviceInitializeById, TriesForAnEnumeratorAgain)
+TEST_F(AudioDeviceInitializeById, TriesToCreateTheEnumeratorAgain)
 {
     kept.directSoundTexts = 1;
     sim::PlannedFault fault = simulation().faults().fail("CoCreateInstance", E_FAIL).at(1);
@@ -337,7 +337,7 @@ TEST_F(AudioDeviceInitializeById, TriesForAnEnumeratorAgain)
     EXPECT_EQ(1u, fault.fired());
 }
 
-TEST_F(AudioDeviceInitializeById, OpensADeviceOnTheAdapterSide)
+TEST_F(AudioDeviceInitializeById, OpensAnAdapterDevice)
 {
     const AudioDevice device(qor::String::fromUtf8(card.adapter().id));
 

@@ -55,7 +55,7 @@ TEST_F(AudioDeviceJackType, ComesFromTheFirstOfTwoConnectors)
     EXPECT_EQ(1u, simulation().journal().count("IConnector::GetConnectedTo"));
 }
 
-TEST_F(AudioDeviceJackType, StaysWhereTheFirstConnectorLeadsNowhereWhateverTheSecondDoes)
+TEST_F(AudioDeviceJackType, IsUnchangedIfTheFirstConnectorLeadsNowhereWhateverTheSecondDoes)
 {
     kept.directSoundTexts = 1;
     addSecondConnector(sim::nodetypes::headphones);
@@ -71,7 +71,7 @@ TEST_F(AudioDeviceJackType, StaysWhereTheFirstConnectorLeadsNowhereWhateverTheSe
     expectNoMessages();
 }
 
-TEST_F(AudioDeviceJackType, StaysWhereTheFarSideFails)
+TEST_F(AudioDeviceJackType, IsUnchangedIfTheFarSideFails)
 {
     kept.directSoundTexts = 2;
     start();
@@ -85,7 +85,7 @@ TEST_F(AudioDeviceJackType, StaysWhereTheFarSideFails)
     expectNoMessages();
 }
 
-TEST_F(AudioDeviceJackType, StaysWithoutAConnector)
+TEST_F(AudioDeviceJackType, IsUnchangedWithoutAConnector)
 {
     kept.directSoundTexts = 1;
     speaker.endpoint().topology->connectors.clear();
@@ -101,7 +101,7 @@ TEST_F(AudioDeviceJackType, StaysWithoutAConnector)
     expectNoMessages();
 }
 
-TEST_F(AudioDeviceJackType, StaysWhereTheFirstConnectorIsEmpty)
+TEST_F(AudioDeviceJackType, IsUnchangedIfTheFirstConnectorIsEmpty)
 {
     kept.directSoundTexts = 1;
     start();
@@ -117,7 +117,7 @@ TEST_F(AudioDeviceJackType, StaysWhereTheFirstConnectorIsEmpty)
     expectNoMessages();
 }
 
-TEST_F(AudioDeviceJackType, IsZeroWhereTheFarSideIsReportedAndNotGiven)
+TEST_F(AudioDeviceJackType, IsZeroIfGetConnectedToSucceedsWithNull)
 {
     kept.directSoundTexts = 2;
     start();
@@ -131,7 +131,7 @@ TEST_F(AudioDeviceJackType, IsZeroWhereTheFarSideIsReportedAndNotGiven)
     expectNoMessages();
 }
 
-TEST_F(AudioDeviceJackType, IsNotAskedForOnTheAdapterSide)
+TEST_F(AudioDeviceJackType, IsNotReadForAnAdapterDevice)
 {
     start();
 

@@ -1,6 +1,5 @@
 #include "libSonavit/soundcard.h"
 #include "simulator/waveredirection.h"
-
 #include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
 
 #include <algorithm>
@@ -109,7 +108,7 @@ TEST_F(AudioDeviceWaveIdScan, AsksOneNumberAfterTheOtherUntilTheIdIsFound)
     EXPECT_THAT(log.entered(channel), ElementsAre("waveOutLegacyDeviceID", "AudioDevice::dataFlow"));
 }
 
-TEST_F(AudioDeviceWaveIdScan, IsNoneInSilenceWhenAllNumbersAreExhausted)
+TEST_F(AudioDeviceWaveIdScan, IsNoneWithoutAMessageWhenAllNumbersAreSearched)
 {
     bench.machine().waveOut = waveDevices({"one", "two"});
     begin(speaker);
@@ -129,7 +128,7 @@ TEST_F(AudioDeviceWaveIdScan, EndsAtTheFirstOfTwoNumbers)
     EXPECT_EQ(1u, device().waveLegacyDeviceID());
 }
 
-TEST_F(AudioDeviceWaveIdScan, MakesNoAllowanceForCase)
+TEST_F(AudioDeviceWaveIdScan, ComparesIdsCaseSensitively)
 {
     const std::string upper = devicetest::upperCase(speaker.id());
     ASSERT_NE(upper, speaker.id());
@@ -188,7 +187,7 @@ TEST_F(AudioDeviceWaveIdScan, ReportsInputNumbersThatOnlyOutputsHave)
                 ElementsAre("waveMessage returns an error 2", "waveMessage returns an error 2"));
 }
 
-TEST_F(AudioDeviceWaveIdScan, PassesOverADriverThatRefusesTheSize)
+TEST_F(AudioDeviceWaveIdScan, SkipsADriverThatRefusesTheSize)
 {
     bench.machine().waveOut = {{speaker.id(), MMSYSERR_NOTSUPPORTED, 0}, {speaker.id()}};
     begin(speaker);
@@ -199,7 +198,7 @@ TEST_F(AudioDeviceWaveIdScan, PassesOverADriverThatRefusesTheSize)
     EXPECT_EQ(3u, simulation().journal().count("waveOutMessage")) << "the size alone is asked of the first";
 }
 
-TEST_F(AudioDeviceWaveIdScan, PassesOverADriverThatRefusesTheIdAndFreesTheBlock)
+TEST_F(AudioDeviceWaveIdScan, SkipsADriverThatRefusesTheIdAndFreesTheBlock)
 {
     bench.machine().waveOut = {{speaker.id(), 0, MMSYSERR_INVALPARAM}, {speaker.id()}};
     begin(speaker);
@@ -274,7 +273,7 @@ TEST_F(AudioDeviceWaveIdScan, FindsADeviceThatIsPluggedInMeanwhile)
     EXPECT_EQ(1u, plug.fired());
 }
 
-TEST_F(AudioDeviceWaveIdScan, TakesAnUnknownFlowForAnInput)
+TEST_F(AudioDeviceWaveIdScan, TreatsAnUnknownFlowAsAnInput)
 {
     bench.machine().waveOut = waveDevices({speaker.id()});
     bench.machine().waveIn = waveDevices({speaker.id()});
@@ -320,7 +319,8 @@ TEST_F(AudioDeviceWaveMessage, WidensTheNumberWithItsSign)
 
     device().waveMessage(eRender, 0xFFFFFFFF, 5, 0, 0);
 
-    EXPECT_THAT(calls().calls(), ElementsAre("waveOutMessage(18446744073709551615, 5)"));
+    const std::string widened = std::to_string(~DWORD_PTR{0}); // 64 bits, but on 32-bit Windows
+    EXPECT_THAT(calls().calls(), ElementsAre("waveOutMessage(" + widened + ", 5)"));
 }
 
 TEST_F(AudioDeviceWaveMessage, PassesBothParametersOn)

@@ -129,7 +129,7 @@ PROPVARIANT variantOf(VARTYPE tag)
 /// Type tags that none of the readers below accepts.
 constexpr VARTYPE foreignTags[] = {VT_EMPTY, VT_I4, VT_BOOL, VT_UI8, VT_CLSID};
 
-TEST(AudioDevicePropVariant, GivesATextForATextTagOnly)
+TEST(AudioDevicePropVariant, ReadsAStringFromAStringTagOnly)
 {
     AudioDevice device;
     qor::String value("before");
@@ -147,7 +147,7 @@ TEST(AudioDevicePropVariant, GivesATextForATextTagOnly)
     EXPECT_EQ(qor::String("ab"), value);
 }
 
-TEST(AudioDevicePropVariant, GivesANumberForAnUnsignedTagOnly)
+TEST(AudioDevicePropVariant, ReadsANumberFromAnUnsignedTagOnly)
 {
     AudioDevice device;
     unsigned int value = 7;
@@ -164,7 +164,7 @@ TEST(AudioDevicePropVariant, GivesANumberForAnUnsignedTagOnly)
     EXPECT_EQ(0x63Fu, value);
 }
 
-TEST(AudioDevicePropVariant, CountsAnyTagButABlobAsAFormatLeftAsItIs)
+TEST(AudioDevicePropVariant, SucceedsWithTheFormatUnchangedForAnyTagExceptABlob)
 {
     AudioDevice device;
     const WAVEFORMATEXTENSIBLE before = devicetest::waveFormat({16, 44100, 2});
@@ -178,7 +178,7 @@ TEST(AudioDevicePropVariant, CountsAnyTagButABlobAsAFormatLeftAsItIs)
     EXPECT_TRUE(before == value);
 }
 
-TEST(AudioDevicePropVariant, TakesAFormatOf40BytesOnly)
+TEST(AudioDevicePropVariant, ReadsAFormatOf40BytesOnly)
 {
     AudioDevice device;
     const WAVEFORMATEXTENSIBLE before = devicetest::waveFormat({16, 44100, 2});

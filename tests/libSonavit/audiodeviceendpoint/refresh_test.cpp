@@ -71,7 +71,7 @@ TEST_P(AudioDeviceRefreshProperty, IsReadAnew)
     EXPECT_THAT(messages(LoggerPriority::LOG_ERROR), IsEmpty());
 }
 
-TEST_P(AudioDeviceRefreshProperty, IsReportedAndKeptWhereItIsMissing)
+TEST_P(AudioDeviceRefreshProperty, IsLoggedAndUnchangedIfItIsMissing)
 {
     kept.directSoundTexts = 2;
     const std::string before = shown();
@@ -84,7 +84,7 @@ TEST_P(AudioDeviceRefreshProperty, IsReportedAndKeptWhereItIsMissing)
     EXPECT_THAT(messages(LoggerPriority::LOG_ERROR), ElementsAre(GetParam().message));
 }
 
-TEST_P(AudioDeviceRefreshProperty, IsReportedAndKeptWhereItHasAnotherType)
+TEST_P(AudioDeviceRefreshProperty, IsLoggedAndUnchangedIfItHasAnotherType)
 {
     kept.directSoundTexts = 2;
     const std::string before = shown();
@@ -96,7 +96,7 @@ TEST_P(AudioDeviceRefreshProperty, IsReportedAndKeptWhereItHasAnotherType)
     EXPECT_THAT(messages(LoggerPriority::LOG_ERROR), ElementsAre(GetParam().message));
 }
 
-TEST_P(AudioDeviceRefreshProperty, IsReportedAndKeptWhereTheStoreFails)
+TEST_P(AudioDeviceRefreshProperty, IsLoggedAndUnchangedIfTheStoreFails)
 {
     kept.directSoundTexts = 2;
     const std::string before = shown();
@@ -148,7 +148,7 @@ protected:
     }
 };
 
-TEST_F(AudioDeviceRefreshFormat, IsKeptInSilenceWhereThereIsNone)
+TEST_F(AudioDeviceRefreshFormat, IsUnchangedWithoutAMessageIfThereIsNone)
 {
     removeProperty(speaker.id(), sim::keys::deviceFormat);
 
@@ -158,7 +158,7 @@ TEST_F(AudioDeviceRefreshFormat, IsKeptInSilenceWhereThereIsNone)
     EXPECT_THAT(messages(LoggerPriority::LOG_ERROR), IsEmpty());
 }
 
-TEST_F(AudioDeviceRefreshFormat, IsKeptInSilenceWhereItHasAnotherType)
+TEST_F(AudioDeviceRefreshFormat, IsUnchangedWithoutAMessageIfItHasAnotherType)
 {
     setProperty(speaker.id(), sim::keys::deviceFormat, sim::PropertyValue::ofText("16/48000/2"));
 
@@ -168,7 +168,7 @@ TEST_F(AudioDeviceRefreshFormat, IsKeptInSilenceWhereItHasAnotherType)
     EXPECT_THAT(messages(LoggerPriority::LOG_ERROR), IsEmpty());
 }
 
-TEST_F(AudioDeviceRefreshFormat, IsReportedAndKeptWhereItHas18Bytes)
+TEST_F(AudioDeviceRefreshFormat, IsLoggedAndUnchangedIfItHas18Bytes)
 {
     std::vector<std::uint8_t> plain = sim::DeviceFormat{24, 96000, 2}.bytes();
     plain.resize(18);
@@ -180,7 +180,7 @@ TEST_F(AudioDeviceRefreshFormat, IsReportedAndKeptWhereItHas18Bytes)
     EXPECT_THAT(messages(LoggerPriority::LOG_ERROR), ElementsAre(message));
 }
 
-TEST_F(AudioDeviceRefreshFormat, IsReportedAndKeptWhereTheStoreFails)
+TEST_F(AudioDeviceRefreshFormat, IsLoggedAndUnchangedIfTheStoreFails)
 {
     sim::PlannedFault fault = simulation().faults().fail("IPropertyStore::GetValue", E_FAIL).with("deviceFormat");
 
@@ -208,7 +208,7 @@ class AudioDeviceRefreshDirectSoundGuid : public AudioDeviceRefresh
 {
 };
 
-TEST_F(AudioDeviceRefreshDirectSoundGuid, LeavesTheTextWithThePlatform)
+TEST_F(AudioDeviceRefreshDirectSoundGuid, LeavesTheStringAllocated)
 {
     const sim::Census before = simulation().census();
 
@@ -220,7 +220,7 @@ TEST_F(AudioDeviceRefreshDirectSoundGuid, LeavesTheTextWithThePlatform)
     kept.directSoundTexts = 2;
 }
 
-TEST_F(AudioDeviceRefreshDirectSoundGuid, ReportsATextThatIsNoGuid)
+TEST_F(AudioDeviceRefreshDirectSoundGuid, LogsAStringThatIsNoGuid)
 {
     setProperty(speaker.id(), sim::keys::endpointGuid, sim::PropertyValue::ofText("not a GUID"));
 
@@ -232,7 +232,7 @@ TEST_F(AudioDeviceRefreshDirectSoundGuid, ReportsATextThatIsNoGuid)
     kept.directSoundTexts = 2;
 }
 
-TEST_F(AudioDeviceRefreshDirectSoundGuid, IsKeptInSilenceWhereTheStoreFails)
+TEST_F(AudioDeviceRefreshDirectSoundGuid, IsUnchangedWithoutAMessageIfTheStoreFails)
 {
     const GUID before = properties().directSoundGuid;
     sim::PlannedFault fault = simulation().faults().fail("IPropertyStore::GetValue", E_FAIL).with("endpointGuid");
@@ -246,7 +246,7 @@ TEST_F(AudioDeviceRefreshDirectSoundGuid, IsKeptInSilenceWhereTheStoreFails)
     EXPECT_THAT(messages(LoggerPriority::LOG_ERROR), IsEmpty());
 }
 
-TEST_F(AudioDeviceRefreshDirectSoundGuid, IsZeroInSilenceWhereThereIsNone)
+TEST_F(AudioDeviceRefreshDirectSoundGuid, IsZeroWithoutAMessageIfThereIsNone)
 {
     removeProperty(speaker.id(), sim::keys::endpointGuid);
 
@@ -256,7 +256,7 @@ TEST_F(AudioDeviceRefreshDirectSoundGuid, IsZeroInSilenceWhereThereIsNone)
     EXPECT_THAT(messages(LoggerPriority::LOG_WARNING), IsEmpty());
 }
 
-TEST_F(AudioDeviceRefreshDirectSoundGuid, HasNoRegardForTheType)
+TEST_F(AudioDeviceRefreshDirectSoundGuid, IgnoresTheType)
 {
     setProperty(speaker.id(), sim::keys::endpointGuid, sim::PropertyValue::ofNumber(0)); // reads as a null string
 
@@ -271,7 +271,7 @@ class AudioDeviceRefreshMemory : public AudioDeviceRefresh
 {
 };
 
-TEST_F(AudioDeviceRefreshMemory, ClearsEachVariantButThatOfTheGuid)
+TEST_F(AudioDeviceRefreshMemory, ClearsEachVariantExceptThatOfTheGuid)
 {
     kept.directSoundTexts = 2;
 

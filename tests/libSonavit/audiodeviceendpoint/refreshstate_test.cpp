@@ -43,7 +43,7 @@ TEST_F(AudioDeviceRefreshState, ReadsNothingElseAndOpensNoScope)
     EXPECT_THAT(log.records(channel), IsEmpty());
 }
 
-TEST_F(AudioDeviceRefreshState, ReportsAFailureAndKeepsTheState)
+TEST_F(AudioDeviceRefreshState, LogsAFailureAndKeepsTheState)
 {
     AudioDevice device(reference(speaker.id()));
     simulation().events().unplug(speaker.id());
@@ -118,7 +118,7 @@ TEST_F(AudioDeviceRefreshStore, ThatCannotBeOpenedLeavesAllPropertiesUnread)
     EXPECT_THAT(simulation().journal().operations(), ElementsAre("IMMDevice::OpenPropertyStore"));
 }
 
-TEST_F(AudioDeviceRefreshStore, RefreshEndsWithSevenLinesOfWhatWasFound)
+TEST_F(AudioDeviceRefreshStore, RefreshEndsWithSevenLinesOfProperties)
 {
     kept.directSoundTexts = 1;
 

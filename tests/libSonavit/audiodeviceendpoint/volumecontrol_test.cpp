@@ -20,7 +20,7 @@ protected:
     }
 };
 
-TEST_F(AudioDeviceVolumeControl, BelongsToTheEndpointAsItWasJustRead)
+TEST_F(AudioDeviceVolumeControl, HasTheNameAndTypeThatWereJustRead)
 {
     startFor(1);
     AudioDevice device(reference(speaker.id()));
@@ -60,7 +60,7 @@ TEST_F(AudioDeviceVolumeControl, OutlivesTheDevice)
     EXPECT_EQ(2u, control->numChannel());
 }
 
-TEST_F(AudioDeviceVolumeControl, IsMadeWithoutAnInterfaceToo)
+TEST_F(AudioDeviceVolumeControl, IsCreatedEvenWithoutAnInterface)
 {
     speaker.withoutVolume();
     startFor(1);
@@ -78,7 +78,7 @@ TEST_F(AudioDeviceVolumeControl, IsMadeWithoutAnInterfaceToo)
                 ElementsAre("Interface is not available for this device Speakers Analog Audio 0x80004002"));
 }
 
-TEST_F(AudioDeviceVolumeControl, IsMissingOnTheAdapterSideWhichIsReportedAsUnfinished)
+TEST_F(AudioDeviceVolumeControl, IsMissingForAnAdapterDeviceWithAFatalMessage)
 {
     start();
     AudioDevice device;
@@ -92,7 +92,7 @@ TEST_F(AudioDeviceVolumeControl, IsMissingOnTheAdapterSideWhichIsReportedAsUnfin
     EXPECT_FALSE(device.createVolumeControl());
 }
 
-TEST_F(AudioDeviceVolumeControl, OfAnEarlierEndpointStaysOnTheAdapterSide)
+TEST_F(AudioDeviceVolumeControl, OfAnEarlierEndpointIsKeptByAnAdapterDevice)
 {
     startFor(2); // the store stays that of the speaker
     AudioDevice device(reference(speaker.id()));
@@ -118,7 +118,7 @@ TEST_F(AudioDeviceVolumeControl, IsReplacedByASecondInitialize)
     EXPECT_EQ(1, simulation().census().references("IAudioEndpointVolume"));
 }
 
-TEST_F(AudioDeviceVolumeControl, IsMadeUnderTheLabelOfTheQuestionForIt)
+TEST_F(AudioDeviceVolumeControl, IsCreatedUnderTheLabelOfVolumeControl)
 {
     startFor(1);
     AudioDevice device(reference(speaker.id()));

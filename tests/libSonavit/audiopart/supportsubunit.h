@@ -23,4 +23,4 @@ private:
     IPart* const m_part;
     const HRESULT m_result;
 };
-} // namespace support
+}

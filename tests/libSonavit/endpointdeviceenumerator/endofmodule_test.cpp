@@ -42,7 +42,7 @@ struct AudioDeviceEnumeratorEnd : support::LibraryTest
 };
 }
 
-TEST_F(AudioDeviceEnumeratorEnd, TakesTheClientsOffThenReleasesThemBothInOrderOfArrivalAndTheEnumeratorLast)
+TEST_F(AudioDeviceEnumeratorEnd, UnregistersThenReleasesTheClientsInOrderOfRegistrationAndTheEnumeratorLast)
 {
     addThreeClients();
     const sim::PlannedFault watch =
@@ -69,7 +69,7 @@ TEST_F(AudioDeviceEnumeratorEnd, HoldsNothingAfterwards)
     EXPECT_TRUE(simulation().census().empty()) << simulation().census();
 }
 
-TEST_F(AudioDeviceEnumeratorEnd, LooksAtNoAnswerToAnUnregistration)
+TEST_F(AudioDeviceEnumeratorEnd, IgnoresTheResultsOfTheUnregistrations)
 {
     addThreeClients();
     const sim::PlannedFault fault = simulation().faults().fail(unregisterCall);
@@ -88,7 +88,7 @@ TEST_F(AudioDeviceEnumeratorEnd, LooksAtNoAnswerToAnUnregistration)
         enumerator->UnregisterEndpointNotificationCallback(client);
 }
 
-TEST_F(AudioDeviceEnumeratorEnd, LeavesAnEmptyHandleBehind)
+TEST_F(AudioDeviceEnumeratorEnd, LeavesAnEmptyHandle)
 {
     shared();
 
@@ -97,7 +97,7 @@ TEST_F(AudioDeviceEnumeratorEnd, LeavesAnEmptyHandleBehind)
     EXPECT_EQ(nullptr, AudioDeviceEnumeratorFactory::m_enumerator.get());
 }
 
-TEST_F(AudioDeviceEnumeratorEnd, AsksThePlatformNothingWhereNoEnumeratorWasMade)
+TEST_F(AudioDeviceEnumeratorEnd, CallsNoPlatformFunctionIfNoEnumeratorWasCreated)
 {
     shared();
     simulation().journal().clear();
@@ -107,7 +107,7 @@ TEST_F(AudioDeviceEnumeratorEnd, AsksThePlatformNothingWhereNoEnumeratorWasMade)
     EXPECT_THAT(simulation().journal().entries().without("CoUninitialize").operations(), IsEmpty());
 }
 
-TEST_F(AudioDeviceEnumeratorEnd, HasNothingToDoWhereNoInstanceWasMade)
+TEST_F(AudioDeviceEnumeratorEnd, DoesNothingIfNoInstanceWasCreated)
 {
     endModule();
 
@@ -128,7 +128,7 @@ TEST_F(AudioDeviceEnumeratorEnd, UninitializesComLast)
                 ElementsAre(unregisterCall, unregisterCall, unregisterCall, releaseCall, "CoUninitialize"));
 }
 
-TEST_F(AudioDeviceEnumeratorEnd, UninitializesComAlsoAfterCoInitializeHasFailed)
+TEST_F(AudioDeviceEnumeratorEnd, UninitializesComEvenIfCoInitializeFailed)
 {
     const sim::PlannedFault fault = simulation().faults().fail("CoInitialize", E_OUTOFMEMORY);
 

@@ -46,7 +46,7 @@ struct EndpointDeviceEnumeratorAudioDevices : FlatListTest
 };
 }
 
-TEST_F(EndpointDeviceEnumeratorLife, CreatesAnEnumeratorOfItsOwn)
+TEST_F(EndpointDeviceEnumeratorLife, CreatesItsOwnEnumerator)
 {
     const EndpointDeviceEnumerator enumerator;
 
@@ -90,7 +90,7 @@ TEST_F(EndpointDeviceEnumeratorLife, GivesItsHandleWithoutAFurtherReference)
     EXPECT_EQ(1, simulation().census().references("IMMDeviceEnumerator"));
 }
 
-TEST_F(EndpointDeviceEnumeratorLife, SharesTheEnumeratorWithItsCopiesInSilence)
+TEST_F(EndpointDeviceEnumeratorLife, SharesTheEnumeratorWithItsCopiesWithoutARecord)
 {
     const EndpointDeviceEnumerator enumerator;
     forget();
@@ -166,7 +166,7 @@ TEST_F(EndpointDeviceEnumeratorLife, ReleasesTheFormerEnumeratorWhenItIsInitiali
     EXPECT_EQ(1u, comReferenceCount(former.get())); // the test's
 }
 
-TEST_F(EndpointDeviceEnumeratorLife, IsWithoutEnumeratorWhenItCannotBeInitializedAgain)
+TEST_F(EndpointDeviceEnumeratorLife, HasNoEnumeratorIfItCannotBeInitializedAgain)
 {
     EndpointDeviceEnumerator enumerator;
     const sim::PlannedFault fault = simulation().faults().fail("CoCreateInstance");
@@ -190,7 +190,7 @@ TEST_F(EndpointDeviceEnumeratorAudioDevices, ListsTheEndpointsOfAFlowInEveryStat
                 ElementsAre("IMMDeviceEnumerator::EnumAudioEndpoints(eRender, 15)"));
 }
 
-TEST_F(EndpointDeviceEnumeratorAudioDevices, LogsTheMaskWhereTheStateListsHaveAnIndexAndOpensNoScope)
+TEST_F(EndpointDeviceEnumeratorAudioDevices, LogsTheMaskInPlaceOfAnIndexAndOpensNoScope)
 {
     const EndpointDeviceEnumerator enumerator;
     qor::Array<AudioDevice> devices;
@@ -215,7 +215,7 @@ TEST_F(EndpointDeviceEnumeratorAudioDevices, ReplacesWhatTheListHeldAndAnswersIt
     EXPECT_THAT(namesOf(devices), ElementsAre("Microphone"));
 }
 
-TEST_F(EndpointDeviceEnumeratorAudioDevices, EmptiesTheListAlsoWhereTheEnumerationIsRefused)
+TEST_F(EndpointDeviceEnumeratorAudioDevices, EmptiesTheListEvenIfTheEnumerationIsRefused)
 {
     const EndpointDeviceEnumerator enumerator;
     qor::Array<AudioDevice> devices;
@@ -241,7 +241,7 @@ TEST_F(EndpointDeviceEnumeratorAudioDevices, ReadsARefusedCountAsZero)
     EXPECT_THAT(log.texts(channel), ElementsAre("Device state index 15 found 0 devices"));
 }
 
-TEST_F(EndpointDeviceEnumeratorAudioDevices, GivesAnEndpointThatCannotBeHadItsPlaceAllTheSame)
+TEST_F(EndpointDeviceEnumeratorAudioDevices, KeepsThePlaceOfAnEndpointThatCannotBeObtained)
 {
     const EndpointDeviceEnumerator enumerator;
     qor::Array<AudioDevice> devices;

@@ -51,7 +51,7 @@ struct AudioDeviceEnumeratorAssignment : SharedEnumeratorCopyTest
 };
 }
 
-TEST_F(AudioDeviceEnumeratorCopy, TakesReferencesOfItsOwnAndRegistersNothing)
+TEST_F(AudioDeviceEnumeratorCopy, TakesItsOwnReferencesAndRegistersNothing)
 {
     const std::unique_ptr<AudioDeviceEnumerator> copy = copyOfShared();
 
@@ -64,7 +64,7 @@ TEST_F(AudioDeviceEnumeratorCopy, TakesReferencesOfItsOwnAndRegistersNothing)
     EXPECT_THAT(log.records(), IsEmpty());
 }
 
-TEST_F(AudioDeviceEnumeratorCopy, TakesAllClientsOffThePlatformAtItsEnd)
+TEST_F(AudioDeviceEnumeratorCopy, UnregistersAllClientsInTheDestructor)
 {
     copyOfShared().reset();
 
@@ -76,7 +76,7 @@ TEST_F(AudioDeviceEnumeratorCopy, TakesAllClientsOffThePlatformAtItsEnd)
     EXPECT_EQ(1, simulation().census().references("IMMDeviceEnumerator"));
 }
 
-TEST_F(AudioDeviceEnumeratorCopy, HasTheOriginalUnregisterThemOnceMore)
+TEST_F(AudioDeviceEnumeratorCopy, LeavesTheOriginalToUnregisterThemOnceMore)
 {
     copyOfShared().reset();
     simulation().journal().clear();
@@ -88,7 +88,7 @@ TEST_F(AudioDeviceEnumeratorCopy, HasTheOriginalUnregisterThemOnceMore)
     EXPECT_EQ(0u, second.count);
 }
 
-TEST_F(AudioDeviceEnumeratorAssignment, TakesTheSourcesClientsAndLetsItsOwnGo)
+TEST_F(AudioDeviceEnumeratorAssignment, TakesTheSourcesClientsAndReleasesItsOwn)
 {
     CountedClient third(calls, "third");
     const std::unique_ptr<AudioDeviceEnumerator> target = copyOfShared();
@@ -105,7 +105,7 @@ TEST_F(AudioDeviceEnumeratorAssignment, TakesTheSourcesClientsAndLetsItsOwnGo)
     EXPECT_EQ(2, simulation().census().references("IMMDeviceEnumerator"));
 }
 
-TEST_F(AudioDeviceEnumeratorAssignment, LeavesTheRegistrationsAlone)
+TEST_F(AudioDeviceEnumeratorAssignment, LeavesTheRegistrationsUnchanged)
 {
     const std::unique_ptr<AudioDeviceEnumerator> target = copyOfShared();
 

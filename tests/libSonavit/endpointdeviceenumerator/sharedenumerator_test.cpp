@@ -71,7 +71,7 @@ TEST_F(AudioDeviceEnumeratorFactoryEnumerator, HasItsFieldsInTheirOrderWithComAt
     EXPECT_LT(static_cast<void*>(&instance.m_notificationClients), static_cast<void*>(&instance.m_comInitializer));
 }
 
-TEST_F(AudioDeviceEnumeratorFactoryEnumerator, StartsComAndNothingElse)
+TEST_F(AudioDeviceEnumeratorFactoryEnumerator, InitializesComAndNothingElse)
 {
     AudioDeviceEnumerator& instance = shared();
 
@@ -109,7 +109,7 @@ TEST_F(AudioDeviceEnumeratorDeviceEnumerator, CreatesThePlatformsEnumeratorOnFir
     EXPECT_EQ(2u, log.texts(channel).size());
 }
 
-TEST_F(AudioDeviceEnumeratorDeviceEnumerator, GivesNoReferenceAway)
+TEST_F(AudioDeviceEnumeratorDeviceEnumerator, ReturnsThePointerWithoutAReference)
 {
     const BorrowedPointer<IMMDeviceEnumerator> enumerator = shared().deviceEnumerator();
 
@@ -130,7 +130,7 @@ TEST_F(AudioDeviceEnumeratorDeviceEnumerator, CreatesAndReportsNothingOnASecondC
     EXPECT_THAT(log.entered(channel), ElementsAre(label)); // the scope is opened on every call
 }
 
-TEST_F(AudioDeviceEnumeratorDeviceEnumerator, LogsAFailureAndGivesNilAndTriesAgainNextTime)
+TEST_F(AudioDeviceEnumeratorDeviceEnumerator, LogsAFailureReturnsNilAndTriesAgainNextTime)
 {
     const sim::PlannedFault fault = simulation().faults().fail("CoCreateInstance", E_OUTOFMEMORY).at(1);
 
@@ -145,7 +145,7 @@ TEST_F(AudioDeviceEnumeratorDeviceEnumerator, LogsAFailureAndGivesNilAndTriesAga
                 ElementsAre("IMMDeviceEnumerator refcount = 1", "IMMDeviceEnumerator refcount after copy = 1"));
 }
 
-TEST_F(AudioDeviceEnumeratorDeviceEnumerator, TakesASuccessWithoutAnEnumeratorInSilence)
+TEST_F(AudioDeviceEnumeratorDeviceEnumerator, LogsNothingForASuccessWithoutAnEnumerator)
 {
     const sim::PlannedFault fault = simulation().faults().succeedWithNull("CoCreateInstance").at(1);
 
@@ -197,7 +197,7 @@ TEST_F(AudioDeviceEnumeratorAddNotificationClient, KeepsAndRegistersTheSameClien
     EXPECT_EQ(0u, client.count);
 }
 
-TEST_F(AudioDeviceEnumeratorAddNotificationClient, KeepsAClientThatThePlatformRefusesAndUnregistersItAllTheSame)
+TEST_F(AudioDeviceEnumeratorAddNotificationClient, KeepsAClientThatThePlatformRefusesAndUnregistersItNevertheless)
 {
     const sim::PlannedFault fault = simulation().faults().fail(
         "IMMDeviceEnumerator::RegisterEndpointNotificationCallback", static_cast<HRESULT>(0x80070005));
@@ -230,7 +230,7 @@ TEST_F(AudioDeviceEnumeratorAddNotificationClient, AppendsTheClientBeforeItIsReg
     EXPECT_EQ(1u, sizeAtRegistration);
 }
 
-TEST_F(AudioDeviceEnumeratorAddNotificationClient, FailsWithTheListUnchangedWhereThereIsNoEnumerator)
+TEST_F(AudioDeviceEnumeratorAddNotificationClient, FailsWithTheListUnchangedIfThereIsNoEnumerator)
 {
     const sim::PlannedFault fault = simulation().faults().fail("CoCreateInstance", E_FAIL);
 
@@ -244,7 +244,7 @@ TEST_F(AudioDeviceEnumeratorAddNotificationClient, FailsWithTheListUnchangedWher
     EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channel), ElementsAre("Fail to instantiate IMMDeviceNumerator"));
 }
 
-TEST_F(AudioDeviceEnumeratorAddNotificationClient, FailsAlsoWhereTheCreationSucceededWithNothing)
+TEST_F(AudioDeviceEnumeratorAddNotificationClient, FailsEvenIfTheCreationSucceedsWithNull)
 {
     const sim::PlannedFault fault = simulation().faults().succeedWithNull("CoCreateInstance");
 
@@ -254,7 +254,7 @@ TEST_F(AudioDeviceEnumeratorAddNotificationClient, FailsAlsoWhereTheCreationSucc
     EXPECT_THAT(log.texts(channel), ElementsAre("Fail to instantiate IMMDeviceNumerator"));
 }
 
-TEST_F(AudioDeviceEnumeratorAddNotificationClient, KeepsEveryClientInOrderOfArrival)
+TEST_F(AudioDeviceEnumeratorAddNotificationClient, KeepsEveryClientInOrderOfRegistration)
 {
     shared().addNotificationClient(client.handle());
     shared().addNotificationClient(other.handle());

@@ -113,7 +113,7 @@ TEST_F(AudioDeviceEnumeratorAudioDevices, ReadsARefusedCountAsZero)
     EXPECT_THAT(log.texts(), ElementsAre("Found 0 devices"));
 }
 
-TEST_F(AudioDeviceEnumeratorAudioDevices, GivesAnEndpointThatCannotBeHadItsPlaceAllTheSame)
+TEST_F(AudioDeviceEnumeratorAudioDevices, KeepsThePlaceOfAnEndpointThatCannotBeObtained)
 {
     const AudioDeviceEnumerator& shared = sharedOf(support::endpointsInAllStates());
     qor::Array<AudioDevice> devices;

@@ -42,7 +42,7 @@ struct EndpointDeviceEnumeratorCommonRefresh : StateListsTest
 };
 }
 
-TEST_F(EndpointDeviceEnumeratorCommonConstruction, IsEmptyByDefaultAndAsksThePlatformNothing)
+TEST_F(EndpointDeviceEnumeratorCommonConstruction, IsEmptyByDefaultAndCallsNoPlatformFunction)
 {
     run(support::endpointsInAllStates());
 
@@ -110,7 +110,7 @@ TEST_F(EndpointDeviceEnumeratorCommonEnumerate, PutsEachEndpointIntoTheListOfIts
     EXPECT_EQ(0u, result.m_collections.size());
 }
 
-TEST_F(EndpointDeviceEnumeratorCommonEnumerate, AsksForEachStateApart)
+TEST_F(EndpointDeviceEnumeratorCommonEnumerate, EnumeratesEachStateSeparately)
 {
     run(support::endpointsInAllStates());
     EndpointDeviceEnumeratorCommon enumerator;
@@ -126,7 +126,7 @@ TEST_F(EndpointDeviceEnumeratorCommonEnumerate, AsksForEachStateApart)
                             "IMMDeviceEnumerator::EnumAudioEndpoints(eRender, 8)"));
 }
 
-TEST_F(EndpointDeviceEnumeratorCommonEnumerate, ReportsEachStateWithTheListStillEmpty)
+TEST_F(EndpointDeviceEnumeratorCommonEnumerate, LogsEachStateWithTheListStillEmpty)
 {
     run(support::endpointsInAllStates());
     EndpointDeviceEnumeratorCommon enumerator;
@@ -184,7 +184,7 @@ TEST_F(EndpointDeviceEnumeratorCommonEnumerate, ReplacesEnumeratorAndListsWhenCa
     EXPECT_EQ(1u, comReferenceCount(former.get())); // the test's
 }
 
-TEST_F(EndpointDeviceEnumeratorCommonEnumerate, LeavesAllListsEmptyWhenItFailsAlsoIfTheyWereFilled)
+TEST_F(EndpointDeviceEnumeratorCommonEnumerate, LeavesAllListsEmptyWhenItFailsEvenIfTheyWereFilled)
 {
     run(support::endpointsInAllStates());
     EndpointDeviceEnumeratorCommon enumerator(eRender);
@@ -200,7 +200,7 @@ TEST_F(EndpointDeviceEnumeratorCommonEnumerate, LeavesAllListsEmptyWhenItFailsAl
     EXPECT_THAT(log.texts(LoggerPriority::LOG_ERROR, channel), ElementsAre("CoCreateInstance returns 0x8007000E"));
 }
 
-TEST_F(EndpointDeviceEnumeratorCommonEnumerate, FailsInSilenceWhereTheCreationSucceededWithNothing)
+TEST_F(EndpointDeviceEnumeratorCommonEnumerate, FailsWithoutAMessageIfTheCreationSucceedsWithNull)
 {
     run(support::endpointsInAllStates());
     EndpointDeviceEnumeratorCommon enumerator(eRender);
@@ -241,7 +241,7 @@ TEST_F(EndpointDeviceEnumeratorCommonEnumerate, HasAnEndpointThatChangesMeanwhil
     EXPECT_EQ(empty, lists(enumerator));
 }
 
-TEST_F(EndpointDeviceEnumeratorCommonEnumerate, GivesAnEndpointThatCannotBeHadItsPlaceAllTheSame)
+TEST_F(EndpointDeviceEnumeratorCommonEnumerate, KeepsThePlaceOfAnEndpointThatCannotBeObtained)
 {
     run(support::endpointsInAllStates());
     const sim::PlannedFault fault = simulation().faults().fail("IMMDeviceCollection::Item").at(1);

@@ -100,7 +100,7 @@ TEST_F(EndpointDeviceEnumeratorCommonCopy, HasListsAndAReferenceOfItsOwn)
     EXPECT_EQ(nullptr, enumerator->enumerator().get());
 }
 
-TEST_F(EndpointDeviceEnumeratorCommonCopy, KnowsTheObserverWithoutRegisteringIt)
+TEST_F(EndpointDeviceEnumeratorCommonCopy, HasTheObserverWithoutRegisteringIt)
 {
     enumerator->registerNotificationObserver(&client);
     simulation().journal().clear();
@@ -216,7 +216,7 @@ TEST_F(EndpointDeviceEnumeratorCommonObserver, IsUnregisteredBeforeAnotherOneIsR
     enumerator->unregisterNotificationObserver();
 }
 
-TEST_F(EndpointDeviceEnumeratorCommonObserver, IsKeptAlsoWhereThePlatformRefuses)
+TEST_F(EndpointDeviceEnumeratorCommonObserver, IsKeptEvenIfThePlatformRefuses)
 {
     const sim::PlannedFault refused = simulation().faults().fail(registerCall);
 
@@ -234,7 +234,7 @@ TEST_F(EndpointDeviceEnumeratorCommonObserver, IsKeptAlsoWhereThePlatformRefuses
     enumerator->unregisterNotificationObserver();
 }
 
-TEST_F(EndpointDeviceEnumeratorCommonObserver, GivesWayAlsoWhereThePlatformRefusesToUnregisterIt)
+TEST_F(EndpointDeviceEnumeratorCommonObserver, IsReplacedEvenIfThePlatformRefusesToUnregisterIt)
 {
     enumerator->registerNotificationObserver(&client);
     const sim::PlannedFault refused = simulation().faults().fail(unregisterCall).at(1);
@@ -248,7 +248,7 @@ TEST_F(EndpointDeviceEnumeratorCommonObserver, GivesWayAlsoWhereThePlatformRefus
     enumerator->enumerator()->UnregisterEndpointNotificationCallback(&client);
 }
 
-TEST_F(EndpointDeviceEnumeratorCommonObserver, CanBeTakenOffOnce)
+TEST_F(EndpointDeviceEnumeratorCommonObserver, CanBeUnregisteredOnce)
 {
     enumerator->registerNotificationObserver(&client);
 
@@ -260,7 +260,7 @@ TEST_F(EndpointDeviceEnumeratorCommonObserver, CanBeTakenOffOnce)
     EXPECT_EQ(0u, client.count);
 }
 
-TEST_F(EndpointDeviceEnumeratorCommonObserver, StaysKnownAndRegisteredOverANewEnumeration)
+TEST_F(EndpointDeviceEnumeratorCommonObserver, StaysRegisteredDuringANewEnumeration)
 {
     enumerator->registerNotificationObserver(&client);
     simulation().journal().clear();

@@ -94,7 +94,7 @@ TEST_F(HotPlug, RunsOnTheMachinesThreadWhenItDoesNotDeliverAtOnce)
     playback.whenHeard = [&] { thread = std::this_thread::get_id(); };
 
     simulation().events().add(late);
-    simulation().events().settle();
+    simulation().events().waitForClients();
 
     EXPECT_EQ(3u, playbackDevices().size());
     EXPECT_NE(std::thread::id(), thread);

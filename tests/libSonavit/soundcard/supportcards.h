@@ -1,7 +1,6 @@
 #pragma once
 
 #include "libSonavit/soundcard.h"
-
 #include "tests/libSonavit/endpointdeviceenumerator/supportendpoints.h"
 
 namespace support

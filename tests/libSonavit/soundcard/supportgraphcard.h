@@ -52,4 +52,4 @@ struct GraphCardTest : LibraryTest
     qor::Array<SoundCard> cards;
     bool isRunning = false;
 };
-} // namespace support
+}

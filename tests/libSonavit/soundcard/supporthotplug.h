@@ -58,4 +58,4 @@ struct IdText
     operator LPCWSTR() const { return platform::wide(text.getUCS2Buffer()); }
     qor::String text;
 };
-} // namespace support
+}

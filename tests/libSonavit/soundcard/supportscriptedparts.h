@@ -161,4 +161,4 @@ public:
     COMPtr<IConnector>::pointer peer;
     std::string farDevice;
 };
-} // namespace support
+}

@@ -59,4 +59,4 @@ struct VolumeResolution : GraphCardTest
 
     unsigned int count = 0;
 };
-} // namespace support
+}

@@ -1,8 +1,7 @@
 // The regular twin's questions and setters. Percents have a file of their own.
+#include "qor/exception.h"
 #include "tests/libSonavit/volumecontroller/supportcontrollers.h"
 #include "tests/libSonavit/volumecontroller/supportscriptedvolume.h"
-
-#include "qor/exception.h"
 
 #include <cmath>
 

@@ -1,9 +1,8 @@
 /// Controllers of a simulated endpoint and of a simulated hardware node, for the tests of both twins.
 #pragma once
 
-#include "tests/support/librarytest.h"
-
 #include "libSonavit/volumecontroller.h"
+#include "tests/support/librarytest.h"
 
 #include <string>
 #include <utility>
@@ -121,4 +120,4 @@ protected:
     sim::CardBuilder card = bench.card("Codec");
     std::string node;
 };
-} // namespace support
+}

@@ -94,4 +94,4 @@ public:
     HRESULT result = S_OK;
     BOOL muted = FALSE;
 };
-} // namespace support
+}

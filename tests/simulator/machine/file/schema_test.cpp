@@ -1,7 +1,8 @@
+#include "simulator/machine/file/schema.h"
+
 #include "simulator/machine/file/json.h"
 #include "simulator/machine/file/kinds.h"
 #include "simulator/machine/file/machinefile.h"
-#include "simulator/machine/file/schema.h"
 #include "simulator/machine/namedvalues.h"
 #include "simulator/machine/nodetypes.h"
 #include "simulator/machine/propertykeys.h"

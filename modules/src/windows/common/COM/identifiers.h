@@ -1,39 +1,11 @@
 /// The identifiers that the library passes to the platform or compares with the platform's answers.
 ///
 /// Interfaces, classes and node types keep their SDK names (IID_IPart, CLSID_MMDeviceEnumerator, KSNODETYPE_SPEAKER,
-/// ...) and come with the platform's declarations. The SDK has no names for some of the property keys below, so this
-/// file gives all of them names.
+/// ...) and come with the platform's declarations. The SDK has no names for some of the property keys; all keys that the
+/// library reads are in `propertykeys`.
 #pragma once
 
 #include "platform/coreaudio.h"
+#include "platform/propertykeys.h"
 
-namespace propertykeys
-{
-/// Description of the device, a string.
-inline constexpr PROPERTYKEY deviceDescription = {
-    {0xA45C254E, 0xDF1C, 0x4EFD, {0x80, 0x20, 0x67, 0xD1, 0x46, 0xA8, 0x50, 0xE0}}, 2};
-
-/// Device instance path, a string: "{1}.USB\VID_1235&PID_8210\000001".
-inline constexpr PROPERTYKEY instancePath = {
-    {0xB3F8FA53, 0x0004, 0x438E, {0x90, 0x03, 0x51, 0xA4, 0x6E, 0x13, 0x9B, 0xFC}}, 2};
-
-/// Friendly name of the device that the endpoint belongs to, a string.
-inline constexpr PROPERTYKEY friendlyName = {
-    {0xB3F8FA53, 0x0004, 0x438E, {0x90, 0x03, 0x51, 0xA4, 0x6E, 0x13, 0x9B, 0xFC}}, 6};
-
-/// Strong name of the driver node, a string.
-inline constexpr PROPERTYKEY driverNodeStrongName = {
-    {0x83DA6326, 0x97A6, 0x4088, {0x94, 0x53, 0xA1, 0x92, 0x3F, 0x57, 0x3B, 0x29}}, 3};
-
-/// Physical speakers of the endpoint, a 32-bit mask.
-inline constexpr PROPERTYKEY physicalSpeakers = {
-    {0x1DA5D803, 0xD492, 0x4EDD, {0x8C, 0x23, 0xE0, 0xC0, 0xFF, 0xEE, 0x7F, 0x0E}}, 3};
-
-/// DirectSound GUID of the endpoint, a GUID written as a string.
-inline constexpr PROPERTYKEY directSoundGuid = {
-    {0x1DA5D803, 0xD492, 0x4EDD, {0x8C, 0x23, 0xE0, 0xC0, 0xFF, 0xEE, 0x7F, 0x0E}}, 4};
-
-/// Device format of the endpoint's audio engine, a blob that holds one WAVEFORMATEXTENSIBLE.
-inline constexpr PROPERTYKEY deviceFormat = {
-    {0xF19F064D, 0x082C, 0x4E27, {0xBC, 0x73, 0x68, 0x82, 0xA1, 0xBB, 0x8E, 0x4C}}, 0};
-}
+namespace propertykeys = platform::propertykeys;

@@ -121,9 +121,7 @@ unsigned int SoundCard::loopbackMixEndpointDevice(qor::Array<AudioDevice>&) cons
 unsigned int SoundCard::findEndpoint(const qor::Array<AudioDevice>& searchFrom, qor::Array<AudioDevice>& result,
                                      unsigned int filter) const
 {
-    SONAVIT_TRACE(
-        soundcardlog,
-        "SoundCard::findEndpoint(const Array<AudioDevice>& searchFrom, Array<AudioDevice>& result, Uint32 filter)");
+    SONAVIT_TRACE(soundcardlog, "SoundCard::findEndpoint(const Array<AudioDevice>& searchFrom, Array<AudioDevice>& result, Uint32 filter)");
     SONAVIT_LOG(soundcardlog, LOG_DEBUG, out.append("searchFrom.size() = ").append(decimalText(searchFrom.size())).append(" device filter = ").append(decimalText(filter)));
     const unsigned int sizeBefore = result.size();
     for (unsigned int i = 0; i < searchFrom.size(); ++i)
@@ -142,8 +140,7 @@ unsigned int SoundCard::findEndpoint(const qor::Array<AudioDevice>& searchFrom, 
 unsigned int SoundCard::findEndpoint(const qor::Array<AudioDevice>& searchFrom, const GUID& deviceType,
                                      qor::Array<AudioDevice>& result, unsigned int filter) const
 {
-    SONAVIT_TRACE(soundcardlog, "SoundCard::findEndpoint(const Array<AudioDevice>& searchFrom, const GUID& deviceType, "
-                                "Array<AudioDevice>& result, Uint32 filter)");
+    SONAVIT_TRACE(soundcardlog, "SoundCard::findEndpoint(const Array<AudioDevice>& searchFrom, const GUID& deviceType, Array<AudioDevice>& result, Uint32 filter)");
     SONAVIT_LOG(soundcardlog, LOG_DEBUG, out.append("searchFrom.size() = ").append(decimalText(searchFrom.size())).append(" device filter = ").append(decimalText(filter)).append(" DeviceGUID ").append(guidText(deviceType)));
     const unsigned int sizeBefore = result.size();
     for (unsigned int i = 0; i < searchFrom.size(); ++i)
@@ -162,8 +159,7 @@ unsigned int SoundCard::findEndpoint(const qor::Array<AudioDevice>& searchFrom, 
 unsigned int SoundCard::findEndpoint(qor::Array<AudioDevice>& searchFrom, const GUID& deviceType,
                                      qor::Array<AudioInterfacePtr>& result)
 {
-    SONAVIT_TRACE(soundcardlog, "SoundCard::findEndpoint(const Array<AudioDevice>& searchFrom, const GUID& deviceType, "
-                                "Array<AudioInterfacePtr>& result)");
+    SONAVIT_TRACE(soundcardlog, "SoundCard::findEndpoint(const Array<AudioDevice>& searchFrom, const GUID& deviceType, Array<AudioInterfacePtr>& result)");
     const unsigned int sizeBefore = result.size();
     for (unsigned int i = 0; i < searchFrom.size(); ++i)
     {

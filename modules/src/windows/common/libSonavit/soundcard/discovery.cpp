@@ -48,8 +48,7 @@ qor::Array<SoundCard> SoundCard::enumerateSystemSoundDevices()
 void SoundCard::enumerateSystemSoundDevices(const AudioDevice& audioDevice, EDataFlow dataFlow,
                                             qor::OrderedHashTable<qor::String, SoundCard>& deviceTable)
 {
-    SONAVIT_TRACE(soundcardlog, "SoundCard::enumerateSystemSoundDevices(const AudioDevice& audioDevice, EDataFlow "
-                                "dataFlow, OrderedHashTable<String, SoundCard>& deviceTable)");
+    SONAVIT_TRACE(soundcardlog, "SoundCard::enumerateSystemSoundDevices(const AudioDevice& audioDevice, EDataFlow dataFlow, OrderedHashTable<String, SoundCard>& deviceTable)");
     const AudioDeviceInterface::Properties& properties = audioDevice.deviceProperty();
     const qor::String& path = properties.instancePath;
     if (deviceTable.contains(path))

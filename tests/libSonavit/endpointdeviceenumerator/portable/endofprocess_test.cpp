@@ -1,9 +1,8 @@
+// What happens at the end of a process. On Windows tests/windows/unloading_test.cpp covers it.
 #include "libSonavit/endpointdeviceenumerator.h"
 
 #include "tests/libSonavit/endpointdeviceenumerator/supportcountedclient.h"
 #include "tests/support/librarytest.h"
-
-#if !defined(_WIN32) // see tests/windows/unloading_test.cpp for the end of a process there
 
 #include <unistd.h>
 
@@ -54,7 +53,7 @@ __attribute__((section(".preinit_array"), used)) void (*const beforeAllLibraries
 }
 }
 
-TEST(AudioDeviceEnumeratorDeathTest, IsTakenDownWhenTheProcessEnds)
+TEST(AudioDeviceEnumeratorDeathTest, IsDestroyedWhenTheProcessEnds)
 {
     EXPECT_EXIT(
         {
@@ -69,9 +68,7 @@ TEST(AudioDeviceEnumeratorDeathTest, IsTakenDownWhenTheProcessEnds)
                        "CoUninitialize\n"));
 }
 
-TEST(AudioDeviceEnumeratorDeathTest, LeavesNothingToDoAtTheEndOfAProcessThatNeverAskedForIt)
+TEST(AudioDeviceEnumeratorDeathTest, MakesNoCallAtTheEndOfAProcessThatNeverCreatedIt)
 {
     EXPECT_EXIT(endWithClients(0), testing::ExitedWithCode(0), testing::StrEq(""));
 }
-
-#endif

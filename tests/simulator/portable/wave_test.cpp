@@ -1,6 +1,3 @@
-// The wave functions are the system's own on Windows.
-#if !defined(_WIN32)
-
 #include "tests/simulator/bench.h"
 
 namespace
@@ -89,5 +86,3 @@ TEST_F(RuntimeWave, WritesIdAndMessageIntoTheJournal)
                 ElementsAre("waveInMessage(0, 2066) -> 0x00000007", "waveOutMessage(1, 2066) -> 0x00000006"));
 }
 }
-
-#endif

@@ -1,6 +1,3 @@
-// The runtime functions are the system's own on Windows.
-#if !defined(_WIN32)
-
 #include "tests/simulator/bench.h"
 
 #include "OSWindows/configmanager.h"
@@ -129,6 +126,14 @@ TEST_F(RuntimeCreate, KnowsNoOtherClassContextOrInterface)
               CoCreateInstance(CLSID_MMDeviceEnumerator, outer.get(), CLSCTX_ALL, IID_IMMDeviceEnumerator, &object));
 }
 
+TEST_F(RuntimeCreate, IsRecordedWithClassContextAndInterface)
+{
+    createdEnumerator();
+
+    EXPECT_THAT(simulation.journal().entries().lines(),
+                ElementsAre("CoCreateInstance(MMDeviceEnumerator, 1, IMMDeviceEnumerator) -> 0x00000000"));
+}
+
 TEST_F(RuntimeTaskMemory, IsCountedAndGivenBack)
 {
     void* const block = CoTaskMemAlloc(24);
@@ -173,6 +178,41 @@ TEST_F(RuntimeTaskMemory, ClearsNumbersAndNothing)
     EXPECT_EQ(S_OK, PropVariantClear(&number));
     EXPECT_EQ(VT_EMPTY, number.vt);
     EXPECT_EQ(S_OK, PropVariantClear(nullptr));
+}
+
+TEST_F(RuntimeTaskMemory, IsFreedForEveryTagThatPointsToIt)
+{
+    for (const VARTYPE tag : {VT_LPWSTR, VT_LPSTR, VT_CLSID, VT_BLOB})
+    {
+        PROPVARIANT value;
+        PropVariantInit(&value);
+        value.vt = tag;
+        void* const block = CoTaskMemAlloc(16);
+        if (tag == VT_BLOB)
+            value.blob = {16, static_cast<BYTE*>(block)};
+        else
+            value.pwszVal = static_cast<LPWSTR>(block);
+
+        EXPECT_EQ(S_OK, PropVariantClear(&value));
+
+        EXPECT_EQ(0, simulation.census().taskBlocks()) << tag;
+        EXPECT_EQ(VT_EMPTY, value.vt);
+    }
+    EXPECT_EQ(1u, simulation.journal().entries().with("65").of("PropVariantClear").size());
+}
+
+TEST_F(RuntimeTaskMemory, IsNotTouchedForATagThatIsANumber)
+{
+    PROPVARIANT value;
+    PropVariantInit(&value);
+    void* const block = CoTaskMemAlloc(16);
+    value.vt = VT_UI8;
+    value.pwszVal = static_cast<LPWSTR>(block);
+
+    EXPECT_EQ(S_OK, PropVariantClear(&value));
+
+    EXPECT_EQ(1, simulation.census().taskBlocks());
+    CoTaskMemFree(block);
 }
 
 TEST_F(RuntimeClsid, IsReadFromText)
@@ -241,6 +281,49 @@ TEST_F(RuntimeDevices, LeaveTheTextAloneWhereThereIsNoParent)
 
     EXPECT_EQ("before", parent.toUtf8());
 }
+
+TEST_F(RuntimeMessages, MayComeFromSeveralThreadsAsWellAsSurplusUninitialisations)
+{
+    constexpr unsigned rounds = 4000;
+    const auto use = []
+    {
+        for (unsigned round = 0; round < rounds; ++round)
+        {
+            PostMessageW(nullptr, 0x3D1, 0, 0);
+            CoUninitialize();
+        }
+    };
+    simulation.journal().record(false);
+
+    std::thread first(use);
+    std::thread second(use);
+    first.join();
+    second.join();
+
+    EXPECT_EQ(2 * rounds, simulation.postedMessages().size());
+    EXPECT_EQ(2 * rounds, simulation.comUnderflows());
 }
 
-#endif
+TEST(RuntimeWithoutSimulation, AnswersAsOnAMachineWithoutAudio)
+{
+    EXPECT_EQ(S_OK, CoInitialize(nullptr));
+    void* object = poison<void>();
+    qor::String parent("before");
+
+    EXPECT_EQ(REGDB_E_CLASSNOTREG, create(CLSID_MMDeviceEnumerator, CLSCTX_ALL, IID_IMMDeviceEnumerator, &object));
+    EXPECT_EQ(nullptr, object);
+    EXPECT_EQ(E_POINTER, create(CLSID_MMDeviceEnumerator, CLSCTX_ALL, IID_IMMDeviceEnumerator, nullptr));
+    EXPECT_EQ(0u, waveOutGetNumDevs());
+    EXPECT_EQ(MMSYSERR_BADDEVICEID, waveOutMessage(nullptr, DRV_QUERYFUNCTIONINSTANCEIDSIZE, 0, 0));
+    EXPECT_EQ(MMSYSERR_BADDEVICEID, waveInMessage(nullptr, DRV_QUERYFUNCTIONINSTANCEIDSIZE, 0, 0));
+    EXPECT_EQ(FALSE, PostMessageW(nullptr, 0x3D1, 0, 0));
+    EXPECT_FALSE(libOSWindows::ConfigManager::getParentDeviceInstanceId("PCI\\1", parent));
+    EXPECT_EQ("before", parent.toUtf8());
+
+    void* const block = CoTaskMemAlloc(8);
+    EXPECT_NE(nullptr, block);
+    CoTaskMemFree(block);
+    CoUninitialize();
+    CoUninitialize(); // one too many
+}
+}

@@ -1,0 +1,249 @@
+/// The commands on a machine whose platform fails: an operation answers a failure code, or success without a result.
+#include "tests/program/dotreader.h"
+#include "tests/program/programtest.h"
+
+#include "simulator/machine/file/machinefile.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <set>
+#include <sstream>
+#include <utility>
+
+using nlohmann::json;
+using testing::EndsWith;
+
+namespace
+{
+constexpr HRESULT anyFailure = static_cast<HRESULT>(0x80004005);
+
+class ProgramOnFailingPlatform : public support::ProgramTest
+{
+protected:
+    ProgramOnFailingPlatform() : machine(sim::findMachine("desktop"))
+    {
+        findMachine = [this](const std::string&) { return machine; };
+    }
+
+    /// The @p call -th call of @p operation fails; each one if @p call is 0.
+    void fail(const std::string& operation, std::uint32_t call = 0)
+    {
+        machine.faults.push_back({operation, "*", "", call, sim::FaultRule::Outcome::result, anyFailure});
+    }
+
+    /// Likewise, but the call reports success and stores null.
+    void succeedWithNull(const std::string& operation, std::uint32_t call = 0)
+    {
+        machine.faults.push_back({operation, "*", "", call, sim::FaultRule::Outcome::nullSuccess, S_OK});
+    }
+
+    support::Answer callHere(std::vector<std::string> words)
+    {
+        words.insert(words.end(), {"--machine", "desktop"});
+        return call(words);
+    }
+
+    sim::Machine machine;
+};
+}
+
+TEST_F(ProgramOnFailingPlatform, MonitorReportsThatItsOwnEnumeratorCannotBeCreated)
+{
+    fail("CoCreateInstance", 4);
+
+    const support::Answer answer = callHere({"monitor"});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_THAT(answer.err, EndsWith("sonavit: Core Audio cannot be reached\n"));
+}
+
+TEST_F(ProgramOnFailingPlatform, MonitorReportsThatTheSystemAcceptsNoListener)
+{
+    fail("IMMDeviceEnumerator::RegisterEndpointNotificationCallback");
+
+    const support::Answer answer = callHere({"monitor"});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_THAT(answer.err, EndsWith("sonavit: the system does not report changes of its endpoints\n"));
+}
+
+TEST_F(ProgramOnFailingPlatform, ShowHasNoSpeakersWithoutAPropertyStore)
+{
+    succeedWithNull("IMMDevice::OpenPropertyStore");
+
+    const support::Answer answer = callHere({"show", machine.endpoints[0].id, "--json"});
+
+    EXPECT_EQ(0, answer.code);
+    EXPECT_TRUE(json::parse(answer.out)["endpoint"]["speakers"].is_null());
+}
+
+TEST_F(ProgramOnFailingPlatform, GraphFindsAConnectorByItsJoinThatTheDeviceDoesNotHandOut)
+{
+    machine.faults.push_back(
+        {"IDeviceTopology::GetConnector", machine.endpoints[0].id, "", 0, sim::FaultRule::Outcome::nullSuccess, S_OK});
+
+    const support::Answer answer = callHere({"graph", "--json"});
+
+    EXPECT_EQ(0, answer.code);
+    const json endpoint = json::parse(answer.out)["devices"][0];
+    EXPECT_EQ(machine.endpoints[0].id, endpoint["id"]);
+    ASSERT_EQ(1u, endpoint["parts"].size());
+    EXPECT_EQ("connector", endpoint["parts"][0]["kind"]);
+    EXPECT_EQ("", support::brokenDot(callHere({"graph"}).out));
+}
+
+TEST_F(ProgramOnFailingPlatform, GraphLeavesConnectorsOutThatThePlatformNeverHandsOut)
+{
+    succeedWithNull("IDeviceTopology::GetConnector");
+
+    const support::Answer answer = callHere({"graph", "--json"});
+
+    EXPECT_EQ(0, answer.code);
+    const json document = json::parse(answer.out);
+    EXPECT_EQ(machine.endpoints[0].id, document["devices"][0]["id"]);
+    EXPECT_TRUE(document["devices"][0]["parts"].empty());
+    EXPECT_TRUE(document["edges"].empty());
+}
+
+TEST_F(ProgramOnFailingPlatform, SelectorsSurviveAConnectorThatThePlatformDoesNotHandOut)
+{
+    succeedWithNull("IDeviceTopology::GetConnector", 1);
+
+    EXPECT_EQ(0, callHere({"selectors"}).code);
+}
+
+TEST_F(ProgramOnFailingPlatform, SelectorsSurviveSubunitsThatThePlatformDoesNotHandOut)
+{
+    succeedWithNull("IDeviceTopology::GetSubunit");
+
+    EXPECT_EQ(0, callHere({"selectors"}).code);
+}
+
+TEST_F(ProgramOnFailingPlatform, SelectorsSurviveANeighbourThatThePlatformDoesNotHandOut)
+{
+    succeedWithNull("IPartsList::GetPart", 1);
+
+    EXPECT_EQ(0, callHere({"selectors"}).code);
+}
+
+TEST_F(ProgramOnFailingPlatform, GraphNamesDevicesByTheIdsOfTheirJoinsWithoutIdsOfTheirOwn)
+{
+    fail("IMMDevice::GetId");
+
+    const support::Answer answer = callHere({"graph", "--json"});
+
+    EXPECT_EQ(0, answer.code) << answer.err;
+    const json devices = json::parse(answer.out)["devices"];
+    ASSERT_FALSE(devices.empty());
+    for (const json& device : devices)
+        EXPECT_NE("", device["id"]);
+}
+
+TEST_F(ProgramOnFailingPlatform, SelectorsSurviveDevicesWithoutIds)
+{
+    fail("IMMDevice::GetId");
+
+    EXPECT_EQ(0, callHere({"selectors"}).code);
+}
+
+namespace
+{
+/// A command on the machine `desktop`, run again and again, each time with another operation that fails.
+class ProgramSweep : public support::LibraryTest, public testing::WithParamInterface<std::vector<std::string>>
+{
+protected:
+    ProgramSweep() : machine(sim::findMachine("desktop"))
+    {
+        qor::LogFactory::setPriority(qor::LoggerPriority::LOG_ERROR);
+    }
+
+    /// The words of the parameter; SPEAKERS stands for the id of the first endpoint.
+    std::vector<std::string> words() const
+    {
+        std::vector<std::string> result = GetParam();
+        std::replace(result.begin(), result.end(), std::string("SPEAKERS"), machine.endpoints[0].id);
+        return result;
+    }
+
+    /// The operations that the command calls when nothing fails.
+    std::set<std::string> operations()
+    {
+        sim::Simulation simulation(machine);
+        call(simulation);
+        const std::vector<std::string> all = simulation.journal().operations();
+        return {all.begin(), all.end()};
+    }
+
+    support::Answer call(sim::Simulation& simulation) const
+    {
+        simulation.deliverAtOnce(true);
+        std::ostringstream out;
+        std::ostringstream err;
+        sonavit::Environment environment{out, err};
+        int pauses = 0;
+        environment.pause = [&](std::chrono::milliseconds)
+        {
+            if (pauses == 0)
+                simulation.events().playScript();
+            return ++pauses == 2 && words().front() == "monitor";
+        };
+        support::Answer answer;
+        answer.code = sonavit::run(words(), environment);
+        answer.out = out.str();
+        answer.err = err.str();
+        return answer;
+    }
+
+    void expectOneSentenceOrSuccess(const sim::FaultRule& rule)
+    {
+        SCOPED_TRACE(rule.operation + ", call " + std::to_string(rule.call) +
+                     (rule.outcome == sim::FaultRule::Outcome::result ? " fails" : " succeeds with null"));
+        sim::Simulation simulation(machine);
+        simulation.journal().record(false);
+        simulation.faults().add(rule);
+
+        const support::Answer answer = call(simulation);
+
+        const bool isUnknown = answer.err.rfind("sonavit: there is no endpoint ", 0) == 0;
+        EXPECT_THAT(answer.code, testing::AnyOf(0, 1, isUnknown ? 2 : 1)) << answer.err;
+        EXPECT_THAT(answer.err, testing::MatchesRegex(answer.code == 0 ? "" : "sonavit: [^\n]+\n"));
+    }
+
+    sim::Machine machine;
+};
+}
+
+/// The first call of each operation, and then each call of it, fails or succeeds with null.
+TEST_P(ProgramSweep, EndsWithAnAnswerOrOneSentenceWhateverOperationFails)
+{
+    const std::set<std::string> all = operations();
+    ASSERT_GT(all.size(), 5u);
+
+    for (const std::string& operation : all)
+    {
+        for (const std::uint32_t number : {1u, 0u})
+        {
+            using Outcome = sim::FaultRule::Outcome;
+            expectOneSentenceOrSuccess({operation, "*", "", number, Outcome::result, anyFailure});
+            expectOneSentenceOrSuccess({operation, "*", "", number, Outcome::nullSuccess, S_OK});
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Commands, ProgramSweep,
+                         testing::Values(std::vector<std::string>{"list"}, std::vector<std::string>{"show", "SPEAKERS"},
+                                         std::vector<std::string>{"controls", "SPEAKERS"},
+                                         std::vector<std::string>{"selectors"}, std::vector<std::string>{"graph"},
+                                         std::vector<std::string>{"ask", "HDAUDIO\\FUNC_01"},
+                                         std::vector<std::string>{"get-volume", "SPEAKERS"},
+                                         std::vector<std::string>{"set-volume", "SPEAKERS", "50%"},
+                                         std::vector<std::string>{"mute", "SPEAKERS", "toggle"},
+                                         std::vector<std::string>{"monitor"},
+                                         std::vector<std::string>{"format", "SPEAKERS", "--set", "16/44100/2"}),
+                         [](const auto& words)
+                         {
+                             std::string name = words.param.front();
+                             name.erase(std::remove(name.begin(), name.end(), '-'), name.end());
+                             return name;
+                         });

@@ -1,0 +1,9 @@
+#include "tools/sonavit/commandwords.h"
+
+namespace sonavit
+{
+std::vector<std::string> commandLineWords(int count, char** words)
+{
+    return {words + (count > 0 ? 1 : 0), words + count};
+}
+}
