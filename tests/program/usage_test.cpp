@@ -34,6 +34,8 @@ protected:
     /// Such a call, on machine desktop.
     support::Answer callOnDesktop(std::vector<std::string> words)
     {
+        const bool isMonitor = words[0] == "monitor"; // it goes on until the end is requested
+        pause = [isMonitor](std::chrono::milliseconds) { return isMonitor; };
         words.insert(words.end(), {"--machine", "desktop"});
         return call(words);
     }
