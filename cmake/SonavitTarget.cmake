@@ -141,6 +141,16 @@ function(sonavit_copy_compiler_runtime folder)
   endif()
 endfunction()
 
+# sonavit_has_own_platform_include(<result> <source>): whether the source includes the platform's headers in an order of its
+# own, so that no header may come before its first one.
+function(sonavit_has_own_platform_include result source)
+  set(own)
+  if(EXISTS "${source}") # not yet, if the build makes it
+    file(STRINGS "${source}" own LIMIT_COUNT 1 REGEX "\"platform/(windows/defineidentifiers|portable/coreaudio)\\.h\"")
+  endif()
+  set(${result} "${own}" PARENT_SCOPE)
+endfunction()
+
 # sonavit_precompile(<target> PRIVATE <header>... | REUSE_FROM <target>): reads the headers once for all sources of the
 # target, except those that include the platform's headers in an order of their own.
 function(sonavit_precompile target)
@@ -148,7 +158,7 @@ function(sonavit_precompile target)
   get_target_property(sources ${target} SOURCES)
   foreach(source IN LISTS sources)
     cmake_path(ABSOLUTE_PATH source)
-    file(STRINGS "${source}" own LIMIT_COUNT 1 REGEX "\"platform/(windows/defineidentifiers|portable/coreaudio)\\.h\"")
+    sonavit_has_own_platform_include(own "${source}")
     if(own)
       set_source_files_properties(
         "${source}" TARGET_DIRECTORY ${target} PROPERTIES SKIP_PRECOMPILE_HEADERS ON

@@ -87,8 +87,7 @@ TEST(ProgramExecutable, TellsByItsExitCodeHowItWent)
 
 TEST(ProgramExecutable, SaysOneSentenceAboutAFailure)
 {
-    EXPECT_EQ("sonavit: unknown command \"frobnicate\"; see sonavit --help\n",
-              execute("frobnicate").out);
+    EXPECT_EQ("sonavit: unknown command \"frobnicate\"; see sonavit --help\n", execute("frobnicate").out);
 }
 
 TEST(ProgramExecutable, WritesTheLogOnStandardErrorFromTheLevelThatIsAskedFor)

@@ -1,8 +1,7 @@
 /// The commands on a machine whose platform fails: an operation answers a failure code, or success without a result.
+#include "simulator/machine/file/machinefile.h"
 #include "tests/program/dotreader.h"
 #include "tests/program/programtest.h"
-
-#include "simulator/machine/file/machinefile.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,7 +1,6 @@
+#include "simulator/machine/propertykeys.h"
 #include "tests/program/dotreader.h"
 #include "tests/program/programtest.h"
-
-#include "simulator/machine/propertykeys.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,3 +1,4 @@
+#include "libModuleCommon/guid.h"
 #include "tools/sonavit/commands.h"
 #include "tools/sonavit/deviceformat.h"
 #include "tools/sonavit/endpointjson.h"
@@ -5,8 +6,6 @@
 #include "tools/sonavit/endpointproperties.h"
 #include "tools/sonavit/table.h"
 #include "tools/sonavit/text.h"
-
-#include "libModuleCommon/guid.h"
 
 #include <utility>
 

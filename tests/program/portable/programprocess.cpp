@@ -1,17 +1,17 @@
 #include "tests/program/portable/programprocess.h"
 
-#include <algorithm>
-#include <array>
-#include <csignal>
-#include <cstdlib>
-#include <stdexcept>
-
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <stdexcept>
 
 namespace support
 {

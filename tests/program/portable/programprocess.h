@@ -1,10 +1,10 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <map>
 #include <string>
 #include <vector>
-
-#include <sys/types.h>
 
 namespace support
 {

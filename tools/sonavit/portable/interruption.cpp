@@ -1,15 +1,15 @@
 #include "tools/sonavit/interruption.h"
 
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
 #include <climits>
 #include <csignal>
-
-#include <fcntl.h>
-#include <poll.h>
-#include <unistd.h>
 
 namespace sonavit
 {

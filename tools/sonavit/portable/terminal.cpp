@@ -1,11 +1,11 @@
 #include "tools/sonavit/terminal.h"
 
+#include <sys/ioctl.h>
+#include <unistd.h>
+
 #include <cstdlib>
 #include <iostream>
 #include <string>
-
-#include <sys/ioctl.h>
-#include <unistd.h>
 
 namespace sonavit
 {

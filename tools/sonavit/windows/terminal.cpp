@@ -3,12 +3,12 @@
 #include "platform/coreaudio.h"
 #include "tools/sonavit/windows/consolebuffer.h"
 
+#include <fcntl.h>
+#include <io.h>
+
 #include <cstdio>
 #include <iostream>
 #include <optional>
-
-#include <fcntl.h>
-#include <io.h>
 
 namespace sonavit
 {
