@@ -57,8 +57,7 @@ public:
                   sizeof(Unit))
     {
         AUDIO_VOLUME_NOTIFICATION_DATA& data = *get();
-        if (context != nullptr)
-            data.guidEventContext = *context;
+        data.guidEventContext = context != nullptr ? *context : GUID{};
         data.bMuted = volume.muted ? TRUE : FALSE;
         data.fMasterVolume = scalarLevel(volume, masterLevel(volume));
         data.nChannels = static_cast<UINT>(volume.channels.size());

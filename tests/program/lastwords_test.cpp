@@ -29,7 +29,12 @@ sim::Machine throwingMachine(std::uint32_t release)
     std::exit(sonavit::run(words, environment));
 }
 
-constexpr const char* sentence = "the simulated machine threw an exception: planned: [A-Za-z]+::Release\n";
+/// The sentence about an exception that left some interface's Release.
+testing::Matcher<const std::string&> saysWhatWasThrown()
+{
+    return testing::AllOf(testing::HasSubstr("sonavit: the simulated machine threw an exception: planned: I"),
+                          testing::EndsWith("::Release\n"));
+}
 
 /// What a throwing Release leaves of the process depends on where the Release happens.
 class ProgramLastWords : public testing::TestWithParam<std::uint32_t>
@@ -39,17 +44,17 @@ class ProgramLastWords : public testing::TestWithParam<std::uint32_t>
 
 TEST_P(ProgramLastWords, AreOneSentenceAndExitCode1)
 {
-    EXPECT_EXIT(runProgram({"get-volume", "Speakers"}, GetParam()), testing::ExitedWithCode(1),
-                std::string("sonavit: ") + sentence);
-    EXPECT_EXIT(runProgram({"show", "Speakers"}, GetParam()), testing::ExitedWithCode(1),
-                std::string("sonavit: ") + sentence);
+    EXPECT_EXIT(runProgram({"get-volume", "Speakers"}, GetParam()), testing::ExitedWithCode(1), saysWhatWasThrown());
+    EXPECT_EXIT(runProgram({"show", "Speakers"}, GetParam()), testing::ExitedWithCode(1), saysWhatWasThrown());
 }
 
 TEST_P(ProgramLastWords, AreTheOnlyObjectInJson)
 {
-    EXPECT_EXIT(runProgram({"list", "--json"}, GetParam()), testing::ExitedWithCode(1),
-                R"(^.?.?.?.?\{"schemaVersion":1,"error":"the simulated machine threw an exception: [^"]*"\})"
-                "\nsonavit: ");
+    const testing::Matcher<const std::string&> isAnObjectAndTheSentence = testing::AllOf(
+        testing::StartsWith("{\"schemaVersion\":1,\"error\":\"the simulated machine threw an exception: planned: I"),
+        testing::HasSubstr("::Release\"}\nsonavit: "), testing::EndsWith("::Release\n"));
+
+    EXPECT_EXIT(runProgram({"list", "--json"}, GetParam()), testing::ExitedWithCode(1), isAnObjectAndTheSentence);
 }
 
 INSTANTIATE_TEST_SUITE_P(Releases, ProgramLastWords, testing::Values(1, 2, 5, 20, 50));
