@@ -13,8 +13,8 @@ namespace qor
 {
 /// Base of the family; a handler for it receives every exception of the library.
 ///
-/// Constructing one from a string and copying one need no memory: the strings are shared, and UTF-8 is made when what()
-/// asks for it. Several threads may ask the same object.
+/// No constructor of the family needs memory, and no copy: strings are shared, and a message that contains numbers and
+/// its UTF-8 are made when message() or what() asks for them. Several threads may ask the same object.
 class QOR_API Exception : public std::exception
 {
 public:
@@ -27,24 +27,31 @@ public:
     /// still to be made and there is no memory for it. A later call tries again.
     const String& message() const noexcept;
 
-    /// message() as UTF-8, equally valid. Without memory for it, the part of the message that needs none.
+    /// message() as UTF-8, equally valid. Without memory for it, the literal with which the message starts, as in
+    /// AssertionFailure, NullPointer::ofArray() and IndexOutOfBounds; empty if the message was given as a string.
     const char* what() const noexcept override;
 
 protected:
-    /// For a failure to get memory: needs none itself, as the message is made when it is asked for.
-    /// @param start literal with which the message starts
-    /// @param number follows in decimal digits
-    Exception(const char* start, unsigned int number) noexcept;
+    /// Appends the part of a message that depends on the numbers below.
+    using Completion = void (*)(String& message, const int* numbers);
+
+    /// Needs no memory, as the message is made when it is asked for.
+    /// @param start literal with which the message starts; null for an empty message
+    /// @param completion appends the rest; null if @p start is the whole message
+    Exception(const char* start, Completion completion, int first = 0, int second = 0, int third = 0) noexcept;
+
+    const int* numbers() const noexcept { return m_numbers; }
 
 private:
-    struct Text;
+    struct MadeStrings;
 
-    std::shared_ptr<const Text> text() const noexcept;
+    std::shared_ptr<const MadeStrings> madeStrings() const noexcept;
 
     String m_message;    // empty if m_start is set
     const char* m_start; // null if the message was given
-    unsigned int m_number;
-    mutable std::shared_ptr<const Text> m_text; // null until it is asked for; read and stored atomically
+    Completion m_completion;
+    int m_numbers[3];
+    mutable std::shared_ptr<const MadeStrings> m_made; // null until it is asked for; read and stored atomically
 };
 
 /// A precondition that does not hold. The message is the expression.
@@ -54,7 +61,7 @@ public:
     /// @param file source file of the check, a literal; this and @p expression are not copied
     /// @param line source line of the check, not of a throw below it
     /// @param expression the precondition as the log and callers know it, a literal
-    AssertionFailure(const char* file, unsigned __int64 line, const char* expression);
+    AssertionFailure(const char* file, unsigned __int64 line, const char* expression) noexcept;
     AssertionFailure(const AssertionFailure& other) noexcept;
     ~AssertionFailure() override;
 
@@ -81,7 +88,7 @@ public:
     ~NullPointer() override;
 
 private:
-    NullPointer(const char* start, unsigned int number) noexcept;
+    explicit NullPointer(unsigned int size) noexcept;
 };
 
 /// An access with an invalid index. The message is "index I not in L..H".
@@ -91,18 +98,13 @@ public:
     /// @param low smallest valid index
     /// @param high largest valid index, -1 if there is none
     /// @param index the requested index; an unsigned one from 0x80000000 on is passed as a negative number
-    IndexOutOfBounds(int low, int high, int index);
+    IndexOutOfBounds(int low, int high, int index) noexcept;
     IndexOutOfBounds(const IndexOutOfBounds& other) noexcept;
     ~IndexOutOfBounds() override;
 
-    int low() const noexcept { return m_low; }
-    int high() const noexcept { return m_high; }
-    int index() const noexcept { return m_index; }
-
-private:
-    int m_low;
-    int m_high;
-    int m_index;
+    int low() const noexcept { return numbers()[0]; }
+    int high() const noexcept { return numbers()[1]; }
+    int index() const noexcept { return numbers()[2]; }
 };
 
 /// An object that cannot be serialized, or XML that cannot be read.

@@ -12,11 +12,15 @@
 #include <string>
 #include <thread>
 #include <type_traits>
+#include <utility>
 
 using qor::String;
 
 namespace
 {
+static_assert(noexcept(std::declval<const qor::Exception&>().message()), "a handler without memory may ask for it");
+static_assert(noexcept(std::declval<const qor::Exception&>().what()), "a handler without memory may ask for it");
+
 template<class Thrown>
 Thrown thrown(const Thrown& exception)
 {
@@ -135,8 +139,6 @@ TEST(NullPointerWithoutMemory, ThrowsNothingWhenItIsAskedForItsText)
     const char* const what = error.what();
 
     probe.succeed();
-    EXPECT_TRUE(noexcept(error.message()));
-    EXPECT_TRUE(noexcept(error.what()));
 #if !defined(_WIN32) // there the operators of the DLL are out of reach
     EXPECT_EQ(0u, size);
     EXPECT_STREQ("Asked for array of size: ", what);
@@ -192,6 +194,107 @@ TEST(NullPointerWithoutMemory, GivesEveryThreadTheSameText)
         ASSERT_EQ(whats[0], whats[1]);
         ASSERT_STREQ("Asked for array of size: 4294967295", whats[0]);
     }
+}
+
+/// What @p make throws without any memory; none is available afterwards either.
+template<class Thrown, class Make>
+Thrown thrownWithoutMemory(support::AllocationProbe& probe, const Make& make)
+{
+    probe.failAll();
+    try
+    {
+        throw make();
+    }
+    catch (const Thrown& error)
+    {
+        return error;
+    }
+}
+
+TEST(IndexOutOfBoundsWithoutMemory, IsThrownByAnArrayAndHasItsStringAsSoonAsMemoryIsBack)
+{
+    const qor::Array<unsigned int> array;
+    support::AllocationProbe probe;
+    probe.failAll();
+
+    try
+    {
+        static_cast<void>(array[3]);
+        probe.succeed();
+        ADD_FAILURE() << "nothing was thrown";
+    }
+    catch (const qor::IndexOutOfBounds& error)
+    {
+        probe.succeed();
+        EXPECT_EQ(String("index 3 not in 0..-1"), error.message());
+        EXPECT_STREQ("index 3 not in 0..-1", error.what());
+    }
+}
+
+TEST(IndexOutOfBoundsWithoutMemory, KeepsItsNumbersAndThrowsNothingWhenItIsAskedForItsString)
+{
+    support::AllocationProbe probe;
+    const auto error = thrownWithoutMemory<qor::IndexOutOfBounds>(probe, [] { return qor::IndexOutOfBounds(0, 7, 8); });
+
+    const unsigned int size = error.message().size();
+    const char* const what = error.what();
+
+    probe.succeed();
+    EXPECT_EQ(0, error.low());
+    EXPECT_EQ(7, error.high());
+    EXPECT_EQ(8, error.index());
+#if !defined(_WIN32) // there the operators of the DLL are out of reach
+    EXPECT_EQ(0u, size);
+    EXPECT_STREQ("index ", what);
+#else
+    static_cast<void>(size);
+    static_cast<void>(what);
+#endif
+}
+
+TEST(IndexOutOfBoundsWithoutMemory, KeepsItsStringInACopyOfTheBase)
+{
+    support::AllocationProbe probe;
+    const qor::Exception copy =
+        thrownWithoutMemory<qor::IndexOutOfBounds>(probe, [] { return qor::IndexOutOfBounds(1, -2, -3); });
+    qor::Exception assigned("");
+    probe.succeed();
+
+    assigned = copy;
+
+    EXPECT_STREQ("index -3 not in 1..-2", copy.what());
+    EXPECT_STREQ("index -3 not in 1..-2", assigned.what());
+}
+
+TEST(AssertionFailureWithoutMemory, ReportsItsExpression)
+{
+    support::AllocationProbe probe;
+    const auto error = thrownWithoutMemory<qor::AssertionFailure>(
+        probe, [] { return qor::AssertionFailure("audiopart.cpp", 12, "partlist != NULL"); });
+
+    const char* const what = error.what();
+
+    probe.succeed();
+    EXPECT_STREQ("partlist != NULL", what);
+    EXPECT_EQ(String("partlist != NULL"), error.message());
+    EXPECT_STREQ("partlist != NULL", error.what());
+}
+
+TEST(AssertionFailureWithoutMemory, HasAnEmptyMessageUntilMemoryIsBack)
+{
+    support::AllocationProbe probe;
+    const qor::Exception copy = thrownWithoutMemory<qor::AssertionFailure>(
+        probe, [] { return qor::AssertionFailure("audiopart.cpp", 12, "partlist != NULL"); });
+
+    const unsigned int size = copy.message().size();
+
+    probe.succeed();
+#if !defined(_WIN32) // there the operators of the DLL are out of reach
+    EXPECT_EQ(0u, size);
+#else
+    static_cast<void>(size);
+#endif
+    EXPECT_EQ(String("partlist != NULL"), copy.message());
 }
 
 TEST(IndexOutOfBounds, CarriesLowHighAndIndex)
