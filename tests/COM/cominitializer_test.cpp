@@ -2,6 +2,7 @@
 
 #include "tests/support/librarytest.h"
 
+#include <stdexcept>
 #include <thread>
 #include <type_traits>
 
@@ -15,7 +16,7 @@ static_assert(std::is_empty_v<COMInitializer>, "it exists for its constructor an
 
 struct COMInitializerLife : support::LibraryTest
 {
-    /// Runs @p action on a new thread, where COM is not initialised.
+    /// Runs @p action on a new thread, where COM is not initialized.
     template<class Action>
     static void onFreshThread(const Action& action)
     {
@@ -106,6 +107,37 @@ TEST_F(COMInitializerLife, UninitializesEvenAfterAFailure)
     EXPECT_EQ(1u, fault.fired());
     EXPECT_THAT(machine.journal().operations(), ElementsAre("CoInitialize", "CoUninitialize"));
     EXPECT_EQ(1u, machine.comUnderflows());
+}
+
+/// A sink that throws for the message about CoInitialize.
+void refuseTheResult(const qor::LogRecord& record)
+{
+    if (record.kind == qor::LogRecord::Kind::message)
+        throw std::runtime_error("the sink is full");
+}
+
+TEST_F(COMInitializerLife, UninitializesIfTheMessageAboutASuccessThrows)
+{
+    sim::Simulation& machine = run({});
+    qor::LogFactory::setSink(refuseTheResult);
+
+    onFreshThread([] { EXPECT_THROW(COMInitializer(), std::runtime_error); });
+
+    EXPECT_THAT(machine.journal().operations(), ElementsAre("CoInitialize", "CoUninitialize"));
+    EXPECT_EQ(0u, machine.comUnderflows());
+}
+
+TEST_F(COMInitializerLife, LeavesTheCountOfTheThreadIfTheMessageAboutAFailureThrows)
+{
+    sim::Simulation& machine = run({});
+    const sim::PlannedFault fault = machine.faults().fail("CoInitialize", E_OUTOFMEMORY);
+    qor::LogFactory::setSink(refuseTheResult);
+
+    onFreshThread([] { EXPECT_THROW(COMInitializer(), std::runtime_error); });
+
+    EXPECT_EQ(1u, fault.fired());
+    EXPECT_THAT(machine.journal().operations(), ElementsAre("CoInitialize"));
+    EXPECT_EQ(0u, machine.comUnderflows());
 }
 
 TEST_F(COMInitializerLife, UninitializesInACopyThatHasNotInitialized)

@@ -2,11 +2,36 @@
 
 #include "COM/resultcode.h"
 
+namespace
+{
+/// Undoes a successful CoInitialize of this thread unless forget() was called.
+class InitializationGuard
+{
+public:
+    explicit InitializationGuard(HRESULT result) noexcept : m_initialized(SUCCEEDED(result)) {}
+    InitializationGuard(const InitializationGuard&) = delete;
+    InitializationGuard& operator=(const InitializationGuard&) = delete;
+
+    ~InitializationGuard()
+    {
+        if (m_initialized)
+            CoUninitialize();
+    }
+
+    void forget() noexcept { m_initialized = false; }
+
+private:
+    bool m_initialized;
+};
+}
+
 COMInitializer::COMInitializer()
 {
     SONAVIT_TRACE(comptrlog, "COMInitializer::COMInitializer");
     const HRESULT result = CoInitialize(nullptr);
+    InitializationGuard guard(result); // for an exception out of the message: no destructor runs then
     SONAVIT_LOG(comptrlog, LOG_DEBUG, out.append("CoInitialize returns "), out + signExtended(result));
+    guard.forget();
 }
 
 COMInitializer::~COMInitializer()

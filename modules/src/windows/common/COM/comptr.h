@@ -74,16 +74,17 @@ struct COMPtr
     typedef qor::CopiedResource<ComPtrStorage<I>> pointer;
 };
 
-/// Keeps COM initialised, as a single-threaded apartment, from construction to destruction.
+/// Keeps COM initialized, as a single-threaded apartment, from construction to destruction.
 ///
 /// The destructor calls CoUninitialize even if CoInitialize failed; the result of CoInitialize is logged (LOG_DEBUG)
 /// and otherwise ignored. CoInitialize runs on the constructing thread, CoUninitialize on the destroying thread.
 class SONAVIT_API COMInitializer
 {
 public:
+    /// An exception out of logging the result passes on, after CoUninitialize if CoInitialize had succeeded.
     COMInitializer();
 
-    /// A copy does not initialise COM; its destructor uninitialises it nevertheless.
+    /// A copy does not initialize COM; its destructor uninitializes it nevertheless.
     COMInitializer(const COMInitializer&) = default;
     COMInitializer& operator=(const COMInitializer&) = default;
 
