@@ -92,11 +92,11 @@ void AudioDeviceEnumerator::createDeviceEnumerator()
     COMPtr<IMMDeviceEnumerator>::pointer enumerator(created); // before the messages, which allocate and may throw
     if (FAILED(result))
         SONAVIT_LOG(enumeratorlog, LOG_ERROR, out.append("CoCreateInstance returns ").append(hexText(result)));
-    if (created == nullptr)
+    if (enumerator.get() == nullptr)
         return;
-    SONAVIT_LOG(enumeratorlog, LOG_DEBUG, out.append("IMMDeviceEnumerator refcount = "), out + releasedCount(created));
+    SONAVIT_LOG(enumeratorlog, LOG_DEBUG, out.append("IMMDeviceEnumerator refcount = "), out + releasedCount(enumerator.get()));
     m_deviceEnumerator = enumerator;
     enumerator = nullptr; // the next message counts the stored reference only
-    SONAVIT_LOG(enumeratorlog, LOG_DEBUG, out.append("IMMDeviceEnumerator refcount after copy = "), out + releasedCount(created));
+    SONAVIT_LOG(enumeratorlog, LOG_DEBUG, out.append("IMMDeviceEnumerator refcount after copy = "), out + releasedCount(m_deviceEnumerator.get()));
 }
 }
