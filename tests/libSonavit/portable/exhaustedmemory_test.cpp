@@ -82,6 +82,24 @@ TEST_F(ExhaustedMemory, LeavesCreatingTheSharedEnumeratorToTheNextCall)
     EXPECT_NE(nullptr, AudioDeviceEnumeratorFactory::enumerator().get());
 }
 
+TEST_F(ExhaustedMemory, PassesOutOfCreatingTheSharedEnumeratorWithoutMemoryForItsListOfClients)
+{
+    run({});
+    {
+        AllocationProbe probe;
+        probe.failNothrow(1); // the instance itself has its memory
+
+        EXPECT_THROW(AudioDeviceEnumeratorFactory::enumerator(), qor::NullPointer);
+
+        EXPECT_EQ(0, probe.balance());
+    }
+    EXPECT_THAT(simulation().journal().operations(), IsEmpty()); // no count of COM is left behind
+    EXPECT_THAT(log.records(), IsEmpty());
+    EXPECT_EQ(nullptr, AudioDeviceEnumeratorFactory::m_enumerator.get());
+
+    EXPECT_NE(nullptr, AudioDeviceEnumeratorFactory::enumerator().get());
+}
+
 TEST_F(ExhaustedMemory, MakesADeviceLogThatThereIsNoSharedEnumerator)
 {
     run({});

@@ -9,7 +9,7 @@
 
 /// A snapshot of the endpoints of one data flow, sorted into a list for each state.
 ///
-/// An object is empty until enumerate() fills it. COM must be initialised on the calling thread. The snapshot stays
+/// An object is empty until enumerate() fills it. COM must be initialized on the calling thread. The snapshot stays
 /// readable after the enumerator is released. No operation locks. The HRESULTs of the platform's enumeration are
 /// ignored on purpose: a null collection counts as an empty one.
 class SONAVIT_API EndpointDeviceEnumeratorCommon
@@ -84,7 +84,7 @@ private:
 namespace libSonavit
 {
 /// Lists the endpoints of a flow in all states. Owns its own enumerator and keeps no endpoints between calls. COM must
-/// be initialised on the calling thread.
+/// be initialized on the calling thread.
 class SONAVIT_API EndpointDeviceEnumerator
 {
 public:
@@ -116,16 +116,16 @@ private:
 /// The process-wide enumerator: AudioDevice finds endpoints by id with it, and SoundCard registers notification clients
 /// with it.
 ///
-/// It keeps COM initialised on the thread that creates it and keeps every client alive until the module ends: with the
+/// It keeps COM initialized on the thread that creates it and keeps every client alive until the module ends: with the
 /// process, or when the last FreeLibrary unloads it. Its destructor then unregisters all clients in the order of their
-/// registration, releases the platform's enumerator and uninitialises COM on the thread that ends the module. Until the
-/// destructor has finished, the factory returns this object; after that, an empty handle, so the next call of the
-/// factory creates a new object. Nothing locks: create it on one thread before other threads use the library.
+/// registration, releases the platform's enumerator and uninitializes COM on the thread that ends the module. Until the
+/// destructor has finished, the factory returns this object. After that its handle is empty, and the next call creates
+/// a new object. Nothing locks: create it on one thread before other threads use the library.
 class SONAVIT_API AudioDeviceEnumerator
 {
 public:
-    /// A copy with its own references. It does not initialise COM; its destructor nevertheless unregisters all clients
-    /// and uninitialises COM.
+    /// A copy with its own references. It does not initialize COM; its destructor nevertheless unregisters all clients
+    /// and uninitializes COM.
     AudioDeviceEnumerator(const AudioDeviceEnumerator& other);
     AudioDeviceEnumerator& operator=(const AudioDeviceEnumerator& other);
     ~AudioDeviceEnumerator();
@@ -154,7 +154,7 @@ private:
 
     COMPtr<IMMDeviceEnumerator>::pointer m_deviceEnumerator;
     qor::Array<COMPtr<IMMNotificationClient>::pointer> m_notificationClients; // in order of registration; only grows
-    /// The last member: COM is initialised after the others and uninitialised before the list is destroyed.
+    /// The last member: COM is initialized after the others and uninitialized before the list is destroyed.
     COMInitializer m_comInitializer;
 };
 
@@ -162,8 +162,10 @@ private:
 class SONAVIT_API AudioDeviceEnumeratorFactory
 {
 public:
-    /// The handle of the instance, which is created if there is none. It stays nil if memory is exhausted. The caller
-    /// does not own the instance.
+    /// The handle of the instance, which is created if there is none. It stays nil without memory for the instance
+    /// itself. The caller does not own the instance. If an exception leaves this operation, the handle stays nil and
+    /// the next call tries again.
+    /// @exception qor::NullPointer without memory for the list of clients
     static OwnedPointer<AudioDeviceEnumerator>& enumerator();
 
     /// Does nothing.
