@@ -233,7 +233,7 @@ template<class K, class V, class Eq, class Hash>
 const String& HashTable<K, V, Eq, Hash>::objectClassName()
 {
     static String& name = *new String(tableClassName("H(", Array<K>::className(), Array<V>::className()));
-    if (name.size() == 0)
+    if (name.size() == 0) // Required behaviour: an empty name is made again.
         name = tableClassName("H(", Array<K>::className(), Array<V>::className());
     return name;
 }

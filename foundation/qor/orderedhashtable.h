@@ -25,6 +25,8 @@ public:
     const V& operator[](const K& key) const { return m_arrayValues[position(key)]; }
 
     /// Stores copies of @p key and @p value at the end. The caller has checked that the key is not in the table.
+    /// Without memory for the entry of the index, key and value are stored nevertheless, but the table does not contain
+    /// the key: only keys() and values() show them.
     /// @exception NullPointer if an array cannot grow. The key is in the index then, without a value: access by it
     /// throws IndexOutOfBounds, and the table is of no further use
     void insert(const K& key, const V& value)
@@ -73,7 +75,7 @@ public:
     const String& objectClassName() override
     {
         static String& name = *new String(tableClassName("OH(", Array<K>::className(), Array<V>::className()));
-        if (name.size() == 0)
+        if (name.size() == 0) // Required behaviour: an empty name is made again.
             name = tableClassName("OH(", Array<K>::className(), Array<V>::className());
         return name;
     }

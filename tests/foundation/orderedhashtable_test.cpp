@@ -109,6 +109,78 @@ TEST(OrderedHashTableInsert, KeepsEveryKeyOfMany)
     }
 }
 
+/// Message of the NullPointer that an insertion throws if the array of keys (0) or of values (1) cannot grow.
+std::string failedGrowth(Table& table, const String& key, unsigned int which)
+{
+    support::AllocationProbe probe;
+    probe.failNothrow(1 + which); // the first one is for the bucket
+    try
+    {
+        table.insert(key, 9);
+    }
+    catch (const qor::NullPointer& error)
+    {
+        probe.succeed();
+        return error.what();
+    }
+    return "nothing was thrown";
+}
+
+/// A table whose arrays are full.
+Table fullTable()
+{
+    Table table;
+    for (unsigned int i = 0; i < 8; ++i)
+        table.insert("key " + qor::QORValue(i).toString(qor::QORValue::nilValue), i);
+    return table;
+}
+
+TEST(OrderedHashTableInsert, ThatCannotAppendTheKeyLeavesItInTheIndexOnly)
+{
+    Table table = fullTable();
+
+    EXPECT_EQ("Asked for array of size: 9", failedGrowth(table, "ninth", 0));
+
+    EXPECT_EQ(8u, table.size());
+    EXPECT_EQ(8u, table.values().size());
+    EXPECT_TRUE(table.contains("ninth"));
+    EXPECT_THROW(table["ninth"], qor::IndexOutOfBounds);
+    EXPECT_EQ(7u, table["key 7"]);
+}
+
+TEST(OrderedHashTableInsert, ThatCannotAppendTheValueLeavesAKeyWithoutOne)
+{
+    Table table = fullTable();
+
+    EXPECT_EQ("Asked for array of size: 9", failedGrowth(table, "ninth", 1));
+
+    EXPECT_EQ(9u, table.keys().size());
+    EXPECT_EQ(8u, table.values().size());
+    EXPECT_EQ(String("ninth"), table.keys()[8]);
+    EXPECT_THROW(table["ninth"], qor::IndexOutOfBounds);
+    EXPECT_EQ(7u, table["key 7"]);
+}
+
+TEST(OrderedHashTableInsert, WithoutMemoryForTheIndexStoresAKeyThatTheTableDoesNotContain)
+{
+    Table table;
+    insertAbc(table);
+    const String key("d");
+    {
+        support::AllocationProbe probe;
+        probe.failOnce(); // the first one is for the bucket
+
+        table.insert(key, 4);
+    }
+
+    EXPECT_FALSE(table.contains("d"));
+    EXPECT_THROW(table["d"], qor::HashKeyMissing);
+    EXPECT_EQ(4u, table.size());
+    EXPECT_EQ(String("d"), table.keys()[3]);
+    EXPECT_EQ(4u, table.values()[3]);
+    EXPECT_EQ(3u, table["c"]);
+}
+
 TEST(OrderedHashTableAccess, ChangesTheValueThatValuesShows)
 {
     Table table;
@@ -233,58 +305,6 @@ TEST(OrderedHashTableFromText, IsEmptyWhenThereIsTextInPlaceOfItems)
 
     EXPECT_EQ(0u, table.size());
     EXPECT_FALSE(table.contains("a"));
-}
-
-/// Message of the NullPointer that an insertion throws if the array of keys (0) or of values (1) cannot grow.
-std::string failedGrowth(Table& table, const String& key, unsigned int which)
-{
-    support::AllocationProbe probe;
-    probe.failNothrow(1 + which); // the first one is for the bucket
-    try
-    {
-        table.insert(key, 9);
-    }
-    catch (const qor::NullPointer& error)
-    {
-        probe.succeed();
-        return error.what();
-    }
-    return "nothing was thrown";
-}
-
-/// A table whose arrays are full.
-Table fullTable()
-{
-    Table table;
-    for (unsigned int i = 0; i < 8; ++i)
-        table.insert("key " + qor::QORValue(i).toString(qor::QORValue::nilValue), i);
-    return table;
-}
-
-TEST(OrderedHashTableInsert, ThatCannotAppendTheKeyLeavesItInTheIndexOnly)
-{
-    Table table = fullTable();
-
-    EXPECT_EQ("Asked for array of size: 9", failedGrowth(table, "ninth", 0));
-
-    EXPECT_EQ(8u, table.size());
-    EXPECT_EQ(8u, table.values().size());
-    EXPECT_TRUE(table.contains("ninth"));
-    EXPECT_THROW(table["ninth"], qor::IndexOutOfBounds);
-    EXPECT_EQ(7u, table["key 7"]);
-}
-
-TEST(OrderedHashTableInsert, ThatCannotAppendTheValueLeavesAKeyWithoutOne)
-{
-    Table table = fullTable();
-
-    EXPECT_EQ("Asked for array of size: 9", failedGrowth(table, "ninth", 1));
-
-    EXPECT_EQ(9u, table.keys().size());
-    EXPECT_EQ(8u, table.values().size());
-    EXPECT_EQ(String("ninth"), table.keys()[8]);
-    EXPECT_THROW(table["ninth"], qor::IndexOutOfBounds);
-    EXPECT_EQ(7u, table["key 7"]);
 }
 
 TEST(OrderedHashTableClassName, HoldsTheMangledNameOfOtherArrays)

@@ -76,55 +76,6 @@ TEST(StringConstruction, OfMoreUnitsThanASizeCanTellIsRefused)
     EXPECT_THROW(String::allocate(0x7FFFFFFFu), std::length_error);
 }
 
-/// A string that pretends to have @p size units until this object is destroyed.
-class PretendedSize
-{
-public:
-    explicit PretendedSize(unsigned int size) : m_text("pretended"), m_size(m_text.size())
-    {
-        m_text.m_buffer->size = size;
-    }
-    ~PretendedSize() { m_text.m_buffer->size = m_size; }
-    PretendedSize(const PretendedSize&) = delete;
-    PretendedSize& operator=(const PretendedSize&) = delete;
-
-    String& text() { return m_text; }
-
-private:
-    String m_text;
-    const unsigned int m_size;
-};
-
-TEST(StringAppend, BeyondTheLargestSizeThrowsLengthErrorAndLeavesTheText)
-{
-    PretendedSize pretended(2147483615u); // the largest size, without 4 GiB of memory
-    const unsigned short* const buffer = pretended.text().getUCS2Buffer();
-
-    EXPECT_THROW(pretended.text().append("x"), std::length_error);
-    EXPECT_THROW(pretended.text().append(String("x")), std::length_error);
-    EXPECT_THROW(pretended.text() += pretended.text(), std::length_error);
-
-    EXPECT_EQ(2147483615u, pretended.text().size());
-    EXPECT_EQ(buffer, pretended.text().getUCS2Buffer());
-}
-
-TEST(StringAppend, OfSingleUnitsTakesAFewNewBuffersOnly)
-{
-    String text;
-    int buffers = 0;
-    const unsigned short* buffer = text.getUCS2Buffer();
-
-    for (int i = 0; i < 20000; ++i)
-    {
-        text.append("x");
-        buffers += text.getUCS2Buffer() != buffer;
-        buffer = text.getUCS2Buffer();
-    }
-
-    EXPECT_EQ(20000u, text.size());
-    EXPECT_GE(20, buffers) << "room grows with the text, so that appending takes the same time on average";
-}
-
 TEST(StringConstruction, FromAnotherTextGivesAnIndependentCopy)
 {
     String original("card");
@@ -294,6 +245,55 @@ TEST(StringAppend, IsWhatPlusEqualsDoes)
 
     EXPECT_EQ(&text, &result);
     EXPECT_EQ(String("left right"), text);
+}
+
+/// A string that pretends to have @p size units until this object is destroyed.
+class PretendedSize
+{
+public:
+    explicit PretendedSize(unsigned int size) : m_text("pretended"), m_size(m_text.size())
+    {
+        m_text.m_buffer->size = size;
+    }
+    ~PretendedSize() { m_text.m_buffer->size = m_size; }
+    PretendedSize(const PretendedSize&) = delete;
+    PretendedSize& operator=(const PretendedSize&) = delete;
+
+    String& text() { return m_text; }
+
+private:
+    String m_text;
+    const unsigned int m_size;
+};
+
+TEST(StringAppend, BeyondTheLargestSizeThrowsLengthErrorAndLeavesTheText)
+{
+    PretendedSize pretended(2147483615u); // the largest size, without 4 GiB of memory
+    const unsigned short* const buffer = pretended.text().getUCS2Buffer();
+
+    EXPECT_THROW(pretended.text().append("x"), std::length_error);
+    EXPECT_THROW(pretended.text().append(String("x")), std::length_error);
+    EXPECT_THROW(pretended.text() += pretended.text(), std::length_error);
+
+    EXPECT_EQ(2147483615u, pretended.text().size());
+    EXPECT_EQ(buffer, pretended.text().getUCS2Buffer());
+}
+
+TEST(StringAppend, OfSingleUnitsTakesAFewNewBuffersOnly)
+{
+    String text;
+    int buffers = 0;
+    const unsigned short* buffer = text.getUCS2Buffer();
+
+    for (int i = 0; i < 20000; ++i)
+    {
+        text.append("x");
+        buffers += text.getUCS2Buffer() != buffer;
+        buffer = text.getUCS2Buffer();
+    }
+
+    EXPECT_EQ(20000u, text.size());
+    EXPECT_GE(20, buffers) << "room grows with the text, so that appending takes the same time on average";
 }
 
 TEST(StringPlus, GivesANewTextWithTheLiteralFirst)
