@@ -48,14 +48,21 @@ unsigned int number(const String& text)
     return static_cast<unsigned int>(value);
 }
 
+const String& textOf(const XmlElement& item)
+{
+    if (!item.children().empty())
+        throw SerializationFailed("Elements instead of text: " + item.name());
+    return item.text();
+}
+
 void readItem(const XmlElement& item, Array<String>& items)
 {
-    items.append(item.text());
+    items.append(textOf(item));
 }
 
 void readItem(const XmlElement& item, Array<unsigned int>& items)
 {
-    items.append(number(item.text()));
+    items.append(number(textOf(item)));
 }
 
 bool isBlank(const String& text)
@@ -69,7 +76,7 @@ template<class T>
 void readItems(const XmlElement& element, Array<T>& items)
 {
     if (!isBlank(element.text()))
-        throw SerializationFailed("Text in place of items in: " + element.name());
+        throw SerializationFailed("Text instead of items: " + element.name());
     items.clear();
     for (const XmlElement& item : element.children())
     {

@@ -86,8 +86,9 @@ protected:
     void serialize(const String& fieldName, Serializable& field);
 
     /// Reads @p field from the child called @p fieldName.
-    /// @exception SerializationFailed, with the name of the element, if there is no such child, an item of it does not
-    /// fit, or it has text in place of items; an array that has text in place of items is unchanged
+    /// @exception SerializationFailed, with the name of the element, if there is no such child, or it has text instead
+    /// of items; an array is unchanged then. With the name or the text of the item, if an item does not fit: an array
+    /// contains the items before that one then
     void deserialize(const String& fieldName, Serializable& field);
 
 private:

@@ -135,15 +135,39 @@ TEST(SerializableText, WithAForeignElementInAnArrayFailsAndNamesIt)
               failure([&] { preset.deserialize("<preset><names><entry/></names></preset>"); }));
 }
 
+TEST(SerializableText, WithElementsInPlaceOfTheTextOfAnItemFails)
+{
+    Preset preset;
+
+    EXPECT_EQ("Elements instead of text: item",
+              failure(
+                  [&]
+                  { preset.deserialize("<preset><names><item><item>a</item></item></names><levels/><table/></preset>"); }));
+    EXPECT_EQ("Elements instead of text: item",
+              failure([&]
+                      { preset.deserialize("<preset><names/><levels><item><a/></item></levels><table/></preset>"); }));
+}
+
+TEST(SerializableText, WithAnItemThatDoesNotFitKeepsTheItemsBefore)
+{
+    Preset preset;
+
+    EXPECT_THROW(preset.deserialize("<preset><names><item>a</item><entry/></names><levels/><table/></preset>"),
+                 qor::SerializationFailed);
+
+    ASSERT_EQ(1u, preset.names.size());
+    EXPECT_EQ(String("a"), preset.names[0]);
+}
+
 TEST(SerializableText, WithTextInPlaceOfItemsFailsAndNamesTheElement)
 {
     Preset preset;
 
-    EXPECT_EQ("Text in place of items in: names",
+    EXPECT_EQ("Text instead of items: names",
               failure([&] { preset.deserialize("<preset><names>left</names><levels/><table/></preset>"); }));
-    EXPECT_EQ("Text in place of items in: levels",
+    EXPECT_EQ("Text instead of items: levels",
               failure([&] { preset.deserialize("<preset><names/><levels>\n 7 </levels><table/></preset>"); }));
-    EXPECT_EQ("Text in place of items in: m_arrKey",
+    EXPECT_EQ("Text instead of items: m_arrKey",
               failure(
                   [&]
                   {
@@ -350,7 +374,7 @@ TEST(SerializableInterface, HasItsVirtualOperationsInTheirFixedOrder)
     using support::virtualSlot;
     using ReadText = void (Serializable::*)(const String&);
 
-    EXPECT_EQ(2u, virtualSlot(&Serializable::doSerialization)); // behind the two places of the destructor
+    EXPECT_EQ(2u, virtualSlot(&Serializable::doSerialization)); // after the two slots of the destructor
     EXPECT_EQ(3u, virtualSlot(static_cast<ReadText>(&Serializable::deserialize)));
     EXPECT_EQ(4u, virtualSlot(&Serializable::deserializeFromElement));
     EXPECT_EQ(5u, virtualSlot(&Serializable::serializeToXML));

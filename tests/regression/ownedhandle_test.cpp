@@ -1,12 +1,13 @@
 // At the end of the process a static handle deleted its object and stayed as it was: g++ dropped the store of null, as
 // it goes into an object whose lifetime ends. A static object of the caller that was destroyed later used the freed
-// object. Only an optimiser shows that, so this file is compiled with one; all other tests are compiled without.
+// object. Only an optimizer shows that, so this file is compiled with one; all other tests are compiled without.
 
 #include "qor/array.h"
 #include "qor/resource.h"
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -86,11 +87,15 @@ LateObject::~LateObject()
 /// Memory of a handle that a test makes and destroys in place.
 alignas(OwnedPointer<Widget>) unsigned char handleMemory[sizeof(OwnedPointer<Widget>)];
 
-/// What the handle in that memory holds, even if it has been destroyed.
+/// What the handle in that memory holds, even if it has been destroyed. Volatile, or an optimizer may assume that the
+/// content ended with the handle.
 Widget* pointerInMemory()
 {
+    unsigned char bytes[sizeof(Widget*)];
+    for (std::size_t i = 0; i < sizeof(bytes); ++i)
+        bytes[i] = const_cast<const volatile unsigned char*>(handleMemory)[i];
     Widget* pointer = nullptr;
-    std::memcpy(&pointer, handleMemory, sizeof(pointer));
+    std::memcpy(&pointer, bytes, sizeof(pointer));
     return pointer;
 }
 
