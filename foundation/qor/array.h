@@ -127,7 +127,9 @@ private:
     unsigned int checked(unsigned int index) const;
     void destroyBlock();
 
-    Block* m_block; // null only after an assignment or clear() has failed, and after destruction
+    /// Null inside operator= and clear() between the old block and the new one, which remains so if they fail, and
+    /// after destruction.
+    Block* m_block;
 };
 
 template<>

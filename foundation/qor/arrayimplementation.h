@@ -173,8 +173,8 @@ void Array<T>::remove(unsigned int index)
 template<class T>
 const String& Array<T>::className()
 {
-    static const String& name =
-        *new String("ArrayOfOthers"); // never destroyed: other static objects may ask for it when the process ends
+    // Never destroyed: other static objects may ask for it when the process ends.
+    static const String& name = *new String("ArrayOfOthers");
     return name;
 }
 

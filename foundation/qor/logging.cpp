@@ -60,8 +60,8 @@ void deliver(const LogRecord& record)
 {
     Registry& log = registry();
     const std::lock_guard<std::recursive_mutex> lock(log.sinkMutex);
-    const std::shared_ptr<const LogFactory::Sink> sink =
-        log.sink; // stays alive during the call, even if the sink sets another one
+    // Stays alive during the call, even if the sink sets another one.
+    const std::shared_ptr<const LogFactory::Sink> sink = log.sink;
     if (sink != nullptr)
         (*sink)(record);
     else
@@ -104,7 +104,7 @@ void Logger::log(LOGGER_PRIORITY priority, const LoggerStream& message)
     deliver({LogRecord::Kind::message, priority, channel(), message, nullptr, 0});
 }
 
-std::atomic<LOGGER_PRIORITY> LogFactory::m_minimum{LoggerPriority::LOG_ERROR}; // initialised at compile time
+std::atomic<LOGGER_PRIORITY> LogFactory::m_minimum{LoggerPriority::LOG_ERROR}; // initialized at compile time
 
 void LogFactory::setPriority(LOGGER_PRIORITY priority) noexcept
 {

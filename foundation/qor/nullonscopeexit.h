@@ -2,7 +2,7 @@
 
 namespace qor
 {
-/// Stores null in @p pointer with a store that no optimiser leaves out.
+/// Stores null in @p pointer with a store that no optimizer leaves out.
 ///
 /// A destructor that sets its own field writes to an object whose lifetime ends, so compilers drop such a store as
 /// dead: g++ does from -O1 on. Static objects that are destroyed later still read that memory, and must find null

@@ -50,7 +50,7 @@ struct PointerStorage<X, 0, 3>
 };
 
 /// A handle that has one pointer; its storage defines how the pointer is copied and released. A handle may be nil;
-/// access through a nil handle is not tested. Not synchronised.
+/// access through a nil handle is not tested. Not synchronized.
 template<class Storage>
 class CopiedResource
 {
@@ -232,8 +232,8 @@ private:
         if (m_count == nullptr)
             return;
         const NullOnScopeExit<std::int32_t> noCountAfterwards(m_count);
-        const NullOnScopeExit<Element> noValueAfterwards(
-            m_value); // destroyed first, so the value is null before the count
+        // Destroyed first, so the value is null before the count.
+        const NullOnScopeExit<Element> noValueAfterwards(m_value);
         if (--*m_count != 0)
             return;
         delete m_count;

@@ -251,7 +251,7 @@ Array<String> String::tokenize(const String& delimiters) const
 String::Buffer* String::allocate(std::size_t capacity)
 {
     if (capacity > largestText)
-        throw std::length_error("qor::String: text too long");
+        throw std::length_error("qor::String: string too long");
     void* const memory = ::operator new(sizeof(Buffer) + (capacity + 1) * sizeof(unsigned short));
     return ::new (memory) Buffer{{1}, 0, static_cast<unsigned int>(capacity)};
 }

@@ -91,11 +91,11 @@ private:
             return result;
         expect(">", "attributes are not supported");
         content(result, depth);
-        expect("</", "the end of element expected");
+        expect("</", "end of the element expected");
         if (String::fromUtf8(name()) != result.name())
-            fail("end of another element");
+            fail("end tag does not match the open element");
         skipBlanks();
-        expect(">", "the end of element expected");
+        expect(">", "end of the element expected");
         return result;
     }
 
@@ -106,7 +106,7 @@ private:
         while (!atEnd() && !startsWith("</"))
         {
             if (accept("<!--"))
-                skipBehind("-->", "comment without an end");
+                skipPast("-->", "comment without an end");
             else if (startsWith("<"))
                 parent.add(element(depth + 1));
             else
@@ -196,9 +196,9 @@ private:
         {
             skipBlanks();
             if (accept("<?"))
-                skipBehind("?>", "prolog without an end");
+                skipPast("?>", "prolog without an end");
             else if (accept("<!--"))
-                skipBehind("-->", "comment without an end");
+                skipPast("-->", "comment without an end");
             else
                 return;
         }
@@ -210,7 +210,7 @@ private:
             ++m_position;
     }
 
-    void skipBehind(std::string_view end, const char* complaint)
+    void skipPast(std::string_view end, const char* complaint)
     {
         const std::size_t found = m_text.find(end, m_position);
         if (found == std::string_view::npos)
@@ -249,8 +249,8 @@ private:
                 ++line;
                 column = 1;
             }
-            else if ((static_cast<unsigned char>(m_text[i]) & 0xC0) !=
-                     0x80) // a character counts as one column, however many bytes it has
+            // A character counts as one column, however many bytes it has.
+            else if ((static_cast<unsigned char>(m_text[i]) & 0xC0) != 0x80)
                 ++column;
         }
         String message("XML is not well formed at line ");

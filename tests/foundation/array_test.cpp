@@ -64,7 +64,7 @@ TEST(ArrayConstruction, AllocatesOneBlockForHeaderAndEightElements)
     EXPECT_EQ(8u + 8u * sizeof(unsigned int), probe.largestSize());
 }
 
-TEST(ArrayConstruction, PutsTheElementsBehindTwoHeaderWordsWithoutAGap)
+TEST(ArrayConstruction, PutsTheElementsDirectlyAfterTwoHeaderWords)
 {
     const Array<unsigned int> array = numbers(3);
 
@@ -98,7 +98,7 @@ TEST_F(ArrayDestruction, FreesTheBlock)
     EXPECT_EQ(0, probe.balance());
 }
 
-TEST_F(ArrayDestruction, LetsAnExceptionOfAnElementPassOnceTheOthersAreGone)
+TEST_F(ArrayDestruction, PassesAnExceptionOfAnElementOnAfterTheOthersAreDestroyed)
 {
     const auto destroy = []
     {
@@ -309,7 +309,7 @@ TEST_F(ArrayRemove, FromAFullArrayMakesRoomForOneMore)
     EXPECT_EQ(70u, array[7]);
 }
 
-TEST_F(ArrayRemove, FromAFullArrayLetsAnIndexEqualToTheCountThroughAndNoLargerOne)
+TEST_F(ArrayRemove, FromAFullArrayIgnoresAnIndexEqualToTheCountAndRefusesALargerOne)
 {
     Array<unsigned int> array = numbers(8);
 

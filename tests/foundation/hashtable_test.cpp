@@ -295,7 +295,7 @@ TEST(HashTableClassName, HoldsNamesShorterThanFourUnitsWhole)
     EXPECT_EQ(String("H(AC,AC)"), table.objectClassName());
 }
 
-TEST(HashTableClassName, CutsTwoUnitsInFrontAndOneBehindFromFourUnitsOn)
+TEST(HashTableClassName, DropsTheFirstTwoUnitsAndTheLastOneOfNamesOfFourUnitsOrMore)
 {
     EXPECT_EQ(String(""), qor::cutClassName(""));
     EXPECT_EQ(String("A()"), qor::cutClassName("A()"));

@@ -258,7 +258,7 @@ TEST_F(HashTableRep, CanBeWalkedInPart)
 
     const qor::_HashTableIteratorBase i(table.heads() + 3, table.heads() + 6);
 
-    EXPECT_EQ(nullptr, i.current()); // the head behind the last one is not looked at
+    EXPECT_EQ(nullptr, i.current()); // the head after the last one is not read
 }
 
 TEST(BucketBase, StartsWithoutAFollower)
@@ -271,7 +271,7 @@ TEST(BucketBase, StartsWithoutAFollower)
 #if defined(SUPPORT_HAS_VIRTUAL_SLOTS)
 TEST(BucketBase, HasItsVirtualOperationsInTheirFixedOrder)
 {
-    EXPECT_EQ(2u, support::virtualSlot(&qor::_BucketBase::matches)); // behind the two places of the destructor
+    EXPECT_EQ(2u, support::virtualSlot(&qor::_BucketBase::matches)); // after the two slots of the destructor
     EXPECT_EQ(3u, support::virtualSlot(&qor::_BucketBase::clone));
 }
 #endif

@@ -230,7 +230,7 @@ TEST(LogSink, KeepsAnotherThreadOutWhileItHandlesARecord)
     EXPECT_EQ(0, overlaps);
 }
 
-TEST(LogSink, CanBePutInPlaceWhileOtherThreadsLog)
+TEST(LogSink, CanBeReplacedWhileOtherThreadsLog)
 {
     constexpr int rounds = 5000;
     std::atomic<int> calls{0};

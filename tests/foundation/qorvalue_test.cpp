@@ -38,7 +38,7 @@ TEST(QORValueToHexString, GivesThePrefixAndEightUpperCaseDigits)
     EXPECT_EQ(String("0x0000ABCD"), QORValue(0xABCD).toHexString(true));
 }
 
-TEST(QORValueToHexString, WithoutPrefixGivesTheDigitsAlone)
+TEST(QORValueToHexString, WithoutPrefixGivesOnlyTheDigits)
 {
     EXPECT_EQ(String("80070490"), QORValue(0x80070490u).toHexString(false));
     EXPECT_EQ(String("0000000F"), QORValue(15).toHexString(false));

@@ -334,7 +334,7 @@ TEST_F(SharedResource, MayBeNullForItsDestroyer)
 #if defined(SUPPORT_HAS_VIRTUAL_SLOTS)
 TEST(SharedResourceDestroyerBase, HasItsVirtualOperationsInTheirFixedOrder)
 {
-    EXPECT_EQ(2u, support::virtualSlot(&qor::SharedResourceDestroyerBase::forget)); // behind those of the destructor
+    EXPECT_EQ(2u, support::virtualSlot(&qor::SharedResourceDestroyerBase::forget)); // after those of the destructor
 }
 #endif
 }

@@ -71,7 +71,7 @@ TEST(StringConstruction, OfAnEmptySourceGivesTheEmptyText)
     EXPECT_EQ(0u, String("").size());
 }
 
-TEST(StringConstruction, OfMoreUnitsThanASizeCanTellIsRefused)
+TEST(StringConstruction, ThrowsLengthErrorForMoreUnitsThanTheLargestSize)
 {
     EXPECT_THROW(String::allocate(0x7FFFFFFFu), std::length_error);
 }

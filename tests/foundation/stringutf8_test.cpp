@@ -77,8 +77,8 @@ TEST(StringFromUtf8, ReadsNothingBeyondTheEndOfAViewThatCutsACharacter)
     {
         for (std::size_t length = 1; length < character.size(); ++length)
         {
-            const std::string_view cut =
-                std::string_view(character).substr(0, length); // the rest is behind it in memory
+            // The rest follows it in memory.
+            const std::string_view cut = std::string_view(character).substr(0, length);
 
             EXPECT_EQ(Units(length, 0xFFFD), units(String::fromUtf8(cut))) << character << ' ' << length;
         }
@@ -101,7 +101,7 @@ TEST(StringFromUtf8, OfNothingIsTheEmptyText)
     EXPECT_EQ(String(), String::fromUtf8(std::string_view()));
 }
 
-TEST(StringFromUtf8, GivesBackWhatToUtf8Wrote)
+TEST(StringFromUtf8, ReadsWhatToUtf8Wrote)
 {
     for (unsigned int unit = 1; unit <= 0xFFFF; ++unit)
     {

@@ -29,7 +29,7 @@ bool hasToFail(bool nothrow)
         watch.nothrowLeft = 0;
         return true;
     }
-    return watch.left != never && watch.left-- == 0; // one failure leaves `never` behind
+    return watch.left != never && watch.left-- == 0; // after the one failure it is `never`
 }
 
 void* allocate(std::size_t size, bool nothrow)

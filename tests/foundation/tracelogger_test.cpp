@@ -155,7 +155,7 @@ TEST(TraceLogger, LeavesUnderTheLoggerThatItEnteredWith)
     EXPECT_THAT(log.left(), ElementsAre("label"));
 }
 
-TEST(TraceLogger, LosesTheLeavingWithoutMemoryForIt)
+TEST(TraceLogger, DropsTheRecordOfTheEndWithoutMemoryForIt)
 {
     support::LogCapture log;
     support::AllocationProbe probe;
@@ -172,7 +172,7 @@ TEST(TraceLogger, LosesTheLeavingWithoutMemoryForIt)
 #endif
 }
 
-TEST(TraceLogger, LosesTheLeavingWhenTheSinkThrows)
+TEST(TraceLogger, DropsTheRecordOfTheEndIfTheSinkThrows)
 {
     const support::LogCapture restores;
     int leavings = 0;

@@ -80,7 +80,7 @@ TEST(XmlElementWrite, EscapesWhatHasAMeaningInXml)
     EXPECT_EQ(String("<e>&#60;a &#38; &#34;b&#34; &#39;c&#39;&#62;</e>"), element.write());
 }
 
-TEST(XmlElementWrite, RefusesANameThatIsNone)
+TEST(XmlElementWrite, RefusesAnInvalidName)
 {
     EXPECT_EQ("Invalid name of an element: ", refusal(XmlElement("")));
     EXPECT_EQ("Invalid name of an element: 1st", refusal(XmlElement("1st")));
@@ -147,7 +147,7 @@ TEST(XmlElementRead, PassesOverPrologAndComments)
     EXPECT_EQ(String("ab"), root.text());
 }
 
-TEST(XmlElementRead, TakesWhiteSpaceBehindANameInATag)
+TEST(XmlElementRead, AcceptsWhiteSpaceAfterANameInATag)
 {
     EXPECT_EQ(String("a"), XmlElement::read("<a />").name());
     EXPECT_EQ(String("a"), XmlElement::read("<a ></a\n>").name());
@@ -165,7 +165,7 @@ TEST(XmlElementRead, TakesReferencesInsideWords)
     EXPECT_EQ(String("left & right < all"), textOf("<e>left &amp; right &lt; all</e>"));
 }
 
-TEST(XmlElementReadFailure, SaysLineAndColumn)
+TEST(XmlElementReadFailure, ReportsLineAndColumn)
 {
     EXPECT_EQ("line 1, column 1: element expected", complaint(""));
     EXPECT_EQ("line 3, column 3: name expected", complaint("<a>\n<b/>\n < c/></a>"));
@@ -178,9 +178,9 @@ TEST(XmlElementReadFailure, CountsACharacterAsOneColumn)
 
 TEST(XmlElementReadFailure, CoversTagsThatDoNotFit)
 {
-    EXPECT_EQ("line 1, column 7: end of another element", complaint("<a></b></a>"));
-    EXPECT_EQ("line 1, column 4: the end of element expected", complaint("<a>"));
-    EXPECT_EQ("line 1, column 7: the end of element expected", complaint("<a></a"));
+    EXPECT_EQ("line 1, column 7: end tag does not match the open element", complaint("<a></b></a>"));
+    EXPECT_EQ("line 1, column 4: end of the element expected", complaint("<a>"));
+    EXPECT_EQ("line 1, column 7: end of the element expected", complaint("<a></a"));
     EXPECT_EQ("line 1, column 4: attributes are not supported", complaint("<a b=\"c\"/>"));
     EXPECT_EQ("line 1, column 5: unexpected content after the element", complaint("<a/><b/>"));
 }

@@ -98,8 +98,8 @@ TEST_F(ThrowingRelease, LeavesNoReferenceBehindInTheSearchForSelectors)
         });
 }
 
-// clang 14 does not destroy a variable if a temporary of its initializer throws in its destructor, as the language
-// demands; the library has such initializers.
+// The language demands that a variable is destroyed if a temporary of its initializer throws in its destructor; clang
+// 14 does not destroy it. The library has such initializers.
 #if !defined(__clang__)
 TEST_F(ThrowingRelease, LeavesNoReferenceBehindWhenTheMapIsBuilt)
 {

@@ -12,7 +12,7 @@
 namespace unloading
 {
 /// Writes @p line to standard output at once, without the buffers of the runtime.
-inline void say(const char* line)
+inline void printLine(const char* line)
 {
 #if defined(_WIN32)
     const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);

@@ -24,7 +24,7 @@
 #include <string>
 #include <thread>
 
-using unloading::say;
+using unloading::printLine;
 
 namespace
 {
@@ -46,7 +46,7 @@ public:
 
     HRESULT STDMETHODCALLTYPE PreUninitialize(DWORD) override
     {
-        say("CoUninitialize");
+        printLine("CoUninitialize");
         return S_OK;
     }
 
@@ -59,7 +59,7 @@ void watchCom()
     static ComSpy* const spy = new ComSpy;
     ULARGE_INTEGER cookie = {};
     if (FAILED(CoRegisterInitializeSpy(spy, &cookie)))
-        say("COM cannot be watched");
+        printLine("COM cannot be watched");
 }
 
 sim::Machine threeCards()
@@ -92,7 +92,7 @@ public:
         if (m_simulation == nullptr)
             return;
         const auto watchOperation = [this](const char* operation)
-        { m_simulation->faults().run(operation, [operation] { say(operation); }); };
+        { m_simulation->faults().run(operation, [operation] { printLine(operation); }); };
         watchOperation("IMMDeviceEnumerator::UnregisterEndpointNotificationCallback");
         watchOperation("IMMDeviceEnumerator::Release");
     }
@@ -125,7 +125,7 @@ public:
     void free() const
     {
         FreeLibrary(m_module);
-        say(GetModuleHandleW(L"libSonavit.dll") == nullptr ? "freed" : "the library is still there");
+        printLine(GetModuleHandleW(L"libSonavit.dll") == nullptr ? "freed" : "the library is still there");
     }
 
 private:
@@ -167,9 +167,9 @@ int main(int count, char** words)
         if (user.keepCards() == 0)
             return 4;
         platform.watch();
-        say("used");
+        printLine("used");
     }
     endBy(end, user);
-    say("ends");
+    printLine("ends");
     return EXIT_SUCCESS;
 }

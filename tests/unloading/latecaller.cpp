@@ -1,5 +1,6 @@
-// A module with a static object that outlives the library: it asks the library's factory for the shared enumerator when
-// the library's own static objects are gone. It also provides the simulated Core Audio, which must last as long.
+// A module with a static object that outlives the library: it asks the library's factory for the shared enumerator
+// after the library's own static objects are destroyed. It also provides the simulated Core Audio, which must last as
+// long.
 
 #include "simulator/simulation.h"
 #include "tests/unloading/events.h"
@@ -17,13 +18,13 @@ public:
     ~Caller()
     {
         if (m_ask != nullptr)
-            unloading::say(m_ask());
+            unloading::printLine(m_ask());
     }
 
     void ask(const char* (*question)())
     {
         m_ask = question;
-        unloading::say(m_ask());
+        unloading::printLine(m_ask());
     }
 
 private:
@@ -40,6 +41,6 @@ UNLOADING_EXPORT void askNowAndAtTheEnd(const char* (*question)())
     auto* const simulation = new sim::Simulation({});
     caller.ask(question);
     simulation->faults()
-        .run("IMMDeviceEnumerator::Release", [] { unloading::say("the enumerator is released"); })
+        .run("IMMDeviceEnumerator::Release", [] { unloading::printLine("the enumerator is released"); })
         .at(1);
 }

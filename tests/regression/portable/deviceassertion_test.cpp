@@ -2,9 +2,10 @@
 // are not at the path that the compiler has seen.
 #include "qor/exception.h"
 #include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
+#include "tests/libSonavit/supportlogline.h"
 
-#include <fstream>
 #include <functional>
+#include <string>
 
 namespace
 {
@@ -17,11 +18,7 @@ std::string assertedLine(const std::function<void()>& action)
     }
     catch (const qor::AssertionFailure& failure)
     {
-        std::ifstream source(failure.file());
-        std::string line;
-        for (unsigned __int64 number = 0; number < failure.line(); ++number)
-            std::getline(source, line);
-        return line;
+        return support::sourceLineOf(failure);
     }
     return {};
 }

@@ -2,7 +2,7 @@
 ///
 /// Interfaces, classes and node types keep their SDK names (IID_IPart, CLSID_MMDeviceEnumerator, KSNODETYPE_SPEAKER,
 /// ...) and come with the platform's declarations. The SDK has no names for some of the property keys; all keys that
-/// the library reads are in `propertykeys`.
+/// the library reads or writes are in `propertykeys`.
 #pragma once
 
 #include "platform/coreaudio.h"
