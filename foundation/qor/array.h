@@ -127,8 +127,8 @@ private:
     unsigned int checked(unsigned int index) const;
     void destroyBlock();
 
-    /// Null inside operator= and clear() between the old block and the new one, which remains so if they fail, and
-    /// after destruction.
+    /// Null while operator= or clear() has destroyed the old block and has no new one yet, and stays null if that
+    /// operation fails. Null after destruction.
     Block* m_block;
 };
 

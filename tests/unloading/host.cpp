@@ -28,7 +28,7 @@ using unloading::printLine;
 
 namespace
 {
-/// Prints a line when COM is uninitialised on this thread.
+/// Prints a line when COM is uninitialized on this thread.
 class ComSpy final : public IInitializeSpy
 {
 public:

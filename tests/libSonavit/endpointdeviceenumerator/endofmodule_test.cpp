@@ -132,7 +132,7 @@ TEST_F(AudioDeviceEnumeratorEnd, UninitializesComEvenIfCoInitializeFailed)
 {
     const sim::PlannedFault fault = simulation().faults().fail("CoInitialize", E_OUTOFMEMORY);
 
-    EXPECT_NE(nullptr, shared().deviceEnumerator().get()); // COM is initialised by the fixture
+    EXPECT_NE(nullptr, shared().deviceEnumerator().get()); // COM is initialized by the fixture
 
     EXPECT_EQ(1u, fault.fired());
     EXPECT_THAT(log.texts("comptr"), ElementsAre("CoInitialize returns 18446744071562526734"));

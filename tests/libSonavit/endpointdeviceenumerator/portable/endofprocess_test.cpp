@@ -34,7 +34,7 @@ void showJournalLast()
     ::on_exit(showJournal, nullptr); // unlike std::atexit, not bound to the executable, which ends before its libraries
 }
 
-// Handlers run in the reverse order of their registration. This one is registered before any library is initialised, so
+// Handlers run in the reverse order of their registration. This one is registered before any library is initialized, so
 // it runs after the static objects of all libraries are destroyed.
 __attribute__((section(".preinit_array"), used)) void (*const beforeAllLibraries)() = showJournalLast;
 
