@@ -139,13 +139,14 @@ TEST(SerializableText, WithElementsInPlaceOfTheTextOfAnItemFails)
 {
     Preset preset;
 
-    EXPECT_EQ("Elements instead of text: item",
-              failure(
-                  [&]
-                  { preset.deserialize("<preset><names><item><item>a</item></item></names><levels/><table/></preset>"); }));
-    EXPECT_EQ("Elements instead of text: item",
-              failure([&]
-                      { preset.deserialize("<preset><names/><levels><item><a/></item></levels><table/></preset>"); }));
+    EXPECT_EQ(
+        "Elements instead of text: item",
+        failure(
+            [&]
+            { preset.deserialize("<preset><names><item><item>a</item></item></names><levels/><table/></preset>"); }));
+    EXPECT_EQ(
+        "Elements instead of text: item",
+        failure([&] { preset.deserialize("<preset><names/><levels><item><a/></item></levels><table/></preset>"); }));
 }
 
 TEST(SerializableText, WithAnItemThatDoesNotFitKeepsTheItemsBefore)
