@@ -13,10 +13,7 @@ namespace topologylog
 constexpr const char* channel = "libSonavit.audioDeviceTopology";
 qor::LoggerSlot logger;
 }
-}
 
-namespace
-{
 /// Reads the id of the device. A string that comes along with a failure code is used and freed like any other.
 void readDeviceOwner(IDeviceTopology& topology, qor::String& owner)
 {
@@ -68,9 +65,10 @@ void readSubunits(IDeviceTopology& topology, qor::Array<AudioComponent<ISubunit>
     }
 }
 
-/// Empties an id and two lists when its scope ends, unless the scope has emptied them itself.
+/// Empties an id and two lists when its scope ends; what the scope has emptied already stays empty.
 ///
-/// It runs while an exception leaves the scope, so it allocates nothing: Array::clear() would ask for new storage.
+/// It also runs while an exception leaves the scope, so it allocates nothing: Array::clear() would ask for new storage.
+/// A second Release that throws meanwhile ends the process.
 class EmptyOnExit
 {
 public:
@@ -104,6 +102,18 @@ private:
     qor::Array<AudioComponent<IConnector>>& m_connectors;
     qor::Array<AudioComponent<ISubunit>>& m_subunits;
 };
+
+/// Whether a signal path runs from one connector to the other. Its list is released; what comes along with a failure is
+/// ignored.
+bool hasSignalPath(IDeviceTopology& topology, IPart* from, IPart* to)
+{
+    IPartsList* path = nullptr;
+    if (FAILED(topology.GetSignalPath(from, to, TRUE, &path)))
+        return false;
+    if (path != nullptr)
+        path->Release();
+    return true;
+}
 }
 
 AudioDeviceTopology::AudioDeviceTopology() = default;
@@ -204,30 +214,32 @@ bool AudioDeviceTopology::connectorsAreLinked(const AudioComponent<IConnector>& 
         SONAVIT_LOG(topologylog, LOG_WARNING, out.append("Function treats the same connectors as unlinked"));
         return false;
     }
-    const COMPtr<IPart>::pointer fromPart = from.part().part();
-    const COMPtr<IPart>::pointer toPart = fromPart.get() == nullptr ? COMPtr<IPart>::pointer() : to.part().part();
+    // The language demands that the handle is released if a temporary of its initializer throws at its end; clang 14
+    // does not do it. So each copy of a part is on the heap, and ends by a statement of its own once the handle is
+    // complete.
+    OwnedPointer<AudioPart> copy(new AudioPart(from.part()));
+    const COMPtr<IPart>::pointer fromPart = copy->part();
+    copy = nullptr;
+    if (fromPart.get() != nullptr)
+        copy = new AudioPart(to.part());
+    const COMPtr<IPart>::pointer toPart = copy.get() == nullptr ? COMPtr<IPart>::pointer() : copy->part();
+    copy = nullptr;
     if (toPart.get() == nullptr)
     {
         SONAVIT_LOG(topologylog, LOG_WARNING, out.append("One of the connectors is invalid"));
         return false;
     }
     if (m_topology.get() == nullptr)
-        return false; // the snapshot that failed to take this topology has logged it already
+        return false; // without a message: an initialize() that failed has logged it, an object by default has no
+                      // topology
 
-    IPartsList* path = nullptr;
-    if (FAILED(m_topology->GetSignalPath(fromPart.get(), toPart.get(), TRUE, &path)))
-    {
-        SONAVIT_LOG(topologylog, LOG_WARNING, out.append("No signal path from ").append(from.id()).append(" to ").append(to.id()));
-        path = nullptr; // what came along with the failure is not a list to release
-        if (FAILED(m_topology->GetSignalPath(toPart.get(), fromPart.get(), TRUE, &path)))
-        {
-            SONAVIT_LOG(topologylog, LOG_WARNING, out.append("No signal path from ").append(to.id()).append(" to ").append(from.id()));
-            return false;
-        }
-    }
-    if (path != nullptr)
-        path->Release();
-    return true;
+    if (hasSignalPath(*m_topology, fromPart.get(), toPart.get()))
+        return true;
+    SONAVIT_LOG(topologylog, LOG_WARNING, out.append("No signal path from ").append(from.id()).append(" to ").append(to.id()));
+    if (hasSignalPath(*m_topology, toPart.get(), fromPart.get()))
+        return true;
+    SONAVIT_LOG(topologylog, LOG_WARNING, out.append("No signal path from ").append(to.id()).append(" to ").append(from.id()));
+    return false;
 }
 
 /// Releases the topology, then empties id and lists, in this order. The object is empty afterwards even if a Release
@@ -254,6 +266,7 @@ bool AudioDeviceTopology::initialize(const COMPtr<IPart>::pointer& part)
     const HRESULT result = part->GetTopologyObject(&topology);
     if (FAILED(result))
         SONAVIT_LOG(topologylog, LOG_ERROR, out.append("GetTopologyObject fails ").append(hexText(result)));
+    // A pointer that comes along with the failure is adopted: the result does not end the operation.
     return initialize(COMPtr<IDeviceTopology>::pointer(topology)); // which logs a nil topology, too
 }
 
@@ -271,7 +284,7 @@ bool AudioDeviceTopology::initializeHelper(const typename COMPtr<Interface>::poi
     if (FAILED(interfacequery::query(*obj, part)))
     {
         SONAVIT_LOG(topologylog, LOG_ERROR, out.append("No part interface found"));
-        return false;
+        return false; // a pointer along with the failure code is ignored
     }
     return initialize(COMPtr<IPart>::pointer(part));
 }
