@@ -1,6 +1,7 @@
 #include "libSonavit/volumecontroller/sharedoperations.h"
 
 #include "COM/resultcode.h"
+#include "libSonavit/volumecontroller/stepwiserounding.h"
 
 namespace
 {

@@ -6,16 +6,6 @@
 
 #include <cstdint>
 
-// Levels and percents are rounded after each step, even if the processor can multiply and add in one. The pragma holds
-// to the end of both source files, whatever the build allows. (clang obeys it unless -ffp-contract=fast is given.)
-#if defined(__clang__)
-#pragma STDC FP_CONTRACT OFF
-#elif defined(__GNUC__)
-#pragma GCC optimize("fp-contract=off") // g++ ignores STDC FP_CONTRACT
-#elif defined(_MSC_VER)
-#pragma fp_contract(off)
-#endif
-
 namespace volumecontroller
 {
 /// @p value truncated towards zero, its low 32 bits; 0 if no 64-bit integer can hold it.
