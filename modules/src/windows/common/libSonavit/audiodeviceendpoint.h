@@ -28,7 +28,7 @@ public:
 
     /// Adopts the caller's reference on @p device and initializes. The reference is released even if the constructor
     /// throws. initialize()'s result is dropped; isInitialized() answers whether @p device was not null.
-    /// @exception qor::NullPointer if memory is exhausted
+    /// @exception qor::NullPointer or std::bad_alloc if memory is exhausted
     AudioDevice(IMMDevice* device);
 
     /// Opens the device with the id @p deviceId; isInitialized() answers whether the device was found.
@@ -43,7 +43,8 @@ public:
     bool initialize(IMMDevice* device);
 
     /// As above, with the device that the shared enumerator finds (IMMDeviceEnumerator::GetDevice).
-    /// @return false also if there is no enumerator (LOG_WARNING) or no such device (LOG_ERROR)
+    /// @return false also if there is no enumerator (LOG_WARNING) or no such device (LOG_ERROR); a success without a
+    /// device gives false without a message
     bool initialize(const qor::String& deviceId) override;
 
     /// Reads all properties, the state and the jack type.
@@ -95,7 +96,8 @@ public:
     /// Replaces @p connectorList with the connectors of the device's topology. @return their number
     unsigned int connector(qor::Array<AudioComponent<IConnector>>& connectorList);
 
-    /// A share of the endpoint's volume controller; nil only for an adapter device or an empty object.
+    /// A share of the endpoint's volume controller; nil only for an adapter device or an empty object. An endpoint
+    /// without a volume has one, too, and no level or mute operation may be called on it: see AudioDeviceInterface.
     SharedPointer<VolumeControllerInterface> volumeControl() override;
 
     /// Activates IAudioClient, again on each call. The device must not be empty: there is no check.
@@ -141,7 +143,8 @@ private:
     template<class DataType>
     bool getPropVariantValue(const PROPVARIANT& variant, DataType& value);
 
-    bool bind(COMPtr<IMMDevice>::pointer& owned);
+    void initializeAdopted();
+    bool readDevice();
     void readDirectSoundGuid();
     void readJackType();
     COMPtr<IAudioEndpointVolume>::pointer volumeController();

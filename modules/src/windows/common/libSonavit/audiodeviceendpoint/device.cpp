@@ -12,7 +12,7 @@ AudioDevice::AudioDevice() = default;
 AudioDevice::AudioDevice(IMMDevice* device) : m_device(device)
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::AudioDevice(IMMDevice* device)");
-    bind(m_device);
+    initializeAdopted();
 }
 
 AudioDevice::AudioDevice(const qor::String& deviceId)
@@ -27,7 +27,10 @@ AudioDevice& AudioDevice::operator=(const AudioDevice& other) = default;
 bool AudioDevice::initialize(IMMDevice* device)
 {
     COMPtr<IMMDevice>::pointer owned(device); // before the trace record, which allocates and may throw
-    return bind(owned);
+    SONAVIT_TRACE(endpointlog, "AudioDevice::initialize(IMMDevice* device)");
+    m_device = owned;
+    owned = nullptr; // so that it does not raise the reference count that readDevice() logs
+    return readDevice();
 }
 
 bool AudioDevice::initialize(const qor::String& deviceId)
@@ -53,19 +56,20 @@ bool AudioDevice::initialize(const qor::String& deviceId)
     return initialize(device);
 }
 
-/// The body of initialize(IMMDevice*). Moves the reference from @p owned to m_device, which may be the same handle, so
-/// that the logged reference count is not raised by @p owned.
+/// As initialize(IMMDevice*), for the device that the constructor has adopted.
+void AudioDevice::initializeAdopted()
+{
+    SONAVIT_TRACE(endpointlog, "AudioDevice::initialize(IMMDevice* device)");
+    readDevice();
+}
+
+/// Reads everything from the device that m_device holds.
 ///
 /// The topology precedes the properties, so a message about a failing activation shows the names that an earlier
 /// initialize() read, or empty ones.
-bool AudioDevice::bind(COMPtr<IMMDevice>::pointer& owned)
+/// @return as initialize(IMMDevice*)
+bool AudioDevice::readDevice()
 {
-    SONAVIT_TRACE(endpointlog, "AudioDevice::initialize(IMMDevice* device)");
-    if (&owned != &m_device)
-    {
-        m_device = owned;
-        owned = nullptr;
-    }
     if (m_device.get() == nullptr)
         return false;
     {
@@ -106,7 +110,7 @@ bool AudioDevice::isEndpoint() const
     IMMEndpoint* endpoint = nullptr;
     const HRESULT result = interfacequery::query(*m_device, endpoint);
     if (endpoint != nullptr)
-        endpoint->Release();
+        endpoint->Release(); // even one along with a failure code
     return SUCCEEDED(result);
 }
 

@@ -17,9 +17,9 @@ typedef qor::SharedResource<ComTaskMemStorage<unsigned short>, 1> IdBuffer;
 /// The string in a block of @p bytes bytes: up to its terminator or, if the driver has written none, up to the end.
 qor::String boundedString(const unsigned short* block, std::size_t bytes)
 {
-    const unsigned short* const end = block + bytes / sizeof(*block);
-    std::vector<unsigned short> units(block, std::find(block, end, 0));
-    units.push_back(0);
+    const std::size_t count = bytes / sizeof(*block);
+    std::vector<unsigned short> units(count + 1, 0); // the last one stays the terminator
+    std::copy_n(block, count, units.begin());
     return qor::String(units.data());
 }
 }
