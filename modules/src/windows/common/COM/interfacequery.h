@@ -26,7 +26,12 @@ SONAVIT_INTERFACE_ID(ISubunit)
 #undef SONAVIT_INTERFACE_ID
 
 /// Queries @p object for the interface I. @p answer receives whatever pointer the platform stored, null or not, even
-/// along with a failure code; the caller owns the reference that comes with it.
+/// along with a failure code.
+///
+/// What the library does with a pointer that comes along with a failure code, here and at all calls that store one: an
+/// operation that ends, or passes over the item, at the failure ignores the pointer and releases nothing, because the
+/// platform promises no reference. An operation that goes on with whatever was stored, or that releases whatever is not
+/// null, treats it like any other and owns a reference. Each place of the second kind says so.
 template<class I>
 HRESULT query(IUnknown& object, I*& answer)
 {

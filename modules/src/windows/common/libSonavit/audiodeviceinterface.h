@@ -49,7 +49,8 @@ public:
     virtual SharedPointer<VolumeControllerInterface> volumeControl() = 0;
 
     /// Opens the device with the id @p deviceId and reads its properties.
-    /// @return false, with a message, if the device or its property store cannot be opened
+    /// @return false, with a message, if the device or its property store cannot be opened; false, without a message,
+    /// if the platform reports success without a device
     virtual bool initialize(const qor::String& deviceId) = 0;
 
     /// Whether the object holds a platform device.

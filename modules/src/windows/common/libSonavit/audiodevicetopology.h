@@ -40,7 +40,7 @@ public:
     /// connectors and subunits are logged (LOG_INFO).
     /// @param topology shared with the caller; one reference is added. May be nil.
     /// @return false, with the object empty and one message (LOG_ERROR), only if @p topology is nil
-    /// @exception qor::NullPointer if memory for the lists runs out
+    /// @exception qor::NullPointer or std::bad_alloc if memory for the lists runs out
     bool initialize(const COMPtr<IDeviceTopology>::pointer& topology);
 
     /// Takes a snapshot of the topology that contains @p connector (IPart::GetTopologyObject).

@@ -51,7 +51,7 @@ public:
     /// @param list replaced by the parts, even if it contains this part; unchanged if the enumeration fails
     /// @return the number of parts; 0 if the enumeration fails, which is logged (LOG_ERROR)
     /// @exception qor::AssertionFailure "partlist != NULL" if the platform reports success without a list
-    /// @exception qor::NullPointer if memory for the parts runs out
+    /// @exception qor::NullPointer or std::bad_alloc if memory for the parts runs out
     unsigned int incomingPartsList(qor::Array<AudioPart>& list);
 
     /// Reads the parts that this one feeds (IPart::EnumPartsOutgoing); otherwise like incomingPartsList().

@@ -19,7 +19,7 @@
 /// on a thread of the platform. Each copy has its own graph of connectors, which enumerateSystemSoundDevices() builds
 /// once and which does not follow hot plug. Every default-constructed card registers its updater with the shared
 /// enumerator and never unregisters it: the updater keeps its shares, and follows events, until the module ends.
-/// Nothing locks, not even between a caller's thread and a notification.
+/// The card takes no lock, not even between a caller's thread and a notification.
 class SONAVIT_API SoundCard : public SoundCardInterface
 {
 public:
@@ -44,7 +44,7 @@ public:
     /// A card without endpoints, whose updater is registered with the shared enumerator
     /// (IMMDeviceEnumerator::RegisterEndpointNotificationCallback). If the registration fails, the enumerator logs it
     /// and the card receives no change notifications.
-    /// @exception qor::NullPointer if memory runs out
+    /// @exception qor::NullPointer or std::bad_alloc if memory runs out
     SoundCard();
 
     /// Shares lists, observers, id and updater with @p other, and copies its graph. Registers nothing.
@@ -55,7 +55,7 @@ public:
     /// must have initialised COM. Each call registers one more updater for each card.
     /// @return empty if there is no endpoint; empty, with a message (LOG_WARNING), if the endpoints cannot be
     /// enumerated
-    /// @exception qor::NullPointer if memory runs out
+    /// @exception qor::NullPointer or std::bad_alloc if memory runs out
     static qor::Array<SoundCard> enumerateSystemSoundDevices();
 
     /// Finds the first card whose instanceId(), or the parent device instance id of that, equals @p id without regard

@@ -19,12 +19,11 @@ public:
     SoundCardInterface(const SoundCardInterface& other);
     SoundCardInterface& operator=(const SoundCardInterface& other);
 
-    /// The jacks: microphone, speakers and headphones, line in, digital in, digital out.
-    virtual unsigned int microphoneEndpointDevice(qor::Array<AudioInterfacePtr>& result) = 0;
-    virtual unsigned int waveOutEndpointDevice(qor::Array<AudioInterfacePtr>& result) = 0;
-    virtual unsigned int lineInEndpointDevice(qor::Array<AudioInterfacePtr>& result) = 0;
-    virtual unsigned int spdifInEndpointDevice(qor::Array<AudioInterfacePtr>& result) = 0;
-    virtual unsigned int spdifOutEndpointDevice(qor::Array<AudioInterfacePtr>& result) = 0;
+    virtual unsigned int microphoneEndpointDevice(qor::Array<AudioInterfacePtr>& result) = 0; ///< microphones
+    virtual unsigned int waveOutEndpointDevice(qor::Array<AudioInterfacePtr>& result) = 0;    ///< speakers, headphones
+    virtual unsigned int lineInEndpointDevice(qor::Array<AudioInterfacePtr>& result) = 0;     ///< line inputs
+    virtual unsigned int spdifInEndpointDevice(qor::Array<AudioInterfacePtr>& result) = 0;    ///< digital inputs
+    virtual unsigned int spdifOutEndpointDevice(qor::Array<AudioInterfacePtr>& result) = 0;   ///< digital outputs
 
     /// The hardware controls of @p device. Required behaviour: a SoundCard returns 0 here; its class has an overload
     /// that finds the controls.
@@ -43,5 +42,5 @@ public:
 /// Appends the sound cards of the system to @p cards, in the order of SoundCard::enumerateSystemSoundDevices(). Each is
 /// allocated with `new`, and the caller deletes it: a borrowed pointer does not. A failure is logged (LOG_WARNING) and
 /// appends nothing, like a system without endpoints. The thread must have initialised COM.
-/// @exception qor::NullPointer if memory runs out
+/// @exception qor::NullPointer or std::bad_alloc if memory runs out
 SONAVIT_API void enumerateSoundCards(qor::Array<BorrowedPointer<SoundCardInterface>>& cards);

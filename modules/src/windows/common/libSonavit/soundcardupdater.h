@@ -39,8 +39,11 @@ public:
     /// null stored, for any other interface
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
 
-    /// Any thread. @return the new number of references
+    /// Adds a reference. Safe on any thread. @return the new number of references
     ULONG STDMETHODCALLTYPE AddRef() override;
+
+    /// Gives up a reference; the last one deletes the object. Safe on any thread. @return the new number of references,
+    /// 0 after the deletion
     ULONG STDMETHODCALLTYPE Release() override;
 
     /// Refreshes the state of the endpoint in the list from the platform, and notifies the observers of that side.

@@ -22,7 +22,7 @@ class SONAVIT_API SysInfoHelper
 {
 public:
     /// Initialises COM, see above, and takes the snapshot (SoundCard::enumerateSystemSoundDevices()).
-    /// @exception qor::NullPointer if memory is exhausted
+    /// @exception qor::NullPointer or std::bad_alloc if memory is exhausted
     SysInfoHelper();
 
     /// Shares the cards. A copy does not initialise COM; its destructor uninitialises it nevertheless.

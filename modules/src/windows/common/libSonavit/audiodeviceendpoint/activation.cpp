@@ -32,7 +32,7 @@ typename COMPtr<T>::pointer AudioDevice::activateDeviceInterface()
         logInterfaceType<T>();
         SONAVIT_LOG(endpointlog, LOG_WARNING, out.append("Interface is not available for this device ").append(m_properties.endpointType).append(" ").append(m_properties.friendlyName).append(" ").append(hexText(result)));
     }
-    return object;
+    return object; // even one along with a failure code, as in audioClient() and baseFilter()
 }
 
 template COMPtr<IDeviceTopology>::pointer AudioDevice::activateDeviceInterface<IDeviceTopology>();
@@ -47,7 +47,7 @@ COMPtr<IAudioClient>::pointer AudioDevice::audioClient()
     return client;
 }
 
-// Required behaviour: label and message are those of audioClient(), readers of the log match on them.
+// Required behaviour: label and message are those of audioClient(); readers of the log match on them.
 ATL::CComPtr<IBaseFilter> AudioDevice::baseFilter()
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::audioClient");

@@ -19,7 +19,8 @@ bool release(I*& object)
 }
 
 /// One search for the default endpoint of a device's flow, with the interfaces that it holds meanwhile. They are raw
-/// pointers on purpose: each release has its place and its record. Each step logs with a statement of its own, because
+/// pointers on purpose: each release has its place and its record, even that of a pointer that came along with a
+/// failure code. Each step logs with a statement of its own, because
 /// a record shows the line of its statement.
 class DefaultEndpointSearch
 {

@@ -32,7 +32,7 @@ bool AudioDevice::setFormat(const WAVEFORMATEXTENSIBLE& format)
     if (FAILED(result))
     {
         SONAVIT_LOG(endpointlog, LOG_WARNING, out.append("Cannot open a new property store ").append(hexText(result)));
-        return false; // a pointer along with a failure code is ignored on purpose
+        return false; // a pointer along with the failure code is ignored
     }
     m_propertyStore = store;
     return refreshDeviceInformation();

@@ -36,7 +36,7 @@ bool AudioDevice::refreshDeviceInformation()
     {
         IPropertyStore* store = nullptr;
         const HRESULT result = m_device->OpenPropertyStore(STGM_READWRITE, &store); // setFormat() writes to it
-        m_propertyStore = store;
+        m_propertyStore = store; // even one along with a failure code: the next refresh reads from it
         if (FAILED(result) || store == nullptr)
         {
             SONAVIT_LOG(endpointlog, LOG_ERROR, out.append("OpenPropertyStore returns ").append(hexText(result)));
@@ -133,7 +133,7 @@ void AudioDevice::readJackType()
         return;
     IConnector* farConnector = nullptr;
     if (FAILED(first->GetConnectedTo(&farConnector)))
-        return;
+        return; // a pointer along with the failure code is ignored
     const AudioComponent<IConnector> jack(farConnector);
     m_properties.subType = jack.subType();
 }

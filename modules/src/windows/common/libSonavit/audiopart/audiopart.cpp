@@ -39,7 +39,7 @@ AudioPart::AudioPart(I* component) : m_subType()
         return;
     IPart* part = nullptr;
     if (SUCCEEDED(interfacequery::query(*component, part)))
-        m_part = part; // what the platform stores along with a failure is not the library's to release
+        m_part = part; // a pointer along with a failure code is ignored
     initialize();
 }
 
@@ -138,7 +138,8 @@ COMPtr<IDeviceTopology>::pointer AudioPart::topology() const
     if (m_part.get() == nullptr)
         return nullptr;
     IDeviceTopology* topology = nullptr;
-    m_part->GetTopologyObject(&topology); // the HRESULT is ignored on purpose: a null pointer means failure
+    // The HRESULT is ignored on purpose: a null pointer means failure, and one along with a failure code is adopted.
+    m_part->GetTopologyObject(&topology);
     if (topology == nullptr)
         SONAVIT_LOG(partlog, LOG_WARNING, out.append("Unable to get topology object from part ").append(m_name));
     return topology;

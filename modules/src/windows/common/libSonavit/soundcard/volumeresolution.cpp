@@ -9,8 +9,8 @@ namespace
 {
 typedef unsigned int (AudioPart::*Side)(qor::Array<AudioPart>& list);
 
-/// Replaces the empty @p list by the parts next to @p part on one side. An empty part has no neighbours: a connector
-/// that is not a part has one.
+/// Fills the empty @p list with the parts next to @p part on one side. An empty part, which is that of a connector
+/// without an IPart, leaves the list empty.
 void readNeighbours(const AudioPart& part, Side side, qor::Array<AudioPart>& list)
 {
     if (part.part().get() == nullptr)
@@ -19,7 +19,8 @@ void readNeighbours(const AudioPart& part, Side side, qor::Array<AudioPart>& lis
     (walked.*side)(list);
 }
 
-/// The control @p I of the part, or nil if the part has none. What the platform stores along with a failure is ignored.
+/// The control of the part, or nil if the part has none. A pointer along with a failure code is ignored.
+/// @tparam I the interface of the control
 template<class I>
 typename COMPtr<I>::pointer activate(const AudioPart& audioPart, const IID& iid)
 {
