@@ -1,4 +1,4 @@
-// Lists the active playback endpoints of a machine, card by card, and sets the volume of each to 25 %.
+// Lists the active playback endpoints of a machine, card by card, and sets those that have a volume to 25 %.
 #include "libSonavit/libsonavit.h"
 #include "simulator/machine/file/machinefile.h"
 #include "simulator/simulation.h"
@@ -9,7 +9,8 @@
 bool hasVolume(AudioDevice& endpoint)
 {
     void* volume = nullptr;
-    endpoint.device()->Activate(IID_IAudioEndpointVolume, CLSCTX_ALL, nullptr, &volume);
+    if (FAILED(endpoint.device()->Activate(IID_IAudioEndpointVolume, CLSCTX_ALL, nullptr, &volume)))
+        return false;
     const COMPtr<IAudioEndpointVolume>::pointer owned(static_cast<IAudioEndpointVolume*>(volume));
     return owned.get() != nullptr;
 }
