@@ -1,34 +1,60 @@
 // The search for a wave number read past the end of a block that a wave driver had left as it was, or had filled
 // without a terminator. On Windows the wave functions are the system's own.
+#include "simulator/core/systemmemory.h"
+#include "simulator/core/wave.h"
 #include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 
 namespace
 {
-/// Answers one message: its device number, the message and its two parameters.
-using Driver = std::function<MMRESULT(std::size_t id, UINT message, DWORD_PTR first, DWORD_PTR second)>;
+/// Answers the message with its two parameters.
+using Driver = std::function<MMRESULT(UINT message, DWORD_PTR first, DWORD_PTR second)>;
 
-/// The driver behind the wave functions of this executable, which take the place of the simulated machine's.
+/// The driver behind the wave functions of this executable. While there is none, the simulated machine answers.
 Driver driver;
-constexpr UINT deviceCount = 2;
+constexpr UINT deviceCount = 1;
+
+/// What new task memory contains.
+constexpr int filler = 0x61;
 }
 
 UINT WINAPI waveOutGetNumDevs()
 {
-    return driver ? deviceCount : 0;
+    return driver ? deviceCount : sim::wave::countOutputs();
 }
 
 MMRESULT WINAPI waveOutMessage(HWAVEOUT device, UINT message, DWORD_PTR first, DWORD_PTR second)
 {
-    return driver ? driver(reinterpret_cast<std::size_t>(device), message, first, second) : MMSYSERR_BADDEVICEID;
+    return driver ? driver(message, first, second)
+                  : sim::wave::sendToOutput(sim::wave::idOf(device), message, first, second);
 }
 
-MMRESULT WINAPI waveInMessage(HWAVEIN, UINT, DWORD_PTR, DWORD_PTR)
+MMRESULT WINAPI waveInMessage(HWAVEIN device, UINT message, DWORD_PTR first, DWORD_PTR second)
 {
-    return MMSYSERR_BADDEVICEID;
+    return driver ? MMSYSERR_BADDEVICEID : sim::wave::sendToInput(sim::wave::idOf(device), message, first, second);
+}
+
+/// The memory behind the task memory of this executable: no block is zero by chance, nor is what follows it, whatever
+/// the C library does with memory that is used again.
+namespace sim::systemmemory
+{
+void* allocate(std::size_t bytes)
+{
+    constexpr std::size_t behind = 16;
+    void* const block = std::calloc(bytes + behind + sizeof(unsigned short), 1); // zero at the very end
+    return block == nullptr ? nullptr : std::memset(block, filler, bytes + behind);
+}
+
+void free(void* memory)
+{
+    std::free(memory);
+}
+
+void watchFrees(const std::function<void(void*)>&) {}
 }
 
 namespace
@@ -52,24 +78,15 @@ protected:
         DeviceTest::TearDown();
     }
 
-    /// Stores the size of the id without its terminator; for the first device, which reports an error for its id, some
-    /// bytes more.
-    MMRESULT storeSize(std::size_t number, DWORD_PTR place) const
+    /// Stores the size of the id without its terminator.
+    MMRESULT storeSize(DWORD_PTR place) const
     {
-        *reinterpret_cast<DWORD_PTR*>(place) = size() + (number == 0 ? moreBytes : 0);
+        *reinterpret_cast<DWORD_PTR*>(place) = size();
         return MMSYSERR_NOERROR;
-    }
-
-    /// Fills the whole block, so that memory which is used again is not zero by chance.
-    static MMRESULT fillAndFail(DWORD_PTR place, DWORD_PTR bytes)
-    {
-        std::memset(reinterpret_cast<void*>(place), 0x61, bytes);
-        return MMSYSERR_NOTSUPPORTED;
     }
 
     std::size_t size() const { return id.size() * sizeof(unsigned short); }
 
-    static constexpr std::size_t moreBytes = 8;
     qor::String id;
 };
 }
@@ -78,12 +95,10 @@ TEST_F(WaveDriver, ThatSucceedsWithoutAnIdFindsAClearedBlockAndIsSkipped)
 {
     AudioDevice device(reference(speaker.id()));
     bool wasCleared = false;
-    driver = [&](std::size_t number, UINT message, DWORD_PTR first, DWORD_PTR second) -> MMRESULT
+    driver = [&](UINT message, DWORD_PTR first, DWORD_PTR second) -> MMRESULT
     {
         if (message == DRV_QUERYFUNCTIONINSTANCEIDSIZE)
-            return storeSize(number, first);
-        if (number == 0)
-            return fillAndFail(first, second);
+            return storeSize(first);
         const char* const block = reinterpret_cast<const char*>(first);
         wasCleared = std::all_of(block, block + second, [](char byte) { return byte == 0; });
         return MMSYSERR_NOERROR;
@@ -97,27 +112,25 @@ TEST_F(WaveDriver, ThatSucceedsWithoutAnIdFindsAClearedBlockAndIsSkipped)
 TEST_F(WaveDriver, ThatWritesNoTerminatorIsReadToTheEndOfItsBlock)
 {
     AudioDevice device(reference(speaker.id()));
-    driver = [&](std::size_t number, UINT message, DWORD_PTR first, DWORD_PTR second) -> MMRESULT
+    driver = [&](UINT message, DWORD_PTR first, DWORD_PTR second) -> MMRESULT
     {
         if (message == DRV_QUERYFUNCTIONINSTANCEIDSIZE)
-            return storeSize(number, first);
-        if (number == 0)
-            return fillAndFail(first, second);
+            return storeSize(first);
         std::memcpy(reinterpret_cast<void*>(first), id.getUCS2Buffer(), second);
         return MMSYSERR_NOERROR;
     };
 
-    EXPECT_EQ(1u, device.waveLegacyDeviceID());
+    EXPECT_EQ(0u, device.waveLegacyDeviceID());
 }
 
 TEST_F(WaveDriver, IsGivenABlockOfExactlyItsSize)
 {
     AudioDevice device(reference(speaker.id()));
-    driver = [&](std::size_t number, UINT message, DWORD_PTR first, DWORD_PTR second) -> MMRESULT
+    driver = [&](UINT message, DWORD_PTR first, DWORD_PTR second) -> MMRESULT
     {
         if (message == DRV_QUERYFUNCTIONINSTANCEIDSIZE)
-            return storeSize(number, first);
-        EXPECT_EQ(size() + (number == 0 ? moreBytes : 0), second);
+            return storeSize(first);
+        EXPECT_EQ(size(), second);
         return MMSYSERR_NOERROR;
     };
 
