@@ -139,7 +139,7 @@ TEST_F(VolumeChangeNotificationObject, CountsFromTwoThreadsAtOnce)
 {
     const Notification notification(new VolumeChangeNotification);
 
-    support::overlapping(
+    const bool overlapped = support::overlapping(
         [&](unsigned int)
         {
             for (int turn = 0; turn < 500; ++turn)
@@ -149,6 +149,7 @@ TEST_F(VolumeChangeNotificationObject, CountsFromTwoThreadsAtOnce)
             }
         });
 
+    EXPECT_TRUE(overlapped);
     EXPECT_EQ(1, count(notification));
 }
 
@@ -157,13 +158,14 @@ TEST_F(VolumeChangeNotificationObject, AnswersEachNewCountToOneOfTwoThreadsOnly)
     const Notification notification(new VolumeChangeNotification);
     std::array<std::uint64_t, 2> sums = {0, 0};
 
-    support::overlapping(
+    const bool overlapped = support::overlapping(
         [&](unsigned int thread)
         {
             for (int turn = 0; turn < 500; ++turn)
                 sums[thread] += notification->AddRef();
         });
 
+    EXPECT_TRUE(overlapped);
     const auto last = static_cast<std::uint64_t>(count(notification));
     EXPECT_EQ(last * (last + 1) / 2 - 1, sums[0] + sums[1]) << "the sum of 2, 3, ... " << last;
     notification->m_referenceCount = 1;
@@ -181,20 +183,21 @@ TEST_F(VolumeChangeNotificationObject, IsLastReleasedByOneOfTwoThreadsOnly)
         notification->AddRef();
     }
 
-    support::onTwoThreads(
-        [&](unsigned int thread)
+    const auto releaseEach = [&](unsigned int thread)
+    {
+        for (unsigned int i = 0; i < objects; ++i)
         {
-            for (unsigned int i = 0; i < objects; ++i)
+            ++arrived[i];
+            for (unsigned int turns = 0; arrived[i] < 2; ++turns)
             {
-                ++arrived[i];
-                for (unsigned int turns = 0; arrived[i] < 2; ++turns)
-                {
-                    if (turns > 1000)
-                        std::this_thread::yield();
-                }
-                left[thread][i] = notifications[i]->Release();
+                if (turns > 1000)
+                    std::this_thread::yield();
             }
-        });
+            left[thread][i] = notifications[i]->Release();
+        }
+    };
+
+    support::onThreads(2, releaseEach);
 
     for (unsigned int i = 0; i < objects; ++i)
         ASSERT_EQ(1u, left[0][i] + left[1][i]) << "object " << i;

@@ -3,12 +3,12 @@
 #include "COM/identifiers.h"
 #include "tests/libSonavit/soundcard/supportobserver.h"
 #include "tests/libSonavit/supportlogline.h"
+#include "tests/libSonavit/supportthreads.h"
 #include "tests/support/librarytest.h"
 
 #include <algorithm>
 #include <atomic>
 #include <set>
-#include <thread>
 
 using qor::LoggerPriority;
 using testing::ElementsAre;
@@ -38,27 +38,6 @@ struct SoundCardUpdaterWiring : support::LibraryTest
 };
 
 constexpr unsigned int numThreads = 4;
-
-/// Runs @p action on several threads, which begin it together.
-template<class Action>
-void onSeveralThreads(const Action& action)
-{
-    std::atomic<unsigned int> waiting{numThreads};
-    std::vector<std::thread> threads;
-    for (unsigned int i = 0; i < numThreads; ++i)
-    {
-        threads.emplace_back(
-            [&]
-            {
-                --waiting;
-                while (waiting > 0)
-                    std::this_thread::yield();
-                action();
-            });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
-}
 }
 
 TEST_F(SoundCardDeviceUpdater, IsMadeWithOneReferenceAndWithoutShares)
@@ -121,12 +100,12 @@ TEST_F(SoundCardDeviceUpdater, CountsTheReferencesOfSeveralThreads)
     constexpr ULONG numReferences = 100000;
     constexpr int numRounds = 10; // in a single one the threads may happen to run one after the other
     qor::LogFactory::setPriority(LoggerPriority::LOG_FATAL); // or each reference takes a record
-    const auto add = [this]
+    const auto add = [this](unsigned int)
     {
         for (ULONG i = 0; i < numReferences; ++i)
             updater->AddRef();
     };
-    const auto release = [this]
+    const auto release = [this](unsigned int)
     {
         for (ULONG i = 0; i < numReferences; ++i)
             updater->Release();
@@ -134,9 +113,9 @@ TEST_F(SoundCardDeviceUpdater, CountsTheReferencesOfSeveralThreads)
 
     for (int round = 0; round < numRounds; ++round)
     {
-        onSeveralThreads(add);
+        support::onThreads(numThreads, add);
         ASSERT_EQ(LONG{1 + numThreads * numReferences}, updater->m_refCount);
-        onSeveralThreads(release);
+        support::onThreads(numThreads, release);
         ASSERT_EQ(1, updater->m_refCount);
     }
 }
@@ -154,16 +133,16 @@ TEST_F(SoundCardDeviceUpdater, EndsWithOneOfSeveralThreadsThatReleaseTheLastRefe
             object->AddRef();
         std::atomic<int> last{0};
 
-        onSeveralThreads(
-            [&]
-            {
-                for (int i = 0; i < 10000; ++i)
-                {
-                    object->AddRef();
-                    object->Release();
-                }
-                last += object->Release() == 0 ? 1 : 0;
-            });
+        support::onThreads(numThreads,
+                           [&](unsigned int)
+                           {
+                               for (int i = 0; i < 10000; ++i)
+                               {
+                                   object->AddRef();
+                                   object->Release();
+                               }
+                               last += object->Release() == 0 ? 1 : 0;
+                           });
 
         ASSERT_EQ(1, last);
         ASSERT_EQ(1, *list.m_count) << "the share went with the object";
