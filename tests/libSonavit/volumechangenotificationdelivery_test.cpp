@@ -27,7 +27,7 @@ sim::PostedMessage messageTo(HWND window)
 /// The context of a callback, which records its argument and when it is called.
 struct Listener
 {
-    static void hear(void* context)
+    static void onChange(void* context)
     {
         Listener& listener = *static_cast<Listener*>(context);
         ++listener.calls;
@@ -101,7 +101,7 @@ TEST_F(VolumeChangeNotificationOnNotify, CallsTheFunctionAndPostsToANullWindowWi
 {
     Listener listener;
     const Notification notification(new VolumeChangeNotification);
-    notification->setCallbackFunction(&Listener::hear, &listener);
+    notification->setCallbackFunction(&Listener::onChange, &listener);
 
     const HRESULT result = notification->OnNotify(nullptr);
 
@@ -140,7 +140,7 @@ TEST_F(VolumeChangeNotificationOnNotify, CallsTheFunctionBeforeItPosts)
     listener.postedBefore = 99;
     const Notification notification(new VolumeChangeNotification);
     notification->setCallbackWindow(box().window());
-    notification->setCallbackFunction(&Listener::hear, &listener);
+    notification->setCallbackFunction(&Listener::onChange, &listener);
 
     notification->OnNotify(nullptr);
 
@@ -152,7 +152,7 @@ TEST_F(VolumeChangeNotificationOnNotify, CallsNoFunctionAfterItWasSetToNull)
 {
     Listener listener;
     const Notification notification(new VolumeChangeNotification);
-    notification->setCallbackFunction(&Listener::hear, &listener);
+    notification->setCallbackFunction(&Listener::onChange, &listener);
 
     notification->setCallbackFunction(nullptr, nullptr);
     notification->OnNotify(nullptr);
@@ -177,7 +177,7 @@ TEST_F(VolumeChangeNotificationOnNotify, IgnoresItsData)
 {
     Listener listener;
     const Notification notification(new VolumeChangeNotification);
-    notification->setCallbackFunction(&Listener::hear, &listener);
+    notification->setCallbackFunction(&Listener::onChange, &listener);
 
     const HRESULT result = notification->OnNotify(reinterpret_cast<AUDIO_VOLUME_NOTIFICATION_DATA*>(8));
 
@@ -216,7 +216,7 @@ TEST_F(VolumeChangeNotificationDelivery, ReachesFunctionAndWindowAtOnceWhereTheP
 {
     Listener listener;
     const Notification notification(new VolumeChangeNotification);
-    notification->setCallbackFunction(&Listener::hear, &listener);
+    notification->setCallbackFunction(&Listener::onChange, &listener);
     notification->setCallbackWindow(box().window());
     VolumeController<EndpointVolumeController> controller(policy());
     controller.registerVolumeChangeNotification(notification);
@@ -234,7 +234,7 @@ TEST_F(VolumeChangeNotificationDelivery, CallsTheFunctionOnThePlatformsThreadAnd
     simulation().deliverAtOnce(false);
     Listener listener;
     const Notification notification(new VolumeChangeNotification);
-    notification->setCallbackFunction(&Listener::hear, &listener);
+    notification->setCallbackFunction(&Listener::onChange, &listener);
     notification->setCallbackWindow(box().window());
     VolumeController<EndpointVolumeController> controller(policy());
     controller.registerVolumeChangeNotification(notification);
@@ -252,7 +252,7 @@ TEST_F(VolumeChangeNotificationDelivery, NotifiesOfAChangeByItsOwnProcess)
 {
     Listener listener;
     const Notification notification(new VolumeChangeNotification);
-    notification->setCallbackFunction(&Listener::hear, &listener);
+    notification->setCallbackFunction(&Listener::onChange, &listener);
     VolumeController<EndpointVolumeController> controller(policy());
     controller.registerVolumeChangeNotification(notification);
 
@@ -266,7 +266,7 @@ TEST_F(VolumeChangeNotificationDelivery, EndsWithTheControllerAndLeavesTheNotifi
 {
     Listener listener;
     const Notification notification(new VolumeChangeNotification);
-    notification->setCallbackFunction(&Listener::hear, &listener);
+    notification->setCallbackFunction(&Listener::onChange, &listener);
     {
         VolumeController<EndpointVolumeController> controller(policy());
         controller.registerVolumeChangeNotification(notification);

@@ -21,7 +21,7 @@ protected:
 
 using AudioDeviceFields = AudioDeviceEnd;
 
-TEST_F(AudioDeviceFields, StandInTheirOrder)
+TEST_F(AudioDeviceFields, AreInTheirFixedOrder)
 {
     const AudioDevice device;
 

@@ -90,7 +90,7 @@ private:
     const sim::WaveRedirection m_redirection{reinterpret_cast<const void*>(&enumerateSoundCards)};
 };
 
-TEST_F(AudioDeviceWaveIdScan, AsksOneNumberAfterTheOtherUntilTheIdIsFound)
+TEST_F(AudioDeviceWaveIdScan, AsksEachNumberInTurnUntilTheIdIsFound)
 {
     bench.machine().waveOut = waveDevices({"other", speaker.id(), "behind"});
     begin(speaker);
@@ -319,7 +319,7 @@ TEST_F(AudioDeviceWaveMessage, WidensTheNumberWithItsSign)
 
     device().waveMessage(eRender, 0xFFFFFFFF, 5, 0, 0);
 
-    const std::string widened = std::to_string(~DWORD_PTR{0}); // 64 bits, but on 32-bit Windows
+    const std::string widened = std::to_string(~DWORD_PTR{0}); // 64 bits, except on 32-bit Windows
     EXPECT_THAT(calls().calls(), ElementsAre("waveOutMessage(" + widened + ", 5)"));
 }
 

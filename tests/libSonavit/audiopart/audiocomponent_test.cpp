@@ -244,7 +244,7 @@ TYPED_TEST(AudioComponentConstructor, HandsOutComponentAndPartWithNewReferencesA
     EXPECT_THAT(this->log.texts(), IsEmpty());
 }
 
-TEST_F(AudioComponentFields, StandInTheirOrder)
+TEST_F(AudioComponentFields, AreInTheirFixedOrder)
 {
     const AudioComponent<IConnector> connector(static_cast<IConnector*>(nullptr));
     const AudioComponent<ISubunit> subunit(static_cast<ISubunit*>(nullptr));

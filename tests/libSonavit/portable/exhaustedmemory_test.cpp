@@ -184,7 +184,7 @@ TEST_F(ExhaustedMemory, PassesOutOfTheStateLists)
     EXPECT_THAT(failingAtTheLastAllocation(enumerate), StartsWith("Asked for array of size: "));
 }
 
-TEST_F(ExhaustedMemory, PassesOutOfTheFlatListAndOfItsTwin)
+TEST_F(ExhaustedMemory, PassesOutOfBothFlatLists)
 {
     runCards(9);
     AudioDeviceEnumeratorFactory::enumerator()->deviceEnumerator();

@@ -136,7 +136,7 @@ TEST_F(SoundCardAddEndpointDevice, RefusesAnEndpointThatTheCardHas)
     EXPECT_EQ(0u, card.m_recordDevices->size());
 }
 
-TEST_F(SoundCardAddEndpointDevice, HasATwinForEachFlowWithoutAScope)
+TEST_F(SoundCardAddEndpointDevice, HasAFunctionForEachFlowWithoutATraceScope)
 {
     SoundCard card;
     log.clear();

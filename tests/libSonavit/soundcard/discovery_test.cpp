@@ -168,12 +168,12 @@ TEST_F(SoundCardDiscovery, RefusesASecondEndpointOfOneId)
 {
     sim::CardBuilder card = builder.card("Codec");
     const sim::EndpointBuilder speaker = card.speaker("Speakers");
-    sim::Endpoint twin = speaker.endpoint();
-    twin.id = "{0.0.0.00000000}.TWIN";
-    twin.topology.reset();
-    builder.machine().endpoints.push_back(twin);
-    twin.id = "{0.0.0.00000000}.twin";
-    builder.machine().endpoints.push_back(twin);
+    sim::Endpoint duplicate = speaker.endpoint();
+    duplicate.id = "{0.0.0.00000000}.TWIN";
+    duplicate.topology.reset();
+    builder.machine().endpoints.push_back(duplicate);
+    duplicate.id = "{0.0.0.00000000}.twin";
+    builder.machine().endpoints.push_back(duplicate);
     runBuilt();
 
     const qor::Array<SoundCard> cards = SoundCard::enumerateSystemSoundDevices();

@@ -19,8 +19,8 @@ TEST_F(HotPlug, IgnoresEventsForAnEndpointOfAnotherCardAndAnswersSOk)
 
     EXPECT_EQ(2u, playbackDevices().size());
     EXPECT_EQ(1u, recordDevices().size());
-    EXPECT_THAT(playback.heard, IsEmpty());
-    EXPECT_THAT(record.heard, IsEmpty());
+    EXPECT_THAT(playback.notifications, IsEmpty());
+    EXPECT_THAT(record.notifications, IsEmpty());
 }
 
 TEST_F(HotPlug, TakesAnInstancePathInAnotherCaseForAnotherCard)
@@ -36,15 +36,15 @@ TEST_F(HotPlug, TakesAnInstancePathInAnotherCaseForAnotherCard)
     EXPECT_EQ(S_OK, updater().OnDeviceRemoved(IdText(headphones)));
 
     EXPECT_EQ(2u, playbackDevices().size());
-    EXPECT_THAT(playback.heard, IsEmpty());
+    EXPECT_THAT(playback.notifications, IsEmpty());
 }
 
 TEST_F(HotPlug, CallsObserversInTheOrderOfTheirRegistrationAndOneRegisteredTwiceTwice)
 {
     std::vector<int> order;
     RecordingObserver second;
-    playback.whenHeard = [&] { order.push_back(1); };
-    second.whenHeard = [&] { order.push_back(2); };
+    playback.whenNotified = [&] { order.push_back(1); };
+    second.whenNotified = [&] { order.push_back(2); };
     card().registerPlaybackObserver(second.handle());
     card().registerPlaybackObserver(playback.handle());
 
@@ -56,11 +56,11 @@ TEST_F(HotPlug, CallsObserversInTheOrderOfTheirRegistrationAndOneRegisteredTwice
 TEST_F(HotPlug, CallsAnObserverInTheSamePassThatRegistersMeanwhile)
 {
     RecordingObserver second;
-    playback.whenHeard = [&] { card().registerPlaybackObserver(second.handle()); };
+    playback.whenNotified = [&] { card().registerPlaybackObserver(second.handle()); };
 
     simulation().events().add(late);
 
-    EXPECT_THAT(second.heard, ElementsAre("added"));
+    EXPECT_THAT(second.notifications, ElementsAre("added"));
 }
 
 TEST_F(HotPlug, MakesNothingOfAChangedDefaultOrProperty)
@@ -73,7 +73,7 @@ TEST_F(HotPlug, MakesNothingOfAChangedDefaultOrProperty)
 
     EXPECT_EQ(0u, simulation().journal().count("IMMDeviceEnumerator::GetDevice"));
     EXPECT_EQ(name, playbackDevices()[0].deviceProperty().endpointType);
-    EXPECT_THAT(playback.heard, IsEmpty());
+    EXPECT_THAT(playback.notifications, IsEmpty());
 }
 
 TEST_F(HotPlug, FollowsEventsInAnUpdaterWhoseCardIsGone)
@@ -84,14 +84,14 @@ TEST_F(HotPlug, FollowsEventsInAnUpdaterWhoseCardIsGone)
     simulation().events().add(late);
 
     EXPECT_EQ(3u, list->size());
-    EXPECT_THAT(playback.heard, ElementsAre("added"));
+    EXPECT_THAT(playback.notifications, ElementsAre("added"));
 }
 
 TEST_F(HotPlug, RunsOnTheMachinesThreadWhenItDoesNotDeliverAtOnce)
 {
     simulation().deliverAtOnce(false);
     std::thread::id thread;
-    playback.whenHeard = [&] { thread = std::this_thread::get_id(); };
+    playback.whenNotified = [&] { thread = std::this_thread::get_id(); };
 
     simulation().events().add(late);
     simulation().events().waitForClients();
@@ -103,7 +103,7 @@ TEST_F(HotPlug, RunsOnTheMachinesThreadWhenItDoesNotDeliverAtOnce)
 
 TEST_F(HotPlug, LetsAnExceptionOfAnObserverPassToThePlatform)
 {
-    playback.whenHeard = [] { throw qor::NullPointer("observer"); };
+    playback.whenNotified = [] { throw qor::NullPointer("observer"); };
 
     EXPECT_THROW(updater().OnDeviceAdded(IdText(late)), qor::NullPointer);
 
@@ -129,7 +129,7 @@ TEST_F(HotPlug, TakesAnEndpointWhosePropertiesCannotBeReadForOneOfAnotherCard)
 
     EXPECT_EQ(3u, closed.fired());
     EXPECT_EQ(2u, playbackDevices().size());
-    EXPECT_THAT(playback.heard, IsEmpty());
+    EXPECT_THAT(playback.notifications, IsEmpty());
 }
 
 TEST_F(HotPlug, AsksForTheFlowInBothSelectorsAndNotForAForeignEndpoint)

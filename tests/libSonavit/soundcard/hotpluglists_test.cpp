@@ -35,14 +35,14 @@ TEST_F(HotPlugAdded, AppendsTheEndpointAndNotifiesTheObserversOfItsSide)
     simulation().events().add(late);
 
     EXPECT_THAT(namesOf(playbackDevices()), ElementsAre("Speakers", "Headphones", "Late"));
-    EXPECT_THAT(playback.heard, ElementsAre("added"));
-    EXPECT_THAT(record.heard, IsEmpty());
+    EXPECT_THAT(playback.notifications, ElementsAre("added"));
+    EXPECT_THAT(record.notifications, IsEmpty());
 }
 
 TEST_F(HotPlugAdded, NotifiesTheObserversOnceTheListHasTheEndpoint)
 {
     std::vector<std::string> seen;
-    playback.whenHeard = [&] { seen = namesOf(playbackDevices()); };
+    playback.whenNotified = [&] { seen = namesOf(playbackDevices()); };
 
     simulation().events().add(late);
 
@@ -57,7 +57,7 @@ TEST_F(HotPlugAdded, NotifiesTheObserversAlsoWithoutAList)
 
     EXPECT_EQ(S_OK, bare->OnDeviceAdded(IdText(speaker)));
 
-    EXPECT_THAT(playback.heard, ElementsAre("added"));
+    EXPECT_THAT(playback.notifications, ElementsAre("added"));
     EXPECT_EQ(2u, playbackDevices().size());
 }
 
@@ -66,8 +66,8 @@ TEST_F(HotPlugAdded, AppendsARecordEndpointOnTheRecordSide)
     simulation().events().add(lateMicrophone);
 
     EXPECT_THAT(namesOf(recordDevices()), ElementsAre("Microphone", "Late input"));
-    EXPECT_THAT(record.heard, ElementsAre("added"));
-    EXPECT_THAT(playback.heard, IsEmpty());
+    EXPECT_THAT(record.notifications, ElementsAre("added"));
+    EXPECT_THAT(playback.notifications, IsEmpty());
 }
 
 TEST_F(HotPlugAdded, AddsAnEndpointTwiceThatIsAnnouncedTwiceAndOneRemovalTakesTheFirst)
@@ -80,7 +80,7 @@ TEST_F(HotPlugAdded, AddsAnEndpointTwiceThatIsAnnouncedTwiceAndOneRemovalTakesTh
     simulation().events().announceRemoved(late);
 
     EXPECT_THAT(namesOf(playbackDevices()), ElementsAre("Speakers", "Headphones", "Second"));
-    EXPECT_THAT(playback.heard, ElementsAre("added", "added", "removed"));
+    EXPECT_THAT(playback.notifications, ElementsAre("added", "added", "removed"));
 }
 
 TEST_F(HotPlugAdded, IsSeenThroughCopiesOfTheCardMadeBefore)
@@ -116,14 +116,14 @@ TEST_F(HotPlugRemoved, RemovesTheEndpointInItsPlaceAndNotifiesTheObservers)
     simulation().events().remove(speaker);
 
     EXPECT_THAT(namesOf(playbackDevices()), ElementsAre("Headphones"));
-    EXPECT_THAT(playback.heard, ElementsAre("removed"));
-    EXPECT_THAT(record.heard, IsEmpty());
+    EXPECT_THAT(playback.notifications, ElementsAre("removed"));
+    EXPECT_THAT(record.notifications, IsEmpty());
 }
 
 TEST_F(HotPlugRemoved, NotifiesTheObserversOnceTheListIsWithoutTheEndpoint)
 {
     std::vector<std::string> seen;
-    playback.whenHeard = [&] { seen = namesOf(playbackDevices()); };
+    playback.whenNotified = [&] { seen = namesOf(playbackDevices()); };
 
     simulation().events().remove(speaker);
 
@@ -135,7 +135,7 @@ TEST_F(HotPlugRemoved, AnswersEFailAndNotifiesNoObserverForAnEndpointOfTheCardTh
     EXPECT_EQ(E_FAIL, updater().OnDeviceRemoved(IdText(late)));
 
     EXPECT_EQ(2u, playbackDevices().size());
-    EXPECT_THAT(playback.heard, IsEmpty());
+    EXPECT_THAT(playback.notifications, IsEmpty());
 }
 
 TEST_F(HotPlugRemoved, LeavesAnEndpointThatCanNoLongerBeOpenedInTheListAndNotifiesNoObserver)
@@ -145,7 +145,7 @@ TEST_F(HotPlugRemoved, LeavesAnEndpointThatCanNoLongerBeOpenedInTheListAndNotifi
     EXPECT_EQ(S_OK, updater().OnDeviceRemoved(IdText(speaker)));
 
     EXPECT_THAT(namesOf(playbackDevices()), ElementsAre("Speakers", "Headphones"));
-    EXPECT_THAT(playback.heard, IsEmpty());
+    EXPECT_THAT(playback.notifications, IsEmpty());
 }
 
 TEST_F(HotPlugRemoved, NotifiesTheObserversAlsoWithoutAList)
@@ -156,7 +156,7 @@ TEST_F(HotPlugRemoved, NotifiesTheObserversAlsoWithoutAList)
 
     EXPECT_EQ(S_OK, bare->OnDeviceRemoved(IdText(speaker)));
 
-    EXPECT_THAT(playback.heard, ElementsAre("removed"));
+    EXPECT_THAT(playback.notifications, ElementsAre("removed"));
 }
 
 TEST_F(HotPlugRemoved, RemovesARecordEndpointAndNotifiesTheRecordObservers)
@@ -164,6 +164,6 @@ TEST_F(HotPlugRemoved, RemovesARecordEndpointAndNotifiesTheRecordObservers)
     simulation().events().remove(microphone);
 
     EXPECT_EQ(0u, recordDevices().size());
-    EXPECT_THAT(record.heard, ElementsAre("removed"));
-    EXPECT_THAT(playback.heard, IsEmpty());
+    EXPECT_THAT(record.notifications, ElementsAre("removed"));
+    EXPECT_THAT(playback.notifications, IsEmpty());
 }

@@ -23,7 +23,7 @@ typedef std::vector<std::pair<std::string, unsigned int>> ModelList; // id and s
 struct ModelCard
 {
     ModelList lists[2]; // by flow: playback, record
-    std::size_t heard[2] = {0, 0};
+    std::size_t notifications[2] = {0, 0};
 };
 
 std::string pathOf(unsigned int card)
@@ -114,14 +114,14 @@ protected:
         case 0:
             m_simulation->events().announceAdded(id);
             list.emplace_back(id, m_states[card][endpoint]);
-            ++model.heard[flowOf(endpoint)];
+            ++model.notifications[flowOf(endpoint)];
             break;
         case 1:
             m_simulation->events().announceRemoved(id);
             if (place != list.end())
             {
                 list.erase(place);
-                ++model.heard[flowOf(endpoint)];
+                ++model.notifications[flowOf(endpoint)];
             }
             break;
         default:
@@ -130,7 +130,7 @@ protected:
             if (place != list.end())
             {
                 place->second = state;
-                ++model.heard[flowOf(endpoint)];
+                ++model.notifications[flowOf(endpoint)];
             }
             break;
         }
@@ -142,8 +142,8 @@ protected:
     {
         ASSERT_EQ(m_model[card].lists[eRender], listOf(*m_cards[card].m_playbackDevices)) << "card " << card;
         ASSERT_EQ(m_model[card].lists[eCapture], listOf(*m_cards[card].m_recordDevices)) << "card " << card;
-        ASSERT_EQ(m_model[card].heard[0], m_observers[card][0].heard.size()) << "card " << card;
-        ASSERT_EQ(m_model[card].heard[1], m_observers[card][1].heard.size()) << "card " << card;
+        ASSERT_EQ(m_model[card].notifications[0], m_observers[card][0].notifications.size()) << "card " << card;
+        ASSERT_EQ(m_model[card].notifications[1], m_observers[card][1].notifications.size()) << "card " << card;
     }
 
     unsigned int below(unsigned int limit) { return static_cast<unsigned int>(m_engine()) % limit; }

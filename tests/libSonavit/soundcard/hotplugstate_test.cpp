@@ -22,14 +22,14 @@ TEST_F(HotPlugStateChanged, HasTheListsOwnEndpointReadItsStateAndNotifiesTheObse
     simulation().events().plug(headphones);
 
     EXPECT_EQ(unsigned{DEVICE_STATE_ACTIVE}, playbackDevices()[1].deviceProperty().deviceState);
-    EXPECT_THAT(playback.heard, ElementsAre("state"));
-    EXPECT_THAT(record.heard, IsEmpty());
+    EXPECT_THAT(playback.notifications, ElementsAre("state"));
+    EXPECT_THAT(record.notifications, IsEmpty());
 }
 
 TEST_F(HotPlugStateChanged, NotifiesTheObserversOnceTheListHasTheNewState)
 {
     unsigned int seen = 0;
-    playback.whenHeard = [&] { seen = playbackDevices()[1].deviceProperty().deviceState; };
+    playback.whenNotified = [&] { seen = playbackDevices()[1].deviceProperty().deviceState; };
 
     simulation().events().plug(headphones);
 
@@ -41,8 +41,8 @@ TEST_F(HotPlugStateChanged, NotifiesTheRecordObserversOfARecordEndpoint)
     simulation().events().unplug(microphone);
 
     EXPECT_EQ(unsigned{DEVICE_STATE_UNPLUGGED}, recordDevices()[0].deviceProperty().deviceState);
-    EXPECT_THAT(record.heard, ElementsAre("state"));
-    EXPECT_THAT(playback.heard, IsEmpty());
+    EXPECT_THAT(record.notifications, ElementsAre("state"));
+    EXPECT_THAT(playback.notifications, IsEmpty());
 }
 
 TEST_F(HotPlugStateChanged, StoresWhatIsReadFromThePlatformAndNotWhatTheEventSays)
@@ -50,7 +50,7 @@ TEST_F(HotPlugStateChanged, StoresWhatIsReadFromThePlatformAndNotWhatTheEventSay
     simulation().events().announceState(headphones, DEVICE_STATE_DISABLED);
 
     EXPECT_EQ(unsigned{DEVICE_STATE_UNPLUGGED}, playbackDevices()[1].deviceProperty().deviceState);
-    EXPECT_THAT(playback.heard, ElementsAre("state"));
+    EXPECT_THAT(playback.notifications, ElementsAre("state"));
 }
 
 TEST_F(HotPlugStateChanged, LogsIdAndNewStateBeforeItOpensTheEndpoint)
@@ -78,7 +78,7 @@ TEST_F(HotPlugStateChanged, AnswersEFailAndNotifiesNoObserverForAnEndpointOfTheC
     EXPECT_EQ(E_FAIL, updater().OnDeviceStateChanged(IdText(late), DEVICE_STATE_ACTIVE));
 
     EXPECT_EQ(2u, playbackDevices().size());
-    EXPECT_THAT(playback.heard, IsEmpty());
+    EXPECT_THAT(playback.notifications, IsEmpty());
 }
 
 TEST_F(HotPlugStateChanged, FindsTheEndpointWithoutRegardToCase)
@@ -92,7 +92,7 @@ TEST_F(HotPlugStateChanged, FindsTheEndpointWithoutRegardToCase)
 
     EXPECT_EQ(S_OK, updater().OnDeviceStateChanged(IdText(headphones), DEVICE_STATE_ACTIVE));
 
-    EXPECT_THAT(playback.heard, ElementsAre("state"));
+    EXPECT_THAT(playback.notifications, ElementsAre("state"));
 }
 
 TEST_F(HotPlugStateChanged, ReturnsAtOnceWithoutAListAndNotifiesNoObserver)
@@ -103,7 +103,7 @@ TEST_F(HotPlugStateChanged, ReturnsAtOnceWithoutAListAndNotifiesNoObserver)
 
     EXPECT_EQ(S_OK, bare->OnDeviceStateChanged(IdText(speaker), DEVICE_STATE_ACTIVE));
 
-    EXPECT_THAT(playback.heard, IsEmpty());
+    EXPECT_THAT(playback.notifications, IsEmpty());
 }
 
 TEST_F(HotPlugStateChanged, NotifiesTheObserversAlsoWhenTheListsEndpointCannotReadItsState)
@@ -114,5 +114,5 @@ TEST_F(HotPlugStateChanged, NotifiesTheObserversAlsoWhenTheListsEndpointCannotRe
     EXPECT_EQ(S_OK, updater().OnDeviceStateChanged(IdText(headphones), DEVICE_STATE_ACTIVE));
 
     EXPECT_EQ(1u, unreadable.fired());
-    EXPECT_THAT(playback.heard, ElementsAre("state"));
+    EXPECT_THAT(playback.notifications, ElementsAre("state"));
 }

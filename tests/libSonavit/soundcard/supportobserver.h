@@ -12,21 +12,21 @@ namespace support
 class RecordingObserver final : public SoundCardObserver
 {
 public:
-    void onDeviceStateChanged() override { hear("state"); }
-    void onDeviceAdded() override { hear("added"); }
-    void onDeviceRemoved() override { hear("removed"); }
+    void onDeviceStateChanged() override { record("state"); }
+    void onDeviceAdded() override { record("added"); }
+    void onDeviceRemoved() override { record("removed"); }
 
     BorrowedPointer<SoundCardObserver> handle() { return BorrowedPointer<SoundCardObserver>(this); }
 
-    std::vector<std::string> heard;
-    std::function<void()> whenHeard;
+    std::vector<std::string> notifications;
+    std::function<void()> whenNotified;
 
 private:
-    void hear(const char* event)
+    void record(const char* event)
     {
-        heard.emplace_back(event);
-        if (whenHeard)
-            whenHeard();
+        notifications.emplace_back(event);
+        if (whenNotified)
+            whenNotified();
     }
 };
 }

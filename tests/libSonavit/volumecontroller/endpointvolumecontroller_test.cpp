@@ -1,4 +1,5 @@
-// The endpoint twin's questions and setters. Percents have a file of their own, and so has the change notification.
+// The endpoint controller's questions and setters. Percents have a file of their own, and so has the change
+// notification.
 #include "tests/libSonavit/volumecontroller/supportcontrollers.h"
 #include "tests/libSonavit/volumecontroller/supportscriptedvolume.h"
 

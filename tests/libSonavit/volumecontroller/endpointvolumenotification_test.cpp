@@ -1,4 +1,4 @@
-// Registering a change notification with the endpoint twin, and how the registration ends.
+// Registering a change notification with an endpoint controller, and how the registration ends.
 #include "tests/libSonavit/volumecontroller/supportcontrollers.h"
 
 using support::EndpointController;
@@ -16,12 +16,12 @@ constexpr qor::LOGGER_PRIORITY warning = qor::LoggerPriority::LOG_WARNING;
 /// Counts its calls; the context of a notification.
 struct Listener
 {
-    static void hear(void* context) { ++static_cast<Listener*>(context)->calls; }
+    static void onChange(void* context) { ++static_cast<Listener*>(context)->calls; }
 
     COMPtr<VolumeChangeNotification>::pointer notification()
     {
         COMPtr<VolumeChangeNotification>::pointer made(new VolumeChangeNotification);
-        made->setCallbackFunction(&Listener::hear, this);
+        made->setCallbackFunction(&Listener::onChange, this);
         return made;
     }
 

@@ -1,4 +1,4 @@
-// Percents of the endpoint twin, which are converted from and to the platform's scalars.
+// Percents of an endpoint controller, which are converted from and to the platform's scalars.
 #include "tests/libSonavit/volumecontroller/supportcontrollers.h"
 
 #include <limits>

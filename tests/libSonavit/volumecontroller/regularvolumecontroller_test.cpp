@@ -1,4 +1,4 @@
-// The regular twin's questions and setters. Percents have a file of their own.
+// The regular controller's questions and setters. Percents have a file of their own.
 #include "qor/exception.h"
 #include "tests/libSonavit/volumecontroller/supportcontrollers.h"
 #include "tests/libSonavit/volumecontroller/supportscriptedvolume.h"

@@ -1,4 +1,4 @@
-// Percents of the regular twin, which it computes itself from decibels and their range.
+// Percents of a regular controller, which it computes itself from decibels and their range.
 #include "qor/exception.h"
 #include "tests/libSonavit/supportlogline.h"
 #include "tests/libSonavit/volumecontroller/supportcontrollers.h"

@@ -1,4 +1,4 @@
-/// Controllers of a simulated endpoint and of a simulated hardware node, for the tests of both twins.
+/// Controllers of a simulated endpoint and of a simulated hardware node, for the tests of both kinds of controller.
 #pragma once
 
 #include "libSonavit/volumecontroller.h"

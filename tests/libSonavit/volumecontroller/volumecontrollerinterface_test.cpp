@@ -51,7 +51,7 @@ TEST_F(VolumeControllerInterfaceObject, HasPoliciesWithTheirFieldsInTheirOrder)
     EXPECT_EQ(nullptr, regular.mute.get());
 }
 
-TEST_F(VolumeControllerInterfaceObject, HasTwinsThatHoldThePolicyThenTheNotification)
+TEST_F(VolumeControllerInterfaceObject, HasImplementationsThatHoldThePolicyThenTheNotification)
 {
     const EndpointController endpoint((EndpointVolumeController()));
     EXPECT_LT(placeOf(endpoint.m_policy), placeOf(endpoint.m_notification));
