@@ -5,6 +5,7 @@
 #include "simulator/mutex.h"
 
 #include <algorithm>
+#include <memory>
 #include <mutex>
 #include <unordered_map>
 #include <utility>
@@ -54,12 +55,13 @@ TaskMemory& TaskMemory::instance()
 
 void* TaskMemory::allocate(std::size_t bytes, std::uint64_t owner, std::string origin)
 {
-    void* const memory = systemmemory::allocate(bytes);
+    // The unique pointer frees the block if there is no memory for its entry.
+    std::unique_ptr<void, decltype(&systemmemory::free)> memory(systemmemory::allocate(bytes), &systemmemory::free);
     if (memory == nullptr)
         return nullptr;
     const std::lock_guard<Mutex> lock(m_ledger->mutex);
-    m_ledger->entries[memory] = {{bytes, std::move(origin)}, owner};
-    return memory;
+    m_ledger->entries[memory.get()] = {{bytes, std::move(origin)}, owner};
+    return memory.release();
 }
 
 std::string TaskMemory::free(void* memory)

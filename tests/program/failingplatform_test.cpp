@@ -156,20 +156,18 @@ bool isOneSentence(const std::string& complaint)
            complaint.find('\n') == complaint.size() - 1;
 }
 
-/// A command on the machine `desktop`, run again and again, each time with another operation that fails.
+/// A command on the small machine, run again and again, each time with another operation that fails.
 class ProgramSweep : public support::LibraryTest, public testing::WithParamInterface<std::vector<std::string>>
 {
 protected:
-    ProgramSweep() : machine(sim::findMachine("desktop"))
-    {
-        qor::LogFactory::setPriority(qor::LoggerPriority::LOG_ERROR);
-    }
+    ProgramSweep() : machine(support::smallMachine()) { qor::LogFactory::setPriority(qor::LoggerPriority::LOG_ERROR); }
 
-    /// The words of the parameter; SPEAKERS stands for the id of the first endpoint.
+    /// The words of the parameter; SPEAKERS stands for the id of the first endpoint, CARD for the card's.
     std::vector<std::string> words() const
     {
         std::vector<std::string> result = GetParam();
         std::replace(result.begin(), result.end(), std::string("SPEAKERS"), machine.endpoints[0].id);
+        std::replace(result.begin(), result.end(), std::string("CARD"), support::smallInstanceId());
         return result;
     }
 
@@ -212,7 +210,8 @@ protected:
 
         const support::Answer answer = call(simulation);
 
-        EXPECT_THAT(answer.code, testing::AnyOf(0, 1)) << answer.err;
+        const bool hasNoEndpoints = rule.operation == "IMMDeviceCollection::GetCount"; // a count of 0 is an answer
+        EXPECT_THAT(answer.code, testing::AnyOf(0, 1, hasNoEndpoints ? 2 : 1)) << answer.err;
         if (answer.code == 0)
             EXPECT_EQ("", answer.err);
         else
@@ -244,7 +243,7 @@ INSTANTIATE_TEST_SUITE_P(Commands, ProgramSweep,
                          testing::Values(std::vector<std::string>{"list"}, std::vector<std::string>{"show", "SPEAKERS"},
                                          std::vector<std::string>{"controls", "SPEAKERS"},
                                          std::vector<std::string>{"selectors"}, std::vector<std::string>{"graph"},
-                                         std::vector<std::string>{"ask", "HDAUDIO\\FUNC_01"},
+                                         std::vector<std::string>{"ask", "CARD"},
                                          std::vector<std::string>{"get-volume", "SPEAKERS"},
                                          std::vector<std::string>{"set-volume", "SPEAKERS", "50%"},
                                          std::vector<std::string>{"mute", "SPEAKERS", "toggle"},
