@@ -90,4 +90,18 @@ std::string nameOf(const Names<Value, Size>& names, const Value& value)
     }
     return {};
 }
+
+/// The names for a message: `"console", "multimedia" or "communications"`.
+template<class Value, std::size_t Size>
+std::string oneOf(const Names<Value, Size>& names)
+{
+    std::string result;
+    for (std::size_t index = 0; index < Size; ++index)
+    {
+        if (index > 0)
+            result += index + 1 == Size ? " or " : ", ";
+        result += "\"" + std::string(names[index].name) + "\"";
+    }
+    return result;
+}
 }

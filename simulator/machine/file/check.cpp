@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <set>
+#include <type_traits>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -17,6 +18,7 @@ namespace sim
 namespace
 {
 constexpr std::uint32_t allStates = stateActive | stateDisabled | stateNotPresent | stateUnplugged;
+constexpr std::uint32_t allHardwareSupport = 1 | 2 | 4;
 constexpr const char* stateRange = "a state or a sum of states, 0 to 15";
 
 std::string inner(const std::string& place, const char* field)
@@ -66,6 +68,13 @@ private:
                     inQuotes(id) + " for the second time");
     }
 
+    /// Requires that the table has a name for @p value: a file cannot contain any other.
+    template<class Value, std::size_t Size>
+    void requireName(const Names<Value, Size>& names, const Value& value, const std::string& place)
+    {
+        require(!nameOf(names, value).empty(), place, oneOf(names), std::to_string(value));
+    }
+
     void devices();
     void device(const Device& device, const std::string& place);
     void properties(const Properties& properties, const std::string& place);
@@ -106,8 +115,7 @@ void Check::devices()
         const Endpoint& endpoint = m_machine.endpoints[index];
         const std::string place = inner("/endpoints", index);
         device(endpoint, place);
-        require(endpoint.flow == eRender || endpoint.flow == eCapture, inner(place, "flow"), "render or capture",
-                std::to_string(endpoint.flow));
+        requireName(flowNames, endpoint.flow, inner(place, "flow"));
         if (endpoint.volume)
             endpointVolume(*endpoint.volume, inner(place, "volume"));
     }
@@ -148,6 +156,8 @@ void Check::endpointVolume(const EndpointVolume& volume, const std::string& plac
     channelCount(volume.channels.size(), inner(place, "channels"));
     for (std::size_t index = 0; index < volume.channels.size(); ++index)
         level(volume.channels[index], volume.minimum, volume.maximum, inner(inner(place, "channels"), index));
+    require((volume.hardwareSupport & ~allHardwareSupport) == 0, inner(place, "hardwareSupport"), "a sum of 1, 2 and 4",
+            std::to_string(volume.hardwareSupport));
     for (std::size_t index = 0; index < volume.refused.size(); ++index)
         require(isEndpointVolumeOperation(volume.refused[index]), inner(inner(place, "refused"), index),
                 "an operation of IAudioEndpointVolume", inQuotes(volume.refused[index]));
@@ -188,6 +198,8 @@ void Check::partList(const std::vector<AnyPart>& parts, std::set<std::uint32_t>&
         require(localIds.insert(parts[index].localId).second, inner(partPlace, "localId"),
                 "a local id that the topology has not given yet",
                 std::to_string(parts[index].localId) + " for the second time");
+        if constexpr (std::is_same_v<AnyPart, Connector>)
+            requireName(connectorTypeNames, parts[index].type, inner(partPlace, "kind"));
         part(parts[index], known, partPlace);
     }
 }
@@ -252,10 +264,13 @@ void Check::defaults()
     {
         const Endpoint& endpoint = m_machine.endpoints[index];
         for (std::size_t role = 0; role < endpoint.defaultFor.size(); ++role)
-            require(taken.insert({endpoint.flow, endpoint.defaultFor[role]}).second,
-                    inner(inner(inner("/endpoints", index), "defaultFor"), role),
+        {
+            const std::string place = inner(inner(inner("/endpoints", index), "defaultFor"), role);
+            requireName(roleNames, endpoint.defaultFor[role], place);
+            require(taken.insert({endpoint.flow, endpoint.defaultFor[role]}).second, place,
                     "a role that no endpoint of this flow has yet",
                     inQuotes(nameOf(roleNames, endpoint.defaultFor[role])) + " for the second time");
+        }
     }
 }
 
@@ -298,6 +313,11 @@ void Check::event(const ScriptEvent& event, const std::string& place)
     const Endpoint* endpoint = m_machine.endpoint(event.endpoint);
     const bool hasEndpoint = endpoint != nullptr || (isDefault && event.endpoint.empty());
     require(hasEndpoint, inner(place, "endpoint"), "the id of an endpoint", inQuotes(event.endpoint));
+    if (isDefault)
+    {
+        requireName(flowNames, event.flow, inner(place, "flow"));
+        requireName(roleNames, event.role, inner(place, "role"));
+    }
     if (isDefault && endpoint != nullptr)
         require(endpoint->flow == event.flow, inner(place, "flow"), "the flow of the endpoint",
                 inQuotes(nameOf(flowNames, event.flow)));
