@@ -7,6 +7,7 @@
 #pragma once
 
 #include "platform/coreaudio.h"
+#include "simulator/machine/equality.h"
 #include "simulator/machine/property.h"
 #include "simulator/machine/script.h"
 #include "simulator/machine/topology.h"
@@ -152,15 +153,6 @@ struct Machine
 /// Whether two strings are equal apart from the case of A to Z.
 bool equalNoCase(const std::string& left, const std::string& right);
 
-// Equal means all data; the tables of fields (simulator/machine/file/kinds.h) say which.
-bool operator==(const Device& left, const Device& right);
-bool operator==(const EndpointVolume& left, const EndpointVolume& right);
-bool operator==(const Endpoint& left, const Endpoint& right);
-bool operator==(const Adapter& left, const Adapter& right);
-bool operator==(const Join& left, const Join& right);
-bool operator==(const DeviceInstance& left, const DeviceInstance& right);
-bool operator==(const WaveDevice& left, const WaveDevice& right);
-bool operator==(const Machine& left, const Machine& right);
 inline bool operator!=(const Machine& left, const Machine& right)
 {
     return !(left == right);

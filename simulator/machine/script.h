@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/coreaudio.h"
+#include "simulator/machine/equality.h"
 #include "simulator/machine/property.h"
 
 #include <cstdint>
@@ -68,8 +69,4 @@ struct LatencyRule
     std::string operation; ///< as in FaultRule; "*": every call that no other rule names
     std::uint32_t microseconds = 0;
 };
-
-bool operator==(const ScriptEvent& left, const ScriptEvent& right);
-bool operator==(const FaultRule& left, const FaultRule& right);
-bool operator==(const LatencyRule& left, const LatencyRule& right);
 }

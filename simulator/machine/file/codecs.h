@@ -2,7 +2,7 @@
 #pragma once
 
 #include "simulator/machine/file/cursor.h"
-#include "simulator/machine/file/kinds.h"
+#include "simulator/machine/file/fieldtables.h"
 #include "simulator/machine/namedvalues.h"
 
 #include <optional>
@@ -51,7 +51,10 @@ struct NumberCodec
 /// A number of decibels. A value that is not finite is written as null, which no reader accepts.
 struct DecibelsCodec
 {
-    bool isPositive = false; ///< above 0, as the schema says; checkMachine() checks it
+    bool isPositive = false;
+
+    /// A number above 0, as the schema says; checkMachine() checks it.
+    static DecibelsCodec positive() { return {true}; }
 
     float read(const JsonCursor& cursor) const;
     JsonValue write(float value) const;
@@ -174,14 +177,14 @@ struct PartIdsCodec : ListCodec<StringCodec>
     JsonValue schema() const { return reference("partIds"); }
 };
 
-/// An object of the one kind that describes its type.
+/// An object that one table of fields describes.
 template<class Object>
 struct ObjectCodec
 {
-    Object read(const JsonCursor& cursor) const { return kindOf<Object>().read(cursor); }
+    Object read(const JsonCursor& cursor) const { return fieldsOf<Object>().read(cursor); }
 
-    JsonValue write(const Object& object) const { return kindOf<Object>().write(object); }
+    JsonValue write(const Object& object) const { return fieldsOf<Object>().write(object); }
 
-    JsonValue schema() const { return reference(kindOf<Object>().rule().name); }
+    JsonValue schema() const { return reference(fieldsOf<Object>().name()); }
 };
 }

@@ -14,14 +14,14 @@ namespace
 std::string keyList(const ObjectRule& rule)
 {
     std::string result;
-    for (const KeyRule& key : rule.keys)
-        result += (result.empty() ? "" : ", ") + key.name;
+    for (const KeyRule* key : rule.keys)
+        result += (result.empty() ? "" : ", ") + key->name;
     return result;
 }
 
 bool hasKey(const ObjectRule& rule, const std::string& name)
 {
-    return std::any_of(rule.keys.begin(), rule.keys.end(), [&](const KeyRule& key) { return key.name == name; });
+    return std::any_of(rule.keys.begin(), rule.keys.end(), [&](const KeyRule* key) { return key->name == name; });
 }
 }
 
@@ -43,10 +43,10 @@ void JsonCursor::requireKeys(const ObjectRule& rule) const
             throw MachineFileError(*m_file, m_value->elements[index].line, 0, m_pointer + pointerStep(key),
                                    "one of the keys " + keyList(rule), "the key " + inQuotes(key));
     }
-    for (const KeyRule& key : rule.keys)
+    for (const KeyRule* key : rule.keys)
     {
-        if (key.isRequired && m_value->member(key.name) == nullptr)
-            fail("the key " + inQuotes(key.name), "an object without it");
+        if (key->isRequired && m_value->member(key->name) == nullptr)
+            fail("the key " + inQuotes(key->name), "an object without it");
     }
 }
 

@@ -60,24 +60,44 @@ struct FormatCodec
     JsonValue schema() const { return patternSchema("^(8|16|24|32)/[1-9][0-9]{0,5}/[1-8]$"); }
 };
 
-enum Form : std::size_t
+const FieldTable<PropertyValue>& stringForm()
 {
-    textForm,
-    numberForm,
-    blobForm,
-    formatForm,
-};
-
-const Kind<PropertyValue>& kindOf(Form form)
-{
-    return kindsOf<PropertyValue>()[form];
+    static const FieldTable<PropertyValue> table =
+        FieldTable<PropertyValue>("textValue", "A string; null: the tag of a string with a null pointer.")
+            .required("text", &PropertyValue::text, NullableStringCodec());
+    return table;
 }
 
-PropertyValue readAs(const JsonCursor& cursor, Form form, VARTYPE tag)
+const FieldTable<PropertyValue>& numberForm()
+{
+    static const FieldTable<PropertyValue> table =
+        FieldTable<PropertyValue>("numberValue", "A number under another tag than VT_UI4.")
+            .required("number", &PropertyValue::number, NumberCodec())
+            .required("tag", &PropertyValue::tag, nameCodec(numberTagNames, "numberTag"));
+    return table;
+}
+
+const FieldTable<PropertyValue>& blobForm()
+{
+    static const FieldTable<PropertyValue> table =
+        FieldTable<PropertyValue>("blobValue", "Bytes, as pairs of hexadecimal digits.")
+            .required("blob", &PropertyValue::bytes, BytesCodec());
+    return table;
+}
+
+const FieldTable<PropertyValue>& formatForm()
+{
+    static const FieldTable<PropertyValue> table =
+        FieldTable<PropertyValue>("formatValue", "The 40 bytes of a device format, written bits/rate/channels.")
+            .required("format", &PropertyValue::bytes, FormatCodec());
+    return table;
+}
+
+PropertyValue readAs(const FieldTable<PropertyValue>& form, VARTYPE tag, const JsonCursor& cursor)
 {
     PropertyValue start;
     start.tag = tag;
-    return kindOf(form).read(cursor, std::move(start));
+    return form.read(cursor, std::move(start));
 }
 
 /// What to say about a name that no property has, to a reader who expects one.
@@ -99,21 +119,9 @@ PROPERTYKEY readKey(const JsonCursor& cursor, const std::string& text)
 }
 }
 
-template<>
-const std::vector<Kind<PropertyValue>>& kindsOf<PropertyValue>()
+std::vector<const FieldTable<PropertyValue>*> propertyValueForms()
 {
-    static const std::vector<Kind<PropertyValue>> kinds = {
-        Kind<PropertyValue>("textValue", "A string; null: the tag of a string with a null pointer.")
-            .required("text", &PropertyValue::text, NullableStringCodec()),
-        Kind<PropertyValue>("numberValue", "A number under another tag than VT_UI4.")
-            .required("number", &PropertyValue::number, NumberCodec())
-            .required("tag", &PropertyValue::tag, nameCodec(numberTagNames, "numberTag")),
-        Kind<PropertyValue>("blobValue", "Bytes, as pairs of hexadecimal digits.")
-            .required("blob", &PropertyValue::bytes, BytesCodec()),
-        Kind<PropertyValue>("formatValue", "The 40 bytes of a device format, written bits/rate/channels.")
-            .required("format", &PropertyValue::bytes, FormatCodec()),
-    };
-    return kinds;
+    return {&stringForm(), &numberForm(), &blobForm(), &formatForm()};
 }
 
 PROPERTYKEY PropertyKeyCodec::read(const JsonCursor& cursor) const
@@ -142,12 +150,12 @@ PropertyValue PropertyValueCodec::read(const JsonCursor& cursor) const
     if (!cursor.isObject())
         cursor.fail("a text, a number, null or an object");
     if (cursor.find("text"))
-        return readAs(cursor, textForm, VT_LPWSTR);
+        return readAs(stringForm(), VT_LPWSTR, cursor);
     if (cursor.find("blob"))
-        return readAs(cursor, blobForm, VT_BLOB);
+        return readAs(blobForm(), VT_BLOB, cursor);
     if (cursor.find("format"))
-        return readAs(cursor, formatForm, VT_BLOB);
-    return readAs(cursor, numberForm, VT_EMPTY);
+        return readAs(formatForm(), VT_BLOB, cursor);
+    return readAs(numberForm(), VT_EMPTY, cursor);
 }
 
 JsonValue PropertyValueCodec::write(const PropertyValue& value) const
@@ -157,13 +165,13 @@ JsonValue PropertyValueCodec::write(const PropertyValue& value) const
     case VT_EMPTY:
         return {};
     case VT_LPWSTR:
-        return value.text ? JsonValue::ofString(*value.text) : kindOf(textForm).write(value);
+        return value.text ? JsonValue::ofString(*value.text) : stringForm().write(value);
     case VT_UI4:
         return NumberCodec().write(value.number);
     case VT_BLOB:
-        return kindOf(DeviceFormat::fromBytes(value.bytes) ? formatForm : blobForm).write(value);
+        return (DeviceFormat::fromBytes(value.bytes) ? formatForm() : blobForm()).write(value);
     default:
-        return kindOf(numberForm).write(value);
+        return numberForm().write(value);
     }
 }
 

@@ -1,8 +1,8 @@
 // Reading a machine from the content of a file.
 #include "simulator/machine/file/check.h"
 #include "simulator/machine/file/cursor.h"
+#include "simulator/machine/file/fieldtables.h"
 #include "simulator/machine/file/json.h"
-#include "simulator/machine/file/kinds.h"
 #include "simulator/machine/file/machinefile.h"
 
 namespace sim
@@ -10,7 +10,7 @@ namespace sim
 Machine readMachine(const std::string& text, const std::string& nameForMessages)
 {
     const JsonValue json = parseJson(text, nameForMessages);
-    Machine result = kindOf<Machine>().read(JsonCursor(json, nameForMessages));
+    Machine result = fieldsOf<Machine>().read(JsonCursor(json, nameForMessages));
     const std::vector<MachineProblem> problems = checkMachine(result);
     if (problems.empty())
         return result;

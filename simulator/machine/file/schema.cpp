@@ -54,11 +54,11 @@ JsonValue objectSchema(const ObjectRule& rule)
 {
     JsonValue required = JsonValue::array();
     JsonValue properties = JsonValue::object();
-    for (const KeyRule& key : rule.keys)
+    for (const KeyRule* key : rule.keys)
     {
-        properties.add(key.name, key.schema);
-        if (key.isRequired)
-            required.elements.push_back(string(key.name));
+        properties.add(key->name, key->schema);
+        if (key->isRequired)
+            required.elements.push_back(string(key->name));
     }
     JsonValue result = rule.description.empty() ? JsonValue::object() : described(rule.description);
     result.add("type", string("object"));
@@ -109,8 +109,8 @@ void addProperties(JsonValue& definitions)
     const JsonValue plainTypes = JsonValue::array({string("string"), string("null")});
     forms.elements.push_back(JsonValue::object().add("type", plainTypes));
     forms.elements.push_back(reference("number"));
-    for (const Kind<PropertyValue>& kind : kindsOf<PropertyValue>())
-        forms.elements.push_back(reference(kind.rule().name));
+    for (const FieldTable<PropertyValue>* form : propertyValueForms())
+        forms.elements.push_back(reference(form->name()));
     definitions.add("propertyValue",
                     described("A string, a number (VT_UI4), or null (VT_EMPTY); an object for everything else.")
                         .add("oneOf", forms));
@@ -122,27 +122,30 @@ void addProperties(JsonValue& definitions)
                                       .add("additionalProperties", PropertyValueCodec().schema()));
 }
 
-template<class Object>
+template<class... Objects>
 void append(std::vector<ObjectRule>& rules)
 {
-    for (const Kind<Object>& kind : kindsOf<Object>())
-        rules.push_back(kind.rule());
+    (rules.push_back(fieldsOf<Objects>().rule()), ...);
 }
 
-template<class... Objects>
-std::vector<ObjectRule> rulesOf()
+template<class Object>
+void append(std::vector<ObjectRule>& rules, const std::vector<const FieldTable<Object>*>& forms)
 {
-    std::vector<ObjectRule> rules;
-    (append<Objects>(rules), ...);
-    return rules;
+    for (const FieldTable<Object>* form : forms)
+        rules.push_back(form->rule());
 }
 }
 
 std::vector<ObjectRule> objectRules()
 {
-    return rulesOf<Machine, Endpoint, Adapter, PropertyValue, EndpointVolume, Topology, Connector, Subunit,
-                   VolumeControl, ChannelLevel, MuteControl, SelectorControl, SignalPath, Join, DeviceInstance,
-                   WaveDevice, ScriptEvent, FaultRule, LatencyRule>();
+    std::vector<ObjectRule> rules;
+    append<Machine, Endpoint, Adapter>(rules);
+    append(rules, propertyValueForms());
+    append<EndpointVolume, Topology, Connector, Subunit, VolumeControl, ChannelLevel, MuteControl, SelectorControl,
+           SignalPath, Join, DeviceInstance, WaveDevice>(rules);
+    append(rules, eventForms());
+    append<FaultRule, LatencyRule>(rules);
+    return rules;
 }
 
 std::string machineSchema()

@@ -8,7 +8,7 @@
 
 namespace sim
 {
-/// All kinds of objects in a machine file.
+/// All forms of objects in a machine file.
 std::vector<ObjectRule> objectRules();
 
 /// The content of machines/machine.schema.json, made from the tables of fields and names.
