@@ -20,6 +20,9 @@ struct DeviceFormat
     std::string text() const;
     static std::optional<DeviceFormat> fromText(const std::string& text);
 
+    /// A regular expression for the strings that fromText() reads.
+    static std::string pattern();
+
     /// The platform's structure for whole-number samples.
     WAVEFORMATEXTENSIBLE waveFormat() const;
 

@@ -150,9 +150,6 @@ struct Machine
     const DeviceInstance* deviceInstance(const std::string& id) const;
 };
 
-/// Whether two strings are equal apart from the case of A to Z.
-bool equalNoCase(const std::string& left, const std::string& right);
-
 inline bool operator!=(const Machine& left, const Machine& right)
 {
     return !(left == right);

@@ -3,6 +3,7 @@
 #include "simulator/machine/file/json.h"
 #include "simulator/machine/namedvalues.h"
 #include "simulator/machine/operations.h"
+#include "simulator/machine/printable.h"
 #include "simulator/machine/propertykeys.h"
 #include "simulator/machine/valuetext.h"
 

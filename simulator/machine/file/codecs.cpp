@@ -78,7 +78,7 @@ JsonValue NumberCodec::write(std::uint32_t value) const
 
 JsonValue NumberCodec::schema() const
 {
-    return reference("number");
+    return reference(definition::number);
 }
 
 float DecibelsCodec::read(const JsonCursor& cursor) const
@@ -110,7 +110,7 @@ JsonValue StateCodec::write(std::uint32_t value) const
 
 JsonValue StateCodec::schema() const
 {
-    return reference("state");
+    return reference(definition::state);
 }
 
 GUID NodeTypeCodec::read(const JsonCursor& cursor) const
@@ -125,7 +125,7 @@ JsonValue NodeTypeCodec::write(const GUID& value) const
 
 JsonValue NodeTypeCodec::schema() const
 {
-    return reference("nodeType");
+    return reference(definition::nodeType);
 }
 
 std::uint32_t HardwareSupportCodec::read(const JsonCursor& cursor) const
@@ -149,6 +149,6 @@ JsonValue HardwareSupportCodec::write(std::uint32_t value) const
 
 JsonValue HardwareSupportCodec::schema() const
 {
-    return listCodec(nameCodec(hardwareSupportNames, "hardwareSupport")).schema();
+    return listCodec(hardwareSupportCodec).schema();
 }
 }

@@ -2,6 +2,7 @@
 
 #include "simulator/machine/file/machinefile.h"
 #include "simulator/machine/nodetypes.h"
+#include "simulator/machine/printable.h"
 #include "simulator/machine/valuetext.h"
 
 #include <algorithm>

@@ -42,7 +42,7 @@ void addInterfaces(FieldTable<AnyDevice>& table)
             result = result && left.*named.value == right.*named.value;
         return result;
     };
-    const JsonValue schema = listCodec(nameCodec(interfaceNames, "interface")).schema();
+    const JsonValue schema = listCodec(interfaceCodec).schema();
     table.add({{"interfaces", false, annotated(schema, "Further interfaces that the device activates.", {})},
                read,
                write,
@@ -79,7 +79,7 @@ void addTopology(FieldTable<AnyDevice>& table)
 FieldTable<Adapter> adapterTable()
 {
     FieldTable<Adapter> table("adapter");
-    table.required("id", &Device::id, StringCodec{"id"});
+    table.required("id", &Device::id, StringCodec{definition::id});
     addState(table);
     addInterfaces(table);
     table.optional("properties", &Device::properties, PropertiesCodec());
@@ -90,11 +90,11 @@ FieldTable<Adapter> adapterTable()
 FieldTable<Endpoint> endpointTable()
 {
     FieldTable<Endpoint> table("endpoint");
-    table.required("id", &Device::id, StringCodec{"id"})
-        .required("flow", &Endpoint::flow, nameCodec(flowNames, "flow"))
+    table.required("id", &Device::id, StringCodec{definition::id})
+        .required("flow", &Endpoint::flow, flowCodec)
         .optional("installed", &Endpoint::installed, BooleanCodec(),
                   "false: no collection contains it before an event adds it.")
-        .optional("defaultFor", &Endpoint::defaultFor, listCodec(nameCodec(roleNames, "role")),
+        .optional("defaultFor", &Endpoint::defaultFor, listCodec(roleCodec),
                   "Roles in which it is the default of its flow.");
     addState(table);
     addInterfaces(table);

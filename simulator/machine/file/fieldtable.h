@@ -22,17 +22,6 @@ struct Field
     std::function<bool(const Object& left, const Object& right)> isEqual;
 };
 
-inline bool areEqual(const PROPERTYKEY& left, const PROPERTYKEY& right)
-{
-    return sameKey(left, right);
-}
-
-template<class Value>
-bool areEqual(const Value& left, const Value& right)
-{
-    return left == right;
-}
-
 /// The fields of an object, which are read and written in the order in which they are added.
 ///
 /// A codec is a type with `Value read(const JsonCursor&) const`, `JsonValue write(const Value&) const` and
@@ -133,7 +122,7 @@ private:
         return {std::move(key),
                 [member, codec](const JsonCursor& value, Object& object) { object.*member = codec.read(value); },
                 [member, codec](const Object& object) { return codec.write(object.*member); },
-                [member](const Object& left, const Object& right) { return areEqual(left.*member, right.*member); }};
+                [member](const Object& left, const Object& right) { return left.*member == right.*member; }};
     }
 
     std::string m_name;

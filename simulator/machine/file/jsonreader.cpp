@@ -2,7 +2,7 @@
 #include "simulator/machine/file/json.h"
 
 #include "simulator/machine/file/machinefile.h"
-#include "simulator/machine/valuetext.h"
+#include "simulator/machine/printable.h"
 
 #include <nlohmann/json.hpp>
 

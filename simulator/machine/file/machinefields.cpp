@@ -112,7 +112,7 @@ const FieldTable<DeviceInstance>& fieldsOf<DeviceInstance>()
 {
     static const FieldTable<DeviceInstance> table =
         FieldTable<DeviceInstance>("deviceInstance")
-            .required("id", &DeviceInstance::id, StringCodec{"id"})
+            .required("id", &DeviceInstance::id, StringCodec{definition::id})
             .required("parent", &DeviceInstance::parent, NullableStringCodec(), "null: asking for the parent fails.");
     return table;
 }

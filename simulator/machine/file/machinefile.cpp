@@ -1,7 +1,7 @@
 #include "simulator/machine/file/machinefile.h"
 
 #include "simulator/machine/file/programfolder.h"
-#include "simulator/machine/valuetext.h"
+#include "simulator/machine/printable.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -3,8 +3,8 @@
 #include "simulator/machine/deviceformat.h"
 #include "simulator/machine/file/codecs.h"
 #include "simulator/machine/nearestname.h"
+#include "simulator/machine/printable.h"
 #include "simulator/machine/propertykeys.h"
-#include "simulator/machine/valuetext.h"
 
 #include <algorithm>
 
@@ -57,7 +57,7 @@ struct FormatCodec
         return format ? JsonValue::ofString(format->text()) : JsonValue();
     }
 
-    JsonValue schema() const { return patternSchema("^(8|16|24|32)/[1-9][0-9]{0,5}/[1-8]$"); }
+    JsonValue schema() const { return patternSchema(DeviceFormat::pattern()); }
 };
 
 const FieldTable<PropertyValue>& stringForm()
@@ -73,7 +73,7 @@ const FieldTable<PropertyValue>& numberForm()
     static const FieldTable<PropertyValue> table =
         FieldTable<PropertyValue>("numberValue", "A number under another tag than VT_UI4.")
             .required("number", &PropertyValue::number, NumberCodec())
-            .required("tag", &PropertyValue::tag, nameCodec(numberTagNames, "numberTag"));
+            .required("tag", &PropertyValue::tag, numberTagCodec);
     return table;
 }
 
@@ -104,7 +104,7 @@ PropertyValue readAs(const FieldTable<PropertyValue>& form, VARTYPE tag, const J
 std::string unknownProperty(const std::string& text)
 {
     std::vector<std::string> names;
-    for (const NamedKey& named : namedKeys)
+    for (const auto& named : keyNames)
         names.emplace_back(named.name);
     const bool isKey = !text.empty() && text.front() == '{';
     return inQuotes(text) + (isKey ? "" : suggestion(text, names, "property names"));
@@ -136,7 +136,7 @@ JsonValue PropertyKeyCodec::write(const PROPERTYKEY& key) const
 
 JsonValue PropertyKeyCodec::schema() const
 {
-    return reference("propertyName");
+    return reference(definition::propertyName);
 }
 
 PropertyValue PropertyValueCodec::read(const JsonCursor& cursor) const
@@ -177,7 +177,7 @@ JsonValue PropertyValueCodec::write(const PropertyValue& value) const
 
 JsonValue PropertyValueCodec::schema() const
 {
-    return reference("propertyValue");
+    return reference(definition::propertyValue);
 }
 
 Properties PropertiesCodec::read(const JsonCursor& cursor) const
@@ -198,6 +198,6 @@ JsonValue PropertiesCodec::write(const Properties& properties) const
 
 JsonValue PropertiesCodec::schema() const
 {
-    return reference("properties");
+    return reference(definition::properties);
 }
 }

@@ -78,8 +78,7 @@ EventGroup defaultEvents()
 {
     EventGroup group = newGroup("defaultEvent", {EventKind::defaultChanged}, EndpointOrNoneCodec(),
                                 "null: the flow has no default any more.");
-    group.form.required("flow", &ScriptEvent::flow, nameCodec(flowNames, "flow"))
-        .required("role", &ScriptEvent::role, nameCodec(roleNames, "role"));
+    group.form.required("flow", &ScriptEvent::flow, flowCodec).required("role", &ScriptEvent::role, roleCodec);
     return group;
 }
 

@@ -44,7 +44,7 @@ private:
 template<class AnyPart>
 void addIdentity(FieldTable<AnyPart>& table)
 {
-    table.required("id", &Part::id, StringCodec{"partId"})
+    table.required("id", &Part::id, StringCodec{definition::partId})
         .contextual("localId", &Part::localId, NumberCodec(),
                     "If it is missing: the position plus 65536 for a connector, plus 131072 for a subunit.")
         .optional("reportsId", &Part::reportsId, BooleanCodec(), "false: GetGlobalId stores null.")
@@ -75,8 +75,8 @@ FieldTable<Connector> connectorTable()
 {
     FieldTable<Connector> table("connector");
     addIdentity(table);
-    table.optional("kind", &Connector::type, nameCodec(connectorTypeNames, "connectorType"))
-        .optional("direction", &Connector::direction, nameCodec(directionNames, "direction"));
+    table.optional("kind", &Connector::type, connectorTypeCodec)
+        .optional("direction", &Connector::direction, directionCodec);
     addNeighboursAndControls(table);
     return table;
 }
