@@ -105,14 +105,14 @@ bool JsonCursor::isNumber() const
 std::string JsonCursor::string() const
 {
     if (!isString())
-        fail("a text");
+        fail("a string");
     return m_value->text;
 }
 
 OptionalString JsonCursor::stringOrNull() const
 {
     if (!isString() && !isNull())
-        fail("a text or null");
+        fail("a string or null");
     return isString() ? OptionalString(m_value->text) : std::nullopt;
 }
 

@@ -148,7 +148,7 @@ PropertyValue PropertyValueCodec::read(const JsonCursor& cursor) const
     if (cursor.isNull())
         return {};
     if (!cursor.isObject())
-        cursor.fail("a text, a number, null or an object");
+        cursor.fail("a string, a number, null or an object");
     if (cursor.find("text"))
         return readAs(stringForm(), VT_LPWSTR, cursor);
     if (cursor.find("blob"))
