@@ -1,3 +1,4 @@
+/// @file
 /// Case of the letters A to Z. All other characters are as they are.
 #pragma once
 

@@ -1,3 +1,4 @@
+/// @file
 /// The device format as people write it and as a property store keeps it.
 #pragma once
 

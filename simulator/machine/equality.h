@@ -1,3 +1,4 @@
+/// @file
 /// Equality of the values that make up a machine: they are equal if all their data are.
 #pragma once
 

@@ -1,3 +1,4 @@
+/// @file
 /// A machine as data: plain value types that contain everything that the simulated platform answers with.
 ///
 /// A machine is built in code (simulator/machine/builder/machinebuilder.h adds the usual data) or read from a JSON file

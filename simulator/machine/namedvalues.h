@@ -1,3 +1,4 @@
+/// @file
 /// The names of the platform's values in machine files, messages and the program's JSON.
 #pragma once
 

@@ -1,3 +1,4 @@
+/// @file
 /// Tables of values and their names.
 #pragma once
 

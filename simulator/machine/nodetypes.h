@@ -1,3 +1,4 @@
+/// @file
 /// The kinds of jacks and nodes, and their names in machine files.
 #pragma once
 

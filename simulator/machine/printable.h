@@ -1,3 +1,4 @@
+/// @file
 /// Strings of any content in messages.
 #pragma once
 

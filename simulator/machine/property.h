@@ -1,3 +1,4 @@
+/// @file
 /// Property stores as data.
 #pragma once
 

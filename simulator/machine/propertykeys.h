@@ -1,3 +1,4 @@
+/// @file
 /// The keys of a device's properties by name.
 #pragma once
 

@@ -1,3 +1,4 @@
+/// @file
 /// Plans for a machine: events that happen to it, calls that fail, and how long calls take.
 #pragma once
 

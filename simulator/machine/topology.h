@@ -1,3 +1,4 @@
+/// @file
 /// Hardware graphs as data: parts, their controls, and the paths between them.
 ///
 /// Parts refer to each other by global id.

@@ -1,3 +1,4 @@
+/// @file
 /// Values as strings, in messages and in machine files.
 #pragma once
 

@@ -1,3 +1,4 @@
+/// @file
 /// Codecs of single values in a machine file: reader, writer and schema of each type.
 #pragma once
 

@@ -1,3 +1,4 @@
+/// @file
 /// A position in a machine file: a value, the file and line that it comes from and the JSON pointer that leads to it.
 #pragma once
 

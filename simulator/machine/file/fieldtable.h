@@ -1,3 +1,4 @@
+/// @file
 /// Tables of the fields of one type of object. Reader, writer, equality, the check of keys and the JSON schema are made
 /// from a table, so that each field is described once.
 #pragma once

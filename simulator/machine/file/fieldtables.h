@@ -1,3 +1,4 @@
+/// @file
 /// The tables of fields of all types of a machine's data.
 #pragma once
 

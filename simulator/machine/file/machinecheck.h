@@ -1,3 +1,4 @@
+/// @file
 /// The walk through a machine that checkMachine() makes; its sources are divided by what they check.
 #pragma once
 

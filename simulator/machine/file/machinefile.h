@@ -1,3 +1,4 @@
+/// @file
 /// Machines as files. machines/README.md shows how to describe one, machines/machine.schema.json defines the format.
 #pragma once
 

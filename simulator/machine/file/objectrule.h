@@ -1,3 +1,4 @@
+/// @file
 /// The keys that an object in a machine file may have.
 #pragma once
 

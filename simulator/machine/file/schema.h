@@ -1,3 +1,4 @@
+/// @file
 /// The JSON schema of machine files.
 #pragma once
 

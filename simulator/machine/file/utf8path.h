@@ -1,3 +1,4 @@
+/// @file
 /// Names of files in UTF-8 as paths.
 #pragma once
 
