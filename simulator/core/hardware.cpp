@@ -1,21 +1,12 @@
 #include "simulator/core/hardware.h"
 
-#include "simulator/machine/valuetext.h"
+#include "simulator/machine/casefolding.h"
 
 #include <algorithm>
 #include <utility>
 
 namespace sim
 {
-namespace
-{
-std::string lowered(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(), lowerCase);
-    return text;
-}
-}
-
 void changeProperty(Properties& properties, const PROPERTYKEY& key, const PropertyValue& value)
 {
     if (value.tag == VT_EMPTY)
@@ -52,7 +43,7 @@ void Hardware::reindex()
     const auto index = [this](Device& device)
     {
         m_devices.emplace(device.id, &device);
-        m_devicesNoCase[lowered(device.id)].push_back(&device);
+        m_devicesNoCase[lowerCase(device.id)].push_back(&device);
         indexParts(device);
     };
     for (Endpoint& endpoint : m_machine.endpoints)
@@ -107,7 +98,7 @@ Endpoint* Hardware::endpoint(const std::string& id)
 
 Device* Hardware::openDevice(const std::string& id)
 {
-    const auto found = m_devicesNoCase.find(lowered(id));
+    const auto found = m_devicesNoCase.find(lowerCase(id));
     if (found == m_devicesNoCase.end())
         return nullptr;
     Device* nearly = nullptr;

@@ -1,5 +1,6 @@
 /// @file
-/// Name, identifier and base of each interface that the simulated machine knows. An interface is added here alone.
+/// Name, identifier and base of each interface that the simulated machine knows. The operations of those that it
+/// implements are in simulator/machine/operations.cpp too: machine files name them.
 #pragma once
 
 #include "platform/coreaudio.h"

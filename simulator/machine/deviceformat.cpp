@@ -2,6 +2,7 @@
 
 #include "simulator/machine/valuetext.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -9,16 +10,19 @@ namespace sim
 {
 namespace
 {
-constexpr std::uint32_t maximumRate = 999999;
+constexpr std::array<std::uint32_t, 4> sampleBits = {8, 16, 24, 32};
+constexpr int rateDigits = 6;
+constexpr std::uint32_t maximumRate = 999999; // the largest number of so many digits
+constexpr std::uint32_t maximumChannels = 8;
 
 /// The subtype of whole-number samples. The SDK's name for it is a constant that each program must define.
 constexpr GUID wholeNumberSamples = {0x00000001, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71}};
 
 bool isUsual(const DeviceFormat& format)
 {
-    const bool bitsFit = format.bits == 8 || format.bits == 16 || format.bits == 24 || format.bits == 32;
+    const bool bitsFit = std::count(sampleBits.begin(), sampleBits.end(), format.bits) != 0;
     const bool rateFits = format.rate > 0 && format.rate <= maximumRate;
-    return bitsFit && rateFits && format.channels >= 1 && format.channels <= 8;
+    return bitsFit && rateFits && format.channels >= 1 && format.channels <= maximumChannels;
 }
 }
 
@@ -41,6 +45,15 @@ std::optional<DeviceFormat> DeviceFormat::fromText(const std::string& text)
         return std::nullopt;
     const DeviceFormat format = {*bits, *rate, *channels};
     return isUsual(format) ? std::optional<DeviceFormat>(format) : std::nullopt;
+}
+
+std::string DeviceFormat::pattern()
+{
+    std::string bits;
+    for (const std::uint32_t each : sampleBits)
+        bits += (bits.empty() ? "" : "|") + std::to_string(each);
+    return "^(" + bits + ")/[1-9][0-9]{0," + std::to_string(rateDigits - 1) + "}/[1-" +
+           std::to_string(maximumChannels) + "]$";
 }
 
 WAVEFORMATEXTENSIBLE DeviceFormat::waveFormat() const

@@ -1,3 +1,4 @@
+/// @file
 /// The device format as people write it and as a property store keeps it.
 #pragma once
 
@@ -19,6 +20,9 @@ struct DeviceFormat
 
     std::string text() const;
     static std::optional<DeviceFormat> fromText(const std::string& text);
+
+    /// A regular expression for the strings that fromText() reads.
+    static std::string pattern();
 
     /// The platform's structure for whole-number samples.
     WAVEFORMATEXTENSIBLE waveFormat() const;

@@ -1,5 +1,6 @@
 #include "simulator/machine/identity.h"
 
+#include "simulator/machine/casefolding.h"
 #include "simulator/machine/nodetypes.h"
 #include "simulator/machine/valuetext.h"
 
@@ -20,12 +21,6 @@ std::uint64_t hash(const std::string& text)
         value *= 0x100000001B3u;
     }
     return value;
-}
-
-std::string inLowerCase(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(), [](char unit) { return lowerCase(unit); });
-    return text;
 }
 }
 
@@ -54,7 +49,7 @@ std::string derivedHex(const std::string& seed, int digits)
 std::string endpointId(EDataFlow flow, const GUID& guid)
 {
     const std::string family = flow == eRender ? "{0.0.0.00000000}" : "{0.0.1.00000000}";
-    return family + "." + inLowerCase(guidText(guid));
+    return family + "." + lowerCase(guidText(guid));
 }
 
 std::string boardInstance(const std::string& seed)
@@ -83,16 +78,16 @@ std::string usbParent(const std::string& seed)
 
 std::string adapterId(const std::string& instanceId)
 {
-    std::string path = inLowerCase(instanceId);
+    std::string path = lowerCase(instanceId);
     std::replace(path.begin(), path.end(), '\\', '#');
-    return "{2}.\\\\?\\" + path + "#" + inLowerCase(guidText(nodetypes::stream)) + "\\topo";
+    return "{2}.\\\\?\\" + path + "#" + lowerCase(guidText(nodetypes::stream)) + "\\topo";
 }
 
 std::string driverName(const std::string& instancePath)
 {
     const std::size_t start = instancePath.find('.') + 1; // the whole string if it has no dot
     const std::string device = instancePath.substr(start, instancePath.rfind('\\') - start);
-    return "oem7.inf:" + derivedHex(device, 16) + ":AudioModel:6.0.1.7:" + inLowerCase(device);
+    return "oem7.inf:" + derivedHex(device, 16) + ":AudioModel:6.0.1.7:" + lowerCase(device);
 }
 
 std::uint32_t usualConnectorLocalId(std::size_t position)

@@ -1,3 +1,4 @@
+/// @file
 /// Ids in the form that real machines have, derived from a string: equal strings lead to equal ids.
 #pragma once
 

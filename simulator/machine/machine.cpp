@@ -1,6 +1,6 @@
 #include "simulator/machine/machine.h"
 
-#include "simulator/machine/valuetext.h"
+#include "simulator/machine/casefolding.h"
 
 #include <algorithm>
 
@@ -134,11 +134,5 @@ const DeviceInstance* Machine::deviceInstance(const std::string& id) const
             return &instance;
     }
     return nullptr;
-}
-
-bool equalNoCase(const std::string& left, const std::string& right)
-{
-    const auto same = [](char first, char second) { return lowerCase(first) == lowerCase(second); };
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(), same);
 }
 }

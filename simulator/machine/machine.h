@@ -1,3 +1,4 @@
+/// @file
 /// A machine as data: plain value types that contain everything that the simulated platform answers with.
 ///
 /// A machine is built in code (simulator/machine/builder/machinebuilder.h adds the usual data) or read from a JSON file
@@ -7,6 +8,7 @@
 #pragma once
 
 #include "platform/coreaudio.h"
+#include "simulator/machine/equality.h"
 #include "simulator/machine/property.h"
 #include "simulator/machine/script.h"
 #include "simulator/machine/topology.h"
@@ -149,18 +151,6 @@ struct Machine
     const DeviceInstance* deviceInstance(const std::string& id) const;
 };
 
-/// Whether two strings are equal apart from the case of A to Z.
-bool equalNoCase(const std::string& left, const std::string& right);
-
-// Equal means all data; the tables of fields (simulator/machine/file/kinds.h) say which.
-bool operator==(const Device& left, const Device& right);
-bool operator==(const EndpointVolume& left, const EndpointVolume& right);
-bool operator==(const Endpoint& left, const Endpoint& right);
-bool operator==(const Adapter& left, const Adapter& right);
-bool operator==(const Join& left, const Join& right);
-bool operator==(const DeviceInstance& left, const DeviceInstance& right);
-bool operator==(const WaveDevice& left, const WaveDevice& right);
-bool operator==(const Machine& left, const Machine& right);
 inline bool operator!=(const Machine& left, const Machine& right)
 {
     return !(left == right);

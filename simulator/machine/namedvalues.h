@@ -1,28 +1,15 @@
+/// @file
 /// The names of the platform's values in machine files, messages and the program's JSON.
 #pragma once
 
 #include "platform/coreaudio.h"
 #include "simulator/machine/machine.h"
+#include "simulator/machine/names.h"
 
-#include <array>
-#include <cstddef>
 #include <cstdint>
-#include <optional>
-#include <string>
-#include <string_view>
 
 namespace sim
 {
-template<class Value>
-struct Named
-{
-    std::string_view name;
-    Value value;
-};
-
-template<class Value, std::size_t Size>
-using Names = std::array<Named<Value>, Size>;
-
 inline constexpr Names<EDataFlow, 2> flowNames = {{{"render", eRender}, {"capture", eCapture}}};
 
 inline constexpr Names<std::uint32_t, 4> stateNames = {{{"active", stateActive},
@@ -66,28 +53,4 @@ inline constexpr Names<VARTYPE, 9> numberTagNames = {{{"VT_I2", VT_I2},
                                                       {"VT_UI4", VT_UI4},
                                                       {"VT_INT", VT_INT},
                                                       {"VT_UINT", VT_UINT}}};
-
-/// The value with the name @p name; no value if the table does not contain it.
-template<class Value, std::size_t Size>
-std::optional<Value> valueOf(const Names<Value, Size>& names, std::string_view name)
-{
-    for (const Named<Value>& named : names)
-    {
-        if (named.name == name)
-            return named.value;
-    }
-    return std::nullopt;
-}
-
-/// The name of @p value; empty if the table does not contain it.
-template<class Value, std::size_t Size>
-std::string nameOf(const Names<Value, Size>& names, const Value& value)
-{
-    for (const Named<Value>& named : names)
-    {
-        if (named.value == value)
-            return std::string(named.name);
-    }
-    return {};
-}
 }

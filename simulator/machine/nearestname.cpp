@@ -1,6 +1,6 @@
 #include "simulator/machine/nearestname.h"
 
-#include "simulator/machine/valuetext.h"
+#include "simulator/machine/casefolding.h"
 
 #include <algorithm>
 

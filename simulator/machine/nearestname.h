@@ -1,3 +1,4 @@
+/// @file
 /// Help for a name that does not exist: the name that was probably meant.
 #pragma once
 

@@ -6,21 +6,13 @@ namespace sim
 {
 std::string nodeTypeText(const GUID& nodeType)
 {
-    for (const NamedNodeType& named : namedNodeTypes)
-    {
-        if (named.type == nodeType)
-            return std::string(named.name);
-    }
-    return guidText(nodeType);
+    const std::string name = nameOf(nodeTypeNames, nodeType);
+    return name.empty() ? guidText(nodeType) : name;
 }
 
 std::optional<GUID> nodeTypeFromText(const std::string& text)
 {
-    for (const NamedNodeType& named : namedNodeTypes)
-    {
-        if (named.name == text)
-            return named.type;
-    }
-    return guidFromText(text);
+    const std::optional<GUID> named = valueOf(nodeTypeNames, text);
+    return named ? named : guidFromText(text);
 }
 }

@@ -1,12 +1,12 @@
+/// @file
 /// The kinds of jacks and nodes, and their names in machine files.
 #pragma once
 
 #include "platform/coreaudio.h"
+#include "simulator/machine/names.h"
 
-#include <array>
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace sim
 {
@@ -39,13 +39,7 @@ inline const GUID& toAnalog = KSNODETYPE_DAC;
 inline const GUID& peakMeter = KSNODETYPE_PEAKMETER;
 }
 
-struct NamedNodeType
-{
-    std::string_view name;
-    GUID type;
-};
-
-inline const std::array<NamedNodeType, 22> namedNodeTypes = {{
+inline const Names<GUID, 22> nodeTypeNames = {{
     {"microphone", nodetypes::microphone},
     {"microphoneArray", nodetypes::microphoneArray},
     {"speaker", nodetypes::speaker},

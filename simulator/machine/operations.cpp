@@ -3,74 +3,89 @@
 #include "simulator/machine/nearestname.h"
 
 #include <algorithm>
-#include <array>
 #include <vector>
 
 namespace sim
 {
 namespace
 {
+using NameList = std::vector<std::string_view>;
+
 struct InterfaceOperations
 {
     std::string_view interfaceName;
-    std::string_view operations; ///< each between two blanks
+    NameList operations; ///< without those that count references
 };
 
-constexpr std::string_view countingOperations = " QueryInterface AddRef Release ";
-
-constexpr std::array<InterfaceOperations, 19> interfaces = {{
-    {"IUnknown", " "},
-    {"IClassFactory", " CreateInstance LockServer "},
-    {"IMMDeviceEnumerator",
-     " EnumAudioEndpoints GetDefaultAudioEndpoint GetDevice RegisterEndpointNotificationCallback "
-     "UnregisterEndpointNotificationCallback "},
-    {"IMMDeviceCollection", " GetCount Item "},
-    {"IMMDevice", " Activate OpenPropertyStore GetId GetState "},
-    {"IMMEndpoint", " GetDataFlow "},
-    {"IPropertyStore", " GetCount GetAt GetValue SetValue Commit "},
-    {"IDeviceTopology",
-     " GetConnectorCount GetConnector GetSubunitCount GetSubunit GetPartById GetDeviceId GetSignalPath "},
-    {"IPart", " GetName GetLocalId GetGlobalId GetPartType GetSubType GetControlInterfaceCount GetControlInterface "
-              "EnumPartsIncoming EnumPartsOutgoing GetTopologyObject Activate RegisterControlChangeCallback "
-              "UnregisterControlChangeCallback "},
-    {"IConnector", " GetType GetDataFlow ConnectTo Disconnect IsConnected GetConnectedTo GetConnectorIdConnectedTo "
-                   "GetDeviceIdConnectedTo "},
-    {"ISubunit", " "},
-    {"IPartsList", " GetCount GetPart "},
-    {"IControlInterface", " GetName GetIID "},
-    {"IAudioVolumeLevel", " GetChannelCount GetLevelRange GetLevel SetLevel SetLevelUniform SetLevelAllChannels "},
-    {"IAudioMute", " SetMute GetMute "},
-    {"IAudioInputSelector", " GetSelection SetSelection "},
-    {"IAudioEndpointVolume",
-     " RegisterControlChangeNotify UnregisterControlChangeNotify GetChannelCount SetMasterVolumeLevel "
-     "SetMasterVolumeLevelScalar GetMasterVolumeLevel GetMasterVolumeLevelScalar SetChannelVolumeLevel "
-     "SetChannelVolumeLevelScalar GetChannelVolumeLevel GetChannelVolumeLevelScalar SetMute GetMute GetVolumeStepInfo "
-     "VolumeStepUp VolumeStepDown QueryHardwareSupport GetVolumeRange "},
-    {"IAudioClient", " Initialize GetBufferSize GetStreamLatency GetCurrentPadding IsFormatSupported GetMixFormat "
-                     "GetDevicePeriod Start Stop Reset SetEventHandle GetService "},
-    {"IBaseFilter", " GetClassID Stop Pause Run GetState SetSyncSource GetSyncSource EnumPins FindPin QueryFilterInfo "
-                    "JoinFilterGraph QueryVendorInfo "},
-}};
-
-constexpr std::string_view functions =
-    " CoInitialize CoInitializeEx CoUninitialize CoCreateInstance CoTaskMemAlloc "
-    "CoTaskMemFree PropVariantClear CLSIDFromString waveOutGetNumDevs waveOutMessage "
-    "waveInGetNumDevs waveInMessage PostMessageW getParentDeviceInstanceId ";
-
-bool hasWord(std::string_view words, std::string_view word)
+const NameList& countingOperations()
 {
-    const bool isOneWord = !word.empty() && word.find(' ') == std::string_view::npos;
-    return isOneWord && words.find(" " + std::string(word) + " ") != std::string_view::npos;
+    static const NameList names = {"QueryInterface", "AddRef", "Release"};
+    return names;
 }
 
-void append(std::vector<std::string>& list, std::string_view words, const std::string& prefix = {})
+/// The interfaces that the machine implements; the lists name what the journal writes.
+const std::vector<InterfaceOperations>& interfaces()
 {
-    for (std::size_t start = words.find_first_not_of(' '); start != std::string_view::npos;)
-    {
-        const std::size_t end = words.find(' ', start);
-        list.push_back(prefix + std::string(words.substr(start, end - start)));
-        start = words.find_first_not_of(' ', end);
-    }
+    static const std::vector<InterfaceOperations> all = {
+        {"IUnknown", {}},
+        {"IClassFactory", {"CreateInstance", "LockServer"}},
+        {"IMMDeviceEnumerator",
+         {"EnumAudioEndpoints", "GetDefaultAudioEndpoint", "GetDevice", "RegisterEndpointNotificationCallback",
+          "UnregisterEndpointNotificationCallback"}},
+        {"IMMDeviceCollection", {"GetCount", "Item"}},
+        {"IMMDevice", {"Activate", "OpenPropertyStore", "GetId", "GetState"}},
+        {"IMMEndpoint", {"GetDataFlow"}},
+        {"IPropertyStore", {"GetCount", "GetAt", "GetValue", "SetValue", "Commit"}},
+        {"IDeviceTopology",
+         {"GetConnectorCount", "GetConnector", "GetSubunitCount", "GetSubunit", "GetPartById", "GetDeviceId",
+          "GetSignalPath"}},
+        {"IPart",
+         {"GetName", "GetLocalId", "GetGlobalId", "GetPartType", "GetSubType", "GetControlInterfaceCount",
+          "GetControlInterface", "EnumPartsIncoming", "EnumPartsOutgoing", "GetTopologyObject", "Activate",
+          "RegisterControlChangeCallback", "UnregisterControlChangeCallback"}},
+        {"IConnector",
+         {"GetType", "GetDataFlow", "ConnectTo", "Disconnect", "IsConnected", "GetConnectedTo",
+          "GetConnectorIdConnectedTo", "GetDeviceIdConnectedTo"}},
+        {"ISubunit", {}},
+        {"IPartsList", {"GetCount", "GetPart"}},
+        {"IControlInterface", {"GetName", "GetIID"}},
+        {"IAudioVolumeLevel",
+         {"GetChannelCount", "GetLevelRange", "GetLevel", "SetLevel", "SetLevelUniform", "SetLevelAllChannels"}},
+        {"IAudioMute", {"SetMute", "GetMute"}},
+        {"IAudioInputSelector", {"GetSelection", "SetSelection"}},
+        {"IAudioEndpointVolume",
+         {"RegisterControlChangeNotify", "UnregisterControlChangeNotify", "GetChannelCount", "SetMasterVolumeLevel",
+          "SetMasterVolumeLevelScalar", "GetMasterVolumeLevel", "GetMasterVolumeLevelScalar", "SetChannelVolumeLevel",
+          "SetChannelVolumeLevelScalar", "GetChannelVolumeLevel", "GetChannelVolumeLevelScalar", "SetMute", "GetMute",
+          "GetVolumeStepInfo", "VolumeStepUp", "VolumeStepDown", "QueryHardwareSupport", "GetVolumeRange"}},
+        {"IAudioClient",
+         {"Initialize", "GetBufferSize", "GetStreamLatency", "GetCurrentPadding", "IsFormatSupported", "GetMixFormat",
+          "GetDevicePeriod", "Start", "Stop", "Reset", "SetEventHandle", "GetService"}},
+        {"IBaseFilter",
+         {"GetClassID", "Stop", "Pause", "Run", "GetState", "SetSyncSource", "GetSyncSource", "EnumPins", "FindPin",
+          "QueryFilterInfo", "JoinFilterGraph", "QueryVendorInfo"}},
+    };
+    return all;
+}
+
+const NameList& functions()
+{
+    static const NameList names = {
+        "CoInitialize",     "CoInitializeEx",   "CoUninitialize",  "CoCreateInstance",         "CoTaskMemAlloc",
+        "CoTaskMemFree",    "PropVariantClear", "CLSIDFromString", "waveOutGetNumDevs",        "waveOutMessage",
+        "waveInGetNumDevs", "waveInMessage",    "PostMessageW",    "getParentDeviceInstanceId"};
+    return names;
+}
+
+bool contains(const NameList& names, std::string_view name)
+{
+    return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+void append(std::vector<std::string>& list, const NameList& names, const std::string& prefix = {})
+{
+    for (const std::string_view name : names)
+        list.push_back(prefix + std::string(name));
 }
 
 /// The operations of one interface, with those that count references at the end.
@@ -78,7 +93,7 @@ std::vector<std::string> operationsOf(const InterfaceOperations& owner, const st
 {
     std::vector<std::string> names;
     append(names, owner.operations, prefix);
-    append(names, countingOperations, prefix);
+    append(names, countingOperations(), prefix);
     return names;
 }
 
@@ -86,8 +101,8 @@ std::vector<std::string> operationsOf(const InterfaceOperations& owner, const st
 std::vector<std::string> allOperations()
 {
     std::vector<std::string> names;
-    append(names, functions);
-    for (const InterfaceOperations& each : interfaces)
+    append(names, functions());
+    for (const InterfaceOperations& each : interfaces())
     {
         const std::vector<std::string> own = operationsOf(each, std::string(each.interfaceName) + "::");
         names.insert(names.end(), own.begin(), own.end());
@@ -98,22 +113,20 @@ std::vector<std::string> allOperations()
 std::vector<std::string> bareNames()
 {
     std::vector<std::string> names;
-    append(names, functions);
-    for (const InterfaceOperations& each : interfaces)
+    append(names, functions());
+    for (const InterfaceOperations& each : interfaces())
         append(names, each.operations);
-    append(names, countingOperations);
+    append(names, countingOperations());
     return names;
 }
 
 std::string functionsAndInterfaces()
 {
-    std::vector<std::string> names;
-    append(names, functions);
     std::string text = " (functions:";
-    for (const std::string& name : names)
-        text += " " + name;
+    for (const std::string_view name : functions())
+        text += " " + std::string(name);
     text += "; interfaces:";
-    for (const InterfaceOperations& each : interfaces)
+    for (const InterfaceOperations& each : interfaces())
         text += " " + std::string(each.interfaceName);
     return text + ")";
 }
@@ -124,12 +137,12 @@ bool isOperation(std::string_view name)
     const std::size_t colons = name.find("::");
     const bool isBare = colons == std::string_view::npos;
     const std::string_view operation = isBare ? name : name.substr(colons + 2);
-    if (isBare && hasWord(functions, operation))
+    if (isBare && contains(functions(), operation))
         return true;
-    for (const InterfaceOperations& candidate : interfaces)
+    for (const InterfaceOperations& candidate : interfaces())
     {
         const bool isMeant = isBare || candidate.interfaceName == name.substr(0, colons);
-        if (isMeant && (hasWord(candidate.operations, operation) || hasWord(countingOperations, operation)))
+        if (isMeant && (contains(candidate.operations, operation) || contains(countingOperations(), operation)))
             return true;
     }
     return false;
@@ -137,15 +150,15 @@ bool isOperation(std::string_view name)
 
 bool isEndpointVolumeOperation(std::string_view name)
 {
-    return !hasWord(countingOperations, name) && isOperation("IAudioEndpointVolume::" + std::string(name));
+    return !contains(countingOperations(), name) && isOperation("IAudioEndpointVolume::" + std::string(name));
 }
 
 std::string operationSuggestion(const std::string& name)
 {
     const std::size_t colons = name.find("::");
     const auto isNamed = [&](const InterfaceOperations& each) { return each.interfaceName == name.substr(0, colons); };
-    const auto owner = std::find_if(interfaces.begin(), interfaces.end(), isNamed);
-    if (colons != std::string::npos && owner != interfaces.end())
+    const auto owner = std::find_if(interfaces().begin(), interfaces().end(), isNamed);
+    if (colons != std::string::npos && owner != interfaces().end())
     {
         const std::string prefix = name.substr(0, colons + 2);
         const std::string nearest = nearestName(name.substr(colons + 2), operationsOf(*owner));

@@ -1,3 +1,4 @@
+/// @file
 /// The operations of the simulated platform by name.
 #pragma once
 

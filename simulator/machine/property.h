@@ -1,7 +1,9 @@
+/// @file
 /// Property stores as data.
 #pragma once
 
 #include "platform/coreaudio.h"
+#include "simulator/machine/equality.h"
 
 #include <cstdint>
 #include <optional>
@@ -46,7 +48,4 @@ void setProperty(Properties& properties, const PROPERTYKEY& key, PropertyValue v
 void removeProperty(Properties& properties, const PROPERTYKEY& key);
 
 bool sameKey(const PROPERTYKEY& left, const PROPERTYKEY& right);
-
-bool operator==(const PropertyValue& left, const PropertyValue& right);
-bool operator==(const Property& left, const Property& right);
 }

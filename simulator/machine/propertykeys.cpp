@@ -1,27 +1,19 @@
 #include "simulator/machine/propertykeys.h"
 
-#include "simulator/machine/property.h"
 #include "simulator/machine/valuetext.h"
 
 namespace sim
 {
 std::string keyText(const PROPERTYKEY& key)
 {
-    for (const NamedKey& named : namedKeys)
-    {
-        if (sameKey(named.key, key))
-            return std::string(named.name);
-    }
-    return guidText(key.fmtid) + "/" + std::to_string(key.pid);
+    const std::string name = nameOf(keyNames, key);
+    return name.empty() ? guidText(key.fmtid) + "/" + std::to_string(key.pid) : name;
 }
 
 std::optional<PROPERTYKEY> keyFromText(const std::string& text)
 {
-    for (const NamedKey& named : namedKeys)
-    {
-        if (named.name == text)
-            return named.key;
-    }
+    if (const std::optional<PROPERTYKEY> named = valueOf(keyNames, text))
+        return named;
     const std::size_t slash = text.find('/');
     if (slash == std::string::npos)
         return std::nullopt;

@@ -1,12 +1,12 @@
+/// @file
 /// The keys of a device's properties by name.
 #pragma once
 
 #include "platform/propertykeys.h"
+#include "simulator/machine/names.h"
 
-#include <array>
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace sim
 {
@@ -22,14 +22,8 @@ inline constexpr PROPERTYKEY speakerConfig = platform::propertykeys::physicalSpe
 inline constexpr PROPERTYKEY endpointGuid = platform::propertykeys::directSoundGuid;
 }
 
-struct NamedKey
-{
-    std::string_view name;
-    PROPERTYKEY key;
-};
-
 /// The keys that have a name in machine files; any other is written "{FORMAT-ID}/NUMBER".
-inline constexpr std::array<NamedKey, 7> namedKeys = {{
+inline constexpr Names<PROPERTYKEY, 7> keyNames = {{
     {"deviceDescription", keys::deviceDescription},
     {"deviceFormat", keys::deviceFormat},
     {"instancePath", keys::instancePath},

@@ -1,7 +1,9 @@
+/// @file
 /// Plans for a machine: events that happen to it, calls that fail, and how long calls take.
 #pragma once
 
 #include "platform/coreaudio.h"
+#include "simulator/machine/equality.h"
 #include "simulator/machine/property.h"
 
 #include <cstdint>
@@ -68,8 +70,4 @@ struct LatencyRule
     std::string operation; ///< as in FaultRule; "*": every call that no other rule names
     std::uint32_t microseconds = 0;
 };
-
-bool operator==(const ScriptEvent& left, const ScriptEvent& right);
-bool operator==(const FaultRule& left, const FaultRule& right);
-bool operator==(const LatencyRule& left, const LatencyRule& right);
 }

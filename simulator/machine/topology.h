@@ -1,9 +1,11 @@
+/// @file
 /// Hardware graphs as data: parts, their controls, and the paths between them.
 ///
 /// Parts refer to each other by global id.
 #pragma once
 
 #include "platform/coreaudio.h"
+#include "simulator/machine/equality.h"
 #include "simulator/machine/property.h"
 
 #include <cstdint>
@@ -84,14 +86,4 @@ struct Topology
     std::vector<Subunit> subunits;
     std::vector<SignalPath> signalPaths;
 };
-
-bool operator==(const ChannelLevel& left, const ChannelLevel& right);
-bool operator==(const VolumeControl& left, const VolumeControl& right);
-bool operator==(const MuteControl& left, const MuteControl& right);
-bool operator==(const SelectorControl& left, const SelectorControl& right);
-bool operator==(const Part& left, const Part& right);
-bool operator==(const Connector& left, const Connector& right);
-bool operator==(const Subunit& left, const Subunit& right);
-bool operator==(const SignalPath& left, const SignalPath& right);
-bool operator==(const Topology& left, const Topology& right);
 }

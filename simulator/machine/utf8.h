@@ -1,3 +1,4 @@
+/// @file
 /// Characters of UTF-8 strings.
 #pragma once
 

@@ -1,7 +1,5 @@
 #include "simulator/machine/valuetext.h"
 
-#include "simulator/machine/utf8.h"
-
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -20,32 +18,6 @@ std::uint32_t hexNumber(const std::string& text, std::size_t at, std::size_t dig
     for (std::size_t index = at; index < at + digits; ++index)
         value = value << 4 | static_cast<std::uint32_t>(hexDigit(text[index]));
     return value;
-}
-
-/// Whether a character has no place in a message: it steers the terminal, breaks the line or turns what follows around.
-bool mustBeEscaped(std::uint32_t code)
-{
-    const bool isControl = code < 0x20 || (code >= 0x7F && code < 0xA0);
-    const bool isSeparator = code == 0x2028 || code == 0x2029;
-    const bool isDirection = code == 0x061C || code == 0x200E || code == 0x200F || (code >= 0x202A && code <= 0x202E) ||
-                             (code >= 0x2066 && code <= 0x2069);
-    const bool isSurrogate = code >= 0xD800 && code <= 0xDFFF;
-    return isControl || isSeparator || isDirection || isSurrogate;
-}
-
-/// A character as messages show it; @p bytes are its bytes.
-std::string escaped(const Utf8Character& character, const std::string& bytes)
-{
-    if (!character.isBroken && !mustBeEscaped(character.code))
-        return bytes;
-    if (character.code == '\n')
-        return "\\n";
-    if (character.code == '\t')
-        return "\\t";
-    char text[12] = {};
-    std::snprintf(text, sizeof text, character.isBroken ? "\\x%02lX" : "\\u%04lX",
-                  static_cast<unsigned long>(character.code));
-    return text;
 }
 }
 
@@ -73,11 +45,6 @@ int hexDigit(char character)
     if (character >= 'a' && character <= 'f')
         return character - 'a' + 10;
     return -1;
-}
-
-char lowerCase(char character)
-{
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
 }
 
 std::string guidText(const GUID& guid)
@@ -129,25 +96,5 @@ std::string resultText(HRESULT result)
     char text[11] = {};
     std::snprintf(text, sizeof text, "0x%08lX", static_cast<unsigned long>(static_cast<std::uint32_t>(result)));
     return text;
-}
-
-std::string printable(const std::string& text, std::size_t longest)
-{
-    std::string result;
-    for (std::size_t position = 0; position < text.size();)
-    {
-        const Utf8Character character = characterAt(text, position);
-        const std::string piece = escaped(character, text.substr(position, character.size));
-        if (result.size() + piece.size() > longest)
-            return result + "...";
-        result += piece;
-        position += character.size;
-    }
-    return result;
-}
-
-std::string inQuotes(const std::string& text, std::size_t longest)
-{
-    return "\"" + printable(text, longest) + "\"";
 }
 }

@@ -1,9 +1,9 @@
+/// @file
 /// Values as strings, in messages and in machine files.
 #pragma once
 
 #include "platform/coreaudio.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -19,9 +19,6 @@ std::optional<float> fromDecimal(const std::string& text);
 /// The value of a hexadecimal digit in either case; -1 for any other character.
 int hexDigit(char character);
 
-/// The lower-case letter of A to Z; any other character as it is.
-char lowerCase(char character);
-
 /// "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}" in upper case.
 std::string guidText(const GUID& guid);
 
@@ -35,13 +32,4 @@ std::optional<std::uint32_t> numberFromText(const std::string& text);
 /// The value of "0x80004005", eight digits; no value for any other string.
 std::optional<HRESULT> resultFromText(const std::string& text);
 std::string resultText(HRESULT result);
-
-/// @p text for a message: on one line, in UTF-8 and without anything that steers a terminal. Control characters,
-/// characters that change the direction of writing and surrogates are written `\n`, `\t`, `\u001B`, bytes that are not
-/// UTF-8 `\xC3`. A result of more than @p longest bytes is cut after a whole
-/// character and ends in `...`.
-std::string printable(const std::string& text, std::size_t longest = 100);
-
-/// printable() between double quotes.
-std::string inQuotes(const std::string& text, std::size_t longest = 100);
 }

@@ -181,7 +181,7 @@ TEST_F(ProgramUsage, RefusesAMachineFileOfMoreThan64MiB)
     const support::Answer answer = call({"--machine", path.u8string()});
 
     EXPECT_EQ(2, answer.code);
-    EXPECT_THAT(answer.err, testing::EndsWith("expected a machine file, found one of more than 64 MiB\n"));
+    EXPECT_THAT(answer.err, testing::EndsWith("expected a machine file, found a file larger than 64 MiB\n"));
     std::filesystem::remove(path);
 }
 

@@ -1,3 +1,4 @@
+/// @file
 /// Builds a machine with the usual data, so that a test states only what matters to it:
 ///
 ///     sim::MachineBuilder bench("bench");

@@ -1,3 +1,4 @@
+/// @file
 /// Rules for a machine in a file that its types cannot express.
 #pragma once
 

@@ -13,26 +13,6 @@ JsonValue typeSchema(const std::string& type)
 {
     return JsonValue::object().add("type", JsonValue::ofString(type));
 }
-
-/// Whether a schema mentions @p value as a default.
-bool isMentioned(const JsonValue& value)
-{
-    using Kind = JsonValue::Kind;
-    const bool isFilled = value.kind == Kind::string && !value.text.empty();
-    return isFilled || value.kind == Kind::boolean || value.kind == Kind::number;
-}
-}
-
-JsonValue annotated(const JsonValue& schema, const std::string& description, const JsonValue& usual)
-{
-    JsonValue result = JsonValue::object();
-    if (!description.empty())
-        result.add("description", JsonValue::ofString(description));
-    for (std::size_t index = 0; index < schema.keys.size(); ++index)
-        result.add(schema.keys[index], schema.elements[index]);
-    if (isMentioned(usual))
-        result.add("default", usual);
-    return result;
 }
 
 JsonValue reference(const std::string& definition)
@@ -98,7 +78,7 @@ JsonValue NumberCodec::write(std::uint32_t value) const
 
 JsonValue NumberCodec::schema() const
 {
-    return reference("number");
+    return reference(definition::number);
 }
 
 float DecibelsCodec::read(const JsonCursor& cursor) const
@@ -130,7 +110,7 @@ JsonValue StateCodec::write(std::uint32_t value) const
 
 JsonValue StateCodec::schema() const
 {
-    return reference("state");
+    return reference(definition::state);
 }
 
 GUID NodeTypeCodec::read(const JsonCursor& cursor) const
@@ -145,7 +125,7 @@ JsonValue NodeTypeCodec::write(const GUID& value) const
 
 JsonValue NodeTypeCodec::schema() const
 {
-    return reference("nodeType");
+    return reference(definition::nodeType);
 }
 
 std::uint32_t HardwareSupportCodec::read(const JsonCursor& cursor) const
@@ -169,6 +149,6 @@ JsonValue HardwareSupportCodec::write(std::uint32_t value) const
 
 JsonValue HardwareSupportCodec::schema() const
 {
-    return listCodec(nameCodec(hardwareSupportNames, "hardwareSupport")).schema();
+    return listCodec(hardwareSupportCodec).schema();
 }
 }

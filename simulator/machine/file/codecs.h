@@ -1,9 +1,11 @@
+/// @file
 /// Codecs of single values in a machine file: reader, writer and schema of each type.
 #pragma once
 
 #include "simulator/machine/file/cursor.h"
-#include "simulator/machine/file/kinds.h"
+#include "simulator/machine/file/fieldtables.h"
 #include "simulator/machine/namedvalues.h"
+#include "simulator/machine/nodetypes.h"
 
 #include <optional>
 #include <string>
@@ -12,6 +14,20 @@
 
 namespace sim
 {
+/// The names of the schema's definitions that are neither objects nor lists of names.
+namespace definition
+{
+inline constexpr const char* id = "id";
+inline constexpr const char* partId = "partId";
+inline constexpr const char* partIds = "partIds";
+inline constexpr const char* number = "number";
+inline constexpr const char* state = "state";
+inline constexpr const char* nodeType = "nodeType";
+inline constexpr const char* propertyName = "propertyName";
+inline constexpr const char* propertyValue = "propertyValue";
+inline constexpr const char* properties = "properties";
+}
+
 /// {"$ref": ...} to a definition of the schema.
 JsonValue reference(const std::string& definition);
 
@@ -51,7 +67,10 @@ struct NumberCodec
 /// A number of decibels. A value that is not finite is written as null, which no reader accepts.
 struct DecibelsCodec
 {
-    bool isPositive = false; ///< above 0, as the schema says; checkMachine() checks it
+    bool isPositive = false;
+
+    /// A number above 0, as the schema says; checkMachine() checks it.
+    static DecibelsCodec positive() { return {true}; }
 
     float read(const JsonCursor& cursor) const;
     JsonValue write(float value) const;
@@ -82,12 +101,12 @@ struct HardwareSupportCodec
     JsonValue schema() const;
 };
 
-/// One of the names in a table.
+/// One of the names in a table, which the schema defines.
 template<class Value, std::size_t Size>
 struct NameCodec
 {
     const Names<Value, Size>* names;
-    std::string definition;
+    const char* definition;
 
     Value read(const JsonCursor& cursor) const { return cursor.named(*names); }
 
@@ -97,10 +116,20 @@ struct NameCodec
 };
 
 template<class Value, std::size_t Size>
-NameCodec<Value, Size> nameCodec(const Names<Value, Size>& names, const std::string& definition)
+constexpr NameCodec<Value, Size> nameCodec(const Names<Value, Size>& names, const char* definition)
 {
     return {&names, definition};
 }
+
+inline constexpr auto flowCodec = nameCodec(flowNames, "flow");
+inline constexpr auto roleCodec = nameCodec(roleNames, "role");
+inline constexpr auto stateNameCodec = nameCodec(stateNames, "stateName");
+inline constexpr auto directionCodec = nameCodec(directionNames, "direction");
+inline constexpr auto connectorTypeCodec = nameCodec(connectorTypeNames, "connectorType");
+inline constexpr auto hardwareSupportCodec = nameCodec(hardwareSupportNames, "hardwareSupport");
+inline constexpr auto interfaceCodec = nameCodec(interfaceNames, "interface");
+inline constexpr auto numberTagCodec = nameCodec(numberTagNames, "numberTag");
+inline constexpr auto nodeTypeNameCodec = nameCodec(nodeTypeNames, "nodeTypeName");
 
 /// A value that may be missing.
 template<class Codec>
@@ -171,17 +200,17 @@ ListCodec<Codec> listCodec(const Codec& codec, std::size_t minimum = 0, std::siz
 /// The ids of parts of one topology.
 struct PartIdsCodec : ListCodec<StringCodec>
 {
-    JsonValue schema() const { return reference("partIds"); }
+    JsonValue schema() const { return reference(definition::partIds); }
 };
 
-/// An object of the one kind that describes its type.
+/// An object that one table of fields describes.
 template<class Object>
 struct ObjectCodec
 {
-    Object read(const JsonCursor& cursor) const { return kindOf<Object>().read(cursor); }
+    Object read(const JsonCursor& cursor) const { return fieldsOf<Object>().read(cursor); }
 
-    JsonValue write(const Object& object) const { return kindOf<Object>().write(object); }
+    JsonValue write(const Object& object) const { return fieldsOf<Object>().write(object); }
 
-    JsonValue schema() const { return reference(kindOf<Object>().rule().name); }
+    JsonValue schema() const { return reference(fieldsOf<Object>().name()); }
 };
 }

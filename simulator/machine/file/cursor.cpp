@@ -2,6 +2,7 @@
 
 #include "simulator/machine/file/machinefile.h"
 #include "simulator/machine/nodetypes.h"
+#include "simulator/machine/printable.h"
 #include "simulator/machine/valuetext.h"
 
 #include <algorithm>
@@ -14,14 +15,14 @@ namespace
 std::string keyList(const ObjectRule& rule)
 {
     std::string result;
-    for (const KeyRule& key : rule.keys)
-        result += (result.empty() ? "" : ", ") + key.name;
+    for (const KeyRule* key : rule.keys)
+        result += (result.empty() ? "" : ", ") + key->name;
     return result;
 }
 
 bool hasKey(const ObjectRule& rule, const std::string& name)
 {
-    return std::any_of(rule.keys.begin(), rule.keys.end(), [&](const KeyRule& key) { return key.name == name; });
+    return std::any_of(rule.keys.begin(), rule.keys.end(), [&](const KeyRule* key) { return key->name == name; });
 }
 }
 
@@ -43,10 +44,10 @@ void JsonCursor::requireKeys(const ObjectRule& rule) const
             throw MachineFileError(*m_file, m_value->elements[index].line, 0, m_pointer + pointerStep(key),
                                    "one of the keys " + keyList(rule), "the key " + inQuotes(key));
     }
-    for (const KeyRule& key : rule.keys)
+    for (const KeyRule* key : rule.keys)
     {
-        if (key.isRequired && m_value->member(key.name) == nullptr)
-            fail("the key " + inQuotes(key.name), "an object without it");
+        if (key->isRequired && m_value->member(key->name) == nullptr)
+            fail("the key " + inQuotes(key->name), "an object without it");
     }
 }
 
@@ -104,14 +105,14 @@ bool JsonCursor::isNumber() const
 std::string JsonCursor::string() const
 {
     if (!isString())
-        fail("a text");
+        fail("a string");
     return m_value->text;
 }
 
 OptionalString JsonCursor::stringOrNull() const
 {
     if (!isString() && !isNull())
-        fail("a text or null");
+        fail("a string or null");
     return isString() ? OptionalString(m_value->text) : std::nullopt;
 }
 

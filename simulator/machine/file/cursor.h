@@ -1,3 +1,4 @@
+/// @file
 /// A position in a machine file: a value, the file and line that it comes from and the JSON pointer that leads to it.
 #pragma once
 
@@ -59,21 +60,6 @@ public:
     [[noreturn]] void fail(const std::string& expected, const std::string& found) const;
 
 private:
-    template<class Value, std::size_t Size>
-    static std::string oneOf(const Names<Value, Size>& names)
-    {
-        std::string result;
-        for (std::size_t index = 0; index < Size; ++index)
-        {
-            if (index > 0)
-                result += index + 1 == Size ? " or " : ", ";
-            result += "\"" + std::string(names[index].name) + "\"";
-        }
-        return result;
-    }
-
-    JsonCursor inner(std::size_t index) const;
-
     const JsonValue* m_value;
     const std::string* m_file;
     std::string m_pointer;

@@ -1,3 +1,4 @@
+/// @file
 /// JSON for machine files: a tree that keeps the order of keys, the spelling of numbers and the lines.
 #pragma once
 

@@ -2,7 +2,7 @@
 #include "simulator/machine/file/json.h"
 
 #include "simulator/machine/file/machinefile.h"
-#include "simulator/machine/valuetext.h"
+#include "simulator/machine/printable.h"
 
 #include <nlohmann/json.hpp>
 
@@ -74,7 +74,7 @@ public:
     bool string(string_t& value) override
     {
         if (value.find('\0') != std::string::npos)
-            fail("a text without a zero character", "one with it");
+            fail("a string without a zero character", "a string with one");
         return put(JsonValue::ofString(value));
     }
 
@@ -86,7 +86,7 @@ public:
     {
         std::vector<std::string>& keys = m_open.back()->keys;
         if (std::find(keys.begin(), keys.end(), value) != keys.end())
-            fail("each key once", inQuotes(value) + " for the second time");
+            fail("each key once", "duplicate " + inQuotes(value));
         keys.push_back(value);
         return true;
     }

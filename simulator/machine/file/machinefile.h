@@ -1,3 +1,4 @@
+/// @file
 /// Machines as files. machines/README.md shows how to describe one, machines/machine.schema.json defines the format.
 #pragma once
 
@@ -46,8 +47,10 @@ Machine readMachineFile(const std::string& path);
 /// Throws MachineFileError.
 Machine readMachine(const std::string& text, const std::string& nameForMessages);
 
-/// The content of a file that readMachine() reads as an equal machine, if @p machine passes its checks. Fields with
-/// their usual value are left out.
+/// The content of a file. Fields with their usual value are left out, and so are members that do not belong to the kind
+/// of an event, of a property value or of a fault's outcome, such as the level of an event that plugs an endpoint.
+/// readMachine() reads the content as an equal machine if @p machine passes the checks of a file, such members have
+/// their usual value, and all strings are UTF-8 without a zero character.
 std::string writeMachine(const Machine& machine);
 
 /// Reads the shipped machine of that name, or the file of that path. Throws MachineFileError; for an unknown name it

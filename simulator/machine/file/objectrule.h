@@ -1,3 +1,4 @@
+/// @file
 /// The keys that an object in a machine file may have.
 #pragma once
 
@@ -17,11 +18,14 @@ struct KeyRule
     bool isAlwaysWritten = false; ///< though it is optional and has its usual value
 };
 
-/// One kind of object.
+/// One form of object. The keys are those of a table of fields and valid as long as the table.
 struct ObjectRule
 {
     std::string name;        ///< of its definition in the schema
     std::string description; ///< empty: the names of its keys suffice
-    std::vector<KeyRule> keys;
+    std::vector<const KeyRule*> keys;
 };
+
+/// @p schema with a description, unless it is empty, and a default value, unless it is null or an empty string.
+JsonValue annotated(const JsonValue& schema, const std::string& description, const JsonValue& usual);
 }

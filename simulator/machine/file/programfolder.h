@@ -1,3 +1,4 @@
+/// @file
 /// The location of the running program.
 #pragma once
 

@@ -3,8 +3,8 @@
 #include "simulator/machine/deviceformat.h"
 #include "simulator/machine/file/codecs.h"
 #include "simulator/machine/nearestname.h"
+#include "simulator/machine/printable.h"
 #include "simulator/machine/propertykeys.h"
-#include "simulator/machine/valuetext.h"
 
 #include <algorithm>
 
@@ -57,34 +57,54 @@ struct FormatCodec
         return format ? JsonValue::ofString(format->text()) : JsonValue();
     }
 
-    JsonValue schema() const { return patternSchema("^(8|16|24|32)/[1-9][0-9]{0,5}/[1-8]$"); }
+    JsonValue schema() const { return patternSchema(DeviceFormat::pattern()); }
 };
 
-enum Form : std::size_t
+const FieldTable<PropertyValue>& stringForm()
 {
-    textForm,
-    numberForm,
-    blobForm,
-    formatForm,
-};
-
-const Kind<PropertyValue>& kindOf(Form form)
-{
-    return kindsOf<PropertyValue>()[form];
+    static const FieldTable<PropertyValue> table =
+        FieldTable<PropertyValue>("textValue", "A string; null: the tag of a string with a null pointer.")
+            .required("text", &PropertyValue::text, NullableStringCodec());
+    return table;
 }
 
-PropertyValue readAs(const JsonCursor& cursor, Form form, VARTYPE tag)
+const FieldTable<PropertyValue>& numberForm()
+{
+    static const FieldTable<PropertyValue> table =
+        FieldTable<PropertyValue>("numberValue", "A number under another tag than VT_UI4.")
+            .required("number", &PropertyValue::number, NumberCodec())
+            .required("tag", &PropertyValue::tag, numberTagCodec);
+    return table;
+}
+
+const FieldTable<PropertyValue>& blobForm()
+{
+    static const FieldTable<PropertyValue> table =
+        FieldTable<PropertyValue>("blobValue", "Bytes, as pairs of hexadecimal digits.")
+            .required("blob", &PropertyValue::bytes, BytesCodec());
+    return table;
+}
+
+const FieldTable<PropertyValue>& formatForm()
+{
+    static const FieldTable<PropertyValue> table =
+        FieldTable<PropertyValue>("formatValue", "The 40 bytes of a device format, written bits/rate/channels.")
+            .required("format", &PropertyValue::bytes, FormatCodec());
+    return table;
+}
+
+PropertyValue readAs(const FieldTable<PropertyValue>& form, VARTYPE tag, const JsonCursor& cursor)
 {
     PropertyValue start;
     start.tag = tag;
-    return kindOf(form).read(cursor, std::move(start));
+    return form.read(cursor, std::move(start));
 }
 
 /// What to say about a name that no property has, to a reader who expects one.
 std::string unknownProperty(const std::string& text)
 {
     std::vector<std::string> names;
-    for (const NamedKey& named : namedKeys)
+    for (const auto& named : keyNames)
         names.emplace_back(named.name);
     const bool isKey = !text.empty() && text.front() == '{';
     return inQuotes(text) + (isKey ? "" : suggestion(text, names, "property names"));
@@ -99,21 +119,9 @@ PROPERTYKEY readKey(const JsonCursor& cursor, const std::string& text)
 }
 }
 
-template<>
-const std::vector<Kind<PropertyValue>>& kindsOf<PropertyValue>()
+std::vector<const FieldTable<PropertyValue>*> propertyValueForms()
 {
-    static const std::vector<Kind<PropertyValue>> kinds = {
-        Kind<PropertyValue>("textValue", "A string; null: the tag of a string with a null pointer.")
-            .required("text", &PropertyValue::text, NullableStringCodec()),
-        Kind<PropertyValue>("numberValue", "A number under another tag than VT_UI4.")
-            .required("number", &PropertyValue::number, NumberCodec())
-            .required("tag", &PropertyValue::tag, nameCodec(numberTagNames, "numberTag")),
-        Kind<PropertyValue>("blobValue", "Bytes, as pairs of hexadecimal digits.")
-            .required("blob", &PropertyValue::bytes, BytesCodec()),
-        Kind<PropertyValue>("formatValue", "The 40 bytes of a device format, written bits/rate/channels.")
-            .required("format", &PropertyValue::bytes, FormatCodec()),
-    };
-    return kinds;
+    return {&stringForm(), &numberForm(), &blobForm(), &formatForm()};
 }
 
 PROPERTYKEY PropertyKeyCodec::read(const JsonCursor& cursor) const
@@ -128,7 +136,7 @@ JsonValue PropertyKeyCodec::write(const PROPERTYKEY& key) const
 
 JsonValue PropertyKeyCodec::schema() const
 {
-    return reference("propertyName");
+    return reference(definition::propertyName);
 }
 
 PropertyValue PropertyValueCodec::read(const JsonCursor& cursor) const
@@ -140,14 +148,14 @@ PropertyValue PropertyValueCodec::read(const JsonCursor& cursor) const
     if (cursor.isNull())
         return {};
     if (!cursor.isObject())
-        cursor.fail("a text, a number, null or an object");
+        cursor.fail("a string, a number, null or an object");
     if (cursor.find("text"))
-        return readAs(cursor, textForm, VT_LPWSTR);
+        return readAs(stringForm(), VT_LPWSTR, cursor);
     if (cursor.find("blob"))
-        return readAs(cursor, blobForm, VT_BLOB);
+        return readAs(blobForm(), VT_BLOB, cursor);
     if (cursor.find("format"))
-        return readAs(cursor, formatForm, VT_BLOB);
-    return readAs(cursor, numberForm, VT_EMPTY);
+        return readAs(formatForm(), VT_BLOB, cursor);
+    return readAs(numberForm(), VT_EMPTY, cursor);
 }
 
 JsonValue PropertyValueCodec::write(const PropertyValue& value) const
@@ -157,19 +165,19 @@ JsonValue PropertyValueCodec::write(const PropertyValue& value) const
     case VT_EMPTY:
         return {};
     case VT_LPWSTR:
-        return value.text ? JsonValue::ofString(*value.text) : kindOf(textForm).write(value);
+        return value.text ? JsonValue::ofString(*value.text) : stringForm().write(value);
     case VT_UI4:
         return NumberCodec().write(value.number);
     case VT_BLOB:
-        return kindOf(DeviceFormat::fromBytes(value.bytes) ? formatForm : blobForm).write(value);
+        return (DeviceFormat::fromBytes(value.bytes) ? formatForm() : blobForm()).write(value);
     default:
-        return kindOf(numberForm).write(value);
+        return numberForm().write(value);
     }
 }
 
 JsonValue PropertyValueCodec::schema() const
 {
-    return reference("propertyValue");
+    return reference(definition::propertyValue);
 }
 
 Properties PropertiesCodec::read(const JsonCursor& cursor) const
@@ -190,6 +198,6 @@ JsonValue PropertiesCodec::write(const Properties& properties) const
 
 JsonValue PropertiesCodec::schema() const
 {
-    return reference("properties");
+    return reference(definition::properties);
 }
 }

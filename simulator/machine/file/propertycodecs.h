@@ -1,3 +1,4 @@
+/// @file
 /// Codecs of the keys and values of a property store.
 #pragma once
 

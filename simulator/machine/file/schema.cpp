@@ -50,15 +50,21 @@ JsonValue oneNameOf(const Table& table)
     return JsonValue::object().add("enum", names);
 }
 
+template<class Codec>
+void addNames(JsonValue& definitions, const Codec& codec)
+{
+    definitions.add(codec.definition, oneNameOf(*codec.names));
+}
+
 JsonValue objectSchema(const ObjectRule& rule)
 {
     JsonValue required = JsonValue::array();
     JsonValue properties = JsonValue::object();
-    for (const KeyRule& key : rule.keys)
+    for (const KeyRule* key : rule.keys)
     {
-        properties.add(key.name, key.schema);
-        if (key.isRequired)
-            required.elements.push_back(string(key.name));
+        properties.add(key->name, key->schema);
+        if (key->isRequired)
+            required.elements.push_back(string(key->name));
     }
     JsonValue result = rule.description.empty() ? JsonValue::object() : described(rule.description);
     result.add("type", string("object"));
@@ -70,79 +76,87 @@ JsonValue objectSchema(const ObjectRule& rule)
 void addIds(JsonValue& definitions)
 {
     const JsonValue aString = JsonValue::object().add("type", string("string"));
-    definitions.add("id", JsonValue(aString).add("minLength", number("1")));
-    definitions.add("partId", described("Global id, unique in the machine. Within the topology of a device, /jack is "
-                                        "short for the device's id followed by /jack.")
-                                  .add("type", string("string"))
-                                  .add("minLength", number("1")));
-    definitions.add("partIds", described("Ids of parts of the same topology, in the platform's order; short ones begin "
-                                         "with a slash.")
-                                   .add("type", string("array"))
-                                   .add("items", aString));
+    definitions.add(definition::id, JsonValue(aString).add("minLength", number("1")));
+    definitions.add(definition::partId,
+                    described("Global id, unique in the machine. Within the topology of a device, /jack is "
+                              "short for the device's id followed by /jack.")
+                        .add("type", string("string"))
+                        .add("minLength", number("1")));
+    definitions.add(definition::partIds,
+                    described("Ids of parts of the same topology, in the platform's order; short ones begin "
+                              "with a slash.")
+                        .add("type", string("array"))
+                        .add("items", aString));
 }
 
 void addNamesAndNumbers(JsonValue& definitions)
 {
-    definitions.add("number", integer("4294967295"));
-    definitions.add("flow", oneNameOf(flowNames));
-    definitions.add("role", oneNameOf(roleNames));
-    definitions.add("stateName", oneNameOf(stateNames));
-    definitions.add("state", described("A state, or a sum of states as the platform counts them.")
-                                 .add("oneOf", JsonValue::array({reference("stateName"), integer("15")})));
-    definitions.add("direction", oneNameOf(directionNames));
-    definitions.add("connectorType", oneNameOf(connectorTypeNames));
-    definitions.add("hardwareSupport", oneNameOf(hardwareSupportNames));
-    definitions.add("interface", oneNameOf(interfaceNames));
-    definitions.add("numberTag", oneNameOf(numberTagNames));
-    definitions.add("nodeTypeName", oneNameOf(namedNodeTypes));
-    definitions.add("nodeType", described("Kind of a jack or node. If it is missing: the zero GUID.")
-                                    .add("oneOf", JsonValue::array({reference("nodeTypeName"), pattern(guidPattern)})));
+    definitions.add(definition::number, integer("4294967295"));
+    addNames(definitions, flowCodec);
+    addNames(definitions, roleCodec);
+    addNames(definitions, stateNameCodec);
+    definitions.add(definition::state, described("A state, or a sum of states as the platform counts them.")
+                                           .add("oneOf", JsonValue::array({stateNameCodec.schema(), integer("15")})));
+    addNames(definitions, directionCodec);
+    addNames(definitions, connectorTypeCodec);
+    addNames(definitions, hardwareSupportCodec);
+    addNames(definitions, interfaceCodec);
+    addNames(definitions, numberTagCodec);
+    addNames(definitions, nodeTypeNameCodec);
+    definitions.add(definition::nodeType,
+                    described("Kind of a jack or node. If it is missing: the zero GUID.")
+                        .add("oneOf", JsonValue::array({nodeTypeNameCodec.schema(), pattern(guidPattern)})));
 }
 
 void addProperties(JsonValue& definitions)
 {
     const JsonValue key = pattern(std::string(guidPattern) + "/(0|[1-9][0-9]{0,9})");
-    definitions.add("propertyName", described("A property's name, or its key: a format id, a slash, a number.")
-                                        .add("oneOf", JsonValue::array({oneNameOf(namedKeys), key})));
+    definitions.add(definition::propertyName,
+                    described("A property's name, or its key: a format id, a slash, a number.")
+                        .add("oneOf", JsonValue::array({oneNameOf(keyNames), key})));
 
     JsonValue forms = JsonValue::array();
     const JsonValue plainTypes = JsonValue::array({string("string"), string("null")});
     forms.elements.push_back(JsonValue::object().add("type", plainTypes));
-    forms.elements.push_back(reference("number"));
-    for (const Kind<PropertyValue>& kind : kindsOf<PropertyValue>())
-        forms.elements.push_back(reference(kind.rule().name));
-    definitions.add("propertyValue",
+    forms.elements.push_back(reference(definition::number));
+    for (const FieldTable<PropertyValue>* form : propertyValueForms())
+        forms.elements.push_back(reference(form->name()));
+    definitions.add(definition::propertyValue,
                     described("A string, a number (VT_UI4), or null (VT_EMPTY); an object for everything else.")
                         .add("oneOf", forms));
 
-    definitions.add("properties", described("What the property store contains, in its order. A key that is absent is "
-                                            "answered with VT_EMPTY.")
-                                      .add("type", string("object"))
-                                      .add("propertyNames", PropertyKeyCodec().schema())
-                                      .add("additionalProperties", PropertyValueCodec().schema()));
-}
-
-template<class Object>
-void append(std::vector<ObjectRule>& rules)
-{
-    for (const Kind<Object>& kind : kindsOf<Object>())
-        rules.push_back(kind.rule());
+    definitions.add(definition::properties,
+                    described("What the property store contains, in its order. A key that is absent is "
+                              "answered with VT_EMPTY.")
+                        .add("type", string("object"))
+                        .add("propertyNames", PropertyKeyCodec().schema())
+                        .add("additionalProperties", PropertyValueCodec().schema()));
 }
 
 template<class... Objects>
-std::vector<ObjectRule> rulesOf()
+void append(std::vector<ObjectRule>& rules)
 {
-    std::vector<ObjectRule> rules;
-    (append<Objects>(rules), ...);
-    return rules;
+    (rules.push_back(fieldsOf<Objects>().rule()), ...);
+}
+
+template<class Object>
+void append(std::vector<ObjectRule>& rules, const std::vector<const FieldTable<Object>*>& forms)
+{
+    for (const FieldTable<Object>* form : forms)
+        rules.push_back(form->rule());
 }
 }
 
 std::vector<ObjectRule> objectRules()
 {
-    return rulesOf<Machine, Endpoint, Adapter, PropertyValue, EndpointVolume, Topology, Connector, Subunit,
-                   VolumeControl, ChannelLevel, MuteControl, SelectorControl, SignalPath, Join, DeviceInstance,
-                   WaveDevice, ScriptEvent, FaultRule, LatencyRule>();
+    std::vector<ObjectRule> rules;
+    append<Machine, Endpoint, Adapter>(rules);
+    append(rules, propertyValueForms());
+    append<EndpointVolume, Topology, Connector, Subunit, VolumeControl, ChannelLevel, MuteControl, SelectorControl,
+           SignalPath, Join, DeviceInstance, WaveDevice>(rules);
+    append(rules, eventForms());
+    append<FaultRule, LatencyRule>(rules);
+    return rules;
 }
 
 std::string machineSchema()

@@ -1,3 +1,4 @@
+/// @file
 /// The JSON schema of machine files.
 #pragma once
 
@@ -8,7 +9,7 @@
 
 namespace sim
 {
-/// All kinds of objects in a machine file.
+/// All forms of objects in a machine file.
 std::vector<ObjectRule> objectRules();
 
 /// The content of machines/machine.schema.json, made from the tables of fields and names.

@@ -1,3 +1,4 @@
+/// @file
 /// Short ids: in a machine file, "/jack" within the topology of the device "{2}.x" is short for the part "{2}.x/jack".
 #pragma once
 

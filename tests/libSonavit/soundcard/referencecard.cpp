@@ -1,6 +1,7 @@
 #include "tests/libSonavit/soundcard/referencecard.h"
 
 #include "COM/identifiers.h"
+#include "simulator/machine/casefolding.h"
 
 #include <algorithm>
 

@@ -74,11 +74,9 @@ inline std::multiset<std::string> jacksOf(const Machine& machine, EDataFlow flow
         const auto peer = machine.peer(endpoint.topology->connectors.front().id);
         if (endpoint.flow != flow || !peer)
             continue;
-        for (const sim::NamedNodeType& named : sim::namedNodeTypes)
-        {
-            if (named.type == machine.part(peer->connector).part->subType)
-                kinds.insert(std::string(named.name));
-        }
+        const std::string kind = sim::nameOf(sim::nodeTypeNames, machine.part(peer->connector)->subType);
+        if (!kind.empty())
+            kinds.insert(kind);
     }
     return kinds;
 }

@@ -1,3 +1,4 @@
+#include "simulator/machine/casefolding.h"
 #include "simulator/machine/file/machinefile.h"
 #include "tests/simulator/machine/machinefacts.h"
 

@@ -180,7 +180,7 @@ TEST(MachineFileRead, SaysWhenThereIsNoFileOrItIsAFolder)
     const TemporaryFolder folder;
     const std::string missing = folder.path() + "/missing.json";
 
-    EXPECT_EQ(missing + ": expected a machine file, found nothing that can be opened",
+    EXPECT_EQ(missing + ": expected a machine file, found a file that cannot be opened",
               errorOf([&] { sim::readMachineFile(missing); }));
     EXPECT_EQ(folder.path() + ": expected a machine file, found a folder",
               errorOf([&] { sim::readMachineFile(folder.path()); }));
@@ -192,9 +192,9 @@ TEST(MachineFileRead, RefusesAFileOfMoreThan64MiBAtOnce)
     const std::string large = folder.write("large.json", "[]");
     std::filesystem::resize_file(std::filesystem::u8path(large), (std::uintmax_t{64} << 20) + 1);
 
-    EXPECT_EQ(large + ": expected a machine file, found one of more than 64 MiB",
+    EXPECT_EQ(large + ": expected a machine file, found a file larger than 64 MiB",
               errorOf([&] { sim::readMachineFile(large); }));
-    EXPECT_EQ(large + ": expected a machine file, found one of more than 64 MiB",
+    EXPECT_EQ(large + ": expected a machine file, found a file larger than 64 MiB",
               errorOf([&] { sim::findMachine(large); }));
 }
 
@@ -297,7 +297,7 @@ TEST(MachineFileFind, ShowsAnyNameOnOneShortLine)
 
     EXPECT_THAT(errorOf([] { sim::findMachine("a\nb\xC3"); }), StartsWith("\"a\\nb\\xC3\": expected"));
     EXPECT_THAT(errorOf([] { sim::findMachine("folder/\xC3.json"); }),
-                AllOf(StartsWith("folder/\\xC3.json: expected"), HasSubstr("nothing that can be opened")));
+                AllOf(StartsWith("folder/\\xC3.json: expected"), HasSubstr("a file that cannot be opened")));
     EXPECT_LT(errorOf([] { sim::findMachine(std::string(100000, 'x')); }).size(), 300u);
 }
 
@@ -307,6 +307,6 @@ TEST(MachineFileFind, SaysWhenThereIsNoMachineAtAll)
     const ChosenFolder chosen(folder.path());
 
     EXPECT_THAT(sim::machineNames(), IsEmpty());
-    EXPECT_THAT(errorOf([] { sim::findMachine("desktop"); }), HasSubstr("(no machine at all)"));
+    EXPECT_THAT(errorOf([] { sim::findMachine("desktop"); }), HasSubstr("(none found)"));
 }
 }

@@ -82,9 +82,9 @@ const Broken notJson[] = {
     {"ANumberBeyondAllBounds", with("\"latency\": [{\"operation\": \"*\", \"microseconds\": 1e999}]"),
      "m.json:2:52: /latency/0/microseconds: expected JSON, found number overflow parsing '1e999'"},
     {"AKeyTwice", with("\"waveIn\": [],\n\"waveIn\": []"),
-     "m.json:3: expected each key once, found \"waveIn\" for the second time"},
+     "m.json:3: expected each key once, found duplicate \"waveIn\""},
     {"AZeroCharacter", with("\"description\": \"a\\u0000b\""),
-     "m.json:2: /description: expected a text without a zero character, found one with it"},
+     "m.json:2: /description: expected a string without a zero character, found a string with one"},
     {"ABrokenCharacter", with("\"description\": \"a\xC3\""),
      "m.json:2:19: /description: expected JSON, found syntax error while parsing value - invalid string: ill-formed "
      "UTF-8 byte; last read: '\"a\\xC3\"'"},
@@ -102,7 +102,7 @@ const Broken notJson[] = {
 const Broken wrongKinds[] = {
     {"AList", "[]", "m.json:1: expected an object, found a list"},
     {"NoName", "{\n}", "m.json:1: expected the key \"name\", found an object without it"},
-    {"ANumberAsName", R"({"name": 5})", "m.json:1: /name: expected a text, found 5"},
+    {"ANumberAsName", R"({"name": 5})", "m.json:1: /name: expected a string, found 5"},
     {"AnUnknownKey", with(R"("colour": "red")"),
      "m.json:2: /colour: expected one of the keys $schema, name, description, endpoints, adapters, joins, "
      "deviceInstances, "
@@ -150,9 +150,9 @@ const Broken wrongProperties[] = {
      "{01234567-89AB-CDEF-0123-456789ABCDEF}/2, found \"{01234567-89AB-CDEF-0123-456789ABCDEF}/\""},
     {"APropertyInTwoSpellings",
      endpointWith(R"("properties": {"friendlyName": "a", "{B3F8FA53-0004-438E-9003-51A46E139BFC}/6": "b"})"),
-     "m.json:3: /endpoints/0/properties: expected each property once, found \"friendlyName\" for the second time"},
+     "m.json:3: /endpoints/0/properties: expected each property once, found duplicate \"friendlyName\""},
     {"AListAsValue", endpointWith(R"("properties": {"friendlyName": []})"),
-     "m.json:3: /endpoints/0/properties/friendlyName: expected a text, a number, null or an object, found a list"},
+     "m.json:3: /endpoints/0/properties/friendlyName: expected a string, a number, null or an object, found a list"},
     {"ANumberWithoutTag", endpointWith(R"("properties": {"friendlyName": {"number": 3}})"),
      "m.json:3: /endpoints/0/properties/friendlyName: expected the key \"tag\", found an object without it"},
     {"AnUnknownTag", endpointWith(R"("properties": {"friendlyName": {"number": 3, "tag": "VT_BLOB"}})"),
@@ -170,15 +170,13 @@ const Broken wrongProperties[] = {
 const Broken wrongIds[] = {
     {"AnEmptyId", with(R"("adapters": [{"id": ""}])"), "m.json:2: /adapters/0/id: expected an id, found \"\""},
     {"ADeviceIdTwice", endpointWith(R"("state": 1}], "adapters": [{"id": "E")"),
-     "m.json:3: /adapters/0/id: expected an id that is not given yet, found \"E\" for the second time"},
+     "m.json:3: /adapters/0/id: expected a unique id, found duplicate \"E\""},
     {"APartIdTwice", graphWith(R"("state": 1}], "adapters": [{"id": "A", "topology": {"subunits": [{"id": "C"}]})"),
-     "m.json:4: /adapters/0/topology/subunits/0/id: expected an id that is not given yet, found \"C\" for the second "
-     "time"},
+     "m.json:4: /adapters/0/topology/subunits/0/id: expected a unique id, found duplicate \"C\""},
     {"ALocalIdTwice",
      endpointWith(R"("topology": {"connectors": [{"id": "C", "localId": 131072}], "subunits": [{"id": "S"}]})"),
-     "m.json:3: /endpoints/0/topology/subunits/0/localId: expected a local id that the topology has not given yet, "
-     "found "
-     "131072 for the second time"},
+     "m.json:3: /endpoints/0/topology/subunits/0/localId: expected a local id that is unique in the topology, "
+     "found duplicate 131072"},
     {"ANeighbourOfAnotherDevice",
      graphWith(R"("state": 1}], "adapters": [{"id": "A", "topology": {"subunits": [{"id": "T", "incoming": ["S"]}]})"),
      "m.json:4: /adapters/0/topology/subunits/0/incoming/0: expected the id of a part of this topology, found \"S\""},
@@ -188,9 +186,7 @@ const Broken wrongIds[] = {
     {"APathTwice", endpointWith(R"("topology": {"connectors": [{"id": "C"}, {"id": "D"}],
         "signalPaths": [{"from": "C", "to": "D"}, {"from": "D", "to": "C"},
         {"from": "C", "to": "D", "mixed": true}]})"),
-     "m.json:5: /endpoints/0/topology/signalPaths/2: expected each pair of parts once, found \"C\" to \"D\" for the "
-     "second "
-     "time"},
+     "m.json:5: /endpoints/0/topology/signalPaths/2: expected each pair of parts once, found duplicate \"C\" to \"D\""},
     {"ASelectionThatDoesNotFeed",
      endpointWith(
          R"("topology": {"subunits": [{"id": "S"}, {"id": "T", "incoming": ["S"], "selector": {"selection": 3}}]})"),
@@ -203,15 +199,14 @@ const Broken wrongIds[] = {
     {"AJoinToItself", graphWith(R"("state": 1}], "joins": [{"from": "C", "to": "C")"),
      "m.json:4: /joins/0/to: expected another connector than \"from\", found \"C\""},
     {"AJoinToNothing", graphWith(R"("state": 1}], "joins": [{"from": "C")"),
-     "m.json:4: /joins/0: expected \"to\" or \"toDevice\", found neither"},
+     "m.json:4: /joins/0: expected \"to\" or \"toDevice\", found an object without them"},
     {"ADefaultTwice", with(R"("endpoints": [{"id": "E", "flow": "render", "defaultFor": ["console"]},
         {"id": "F", "flow": "capture", "defaultFor": ["console"]},
         {"id": "G", "flow": "render", "defaultFor": ["multimedia", "console"]}])"),
-     "m.json:4: /endpoints/2/defaultFor/1: expected a role that no endpoint of this flow has yet, found \"console\" "
-     "for the "
-     "second time"},
+     "m.json:4: /endpoints/2/defaultFor/1: expected a role that no other endpoint of this flow has, found duplicate "
+     "\"console\""},
     {"AnInstanceTwice", with(R"("deviceInstances": [{"id": "I", "parent": null}, {"id": "I", "parent": "P"}])"),
-     "m.json:2: /deviceInstances/1/id: expected an id that is not given yet, found \"I\" for the second time"},
+     "m.json:2: /deviceInstances/1/id: expected a unique id, found duplicate \"I\""},
 };
 
 const Broken wrongPlans[] = {
@@ -239,7 +234,7 @@ const Broken wrongPlans[] = {
      "m.json:2: /faults/0/object: expected \"*\" or the id of a device or part, found \"X\""},
     {"ALatencyTwice",
      with(R"("latency": [{"operation": "*", "microseconds": 1}, {"operation": "*", "microseconds": 2}])"),
-     "m.json:2: /latency/1/operation: expected an operation that has no latency yet, found \"*\" for the second time"},
+     "m.json:2: /latency/1/operation: expected each operation once, found duplicate \"*\""},
     {"TwoProblems", with(R"("adapters": [{"id": ""}, {"id": ""}])"),
      "m.json:2: /adapters/0/id: expected an id, found \"\" (and 1 more)"},
 };
@@ -283,7 +278,7 @@ const Broken wrongLevels[] = {
      "m.json:4: /script/0/level: expected a level from -3 to 0, found 1"},
     {"AVolumeEventWithoutChange", endpointWith(R"("volume": {"minimum": -3, "maximum": 0, "step": 1, "channels": [0]}}],
         "script": [{"event": "volumeChanged", "endpoint": "E")"),
-     "m.json:4: /script/0: expected \"level\" or \"muted\", found neither"},
+     "m.json:4: /script/0: expected \"level\" or \"muted\", found an object without them"},
 };
 
 INSTANTIATE_TEST_SUITE_P(NotJson, MachineFileError, testing::ValuesIn(notJson), nameOf);
@@ -344,7 +339,7 @@ TEST(MachineFileErrorParts, CanBeAskedOneByOne)
         EXPECT_EQ(2u, error.line());
         EXPECT_EQ(0u, error.column());
         EXPECT_EQ("/name", error.place());
-        EXPECT_EQ("a text", error.expected());
+        EXPECT_EQ("a string", error.expected());
         EXPECT_EQ("5", error.found());
     }
 }

@@ -1,7 +1,7 @@
 #include "simulator/machine/file/schema.h"
 
+#include "simulator/machine/file/fieldtables.h"
 #include "simulator/machine/file/json.h"
-#include "simulator/machine/file/kinds.h"
 #include "simulator/machine/file/machinefile.h"
 #include "simulator/machine/namedvalues.h"
 #include "simulator/machine/nodetypes.h"
@@ -93,17 +93,17 @@ TEST_F(MachineSchema, IsTheOneThatTheTablesOfFieldsMake)
         << "after a change on purpose: build the target machine-schema and run it, see its source";
 }
 
-TEST_F(MachineSchema, HasTheReadersKeysForEachKindOfObject)
+TEST_F(MachineSchema, HasTheReadersKeysForEachFormOfObject)
 {
     for (const sim::ObjectRule& object : sim::objectRules())
     {
         Words keys;
         Words required;
-        for (const sim::KeyRule& key : object.keys)
+        for (const sim::KeyRule* key : object.keys)
         {
-            keys.insert(key.name);
-            if (key.isRequired)
-                required.insert(key.name);
+            keys.insert(key->name);
+            if (key->isRequired)
+                required.insert(key->name);
         }
 
         const sim::JsonValue& described = definition(object.name);
@@ -142,16 +142,16 @@ TEST_F(MachineSchema, HasTheReadersWords)
     EXPECT_EQ(namesOf(sim::hardwareSupportNames), wordsOf("hardwareSupport"));
     EXPECT_EQ(namesOf(sim::interfaceNames), wordsOf("interface"));
     EXPECT_EQ(namesOf(sim::numberTagNames), wordsOf("numberTag"));
-    EXPECT_EQ(namesOf(sim::namedNodeTypes), wordsOf("nodeTypeName"));
-    EXPECT_EQ(namesOf(sim::namedKeys),
+    EXPECT_EQ(namesOf(sim::nodeTypeNames), wordsOf("nodeTypeName"));
+    EXPECT_EQ(namesOf(sim::keyNames),
               wordsOf(definition("propertyName").member("oneOf")->elements.at(0).member("enum")));
 }
 
-TEST_F(MachineSchema, HasTheReadersEventsUnderTheSameKindsOfObjects)
+TEST_F(MachineSchema, HasTheReadersEventsUnderTheSameFormsOfObjects)
 {
     for (const auto& named : sim::eventNames)
     {
-        const std::string object = sim::eventKind(named.value).rule().name;
+        const std::string object = sim::eventForm(named.value).name();
 
         const Words words = wordsOf(definition(object).member("properties")->member("event")->member("enum"));
 

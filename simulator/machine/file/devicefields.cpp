@@ -9,16 +9,16 @@ namespace sim
 namespace
 {
 template<class AnyDevice>
-void addState(Kind<AnyDevice>& kind)
+void addState(FieldTable<AnyDevice>& table)
 {
-    kind.optional("state", &Device::state, StateCodec())
+    table.optional("state", &Device::state, StateCodec())
         .optional("openable", &Device::openable, BooleanCodec(),
                   "false: the enumerator does not find the device by its id.");
 }
 
 /// The list of the interfaces that a device activates, of which each is a member of the data.
 template<class AnyDevice>
-void addInterfaces(Kind<AnyDevice>& kind)
+void addInterfaces(FieldTable<AnyDevice>& table)
 {
     const auto read = [](const JsonCursor& cursor, AnyDevice& device)
     {
@@ -42,9 +42,11 @@ void addInterfaces(Kind<AnyDevice>& kind)
             result = result && left.*named.value == right.*named.value;
         return result;
     };
-    const JsonValue schema = listCodec(nameCodec(interfaceNames, "interface")).schema();
-    kind.add({"interfaces", false, annotated(schema, "Further interfaces that the device activates.", {})},
-             {read, write, isEqual});
+    const JsonValue schema = listCodec(interfaceCodec).schema();
+    table.add({{"interfaces", false, annotated(schema, "Further interfaces that the device activates.", {})},
+               read,
+               write,
+               isEqual});
 }
 
 Topology newTopology(const std::string& deviceId)
@@ -57,87 +59,79 @@ Topology newTopology(const std::string& deviceId)
 /// The topology, in whose description the ids of parts are short. The field comes after the device's id, which it
 /// needs.
 template<class AnyDevice>
-void addTopology(Kind<AnyDevice>& kind)
+void addTopology(FieldTable<AnyDevice>& table)
 {
     const auto read = [](const JsonCursor& cursor, AnyDevice& device)
     {
-        Topology topology = kindOf<Topology>().read(cursor, newTopology(device.id));
+        Topology topology = fieldsOf<Topology>().read(cursor, newTopology(device.id));
         device.topology = withFullIds(std::move(topology), device.id);
     };
     const auto write = [](const AnyDevice& device)
     {
         return device.topology
-                   ? kindOf<Topology>().write(withShortIds(*device.topology, device.id), newTopology(device.id))
+                   ? fieldsOf<Topology>().write(withShortIds(*device.topology, device.id), newTopology(device.id))
                    : JsonValue();
     };
     const auto isEqual = [](const AnyDevice& left, const AnyDevice& right) { return left.topology == right.topology; };
-    kind.add({"topology", false, reference(kindOf<Topology>().rule().name)}, {read, write, isEqual});
+    table.add({{"topology", false, ObjectCodec<Topology>().schema()}, read, write, isEqual});
 }
 
-template<class AnyDevice>
-Kind<AnyDevice> plainDeviceKind(const std::string& name)
+FieldTable<Adapter> adapterTable()
 {
-    Kind<AnyDevice> kind(name);
-    kind.required("id", &Device::id, StringCodec{"id"});
-    addState(kind);
-    addInterfaces(kind);
-    kind.optional("properties", &Device::properties, PropertiesCodec());
-    addTopology(kind);
-    return kind;
+    FieldTable<Adapter> table("adapter");
+    table.required("id", &Device::id, StringCodec{definition::id});
+    addState(table);
+    addInterfaces(table);
+    table.optional("properties", &Device::properties, PropertiesCodec());
+    addTopology(table);
+    return table;
 }
 
-Kind<Endpoint> endpointKind()
+FieldTable<Endpoint> endpointTable()
 {
-    Kind<Endpoint> kind("endpoint");
-    kind.required("id", &Device::id, StringCodec{"id"})
-        .required("flow", &Endpoint::flow, nameCodec(flowNames, "flow"))
+    FieldTable<Endpoint> table("endpoint");
+    table.required("id", &Device::id, StringCodec{definition::id})
+        .required("flow", &Endpoint::flow, flowCodec)
         .optional("installed", &Endpoint::installed, BooleanCodec(),
                   "false: no collection contains it before an event adds it.")
-        .optional("defaultFor", &Endpoint::defaultFor, listCodec(nameCodec(roleNames, "role")),
+        .optional("defaultFor", &Endpoint::defaultFor, listCodec(roleCodec),
                   "Roles in which it is the default of its flow.");
-    addState(kind);
-    addInterfaces(kind);
-    kind.optional("properties", &Device::properties, PropertiesCodec())
+    addState(table);
+    addInterfaces(table);
+    table.optional("properties", &Device::properties, PropertiesCodec())
         .optional("volume", &Endpoint::volume, optionalCodec(ObjectCodec<EndpointVolume>()));
-    addTopology(kind);
-    return kind;
+    addTopology(table);
+    return table;
 }
 }
 
 template<>
-const std::vector<Kind<EndpointVolume>>& kindsOf<EndpointVolume>()
+const FieldTable<EndpointVolume>& fieldsOf<EndpointVolume>()
 {
-    static const std::vector<Kind<EndpointVolume>> kinds = {
-        Kind<EndpointVolume>("endpointVolume", "IAudioEndpointVolume, in decibels.")
+    static const FieldTable<EndpointVolume> table =
+        FieldTable<EndpointVolume>("endpointVolume", "IAudioEndpointVolume, in decibels.")
             .required("minimum", &EndpointVolume::minimum, DecibelsCodec())
             .required("maximum", &EndpointVolume::maximum, DecibelsCodec())
-            .required("step", &EndpointVolume::step, DecibelsCodec{true})
+            .required("step", &EndpointVolume::step, DecibelsCodec::positive())
             .required("channels", &EndpointVolume::channels, listCodec(DecibelsCodec(), 1, maximumChannels))
             .optional("muted", &EndpointVolume::muted, BooleanCodec())
             .optional("hardwareSupport", &EndpointVolume::hardwareSupport, HardwareSupportCodec())
             .optional("refused", &EndpointVolume::refused, listCodec(StringCodec()),
-                      "Operations that return E_NOTIMPL, such as SetMute.")};
-    return kinds;
+                      "Operations that return E_NOTIMPL, such as SetMute.");
+    return table;
 }
 
 template<>
-const std::vector<Kind<Device>>& kindsOf<Device>()
+const FieldTable<Adapter>& fieldsOf<Adapter>()
 {
-    static const std::vector<Kind<Device>> kinds = {plainDeviceKind<Device>("device")};
-    return kinds;
+    static const FieldTable<Adapter> table = adapterTable();
+    return table;
 }
 
 template<>
-const std::vector<Kind<Adapter>>& kindsOf<Adapter>()
+const FieldTable<Endpoint>& fieldsOf<Endpoint>()
 {
-    static const std::vector<Kind<Adapter>> kinds = {plainDeviceKind<Adapter>("adapter")};
-    return kinds;
-}
-
-template<>
-const std::vector<Kind<Endpoint>>& kindsOf<Endpoint>()
-{
-    static const std::vector<Kind<Endpoint>> kinds = {endpointKind()};
-    return kinds;
+    static const FieldTable<Endpoint> table = endpointTable();
+    return table;
 }
 }

@@ -1,3 +1,5 @@
+#include "simulator/machine/equality.h"
+
 #include "simulator/machine/machine.h"
 
 #include <gtest/gtest.h>
@@ -244,9 +246,9 @@ protected:
 
 using AllTypes =
     testing::Types<sim::PropertyValue, sim::Property, sim::ChannelLevel, sim::VolumeControl, sim::MuteControl,
-                   sim::SelectorControl, sim::Part, sim::Connector, sim::Subunit, sim::SignalPath, sim::Topology,
-                   sim::Device, sim::EndpointVolume, sim::Endpoint, sim::Adapter, sim::Join, sim::DeviceInstance,
-                   sim::WaveDevice, sim::ScriptEvent, sim::FaultRule, sim::LatencyRule, sim::Machine>;
+                   sim::SelectorControl, sim::Connector, sim::Subunit, sim::SignalPath, sim::Topology,
+                   sim::EndpointVolume, sim::Endpoint, sim::Adapter, sim::Join, sim::DeviceInstance, sim::WaveDevice,
+                   sim::ScriptEvent, sim::FaultRule, sim::LatencyRule, sim::Machine>;
 TYPED_TEST_SUITE(MachineEquality, AllTypes);
 
 TYPED_TEST(MachineEquality, ComparesEachMember)

@@ -10,13 +10,13 @@ struct WaveDeviceCodec
 {
     WaveDevice read(const JsonCursor& cursor) const
     {
-        return cursor.isString() ? WaveDevice{cursor.string()} : kindOf<WaveDevice>().read(cursor);
+        return cursor.isString() ? WaveDevice{cursor.string()} : fieldsOf<WaveDevice>().read(cursor);
     }
 
     JsonValue write(const WaveDevice& device) const
     {
         const bool isPlain = device.sizeResult == 0 && device.idResult == 0;
-        return isPlain ? JsonValue::ofString(device.endpointId) : kindOf<WaveDevice>().write(device);
+        return isPlain ? JsonValue::ofString(device.endpointId) : fieldsOf<WaveDevice>().write(device);
     }
 
     JsonValue schema() const
@@ -34,34 +34,34 @@ struct ScriptEventCodec
         const auto event = cursor.isObject() ? cursor.find("event") : std::nullopt;
         if (!event)
             cursor.fail("an object with the key \"event\"");
-        return eventKind(event->named(eventNames)).read(cursor);
+        return eventForm(event->named(eventNames)).read(cursor);
     }
 
-    JsonValue write(const ScriptEvent& event) const { return eventKind(event.kind).write(event); }
+    JsonValue write(const ScriptEvent& event) const { return eventForm(event.kind).write(event); }
 
     JsonValue schema() const
     {
         JsonValue any = JsonValue::array();
-        for (const Kind<ScriptEvent>& kind : kindsOf<ScriptEvent>())
-            any.elements.push_back(reference(kind.rule().name));
+        for (const FieldTable<ScriptEvent>* form : eventForms())
+            any.elements.push_back(reference(form->name()));
         return JsonValue::object().add("oneOf", any);
     }
 };
 
 /// A key for editors, without a member in the data.
-void addSchema(Kind<Machine>& kind)
+void addSchema(FieldTable<Machine>& table)
 {
     const auto read = [](const JsonCursor& cursor, Machine&) { cursor.string(); };
     const auto write = [](const Machine&) { return JsonValue::ofString("machine.schema.json"); };
     const auto isEqual = [](const Machine&, const Machine&) { return true; };
-    kind.add({"$schema", false, StringCodec().schema(), true}, {read, write, isEqual});
+    table.add({{"$schema", false, StringCodec().schema(), true}, read, write, isEqual});
 }
 
-Kind<Machine> machineKind()
+FieldTable<Machine> machineTable()
 {
-    Kind<Machine> kind("machine");
-    addSchema(kind);
-    kind.required("name", &Machine::name, StringCodec())
+    FieldTable<Machine> table("machine");
+    addSchema(table);
+    table.required("name", &Machine::name, StringCodec())
         .optional("description", &Machine::description, StringCodec())
         .optional("endpoints", &Machine::endpoints, listCodec(ObjectCodec<Endpoint>()),
                   "In the order in which the platform enumerates them.")
@@ -79,22 +79,22 @@ Kind<Machine> machineKind()
         .optional("faults", &Machine::faults, listCodec(ObjectCodec<FaultRule>()),
                   "Calls that fail. The first rule that fires decides.")
         .optional("latency", &Machine::latency, listCodec(ObjectCodec<LatencyRule>()));
-    return kind;
+    return table;
 }
 }
 
 template<>
-const std::vector<Kind<Machine>>& kindsOf<Machine>()
+const FieldTable<Machine>& fieldsOf<Machine>()
 {
-    static const std::vector<Kind<Machine>> kinds = {machineKind()};
-    return kinds;
+    static const FieldTable<Machine> table = machineTable();
+    return table;
 }
 
 template<>
-const std::vector<Kind<Join>>& kindsOf<Join>()
+const FieldTable<Join>& fieldsOf<Join>()
 {
-    static const std::vector<Kind<Join>> kinds = {
-        Kind<Join>("join")
+    static const FieldTable<Join> table =
+        FieldTable<Join>("join")
             .required("from", &Join::from, StringCodec(), "Id of a connector, in full.")
             .optional("to", &Join::to, StringCodec(),
                       "Id of a connector, in full. If it is missing, the far connector cannot be asked for, and "
@@ -103,30 +103,30 @@ const std::vector<Kind<Join>>& kindsOf<Join>()
                       "The far device's id as the near connector reports it. If it is missing: the id of the device "
                       "that has the far connector.")
             .optional("bothWays", &Join::bothWays, BooleanCodec(),
-                      "false: the far connector does not report the near one.")};
-    return kinds;
+                      "false: the far connector does not report the near one.");
+    return table;
 }
 
 template<>
-const std::vector<Kind<DeviceInstance>>& kindsOf<DeviceInstance>()
+const FieldTable<DeviceInstance>& fieldsOf<DeviceInstance>()
 {
-    static const std::vector<Kind<DeviceInstance>> kinds = {
-        Kind<DeviceInstance>("deviceInstance")
-            .required("id", &DeviceInstance::id, StringCodec{"id"})
-            .required("parent", &DeviceInstance::parent, NullableStringCodec(), "null: asking for the parent fails.")};
-    return kinds;
+    static const FieldTable<DeviceInstance> table =
+        FieldTable<DeviceInstance>("deviceInstance")
+            .required("id", &DeviceInstance::id, StringCodec{definition::id})
+            .required("parent", &DeviceInstance::parent, NullableStringCodec(), "null: asking for the parent fails.");
+    return table;
 }
 
 template<>
-const std::vector<Kind<WaveDevice>>& kindsOf<WaveDevice>()
+const FieldTable<WaveDevice>& fieldsOf<WaveDevice>()
 {
-    static const std::vector<Kind<WaveDevice>> kinds = {
-        Kind<WaveDevice>("waveDevice")
+    static const FieldTable<WaveDevice> table =
+        FieldTable<WaveDevice>("waveDevice")
             .required("endpoint", &WaveDevice::endpointId, StringCodec(),
                       "The endpoint id that the wave driver returns.")
             .optional("sizeResult", &WaveDevice::sizeResult, NumberCodec(),
                       "MMRESULT of the question for the id's size.")
-            .optional("idResult", &WaveDevice::idResult, NumberCodec(), "MMRESULT of the question for the id.")};
-    return kinds;
+            .optional("idResult", &WaveDevice::idResult, NumberCodec(), "MMRESULT of the question for the id.");
+    return table;
 }
 }

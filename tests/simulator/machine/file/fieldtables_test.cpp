@@ -1,4 +1,4 @@
-#include "simulator/machine/file/kinds.h"
+#include "simulator/machine/file/fieldtables.h"
 
 #include "simulator/machine/file/json.h"
 #include "simulator/machine/file/machinefile.h"
@@ -24,27 +24,28 @@ void forEachObject(JsonValue& value, const std::function<void(JsonValue&)>& visi
         forEachObject(element, visit);
 }
 
-/// Whether an object with the keys of @p object may be of the kind @p rule.
+/// Whether an object with the keys of @p object may have the form @p rule.
 bool mayBe(const JsonValue& object, const sim::ObjectRule& rule)
 {
     const auto isKnown = [&](const std::string& key)
     {
-        const auto is = [&](const sim::KeyRule& candidate) { return candidate.name == key; };
+        const auto is = [&](const sim::KeyRule* candidate) { return candidate->name == key; };
         return std::any_of(rule.keys.begin(), rule.keys.end(), is);
     };
-    const auto isThere = [&](const sim::KeyRule& key) { return !key.isRequired || object.member(key.name) != nullptr; };
+    const auto isThere = [&](const sim::KeyRule* key)
+    { return !key->isRequired || object.member(key->name) != nullptr; };
     return std::all_of(object.keys.begin(), object.keys.end(), isKnown) &&
            std::all_of(rule.keys.begin(), rule.keys.end(), isThere);
 }
 
-class MachineKinds : public testing::Test
+class MachineFieldTables : public testing::Test
 {
 protected:
     const sim::Machine machine = sample::machine();
     const JsonValue json = sim::parseJson(sim::writeMachine(machine), "sample.json");
 };
 
-TEST_F(MachineKinds, AllStandInTheSampleWithAllTheirKeys)
+TEST_F(MachineFieldTables, AllOccurInTheSampleWithAllTheirKeys)
 {
     JsonValue copy = json;
     for (const sim::ObjectRule& rule : sim::objectRules())
@@ -61,7 +62,7 @@ TEST_F(MachineKinds, AllStandInTheSampleWithAllTheirKeys)
     }
 }
 
-TEST_F(MachineKinds, HaveNoKeyThatTheReaderIgnores)
+TEST_F(MachineFieldTables, HaveNoKeyThatTheReaderIgnores)
 {
     // Leaves each member of each object out, one at a time. The sample has no usual value anywhere.
     JsonValue copy = json;
@@ -93,22 +94,22 @@ TEST_F(MachineKinds, HaveNoKeyThatTheReaderIgnores)
     EXPECT_GT(count, 150u);
 }
 
-TEST_F(MachineKinds, StateTheUsualValueOfAnOptionalKeyInTheSchema)
+TEST_F(MachineFieldTables, StateTheUsualValueOfAnOptionalKeyInTheSchema)
 {
     const auto defaultOf = [](const sim::ObjectRule& rule, const std::string& key)
     {
-        for (const sim::KeyRule& candidate : rule.keys)
+        for (const sim::KeyRule* candidate : rule.keys)
         {
-            if (candidate.name == key && candidate.schema.member("default") != nullptr)
-                return sim::printJson(*candidate.schema.member("default"));
+            if (candidate->name == key && candidate->schema.member("default") != nullptr)
+                return sim::printJson(*candidate->schema.member("default"));
         }
         return std::string("none");
     };
 
-    EXPECT_EQ("true\n", defaultOf(sim::kindOf<sim::Endpoint>().rule(), "installed"));
-    EXPECT_EQ("\"active\"\n", defaultOf(sim::kindOf<sim::Endpoint>().rule(), "state"));
-    EXPECT_EQ("\"*\"\n", defaultOf(sim::kindOf<sim::FaultRule>().rule(), "object"));
-    EXPECT_EQ("none", defaultOf(sim::kindOf<sim::Connector>().rule(), "localId"));
-    EXPECT_EQ("none", defaultOf(sim::kindOf<sim::Endpoint>().rule(), "flow"));
+    EXPECT_EQ("true\n", defaultOf(sim::fieldsOf<sim::Endpoint>().rule(), "installed"));
+    EXPECT_EQ("\"active\"\n", defaultOf(sim::fieldsOf<sim::Endpoint>().rule(), "state"));
+    EXPECT_EQ("\"*\"\n", defaultOf(sim::fieldsOf<sim::FaultRule>().rule(), "object"));
+    EXPECT_EQ("none", defaultOf(sim::fieldsOf<sim::Connector>().rule(), "localId"));
+    EXPECT_EQ("none", defaultOf(sim::fieldsOf<sim::Endpoint>().rule(), "flow"));
 }
 }

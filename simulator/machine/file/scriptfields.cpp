@@ -1,0 +1,213 @@
+// The tables of a machine's script, faults and latencies.
+#include "simulator/machine/file/codecs.h"
+#include "simulator/machine/file/propertycodecs.h"
+#include "simulator/machine/valuetext.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <tuple>
+
+namespace sim
+{
+namespace
+{
+using EventKind = ScriptEvent::Kind;
+
+/// The name of an event, of which the schema admits some.
+struct EventCodec
+{
+    std::vector<EventKind> admitted;
+
+    EventKind read(const JsonCursor& cursor) const { return cursor.named(eventNames); }
+
+    JsonValue write(EventKind kind) const { return JsonValue::ofString(nameOf(eventNames, kind)); }
+
+    JsonValue schema() const
+    {
+        JsonValue names = JsonValue::array();
+        for (const EventKind kind : admitted)
+            names.elements.push_back(write(kind));
+        return JsonValue::object().add("enum", names);
+    }
+};
+
+/// The id of an endpoint; null means an empty one.
+struct EndpointOrNoneCodec
+{
+    std::string read(const JsonCursor& cursor) const { return cursor.stringOrNull().value_or(""); }
+
+    JsonValue write(const std::string& id) const { return id.empty() ? JsonValue() : JsonValue::ofString(id); }
+
+    JsonValue schema() const { return NullableStringCodec().schema(); }
+};
+
+/// A group of events with the same keys.
+struct EventGroup
+{
+    std::vector<EventKind> events;
+    FieldTable<ScriptEvent> form;
+};
+
+/// A group whose form contains the keys that all events have.
+template<class EndpointCodec>
+EventGroup newGroup(const std::string& name, const std::vector<EventKind>& events, const EndpointCodec& endpoint,
+                    const std::string& endpointDescription = {}, const std::string& description = {})
+{
+    FieldTable<ScriptEvent> form(name, description);
+    form.optional("afterMilliseconds", &ScriptEvent::afterMilliseconds, NumberCodec(),
+                  "Counted from the event before, or from the start of the script.")
+        .required("event", &ScriptEvent::kind, EventCodec{events})
+        .required("endpoint", &ScriptEvent::endpoint, endpoint, endpointDescription);
+    return {events, form};
+}
+
+EventGroup endpointEvents()
+{
+    return newGroup("endpointEvent", {EventKind::added, EventKind::removed, EventKind::plugged, EventKind::unplugged},
+                    StringCodec());
+}
+
+EventGroup stateEvents()
+{
+    EventGroup group = newGroup("stateEvent", {EventKind::stateChanged}, StringCodec());
+    group.form.required("state", &ScriptEvent::state, StateCodec());
+    return group;
+}
+
+EventGroup defaultEvents()
+{
+    EventGroup group = newGroup("defaultEvent", {EventKind::defaultChanged}, EndpointOrNoneCodec(),
+                                "null: the flow has no default any more.");
+    group.form.required("flow", &ScriptEvent::flow, flowCodec).required("role", &ScriptEvent::role, roleCodec);
+    return group;
+}
+
+EventGroup volumeEvents()
+{
+    EventGroup group = newGroup("volumeEvent", {EventKind::volumeChanged}, StringCodec(), "",
+                                "At least one of level and muted is needed.");
+    group.form.optional("level", &ScriptEvent::level, optionalCodec(DecibelsCodec()), "Of all channels, in decibels.")
+        .optional("muted", &ScriptEvent::muted, optionalCodec(BooleanCodec()));
+    return group;
+}
+
+EventGroup propertyEvents()
+{
+    EventGroup group = newGroup("propertyEvent", {EventKind::propertyChanged}, StringCodec());
+    group.form.required("property", &ScriptEvent::key, PropertyKeyCodec())
+        .required("value", &ScriptEvent::value, PropertyValueCodec());
+    return group;
+}
+
+const std::vector<EventGroup>& eventGroups()
+{
+    static const std::vector<EventGroup> groups = {endpointEvents(), stateEvents(), defaultEvents(), volumeEvents(),
+                                                   propertyEvents()};
+    return groups;
+}
+
+/// The outcome of a fault: an HRESULT, or a word.
+struct Outcome
+{
+    FaultRule::Outcome outcome;
+    HRESULT result;
+};
+
+Outcome readOutcome(const JsonCursor& cursor, HRESULT usualResult)
+{
+    const std::string text = cursor.isString() ? cursor.string() : std::string();
+    if (text == "null")
+        return {FaultRule::Outcome::nullSuccess, usualResult};
+    if (text == "throw")
+        return {FaultRule::Outcome::thrown, usualResult};
+    const std::optional<HRESULT> code = resultFromText(text);
+    if (!code)
+        cursor.fail("a result like \"0x80004005\", \"null\" or \"throw\"");
+    return {FaultRule::Outcome::result, *code};
+}
+
+std::string outcomeText(const FaultRule& rule)
+{
+    switch (rule.outcome)
+    {
+    case FaultRule::Outcome::nullSuccess:
+        return "null";
+    case FaultRule::Outcome::thrown:
+        return "throw";
+    case FaultRule::Outcome::result:
+        break;
+    }
+    return resultText(rule.result);
+}
+
+/// One key for two members of the data.
+void addOutcome(FieldTable<FaultRule>& table)
+{
+    const auto read = [](const JsonCursor& cursor, FaultRule& rule)
+    {
+        const Outcome outcome = readOutcome(cursor, rule.result);
+        rule.outcome = outcome.outcome;
+        rule.result = outcome.result;
+    };
+    const auto write = [](const FaultRule& rule) { return JsonValue::ofString(outcomeText(rule)); };
+    const auto isEqual = [](const FaultRule& left, const FaultRule& right)
+    { return std::tie(left.outcome, left.result) == std::tie(right.outcome, right.result); };
+    const JsonValue schema = JsonValue::object()
+                                 .add("type", JsonValue::ofString("string"))
+                                 .add("pattern", JsonValue::ofString("^(0x[0-9A-Fa-f]{8}|null|throw)$"));
+    const std::string description =
+        "An HRESULT; null: success with null pointers; throw: an exception leaves the operation.";
+    table.add({{"result", true, annotated(schema, description, {})}, read, write, isEqual});
+}
+
+FieldTable<FaultRule> faultTable()
+{
+    FieldTable<FaultRule> table("faultRule");
+    table
+        .required("operation", &FaultRule::operation, StringCodec(),
+                  "IMMDevice::Activate, CoCreateInstance; a bare Release: that of every interface.")
+        .optional("object", &FaultRule::object, StringCodec(), "Id of a device or part; *: any.")
+        .optional("argument", &FaultRule::argument, StringCodec(),
+                  "The first argument as the journal writes it, such as IAudioClient.")
+        .optional("call", &FaultRule::call, NumberCodec(), "The n-th matching call; 0: every call.");
+    addOutcome(table);
+    return table;
+}
+}
+
+std::vector<const FieldTable<ScriptEvent>*> eventForms()
+{
+    std::vector<const FieldTable<ScriptEvent>*> forms;
+    for (const EventGroup& group : eventGroups())
+        forms.push_back(&group.form);
+    return forms;
+}
+
+const FieldTable<ScriptEvent>& eventForm(ScriptEvent::Kind kind)
+{
+    for (const EventGroup& group : eventGroups())
+    {
+        if (std::count(group.events.begin(), group.events.end(), kind) != 0)
+            return group.form;
+    }
+    throw std::logic_error("no group contains this kind of event");
+}
+
+template<>
+const FieldTable<FaultRule>& fieldsOf<FaultRule>()
+{
+    static const FieldTable<FaultRule> table = faultTable();
+    return table;
+}
+
+template<>
+const FieldTable<LatencyRule>& fieldsOf<LatencyRule>()
+{
+    static const FieldTable<LatencyRule> table =
+        FieldTable<LatencyRule>("latencyRule")
+            .required("operation", &LatencyRule::operation, StringCodec(),
+                      "As in faults; *: every call that no other rule names.")
+            .required("microseconds", &LatencyRule::microseconds, NumberCodec());
+    return table;
+}
+}

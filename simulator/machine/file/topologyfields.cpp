@@ -1,0 +1,162 @@
+// The tables of hardware graphs.
+#include "simulator/machine/file/check.h"
+#include "simulator/machine/file/codecs.h"
+#include "simulator/machine/identity.h"
+
+namespace sim
+{
+namespace
+{
+/// Connectors or subunits. If a file does not contain the local id of a part, it follows from the part's position.
+template<class AnyPart>
+struct PartsCodec
+{
+    std::uint32_t (*usualLocalId)(std::size_t position);
+
+    std::vector<AnyPart> read(const JsonCursor& cursor) const
+    {
+        std::vector<AnyPart> result;
+        for (const JsonCursor& element : cursor.elements())
+            result.push_back(fieldsOf<AnyPart>().read(element, start(result.size())));
+        return result;
+    }
+
+    JsonValue write(const std::vector<AnyPart>& parts) const
+    {
+        JsonValue result = JsonValue::array();
+        for (const AnyPart& part : parts)
+            result.elements.push_back(fieldsOf<AnyPart>().write(part, start(result.elements.size())));
+        return result;
+    }
+
+    JsonValue schema() const { return listCodec(ObjectCodec<AnyPart>()).schema(); }
+
+private:
+    AnyPart start(std::size_t position) const
+    {
+        AnyPart result;
+        result.localId = usualLocalId(position);
+        return result;
+    }
+};
+
+/// The first fields of each part.
+template<class AnyPart>
+void addIdentity(FieldTable<AnyPart>& table)
+{
+    table.required("id", &Part::id, StringCodec{definition::partId})
+        .contextual("localId", &Part::localId, NumberCodec(),
+                    "If it is missing: the position plus 65536 for a connector, plus 131072 for a subunit.")
+        .optional("reportsId", &Part::reportsId, BooleanCodec(), "false: GetGlobalId stores null.")
+        .optional("name", &Part::name, NullableStringCodec(), "null or missing: GetName stores null.")
+        .optional("type", &Part::subType, NodeTypeCodec());
+}
+
+/// The last fields of each part.
+template<class AnyPart>
+void addNeighboursAndControls(FieldTable<AnyPart>& table)
+{
+    table.optional("incoming", &Part::incoming, PartIdsCodec())
+        .optional("outgoing", &Part::outgoing, PartIdsCodec())
+        .optional("volume", &Part::volume, optionalCodec(ObjectCodec<VolumeControl>()))
+        .optional("mute", &Part::mute, optionalCodec(ObjectCodec<MuteControl>()))
+        .optional("selector", &Part::selector, optionalCodec(ObjectCodec<SelectorControl>()));
+}
+
+FieldTable<Subunit> subunitTable()
+{
+    FieldTable<Subunit> table("subunit");
+    addIdentity(table);
+    addNeighboursAndControls(table);
+    return table;
+}
+
+FieldTable<Connector> connectorTable()
+{
+    FieldTable<Connector> table("connector");
+    addIdentity(table);
+    table.optional("kind", &Connector::type, connectorTypeCodec)
+        .optional("direction", &Connector::direction, directionCodec);
+    addNeighboursAndControls(table);
+    return table;
+}
+}
+
+template<>
+const FieldTable<Topology>& fieldsOf<Topology>()
+{
+    static const FieldTable<Topology> table =
+        FieldTable<Topology>("topology")
+            .contextual("deviceId", &Topology::deviceId, NullableStringCodec(),
+                        "What GetDeviceId returns. If it is missing: the device's id.")
+            .optional("connectors", &Topology::connectors, PartsCodec<Connector>{&usualConnectorLocalId})
+            .optional("subunits", &Topology::subunits, PartsCodec<Subunit>{&usualSubunitLocalId})
+            .optional("signalPaths", &Topology::signalPaths, listCodec(ObjectCodec<SignalPath>()));
+    return table;
+}
+
+template<>
+const FieldTable<Connector>& fieldsOf<Connector>()
+{
+    static const FieldTable<Connector> table = connectorTable();
+    return table;
+}
+
+template<>
+const FieldTable<Subunit>& fieldsOf<Subunit>()
+{
+    static const FieldTable<Subunit> table = subunitTable();
+    return table;
+}
+
+template<>
+const FieldTable<VolumeControl>& fieldsOf<VolumeControl>()
+{
+    static const FieldTable<VolumeControl> table =
+        FieldTable<VolumeControl>("volumeControl", "IAudioVolumeLevel.")
+            .required("channels", &VolumeControl::channels, listCodec(ObjectCodec<ChannelLevel>(), 1, maximumChannels));
+    return table;
+}
+
+template<>
+const FieldTable<ChannelLevel>& fieldsOf<ChannelLevel>()
+{
+    static const FieldTable<ChannelLevel> table = FieldTable<ChannelLevel>("channelLevel", "In decibels.")
+                                                      .required("minimum", &ChannelLevel::minimum, DecibelsCodec())
+                                                      .required("maximum", &ChannelLevel::maximum, DecibelsCodec())
+                                                      .required("step", &ChannelLevel::step, DecibelsCodec::positive())
+                                                      .required("level", &ChannelLevel::level, DecibelsCodec());
+    return table;
+}
+
+template<>
+const FieldTable<MuteControl>& fieldsOf<MuteControl>()
+{
+    static const FieldTable<MuteControl> table =
+        FieldTable<MuteControl>("muteControl", "IAudioMute.").required("muted", &MuteControl::muted, BooleanCodec());
+    return table;
+}
+
+template<>
+const FieldTable<SelectorControl>& fieldsOf<SelectorControl>()
+{
+    static const FieldTable<SelectorControl> table =
+        FieldTable<SelectorControl>("selectorControl", "IAudioInputSelector.")
+            .required("selection", &SelectorControl::selection, NumberCodec(),
+                      "Local id of an incoming part; 0: none.");
+    return table;
+}
+
+template<>
+const FieldTable<SignalPath>& fieldsOf<SignalPath>()
+{
+    static const FieldTable<SignalPath> table =
+        FieldTable<SignalPath>("signalPath", "A path inside one topology, in one direction only.")
+            .required("from", &SignalPath::from, StringCodec())
+            .required("to", &SignalPath::to, StringCodec())
+            .optional("through", &SignalPath::through, PartIdsCodec())
+            .optional("mixed", &SignalPath::mixed, BooleanCodec(),
+                      "true: it passes a sum, so a caller that rejects mixed paths does not find it.");
+    return table;
+}
+}

@@ -1,0 +1,54 @@
+#include "simulator/machine/file/check.h"
+
+#include "tests/simulator/machine/file/machinesample.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace
+{
+using testing::ElementsAre;
+
+/// What the check says about the sample after @p change, as "place: expected ..., found ...".
+std::vector<std::string> problemsAfter(const std::function<void(sim::Machine&)>& change)
+{
+    sim::Machine machine = sample::machine();
+    change(machine);
+    std::vector<std::string> result;
+    for (const sim::MachineProblem& problem : sim::checkMachine(machine))
+        result.push_back(problem.place + ": expected " + problem.expected + ", found " + problem.found);
+    return result;
+}
+
+TEST(MachineCheck, FindsNothingInTheSample)
+{
+    EXPECT_THAT(problemsAfter([](sim::Machine&) {}), testing::IsEmpty());
+}
+
+TEST(MachineCheck, FindsBitsOfHardwareSupportWithoutAName)
+{
+    EXPECT_THAT(problemsAfter([](sim::Machine& machine) { machine.endpoints[0].volume->hardwareSupport = 9; }),
+                ElementsAre("/endpoints/0/volume/hardwareSupport: expected a sum of 1, 2 and 4, found 9"));
+}
+
+TEST(MachineCheck, FindsAFlowARoleAndAKindOfConnectorWithoutAName)
+{
+    const auto change = [](sim::Machine& machine)
+    {
+        machine.endpoints[0].topology->connectors[0].type = static_cast<ConnectorType>(7);
+        machine.endpoints[0].defaultFor = {ERole_enum_count};
+        machine.script[8].flow = eAll;
+        machine.script[8].role = ERole_enum_count;
+    };
+
+    EXPECT_THAT(problemsAfter(change),
+                ElementsAre("/endpoints/0/topology/connectors/0/kind: expected \"unknown\", \"physicalInternal\", "
+                            "\"physicalExternal\", \"softwareIo\", \"softwareFixed\" or \"network\", found 7",
+                            "/endpoints/0/defaultFor/0: expected \"console\", \"multimedia\" or \"communications\", "
+                            "found 3",
+                            "/script/8/flow: expected \"render\" or \"capture\", found 2",
+                            "/script/8/role: expected \"console\", \"multimedia\" or \"communications\", found 3"));
+}
+}
