@@ -213,10 +213,11 @@ void change(std::vector<Value>& list)
     list.emplace_back();
 }
 
+/// To the neighbour of an enumerator's pair, as each enumeration here has both 0 and 1, and 3 if it has 2.
 template<class Value>
 std::enable_if_t<std::is_enum_v<Value> || std::is_integral_v<Value>> change(Value& value)
 {
-    value = static_cast<Value>(static_cast<int>(value) + 1);
+    value = static_cast<Value>(static_cast<int>(value) ^ 1);
 }
 
 template<class Object>
