@@ -171,13 +171,16 @@ protected:
         return result;
     }
 
-    /// The operations that the command calls when nothing fails.
+    /// The operations that the command calls when nothing fails, without the one that ends a registration: if that
+    /// fails, the platform keeps its client for good, as it must, and a leak checker reports it.
     std::set<std::string> operations()
     {
         sim::Simulation simulation(machine);
         call(simulation);
         const std::vector<std::string> all = simulation.journal().operations();
-        return {all.begin(), all.end()};
+        std::set<std::string> result(all.begin(), all.end());
+        result.erase("IAudioEndpointVolume::UnregisterControlChangeNotify");
+        return result;
     }
 
     support::Answer call(sim::Simulation& simulation) const

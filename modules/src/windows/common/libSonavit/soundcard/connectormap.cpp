@@ -79,7 +79,11 @@ void SoundCard::registerConnectors(const AudioDeviceTopology& deviceTopology)
 /// names in another case becomes an internal device, too. Callers rely on the graphs that follow from this.
 void SoundCard::followConnector(unsigned int index, qor::Array<qor::String>& knownDevices)
 {
-    const qor::String farId = farDeviceId(m_connectorMap[index].connector.component());
+    qor::String farId;
+    {
+        const COMPtr<IConnector>::pointer nearSide = m_connectorMap[index].connector.component();
+        farId = farDeviceId(nearSide);
+    }
     const AudioDevice farDevice(farId);
     if (!knownDevices.contains(farId) && !listsearch::isHit(listsearch::indexOf(*m_internalDevices, farDevice)))
         registerFarDevice(farDevice, farId, index, knownDevices);
