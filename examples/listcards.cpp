@@ -19,8 +19,8 @@ int main(int count, char** words)
 {
     qor::LogFactory::setSink([](const qor::LogRecord&) {});
     const char* const name = count > 1 ? words[1] : "desktop";
+    CoInitialize(nullptr); // first: on Windows the machine is registered with this thread
     const sim::Simulation machine(sim::findMachine(name)); // without this line: the hardware of a Windows machine
-    CoInitialize(nullptr);
     qor::Array<SoundCard> cards = SoundCard::enumerateSystemSoundDevices();
     for (unsigned int i = 0; i < cards.size(); ++i)
     {
