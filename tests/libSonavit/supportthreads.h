@@ -32,12 +32,13 @@ inline void onThreads(unsigned int count, const std::function<void(unsigned int)
 
 /// Calls @p batch, a few microseconds of work, again and again on two threads, until each has seen the other make
 /// progress during many of its batches: threads that only take turns on one processor, milliseconds each, see that
-/// rarely. Gives up after @p limit batches of a thread.
+/// rarely. Gives up after @p limit batches of a thread, which is far beyond what two threads need that get one
+/// processor between them.
 /// @param batch receives the number of its thread, 0 or 1
 /// @return whether both have seen enough of the other's progress, or there is a single processor
-inline bool overlapping(const std::function<void(unsigned int)>& batch, unsigned int limit = 100000)
+inline bool overlapping(const std::function<void(unsigned int)>& batch, unsigned int limit = 2000000)
 {
-    constexpr unsigned int enough = 200;
+    constexpr unsigned int enough = 100;
     std::array<std::atomic<unsigned int>, 2> progress{};
     std::atomic<unsigned int> satisfied{0};
     const auto repeat = [&](unsigned int thread)
