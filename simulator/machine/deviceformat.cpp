@@ -13,7 +13,7 @@ namespace
 constexpr std::array<std::uint32_t, 4> sampleBits = {8, 16, 24, 32};
 constexpr int rateDigits = 6;
 constexpr std::uint32_t maximumRate = 999999; // the largest number of so many digits
-constexpr std::uint32_t maximumChannels = 8;
+constexpr std::uint32_t maximumFormatChannels = 8;
 
 /// The subtype of whole-number samples. The SDK's name for it is a constant that each program must define.
 constexpr GUID wholeNumberSamples = {0x00000001, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71}};
@@ -22,7 +22,7 @@ bool isUsual(const DeviceFormat& format)
 {
     const bool bitsFit = std::count(sampleBits.begin(), sampleBits.end(), format.bits) != 0;
     const bool rateFits = format.rate > 0 && format.rate <= maximumRate;
-    return bitsFit && rateFits && format.channels >= 1 && format.channels <= maximumChannels;
+    return bitsFit && rateFits && format.channels >= 1 && format.channels <= maximumFormatChannels;
 }
 }
 
@@ -53,7 +53,7 @@ std::string DeviceFormat::pattern()
     for (const std::uint32_t each : sampleBits)
         bits += (bits.empty() ? "" : "|") + std::to_string(each);
     return "^(" + bits + ")/[1-9][0-9]{0," + std::to_string(rateDigits - 1) + "}/[1-" +
-           std::to_string(maximumChannels) + "]$";
+           std::to_string(maximumFormatChannels) + "]$";
 }
 
 WAVEFORMATEXTENSIBLE DeviceFormat::waveFormat() const

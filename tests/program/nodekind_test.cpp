@@ -1,5 +1,7 @@
 #include "tools/sonavit/nodekind.h"
 
+#include "simulator/machine/nodetypes.h"
+
 #include <gtest/gtest.h>
 
 using namespace sonavit;
@@ -20,4 +22,11 @@ TEST(ProgramNodeKind, NamesTypesInJsonAndInText)
     EXPECT_EQ("other", kindKey(GUID{1, 2, 3, {}}));
     EXPECT_EQ(std::nullopt, kindKey(std::nullopt));
     EXPECT_EQ("-", kindWords(std::nullopt));
+}
+
+TEST(ProgramNodeKind, HasWordsForEachTypeThatHasAName)
+{
+    for (const auto& named : sim::nodeTypeNames)
+        EXPECT_NE("Other", kindWords(named.value)) << named.name;
+    EXPECT_EQ("Other", kindWords(GUID{1, 2, 3, {}}));
 }

@@ -8,22 +8,15 @@
 
 namespace sonavit
 {
-/// The names of a kind: "spdif" in JSON, "S/PDIF" in text.
-struct NodeKind
-{
-    const char* key;
-    const char* words;
-};
-
 /// No value for the type that is all zero, which the library keeps if it read none.
 std::optional<GUID> typeOrNothing(const GUID& type);
 
-/// The kind of @p type; "other" if it has no name here.
-NodeKind nodeKind(const GUID& type);
-
-/// The names of a type; no value, or "-", without a type.
+/// The names of a type: "spdif" in JSON, as in machine files, and "S/PDIF" in text; "other" and "Other" if it has none.
+/// No value, or "-", without a type.
 std::optional<std::string> kindKey(const std::optional<GUID>& type);
 std::string kindWords(const std::optional<GUID>& type);
+
+/// The GUID of a type; no value without one.
 std::optional<std::string> typeText(const std::optional<GUID>& type);
 
 /// Whether a jack of that type carries digital audio.

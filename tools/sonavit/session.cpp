@@ -17,12 +17,14 @@ sim::Machine openMachine(const Environment& environment, const std::string& name
     {
         return environment.findMachine(name);
     }
-    catch (const sim::MachineFileError& error)
+    catch (const sim::UnknownMachine&)
     {
-        if (error.line() > 0 || error.found() != "neither")
-            throw UsageError("the machine cannot be used: " + std::string(error.what()));
         throw UsageError("there is no machine " + inQuotes(name) + "; the machines are " +
                          enumeration(sim::machineNames()));
+    }
+    catch (const sim::MachineFileError& error)
+    {
+        throw UsageError("the machine cannot be used: " + std::string(error.what()));
     }
 }
 }

@@ -39,6 +39,13 @@ private:
     std::string m_found;
 };
 
+/// There is neither a shipped machine nor a file of that name.
+class UnknownMachine final : public MachineFileError
+{
+public:
+    using MachineFileError::MachineFileError;
+};
+
 /// Reads a machine from the file @p path (UTF-8). Throws MachineFileError, also for anything that is not a regular file
 /// and for a file of more than 64 MiB; neither is opened.
 Machine readMachineFile(const std::string& path);
@@ -53,8 +60,8 @@ Machine readMachine(const std::string& text, const std::string& nameForMessages)
 /// their usual value, and all strings are UTF-8 without a zero character.
 std::string writeMachine(const Machine& machine);
 
-/// Reads the shipped machine of that name, or the file of that path. Throws MachineFileError; for an unknown name it
-/// lists the existing ones.
+/// Reads the shipped machine of that name, or the file of that path. Throws MachineFileError; for an unknown name
+/// UnknownMachine, whose message lists the existing ones.
 ///
 /// The folder of shipped machines is the value of the environment variable SONAVIT_MACHINES. If it is not set, the
 /// folders are `machines` next to the running program, then `../share/sonavit/machines` as in an installation, then the

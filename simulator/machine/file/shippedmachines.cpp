@@ -68,8 +68,8 @@ Machine findMachine(const std::string& nameOrFile)
     const std::string file = machineFile(nameOrFile);
     if (!file.empty())
         return readMachineFile(file);
-    throw MachineFileError(inQuotes(nameOrFile), 0, 0, "", "the name of a machine (" + knownNames() + ") or of a file",
-                           "neither");
+    throw UnknownMachine(inQuotes(nameOrFile), 0, 0, "", "the name of a machine (" + knownNames() + ") or of a file",
+                         "no such name");
 }
 
 std::vector<std::string> machineNames()

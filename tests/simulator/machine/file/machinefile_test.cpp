@@ -123,7 +123,7 @@ TEST(MachineFileWrite, WritesFormatsAndLevelsAsPeopleDo)
     const std::string text = sim::writeMachine(sample::machine());
 
     EXPECT_THAT(text, AllOf(HasSubstr("\"deviceFormat\": {\"format\": \"24/96000/6\"}"), HasSubstr("-12.34,"),
-                            HasSubstr("{\"blob\": \"00FF5A\"}"), HasSubstr("\"type\": \"multiplexer\"")));
+                            HasSubstr("{\"blob\": \"00FF5A\"}"), HasSubstr("\"type\": \"selector\"")));
 }
 
 TEST(MachineFileRead, TakesTheUsualForWhatIsNotGiven)
@@ -285,9 +285,10 @@ TEST(MachineFileFind, ListsTheKnownNamesWhenItKnowsNoSuchMachine)
     folder.write("a.json", "{}");
     const ChosenFolder chosen(folder.path());
 
-    EXPECT_EQ("\"c\": expected the name of a machine (a, b) or of a file, found neither",
+    EXPECT_EQ("\"c\": expected the name of a machine (a, b) or of a file, found no such name",
               errorOf([] { sim::findMachine("c"); }));
     EXPECT_THAT(errorOf([] { sim::findMachine(""); }), HasSubstr("(a, b)"));
+    EXPECT_THROW(sim::findMachine("c"), sim::UnknownMachine);
 }
 
 TEST(MachineFileFind, ShowsAnyNameOnOneShortLine)
