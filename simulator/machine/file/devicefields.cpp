@@ -43,10 +43,8 @@ void addInterfaces(FieldTable<AnyDevice>& table)
         return result;
     };
     const JsonValue schema = listCodec(interfaceCodec).schema();
-    table.add({{"interfaces", false, annotated(schema, "Further interfaces that the device activates.", {})},
-               read,
-               write,
-               isEqual});
+    table.add({"interfaces", false, annotated(schema, "Further interfaces that the device activates.", {})}, read,
+              write, isEqual);
 }
 
 Topology newTopology(const std::string& deviceId)
@@ -73,7 +71,7 @@ void addTopology(FieldTable<AnyDevice>& table)
                    : JsonValue();
     };
     const auto isEqual = [](const AnyDevice& left, const AnyDevice& right) { return left.topology == right.topology; };
-    table.add({{"topology", false, ObjectCodec<Topology>().schema()}, read, write, isEqual});
+    table.add({"topology", false, ObjectCodec<Topology>().schema()}, read, write, isEqual);
 }
 
 FieldTable<Adapter> adapterTable()

@@ -6,21 +6,77 @@
 #include "simulator/machine/file/cursor.h"
 #include "simulator/machine/file/objectrule.h"
 
-#include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace sim
 {
-/// One key of an object, and how it is read, written and compared.
+/// One key of an object, and how it is read, written and compared. Tables hold fields by this base, which keeps the
+/// code that a field costs small: there are many.
 template<class Object>
-struct Field
+class Field
 {
-    KeyRule key;
-    std::function<void(const JsonCursor& value, Object& object)> read;
-    std::function<JsonValue(const Object& object)> write;
-    std::function<bool(const Object& left, const Object& right)> isEqual;
+public:
+    explicit Field(KeyRule rule) : key(std::move(rule)) {}
+    Field(const Field&) = delete;
+    Field& operator=(const Field&) = delete;
+    virtual ~Field() = default;
+
+    virtual void read(const JsonCursor& value, Object& object) const = 0;
+    virtual JsonValue write(const Object& object) const = 0;
+    virtual bool isEqual(const Object& left, const Object& right) const = 0;
+
+    const KeyRule key;
+};
+
+/// A member of the object.
+template<class Object, class Owner, class Value, class Codec>
+class MemberField final : public Field<Object>
+{
+public:
+    MemberField(KeyRule rule, Value Owner::*member, const Codec& codec)
+        : Field<Object>(std::move(rule)),
+          m_member(member),
+          m_codec(codec)
+    {
+    }
+
+    void read(const JsonCursor& value, Object& object) const override { object.*m_member = m_codec.read(value); }
+
+    JsonValue write(const Object& object) const override { return m_codec.write(object.*m_member); }
+
+    bool isEqual(const Object& left, const Object& right) const override { return left.*m_member == right.*m_member; }
+
+private:
+    Value Owner::*m_member;
+    Codec m_codec;
+};
+
+/// A field of three functions.
+template<class Object, class Read, class Write, class IsEqual>
+class FunctionField final : public Field<Object>
+{
+public:
+    FunctionField(KeyRule rule, Read read, Write write, IsEqual isEqual)
+        : Field<Object>(std::move(rule)),
+          m_read(std::move(read)),
+          m_write(std::move(write)),
+          m_isEqual(std::move(isEqual))
+    {
+    }
+
+    void read(const JsonCursor& value, Object& object) const override { m_read(value, object); }
+
+    JsonValue write(const Object& object) const override { return m_write(object); }
+
+    bool isEqual(const Object& left, const Object& right) const override { return m_isEqual(left, right); }
+
+private:
+    Read m_read;
+    Write m_write;
+    IsEqual m_isEqual;
 };
 
 /// The fields of an object, which are read and written in the order in which they are added.
@@ -43,7 +99,7 @@ public:
     FieldTable& required(const std::string& key, Value Owner::*member, const Codec& codec,
                          const std::string& description = {})
     {
-        return add(fieldOf({key, true, annotated(codec.schema(), description, {})}, member, codec));
+        return addMember({key, true, annotated(codec.schema(), description, {})}, member, codec);
     }
 
     /// A member of the object that a file leaves out if it has the value of a new object.
@@ -52,8 +108,8 @@ public:
                          const std::string& description = {})
     {
         const Object usual = Object();
-        return add(
-            fieldOf({key, false, annotated(codec.schema(), description, codec.write(usual.*member))}, member, codec));
+        return addMember({key, false, annotated(codec.schema(), description, codec.write(usual.*member))}, member,
+                         codec);
     }
 
     /// As optional(), for a member whose value in a new object depends on the place of the object in the file.
@@ -61,14 +117,15 @@ public:
     FieldTable& contextual(const std::string& key, Value Owner::*member, const Codec& codec,
                            const std::string& description)
     {
-        return add(fieldOf({key, false, annotated(codec.schema(), description, {})}, member, codec));
+        return addMember({key, false, annotated(codec.schema(), description, {})}, member, codec);
     }
 
-    /// Any other field.
-    FieldTable& add(Field<Object> field)
+    /// Any other field: `void read(const JsonCursor&, Object&)`, `JsonValue write(const Object&)` and
+    /// `bool isEqual(const Object&, const Object&)`.
+    template<class Read, class Write, class IsEqual>
+    FieldTable& add(KeyRule key, const Read& read, const Write& write, const IsEqual& isEqual)
     {
-        m_fields.push_back(std::move(field));
-        return *this;
+        return addField(new FunctionField<Object, Read, Write, IsEqual>(std::move(key), read, write, isEqual));
     }
 
     const std::string& name() const { return m_name; }
@@ -77,8 +134,8 @@ public:
     ObjectRule rule() const
     {
         ObjectRule result = {m_name, m_description, {}};
-        for (const Field<Object>& field : m_fields)
-            result.keys.push_back(&field.key);
+        for (const auto& field : m_fields)
+            result.keys.push_back(&field->key);
         return result;
     }
 
@@ -86,10 +143,10 @@ public:
     Object read(const JsonCursor& cursor, Object start = Object()) const
     {
         cursor.requireKeys(rule());
-        for (const Field<Object>& field : m_fields)
+        for (const auto& field : m_fields)
         {
-            if (const auto value = cursor.find(field.key.name))
-                field.read(*value, start);
+            if (const auto value = cursor.find(field->key.name))
+                field->read(*value, start);
         }
         return start;
     }
@@ -98,19 +155,19 @@ public:
     JsonValue write(const Object& object, const Object& start = Object()) const
     {
         JsonValue result = JsonValue::object();
-        for (const Field<Object>& field : m_fields)
+        for (const auto& field : m_fields)
         {
-            if (field.key.isRequired || field.key.isAlwaysWritten || !field.isEqual(object, start))
-                result.add(field.key.name, field.write(object));
+            if (field->key.isRequired || field->key.isAlwaysWritten || !field->isEqual(object, start))
+                result.add(field->key.name, field->write(object));
         }
         return result;
     }
 
     bool haveEqualFields(const Object& left, const Object& right) const
     {
-        for (const Field<Object>& field : m_fields)
+        for (const auto& field : m_fields)
         {
-            if (!field.isEqual(left, right))
+            if (!field->isEqual(left, right))
                 return false;
         }
         return true;
@@ -118,16 +175,19 @@ public:
 
 private:
     template<class Owner, class Value, class Codec>
-    static Field<Object> fieldOf(KeyRule key, Value Owner::*member, const Codec& codec)
+    FieldTable& addMember(KeyRule key, Value Owner::*member, const Codec& codec)
     {
-        return {std::move(key),
-                [member, codec](const JsonCursor& value, Object& object) { object.*member = codec.read(value); },
-                [member, codec](const Object& object) { return codec.write(object.*member); },
-                [member](const Object& left, const Object& right) { return left.*member == right.*member; }};
+        return addField(new MemberField<Object, Owner, Value, Codec>(std::move(key), member, codec));
+    }
+
+    FieldTable& addField(const Field<Object>* field)
+    {
+        m_fields.push_back(std::shared_ptr<const Field<Object>>(field));
+        return *this;
     }
 
     std::string m_name;
     std::string m_description;
-    std::vector<Field<Object>> m_fields;
+    std::vector<std::shared_ptr<const Field<Object>>> m_fields;
 };
 }

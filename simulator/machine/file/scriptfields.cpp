@@ -157,7 +157,7 @@ void addOutcome(FieldTable<FaultRule>& table)
                                  .add("pattern", JsonValue::ofString("^(0x[0-9A-Fa-f]{8}|null|throw)$"));
     const std::string description =
         "An HRESULT; null: success with null pointers; throw: an exception leaves the operation.";
-    table.add({{"result", true, annotated(schema, description, {})}, read, write, isEqual});
+    table.add({"result", true, annotated(schema, description, {})}, read, write, isEqual);
 }
 
 FieldTable<FaultRule> faultTable()
