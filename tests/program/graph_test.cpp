@@ -120,6 +120,7 @@ TEST_F(ProgramGraph, DrawsDevicesPartsAndEdges)
     EXPECT_THAT(answer.out, HasSubstr(R"(label="Speaker\nSpeakers", shape="box")"));
     EXPECT_THAT(answer.out, HasSubstr(R"(label="Volume", shape="invtrapezium")"));
     EXPECT_THAT(answer.out, HasSubstr(R"(label="Mute", shape="octagon")"));
+    EXPECT_THAT(answer.out, Not(HasSubstr("connectors unknown")));
 }
 
 TEST_F(ProgramGraph, ShowsThePathOfAnOutputAgainstTheWayOfTheSound)
@@ -132,6 +133,26 @@ TEST_F(ProgramGraph, ShowsThePathOfAnOutputAgainstTheWayOfTheSound)
                                                                    "Mute", "Speakers Stream"));
     EXPECT_THAT(namesOnPath(graph({})), testing::IsEmpty());
     EXPECT_THAT(call({"graph", "--endpoint", "Speakers"}).out, HasSubstr("penwidth=\"3\""));
+}
+
+TEST_F(ProgramGraph, LeavesBranchesOutOfThePathOfAnOutput)
+{
+    sim::Machine machine = support::smallMachine();
+    sim::Topology& topology = *machine.adapters[0].topology;
+    sim::Subunit branch = topology.subunits[0];
+    branch.id += "-branch";
+    branch.localId = 100;
+    branch.name = "Branch";
+    branch.incoming = {topology.subunits[0].id};
+    branch.outgoing = {};
+    topology.subunits[0].outgoing.push_back(branch.id);
+    topology.subunits.push_back(branch);
+    run(machine);
+
+    const json answer = graph({"--endpoint", "Speakers"});
+
+    EXPECT_THAT(edges(answer, "wire"), testing::Contains("Volume -> Branch"));
+    EXPECT_THAT(namesOnPath(answer), testing::AllOf(testing::Contains("Volume"), Not(testing::Contains("Branch"))));
 }
 
 TEST_F(ProgramGraph, ShowsThePathOfAnInputTheWayOfTheSound)
@@ -181,6 +202,19 @@ TEST_F(ProgramGraph, ShowsAJoinWhoseFarEndIsNotToBeHad)
               std::count_if(answer["edges"].begin(), answer["edges"].end(),
                             [](const json& edge) { return edge["to"].is_null() && edge["toDevice"] == "{2}.gone"; }));
     EXPECT_EQ("", support::brokenDot(call({"graph"}).out));
+}
+
+TEST_F(ProgramGraph, DrawsADeviceWhoseConnectorsAreUnknownBesideThoseThatAreKnown)
+{
+    sim::Machine machine = support::smallMachine();
+    machine.joins[0].to.clear(); // the device is known, the connector is not
+    machine.joins[0].toDevice = machine.adapters[0].id;
+    run(std::move(machine));
+
+    const support::Answer answer = call({"graph"});
+    EXPECT_EQ("", support::brokenDot(answer.out));
+    EXPECT_THAT(answer.out, HasSubstr("label=\"Volume\""));
+    EXPECT_THAT(answer.out, HasSubstr("connectors unknown"));
 }
 
 TEST_F(ProgramGraph, TellsPartsWithoutIdsApart)
@@ -246,4 +280,6 @@ TEST_F(ProgramGraph, SaysThatAnEndpointIsOfAnotherCard)
               call({"graph", "Headset", "--endpoint", "Trumpet"}).err);
     EXPECT_EQ(0, call({"graph", "Board", "--endpoint", "Speakers"}).code);
     EXPECT_EQ(0, call({"graph", "Board", "--endpoint", "@DEFAULT_OUTPUT@"}).code);
+    EXPECT_EQ("sonavit: \"@DEFAULT_OUTPUT@\" is an endpoint of the card \"Board\", not of \"Headset\"\n",
+              call({"graph", "Headset", "--endpoint", "@DEFAULT_OUTPUT@"}).err);
 }

@@ -61,6 +61,19 @@ TEST(ProgramJson, CopiesDeeply)
     EXPECT_EQ(R"({"a":2})", copy.line());
 }
 
+TEST(ProgramJson, IsAssignedDeeply)
+{
+    const Json original = Json::object({{"a", 1}, {"b", 3}});
+    Json copy;
+    copy = original;
+    copy.set("a", 2);
+    const Json& same = copy;
+    copy = same;
+
+    EXPECT_EQ(R"({"a":1,"b":3})", original.line());
+    EXPECT_EQ(R"({"a":2,"b":3})", copy.line());
+}
+
 TEST(ProgramJson, GivesEachMemberALineInADocumentForPeople)
 {
     Json list = Json::array();

@@ -8,6 +8,7 @@
 using nlohmann::json;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
 
 namespace
 {
@@ -301,6 +302,21 @@ TEST_F(ProgramList, PaintsOnlyWhereThereAreColours)
     EXPECT_EQ(std::string::npos, plain.out.find('\x1B'));
     EXPECT_THAT(painted.out, HasSubstr("\x1B[1mAnalog Audio\x1B[0m"));
     EXPECT_THAT(painted.out, HasSubstr("\x1B[31mmuted\x1B[0m"));
+}
+
+TEST_F(ProgramList, PaintsWhatIsActiveAndWhatIsMuted)
+{
+    sim::MachineBuilder builder;
+    builder.card("Card").speaker("One").withoutVolume();
+    builder.card("Card").headphones("Two").unplugged();
+    run(builder.build());
+    hasColours = true;
+
+    const support::Answer painted = call({});
+
+    EXPECT_THAT(painted.out, HasSubstr("\x1B[32mactive"));
+    EXPECT_THAT(painted.out, HasSubstr("\x1B[2munplugged"));
+    EXPECT_THAT(painted.out, Not(HasSubstr("\x1B[31m"))); // no mute is known
 }
 
 TEST_F(ProgramList, SaysThatThereIsNoCard)

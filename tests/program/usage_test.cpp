@@ -54,6 +54,23 @@ TEST_F(ProgramUsage, SaysThatTheMachineIsSimulated)
     }
 }
 
+TEST_F(ProgramUsage, ShowsHelpWithoutSeveralBlankLines)
+{
+    std::vector<std::vector<std::string>> all = verbs();
+    all.push_back({});
+    for (const std::vector<std::string>& words : all)
+    {
+        std::vector<std::string> help(words.begin(), words.empty() ? words.begin() : words.begin() + 1);
+        help.push_back("--help");
+
+        const support::Answer answer = call(help);
+
+        EXPECT_EQ(0, answer.code) << help[0];
+        EXPECT_THAT(answer.out, testing::Not(HasSubstr("\n\n\n"))) << help[0];
+        EXPECT_THAT(answer.out, testing::Not(testing::EndsWith("\n\n"))) << help[0];
+    }
+}
+
 TEST_F(ProgramUsage, NamesTheMachineInJson)
 {
     for (std::vector<std::string> words : verbs())

@@ -1,9 +1,26 @@
 #include "tests/support/librarytest.h"
 
 #include "libSonavit/endpointdeviceenumerator.h"
+#include "simulator/machine/operations.h"
+
+#include <set>
 
 namespace support
 {
+namespace
+{
+/// What the journal writes is what a machine file can name in its faults, except the machine's own calls of its
+/// clients: IMMNotificationClient::OnDeviceAdded and the like.
+void expectKnownOperations(const std::vector<std::string>& operations)
+{
+    for (const std::string& operation : std::set<std::string>(operations.begin(), operations.end()))
+    {
+        const bool isCallOfClient = operation.find("::On") != std::string::npos;
+        EXPECT_NE(isCallOfClient, sim::isOperation(operation)) << operation;
+    }
+}
+}
+
 void LibraryTest::SetUp()
 {
     ASSERT_TRUE(SUCCEEDED(CoInitialize(nullptr)));
@@ -15,6 +32,7 @@ void LibraryTest::TearDown()
     if (m_simulation != nullptr)
     {
         m_simulation->events().waitForClients();
+        expectKnownOperations(m_simulation->journal().operations());
         const sim::Census left = m_simulation->census();
         EXPECT_EQ(kept.partsLists, left.references("IPartsList")) << left;
         EXPECT_EQ(kept.partsLists, left.references()) << left;
