@@ -1,5 +1,7 @@
 #include "tests/libSonavit/supportgraph.h"
 
+#include "tests/libSonavit/supportchannels.h"
+
 #include <cstdint>
 
 using support::GraphTest;
@@ -9,7 +11,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.audioDeviceTopology";
 constexpr const char* initializeLabel = "AudioDeviceTopology::initialize(IDeviceTopology* deviceTopology)";
 constexpr const char* clearLabel = "AudioDeviceTopology::clear()";
 constexpr const char* fromPartLabel = "AudioDeviceTopology::initialize(COMPtr<IPart>::pointer& part)";
@@ -62,7 +63,7 @@ TEST_F(AudioDeviceTopologyConstructor, TakesASnapshotOfATopologyWithAReferenceOf
 
         EXPECT_EQ(2, references(device));
         EXPECT_EQ(handle.get(), topology.m_topology.get());
-        EXPECT_THAT(log.entered(channel),
+        EXPECT_THAT(log.entered(channels::audioDeviceTopology),
                     ElementsAre("AudioDeviceTopology::AudioDeviceTopology(IDeviceTopology* deviceTopology)",
                                 initializeLabel, clearLabel));
         expectGraph(topology);
@@ -76,7 +77,7 @@ TEST_F(AudioDeviceTopologyConstructor, TakesASnapshotOfTheTopologyOfASubunit)
 
     const AudioDeviceTopology topology(subunitHandle(volume));
 
-    EXPECT_THAT(log.entered(channel),
+    EXPECT_THAT(log.entered(channels::audioDeviceTopology),
                 ElementsAre("AudioDeviceTopology::AudioDeviceTopology(ISubunit* subunit)", fromComponentLabel,
                             clearLabel, fromPartLabel, initializeLabel, clearLabel));
     EXPECT_EQ(1, references(device));
@@ -89,8 +90,8 @@ TEST_F(AudioDeviceTopologyConstructor, TakesASnapshotOfTheTopologyOfAConnector)
 
     const AudioDeviceTopology topology(connectorHandle(jack));
 
-    EXPECT_THAT(log.entered(channel), ElementsAre(connectorLabel, fromComponentLabel, clearLabel, fromPartLabel,
-                                                  initializeLabel, clearLabel));
+    EXPECT_THAT(log.entered(channels::audioDeviceTopology), ElementsAre(connectorLabel, fromComponentLabel, clearLabel,
+                                                                        fromPartLabel, initializeLabel, clearLabel));
     EXPECT_EQ(1, references(device));
     expectGraph(topology);
 }
@@ -103,8 +104,8 @@ TEST_F(AudioDeviceTopologyConstructor, TakesASnapshotOfTheTopologyOfAComponentUn
 
     const AudioDeviceTopology topology(jackComponent);
 
-    EXPECT_THAT(log.entered(channel), ElementsAre(connectorLabel, fromComponentLabel, clearLabel, fromPartLabel,
-                                                  initializeLabel, clearLabel));
+    EXPECT_THAT(log.entered(channels::audioDeviceTopology), ElementsAre(connectorLabel, fromComponentLabel, clearLabel,
+                                                                        fromPartLabel, initializeLabel, clearLabel));
     EXPECT_EQ("AudioComponent::component()", log.entered("libSonavit.audioPart").front());
     expectGraph(topology);
 }
@@ -116,7 +117,7 @@ TEST_F(AudioDeviceTopologyConstructor, MakesAnEmptyObjectOfANilTopology)
     const AudioDeviceTopology topology((COMPtr<IDeviceTopology>::pointer()));
 
     expectEmpty(topology);
-    EXPECT_THAT(log.texts(qor::LoggerPriority::LOG_ERROR, channel),
+    EXPECT_THAT(log.texts(qor::LoggerPriority::LOG_ERROR, channels::audioDeviceTopology),
                 ElementsAre("Using NULL deviceTopology invalidates this object"));
     EXPECT_EQ(1u, log.texts().size());
 }
@@ -128,7 +129,8 @@ TEST_F(AudioDeviceTopologyConstructor, MakesAnEmptyObjectOfANilSubunit)
     const AudioDeviceTopology topology((COMPtr<ISubunit>::pointer()));
 
     expectEmpty(topology);
-    EXPECT_THAT(log.texts(qor::LoggerPriority::LOG_ERROR, channel), ElementsAre("Cannot use NULL as parameter"));
+    EXPECT_THAT(log.texts(qor::LoggerPriority::LOG_ERROR, channels::audioDeviceTopology),
+                ElementsAre("Cannot use NULL as parameter"));
     EXPECT_EQ(1u, log.texts().size());
 }
 
@@ -139,8 +141,10 @@ TEST_F(AudioDeviceTopologyConstructor, MakesAnEmptyObjectOfANilConnector)
     const AudioDeviceTopology topology((COMPtr<IConnector>::pointer()));
 
     expectEmpty(topology);
-    EXPECT_THAT(log.texts(qor::LoggerPriority::LOG_ERROR, channel), ElementsAre("Cannot use NULL as parameter"));
-    EXPECT_THAT(log.entered(channel), ElementsAre(connectorLabel, fromComponentLabel, clearLabel));
+    EXPECT_THAT(log.texts(qor::LoggerPriority::LOG_ERROR, channels::audioDeviceTopology),
+                ElementsAre("Cannot use NULL as parameter"));
+    EXPECT_THAT(log.entered(channels::audioDeviceTopology),
+                ElementsAre(connectorLabel, fromComponentLabel, clearLabel));
 }
 
 TEST_F(AudioDeviceTopologyConstructor, MakesAnEmptyObjectOfAnEmptyComponent)
@@ -150,7 +154,8 @@ TEST_F(AudioDeviceTopologyConstructor, MakesAnEmptyObjectOfAnEmptyComponent)
     const AudioDeviceTopology topology(AudioComponent<IConnector>(static_cast<IConnector*>(nullptr)));
 
     expectEmpty(topology);
-    EXPECT_THAT(log.texts(qor::LoggerPriority::LOG_ERROR, channel), ElementsAre("Cannot use NULL as parameter"));
+    EXPECT_THAT(log.texts(qor::LoggerPriority::LOG_ERROR, channels::audioDeviceTopology),
+                ElementsAre("Cannot use NULL as parameter"));
 }
 
 TEST_F(AudioDeviceTopologyConstructor, KeepsItsFieldsInTheirOrder)

@@ -1,12 +1,13 @@
 // From a connector or subunit to the topology that contains it.
 #include "tests/libSonavit/supportgraph.h"
 
+#include "tests/libSonavit/supportchannels.h"
+
 using support::GraphTest;
 using testing::ElementsAre;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.audioDeviceTopology";
 constexpr const char* initializeLabel = "AudioDeviceTopology::initialize(IDeviceTopology* deviceTopology)";
 constexpr const char* clearLabel = "AudioDeviceTopology::clear()";
 constexpr const char* fromPartLabel = "AudioDeviceTopology::initialize(COMPtr<IPart>::pointer& part)";
@@ -34,7 +35,7 @@ protected:
         EXPECT_EQ(0u, topology.connector().size());
         EXPECT_EQ(0u, topology.subunit().size());
         EXPECT_EQ(0, references(speaker.id()));
-        EXPECT_EQ(log.texts(), log.texts(error, channel));
+        EXPECT_EQ(log.texts(), log.texts(error, channels::audioDeviceTopology));
     }
 };
 }
@@ -51,7 +52,7 @@ TEST_F(AudioDeviceTopologyOfComponent, ReplacesTheSnapshotByThatOfTheConnectorsT
     EXPECT_EQ(device, topology.deviceOwner().toUtf8());
     EXPECT_EQ(1u, simulation().journal().count("IPart::GetTopologyObject"));
     EXPECT_EQ(1, references(device));
-    EXPECT_THAT(log.entered(channel),
+    EXPECT_THAT(log.entered(channels::audioDeviceTopology),
                 ElementsAre(fromComponentLabel, clearLabel, fromPartLabel, initializeLabel, clearLabel));
 }
 
@@ -64,7 +65,7 @@ TEST_F(AudioDeviceTopologyOfComponent, ReplacesTheSnapshotByThatOfTheSubunitsTop
 
     EXPECT_TRUE(result);
     EXPECT_EQ(device, topology.deviceOwner().toUtf8());
-    EXPECT_THAT(log.entered(channel),
+    EXPECT_THAT(log.entered(channels::audioDeviceTopology),
                 ElementsAre(fromComponentLabel, clearLabel, fromPartLabel, initializeLabel, clearLabel));
 }
 

@@ -1,5 +1,6 @@
 #include "tests/foundation/supportallocations.h"
 #include "tests/libSonavit/soundcard/supportscriptedparts.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/libSonavit/supportgraph.h"
 #include "tests/libSonavit/supportlogline.h"
 #include "tests/libSonavit/supportscriptedtopology.h"
@@ -14,7 +15,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.audioDeviceTopology";
 constexpr const char* initializeLabel = "AudioDeviceTopology::initialize(IDeviceTopology* deviceTopology)";
 constexpr const char* clearLabel = "AudioDeviceTopology::clear()";
 constexpr qor::LOGGER_PRIORITY info = qor::LoggerPriority::LOG_INFO;
@@ -76,7 +76,7 @@ TEST_F(AudioDeviceTopologyInitialize, LogsTheNumbersOfConnectorsAndSubunits)
     topology.initialize(topologyHandle(device));
 
     EXPECT_THAT(log.texts(), ElementsAre("Num connector = 2", "Subunit count = 1"));
-    EXPECT_EQ(log.texts(), log.texts(info, channel));
+    EXPECT_EQ(log.texts(), log.texts(info, channels::audioDeviceTopology));
 }
 
 TEST_F(AudioDeviceTopologyInitialize, AsksEachConnectorAndSubunitForItsPartAndThatForItsSnapshot)
@@ -113,8 +113,8 @@ TEST_F(AudioDeviceTopologyInitialize, TracesItselfAndTheClearing)
 
     topology.initialize(topologyHandle(device));
 
-    EXPECT_THAT(log.entered(channel), ElementsAre(initializeLabel, clearLabel));
-    EXPECT_THAT(log.left(channel), ElementsAre(clearLabel, initializeLabel));
+    EXPECT_THAT(log.entered(channels::audioDeviceTopology), ElementsAre(initializeLabel, clearLabel));
+    EXPECT_THAT(log.left(channels::audioDeviceTopology), ElementsAre(clearLabel, initializeLabel));
 }
 
 TEST_F(AudioDeviceTopologyInitialize, ReleasesTheOldTopologyBeforeItsConnectorsAndSubunits)
@@ -143,7 +143,8 @@ TEST_F(AudioDeviceTopologyInitialize, SkipsTheConnectorThatCannotBeReadAndStillS
     EXPECT_TRUE(result);
     EXPECT_THAT(idsOf(topology.connector()), ElementsAre(stream));
     EXPECT_EQ(2u, topology.subunit().size());
-    EXPECT_THAT(log.texts(error, channel), ElementsAre("Unable to retrieve connector index 0 0x80004005"));
+    EXPECT_THAT(log.texts(error, channels::audioDeviceTopology),
+                ElementsAre("Unable to retrieve connector index 0 0x80004005"));
 }
 
 TEST_F(AudioDeviceTopologyInitialize, SkipsTheSubunitThatCannotBeReadAndStillSucceeds)
@@ -157,7 +158,8 @@ TEST_F(AudioDeviceTopologyInitialize, SkipsTheSubunitThatCannotBeReadAndStillSuc
     EXPECT_EQ(1u, fault.fired());
     EXPECT_TRUE(result);
     EXPECT_THAT(idsOf(topology.subunit()), ElementsAre(mute));
-    EXPECT_THAT(log.texts(error, channel), ElementsAre("Unable to retrieve subunit index 1 0x8007000E"));
+    EXPECT_THAT(log.texts(error, channels::audioDeviceTopology),
+                ElementsAre("Unable to retrieve subunit index 1 0x8007000E"));
 }
 
 TEST_F(AudioDeviceTopologyInitialize, HoldsAnEmptyComponentWhereThePlatformSucceedsWithoutOne)
@@ -216,7 +218,8 @@ TEST_F(AudioDeviceTopologyInitialize, ContinuesWithoutAnOwnerWhenTheDeviceIdCann
     EXPECT_TRUE(result);
     EXPECT_EQ("", topology.deviceOwner().toUtf8());
     EXPECT_EQ(2u, topology.connector().size());
-    EXPECT_THAT(log.texts(error, channel), ElementsAre("Unable to retrieve device id from topology 0x80004005"));
+    EXPECT_THAT(log.texts(error, channels::audioDeviceTopology),
+                ElementsAre("Unable to retrieve device id from topology 0x80004005"));
     EXPECT_EQ("Unable to retrieve device id from topology 0x80004005", log.texts().front());
 }
 
@@ -244,7 +247,8 @@ TEST_F(AudioDeviceTopologyInitialize, TakesADeviceIdThatCameWithAFailureAndLogsT
 
         EXPECT_TRUE(result);
         EXPECT_EQ("x", topology.deviceOwner().toUtf8());
-        EXPECT_THAT(log.texts(error, channel), ElementsAre("Unable to retrieve device id from topology 0x80004005"));
+        EXPECT_THAT(log.texts(error, channels::audioDeviceTopology),
+                    ElementsAre("Unable to retrieve device id from topology 0x80004005"));
     }
     EXPECT_EQ(1u, platform.references);
 }
@@ -261,7 +265,7 @@ TEST_F(AudioDeviceTopologyInitialize, EmptiesAnInitializedObjectWhenTheNewTopolo
     expectEmpty(topology);
     EXPECT_EQ(0, simulation().census().references());
     EXPECT_THAT(log.texts(), ElementsAre("Using NULL deviceTopology invalidates this object"));
-    EXPECT_EQ(log.texts(), log.texts(error, channel));
+    EXPECT_EQ(log.texts(), log.texts(error, channels::audioDeviceTopology));
     EXPECT_THAT(log.entered(), ElementsAre(initializeLabel, clearLabel));
 }
 
@@ -290,7 +294,7 @@ TEST_F(AudioDeviceTopologyInitialize, HappensAtAssignmentOfATopologyUnderItsOwnL
     EXPECT_EQ(&topology, &result);
     EXPECT_TRUE(topology.isInitialized());
     EXPECT_EQ(1, references(device));
-    EXPECT_THAT(log.entered(channel),
+    EXPECT_THAT(log.entered(channels::audioDeviceTopology),
                 ElementsAre("AudioDeviceTopology::operator=(const COMPtr<IDeviceTopology>::pointer& topology)",
                             initializeLabel, clearLabel));
 }
@@ -303,7 +307,8 @@ TEST_F(AudioDeviceTopologyInitialize, EmptiesTheObjectAtAssignmentOfANilTopology
     topology = COMPtr<IDeviceTopology>::pointer();
 
     expectEmpty(topology);
-    EXPECT_THAT(log.texts(error, channel), ElementsAre("Using NULL deviceTopology invalidates this object"));
+    EXPECT_THAT(log.texts(error, channels::audioDeviceTopology),
+                ElementsAre("Using NULL deviceTopology invalidates this object"));
 }
 
 TEST_F(AudioDeviceTopologyInitialize, LogsEachStepFromItsOwnLine)

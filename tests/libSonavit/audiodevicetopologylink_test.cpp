@@ -1,5 +1,6 @@
 // Whether a signal path joins two connectors of one graph.
 #include "tests/libSonavit/soundcard/supportscriptedparts.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/libSonavit/supportgraph.h"
 #include "tests/libSonavit/supportscriptedtopology.h"
 
@@ -9,7 +10,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.audioDeviceTopology";
 constexpr qor::LOGGER_PRIORITY warning = qor::LoggerPriority::LOG_WARNING;
 
 /// The graph's one path runs from the stream to the jack.
@@ -89,7 +89,7 @@ TEST_F(AudioDeviceTopologyConnectorsAreLinked, ByAPathTheOtherWayRoundWithOneWar
     EXPECT_TRUE(linked);
     EXPECT_THAT(questions(), ElementsAre(question(jack, stream), question(stream, jack)));
     EXPECT_THAT(log.texts(), ElementsAre(message(jack, stream)));
-    EXPECT_EQ(log.texts(), log.texts(warning, channel));
+    EXPECT_EQ(log.texts(), log.texts(warning, channels::audioDeviceTopology));
 }
 
 TEST_F(AudioDeviceTopologyConnectorsAreLinked, NotWithoutAPathWhichGivesAWarningForEachDirection)
@@ -102,7 +102,7 @@ TEST_F(AudioDeviceTopologyConnectorsAreLinked, NotWithoutAPathWhichGivesAWarning
     EXPECT_FALSE(linked);
     EXPECT_THAT(questions(), ElementsAre(question(jack, stream), question(stream, jack)));
     EXPECT_THAT(log.texts(), ElementsAre(message(jack, stream), message(stream, jack)));
-    EXPECT_EQ(log.texts(), log.texts(warning, channel));
+    EXPECT_EQ(log.texts(), log.texts(warning, channels::audioDeviceTopology));
 }
 
 TEST_F(AudioDeviceTopologyConnectorsAreLinked, NotWhenBothQuestionsFail)
@@ -114,7 +114,8 @@ TEST_F(AudioDeviceTopologyConnectorsAreLinked, NotWhenBothQuestionsFail)
 
     EXPECT_EQ(2u, fault.fired());
     EXPECT_FALSE(linked);
-    EXPECT_THAT(log.texts(warning, channel), ElementsAre(message(stream, jack), message(jack, stream)));
+    EXPECT_THAT(log.texts(warning, channels::audioDeviceTopology),
+                ElementsAre(message(stream, jack), message(jack, stream)));
 }
 
 TEST_F(AudioDeviceTopologyConnectorsAreLinked, NotByAMixedPath)
@@ -125,7 +126,7 @@ TEST_F(AudioDeviceTopologyConnectorsAreLinked, NotByAMixedPath)
     const bool linked = ask(stream, jack);
 
     EXPECT_FALSE(linked);
-    EXPECT_EQ(2u, log.texts(warning, channel).size());
+    EXPECT_EQ(2u, log.texts(warning, channels::audioDeviceTopology).size());
 }
 
 TEST_F(AudioDeviceTopologyConnectorsAreLinked, NotToItselfWithAWarningAndWithoutAPlatformCall)
@@ -137,7 +138,7 @@ TEST_F(AudioDeviceTopologyConnectorsAreLinked, NotToItselfWithAWarningAndWithout
     EXPECT_FALSE(linked);
     EXPECT_THAT(asked(), IsEmpty());
     EXPECT_THAT(log.texts(), ElementsAre("Function treats the same connectors as unlinked"));
-    EXPECT_EQ(log.texts(), log.texts(warning, channel));
+    EXPECT_EQ(log.texts(), log.texts(warning, channels::audioDeviceTopology));
     EXPECT_THAT(log.entered(), ElementsAre("AudioDeviceTopology::connectorsAreLinked"));
 }
 
@@ -156,7 +157,8 @@ TEST_F(AudioDeviceTopologyConnectorsAreLinked, NotWhenTheIdsDifferOnlyInCase)
 
     EXPECT_FALSE(linked);
     EXPECT_THAT(questions(), IsEmpty());
-    EXPECT_THAT(log.texts(warning, channel), ElementsAre("Function treats the same connectors as unlinked"));
+    EXPECT_THAT(log.texts(warning, channels::audioDeviceTopology),
+                ElementsAre("Function treats the same connectors as unlinked"));
 }
 
 TEST_F(AudioDeviceTopologyConnectorsAreLinked, NotFromAConnectorWithoutAPartAndTheOtherIsNotLookedAt)
@@ -169,7 +171,7 @@ TEST_F(AudioDeviceTopologyConnectorsAreLinked, NotFromAConnectorWithoutAPartAndT
     EXPECT_FALSE(linked);
     EXPECT_THAT(questions(), IsEmpty());
     EXPECT_THAT(log.texts(), ElementsAre("One of the connectors is invalid"));
-    EXPECT_EQ(log.texts(), log.texts(warning, channel));
+    EXPECT_EQ(log.texts(), log.texts(warning, channels::audioDeviceTopology));
     EXPECT_THAT(log.entered("libSonavit.audioPart"), ElementsAre("AudioComponent::part()"));
 }
 
@@ -182,7 +184,7 @@ TEST_F(AudioDeviceTopologyConnectorsAreLinked, NotToAConnectorWithoutAPart)
 
     EXPECT_FALSE(linked);
     EXPECT_THAT(questions(), IsEmpty());
-    EXPECT_THAT(log.texts(warning, channel), ElementsAre("One of the connectors is invalid"));
+    EXPECT_THAT(log.texts(warning, channels::audioDeviceTopology), ElementsAre("One of the connectors is invalid"));
     EXPECT_THAT(log.entered("libSonavit.audioPart"), ElementsAre("AudioComponent::part()", "AudioComponent::part()"));
 }
 
@@ -193,7 +195,7 @@ TEST_F(AudioDeviceTopologyConnectorsAreLinked, NotToAConnectorOfAnotherDevice)
     const bool linked = ask(stream, speaker.connectorId());
 
     EXPECT_FALSE(linked);
-    EXPECT_THAT(log.texts(warning, channel),
+    EXPECT_THAT(log.texts(warning, channels::audioDeviceTopology),
                 ElementsAre(message(stream, speaker.connectorId()), message(speaker.connectorId(), stream)));
 }
 

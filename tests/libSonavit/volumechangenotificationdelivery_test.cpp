@@ -2,6 +2,7 @@
 #include "tests/libSonavit/supportpostbox.h"
 
 #include "libSonavit/volumecontroller.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/support/librarytest.h"
 
 #include <memory>
@@ -14,7 +15,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channelName = "libSonavit.volumeChangeNotification";
 constexpr UINT volumeChanged = 977;
 
 using Notification = COMPtr<VolumeChangeNotification>::pointer;
@@ -48,7 +48,7 @@ struct LogReader
     static void read(void* context)
     {
         LogReader& reader = *static_cast<LogReader*>(context);
-        reader.texts = reader.log.texts(channelName);
+        reader.texts = reader.log.texts(channels::volumeChangeNotification);
     }
 
     const support::LogCapture& log;
@@ -94,7 +94,7 @@ TEST_F(VolumeChangeNotificationOnNotify, LogsAndPostsToANullWindowWithNeitherWin
     EXPECT_EQ(S_OK, result);
     EXPECT_THAT(box().messages(), ElementsAre(messageTo(nullptr)));
     EXPECT_THAT(log.texts(), ElementsAre("OnNotify"));
-    EXPECT_EQ(log.texts(), log.texts(qor::LoggerPriority::LOG_ERROR, channelName));
+    EXPECT_EQ(log.texts(), log.texts(qor::LoggerPriority::LOG_ERROR, channels::volumeChangeNotification));
 }
 
 TEST_F(VolumeChangeNotificationOnNotify, CallsTheFunctionAndPostsToANullWindowWithoutAWindow)
@@ -226,7 +226,7 @@ TEST_F(VolumeChangeNotificationDelivery, ReachesFunctionAndWindowAtOnceWhereTheP
     EXPECT_EQ(1, listener.calls);
     EXPECT_EQ(std::this_thread::get_id(), listener.thread);
     EXPECT_THAT(box().messages(), ElementsAre(messageTo(box().window())));
-    EXPECT_THAT(log.texts(channelName), ElementsAre("OnNotify"));
+    EXPECT_THAT(log.texts(channels::volumeChangeNotification), ElementsAre("OnNotify"));
 }
 
 TEST_F(VolumeChangeNotificationDelivery, CallsTheFunctionOnThePlatformsThreadAndPostsToTheWindowsThread)

@@ -1,10 +1,10 @@
 #include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
 
 #include "qor/exception.h"
+#include "tests/libSonavit/supportchannels.h"
 
 namespace
 {
-using devicetest::channel;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -37,7 +37,7 @@ TEST_F(AudioDeviceActivation, OnAnEmptyDeviceThrowsOutOfTheVolumeControllerItsel
     {
         EXPECT_STREQ(devicetest::noDevice, failure.expression());
     }
-    EXPECT_THAT(log.entered(channel), ElementsAre("AudioDevice::volumeController()"));
+    EXPECT_THAT(log.entered(channels::audioDevice), ElementsAre("AudioDevice::volumeController()"));
 }
 
 #if !defined(_WIN32) // private templates are not exported there
@@ -129,7 +129,8 @@ TEST_F(AudioDeviceAudioClient, IsActivatedAgainOnEachCall)
     EXPECT_EQ(2, simulation().census().references("IAudioClient"));
     EXPECT_THAT(simulation().journal().entries().calls(),
                 ElementsAre("IMMDevice::Activate(IAudioClient, 23)", "IMMDevice::Activate(IAudioClient, 23)"));
-    EXPECT_THAT(log.entered(channel), ElementsAre("AudioDevice::audioClient", "AudioDevice::audioClient"));
+    EXPECT_THAT(log.entered(channels::audioDevice),
+                ElementsAre("AudioDevice::audioClient", "AudioDevice::audioClient"));
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 
@@ -216,7 +217,7 @@ TEST_F(AudioDeviceDeviceTopology, OfAnEmptyDeviceIsEmpty)
 
     EXPECT_EQ(nullptr, device.deviceTopology().get());
 
-    EXPECT_THAT(log.entered(channel), ElementsAre("AudioDevice::deviceTopology()"));
+    EXPECT_THAT(log.entered(channels::audioDevice), ElementsAre("AudioDevice::deviceTopology()"));
 }
 
 TEST_F(AudioDeviceDeviceTopology, IsTheOneThatWasActivatedFirst)
@@ -255,7 +256,8 @@ TEST_F(AudioDeviceDeviceTopology, SnapshotReplacesWhatTheCallerHad)
     EXPECT_EQ(speaker.id(), topology.deviceOwner().toUtf8());
     ASSERT_EQ(1u, topology.connector().size());
     EXPECT_EQ(speaker.connectorId(), topology.connector()[0].id().toUtf8());
-    EXPECT_THAT(log.entered(channel), ElementsAre("AudioDevice::deviceTopology(AudioDeviceTopology& topo)"));
+    EXPECT_THAT(log.entered(channels::audioDevice),
+                ElementsAre("AudioDevice::deviceTopology(AudioDeviceTopology& topo)"));
 }
 
 TEST_F(AudioDeviceDeviceTopology, SnapshotMayBeAskedForIntoItself)
@@ -282,7 +284,8 @@ TEST_F(AudioDeviceConnector, ListIsReplacedAndCounted)
 
     ASSERT_EQ(1u, connectors.size());
     EXPECT_EQ(speaker.connectorId(), connectors[0].id().toUtf8());
-    EXPECT_THAT(log.entered(channel), ElementsAre("AudioDevice::connector(qor::Array<AudioConnector>& connectorList)"));
+    EXPECT_THAT(log.entered(channels::audioDevice),
+                ElementsAre("AudioDevice::connector(qor::Array<AudioConnector>& connectorList)"));
 }
 
 TEST_F(AudioDeviceConnector, ListIsEmptyWithoutATopology)

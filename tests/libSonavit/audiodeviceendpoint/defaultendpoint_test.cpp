@@ -1,6 +1,7 @@
 #include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
 
 #include "libSonavit/endpointdeviceenumerator.h"
+#include "tests/libSonavit/supportchannels.h"
 
 #include <map>
 #include <memory>
@@ -9,7 +10,6 @@
 
 namespace
 {
-using devicetest::channel;
 using qor::LoggerPriority;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
@@ -316,7 +316,7 @@ TEST_F(AudioDeviceIsDefault, LogsEachStepAndEachReleaseFromALineOfItsOwn)
 
     std::map<std::string, std::set<int>> linesOfMessage;
     std::set<int> lines;
-    for (const support::LogCapture::Record& record : log.records(channel))
+    for (const support::LogCapture::Record& record : log.records(channels::audioDevice))
     {
         linesOfMessage[record.text].insert(record.line);
         lines.insert(record.line);

@@ -1,10 +1,10 @@
 #include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
 
 #include "simulator/machine/valuetext.h"
+#include "tests/libSonavit/supportchannels.h"
 
 namespace
 {
-using devicetest::channel;
 using devicetest::visible;
 using devicetest::withoutCounting;
 using qor::LoggerPriority;
@@ -67,7 +67,7 @@ TEST_F(AudioDeviceDefault, ReturnsItsStateWithoutAPlatformCall)
 
     EXPECT_EQ(unsigned(DEVICE_STATE_UNPLUGGED), state);
     EXPECT_THAT(simulation().journal().operations(), IsEmpty());
-    EXPECT_THAT(log.records(channel), IsEmpty());
+    EXPECT_THAT(log.records(channels::audioDevice), IsEmpty());
 }
 
 TEST_F(AudioDeviceDefault, MakesNoPlatformCallInItsConstructorAndDestructor)
@@ -84,7 +84,7 @@ TEST_F(AudioDeviceDefault, ConstructsWithoutATrace)
     const AudioDevice device;
     const AudioDevice copy(device);
 
-    EXPECT_THAT(log.records(channel), IsEmpty());
+    EXPECT_THAT(log.records(channels::audioDevice), IsEmpty());
 }
 
 TEST_F(AudioDeviceDefault, LogsBothAssignmentsInTheDestructor)
@@ -168,14 +168,14 @@ TEST_F(AudioDeviceOfPlatformDevice, TracesInThisOrder)
     const AudioDevice device(reference(speaker.id()));
 
     const std::string data = "bool AudioDevice::getDeviceData(const PROPERTYKEY& key, DataType& value)";
-    EXPECT_THAT(log.entered(channel),
+    EXPECT_THAT(log.entered(channels::audioDevice),
                 ElementsAre("AudioDevice::AudioDevice(IMMDevice* device)", "AudioDevice::initialize(IMMDevice* device)",
                             "AudioDevice::activateDeviceInterface()", "AudioDevice::refreshDeviceInformation()", data,
                             data, data, data, data, data,
                             "AudioDevice::connector(qor::Array<AudioConnector>& connectorList)",
                             "AudioDevice::Properties::logPropertyInfo()", "AudioDevice::volumeControl",
                             "AudioDevice::volumeController()", "AudioDevice::activateDeviceInterface()"));
-    EXPECT_EQ("AudioDevice::AudioDevice(IMMDevice* device)", log.left(channel).back());
+    EXPECT_EQ("AudioDevice::AudioDevice(IMMDevice* device)", log.left(channels::audioDevice).back());
 }
 
 TEST_F(AudioDeviceOfPlatformDevice, ReadsThePropertiesOfTheEndpoint)

@@ -1,13 +1,13 @@
 #include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
 
 #include "qor/exception.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/libSonavit/supportstackobject.h"
 
 #include <memory>
 
 namespace
 {
-using devicetest::channel;
 using devicetest::waveFormat;
 using qor::LoggerPriority;
 using testing::ElementsAre;
@@ -109,9 +109,9 @@ TEST_F(AudioDeviceSetFormat, TracesItselfAndTheRefresh)
 
     device().setFormat(waveFormat(better));
 
-    EXPECT_EQ("AudioDevice::setFormat", log.entered(channel).at(0));
-    EXPECT_EQ("AudioDevice::refreshDeviceInformation()", log.entered(channel).at(1));
-    EXPECT_EQ("AudioDevice::setFormat", log.left(channel).back());
+    EXPECT_EQ("AudioDevice::setFormat", log.entered(channels::audioDevice).at(0));
+    EXPECT_EQ("AudioDevice::refreshDeviceInformation()", log.entered(channels::audioDevice).at(1));
+    EXPECT_EQ("AudioDevice::setFormat", log.left(channels::audioDevice).back());
     EXPECT_THAT(messages(LoggerPriority::LOG_WARNING), IsEmpty());
 }
 
@@ -173,7 +173,7 @@ TEST_F(AudioDeviceSetFormat, OnAnEmptyDeviceThrows)
     {
         EXPECT_STREQ("m_propertyStore.get() != NULL", failure.expression());
     }
-    EXPECT_EQ("AudioDevice::setFormat", log.left(channel).back());
+    EXPECT_EQ("AudioDevice::setFormat", log.left(channels::audioDevice).back());
 }
 
 TEST_F(AudioDeviceSetFormat, ReportsAFormatThatTheSystemRefusesAndKeepsTheStoreOpen)

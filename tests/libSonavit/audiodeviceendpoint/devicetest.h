@@ -4,6 +4,7 @@
 #include "libSonavit/audiodeviceendpoint.h"
 #include "simulator/machine/nodetypes.h"
 #include "simulator/machine/propertykeys.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/support/librarytest.h"
 
 #include <algorithm>
@@ -15,8 +16,6 @@ namespace devicetest
 {
 using qor::LoggerPriority;
 using support::LogCapture;
-
-inline constexpr const char* channel = "libSonavit.audioDeviceEndpoint";
 
 /// The expression of the assertion that an empty object throws.
 inline constexpr const char* noDevice = "m_device.get() != NULL";
@@ -71,13 +70,16 @@ protected:
     IMMDevice* reference(const std::string& id) { return simulation().device(id); }
 
     /// Messages of the endpoint device's channel.
-    std::vector<std::string> messages(qor::LOGGER_PRIORITY priority) const { return log.texts(priority, channel); }
+    std::vector<std::string> messages(qor::LOGGER_PRIORITY priority) const
+    {
+        return log.texts(priority, channels::audioDevice);
+    }
 
     /// All records of the channel: "> label", "< label" and "priority text".
     std::vector<std::string> records() const
     {
         std::vector<std::string> lines;
-        for (const LogCapture::Record& record : log.records(channel))
+        for (const LogCapture::Record& record : log.records(channels::audioDevice))
         {
             if (record.kind == qor::LogRecord::Kind::message)
                 lines.push_back(std::to_string(static_cast<int>(record.priority)) + " " + record.text);

@@ -1,10 +1,11 @@
 #include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
 
+#include "tests/libSonavit/supportchannels.h"
+
 #include <memory>
 
 namespace
 {
-using devicetest::channel;
 using devicetest::waveFormat;
 using qor::LoggerPriority;
 using testing::ElementsAre;

@@ -1,8 +1,9 @@
 #include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
 
+#include "tests/libSonavit/supportchannels.h"
+
 namespace
 {
-using devicetest::channel;
 using devicetest::visible;
 using qor::LoggerPriority;
 using testing::ElementsAre;
@@ -281,7 +282,7 @@ TEST_F(AudioDeviceInitializeById, NestsTheTraceScopes)
 
     const AudioDevice device(qor::String::fromUtf8(speaker.id()));
 
-    const std::vector<std::string> labels = log.entered(channel);
+    const std::vector<std::string> labels = log.entered(channels::audioDevice);
     EXPECT_EQ("AudioDevice::AudioDevice(qor::String const& deviceId)", labels.at(0));
     EXPECT_EQ("AudioDevice::initialize(qor::String const& deviceId)", labels.at(1));
     EXPECT_EQ("AudioDevice::initialize(IMMDevice* device)", labels.at(2));

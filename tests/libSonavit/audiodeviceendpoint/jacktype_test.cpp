@@ -1,8 +1,9 @@
 #include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
 
+#include "tests/libSonavit/supportchannels.h"
+
 namespace
 {
-using devicetest::channel;
 using qor::LoggerPriority;
 using testing::ElementsAre;
 using testing::IsEmpty;

@@ -1,13 +1,13 @@
 #include "libSonavit/soundcard.h"
 #include "simulator/waveredirection.h"
 #include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
+#include "tests/libSonavit/supportchannels.h"
 
 #include <algorithm>
 #include <memory>
 
 namespace
 {
-using devicetest::channel;
 using qor::LoggerPriority;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
@@ -105,7 +105,7 @@ TEST_F(AudioDeviceWaveIdScan, AsksEachNumberInTurnUntilTheIdIsFound)
                      "CoTaskMemAlloc(" + bytes + ")", "waveOutMessage(1, 2065)", "CoTaskMemFree(CoTaskMemAlloc)"})));
     EXPECT_THAT(messages(LoggerPriority::LOG_INFO),
                 ElementsAre("Wave out device " + speaker.id() + " has waveOut id = 1"));
-    EXPECT_THAT(log.entered(channel), ElementsAre("waveOutLegacyDeviceID", "AudioDevice::dataFlow"));
+    EXPECT_THAT(log.entered(channels::audioDevice), ElementsAre("waveOutLegacyDeviceID", "AudioDevice::dataFlow"));
 }
 
 TEST_F(AudioDeviceWaveIdScan, IsNoneWithoutAMessageWhenAllNumbersAreSearched)
@@ -310,7 +310,7 @@ TEST_F(AudioDeviceWaveMessage, GoesToTheFunctionOfTheFlowWithoutATrace)
     EXPECT_EQ(MMSYSERR_BADDEVICEID, device().waveMessage(eAll, 3, 7, 0, 0));
 
     EXPECT_THAT(calls().calls(), ElementsAre("waveOutMessage(1, 5)", "waveInMessage(2, 6)", "waveInMessage(3, 7)"));
-    EXPECT_THAT(log.records(channel), IsEmpty());
+    EXPECT_THAT(log.records(channels::audioDevice), IsEmpty());
 }
 
 TEST_F(AudioDeviceWaveMessage, WidensTheNumberWithItsSign)

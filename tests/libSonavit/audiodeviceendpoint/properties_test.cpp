@@ -1,10 +1,11 @@
 #include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
 
+#include "tests/libSonavit/supportchannels.h"
+
 #include <cstddef>
 
 namespace
 {
-using devicetest::channel;
 using qor::LoggerPriority;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -91,12 +92,12 @@ TEST(DevicePropertiesLog, WritesSevenLinesInThisOrder)
 
     filled().logPropertyInfo();
 
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channel),
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channels::audioDevice),
                 ElementsAre("Device ID id", "Device Instance Path path", "Driver Node Strong Name driver",
                             "Friendly Name Analog Audio", "Endpoint Type Speakers",
                             "Physical Speaker Config 0x0000063F", "Device state is 8"));
     EXPECT_EQ(7u, log.texts().size());
-    EXPECT_THAT(log.entered(channel), ElementsAre("AudioDevice::Properties::logPropertyInfo()"));
+    EXPECT_THAT(log.entered(channels::audioDevice), ElementsAre("AudioDevice::Properties::logPropertyInfo()"));
 }
 
 TEST(DevicePropertiesLog, IsSilentAboveItsPriority)

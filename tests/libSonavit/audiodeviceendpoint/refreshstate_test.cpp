@@ -1,10 +1,11 @@
 #include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
 
+#include "tests/libSonavit/supportchannels.h"
+
 #include <memory>
 
 namespace
 {
-using devicetest::channel;
 using qor::LoggerPriority;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -40,7 +41,7 @@ TEST_F(AudioDeviceRefreshState, ReadsNothingElseAndOpensNoScope)
     device.refreshDeviceState();
 
     EXPECT_THAT(simulation().journal().operations(), ElementsAre("IMMDevice::GetState"));
-    EXPECT_THAT(log.records(channel), IsEmpty());
+    EXPECT_THAT(log.records(channels::audioDevice), IsEmpty());
 }
 
 TEST_F(AudioDeviceRefreshState, LogsAFailureAndKeepsTheState)

@@ -1,10 +1,10 @@
 #include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
 
 #include "libSonavit/volumechangenotification.h"
+#include "tests/libSonavit/supportchannels.h"
 
 namespace
 {
-using devicetest::channel;
 using qor::LoggerPriority;
 using testing::ElementsAre;
 
@@ -32,7 +32,7 @@ TEST_F(AudioDeviceVolumeControl, HasTheNameAndTypeThatWereJustRead)
     EXPECT_EQ("Speakers", control->ownerName().toUtf8());
     EXPECT_TRUE(control->ownerType() == sim::nodetypes::speaker);
     EXPECT_EQ(2u, control->numChannel());
-    EXPECT_THAT(log.entered(channel), ElementsAre("AudioDevice::volumeControl"));
+    EXPECT_THAT(log.entered(channels::audioDevice), ElementsAre("AudioDevice::volumeControl"));
 }
 
 TEST_F(AudioDeviceVolumeControl, IsSharedByAllCopies)
@@ -126,7 +126,8 @@ TEST_F(AudioDeviceVolumeControl, IsCreatedUnderTheLabelOfVolumeControl)
 
     EXPECT_TRUE(device.createVolumeControl());
 
-    EXPECT_THAT(log.entered(channel), ElementsAre("AudioDevice::volumeControl", "AudioDevice::volumeController()",
-                                                  "AudioDevice::activateDeviceInterface()"));
+    EXPECT_THAT(log.entered(channels::audioDevice),
+                ElementsAre("AudioDevice::volumeControl", "AudioDevice::volumeController()",
+                            "AudioDevice::activateDeviceInterface()"));
 }
 }

@@ -1,6 +1,7 @@
 #include "tests/libSonavit/supportgraph.h"
 
 #include "tests/libSonavit/audiopart/supportsubunit.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/libSonavit/supportplace.h"
 
 #include <type_traits>
@@ -13,7 +14,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.audioPart";
 constexpr const char* ownLabel = "AudioComponent::AudioComponent";
 constexpr const char* partLabel = "AudioConnector::AudioConnector(const COMPtr<IPart>::pointer& part)";
 constexpr const char* initializeLabel = "AudioPart::initialize()";
@@ -99,7 +99,7 @@ TYPED_TEST(AudioComponentConstructor, MakesAnEmptyComponentOfNullAndNilWithoutAP
     EXPECT_EQ(nullptr, ofNil.m_component.get());
     EXPECT_EQ(nullptr, ofNil.m_part.part().get());
     EXPECT_EQ("", ofNil.id().toUtf8());
-    EXPECT_THAT(this->log.entered(channel), ElementsAre(ownLabel, ownLabel));
+    EXPECT_THAT(this->log.entered(channels::audioPart), ElementsAre(ownLabel, ownLabel));
     EXPECT_THAT(this->log.texts(), IsEmpty());
     EXPECT_THAT(this->asked(), IsEmpty());
 }
@@ -145,7 +145,7 @@ TYPED_TEST(AudioComponentConstructor, MakesAnEmptyComponentOfANilPartInSilence)
 
     EXPECT_EQ(nullptr, component.m_component.get());
     EXPECT_EQ(nullptr, component.m_part.part().get());
-    EXPECT_THAT(this->log.entered(channel), ElementsAre(partLabel));
+    EXPECT_THAT(this->log.entered(channels::audioPart), ElementsAre(partLabel));
     EXPECT_THAT(this->log.texts(), IsEmpty());
     EXPECT_THAT(this->asked(), IsEmpty());
 }
@@ -343,7 +343,8 @@ TEST_F(AudioComponentQueries, FailToWalkAsThePartDoes)
     const unsigned int count = last.outgoingPartsList(list);
 
     EXPECT_EQ(0u, count);
-    EXPECT_THAT(log.texts(qor::LoggerPriority::LOG_ERROR, channel), ElementsAre("Unable to enumerate outgoing parts"));
+    EXPECT_THAT(log.texts(qor::LoggerPriority::LOG_ERROR, channels::audioPart),
+                ElementsAre("Unable to enumerate outgoing parts"));
 }
 
 TEST_F(AudioComponentQueries, TellTheDeviceThatOwnsTheComponent)

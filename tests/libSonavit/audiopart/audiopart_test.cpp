@@ -1,6 +1,7 @@
 #include "tests/libSonavit/supportgraph.h"
 
 #include "tests/libSonavit/audiopart/supportsubunit.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/libSonavit/supportplace.h"
 
 using support::GraphTest;
@@ -10,7 +11,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.audioPart";
 constexpr const char* plainLabel = "AudioConnector::AudioConnector(const IPart* part)";
 constexpr const char* handleLabel = "AudioConnector(const COMPtr<IPart>::pointer& part)";
 constexpr const char* initializeLabel = "AudioPart::initialize()";
@@ -51,7 +51,7 @@ TEST_F(AudioPartConstructor, MakesAnEmptyPartOfANullPointerWithoutAPlatformCall)
 
     EXPECT_EQ(nullptr, part.part().get());
     EXPECT_EQ("", part.globalId().toUtf8());
-    EXPECT_THAT(log.entered(channel), ElementsAre(plainLabel, initializeLabel));
+    EXPECT_THAT(log.entered(channels::audioPart), ElementsAre(plainLabel, initializeLabel));
     EXPECT_THAT(log.texts(), IsEmpty());
     EXPECT_THAT(asked(), IsEmpty());
 }
@@ -63,7 +63,7 @@ TEST_F(AudioPartConstructor, MakesAnEmptyPartOfANilHandleWithoutAPlatformCall)
     const AudioPart part((COMPtr<IPart>::pointer()));
 
     EXPECT_EQ(nullptr, part.part().get());
-    EXPECT_THAT(log.entered(channel), ElementsAre(handleLabel, initializeLabel));
+    EXPECT_THAT(log.entered(channels::audioPart), ElementsAre(handleLabel, initializeLabel));
     EXPECT_THAT(log.texts(), IsEmpty());
     EXPECT_THAT(asked(), IsEmpty());
 }
@@ -259,7 +259,7 @@ TEST_F(AudioPartTopology, IsNilWithoutAMessageForAnEmptyPart)
     const COMPtr<IDeviceTopology>::pointer topology = AudioPart().topology();
 
     EXPECT_EQ(nullptr, topology.get());
-    EXPECT_THAT(log.entered(channel), ElementsAre("AudioPart::topology()"));
+    EXPECT_THAT(log.entered(channels::audioPart), ElementsAre("AudioPart::topology()"));
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 
@@ -274,7 +274,7 @@ TEST_F(AudioPartTopology, IsNilWithAWarningWhenThePlatformFails)
     EXPECT_EQ(1u, fault.fired());
     EXPECT_EQ(nullptr, topology.get());
     EXPECT_THAT(log.texts(), ElementsAre("Unable to get topology object from part Speakers"));
-    EXPECT_EQ(log.texts(), log.texts(qor::LoggerPriority::LOG_WARNING, channel));
+    EXPECT_EQ(log.texts(), log.texts(qor::LoggerPriority::LOG_WARNING, channels::audioPart));
 }
 
 TEST_F(AudioPartTopology, IsNilWithAWarningWhenThePlatformSucceedsWithoutOne)
@@ -287,7 +287,7 @@ TEST_F(AudioPartTopology, IsNilWithAWarningWhenThePlatformSucceedsWithoutOne)
 
     EXPECT_EQ(1u, fault.fired());
     EXPECT_EQ(nullptr, topology.get());
-    EXPECT_THAT(log.texts(qor::LoggerPriority::LOG_WARNING, channel),
+    EXPECT_THAT(log.texts(qor::LoggerPriority::LOG_WARNING, channels::audioPart),
                 ElementsAre("Unable to get topology object from part Speakers"));
 }
 

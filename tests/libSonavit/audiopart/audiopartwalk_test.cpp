@@ -1,5 +1,6 @@
 // The two walks from a part to its neighbours, which differ only in their direction.
 #include "qor/exception.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/libSonavit/supportgraph.h"
 #include "tests/libSonavit/supportlogline.h"
 
@@ -10,8 +11,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.audioPart";
-
 /// The walks start at a subunit with three neighbours on either side: "mixer", fed by three connectors and feeding
 /// three.
 class AudioPartWalk : public GraphTest
@@ -150,7 +149,7 @@ TEST_P(AudioPartList, TracesTheWalkTheStoringAndEachPart)
     EXPECT_THAT(log.entered(),
                 ElementsAre(GetParam().label, "AudioPart::storePartsList",
                             "AudioConnector::AudioConnector(const IPart* part)", "AudioPart::initialize()"));
-    EXPECT_EQ(log.entered(), log.entered(channel));
+    EXPECT_EQ(log.entered(), log.entered(channels::audioPart));
 }
 
 TEST_P(AudioPartList, LeavesThePlatformsListUnreleasedAtEachWalk)
@@ -252,7 +251,7 @@ TEST_P(AudioPartList, StaysAsItWasWhenTheEnumerationFails)
     EXPECT_THAT(idsOf(list), ElementsAre(jack));
     EXPECT_EQ(neighbours(), idsOf(part.*GetParam().cache));
     EXPECT_THAT(log.texts(), ElementsAre(GetParam().message));
-    EXPECT_EQ(log.texts(), log.texts(qor::LoggerPriority::LOG_ERROR, channel));
+    EXPECT_EQ(log.texts(), log.texts(qor::LoggerPriority::LOG_ERROR, channels::audioPart));
     EXPECT_THAT(log.entered(), ElementsAre(GetParam().label));
 }
 
@@ -269,7 +268,7 @@ TEST_P(AudioPartList, FailsLikewiseWhenThereAreNoNeighbours)
 
     EXPECT_EQ(0u, count);
     EXPECT_THAT(idsOf(list), ElementsAre(jack));
-    EXPECT_THAT(log.texts(qor::LoggerPriority::LOG_ERROR, channel), ElementsAre(GetParam().message));
+    EXPECT_THAT(log.texts(qor::LoggerPriority::LOG_ERROR, channels::audioPart), ElementsAre(GetParam().message));
 }
 
 TEST_P(AudioPartList, AssertsWhenThePlatformSucceedsWithoutAList)

@@ -1,6 +1,7 @@
 #include "libSonavit/endpointdeviceenumerator.h"
 
 #include "tests/libSonavit/endpointdeviceenumerator/supportendpoints.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/support/librarytest.h"
 
 #include <memory>
@@ -16,7 +17,6 @@ using testing::Not;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.endpointDeviceEnumerator";
 constexpr const char* destructorLabel = "EndpointDeviceEnumerator::~EndpointDeviceEnumerator()";
 
 static_assert(!std::is_polymorphic_v<EndpointDeviceEnumerator>, "it has no virtual operation");
@@ -68,7 +68,8 @@ TEST_F(EndpointDeviceEnumeratorLife, IsNotInitializedWhenTheCreationFails)
     EXPECT_FALSE(enumerator.isInitialized());
     EXPECT_EQ(nullptr, enumerator.enumerator().get());
     EXPECT_THAT(log.texts(), ElementsAre("CoCreateInstance returns 0x8007000E"));
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_ERROR, channel), ElementsAre("CoCreateInstance returns 0x8007000E"));
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_ERROR, channels::deviceEnumerator),
+                ElementsAre("CoCreateInstance returns 0x8007000E"));
 }
 
 TEST_F(EndpointDeviceEnumeratorLife, IsNotInitializedWhenTheCreationSucceedsWithNothing)
@@ -140,8 +141,8 @@ TEST_F(EndpointDeviceEnumeratorLife, ReleasesTheEnumeratorWithinTheScopeOfItsDes
     const sim::PlannedFault release = simulation().faults().run("IMMDeviceEnumerator::Release",
                                                                 [&]
                                                                 {
-                                                                    entered = log.entered(channel);
-                                                                    left = log.left(channel);
+                                                                    entered = log.entered(channels::deviceEnumerator);
+                                                                    left = log.left(channels::deviceEnumerator);
                                                                 });
     auto enumerator = std::make_unique<EndpointDeviceEnumerator>();
     const std::uint32_t before = release.fired();
@@ -151,7 +152,7 @@ TEST_F(EndpointDeviceEnumeratorLife, ReleasesTheEnumeratorWithinTheScopeOfItsDes
     EXPECT_EQ(before + 1, release.fired());
     EXPECT_THAT(entered, Contains(destructorLabel));
     EXPECT_THAT(left, Not(Contains(destructorLabel)));
-    EXPECT_THAT(log.left(channel), Contains(destructorLabel));
+    EXPECT_THAT(log.left(channels::deviceEnumerator), Contains(destructorLabel));
     EXPECT_TRUE(simulation().census().empty()) << simulation().census();
 }
 
@@ -198,9 +199,10 @@ TEST_F(EndpointDeviceEnumeratorAudioDevices, LogsTheMaskInPlaceOfAnIndexAndOpens
 
     enumerator.audioDevices(eRender, devices);
 
-    EXPECT_THAT(log.texts(channel), ElementsAre("Device state index 15 found 5 devices"));
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channel), ElementsAre("Device state index 15 found 5 devices"));
-    EXPECT_THAT(log.entered(channel), IsEmpty());
+    EXPECT_THAT(log.texts(channels::deviceEnumerator), ElementsAre("Device state index 15 found 5 devices"));
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channels::deviceEnumerator),
+                ElementsAre("Device state index 15 found 5 devices"));
+    EXPECT_THAT(log.entered(channels::deviceEnumerator), IsEmpty());
 }
 
 TEST_F(EndpointDeviceEnumeratorAudioDevices, ReplacesWhatTheListHeldAndAnswersItsSize)
@@ -226,7 +228,7 @@ TEST_F(EndpointDeviceEnumeratorAudioDevices, EmptiesTheListEvenIfTheEnumerationI
 
     EXPECT_EQ(1u, fault.fired());
     EXPECT_EQ(0u, devices.size());
-    EXPECT_THAT(log.texts(channel), ElementsAre("Device state index 15 found 0 devices"));
+    EXPECT_THAT(log.texts(channels::deviceEnumerator), ElementsAre("Device state index 15 found 0 devices"));
 }
 
 TEST_F(EndpointDeviceEnumeratorAudioDevices, ReadsARefusedCountAsZero)
@@ -238,7 +240,7 @@ TEST_F(EndpointDeviceEnumeratorAudioDevices, ReadsARefusedCountAsZero)
     EXPECT_EQ(0u, enumerator.audioDevices(eRender, devices));
 
     EXPECT_EQ(1u, fault.fired());
-    EXPECT_THAT(log.texts(channel), ElementsAre("Device state index 15 found 0 devices"));
+    EXPECT_THAT(log.texts(channels::deviceEnumerator), ElementsAre("Device state index 15 found 0 devices"));
 }
 
 TEST_F(EndpointDeviceEnumeratorAudioDevices, KeepsThePlaceOfAnEndpointThatCannotBeObtained)

@@ -1,6 +1,7 @@
 #include "libSonavit/endpointdeviceenumerator.h"
 
 #include "tests/libSonavit/endpointdeviceenumerator/supportcountedclient.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/support/librarytest.h"
 
 #include <type_traits>
@@ -16,7 +17,6 @@ using testing::Not;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.endpointDeviceEnumerator";
 constexpr const char* label = "AudioDeviceEnumerator::deviceEnumerator()";
 constexpr const char* createCall = "CoCreateInstance(MMDeviceEnumerator, 1, IMMDeviceEnumerator)";
 
@@ -103,10 +103,10 @@ TEST_F(AudioDeviceEnumeratorDeviceEnumerator, CreatesThePlatformsEnumeratorOnFir
     EXPECT_NE(nullptr, enumerator.get());
     EXPECT_EQ(shared().m_deviceEnumerator.get(), enumerator.get());
     EXPECT_THAT(simulation().journal().of("CoCreateInstance").calls(), ElementsAre(createCall));
-    EXPECT_THAT(log.entered(channel), ElementsAre(label));
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_DEBUG, channel),
+    EXPECT_THAT(log.entered(channels::deviceEnumerator), ElementsAre(label));
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_DEBUG, channels::deviceEnumerator),
                 ElementsAre("IMMDeviceEnumerator refcount = 1", "IMMDeviceEnumerator refcount after copy = 1"));
-    EXPECT_EQ(2u, log.texts(channel).size());
+    EXPECT_EQ(2u, log.texts(channels::deviceEnumerator).size());
 }
 
 TEST_F(AudioDeviceEnumeratorDeviceEnumerator, ReturnsThePointerWithoutAReference)
@@ -127,7 +127,7 @@ TEST_F(AudioDeviceEnumeratorDeviceEnumerator, CreatesAndReportsNothingOnASecondC
     EXPECT_EQ(first, second);
     EXPECT_THAT(simulation().journal().operations(), IsEmpty());
     EXPECT_THAT(log.texts(), IsEmpty());
-    EXPECT_THAT(log.entered(channel), ElementsAre(label)); // the scope is opened on every call
+    EXPECT_THAT(log.entered(channels::deviceEnumerator), ElementsAre(label)); // the scope is opened on every call
 }
 
 TEST_F(AudioDeviceEnumeratorDeviceEnumerator, LogsAFailureReturnsNilAndTriesAgainNextTime)
@@ -137,11 +137,12 @@ TEST_F(AudioDeviceEnumeratorDeviceEnumerator, LogsAFailureReturnsNilAndTriesAgai
     EXPECT_EQ(nullptr, shared().deviceEnumerator().get());
     EXPECT_EQ(nullptr, shared().m_deviceEnumerator.get());
     EXPECT_EQ(1u, fault.fired());
-    EXPECT_THAT(log.texts(channel), ElementsAre("CoCreateInstance returns 0x8007000E"));
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_ERROR, channel), ElementsAre("CoCreateInstance returns 0x8007000E"));
+    EXPECT_THAT(log.texts(channels::deviceEnumerator), ElementsAre("CoCreateInstance returns 0x8007000E"));
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_ERROR, channels::deviceEnumerator),
+                ElementsAre("CoCreateInstance returns 0x8007000E"));
 
     EXPECT_NE(nullptr, shared().deviceEnumerator().get());
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_DEBUG, channel),
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_DEBUG, channels::deviceEnumerator),
                 ElementsAre("IMMDeviceEnumerator refcount = 1", "IMMDeviceEnumerator refcount after copy = 1"));
 }
 
@@ -151,7 +152,7 @@ TEST_F(AudioDeviceEnumeratorDeviceEnumerator, LogsNothingForASuccessWithoutAnEnu
 
     EXPECT_EQ(nullptr, shared().deviceEnumerator().get());
     EXPECT_EQ(1u, fault.fired());
-    EXPECT_THAT(log.texts(channel), IsEmpty());
+    EXPECT_THAT(log.texts(channels::deviceEnumerator), IsEmpty());
     EXPECT_NE(nullptr, shared().deviceEnumerator().get());
 }
 
@@ -177,8 +178,8 @@ TEST_F(AudioDeviceEnumeratorAddNotificationClient, CreatesTheEnumeratorFirstOnAF
 
     EXPECT_THAT(simulation().journal().entries().without("CoInitialize").operations(),
                 ElementsAre("CoCreateInstance", "IMMDeviceEnumerator::RegisterEndpointNotificationCallback"));
-    EXPECT_THAT(log.entered(channel), ElementsAre(label));
-    EXPECT_THAT(log.texts(channel),
+    EXPECT_THAT(log.entered(channels::deviceEnumerator), ElementsAre(label));
+    EXPECT_THAT(log.texts(channels::deviceEnumerator),
                 ElementsAre("IMMDeviceEnumerator refcount = 1", "IMMDeviceEnumerator refcount after copy = 1"));
 }
 
@@ -209,7 +210,7 @@ TEST_F(AudioDeviceEnumeratorAddNotificationClient, KeepsAClientThatThePlatformRe
     EXPECT_EQ(1u, client.count); // the list's only
     EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING),
                 ElementsAre("Fail to register notification callback 2147942405"));
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channel), Not(IsEmpty()));
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channels::deviceEnumerator), Not(IsEmpty()));
 
     endModule();
 
@@ -239,9 +240,10 @@ TEST_F(AudioDeviceEnumeratorAddNotificationClient, FailsWithTheListUnchangedIfTh
     EXPECT_EQ(1u, fault.fired());
     EXPECT_EQ(0u, shared().m_notificationClients.size());
     EXPECT_EQ(0u, client.count);
-    EXPECT_THAT(log.texts(channel),
+    EXPECT_THAT(log.texts(channels::deviceEnumerator),
                 ElementsAre("CoCreateInstance returns 0x80004005", "Fail to instantiate IMMDeviceNumerator"));
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channel), ElementsAre("Fail to instantiate IMMDeviceNumerator"));
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channels::deviceEnumerator),
+                ElementsAre("Fail to instantiate IMMDeviceNumerator"));
 }
 
 TEST_F(AudioDeviceEnumeratorAddNotificationClient, FailsEvenIfTheCreationSucceedsWithNull)
@@ -251,7 +253,7 @@ TEST_F(AudioDeviceEnumeratorAddNotificationClient, FailsEvenIfTheCreationSucceed
     EXPECT_FALSE(shared().addNotificationClient(client.handle()));
 
     EXPECT_EQ(1u, fault.fired());
-    EXPECT_THAT(log.texts(channel), ElementsAre("Fail to instantiate IMMDeviceNumerator"));
+    EXPECT_THAT(log.texts(channels::deviceEnumerator), ElementsAre("Fail to instantiate IMMDeviceNumerator"));
 }
 
 TEST_F(AudioDeviceEnumeratorAddNotificationClient, KeepsEveryClientInOrderOfRegistration)

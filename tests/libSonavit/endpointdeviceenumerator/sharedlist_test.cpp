@@ -1,6 +1,7 @@
 #include "libSonavit/endpointdeviceenumerator.h"
 
 #include "tests/libSonavit/endpointdeviceenumerator/supportendpoints.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/support/librarytest.h"
 
 using libSonavit::AudioDeviceEnumerator;
@@ -12,8 +13,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.endpointDeviceEnumerator";
-
 struct AudioDeviceEnumeratorAudioDevices : support::LibraryTest
 {
     /// The shared enumerator on @p machine with its platform enumerator, with log and journal cleared.
@@ -49,9 +48,9 @@ TEST_F(AudioDeviceEnumeratorAudioDevices, LogsTheirNumberAndOpensNoScope)
 
     shared.audioDevices(eRender, devices);
 
-    EXPECT_THAT(log.texts(channel), ElementsAre("Found 5 devices"));
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channel), ElementsAre("Found 5 devices"));
-    EXPECT_THAT(log.entered(channel), IsEmpty());
+    EXPECT_THAT(log.texts(channels::deviceEnumerator), ElementsAre("Found 5 devices"));
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channels::deviceEnumerator), ElementsAre("Found 5 devices"));
+    EXPECT_THAT(log.entered(channels::deviceEnumerator), IsEmpty());
 }
 
 TEST_F(AudioDeviceEnumeratorAudioDevices, ReplacesWhatTheListHeld)
@@ -75,7 +74,7 @@ TEST_F(AudioDeviceEnumeratorAudioDevices, EmptiesTheListForAFlowWithoutEndpoints
     EXPECT_EQ(0u, shared.audioDevices(eRender, devices));
 
     EXPECT_EQ(0u, devices.size());
-    EXPECT_THAT(log.texts(channel), ElementsAre("Found 0 devices"));
+    EXPECT_THAT(log.texts(channels::deviceEnumerator), ElementsAre("Found 0 devices"));
 }
 
 TEST_F(AudioDeviceEnumeratorAudioDevices, PassesAllFlowsThroughToThePlatform)

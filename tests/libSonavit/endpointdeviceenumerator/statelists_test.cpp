@@ -1,6 +1,7 @@
 #include "libSonavit/endpointdeviceenumerator.h"
 
 #include "tests/libSonavit/endpointdeviceenumerator/supportendpoints.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/support/librarytest.h"
 
 #include <algorithm>
@@ -13,7 +14,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.endpointDeviceEnumerator";
 constexpr const char* enumCall = "IMMDeviceEnumerator::EnumAudioEndpoints";
 
 static_assert(!std::is_polymorphic_v<EndpointDeviceEnumeratorCommon>, "it has no virtual operation");
@@ -77,7 +77,7 @@ TEST_F(EndpointDeviceEnumeratorCommonConstruction, EnumeratesTheFlowThatItIsGive
     EXPECT_THAT(namesOf(enumerator.activeDevice()), ElementsAre("Microphone"));
     EXPECT_NE(nullptr, enumerator.enumerator().get());
     EXPECT_EQ(nullptr, enumerator.m_notificationObserver);
-    EXPECT_THAT(log.entered(channel),
+    EXPECT_THAT(log.entered(channels::deviceEnumerator),
                 ElementsAre("EndpointDeviceEnumeratorCommon::EndpointDeviceEnumeratorCommon(EDataFlow flow)",
                             "EndpointDeviceEnumeratorCommon::enumerate(EDataFlow flow)",
                             "EndpointDeviceEnumeratorCommon::clear()"));
@@ -133,7 +133,7 @@ TEST_F(EndpointDeviceEnumeratorCommonEnumerate, LogsEachStateWithTheListStillEmp
 
     enumerator.enumerate(eRender);
 
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channel),
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channels::deviceEnumerator),
                 ElementsAre("Device state index 0 found 2 devices", "Device state index 0currently has 0 devices",
                             "Device state index 1 found 1 devices", "Device state index 1currently has 0 devices",
                             "Device state index 2 found 1 devices", "Device state index 2currently has 0 devices",
@@ -148,12 +148,13 @@ TEST_F(EndpointDeviceEnumeratorCommonEnumerate, EmptiesTheListsTwice)
 
     enumerator.enumerate(eRender);
 
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_DEBUG, channel),
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_DEBUG, channels::deviceEnumerator),
                 ElementsAre("clearing m_unplugged", "crearing m_disabled", "clearing m_notPresent", "clearing m_active",
                             "clearing m_unplugged", "crearing m_disabled", "clearing m_notPresent",
                             "clearing m_active"));
-    EXPECT_THAT(log.entered(channel), ElementsAre("EndpointDeviceEnumeratorCommon::enumerate(EDataFlow flow)",
-                                                  "EndpointDeviceEnumeratorCommon::clear()"));
+    EXPECT_THAT(log.entered(channels::deviceEnumerator),
+                ElementsAre("EndpointDeviceEnumeratorCommon::enumerate(EDataFlow flow)",
+                            "EndpointDeviceEnumeratorCommon::clear()"));
 }
 
 TEST_F(EndpointDeviceEnumeratorCommonEnumerate, SucceedsForAFlowWithoutEndpoints)
@@ -197,7 +198,8 @@ TEST_F(EndpointDeviceEnumeratorCommonEnumerate, LeavesAllListsEmptyWhenItFailsEv
     EXPECT_EQ(empty, lists(enumerator));
     EXPECT_EQ(nullptr, enumerator.enumerator().get());
     EXPECT_THAT(log.texts(LoggerPriority::LOG_ERROR), ElementsAre("CoCreateInstance returns 0x8007000E"));
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_ERROR, channel), ElementsAre("CoCreateInstance returns 0x8007000E"));
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_ERROR, channels::deviceEnumerator),
+                ElementsAre("CoCreateInstance returns 0x8007000E"));
 }
 
 TEST_F(EndpointDeviceEnumeratorCommonEnumerate, FailsWithoutAMessageIfTheCreationSucceedsWithNull)
@@ -293,9 +295,9 @@ TEST_F(EndpointDeviceEnumeratorCommonRefresh, TakesNewListsWithTheSameEnumerator
     const EndpointDeviceEnumeratorCommon& result = enumerator;
     EXPECT_THAT(namesOf(result.activeDevice()), ElementsAre("Unplugged", "Active", "Second active"));
     EXPECT_THAT(namesOf(result.unpluggedDevice()), IsEmpty());
-    EXPECT_THAT(log.entered(channel), IsEmpty());
+    EXPECT_THAT(log.entered(channels::deviceEnumerator), IsEmpty());
     EXPECT_THAT(
-        log.texts(LoggerPriority::LOG_DEBUG, channel),
+        log.texts(LoggerPriority::LOG_DEBUG, channels::deviceEnumerator),
         ElementsAre("clearing m_unplugged", "crearing m_disabled", "clearing m_notPresent", "clearing m_active"));
 }
 

@@ -2,6 +2,7 @@
 
 #include "tests/libSonavit/endpointdeviceenumerator/supportcountedclient.h"
 #include "tests/libSonavit/endpointdeviceenumerator/supportendpoints.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/support/librarytest.h"
 
 #include <memory>
@@ -14,7 +15,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.endpointDeviceEnumerator";
 constexpr const char* registerCall = "IMMDeviceEnumerator::RegisterEndpointNotificationCallback";
 constexpr const char* unregisterCall = "IMMDeviceEnumerator::UnregisterEndpointNotificationCallback";
 
@@ -145,10 +145,12 @@ TEST_F(EndpointDeviceEnumeratorCommonDestruction, ClearsWithinItsScope)
 {
     enumerator.reset();
 
-    EXPECT_THAT(log.entered(channel), ElementsAre("EndpointDeviceEnumeratorCommon::~EndpointDeviceEnumeratorCommon()",
-                                                  "EndpointDeviceEnumeratorCommon::clear()"));
-    EXPECT_THAT(log.left(channel), ElementsAre("EndpointDeviceEnumeratorCommon::clear()",
-                                               "EndpointDeviceEnumeratorCommon::~EndpointDeviceEnumeratorCommon()"));
+    EXPECT_THAT(log.entered(channels::deviceEnumerator),
+                ElementsAre("EndpointDeviceEnumeratorCommon::~EndpointDeviceEnumeratorCommon()",
+                            "EndpointDeviceEnumeratorCommon::clear()"));
+    EXPECT_THAT(log.left(channels::deviceEnumerator),
+                ElementsAre("EndpointDeviceEnumeratorCommon::clear()",
+                            "EndpointDeviceEnumeratorCommon::~EndpointDeviceEnumeratorCommon()"));
     EXPECT_TRUE(simulation().census().empty()) << simulation().census();
 }
 

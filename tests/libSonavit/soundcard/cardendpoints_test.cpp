@@ -1,6 +1,7 @@
 #include "libSonavit/soundcard.h"
 
 #include "tests/libSonavit/soundcard/supportcards.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/support/librarytest.h"
 
 using qor::LoggerPriority;
@@ -11,8 +12,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.soundcard";
-
 struct SoundCardAddDevice : support::LibraryTest
 {
     void SetUp() override
@@ -39,7 +38,7 @@ TEST_F(SoundCardAddDevice, AppendsACopy)
 
     EXPECT_THAT(idsOf(*card.m_playbackDevices), ElementsAre("one", "two"));
     EXPECT_EQ(0u, card.m_recordDevices->size());
-    EXPECT_THAT(log.texts(channel), IsEmpty());
+    EXPECT_THAT(log.texts(channels::soundCard), IsEmpty());
 }
 
 TEST_F(SoundCardAddDevice, OpensTwoScopes)
@@ -49,7 +48,7 @@ TEST_F(SoundCardAddDevice, OpensTwoScopes)
 
     card.addDevice(*card.m_recordDevices, endpointOf("one"));
 
-    EXPECT_THAT(log.entered(channel),
+    EXPECT_THAT(log.entered(channels::soundCard),
                 ElementsAre("addDevice(Array<AudioDevice>& deviceTable, const AudioDevice& device)",
                             "SoundCard::isDeviceAlreadyInTheCard"));
 }
@@ -64,8 +63,9 @@ TEST_F(SoundCardAddDevice, RefusesAnIdThatDiffersOnlyInCaseFromOneOfTheOtherList
 
     EXPECT_EQ(0u, card.m_playbackDevices->size());
     EXPECT_EQ(1u, card.m_recordDevices->size());
-    EXPECT_THAT(log.texts(channel), ElementsAre("Cannot add duplicate device {0.0.1}.abc"));
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_ERROR, channel), ElementsAre("Cannot add duplicate device {0.0.1}.abc"));
+    EXPECT_THAT(log.texts(channels::soundCard), ElementsAre("Cannot add duplicate device {0.0.1}.abc"));
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_ERROR, channels::soundCard),
+                ElementsAre("Cannot add duplicate device {0.0.1}.abc"));
 }
 
 TEST_F(SoundCardAddDevice, RefusesTheSameIdAgain)
@@ -88,7 +88,7 @@ TEST_F(SoundCardIsDeviceAlreadyInTheCard, LooksAtBothListsOfEndpoints)
     EXPECT_TRUE(card.isDeviceAlreadyInTheCard("PLAYBACK"));
     EXPECT_TRUE(card.isDeviceAlreadyInTheCard("Record"));
     EXPECT_FALSE(card.isDeviceAlreadyInTheCard("neither"));
-    EXPECT_THAT(log.entered(channel),
+    EXPECT_THAT(log.entered(channels::soundCard),
                 ElementsAre("SoundCard::isDeviceAlreadyInTheCard", "SoundCard::isDeviceAlreadyInTheCard",
                             "SoundCard::isDeviceAlreadyInTheCard"));
     EXPECT_THAT(log.texts(), IsEmpty());
@@ -122,8 +122,8 @@ TEST_F(SoundCardAddEndpointDevice, RefusesAnyOtherFlowInSilence)
 
     EXPECT_EQ(0u, card.m_playbackDevices->size());
     EXPECT_EQ(0u, card.m_recordDevices->size());
-    EXPECT_THAT(log.texts(channel), IsEmpty());
-    EXPECT_THAT(log.entered(channel), ElementsAre("SoundCard::addEndpointDevice"));
+    EXPECT_THAT(log.texts(channels::soundCard), IsEmpty());
+    EXPECT_THAT(log.entered(channels::soundCard), ElementsAre("SoundCard::addEndpointDevice"));
 }
 
 TEST_F(SoundCardAddEndpointDevice, RefusesAnEndpointThatTheCardHas)
@@ -148,5 +148,5 @@ TEST_F(SoundCardAddEndpointDevice, HasAFunctionForEachFlowWithoutATraceScope)
 
     EXPECT_THAT(idsOf(*card.m_playbackDevices), ElementsAre("playback"));
     EXPECT_THAT(idsOf(*card.m_recordDevices), ElementsAre("record"));
-    EXPECT_EQ(8u, log.entered(channel).size()); // addDevice and isDeviceAlreadyInTheCard, four times each
+    EXPECT_EQ(8u, log.entered(channels::soundCard).size()); // addDevice and isDeviceAlreadyInTheCard, four times each
 }

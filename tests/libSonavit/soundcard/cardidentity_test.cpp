@@ -1,5 +1,6 @@
 #include "libSonavit/soundcard.h"
 
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/support/librarytest.h"
 
 using qor::LoggerPriority;
@@ -8,8 +9,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.soundcard";
-
 struct CardIdentityTest : support::LibraryTest
 {
     void SetUp() override
@@ -35,7 +34,7 @@ struct SoundCardInstanceId : CardIdentityTest
         const qor::String instanceId = card.instanceId();
         entered = log.entered();
         texts = log.texts();
-        warnings = log.texts(LoggerPriority::LOG_WARNING, channel);
+        warnings = log.texts(LoggerPriority::LOG_WARNING, channels::soundCard);
         return instanceId;
     }
 

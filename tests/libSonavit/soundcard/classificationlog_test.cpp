@@ -1,6 +1,7 @@
 #include "libSonavit/soundcard.h"
 
 #include "tests/libSonavit/soundcard/supportcards.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/libSonavit/supportlogline.h"
 #include "tests/support/librarytest.h"
 
@@ -11,7 +12,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.soundcard";
 constexpr const char* filterLabel =
     "SoundCard::findEndpoint(const Array<AudioDevice>& searchFrom, Array<AudioDevice>& result, Uint32 filter)";
 constexpr const char* typeLabel =
@@ -35,9 +35,9 @@ struct SoundCardQueryLog : support::LibraryTest
         card.m_recordDevices->append(endpointOf("3", "Desk", KSNODETYPE_MICROPHONE, DEVICE_STATE_UNPLUGGED));
         log.clear();
         query(card);
-        entered = log.entered(channel);
-        texts = log.texts(channel);
-        debugTexts = log.texts(LoggerPriority::LOG_DEBUG, channel);
+        entered = log.entered(channels::soundCard);
+        texts = log.texts(channels::soundCard);
+        debugTexts = log.texts(LoggerPriority::LOG_DEBUG, channels::soundCard);
     }
 
     qor::Array<AudioDevice>& fresh() { return *(m_copies = std::make_unique<qor::Array<AudioDevice>>()); }

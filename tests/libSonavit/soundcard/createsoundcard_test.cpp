@@ -3,6 +3,7 @@
 #include "libSonavit/endpointdeviceenumerator.h"
 #include "libSonavit/soundcardupdater.h"
 #include "tests/libSonavit/soundcard/supportcards.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/support/librarytest.h"
 
 using qor::LoggerPriority;
@@ -12,8 +13,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.soundcard";
-
 struct CreateSoundCard : support::LibraryTest
 {
     /// Adds a card of that instance id with one speaker of that name.
@@ -55,7 +54,7 @@ TEST_F(CreateSoundCard, FindsACardByItsInstanceIdWithoutRegardToCase)
 
     EXPECT_EQ(qor::String("{1}.USB\\VID_0002\\2"), card.deviceId());
     EXPECT_THAT(namesOf(*card.m_playbackDevices), ElementsAre("Second"));
-    EXPECT_EQ("SoundCard::createSoundCard", log.entered(channel)[0]);
+    EXPECT_EQ("SoundCard::createSoundCard", log.entered(channels::soundCard)[0]);
 }
 
 TEST_F(CreateSoundCard, HandsOutACardWithItsMap)
@@ -140,9 +139,10 @@ TEST_F(CreateSoundCard, ReportsACardWithoutAParentAndTestsItAllTheSame)
 
     EXPECT_TRUE(SoundCard::createSoundCard("nowhere\\orphan\\1", card));
 
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channel),
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channels::soundCard),
                 ElementsAre("Unable to get parent id from the child id NOWHERE\\ORPHAN\\1"));
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channel), ElementsAre("NOWHERE\\ORPHAN\\1", "nowhere\\orphan\\1"));
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channels::soundCard),
+                ElementsAre("NOWHERE\\ORPHAN\\1", "nowhere\\orphan\\1"));
 }
 
 TEST_F(CreateSoundCard, StopsAtTheMatch)
@@ -153,7 +153,7 @@ TEST_F(CreateSoundCard, StopsAtTheMatch)
 
     EXPECT_TRUE(SoundCard::createSoundCard("NOWHERE\\1", card));
 
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channel),
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channels::soundCard),
                 ElementsAre("Unable to get parent id from the child id NOWHERE\\1"));
 }
 
@@ -165,7 +165,7 @@ TEST_F(CreateSoundCard, AsksForTheInstanceIdAnewAtEachUse)
     EXPECT_FALSE(SoundCard::createSoundCard("USB", card));
 
     const char* const unrecognized = "Unrecognized device id format ";
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channel),
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channels::soundCard),
                 ElementsAre(unrecognized,                                 // for the question for the parent
                             unrecognized,                                 // for the text that says it has none
                             "Unable to get parent id from the child id ", //
@@ -211,10 +211,10 @@ TEST_F(CreateSoundCard, LogsParentAndInstanceIdOfEachCardItLooksAt)
 
     EXPECT_FALSE(SoundCard::createSoundCard("USB3", card));
 
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channel),
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channels::soundCard),
                 ElementsAre("Parent device id = HUB1 device id =USB1", "USB1", "USB3",
                             "Parent device id = HUB2 device id =USB2", "USB2", "USB3"));
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channel), IsEmpty());
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channels::soundCard), IsEmpty());
 }
 
 TEST_F(CreateSoundCard, AsksForTheParentOfEachInstanceIdOnce)

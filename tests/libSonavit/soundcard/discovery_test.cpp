@@ -3,6 +3,7 @@
 #include "libSonavit/endpointdeviceenumerator.h"
 #include "libSonavit/soundcardupdater.h"
 #include "tests/libSonavit/soundcard/supportcards.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/support/librarytest.h"
 
 #include <memory>
@@ -16,7 +17,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.soundcard";
 constexpr const char* filingLabel =
     "SoundCard::enumerateSystemSoundDevices(const AudioDevice& audioDevice, EDataFlow dataFlow, "
     "OrderedHashTable<String, SoundCard>& deviceTable)";
@@ -46,7 +46,7 @@ TEST_F(SoundCardDiscovery, FindsNothingAndRegistersNothingOnAMachineWithoutEndpo
 
     EXPECT_EQ(nullptr, AudioDeviceEnumeratorFactory::m_enumerator.get());
     EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING), IsEmpty());
-    EXPECT_THAT(log.entered(channel), ElementsAre("SoundCard::enumerateSystemSoundDevices"));
+    EXPECT_THAT(log.entered(channels::soundCard), ElementsAre("SoundCard::enumerateSystemSoundDevices"));
 }
 
 TEST_F(SoundCardDiscovery, GathersTheEndpointsOfOneInstancePathInOneCard)
@@ -146,7 +146,7 @@ TEST_F(SoundCardDiscovery, GathersEndpointsWithoutAPathInOneCardWithAnEmptyId)
     EXPECT_EQ(qor::String(), cards[0].deviceId());
     log.clear();
     EXPECT_EQ(qor::String(), cards[0].instanceId());
-    EXPECT_THAT(log.texts(channel), ElementsAre("Unrecognized device id format "));
+    EXPECT_THAT(log.texts(channels::soundCard), ElementsAre("Unrecognized device id format "));
 }
 
 TEST_F(SoundCardDiscovery, FilesAnEndpointThatCannotBeHadUnderTheEmptyPath)
@@ -180,7 +180,7 @@ TEST_F(SoundCardDiscovery, RefusesASecondEndpointOfOneId)
 
     ASSERT_EQ(1u, cards.size());
     EXPECT_THAT(support::idsOf(*cards[0].m_playbackDevices), ElementsAre(speaker.id(), "{0.0.0.00000000}.TWIN"));
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_ERROR, channel),
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_ERROR, channels::soundCard),
                 ElementsAre("Cannot add duplicate device {0.0.0.00000000}.twin"));
 }
 
@@ -195,7 +195,7 @@ TEST_F(SoundCardDiscovery, BuildsTheMapsOnlyWhenAllEndpointsAreFiled)
     const qor::Array<SoundCard> cards = SoundCard::enumerateSystemSoundDevices();
 
     std::vector<std::string> steps;
-    for (const std::string& label : log.entered(channel))
+    for (const std::string& label : log.entered(channels::soundCard))
     {
         if (label == filingLabel || label == "SoundCard::initializeConnectorMap")
             steps.push_back(label);
@@ -254,8 +254,8 @@ TEST_F(SoundCardDiscovery, ReportsThatThereIsNoEnumerator)
 
     EXPECT_EQ(before + 3, fault.fired());
     const char* const text = "Faild to initialize endpoint device enumerator";
-    EXPECT_THAT(log.texts(channel), ElementsAre(text, text, text));
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channel), ElementsAre(text, text, text));
+    EXPECT_THAT(log.texts(channels::soundCard), ElementsAre(text, text, text));
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channels::soundCard), ElementsAre(text, text, text));
 }
 
 TEST_F(SoundCardDiscovery, FindsNothingOnAThreadWithoutCom)
@@ -267,7 +267,7 @@ TEST_F(SoundCardDiscovery, FindsNothingOnAThreadWithoutCom)
     std::thread([&] { found = SoundCard::enumerateSystemSoundDevices().size(); }).join();
 
     EXPECT_EQ(0u, found);
-    EXPECT_THAT(log.texts(channel), ElementsAre("Faild to initialize endpoint device enumerator"));
+    EXPECT_THAT(log.texts(channels::soundCard), ElementsAre("Faild to initialize endpoint device enumerator"));
     EXPECT_THAT(log.texts(LoggerPriority::LOG_ERROR), ElementsAre("CoCreateInstance returns 0x800401F0"));
     EXPECT_EQ(nullptr, AudioDeviceEnumeratorFactory::m_enumerator.get()); // which would have initialised COM
 }

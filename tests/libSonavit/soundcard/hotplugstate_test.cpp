@@ -1,6 +1,8 @@
 // A card's endpoint changes its state.
 #include "tests/libSonavit/soundcard/supporthotplug.h"
 
+#include "tests/libSonavit/supportchannels.h"
+
 #include <algorithm>
 
 using qor::LoggerPriority;
@@ -10,8 +12,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.soundcard";
-
 struct HotPlugStateChanged : support::HotPlug
 {
 };
@@ -69,7 +69,7 @@ TEST_F(HotPlugStateChanged, LogsIdAndNewStateBeforeItOpensTheEndpoint)
     }
     ASSERT_LT(message, records.size());
     EXPECT_EQ(LoggerPriority::LOG_DEBUG, records[message].priority);
-    EXPECT_EQ(channel, records[message].channel);
+    EXPECT_EQ(channels::soundCard, records[message].channel);
     EXPECT_LT(message, opened);
 }
 

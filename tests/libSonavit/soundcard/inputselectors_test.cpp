@@ -1,5 +1,6 @@
 #include "tests/libSonavit/soundcard/supportgraphcard.h"
 #include "tests/libSonavit/soundcard/supportscriptedparts.h"
+#include "tests/libSonavit/supportchannels.h"
 
 using qor::LoggerPriority;
 using testing::ElementsAre;
@@ -7,8 +8,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.soundcard";
-
 typedef qor::Array<COMPtr<IAudioInputSelector>::pointer> Selectors;
 
 struct RecordingMux : support::GraphCardTest
@@ -42,8 +41,9 @@ TEST_F(RecordingMux, LogsTheNumberOfInternalDevicesAndReturnsTheSizeItFoundOnACa
 
     EXPECT_EQ(1u, discovered().recordingMux(selectors));
 
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_DEBUG, channel), ElementsAre("Number of internal devices = 0"));
-    EXPECT_THAT(log.entered(channel), ElementsAre("SoundCard::recordingMux"));
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_DEBUG, channels::soundCard),
+                ElementsAre("Number of internal devices = 0"));
+    EXPECT_THAT(log.entered(channels::soundCard), ElementsAre("SoundCard::recordingMux"));
 }
 
 TEST_F(RecordingMux, AppendsToAResultThatHoldsTwoAndReturnsThree)
@@ -66,7 +66,7 @@ TEST_F(RecordingMux, FindsTwoSelectorsOfOneDeviceAndNamesTheDeviceForEach)
 
     EXPECT_EQ(2u, discovered().recordingMux(selectors));
 
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channel),
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channels::soundCard),
                 ElementsAre("Found an input selector from device Board board",
                             "Found an input selector from device Board board"));
 }
@@ -80,7 +80,7 @@ TEST_F(RecordingMux, GoesThroughAllDevicesInTheOrderInWhichTheyWereFound)
     EXPECT_EQ(2u, discovered().recordingMux(selectors));
 
     EXPECT_THAT(
-        log.texts(LoggerPriority::LOG_INFO, channel),
+        log.texts(LoggerPriority::LOG_INFO, channels::soundCard),
         ElementsAre("Found an input selector from device Board b", "Found an input selector from device Board a"));
 }
 
@@ -188,7 +188,7 @@ TEST_F(RecordingMux, AddsNothingForADeviceWithoutATopologyOrWithoutSubunits)
     Selectors selectors;
 
     EXPECT_EQ(0u, card.recordingMux(selectors));
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channel), IsEmpty());
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channels::soundCard), IsEmpty());
 }
 
 TEST_F(RecordingMux, ReleasesASelectorWhoseSubunitThrowsAtItsRelease)

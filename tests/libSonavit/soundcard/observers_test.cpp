@@ -1,6 +1,7 @@
 #include "libSonavit/soundcard.h"
 
 #include "tests/libSonavit/soundcard/supportobserver.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/support/librarytest.h"
 
 using qor::LoggerPriority;
@@ -9,8 +10,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.soundcard";
-
 struct SoundCardObservers : support::LibraryTest
 {
     void SetUp() override
@@ -41,7 +40,7 @@ TEST_F(SoundCardObservers, AreAppendedToTheListOfTheirSideEachTimeTheyAreRegiste
     EXPECT_EQ(2u, card->m_playbackObservers->size());
     EXPECT_EQ(1u, card->m_recordObservers->size());
     EXPECT_THAT(log.texts(), IsEmpty());
-    EXPECT_THAT(log.entered(channel),
+    EXPECT_THAT(log.entered(channels::soundCard),
                 ElementsAre("SoundCard::registerPlaybackObserver", "SoundCard::registerPlaybackObserver",
                             "SoundCard::registerRecordObserver"));
 }
@@ -53,7 +52,7 @@ TEST_F(SoundCardObservers, AreRefusedWithAMessageWhenTheyAreNull)
 
     EXPECT_EQ(0u, card->m_playbackObservers->size());
     EXPECT_EQ(0u, card->m_recordObservers->size());
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channel),
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channels::soundCard),
                 ElementsAre("Unable to register playback observer", "Unable to register record observer"));
 }
 
@@ -65,7 +64,7 @@ TEST_F(SoundCardObservers, AreRefusedWithAMessageByACardWithoutLists)
     EXPECT_FALSE(card->registerPlaybackObserver(observer.handle()));
     EXPECT_FALSE(card->registerRecordObserver(observer.handle()));
 
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channel),
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channels::soundCard),
                 ElementsAre("Unable to register playback observer", "Unable to register record observer"));
 }
 

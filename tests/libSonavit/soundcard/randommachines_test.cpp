@@ -44,7 +44,7 @@ std::string writtenMachine(const sim::Machine& machine)
     return "see it with: sonavit graph --machine " + path;
 }
 
-ReferenceControl described(const SoundCard::VolumeController& control)
+ReferenceControl controlOf(const SoundCard::VolumeController& control)
 {
     ReferenceControl result{1.0f, -1, control.ownerName.toUtf8(), control.ownerType};
     EXPECT_EQ(S_OK, control.volumeLevel->GetLevel(0, &result.level));
@@ -70,7 +70,7 @@ ReferenceAnswer controlsOf(const SoundCard& card, const AudioDevice& endpoint)
         answer.leftTheGraph = true;
     }
     for (unsigned int i = 0; i < controls.size(); ++i)
-        answer.controls.push_back(described(controls[i]));
+        answer.controls.push_back(controlOf(controls[i]));
     return answer;
 }
 

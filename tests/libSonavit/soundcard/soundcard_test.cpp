@@ -3,6 +3,7 @@
 #include "libSonavit/endpointdeviceenumerator.h"
 #include "libSonavit/soundcardupdater.h"
 #include "tests/libSonavit/endpointdeviceenumerator/supportendpoints.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/support/librarytest.h"
 
 #include <algorithm>
@@ -17,7 +18,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.soundcard";
 constexpr const char* registerCall = "IMMDeviceEnumerator::RegisterEndpointNotificationCallback";
 constexpr const char* unregisterCall = "IMMDeviceEnumerator::UnregisterEndpointNotificationCallback";
 constexpr const char* referenceLabel = "SoundCard::SoundCardDeviceUpdater::Release"; // of AddRef, too
@@ -86,7 +86,7 @@ TEST_F(SoundCardConstruction, GivesTheUpdaterItsSharesInTheirOrder)
 {
     const SoundCard card;
 
-    EXPECT_THAT(withoutReferences(log.entered(channel)),
+    EXPECT_THAT(withoutReferences(log.entered(channels::soundCard)),
                 ElementsAre("SoundCard::SoundCardDeviceUpdatersetRecordDeviceList",
                             "SoundCard::SoundCardDeviceUpdater::setPlaybackDeviceList",
                             "SoundCard::SoundCardDeviceUpdater::setPlaybackObserver",
@@ -96,7 +96,7 @@ TEST_F(SoundCardConstruction, GivesTheUpdaterItsSharesInTheirOrder)
     EXPECT_EQ(card.m_deviceId.get(), card.m_updater->m_ownerId.get());
     EXPECT_EQ(card.m_playbackObservers.get(), card.m_updater->m_playbackObserver.get());
     EXPECT_EQ(card.m_recordObservers.get(), card.m_updater->m_recordObserver.get());
-    EXPECT_THAT(log.texts(channel), IsEmpty());
+    EXPECT_THAT(log.texts(channels::soundCard), IsEmpty());
 }
 
 TEST_F(SoundCardConstruction, RegistersTheUpdaterWithTheSharedEnumerator)
@@ -126,7 +126,7 @@ TEST_F(SoundCardConstruction, ReportsAFailingRegistrationThroughTheEnumeratorAlo
     EXPECT_EQ(1u, fault.fired());
     EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING),
                 ElementsAre("Fail to register notification callback 2147942414"));
-    EXPECT_THAT(log.texts(channel), IsEmpty());
+    EXPECT_THAT(log.texts(channels::soundCard), IsEmpty());
     EXPECT_NE(nullptr, card.m_playbackDevices.get());
     EXPECT_EQ(2u, updaterReferences(card)); // the card's and the enumerator's
 }
@@ -240,8 +240,8 @@ TEST_F(SoundCardDestruction, OpensAndClosesItsScopeBeforeTheFieldsGo)
 
     card.reset();
 
-    EXPECT_THAT(log.entered(channel), ElementsAre("SoundCard::~SoundCard()", referenceLabel));
-    EXPECT_THAT(log.left(channel), ElementsAre("SoundCard::~SoundCard()", referenceLabel));
+    EXPECT_THAT(log.entered(channels::soundCard), ElementsAre("SoundCard::~SoundCard()", referenceLabel));
+    EXPECT_THAT(log.left(channels::soundCard), ElementsAre("SoundCard::~SoundCard()", referenceLabel));
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 
@@ -282,7 +282,7 @@ TEST_F(SoundCardDestruction, WorksThroughTheInterface)
 
     card.reset();
 
-    EXPECT_THAT(log.entered(channel), ElementsAre("SoundCard::~SoundCard()", referenceLabel));
+    EXPECT_THAT(log.entered(channels::soundCard), ElementsAre("SoundCard::~SoundCard()", referenceLabel));
 }
 
 TEST_F(SoundCardDestruction, LeavesOneClientForEveryCardThatWasDefaultConstructed)

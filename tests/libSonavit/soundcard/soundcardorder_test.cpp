@@ -3,6 +3,7 @@
 #include "libSonavit/soundcard.h"
 #include "libSonavit/soundcardupdater.h"
 #include "tests/libSonavit/soundcard/supportgraphs.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/support/librarytest.h"
 
 #include <algorithm>
@@ -17,7 +18,6 @@ using testing::StartsWith;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.soundcard";
 constexpr const char* registerCall = "IMMDeviceEnumerator::RegisterEndpointNotificationCallback";
 constexpr const char* referenceLabel = "SoundCard::SoundCardDeviceUpdater::Release"; // of AddRef, too
 
@@ -29,7 +29,7 @@ struct SoundCardOrder : support::LibraryTest
         std::vector<std::string> found;
         for (const support::LogCapture::Record& record : log.records())
         {
-            const bool isEntered = record.kind == qor::LogRecord::Kind::enter && record.channel == channel;
+            const bool isEntered = record.kind == qor::LogRecord::Kind::enter && record.channel == channels::soundCard;
             const bool isOfCom = record.kind == qor::LogRecord::Kind::message && record.channel == "comptr";
             if (isEntered || isOfCom)
                 found.push_back(record.text);
@@ -91,7 +91,8 @@ TEST_F(SoundCardOrder, OfItsEndIsThatOfTheFieldsBackwardsFromTheGraphToTheUpdate
     auto card = std::make_unique<SoundCard>(SoundCard::enumerateSystemSoundDevices()[0]);
     std::vector<std::vector<std::string>> whenANodeGoes;
     simulation().journal().recordReferences(true);
-    simulation().faults().run("IConnector::Release", [&] { whenANodeGoes.push_back(log.entered(channel)); });
+    simulation().faults().run("IConnector::Release",
+                              [&] { whenANodeGoes.push_back(log.entered(channels::soundCard)); });
     log.clear();
 
     card.reset();
@@ -99,5 +100,5 @@ TEST_F(SoundCardOrder, OfItsEndIsThatOfTheFieldsBackwardsFromTheGraphToTheUpdate
     simulation().faults().clear();
     EXPECT_THAT(whenANodeGoes, Not(IsEmpty()));
     EXPECT_THAT(whenANodeGoes, Each(ElementsAre("SoundCard::~SoundCard()")));
-    EXPECT_THAT(log.entered(channel), ElementsAre("SoundCard::~SoundCard()", referenceLabel));
+    EXPECT_THAT(log.entered(channels::soundCard), ElementsAre("SoundCard::~SoundCard()", referenceLabel));
 }

@@ -2,6 +2,7 @@
 
 #include "COM/identifiers.h"
 #include "tests/libSonavit/soundcard/supportobserver.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/libSonavit/supportlogline.h"
 #include "tests/libSonavit/supportthreads.h"
 #include "tests/support/librarytest.h"
@@ -16,8 +17,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.soundcard";
-
 typedef SoundCard::SoundCardDeviceUpdater Updater;
 typedef qor::Array<AudioDevice> Devices;
 typedef qor::Array<BorrowedPointer<SoundCardObserver>> Observers;
@@ -79,8 +78,8 @@ TEST_F(SoundCardDeviceUpdater, CountsItsReferencesAndSharesOneLabelForBothOperat
     EXPECT_EQ(2u, updater->AddRef());
     EXPECT_EQ(1u, updater->Release());
 
-    EXPECT_THAT(log.entered(channel), ElementsAre("SoundCard::SoundCardDeviceUpdater::Release",
-                                                  "SoundCard::SoundCardDeviceUpdater::Release"));
+    EXPECT_THAT(log.entered(channels::soundCard), ElementsAre("SoundCard::SoundCardDeviceUpdater::Release",
+                                                              "SoundCard::SoundCardDeviceUpdater::Release"));
 }
 
 TEST_F(SoundCardDeviceUpdater, DeletesItselfWithTheLastReleaseWhichReturnsZero)
@@ -165,18 +164,18 @@ TEST_F(SoundCardDeviceUpdater, LabelsEachOperationOfThePlatform)
     EXPECT_EQ(S_OK, updater->OnDeviceRemoved(text));
     EXPECT_EQ(S_OK, updater->OnDeviceStateChanged(text, DEVICE_STATE_ACTIVE));
 
-    EXPECT_THAT(log.entered(channel), ElementsAre("SoundCard::SoundCardDeviceUpdater::QueryInterface",
-                                                  "SoundCard::SoundCardDeviceUpdater::OnDefaultDeviceChanged",
-                                                  "SoundCard::SoundCardDeviceUpdaterOnPropertyValueChanged",
-                                                  "SoundCard::SoundCardDeviceUpdater::OnDeviceAdded",
-                                                  "SoundCard::SoundCardDeviceUpdater::selectDeviceList",
-                                                  "SoundCard::SoundCardDeviceUpdater::selectObserver",
-                                                  "SoundCard::SoundCardDeviceUpdater::OnDeviceRemoved",
-                                                  "SoundCard::SoundCardDeviceUpdater::selectDeviceList",
-                                                  "SoundCard::SoundCardDeviceUpdater::selectObserver",
-                                                  "SoundCard::SoundCardDeviceUpdater::OnDeviceStateChanged",
-                                                  "SoundCard::SoundCardDeviceUpdater::selectDeviceList",
-                                                  "SoundCard::SoundCardDeviceUpdater::selectObserver"));
+    EXPECT_THAT(
+        log.entered(channels::soundCard),
+        ElementsAre(
+            "SoundCard::SoundCardDeviceUpdater::QueryInterface",
+            "SoundCard::SoundCardDeviceUpdater::OnDefaultDeviceChanged",
+            "SoundCard::SoundCardDeviceUpdaterOnPropertyValueChanged",
+            "SoundCard::SoundCardDeviceUpdater::OnDeviceAdded", "SoundCard::SoundCardDeviceUpdater::selectDeviceList",
+            "SoundCard::SoundCardDeviceUpdater::selectObserver", "SoundCard::SoundCardDeviceUpdater::OnDeviceRemoved",
+            "SoundCard::SoundCardDeviceUpdater::selectDeviceList", "SoundCard::SoundCardDeviceUpdater::selectObserver",
+            "SoundCard::SoundCardDeviceUpdater::OnDeviceStateChanged",
+            "SoundCard::SoundCardDeviceUpdater::selectDeviceList",
+            "SoundCard::SoundCardDeviceUpdater::selectObserver"));
 }
 
 TEST_F(SoundCardDeviceUpdaterSetters, TakeAListWithoutElements)
@@ -213,13 +212,14 @@ TEST_F(SoundCardDeviceUpdaterSetters, RefuseANilHandleWithTheirMessagesAndKeepTh
     EXPECT_FALSE(updater->setPlaybackObserver(SharedPointer<Observers>()));
     EXPECT_FALSE(updater->setRecordObserver(SharedPointer<Observers>()));
 
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channel),
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_WARNING, channels::soundCard),
                 ElementsAre("Cannot use an empty eCapture device list", "Cannot use an empty eRender device list",
                             "Cannot use NULL pointer", "Cannot use NULL pointer"));
-    EXPECT_THAT(log.entered(channel), ElementsAre("SoundCard::SoundCardDeviceUpdatersetRecordDeviceList",
-                                                  "SoundCard::SoundCardDeviceUpdater::setPlaybackDeviceList",
-                                                  "SoundCard::SoundCardDeviceUpdater::setPlaybackObserver",
-                                                  "SoundCard::SoundCardDeviceUpdater::setRecordObserver"));
+    EXPECT_THAT(log.entered(channels::soundCard),
+                ElementsAre("SoundCard::SoundCardDeviceUpdatersetRecordDeviceList",
+                            "SoundCard::SoundCardDeviceUpdater::setPlaybackDeviceList",
+                            "SoundCard::SoundCardDeviceUpdater::setPlaybackObserver",
+                            "SoundCard::SoundCardDeviceUpdater::setRecordObserver"));
     EXPECT_EQ(devices.get(), updater->m_recordDeviceList.get());
     EXPECT_EQ(devices.get(), updater->m_playbackDeviceList.get());
     EXPECT_EQ(observers.get(), updater->m_playbackObserver.get());
@@ -268,7 +268,7 @@ TEST_F(SoundCardUpdaterWiring, GivesTheUpdaterTheCardsSharesInOrderAndRegistersI
 
     SoundCard card;
 
-    std::vector<std::string> setters = log.entered(channel);
+    std::vector<std::string> setters = log.entered(channels::soundCard);
     const auto isReference = [](const std::string& label)
     { return label == "SoundCard::SoundCardDeviceUpdater::Release"; };
     setters.erase(std::remove_if(setters.begin(), setters.end(), isReference), setters.end());

@@ -1,17 +1,13 @@
 // The walk from an endpoint through the card's graph.
 #include "tests/foundation/supportallocations.h"
 #include "tests/libSonavit/soundcard/supportvolumeresolution.h"
+#include "tests/libSonavit/supportchannels.h"
 
 using qor::LoggerPriority;
 using support::described;
 using support::VolumeResolution;
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-namespace
-{
-constexpr const char* channel = "libSonavit.soundcard";
-}
 
 TEST_F(VolumeResolution, FindsNothingForAnEndpointWithoutConnectorsAndForgetsWhatTheResultHeld)
 {
@@ -176,7 +172,7 @@ TEST_F(VolumeResolution, LabelsItsOperations)
 
     ASSERT_EQ(1u, controls().size());
 
-    EXPECT_THAT(log.entered(channel),
+    EXPECT_THAT(log.entered(channels::soundCard),
                 ElementsAre("EndpointDeviceEnumeratorCommon::volumeController(const AudioDevice& endpoint)",
                             "SoundCard::volumeControllerFromList", "SoundCard::partFromList", "SoundCard::partFromList",
                             "SoundCard::partFromList"));

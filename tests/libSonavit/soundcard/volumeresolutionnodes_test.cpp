@@ -1,6 +1,7 @@
 // The volume and mute nodes around one connector.
 #include "tests/libSonavit/soundcard/supportscriptedparts.h"
 #include "tests/libSonavit/soundcard/supportvolumeresolution.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/libSonavit/volumecontroller/supportscriptedvolume.h"
 
 using qor::LoggerPriority;
@@ -10,7 +11,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channel = "libSonavit.soundcard";
 const std::string noVolumeNode = "Supplied part list does not have a volume controller node";
 }
 
@@ -34,7 +34,7 @@ TEST_F(VolumeResolution, DoesNotLookAtTheOutgoingListWhereTheIncomingOneHasAVolu
     graph.feed("out/100", "out/1").feed("out/1", "out/101");
 
     EXPECT_THAT(controls(), IsEmpty());
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channel), IsEmpty());
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channels::soundCard), IsEmpty());
 }
 
 TEST_F(VolumeResolution, SaysOnceThatTheIncomingListHasNoVolumeNodeAndThenUsesTheOutgoingOne)
@@ -45,7 +45,7 @@ TEST_F(VolumeResolution, SaysOnceThatTheIncomingListHasNoVolumeNodeAndThenUsesTh
 
     EXPECT_THAT(controls(), ElementsAre("-1 Plug out/1, no mute"));
 
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channel), ElementsAre(noVolumeNode));
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channels::soundCard), ElementsAre(noVolumeNode));
 }
 
 TEST_F(VolumeResolution, SaysTwiceThatAConnectorHasNoVolumeNodeOnEitherSide)
@@ -54,7 +54,7 @@ TEST_F(VolumeResolution, SaysTwiceThatAConnectorHasNoVolumeNodeOnEitherSide)
 
     EXPECT_THAT(controls(), IsEmpty());
 
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channel), ElementsAre(noVolumeNode, noVolumeNode));
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channels::soundCard), ElementsAre(noVolumeNode, noVolumeNode));
 }
 
 TEST_F(VolumeResolution, CountsAListThatCannotBeReadAsOneWithoutAVolumeNode)
@@ -68,7 +68,7 @@ TEST_F(VolumeResolution, CountsAListThatCannotBeReadAsOneWithoutAVolumeNode)
     EXPECT_THAT(controls(), IsEmpty());
 
     EXPECT_EQ(1u, unreadable.fired());
-    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channel), ElementsAre(noVolumeNode, noVolumeNode));
+    EXPECT_THAT(log.texts(LoggerPriority::LOG_INFO, channels::soundCard), ElementsAre(noVolumeNode, noVolumeNode));
 }
 
 TEST_F(VolumeResolution, DoesNotFindAVolumeNodeTwoPartsAwayFromEveryConnector)
@@ -133,7 +133,7 @@ TEST_F(VolumeResolution, GivesNoRecordAndSaysNothingWhereTheVolumeCannotBeActiva
     EXPECT_THAT(controls(), ElementsAre("-2 Plug out/1, no mute"));
 
     EXPECT_EQ(1u, refused.fired());
-    EXPECT_THAT(log.texts(channel), IsEmpty());
+    EXPECT_THAT(log.texts(channels::soundCard), IsEmpty());
 }
 
 TEST_F(VolumeResolution, GivesNoRecordAndSearchesNoMuteWhereTheActivationSucceedsWithoutALevel)
@@ -150,7 +150,7 @@ TEST_F(VolumeResolution, GivesNoRecordAndSearchesNoMuteWhereTheActivationSucceed
 
     EXPECT_EQ(1u, empty.fired());
     EXPECT_THAT(simulation().journal().of("IPart::EnumParts*").on("out/101").lines(), IsEmpty());
-    EXPECT_THAT(log.texts(channel), IsEmpty());
+    EXPECT_THAT(log.texts(channels::soundCard), IsEmpty());
 }
 
 TEST_F(VolumeResolution, DoesNotLookAtTheOutgoingListWhereTheOnlyIncomingVolumeNodeSucceedsWithoutALevel)
@@ -165,7 +165,7 @@ TEST_F(VolumeResolution, DoesNotLookAtTheOutgoingListWhereTheOnlyIncomingVolumeN
     EXPECT_THAT(controls(), IsEmpty());
 
     EXPECT_EQ(1u, empty.fired());
-    EXPECT_THAT(log.texts(channel), IsEmpty());
+    EXPECT_THAT(log.texts(channels::soundCard), IsEmpty());
 }
 
 TEST_F(VolumeResolution, ReleasesALevelWhosePartThrowsAtItsRelease)
@@ -297,7 +297,7 @@ TEST_F(VolumeResolution, FindsNothingNextToAConnectorThatIsNoPart)
     EXPECT_THAT(controls(), IsEmpty());
 
     EXPECT_GT(lone.fired(), 0u);
-    EXPECT_THAT(log.texts(channel), ElementsAre(noVolumeNode, noVolumeNode));
+    EXPECT_THAT(log.texts(channels::soundCard), ElementsAre(noVolumeNode, noVolumeNode));
 }
 
 TEST_F(VolumeResolution, PassesOverAConnectorThatThePlatformReportedAndDidNotGive)

@@ -1,5 +1,6 @@
 // The endpoint controller's questions and setters. Percents have a file of their own, and so has the change
 // notification.
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/libSonavit/volumecontroller/supportcontrollers.h"
 #include "tests/libSonavit/volumecontroller/supportscriptedvolume.h"
 
@@ -10,8 +11,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channelName = "libSonavit.volumecontroller";
-
 using EndpointVolumeControllerObject = EndpointControllerTest;
 using EndpointVolumeControllerReader = EndpointControllerTest;
 using EndpointVolumeControllerSetter = EndpointControllerTest;
@@ -146,7 +145,7 @@ TEST_F(EndpointVolumeControllerReader, AnswersTheDecibelsOfAChannelAndOfTheMaste
 
     EXPECT_THAT(asked(), ElementsAre("IAudioEndpointVolume::GetChannelVolumeLevel(1)",
                                      "IAudioEndpointVolume::GetMasterVolumeLevel()"));
-    EXPECT_THAT(log.entered(channelName),
+    EXPECT_THAT(log.entered(channels::volumeController),
                 ElementsAre("VolumeController::volumeLevelDecibel", "VolumeController::masterVolumeLevelDecibel"));
     EXPECT_THAT(log.texts(), IsEmpty());
 }
@@ -176,7 +175,8 @@ TEST_F(EndpointVolumeControllerReader, AnswersWhetherTheEndpointIsMuted)
     EXPECT_TRUE(EndpointController(policy(headphones)).isMuted());
 
     EXPECT_THAT(asked(), ElementsAre("IAudioEndpointVolume::GetMute()", "IAudioEndpointVolume::GetMute()"));
-    EXPECT_THAT(log.entered(channelName), ElementsAre("VolumeController::isMuted", "VolumeController::isMuted"));
+    EXPECT_THAT(log.entered(channels::volumeController),
+                ElementsAre("VolumeController::isMuted", "VolumeController::isMuted"));
 }
 
 TEST_F(EndpointVolumeControllerReader, TakesNothingButOneForMuted)
@@ -268,7 +268,7 @@ TEST_F(EndpointVolumeControllerSetter, HandsEachValueOnWithANullContext)
                             "IAudioEndpointVolume::SetChannelVolumeLevelScalar(1, 0.5, null)",
                             "IAudioEndpointVolume::SetMasterVolumeLevelScalar(0.75, null)",
                             "IAudioEndpointVolume::SetMute(1, null)", "IAudioEndpointVolume::SetMute(0, null)"));
-    EXPECT_THAT(log.entered(channelName),
+    EXPECT_THAT(log.entered(channels::volumeController),
                 ElementsAre("VolumeController::setVolumeLevelDecibel", "VolumeController::setMasterVolumeLevelDecibel",
                             "VolumeController::setVolumeLevelPercent", "VolumeController::setMasterVolumeLevelPercent",
                             "VolumeController::setMute", "VolumeController::setMute"));

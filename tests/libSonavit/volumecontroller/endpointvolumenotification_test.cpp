@@ -1,6 +1,8 @@
 // Registering a change notification with an endpoint controller, and how the registration ends.
 #include "tests/libSonavit/volumecontroller/supportcontrollers.h"
 
+#include "tests/libSonavit/supportchannels.h"
+
 using support::EndpointController;
 using support::EndpointControllerTest;
 using testing::ElementsAre;
@@ -8,7 +10,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channelName = "libSonavit.volumecontroller";
 constexpr const char* registers = "IAudioEndpointVolume::RegisterControlChangeNotify(object)";
 constexpr const char* unregisters = "IAudioEndpointVolume::UnregisterControlChangeNotify(object)";
 constexpr qor::LOGGER_PRIORITY warning = qor::LoggerPriority::LOG_WARNING;
@@ -103,7 +104,7 @@ TEST_F(EndpointVolumeControllerRegistration, IsRefusedWithAWarningWithoutAnInter
     EXPECT_EQ(1, count(notification));
     EXPECT_EQ(nullptr, controller.m_notification.get());
     EXPECT_THAT(log.texts(), ElementsAre("Volume controller has not been initialized yet"));
-    EXPECT_EQ(log.texts(), log.texts(warning, channelName));
+    EXPECT_EQ(log.texts(), log.texts(warning, channels::volumeController));
     EXPECT_THAT(log.entered(), IsEmpty());
 }
 
@@ -177,7 +178,7 @@ TEST_F(EndpointVolumeControllerRegistration, LogsARefusalOfThePlatformInDecimalA
         EXPECT_EQ(notification.get(), controller.m_notification.get());
         EXPECT_EQ(2, count(notification));
         EXPECT_THAT(log.texts(), ElementsAre("Unable to register control change notification 18446744071562084357"));
-        EXPECT_EQ(log.texts(), log.texts(warning, channelName));
+        EXPECT_EQ(log.texts(), log.texts(warning, channels::volumeController));
         asked();
     }
     EXPECT_THAT(asked(), ElementsAre(unregisters));
@@ -194,7 +195,7 @@ TEST_F(EndpointVolumeControllerRegistration, OfNothingIsRefusedByThePlatform)
 
         EXPECT_FALSE(result);
         EXPECT_EQ(nullptr, controller.m_notification.get());
-        EXPECT_THAT(log.texts(warning, channelName),
+        EXPECT_THAT(log.texts(warning, channels::volumeController),
                     ElementsAre("Unable to register control change notification 18446744071562084355"));
     }
     EXPECT_THAT(asked(), ElementsAre("IAudioEndpointVolume::RegisterControlChangeNotify(null)"));

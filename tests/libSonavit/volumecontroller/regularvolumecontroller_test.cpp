@@ -1,5 +1,6 @@
 // The regular controller's questions and setters. Percents have a file of their own.
 #include "qor/exception.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/libSonavit/volumecontroller/supportcontrollers.h"
 #include "tests/libSonavit/volumecontroller/supportscriptedvolume.h"
 
@@ -12,8 +13,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channelName = "libSonavit.volumecontroller";
-
 using RegularVolumeControllerObject = RegularControllerTest;
 using RegularVolumeControllerReader = RegularControllerTest;
 using RegularVolumeControllerMaster = RegularControllerTest;
@@ -105,7 +104,7 @@ TEST_F(RegularVolumeControllerReader, AnswersTheDecibelsOfAChannel)
     EXPECT_EQ(-40.5f, controller.volumeLevelDecibel(1));
 
     EXPECT_THAT(asked(), ElementsAre("IAudioVolumeLevel::GetLevel(1)"));
-    EXPECT_THAT(log.entered(channelName), ElementsAre("VolumeController::volumeLevelDecibel"));
+    EXPECT_THAT(log.entered(channels::volumeController), ElementsAre("VolumeController::volumeLevelDecibel"));
 }
 
 TEST_F(RegularVolumeControllerReader, AnswersTheRangeOfAChannelUnderTheLabelOfASetter)
@@ -122,7 +121,7 @@ TEST_F(RegularVolumeControllerReader, AnswersTheRangeOfAChannelUnderTheLabelOfAS
     EXPECT_EQ(12.0f, range.maxLevel);
     EXPECT_EQ(0.75f, range.stepping);
     EXPECT_THAT(asked(), ElementsAre("IAudioVolumeLevel::GetLevelRange(1)"));
-    EXPECT_THAT(log.entered(channelName), ElementsAre("VolumeController::setVolumeLevelDecibel"));
+    EXPECT_THAT(log.entered(channels::volumeController), ElementsAre("VolumeController::setVolumeLevelDecibel"));
 }
 
 TEST_F(RegularVolumeControllerReader, RefusesTheRangeThatCannotBeReadAndLeavesItAlone)
@@ -150,7 +149,7 @@ TEST_F(RegularVolumeControllerReader, AnswersWhetherThePartIsMuted)
     EXPECT_TRUE(controller.isMuted());
 
     EXPECT_THAT(asked(), ElementsAre("IAudioMute::GetMute()", "IAudioMute::SetMute(1, null)", "IAudioMute::GetMute()"));
-    EXPECT_THAT(log.entered(channelName),
+    EXPECT_THAT(log.entered(channels::volumeController),
                 ElementsAre("VolumeController::isMuted", "VolumeController::setMute", "VolumeController::isMuted"));
 }
 
@@ -215,7 +214,7 @@ TEST_F(RegularVolumeControllerMaster, IsTheMeanOfTheChannels)
 
     EXPECT_EQ(-20.0f, controller.masterVolumeLevelDecibel());
 
-    EXPECT_THAT(log.entered(channelName),
+    EXPECT_THAT(log.entered(channels::volumeController),
                 ElementsAre("VolumeController::masterVolumeLevelDecibel", "VolumeController::volumeLevelDecibel",
                             "VolumeController::volumeLevelDecibel"));
 }
@@ -273,7 +272,7 @@ TEST_F(RegularVolumeControllerSetter, HandsDecibelsOnToTheChannelWithANullContex
     EXPECT_TRUE(result);
     EXPECT_THAT(asked(), ElementsAre("IAudioVolumeLevel::SetLevel(1, -10.7, null)"));
     EXPECT_THAT(levels(), ElementsAre(-48.0f, -10.7f));
-    EXPECT_THAT(log.entered(channelName), ElementsAre("VolumeController::setVolumeLevelDecibel"));
+    EXPECT_THAT(log.entered(channels::volumeController), ElementsAre("VolumeController::setVolumeLevelDecibel"));
 }
 
 TEST_F(RegularVolumeControllerSetter, SetsAllChannelsAlikeForTheMasterInDecibels)
@@ -286,7 +285,7 @@ TEST_F(RegularVolumeControllerSetter, SetsAllChannelsAlikeForTheMasterInDecibels
     EXPECT_TRUE(result);
     EXPECT_THAT(asked(), ElementsAre("IAudioVolumeLevel::SetLevelUniform(-6, null)"));
     EXPECT_THAT(levels(), ElementsAre(-6.0f, -6.0f));
-    EXPECT_THAT(log.entered(channelName), ElementsAre("VolumeController::setMasterVolumeLevelDecibel"));
+    EXPECT_THAT(log.entered(channels::volumeController), ElementsAre("VolumeController::setMasterVolumeLevelDecibel"));
 }
 
 TEST_F(RegularVolumeControllerSetter, CannotSetTheMasterInPercentAndSaysSoInSilence)

@@ -1,5 +1,6 @@
 // Percents of a regular controller, which it computes itself from decibels and their range.
 #include "qor/exception.h"
+#include "tests/libSonavit/supportchannels.h"
 #include "tests/libSonavit/supportlogline.h"
 #include "tests/libSonavit/volumecontroller/supportcontrollers.h"
 
@@ -12,7 +13,6 @@ using testing::IsEmpty;
 
 namespace
 {
-constexpr const char* channelName = "libSonavit.volumecontroller";
 constexpr float infinity = std::numeric_limits<float>::infinity();
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 
@@ -156,7 +156,7 @@ TEST_F(RegularVolumeControllerPercent, OfAChannelComesFromItsOwnRangeThenItsOwnL
 
     EXPECT_EQ(75u, percent);
     EXPECT_THAT(asked(), ElementsAre("IAudioVolumeLevel::GetLevelRange(1)", "IAudioVolumeLevel::GetLevel(1)"));
-    EXPECT_THAT(log.entered(channelName),
+    EXPECT_THAT(log.entered(channels::volumeController),
                 ElementsAre("VolumeController::volumeLevelPercent", "VolumeController::setVolumeLevelDecibel",
                             "VolumeController::volumeLevelDecibel"));
     EXPECT_THAT(log.texts(), IsEmpty());
@@ -219,7 +219,7 @@ TEST_F(RegularVolumeControllerMasterPercent, AsksForTheNumberOfChannelsThenTheRa
                                      "IAudioVolumeLevel::GetChannelCount()", "IAudioVolumeLevel::GetLevel(0)",
                                      "IAudioVolumeLevel::GetChannelCount()", "IAudioVolumeLevel::GetLevel(1)",
                                      "IAudioVolumeLevel::GetChannelCount()", "IAudioVolumeLevel::GetChannelCount()"));
-    EXPECT_THAT(log.entered(channelName),
+    EXPECT_THAT(log.entered(channels::volumeController),
                 ElementsAre("VolumeController::masterVolumeLevelPercent", "VolumeController::setVolumeLevelDecibel",
                             "VolumeController::masterVolumeLevelDecibel", "VolumeController::volumeLevelDecibel",
                             "VolumeController::volumeLevelDecibel"));
@@ -297,7 +297,7 @@ TEST_F(RegularVolumeControllerSetPercent, ReadsTheChannelsRangeAndSetsTheLevelWi
     EXPECT_THAT(asked(),
                 ElementsAre("IAudioVolumeLevel::GetLevelRange(1)", "IAudioVolumeLevel::SetLevel(1, -72, null)"));
     EXPECT_THAT(levels(), ElementsAre(-48.0f, -72.0f));
-    EXPECT_THAT(log.entered(channelName),
+    EXPECT_THAT(log.entered(channels::volumeController),
                 ElementsAre("VolumeController::setVolumeLevelPercent", "VolumeController::setVolumeLevelDecibel"));
 }
 
