@@ -1,8 +1,8 @@
-# Compiling test sources in groups: sources of one folder that declare no equal names at file level are compiled as one.
-# The templates of the test framework that they share are then compiled once for the group, which about halves the time.
-# A build of another preset compiles each source by itself and finds missing includes.
+# Compiling in groups: sources of a target that declare no equal names at file level are compiled as one. The headers and
+# templates that they share are then compiled once for the group, which about halves the time. A build of another preset
+# compiles each source by itself and finds missing includes.
 
-set(SONAVIT_GROUP_LIMIT 6 CACHE STRING "How many sources a group has at most")
+set(SONAVIT_GROUP_LIMIT 10 CACHE STRING "How many sources a group has at most")
 mark_as_advanced(SONAVIT_GROUP_LIMIT)
 
 # sonavit_file_level_names(<result> <source>): the names that the source declares at the left edge, roughly: a word too
@@ -16,7 +16,7 @@ function(sonavit_file_level_names result source)
   endif()
   string(REGEX MATCHALL "\n[A-Za-z][^\n]*" lines "\n${text}")
   foreach(line IN LISTS lines)
-    if(line MATCHES "^\n(TEST|TYPED_TEST|INSTANTIATE_|namespace|using namespace|using [^=]*$)")
+    if(line MATCHES "^\n(TEST|TYPED_TEST|INSTANTIATE_|static_assert|namespace|using namespace|using [^=]*$|void PrintTo)")
       continue()
     elseif(line MATCHES "^\n(class|struct|enum class|enum|union|using) +([A-Za-z0-9_]+)")
       list(APPEND names "${CMAKE_MATCH_2}")
@@ -27,8 +27,9 @@ function(sonavit_file_level_names result source)
   set(${result} ${names} PARENT_SCOPE)
 endfunction()
 
-# sonavit_compile_in_groups(<target>)
+# sonavit_compile_in_groups(<target> [EXCEPT <folder>...]): the sources in these folders stay alone.
 function(sonavit_compile_in_groups target)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "EXCEPT")
   get_target_property(sources ${target} SOURCES)
   set(groups)
   foreach(source IN LISTS sources)
@@ -43,12 +44,15 @@ function(sonavit_compile_in_groups target)
       continue()
     endif()
     cmake_path(GET source PARENT_PATH folder)
-    string(MD5 folder "${folder}")
+    cmake_path(GET folder FILENAME folderName)
+    if(folderName IN_LIST arg_EXCEPT)
+      continue()
+    endif()
 
-    # The first group of the folder that has room and none of these names.
+    # The first group that has room and none of these names.
     set(number 0)
     while(TRUE)
-      set(group "${folder}_${number}")
+      set(group "group${number}")
       list(LENGTH ${group}_sources size)
       set(clash FALSE)
       foreach(name IN LISTS names)
@@ -74,4 +78,14 @@ function(sonavit_compile_in_groups target)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
   endif()
+endfunction()
+
+# The libraries of the product. An executable may replace single functions of the simulated platform by its own, which
+# takes an object file for each.
+function(sonavit_compile_products_in_groups)
+  foreach(target IN ITEMS SonavitCommon Sonavit SonavitMachine SonavitSimulator sonavit-commands)
+    if(TARGET ${target})
+      sonavit_compile_in_groups(${target} EXCEPT portable windows)
+    endif()
+  endforeach()
 endfunction()

@@ -167,17 +167,24 @@ function(sonavit_precompile target)
   endforeach()
 endfunction()
 
-# Precompiled headers for the products. A build of another preset does without them and finds missing includes.
+# Precompiled headers for the products: those of the standard library if SONAVIT_PRECOMPILE is STANDARD, and the project's
+# own as well if it is ALL. A build of another preset does without the latter and finds missing includes of them.
 function(sonavit_precompile_products)
   set(standard <algorithm> <atomic> <functional> <map> <memory> <mutex> <string> <vector>)
-  sonavit_precompile(Sonavit PRIVATE ${standard} <libSonavit/libsonavit.h>)
+  set(object <libSonavit/libsonavit.h>)
+  set(machine <simulator/machine/machine.h>)
+  set(json <nlohmann/json.hpp>) # dear to load, too: few sources of many need it
+  if(SONAVIT_PRECOMPILE STREQUAL "STANDARD")
+    set(object)
+    set(machine)
+    set(json)
+  endif()
+  sonavit_precompile(Sonavit PRIVATE ${standard} ${object})
   if(TARGET SonavitSimulator)
-    sonavit_precompile(SonavitMachine PRIVATE ${standard} <simulator/machine/machine.h>)
-    sonavit_precompile(SonavitSimulator PRIVATE ${standard} <simulator/machine/machine.h>)
+    sonavit_precompile(SonavitMachine PRIVATE ${standard} ${machine})
+    sonavit_precompile(SonavitSimulator PRIVATE ${standard} ${machine})
   endif()
   if(TARGET sonavit-commands)
-    sonavit_precompile(
-      sonavit-commands PRIVATE ${standard} <libSonavit/libsonavit.h> <simulator/machine/machine.h> <nlohmann/json.hpp>
-    )
+    sonavit_precompile(sonavit-commands PRIVATE ${standard} ${object} ${machine} ${json})
   endif()
 endfunction()

@@ -2,10 +2,11 @@
 # emulator (Wine) and with instrumentation, where a process takes long to start, each suite does.
 #
 #   sonavit_add_test(<name> SOURCES <file>... [LIBRARIES <target>...] [WINDOWS_ONLY] [NO_PRIVATE_ACCESS]
-#                    [PRECOMPILE <header>...] [PRECOMPILED_FOR <test>])
+#                    [PRECOMPILE <header>... | PRECOMPILED <target>] [ASAN_OPTIONS <option>...])
+#   sonavit_add_precompiled(<target> [LIBRARIES <target>...] [HEADERS <header>...])
 #
 # Test sources may reach private operations (-fno-access-control) unless NO_PRIVATE_ACCESS is given. PRECOMPILE names
-# headers that many of them read; PRECOMPILED_FOR takes what has been precompiled for another test.
+# headers that many of them read; several tests share what sonavit_add_precompiled has precompiled. ASAN_OPTIONS are added to those that all tests have.
 include(GoogleTest)
 
 set(SONAVIT_TEST_TIMEOUT 300 CACHE STRING "Seconds after which a test has failed")
@@ -15,25 +16,44 @@ option(SONAVIT_TEST_DEBUG "Debug information in the tests, which makes them long
 
 # Test sources are many and run for an instant, so it is their compilation that takes time: no optimisation, and the
 # headers that all of them include are precompiled, unless there is a compiler cache, which works better without.
-function(sonavit_build_tests_quickly target precompiledFor)
+function(sonavit_set_test_options target)
+  sonavit_configure_target(${target} TEST)
   if(NOT MSVC)
     target_compile_options(${target} PRIVATE -O0 $<IF:$<BOOL:${SONAVIT_TEST_DEBUG}>,-g1,-g0>)
   endif()
-  if(SONAVIT_GROUP_TESTS)
-    sonavit_compile_in_groups(${target})
+endfunction()
+
+function(sonavit_allow_private_access target)
+  if(NOT MSVC)
+    target_compile_options(${target} PRIVATE -fno-access-control)
   endif()
-  if(CMAKE_CXX_COMPILER_LAUNCHER)
-    return()
-  endif()
-  if(precompiledFor)
-    sonavit_precompile(${target} REUSE_FROM ${precompiledFor})
-  else()
-    sonavit_precompile(${target} PRIVATE <gmock/gmock.h> <gtest/gtest.h> <string> <vector> ${ARGN})
+endfunction()
+
+# Tests for Windows are linked with LLVM's linker where it is installed; the product is linked with the compiler's own.
+if(MINGW AND CMAKE_HOST_UNIX)
+  find_program(SONAVIT_MINGW_LLD ld.lld-14)
+  mark_as_advanced(SONAVIT_MINGW_LLD)
+endif()
+
+set(SONAVIT_TEST_HEADERS <gmock/gmock.h> <gtest/gtest.h> <string> <vector>)
+
+function(sonavit_add_precompiled target)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBRARIES;HEADERS")
+  # An executable, as the tests are: what is precompiled for a library has other options.
+  set(source "${CMAKE_CURRENT_BINARY_DIR}/${target}.cpp")
+  file(CONFIGURE OUTPUT "${source}" CONTENT "int main() {}\n")
+  add_executable(${target} EXCLUDE_FROM_ALL "${source}")
+  target_include_directories(${target} PRIVATE "${PROJECT_SOURCE_DIR}")
+  target_link_libraries(${target} PRIVATE ${arg_LIBRARIES} GTest::gmock)
+  sonavit_set_test_options(${target})
+  sonavit_allow_private_access(${target})
+  if(NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    sonavit_precompile(${target} PRIVATE ${SONAVIT_TEST_HEADERS} ${arg_HEADERS})
   endif()
 endfunction()
 
 function(sonavit_add_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "WINDOWS_ONLY;NO_PRIVATE_ACCESS" "PRECOMPILED_FOR" "SOURCES;LIBRARIES;PRECOMPILE")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "WINDOWS_ONLY;NO_PRIVATE_ACCESS" "PRECOMPILED" "SOURCES;LIBRARIES;PRECOMPILE;ASAN_OPTIONS")
   if(arg_WINDOWS_ONLY AND NOT WIN32)
     return()
   endif()
@@ -44,14 +64,24 @@ function(sonavit_add_test name)
   add_executable(${name} ${arg_SOURCES})
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
   target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest_main)
-  sonavit_configure_target(${name} TEST)
-  if(NOT arg_NO_PRIVATE_ACCESS AND NOT MSVC)
-    target_compile_options(${name} PRIVATE -fno-access-control)
+  sonavit_set_test_options(${name})
+  if(SONAVIT_MINGW_LLD)
+    target_link_options(${name} PRIVATE "SHELL:-wrapper \"${PROJECT_SOURCE_DIR}/cmake/wine/linker\"")
   endif()
-  sonavit_build_tests_quickly(${name} "${arg_PRECOMPILED_FOR}" ${arg_PRECOMPILE})
+  if(NOT arg_NO_PRIVATE_ACCESS)
+    sonavit_allow_private_access(${name})
+  endif()
+  if(SONAVIT_GROUP_TESTS)
+    sonavit_compile_in_groups(${name})
+  endif()
+  if(arg_PRECOMPILED AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    sonavit_precompile(${name} REUSE_FROM ${arg_PRECOMPILED})
+  elseif(NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    sonavit_precompile(${name} PRIVATE ${SONAVIT_TEST_HEADERS} ${arg_PRECOMPILE})
+  endif()
 
   if(CMAKE_CROSSCOMPILING_EMULATOR OR SONAVIT_SANITIZE)
-    sonavit_discover_suites(${name})
+    sonavit_discover_suites(${name} ${arg_ASAN_OPTIONS})
   else()
     gtest_discover_tests(
       ${name}
@@ -63,12 +93,17 @@ function(sonavit_add_test name)
   endif()
 endfunction()
 
-# One ctest entry for each suite of an executable, found when ctest starts.
+# One ctest entry for each suite of an executable, found when ctest starts. Further arguments are options of
+# AddressSanitizer.
 function(sonavit_discover_suites name)
   set(environment)
   if(SONAVIT_SANITIZE)
+    set(asanOptions detect_stack_use_after_return=1 strict_string_checks=1 check_initialization_order=1
+                    malloc_context_size=10 ${ARGN}
+    )
+    list(JOIN asanOptions ":" asanOptions)
     set(environment
-        "ASAN_OPTIONS=detect_stack_use_after_return=1:strict_string_checks=1:check_initialization_order=1"
+        "ASAN_OPTIONS=${asanOptions}"
         "UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1"
         "TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1"
     )

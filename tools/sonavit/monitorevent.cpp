@@ -18,7 +18,7 @@ namespace
 constexpr std::size_t widestName = 24;
 constexpr const char* arrow = " \xE2\x86\x92 ";
 
-const char* kindKey(MonitorEvent::Kind kind)
+const char* eventKey(MonitorEvent::Kind kind)
 {
     switch (kind)
     {
@@ -141,7 +141,7 @@ Json eventJson(const MonitorEvent& event, const std::optional<std::string>& mach
     const bool isCardKnown = !subject.cardName.empty(); // not for a default that does not exist (yet)
     Json result = Json::document({{"machine", machine},
                                   {"time", universalTimeText(event.time)},
-                                  {"event", kindKey(event.kind)},
+                                  {"event", eventKey(event.kind)},
                                   {"card", isCardKnown ? Json(subject.cardId) : Json()},
                                   {"cardName", isCardKnown ? Json(subject.cardName) : Json()},
                                   {"endpoint", subject.endpointId.empty() ? Json() : Json(subject.endpointId)},
