@@ -6,7 +6,8 @@
 #   sonavit_add_precompiled(<target> [LIBRARIES <target>...] [HEADERS <header>...])
 #
 # Test sources may reach private operations (-fno-access-control) unless NO_PRIVATE_ACCESS is given. PRECOMPILE names
-# headers that many of them read; several tests share what sonavit_add_precompiled has precompiled. ASAN_OPTIONS are added to those that all tests have.
+# headers that many of them read; several tests share what sonavit_add_precompiled has precompiled. ASAN_OPTIONS are added
+# to those that all tests have.
 include(GoogleTest)
 
 set(SONAVIT_TEST_TIMEOUT 300 CACHE STRING "Seconds after which a test has failed")
@@ -53,7 +54,9 @@ function(sonavit_add_precompiled target)
 endfunction()
 
 function(sonavit_add_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "WINDOWS_ONLY;NO_PRIVATE_ACCESS" "PRECOMPILED" "SOURCES;LIBRARIES;PRECOMPILE;ASAN_OPTIONS")
+  cmake_parse_arguments(
+    PARSE_ARGV 1 arg "WINDOWS_ONLY;NO_PRIVATE_ACCESS" "PRECOMPILED" "SOURCES;LIBRARIES;PRECOMPILE;ASAN_OPTIONS"
+  )
   if(arg_WINDOWS_ONLY AND NOT WIN32)
     return()
   endif()
