@@ -2,9 +2,9 @@
 
 #include "simulator/core/state.h"
 #include "simulator/core/threads.h"
-#include "simulator/core/watchedcall.h"
 #include "simulator/mutex.h"
-#include "simulator/objects/objects.h"
+#include "simulator/windows/enumeratorfactory.h"
+#include "simulator/windows/systemfunction.h"
 
 #include <mutex>
 #include <vector>
@@ -13,46 +13,6 @@ namespace sim
 {
 namespace
 {
-/// Hands out the enumerator of the machine that is current at the time of the call. One object serves all apartments;
-/// it is never destroyed, so its references are not counted.
-class EnumeratorFactory final : public IClassFactory
-{
-public:
-    static EnumeratorFactory& instance()
-    {
-        static EnumeratorFactory* const factory = new EnumeratorFactory;
-        return *factory;
-    }
-
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override
-    {
-        const bool isKnown = IsEqualGUID(iid, __uuidof(IUnknown)) || IsEqualGUID(iid, __uuidof(IClassFactory));
-        *object = isKnown ? this : nullptr;
-        return isKnown ? S_OK : E_NOINTERFACE;
-    }
-
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
-
-    /// Journal and fault plan see it as CoCreateInstance, which is what users call.
-    HRESULT STDMETHODCALLTYPE CreateInstance(IUnknown* outer, REFIID iid, void** object) override
-    {
-        const std::shared_ptr<State> state = currentState();
-        if (state == nullptr)
-        {
-            *object = nullptr;
-            return REGDB_E_CLASSNOTREG;
-        }
-        const auto answer = [&]
-        { return outer != nullptr ? CLASS_E_NOAGGREGATION : createEnumerator(state, iid, object); };
-        return watchedCall(*state, "CoCreateInstance", {}, outputs(object), answer, __uuidof(MMDeviceEnumerator),
-                           DWORD(CLSCTX_INPROC_SERVER), iid);
-    }
-
-    HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
-};
-
 struct Registration
 {
     std::uint64_t machine;
@@ -95,7 +55,7 @@ struct Registrations
 void letWaveFunctionsReadTheSystem()
 {
     static std::once_flag isDone;
-    std::call_once(isDone, [] { waveOutGetNumDevs(); });
+    std::call_once(isDone, [] { systemFunction<decltype(waveOutGetNumDevs)>(L"winmm.dll", "waveOutGetNumDevs")(); });
 }
 }
 
@@ -106,7 +66,7 @@ HRESULT registerApartment(const std::shared_ptr<State>& state)
     const std::lock_guard<Mutex> lock(registrations.mutex);
     registrations.revokeHere(state->number);
     DWORD cookie = 0;
-    const HRESULT result = CoRegisterClassObject(__uuidof(MMDeviceEnumerator), &EnumeratorFactory::instance(),
+    const HRESULT result = CoRegisterClassObject(__uuidof(MMDeviceEnumerator), &enumeratorFactory(),
                                                  CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie);
     if (SUCCEEDED(result))
         registrations.all.push_back({state->number, GetCurrentThreadId(), cookie});

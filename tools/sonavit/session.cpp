@@ -30,7 +30,7 @@ sim::Machine openMachine(const Environment& environment, const std::string& name
 }
 
 Session::Session(const Environment& environment, const Arguments& arguments)
-    : m_waveFunctions(reinterpret_cast<const void*>(&enumerateSoundCards))
+    : m_redirection(reinterpret_cast<const void*>(&enumerateSoundCards))
 {
     const std::optional<std::string>& name = arguments.machine ? arguments.machine : environment.defaultMachine;
     std::optional<sim::Machine> machine;

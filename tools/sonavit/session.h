@@ -1,7 +1,7 @@
 #pragma once
 
+#include "simulator/redirection.h"
 #include "simulator/simulation.h"
-#include "simulator/waveredirection.h"
 #include "tools/sonavit/commandline.h"
 #include "tools/sonavit/environment.h"
 
@@ -38,7 +38,7 @@ public:
 private:
     std::optional<std::string> m_name;
     std::string m_description;
-    sim::WaveRedirection m_waveFunctions;
+    sim::Redirection m_redirection;
     std::unique_ptr<sim::Simulation> m_simulation;
 };
 }

@@ -1,5 +1,5 @@
 #include "libSonavit/soundcard.h"
-#include "simulator/waveredirection.h"
+#include "simulator/redirection.h"
 #include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
 #include "tests/libSonavit/supportchannels.h"
 
@@ -87,7 +87,7 @@ protected:
     }
 
 private:
-    const sim::WaveRedirection m_redirection{reinterpret_cast<const void*>(&enumerateSoundCards)};
+    const sim::Redirection m_redirection{reinterpret_cast<const void*>(&enumerateSoundCards)};
 };
 
 TEST_F(AudioDeviceWaveIdScan, AsksEachNumberInTurnUntilTheIdIsFound)

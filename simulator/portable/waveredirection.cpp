@@ -1,8 +1,0 @@
-#include "simulator/waveredirection.h"
-
-namespace sim
-{
-WaveRedirection::WaveRedirection(const void*) {}
-
-WaveRedirection::~WaveRedirection() = default;
-}
