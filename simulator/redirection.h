@@ -34,6 +34,6 @@ public:
     Redirection& operator=(const Redirection&) = delete;
 
 private:
-    void* const m_module;
+    [[maybe_unused]] void* const m_module; // null off Windows
 };
 }
