@@ -31,7 +31,7 @@ enum class StoreAccess
 /// | lists, cards, selectors, notifications | yes | yes |
 /// | deviceProperty(), refreshDeviceInformation() | yes | yes, with StoreAccess::writeElseRead |
 /// | volumeControl(), hardware controls, mute | yes | yes |
-/// | setFormat() | yes | no: false, and a message with E_ACCESSDENIED |
+/// | setFormat() | yes | no: false, and a message (LOG_WARNING) |
 ///
 /// A value type: each copy holds its own references on the platform's device and property store and shares the volume
 /// controller with the other copies. An object is empty until initialize() binds it to a device. Platform failures are

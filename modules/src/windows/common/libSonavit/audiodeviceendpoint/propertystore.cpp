@@ -19,7 +19,7 @@ StoreAccess AudioDevice::storeAccess() noexcept
     return processAccess;
 }
 
-/// For reading and writing, even where nobody writes: setFormat() uses the store that is open.
+/// For writing too, even if only properties are read: a later setFormat() uses the store that is open.
 HRESULT propertystore::open(IMMDevice& device, IPropertyStore*& store)
 {
     const HRESULT result = device.OpenPropertyStore(STGM_READWRITE, &store);
