@@ -20,7 +20,8 @@ int main(int count, char** words)
     qor::LogFactory::setSink([](const qor::LogRecord&) {});
     const char* const name = count > 1 ? words[1] : "desktop";
     CoInitialize(nullptr); // first: on Windows the machine is registered with this thread
-    const sim::Simulation machine(sim::findMachine(name)); // without this line: the hardware of a Windows machine
+    const sim::Simulation machine(sim::findMachine(name));   // without this line: the hardware of a Windows machine
+    AudioDevice::setStoreAccess(StoreAccess::writeElseRead); // users need not be administrators
     qor::Array<SoundCard> cards = SoundCard::enumerateSystemSoundDevices();
     for (unsigned int i = 0; i < cards.size(); ++i)
     {

@@ -71,6 +71,11 @@ void Simulation::deliverAtOnce(bool on)
     m_state->notifier.deliverAtOnce(on);
 }
 
+void Simulation::setAccount(Account account)
+{
+    m_state->withHardware([&](Hardware& hardware) { hardware.machine().account = account; });
+}
+
 Machine Simulation::machine() const
 {
     return m_state->withHardware([](const Hardware& hardware) { return hardware.machine(); });

@@ -62,6 +62,9 @@ public:
     /// are called on the machine's notification thread, which has initialised COM.
     void deliverAtOnce(bool on);
 
+    /// The account under which programs use the machine from now on. Stores that are open stay open as they are.
+    void setAccount(Account account);
+
     /// A copy of the machine in its current state, with all levels, mutes, states and properties that were set.
     Machine machine() const;
     /// Changes the machine without notifying any client. @p action must only use its argument.

@@ -111,11 +111,20 @@ struct Peer
     std::string connector; ///< id of the connector that GetConnectedTo returns; empty: it fails
 };
 
+/// The account under which a program uses the machine. Windows opens property stores for writing to administrators
+/// only.
+enum class Account
+{
+    administrator,
+    ordinary
+};
+
 /// A whole machine.
 struct Machine
 {
     std::string name;
     std::string description;
+    Account account = Account::administrator;
     std::vector<Endpoint> endpoints; ///< in the order in which the platform enumerates them
     std::vector<Adapter> adapters;
     std::vector<Join> joins;

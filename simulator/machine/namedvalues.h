@@ -10,6 +10,9 @@
 
 namespace sim
 {
+inline constexpr Names<Account, 2> accountNames = {
+    {{"administrator", Account::administrator}, {"ordinary", Account::ordinary}}};
+
 inline constexpr Names<EDataFlow, 2> flowNames = {{{"render", eRender}, {"capture", eCapture}}};
 
 inline constexpr Names<std::uint32_t, 4> stateNames = {{{"active", stateActive},

@@ -33,13 +33,21 @@ public:
         return this->call("IMMDevice::Activate", outputs(object), answer, iid, context, presenceText(parameters));
     }
 
+    /// Only an administrator's program opens a store for writing.
     HRESULT STDMETHODCALLTYPE OpenPropertyStore(DWORD access, IPropertyStore** store) override
     {
         const auto answer = [&]() -> HRESULT
         {
             if (access != STGM_READ && access != STGM_WRITE && access != STGM_READWRITE)
                 return E_INVALIDARG;
-            const HRESULT result = onDevice(*this->state(), this->name(), [](const Device&) { return S_OK; });
+            const HRESULT result = this->state()->withHardware(
+                [&](Hardware& hardware) -> HRESULT
+                {
+                    if (hardware.device(this->name()) == nullptr)
+                        return AUDCLNT_E_DEVICE_INVALIDATED;
+                    const bool isOrdinary = hardware.machine().account == Account::ordinary;
+                    return isOrdinary && access != STGM_READ ? E_ACCESSDENIED : S_OK;
+                });
             if (SUCCEEDED(result))
                 *store = makePropertyStore(this->state(), this->name(), access);
             return result;

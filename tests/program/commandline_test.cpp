@@ -167,6 +167,16 @@ TEST(ProgramCommandLine, TakesTheLastOfAnOptionThatIsGivenTwice)
     EXPECT_TRUE(arguments.isJson);
 }
 
+TEST(ProgramCommandLine, TakesAnAccountBeforeAndAfterTheCommand)
+{
+    EXPECT_EQ(std::nullopt, read({"list"}).account);
+    EXPECT_EQ(sim::Account::ordinary, read({"list", "--account", "ordinary"}).account);
+    EXPECT_EQ(sim::Account::administrator, read({"--account=ADMINISTRATOR", "list"}).account);
+    EXPECT_EQ(-5.0f, read({"--account", "ordinary", "set-volume", "Speakers", "-5%"}).level.amount);
+    EXPECT_EQ(readCommandLine({"--help"}).answer, readCommandLine({"--account", "ordinary", "help"}).answer);
+    EXPECT_EQ("\"root\" is not an account: administrator or ordinary", complaint({"--account", "root"}));
+}
+
 TEST(ProgramCommandLine, EscapesAndCutsWhatItRepeats)
 {
     EXPECT_EQ("unknown command \"a\\xFF\\nb\"; see sonavit --help", complaint({"a\xFF\nb"}));

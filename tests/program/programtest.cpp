@@ -3,6 +3,7 @@
 #include "COM/identifiers.h"
 #include "simulator/machine/propertykeys.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace support
@@ -110,6 +111,18 @@ Answer ProgramTest::call(const std::vector<std::string>& words)
     answer.out = out.str();
     answer.err = err.str();
     return answer;
+}
+
+std::string unreadableNote(std::size_t endpoints)
+{
+    return "sonavit: the system does not let this account read the properties of " + std::to_string(endpoints) +
+           (endpoints == 1 ? " endpoint" : " endpoints") + ", so names and cards are missing\n";
+}
+
+std::string testName(std::string machine)
+{
+    machine.erase(std::remove(machine.begin(), machine.end(), '-'), machine.end());
+    return machine;
 }
 
 sim::Machine smallMachine()

@@ -56,6 +56,12 @@ private:
     bool m_isRunning = false;
 };
 
+/// What the program says on standard error if the system denies its account the properties of that many endpoints.
+std::string unreadableNote(std::size_t endpoints);
+
+/// The name of a machine that ships, as a test may be called.
+std::string testName(std::string machine);
+
 /// One card with a speaker that is the default (stereo, -18 dB of -65.25 to 0), unplugged headphones and a muted
 /// microphone; the speaker's wire has a volume and a mute in the hardware.
 sim::Machine smallMachine();

@@ -1,4 +1,5 @@
 #include "libSonavit/sysinfohelper.h"
+#include "tools/sonavit/accountrights.h"
 #include "tools/sonavit/commands.h"
 #include "tools/sonavit/endpoint.h"
 #include "tools/sonavit/json.h"
@@ -30,9 +31,10 @@ Answers askHelper(const std::string& instanceId)
 }
 
 /// The helper answers no for a card that does not exist.
-bool isKnown(const std::string& instanceId)
+bool isKnown(const Context& context, const std::string& instanceId)
 {
     const std::vector<Card> cards = readCards();
+    reportUnreadable(context, cards);
     return std::any_of(cards.begin(), cards.end(),
                        [&](const Card& card) { return equalNoCase(card.instanceId.value_or(""), instanceId); });
 }
@@ -42,7 +44,7 @@ void runAsk(Context& context)
 {
     const std::string& instanceId = context.arguments.instanceId;
     const Environment& environment = context.environment;
-    const bool isKnownCard = isKnown(instanceId); // first: the shared enumerator belongs to this thread
+    const bool isKnownCard = isKnown(context, instanceId); // first: the shared enumerator belongs to this thread
     const Answers answers = askHelper(instanceId);
     if (context.arguments.isJson)
     {

@@ -1,5 +1,6 @@
 #include "tools/sonavit/commandline.h"
 
+#include "simulator/machine/namedvalues.h"
 #include "tools/sonavit/commandlineparser.h"
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/text.h"
@@ -78,6 +79,8 @@ Arguments argumentsOf(const CommandWords& words)
     Arguments result;
     result.verb = words.verb;
     result.machine = words.machine;
+    if (words.account)
+        result.account = named(sim::accountNames, *words.account, "an account: administrator or ordinary").value;
     result.isJson = words.isJson;
     if (words.log)
         result.log = named(logLevels, *words.log, "a log level: debug, info, warning, error, fatal or off").priority;

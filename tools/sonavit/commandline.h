@@ -1,6 +1,7 @@
 #pragma once
 
 #include "qor/logging.h"
+#include "simulator/machine/machine.h"
 #include "tools/sonavit/deviceformat.h"
 #include "tools/sonavit/levelchange.h"
 
@@ -38,6 +39,7 @@ struct Arguments
 {
     Verb verb = Verb::list;
     std::optional<std::string> machine;
+    std::optional<sim::Account> account; ///< for a simulated machine; none for its own
     bool isJson = false;
     std::optional<qor::LOGGER_PRIORITY> log; ///< lowest priority to print; none to print no records
 

@@ -14,6 +14,7 @@ struct CommandWords
 {
     Verb verb = Verb::list;
     std::optional<std::string> machine;
+    std::optional<std::string> account;
     bool isJson = false;
     std::optional<std::string> log;
     std::optional<std::string> endpoint;

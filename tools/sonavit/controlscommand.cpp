@@ -1,4 +1,5 @@
 #include "qor/exception.h"
+#include "tools/sonavit/accountrights.h"
 #include "tools/sonavit/commands.h"
 #include "tools/sonavit/endpointjson.h"
 #include "tools/sonavit/endpointname.h"
@@ -119,6 +120,7 @@ void runControls(Context& context)
 {
     std::vector<Card> cards = readCards();
     const EndpointOfCard found = findEndpoint(cards, context.arguments.endpoint);
+    reportUnreadable(context, found.endpoint);
     const std::vector<HardwareControl> controls = readControls(found.card, found.endpoint);
     const EndpointLevel own = readLevel(found.endpoint.device);
     const Environment& environment = context.environment;

@@ -1,3 +1,4 @@
+#include "tools/sonavit/accountrights.h"
 #include "tools/sonavit/commands.h"
 #include "tools/sonavit/deviceformat.h"
 #include "tools/sonavit/endpointjson.h"
@@ -17,6 +18,15 @@ WAVEFORMATEXTENSIBLE presentFormat(const AudioDevice& device)
     return AudioDevice(device.deviceProperty().deviceId).deviceProperty().format;
 }
 
+/// Explains a refusal: of this format, or of any change under this account.
+[[noreturn]] void raiseRefused(AudioDevice& device, const Endpoint& endpoint)
+{
+    if (isChangeDenied(device))
+        throw OperationFailure("Windows lets only administrators change a format, so that of " + endpoint.shortTitle() +
+                               " stays as it is");
+    throw OperationFailure("the system refused that format for " + endpoint.shortTitle());
+}
+
 /// Sets the format for as long as the user wants. The last copy of the device restores the old format, so this function
 /// makes a device of its own.
 /// @param isInterrupted set if the end was requested in the meantime
@@ -28,7 +38,7 @@ WAVEFORMATEXTENSIBLE holdFormat(Context& context, const Endpoint& endpoint, bool
         throw OperationFailure("the format of " + endpoint.shortTitle() +
                                " cannot be read, so it could not be restored");
     if (!device.setFormat(deviceFormat(*context.arguments.format)))
-        throw OperationFailure("the system refused that format for " + endpoint.shortTitle());
+        raiseRefused(device, endpoint);
     announceTemporaryChange(context);
     const WAVEFORMATEXTENSIBLE during = device.deviceProperty().format;
     if (!context.arguments.isJson)
@@ -57,6 +67,7 @@ void runFormat(Context& context)
 {
     std::vector<Endpoint> endpoints = readEndpoints();
     const Endpoint& endpoint = findEndpoint(endpoints, context.arguments.endpoint);
+    reportUnreadable(context, endpoint);
     if (!context.arguments.format)
         return showFormat(context, endpoint);
 

@@ -1,3 +1,4 @@
+#include "tools/sonavit/accountrights.h"
 #include "tools/sonavit/cardgraph.h"
 #include "tools/sonavit/commands.h"
 #include "tools/sonavit/dot.h"
@@ -93,6 +94,7 @@ void writeFile(const std::string& path, const std::string& text)
 void runGraph(Context& context)
 {
     std::vector<Card> cards = readCards();
+    reportUnreadable(context, cards);
     keepCardsWith(cards, context.arguments.card, context.arguments.endpoint);
     CardGraph graph(cards);
     if (!context.arguments.endpoint.empty())

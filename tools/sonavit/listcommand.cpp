@@ -1,3 +1,4 @@
+#include "tools/sonavit/accountrights.h"
 #include "tools/sonavit/commands.h"
 #include "tools/sonavit/endpoint.h"
 #include "tools/sonavit/endpointjson.h"
@@ -224,6 +225,7 @@ Json listJson(const Context& context, std::vector<Card>& cards)
 void runList(Context& context)
 {
     std::vector<Card> cards = readCards();
+    reportUnreadable(context, cards);
     if (context.arguments.isJson)
     {
         context.environment.out << listJson(context, cards).text() << "\n";

@@ -1,3 +1,4 @@
+#include "tools/sonavit/accountrights.h"
 #include "tools/sonavit/commands.h"
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/monitor.h"
@@ -49,6 +50,7 @@ void waitForEnd(const Context& context, Monitor& monitor)
 void runMonitor(Context& context)
 {
     std::vector<Card> cards = readCards();
+    reportUnreadable(context, cards);
     const SessionEnd sessionEnd(context.session);
     std::size_t endpoints = 0;
     for (const Card& card : cards)

@@ -1,3 +1,4 @@
+#include "tools/sonavit/accountrights.h"
 #include "tools/sonavit/cardgraph.h"
 #include "tools/sonavit/commands.h"
 #include "tools/sonavit/endpointname.h"
@@ -174,6 +175,7 @@ void showSelector(const Environment& environment, const Card& card, const Select
 void runSelectors(Context& context)
 {
     std::vector<Card> cards = readCards();
+    reportUnreadable(context, cards);
     keepCards(cards, context.arguments.card);
     Json list = Json::array();
     bool hasAny = false;

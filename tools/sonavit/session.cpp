@@ -1,5 +1,6 @@
 #include "tools/sonavit/session.h"
 
+#include "libSonavit/audiodeviceendpoint.h"
 #include "libSonavit/endpointdeviceenumerator.h"
 #include "libSonavit/soundcard.h"
 #include "tools/sonavit/failure.h"
@@ -39,7 +40,11 @@ Session::Session(const Environment& environment, const Arguments& arguments)
         machine = openMachine(environment, *name);
         m_name = machine->name.empty() ? *name : machine->name;
         m_description = machine->description;
+        machine->account = arguments.account.value_or(machine->account);
     }
+    else if (arguments.account)
+        throw UsageError("--account needs a simulated machine, which --machine names");
+    AudioDevice::setStoreAccess(StoreAccess::writeElseRead);
     // The shared enumerator initialises COM in the same way; another way would leave the counts of the two unbalanced.
     CoInitialize(nullptr);
     if (!machine)

@@ -11,14 +11,15 @@
 
 namespace sonavit
 {
-/// COM on this thread, and the machine that the library works on, for as long as a command runs.
+/// COM on this thread, and the machine that the library works on, for as long as a command runs. The library reads what
+/// an ordinary account may not write.
 ///
 /// close() destroys the library's shared enumerator, which otherwise lives as long as the process: all registrations
 /// end while the thread that made them still has COM.
 class Session
 {
 public:
-    /// Throws UsageError if the machine cannot be loaded.
+    /// Throws UsageError if the machine cannot be loaded, or if an account is chosen for the system's own Core Audio.
     Session(const Environment& environment, const Arguments& arguments);
     ~Session();
     Session(const Session&) = delete;

@@ -1,4 +1,5 @@
 #include "libModuleCommon/guid.h"
+#include "tools/sonavit/accountrights.h"
 #include "tools/sonavit/commands.h"
 #include "tools/sonavit/deviceformat.h"
 #include "tools/sonavit/endpointjson.h"
@@ -113,6 +114,7 @@ void runShow(Context& context)
 {
     std::vector<Card> cards = readCards();
     const EndpointOfCard found = findEndpoint(cards, context.arguments.endpoint);
+    reportUnreadable(context, found.endpoint);
     const EndpointProperties properties = readProperties(found.endpoint);
     const Environment& environment = context.environment;
     if (context.arguments.isJson)

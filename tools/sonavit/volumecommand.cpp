@@ -1,3 +1,4 @@
+#include "tools/sonavit/accountrights.h"
 #include "tools/sonavit/commands.h"
 #include "tools/sonavit/endpointjson.h"
 #include "tools/sonavit/endpointname.h"
@@ -41,6 +42,7 @@ void runGetVolume(Context& context)
 {
     std::vector<Endpoint> endpoints = readEndpoints();
     Endpoint& endpoint = findEndpoint(endpoints, context.arguments.endpoint);
+    reportUnreadable(context, endpoint);
     const EndpointLevel level = openVolume(endpoint).read();
     if (context.arguments.isJson)
     {
@@ -58,6 +60,7 @@ void runSetVolume(Context& context)
 {
     std::vector<Endpoint> endpoints = readEndpoints();
     Endpoint& endpoint = findEndpoint(endpoints, context.arguments.endpoint);
+    reportUnreadable(context, endpoint);
     EndpointVolume volume = openVolume(endpoint);
     const EndpointLevel before = volume.read();
     const LevelChange& change = context.arguments.level;
@@ -88,6 +91,7 @@ void runMute(Context& context)
 {
     std::vector<Endpoint> endpoints = readEndpoints();
     Endpoint& endpoint = findEndpoint(endpoints, context.arguments.endpoint);
+    reportUnreadable(context, endpoint);
     EndpointVolume volume = openVolume(endpoint);
     const std::optional<bool> before = volume.read().isMuted;
     const MuteChange change = context.arguments.mute;

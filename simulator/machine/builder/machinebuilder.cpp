@@ -245,6 +245,12 @@ CardBuilder MachineBuilder::card(const std::string& name, const std::string& ins
     return {*this, m_cards.size() - 1};
 }
 
+MachineBuilder& MachineBuilder::account(Account account)
+{
+    m_machine.account = account;
+    return *this;
+}
+
 MachineBuilder& MachineBuilder::withoutDefaults()
 {
     m_choosesDefaults = false;

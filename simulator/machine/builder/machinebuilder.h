@@ -132,6 +132,9 @@ public:
     /// A card with that instance id; no device instance is added.
     CardBuilder card(const std::string& name, const std::string& instanceId);
 
+    /// Under which a program uses the machine; an administrator's where nothing is said.
+    MachineBuilder& account(Account account);
+
     /// build() chooses no defaults, or assigns no wave ids.
     MachineBuilder& withoutDefaults();
     MachineBuilder& withoutWaveIds();

@@ -18,6 +18,7 @@ constexpr std::uint32_t allHardwareSupport = 1 | 2 | 4;
 
 std::vector<MachineProblem> MachineCheck::run()
 {
+    requireName(accountNames, m_machine.account, "/account");
     devices();
     defaults();
     joins();

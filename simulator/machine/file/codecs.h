@@ -121,6 +121,7 @@ constexpr NameCodec<Value, Size> nameCodec(const Names<Value, Size>& names, cons
     return {&names, definition};
 }
 
+inline constexpr auto accountCodec = nameCodec(accountNames, "account");
 inline constexpr auto flowCodec = nameCodec(flowNames, "flow");
 inline constexpr auto roleCodec = nameCodec(roleNames, "role");
 inline constexpr auto stateNameCodec = nameCodec(stateNames, "stateName");

@@ -63,6 +63,8 @@ FieldTable<Machine> machineTable()
     addSchema(table);
     table.required("name", &Machine::name, StringCodec())
         .optional("description", &Machine::description, StringCodec())
+        .optional("account", &Machine::account, accountCodec,
+                  "Under which a program uses the machine. An ordinary account opens property stores for reading only.")
         .optional("endpoints", &Machine::endpoints, listCodec(ObjectCodec<Endpoint>()),
                   "In the order in which the platform enumerates them.")
         .optional("adapters", &Machine::adapters, listCodec(ObjectCodec<Adapter>()),

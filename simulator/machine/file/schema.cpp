@@ -92,6 +92,7 @@ void addIds(JsonValue& definitions)
 void addNamesAndNumbers(JsonValue& definitions)
 {
     definitions.add(definition::number, integer("4294967295"));
+    addNames(definitions, accountCodec);
     addNames(definitions, flowCodec);
     addNames(definitions, roleCodec);
     addNames(definitions, stateNameCodec);

@@ -15,9 +15,10 @@ using facts::contains;
 using facts::partsOf;
 using sim::Machine;
 
-TEST(MachinesThatShip, AreSix)
+TEST(MachinesThatShip, AreSeven)
 {
-    EXPECT_THAT(sim::machineNames(), ElementsAre("broken", "crowded", "desktop", "empty", "laptop", "studio"));
+    EXPECT_THAT(sim::machineNames(),
+                ElementsAre("broken", "crowded", "desktop", "empty", "laptop", "laptop-user", "studio"));
 }
 
 TEST(MachinesThatShip, AreCalledLikeTheirFiles)
@@ -130,5 +131,5 @@ TEST_P(SoundMachines, CountTheirActiveEndpointsAsWaveDevices)
     EXPECT_TRUE(std::all_of(machine.waveIn.begin(), machine.waveIn.end(), isActive));
 }
 
-INSTANTIATE_TEST_SUITE_P(That, SoundMachines, testing::Values("desktop", "laptop", "studio", "crowded"));
+INSTANTIATE_TEST_SUITE_P(That, SoundMachines, testing::Values("desktop", "laptop", "laptop-user", "studio", "crowded"));
 }

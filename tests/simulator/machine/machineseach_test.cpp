@@ -93,6 +93,23 @@ TEST(MachineLaptop, HasLoudspeakersAJackAndAWirelessHeadsetThatIsAway)
     EXPECT_EQ(3u, inState(machine, sim::stateNotPresent));
 }
 
+TEST(MachineLaptopUser, IsALaptopOfAnOrdinaryAccount)
+{
+    const Machine machine = sim::findMachine("laptop-user");
+
+    EXPECT_EQ(sim::Account::ordinary, machine.account);
+    EXPECT_THAT(cardsOf(machine), SizeIs(3));
+    EXPECT_EQ(2u, inState(machine, sim::stateActive));
+    EXPECT_EQ(2u, inState(machine, sim::stateUnplugged));
+    EXPECT_EQ(3u, inState(machine, sim::stateNotPresent));
+}
+
+TEST(MachineLaptopUser, IsTheOnlyOneThatIsNotAnAdministrators)
+{
+    for (const std::string& name : sim::machineNames())
+        EXPECT_EQ(name != "laptop-user", sim::findMachine(name).account == sim::Account::administrator) << name;
+}
+
 TEST(MachineStudio, HasAHardwareMixer)
 {
     const Machine machine = sim::findMachine("studio");

@@ -33,10 +33,11 @@ TEST(MachineCheck, FindsBitsOfHardwareSupportWithoutAName)
                 ElementsAre("/endpoints/0/volume/hardwareSupport: expected a sum of 1, 2 and 4, found 9"));
 }
 
-TEST(MachineCheck, FindsAFlowARoleAndAKindOfConnectorWithoutAName)
+TEST(MachineCheck, FindsAnAccountAFlowARoleAndAKindOfConnectorWithoutAName)
 {
     const auto change = [](sim::Machine& machine)
     {
+        machine.account = static_cast<sim::Account>(2);
         machine.endpoints[0].topology->connectors[0].type = static_cast<ConnectorType>(7);
         machine.endpoints[0].defaultFor = {ERole_enum_count};
         machine.script[8].flow = eAll;
@@ -44,7 +45,8 @@ TEST(MachineCheck, FindsAFlowARoleAndAKindOfConnectorWithoutAName)
     };
 
     EXPECT_THAT(problemsAfter(change),
-                ElementsAre("/endpoints/0/topology/connectors/0/kind: expected \"unknown\", \"physicalInternal\", "
+                ElementsAre("/account: expected \"administrator\" or \"ordinary\", found 2",
+                            "/endpoints/0/topology/connectors/0/kind: expected \"unknown\", \"physicalInternal\", "
                             "\"physicalExternal\", \"softwareIo\", \"softwareFixed\" or \"network\", found 7",
                             "/endpoints/0/defaultFor/0: expected \"console\", \"multimedia\" or \"communications\", "
                             "found 3",

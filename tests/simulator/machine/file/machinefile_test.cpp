@@ -244,7 +244,8 @@ TEST(MachineFileWrite, KeepsEachTagThatAStoreTakesAndAnEmptyBlob)
 
 TEST(MachineFileWrite, GivesEachMachineThatShipsBack)
 {
-    ASSERT_THAT(sim::machineNames(), ElementsAre("broken", "crowded", "desktop", "empty", "laptop", "studio"));
+    ASSERT_THAT(sim::machineNames(),
+                ElementsAre("broken", "crowded", "desktop", "empty", "laptop", "laptop-user", "studio"));
     for (const std::string& name : sim::machineNames())
     {
         const sim::Machine machine = sim::findMachine(name);

@@ -92,7 +92,8 @@ const Broken notJson[] = {
      "m.json:2:23: /description: expected JSON, found syntax error while parsing value - invalid string: surrogate "
      "U+D800..U+DBFF must be followed by U+DC00..U+DFFF; last read: '\"\\ud83d\"'"},
     {"AControlCharacterInAKey", with("\"a\\u001b[31m\\n\": 1"),
-     "m.json:2: /a\\u001B[31m\\n: expected one of the keys $schema, name, description, endpoints, adapters, joins, "
+     "m.json:2: /a\\u001B[31m\\n: expected one of the keys $schema, name, description, account, endpoints, adapters, "
+     "joins, "
      "deviceInstances, waveOut, waveIn, script, faults, latency, found the key \"a\\u001B[31m\\n\""},
     {"DeepNesting", deepLists,
      "m.json:1: /0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0: expected at most 32 levels, found "
@@ -104,9 +105,11 @@ const Broken wrongKinds[] = {
     {"NoName", "{\n}", "m.json:1: expected the key \"name\", found an object without it"},
     {"ANumberAsName", R"({"name": 5})", "m.json:1: /name: expected a string, found 5"},
     {"AnUnknownKey", with(R"("colour": "red")"),
-     "m.json:2: /colour: expected one of the keys $schema, name, description, endpoints, adapters, joins, "
+     "m.json:2: /colour: expected one of the keys $schema, name, description, account, endpoints, adapters, joins, "
      "deviceInstances, "
      "waveOut, waveIn, script, faults, latency, found the key \"colour\""},
+    {"AnUnknownAccount", with(R"("account": "guest")"),
+     "m.json:2: /account: expected \"administrator\" or \"ordinary\", found \"guest\""},
     {"AnObjectAsList", with(R"("endpoints": {})"), "m.json:2: /endpoints: expected a list, found an object"},
     {"AnUnknownFlow", with(R"("endpoints": [{"id": "E", "flow": "sideways"}])"),
      "m.json:2: /endpoints/0/flow: expected \"render\" or \"capture\", found \"sideways\""},

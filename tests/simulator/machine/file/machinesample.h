@@ -138,6 +138,7 @@ inline sim::Machine machine()
     sim::Machine result;
     result.name = "sample";
     result.description = "Everything differs";
+    result.account = sim::Account::ordinary;
     result.endpoints = endpoints();
     result.adapters = {adapter};
     result.joins = {{speakers + "/plug", codec + "/jack", "{2}.elsewhere", false},

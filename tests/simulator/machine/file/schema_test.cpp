@@ -134,6 +134,7 @@ TEST_F(MachineSchema, DescribesNoObjectThatTheReaderDoesNotKnow)
 
 TEST_F(MachineSchema, HasTheReadersWords)
 {
+    EXPECT_EQ(namesOf(sim::accountNames), wordsOf("account"));
     EXPECT_EQ(namesOf(sim::flowNames), wordsOf("flow"));
     EXPECT_EQ(namesOf(sim::roleNames), wordsOf("role"));
     EXPECT_EQ(namesOf(sim::stateNames), wordsOf("stateName"));

@@ -13,7 +13,25 @@
 #include "qor/resource.h"
 #include "qor/string.h"
 
+/// How the devices of a process open their property stores.
+enum class StoreAccess
+{
+    readWrite,    ///< for reading and writing; what the system refuses stays closed
+    writeElseRead ///< likewise, but for reading only if the system denies the access (E_ACCESSDENIED)
+};
+
 /// One Core Audio device: an endpoint or an adapter device.
+///
+/// Windows lets only administrators open a store for writing (IMMDevice::OpenPropertyStore). A program that ordinary
+/// users start calls setStoreAccess(StoreAccess::writeElseRead) first: otherwise their devices have no properties. What
+/// the two kinds of account may do then:
+///
+/// | Operation | Administrator | Ordinary user |
+/// |---|---|---|
+/// | lists, cards, selectors, notifications | yes | yes |
+/// | deviceProperty(), refreshDeviceInformation() | yes | yes, with StoreAccess::writeElseRead |
+/// | volumeControl(), hardware controls, mute | yes | yes |
+/// | setFormat() | yes | no: false, and a message (LOG_WARNING) |
 ///
 /// A value type: each copy holds its own references on the platform's device and property store and shares the volume
 /// controller with the other copies. An object is empty until initialize() binds it to a device. Platform failures are
@@ -23,6 +41,11 @@
 class SONAVIT_API AudioDevice : public AudioDeviceInterface
 {
 public:
+    /// Decides for the whole process how devices open their stores from now on; a store that is open stays as it is.
+    /// Call it before the first device is made. Without a call: StoreAccess::readWrite. Any thread may call it.
+    static void setStoreAccess(StoreAccess access) noexcept;
+    static StoreAccess storeAccess() noexcept;
+
     /// An empty device; calls no platform function.
     AudioDevice();
 
@@ -49,11 +72,12 @@ public:
 
     /// Reads all properties, the state and the jack type.
     ///
-    /// The property store is opened for reading and writing (IMMDevice::OpenPropertyStore) on first use. The jack type
-    /// is the subtype of the part on the far side of the device's first connector. A property that cannot be read keeps
-    /// its value and is logged at LOG_ERROR; a malformed DirectSound GUID and a failing IMMDevice::GetState are logged
-    /// at LOG_WARNING, a missing jack type is not logged. A missing format is not a failure. Required behaviour: each
-    /// refresh leaves the string of one GUID allocated. The device must not be empty: there is no check.
+    /// The property store is opened for reading and writing (IMMDevice::OpenPropertyStore) on first use; see
+    /// setStoreAccess() for accounts that may not write. The jack type is the subtype of the part on the far side of
+    /// the device's first connector. A property that cannot be read keeps its value and is logged at LOG_ERROR; a
+    /// malformed DirectSound GUID and a failing IMMDevice::GetState are logged at LOG_WARNING, a missing jack type is
+    /// not logged. A missing format is not a failure. Required behaviour: each refresh leaves the string of one GUID
+    /// allocated. The device must not be empty: there is no check.
     /// @return false, with a message (LOG_ERROR), only if the store cannot be opened
     bool refreshDeviceInformation() override;
 
@@ -65,7 +89,8 @@ public:
     /// and reads all properties from it.
     ///
     /// The destructor of this object, and of each copy made from now on, restores the former format. The properties
-    /// change by the final refresh only, to what the system then reports.
+    /// change by the final refresh only, to what the system then reports. A store that is open for reading only refuses
+    /// each format; see StoreAccess::writeElseRead.
     /// @return false, with a message (LOG_WARNING), if the system refuses the format or no new store can be opened;
     /// false, without a message, if initialize() has been given a null device since: the format is written, but there
     /// is no device to open a store on

@@ -2,6 +2,7 @@
 
 #include "COM/resultcode.h"
 #include "libSonavit/audiodeviceendpoint/log.h"
+#include "libSonavit/audiodeviceendpoint/propertystore.h"
 #include "libSonavit/precondition.h"
 
 #include <cstring>
@@ -28,7 +29,7 @@ bool AudioDevice::setFormat(const WAVEFORMATEXTENSIBLE& format)
     if (m_device.get() == nullptr)
         return false; // initialize() has been given a null device since
     IPropertyStore* store = nullptr;
-    result = m_device->OpenPropertyStore(STGM_READWRITE, &store);
+    result = propertystore::open(*m_device.get(), store);
     if (FAILED(result))
     {
         SONAVIT_LOG(endpointlog, LOG_WARNING, out.append("Cannot open a new property store ").append(hexText(result)));

@@ -3,6 +3,7 @@
 #include "COM/identifiers.h"
 #include "COM/resultcode.h"
 #include "libSonavit/audiodeviceendpoint/log.h"
+#include "libSonavit/audiodeviceendpoint/propertystore.h"
 
 #include <cstring>
 
@@ -35,7 +36,7 @@ bool AudioDevice::refreshDeviceInformation()
     if (m_propertyStore.get() == nullptr)
     {
         IPropertyStore* store = nullptr;
-        const HRESULT result = m_device->OpenPropertyStore(STGM_READWRITE, &store); // setFormat() writes to it
+        const HRESULT result = propertystore::open(*m_device.get(), store);
         m_propertyStore = store; // even one along with a failure code: the next refresh reads from it
         if (FAILED(result) || store == nullptr)
         {

@@ -1,0 +1,311 @@
+// The commands under an administrator's and an ordinary account.
+#include "simulator/machine/deviceformat.h"
+#include "simulator/machine/propertykeys.h"
+#include "tests/program/programtest.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <map>
+#include <regex>
+
+using nlohmann::json;
+using sim::Account;
+using support::Answer;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+using Words = std::vector<std::string>;
+
+namespace
+{
+constexpr const char* opening = "IMMDevice::OpenPropertyStore";
+
+/// The commands on a machine that ships, which runs under either account.
+class ProgramUnderAccount : public support::ProgramTest, public testing::WithParamInterface<const char*>
+{
+protected:
+    /// What all commands that show something answer.
+    std::vector<Answer> answers(Account account)
+    {
+        std::vector<Answer> all;
+        {
+            sim::Simulation simulation(under(account));
+            all.push_back(call({"list"}));
+            denied[account] = simulation.journal().of(opening).with("2").failed().size();
+            simulation.journal().record(false); // which takes longer than the commands
+            for (const Words& words : furtherCommands())
+                all.push_back(call(words));
+        }
+        all.push_back(listen(account, {"monitor"}));
+        all.push_back(listen(account, {"monitor", "--json"}));
+        return all;
+    }
+
+    /// What the monitor answers while the machine's script is played, with the times of the events blotted out.
+    Answer listen(Account account, const Words& words)
+    {
+        sim::Simulation simulation(under(account));
+        simulation.deliverAtOnce(true);
+        simulation.journal().record(false);
+        int pauses = 0;
+        pause = [&](std::chrono::milliseconds)
+        {
+            if (pauses == 0)
+                simulation.events().playScript();
+            return ++pauses == 2;
+        };
+        Answer answer = call(words);
+        answer.out = std::regex_replace(answer.out, std::regex("[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3}"), "TIME");
+        return answer;
+    }
+
+    /// The machine, whose calls take no longer than they have to.
+    sim::Machine under(Account account) const
+    {
+        sim::Machine result = machine;
+        result.account = account;
+        result.latency.clear();
+        return result;
+    }
+
+    std::vector<Words> furtherCommands() const
+    {
+        std::vector<Words> all = {{"list", "--json"}, {"selectors"}, {"graph"}, {"graph", "--json"}};
+        for (const std::string& id : someEndpoints())
+        {
+            all.push_back({"show", id});
+            all.push_back({"controls", id});
+        }
+        for (std::size_t i = 0; i < std::min<std::size_t>(machine.deviceInstances.size(), 2); ++i)
+            all.push_back({"ask", machine.deviceInstances[i].id});
+        return all;
+    }
+
+    /// All endpoints; of a large machine some, as the others are like them. Each endpoint of the broken machine is
+    /// broken in its own way.
+    Words someEndpoints() const
+    {
+        constexpr std::size_t large = 10;
+        const bool isLarge = machine.endpoints.size() > large && machine.name != "broken";
+        const std::size_t step = isLarge ? machine.endpoints.size() / 2 : 1;
+        Words ids;
+        for (std::size_t i = 0; i < machine.endpoints.size(); i += step)
+            ids.push_back(machine.endpoints[i].id);
+        return ids;
+    }
+
+    const sim::Machine machine = sim::findMachine(GetParam());
+    std::map<Account, std::size_t> denied; ///< openings of stores for writing that failed
+};
+}
+
+TEST_P(ProgramUnderAccount, ShowsTheSameByteForByte)
+{
+    const std::vector<Answer> administrator = answers(Account::administrator);
+
+    const std::vector<Answer> ordinary = answers(Account::ordinary);
+
+    ASSERT_EQ(administrator.size(), ordinary.size());
+    for (std::size_t i = 0; i < ordinary.size(); ++i)
+    {
+        EXPECT_EQ(administrator[i].code, ordinary[i].code);
+        EXPECT_EQ(administrator[i].out, ordinary[i].out);
+        EXPECT_EQ(administrator[i].err, ordinary[i].err);
+    }
+    EXPECT_EQ(machine.endpoints.empty(), denied[Account::ordinary] <= denied[Account::administrator])
+        << "the accounts do not differ";
+    EXPECT_EQ(machine.script.empty(), ordinary.back().out.empty());
+}
+
+#define UNDER_ACCOUNT(Suite, machine)                                              \
+    INSTANTIATE_TEST_SUITE_P(Suite, ProgramUnderAccount, testing::Values(machine), \
+                             [](const auto& name) { return support::testName(name.param); })
+UNDER_ACCOUNT(Broken, "broken");
+UNDER_ACCOUNT(Crowded, "crowded");
+UNDER_ACCOUNT(Desktop, "desktop");
+UNDER_ACCOUNT(Empty, "empty");
+UNDER_ACCOUNT(Laptop, "laptop");
+UNDER_ACCOUNT(LaptopUser, "laptop-user");
+UNDER_ACCOUNT(Studio, "studio");
+
+namespace
+{
+class ProgramAccount : public support::ProgramTest
+{
+protected:
+    std::string stored()
+    {
+        const sim::Machine machine = simulation().machine();
+        const sim::PropertyValue* const value =
+            sim::findProperty(machine.endpoint(support::speakerId())->properties, sim::keys::deviceFormat);
+        return value->bytes == sim::DeviceFormat().bytes() ? "16/48000/2" : "another";
+    }
+
+    /// The commands that show or change endpoints, on the small machine.
+    static std::vector<Words> commands()
+    {
+        return {{"list"},
+                {"show", support::speakerId()},
+                {"controls", support::speakerId()},
+                {"selectors"},
+                {"graph"},
+                {"ask", support::smallInstanceId()},
+                {"get-volume", support::speakerId()},
+                {"set-volume", support::speakerId(), "50%"},
+                {"mute", support::speakerId(), "on"},
+                {"format", support::speakerId()},
+                {"monitor"}};
+    }
+};
+
+const std::string administratorsOnly =
+    "Windows lets only administrators change a format, so that of Speakers (Analog Audio) stays as it is";
+}
+
+TEST_F(ProgramAccount, IsThatOfTheMachineOrTheOption)
+{
+    const Answer asItIs = call({"list", "--machine", "laptop-user"});
+    const Answer administrator = call({"list", "--machine", "laptop-user", "--account", "administrator"});
+    const Words change = {"format", "Laptop Speakers", "--set", "24/96000/2", "--hold", "0"};
+    const auto changeOn = [&](const Words& options)
+    {
+        Words words = options;
+        words.insert(words.end(), change.begin(), change.end());
+        return call(words).code;
+    };
+    pause = [](std::chrono::milliseconds) { return false; };
+
+    EXPECT_EQ(0, asItIs.code);
+    EXPECT_THAT(asItIs.out, HasSubstr("Laptop Speakers"));
+    EXPECT_EQ(asItIs.out, administrator.out);
+    EXPECT_EQ(1, changeOn({"--machine", "laptop-user"}));
+    EXPECT_EQ(1, changeOn({"--account", "ordinary", "--machine", "laptop-user"}));
+    EXPECT_EQ(0, changeOn({"--machine", "laptop-user", "--account", "Administrator"}));
+}
+
+TEST_F(ProgramAccount, ChangesADefaultMachineToo)
+{
+    std::ostringstream out;
+    std::ostringstream err;
+    sonavit::Environment environment{out, err};
+    environment.defaultMachine = "desktop";
+
+    const int code = sonavit::run({"format", "Speakers", "--set", "24/96000/2", "--account", "ordinary"}, environment);
+
+    EXPECT_EQ(1, code);
+    EXPECT_THAT(err.str(), HasSubstr("Windows lets only administrators"));
+}
+
+TEST_F(ProgramAccount, CannotBeChosenOnTheSystemsOwnAudio)
+{
+    run(support::smallMachine());
+
+    const Answer text = call({"list", "--account", "ordinary"});
+    const Answer inJson = call({"list", "--account", "administrator", "--json"});
+
+    EXPECT_EQ(2, text.code);
+    EXPECT_EQ("", text.out);
+    EXPECT_EQ("sonavit: --account needs a simulated machine, which --machine names\n", text.err);
+    EXPECT_EQ(2, inJson.code);
+    EXPECT_EQ("--account needs a simulated machine, which --machine names", json::parse(inJson.out)["error"]);
+}
+
+TEST_F(ProgramAccount, IsOneOfTwo)
+{
+    EXPECT_EQ("sonavit: \"guest\" is not an account: administrator or ordinary\n",
+              call({"list", "--machine", "desktop", "--account", "guest"}).err);
+    EXPECT_EQ("sonavit: --account needs a value: --account ACCOUNT\n",
+              call({"list", "--machine", "desktop", "--account"}).err);
+    EXPECT_EQ(2, call({"--account", "guest", "list", "--machine", "desktop"}).code);
+}
+
+TEST_F(ProgramAccount, ThatIsOrdinaryMayNotChangeAFormat)
+{
+    run(support::smallMachine()).setAccount(Account::ordinary);
+    const sim::Machine before = simulation().machine();
+    pause = [](std::chrono::milliseconds) -> bool { throw std::logic_error("there is nothing to hold"); };
+
+    const Answer text = call({"format", "Speakers", "--set", "24/96000/2"});
+    const Answer inJson = call({"format", "Speakers", "--set", "24/96000/2", "--json"});
+
+    EXPECT_EQ(1, text.code);
+    EXPECT_EQ("", text.out);
+    EXPECT_EQ("sonavit: " + administratorsOnly + "\n", text.err);
+    EXPECT_EQ(1, inJson.code);
+    EXPECT_EQ(administratorsOnly, json::parse(inJson.out)["error"]);
+    EXPECT_EQ("sonavit: " + administratorsOnly + "\n", inJson.err);
+    EXPECT_TRUE(before == simulation().machine());
+}
+
+TEST_F(ProgramAccount, ThatIsOrdinaryMayReadAFormatAndChangeVolumesAndMutes)
+{
+    run(support::smallMachine()).setAccount(Account::ordinary);
+
+    EXPECT_THAT(call({"format", "Speakers"}).out, HasSubstr("48"));
+    EXPECT_EQ(0, call({"set-volume", "Speakers", "50%"}).code);
+    EXPECT_EQ(0, call({"mute", "Speakers", "on"}).code);
+    EXPECT_THAT(call({"get-volume", "Speakers"}).out, EndsWith("50% (-32.62 dB), muted\n"));
+}
+
+TEST_F(ProgramAccount, OfAnAdministratorIsToldOfAFormatThatTheSystemRefuses)
+{
+    run(support::smallMachine());
+    simulation().faults().fail("IPropertyStore::SetValue", E_ACCESSDENIED);
+
+    const Answer answer = call({"format", "Speakers", "--set", "24/96000/2"});
+
+    EXPECT_EQ("sonavit: the system refused that format for Speakers (Analog Audio)\n", answer.err);
+    EXPECT_EQ("16/48000/2", stored());
+}
+
+TEST_F(ProgramAccount, ThatMayNotReadEitherIsToldSoOnce)
+{
+    run(support::smallMachine());
+    simulation().faults().fail(opening, E_ACCESSDENIED);
+    ownDefaultQuestions = 6; // the show command asks for all three roles
+
+    for (const Words& words : commands())
+    {
+        Words inJson = words;
+        inJson.emplace_back("--json");
+        const bool isOnOne = words.size() > 1 && words[1] == support::speakerId();
+        const std::string note = support::unreadableNote(isOnOne ? 1 : 3);
+
+        const Answer text = call(words);
+        const Answer answer = call(inJson);
+
+        EXPECT_EQ(0, text.code) << words[0];
+        EXPECT_EQ(note, text.err) << words[0];
+        EXPECT_EQ(0, answer.code) << words[0];
+        EXPECT_EQ(note, answer.err) << words[0];
+        EXPECT_TRUE(words[0] == "monitor" || json::accept(answer.out)) << words[0];
+    }
+}
+
+TEST_F(ProgramAccount, IsNotToldOfEndpointsThatFailInAnotherWay)
+{
+    run(support::smallMachine());
+    simulation().faults().fail(opening, E_FAIL);
+
+    const Answer answer = call({"list"});
+
+    EXPECT_EQ(0, answer.code);
+    EXPECT_EQ("", answer.err);
+}
+
+TEST_F(ProgramAccount, IsToldOfTheEndpointsThatItMayNotReadOnly)
+{
+    run(support::smallMachine()).setAccount(Account::ordinary);
+    simulation().faults().fail(opening, E_ACCESSDENIED).on(support::microphoneId());
+    ownDefaultQuestions = 3; // the show command asks for all three roles
+
+    EXPECT_EQ(support::unreadableNote(1), call({"list"}).err);
+    EXPECT_EQ("", call({"show", "Speakers"}).err);
+}
+
+TEST_F(ProgramAccount, StaysInTheHelp)
+{
+    EXPECT_THAT(call({"--help"}).out, HasSubstr("--account ACCOUNT"));
+    EXPECT_THAT(call({"list", "--help"}).out, HasSubstr("--account"));
+}
