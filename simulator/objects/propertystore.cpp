@@ -1,13 +1,11 @@
 #include "simulator/core/notifications.h"
 #include "simulator/core/simulatedobject.h"
 #include "simulator/machine/propertykeys.h"
-#include "simulator/mutex.h"
 #include "simulator/objects/lookup.h"
 #include "simulator/objects/objects.h"
 #include "simulator/objects/propertyvalue.h"
 
 #include <algorithm>
-#include <mutex>
 
 namespace sim
 {
@@ -29,7 +27,7 @@ PropertyValue composed(const Properties& properties, const PROPERTYKEY& key)
                                  textOf(properties, keys::friendlyName) + ")");
 }
 
-/// The properties of one device. A value of SetValue shows in this store at once and in the machine after Commit.
+/// The properties of one device. A value of SetValue shows in all stores of the device at once; Commit changes nothing.
 class PropertyStoreObject final : public ComObject<IPropertyStore>
 {
 public:
@@ -93,13 +91,20 @@ public:
             const std::optional<PropertyValue> copy = readVariant(value);
             if (!copy)
                 return E_INVALIDARG;
-            const std::lock_guard<Mutex> lock(m_mutex);
-            m_pending.push_back({key, *copy});
-            return S_OK;
+            const HRESULT result = onDevice(*state(), name(),
+                                            [&](Device& device)
+                                            {
+                                                changeProperty(device.properties, key, *copy);
+                                                return S_OK;
+                                            });
+            if (SUCCEEDED(result))
+                notifyPropertyChanged(state(), name(), key);
+            return result;
         };
         return call("IPropertyStore::SetValue", outputs(), answer, key);
     }
 
+    /// Writes nothing, as every value is written at once.
     HRESULT STDMETHODCALLTYPE Commit() override
     {
         return call("IPropertyStore::Commit", outputs(),
@@ -107,52 +112,16 @@ public:
                     {
                         if (m_access == STGM_READ)
                             return E_ACCESSDENIED;
-                        const Properties changes = takePending();
-                        const HRESULT result = onDevice(*state(), name(),
-                                                        [&](Device& device)
-                                                        {
-                                                            apply(changes, device.properties);
-                                                            return S_OK;
-                                                        });
-                        if (FAILED(result))
-                            return result;
-                        for (const Property& change : changes)
-                            notifyPropertyChanged(state(), name(), change.key);
-                        return S_OK;
+                        return onDevice(*state(), name(), [](const Device&) { return S_OK; });
                     });
     }
 
 private:
-    Properties takePending()
-    {
-        const std::lock_guard<Mutex> lock(m_mutex);
-        return std::exchange(m_pending, {});
-    }
-
-    static void apply(const Properties& changes, Properties& properties)
-    {
-        for (const Property& change : changes)
-            changeProperty(properties, change.key, change.value);
-    }
-
-    /// Calls @p action with the machine's properties, the pending changes of this store applied.
+    /// Calls @p action with the machine's properties.
     template<class Action>
     HRESULT read(const Action& action)
     {
-        Properties changes;
-        {
-            const std::lock_guard<Mutex> lock(m_mutex);
-            changes = m_pending;
-        }
-        return onDevice(*state(), name(),
-                        [&](const Device& device) -> HRESULT
-                        {
-                            if (changes.empty())
-                                return action(device.properties);
-                            Properties properties = device.properties;
-                            apply(changes, properties);
-                            return action(properties);
-                        });
+        return onDevice(*state(), name(), [&](const Device& device) -> HRESULT { return action(device.properties); });
     }
 
     HRESULT store(const PropertyValue& value, PROPVARIANT& variant) const
@@ -181,8 +150,6 @@ private:
     }
 
     const DWORD m_access;
-    Mutex m_mutex;
-    Properties m_pending;
 };
 }
 
