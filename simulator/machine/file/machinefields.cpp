@@ -63,6 +63,8 @@ FieldTable<Machine> machineTable()
     addSchema(table);
     table.required("name", &Machine::name, StringCodec())
         .optional("description", &Machine::description, StringCodec())
+        .optional("notPresentNames", &Machine::notPresentNames, notPresentNamesCodec,
+                  "Whether the names of an endpoint that is not present can be read; failing: 0xE000020B.")
         .optional("endpoints", &Machine::endpoints, listCodec(ObjectCodec<Endpoint>()),
                   "In the order in which the platform enumerates them.")
         .optional("adapters", &Machine::adapters, listCodec(ObjectCodec<Adapter>()),
