@@ -1,5 +1,6 @@
 #include "simulator/core/hardware.h"
 
+#include "simulator/core/composedproperties.h"
 #include "simulator/machine/casefolding.h"
 
 #include <algorithm>
@@ -9,7 +10,7 @@ namespace sim
 {
 void changeProperty(Properties& properties, const PROPERTYKEY& key, const PropertyValue& value)
 {
-    if (value.tag == VT_EMPTY)
+    if (value.tag == VT_EMPTY && !isComposed(key))
         removeProperty(properties, key);
     else
         setProperty(properties, key, value);

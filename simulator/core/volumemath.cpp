@@ -43,4 +43,15 @@ unsigned stepOf(const EndpointVolume& volume, float decibels)
         return 0;
     return static_cast<unsigned>(std::max(0L, std::lround((decibels - volume.minimum) / volume.step)));
 }
+
+float nearestStep(const ChannelLevel& channel, float decibels)
+{
+    const double within = std::clamp(decibels, channel.minimum, channel.maximum);
+    if (channel.step <= 0.0f || decibels >= channel.maximum)
+        return static_cast<float>(within);
+    const double minimum = channel.minimum;
+    const double step = channel.step;
+    const double snapped = minimum + std::round((within - minimum) / step) * step;
+    return std::min(static_cast<float>(snapped), channel.maximum);
+}
 }

@@ -19,4 +19,8 @@ void setMasterLevel(EndpointVolume& volume, float decibels);
 unsigned stepCount(const EndpointVolume& volume);
 /// The step nearest to @p decibels, counted from 0 at the minimum.
 unsigned stepOf(const EndpointVolume& volume, float decibels);
+
+/// The level that hardware takes if it is asked for @p decibels, which must not be NaN: the nearest step, counted from
+/// the minimum; a level outside the range becomes the nearest end, which need not be a step.
+float nearestStep(const ChannelLevel& channel, float decibels);
 }

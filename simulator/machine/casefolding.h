@@ -10,6 +10,9 @@ namespace sim
 std::string lowerCase(std::string text);
 char lowerCase(char character);
 
+/// @p text with upper-case letters.
+std::string upperCase(std::string text);
+
 /// Whether two strings are equal apart from case.
 bool equalNoCase(const std::string& left, const std::string& right);
 }

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <string_view>
 
 namespace sim
 {
@@ -21,6 +22,18 @@ std::uint64_t hash(const std::string& text)
         value *= 0x100000001B3u;
     }
     return value;
+}
+
+/// The address of a Bluetooth device: the twelve hexadecimal digits in "...\\7&1A2B3C4&0&001122334455_C00000000".
+std::optional<std::string> bluetoothAddress(const std::string& instanceId)
+{
+    const std::size_t element = instanceId.rfind('\\') + 1; // the whole id if it has no such character
+    const std::string last = instanceId.substr(std::max(element, instanceId.rfind('&') + 1));
+    const std::string address = last.substr(0, last.find('_'));
+    const auto isHex = [](char character) { return hexDigit(character) >= 0; };
+    if (address.size() != 12 || !std::all_of(address.begin(), address.end(), isHex))
+        return std::nullopt;
+    return address;
 }
 }
 
@@ -81,6 +94,43 @@ std::string adapterId(const std::string& instanceId)
     std::string path = lowerCase(instanceId);
     std::replace(path.begin(), path.end(), '\\', '#');
     return "{2}.\\\\?\\" + path + "#" + lowerCase(guidText(nodetypes::stream)) + "\\topo";
+}
+
+std::optional<std::string> instanceOfAdapter(const std::string& adapterId)
+{
+    constexpr std::string_view prefix = "\\\\?\\";
+    const std::size_t start = adapterId.find(prefix);
+    const std::size_t end = adapterId.rfind("#{"); // the class comes last
+    if (start == std::string::npos || end == std::string::npos || end < start + prefix.size())
+        return std::nullopt;
+    std::string id = upperCase(adapterId.substr(start + prefix.size(), end - start - prefix.size()));
+    std::replace(id.begin(), id.end(), '#', '\\');
+    return id;
+}
+
+std::string instanceOfPath(const std::string& instancePath)
+{
+    const std::size_t dot = instancePath.find('.');
+    if (dot == std::string::npos)
+        return {};
+    const std::size_t end = instancePath.find('.', dot + 1);
+    return instancePath.substr(dot + 1, end == std::string::npos ? end : end - dot - 1);
+}
+
+GUID containerOf(const std::string& instanceId, const std::optional<std::string>& parent)
+{
+    const std::string id = upperCase(instanceId);
+    const std::string bus = id.substr(0, id.find('\\'));
+    const std::string above = upperCase(parent.value_or(id));
+    if (bus.compare(0, 3, "BTH") == 0)
+    {
+        const std::string address = bluetoothAddress(id).value_or(bluetoothAddress(above).value_or(above));
+        return derivedGuid("container/" + address);
+    }
+    if (bus != "USB")
+        return {0, 0, 0, {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}};
+    const bool isFunction = id.find("&MI_") != std::string::npos;
+    return derivedGuid("container/" + (isFunction ? above : id));
 }
 
 std::string driverName(const std::string& instancePath)

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace sim
@@ -27,6 +28,18 @@ std::string usbParent(const std::string& seed);
 
 /// "{2}.\\?\hdaudio#...#{category}\topo", the id of the adapter device of a device instance.
 std::string adapterId(const std::string& instanceId);
+
+/// The instance id that such an adapter id contains, in upper case; no value for an id of another form.
+std::optional<std::string> instanceOfAdapter(const std::string& adapterId);
+
+/// The instance id in an instance path: the text after its first dot, up to the second.
+std::string instanceOfPath(const std::string& instancePath);
+
+/// The container of a device instance: one GUID for each USB or Bluetooth device, whatever functions it has, and
+/// {00000000-0000-0000-FFFF-FFFFFFFFFFFF} for all others, which are parts of the computer. @p parent is the parent of
+/// the instance, which the functions of one USB device share. The profiles of a Bluetooth device share its address,
+/// which is in the instance's id or in its parent's.
+GUID containerOf(const std::string& instanceId, const std::optional<std::string>& parent);
 
 /// The strong name of the driver node of the device with that instance path.
 std::string driverName(const std::string& instancePath);

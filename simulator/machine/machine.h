@@ -119,12 +119,21 @@ enum class Account
     ordinary
 };
 
+/// What the property store of an endpoint that is not present answers when it is asked for a name: for the description,
+/// the name of the adapter or the full name.
+enum class NotPresentNames
+{
+    readable, ///< the name
+    failing   ///< 0xE000020B, as on some machines
+};
+
 /// A whole machine.
 struct Machine
 {
     std::string name;
     std::string description;
     Account account = Account::administrator;
+    NotPresentNames notPresentNames = NotPresentNames::readable;
     std::vector<Endpoint> endpoints; ///< in the order in which the platform enumerates them
     std::vector<Adapter> adapters;
     std::vector<Join> joins;

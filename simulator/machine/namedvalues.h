@@ -32,6 +32,9 @@ inline constexpr Names<ConnectorType, 6> connectorTypeNames = {{{"unknown", Unkn
                                                                 {"softwareFixed", Software_Fixed},
                                                                 {"network", Network}}};
 
+inline constexpr Names<NotPresentNames, 2> notPresentNamesNames = {
+    {{"readable", NotPresentNames::readable}, {"failing", NotPresentNames::failing}}};
+
 inline constexpr Names<std::uint32_t, 3> hardwareSupportNames = {{{"volume", 1}, {"mute", 2}, {"meter", 4}}};
 
 inline constexpr Names<ScriptEvent::Kind, 8> eventNames = {{{"added", ScriptEvent::Kind::added},
@@ -47,13 +50,14 @@ inline constexpr Names<bool Device::*, 2> interfaceNames = {
     {{"IAudioClient", &Device::hasAudioClient}, {"IBaseFilter", &Device::hasBaseFilter}}};
 
 /// The tags of a property value that is a whole number: all that a property store of the simulated platform takes.
-inline constexpr Names<VARTYPE, 9> numberTagNames = {{{"VT_I2", VT_I2},
-                                                      {"VT_I4", VT_I4},
-                                                      {"VT_BOOL", VT_BOOL},
-                                                      {"VT_I1", VT_I1},
-                                                      {"VT_UI1", VT_UI1},
-                                                      {"VT_UI2", VT_UI2},
-                                                      {"VT_UI4", VT_UI4},
-                                                      {"VT_INT", VT_INT},
-                                                      {"VT_UINT", VT_UINT}}};
+inline constexpr Names<VARTYPE, 10> numberTagNames = {{{"VT_I2", VT_I2},
+                                                       {"VT_I4", VT_I4},
+                                                       {"VT_BOOL", VT_BOOL},
+                                                       {"VT_I1", VT_I1},
+                                                       {"VT_UI1", VT_UI1},
+                                                       {"VT_UI2", VT_UI2},
+                                                       {"VT_UI4", VT_UI4},
+                                                       {"VT_UI8", VT_UI8},
+                                                       {"VT_INT", VT_INT},
+                                                       {"VT_UINT", VT_UINT}}};
 }

@@ -13,11 +13,32 @@ PropertyValue PropertyValue::ofText(OptionalString value)
     return result;
 }
 
-PropertyValue PropertyValue::ofNumber(std::uint32_t value, VARTYPE tag)
+PropertyValue PropertyValue::ofNumber(std::uint64_t value, VARTYPE tag)
 {
     PropertyValue result;
     result.tag = tag;
     result.number = value;
+    return result;
+}
+
+PropertyValue PropertyValue::ofBoolean(bool value)
+{
+    return ofNumber(value ? variantTrue : 0, VT_BOOL);
+}
+
+PropertyValue PropertyValue::ofReal(float value)
+{
+    PropertyValue result;
+    result.tag = VT_R4;
+    result.real = value;
+    return result;
+}
+
+PropertyValue PropertyValue::ofGuid(const GUID& value)
+{
+    PropertyValue result;
+    result.tag = VT_CLSID;
+    result.guid = value;
     return result;
 }
 

@@ -16,6 +16,9 @@ namespace sim
 using OptionalString = std::optional<std::string>;
 using Text = OptionalString;
 
+/// The number of a VT_BOOL that is true; 0 is false.
+inline constexpr std::uint32_t variantTrue = 0xFFFF;
+
 /// One value of a property store and the tag with which the store returns it.
 ///
 /// A mistyped property is a value with a tag that its reader does not expect.
@@ -23,11 +26,17 @@ struct PropertyValue
 {
     VARTYPE tag = VT_EMPTY;
     OptionalString text;             ///< VT_LPWSTR; no value: the store returns the tag and a null pointer
-    std::uint32_t number = 0;        ///< VT_UI4 and the other numeric tags
+    std::uint64_t number = 0;        ///< VT_UI4 and the other tags of whole numbers; more than 32 bits for VT_UI8 only
+    float real = 0.0f;               ///< VT_R4
+    GUID guid = {};                  ///< VT_CLSID
     std::vector<std::uint8_t> bytes; ///< VT_BLOB
 
     static PropertyValue ofText(OptionalString value);
-    static PropertyValue ofNumber(std::uint32_t value, VARTYPE tag = VT_UI4);
+    static PropertyValue ofNumber(std::uint64_t value, VARTYPE tag = VT_UI4);
+    /// VT_BOOL, whose number is 0xFFFF for true: VARIANT_TRUE.
+    static PropertyValue ofBoolean(bool value);
+    static PropertyValue ofReal(float value);
+    static PropertyValue ofGuid(const GUID& value);
     static PropertyValue ofBytes(std::vector<std::uint8_t> value);
 };
 

@@ -73,14 +73,21 @@ std::optional<GUID> guidFromText(const std::string& text)
     return guid;
 }
 
+std::optional<std::uint64_t> largeNumberFromText(const std::string& text)
+{
+    std::uint64_t value = 0;
+    const char* const end = text.data() + text.size();
+    const std::from_chars_result result = std::from_chars(text.data(), end, value);
+    const bool isNumber = result.ec == std::errc() && result.ptr == end;
+    const bool isPlain = text.size() == 1 || (!text.empty() && text.front() != '0');
+    return isNumber && isPlain ? std::optional<std::uint64_t>(value) : std::nullopt;
+}
+
 std::optional<std::uint32_t> numberFromText(const std::string& text)
 {
-    const bool isDecimal = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
-    const bool isPlain = text.size() <= 10 && (text.size() == 1 || text.front() != '0');
-    if (!isDecimal || !isPlain)
-        return std::nullopt;
-    const unsigned long long value = std::stoull(text);
-    return value <= UINT32_MAX ? std::optional<std::uint32_t>(static_cast<std::uint32_t>(value)) : std::nullopt;
+    const std::optional<std::uint64_t> value = largeNumberFromText(text);
+    return value && *value <= UINT32_MAX ? std::optional<std::uint32_t>(static_cast<std::uint32_t>(*value))
+                                         : std::nullopt;
 }
 
 std::optional<HRESULT> resultFromText(const std::string& text)

@@ -29,6 +29,9 @@ std::optional<GUID> guidFromText(const std::string& text);
 /// number does not fit into 32 bits.
 std::optional<std::uint32_t> numberFromText(const std::string& text);
 
+/// The same for 64 bits.
+std::optional<std::uint64_t> largeNumberFromText(const std::string& text);
+
 /// The value of "0x80004005", eight digits; no value for any other string.
 std::optional<HRESULT> resultFromText(const std::string& text);
 std::string resultText(HRESULT result);

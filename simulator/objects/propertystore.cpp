@@ -1,35 +1,35 @@
+#include "simulator/core/composedproperties.h"
 #include "simulator/core/notifications.h"
 #include "simulator/core/simulatedobject.h"
 #include "simulator/machine/propertykeys.h"
-#include "simulator/mutex.h"
 #include "simulator/objects/lookup.h"
 #include "simulator/objects/objects.h"
 #include "simulator/objects/propertyvalue.h"
 
-#include <algorithm>
-#include <mutex>
+#include <cstring>
+#include <vector>
 
 namespace sim
 {
 namespace
 {
-std::string textOf(const Properties& properties, const PROPERTYKEY& key)
+/// What a store of an endpoint that is not present answers on some machines: ERROR_NO_SUCH_DEVINST of the setup
+/// functions.
+constexpr auto noSuchInstance = static_cast<HRESULT>(0xE000020B);
+
+bool isName(const PROPERTYKEY& key)
 {
-    const PropertyValue* const value = findProperty(properties, key);
-    return value == nullptr ? std::string() : value->text.value_or("");
+    return sameKey(key, keys::deviceDescription) || sameKey(key, keys::friendlyName) || sameKey(key, keys::fullName);
 }
 
-/// What the platform composes if the machine does not have it: a device's full name, "Speakers (Analog Audio)". The
-/// wave functions of Windows read it for every endpoint and require it.
-PropertyValue composed(const Properties& properties, const PROPERTYKEY& key)
+/// Whether reading the names of @p device fails.
+bool hidesNames(Hardware& hardware, const Device& device)
 {
-    if (!sameKey(key, keys::fullName))
-        return {};
-    return PropertyValue::ofText(textOf(properties, keys::deviceDescription) + " (" +
-                                 textOf(properties, keys::friendlyName) + ")");
+    return hardware.machine().notPresentNames == NotPresentNames::failing && device.state == stateNotPresent &&
+           hardware.endpoint(device.id) == &device;
 }
 
-/// The properties of one device. A value of SetValue shows in this store at once and in the machine after Commit.
+/// The properties of one device. A value of SetValue shows in all stores of the device at once; Commit changes nothing.
 class PropertyStoreObject final : public ComObject<IPropertyStore>
 {
 public:
@@ -45,9 +45,9 @@ public:
                     [&]() -> HRESULT
                     {
                         return read(
-                            [&](const Properties& properties)
+                            [&](Hardware& hardware, const Device& device)
                             {
-                                *count = static_cast<DWORD>(properties.size());
+                                *count = static_cast<DWORD>(shownKeys(hardware, device).size());
                                 return S_OK;
                             });
                     });
@@ -58,11 +58,12 @@ public:
         const auto answer = [&]() -> HRESULT
         {
             return read(
-                [&](const Properties& properties)
+                [&](Hardware& hardware, const Device& device)
                 {
-                    if (index >= properties.size())
+                    const std::vector<PROPERTYKEY> shown = shownKeys(hardware, device);
+                    if (index >= shown.size())
                         return E_INVALIDARG;
-                    *key = properties[index].key;
+                    *key = shown[index];
                     return S_OK;
                 });
         };
@@ -75,10 +76,11 @@ public:
         {
             PropVariantInit(value);
             return read(
-                [&](const Properties& properties)
+                [&](Hardware& hardware, const Device& device)
                 {
-                    const PropertyValue* const found = findProperty(properties, key);
-                    return store(found == nullptr ? composed(properties, key) : *found, *value);
+                    if (isName(key) && hidesNames(hardware, device))
+                        return noSuchInstance;
+                    return store(shownProperty(hardware, device, key), *value);
                 });
         };
         return call("IPropertyStore::GetValue", outputs(value), answer, key);
@@ -93,13 +95,20 @@ public:
             const std::optional<PropertyValue> copy = readVariant(value);
             if (!copy)
                 return E_INVALIDARG;
-            const std::lock_guard<Mutex> lock(m_mutex);
-            m_pending.push_back({key, *copy});
-            return S_OK;
+            const HRESULT result = onDevice(*state(), name(),
+                                            [&](Device& device)
+                                            {
+                                                changeProperty(device.properties, key, *copy);
+                                                return S_OK;
+                                            });
+            if (SUCCEEDED(result))
+                notifyPropertyChanged(state(), name(), key);
+            return result;
         };
         return call("IPropertyStore::SetValue", outputs(), answer, key);
     }
 
+    /// Writes nothing, as every value is written at once.
     HRESULT STDMETHODCALLTYPE Commit() override
     {
         return call("IPropertyStore::Commit", outputs(),
@@ -107,82 +116,62 @@ public:
                     {
                         if (m_access == STGM_READ)
                             return E_ACCESSDENIED;
-                        const Properties changes = takePending();
-                        const HRESULT result = onDevice(*state(), name(),
-                                                        [&](Device& device)
-                                                        {
-                                                            apply(changes, device.properties);
-                                                            return S_OK;
-                                                        });
-                        if (FAILED(result))
-                            return result;
-                        for (const Property& change : changes)
-                            notifyPropertyChanged(state(), name(), change.key);
-                        return S_OK;
+                        return onDevice(*state(), name(), [](const Device&) { return S_OK; });
                     });
     }
 
 private:
-    Properties takePending()
-    {
-        const std::lock_guard<Mutex> lock(m_mutex);
-        return std::exchange(m_pending, {});
-    }
-
-    static void apply(const Properties& changes, Properties& properties)
-    {
-        for (const Property& change : changes)
-            changeProperty(properties, change.key, change.value);
-    }
-
-    /// Calls @p action with the machine's properties, the pending changes of this store applied.
+    /// Calls @p action with the hardware and the device.
     template<class Action>
     HRESULT read(const Action& action)
     {
-        Properties changes;
-        {
-            const std::lock_guard<Mutex> lock(m_mutex);
-            changes = m_pending;
-        }
-        return onDevice(*state(), name(),
-                        [&](const Device& device) -> HRESULT
-                        {
-                            if (changes.empty())
-                                return action(device.properties);
-                            Properties properties = device.properties;
-                            apply(changes, properties);
-                            return action(properties);
-                        });
+        return state()->withHardware(
+            [&](Hardware& hardware) -> HRESULT
+            {
+                const Device* const device = hardware.device(name());
+                return device == nullptr ? AUDCLNT_E_DEVICE_INVALIDATED : action(hardware, *device);
+            });
     }
 
     HRESULT store(const PropertyValue& value, PROPVARIANT& variant) const
     {
         variant.vt = value.tag;
-        if (value.tag == VT_LPWSTR)
+        switch (value.tag)
         {
+        case VT_LPWSTR:
             return storeText("IPropertyStore::GetValue", value.text, &variant.pwszVal);
-        }
-        if (value.tag != VT_BLOB)
-        {
-            variant.ulVal = value.number;
+        case VT_CLSID:
+            return storeBytes(&value.guid, sizeof value.guid, variant, variant.puuid);
+        case VT_BLOB:
+            variant.blob.cbSize = static_cast<ULONG>(value.bytes.size());
+            return storeBytes(value.bytes.data(), value.bytes.size(), variant, variant.blob.pBlobData);
+        case VT_R4:
+            variant.fltVal = value.real;
+            return S_OK;
+        default:
+            variant.uhVal.QuadPart = value.number;
             return S_OK;
         }
-        variant.blob.cbSize = static_cast<ULONG>(value.bytes.size());
-        if (value.bytes.empty())
+    }
+
+    /// Stores a copy of the bytes in a member of @p variant; no memory for no bytes.
+    template<class Member>
+    HRESULT storeBytes(const void* bytes, std::size_t size, PROPVARIANT& variant, Member*& member) const
+    {
+        if (size == 0)
             return S_OK;
-        variant.blob.pBlobData = static_cast<BYTE*>(allocate("IPropertyStore::GetValue", value.bytes.size()));
-        if (variant.blob.pBlobData == nullptr)
+        void* const copy = allocate("IPropertyStore::GetValue", size);
+        if (copy == nullptr)
         {
             PropVariantInit(&variant);
             return E_OUTOFMEMORY;
         }
-        std::copy(value.bytes.begin(), value.bytes.end(), variant.blob.pBlobData);
+        std::memcpy(copy, bytes, size);
+        member = static_cast<Member*>(copy);
         return S_OK;
     }
 
     const DWORD m_access;
-    Mutex m_mutex;
-    Properties m_pending;
 };
 }
 

@@ -31,6 +31,12 @@ std::optional<PropertyValue> readVariant(const PROPVARIANT& variant)
     case VT_INT:
     case VT_UINT:
         return PropertyValue::ofNumber(static_cast<std::uint32_t>(variant.ulVal), variant.vt);
+    case VT_UI8:
+        return PropertyValue::ofNumber(variant.uhVal.QuadPart, VT_UI8);
+    case VT_R4:
+        return PropertyValue::ofReal(variant.fltVal);
+    case VT_CLSID:
+        return variant.puuid == nullptr ? std::nullopt : std::optional(PropertyValue::ofGuid(*variant.puuid));
     default:
         return std::nullopt;
     }

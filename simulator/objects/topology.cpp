@@ -99,7 +99,7 @@ public:
                     });
     }
 
-    /// The list contains both ends.
+    /// The list contains both ends and runs against the signal: @p to is item 0, @p from the last one.
     HRESULT STDMETHODCALLTYPE GetSignalPath(IPart* from, IPart* to, BOOL rejectMixed, IPartsList** parts) override
     {
         const SimulatedObject* const first = simulatedObject(from);
@@ -110,7 +110,7 @@ public:
                 return E_POINTER;
             if (first == nullptr || last == nullptr)
                 return E_NOINTERFACE;
-            std::vector<std::string> ids = {first->name()};
+            std::vector<std::string> ids = {last->name()};
             const HRESULT result = state()->withHardware(
                 [&](Hardware& hardware) -> HRESULT
                 {
@@ -121,10 +121,10 @@ public:
                         hardware.signalPath(*device, first->name(), last->name(), rejectMixed != FALSE);
                     if (path == nullptr)
                         return E_NOTFOUND;
-                    ids.insert(ids.end(), path->through.begin(), path->through.end());
+                    ids.insert(ids.end(), path->through.rbegin(), path->through.rend());
                     return S_OK;
                 });
-            ids.push_back(last->name());
+            ids.push_back(first->name());
             if (SUCCEEDED(result))
                 *parts = makePartsList(state(), first->name(), std::move(ids));
             return result;

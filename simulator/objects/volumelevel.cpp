@@ -1,5 +1,6 @@
 #include "simulator/core/notifications.h"
 #include "simulator/core/simulatedobject.h"
+#include "simulator/core/volumemath.h"
 #include "simulator/objects/lookup.h"
 #include "simulator/objects/objects.h"
 
@@ -10,8 +11,8 @@ namespace sim
 {
 namespace
 {
-/// The level of a hardware node. A level outside the range becomes the nearest end of the range, as in hardware; a
-/// level between two steps is kept as it is. NaN is refused.
+/// The level of a hardware node. As in hardware, a level outside the range becomes the nearest end of the range, and a
+/// level between two steps the nearer one. NaN is refused.
 class VolumeLevelObject final : public ComObject<IAudioVolumeLevel>
 {
 public:
@@ -109,10 +110,7 @@ public:
 private:
     using Channels = std::vector<ChannelLevel>;
 
-    static void set(ChannelLevel& channel, float level)
-    {
-        channel.level = std::clamp(level, channel.minimum, channel.maximum);
-    }
+    static void set(ChannelLevel& channel, float level) { channel.level = nearestStep(channel, level); }
 
     template<class Action>
     HRESULT onChannels(const Action& action) const

@@ -142,7 +142,7 @@ TEST_F(LostDevicePropertyStore, AnswersNothing)
     EXPECT_EQ(nullptr, value.pwszVal);
 }
 
-TEST_F(LostDevicePropertyStore, CommitsNothingAndNotifiesNoClient)
+TEST_F(LostDevicePropertyStore, WritesNothingAndNotifiesNoClient)
 {
     simulation.deliverAtOnce(true);
     const Held<IMMDeviceEnumerator> enumerator(simulation.enumerator());
@@ -153,9 +153,9 @@ TEST_F(LostDevicePropertyStore, CommitsNothingAndNotifiesNoClient)
     PROPVARIANT value;
     PropVariantInit(&value);
     value.vt = VT_UI4;
-    EXPECT_EQ(S_OK, store->SetValue(sim::keys::speakerConfig, value));
     loseDevices();
 
+    EXPECT_EQ(lost, store->SetValue(sim::keys::speakerConfig, value));
     EXPECT_EQ(lost, store->Commit());
 
     EXPECT_THAT(client.heard(), IsEmpty());

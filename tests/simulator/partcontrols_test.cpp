@@ -62,18 +62,18 @@ TEST_F(SimulatedVolumeLevel, RefusesAChannelThatDoesNotExistAndLeavesTheAnswerAl
 
 TEST_F(SimulatedVolumeLevel, SetsOneChannelOrAllOfThem)
 {
-    EXPECT_EQ(S_OK, volume->SetLevel(1, -12.5f, nullptr));
+    EXPECT_EQ(S_OK, volume->SetLevel(1, -12.0f, nullptr));
     EXPECT_EQ(-30.0f, levelOf(0));
-    EXPECT_EQ(-12.5f, levelOf(1));
+    EXPECT_EQ(-12.0f, levelOf(1));
 
     EXPECT_EQ(S_OK, volume->SetLevelUniform(-6.0f, nullptr));
     EXPECT_EQ(-6.0f, levelOf(0));
     EXPECT_EQ(-6.0f, levelOf(1));
 
-    float levels[] = {-1.0f, -2.0f};
+    float levels[] = {-1.5f, -3.0f};
     EXPECT_EQ(S_OK, volume->SetLevelAllChannels(levels, 2, nullptr));
-    EXPECT_EQ(-1.0f, levelOf(0));
-    EXPECT_EQ(-2.0f, levelOf(1));
+    EXPECT_EQ(-1.5f, levelOf(0));
+    EXPECT_EQ(-3.0f, levelOf(1));
     EXPECT_EQ(E_INVALIDARG, volume->SetLevelAllChannels(levels, 1, nullptr));
     EXPECT_EQ(E_POINTER, volume->SetLevelAllChannels(nullptr, 2, nullptr));
 }
@@ -85,6 +85,49 @@ TEST_F(SimulatedVolumeLevel, BringsALevelBeyondTheRangeToItsEnd)
 
     EXPECT_EQ(0.0f, levelOf(0));
     EXPECT_EQ(-96.0f, levelOf(1));
+}
+
+// Microsoft's documentation of IPerChannelDbLevel::SetLevel: a level that is no step becomes the nearest step, and
+// GetLevel returns that step.
+TEST_F(SimulatedVolumeLevel, BringsALevelBetweenTwoStepsToTheNearerOne)
+{
+    const auto set = [&](float level)
+    {
+        EXPECT_EQ(S_OK, volume->SetLevel(0, level, nullptr));
+        return levelOf(0);
+    };
+    EXPECT_EQ(-12.0f, set(-12.5f));
+    EXPECT_EQ(-13.5f, set(-13.0f));
+    EXPECT_EQ(-96.0f, set(-95.5f));
+
+    EXPECT_EQ(S_OK, volume->SetLevelUniform(-10.7f, nullptr));
+    EXPECT_EQ(-10.5f, levelOf(0));
+    EXPECT_EQ(-10.5f, levelOf(1));
+
+    float levels[] = {-1.0f, -2.5f};
+    EXPECT_EQ(S_OK, volume->SetLevelAllChannels(levels, 2, nullptr));
+    EXPECT_EQ(-1.5f, levelOf(0));
+    EXPECT_EQ(-3.0f, levelOf(1));
+}
+
+TEST_F(SimulatedVolumeLevel, ReachesAMaximumThatIsNoStep)
+{
+    simulation.change(
+        [&](sim::Machine& machine)
+        {
+            for (sim::ChannelLevel& channel : machine.part(volumeId)->volume->channels)
+                channel = {-10.0f, 0.0f, 4.0f, -10.0f};
+        });
+    const auto set = [&](float level)
+    {
+        EXPECT_EQ(S_OK, volume->SetLevel(0, level, nullptr));
+        return levelOf(0);
+    };
+
+    EXPECT_EQ(0.0f, set(0.0f));
+    EXPECT_EQ(0.0f, set(5.0f));
+    EXPECT_EQ(-2.0f, set(-1.0f));
+    EXPECT_EQ(-6.0f, set(-5.0f));
 }
 
 TEST_F(SimulatedVolumeLevel, RefusesALevelThatIsNoNumber)

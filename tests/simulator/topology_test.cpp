@@ -83,12 +83,14 @@ TEST_F(SimulatedTopologyParts, NamesTheDeviceThatTheMachineSays)
     EXPECT_EQ("null", textOf(codec, &IDeviceTopology::GetDeviceId));
 }
 
-TEST_F(SimulatedTopologyPath, LeadsFromTheFirstPartToTheLastOne)
+// Microsoft's documentation of IDeviceTopology::GetSignalPath: the part at which the path ends is item 0 of the list,
+// the part at which it begins the last item.
+TEST_F(SimulatedTopologyPath, IsListedFromItsEndToItsBeginning)
 {
     Held<IPartsList> path;
     ASSERT_EQ(S_OK, codec->GetSignalPath(part(speakerStream).get(), part(speakerJack).get(), TRUE, path.put()));
 
-    EXPECT_THAT(idsOf(path), ElementsAre(speakerStream, muteId, volumeId, speakerJack));
+    EXPECT_THAT(idsOf(path), ElementsAre(speakerJack, volumeId, muteId, speakerStream));
 }
 
 TEST_F(SimulatedTopologyPath, DoesNotLeadBack)

@@ -41,12 +41,12 @@ Properties usualProperties(const std::string& description, const std::string& ca
     return properties;
 }
 
-/// A topology that consists of one connector.
+/// A topology that consists of one connector, of the type of the jacks that CardBuilder::endpoint() makes.
 Topology oneConnector(const std::string& deviceId, DataFlow direction)
 {
     Connector connector;
     giveIds(connector, deviceId, usualConnectorLocalId(0));
-    connector.type = Physical_Internal;
+    connector.type = Physical_External;
     connector.direction = direction;
 
     Topology topology;

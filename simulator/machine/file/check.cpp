@@ -67,8 +67,12 @@ void MachineCheck::properties(const Properties& properties, const std::string& p
 void MachineCheck::propertyValue(const PropertyValue& value, const std::string& place)
 {
     const bool isNumber = !nameOf(numberTagNames, value.tag).empty();
-    const bool isKnown = isNumber || value.tag == VT_EMPTY || value.tag == VT_LPWSTR || value.tag == VT_BLOB;
-    require(isKnown, place, "an empty value, a string, a number or a blob", "the tag " + std::to_string(value.tag));
+    const bool isKnown = isNumber || value.tag == VT_EMPTY || value.tag == VT_LPWSTR || value.tag == VT_BLOB ||
+                         value.tag == VT_R4 || value.tag == VT_CLSID;
+    require(isKnown, place, "an empty value, a string, a number, a GUID or a blob",
+            "the tag " + std::to_string(value.tag));
+    require(value.tag == VT_UI8 || value.number <= UINT32_MAX, place, "a number of 32 bits, or the tag VT_UI8",
+            std::to_string(value.number));
 }
 
 void MachineCheck::endpointVolume(const EndpointVolume& volume, const std::string& place)

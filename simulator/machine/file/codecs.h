@@ -127,6 +127,7 @@ inline constexpr auto roleCodec = nameCodec(roleNames, "role");
 inline constexpr auto stateNameCodec = nameCodec(stateNames, "stateName");
 inline constexpr auto directionCodec = nameCodec(directionNames, "direction");
 inline constexpr auto connectorTypeCodec = nameCodec(connectorTypeNames, "connectorType");
+inline constexpr auto notPresentNamesCodec = nameCodec(notPresentNamesNames, "notPresentNames");
 inline constexpr auto hardwareSupportCodec = nameCodec(hardwareSupportNames, "hardwareSupport");
 inline constexpr auto interfaceCodec = nameCodec(interfaceNames, "interface");
 inline constexpr auto numberTagCodec = nameCodec(numberTagNames, "numberTag");

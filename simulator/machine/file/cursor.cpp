@@ -131,6 +131,30 @@ std::uint32_t JsonCursor::number() const
     return *value;
 }
 
+std::uint64_t JsonCursor::largeNumber() const
+{
+    const std::optional<std::uint64_t> value = isNumber() ? largeNumberFromText(m_value->text) : std::nullopt;
+    if (!value)
+        fail("a whole number from 0 to 18446744073709551615");
+    return *value;
+}
+
+float JsonCursor::real() const
+{
+    const std::optional<float> value = isNumber() ? fromDecimal(m_value->text) : std::nullopt;
+    if (!value)
+        fail("a number in the range of single precision");
+    return *value;
+}
+
+GUID JsonCursor::guid() const
+{
+    const std::optional<GUID> value = isString() ? guidFromText(m_value->text) : std::nullopt;
+    if (!value)
+        fail("a GUID like \"{01234567-89AB-CDEF-0123-456789ABCDEF}\"");
+    return *value;
+}
+
 float JsonCursor::decibels() const
 {
     const std::optional<float> value = isNumber() ? fromDecimal(m_value->text) : std::nullopt;

@@ -40,6 +40,9 @@ public:
     OptionalString stringOrNull() const;
     bool boolean() const;
     std::uint32_t number() const;
+    std::uint64_t largeNumber() const;
+    float real() const;
+    GUID guid() const;
     float decibels() const;
     GUID nodeType() const;
     /// Pairs of hexadecimal digits.

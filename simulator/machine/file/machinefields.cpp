@@ -65,6 +65,8 @@ FieldTable<Machine> machineTable()
         .optional("description", &Machine::description, StringCodec())
         .optional("account", &Machine::account, accountCodec,
                   "Under which a program uses the machine. An ordinary account opens property stores for reading only.")
+        .optional("notPresentNames", &Machine::notPresentNames, notPresentNamesCodec,
+                  "Whether the names of an endpoint that is not present can be read; failing: 0xE000020B.")
         .optional("endpoints", &Machine::endpoints, listCodec(ObjectCodec<Endpoint>()),
                   "In the order in which the platform enumerates them.")
         .optional("adapters", &Machine::adapters, listCodec(ObjectCodec<Adapter>()),

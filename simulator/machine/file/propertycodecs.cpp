@@ -5,8 +5,10 @@
 #include "simulator/machine/nearestname.h"
 #include "simulator/machine/printable.h"
 #include "simulator/machine/propertykeys.h"
+#include "simulator/machine/valuetext.h"
 
-#include <algorithm>
+#include <cmath>
+#include <string>
 
 namespace sim
 {
@@ -37,6 +39,54 @@ struct BytesCodec
     }
 
     JsonValue schema() const { return patternSchema("^([0-9A-Fa-f]{2})*$"); }
+};
+
+/// A whole number of 64 bits.
+struct LargeNumberCodec
+{
+    std::uint64_t read(const JsonCursor& cursor) const { return cursor.largeNumber(); }
+
+    JsonValue write(std::uint64_t value) const { return JsonValue::ofNumber(std::to_string(value)); }
+
+    JsonValue schema() const
+    {
+        return JsonValue::object()
+            .add("type", JsonValue::ofString("integer"))
+            .add("minimum", JsonValue::ofNumber("0"))
+            .add("maximum", JsonValue::ofNumber("18446744073709551615"));
+    }
+};
+
+/// A number in single precision. A value that is not finite is written as null, which no reader accepts.
+struct RealCodec
+{
+    float read(const JsonCursor& cursor) const { return cursor.real(); }
+
+    JsonValue write(float value) const
+    {
+        return std::isfinite(value) ? JsonValue::ofNumber(decimal(value)) : JsonValue();
+    }
+
+    JsonValue schema() const { return JsonValue::object().add("type", JsonValue::ofString("number")); }
+};
+
+struct GuidCodec
+{
+    GUID read(const JsonCursor& cursor) const { return cursor.guid(); }
+
+    JsonValue write(const GUID& value) const { return JsonValue::ofString(guidText(value)); }
+
+    JsonValue schema() const { return patternSchema("^\\{[0-9A-Fa-f]{8}(-[0-9A-Fa-f]{4}){3}-[0-9A-Fa-f]{12}\\}$"); }
+};
+
+/// The number of a VT_BOOL, as true or false.
+struct VariantBooleanCodec
+{
+    std::uint64_t read(const JsonCursor& cursor) const { return cursor.boolean() ? variantTrue : 0; }
+
+    JsonValue write(std::uint64_t value) const { return JsonValue::ofBoolean(value != 0); }
+
+    JsonValue schema() const { return BooleanCodec().schema(); }
 };
 
 /// The bytes of a device format, written as DeviceFormat::text().
@@ -71,9 +121,33 @@ const FieldTable<PropertyValue>& stringForm()
 const FieldTable<PropertyValue>& numberForm()
 {
     static const FieldTable<PropertyValue> table =
-        FieldTable<PropertyValue>("numberValue", "A number under another tag than VT_UI4.")
-            .required("number", &PropertyValue::number, NumberCodec())
+        FieldTable<PropertyValue>("numberValue",
+                                  "A whole number under another tag than VT_UI4; more than 32 bits for VT_UI8 only.")
+            .required("number", &PropertyValue::number, LargeNumberCodec())
             .required("tag", &PropertyValue::tag, numberTagCodec);
+    return table;
+}
+
+const FieldTable<PropertyValue>& booleanForm()
+{
+    static const FieldTable<PropertyValue> table =
+        FieldTable<PropertyValue>("booleanValue", "VT_BOOL.")
+            .required("boolean", &PropertyValue::number, VariantBooleanCodec());
+    return table;
+}
+
+const FieldTable<PropertyValue>& realForm()
+{
+    static const FieldTable<PropertyValue> table =
+        FieldTable<PropertyValue>("realValue", "VT_R4, a number in single precision.")
+            .required("real", &PropertyValue::real, RealCodec());
+    return table;
+}
+
+const FieldTable<PropertyValue>& guidForm()
+{
+    static const FieldTable<PropertyValue> table =
+        FieldTable<PropertyValue>("guidValue", "VT_CLSID.").required("guid", &PropertyValue::guid, GuidCodec());
     return table;
 }
 
@@ -121,7 +195,7 @@ PROPERTYKEY readKey(const JsonCursor& cursor, const std::string& text)
 
 std::vector<const FieldTable<PropertyValue>*> propertyValueForms()
 {
-    return {&stringForm(), &numberForm(), &blobForm(), &formatForm()};
+    return {&stringForm(), &numberForm(), &booleanForm(), &realForm(), &guidForm(), &blobForm(), &formatForm()};
 }
 
 PROPERTYKEY PropertyKeyCodec::read(const JsonCursor& cursor) const
@@ -151,6 +225,12 @@ PropertyValue PropertyValueCodec::read(const JsonCursor& cursor) const
         cursor.fail("a string, a number, null or an object");
     if (cursor.find("text"))
         return readAs(stringForm(), VT_LPWSTR, cursor);
+    if (cursor.find("boolean"))
+        return readAs(booleanForm(), VT_BOOL, cursor);
+    if (cursor.find("real"))
+        return readAs(realForm(), VT_R4, cursor);
+    if (cursor.find("guid"))
+        return readAs(guidForm(), VT_CLSID, cursor);
     if (cursor.find("blob"))
         return readAs(blobForm(), VT_BLOB, cursor);
     if (cursor.find("format"))
@@ -167,7 +247,13 @@ JsonValue PropertyValueCodec::write(const PropertyValue& value) const
     case VT_LPWSTR:
         return value.text ? JsonValue::ofString(*value.text) : stringForm().write(value);
     case VT_UI4:
-        return NumberCodec().write(value.number);
+        return LargeNumberCodec().write(value.number);
+    case VT_BOOL:
+        return (value.number == 0 || value.number == variantTrue ? booleanForm() : numberForm()).write(value);
+    case VT_R4:
+        return realForm().write(value);
+    case VT_CLSID:
+        return guidForm().write(value);
     case VT_BLOB:
         return (DeviceFormat::fromBytes(value.bytes) ? formatForm() : blobForm()).write(value);
     default:

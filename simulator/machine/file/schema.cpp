@@ -100,6 +100,7 @@ void addNamesAndNumbers(JsonValue& definitions)
                                            .add("oneOf", JsonValue::array({stateNameCodec.schema(), integer("15")})));
     addNames(definitions, directionCodec);
     addNames(definitions, connectorTypeCodec);
+    addNames(definitions, notPresentNamesCodec);
     addNames(definitions, hardwareSupportCodec);
     addNames(definitions, interfaceCodec);
     addNames(definitions, numberTagCodec);

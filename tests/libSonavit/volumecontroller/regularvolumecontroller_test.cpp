@@ -271,7 +271,7 @@ TEST_F(RegularVolumeControllerSetter, HandsDecibelsOnToTheChannelWithANullContex
 
     EXPECT_TRUE(result);
     EXPECT_THAT(asked(), ElementsAre("IAudioVolumeLevel::SetLevel(1, -10.7, null)"));
-    EXPECT_THAT(levels(), ElementsAre(-48.0f, -10.7f));
+    EXPECT_THAT(levels(), ElementsAre(-48.0f, -10.5f)); // the nearest step of the hardware
     EXPECT_THAT(log.entered(channels::volumeController), ElementsAre("VolumeController::setVolumeLevelDecibel"));
 }
 

@@ -40,6 +40,27 @@ TEST(MachinesThatShip, ReadBackEquallyWhenWrittenAgain)
     }
 }
 
+// Microsoft's documentation of device topologies: both ends of a connection have one type.
+TEST(MachinesThatShip, HaveOneTypeAtBothEndsOfEachJoin)
+{
+    std::size_t count = 0;
+    for (const std::string& name : sim::machineNames())
+    {
+        const Machine machine = sim::findMachine(name);
+        for (const sim::Join& join : machine.joins)
+        {
+            const sim::PartPlace from = machine.part(join.from);
+            const sim::PartPlace to = machine.part(join.to);
+            if (to)
+            {
+                EXPECT_EQ(to.connector->type, from.connector->type) << name << ": " << join.from;
+                ++count;
+            }
+        }
+    }
+    EXPECT_GT(count, 150u);
+}
+
 class SoundMachines : public testing::TestWithParam<const char*>
 {
 protected:

@@ -57,6 +57,17 @@ TEST_F(MachineBuilderCard, GivesAnEndpointThePropertiesOfARealOne)
     EXPECT_EQ(38u, textOf(endpoint, sim::keys::endpointGuid).size());
 }
 
+// Microsoft's documentation of device topologies: both ends of a connection have one type.
+TEST_F(MachineBuilderCard, GivesBothEndsOfAJoinOneType)
+{
+    const sim::EndpointBuilder speaker = codec.speaker();
+
+    const sim::Machine machine = bench.build();
+
+    EXPECT_EQ(Physical_External, machine.part(speaker.connectorId()).connector->type);
+    EXPECT_EQ(Physical_External, machine.part(speaker.jackId()).connector->type);
+}
+
 TEST_F(MachineBuilderCard, KeepsAllEndpointsOfACardUnderOneInstancePath)
 {
     const sim::EndpointBuilder speaker = codec.speaker();

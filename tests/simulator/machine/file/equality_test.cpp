@@ -16,8 +16,8 @@ namespace
 
 auto membersOf(sim::PropertyValue& value)
 {
-    auto& [tag, text, number, bytes] = value;
-    return std::tie(tag, text, number, bytes);
+    auto& [tag, text, number, real, guid, bytes] = value;
+    return std::tie(tag, text, number, real, guid, bytes);
 }
 
 auto membersOf(sim::Property& value)
@@ -139,10 +139,10 @@ auto membersOf(sim::LatencyRule& value)
 
 auto membersOf(sim::Machine& value)
 {
-    auto& [name, description, account, endpoints, adapters, joins, instances, waveOut, waveIn, script, faults,
-           latency] = value;
-    return std::tie(name, description, account, endpoints, adapters, joins, instances, waveOut, waveIn, script, faults,
-                    latency);
+    auto& [name, description, account, absentNames, endpoints, adapters, joins, instances, waveOut, waveIn, script,
+           faults, latency] = value;
+    return std::tie(name, description, account, absentNames, endpoints, adapters, joins, instances, waveOut, waveIn,
+                    script, faults, latency);
 }
 
 // A structured binding cannot name the members of a derived type; their number is found by initialising it.

@@ -226,18 +226,27 @@ TEST(MachineFileWrite, KeepsEachTagThatAStoreTakesAndAnEmptyBlob)
     sim::Properties& properties = machine.adapters.emplace_back().properties;
     machine.adapters.front().id = "A";
     std::uint32_t number = 0;
-    for (const VARTYPE tag : {VT_I2, VT_I4, VT_BOOL, VT_I1, VT_UI1, VT_UI2, VT_UI4, VT_INT, VT_UINT})
+    for (const VARTYPE tag : {VT_I2, VT_I4, VT_BOOL, VT_I1, VT_UI1, VT_UI2, VT_UI4, VT_INT, VT_UINT, VT_UI8})
     {
         const PROPERTYKEY key = {GUID{}, ++number};
         sim::setProperty(properties, key, sim::PropertyValue::ofNumber(number == 3 ? 0xFFFF : number, tag));
     }
+    sim::setProperty(properties, {GUID{}, 10}, sim::PropertyValue::ofNumber(UINT64_MAX, VT_UI8));
+    sim::setProperty(properties, {GUID{}, 11}, sim::PropertyValue::ofBoolean(false));
+    sim::setProperty(properties, {GUID{}, 12}, sim::PropertyValue::ofNumber(7, VT_BOOL));
+    sim::setProperty(properties, {GUID{}, 13}, sim::PropertyValue::ofReal(-0.1f));
+    sim::setProperty(properties, sim::keys::containerId, sim::PropertyValue::ofGuid(KSNODETYPE_SPEAKER));
     sim::setProperty(properties, sim::keys::deviceFormat, sim::PropertyValue::ofBytes({}));
 
     const std::string text = sim::writeMachine(machine);
 
     EXPECT_TRUE(machine == sim::readMachine(text, "tags.json")) << text;
     EXPECT_THAT(text, AllOf(HasSubstr("/1\": {\"number\": 1, \"tag\": \"VT_I2\"}"),
-                            HasSubstr("/3\": {\"number\": 65535, \"tag\": \"VT_BOOL\"}"),
+                            HasSubstr("/3\": {\"boolean\": true}"), HasSubstr("/11\": {\"boolean\": false}"),
+                            HasSubstr("/12\": {\"number\": 7, \"tag\": \"VT_BOOL\"}"),
+                            HasSubstr("/10\": {\"number\": 18446744073709551615, \"tag\": \"VT_UI8\"}"),
+                            HasSubstr("/13\": {\"real\": -0.1}"),
+                            HasSubstr("\"containerId\": {\"guid\": \"{DFF21CE1-F70F-11D0-B917-00A0C9223196}\"}"),
                             HasSubstr("/6\": {\"number\": 6, \"tag\": \"VT_UI2\"}"), HasSubstr("/7\": 7"),
                             HasSubstr("\"deviceFormat\": {\"blob\": \"\"}")));
 }

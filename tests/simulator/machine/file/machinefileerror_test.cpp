@@ -13,8 +13,12 @@ struct Broken
 {
     const char* name; ///< of the test
     std::string text;
-    const char* error;
+    std::string error;
 };
+
+/// The keys of a machine, as an error lists them.
+const std::string machineKeys = "$schema, name, description, account, notPresentNames, endpoints, adapters, joins, "
+                                "deviceInstances, waveOut, waveIn, script, faults, latency";
 
 std::ostream& operator<<(std::ostream& stream, const Broken& broken)
 {
@@ -92,9 +96,8 @@ const Broken notJson[] = {
      "m.json:2:23: /description: expected JSON, found syntax error while parsing value - invalid string: surrogate "
      "U+D800..U+DBFF must be followed by U+DC00..U+DFFF; last read: '\"\\ud83d\"'"},
     {"AControlCharacterInAKey", with("\"a\\u001b[31m\\n\": 1"),
-     "m.json:2: /a\\u001B[31m\\n: expected one of the keys $schema, name, description, account, endpoints, adapters, "
-     "joins, "
-     "deviceInstances, waveOut, waveIn, script, faults, latency, found the key \"a\\u001B[31m\\n\""},
+     "m.json:2: /a\\u001B[31m\\n: expected one of the keys " + machineKeys +
+         ", found the key \"a\\u001B[31m\\n\""},
     {"DeepNesting", deepLists,
      "m.json:1: /0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0: expected at most 32 levels, found "
      "more"},
@@ -105,9 +108,7 @@ const Broken wrongKinds[] = {
     {"NoName", "{\n}", "m.json:1: expected the key \"name\", found an object without it"},
     {"ANumberAsName", R"({"name": 5})", "m.json:1: /name: expected a string, found 5"},
     {"AnUnknownKey", with(R"("colour": "red")"),
-     "m.json:2: /colour: expected one of the keys $schema, name, description, account, endpoints, adapters, joins, "
-     "deviceInstances, "
-     "waveOut, waveIn, script, faults, latency, found the key \"colour\""},
+     "m.json:2: /colour: expected one of the keys " + machineKeys + ", found the key \"colour\""},
     {"AnUnknownAccount", with(R"("account": "guest")"),
      "m.json:2: /account: expected \"administrator\" or \"ordinary\", found \"guest\""},
     {"AnObjectAsList", with(R"("endpoints": {})"), "m.json:2: /endpoints: expected a list, found an object"},
@@ -143,7 +144,8 @@ const Broken wrongProperties[] = {
     {"AnUnknownProperty", endpointWith(R"("properties": {"colour": "red"})"),
      "m.json:3: /endpoints/0/properties/colour: expected a property's name, or a key like "
      "{01234567-89AB-CDEF-0123-456789ABCDEF}/2, found \"colour\" (property names: deviceDescription, deviceFormat, "
-     "instancePath, driverNodeStrongName, friendlyName, speakerConfig, endpointGuid)"},
+     "instancePath, driverNodeStrongName, friendlyName, speakerConfig, endpointGuid, instanceId, interfacePath, "
+     "enumeratorName, containerId, baseContainerId, formFactor, jackSubType, association)"},
     {"AMisspeltProperty", endpointWith(R"("properties": {"FriendlyNam": "red"})"),
      "m.json:3: /endpoints/0/properties/FriendlyNam: expected a property's name, or a key like "
      "{01234567-89AB-CDEF-0123-456789ABCDEF}/2, found \"FriendlyNam\" (did you mean \"friendlyName\"?)"},
@@ -160,7 +162,20 @@ const Broken wrongProperties[] = {
      "m.json:3: /endpoints/0/properties/friendlyName: expected the key \"tag\", found an object without it"},
     {"AnUnknownTag", endpointWith(R"("properties": {"friendlyName": {"number": 3, "tag": "VT_BLOB"}})"),
      "m.json:3: /endpoints/0/properties/friendlyName/tag: expected \"VT_I2\", \"VT_I4\", \"VT_BOOL\", \"VT_I1\", "
-     "\"VT_UI1\", \"VT_UI2\", \"VT_UI4\", \"VT_INT\" or \"VT_UINT\", found \"VT_BLOB\""},
+     "\"VT_UI1\", \"VT_UI2\", \"VT_UI4\", \"VT_UI8\", \"VT_INT\" or \"VT_UINT\", found \"VT_BLOB\""},
+    {"AGuidThatIsNone", endpointWith(R"("properties": {"containerId": {"guid": "{0}"}})"),
+     "m.json:3: /endpoints/0/properties/containerId/guid: expected a GUID like "
+     "\"{01234567-89AB-CDEF-0123-456789ABCDEF}\", found \"{0}\""},
+    {"ARealThatIsNone", endpointWith(R"("properties": {"formFactor": {"real": "1.5"}})"),
+     "m.json:3: /endpoints/0/properties/formFactor/real: expected a number in the range of single precision, found "
+     "\"1.5\""},
+    {"ALargeNumberUnderASmallTag",
+     endpointWith(R"("properties": {"formFactor": {"number": 4294967296, "tag": "VT_I4"}})"),
+     "m.json:3: /endpoints/0/properties/formFactor: expected a number of 32 bits, or the tag VT_UI8, found 4294967296"},
+    {"ANumberBeyond64Bits",
+     endpointWith(R"("properties": {"formFactor": {"number": 18446744073709551616, "tag": "VT_UI8"}})"),
+     "m.json:3: /endpoints/0/properties/formFactor/number: expected a whole number from 0 to 18446744073709551615, "
+     "found 18446744073709551616"},
     {"HalfAByte", endpointWith(R"("properties": {"deviceFormat": {"blob": "FFF"}})"),
      "m.json:3: /endpoints/0/properties/deviceFormat/blob: expected pairs of hexadecimal digits, found \"FFF\""},
     {"NoByte", endpointWith(R"("properties": {"deviceFormat": {"blob": "0G"}})"),

@@ -24,6 +24,10 @@ inline sim::Properties allKindsOfProperties()
     sim::setProperty(properties, sim::keys::speakerConfig, sim::PropertyValue::ofNumber(0xFFFFFFFF));
     sim::setProperty(properties, sim::keys::friendlyName, sim::PropertyValue());
     sim::setProperty(properties, sim::keys::endpointGuid, sim::PropertyValue::ofNumber(7, 11));
+    sim::setProperty(properties, sim::keys::containerId, sim::PropertyValue::ofGuid(otherFormat));
+    sim::setProperty(properties, {otherFormat, 1}, sim::PropertyValue::ofNumber(0xFEDCBA9876543210u, VT_UI8));
+    sim::setProperty(properties, {otherFormat, 2}, sim::PropertyValue::ofBoolean(true));
+    sim::setProperty(properties, {otherFormat, 3}, sim::PropertyValue::ofReal(1.5f));
     sim::setProperty(properties, {otherFormat, 4294967295u}, sim::PropertyValue::ofBytes({0x00, 0xFF, 0x5A}));
     return properties;
 }
@@ -139,6 +143,7 @@ inline sim::Machine machine()
     result.name = "sample";
     result.description = "Everything differs";
     result.account = sim::Account::ordinary;
+    result.notPresentNames = sim::NotPresentNames::failing;
     result.endpoints = endpoints();
     result.adapters = {adapter};
     result.joins = {{speakers + "/plug", codec + "/jack", "{2}.elsewhere", false},

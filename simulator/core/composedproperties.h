@@ -1,0 +1,20 @@
+/// @file
+/// The properties of a device as its store shows them: those of the machine, and those that the platform composes from
+/// other data where the machine says nothing about them. VT_EMPTY in the machine suppresses a composed property.
+#pragma once
+
+#include "simulator/core/hardware.h"
+
+#include <vector>
+
+namespace sim
+{
+/// The value of @p key; VT_EMPTY if the store does not have it.
+PropertyValue shownProperty(Hardware& hardware, const Device& device, const PROPERTYKEY& key);
+
+/// The keys of all properties that are not VT_EMPTY: those of the machine in its order, then the composed ones.
+std::vector<PROPERTYKEY> shownKeys(Hardware& hardware, const Device& device);
+
+/// Whether the platform composes the property for some devices.
+bool isComposed(const PROPERTYKEY& key);
+}
