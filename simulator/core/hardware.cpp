@@ -96,6 +96,11 @@ Endpoint* Hardware::endpoint(const std::string& id)
     return found == m_endpoints.end() ? nullptr : found->second;
 }
 
+bool Hardware::knows(const std::string& id) const
+{
+    return m_devicesNoCase.count(lowerCase(id)) > 0;
+}
+
 Device* Hardware::openDevice(const std::string& id)
 {
     const auto found = m_devicesNoCase.find(lowerCase(id));

@@ -28,6 +28,8 @@ public:
     /// By exact id; null if there is none.
     Device* device(const std::string& id);
     Endpoint* endpoint(const std::string& id);
+    /// Whether the machine has a device with that id, regardless of case, whether or not it can be opened.
+    bool knows(const std::string& id) const;
     /// As Machine::openDevice().
     Device* openDevice(const std::string& id);
     /// Valid until the next reindex(); null if there is no such part.

@@ -5,7 +5,9 @@
 #include "simulator/machine/valuetext.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
+#include <string_view>
 
 namespace sim
 {
@@ -21,6 +23,31 @@ std::uint64_t hash(const std::string& text)
         value *= 0x100000001B3u;
     }
     return value;
+}
+
+bool isHexDigit(char character)
+{
+    return std::isxdigit(static_cast<unsigned char>(character)) != 0;
+}
+
+/// "{0.0.0.00000000}.{guid}" and "{0.0.1.00000000}.{guid}", with any eight digits before the GUID.
+bool isEndpointId(const std::string& id)
+{
+    constexpr std::string_view form = "{0.0.F.XXXXXXXX}.";
+    const auto fits = [](char wanted, char found)
+    {
+        if (wanted == 'F')
+            return found == '0' || found == '1';
+        return wanted == 'X' ? isHexDigit(found) : wanted == found;
+    };
+    return id.size() > form.size() && std::equal(form.begin(), form.end(), id.begin(), fits) &&
+           guidFromText(id.substr(form.size()));
+}
+
+bool isAdapterId(const std::string& id)
+{
+    constexpr std::string_view start = "{2}.\\\\?\\";
+    return id.size() > start.size() && std::equal(start.begin(), start.end(), id.begin());
 }
 }
 
@@ -81,6 +108,11 @@ std::string adapterId(const std::string& instanceId)
     std::string path = lowerCase(instanceId);
     std::replace(path.begin(), path.end(), '\\', '#');
     return "{2}.\\\\?\\" + path + "#" + lowerCase(guidText(nodetypes::stream)) + "\\topo";
+}
+
+bool isDeviceId(const std::string& id)
+{
+    return isEndpointId(id) || isAdapterId(id);
 }
 
 std::string driverName(const std::string& instancePath)

@@ -28,6 +28,10 @@ std::string usbParent(const std::string& seed);
 /// "{2}.\\?\hdaudio#...#{category}\topo", the id of the adapter device of a device instance.
 std::string adapterId(const std::string& instanceId);
 
+/// Whether @p id has the form that the platform accepts as a device's id, whether or not there is such a device: that
+/// of endpointId(), or "{2}.\\?\" and the path of an adapter device. Letters of either case are accepted.
+bool isDeviceId(const std::string& id);
+
 /// The strong name of the driver node of the device with that instance path.
 std::string driverName(const std::string& instancePath);
 
