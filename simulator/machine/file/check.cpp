@@ -18,6 +18,8 @@ constexpr std::uint32_t allHardwareSupport = 1 | 2 | 4;
 
 std::vector<MachineProblem> MachineCheck::run()
 {
+    requireName(removedEndpointsNames, m_machine.removedEndpoints, "/removedEndpoints");
+    requireName(callbackThreadNames, m_machine.callbackThread, "/callbackThread");
     devices();
     defaults();
     joins();

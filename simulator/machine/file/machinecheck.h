@@ -59,7 +59,7 @@ private:
     template<class Value, std::size_t Size>
     void requireName(const Names<Value, Size>& names, const Value& value, const std::string& place)
     {
-        require(!nameOf(names, value).empty(), place, oneOf(names), std::to_string(value));
+        require(!nameOf(names, value).empty(), place, oneOf(names), std::to_string(static_cast<std::int64_t>(value)));
     }
 
     void devices();

@@ -63,6 +63,11 @@ FieldTable<Machine> machineTable()
     addSchema(table);
     table.required("name", &Machine::name, StringCodec())
         .optional("description", &Machine::description, StringCodec())
+        .optional("removedEndpoints", &Machine::removedEndpoints, removedEndpointsCodec,
+                  "unknown: an endpoint that is not installed is not found by its id, and its objects say that it is "
+                  "gone.")
+        .optional("callbackThread", &Machine::callbackThread, callbackThreadCodec,
+                  "bare: the thread that notifies clients has not initialised COM.")
         .optional("endpoints", &Machine::endpoints, listCodec(ObjectCodec<Endpoint>()),
                   "In the order in which the platform enumerates them.")
         .optional("adapters", &Machine::adapters, listCodec(ObjectCodec<Adapter>()),

@@ -92,7 +92,8 @@ const Broken notJson[] = {
      "m.json:2:23: /description: expected JSON, found syntax error while parsing value - invalid string: surrogate "
      "U+D800..U+DBFF must be followed by U+DC00..U+DFFF; last read: '\"\\ud83d\"'"},
     {"AControlCharacterInAKey", with("\"a\\u001b[31m\\n\": 1"),
-     "m.json:2: /a\\u001B[31m\\n: expected one of the keys $schema, name, description, endpoints, adapters, joins, "
+     "m.json:2: /a\\u001B[31m\\n: expected one of the keys $schema, name, description, removedEndpoints, "
+     "callbackThread, endpoints, adapters, joins, "
      "deviceInstances, waveOut, waveIn, script, faults, latency, found the key \"a\\u001B[31m\\n\""},
     {"DeepNesting", deepLists,
      "m.json:1: /0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0: expected at most 32 levels, found "
@@ -104,12 +105,16 @@ const Broken wrongKinds[] = {
     {"NoName", "{\n}", "m.json:1: expected the key \"name\", found an object without it"},
     {"ANumberAsName", R"({"name": 5})", "m.json:1: /name: expected a string, found 5"},
     {"AnUnknownKey", with(R"("colour": "red")"),
-     "m.json:2: /colour: expected one of the keys $schema, name, description, endpoints, adapters, joins, "
-     "deviceInstances, "
+     "m.json:2: /colour: expected one of the keys $schema, name, description, removedEndpoints, "
+     "callbackThread, endpoints, adapters, joins, deviceInstances, "
      "waveOut, waveIn, script, faults, latency, found the key \"colour\""},
     {"AnObjectAsList", with(R"("endpoints": {})"), "m.json:2: /endpoints: expected a list, found an object"},
     {"AnUnknownFlow", with(R"("endpoints": [{"id": "E", "flow": "sideways"}])"),
      "m.json:2: /endpoints/0/flow: expected \"render\" or \"capture\", found \"sideways\""},
+    {"AnUnknownFateOfRemovedEndpoints", with(R"("removedEndpoints": "gone")"),
+     "m.json:2: /removedEndpoints: expected \"open\" or \"unknown\", found \"gone\""},
+    {"AnUnknownCallbackThread", with(R"("callbackThread": "mine")"),
+     "m.json:2: /callbackThread: expected \"com\" or \"bare\", found \"mine\""},
     {"AnUnknownState", endpointWith(R"("state": "asleep")"),
      "m.json:3: /endpoints/0/state: expected \"active\", \"disabled\", \"notPresent\" or \"unplugged\", found "
      "\"asleep\""},

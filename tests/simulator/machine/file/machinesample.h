@@ -138,6 +138,8 @@ inline sim::Machine machine()
     sim::Machine result;
     result.name = "sample";
     result.description = "Everything differs";
+    result.removedEndpoints = sim::RemovedEndpoints::unknown;
+    result.callbackThread = sim::CallbackThread::bare;
     result.endpoints = endpoints();
     result.adapters = {adapter};
     result.joins = {{speakers + "/plug", codec + "/jack", "{2}.elsewhere", false},
