@@ -37,7 +37,7 @@ void Events::change(const std::string& endpointId, const Change& change)
     m_state->withHardware(
         [&](Hardware& hardware)
         {
-            Endpoint* const endpoint = hardware.endpoint(endpointId);
+            Endpoint* const endpoint = hardware.anyEndpoint(endpointId);
             if (endpoint == nullptr)
                 raiseUnknown(endpointId);
             change(hardware, *endpoint);
@@ -55,7 +55,7 @@ void Events::add(const Endpoint& endpoint)
     m_state->withHardware(
         [&](Hardware& hardware)
         {
-            if (hardware.device(endpoint.id) != nullptr)
+            if (hardware.hasDevice(endpoint.id))
                 throw std::invalid_argument("the machine has a device " + endpoint.id + " already");
             hardware.machine().endpoints.push_back(endpoint);
             hardware.reindex();

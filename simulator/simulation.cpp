@@ -34,6 +34,7 @@ Simulation::~Simulation()
     removeCurrentState(m_state);
     m_state->notifier.stop();
     revokeRegistrations(*m_state);
+    m_state->enumerator.end();
 }
 
 HRESULT Simulation::registerOnThisThread()
@@ -103,7 +104,7 @@ unsigned Simulation::comUnderflows() const
 
 IMMDeviceEnumerator* Simulation::enumerator() const
 {
-    return makeEnumerator(m_state);
+    return lendEnumerator(m_state);
 }
 
 IMMDevice* Simulation::device(const std::string& deviceId) const

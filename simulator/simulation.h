@@ -78,6 +78,7 @@ public:
 
     // Single objects of the machine, each with one reference that belongs to the caller; null if the machine has no
     // such object. Neither journal nor fault plan sees these operations.
+    // There is one enumerator, on which the machine holds a reference of its own until it ends.
     IMMDeviceEnumerator* enumerator() const;
     IMMDevice* device(const std::string& deviceId) const;
     IDeviceTopology* topology(const std::string& deviceId) const;

@@ -35,6 +35,7 @@ const Machine& Hardware::machine() const
 void Hardware::reindex()
 {
     m_endpoints.clear();
+    m_endpointOf.clear();
     m_devices.clear();
     m_devicesNoCase.clear();
     m_parts.clear();
@@ -50,6 +51,7 @@ void Hardware::reindex()
     for (Endpoint& endpoint : m_machine.endpoints)
     {
         m_endpoints.emplace(endpoint.id, &endpoint);
+        m_endpointOf.emplace(&endpoint, &endpoint);
         index(endpoint);
     }
     for (Adapter& adapter : m_machine.adapters)
@@ -85,16 +87,38 @@ void Hardware::indexParts(Device& device)
         m_pathsFrom[path.from].push_back(&path);
 }
 
+bool Hardware::isGone(const Device& device) const
+{
+    const auto found = m_endpointOf.find(&device);
+    return found != m_endpointOf.end() && m_machine.isGone(*found->second);
+}
+
 Device* Hardware::device(const std::string& id)
 {
     const auto found = m_devices.find(id);
-    return found == m_devices.end() ? nullptr : found->second;
+    return found == m_devices.end() || isGone(*found->second) ? nullptr : found->second;
 }
 
 Endpoint* Hardware::endpoint(const std::string& id)
 {
+    Endpoint* const found = anyEndpoint(id);
+    return found == nullptr || m_machine.isGone(*found) ? nullptr : found;
+}
+
+Endpoint* Hardware::anyEndpoint(const std::string& id)
+{
     const auto found = m_endpoints.find(id);
     return found == m_endpoints.end() ? nullptr : found->second;
+}
+
+bool Hardware::hasDevice(const std::string& id) const
+{
+    return m_devices.count(id) > 0;
+}
+
+bool Hardware::knows(const std::string& id) const
+{
+    return m_devicesNoCase.count(lowerCase(id)) > 0;
 }
 
 Device* Hardware::openDevice(const std::string& id)
@@ -105,7 +129,7 @@ Device* Hardware::openDevice(const std::string& id)
     Device* nearly = nullptr;
     for (Device* candidate : found->second)
     {
-        if (!candidate->openable)
+        if (!candidate->openable || isGone(*candidate))
             continue;
         if (candidate->id == id)
             return candidate;
@@ -117,7 +141,7 @@ Device* Hardware::openDevice(const std::string& id)
 const ChangeablePartPlace* Hardware::part(const std::string& id) const
 {
     const auto found = m_parts.find(id);
-    return found == m_parts.end() ? nullptr : &found->second;
+    return found == m_parts.end() || isGone(*found->second.device) ? nullptr : &found->second;
 }
 
 std::optional<Peer> Hardware::peer(const std::string& connectorId) const

@@ -25,12 +25,17 @@ public:
     const Machine& machine() const;
     void reindex();
 
-    /// By exact id; null if there is none.
+    /// By exact id; null if there is none, or if it has been removed and is unknown; see RemovedEndpoints.
     Device* device(const std::string& id);
     Endpoint* endpoint(const std::string& id);
+    /// As endpoint(), for an endpoint in any condition.
+    Endpoint* anyEndpoint(const std::string& id);
+    /// Whether the machine has a device with exactly that id, or regardless of case, in any condition.
+    bool hasDevice(const std::string& id) const;
+    bool knows(const std::string& id) const;
     /// As Machine::openDevice().
     Device* openDevice(const std::string& id);
-    /// Valid until the next reindex(); null if there is no such part.
+    /// Valid until the next reindex(); null if there is no such part, or if its endpoint is unknown.
     const ChangeablePartPlace* part(const std::string& id) const;
     std::optional<Peer> peer(const std::string& connectorId) const;
 
@@ -40,11 +45,13 @@ public:
                                  bool rejectMixed) const;
 
 private:
+    bool isGone(const Device& device) const;
     void indexParts(Device& device);
     void indexJoins();
 
     Machine m_machine;
     std::unordered_map<std::string, Endpoint*> m_endpoints;
+    std::unordered_map<const Device*, const Endpoint*> m_endpointOf;
     std::unordered_map<std::string, Device*> m_devices;
     std::unordered_map<std::string, std::vector<Device*>> m_devicesNoCase;
     std::unordered_map<std::string, ChangeablePartPlace> m_parts;

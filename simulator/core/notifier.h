@@ -16,7 +16,7 @@
 
 namespace sim
 {
-/// Runs tasks one after another on its own thread, which the first task starts and on which COM is initialised.
+/// Runs tasks one after another on its own thread, which the first task starts.
 ///
 /// A task may post further tasks. No lock is held while a task runs.
 class Notifier

@@ -70,13 +70,29 @@ void SimulatedObject::count(const State& state, Census& census)
     const std::lock_guard<Mutex> lock(objects.mutex);
     for (const SimulatedObject* object = objects.first; object != nullptr; object = object->m_next)
     {
-        const auto references = static_cast<long>(object->m_references.load());
-        if (object->m_state.get() != &state || references == 0)
+        const long references = static_cast<long>(object->m_references.load()) - (object->m_isKept ? 1 : 0);
+        if (object->m_state.get() != &state || references <= 0)
             continue;
         ++census.objects[object->m_interfaceName];
         census.byInterface[object->m_interfaceName] += references;
         census.byObject[std::string(object->m_interfaceName) + " " + object->m_name] += references;
     }
+}
+
+void SimulatedObject::keep()
+{
+    m_isKept = true;
+}
+
+void SimulatedObject::lend()
+{
+    ++m_references;
+}
+
+void SimulatedObject::letGo()
+{
+    m_isKept = false;
+    dropReference();
 }
 
 ULONG SimulatedObject::addReference()

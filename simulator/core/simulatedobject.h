@@ -29,8 +29,15 @@ public:
     const std::string& name() const;
     const std::shared_ptr<State>& state() const;
 
-    /// Adds the live objects of @p state to @p census.
+    /// Adds the live objects of @p state to @p census. A reference of the machine's own does not count.
     static void count(const State& state, Census& census);
+
+    /// The reference from construction becomes the machine's own; see KeptObject.
+    void keep();
+    /// One more reference for a user, which no user has asked for by AddRef.
+    void lend();
+    /// Drops the machine's own reference.
+    void letGo();
 
 protected:
     SimulatedObject(std::shared_ptr<State> state, const char* interfaceName, std::string name);
@@ -65,6 +72,7 @@ private:
     const char* const m_interfaceName;
     const std::string m_name;
     std::atomic<ULONG> m_references{1};
+    std::atomic<bool> m_isKept{false};
     SimulatedObject* m_previous = nullptr;
     SimulatedObject* m_next = nullptr;
 };

@@ -17,6 +17,13 @@ std::uint64_t nextNumber()
     return ++last;
 }
 
+bool givesThreadsCom(const std::shared_ptr<State>& state)
+{
+    const auto isCom = [](const Hardware& hardware)
+    { return hardware.machine().callbackThread == CallbackThread::com; };
+    return state == nullptr || state->withHardware(isCom);
+}
+
 /// Never destroyed: static objects of other modules call the runtime functions while the process ends.
 struct CurrentStates
 {
@@ -43,8 +50,19 @@ std::shared_ptr<State> State::create(Machine machine)
 {
     const std::shared_ptr<State> state(new State(std::move(machine)));
     const std::weak_ptr<State> weak = state;
-    state->notifier.prepare(
-        weak, [weak] { enterNotificationThread(weak); }, [] { leaveNotificationThread(); });
+    const auto hasCom = std::make_shared<bool>(false); // decided when the thread starts
+    const auto enter = [weak, hasCom]
+    {
+        *hasCom = givesThreadsCom(weak.lock());
+        if (*hasCom)
+            enterNotificationThread(weak);
+    };
+    const auto leave = [hasCom]
+    {
+        if (*hasCom)
+            leaveNotificationThread();
+    };
+    state->notifier.prepare(weak, enter, leave);
     return state;
 }
 

@@ -4,6 +4,7 @@
 
 #include "simulator/census.h"
 #include "simulator/core/hardware.h"
+#include "simulator/core/keptobject.h"
 #include "simulator/core/notifier.h"
 #include "simulator/core/subscriptions.h"
 #include "simulator/faultplan.h"
@@ -40,6 +41,7 @@ public:
     LatencyPlan latency;
     Notifier notifier;
     Subscriptions<IMMNotificationClient> clients;
+    KeptObject enumerator;
     std::atomic<unsigned> comUnderflows{0};
 
     /// Calls @p action with the hardware, under its lock. @p action must not call user code.

@@ -8,6 +8,7 @@ namespace sim
 {
 class State;
 
+/// Initialises COM; not called where the machine's callback thread is bare.
 void enterNotificationThread(const std::weak_ptr<State>& state);
 void leaveNotificationThread();
 }

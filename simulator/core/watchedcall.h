@@ -5,6 +5,7 @@
 #include "simulator/core/argumenttext.h"
 #include "simulator/core/state.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <tuple>
@@ -14,17 +15,25 @@
 
 namespace sim
 {
-/// Out-parameters of a call. If one is null, the call returns E_POINTER. Pointers in them are null when the work
-/// begins.
+/// Out-parameters of a call. If one that is needed is null, the call returns E_POINTER. Pointers in them are null when
+/// the work begins.
 template<class... Values>
 class Outputs
 {
 public:
-    explicit Outputs(Values*... values) : m_values(values...) {}
+    enum class Needed
+    {
+        all,
+        any,
+    };
+
+    explicit Outputs(Needed needed, Values*... values) : m_needed(needed), m_values(values...) {}
 
     bool areThere() const
     {
-        return std::apply([](auto*... values) { return (... && (values != nullptr)); }, m_values);
+        const std::size_t missing =
+            std::apply([](auto*... values) { return (std::size_t{0} + ... + (values == nullptr)); }, m_values);
+        return m_needed == Needed::all ? missing == 0 : missing < sizeof...(Values);
     }
 
     /// Stores null in the pointers among them; with @p all also zero in the others.
@@ -37,17 +46,25 @@ private:
     template<class Value>
     static void clearOne(Value* value, bool all)
     {
-        if (std::is_pointer_v<Value> || all)
+        if (value != nullptr && (std::is_pointer_v<Value> || all))
             *value = Value();
     }
 
+    Needed m_needed;
     std::tuple<Values*...> m_values;
 };
 
 template<class... Values>
 Outputs<Values...> outputs(Values*... values)
 {
-    return Outputs<Values...>(values...);
+    return Outputs<Values...>(Outputs<Values...>::Needed::all, values...);
+}
+
+/// Out-parameters of which a caller may leave out all but one.
+template<class... Values>
+Outputs<Values...> optionalOutputs(Values*... values)
+{
+    return Outputs<Values...>(Outputs<Values...>::Needed::any, values...);
 }
 
 /// One call from its beginning to its end. The caller keeps the strings that it passes alive for that long.

@@ -5,6 +5,7 @@
 #include "simulator/machine/valuetext.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <string_view>
 
@@ -34,6 +35,31 @@ std::optional<std::string> bluetoothAddress(const std::string& instanceId)
     if (address.size() != 12 || !std::all_of(address.begin(), address.end(), isHex))
         return std::nullopt;
     return address;
+}
+
+bool isHexDigit(char character)
+{
+    return std::isxdigit(static_cast<unsigned char>(character)) != 0;
+}
+
+/// "{0.0.0.00000000}.{guid}" and "{0.0.1.00000000}.{guid}", with any eight digits before the GUID.
+bool isEndpointId(const std::string& id)
+{
+    constexpr std::string_view form = "{0.0.F.XXXXXXXX}.";
+    const auto fits = [](char wanted, char found)
+    {
+        if (wanted == 'F')
+            return found == '0' || found == '1';
+        return wanted == 'X' ? isHexDigit(found) : wanted == found;
+    };
+    return id.size() > form.size() && std::equal(form.begin(), form.end(), id.begin(), fits) &&
+           guidFromText(id.substr(form.size()));
+}
+
+bool isAdapterId(const std::string& id)
+{
+    constexpr std::string_view start = "{2}.\\\\?\\";
+    return id.size() > start.size() && std::equal(start.begin(), start.end(), id.begin());
 }
 }
 
@@ -131,6 +157,11 @@ GUID containerOf(const std::string& instanceId, const std::optional<std::string>
         return {0, 0, 0, {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}};
     const bool isFunction = id.find("&MI_") != std::string::npos;
     return derivedGuid("container/" + (isFunction ? above : id));
+}
+
+bool isDeviceId(const std::string& id)
+{
+    return isEndpointId(id) || isAdapterId(id);
 }
 
 std::string driverName(const std::string& instancePath)

@@ -41,6 +41,10 @@ std::string instanceOfPath(const std::string& instancePath);
 /// which is in the instance's id or in its parent's.
 GUID containerOf(const std::string& instanceId, const std::optional<std::string>& parent);
 
+/// Whether @p id has the form that the platform accepts as a device's id, whether or not there is such a device: that
+/// of endpointId(), or "{2}.\\?\" and the path of an adapter device. Letters of either case are accepted.
+bool isDeviceId(const std::string& id);
+
 /// The strong name of the driver node of the device with that instance path.
 std::string driverName(const std::string& instancePath);
 

@@ -76,7 +76,10 @@ const Device* Machine::openDevice(const std::string& id) const
 {
     std::vector<const Device*> devices;
     for (const Endpoint& candidate : endpoints)
-        devices.push_back(&candidate);
+    {
+        if (!isGone(candidate))
+            devices.push_back(&candidate);
+    }
     for (const Adapter& candidate : adapters)
         devices.push_back(&candidate);
 
@@ -91,6 +94,11 @@ const Device* Machine::openDevice(const std::string& id) const
             nearly = candidate;
     }
     return nearly;
+}
+
+bool Machine::isGone(const Endpoint& endpoint) const
+{
+    return !endpoint.installed && removedEndpoints == RemovedEndpoints::unknown;
 }
 
 PartPlace Machine::part(const std::string& id) const

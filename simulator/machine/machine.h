@@ -127,12 +127,28 @@ enum class NotPresentNames
     failing   ///< 0xE000020B, as on some machines
 };
 
+/// What becomes of an endpoint while it is not installed, for those who have its id or an object of it.
+enum class RemovedEndpoints
+{
+    open,    ///< it is opened by its id, and its objects answer
+    unknown, ///< its id is unknown, and its objects say that the device is gone
+};
+
+/// What the thread is like on which clients are notified.
+enum class CallbackThread
+{
+    com,  ///< it has initialised COM
+    bare, ///< it has not, as a thread of a pool may not have
+};
+
 /// A whole machine.
 struct Machine
 {
     std::string name;
     std::string description;
     Account account = Account::administrator;
+    RemovedEndpoints removedEndpoints = RemovedEndpoints::open;
+    CallbackThread callbackThread = CallbackThread::com;
     NotPresentNames notPresentNames = NotPresentNames::readable;
     std::vector<Endpoint> endpoints; ///< in the order in which the platform enumerates them
     std::vector<Adapter> adapters;
@@ -152,8 +168,12 @@ struct Machine
 
     /// The device that the platform finds by @p id: the one with exactly that id, otherwise one whose id differs in the
     /// case of A to Z only; null if there is none. A device that cannot be opened is not found. An endpoint that is not
-    /// installed is found, so a client that is notified of a removal can still ask the device.
+    /// installed is found, so a client that is notified of a removal can still ask the device, unless removed endpoints
+    /// are unknown.
     const Device* openDevice(const std::string& id) const;
+
+    /// Whether @p endpoint has been removed and is unknown therefore.
+    bool isGone(const Endpoint& endpoint) const;
 
     /// The part with exactly that global id; an empty place if there is none.
     PartPlace part(const std::string& id) const;

@@ -49,6 +49,12 @@ inline constexpr Names<ScriptEvent::Kind, 8> eventNames = {{{"added", ScriptEven
 inline constexpr Names<bool Device::*, 2> interfaceNames = {
     {{"IAudioClient", &Device::hasAudioClient}, {"IBaseFilter", &Device::hasBaseFilter}}};
 
+inline constexpr Names<RemovedEndpoints, 2> removedEndpointsNames = {
+    {{"open", RemovedEndpoints::open}, {"unknown", RemovedEndpoints::unknown}}};
+
+inline constexpr Names<CallbackThread, 2> callbackThreadNames = {
+    {{"com", CallbackThread::com}, {"bare", CallbackThread::bare}}};
+
 /// The tags of a property value that is a whole number: all that a property store of the simulated platform takes.
 inline constexpr Names<VARTYPE, 10> numberTagNames = {{{"VT_I2", VT_I2},
                                                        {"VT_I4", VT_I4},

@@ -140,13 +140,16 @@ public:
                     [&](const EndpointVolume& volume) { *mute = volume.muted ? TRUE : FALSE; });
     }
 
+    /// Either pointer may be null.
     HRESULT STDMETHODCALLTYPE GetVolumeStepInfo(UINT* step, UINT* count) override
     {
-        return read("IAudioEndpointVolume::GetVolumeStepInfo", outputs(step, count),
+        return read("IAudioEndpointVolume::GetVolumeStepInfo", optionalOutputs(step, count),
                     [&](const EndpointVolume& volume)
                     {
-                        *step = stepOf(volume, masterLevel(volume));
-                        *count = stepCount(volume);
+                        if (step != nullptr)
+                            *step = stepOf(volume, masterLevel(volume));
+                        if (count != nullptr)
+                            *count = stepCount(volume);
                     });
     }
 

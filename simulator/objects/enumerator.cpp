@@ -1,5 +1,6 @@
 #include "simulator/core/simulatedobject.h"
 #include "simulator/core/utf16.h"
+#include "simulator/machine/identity.h"
 #include "simulator/objects/objects.h"
 
 namespace sim
@@ -16,6 +17,8 @@ class EnumeratorObject final : public ComObject<IMMDeviceEnumerator>
 {
 public:
     explicit EnumeratorObject(const std::shared_ptr<State>& state) : ComObject(state, "enumerator") {}
+
+    ~EnumeratorObject() override { state()->enumerator.forget(this); }
 
     HRESULT STDMETHODCALLTYPE EnumAudioEndpoints(EDataFlow flow, DWORD mask, IMMDeviceCollection** devices) override
     {
@@ -56,17 +59,11 @@ public:
         {
             if (deviceId == nullptr)
                 return E_POINTER;
-            const std::string wanted = utf8(deviceId);
-            const Text id = state()->withHardware(
-                [&](Hardware& hardware)
-                {
-                    const Device* const found = hardware.openDevice(wanted);
-                    return found == nullptr ? Text() : Text(found->id);
-                });
-            if (!id)
-                return E_NOTFOUND;
-            *device = makeDevice(state(), *id);
-            return S_OK;
+            Text id;
+            const HRESULT result = findDevice(utf8(deviceId), id);
+            if (SUCCEEDED(result))
+                *device = makeDevice(state(), *id);
+            return result;
         };
         return call("IMMDeviceEnumerator::GetDevice", outputs(device), answer, deviceId);
     }
@@ -97,6 +94,22 @@ public:
     }
 
 private:
+    /// Stores the machine's spelling of the id @p wanted. E_NOTFOUND for a device that the machine does not open or
+    /// does not have, E_INVALIDARG for what is no id of a device.
+    HRESULT findDevice(const std::string& wanted, Text& id) const
+    {
+        return state()->withHardware(
+            [&](Hardware& hardware)
+            {
+                if (const Device* const found = hardware.openDevice(wanted))
+                {
+                    id = found->id;
+                    return S_OK;
+                }
+                return isDeviceId(wanted) || hardware.knows(wanted) ? E_NOTFOUND : E_INVALIDARG;
+            });
+    }
+
     std::vector<std::string> endpoints(EDataFlow flow, DWORD mask) const
     {
         return state()->withHardware(
@@ -115,16 +128,16 @@ private:
 };
 }
 
-IMMDeviceEnumerator* makeEnumerator(const std::shared_ptr<State>& state)
+IMMDeviceEnumerator* lendEnumerator(const std::shared_ptr<State>& state)
 {
-    return new EnumeratorObject(state);
+    return static_cast<EnumeratorObject*>(state->enumerator.lend([&] { return new EnumeratorObject(state); }));
 }
 
 HRESULT createEnumerator(const std::shared_ptr<State>& state, REFIID iid, void** object)
 {
     if (!extends<IMMDeviceEnumerator>(iid) && !IsEqualGUID(iid, InterfaceTraits<IUnknown>::iid()))
         return E_NOINTERFACE;
-    *object = makeEnumerator(state);
+    *object = lendEnumerator(state);
     return S_OK;
 }
 }

@@ -1,5 +1,5 @@
 /// @file
-/// The COM objects of a simulated machine. Each function creates one and returns it with one reference.
+/// The COM objects of a simulated machine. Each make function creates one and returns it with one reference.
 ///
 /// Each class is private to the source file that is named after it. Objects of the same device or part share its state
 /// in the machine: what one sets, the others read.
@@ -13,7 +13,8 @@
 
 namespace sim
 {
-IMMDeviceEnumerator* makeEnumerator(const std::shared_ptr<State>& state);
+/// The machine's one enumerator, with one more reference.
+IMMDeviceEnumerator* lendEnumerator(const std::shared_ptr<State>& state);
 /// CoCreateInstance for the enumerator's class.
 HRESULT createEnumerator(const std::shared_ptr<State>& state, REFIID iid, void** object);
 /// A snapshot: the devices with these ids in this order. The journal calls it @p name.

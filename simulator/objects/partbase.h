@@ -150,11 +150,14 @@ public:
                           });
     }
 
-    /// The journal records the interface first, as for IMMDevice::Activate.
+    /// Controls exist in the caller's process only. The journal records the interface first, as for
+    /// IMMDevice::Activate.
     HRESULT STDMETHODCALLTYPE Activate(DWORD context, REFIID iid, void** object) override
     {
         const auto answer = [&]() -> HRESULT
         {
+            if ((context & (CLSCTX_INPROC_SERVER | CLSCTX_INPROC_HANDLER)) == 0)
+                return E_INVALIDARG;
             const HRESULT result = findControl(iid);
             if (FAILED(result))
                 return result;

@@ -276,6 +276,29 @@ TEST_F(SimulatedEndpointVolumeSteps, AreCountedAndTaken)
     EXPECT_EQ(0.0f, read(&IAudioEndpointVolume::GetMasterVolumeLevel));
 }
 
+// Microsoft's documentation of IAudioEndpointVolume::GetVolumeStepInfo.
+TEST_F(SimulatedEndpointVolumeSteps, AreToldToThePointersThatThereAre)
+{
+    UINT step = 99;
+    UINT count = 99;
+
+    EXPECT_EQ(S_OK, control->GetVolumeStepInfo(&step, nullptr));
+    EXPECT_EQ(S_OK, control->GetVolumeStepInfo(nullptr, &count));
+    EXPECT_EQ(30u, step);
+    EXPECT_EQ(31u, count);
+    EXPECT_EQ(E_POINTER, control->GetVolumeStepInfo(nullptr, nullptr));
+}
+
+TEST_F(SimulatedEndpointVolumeSteps, AreZeroedWhereThereIsAPointerForAPlannedNull)
+{
+    const sim::PlannedFault fault = simulation.faults().succeedWithNull("IAudioEndpointVolume::GetVolumeStepInfo");
+    UINT count = 99;
+
+    EXPECT_EQ(S_OK, control->GetVolumeStepInfo(nullptr, &count));
+    EXPECT_EQ(0u, count);
+    EXPECT_EQ(1u, fault.fired());
+}
+
 TEST_F(SimulatedEndpointVolumeSteps, AreOneWithoutAStepSize)
 {
     simulation.change([&](sim::Machine& machine) { machine.endpoint(speakerId)->volume->step = 0.0f; });

@@ -1,5 +1,7 @@
 #include "tests/simulator/bench.h"
 
+#include <memory>
+
 namespace
 {
 using bench::Held;
@@ -39,6 +41,7 @@ using SimulatedEnumeratorList = SimulatedEnumerator;
 using SimulatedEnumeratorDefault = SimulatedEnumerator;
 using SimulatedEnumeratorGetDevice = SimulatedEnumerator;
 using SimulatedEnumeratorClients = SimulatedEnumerator;
+using SimulatedEnumeratorObject = SimulatedEnumerator;
 
 TEST_F(SimulatedEnumeratorList, ListsTheEndpointsOfAFlowInTheMachinesOrder)
 {
@@ -174,22 +177,49 @@ TEST_F(SimulatedEnumeratorGetDevice, OpensAnAdapterWhichIsNoEndpoint)
     EXPECT_EQ(codecId, textOf(found, &IMMDevice::GetId));
 }
 
-TEST_F(SimulatedEnumeratorGetDevice, DoesNotFindUnknownOrEmptyIds)
+// Microsoft's documentation of IMMDeviceEnumerator::GetDevice.
+TEST_F(SimulatedEnumeratorGetDevice, DoesNotFindIdsThatNoDeviceHas)
 {
-    for (const char* id : {"", "{0.0.0.00000000}.{11111111-2222-3333-4444-555555555555}"})
+    for (const char* id : {"{0.0.0.00000000}.{11111111-2222-3333-4444-555555555555}",
+                           "{0.0.1.00000000}.{11111111-2222-3333-4444-555555555555}", "{2}.\\\\?\\usb#nothing"})
     {
         auto* found = poison<IMMDevice>();
-        EXPECT_EQ(E_NOTFOUND, enumerator->GetDevice(Wide(id), &found));
+        EXPECT_EQ(E_NOTFOUND, enumerator->GetDevice(Wide(id), &found)) << id;
         EXPECT_EQ(nullptr, found);
     }
 }
 
-TEST_F(SimulatedEnumeratorGetDevice, RefusesNullPointers)
+// The tests of Wine, which were run on Windows, for "notadevice"; Microsoft's documentation of GetDevice.
+TEST_F(SimulatedEnumeratorGetDevice, RefusesWhatIsNoIdOfADevice)
+{
+    for (const char* id : {"", "notadevice", "{0.0.0.00000000}.{nowhere}", "{2}.usb#nothing"})
+    {
+        auto* found = poison<IMMDevice>();
+        EXPECT_EQ(E_INVALIDARG, enumerator->GetDevice(Wide(id), &found)) << id;
+        EXPECT_EQ(nullptr, found);
+    }
+}
+
+TEST_F(SimulatedEnumeratorGetDevice, FindsAnIdOfTheMachineInAnyForm)
+{
+    simulation.change([&](sim::Machine& machine) { machine.adapter(codecId)->id = "codec"; });
+
+    Held<IMMDevice> found;
+    EXPECT_EQ(S_OK, enumerator->GetDevice(Wide("codec"), found.put()));
+    simulation.change([&](sim::Machine& machine) { machine.adapter("codec")->openable = false; });
+    EXPECT_EQ(E_NOTFOUND, enumerator->GetDevice(Wide("CODEC"), found.put()));
+    simulation.change([&](sim::Machine& machine) { machine.adapters.clear(); });
+    EXPECT_EQ(E_INVALIDARG, enumerator->GetDevice(Wide("codec"), found.put()));
+}
+
+// The tests of Wine, which were run on Windows.
+TEST_F(SimulatedEnumeratorGetDevice, RefusesNullPointersFirst)
 {
     auto* found = poison<IMMDevice>();
     EXPECT_EQ(E_POINTER, enumerator->GetDevice(nullptr, &found));
     EXPECT_EQ(nullptr, found);
     EXPECT_EQ(E_POINTER, enumerator->GetDevice(Wide(speakerId), nullptr));
+    EXPECT_EQ(E_POINTER, enumerator->GetDevice(Wide("notadevice"), nullptr));
 }
 
 TEST_F(SimulatedEnumeratorGetDevice, FindsARemovedEndpointButNothingThatCannotBeOpened)
@@ -225,6 +255,79 @@ TEST_F(SimulatedEnumeratorClients, DoesNotFindAClientThatIsNotRegistered)
     EXPECT_EQ(1u, client.references);
     EXPECT_EQ(E_POINTER, enumerator->RegisterEndpointNotificationCallback(nullptr));
     EXPECT_EQ(E_POINTER, enumerator->UnregisterEndpointNotificationCallback(nullptr));
+}
+
+// The tests of Wine, which were run on Windows; NAudio issue 421.
+TEST_F(SimulatedEnumeratorObject, IsOneForTheWholeProcess)
+{
+    const Held<IMMDeviceEnumerator> second = createdEnumerator();
+    const Held<IMMDeviceEnumerator> third(simulation.enumerator());
+    Held<IMMDeviceEnumerator> fourth;
+    bench::onThread(
+        [&]
+        {
+            CoInitialize(nullptr);
+            EXPECT_EQ(S_OK, simulation.registerOnThisThread());
+            fourth = createdEnumerator();
+            CoUninitialize();
+        });
+
+    EXPECT_EQ(enumerator.get(), second.get());
+    EXPECT_EQ(enumerator.get(), third.get());
+    EXPECT_EQ(enumerator.get(), fourth.get());
+}
+
+// The tests of Wine, which were run on Windows; CSCore issue 468.
+TEST_F(SimulatedEnumeratorObject, HasAReferenceOfThePlatformsOwn)
+{
+    EXPECT_EQ(3u, enumerator->AddRef());
+    EXPECT_EQ(2u, enumerator->Release());
+}
+
+TEST_F(SimulatedEnumeratorObject, CountsOnlyItsUsersReferencesInTheCensus)
+{
+    const Held<IMMDeviceEnumerator> second = createdEnumerator();
+
+    EXPECT_EQ(2, simulation.census().references("IMMDeviceEnumerator"));
+    EXPECT_EQ(1, simulation.census().objects.at("IMMDeviceEnumerator"));
+    EXPECT_EQ(2, simulation.census().byObject.at("IMMDeviceEnumerator enumerator"));
+}
+
+TEST_F(SimulatedEnumeratorObject, StaysWhenItsUsersHaveReleasedIt)
+{
+    IMMDeviceEnumerator* const former = enumerator.get();
+    enumerator.reset();
+    EXPECT_EQ(sim::Census(), simulation.census());
+
+    enumerator = createdEnumerator();
+
+    EXPECT_EQ(former, enumerator.get());
+}
+
+TEST_F(SimulatedEnumeratorObject, GoesWithAReleaseTooMany)
+{
+    EXPECT_EQ(1u, enumerator->Release());
+    EXPECT_EQ(sim::Census(), simulation.census());
+    enumerator.reset(); // takes the platform's own
+
+    EXPECT_EQ(sim::Census(), simulation.census());
+    enumerator = createdEnumerator();
+    EXPECT_EQ(3u, enumerator->AddRef());
+    EXPECT_EQ(2u, enumerator->Release());
+}
+
+TEST_F(SimulatedEnumeratorObject, BelongsToOneMachine)
+{
+    auto other = std::make_unique<sim::Simulation>(simulation.machine());
+    const Held<IMMDeviceEnumerator> its = createdEnumerator();
+    EXPECT_NE(enumerator.get(), its.get());
+
+    const Held<IMMDeviceEnumerator> again = createdEnumerator();
+    other.reset();
+    const Held<IMMDeviceEnumerator> former = createdEnumerator();
+
+    EXPECT_EQ(its.get(), again.get());
+    EXPECT_EQ(enumerator.get(), former.get());
 }
 
 TEST_F(SimulatedEnumeratorClients, KeepsRegistrationsWhenTheEnumeratorGoes)

@@ -150,6 +150,23 @@ TEST_F(SimulatedPartControls, StoreNullWhereThePartHasThemNot)
     EXPECT_EQ(E_POINTER, part(volumeId)->Activate(CLSCTX_ALL, idOf<IAudioVolumeLevel>(), nullptr));
 }
 
+// Microsoft's documentation of IPart::Activate.
+TEST_F(SimulatedPartControls, AreActivatedInTheCallersProcessOnly)
+{
+    for (const DWORD context :
+         {DWORD(0), DWORD(CLSCTX_LOCAL_SERVER), DWORD(CLSCTX_LOCAL_SERVER | CLSCTX_REMOTE_SERVER)})
+    {
+        void* object = poison<void>();
+        EXPECT_EQ(E_INVALIDARG, part(volumeId)->Activate(context, idOf<IAudioVolumeLevel>(), &object)) << context;
+        EXPECT_EQ(nullptr, object);
+    }
+    for (const DWORD context : {CLSCTX_INPROC_SERVER, CLSCTX_INPROC_HANDLER})
+    {
+        Held<IAudioVolumeLevel> volume;
+        EXPECT_EQ(S_OK, part(volumeId)->Activate(context, idOf<IAudioVolumeLevel>(), volume.putVoid())) << context;
+    }
+}
+
 TEST_F(SimulatedPartControls, AreDescribed)
 {
     UINT count = 0;

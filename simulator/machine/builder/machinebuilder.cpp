@@ -263,6 +263,18 @@ MachineBuilder& MachineBuilder::withoutWaveIds()
     return *this;
 }
 
+MachineBuilder& MachineBuilder::removedEndpoints(RemovedEndpoints fate)
+{
+    m_machine.removedEndpoints = fate;
+    return *this;
+}
+
+MachineBuilder& MachineBuilder::callbackThread(CallbackThread thread)
+{
+    m_machine.callbackThread = thread;
+    return *this;
+}
+
 Machine& MachineBuilder::machine()
 {
     return m_machine;

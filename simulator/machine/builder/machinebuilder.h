@@ -138,6 +138,8 @@ public:
     /// build() chooses no defaults, or assigns no wave ids.
     MachineBuilder& withoutDefaults();
     MachineBuilder& withoutWaveIds();
+    MachineBuilder& removedEndpoints(RemovedEndpoints fate);
+    MachineBuilder& callbackThread(CallbackThread thread);
 
     /// The current data. Appending to its lists is safe at any time.
     Machine& machine();

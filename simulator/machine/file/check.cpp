@@ -19,6 +19,8 @@ constexpr std::uint32_t allHardwareSupport = 1 | 2 | 4;
 std::vector<MachineProblem> MachineCheck::run()
 {
     requireName(accountNames, m_machine.account, "/account");
+    requireName(removedEndpointsNames, m_machine.removedEndpoints, "/removedEndpoints");
+    requireName(callbackThreadNames, m_machine.callbackThread, "/callbackThread");
     devices();
     defaults();
     joins();

@@ -131,6 +131,8 @@ inline constexpr auto notPresentNamesCodec = nameCodec(notPresentNamesNames, "no
 inline constexpr auto hardwareSupportCodec = nameCodec(hardwareSupportNames, "hardwareSupport");
 inline constexpr auto interfaceCodec = nameCodec(interfaceNames, "interface");
 inline constexpr auto numberTagCodec = nameCodec(numberTagNames, "numberTag");
+inline constexpr auto removedEndpointsCodec = nameCodec(removedEndpointsNames, "removedEndpoints");
+inline constexpr auto callbackThreadCodec = nameCodec(callbackThreadNames, "callbackThread");
 inline constexpr auto nodeTypeNameCodec = nameCodec(nodeTypeNames, "nodeTypeName");
 
 /// A value that may be missing.

@@ -65,6 +65,11 @@ FieldTable<Machine> machineTable()
         .optional("description", &Machine::description, StringCodec())
         .optional("account", &Machine::account, accountCodec,
                   "Under which a program uses the machine. An ordinary account opens property stores for reading only.")
+        .optional("removedEndpoints", &Machine::removedEndpoints, removedEndpointsCodec,
+                  "unknown: an endpoint that is not installed is not found by its id, and its objects say that it is "
+                  "gone.")
+        .optional("callbackThread", &Machine::callbackThread, callbackThreadCodec,
+                  "bare: the thread that notifies clients has not initialised COM.")
         .optional("notPresentNames", &Machine::notPresentNames, notPresentNamesCodec,
                   "Whether the names of an endpoint that is not present can be read; failing: 0xE000020B.")
         .optional("endpoints", &Machine::endpoints, listCodec(ObjectCodec<Endpoint>()),

@@ -105,6 +105,8 @@ void addNamesAndNumbers(JsonValue& definitions)
     addNames(definitions, interfaceCodec);
     addNames(definitions, numberTagCodec);
     addNames(definitions, nodeTypeNameCodec);
+    addNames(definitions, removedEndpointsCodec);
+    addNames(definitions, callbackThreadCodec);
     definitions.add(definition::nodeType,
                     described("Kind of a jack or node. If it is missing: the zero GUID.")
                         .add("oneOf", JsonValue::array({nodeTypeNameCodec.schema(), pattern(guidPattern)})));

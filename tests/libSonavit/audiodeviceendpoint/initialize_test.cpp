@@ -292,11 +292,21 @@ TEST_F(AudioDeviceInitializeById, LogsAnUnknownDevice)
 {
     AudioDevice device;
 
-    EXPECT_FALSE(device.initialize(qor::String("{0.0.0.00000000}.{nowhere}")));
+    EXPECT_FALSE(device.initialize(qor::String("{0.0.0.00000000}.{11111111-2222-3333-4444-555555555555}")));
 
     EXPECT_FALSE(device.isInitialized());
     EXPECT_EQ(qor::String(), device.deviceProperty().deviceId);
     EXPECT_THAT(messages(LoggerPriority::LOG_ERROR), ElementsAre("IMMDeviceEnumerator::GetDevice returns 0x80070490"));
+}
+
+TEST_F(AudioDeviceInitializeById, LogsATextThatIsNoIdOfADevice)
+{
+    AudioDevice device;
+
+    EXPECT_FALSE(device.initialize(qor::String("{0.0.0.00000000}.{nowhere}")));
+
+    EXPECT_FALSE(device.isInitialized());
+    EXPECT_THAT(messages(LoggerPriority::LOG_ERROR), ElementsAre("IMMDeviceEnumerator::GetDevice returns 0x80070057"));
 }
 
 TEST_F(AudioDeviceInitializeById, KeepsTheFormerDeviceAfterAFailure)

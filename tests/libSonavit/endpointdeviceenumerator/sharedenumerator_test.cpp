@@ -105,7 +105,7 @@ TEST_F(AudioDeviceEnumeratorDeviceEnumerator, CreatesThePlatformsEnumeratorOnFir
     EXPECT_THAT(simulation().journal().of("CoCreateInstance").calls(), ElementsAre(createCall));
     EXPECT_THAT(log.entered(channels::deviceEnumerator), ElementsAre(label));
     EXPECT_THAT(log.texts(LoggerPriority::LOG_DEBUG, channels::deviceEnumerator),
-                ElementsAre("IMMDeviceEnumerator refcount = 1", "IMMDeviceEnumerator refcount after copy = 1"));
+                ElementsAre("IMMDeviceEnumerator refcount = 2", "IMMDeviceEnumerator refcount after copy = 2"));
     EXPECT_EQ(2u, log.texts(channels::deviceEnumerator).size());
 }
 
@@ -143,7 +143,7 @@ TEST_F(AudioDeviceEnumeratorDeviceEnumerator, LogsAFailureReturnsNilAndTriesAgai
 
     EXPECT_NE(nullptr, shared().deviceEnumerator().get());
     EXPECT_THAT(log.texts(LoggerPriority::LOG_DEBUG, channels::deviceEnumerator),
-                ElementsAre("IMMDeviceEnumerator refcount = 1", "IMMDeviceEnumerator refcount after copy = 1"));
+                ElementsAre("IMMDeviceEnumerator refcount = 2", "IMMDeviceEnumerator refcount after copy = 2"));
 }
 
 TEST_F(AudioDeviceEnumeratorDeviceEnumerator, LogsNothingForASuccessWithoutAnEnumerator)
@@ -180,7 +180,7 @@ TEST_F(AudioDeviceEnumeratorAddNotificationClient, CreatesTheEnumeratorFirstOnAF
                 ElementsAre("CoCreateInstance", "IMMDeviceEnumerator::RegisterEndpointNotificationCallback"));
     EXPECT_THAT(log.entered(channels::deviceEnumerator), ElementsAre(label));
     EXPECT_THAT(log.texts(channels::deviceEnumerator),
-                ElementsAre("IMMDeviceEnumerator refcount = 1", "IMMDeviceEnumerator refcount after copy = 1"));
+                ElementsAre("IMMDeviceEnumerator refcount = 2", "IMMDeviceEnumerator refcount after copy = 2"));
 }
 
 TEST_F(AudioDeviceEnumeratorAddNotificationClient, KeepsAndRegistersTheSameClientTwice)

@@ -176,13 +176,16 @@ TEST_F(EndpointDeviceEnumeratorCommonEnumerate, ReplacesEnumeratorAndListsWhenCa
 {
     run(support::endpointsInAllStates());
     EndpointDeviceEnumeratorCommon enumerator(eRender);
-    const COMPtr<IMMDeviceEnumerator>::pointer former = enumerator.enumerator();
+    long held = -1;
+    const sim::PlannedFault created = simulation().faults().run(
+        "CoCreateInstance", [&] { held = simulation().census().references("IMMDeviceEnumerator"); });
 
     EXPECT_TRUE(enumerator.enumerate(eCapture));
 
     EXPECT_EQ((std::vector<std::vector<std::string>>{{"Microphone"}, {}, {}, {}}), lists(enumerator));
-    EXPECT_NE(former.get(), enumerator.enumerator().get());
-    EXPECT_EQ(1u, comReferenceCount(former.get())); // the test's
+    EXPECT_EQ(1u, created.fired());
+    EXPECT_EQ(0, held); // the former one had been released
+    EXPECT_EQ(1, simulation().census().references("IMMDeviceEnumerator"));
 }
 
 TEST_F(EndpointDeviceEnumeratorCommonEnumerate, LeavesAllListsEmptyWhenItFailsEvenIfTheyWereFilled)

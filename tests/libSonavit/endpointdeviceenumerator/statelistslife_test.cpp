@@ -82,7 +82,8 @@ TEST_F(EndpointDeviceEnumeratorCommonGetters, GiveTheEnumeratorWithAFurtherRefer
 {
     const COMPtr<IMMDeviceEnumerator>::pointer handle = enumerator->enumerator();
 
-    EXPECT_EQ(2u, comReferenceCount(handle.get()));
+    EXPECT_EQ(2, simulation().census().references("IMMDeviceEnumerator"));
+    EXPECT_EQ(3u, comReferenceCount(handle.get())); // with the platform's own
     EXPECT_THAT(log.records(), IsEmpty());
 }
 
@@ -119,15 +120,19 @@ TEST_F(EndpointDeviceEnumeratorCommonCopy, HasTheObserverWithoutRegisteringIt)
 TEST_F(EndpointDeviceEnumeratorCommonCopy, ReplacesAllByAssignment)
 {
     EndpointDeviceEnumeratorCommon target(eCapture);
-    const COMPtr<IMMDeviceEnumerator>::pointer former = target.enumerator();
+    simulation().journal().recordReferences(true);
+    simulation().journal().clear();
 
     EndpointDeviceEnumeratorCommon& result = target = *enumerator;
+    const sim::JournalEntries references = simulation().journal().of("IMMDeviceEnumerator::*");
+    simulation().journal().recordReferences(false);
 
     EXPECT_EQ(&target, &result);
     EXPECT_THAT(namesOf(target.activeDevice()), ElementsAre("Active", "Second active"));
     EXPECT_THAT(namesOf(target.unpluggedDevice()), ElementsAre("Unplugged"));
     EXPECT_EQ(enumerator->enumerator().get(), target.enumerator().get());
-    EXPECT_EQ(1u, comReferenceCount(former.get())); // the test's
+    EXPECT_THAT(references.operations(), ElementsAre("IMMDeviceEnumerator::AddRef", "IMMDeviceEnumerator::Release"));
+    EXPECT_EQ(2, simulation().census().references("IMMDeviceEnumerator"));
 }
 
 TEST_F(EndpointDeviceEnumeratorCommonCopy, ChangesNothingWhenItIsAssignedToItself)

@@ -106,7 +106,7 @@ public:
     void followLooseConnector(const std::string& connector, const Place& device)
     {
         addAll({"IConnector::GetDeviceIdConnectedTo() on " + connector + " -> 0x80070490", "CoTaskMemFree(null)",
-                "IMMDeviceEnumerator::GetDevice() on enumerator -> 0x80070490",
+                "IMMDeviceEnumerator::GetDevice() on enumerator -> 0x80070057", // an empty id is no id
                 "IPart::GetTopologyObject() on " + connector});
         readTopology(device);
         add("IConnector::GetConnectedTo() on " + connector + " -> 0x80070490");

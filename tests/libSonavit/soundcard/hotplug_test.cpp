@@ -101,6 +101,21 @@ TEST_F(HotPlug, RunsOnTheMachinesThreadWhenItDoesNotDeliverAtOnce)
     EXPECT_NE(std::this_thread::get_id(), thread);
 }
 
+// StreamDeck-AudioMute issue 55: the platform's callbacks come on a thread of a pool, which need not have COM.
+TEST_F(HotPlug, FollowsEventsOnAThreadWithoutCom)
+{
+    simulation().change([](sim::Machine& machine) { machine.callbackThread = sim::CallbackThread::bare; });
+    simulation().deliverAtOnce(false);
+
+    simulation().events().add(late);
+    simulation().events().remove(headphones);
+    simulation().events().plug(speaker);
+    simulation().events().waitForClients();
+
+    EXPECT_THAT(support::namesOf(playbackDevices()), ElementsAre("Speakers", "Late"));
+    EXPECT_THAT(playback.notifications, ElementsAre("added", "removed", "state"));
+}
+
 TEST_F(HotPlug, LetsAnExceptionOfAnObserverPassToThePlatform)
 {
     playback.whenNotified = [] { throw qor::NullPointer("observer"); };

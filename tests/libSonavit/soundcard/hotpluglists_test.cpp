@@ -148,6 +148,32 @@ TEST_F(HotPlugRemoved, LeavesAnEndpointThatCanNoLongerBeOpenedInTheListAndNotifi
     EXPECT_THAT(playback.notifications, IsEmpty());
 }
 
+// Microsoft's documentation of IMMDeviceEnumerator::GetDevice: the id of a removed endpoint is unknown.
+TEST_F(HotPlugRemoved, LeavesAnEndpointInTheListThatThePlatformNoLongerKnows)
+{
+    simulation().change([](sim::Machine& machine) { machine.removedEndpoints = sim::RemovedEndpoints::unknown; });
+
+    simulation().events().remove(speaker);
+
+    EXPECT_EQ(2u,
+              simulation().journal().of("IMMDeviceEnumerator::GetDevice").failed().with(speaker).size()); // one a card
+    EXPECT_EQ(0u, simulation().journal().of("IMMNotificationClient::OnDeviceRemoved").failed().size());
+    EXPECT_THAT(namesOf(playbackDevices()), ElementsAre("Speakers", "Headphones"));
+    EXPECT_THAT(playback.notifications, IsEmpty());
+    EXPECT_EQ(DWORD(DEVICE_STATE_NOTPRESENT), playbackDevices()[0].refreshDeviceState());
+}
+
+TEST_F(HotPlugRemoved, FindsAnEndpointThatThePlatformKnowsAgainTwiceInTheList)
+{
+    simulation().change([](sim::Machine& machine) { machine.removedEndpoints = sim::RemovedEndpoints::unknown; });
+    simulation().events().remove(speaker);
+
+    simulation().events().add(speaker);
+
+    EXPECT_THAT(namesOf(playbackDevices()), ElementsAre("Speakers", "Headphones", "Speakers"));
+    EXPECT_THAT(playback.notifications, ElementsAre("added"));
+}
+
 TEST_F(HotPlugRemoved, NotifiesTheObserversAlsoWithoutAList)
 {
     const COMPtr<SoundCard::SoundCardDeviceUpdater>::pointer bare = SoundCard::SoundCardDeviceUpdater::createUpdater();

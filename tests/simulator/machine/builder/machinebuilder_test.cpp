@@ -261,6 +261,16 @@ TEST_F(MachineBuilderBuild, LeavesDefaultsAndWaveIdsAloneWhenAsked)
     EXPECT_THAT(machine.waveOut, IsEmpty());
 }
 
+TEST_F(MachineBuilderBuild, TakesWhatIsSaidOfTheMachineAsAWhole)
+{
+    bench.removedEndpoints(sim::RemovedEndpoints::unknown).callbackThread(sim::CallbackThread::bare);
+
+    const sim::Machine machine = bench.build();
+
+    EXPECT_EQ(sim::RemovedEndpoints::unknown, machine.removedEndpoints);
+    EXPECT_EQ(sim::CallbackThread::bare, machine.callbackThread);
+}
+
 TEST_F(MachineBuilderBuild, GivesEqualMachinesForEqualCalls)
 {
     sim::MachineBuilder again("bench");

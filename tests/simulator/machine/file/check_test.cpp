@@ -33,6 +33,18 @@ TEST(MachineCheck, FindsBitsOfHardwareSupportWithoutAName)
                 ElementsAre("/endpoints/0/volume/hardwareSupport: expected a sum of 1, 2 and 4, found 9"));
 }
 
+TEST(MachineCheck, FindsOptionsWithoutAName)
+{
+    const auto change = [](sim::Machine& machine)
+    {
+        machine.removedEndpoints = static_cast<sim::RemovedEndpoints>(2);
+        machine.callbackThread = static_cast<sim::CallbackThread>(3);
+    };
+
+    EXPECT_THAT(problemsAfter(change), ElementsAre("/removedEndpoints: expected \"open\" or \"unknown\", found 2",
+                                                   "/callbackThread: expected \"com\" or \"bare\", found 3"));
+}
+
 TEST(MachineCheck, FindsAnAccountAFlowARoleAndAKindOfConnectorWithoutAName)
 {
     const auto change = [](sim::Machine& machine)

@@ -139,10 +139,10 @@ auto membersOf(sim::LatencyRule& value)
 
 auto membersOf(sim::Machine& value)
 {
-    auto& [name, description, account, absentNames, endpoints, adapters, joins, instances, waveOut, waveIn, script,
-           faults, latency] = value;
-    return std::tie(name, description, account, absentNames, endpoints, adapters, joins, instances, waveOut, waveIn,
-                    script, faults, latency);
+    auto& [name, description, account, removed, thread, absentNames, endpoints, adapters, joins, instances, waveOut,
+           waveIn, script, faults, latency] = value;
+    return std::tie(name, description, account, removed, thread, absentNames, endpoints, adapters, joins, instances,
+                    waveOut, waveIn, script, faults, latency);
 }
 
 // A structured binding cannot name the members of a derived type; their number is found by initialising it.

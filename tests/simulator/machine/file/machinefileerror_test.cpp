@@ -17,7 +17,8 @@ struct Broken
 };
 
 /// The keys of a machine, as an error lists them.
-const std::string machineKeys = "$schema, name, description, account, notPresentNames, endpoints, adapters, joins, "
+const std::string machineKeys = "$schema, name, description, account, removedEndpoints, "
+                                "callbackThread, notPresentNames, endpoints, adapters, joins, "
                                 "deviceInstances, waveOut, waveIn, script, faults, latency";
 
 std::ostream& operator<<(std::ostream& stream, const Broken& broken)
@@ -114,6 +115,10 @@ const Broken wrongKinds[] = {
     {"AnObjectAsList", with(R"("endpoints": {})"), "m.json:2: /endpoints: expected a list, found an object"},
     {"AnUnknownFlow", with(R"("endpoints": [{"id": "E", "flow": "sideways"}])"),
      "m.json:2: /endpoints/0/flow: expected \"render\" or \"capture\", found \"sideways\""},
+    {"AnUnknownFateOfRemovedEndpoints", with(R"("removedEndpoints": "gone")"),
+     "m.json:2: /removedEndpoints: expected \"open\" or \"unknown\", found \"gone\""},
+    {"AnUnknownCallbackThread", with(R"("callbackThread": "mine")"),
+     "m.json:2: /callbackThread: expected \"com\" or \"bare\", found \"mine\""},
     {"AnUnknownState", endpointWith(R"("state": "asleep")"),
      "m.json:3: /endpoints/0/state: expected \"active\", \"disabled\", \"notPresent\" or \"unplugged\", found "
      "\"asleep\""},

@@ -144,6 +144,8 @@ inline sim::Machine machine()
     result.description = "Everything differs";
     result.account = sim::Account::ordinary;
     result.notPresentNames = sim::NotPresentNames::failing;
+    result.removedEndpoints = sim::RemovedEndpoints::unknown;
+    result.callbackThread = sim::CallbackThread::bare;
     result.endpoints = endpoints();
     result.adapters = {adapter};
     result.joins = {{speakers + "/plug", codec + "/jack", "{2}.elsewhere", false},

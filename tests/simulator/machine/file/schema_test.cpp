@@ -144,6 +144,8 @@ TEST_F(MachineSchema, HasTheReadersWords)
     EXPECT_EQ(namesOf(sim::interfaceNames), wordsOf("interface"));
     EXPECT_EQ(namesOf(sim::numberTagNames), wordsOf("numberTag"));
     EXPECT_EQ(namesOf(sim::nodeTypeNames), wordsOf("nodeTypeName"));
+    EXPECT_EQ(namesOf(sim::removedEndpointsNames), wordsOf("removedEndpoints"));
+    EXPECT_EQ(namesOf(sim::callbackThreadNames), wordsOf("callbackThread"));
     EXPECT_EQ(namesOf(sim::keyNames),
               wordsOf(definition("propertyName").member("oneOf")->elements.at(0).member("enum")));
 }
