@@ -30,6 +30,8 @@ public:
     Endpoint* endpoint(const std::string& id);
     /// As Machine::openDevice().
     Device* openDevice(const std::string& id);
+    /// The id of the default endpoint, see Machine::defaultEndpoint(); no value if there is none.
+    Text defaultEndpoint(EDataFlow flow, ERole role) const;
     /// Valid until the next reindex(); null if there is no such part.
     const ChangeablePartPlace* part(const std::string& id) const;
     std::optional<Peer> peer(const std::string& connectorId) const;
