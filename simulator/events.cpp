@@ -1,5 +1,6 @@
 #include "simulator/events.h"
 
+#include "simulator/core/happening.h"
 #include "simulator/core/notifications.h"
 #include "simulator/core/state.h"
 
@@ -30,24 +31,27 @@ void removeDefault(Machine& machine, EDataFlow flow, ERole role)
 
 Events::Events(std::shared_ptr<State> state) : m_state(std::move(state)) {}
 
-/// Calls @p change with the hardware and the endpoint.
-template<class Change>
-void Events::change(const std::string& endpointId, const Change& change)
+/// Changes one endpoint: calls @p change with the hardware and the endpoint, then notifies as happen() does.
+template<class Change, class Notify>
+void Events::change(const std::string& endpointId, const Change& change, const Notify& notify)
 {
-    m_state->withHardware(
+    happen(
+        m_state,
         [&](Hardware& hardware)
         {
             Endpoint* const endpoint = hardware.anyEndpoint(endpointId);
             if (endpoint == nullptr)
                 raiseUnknown(endpointId);
             change(hardware, *endpoint);
-        });
+        },
+        notify);
 }
 
 void Events::add(const std::string& endpointId)
 {
-    change(endpointId, [](Hardware&, Endpoint& endpoint) { endpoint.installed = true; });
-    notifyDeviceAdded(m_state, endpointId);
+    change(
+        endpointId, [](Hardware&, Endpoint& endpoint) { endpoint.installed = true; },
+        [&] { notifyDeviceAdded(m_state, endpointId); });
 }
 
 void Events::add(const Endpoint& endpoint)
@@ -58,6 +62,7 @@ void Events::add(const Endpoint& endpoint)
             if (hardware.hasDevice(endpoint.id))
                 throw std::invalid_argument("the machine has a device " + endpoint.id + " already");
             hardware.machine().endpoints.push_back(endpoint);
+            hardware.machine().endpoints.back().installed = false;
             hardware.reindex();
         });
     add(endpoint.id);
@@ -65,8 +70,9 @@ void Events::add(const Endpoint& endpoint)
 
 void Events::remove(const std::string& endpointId)
 {
-    change(endpointId, [](Hardware&, Endpoint& endpoint) { endpoint.installed = false; });
-    notifyDeviceRemoved(m_state, endpointId);
+    change(
+        endpointId, [](Hardware&, Endpoint& endpoint) { endpoint.installed = false; },
+        [&] { notifyDeviceRemoved(m_state, endpointId); });
 }
 
 void Events::plug(const std::string& endpointId)
@@ -81,51 +87,56 @@ void Events::unplug(const std::string& endpointId)
 
 void Events::setState(const std::string& endpointId, std::uint32_t state)
 {
-    change(endpointId, [&](Hardware&, Endpoint& endpoint) { endpoint.state = state; });
-    notifyStateChanged(m_state, endpointId, state);
+    change(
+        endpointId, [&](Hardware&, Endpoint& endpoint) { endpoint.state = state; },
+        [&] { notifyStateChanged(m_state, endpointId, state); });
 }
 
 void Events::setDefault(const std::string& endpointId, ERole role)
 {
-    EDataFlow flow = eRender;
-    change(endpointId,
-           [&](Hardware& hardware, Endpoint& endpoint)
-           {
-               flow = endpoint.flow;
-               removeDefault(hardware.machine(), flow, role);
-               endpoint.defaultFor.push_back(role);
-           });
-    notifyDefaultChanged(m_state, flow, role, endpointId);
+    change(
+        endpointId,
+        [&](Hardware& hardware, Endpoint& endpoint)
+        {
+            removeDefault(hardware.machine(), endpoint.flow, role);
+            endpoint.defaultFor.push_back(role);
+        },
+        [] {});
 }
 
 void Events::clearDefault(EDataFlow flow, ERole role)
 {
-    m_state->withHardware([&](Hardware& hardware) { removeDefault(hardware.machine(), flow, role); });
-    notifyDefaultChanged(m_state, flow, role, std::nullopt);
+    happen(
+        m_state, [&](Hardware& hardware) { removeDefault(hardware.machine(), flow, role); }, [] {});
 }
 
 void Events::setVolume(const std::string& endpointId, std::optional<float> level, std::optional<bool> muted)
 {
     bool isChanged = false;
-    change(endpointId,
-           [&](Hardware&, Endpoint& endpoint)
-           {
-               if (!endpoint.volume)
-                   return;
-               const EndpointVolume before = *endpoint.volume;
-               if (level)
-                   std::fill(endpoint.volume->channels.begin(), endpoint.volume->channels.end(), *level);
-               endpoint.volume->muted = muted.value_or(before.muted);
-               isChanged = !(before == *endpoint.volume);
-           });
-    if (isChanged)
-        notifyVolumeChanged(m_state, endpointId, nullptr);
+    change(
+        endpointId,
+        [&](Hardware&, Endpoint& endpoint)
+        {
+            if (!endpoint.volume)
+                return;
+            const EndpointVolume before = *endpoint.volume;
+            if (level)
+                std::fill(endpoint.volume->channels.begin(), endpoint.volume->channels.end(), *level);
+            endpoint.volume->muted = muted.value_or(before.muted);
+            isChanged = !(before == *endpoint.volume);
+        },
+        [&]
+        {
+            if (isChanged)
+                notifyVolumeChanged(m_state, endpointId, nullptr);
+        });
 }
 
 void Events::setProperty(const std::string& endpointId, const PROPERTYKEY& key, const PropertyValue& value)
 {
-    change(endpointId, [&](Hardware&, Endpoint& endpoint) { changeProperty(endpoint.properties, key, value); });
-    notifyPropertyChanged(m_state, endpointId, key);
+    change(
+        endpointId, [&](Hardware&, Endpoint& endpoint) { changeProperty(endpoint.properties, key, value); },
+        [&] { notifyPropertyChanged(m_state, endpointId, key); });
 }
 
 void Events::announceAdded(const std::string& endpointId)

@@ -16,7 +16,13 @@ class State;
 ///
 /// The machine changes before an operation returns. Its clients are notified on the machine's notification thread, or
 /// with Simulation::deliverAtOnce() on the calling thread before the operation returns. If the machine has no endpoint
-/// with the given id, an operation throws std::invalid_argument. The announce… operations notify the clients and change
+/// with the given id, an operation throws std::invalid_argument.
+///
+/// A change may move defaults, see Machine::defaultEndpoint(). The clients are notified of the change first, then of
+/// each default that another endpoint has now, by one OnDefaultDeviceChanged for each role; its id is null if no
+/// endpoint is left. A default that stays where it is causes none.
+///
+/// The announce… operations notify the clients and change
 /// nothing; they accept any id.
 class Events
 {
@@ -35,7 +41,8 @@ public:
     void unplug(const std::string& endpointId);
     void setState(const std::string& endpointId, std::uint32_t state);
 
-    /// The endpoint becomes the default of its flow, or the flow loses its default: OnDefaultDeviceChanged.
+    /// The user chooses the endpoint as the default of its flow, or the flow has no default any more. An endpoint that
+    /// is not active becomes the default when it is.
     void setDefault(const std::string& endpointId, ERole role);
     void clearDefault(EDataFlow flow, ERole role);
 
@@ -63,8 +70,8 @@ public:
     void waitForClients();
 
 private:
-    template<class Change>
-    void change(const std::string& endpointId, const Change& change);
+    template<class Change, class Notify>
+    void change(const std::string& endpointId, const Change& change, const Notify& notify);
 
     std::shared_ptr<State> m_state;
 };

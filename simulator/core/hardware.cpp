@@ -138,6 +138,12 @@ Device* Hardware::openDevice(const std::string& id)
     return nearly;
 }
 
+Text Hardware::defaultEndpoint(EDataFlow flow, ERole role) const
+{
+    const Endpoint* const elected = m_machine.defaultEndpoint(flow, role);
+    return elected == nullptr ? Text() : Text(elected->id);
+}
+
 const ChangeablePartPlace* Hardware::part(const std::string& id) const
 {
     const auto found = m_parts.find(id);

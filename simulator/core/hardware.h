@@ -35,6 +35,8 @@ public:
     bool knows(const std::string& id) const;
     /// As Machine::openDevice().
     Device* openDevice(const std::string& id);
+    /// The id of the default endpoint, see Machine::defaultEndpoint(); no value if there is none.
+    Text defaultEndpoint(EDataFlow flow, ERole role) const;
     /// Valid until the next reindex(); null if there is no such part, or if its endpoint is unknown.
     const ChangeablePartPlace* part(const std::string& id) const;
     std::optional<Peer> peer(const std::string& connectorId) const;

@@ -123,17 +123,6 @@ std::optional<Peer> Machine::peer(const std::string& id) const
     return std::nullopt;
 }
 
-const Endpoint* Machine::defaultEndpoint(EDataFlow flow, ERole role) const
-{
-    for (const Endpoint& candidate : endpoints)
-    {
-        const bool hasRole = std::count(candidate.defaultFor.begin(), candidate.defaultFor.end(), role) > 0;
-        if (candidate.flow == flow && hasRole)
-            return &candidate;
-    }
-    return nullptr;
-}
-
 const DeviceInstance* Machine::deviceInstance(const std::string& id) const
 {
     for (const DeviceInstance& instance : deviceInstances)

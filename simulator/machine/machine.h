@@ -53,7 +53,7 @@ struct Endpoint : Device
     EDataFlow flow = eRender;
     bool installed = true;                ///< false: no collection contains it before an event adds it
     std::optional<EndpointVolume> volume; ///< none: Activate(IAudioEndpointVolume) fails
-    std::vector<ERole> defaultFor;        ///< roles in which it is the default of its flow
+    std::vector<ERole> defaultFor;        ///< roles in which the user has chosen it as the default of its flow
 };
 
 /// A device on the adapter side: it has a topology, but it is not an endpoint and no collection contains it.
@@ -182,7 +182,17 @@ struct Machine
     /// The peer of the connector @p id; no value if no join mentions it.
     std::optional<Peer> peer(const std::string& id) const;
 
-    /// The default endpoint of @p flow in @p role; null if there is none.
+    /// The endpoint that is named as the default of @p flow in @p role (Endpoint::defaultFor), whatever its state; null
+    /// if there is none.
+    const Endpoint* namedDefault(EDataFlow flow, ERole role) const;
+
+    /// The default endpoint of @p flow in @p role, as the platform elects it. Without a named default there is none.
+    /// Only endpoints that are installed and active can be elected: the named one, otherwise the one with the best form
+    /// of jack, of equal ones the first in the machine's order; null if no active one is left.
+    ///
+    /// Microsoft gives the order of the forms, for consoles and multimedia: headphones and headset, speakers, line,
+    /// display, S/PDIF, others; of capture endpoints headset, microphone (arrays first), line, others. Communications
+    /// prefer headset and handset. The jack is that behind the endpoint's first connector.
     const Endpoint* defaultEndpoint(EDataFlow flow, ERole role) const;
 
     /// The instance @p id regardless of case, as the configuration manager finds it; null if there is none.

@@ -39,12 +39,8 @@ public:
         {
             if ((flow != eRender && flow != eCapture) || !isRole(role))
                 return E_INVALIDARG;
-            const Text id = state()->withHardware(
-                [&](const Hardware& hardware)
-                {
-                    const Endpoint* const found = hardware.machine().defaultEndpoint(flow, role);
-                    return found == nullptr || !found->installed ? Text() : Text(found->id);
-                });
+            const Text id =
+                state()->withHardware([&](const Hardware& hardware) { return hardware.defaultEndpoint(flow, role); });
             if (!id)
                 return E_NOTFOUND;
             *endpoint = makeDevice(state(), *id);

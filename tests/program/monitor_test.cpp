@@ -61,7 +61,10 @@ TEST_F(ProgramMonitor, TellsChangesOfState)
     EXPECT_EQ(0, answer.code);
     EXPECT_EQ("", answer.err);
     EXPECT_THAT(told(answer), ElementsAre("Analog Audio  Headphones  unplugged \xE2\x86\x92 active",
-                                          "Analog Audio  Microphone  active \xE2\x86\x92 disabled"));
+                                          "Analog Audio  Microphone  active \xE2\x86\x92 disabled",
+                                          HasSubstr("no default input for console any more"),
+                                          HasSubstr("no default input for multimedia any more"),
+                                          HasSubstr("no default input for communications any more")));
 }
 
 TEST_F(ProgramMonitor, TellsEndpointsThatComeAndGo)
@@ -98,10 +101,12 @@ TEST_F(ProgramMonitor, TellsDefaults)
     run(support::smallMachine());
 
     const support::Answer answer =
-        listen({[](sim::Events& events) { events.setDefault(support::headphonesId(), eConsole); },
+        listen({[](sim::Events& events) { events.plug(support::headphonesId()); },
+                [](sim::Events& events) { events.setDefault(support::headphonesId(), eConsole); },
                 [](sim::Events& events) { events.clearDefault(eCapture, eCommunications); }});
 
-    EXPECT_THAT(told(answer), ElementsAre("Analog Audio  Headphones  default output for console",
+    EXPECT_THAT(told(answer), ElementsAre("Analog Audio  Headphones  unplugged \xE2\x86\x92 active",
+                                          "Analog Audio  Headphones  default output for console",
                                           HasSubstr("no default input for communications any more")));
 }
 

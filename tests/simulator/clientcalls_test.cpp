@@ -32,26 +32,26 @@ protected:
 
 TEST_F(JournalOfClients, ShowsIdsAndStatesOfEndpoints)
 {
-    simulation.events().add(speakerId);
-    simulation.events().remove(speakerId);
-    simulation.events().setState(lineInId, sim::stateDisabled);
+    simulation.events().add(earphoneId);
+    simulation.events().remove(earphoneId);
+    simulation.events().setState(microphoneId, sim::stateDisabled);
 
     EXPECT_THAT(
         linesOf("IMMNotificationClient::*"),
-        ElementsAre("IMMNotificationClient::OnDeviceAdded(" + speakerId + ") on " + speakerId + " -> 0x00000000",
-                    "IMMNotificationClient::OnDeviceRemoved(" + speakerId + ") on " + speakerId + " -> 0x00000000",
-                    "IMMNotificationClient::OnDeviceStateChanged(" + lineInId + ", 2) on " + lineInId +
+        ElementsAre("IMMNotificationClient::OnDeviceAdded(" + earphoneId + ") on " + earphoneId + " -> 0x00000000",
+                    "IMMNotificationClient::OnDeviceRemoved(" + earphoneId + ") on " + earphoneId + " -> 0x00000000",
+                    "IMMNotificationClient::OnDeviceStateChanged(" + microphoneId + ", 2) on " + microphoneId +
                         " -> 0x00000000"));
 }
 
 TEST_F(JournalOfClients, ShowsFlowRoleAndIdOfADefault)
 {
-    simulation.events().setDefault(lineInId, eMultimedia);
+    simulation.events().setDefault(earphoneId, eMultimedia);
     simulation.events().clearDefault(eRender, eCommunications);
 
     EXPECT_THAT(linesOf("IMMNotificationClient::*"),
-                ElementsAre("IMMNotificationClient::OnDefaultDeviceChanged(eCapture, eMultimedia, " + lineInId +
-                                ") on " + lineInId + " -> 0x00000000",
+                ElementsAre("IMMNotificationClient::OnDefaultDeviceChanged(eRender, eMultimedia, " + earphoneId +
+                                ") on " + earphoneId + " -> 0x00000000",
                             "IMMNotificationClient::OnDefaultDeviceChanged(eRender, eCommunications, null) -> "
                             "0x00000000"));
 }

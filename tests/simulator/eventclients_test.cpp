@@ -106,10 +106,10 @@ TEST_F(EventsClients, AreCalledFromTheNextChangeOnIfAClientRegistersThem)
     adding.next = &later;
     ASSERT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&adding));
 
-    simulation.events().add(speakerId);
-    simulation.events().remove(speakerId);
+    simulation.events().add(earphoneId);
+    simulation.events().remove(earphoneId);
 
-    EXPECT_THAT(later.heard(), ElementsAre("removed " + speakerId));
+    EXPECT_THAT(later.heard(), ElementsAre("removed " + earphoneId));
     EXPECT_EQ(S_OK, enumerator->UnregisterEndpointNotificationCallback(&adding));
     EXPECT_EQ(S_OK, enumerator->UnregisterEndpointNotificationCallback(&later));
 }

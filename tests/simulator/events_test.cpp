@@ -28,13 +28,13 @@ TEST_F(EventsThread, IsTheMachinesOwn)
 
 TEST_F(EventsThread, DeliversInTheOrderInWhichThingsHappened)
 {
-    simulation.events().unplug(speakerId);
+    simulation.events().setState(microphoneId, sim::stateDisabled);
     simulation.events().remove(earphoneId);
-    simulation.events().plug(speakerId);
+    simulation.events().plug(microphoneId);
     simulation.events().waitForClients();
 
     EXPECT_THAT(client.heard(),
-                ElementsAre("state " + speakerId + " 8", "removed " + earphoneId, "state " + speakerId + " 1"));
+                ElementsAre("state " + microphoneId + " 2", "removed " + earphoneId, "state " + microphoneId + " 1"));
 }
 
 /// Creates an enumerator on the thread on which it is notified.
@@ -115,19 +115,20 @@ TEST_F(EventsAtOnce, TellOfEveryKindOfChange)
     sim::Events& events = simulation.events();
 
     events.add(earphoneId);
-    events.remove(earphoneId);
-    events.setState(speakerId, sim::stateDisabled);
+    events.setState(microphoneId, sim::stateDisabled);
     events.setDefault(earphoneId, eMultimedia);
     events.clearDefault(eRender, eConsole);
+    const sim::Machine chosen = simulation.machine();
     events.setProperty(speakerId, sim::keys::friendlyName, sim::PropertyValue::ofText("Other"));
+    events.remove(microphoneId);
 
     EXPECT_THAT(client.heard(),
-                ElementsAre("added " + earphoneId, "removed " + earphoneId, "state " + speakerId + " 2",
-                            "default 0 1 " + earphoneId, "default 0 0 null", "property " + speakerId + " 6"));
+                ElementsAre("added " + earphoneId, "state " + microphoneId + " 2", "default 0 1 " + earphoneId,
+                            "default 0 0 null", "property " + speakerId + " 6", "removed " + microphoneId));
+    EXPECT_EQ(earphoneId, chosen.defaultEndpoint(eRender, eMultimedia)->id);
     const sim::Machine machine = simulation.machine();
-    EXPECT_FALSE(machine.endpoint(earphoneId)->installed);
-    EXPECT_EQ(sim::stateDisabled, machine.endpoint(speakerId)->state);
-    EXPECT_EQ(earphoneId, machine.defaultEndpoint(eRender, eMultimedia)->id);
+    EXPECT_FALSE(machine.endpoint(microphoneId)->installed);
+    EXPECT_EQ(sim::stateDisabled, machine.endpoint(microphoneId)->state);
     EXPECT_EQ(nullptr, machine.defaultEndpoint(eRender, eConsole));
     EXPECT_EQ("Other", sim::findProperty(machine.endpoint(speakerId)->properties, sim::keys::friendlyName)->text);
 }
@@ -326,8 +327,8 @@ TEST_F(EventsScript, PlaysWhollyAtOnceWhereThatIsAskedFor)
 
     simulation.events().playScript();
 
-    EXPECT_THAT(client.heard(), ElementsAre("state " + lineInId + " 4", "default 1 2 " + lineInId, "default 0 2 null",
-                                            "added " + lineInId));
+    EXPECT_THAT(client.heard(), ElementsAre("state " + lineInId + " 4", "default 1 0 null", "default 1 1 null",
+                                            "default 1 2 null", "default 0 2 null", "added " + lineInId));
 }
 
 TEST_F(EventsScript, SetsVolumesAndProperties)

@@ -429,6 +429,7 @@ TEST_F(RemovedEndpoint, IsNoDefaultAnyMoreAlthoughTheMachineNamesIt)
 {
     const Held<IMMDeviceEnumerator> enumerator(simulation.enumerator());
 
+    simulation.events().remove(earphoneId);
     simulation.events().remove(speakerId);
 
     auto* found = poison<IMMDevice>();

@@ -147,7 +147,7 @@ TEST_F(SimulationThreads, MayUseTheMachineWhileItNotifies)
         {
             for (int round = 0; round < rounds; ++round)
             {
-                simulation.events().unplug(lineInId);
+                simulation.events().unplug(microphoneId);
                 EXPECT_LE(1u, simulation.machine().endpoints.size());
                 EXPECT_LE(0, simulation.census().references());
                 EXPECT_LE(0u, simulation.journal().count("IMMDevice::*"));

@@ -93,7 +93,8 @@ FieldTable<Endpoint> endpointTable()
         .optional("installed", &Endpoint::installed, BooleanCodec(),
                   "false: no collection contains it before an event adds it.")
         .optional("defaultFor", &Endpoint::defaultFor, listCodec(roleCodec),
-                  "Roles in which it is the default of its flow.");
+                  "Roles in which the user has chosen it as the default of its flow. While it is not active, the "
+                  "platform elects another.");
     addState(table);
     addInterfaces(table);
     table.optional("properties", &Device::properties, PropertiesCodec())

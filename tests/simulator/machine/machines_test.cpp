@@ -75,6 +75,7 @@ TEST_P(SoundMachines, HaveADefaultOfBothFlowsInEachRole)
         {
             ASSERT_NE(nullptr, machine.defaultEndpoint(flow, role));
             EXPECT_EQ(sim::stateActive, machine.defaultEndpoint(flow, role)->state);
+            EXPECT_EQ(machine.namedDefault(flow, role), machine.defaultEndpoint(flow, role));
         }
     }
 }
