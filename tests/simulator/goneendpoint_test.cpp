@@ -106,9 +106,9 @@ TEST_F(GoneEndpoint, LeavesItsJackWithoutAConnectorOnTheFarSide)
     const Held<IConnector> jack = connector(speakerJack);
     simulation.events().remove(speakerId);
 
-    auto* far = poison<IConnector>();
-    EXPECT_EQ(E_NOTFOUND, jack->GetConnectedTo(&far));
-    EXPECT_EQ(nullptr, far);
+    auto* peer = poison<IConnector>();
+    EXPECT_EQ(E_NOTFOUND, jack->GetConnectedTo(&peer));
+    EXPECT_EQ(nullptr, peer);
     EXPECT_EQ(speakerId, textOf(jack, &IConnector::GetDeviceIdConnectedTo));
 }
 
