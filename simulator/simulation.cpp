@@ -72,6 +72,21 @@ void Simulation::deliverAtOnce(bool on)
     m_state->notifier.deliverAtOnce(on);
 }
 
+std::vector<Violation> Simulation::violations() const
+{
+    return m_state->callbacks.violations();
+}
+
+void Simulation::onViolation(std::function<void(const Violation&)> handler)
+{
+    m_state->callbacks.onViolation(std::move(handler));
+}
+
+void Simulation::setPatience(std::chrono::milliseconds patience)
+{
+    m_state->callbacks.setPatience(patience);
+}
+
 Machine Simulation::machine() const
 {
     return m_state->withHardware([](const Hardware& hardware) { return hardware.machine(); });
