@@ -1,6 +1,7 @@
 #include "simulator/core/callbacks.h"
 
 #include "simulator/journal.h"
+#include "simulator/machine/casefolding.h"
 
 #include <algorithm>
 #include <cstring>
@@ -112,12 +113,13 @@ CallbackScope::~CallbackScope()
     --m_owner.m_running;
 }
 
+/// Ids compare regardless of case, as the platform and the library do.
 bool CallbackScope::allowsLastRelease(std::uint64_t madeIn, const std::string& deviceId) const
 {
     for (const CallbackScope* scope = this; scope != nullptr; scope = scope->outer())
     {
         const bool isMadeHere = scope->m_number == madeIn;
-        const bool isRemovedHere = !scope->m_removed.empty() && scope->m_removed == deviceId;
+        const bool isRemovedHere = !scope->m_removed.empty() && equalNoCase(scope->m_removed, deviceId);
         if (isMadeHere || isRemovedHere)
             return true;
     }
