@@ -77,6 +77,21 @@ void Simulation::setAccount(Account account)
     m_state->withHardware([&](Hardware& hardware) { hardware.machine().account = account; });
 }
 
+std::vector<Violation> Simulation::violations() const
+{
+    return m_state->callbacks.violations();
+}
+
+void Simulation::onViolation(std::function<void(const Violation&)> handler)
+{
+    m_state->callbacks.onViolation(std::move(handler));
+}
+
+void Simulation::setPatience(std::chrono::milliseconds patience)
+{
+    m_state->callbacks.setPatience(patience);
+}
+
 Machine Simulation::machine() const
 {
     return m_state->withHardware([](const Hardware& hardware) { return hardware.machine(); });

@@ -14,7 +14,9 @@
 #include "simulator/latencyplan.h"
 #include "simulator/machine/machine.h"
 #include "simulator/postedmessage.h"
+#include "simulator/violation.h"
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -59,11 +61,20 @@ public:
     Events& events();
 
     /// Whether clients are called on the thread that causes a change, before the causing call returns. By default they
-    /// are called on the machine's notification thread, which has initialised COM.
+    /// are called on the machine's notification thread; see CallbackThread.
     void deliverAtOnce(bool on);
 
     /// The account under which programs use the machine from now on. Stores that are open stay open as they are.
     void setAccount(Account account);
+
+    /// What clients did in their callbacks although Windows forbids it, in order.
+    std::vector<Violation> violations() const;
+    /// Calls @p handler at each violation, on the thread and at the place of it, so that it can fail a test or stop in
+    /// a debugger. An empty handler ends that. The handler must not throw.
+    void onViolation(std::function<void(const Violation&)> handler);
+    /// How long an unregistration waits for a callback on another thread before that is a violation; 5 s by default.
+    /// The unregistration goes on waiting, as on Windows.
+    void setPatience(std::chrono::milliseconds patience);
 
     /// A copy of the machine in its current state, with all levels, mutes, states and properties that were set.
     Machine machine() const;

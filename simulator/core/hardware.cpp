@@ -150,6 +150,12 @@ const ChangeablePartPlace* Hardware::part(const std::string& id) const
     return found == m_parts.end() || isGone(*found->second.device) ? nullptr : &found->second;
 }
 
+const std::string& Hardware::deviceOf(const std::string& id) const
+{
+    const auto found = m_parts.find(id);
+    return found == m_parts.end() || hasDevice(id) ? id : found->second.device->id;
+}
+
 std::optional<Peer> Hardware::peer(const std::string& connectorId) const
 {
     const auto found = m_peers.find(connectorId);

@@ -39,6 +39,9 @@ public:
     Text defaultEndpoint(EDataFlow flow, ERole role) const;
     /// Valid until the next reindex(); null if there is no such part, or if its endpoint is unknown.
     const ChangeablePartPlace* part(const std::string& id) const;
+    /// The device with the id @p id, or that has the part with that id, in any condition; @p id itself if there is
+    /// none.
+    const std::string& deviceOf(const std::string& id) const;
     std::optional<Peer> peer(const std::string& connectorId) const;
 
     /// A path from one part to another within the topology of @p device; null if there is none. With @p rejectMixed

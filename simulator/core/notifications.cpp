@@ -19,6 +19,7 @@ template<class Call>
 void callClient(State& state, const char* operation, const std::string& object, std::vector<std::string> arguments,
                 const Call& call)
 {
+    const CallbackScope scope(state.callbacks, operation, object, arguments);
     if (!state.journal.recording())
     {
         call();

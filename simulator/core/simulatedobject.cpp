@@ -35,7 +35,8 @@ SimulatedObject* simulatedObject(IUnknown* unknown)
 SimulatedObject::SimulatedObject(std::shared_ptr<State> state, const char* interfaceName, std::string name)
     : m_state(std::move(state)),
       m_interfaceName(interfaceName),
-      m_name(std::move(name))
+      m_name(std::move(name)),
+      m_madeIn(m_state->callbacks.numberHere())
 {
     LiveObjects& objects = LiveObjects::instance();
     const std::lock_guard<Mutex> lock(objects.mutex);
@@ -92,7 +93,8 @@ void SimulatedObject::lend()
 void SimulatedObject::letGo()
 {
     m_isKept = false;
-    dropReference();
+    if (--m_references == 0)
+        delete this;
 }
 
 ULONG SimulatedObject::addReference()
@@ -102,7 +104,7 @@ ULONG SimulatedObject::addReference()
 
 ULONG SimulatedObject::releaseReference()
 {
-    return isWatched() ? watchedRelease() : dropReference();
+    return isWatched() ? watchedRelease() : dropReference(nullptr);
 }
 
 ULONG SimulatedObject::watchedAddReference()
@@ -125,19 +127,32 @@ ULONG SimulatedObject::watchedRelease()
     const std::string name = operation("Release");
     WatchedCall watched(*machine, name.c_str(), objectName, WatchedCall::Kind::reference);
     watched.begin();
-    const ULONG count = dropReference();
+    const ULONG count = dropReference(&watched);
     if (watched.planned() == FaultRule::Outcome::thrown)
         watched.raise();
     watched.end(static_cast<HRESULT>(count));
     return count;
 }
 
-ULONG SimulatedObject::dropReference()
+ULONG SimulatedObject::dropReference(const WatchedCall* watched)
 {
     const ULONG count = --m_references;
-    if (count == 0)
-        delete this;
+    if (count > 0)
+        return count;
+    if (m_state->callbacks.here() != nullptr)
+        reportForbiddenRelease(watched == nullptr ? m_state->journal.size() : watched->place());
+    delete this;
     return count;
+}
+
+void SimulatedObject::reportForbiddenRelease(std::size_t place) const
+{
+    const CallbackScope& callback = *m_state->callbacks.here();
+    const std::string device =
+        m_state->withHardware([&](const Hardware& hardware) { return hardware.deviceOf(m_name); });
+    if (!callback.allowsLastRelease(m_madeIn, device))
+        m_state->callbacks.report(
+            {Violation::Kind::lastRelease, operation("Release") + "() on " + m_name, place, callback.text()});
 }
 
 HRESULT SimulatedObject::storeText(const char* operation, const Text& text, LPWSTR* result) const

@@ -9,6 +9,8 @@
 #include "simulator/core/watchedcall.h"
 
 #include <atomic>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <tuple>
@@ -66,11 +68,13 @@ private:
     std::string operation(const char* name) const;
     ULONG watchedAddReference();
     ULONG watchedRelease();
-    ULONG dropReference();
+    ULONG dropReference(const WatchedCall* watched);
+    void reportForbiddenRelease(std::size_t place) const;
 
     const std::shared_ptr<State> m_state;
     const char* const m_interfaceName;
     const std::string m_name;
+    const std::uint64_t m_madeIn; ///< the callback in which it was made, by number; 0 outside callbacks
     std::atomic<ULONG> m_references{1};
     std::atomic<bool> m_isKept{false};
     SimulatedObject* m_previous = nullptr;

@@ -85,16 +85,13 @@ std::shared_ptr<State::ControlListeners> State::controlListeners(const std::stri
     return listeners;
 }
 
-bool State::removeControlListener(const std::string& part, IControlChangeNotify* listener)
+std::vector<std::shared_ptr<State::ControlListeners>> State::controlListeners(const std::string& part)
 {
-    std::vector<std::shared_ptr<ControlListeners>> candidates;
-    {
-        const std::lock_guard<Mutex> lock(m_listenersMutex);
-        for (const auto& [name, listeners] : m_controlListeners[part])
-            candidates.push_back(listeners);
-    }
-    return std::any_of(candidates.begin(), candidates.end(),
-                       [&](const auto& listeners) { return listeners->remove(listener); });
+    std::vector<std::shared_ptr<ControlListeners>> all;
+    const std::lock_guard<Mutex> lock(m_listenersMutex);
+    for (const auto& [name, listeners] : m_controlListeners[part])
+        all.push_back(listeners);
+    return all;
 }
 
 void State::recordMessage(const PostedMessage& message)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "simulator/census.h"
+#include "simulator/core/callbacks.h"
 #include "simulator/core/hardware.h"
 #include "simulator/core/keptobject.h"
 #include "simulator/core/notifier.h"
@@ -28,8 +29,9 @@ namespace sim
 class State : public std::enable_shared_from_this<State>
 {
 public:
-    using VolumeListeners = Subscriptions<IAudioEndpointVolumeCallback>;
-    using ControlListeners = Subscriptions<IControlChangeNotify>;
+    using Clients = Subscriptions<IMMNotificationClient, ClientReferences::untouched>;
+    using VolumeListeners = Subscriptions<IAudioEndpointVolumeCallback, ClientReferences::counted>;
+    using ControlListeners = Subscriptions<IControlChangeNotify, ClientReferences::counted>;
 
     static std::shared_ptr<State> create(Machine machine);
     State(const State&) = delete;
@@ -40,7 +42,8 @@ public:
     FaultPlan faults;
     LatencyPlan latency;
     Notifier notifier;
-    Subscriptions<IMMNotificationClient> clients;
+    Callbacks callbacks;
+    Clients clients;
     KeptObject enumerator;
     std::atomic<unsigned> comUnderflows{0};
 
@@ -55,8 +58,8 @@ public:
     /// The clients of one endpoint's volume, or of one kind of control of one part; created on demand.
     std::shared_ptr<VolumeListeners> volumeListeners(const std::string& endpoint);
     std::shared_ptr<ControlListeners> controlListeners(const std::string& part, const std::string& interfaceName);
-    /// Unregisters @p listener from the controls of @p part; false if it is registered with none.
-    bool removeControlListener(const std::string& part, IControlChangeNotify* listener);
+    /// The clients of all controls of @p part.
+    std::vector<std::shared_ptr<ControlListeners>> controlListeners(const std::string& part);
 
     void recordMessage(const PostedMessage& message);
     std::vector<PostedMessage> postedMessages() const;

@@ -1,11 +1,12 @@
 /// @file
-/// Registered clients: called in the order of their registration, released when they are unregistered.
+/// Registered clients: called in the order of their registration.
 #pragma once
 
 #include "platform/coreaudio.h"
 #include "simulator/mutex.h"
 
 #include <algorithm>
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <memory>
@@ -15,17 +16,27 @@
 
 namespace sim
 {
+/// What a registration does with its client's references.
+enum class ClientReferences
+{
+    counted,   ///< it holds one reference
+    untouched, ///< none: the client must live until it is unregistered
+};
+
 /// Registrations of one kind of client. A client may be registered several times and is then called as often.
 ///
-/// Each registration holds one reference on its client. No lock is held while a client is called. After remove() has
-/// returned, the client is not called any more; only a callback that itself called remove() still runs.
-template<class Client>
+/// No lock is held while a client is called. After remove() has returned, the client is not called any more; only a
+/// callback that itself called remove() still runs.
+template<class Client, ClientReferences references>
 class Subscriptions
 {
+    static constexpr bool isCounted = references == ClientReferences::counted;
+
 public:
     void add(Client* client)
     {
-        client->AddRef();
+        if constexpr (isCounted)
+            client->AddRef();
         auto entry = std::make_shared<Entry>();
         entry->client = client;
         const std::lock_guard<Mutex> lock(m_mutex);
@@ -33,8 +44,10 @@ public:
     }
 
     /// Removes the oldest registration of @p client; false if there is none. Waits for its callbacks on other threads,
-    /// as long as there are other threads.
-    bool remove(Client* client)
+    /// as long as there are other threads. If that lasts longer than @p patience, calls @p onLongWait(threads of the
+    /// callbacks) and waits on.
+    template<class OnLongWait>
+    bool remove(Client* client, std::chrono::milliseconds patience, const OnLongWait& onLongWait)
     {
         std::unique_lock<Mutex> lock(m_mutex);
         const auto isMine = [&](const auto& entry) { return entry->client == client; };
@@ -44,12 +57,23 @@ public:
         const std::shared_ptr<Entry> entry = *found;
         m_entries.erase(found);
         entry->isActive = false;
-        entry->releaseWhenIdle = entry->isRunningHere();
-        if (entry->releaseWhenIdle)
-            return true; // the last callback to end releases the reference
-        m_idle.wait(lock, [&] { return entry->runners.empty() || Mutex::otherThreadsAreGone(); });
+        if (entry->isRunningHere())
+        {
+            entry->releaseWhenIdle = isCounted; // by the last callback to end
+            return true;
+        }
+        const auto isIdle = [&] { return entry->runners.empty() || Mutex::otherThreadsAreGone(); };
+        if (!m_idle.wait_for(lock, patience, isIdle))
+        {
+            const std::vector<std::thread::id> runners = entry->runners;
+            lock.unlock();
+            onLongWait(runners);
+            lock.lock();
+            m_idle.wait(lock, isIdle);
+        }
         lock.unlock();
-        client->Release();
+        if constexpr (isCounted)
+            client->Release();
         return true;
     }
 
@@ -111,15 +135,18 @@ private:
 
     void leave(Entry& entry)
     {
-        bool isLast = false;
+        [[maybe_unused]] bool isLast = false;
         {
             const std::lock_guard<Mutex> lock(m_mutex);
             entry.runners.erase(std::find(entry.runners.begin(), entry.runners.end(), std::this_thread::get_id()));
             isLast = entry.releaseWhenIdle && entry.runners.empty();
         }
         m_idle.notify_all();
-        if (isLast)
-            entry.client->Release();
+        if constexpr (isCounted)
+        {
+            if (isLast)
+                entry.client->Release();
+        }
     }
 
     mutable Mutex m_mutex;

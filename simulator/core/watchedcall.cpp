@@ -1,18 +1,31 @@
 #include "simulator/core/watchedcall.h"
 
+#include "simulator/core/callbacks.h"
+
+#include <cstring>
+
 namespace sim
 {
+namespace
+{
+bool concernsClients(const char* operation)
+{
+    return std::strstr(operation, "::Register") != nullptr || std::strstr(operation, "::Unregister") != nullptr;
+}
+}
+
 WatchedCall::WatchedCall(State& state, const char* operation, const std::string& object, Kind kind)
     : m_state(state),
       m_operation(operation),
       m_object(object),
-      m_isRecorded(state.journal.recording() && (kind == Kind::work || state.journal.recordingReferences()))
+      m_isRecorded(state.journal.recording() && (kind == Kind::work || state.journal.recordingReferences())),
+      m_concernsClients(kind == Kind::work && concernsClients(operation))
 {
 }
 
 bool WatchedCall::wantsArguments() const
 {
-    return m_isRecorded || !m_state.faults.isEmpty();
+    return m_isRecorded || !m_state.faults.isEmpty() || m_concernsClients;
 }
 
 void WatchedCall::setArguments(std::vector<std::string> arguments)
@@ -28,13 +41,34 @@ void WatchedCall::begin()
         for (const auto& action : m_verdict.actions)
             action();
     }
-    if (!m_isRecorded)
+    if (!m_isRecorded && !m_concernsClients)
         return;
     JournalEntry entry;
     entry.operation = m_operation;
     entry.object = m_object;
     entry.arguments = std::move(m_arguments);
-    m_place = m_state.journal.begin(std::move(entry));
+    if (m_concernsClients)
+        m_text = entry.call() + " on " + m_object;
+    if (m_isRecorded)
+        m_place = m_state.journal.begin(std::move(entry));
+    if (m_concernsClients)
+        reportIfForbidden();
+}
+
+/// After the entry has begun, so that its place is known.
+void WatchedCall::reportIfForbidden() const
+{
+    const CallbackScope* const callback = m_state.callbacks.here();
+    if (callback == nullptr)
+        return;
+    const bool isUnregistration = std::strstr(m_operation, "::Unregister") != nullptr;
+    const auto kind = isUnregistration ? Violation::Kind::unregistration : Violation::Kind::registration;
+    m_state.callbacks.report({kind, m_text, place(), callback->text()});
+}
+
+std::size_t WatchedCall::place() const
+{
+    return m_isRecorded ? m_place.index : m_state.journal.size();
 }
 
 const std::optional<FaultRule::Outcome>& WatchedCall::planned() const

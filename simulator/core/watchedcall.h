@@ -88,6 +88,11 @@ public:
     /// The planned outcome, which replaces the work; none if no fault fires.
     const std::optional<FaultRule::Outcome>& planned() const;
 
+    /// Call and object as in a Violation, for a call that registers or unregisters a client; otherwise empty.
+    const std::string& text() const { return m_text; }
+    /// The index of its entry in the journal, or of the next one.
+    std::size_t place() const;
+
     /// Ends the journal's entry with @p result, which it returns.
     HRESULT end(HRESULT result);
     /// The planned outcome as a result.
@@ -96,16 +101,20 @@ public:
     [[noreturn]] void raise();
 
 private:
+    void reportIfForbidden() const;
+
     State& m_state;
     const char* const m_operation;
     const std::string& m_object;
     const bool m_isRecorded;
+    const bool m_concernsClients; ///< it registers or unregisters one
     std::vector<std::string> m_arguments;
     FaultPlan::Verdict m_verdict;
     Journal::Place m_place;
+    std::string m_text;
 };
 
-/// Runs one call: @p body does the work unless a fault fires.
+/// Runs one call: @p body does the work unless a fault fires. It may take the call as its argument.
 template<class... Values, class Body>
 HRESULT answerCall(WatchedCall& watched, const Outputs<Values...>& outputs, const Body& body)
 {
@@ -115,7 +124,10 @@ HRESULT answerCall(WatchedCall& watched, const Outputs<Values...>& outputs, cons
         if (!outputs.areThere())
             return watched.end(E_POINTER);
         outputs.clear(false);
-        return watched.end(body());
+        if constexpr (std::is_invocable_v<Body, const WatchedCall&>)
+            return watched.end(body(std::as_const(watched)));
+        else
+            return watched.end(body());
     }
     if (outputs.areThere())
         outputs.clear(*watched.planned() == FaultRule::Outcome::nullSuccess);

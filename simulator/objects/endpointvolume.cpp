@@ -1,5 +1,6 @@
 #include "simulator/core/notifications.h"
 #include "simulator/core/simulatedobject.h"
+#include "simulator/core/unregistration.h"
 #include "simulator/core/volumemath.h"
 #include "simulator/objects/objects.h"
 
@@ -36,11 +37,12 @@ public:
 
     HRESULT STDMETHODCALLTYPE UnregisterControlChangeNotify(IAudioEndpointVolumeCallback* notify) override
     {
-        const auto answer = [&]() -> HRESULT
+        const auto answer = [&](const WatchedCall& watched) -> HRESULT
         {
             if (notify == nullptr)
                 return E_POINTER;
-            return state()->volumeListeners(name())->remove(notify) ? S_OK : E_NOTFOUND;
+            const std::shared_ptr<State::VolumeListeners> listeners = state()->volumeListeners(name());
+            return unregister(*state(), *listeners, notify, watched) ? S_OK : E_NOTFOUND;
         };
         return call("IAudioEndpointVolume::UnregisterControlChangeNotify", outputs(), answer, presenceText(notify));
     }

@@ -1,4 +1,5 @@
 #include "simulator/core/simulatedobject.h"
+#include "simulator/core/unregistration.h"
 #include "simulator/core/utf16.h"
 #include "simulator/machine/identity.h"
 #include "simulator/objects/objects.h"
@@ -79,11 +80,11 @@ public:
 
     HRESULT STDMETHODCALLTYPE UnregisterEndpointNotificationCallback(IMMNotificationClient* client) override
     {
-        const auto answer = [&]() -> HRESULT
+        const auto answer = [&](const WatchedCall& watched) -> HRESULT
         {
             if (client == nullptr)
                 return E_POINTER;
-            return state()->clients.remove(client) ? S_OK : E_NOTFOUND;
+            return unregister(*state(), state()->clients, client, watched) ? S_OK : E_NOTFOUND;
         };
         return call("IMMDeviceEnumerator::UnregisterEndpointNotificationCallback", outputs(), answer,
                     presenceText(client));

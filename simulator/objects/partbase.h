@@ -3,6 +3,7 @@
 #pragma once
 
 #include "simulator/core/simulatedobject.h"
+#include "simulator/core/unregistration.h"
 #include "simulator/objects/lookup.h"
 #include "simulator/objects/objects.h"
 
@@ -188,11 +189,14 @@ public:
 
     HRESULT STDMETHODCALLTYPE UnregisterControlChangeCallback(IControlChangeNotify* notify) override
     {
-        const auto answer = [&]() -> HRESULT
+        const auto answer = [&](const WatchedCall& watched) -> HRESULT
         {
             if (notify == nullptr)
                 return E_POINTER;
-            return this->state()->removeControlListener(this->name(), notify) ? S_OK : E_NOTFOUND;
+            const auto isTakenOff = [&](const std::shared_ptr<State::ControlListeners>& listeners)
+            { return unregister(*this->state(), *listeners, notify, watched); };
+            const auto all = this->state()->controlListeners(this->name());
+            return std::any_of(all.begin(), all.end(), isTakenOff) ? S_OK : E_NOTFOUND;
         };
         return this->call("IPart::UnregisterControlChangeCallback", outputs(), answer, presenceText(notify));
     }

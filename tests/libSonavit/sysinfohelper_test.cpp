@@ -52,7 +52,7 @@ TEST_F(SysInfoHelperConstruction, LeavesItsCardsAsTheOnlyHoldersApartFromTheUpda
 
     EXPECT_EQ(1, *helper.m_soundCards[0].m_count);
     EXPECT_EQ(2, *helper.m_soundCards[0]->m_playbackDevices.m_count);
-    EXPECT_EQ(3u, comReferenceCount(helper.m_soundCards[0]->m_updater.get()));
+    EXPECT_EQ(2u, comReferenceCount(helper.m_soundCards[0]->m_updater.get()));
     EXPECT_EQ(3u, helper.m_soundCards[0]->m_connectorMap.size());
 }
 

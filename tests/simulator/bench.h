@@ -62,8 +62,9 @@ void onThread(const Action& action)
     thread.join();
 }
 
-/// The bench machine on a thread with COM. At the end of a test there may be no reference on any of its objects, and
-/// every operation in the journal must be one that a fault rule can name.
+/// The bench machine on a thread with COM. What Windows forbids in a callback fails the test. At the end of a test
+/// there may be no reference on any of its objects, and every operation in the journal must be one that a fault rule
+/// can name.
 class SimulationTest : public testing::Test
 {
 protected:
@@ -85,6 +86,7 @@ protected:
           lineInJack(bench.lineIn.jackId()),
           simulation(bench.builder.build())
     {
+        simulation.onViolation([](const sim::Violation& violation) { ADD_FAILURE() << violation; });
     }
 
     ~SimulationTest() override
@@ -103,6 +105,9 @@ protected:
                                          sim::InterfaceTraits<IMMDeviceEnumerator>::iid(), enumerator.putVoid()));
         return enumerator;
     }
+
+    /// The test does on purpose what Windows forbids in a callback, and looks at violations() itself.
+    void expectViolations() { simulation.onViolation({}); }
 
     Held<IMMDevice> device(const std::string& id) { return Held<IMMDevice>(simulation.device(id)); }
 

@@ -5,7 +5,7 @@
 
 namespace bench
 {
-/// The client is unregistered at the end, and the machine may hold no reference on it then.
+/// The client is unregistered at the end. The machine never touches its references.
 class EventsTest : public SimulationTest
 {
 protected:

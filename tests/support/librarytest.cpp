@@ -47,6 +47,7 @@ sim::Simulation& LibraryTest::run(sim::Machine machine)
 {
     m_simulation = std::make_unique<sim::Simulation>(std::move(machine));
     m_simulation->deliverAtOnce(true);
+    m_simulation->onViolation([](const sim::Violation& violation) { ADD_FAILURE() << violation; });
     return *m_simulation;
 }
 

@@ -22,8 +22,9 @@ struct Kept
 
 /// A test of the library on a simulated machine: COM on the test's thread, the machine, and the log.
 ///
-/// At its end the shared enumerator goes, as at the end of the module, with all clients and what they hold. After that
-/// the machine must hold nothing but what the test has declared in `kept`.
+/// What Windows forbids in a callback fails the test. At its end the shared enumerator goes, as at the end of the
+/// module, with all clients and what they hold. After that the machine must hold nothing but what the test has declared
+/// in `kept`.
 class LibraryTest : public testing::Test
 {
 protected:

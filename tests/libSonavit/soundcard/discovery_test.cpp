@@ -220,7 +220,7 @@ TEST_F(SoundCardDiscovery, RegistersOneClientForEachCard)
     EXPECT_EQ(2, simulation().census().clients.at("IMMNotificationClient"));
     for (unsigned int i = 0; i < cards.size(); ++i)
     {
-        EXPECT_EQ(3u, comReferenceCount(cards[i].m_updater.get())); // the card's, the enumerator's and the machine's
+        EXPECT_EQ(2u, comReferenceCount(cards[i].m_updater.get())); // the card's and the enumerator's
         EXPECT_EQ(cards[i].m_deviceId.get(), cards[i].m_updater->m_ownerId.get());
     }
 }

@@ -86,7 +86,7 @@ TEST_F(EnumerateSoundCards, LeavesTheHeapCopiesAsTheOnlyHoldersApartFromTheUpdat
         EXPECT_EQ(2, *card.m_playbackDevices.m_count);
         EXPECT_EQ(2, *card.m_deviceId.m_count);
         EXPECT_EQ(1, *card.m_internalDevices.m_count); // the updater has no share of these
-        EXPECT_EQ(3u, comReferenceCount(card.m_updater.get()));
+        EXPECT_EQ(2u, comReferenceCount(card.m_updater.get()));
     }
     deleteAll(cards);
 }

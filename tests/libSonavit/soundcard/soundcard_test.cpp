@@ -106,7 +106,7 @@ TEST_F(SoundCardConstruction, RegistersTheUpdaterWithTheSharedEnumerator)
     EXPECT_EQ(1u, simulation().journal().count(registerCall));
     ASSERT_EQ(1u, shared().m_notificationClients.size());
     EXPECT_EQ(card.m_updater.get(), shared().m_notificationClients[0].get());
-    EXPECT_EQ(3u, updaterReferences(card)); // the card's, the enumerator's and the machine's
+    EXPECT_EQ(2u, updaterReferences(card)); // the card's and the enumerator's
 }
 
 TEST_F(SoundCardConstruction, BringsTheSharedEnumeratorIntoBeing)
@@ -181,7 +181,7 @@ TEST_F(SoundCardCopy, RegistersNothing)
 
     EXPECT_THAT(simulation().journal().operations(), IsEmpty());
     EXPECT_EQ(1u, shared().m_notificationClients.size());
-    EXPECT_EQ(4u, updaterReferences(card));
+    EXPECT_EQ(3u, updaterReferences(card));
     EXPECT_THAT(log.texts(), IsEmpty());
 }
 
@@ -202,7 +202,7 @@ TEST_F(SoundCardAssignment, TakesAllOfTheSource)
     EXPECT_EQ(source.m_recordObservers.get(), target.m_recordObservers.get());
     EXPECT_EQ(source.m_deviceId.get(), target.m_deviceId.get());
     EXPECT_EQ(1u, target.m_connectorMap.size());
-    EXPECT_EQ(4u, updaterReferences(source));
+    EXPECT_EQ(3u, updaterReferences(source));
 }
 
 TEST_F(SoundCardAssignment, LeavesTheFormerUpdaterRegistered)
@@ -214,7 +214,7 @@ TEST_F(SoundCardAssignment, LeavesTheFormerUpdaterRegistered)
 
     target = source;
 
-    EXPECT_EQ(3u, comReferenceCount(former.get())); // the enumerator's, the machine's and the test's
+    EXPECT_EQ(2u, comReferenceCount(former.get())); // the enumerator's and the test's
     EXPECT_EQ(2, simulation().census().clients.at("IMMNotificationClient"));
     EXPECT_THAT(simulation().journal().operations(), IsEmpty());
 }
@@ -229,7 +229,7 @@ TEST_F(SoundCardAssignment, ToItselfChangesNothing)
     card = same;
 
     EXPECT_EQ(list, card.m_playbackDevices.get());
-    EXPECT_EQ(3u, updaterReferences(card));
+    EXPECT_EQ(2u, updaterReferences(card));
     EXPECT_EQ(1u, card.m_connectorMap.size());
 }
 
@@ -255,7 +255,7 @@ TEST_F(SoundCardDestruction, LeavesTheUpdaterRegistered)
 
     EXPECT_EQ(0u, simulation().journal().count(unregisterCall));
     EXPECT_EQ(1, simulation().census().clients.at("IMMNotificationClient"));
-    EXPECT_EQ(3u, comReferenceCount(updater.get())); // the enumerator's, the machine's and the test's
+    EXPECT_EQ(2u, comReferenceCount(updater.get())); // the enumerator's and the test's
 }
 
 TEST_F(SoundCardDestruction, LeavesTheListsWithTheUpdaterWhichStillFillsThem)

@@ -282,7 +282,7 @@ TEST_F(SoundCardUpdaterWiring, GivesTheUpdaterTheCardsSharesInOrderAndRegistersI
     EXPECT_EQ(card.m_playbackObservers.get(), card.m_updater->m_playbackObserver.get());
     EXPECT_EQ(card.m_recordObservers.get(), card.m_updater->m_recordObserver.get());
     EXPECT_EQ(1, machine.census().clients.at("IMMNotificationClient"));
-    EXPECT_EQ(3, card.m_updater->m_refCount) << "the card, the client list, the platform";
+    EXPECT_EQ(2, card.m_updater->m_refCount) << "the card, the client list";
 }
 
 TEST_F(SoundCardUpdaterWiring, SharesOneUpdaterAmongCopiesAndLeavesItRegisteredWhenAllAreGone)
