@@ -4,6 +4,16 @@
 
 namespace sim
 {
+namespace
+{
+/// Whether the event happens to the whole machine, not to one endpoint.
+bool isOfMachine(ScriptEvent::Kind kind)
+{
+    using Kind = ScriptEvent::Kind;
+    return kind == Kind::wake || kind == Kind::serviceStop || kind == Kind::serviceStart || kind == Kind::remoteLogon;
+}
+}
+
 void MachineCheck::script()
 {
     for (std::size_t index = 0; index < m_machine.script.size(); ++index)
@@ -14,7 +24,8 @@ void MachineCheck::event(const ScriptEvent& event, const std::string& place)
 {
     const bool isDefault = event.kind == ScriptEvent::Kind::defaultChanged;
     const Endpoint* endpoint = m_machine.endpoint(event.endpoint);
-    const bool hasEndpoint = endpoint != nullptr || (isDefault && event.endpoint.empty());
+    const bool needsNone = isOfMachine(event.kind) || (isDefault && event.endpoint.empty());
+    const bool hasEndpoint = endpoint != nullptr || needsNone;
     require(hasEndpoint, inner(place, "endpoint"), "the id of an endpoint", inQuotes(event.endpoint));
     if (isDefault)
     {
@@ -51,6 +62,9 @@ void MachineCheck::faults()
         const bool isKnown = m_deviceIds.count(rule.object) != 0 || m_partIds.count(rule.object) != 0;
         require(rule.object == "*" || isKnown, inner(place, "object"), "\"*\" or the id of a device or part",
                 inQuotes(rule.object));
+        if (rule.after)
+            require(!nameOf(eventNames, *rule.after).empty(), inner(place, "after"), oneOf(eventNames),
+                    std::to_string(static_cast<int>(*rule.after)));
     }
 }
 

@@ -1,5 +1,6 @@
 #include "simulator/machine/file/check.h"
 
+#include "simulator/machine/namedvalues.h"
 #include "tests/simulator/machine/file/machinesample.h"
 
 #include <gmock/gmock.h>
@@ -64,5 +65,12 @@ TEST(MachineCheck, FindsAnAccountAFlowARoleAndAKindOfConnectorWithoutAName)
                             "found 3",
                             "/script/8/flow: expected \"render\" or \"capture\", found 2",
                             "/script/8/role: expected \"console\", \"multimedia\" or \"communications\", found 3"));
+}
+
+TEST(MachineCheck, FindsAFaultAfterAnEventWithoutAName)
+{
+    EXPECT_THAT(
+        problemsAfter([](sim::Machine& machine) { machine.faults[0].after = static_cast<sim::ScriptEvent::Kind>(99); }),
+        ElementsAre("/faults/0/after: expected " + sim::oneOf(sim::eventNames) + ", found 99"));
 }
 }

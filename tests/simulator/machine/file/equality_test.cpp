@@ -127,8 +127,8 @@ auto membersOf(sim::ScriptEvent& value)
 
 auto membersOf(sim::FaultRule& value)
 {
-    auto& [operation, object, argument, call, outcome, result] = value;
-    return std::tie(operation, object, argument, call, outcome, result);
+    auto& [operation, object, argument, call, outcome, result, forMilliseconds, after] = value;
+    return std::tie(operation, object, argument, call, outcome, result, forMilliseconds, after);
 }
 
 auto membersOf(sim::LatencyRule& value)
