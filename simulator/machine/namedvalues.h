@@ -64,6 +64,9 @@ inline constexpr Names<RemovedEndpoints, 2> removedEndpointsNames = {
 inline constexpr Names<CallbackThread, 2> callbackThreadNames = {
     {{"com", CallbackThread::com}, {"bare", CallbackThread::bare}}};
 
+inline constexpr Names<LatencyPreset, 2> latencyPresetNames = {
+    {{"none", LatencyPreset::none}, {"windows", LatencyPreset::windows}}};
+
 /// The tags of a property value that is a whole number: all that a property store of the simulated platform takes.
 inline constexpr Names<VARTYPE, 10> numberTagNames = {{{"VT_I2", VT_I2},
                                                        {"VT_I4", VT_I4},

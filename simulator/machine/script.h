@@ -82,5 +82,13 @@ struct LatencyRule
 {
     std::string operation; ///< as in FaultRule; "*": every call that no other rule names
     std::uint32_t microseconds = 0;
+    std::string argument = {}; ///< the first argument as the journal writes it; empty: any
+};
+
+/// Sets of latencies; LatencyPlan::usePreset() says what they contain.
+enum class LatencyPreset
+{
+    none,
+    windows, ///< what users have measured on Windows
 };
 }

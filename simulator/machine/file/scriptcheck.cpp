@@ -70,15 +70,16 @@ void MachineCheck::faults()
 
 void MachineCheck::latency()
 {
-    std::set<std::string> known;
+    std::set<std::pair<std::string, std::string>> known;
     for (std::size_t index = 0; index < m_machine.latency.size(); ++index)
     {
-        const std::string& operation = m_machine.latency[index].operation;
+        const auto& [operation, microseconds, argument] = m_machine.latency[index];
         const std::string place = inner(inner("/latency", index), "operation");
         const bool isPlatforms = operation == "*" || isOperation(operation);
         require(isPlatforms, place, "\"*\" or an operation of the simulated platform",
                 inQuotes(operation) + (isPlatforms ? "" : operationSuggestion(operation)));
-        require(known.insert(operation).second, place, "each operation once", "duplicate " + inQuotes(operation));
+        require(known.insert({operation, argument}).second, place, "each operation once",
+                "duplicate " + inQuotes(operation));
     }
 }
 }

@@ -256,6 +256,7 @@ const FieldTable<LatencyRule>& fieldsOf<LatencyRule>()
         FieldTable<LatencyRule>("latencyRule")
             .required("operation", &LatencyRule::operation, StringCodec(),
                       "As in faults; *: every call that no other rule names.")
+            .optional("argument", &LatencyRule::argument, StringCodec(), "As in faults.")
             .required("microseconds", &LatencyRule::microseconds, NumberCodec());
     return table;
 }

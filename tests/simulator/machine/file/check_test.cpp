@@ -40,10 +40,12 @@ TEST(MachineCheck, FindsOptionsWithoutAName)
     {
         machine.removedEndpoints = static_cast<sim::RemovedEndpoints>(2);
         machine.callbackThread = static_cast<sim::CallbackThread>(3);
+        machine.latencyPreset = static_cast<sim::LatencyPreset>(4);
     };
 
     EXPECT_THAT(problemsAfter(change), ElementsAre("/removedEndpoints: expected \"open\" or \"unknown\", found 2",
-                                                   "/callbackThread: expected \"com\" or \"bare\", found 3"));
+                                                   "/callbackThread: expected \"com\" or \"bare\", found 3",
+                                                   "/latencyPreset: expected \"none\" or \"windows\", found 4"));
 }
 
 TEST(MachineCheck, FindsAnAccountAFlowARoleAndAKindOfConnectorWithoutAName)

@@ -133,16 +133,16 @@ auto membersOf(sim::FaultRule& value)
 
 auto membersOf(sim::LatencyRule& value)
 {
-    auto& [operation, microseconds] = value;
-    return std::tie(operation, microseconds);
+    auto& [operation, microseconds, argument] = value;
+    return std::tie(operation, microseconds, argument);
 }
 
 auto membersOf(sim::Machine& value)
 {
     auto& [name, description, account, removed, thread, absentNames, endpoints, adapters, joins, instances, waveOut,
-           waveIn, script, faults, latency] = value;
+           waveIn, script, faults, latencyPreset, latency] = value;
     return std::tie(name, description, account, removed, thread, absentNames, endpoints, adapters, joins, instances,
-                    waveOut, waveIn, script, faults, latency);
+                    waveOut, waveIn, script, faults, latencyPreset, latency);
 }
 
 // A structured binding cannot name the members of a derived type; their number is found by initialising it.

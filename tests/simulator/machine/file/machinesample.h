@@ -171,7 +171,8 @@ inline sim::Machine machine()
                      {"Release", "*", "", 1, sim::FaultRule::Outcome::thrown, E_FAIL},
                      {"IMMDeviceEnumerator::GetDevice", "*", "", 0, sim::FaultRule::Outcome::result, E_NOTFOUND, 8000,
                       sim::ScriptEvent::Kind::plugged}};
-    result.latency = {{"*", 5}, {"IMMDevice::Activate", 1200}};
+    result.latencyPreset = sim::LatencyPreset::windows;
+    result.latency = {{"*", 5}, {"IMMDevice::Activate", 1200}, {"IMMDevice::Activate", 4000000, "IAudioClient"}};
     return result;
 }
 }

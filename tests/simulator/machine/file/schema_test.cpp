@@ -146,6 +146,7 @@ TEST_F(MachineSchema, HasTheReadersWords)
     EXPECT_EQ(namesOf(sim::nodeTypeNames), wordsOf("nodeTypeName"));
     EXPECT_EQ(namesOf(sim::removedEndpointsNames), wordsOf("removedEndpoints"));
     EXPECT_EQ(namesOf(sim::callbackThreadNames), wordsOf("callbackThread"));
+    EXPECT_EQ(namesOf(sim::latencyPresetNames), wordsOf("latencyPreset"));
     EXPECT_EQ(namesOf(sim::keyNames),
               wordsOf(definition("propertyName").member("oneOf")->elements.at(0).member("enum")));
 }
