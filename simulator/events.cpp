@@ -33,10 +33,10 @@ Events::Events(std::shared_ptr<State> state) : m_state(std::move(state)) {}
 
 /// Changes one endpoint: calls @p change with the hardware and the endpoint, then notifies as happen() does.
 template<class Change, class Notify>
-void Events::change(const std::string& endpointId, const Change& change, const Notify& notify)
+void Events::change(Kind event, const std::string& endpointId, const Change& change, const Notify& notify)
 {
     happen(
-        m_state,
+        m_state, event,
         [&](Hardware& hardware)
         {
             Endpoint* const endpoint = hardware.anyEndpoint(endpointId);
@@ -50,7 +50,7 @@ void Events::change(const std::string& endpointId, const Change& change, const N
 void Events::add(const std::string& endpointId)
 {
     change(
-        endpointId, [](Hardware&, Endpoint& endpoint) { endpoint.installed = true; },
+        Kind::added, endpointId, [](Hardware&, Endpoint& endpoint) { endpoint.installed = true; },
         [&] { notifyDeviceAdded(m_state, endpointId); });
 }
 
@@ -71,31 +71,63 @@ void Events::add(const Endpoint& endpoint)
 void Events::remove(const std::string& endpointId)
 {
     change(
-        endpointId, [](Hardware&, Endpoint& endpoint) { endpoint.installed = false; },
+        Kind::removed, endpointId, [](Hardware&, Endpoint& endpoint) { endpoint.installed = false; },
         [&] { notifyDeviceRemoved(m_state, endpointId); });
 }
 
 void Events::plug(const std::string& endpointId)
 {
-    setState(endpointId, stateActive);
+    moveTo(Kind::plugged, endpointId, stateActive);
 }
 
 void Events::unplug(const std::string& endpointId)
 {
-    setState(endpointId, stateUnplugged);
+    moveTo(Kind::unplugged, endpointId, stateUnplugged);
 }
 
 void Events::setState(const std::string& endpointId, std::uint32_t state)
 {
+    moveTo(Kind::stateChanged, endpointId, state);
+}
+
+void Events::moveTo(Kind event, const std::string& endpointId, std::uint32_t state)
+{
     change(
-        endpointId, [&](Hardware&, Endpoint& endpoint) { endpoint.state = state; },
+        event, endpointId, [&](Hardware&, Endpoint& endpoint) { endpoint.state = state; },
         [&] { notifyStateChanged(m_state, endpointId, state); });
+}
+
+void Events::plugJack(const std::string& endpointId)
+{
+    moveJack(Kind::plugJack, endpointId, stateUnplugged, stateActive);
+}
+
+void Events::unplugJack(const std::string& endpointId)
+{
+    moveJack(Kind::unplugJack, endpointId, stateActive, stateUnplugged);
+}
+
+void Events::moveJack(Kind event, const std::string& endpointId, std::uint32_t from, std::uint32_t to)
+{
+    bool isMoved = false;
+    change(
+        event, endpointId,
+        [&](Hardware&, Endpoint& endpoint)
+        {
+            isMoved = endpoint.state == from;
+            endpoint.state = isMoved ? to : endpoint.state;
+        },
+        [&]
+        {
+            if (isMoved)
+                notifyStateChanged(m_state, endpointId, to);
+        });
 }
 
 void Events::setDefault(const std::string& endpointId, ERole role)
 {
     change(
-        endpointId,
+        Kind::defaultChanged, endpointId,
         [&](Hardware& hardware, Endpoint& endpoint)
         {
             removeDefault(hardware.machine(), endpoint.flow, role);
@@ -107,14 +139,15 @@ void Events::setDefault(const std::string& endpointId, ERole role)
 void Events::clearDefault(EDataFlow flow, ERole role)
 {
     happen(
-        m_state, [&](Hardware& hardware) { removeDefault(hardware.machine(), flow, role); }, [] {});
+        m_state, Kind::defaultChanged, [&](Hardware& hardware) { removeDefault(hardware.machine(), flow, role); },
+        [] {});
 }
 
 void Events::setVolume(const std::string& endpointId, std::optional<float> level, std::optional<bool> muted)
 {
     bool isChanged = false;
     change(
-        endpointId,
+        Kind::volumeChanged, endpointId,
         [&](Hardware&, Endpoint& endpoint)
         {
             if (!endpoint.volume)
@@ -135,7 +168,8 @@ void Events::setVolume(const std::string& endpointId, std::optional<float> level
 void Events::setProperty(const std::string& endpointId, const PROPERTYKEY& key, const PropertyValue& value)
 {
     change(
-        endpointId, [&](Hardware&, Endpoint& endpoint) { changeProperty(endpoint.properties, key, value); },
+        Kind::propertyChanged, endpointId,
+        [&](Hardware&, Endpoint& endpoint) { changeProperty(endpoint.properties, key, value); },
         [&] { notifyPropertyChanged(m_state, endpointId, key); });
 }
 
@@ -168,22 +202,24 @@ void Events::play(const ScriptEvent& event)
 {
     switch (event.kind)
     {
-    case ScriptEvent::Kind::added:
+    case Kind::added:
         return add(event.endpoint);
-    case ScriptEvent::Kind::removed:
+    case Kind::removed:
         return remove(event.endpoint);
-    case ScriptEvent::Kind::plugged:
+    case Kind::plugged:
         return plug(event.endpoint);
-    case ScriptEvent::Kind::unplugged:
+    case Kind::unplugged:
         return unplug(event.endpoint);
-    case ScriptEvent::Kind::stateChanged:
+    case Kind::stateChanged:
         return setState(event.endpoint, event.state);
-    case ScriptEvent::Kind::defaultChanged:
+    case Kind::defaultChanged:
         return event.endpoint.empty() ? clearDefault(event.flow, event.role) : setDefault(event.endpoint, event.role);
-    case ScriptEvent::Kind::volumeChanged:
+    case Kind::volumeChanged:
         return setVolume(event.endpoint, event.level, event.muted);
-    case ScriptEvent::Kind::propertyChanged:
+    case Kind::propertyChanged:
         return setProperty(event.endpoint, event.key, event.value);
+    default:
+        return playBurst(event);
     }
 }
 

@@ -52,6 +52,34 @@ public:
     /// Sets the property to @p value; VT_EMPTY removes it: OnPropertyValueChanged.
     void setProperty(const std::string& endpointId, const PROPERTYKEY& key, const PropertyValue& value);
 
+    // What happens to a computer, in the bursts of notifications that real machines show. All of it concerns the
+    // endpoints of one device: those with exactly the same instance path.
+
+    /// A USB device arrives. Each of its endpoints that is not present tells of states twice, of its addition if the
+    /// machine never had it, and of states twice more, the last being the one that it had before, or active. An
+    /// endpoint that is present already stays as it is.
+    void plugUsb(const std::string& endpointId);
+    /// A USB device goes: its endpoints are not present, but not removed.
+    void unplugUsb(const std::string& endpointId);
+    /// A plug enters or leaves the jack of the endpoint, which becomes active if it was unplugged, or unplugged if it
+    /// was active. In any other state nothing happens.
+    void plugJack(const std::string& endpointId);
+    void unplugJack(const std::string& endpointId);
+    /// The computer wakes up: all active endpoints become not present, and with them the defaults null. They come back
+    /// on the notification thread after the clients have been notified, see waitForClients(). A fault that holds for
+    /// some seconds after ScriptEvent::Kind::wake keeps them from being found.
+    void wake();
+    /// The driver of the endpoint's device is replaced: its endpoints go and come back as in wake(), and their open
+    /// property stores become stale, see remoteLogon().
+    void driverUpdate(const std::string& endpointId);
+    /// The Windows audio service stops and starts. While it is stopped there is no default endpoint, and no
+    /// IAudioClient can be activated (AUDCLNT_E_SERVICE_NOT_RUNNING); everything else answers as before.
+    void serviceStop();
+    void serviceStart();
+    /// A user logs on from another computer: every property store that is open becomes stale. Each of its operations
+    /// returns E_ACCESSDENIED then; a store that is opened anew works. No client is notified.
+    void remoteLogon();
+
     void announceAdded(const std::string& endpointId);
     void announceRemoved(const std::string& endpointId);
     void announceState(const std::string& endpointId, std::uint32_t state);
@@ -70,8 +98,13 @@ public:
     void waitForClients();
 
 private:
+    using Kind = ScriptEvent::Kind;
+
     template<class Change, class Notify>
-    void change(const std::string& endpointId, const Change& change, const Notify& notify);
+    void change(Kind event, const std::string& endpointId, const Change& change, const Notify& notify);
+    void playBurst(const ScriptEvent& event);
+    void moveTo(Kind event, const std::string& endpointId, std::uint32_t state);
+    void moveJack(Kind event, const std::string& endpointId, std::uint32_t from, std::uint32_t to);
 
     std::shared_ptr<State> m_state;
 };

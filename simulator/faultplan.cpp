@@ -1,10 +1,28 @@
 #include "simulator/faultplan.h"
 
+#include "simulator/machine/namedvalues.h"
+
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace sim
 {
+/// The clock of a plan. Its rules share it, because they may outlive the plan.
+struct FaultPlan::Time
+{
+    using Point = Clock::time_point;
+
+    Point now() const
+    {
+        const std::lock_guard<Mutex> lock(mutex);
+        return clock();
+    }
+
+    mutable Mutex mutex;
+    std::function<Point()> clock = [] { return Clock::now(); };
+};
+
 /// A rule and its counts. The mutex is the rule's own, because handles may outlive the plan.
 struct PlannedFault::Shared
 {
@@ -13,6 +31,17 @@ struct PlannedFault::Shared
     std::function<void()> action;
     std::uint32_t met = 0;
     std::uint32_t fired = 0;
+    std::shared_ptr<FaultPlan::Time> time;
+    std::optional<FaultPlan::Time::Point> begin; ///< since when the rule holds; no value: its event has not happened
+
+    void beginNow() { begin = time->now(); }
+
+    bool holds() const
+    {
+        if (!begin || rule.forMilliseconds == 0)
+            return begin.has_value();
+        return time->now() < *begin + std::chrono::milliseconds(rule.forMilliseconds);
+    }
 
     bool fits(const std::string& operation, const std::string& object, const std::vector<std::string>& arguments) const
     {
@@ -53,6 +82,25 @@ PlannedFault& PlannedFault::at(std::uint32_t call)
     return *this;
 }
 
+PlannedFault& PlannedFault::during(std::chrono::milliseconds duration)
+{
+    if (duration.count() < 1 || duration.count() > std::numeric_limits<std::uint32_t>::max())
+        throw std::invalid_argument("a fault holds for 1 to 4294967295 milliseconds");
+    const std::lock_guard<Mutex> lock(m_shared->mutex);
+    m_shared->rule.forMilliseconds = static_cast<std::uint32_t>(duration.count());
+    if (!m_shared->rule.after)
+        m_shared->beginNow();
+    return *this;
+}
+
+PlannedFault& PlannedFault::after(ScriptEvent::Kind event)
+{
+    const std::lock_guard<Mutex> lock(m_shared->mutex);
+    m_shared->rule.after = event;
+    m_shared->begin.reset();
+    return *this;
+}
+
 std::uint32_t PlannedFault::met() const
 {
     const std::lock_guard<Mutex> lock(m_shared->mutex);
@@ -69,6 +117,23 @@ FaultRule PlannedFault::rule() const
 {
     const std::lock_guard<Mutex> lock(m_shared->mutex);
     return m_shared->rule;
+}
+
+FaultPlan::FaultPlan() : m_time(std::make_shared<Time>()) {}
+
+void FaultPlan::useClock(std::function<Clock::time_point()> now)
+{
+    const std::lock_guard<Mutex> lock(m_mutex);
+    {
+        const std::lock_guard<Mutex> timeLock(m_time->mutex);
+        m_time->clock = std::move(now);
+    }
+    for (const auto& shared : m_rules)
+    {
+        const std::lock_guard<Mutex> ruleLock(shared->mutex);
+        if (shared->begin)
+            shared->beginNow();
+    }
 }
 
 PlannedFault FaultPlan::fail(const std::string& operation, HRESULT result)
@@ -112,6 +177,9 @@ PlannedFault FaultPlan::add(const FaultRule& rule, std::function<void()> action)
     auto shared = std::make_shared<PlannedFault::Shared>();
     shared->rule = rule;
     shared->action = std::move(action);
+    shared->time = m_time;
+    if (!rule.after)
+        shared->beginNow();
     const std::lock_guard<Mutex> lock(m_mutex);
     m_rules.push_back(shared);
     m_count = m_rules.size();
@@ -148,6 +216,10 @@ std::vector<std::string> FaultPlan::unmet() const
         line.append(" on ").append(rule.object);
         if (rule.call != 0)
             line.append(", call ").append(std::to_string(rule.call));
+        if (rule.after)
+            line.append(", after ").append(nameOf(eventNames, *rule.after));
+        if (rule.forMilliseconds != 0)
+            line.append(", for ").append(std::to_string(rule.forMilliseconds)).append(" ms");
         result.push_back(line + ": met " + std::to_string(fault.met()) + " times");
     }
     return result;
@@ -166,7 +238,7 @@ FaultPlan::Verdict FaultPlan::judge(const std::string& operation, const std::str
     for (const auto& shared : m_rules)
     {
         const std::lock_guard<Mutex> ruleLock(shared->mutex);
-        if (!shared->fits(operation, object, arguments))
+        if (!shared->fits(operation, object, arguments) || !shared->holds())
             continue;
         ++shared->met;
         if (shared->rule.call != 0 && shared->rule.call != shared->met)
@@ -183,5 +255,16 @@ FaultPlan::Verdict FaultPlan::judge(const std::string& operation, const std::str
         }
     }
     return verdict;
+}
+
+void FaultPlan::happened(ScriptEvent::Kind event)
+{
+    const std::lock_guard<Mutex> lock(m_mutex);
+    for (const auto& shared : m_rules)
+    {
+        const std::lock_guard<Mutex> ruleLock(shared->mutex);
+        if (shared->rule.after == event)
+            shared->beginNow();
+    }
 }
 }

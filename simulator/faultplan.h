@@ -6,6 +6,7 @@
 #include "simulator/mutex.h"
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -26,8 +27,8 @@ public:
 
 /// One rule of a plan: a handle whose copies share the rule. It may outlive the plan.
 ///
-/// A rule meets a call if operation, object and first argument match. It fires at the n-th call that it meets, or at
-/// each of them.
+/// A rule meets a call if operation, object and first argument match, and if it holds at that time. It fires at the
+/// n-th call that it meets, or at each of them.
 class PlannedFault
 {
 public:
@@ -37,6 +38,11 @@ public:
     PlannedFault& with(const std::string& firstArgument);
     /// Only at the n-th call that matches, counted from now on; the next one is 1.
     PlannedFault& at(std::uint32_t call);
+    /// Only for @p duration, counted from now on; after after(), from the event on. At least 1 ms and at most 2^32 - 1
+    /// ms, otherwise it throws std::invalid_argument.
+    PlannedFault& during(std::chrono::milliseconds duration);
+    /// Not before the machine has had an event of this kind; the time of during() counts from the last one.
+    PlannedFault& after(ScriptEvent::Kind event);
 
     /// The number of calls that matched, and of those at which the rule fired.
     std::uint32_t met() const;
@@ -63,6 +69,14 @@ private:
 class FaultPlan
 {
 public:
+    using Clock = std::chrono::steady_clock;
+
+    FaultPlan();
+
+    /// Replaces the clock of rules that hold for a time, so that a test need not wait: @p now returns the current time,
+    /// on any thread; it must not use the plan. Times that already run begin anew. Without it the clock is Clock.
+    void useClock(std::function<Clock::time_point()> now);
+
     /// The call returns @p result.
     PlannedFault fail(const std::string& operation, HRESULT result = E_FAIL);
     /// The call returns S_OK (or 0) and stores null and zero.
@@ -93,10 +107,16 @@ public:
     /// For the platform's objects: whether there is no rule; the decision for a call, which is counted.
     bool isEmpty() const;
     Verdict judge(const std::string& operation, const std::string& object, const std::vector<std::string>& arguments);
+    /// For the machine's events: rules that hold after @p event begin to hold.
+    void happened(ScriptEvent::Kind event);
 
 private:
+    friend class PlannedFault;
+    struct Time;
+
     PlannedFault add(const FaultRule& rule, std::function<void()> action);
 
+    const std::shared_ptr<Time> m_time;
     mutable Mutex m_mutex;
     std::vector<std::shared_ptr<PlannedFault::Shared>> m_rules;
     std::atomic<std::size_t> m_count{0};

@@ -1,5 +1,6 @@
 #include "simulator/core/composedproperties.h"
 
+#include "simulator/machine/formfactor.h"
 #include "simulator/machine/identity.h"
 #include "simulator/machine/nodetypes.h"
 #include "simulator/machine/propertykeys.h"
@@ -77,64 +78,17 @@ PropertyValue containerId(const Sources& sources)
         containerOf(*sources.instance, instance == nullptr ? OptionalString() : instance->parent));
 }
 
-/// The values of EndpointFormFactor, whose names the SDK's headers share with macros.
-enum FormFactor : std::uint32_t
-{
-    formSpeakers = 1,
-    formLineLevel = 2,
-    formHeadphones = 3,
-    formMicrophone = 4,
-    formHeadset = 5,
-    formHandset = 6,
-    formDigitalPassthrough = 7,
-    formSpdif = 8,
-    formDisplay = 9,
-    formUnknown = 10
-};
-
-struct JackForm
-{
-    GUID jack;
-    FormFactor form;
-};
-
-FormFactor formOf(const GUID& jack)
-{
-    static const JackForm forms[] = {{KSNODETYPE_SPEAKER, formSpeakers},
-                                     {KSNODETYPE_DESKTOP_SPEAKER, formSpeakers},
-                                     {KSNODETYPE_ROOM_SPEAKER, formSpeakers},
-                                     {KSNODETYPE_COMMUNICATION_SPEAKER, formSpeakers},
-                                     {KSNODETYPE_LOW_FREQUENCY_EFFECTS_SPEAKER, formSpeakers},
-                                     {KSNODETYPE_LINE_CONNECTOR, formLineLevel},
-                                     {KSNODETYPE_HEADPHONES, formHeadphones},
-                                     {KSNODETYPE_MICROPHONE, formMicrophone},
-                                     {KSNODETYPE_DESKTOP_MICROPHONE, formMicrophone},
-                                     {KSNODETYPE_PERSONAL_MICROPHONE, formMicrophone},
-                                     {KSNODETYPE_OMNI_DIRECTIONAL_MICROPHONE, formMicrophone},
-                                     {KSNODETYPE_MICROPHONE_ARRAY, formMicrophone},
-                                     {KSNODETYPE_PROCESSING_MICROPHONE_ARRAY, formMicrophone},
-                                     {KSNODETYPE_HEADSET, formHeadset},
-                                     {KSNODETYPE_HANDSET, formHandset},
-                                     {KSNODETYPE_DIGITAL_AUDIO_INTERFACE, formDigitalPassthrough},
-                                     {KSNODETYPE_SPDIF_INTERFACE, formSpdif},
-                                     {KSNODETYPE_HDMI_INTERFACE, formDisplay},
-                                     {KSNODETYPE_DISPLAYPORT_INTERFACE, formDisplay}};
-    const auto isMeant = [&](const JackForm& each) { return IsEqualGUID(each.jack, jack); };
-    const auto* const found = std::find_if(std::begin(forms), std::end(forms), isMeant);
-    return found == std::end(forms) ? formUnknown : found->form;
-}
-
 PropertyValue formFactor(const Sources& sources)
 {
     const bool isKnown = sources.isEndpoint && sources.jack != nullptr;
-    return isKnown ? PropertyValue::ofNumber(formOf(sources.jack->subType)) : PropertyValue();
+    return isKnown ? PropertyValue::ofNumber(static_cast<std::uint32_t>(formFactorOf(sources.jack->subType)))
+                   : PropertyValue();
 }
 
 /// The category of the connector, which says what kind of jack it is.
 PropertyValue category(const Sources& sources)
 {
-    const bool isKnown =
-        sources.isEndpoint && sources.jack != nullptr && !IsEqualGUID(sources.jack->subType, GUID{});
+    const bool isKnown = sources.isEndpoint && sources.jack != nullptr && !IsEqualGUID(sources.jack->subType, GUID{});
     return isKnown ? PropertyValue::ofText(guidText(sources.jack->subType)) : PropertyValue();
 }
 

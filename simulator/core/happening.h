@@ -18,10 +18,10 @@ Defaults defaultsOf(const Hardware& hardware);
 /// the roles in the order of ERole; a null id where no default is left.
 void notifyDefaults(const std::shared_ptr<State>& state, const Defaults& before, const Defaults& after);
 
-/// Runs @p change with the hardware, under its lock, then @p notify, which notifies the clients of the change itself,
-/// and at last notifies them of the defaults that have changed with it.
+/// Runs @p change with the hardware, under its lock, begins the faults that hold after @p event, runs @p notify, which
+/// notifies the clients of the change itself, and at last notifies them of the defaults that have changed with it.
 template<class Change, class Notify>
-void happen(const std::shared_ptr<State>& state, const Change& change, const Notify& notify)
+void happen(const std::shared_ptr<State>& state, ScriptEvent::Kind event, const Change& change, const Notify& notify)
 {
     Defaults before;
     Defaults after;
@@ -32,6 +32,7 @@ void happen(const std::shared_ptr<State>& state, const Change& change, const Not
             change(hardware);
             after = defaultsOf(hardware);
         });
+    state->faults.happened(event);
     notify();
     notifyDefaults(state, before, after);
 }

@@ -2,6 +2,7 @@
 
 #include "simulator/core/composedproperties.h"
 #include "simulator/machine/casefolding.h"
+#include "simulator/machine/propertykeys.h"
 
 #include <algorithm>
 #include <utility>
@@ -140,8 +141,71 @@ Device* Hardware::openDevice(const std::string& id)
 
 Text Hardware::defaultEndpoint(EDataFlow flow, ERole role) const
 {
-    const Endpoint* const elected = m_machine.defaultEndpoint(flow, role);
+    const Endpoint* const elected = m_serviceRuns ? m_machine.defaultEndpoint(flow, role) : nullptr;
     return elected == nullptr ? Text() : Text(elected->id);
+}
+
+std::vector<Endpoint*> Hardware::endpointsOfDevice(const std::string& endpointId)
+{
+    const auto pathOf = [](const Endpoint& endpoint)
+    {
+        const PropertyValue* const path = findProperty(endpoint.properties, keys::instancePath);
+        return path == nullptr ? std::string() : path->text.value_or("");
+    };
+    Endpoint* const first = anyEndpoint(endpointId);
+    if (first == nullptr)
+        return {};
+    const std::string device = pathOf(*first);
+    if (device.empty())
+        return {first};
+    std::vector<Endpoint*> result;
+    for (Endpoint& candidate : m_machine.endpoints)
+    {
+        if (pathOf(candidate) == device)
+            result.push_back(&candidate);
+    }
+    return result;
+}
+
+void Hardware::leave(Endpoint& endpoint)
+{
+    if (endpoint.state == stateNotPresent)
+        return;
+    m_statesBefore[endpoint.id] = endpoint.state;
+    endpoint.state = stateNotPresent;
+}
+
+void Hardware::comeBack(Endpoint& endpoint)
+{
+    const auto before = m_statesBefore.find(endpoint.id);
+    endpoint.state = before == m_statesBefore.end() ? stateActive : before->second;
+    m_statesBefore.erase(endpoint.id);
+}
+
+bool Hardware::serviceRuns() const
+{
+    return m_serviceRuns;
+}
+
+void Hardware::runService(bool on)
+{
+    m_serviceRuns = on;
+}
+
+std::uint64_t Hardware::storeAge(const std::string& deviceId) const
+{
+    const auto found = m_storeAges.find(deviceId);
+    return m_allStoresAge + (found == m_storeAges.end() ? 0 : found->second);
+}
+
+void Hardware::makeStoresStale()
+{
+    ++m_allStoresAge;
+}
+
+void Hardware::makeStoresStale(const std::string& deviceId)
+{
+    ++m_storeAges[deviceId];
 }
 
 const ChangeablePartPlace* Hardware::part(const std::string& id) const

@@ -4,6 +4,7 @@
 
 #include "simulator/machine/machine.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -35,8 +36,26 @@ public:
     bool knows(const std::string& id) const;
     /// As Machine::openDevice().
     Device* openDevice(const std::string& id);
-    /// The id of the default endpoint, see Machine::defaultEndpoint(); no value if there is none.
+    /// The id of the default endpoint, see Machine::defaultEndpoint(); no value if there is none, as while the audio
+    /// service is stopped.
     Text defaultEndpoint(EDataFlow flow, ERole role) const;
+    /// The endpoints of the same device, those with exactly its instance path, in the machine's order; the endpoint
+    /// alone if it has no path. Empty if there is no such endpoint.
+    std::vector<Endpoint*> endpointsOfDevice(const std::string& endpointId);
+
+    /// The endpoint becomes not present, or takes the state again that it had before; active if it had none.
+    void leave(Endpoint& endpoint);
+    void comeBack(Endpoint& endpoint);
+
+    /// Whether the Windows audio service runs, as it does in the beginning.
+    bool serviceRuns() const;
+    void runService(bool on);
+
+    /// A number that changes when the open property stores of a device become stale.
+    std::uint64_t storeAge(const std::string& deviceId) const;
+    void makeStoresStale();
+    void makeStoresStale(const std::string& deviceId);
+
     /// Valid until the next reindex(); null if there is no such part, or if its endpoint is unknown.
     const ChangeablePartPlace* part(const std::string& id) const;
     /// The device with the id @p id, or that has the part with that id, in any condition; @p id itself if there is
@@ -62,5 +81,9 @@ private:
     std::unordered_map<std::string, ChangeablePartPlace> m_parts;
     std::unordered_map<std::string, Peer> m_peers;
     std::unordered_map<std::string, std::vector<const SignalPath*>> m_pathsFrom;
+    std::unordered_map<std::string, std::uint32_t> m_statesBefore;
+    std::unordered_map<std::string, std::uint64_t> m_storeAges;
+    std::uint64_t m_allStoresAge = 0;
+    bool m_serviceRuns = true;
 };
 }

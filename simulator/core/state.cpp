@@ -42,6 +42,7 @@ State::State(Machine machine) : number(nextNumber()), m_hardware(std::move(machi
 {
     for (const FaultRule& rule : m_hardware.machine().faults)
         faults.add(rule);
+    latency.usePreset(m_hardware.machine().latencyPreset);
     for (const LatencyRule& rule : m_hardware.machine().latency)
         latency.add(rule);
 }

@@ -136,12 +136,23 @@ HRESULT answerCall(WatchedCall& watched, const Outputs<Values...>& outputs, cons
     return watched.endAsPlanned();
 }
 
+inline std::string firstArgumentText()
+{
+    return {};
+}
+
+template<class First, class... Others>
+std::string firstArgumentText(const First& first, const Others&...)
+{
+    return argumentText(first);
+}
+
 /// One call of an operation of @p object (functions: an empty name).
 template<class... Values, class Body, class... Arguments>
 HRESULT watchedCall(State& state, const char* operation, const std::string& object, const Outputs<Values...>& outputs,
                     const Body& body, const Arguments&... arguments)
 {
-    state.latency.spend(operation);
+    state.latency.spend(operation, [&] { return firstArgumentText(arguments...); });
     WatchedCall watched(state, operation, object);
     if (watched.wantsArguments())
         watched.setArguments({argumentText(arguments)...});

@@ -5,62 +5,19 @@
 // none is left. Of the factors that make up the rank the machine knows the form of the endpoint and the kind of its
 // microphone. The rest (jack detection, bus, place of the jack, how often the user chose an endpoint) has weights that
 // are not published; the machine's order takes its place.
+#include "simulator/machine/formfactor.h"
 #include "simulator/machine/machine.h"
-#include "simulator/machine/nodetypes.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <utility>
+#include <vector>
 
 namespace sim
 {
 namespace
 {
-enum class Form
-{
-    headset,
-    handset,
-    headphones,
-    speakers,
-    microphone,
-    line,
-    display,
-    spdif,
-    other,
-};
-
-struct JackForm
-{
-    GUID jack;
-    Form form;
-};
-
-Form formOf(const GUID& jack)
-{
-    static const std::vector<JackForm> forms = {
-        {nodetypes::headset, Form::headset},
-        {KSNODETYPE_HANDSET, Form::handset},
-        {nodetypes::headphones, Form::headphones},
-        {nodetypes::speaker, Form::speakers},
-        {KSNODETYPE_DESKTOP_SPEAKER, Form::speakers},
-        {KSNODETYPE_ROOM_SPEAKER, Form::speakers},
-        {KSNODETYPE_COMMUNICATION_SPEAKER, Form::speakers},
-        {KSNODETYPE_LOW_FREQUENCY_EFFECTS_SPEAKER, Form::speakers},
-        {nodetypes::microphone, Form::microphone},
-        {KSNODETYPE_DESKTOP_MICROPHONE, Form::microphone},
-        {KSNODETYPE_PERSONAL_MICROPHONE, Form::microphone},
-        {KSNODETYPE_OMNI_DIRECTIONAL_MICROPHONE, Form::microphone},
-        {nodetypes::microphoneArray, Form::microphone},
-        {KSNODETYPE_PROCESSING_MICROPHONE_ARRAY, Form::microphone},
-        {nodetypes::line, Form::line},
-        {nodetypes::hdmi, Form::display},
-        {nodetypes::displayPort, Form::display},
-        {nodetypes::spdif, Form::spdif},
-    };
-    const auto isOfJack = [&](const JackForm& form) { return IsEqualGUID(form.jack, jack) != 0; };
-    const auto found = std::find_if(forms.begin(), forms.end(), isOfJack);
-    return found == forms.end() ? Form::other : found->form;
-}
+using Form = FormFactor;
 
 /// Forms that are equally good, the best first.
 using Preference = std::vector<std::vector<Form>>;
@@ -68,11 +25,11 @@ using Preference = std::vector<std::vector<Form>>;
 const Preference& preference(EDataFlow flow, ERole role)
 {
     static const Preference render = {
-        {Form::headphones, Form::headset}, {Form::speakers}, {Form::line}, {Form::display}, {Form::spdif}};
-    static const Preference capture = {{Form::headset}, {Form::microphone}, {Form::line}};
-    static const Preference renderCall = {{Form::headset}, {Form::handset}, {Form::headphones}, {Form::speakers},
-                                          {Form::line},    {Form::display}, {Form::spdif}};
-    static const Preference captureCall = {{Form::headset}, {Form::handset}, {Form::microphone}, {Form::line}};
+        {Form::headphones, Form::headset}, {Form::speakers}, {Form::lineLevel}, {Form::display}, {Form::spdif}};
+    static const Preference capture = {{Form::headset}, {Form::microphone}, {Form::lineLevel}};
+    static const Preference renderCall = {{Form::headset},   {Form::handset}, {Form::headphones}, {Form::speakers},
+                                          {Form::lineLevel}, {Form::display}, {Form::spdif}};
+    static const Preference captureCall = {{Form::headset}, {Form::handset}, {Form::microphone}, {Form::lineLevel}};
     if (role == eCommunications)
         return flow == eRender ? renderCall : captureCall;
     return flow == eRender ? render : capture;
@@ -134,7 +91,7 @@ const Endpoint* Machine::defaultEndpoint(EDataFlow flow, ERole role) const
         if (!isEligible(candidate, flow))
             continue;
         const GUID jack = jackOf(*this, candidate);
-        const Rank rank = {formRank(formOf(jack), preference(flow, role)), microphoneRank(jack)};
+        const Rank rank = {formRank(formFactorOf(jack), preference(flow, role)), microphoneRank(jack)};
         if (best != nullptr && !(rank < bestRank))
             continue;
         best = &candidate;

@@ -158,6 +158,7 @@ struct Machine
     std::vector<WaveDevice> waveIn;
     std::vector<ScriptEvent> script;
     std::vector<FaultRule> faults;
+    LatencyPreset latencyPreset = LatencyPreset::none; ///< for calls that no rule of `latency` names
     std::vector<LatencyRule> latency;
 
     /// The device with exactly that id; null if there is none. The pointer is valid until a list changes.

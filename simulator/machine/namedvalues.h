@@ -37,14 +37,23 @@ inline constexpr Names<NotPresentNames, 2> notPresentNamesNames = {
 
 inline constexpr Names<std::uint32_t, 3> hardwareSupportNames = {{{"volume", 1}, {"mute", 2}, {"meter", 4}}};
 
-inline constexpr Names<ScriptEvent::Kind, 8> eventNames = {{{"added", ScriptEvent::Kind::added},
-                                                            {"removed", ScriptEvent::Kind::removed},
-                                                            {"plugged", ScriptEvent::Kind::plugged},
-                                                            {"unplugged", ScriptEvent::Kind::unplugged},
-                                                            {"stateChanged", ScriptEvent::Kind::stateChanged},
-                                                            {"defaultChanged", ScriptEvent::Kind::defaultChanged},
-                                                            {"volumeChanged", ScriptEvent::Kind::volumeChanged},
-                                                            {"propertyChanged", ScriptEvent::Kind::propertyChanged}}};
+inline constexpr Names<ScriptEvent::Kind, 17> eventNames = {{{"added", ScriptEvent::Kind::added},
+                                                             {"removed", ScriptEvent::Kind::removed},
+                                                             {"plugged", ScriptEvent::Kind::plugged},
+                                                             {"unplugged", ScriptEvent::Kind::unplugged},
+                                                             {"stateChanged", ScriptEvent::Kind::stateChanged},
+                                                             {"defaultChanged", ScriptEvent::Kind::defaultChanged},
+                                                             {"volumeChanged", ScriptEvent::Kind::volumeChanged},
+                                                             {"propertyChanged", ScriptEvent::Kind::propertyChanged},
+                                                             {"plugUsb", ScriptEvent::Kind::plugUsb},
+                                                             {"unplugUsb", ScriptEvent::Kind::unplugUsb},
+                                                             {"plugJack", ScriptEvent::Kind::plugJack},
+                                                             {"unplugJack", ScriptEvent::Kind::unplugJack},
+                                                             {"wake", ScriptEvent::Kind::wake},
+                                                             {"driverUpdate", ScriptEvent::Kind::driverUpdate},
+                                                             {"serviceStop", ScriptEvent::Kind::serviceStop},
+                                                             {"serviceStart", ScriptEvent::Kind::serviceStart},
+                                                             {"remoteLogon", ScriptEvent::Kind::remoteLogon}}};
 
 inline constexpr Names<bool Device::*, 2> interfaceNames = {
     {{"IAudioClient", &Device::hasAudioClient}, {"IBaseFilter", &Device::hasBaseFilter}}};
@@ -54,6 +63,9 @@ inline constexpr Names<RemovedEndpoints, 2> removedEndpointsNames = {
 
 inline constexpr Names<CallbackThread, 2> callbackThreadNames = {
     {{"com", CallbackThread::com}, {"bare", CallbackThread::bare}}};
+
+inline constexpr Names<LatencyPreset, 2> latencyPresetNames = {
+    {{"none", LatencyPreset::none}, {"windows", LatencyPreset::windows}}};
 
 /// The tags of a property value that is a whole number: all that a property store of the simulated platform takes.
 inline constexpr Names<VARTYPE, 10> numberTagNames = {{{"VT_I2", VT_I2},

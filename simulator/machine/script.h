@@ -32,11 +32,22 @@ struct ScriptEvent
         defaultChanged,  ///< the endpoint becomes the default of its flow for `role`; OnDefaultDeviceChanged
         volumeChanged,   ///< all channels become `level`, mute becomes `muted`, if they have a value; OnNotify
         propertyChanged, ///< the property becomes `value`; OnPropertyValueChanged
+        // What happens to a computer; see the operations of Events with these names.
+        plugUsb,      ///< the USB device of the endpoint arrives
+        unplugUsb,    ///< the USB device of the endpoint goes
+        plugJack,     ///< a plug enters the endpoint's jack
+        unplugJack,   ///< the plug leaves the endpoint's jack
+        wake,         ///< the computer wakes up
+        driverUpdate, ///< the driver of the endpoint's device is replaced
+        serviceStop,  ///< the Windows audio service stops
+        serviceStart, ///< the Windows audio service starts
+        remoteLogon,  ///< a user logs on from another computer
     };
 
     std::uint32_t afterMilliseconds = 0; ///< counted from the event before, or from the start of the script
     Kind kind = Kind::plugged;
-    std::string endpoint; ///< id; with defaultChanged it may be empty: the flow has no default any more
+    std::string endpoint; ///< id; with defaultChanged it may be empty: the flow has no default any more; not used with
+                          ///< wake, serviceStop, serviceStart and remoteLogon
     std::uint32_t state = stateActive;
     EDataFlow flow = eRender; ///< defaultChanged without an endpoint
     ERole role = eConsole;
@@ -62,6 +73,8 @@ struct FaultRule
     std::uint32_t call = 0;   ///< the n-th matching call, counted from 1; 0: every call
     Outcome outcome = Outcome::result;
     HRESULT result = E_FAIL;
+    std::uint32_t forMilliseconds = 0;           ///< how long the rule holds, from `after` on; 0: to the end
+    std::optional<ScriptEvent::Kind> after = {}; ///< holds after each event of this kind; no value: from the start
 };
 
 /// How long a call of an operation takes.
@@ -69,5 +82,13 @@ struct LatencyRule
 {
     std::string operation; ///< as in FaultRule; "*": every call that no other rule names
     std::uint32_t microseconds = 0;
+    std::string argument = {}; ///< the first argument as the journal writes it; empty: any
+};
+
+/// Sets of latencies; LatencyPlan::usePreset() says what they contain.
+enum class LatencyPreset
+{
+    none,
+    windows, ///< what users have measured on Windows
 };
 }

@@ -6,6 +6,7 @@
 #include "simulator/objects/objects.h"
 #include "simulator/objects/propertyvalue.h"
 
+#include <cstdint>
 #include <cstring>
 #include <vector>
 
@@ -35,7 +36,8 @@ class PropertyStoreObject final : public ComObject<IPropertyStore>
 public:
     PropertyStoreObject(const std::shared_ptr<State>& state, std::string deviceId, DWORD access)
         : ComObject(state, std::move(deviceId)),
-          m_access(access)
+          m_access(access),
+          m_age(currentAge())
     {
     }
 
@@ -171,7 +173,21 @@ private:
         return S_OK;
     }
 
+    std::uint64_t currentAge() const
+    {
+        return state()->withHardware([&](const Hardware& hardware) { return hardware.storeAge(name()); });
+    }
+
+    /// As in other objects; but a store that was open during a remote logon or a change of driver refuses everything.
+    template<class Outputs, class Body, class... Arguments>
+    HRESULT call(const char* operation, const Outputs& outputs, const Body& body, const Arguments&... arguments)
+    {
+        const auto answer = [&]() -> HRESULT { return currentAge() == m_age ? body() : E_ACCESSDENIED; };
+        return ComObject::call(operation, outputs, answer, arguments...);
+    }
+
     const DWORD m_access;
+    const std::uint64_t m_age;
 };
 }
 

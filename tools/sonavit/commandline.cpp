@@ -81,6 +81,8 @@ Arguments argumentsOf(const CommandWords& words)
     result.machine = words.machine;
     if (words.account)
         result.account = named(sim::accountNames, *words.account, "an account: administrator or ordinary").value;
+    if (words.latency)
+        result.latency = named(sim::latencyPresetNames, *words.latency, "a latency: none or windows").value;
     result.isJson = words.isJson;
     if (words.log)
         result.log = named(logLevels, *words.log, "a log level: debug, info, warning, error, fatal or off").priority;

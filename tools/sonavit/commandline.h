@@ -39,7 +39,8 @@ struct Arguments
 {
     Verb verb = Verb::list;
     std::optional<std::string> machine;
-    std::optional<sim::Account> account; ///< for a simulated machine; none for its own
+    std::optional<sim::Account> account;       ///< for a simulated machine; none for its own
+    std::optional<sim::LatencyPreset> latency; ///< for a simulated machine; none for its own
     bool isJson = false;
     std::optional<qor::LOGGER_PRIORITY> log; ///< lowest priority to print; none to print no records
 

@@ -21,6 +21,9 @@ constexpr const char* machineHelp = "Use a simulated machine: one of broken, cro
 constexpr const char* accountHelp = "Use the simulated machine under this account:\n"
                                     "administrator or ordinary";
 
+constexpr const char* latencyHelp = "How long calls take on the simulated machine: none,\n"
+                                    "or windows (figures that users have published)";
+
 constexpr const char* logHelp = "Print the library's log records from LEVEL on to\n"
                                 "standard error: debug, info, warning, error, fatal\n"
                                 "or off (the default)";
@@ -40,8 +43,8 @@ constexpr const char* volumeForms = "\n"
                                     "  5%-, -5%, 3dB-         softer by that much\n";
 
 constexpr const char* globalOptions = "\n"
-                                      "Every command also takes --machine, --account, --json and --log;\n"
-                                      "see sonavit --help.\n";
+                                      "Every command also takes --machine, --account, --latency, --json\n"
+                                      "and --log; see sonavit --help.\n";
 
 constexpr const char* temporaryChanges = "\n"
                                          "On a simulated machine the change lasts until sonavit ends.\n";
@@ -77,7 +80,8 @@ std::size_t commandPosition(const std::vector<std::string>& words)
     while (position < words.size() && words[position].compare(0, 1, "-") == 0)
     {
         const std::string& word = words[position];
-        position += word == "--machine" || word == "--account" || word == "--log" ? 2 : 1;
+        const bool hasValue = word == "--machine" || word == "--account" || word == "--latency" || word == "--log";
+        position += hasValue ? 2 : 1;
     }
     return std::min(position, words.size());
 }
@@ -147,6 +151,7 @@ void CommandLineParser::Grammar::addGlobalOptions()
 {
     addOption(m_app, "--machine", m_words.machine, "NAME|FILE", machineHelp);
     addOption(m_app, "--account", m_words.account, "ACCOUNT", accountHelp);
+    addOption(m_app, "--latency", m_words.latency, "PRESET", latencyHelp);
     m_app.add_flag("--json", m_words.isJson, "Print JSON");
     addOption(m_app, "--log", m_words.log, "LEVEL", logHelp);
     m_app.set_version_flag("--version", "sonavit " SONAVIT_VERSION, "Print the version");
@@ -383,8 +388,9 @@ std::string CommandLineParser::Grammar::helpText() const
 void CommandLineParser::Grammar::unmarkWords()
 {
     for (std::optional<std::string>* const word :
-         {&m_words.machine, &m_words.account, &m_words.log, &m_words.endpoint, &m_words.card, &m_words.instanceId,
-          &m_words.outputFile, &m_words.level, &m_words.mute, &m_words.duration, &m_words.format, &m_words.hold})
+         {&m_words.machine, &m_words.account, &m_words.latency, &m_words.log, &m_words.endpoint, &m_words.card,
+          &m_words.instanceId, &m_words.outputFile, &m_words.level, &m_words.mute, &m_words.duration, &m_words.format,
+          &m_words.hold})
     {
         if (*word)
             **word = unmarked(**word);

@@ -15,6 +15,7 @@ struct CommandWords
     Verb verb = Verb::list;
     std::optional<std::string> machine;
     std::optional<std::string> account;
+    std::optional<std::string> latency;
     bool isJson = false;
     std::optional<std::string> log;
     std::optional<std::string> endpoint;

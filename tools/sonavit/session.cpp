@@ -41,9 +41,11 @@ Session::Session(const Environment& environment, const Arguments& arguments)
         m_name = machine->name.empty() ? *name : machine->name;
         m_description = machine->description;
         machine->account = arguments.account.value_or(machine->account);
+        machine->latencyPreset = arguments.latency.value_or(machine->latencyPreset);
     }
-    else if (arguments.account)
-        throw UsageError("--account needs a simulated machine, which --machine names");
+    else if (arguments.account || arguments.latency)
+        throw UsageError((arguments.account ? "--account" : "--latency") +
+                         std::string(" needs a simulated machine, which --machine names"));
     AudioDevice::setStoreAccess(StoreAccess::writeElseRead);
     // The shared enumerator initialises COM in the same way; another way would leave the counts of the two unbalanced.
     CoInitialize(nullptr);

@@ -19,7 +19,8 @@ namespace sonavit
 class Session
 {
 public:
-    /// Throws UsageError if the machine cannot be loaded, or if an account is chosen for the system's own Core Audio.
+    /// Throws UsageError if the machine cannot be loaded, or if an account or a latency is chosen for the system's own
+    /// Core Audio.
     Session(const Environment& environment, const Arguments& arguments);
     ~Session();
     Session(const Session&) = delete;

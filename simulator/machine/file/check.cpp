@@ -21,6 +21,7 @@ std::vector<MachineProblem> MachineCheck::run()
     requireName(accountNames, m_machine.account, "/account");
     requireName(removedEndpointsNames, m_machine.removedEndpoints, "/removedEndpoints");
     requireName(callbackThreadNames, m_machine.callbackThread, "/callbackThread");
+    requireName(latencyPresetNames, m_machine.latencyPreset, "/latencyPreset");
     devices();
     defaults();
     joins();

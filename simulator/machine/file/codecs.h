@@ -131,6 +131,7 @@ inline constexpr auto notPresentNamesCodec = nameCodec(notPresentNamesNames, "no
 inline constexpr auto hardwareSupportCodec = nameCodec(hardwareSupportNames, "hardwareSupport");
 inline constexpr auto interfaceCodec = nameCodec(interfaceNames, "interface");
 inline constexpr auto numberTagCodec = nameCodec(numberTagNames, "numberTag");
+inline constexpr auto latencyPresetCodec = nameCodec(latencyPresetNames, "latencyPreset");
 inline constexpr auto removedEndpointsCodec = nameCodec(removedEndpointsNames, "removedEndpoints");
 inline constexpr auto callbackThreadCodec = nameCodec(callbackThreadNames, "callbackThread");
 inline constexpr auto nodeTypeNameCodec = nameCodec(nodeTypeNames, "nodeTypeName");

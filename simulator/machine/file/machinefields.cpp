@@ -87,6 +87,8 @@ FieldTable<Machine> machineTable()
                   "What happens to the machine, one event after the other.")
         .optional("faults", &Machine::faults, listCodec(ObjectCodec<FaultRule>()),
                   "Calls that fail. The first rule that fires decides.")
+        .optional("latencyPreset", &Machine::latencyPreset, latencyPresetCodec,
+                  "How long calls take that no rule of latency names.")
         .optional("latency", &Machine::latency, listCodec(ObjectCodec<LatencyRule>()));
     return table;
 }

@@ -107,6 +107,7 @@ void addNamesAndNumbers(JsonValue& definitions)
     addNames(definitions, nodeTypeNameCodec);
     addNames(definitions, removedEndpointsCodec);
     addNames(definitions, callbackThreadCodec);
+    addNames(definitions, latencyPresetCodec);
     definitions.add(definition::nodeType,
                     described("Kind of a jack or node. If it is missing: the zero GUID.")
                         .add("oneOf", JsonValue::array({nodeTypeNameCodec.schema(), pattern(guidPattern)})));

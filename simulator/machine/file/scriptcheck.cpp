@@ -4,6 +4,16 @@
 
 namespace sim
 {
+namespace
+{
+/// Whether the event happens to the whole machine, not to one endpoint.
+bool isOfMachine(ScriptEvent::Kind kind)
+{
+    using Kind = ScriptEvent::Kind;
+    return kind == Kind::wake || kind == Kind::serviceStop || kind == Kind::serviceStart || kind == Kind::remoteLogon;
+}
+}
+
 void MachineCheck::script()
 {
     for (std::size_t index = 0; index < m_machine.script.size(); ++index)
@@ -14,7 +24,8 @@ void MachineCheck::event(const ScriptEvent& event, const std::string& place)
 {
     const bool isDefault = event.kind == ScriptEvent::Kind::defaultChanged;
     const Endpoint* endpoint = m_machine.endpoint(event.endpoint);
-    const bool hasEndpoint = endpoint != nullptr || (isDefault && event.endpoint.empty());
+    const bool needsNone = isOfMachine(event.kind) || (isDefault && event.endpoint.empty());
+    const bool hasEndpoint = endpoint != nullptr || needsNone;
     require(hasEndpoint, inner(place, "endpoint"), "the id of an endpoint", inQuotes(event.endpoint));
     if (isDefault)
     {
@@ -51,20 +62,24 @@ void MachineCheck::faults()
         const bool isKnown = m_deviceIds.count(rule.object) != 0 || m_partIds.count(rule.object) != 0;
         require(rule.object == "*" || isKnown, inner(place, "object"), "\"*\" or the id of a device or part",
                 inQuotes(rule.object));
+        if (rule.after)
+            require(!nameOf(eventNames, *rule.after).empty(), inner(place, "after"), oneOf(eventNames),
+                    std::to_string(static_cast<int>(*rule.after)));
     }
 }
 
 void MachineCheck::latency()
 {
-    std::set<std::string> known;
+    std::set<std::pair<std::string, std::string>> known;
     for (std::size_t index = 0; index < m_machine.latency.size(); ++index)
     {
-        const std::string& operation = m_machine.latency[index].operation;
+        const auto& [operation, microseconds, argument] = m_machine.latency[index];
         const std::string place = inner(inner("/latency", index), "operation");
         const bool isPlatforms = operation == "*" || isOperation(operation);
         require(isPlatforms, place, "\"*\" or an operation of the simulated platform",
                 inQuotes(operation) + (isPlatforms ? "" : operationSuggestion(operation)));
-        require(known.insert(operation).second, place, "each operation once", "duplicate " + inQuotes(operation));
+        require(known.insert({operation, argument}).second, place, "each operation once",
+                "duplicate " + inQuotes(operation));
     }
 }
 }

@@ -48,23 +48,39 @@ struct EventGroup
     FieldTable<ScriptEvent> form;
 };
 
-/// A group whose form contains the keys that all events have.
+/// The form of a group, with the keys that all events have.
+FieldTable<ScriptEvent> newForm(const std::string& name, const std::vector<EventKind>& events,
+                                const std::string& description = {})
+{
+    return FieldTable<ScriptEvent>(name, description)
+        .optional("afterMilliseconds", &ScriptEvent::afterMilliseconds, NumberCodec(),
+                  "Counted from the event before, or from the start of the script.")
+        .required("event", &ScriptEvent::kind, EventCodec{events});
+}
+
+/// A group whose form contains the keys that all events of endpoints have.
 template<class EndpointCodec>
 EventGroup newGroup(const std::string& name, const std::vector<EventKind>& events, const EndpointCodec& endpoint,
                     const std::string& endpointDescription = {}, const std::string& description = {})
 {
-    FieldTable<ScriptEvent> form(name, description);
-    form.optional("afterMilliseconds", &ScriptEvent::afterMilliseconds, NumberCodec(),
-                  "Counted from the event before, or from the start of the script.")
-        .required("event", &ScriptEvent::kind, EventCodec{events})
-        .required("endpoint", &ScriptEvent::endpoint, endpoint, endpointDescription);
+    FieldTable<ScriptEvent> form = newForm(name, events, description);
+    form.required("endpoint", &ScriptEvent::endpoint, endpoint, endpointDescription);
     return {events, form};
 }
 
 EventGroup endpointEvents()
 {
-    return newGroup("endpointEvent", {EventKind::added, EventKind::removed, EventKind::plugged, EventKind::unplugged},
+    return newGroup("endpointEvent",
+                    {EventKind::added, EventKind::removed, EventKind::plugged, EventKind::unplugged, EventKind::plugUsb,
+                     EventKind::unplugUsb, EventKind::plugJack, EventKind::unplugJack, EventKind::driverUpdate},
                     StringCodec());
+}
+
+EventGroup machineEvents()
+{
+    const std::vector<EventKind> events = {EventKind::wake, EventKind::serviceStop, EventKind::serviceStart,
+                                           EventKind::remoteLogon};
+    return {events, newForm("machineEvent", events)};
 }
 
 EventGroup stateEvents()
@@ -101,8 +117,8 @@ EventGroup propertyEvents()
 
 const std::vector<EventGroup>& eventGroups()
 {
-    static const std::vector<EventGroup> groups = {endpointEvents(), stateEvents(), defaultEvents(), volumeEvents(),
-                                                   propertyEvents()};
+    static const std::vector<EventGroup> groups = {endpointEvents(), stateEvents(),    defaultEvents(),
+                                                   volumeEvents(),   propertyEvents(), machineEvents()};
     return groups;
 }
 
@@ -160,6 +176,35 @@ void addOutcome(FieldTable<FaultRule>& table)
     table.add({"result", true, annotated(schema, description, {})}, read, write, isEqual);
 }
 
+/// The event after which a fault holds; "start" is the start of the simulation.
+struct AfterCodec
+{
+    std::optional<EventKind> read(const JsonCursor& cursor) const
+    {
+        if (cursor.isString() && cursor.string() == start)
+            return std::nullopt;
+        const std::optional<EventKind> event = cursor.isString() ? valueOf(eventNames, cursor.string()) : std::nullopt;
+        if (!event)
+            cursor.fail("\"start\" or the name of an event");
+        return event;
+    }
+
+    JsonValue write(const std::optional<EventKind>& event) const
+    {
+        return JsonValue::ofString(event ? nameOf(eventNames, *event) : start);
+    }
+
+    JsonValue schema() const
+    {
+        JsonValue names = JsonValue::array({JsonValue::ofString(start)});
+        for (const auto& event : eventNames)
+            names.elements.push_back(JsonValue::ofString(std::string(event.name)));
+        return JsonValue::object().add("enum", names);
+    }
+
+    const std::string start = "start";
+};
+
 FieldTable<FaultRule> faultTable()
 {
     FieldTable<FaultRule> table("faultRule");
@@ -169,7 +214,11 @@ FieldTable<FaultRule> faultTable()
         .optional("object", &FaultRule::object, StringCodec(), "Id of a device or part; *: any.")
         .optional("argument", &FaultRule::argument, StringCodec(),
                   "The first argument as the journal writes it, such as IAudioClient.")
-        .optional("call", &FaultRule::call, NumberCodec(), "The n-th matching call; 0: every call.");
+        .optional("call", &FaultRule::call, NumberCodec(), "The n-th matching call; 0: every call.")
+        .optional("forMilliseconds", &FaultRule::forMilliseconds, NumberCodec(),
+                  "How long the fault holds, from the event in after; 0: to the end.")
+        .optional("after", &FaultRule::after, AfterCodec(),
+                  "The kind of event after which the fault holds; each further one begins its time anew.");
     addOutcome(table);
     return table;
 }
@@ -207,6 +256,7 @@ const FieldTable<LatencyRule>& fieldsOf<LatencyRule>()
         FieldTable<LatencyRule>("latencyRule")
             .required("operation", &LatencyRule::operation, StringCodec(),
                       "As in faults; *: every call that no other rule names.")
+            .optional("argument", &LatencyRule::argument, StringCodec(), "As in faults.")
             .required("microseconds", &LatencyRule::microseconds, NumberCodec());
     return table;
 }

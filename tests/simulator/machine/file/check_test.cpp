@@ -1,5 +1,6 @@
 #include "simulator/machine/file/check.h"
 
+#include "simulator/machine/namedvalues.h"
 #include "tests/simulator/machine/file/machinesample.h"
 
 #include <gmock/gmock.h>
@@ -39,10 +40,12 @@ TEST(MachineCheck, FindsOptionsWithoutAName)
     {
         machine.removedEndpoints = static_cast<sim::RemovedEndpoints>(2);
         machine.callbackThread = static_cast<sim::CallbackThread>(3);
+        machine.latencyPreset = static_cast<sim::LatencyPreset>(4);
     };
 
     EXPECT_THAT(problemsAfter(change), ElementsAre("/removedEndpoints: expected \"open\" or \"unknown\", found 2",
-                                                   "/callbackThread: expected \"com\" or \"bare\", found 3"));
+                                                   "/callbackThread: expected \"com\" or \"bare\", found 3",
+                                                   "/latencyPreset: expected \"none\" or \"windows\", found 4"));
 }
 
 TEST(MachineCheck, FindsAnAccountAFlowARoleAndAKindOfConnectorWithoutAName)
@@ -64,5 +67,12 @@ TEST(MachineCheck, FindsAnAccountAFlowARoleAndAKindOfConnectorWithoutAName)
                             "found 3",
                             "/script/8/flow: expected \"render\" or \"capture\", found 2",
                             "/script/8/role: expected \"console\", \"multimedia\" or \"communications\", found 3"));
+}
+
+TEST(MachineCheck, FindsAFaultAfterAnEventWithoutAName)
+{
+    EXPECT_THAT(
+        problemsAfter([](sim::Machine& machine) { machine.faults[0].after = static_cast<sim::ScriptEvent::Kind>(99); }),
+        ElementsAre("/faults/0/after: expected " + sim::oneOf(sim::eventNames) + ", found 99"));
 }
 }

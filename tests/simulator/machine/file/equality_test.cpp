@@ -127,22 +127,22 @@ auto membersOf(sim::ScriptEvent& value)
 
 auto membersOf(sim::FaultRule& value)
 {
-    auto& [operation, object, argument, call, outcome, result] = value;
-    return std::tie(operation, object, argument, call, outcome, result);
+    auto& [operation, object, argument, call, outcome, result, forMilliseconds, after] = value;
+    return std::tie(operation, object, argument, call, outcome, result, forMilliseconds, after);
 }
 
 auto membersOf(sim::LatencyRule& value)
 {
-    auto& [operation, microseconds] = value;
-    return std::tie(operation, microseconds);
+    auto& [operation, microseconds, argument] = value;
+    return std::tie(operation, microseconds, argument);
 }
 
 auto membersOf(sim::Machine& value)
 {
     auto& [name, description, account, removed, thread, absentNames, endpoints, adapters, joins, instances, waveOut,
-           waveIn, script, faults, latency] = value;
+           waveIn, script, faults, latencyPreset, latency] = value;
     return std::tie(name, description, account, removed, thread, absentNames, endpoints, adapters, joins, instances,
-                    waveOut, waveIn, script, faults, latency);
+                    waveOut, waveIn, script, faults, latencyPreset, latency);
 }
 
 // A structured binding cannot name the members of a derived type; their number is found by initialising it.

@@ -19,7 +19,7 @@ struct Broken
 /// The keys of a machine, as an error lists them.
 const std::string machineKeys = "$schema, name, description, account, removedEndpoints, "
                                 "callbackThread, notPresentNames, endpoints, adapters, joins, "
-                                "deviceInstances, waveOut, waveIn, script, faults, latency";
+                                "deviceInstances, waveOut, waveIn, script, faults, latencyPreset, latency";
 
 std::ostream& operator<<(std::ostream& stream, const Broken& broken)
 {
@@ -97,8 +97,7 @@ const Broken notJson[] = {
      "m.json:2:23: /description: expected JSON, found syntax error while parsing value - invalid string: surrogate "
      "U+D800..U+DBFF must be followed by U+DC00..U+DFFF; last read: '\"\\ud83d\"'"},
     {"AControlCharacterInAKey", with("\"a\\u001b[31m\\n\": 1"),
-     "m.json:2: /a\\u001B[31m\\n: expected one of the keys " + machineKeys +
-         ", found the key \"a\\u001B[31m\\n\""},
+     "m.json:2: /a\\u001B[31m\\n: expected one of the keys " + machineKeys + ", found the key \"a\\u001B[31m\\n\""},
     {"DeepNesting", deepLists,
      "m.json:1: /0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0/0: expected at most 32 levels, found "
      "more"},
@@ -141,6 +140,17 @@ const Broken wrongKinds[] = {
      "m.json:2: /script/0: expected an object with the key \"event\", found an object"},
     {"AKeyOfAnotherEvent", endpointWith(R"("state": 1}], "script": [{"event": "plugged", "endpoint": "E", "level": 1)"),
      "m.json:3: /script/0/level: expected one of the keys afterMilliseconds, event, endpoint, found the key \"level\""},
+    {"AnUnknownPresetOfLatencies", with(R"("latencyPreset": "linux")"),
+     "m.json:2: /latencyPreset: expected \"none\" or \"windows\", found \"linux\""},
+    {"AnEventOfTheMachineWithAnEndpoint", endpointWith(R"("state": 1}], "script": [{"event": "wake", "endpoint": "E")"),
+     "m.json:3: /script/0/endpoint: expected one of the keys afterMilliseconds, event, found the key \"endpoint\""},
+    {"ABurstOfNoEndpoint", with(R"("script": [{"event": "plugUsb", "endpoint": "E"}])"),
+     "m.json:2: /script/0/endpoint: expected the id of an endpoint, found \"E\""},
+    {"AnUnknownEventOfAFault", with(R"("faults": [{"operation": "Release", "result": "null", "after": "dinner"}])"),
+     "m.json:2: /faults/0/after: expected \"start\" or the name of an event, found \"dinner\""},
+    {"AFaultThatHoldsForAFraction",
+     with(R"("faults": [{"operation": "Release", "result": "null", "forMilliseconds": 0.5}])"),
+     "m.json:2: /faults/0/forMilliseconds: expected a whole number from 0 to 4294967295, found 0.5"},
     {"AnUnknownResult", with(R"("faults": [{"operation": "Release", "result": "0x8000"}])"),
      "m.json:2: /faults/0/result: expected a result like \"0x80004005\", \"null\" or \"throw\", found \"0x8000\""},
 };

@@ -126,6 +126,18 @@ inline std::vector<sim::ScriptEvent> script()
     events[7].value = sim::PropertyValue::ofText("Renamed");
     events[8].endpoint = "";
     events[8].flow = eCapture;
+    for (const sim::ScriptEvent::Kind kind : {sim::ScriptEvent::Kind::plugUsb, sim::ScriptEvent::Kind::driverUpdate})
+    {
+        events.emplace_back();
+        events.back().kind = kind;
+        events.back().endpoint = microphone;
+    }
+    for (const sim::ScriptEvent::Kind kind : {sim::ScriptEvent::Kind::wake, sim::ScriptEvent::Kind::serviceStop})
+    {
+        events.emplace_back();
+        events.back().kind = kind;
+        events.back().afterMilliseconds = 7;
+    }
     return events;
 }
 
@@ -156,8 +168,11 @@ inline sim::Machine machine()
     result.script = script();
     result.faults = {{"IMMDevice::Activate", speakers, "IAudioClient", 2, sim::FaultRule::Outcome::result, E_FAIL},
                      {"IPart::GetName", codec + "/jack", "", 0, sim::FaultRule::Outcome::nullSuccess, E_FAIL},
-                     {"Release", "*", "", 1, sim::FaultRule::Outcome::thrown, E_FAIL}};
-    result.latency = {{"*", 5}, {"IMMDevice::Activate", 1200}};
+                     {"Release", "*", "", 1, sim::FaultRule::Outcome::thrown, E_FAIL},
+                     {"IMMDeviceEnumerator::GetDevice", "*", "", 0, sim::FaultRule::Outcome::result, E_NOTFOUND, 8000,
+                      sim::ScriptEvent::Kind::plugged}};
+    result.latencyPreset = sim::LatencyPreset::windows;
+    result.latency = {{"*", 5}, {"IMMDevice::Activate", 1200}, {"IMMDevice::Activate", 4000000, "IAudioClient"}};
     return result;
 }
 }

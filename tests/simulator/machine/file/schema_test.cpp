@@ -146,6 +146,7 @@ TEST_F(MachineSchema, HasTheReadersWords)
     EXPECT_EQ(namesOf(sim::nodeTypeNames), wordsOf("nodeTypeName"));
     EXPECT_EQ(namesOf(sim::removedEndpointsNames), wordsOf("removedEndpoints"));
     EXPECT_EQ(namesOf(sim::callbackThreadNames), wordsOf("callbackThread"));
+    EXPECT_EQ(namesOf(sim::latencyPresetNames), wordsOf("latencyPreset"));
     EXPECT_EQ(namesOf(sim::keyNames),
               wordsOf(definition("propertyName").member("oneOf")->elements.at(0).member("enum")));
 }
@@ -232,6 +233,12 @@ TEST_F(MachineSchema, AgreesWithTheReaderOnWhatMayStandInOnePlace)
         {endpoint(R"("volume": {"minimum": -1, "maximum": 0, "step": 0.5, "channels": [0, -1e0]})"), true},
         {R"({"name": "m", "faults": [{"operation": "IPart::GetName", "result": "0x80004005"}]})", true},
         {R"({"name": "m", "faults": [{"operation": "IPart::GetName", "result": "80004005"}]})", false},
+        {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "forMilliseconds": 8000}]})", true},
+        {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "forMilliseconds": -1}]})", false},
+        {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "after": "start"}]})", true},
+        {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "after": "unplugged"}]})", true},
+        {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "after": "dinner"}]})", false},
+        {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "after": 1}]})", false},
         {R"({"name": "m", "script":
             [{"event": "defaultChanged", "endpoint": null, "flow": "render", "role": "console"}]})",
          true},
