@@ -16,6 +16,7 @@ struct Connector;
 struct Subunit;
 struct SignalPath;
 struct Topology;
+struct HardwareControls;
 struct EndpointVolume;
 struct Endpoint;
 struct Adapter;
@@ -33,8 +34,8 @@ inline constexpr bool isOneOf = (std::is_same_v<Object, Types> || ...);
 template<class Object>
 inline constexpr bool isMachineData =
     isOneOf<Object, PropertyValue, Property, ChannelLevel, VolumeControl, MuteControl, SelectorControl, Connector,
-            Subunit, SignalPath, Topology, EndpointVolume, Endpoint, Adapter, Join, DeviceInstance, WaveDevice,
-            ScriptEvent, FaultRule, LatencyRule, Machine>;
+            Subunit, SignalPath, Topology, HardwareControls, EndpointVolume, Endpoint, Adapter, Join, DeviceInstance,
+            WaveDevice, ScriptEvent, FaultRule, LatencyRule, Machine>;
 
 template<class Object, class = std::enable_if_t<isMachineData<Object>>>
 bool operator==(const Object& left, const Object& right);

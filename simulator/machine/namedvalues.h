@@ -35,6 +35,8 @@ inline constexpr Names<ConnectorType, 6> connectorTypeNames = {{{"unknown", Unkn
 inline constexpr Names<NotPresentNames, 2> notPresentNamesNames = {
     {{"readable", NotPresentNames::readable}, {"failing", NotPresentNames::failing}}};
 
+inline constexpr Names<Taper, 2> taperNames = {{{"linear", Taper::linear}, {"audio", Taper::audio}}};
+
 inline constexpr Names<std::uint32_t, 3> hardwareSupportNames = {{{"volume", 1}, {"mute", 2}, {"meter", 4}}};
 
 inline constexpr Names<ScriptEvent::Kind, 8> eventNames = {{{"added", ScriptEvent::Kind::added},

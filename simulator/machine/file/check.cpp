@@ -22,6 +22,7 @@ std::vector<MachineProblem> MachineCheck::run()
     requireName(removedEndpointsNames, m_machine.removedEndpoints, "/removedEndpoints");
     requireName(callbackThreadNames, m_machine.callbackThread, "/callbackThread");
     devices();
+    hardwareControls();
     defaults();
     joins();
     deviceInstances();

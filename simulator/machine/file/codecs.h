@@ -128,6 +128,7 @@ inline constexpr auto stateNameCodec = nameCodec(stateNames, "stateName");
 inline constexpr auto directionCodec = nameCodec(directionNames, "direction");
 inline constexpr auto connectorTypeCodec = nameCodec(connectorTypeNames, "connectorType");
 inline constexpr auto notPresentNamesCodec = nameCodec(notPresentNamesNames, "notPresentNames");
+inline constexpr auto taperCodec = nameCodec(taperNames, "taper");
 inline constexpr auto hardwareSupportCodec = nameCodec(hardwareSupportNames, "hardwareSupport");
 inline constexpr auto interfaceCodec = nameCodec(interfaceNames, "interface");
 inline constexpr auto numberTagCodec = nameCodec(numberTagNames, "numberTag");

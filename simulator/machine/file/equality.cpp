@@ -54,6 +54,7 @@ template bool operator==(const Connector& left, const Connector& right);
 template bool operator==(const Subunit& left, const Subunit& right);
 template bool operator==(const SignalPath& left, const SignalPath& right);
 template bool operator==(const Topology& left, const Topology& right);
+template bool operator==(const HardwareControls& left, const HardwareControls& right);
 template bool operator==(const EndpointVolume& left, const EndpointVolume& right);
 template bool operator==(const Endpoint& left, const Endpoint& right);
 template bool operator==(const Adapter& left, const Adapter& right);

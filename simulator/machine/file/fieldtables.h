@@ -30,6 +30,8 @@ const FieldTable<SignalPath>& fieldsOf<SignalPath>();
 template<>
 const FieldTable<Topology>& fieldsOf<Topology>();
 template<>
+const FieldTable<HardwareControls>& fieldsOf<HardwareControls>();
+template<>
 const FieldTable<EndpointVolume>& fieldsOf<EndpointVolume>();
 template<>
 const FieldTable<Endpoint>& fieldsOf<Endpoint>();

@@ -33,6 +33,52 @@ TEST(MachineCheck, FindsBitsOfHardwareSupportWithoutAName)
                 ElementsAre("/endpoints/0/volume/hardwareSupport: expected a sum of 1, 2 and 4, found 9"));
 }
 
+TEST(MachineCheck, FindsAVolumeThatDiffersFromThePartThatImplementsIt)
+{
+    const auto change = [](sim::Machine& machine)
+    {
+        machine.endpoints[1].volume->maximum = 6.0f;
+        machine.endpoints[1].volume->channels = {-1.0f};
+        machine.endpoints[1].volume->muted = false;
+    };
+
+    EXPECT_THAT(problemsAfter(change),
+                ElementsAre("/endpoints/1/volume: expected the range of the part that implements it, found -96 to 6 by "
+                            "1.5",
+                            "/endpoints/1/volume/channels/0: expected the level of the part that implements it, found "
+                            "-1",
+                            "/endpoints/1/volume/muted: expected the mute of the part that implements it, found "
+                            "false"));
+}
+
+TEST(MachineCheck, FindsOtherChannelsThanThoseOfThePartThatImplementsThem)
+{
+    EXPECT_THAT(problemsAfter(
+                    [](sim::Machine& machine) {
+                        machine.endpoints[1].volume->channels = {-0.1f, -0.1f};
+                    }),
+                ElementsAre("/endpoints/1/volume/channels: expected the 1 channels of the part that implements them, "
+                            "found 2"));
+}
+
+TEST(MachineCheck, FindsAPartThatImplementsNoVolume)
+{
+    const std::string plug = sample::speakers + "/plug";
+    const auto change = [&](sim::Machine& machine) { machine.endpoints[1].volume->hardware = {"nothing", plug}; };
+
+    EXPECT_THAT(problemsAfter(change),
+                ElementsAre("/endpoints/1/volume/hardware/volume: expected the id of a part with a volume, found "
+                            "\"nothing\"",
+                            "/endpoints/1/volume/hardware/mute: expected the id of a part with a mute, found \"" +
+                                plug + "\""));
+}
+
+TEST(MachineCheck, TakesALevelBetweenTwoStepsOfThePart)
+{
+    EXPECT_THAT(problemsAfter([](sim::Machine& machine) { machine.endpoints[1].volume->channels = {-0.8f}; }),
+                testing::IsEmpty());
+}
+
 TEST(MachineCheck, FindsOptionsWithoutAName)
 {
     const auto change = [](sim::Machine& machine)

@@ -84,10 +84,16 @@ auto membersOf(sim::Device& value)
     return std::tie(id, openable, state, properties, topology, hasAudioClient, hasBaseFilter);
 }
 
+auto membersOf(sim::HardwareControls& value)
+{
+    auto& [volume, mute] = value;
+    return std::tie(volume, mute);
+}
+
 auto membersOf(sim::EndpointVolume& value)
 {
-    auto& [minimum, maximum, step, channels, muted, hardwareSupport, refused] = value;
-    return std::tie(minimum, maximum, step, channels, muted, hardwareSupport, refused);
+    auto& [minimum, maximum, step, channels, muted, hardwareSupport, refused, taper, hardware] = value;
+    return std::tie(minimum, maximum, step, channels, muted, hardwareSupport, refused, taper, hardware);
 }
 
 auto membersOf(sim::Endpoint& value)
@@ -203,6 +209,11 @@ void change(sim::PropertyValue& value)
     value.number += 1;
 }
 
+void change(sim::HardwareControls& value)
+{
+    value.volume += "x";
+}
+
 template<class Value>
 void change(std::optional<Value>& value)
 {
@@ -247,11 +258,11 @@ protected:
     }
 };
 
-using AllTypes =
-    testing::Types<sim::PropertyValue, sim::Property, sim::ChannelLevel, sim::VolumeControl, sim::MuteControl,
-                   sim::SelectorControl, sim::Connector, sim::Subunit, sim::SignalPath, sim::Topology,
-                   sim::EndpointVolume, sim::Endpoint, sim::Adapter, sim::Join, sim::DeviceInstance, sim::WaveDevice,
-                   sim::ScriptEvent, sim::FaultRule, sim::LatencyRule, sim::Machine>;
+using AllTypes = testing::Types<sim::PropertyValue, sim::Property, sim::ChannelLevel, sim::VolumeControl,
+                                sim::MuteControl, sim::SelectorControl, sim::Connector, sim::Subunit, sim::SignalPath,
+                                sim::Topology, sim::HardwareControls, sim::EndpointVolume, sim::Endpoint, sim::Adapter,
+                                sim::Join, sim::DeviceInstance, sim::WaveDevice, sim::ScriptEvent, sim::FaultRule,
+                                sim::LatencyRule, sim::Machine>;
 TYPED_TEST_SUITE(MachineEquality, AllTypes);
 
 TYPED_TEST(MachineEquality, ComparesEachMember)

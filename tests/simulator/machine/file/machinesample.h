@@ -101,6 +101,8 @@ inline std::vector<sim::Endpoint> endpoints()
     input.id = microphone;
     input.flow = eCapture;
     input.state = 5;
+    input.volume = sim::EndpointVolume{
+        -96.0f, 12.0f, 1.5f, {-0.1f}, true, 4, {}, sim::Taper::audio, {codec + "/jack", codec + "/jack"}};
     input.defaultFor = {eConsole};
     return {output, input};
 }
