@@ -12,6 +12,7 @@ struct ChannelLevel;
 struct VolumeControl;
 struct MuteControl;
 struct SelectorControl;
+struct Jack;
 struct Connector;
 struct Subunit;
 struct SignalPath;
@@ -33,7 +34,7 @@ inline constexpr bool isOneOf = (std::is_same_v<Object, Types> || ...);
 
 template<class Object>
 inline constexpr bool isMachineData =
-    isOneOf<Object, PropertyValue, Property, ChannelLevel, VolumeControl, MuteControl, SelectorControl, Connector,
+    isOneOf<Object, PropertyValue, Property, ChannelLevel, VolumeControl, MuteControl, SelectorControl, Jack, Connector,
             Subunit, SignalPath, Topology, HardwareControls, EndpointVolume, Endpoint, Adapter, Join, DeviceInstance,
             WaveDevice, ScriptEvent, FaultRule, LatencyRule, Machine>;
 

@@ -74,6 +74,7 @@ private:
     template<class AnyPart>
     void partList(const std::vector<AnyPart>& parts, std::set<std::uint32_t>& localIds, const PartsById& known,
                   const std::string& place);
+    void jackNames(const Jack& jack, const std::string& place);
     void part(const Part& part, const PartsById& known, const std::string& place);
     void partIds(const std::vector<std::string>& ids, const PartsById& known, const std::string& place);
     void signalPaths(const Topology& topology, const PartsById& known, const std::string& place);

@@ -85,10 +85,37 @@ TEST(MachineCheck, FindsOptionsWithoutAName)
     {
         machine.removedEndpoints = static_cast<sim::RemovedEndpoints>(2);
         machine.callbackThread = static_cast<sim::CallbackThread>(3);
+        machine.notPresentNames = static_cast<sim::NotPresentNames>(2);
+        machine.endpoints[1].volume->taper = static_cast<sim::Taper>(2);
     };
 
-    EXPECT_THAT(problemsAfter(change), ElementsAre("/removedEndpoints: expected \"open\" or \"unknown\", found 2",
-                                                   "/callbackThread: expected \"com\" or \"bare\", found 3"));
+    EXPECT_THAT(problemsAfter(change),
+                ElementsAre("/removedEndpoints: expected \"open\" or \"unknown\", found 2",
+                            "/callbackThread: expected \"com\" or \"bare\", found 3",
+                            "/notPresentNames: expected \"readable\" or \"failing\", found 2",
+                            "/endpoints/1/volume/taper: expected \"linear\" or \"audio\", found 2"));
+}
+
+TEST(MachineCheck, FindsAJackThatNoFileCanDescribe)
+{
+    const auto change = [](sim::Machine& machine)
+    {
+        sim::Jack& jack = machine.adapters[0].topology->connectors[0].jacks[0];
+        jack.connection = static_cast<EPcxConnectionType>(12);
+        jack.geometricLocation = static_cast<EPcxGeoLocation>(0);
+        jack.generalLocation = static_cast<EPcxGenLocation>(7);
+        jack.portConnection = static_cast<EPxcPortConnection>(5);
+    };
+
+    const std::vector<std::string> problems = problemsAfter(change);
+
+    ASSERT_EQ(4u, problems.size());
+    const std::string place = "/adapters/0/topology/connectors/0/jacks/0/";
+    EXPECT_THAT(problems[0], testing::StartsWith(place + "connection: expected \"unknown\", \"3.5mm jack\", "));
+    EXPECT_THAT(problems[1], testing::StartsWith(place + "geometricLocation: expected \"rear\", "));
+    EXPECT_EQ(place + "generalLocation: expected \"primary box\", \"internal\", \"separate\" or \"other\", found 7",
+              problems[2]);
+    EXPECT_THAT(problems[3], testing::StartsWith(place + "portConnection: expected \"jack\", "));
 }
 
 TEST(MachineCheck, FindsAnAccountAFlowARoleAndAKindOfConnectorWithoutAName)

@@ -44,6 +44,8 @@ inline sim::Connector jack()
     connector.outgoing = {codec + "/stream", codec + "/node"};
     connector.type = Physical_Internal;
     connector.direction = In;
+    connector.jacks = {{3, 0x00FF00, eConnType3Point5mm, eGeoLocRearPanel, eGenLocSeparate, ePortConnIntegratedDevice,
+                        true, true, false}};
     connector.volume = sim::VolumeControl{{{-96.0f, 12.0f, 1.5f, -0.1f}}};
     connector.mute = sim::MuteControl{true};
     connector.selector = sim::SelectorControl{9};
