@@ -145,24 +145,22 @@ void Events::clearDefault(EDataFlow flow, ERole role)
 
 void Events::setVolume(const std::string& endpointId, std::optional<float> level, std::optional<bool> muted)
 {
-    bool isChanged = false;
+    LevelChanges changes;
     change(
         Kind::volumeChanged, endpointId,
-        [&](Hardware&, Endpoint& endpoint)
+        [&](Hardware& hardware, Endpoint& endpoint)
         {
             if (!endpoint.volume)
                 return;
-            const EndpointVolume before = *endpoint.volume;
+            const LevelWatch watch(hardware, endpoint);
+            EndpointVolume wanted = shownVolume(hardware, endpoint);
             if (level)
-                std::fill(endpoint.volume->channels.begin(), endpoint.volume->channels.end(), *level);
-            endpoint.volume->muted = muted.value_or(before.muted);
-            isChanged = !(before == *endpoint.volume);
+                std::fill(wanted.channels.begin(), wanted.channels.end(), *level);
+            wanted.muted = muted.value_or(wanted.muted);
+            changeVolume(hardware, endpoint, wanted);
+            changes = watch.changes(hardware);
         },
-        [&]
-        {
-            if (isChanged)
-                notifyVolumeChanged(m_state, endpointId, nullptr);
-        });
+        [&] { notifyLevelsChanged(m_state, changes, nullptr); });
 }
 
 void Events::setProperty(const std::string& endpointId, const PROPERTYKEY& key, const PropertyValue& value)

@@ -12,6 +12,7 @@
 #include "platform/portable/devicetopology.h"
 #include "platform/portable/endpointvolume.h"
 #include "platform/portable/guid.h"
+#include "platform/portable/jackdescription.h"
 #include "platform/portable/ksnodetypes.h"
 #include "platform/portable/mmdevice.h"
 #include "platform/portable/multimedia.h"

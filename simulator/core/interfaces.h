@@ -53,6 +53,8 @@ struct InterfaceTraits;
     entry(IAudioVolumeLevel, IPerChannelDbLevel)  \
     entry(IAudioMute, IUnknown)                   \
     entry(IAudioInputSelector, IUnknown)          \
+    entry(IKsJackDescription, IUnknown)           \
+    entry(IKsJackDescription2, IUnknown)          \
     entry(IAudioEndpointVolume, IUnknown)         \
     entry(IAudioEndpointVolumeCallback, IUnknown) \
     entry(IAudioClient, IUnknown)                 \

@@ -1,6 +1,7 @@
 #include "simulator/core/notifications.h"
 
 #include "simulator/core/argumenttext.h"
+#include "simulator/core/interfaces.h"
 #include "simulator/core/utf16.h"
 #include "simulator/core/volumemath.h"
 
@@ -126,10 +127,11 @@ void notifyVolumeChanged(const std::shared_ptr<State>& state, const std::string&
     if (listeners->count() == 0)
         return;
     const std::optional<EndpointVolume> volume = state->withHardware(
-        [&](Hardware& hardware)
+        [&](Hardware& hardware) -> std::optional<EndpointVolume>
         {
             const Endpoint* const endpoint = hardware.endpoint(endpointId);
-            return endpoint == nullptr ? std::nullopt : endpoint->volume;
+            return endpoint == nullptr || !endpoint->volume ? std::nullopt
+                                                            : std::optional(shownVolume(hardware, *endpoint));
         });
     if (!volume)
         return;
@@ -144,6 +146,16 @@ void notifyVolumeChanged(const std::shared_ptr<State>& state, const std::string&
                                [&] { return listener.OnNotify(data.get()); });
                 });
         });
+}
+
+void notifyLevelsChanged(const std::shared_ptr<State>& state, const LevelChanges& changes, LPCGUID context)
+{
+    for (const std::string& endpointId : changes.endpoints)
+        notifyVolumeChanged(state, endpointId, context);
+    for (const std::string& partId : changes.levels)
+        notifyControlChanged(state, partId, InterfaceTraits<IAudioVolumeLevel>::name, context);
+    for (const std::string& partId : changes.mutes)
+        notifyControlChanged(state, partId, InterfaceTraits<IAudioMute>::name, context);
 }
 
 void notifyControlChanged(const std::shared_ptr<State>& state, const std::string& partId,

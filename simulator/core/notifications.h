@@ -5,6 +5,7 @@
 /// Notifier::deliverAtOnce(). The journal records every call of a client. Without a client nothing is queued.
 #pragma once
 
+#include "simulator/core/hardwarelevels.h"
 #include "simulator/core/state.h"
 
 #include <memory>
@@ -20,6 +21,8 @@ void notifyDefaultChanged(const std::shared_ptr<State>& state, EDataFlow flow, E
 void notifyPropertyChanged(const std::shared_ptr<State>& state, const std::string& deviceId, const PROPERTYKEY& key);
 /// Passes the current levels. A null @p context is passed on as the zero GUID.
 void notifyVolumeChanged(const std::shared_ptr<State>& state, const std::string& endpointId, LPCGUID context);
+/// Notifies of all of @p changes.
+void notifyLevelsChanged(const std::shared_ptr<State>& state, const LevelChanges& changes, LPCGUID context);
 /// A null @p context is passed on as null.
 void notifyControlChanged(const std::shared_ptr<State>& state, const std::string& partId,
                           const std::string& interfaceName, LPCGUID context);

@@ -5,18 +5,41 @@
 
 namespace sim
 {
+namespace
+{
+constexpr double power = 1.75;
+
+/// The amplitude at @p decibels, to the power of 1/1.75.
+double rootOfAmplitude(double decibels)
+{
+    return std::pow(10.0, decibels / 20.0 / power);
+}
+}
+
 float scalarLevel(const EndpointVolume& volume, float decibels)
 {
-    const double range = static_cast<double>(volume.maximum) - static_cast<double>(volume.minimum);
-    if (range <= 0.0)
+    const double minimum = volume.minimum;
+    const double maximum = volume.maximum;
+    if (maximum <= minimum)
         return 1.0f;
-    return static_cast<float>((static_cast<double>(decibels) - static_cast<double>(volume.minimum)) / range);
+    if (volume.taper == Taper::linear)
+        return static_cast<float>((static_cast<double>(decibels) - minimum) / (maximum - minimum));
+    const double atMinimum = rootOfAmplitude(minimum - maximum);
+    const double root = rootOfAmplitude(static_cast<double>(decibels) - maximum);
+    return static_cast<float>((root - atMinimum) / (1.0 - atMinimum));
 }
 
 float decibelLevel(const EndpointVolume& volume, float scalar)
 {
-    const double range = static_cast<double>(volume.maximum) - static_cast<double>(volume.minimum);
-    return static_cast<float>(static_cast<double>(volume.minimum) + static_cast<double>(scalar) * range);
+    const double minimum = volume.minimum;
+    const double maximum = volume.maximum;
+    const double share = scalar;
+    if (volume.taper == Taper::linear || maximum <= minimum)
+        return static_cast<float>(minimum + share * (maximum - minimum));
+    const double atMinimum = rootOfAmplitude(minimum - maximum);
+    const double root = atMinimum + share * (1.0 - atMinimum);
+    const auto decibels = static_cast<float>(maximum + 20.0 * power * std::log10(root));
+    return std::clamp(decibels, volume.minimum, volume.maximum);
 }
 
 float masterLevel(const EndpointVolume& volume)
@@ -34,14 +57,28 @@ void setMasterLevel(EndpointVolume& volume, float decibels)
 
 unsigned stepCount(const EndpointVolume& volume)
 {
-    return stepOf(volume, volume.maximum) + 1;
+    if (volume.step <= 0.0f)
+        return 1;
+    return static_cast<unsigned>(std::max(0L, std::lround((volume.maximum - volume.minimum) / volume.step))) + 1;
 }
 
 unsigned stepOf(const EndpointVolume& volume, float decibels)
 {
     if (volume.step <= 0.0f)
         return 0;
-    return static_cast<unsigned>(std::max(0L, std::lround((decibels - volume.minimum) / volume.step)));
+    const float steps = volume.taper == Taper::linear
+                            ? (decibels - volume.minimum) / volume.step
+                            : scalarLevel(volume, decibels) * static_cast<float>(stepCount(volume) - 1);
+    return static_cast<unsigned>(std::max(0L, std::lround(steps)));
+}
+
+float neighbouringStep(const EndpointVolume& volume, float decibels, int direction)
+{
+    if (volume.taper == Taper::linear)
+        return std::clamp(decibels + static_cast<float>(direction) * volume.step, volume.minimum, volume.maximum);
+    const int last = static_cast<int>(stepCount(volume)) - 1;
+    const int step = std::clamp(static_cast<int>(stepOf(volume, decibels)) + direction, 0, last);
+    return last == 0 ? decibels : decibelLevel(volume, static_cast<float>(step) / static_cast<float>(last));
 }
 
 float nearestStep(const ChannelLevel& channel, float decibels)

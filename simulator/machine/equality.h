@@ -12,10 +12,12 @@ struct ChannelLevel;
 struct VolumeControl;
 struct MuteControl;
 struct SelectorControl;
+struct Jack;
 struct Connector;
 struct Subunit;
 struct SignalPath;
 struct Topology;
+struct HardwareControls;
 struct EndpointVolume;
 struct Endpoint;
 struct Adapter;
@@ -32,9 +34,9 @@ inline constexpr bool isOneOf = (std::is_same_v<Object, Types> || ...);
 
 template<class Object>
 inline constexpr bool isMachineData =
-    isOneOf<Object, PropertyValue, Property, ChannelLevel, VolumeControl, MuteControl, SelectorControl, Connector,
-            Subunit, SignalPath, Topology, EndpointVolume, Endpoint, Adapter, Join, DeviceInstance, WaveDevice,
-            ScriptEvent, FaultRule, LatencyRule, Machine>;
+    isOneOf<Object, PropertyValue, Property, ChannelLevel, VolumeControl, MuteControl, SelectorControl, Jack, Connector,
+            Subunit, SignalPath, Topology, HardwareControls, EndpointVolume, Endpoint, Adapter, Join, DeviceInstance,
+            WaveDevice, ScriptEvent, FaultRule, LatencyRule, Machine>;
 
 template<class Object, class = std::enable_if_t<isMachineData<Object>>>
 bool operator==(const Object& left, const Object& right);

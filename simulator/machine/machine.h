@@ -32,10 +32,23 @@ struct Device
     bool hasBaseFilter = false;       ///< Activate(IBaseFilter) succeeds
 };
 
+/// How the scalar level of an endpoint volume depends on decibels; 0 at the minimum and 1 at the maximum in any case.
+enum class Taper
+{
+    linear, ///< linear in decibels
+    audio   ///< as on Windows: the amplitude is about the scalar level to the power of 1.75
+};
+
+/// The parts that implement an endpoint volume, by id; empty: none does.
+struct HardwareControls
+{
+    std::string volume; ///< its level for each channel is the endpoint's
+    std::string mute;   ///< its mute is the endpoint's
+};
+
 /// IAudioEndpointVolume: one range for all channels and a level for each, all in decibels.
 ///
-/// The master level is that of the loudest channel; setting it changes all channels by the same difference. The
-/// scalar level is linear in decibels, from 0 at the minimum to 1 at the maximum.
+/// The master level is that of the loudest channel; setting it changes all channels by the same difference.
 struct EndpointVolume
 {
     float minimum = -65.25f;
@@ -43,8 +56,11 @@ struct EndpointVolume
     float step = 0.75f;
     std::vector<float> channels = {0.0f, 0.0f};
     bool muted = false;
-    std::uint32_t hardwareSupport = 0; ///< bits of QueryHardwareSupport: 1 volume, 2 mute, 4 meter
-    std::vector<std::string> refused;  ///< names of operations that return E_NOTIMPL, such as "SetMute"
+    std::uint32_t hardwareSupport =
+        0; ///< bits of QueryHardwareSupport: 1 volume, 2 mute, 4 meter; those of @ref hardware are added
+    std::vector<std::string> refused; ///< names of operations that return E_NOTIMPL, such as "SetMute"
+    Taper taper = Taper::linear;
+    HardwareControls hardware = {};
 };
 
 /// An audio endpoint, such as the speakers or the microphone.

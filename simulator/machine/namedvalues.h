@@ -35,6 +35,49 @@ inline constexpr Names<ConnectorType, 6> connectorTypeNames = {{{"unknown", Unkn
 inline constexpr Names<NotPresentNames, 2> notPresentNamesNames = {
     {{"readable", NotPresentNames::readable}, {"failing", NotPresentNames::failing}}};
 
+inline constexpr Names<EPcxConnectionType, 12> jackConnectionNames = {
+    {{"unknown", eConnTypeUnknown},
+     {"3.5mm jack", eConnType3Point5mm},
+     {"quarter inch jack", eConnTypeQuarter},
+     {"ATAPI internal", eConnTypeAtapiInternal},
+     {"RCA", eConnTypeRCA},
+     {"optical", eConnTypeOptical},
+     {"other digital", eConnTypeOtherDigital},
+     {"other analog", eConnTypeOtherAnalog},
+     {"multichannel DIN", eConnTypeMultichannelAnalogDIN},
+     {"XLR", eConnTypeXlrProfessional},
+     {"RJ11 modem", eConnTypeRJ11Modem},
+     {"combination", eConnTypeCombination}}};
+
+/// The SDKs have no common name for the last one.
+inline constexpr Names<EPcxGeoLocation, 14> geometricLocationNames = {
+    {{"rear", eGeoLocRear},
+     {"front", eGeoLocFront},
+     {"left", eGeoLocLeft},
+     {"right", eGeoLocRight},
+     {"top", eGeoLocTop},
+     {"bottom", eGeoLocBottom},
+     {"rear panel", eGeoLocRearPanel},
+     {"riser", eGeoLocRiser},
+     {"inside mobile lid", eGeoLocInsideMobileLid},
+     {"drive bay", eGeoLocDrivebay},
+     {"HDMI", eGeoLocHDMI},
+     {"outside mobile lid", eGeoLocOutsideMobileLid},
+     {"ATAPI", eGeoLocATAPI},
+     {"not applicable", static_cast<EPcxGeoLocation>(14)}}};
+
+inline constexpr Names<EPcxGenLocation, 4> generalLocationNames = {{{"primary box", eGenLocPrimaryBox},
+                                                                    {"internal", eGenLocInternal},
+                                                                    {"separate", eGenLocSeparate},
+                                                                    {"other", eGenLocOther}}};
+
+inline constexpr Names<EPxcPortConnection, 4> portConnectionNames = {{{"jack", ePortConnJack},
+                                                                      {"integrated device", ePortConnIntegratedDevice},
+                                                                      {"both", ePortConnBothIntegratedAndJack},
+                                                                      {"unknown", ePortConnUnknown}}};
+
+inline constexpr Names<Taper, 2> taperNames = {{{"linear", Taper::linear}, {"audio", Taper::audio}}};
+
 inline constexpr Names<std::uint32_t, 3> hardwareSupportNames = {{{"volume", 1}, {"mute", 2}, {"meter", 4}}};
 
 inline constexpr Names<ScriptEvent::Kind, 17> eventNames = {{{"added", ScriptEvent::Kind::added},

@@ -53,6 +53,8 @@ const std::vector<InterfaceOperations>& interfaces()
          {"GetChannelCount", "GetLevelRange", "GetLevel", "SetLevel", "SetLevelUniform", "SetLevelAllChannels"}},
         {"IAudioMute", {"SetMute", "GetMute"}},
         {"IAudioInputSelector", {"GetSelection", "SetSelection"}},
+        {"IKsJackDescription", {"GetJackCount", "GetJackDescription"}},
+        {"IKsJackDescription2", {"GetJackCount", "GetJackDescription2"}},
         {"IAudioEndpointVolume",
          {"RegisterControlChangeNotify", "UnregisterControlChangeNotify", "GetChannelCount", "SetMasterVolumeLevel",
           "SetMasterVolumeLevelScalar", "GetMasterVolumeLevel", "GetMasterVolumeLevelScalar", "SetChannelVolumeLevel",

@@ -57,11 +57,28 @@ struct Part
     std::optional<SelectorControl> selector;
 };
 
+/// IKsJackDescription and IKsJackDescription2 of one jack.
+struct Jack
+{
+    std::uint32_t channels = 0; ///< mask of the speakers that it carries
+    std::uint32_t colour = 0;   ///< 0x00RRGGBB
+    EPcxConnectionType connection = eConnTypeUnknown;
+    EPcxGeoLocation geometricLocation = eGeoLocRear;
+    EPcxGenLocation generalLocation = eGenLocPrimaryBox;
+    EPxcPortConnection portConnection = ePortConnJack;
+    bool detectsPresence = false; ///< the hardware knows whether something is plugged in
+    bool changesFormat = false;   ///< the formats depend on what is plugged in
+    /// Whether something is plugged in. No value: as the endpoints at the connector say by their states if the hardware
+    /// detects presence, otherwise true.
+    std::optional<bool> connected;
+};
+
 /// A plug of a device: a jack, or the bridge between the topologies of two devices.
 struct Connector : Part
 {
     ConnectorType type = Physical_External;
     DataFlow direction = Out;
+    std::vector<Jack> jacks; ///< of a physical connector; empty: Activate(IKsJackDescription) fails
 };
 
 /// A node inside a device: volume, mute, selector, sum, converter.

@@ -157,12 +157,12 @@ public:
 
     HRESULT STDMETHODCALLTYPE VolumeStepUp(LPCGUID context) override
     {
-        return step("IAudioEndpointVolume::VolumeStepUp", 1.0f, context);
+        return step("IAudioEndpointVolume::VolumeStepUp", 1, context);
     }
 
     HRESULT STDMETHODCALLTYPE VolumeStepDown(LPCGUID context) override
     {
-        return step("IAudioEndpointVolume::VolumeStepDown", -1.0f, context);
+        return step("IAudioEndpointVolume::VolumeStepDown", -1, context);
     }
 
     HRESULT STDMETHODCALLTYPE QueryHardwareSupport(DWORD* mask) override
@@ -191,9 +191,9 @@ private:
 
     static bool isScalar(float level) { return level >= 0.0f && level <= 1.0f; }
 
-    /// Calls @p action under the machine's lock; E_NOTIMPL if the endpoint refuses @p operation.
+    /// Calls @p action with the hardware and the endpoint; E_NOTIMPL if the endpoint refuses @p operation.
     template<class Action>
-    HRESULT onVolume(const char* operation, const Action& action) const
+    HRESULT onEndpoint(const char* operation, const Action& action) const
     {
         return state()->withHardware(
             [&](Hardware& hardware) -> HRESULT
@@ -205,8 +205,16 @@ private:
                 const char* const bare = std::strstr(operation, "::") + 2;
                 if (std::find(refused.begin(), refused.end(), bare) != refused.end())
                     return E_NOTIMPL;
-                return action(*endpoint->volume);
+                return action(hardware, *endpoint);
             });
+    }
+
+    /// As above, with the volume as clients see it.
+    template<class Action>
+    HRESULT onVolume(const char* operation, const Action& action) const
+    {
+        return onEndpoint(operation, [&](Hardware& hardware, const Endpoint& endpoint)
+                          { return action(shownVolume(hardware, endpoint)); });
     }
 
     template<class Outputs, class Action>
@@ -246,28 +254,28 @@ private:
     {
         const auto answer = [&]
         {
-            bool isChanged = false;
-            const HRESULT result = onVolume(operation,
-                                            [&](EndpointVolume& volume)
-                                            {
-                                                const EndpointVolume before = volume;
-                                                const HRESULT outcome = set(volume);
-                                                isChanged = !(volume == before);
-                                                return outcome;
-                                            });
-            if (isChanged)
-                notifyVolumeChanged(state(), name(), context);
+            LevelChanges changes;
+            const HRESULT result = onEndpoint(operation,
+                                              [&](Hardware& hardware, Endpoint& endpoint)
+                                              {
+                                                  const LevelWatch watch(hardware, endpoint);
+                                                  EndpointVolume wanted = shownVolume(hardware, endpoint);
+                                                  const HRESULT outcome = set(wanted);
+                                                  changeVolume(hardware, endpoint, wanted);
+                                                  changes = watch.changes(hardware);
+                                                  return outcome;
+                                              });
+            notifyLevelsChanged(state(), changes, context);
             return result;
         };
         return call(operation, outputs(), answer, arguments...);
     }
 
-    HRESULT step(const char* operation, float direction, LPCGUID context)
+    HRESULT step(const char* operation, int direction, LPCGUID context)
     {
         const auto set = [&](EndpointVolume& volume)
         {
-            const float level = masterLevel(volume) + direction * volume.step;
-            setMasterLevel(volume, std::clamp(level, volume.minimum, volume.maximum));
+            setMasterLevel(volume, neighbouringStep(volume, masterLevel(volume), direction));
             return S_OK;
         };
         return change(operation, context, set, context);

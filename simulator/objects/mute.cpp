@@ -3,8 +3,6 @@
 #include "simulator/objects/lookup.h"
 #include "simulator/objects/objects.h"
 
-#include <utility>
-
 namespace sim
 {
 namespace
@@ -19,11 +17,19 @@ public:
     {
         const auto answer = [&]
         {
-            bool wasMuted = false;
-            const HRESULT result =
-                onMute([&](MuteControl& control) { wasMuted = std::exchange(control.muted, mute != FALSE); });
-            if (SUCCEEDED(result) && wasMuted != (mute != FALSE))
-                notifyControlChanged(state(), name(), InterfaceTraits<IAudioMute>::name, context);
+            LevelChanges changes;
+            const HRESULT result = state()->withHardware(
+                [&](Hardware& hardware) -> HRESULT
+                {
+                    const ChangeablePartPlace* const place = hardware.part(name());
+                    if (place == nullptr || !place->part->mute)
+                        return AUDCLNT_E_DEVICE_INVALIDATED;
+                    const LevelWatch watch(hardware, *place->part);
+                    place->part->mute->muted = mute != FALSE;
+                    changes = watch.changes(hardware);
+                    return S_OK;
+                });
+            notifyLevelsChanged(state(), changes, context);
             return result;
         };
         return call("IAudioMute::SetMute", outputs(), answer, mute, context);
@@ -31,22 +37,18 @@ public:
 
     HRESULT STDMETHODCALLTYPE GetMute(BOOL* mute) override
     {
-        return call("IAudioMute::GetMute", outputs(mute),
-                    [&] { return onMute([&](const MuteControl& control) { *mute = control.muted ? TRUE : FALSE; }); });
-    }
-
-private:
-    template<class Action>
-    HRESULT onMute(const Action& action) const
-    {
-        return onPart(*state(), name(),
-                      [&](const ChangeablePartPlace& place) -> HRESULT
-                      {
-                          if (!place.part->mute)
-                              return AUDCLNT_E_DEVICE_INVALIDATED;
-                          action(*place.part->mute);
-                          return S_OK;
-                      });
+        const auto answer = [&]
+        {
+            return onPart(*state(), name(),
+                          [&](const ChangeablePartPlace& place) -> HRESULT
+                          {
+                              if (!place.part->mute)
+                                  return AUDCLNT_E_DEVICE_INVALIDATED;
+                              *mute = place.part->mute->muted ? TRUE : FALSE;
+                              return S_OK;
+                          });
+        };
+        return call("IAudioMute::GetMute", outputs(mute), answer);
     }
 };
 }

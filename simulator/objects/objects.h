@@ -38,6 +38,8 @@ IPartsList* makePartsList(const std::shared_ptr<State>& state, std::string name,
 IAudioVolumeLevel* makeVolumeLevel(const std::shared_ptr<State>& state, std::string partId);
 IAudioMute* makeMute(const std::shared_ptr<State>& state, std::string partId);
 IAudioInputSelector* makeInputSelector(const std::shared_ptr<State>& state, std::string partId);
+IKsJackDescription* makeJackDescription(const std::shared_ptr<State>& state, std::string partId);
+IKsJackDescription2* makeJackDescription2(const std::shared_ptr<State>& state, std::string partId);
 /// Describes the control @p interfaceName of @p partId.
 IControlInterface* makeControlInterface(const std::shared_ptr<State>& state, std::string partId, IID iid,
                                         std::string interfaceName);

@@ -159,6 +159,8 @@ public:
         {
             if ((context & (CLSCTX_INPROC_SERVER | CLSCTX_INPROC_HANDLER)) == 0)
                 return E_INVALIDARG;
+            if (describesJacks(iid))
+                return activateJackDescription(iid, object);
             const HRESULT result = findControl(iid);
             if (FAILED(result))
                 return result;
@@ -210,6 +212,33 @@ protected:
     }
 
 private:
+    static bool describesJacks(REFIID iid)
+    {
+        return IsEqualGUID(iid, InterfaceTraits<IKsJackDescription>::iid()) ||
+               IsEqualGUID(iid, InterfaceTraits<IKsJackDescription2>::iid());
+    }
+
+    /// Descriptions are no controls: they are not listed, and no client can register for them.
+    HRESULT activateJackDescription(REFIID iid, void** object) const
+    {
+        const HRESULT result = onPart(*this->state(), this->name(),
+                                      [&](const ChangeablePartPlace& place)
+                                      {
+                                          const Connector* const connector = place.connector;
+                                          const bool isPhysical =
+                                              connector != nullptr && (connector->type == Physical_External ||
+                                                                       connector->type == Physical_Internal);
+                                          return isPhysical && !connector->jacks.empty() ? S_OK : E_NOINTERFACE;
+                                      });
+        if (FAILED(result))
+            return result;
+        if (IsEqualGUID(iid, InterfaceTraits<IKsJackDescription>::iid()))
+            *object = makeJackDescription(this->state(), this->name());
+        else
+            *object = makeJackDescription2(this->state(), this->name());
+        return S_OK;
+    }
+
     /// Calls @p action with the part's controls, outside the machine's lock.
     template<class Action>
     HRESULT readControls(const Action& action) const

@@ -138,17 +138,19 @@ private:
     template<class Action>
     HRESULT change(LPCGUID context, const Action& action)
     {
-        bool isChanged = false;
-        const HRESULT result = onChannels(
-            [&](Channels& channels)
+        LevelChanges changes;
+        const HRESULT result = state()->withHardware(
+            [&](Hardware& hardware) -> HRESULT
             {
-                const Channels before = channels;
-                const HRESULT outcome = action(channels);
-                isChanged = !(channels == before);
+                const ChangeablePartPlace* const place = hardware.part(name());
+                if (place == nullptr || !place->part->volume)
+                    return AUDCLNT_E_DEVICE_INVALIDATED;
+                const LevelWatch watch(hardware, *place->part);
+                const HRESULT outcome = action(place->part->volume->channels);
+                changes = watch.changes(hardware);
                 return outcome;
             });
-        if (isChanged)
-            notifyControlChanged(state(), name(), InterfaceTraits<IAudioVolumeLevel>::name, context);
+        notifyLevelsChanged(state(), changes, context);
         return result;
     }
 };

@@ -125,6 +125,33 @@ EndpointBuilder& EndpointBuilder::hardwareMute(bool muted)
     return node(std::move(mute));
 }
 
+EndpointBuilder& EndpointBuilder::volumeInHardware()
+{
+    EndpointVolume volume = endpoint().volume.value_or(EndpointVolume());
+    for (const std::string& id : m_owner->m_wirings[m_wiring].wire)
+    {
+        const ChangeablePartPlace part = m_owner->m_machine.part(id);
+        if (part->volume)
+        {
+            const ChannelLevel range = part->volume->channels.front();
+            volume.minimum = range.minimum;
+            volume.maximum = range.maximum;
+            volume.step = range.step;
+            volume.channels.clear();
+            for (const ChannelLevel& channel : part->volume->channels)
+                volume.channels.push_back(channel.level);
+            volume.hardware.volume = id;
+        }
+        if (part->mute)
+        {
+            volume.muted = part->mute->muted;
+            volume.hardware.mute = id;
+        }
+    }
+    endpoint().volume = std::move(volume);
+    return *this;
+}
+
 EndpointBuilder& EndpointBuilder::node(Subunit node)
 {
     MachineBuilder::Wiring& wiring = m_owner->m_wirings[m_wiring];

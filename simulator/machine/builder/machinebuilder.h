@@ -50,6 +50,9 @@ public:
     /// one between the node before it and the stream.
     EndpointBuilder& hardwareVolume(const ChannelLevel& channel, std::size_t channels = 2);
     EndpointBuilder& hardwareMute(bool muted = false);
+    /// The nodes that hardwareVolume() and hardwareMute() have added implement the endpoint's volume, which takes over
+    /// their range, levels and mute.
+    EndpointBuilder& volumeInHardware();
     EndpointBuilder& node(Subunit node);
 
     EndpointBuilder& jackName(OptionalString name);

@@ -22,7 +22,9 @@ std::vector<MachineProblem> MachineCheck::run()
     requireName(removedEndpointsNames, m_machine.removedEndpoints, "/removedEndpoints");
     requireName(callbackThreadNames, m_machine.callbackThread, "/callbackThread");
     requireName(latencyPresetNames, m_machine.latencyPreset, "/latencyPreset");
+    requireName(notPresentNamesNames, m_machine.notPresentNames, "/notPresentNames");
     devices();
+    hardwareControls();
     defaults();
     joins();
     deviceInstances();
@@ -81,6 +83,7 @@ void MachineCheck::propertyValue(const PropertyValue& value, const std::string& 
 void MachineCheck::endpointVolume(const EndpointVolume& volume, const std::string& place)
 {
     range(volume.minimum, volume.maximum, volume.step, place);
+    requireName(taperNames, volume.taper, inner(place, "taper"));
     channelCount(volume.channels.size(), inner(place, "channels"));
     for (std::size_t index = 0; index < volume.channels.size(); ++index)
         level(volume.channels[index], volume.minimum, volume.maximum, inner(inner(place, "channels"), index));

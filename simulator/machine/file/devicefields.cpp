@@ -116,7 +116,22 @@ const FieldTable<EndpointVolume>& fieldsOf<EndpointVolume>()
             .optional("muted", &EndpointVolume::muted, BooleanCodec())
             .optional("hardwareSupport", &EndpointVolume::hardwareSupport, HardwareSupportCodec())
             .optional("refused", &EndpointVolume::refused, listCodec(StringCodec()),
-                      "Operations that return E_NOTIMPL, such as SetMute.");
+                      "Operations that return E_NOTIMPL, such as SetMute.")
+            .optional("taper", &EndpointVolume::taper, taperCodec,
+                      "How scalar levels depend on decibels: linearly, or as on Windows.")
+            .optional("hardware", &EndpointVolume::hardware, ObjectCodec<HardwareControls>());
+    return table;
+}
+
+template<>
+const FieldTable<HardwareControls>& fieldsOf<HardwareControls>()
+{
+    static const FieldTable<HardwareControls> table =
+        FieldTable<HardwareControls>("hardwareControls",
+                                     "The parts that implement the endpoint's volume, by id, in full. Range, levels "
+                                     "and mute of the endpoint are theirs.")
+            .optional("volume", &HardwareControls::volume, StringCodec())
+            .optional("mute", &HardwareControls::mute, StringCodec());
     return table;
 }
 

@@ -22,6 +22,8 @@ const FieldTable<MuteControl>& fieldsOf<MuteControl>();
 template<>
 const FieldTable<SelectorControl>& fieldsOf<SelectorControl>();
 template<>
+const FieldTable<Jack>& fieldsOf<Jack>();
+template<>
 const FieldTable<Connector>& fieldsOf<Connector>();
 template<>
 const FieldTable<Subunit>& fieldsOf<Subunit>();
@@ -29,6 +31,8 @@ template<>
 const FieldTable<SignalPath>& fieldsOf<SignalPath>();
 template<>
 const FieldTable<Topology>& fieldsOf<Topology>();
+template<>
+const FieldTable<HardwareControls>& fieldsOf<HardwareControls>();
 template<>
 const FieldTable<EndpointVolume>& fieldsOf<EndpointVolume>();
 template<>

@@ -67,10 +67,14 @@ private:
     void properties(const Properties& properties, const std::string& place);
     void propertyValue(const PropertyValue& value, const std::string& place);
     void endpointVolume(const EndpointVolume& volume, const std::string& place);
+    void hardwareControls();
+    void hardwareVolume(const EndpointVolume& volume, const std::string& place);
+    void hardwareMute(const EndpointVolume& volume, const std::string& place);
     void topology(const Topology& topology, const std::string& place);
     template<class AnyPart>
     void partList(const std::vector<AnyPart>& parts, std::set<std::uint32_t>& localIds, const PartsById& known,
                   const std::string& place);
+    void jackNames(const Jack& jack, const std::string& place);
     void part(const Part& part, const PartsById& known, const std::string& place);
     void partIds(const std::vector<std::string>& ids, const PartsById& known, const std::string& place);
     void signalPaths(const Topology& topology, const PartsById& known, const std::string& place);

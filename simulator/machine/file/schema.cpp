@@ -101,6 +101,11 @@ void addNamesAndNumbers(JsonValue& definitions)
     addNames(definitions, directionCodec);
     addNames(definitions, connectorTypeCodec);
     addNames(definitions, notPresentNamesCodec);
+    addNames(definitions, jackConnectionCodec);
+    addNames(definitions, geometricLocationCodec);
+    addNames(definitions, generalLocationCodec);
+    addNames(definitions, portConnectionCodec);
+    addNames(definitions, taperCodec);
     addNames(definitions, hardwareSupportCodec);
     addNames(definitions, interfaceCodec);
     addNames(definitions, numberTagCodec);
@@ -157,8 +162,8 @@ std::vector<ObjectRule> objectRules()
     std::vector<ObjectRule> rules;
     append<Machine, Endpoint, Adapter>(rules);
     append(rules, propertyValueForms());
-    append<EndpointVolume, Topology, Connector, Subunit, VolumeControl, ChannelLevel, MuteControl, SelectorControl,
-           SignalPath, Join, DeviceInstance, WaveDevice>(rules);
+    append<EndpointVolume, HardwareControls, Topology, Connector, Jack, Subunit, VolumeControl, ChannelLevel,
+           MuteControl, SelectorControl, SignalPath, Join, DeviceInstance, WaveDevice>(rules);
     append(rules, eventForms());
     append<FaultRule, LatencyRule>(rules);
     return rules;

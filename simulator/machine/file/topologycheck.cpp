@@ -44,9 +44,21 @@ void MachineCheck::partList(const std::vector<AnyPart>& parts, std::set<std::uin
         require(localIds.insert(parts[index].localId).second, inner(partPlace, "localId"),
                 "a local id that is unique in the topology", "duplicate " + std::to_string(parts[index].localId));
         if constexpr (std::is_same_v<AnyPart, Connector>)
+        {
             requireName(connectorTypeNames, parts[index].type, inner(partPlace, "kind"));
+            for (std::size_t jack = 0; jack < parts[index].jacks.size(); ++jack)
+                jackNames(parts[index].jacks[jack], inner(inner(partPlace, "jacks"), jack));
+        }
         part(parts[index], known, partPlace);
     }
+}
+
+void MachineCheck::jackNames(const Jack& jack, const std::string& place)
+{
+    requireName(jackConnectionNames, jack.connection, inner(place, "connection"));
+    requireName(geometricLocationNames, jack.geometricLocation, inner(place, "geometricLocation"));
+    requireName(generalLocationNames, jack.generalLocation, inner(place, "generalLocation"));
+    requireName(portConnectionNames, jack.portConnection, inner(place, "portConnection"));
 }
 
 void MachineCheck::part(const Part& part, const PartsById& known, const std::string& place)

@@ -76,7 +76,9 @@ FieldTable<Connector> connectorTable()
     FieldTable<Connector> table("connector");
     addIdentity(table);
     table.optional("kind", &Connector::type, connectorTypeCodec)
-        .optional("direction", &Connector::direction, directionCodec);
+        .optional("direction", &Connector::direction, directionCodec)
+        .optional("jacks", &Connector::jacks, listCodec(ObjectCodec<Jack>()),
+                  "The descriptions that IKsJackDescription returns.");
     addNeighboursAndControls(table);
     return table;
 }
@@ -99,6 +101,27 @@ template<>
 const FieldTable<Connector>& fieldsOf<Connector>()
 {
     static const FieldTable<Connector> table = connectorTable();
+    return table;
+}
+
+template<>
+const FieldTable<Jack>& fieldsOf<Jack>()
+{
+    static const FieldTable<Jack> table =
+        FieldTable<Jack>("jack", "A description of a jack.")
+            .optional("channels", &Jack::channels, NumberCodec(), "Mask of the speakers that it carries.")
+            .optional("colour", &Jack::colour, NumberCodec(), "Red, green and blue: 65280 is green.")
+            .optional("connection", &Jack::connection, jackConnectionCodec)
+            .optional("geometricLocation", &Jack::geometricLocation, geometricLocationCodec)
+            .optional("generalLocation", &Jack::generalLocation, generalLocationCodec)
+            .optional("portConnection", &Jack::portConnection, portConnectionCodec)
+            .optional("detectsPresence", &Jack::detectsPresence, BooleanCodec(),
+                      "Whether the hardware knows that something is plugged in.")
+            .optional("changesFormat", &Jack::changesFormat, BooleanCodec(),
+                      "Whether the formats depend on what is plugged in.")
+            .optional("connected", &Jack::connected, optionalCodec(BooleanCodec()),
+                      "Whether something is plugged in. If it is missing: as the states of the endpoints at the "
+                      "connector say if the hardware detects presence, otherwise true.");
     return table;
 }
 

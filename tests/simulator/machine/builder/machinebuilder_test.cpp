@@ -190,6 +190,23 @@ TEST_F(EndpointBuilderNode, StandsBehindTheJackOfAnInput)
     EXPECT_EQ(1u, volume.volume->channels.size());
 }
 
+TEST_F(EndpointBuilderNode, MayImplementTheVolumeOfTheEndpoint)
+{
+    codec.speaker().hardwareVolume({-48.0f, 6.0f, 0.5f, -12.5f}, 3).hardwareMute(true).volumeInHardware();
+
+    const sim::Machine machine = bench.build();
+
+    const sim::EndpointVolume& volume = *machine.endpoints.front().volume;
+    EXPECT_EQ(-48.0f, volume.minimum);
+    EXPECT_EQ(6.0f, volume.maximum);
+    EXPECT_EQ(0.5f, volume.step);
+    EXPECT_THAT(volume.channels, ElementsAre(-12.5f, -12.5f, -12.5f));
+    EXPECT_TRUE(volume.muted);
+    EXPECT_TRUE(machine.part(volume.hardware.volume)->volume);
+    EXPECT_TRUE(machine.part(volume.hardware.mute)->mute);
+    EXPECT_THAT(sim::checkMachine(machine), IsEmpty());
+}
+
 TEST_F(EndpointBuilderState, TakesWhatThePlatformDoesNotGiveInThatState)
 {
     const sim::EndpointBuilder unplugged = codec.headphones().unplugged();

@@ -34,6 +34,52 @@ TEST(MachineCheck, FindsBitsOfHardwareSupportWithoutAName)
                 ElementsAre("/endpoints/0/volume/hardwareSupport: expected a sum of 1, 2 and 4, found 9"));
 }
 
+TEST(MachineCheck, FindsAVolumeThatDiffersFromThePartThatImplementsIt)
+{
+    const auto change = [](sim::Machine& machine)
+    {
+        machine.endpoints[1].volume->maximum = 6.0f;
+        machine.endpoints[1].volume->channels = {-1.0f};
+        machine.endpoints[1].volume->muted = false;
+    };
+
+    EXPECT_THAT(problemsAfter(change),
+                ElementsAre("/endpoints/1/volume: expected the range of the part that implements it, found -96 to 6 by "
+                            "1.5",
+                            "/endpoints/1/volume/channels/0: expected the level of the part that implements it, found "
+                            "-1",
+                            "/endpoints/1/volume/muted: expected the mute of the part that implements it, found "
+                            "false"));
+}
+
+TEST(MachineCheck, FindsOtherChannelsThanThoseOfThePartThatImplementsThem)
+{
+    EXPECT_THAT(problemsAfter(
+                    [](sim::Machine& machine) {
+                        machine.endpoints[1].volume->channels = {-0.1f, -0.1f};
+                    }),
+                ElementsAre("/endpoints/1/volume/channels: expected the 1 channels of the part that implements them, "
+                            "found 2"));
+}
+
+TEST(MachineCheck, FindsAPartThatImplementsNoVolume)
+{
+    const std::string plug = sample::speakers + "/plug";
+    const auto change = [&](sim::Machine& machine) { machine.endpoints[1].volume->hardware = {"nothing", plug}; };
+
+    EXPECT_THAT(problemsAfter(change),
+                ElementsAre("/endpoints/1/volume/hardware/volume: expected the id of a part with a volume, found "
+                            "\"nothing\"",
+                            "/endpoints/1/volume/hardware/mute: expected the id of a part with a mute, found \"" +
+                                plug + "\""));
+}
+
+TEST(MachineCheck, TakesALevelBetweenTwoStepsOfThePart)
+{
+    EXPECT_THAT(problemsAfter([](sim::Machine& machine) { machine.endpoints[1].volume->channels = {-0.8f}; }),
+                testing::IsEmpty());
+}
+
 TEST(MachineCheck, FindsOptionsWithoutAName)
 {
     const auto change = [](sim::Machine& machine)
@@ -41,11 +87,38 @@ TEST(MachineCheck, FindsOptionsWithoutAName)
         machine.removedEndpoints = static_cast<sim::RemovedEndpoints>(2);
         machine.callbackThread = static_cast<sim::CallbackThread>(3);
         machine.latencyPreset = static_cast<sim::LatencyPreset>(4);
+        machine.notPresentNames = static_cast<sim::NotPresentNames>(2);
+        machine.endpoints[1].volume->taper = static_cast<sim::Taper>(2);
     };
 
-    EXPECT_THAT(problemsAfter(change), ElementsAre("/removedEndpoints: expected \"open\" or \"unknown\", found 2",
-                                                   "/callbackThread: expected \"com\" or \"bare\", found 3",
-                                                   "/latencyPreset: expected \"none\" or \"windows\", found 4"));
+    EXPECT_THAT(problemsAfter(change),
+                ElementsAre("/removedEndpoints: expected \"open\" or \"unknown\", found 2",
+                            "/callbackThread: expected \"com\" or \"bare\", found 3",
+                            "/latencyPreset: expected \"none\" or \"windows\", found 4",
+                            "/notPresentNames: expected \"readable\" or \"failing\", found 2",
+                            "/endpoints/1/volume/taper: expected \"linear\" or \"audio\", found 2"));
+}
+
+TEST(MachineCheck, FindsAJackThatNoFileCanDescribe)
+{
+    const auto change = [](sim::Machine& machine)
+    {
+        sim::Jack& jack = machine.adapters[0].topology->connectors[0].jacks[0];
+        jack.connection = static_cast<EPcxConnectionType>(12);
+        jack.geometricLocation = static_cast<EPcxGeoLocation>(0);
+        jack.generalLocation = static_cast<EPcxGenLocation>(7);
+        jack.portConnection = static_cast<EPxcPortConnection>(5);
+    };
+
+    const std::vector<std::string> problems = problemsAfter(change);
+
+    ASSERT_EQ(4u, problems.size());
+    const std::string place = "/adapters/0/topology/connectors/0/jacks/0/";
+    EXPECT_THAT(problems[0], testing::StartsWith(place + "connection: expected \"unknown\", \"3.5mm jack\", "));
+    EXPECT_THAT(problems[1], testing::StartsWith(place + "geometricLocation: expected \"rear\", "));
+    EXPECT_EQ(place + "generalLocation: expected \"primary box\", \"internal\", \"separate\" or \"other\", found 7",
+              problems[2]);
+    EXPECT_THAT(problems[3], testing::StartsWith(place + "portConnection: expected \"jack\", "));
 }
 
 TEST(MachineCheck, FindsAnAccountAFlowARoleAndAKindOfConnectorWithoutAName)

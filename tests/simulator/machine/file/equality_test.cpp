@@ -56,9 +56,16 @@ auto membersOf(sim::Part& value)
     return std::tie(id, localId, reportsId, name, subType, incoming, outgoing, volume, mute, selector);
 }
 
+auto membersOf(sim::Jack& value)
+{
+    auto& [channels, colour, connection, geometric, general, port, detectsPresence, changesFormat, connected] = value;
+    return std::tie(channels, colour, connection, geometric, general, port, detectsPresence, changesFormat, connected);
+}
+
 auto membersOf(sim::Connector& value)
 {
-    return std::tuple_cat(membersOf(static_cast<sim::Part&>(value)), std::tie(value.type, value.direction));
+    return std::tuple_cat(membersOf(static_cast<sim::Part&>(value)),
+                          std::tie(value.type, value.direction, value.jacks));
 }
 
 auto membersOf(sim::Subunit& value)
@@ -84,10 +91,16 @@ auto membersOf(sim::Device& value)
     return std::tie(id, openable, state, properties, topology, hasAudioClient, hasBaseFilter);
 }
 
+auto membersOf(sim::HardwareControls& value)
+{
+    auto& [volume, mute] = value;
+    return std::tie(volume, mute);
+}
+
 auto membersOf(sim::EndpointVolume& value)
 {
-    auto& [minimum, maximum, step, channels, muted, hardwareSupport, refused] = value;
-    return std::tie(minimum, maximum, step, channels, muted, hardwareSupport, refused);
+    auto& [minimum, maximum, step, channels, muted, hardwareSupport, refused, taper, hardware] = value;
+    return std::tie(minimum, maximum, step, channels, muted, hardwareSupport, refused, taper, hardware);
 }
 
 auto membersOf(sim::Endpoint& value)
@@ -164,7 +177,8 @@ constexpr bool hasExactly =
     decltype(takes<Object, Members...>(0))::value && !decltype(takes<Object, Members..., Anything>(0))::value &&
     !decltype(takes<Object, Members..., std::nullopt_t>(0))::value;
 
-static_assert(hasExactly<sim::Connector, sim::Part, ConnectorType, DataFlow>, "membersOf() knows all members");
+static_assert(hasExactly<sim::Connector, sim::Part, ConnectorType, DataFlow, std::vector<sim::Jack>>,
+              "membersOf() knows all members");
 static_assert(hasExactly<sim::Subunit, sim::Part>, "membersOf() knows all members");
 static_assert(
     hasExactly<sim::Endpoint, sim::Device, EDataFlow, bool, std::optional<sim::EndpointVolume>, std::vector<ERole>>,
@@ -201,6 +215,11 @@ void change(PROPERTYKEY& value)
 void change(sim::PropertyValue& value)
 {
     value.number += 1;
+}
+
+void change(sim::HardwareControls& value)
+{
+    value.volume += "x";
 }
 
 template<class Value>
@@ -247,11 +266,11 @@ protected:
     }
 };
 
-using AllTypes =
-    testing::Types<sim::PropertyValue, sim::Property, sim::ChannelLevel, sim::VolumeControl, sim::MuteControl,
-                   sim::SelectorControl, sim::Connector, sim::Subunit, sim::SignalPath, sim::Topology,
-                   sim::EndpointVolume, sim::Endpoint, sim::Adapter, sim::Join, sim::DeviceInstance, sim::WaveDevice,
-                   sim::ScriptEvent, sim::FaultRule, sim::LatencyRule, sim::Machine>;
+using AllTypes = testing::Types<sim::PropertyValue, sim::Property, sim::ChannelLevel, sim::VolumeControl,
+                                sim::MuteControl, sim::SelectorControl, sim::Jack, sim::Connector, sim::Subunit,
+                                sim::SignalPath, sim::Topology, sim::HardwareControls, sim::EndpointVolume,
+                                sim::Endpoint, sim::Adapter, sim::Join, sim::DeviceInstance, sim::WaveDevice,
+                                sim::ScriptEvent, sim::FaultRule, sim::LatencyRule, sim::Machine>;
 TYPED_TEST_SUITE(MachineEquality, AllTypes);
 
 TYPED_TEST(MachineEquality, ComparesEachMember)

@@ -44,6 +44,8 @@ inline sim::Connector jack()
     connector.outgoing = {codec + "/stream", codec + "/node"};
     connector.type = Physical_Internal;
     connector.direction = In;
+    connector.jacks = {{3, 0x00FF00, eConnType3Point5mm, eGeoLocRearPanel, eGenLocSeparate, ePortConnIntegratedDevice,
+                        true, true, false}};
     connector.volume = sim::VolumeControl{{{-96.0f, 12.0f, 1.5f, -0.1f}}};
     connector.mute = sim::MuteControl{true};
     connector.selector = sim::SelectorControl{9};
@@ -101,6 +103,8 @@ inline std::vector<sim::Endpoint> endpoints()
     input.id = microphone;
     input.flow = eCapture;
     input.state = 5;
+    input.volume = sim::EndpointVolume{
+        -96.0f, 12.0f, 1.5f, {-0.1f}, true, 4, {}, sim::Taper::audio, {codec + "/jack", codec + "/jack"}};
     input.defaultFor = {eConsole};
     return {output, input};
 }
