@@ -14,6 +14,7 @@
 #include "simulator/latencyplan.h"
 #include "simulator/machine/machine.h"
 #include "simulator/postedmessage.h"
+#include "simulator/streams.h"
 
 #include <functional>
 #include <memory>
@@ -57,6 +58,8 @@ public:
     FaultPlan& faults();
     LatencyPlan& latency();
     Events& events();
+    /// The clock of the streams, see IAudioClient.
+    Streams& streams();
 
     /// Whether clients are called on the thread that causes a change, before the causing call returns. By default they
     /// are called on the machine's notification thread, which has initialised COM.
@@ -93,5 +96,6 @@ public:
 private:
     std::shared_ptr<State> m_state;
     Events m_events;
+    Streams m_streams;
 };
 }

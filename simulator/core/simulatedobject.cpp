@@ -95,6 +95,11 @@ void SimulatedObject::letGo()
     dropReference();
 }
 
+void SimulatedObject::takeBack()
+{
+    dropReference();
+}
+
 ULONG SimulatedObject::addReference()
 {
     return m_state->journal.recordingReferences() ? watchedAddReference() : ++m_references;

@@ -37,6 +37,8 @@ public:
     /// One more reference for a user, which no user has asked for by AddRef.
     void lend();
     /// Drops the machine's own reference.
+    /// Drops a reference that lend() added, unseen by journal and fault plan. The last one deletes the object.
+    void takeBack();
     void letGo();
 
 protected:
@@ -92,7 +94,13 @@ class ComObject : public SimulatedObject, public Interfaces...
 
 public:
     ComObject(std::shared_ptr<State> state, std::string name)
-        : SimulatedObject(std::move(state), InterfaceTraits<Identity>::name, std::move(name))
+        : ComObject(std::move(state), std::move(name), InterfaceTraits<Identity>::name)
+    {
+    }
+
+    /// With another name in the census than that of its identity.
+    ComObject(std::shared_ptr<State> state, std::string name, const char* interfaceName)
+        : SimulatedObject(std::move(state), interfaceName, std::move(name))
     {
     }
 

@@ -6,6 +6,7 @@
 #include "simulator/core/hardware.h"
 #include "simulator/core/keptobject.h"
 #include "simulator/core/notifier.h"
+#include "simulator/core/streamengine.h"
 #include "simulator/core/subscriptions.h"
 #include "simulator/faultplan.h"
 #include "simulator/journal.h"
@@ -40,6 +41,7 @@ public:
     FaultPlan faults;
     LatencyPlan latency;
     Notifier notifier;
+    StreamEngine streams;
     Subscriptions<IMMNotificationClient> clients;
     KeptObject enumerator;
     std::atomic<unsigned> comUnderflows{0};

@@ -17,6 +17,7 @@ struct Subunit;
 struct SignalPath;
 struct Topology;
 struct EndpointVolume;
+struct DevicePeriods;
 struct Endpoint;
 struct Adapter;
 struct Join;
@@ -33,8 +34,8 @@ inline constexpr bool isOneOf = (std::is_same_v<Object, Types> || ...);
 template<class Object>
 inline constexpr bool isMachineData =
     isOneOf<Object, PropertyValue, Property, ChannelLevel, VolumeControl, MuteControl, SelectorControl, Connector,
-            Subunit, SignalPath, Topology, EndpointVolume, Endpoint, Adapter, Join, DeviceInstance, WaveDevice,
-            ScriptEvent, FaultRule, LatencyRule, Machine>;
+            Subunit, SignalPath, Topology, EndpointVolume, DevicePeriods, Endpoint, Adapter, Join, DeviceInstance,
+            WaveDevice, ScriptEvent, FaultRule, LatencyRule, Machine>;
 
 template<class Object, class = std::enable_if_t<isMachineData<Object>>>
 bool operator==(const Object& left, const Object& right);

@@ -46,8 +46,12 @@ inline constexpr Names<ScriptEvent::Kind, 8> eventNames = {{{"added", ScriptEven
                                                             {"volumeChanged", ScriptEvent::Kind::volumeChanged},
                                                             {"propertyChanged", ScriptEvent::Kind::propertyChanged}}};
 
-inline constexpr Names<bool Device::*, 2> interfaceNames = {
-    {{"IAudioClient", &Device::hasAudioClient}, {"IBaseFilter", &Device::hasBaseFilter}}};
+inline constexpr Names<CaptureAccess, 2> captureAccessNames = {
+    {{"allowed", CaptureAccess::allowed}, {"denied", CaptureAccess::denied}}};
+
+inline constexpr Names<bool Device::*, 3> interfaceNames = {{{"IAudioClient", &Device::hasAudioClient},
+                                                             {"IBaseFilter", &Device::hasBaseFilter},
+                                                             {"IAudioMeterInformation", &Device::hasMeter}}};
 
 inline constexpr Names<RemovedEndpoints, 2> removedEndpointsNames = {
     {{"open", RemovedEndpoints::open}, {"unknown", RemovedEndpoints::unknown}}};

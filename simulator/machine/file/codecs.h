@@ -129,6 +129,7 @@ inline constexpr auto directionCodec = nameCodec(directionNames, "direction");
 inline constexpr auto connectorTypeCodec = nameCodec(connectorTypeNames, "connectorType");
 inline constexpr auto notPresentNamesCodec = nameCodec(notPresentNamesNames, "notPresentNames");
 inline constexpr auto hardwareSupportCodec = nameCodec(hardwareSupportNames, "hardwareSupport");
+inline constexpr auto captureAccessCodec = nameCodec(captureAccessNames, "captureAccess");
 inline constexpr auto interfaceCodec = nameCodec(interfaceNames, "interface");
 inline constexpr auto numberTagCodec = nameCodec(numberTagNames, "numberTag");
 inline constexpr auto removedEndpointsCodec = nameCodec(removedEndpointsNames, "removedEndpoints");

@@ -32,6 +32,8 @@ const FieldTable<Topology>& fieldsOf<Topology>();
 template<>
 const FieldTable<EndpointVolume>& fieldsOf<EndpointVolume>();
 template<>
+const FieldTable<DevicePeriods>& fieldsOf<DevicePeriods>();
+template<>
 const FieldTable<Endpoint>& fieldsOf<Endpoint>();
 template<>
 const FieldTable<Adapter>& fieldsOf<Adapter>();

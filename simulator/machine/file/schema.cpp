@@ -102,6 +102,7 @@ void addNamesAndNumbers(JsonValue& definitions)
     addNames(definitions, connectorTypeCodec);
     addNames(definitions, notPresentNamesCodec);
     addNames(definitions, hardwareSupportCodec);
+    addNames(definitions, captureAccessCodec);
     addNames(definitions, interfaceCodec);
     addNames(definitions, numberTagCodec);
     addNames(definitions, nodeTypeNameCodec);
@@ -156,8 +157,8 @@ std::vector<ObjectRule> objectRules()
     std::vector<ObjectRule> rules;
     append<Machine, Endpoint, Adapter>(rules);
     append(rules, propertyValueForms());
-    append<EndpointVolume, Topology, Connector, Subunit, VolumeControl, ChannelLevel, MuteControl, SelectorControl,
-           SignalPath, Join, DeviceInstance, WaveDevice>(rules);
+    append<EndpointVolume, DevicePeriods, Topology, Connector, Subunit, VolumeControl, ChannelLevel, MuteControl,
+           SelectorControl, SignalPath, Join, DeviceInstance, WaveDevice>(rules);
     append(rules, eventForms());
     append<FaultRule, LatencyRule>(rules);
     return rules;

@@ -33,16 +33,37 @@ TEST(MachineCheck, FindsBitsOfHardwareSupportWithoutAName)
                 ElementsAre("/endpoints/0/volume/hardwareSupport: expected a sum of 1, 2 and 4, found 9"));
 }
 
+TEST(MachineCheck, FindsPeriodsThatNoStreamCouldHave)
+{
+    const auto after = [](std::uint32_t usual, std::uint32_t minimum)
+    {
+        return problemsAfter(
+            [&](sim::Machine& machine) {
+                machine.endpoints[0].periods = sim::DevicePeriods{usual, minimum};
+            });
+    };
+
+    EXPECT_THAT(after(50000000, 50000000), testing::IsEmpty());
+    EXPECT_THAT(after(0, 1),
+                ElementsAre("/endpoints/0/periods/default: expected a period from 1 to 50000000, found 0",
+                            "/endpoints/0/periods/minimum: expected a period from 1 to the default, found 1"));
+    EXPECT_THAT(after(50000001, 0),
+                ElementsAre("/endpoints/0/periods/default: expected a period from 1 to 50000000, found 50000001",
+                            "/endpoints/0/periods/minimum: expected a period from 1 to the default, found 0"));
+}
+
 TEST(MachineCheck, FindsOptionsWithoutAName)
 {
     const auto change = [](sim::Machine& machine)
     {
         machine.removedEndpoints = static_cast<sim::RemovedEndpoints>(2);
         machine.callbackThread = static_cast<sim::CallbackThread>(3);
+        machine.captureAccess = static_cast<sim::CaptureAccess>(4);
     };
 
     EXPECT_THAT(problemsAfter(change), ElementsAre("/removedEndpoints: expected \"open\" or \"unknown\", found 2",
-                                                   "/callbackThread: expected \"com\" or \"bare\", found 3"));
+                                                   "/callbackThread: expected \"com\" or \"bare\", found 3",
+                                                   "/captureAccess: expected \"allowed\" or \"denied\", found 4"));
 }
 
 TEST(MachineCheck, FindsAnAccountAFlowARoleAndAKindOfConnectorWithoutAName)
