@@ -4,6 +4,7 @@
 
 #include "simulator/core/argumenttext.h"
 #include "simulator/core/interfaces.h"
+#include "simulator/core/marshaller.h"
 #include "simulator/core/state.h"
 #include "simulator/core/taskmemory.h"
 #include "simulator/core/watchedcall.h"
@@ -48,6 +49,8 @@ protected:
     /// Both return the new count. The last release deletes the object.
     ULONG addReference();
     ULONG releaseReference();
+    /// IMarshal of @p self, which is this object, without a reference; null for any other identifier.
+    void* marshal(IUnknown& self, REFIID iid);
     /// QueryInterface with journal and fault plan; @p find returns a pointer without a reference, or null.
     template<class Find>
     HRESULT query(REFIID iid, void** object, const Find& find);
@@ -75,6 +78,7 @@ private:
     const std::string m_name;
     std::atomic<ULONG> m_references{1};
     std::atomic<bool> m_isKept{false};
+    Marshaller m_marshaller;
     SimulatedObject* m_previous = nullptr;
     SimulatedObject* m_next = nullptr;
 };
@@ -122,7 +126,7 @@ private:
             return static_cast<SimulatedObject*>(this);
         void* found = nullptr;
         (void)((extends<Interfaces>(iid) && (found = static_cast<Interfaces*>(this))) || ...);
-        return found;
+        return found != nullptr ? found : marshal(*static_cast<Identity*>(this), iid);
     }
 };
 

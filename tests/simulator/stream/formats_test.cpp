@@ -2,6 +2,9 @@
 
 #include "simulator/machine/propertykeys.h"
 
+#include <cstdint>
+#include <functional>
+
 namespace
 {
 using bench::Held;

@@ -1,5 +1,7 @@
 #include "tests/simulator/stream/streamtest.h"
 
+#include <algorithm>
+
 namespace
 {
 using bench::Held;

@@ -1,5 +1,6 @@
 #include "tests/simulator/stream/streamtest.h"
 
+#include <atomic>
 #include <future>
 #include <stdexcept>
 

@@ -5,6 +5,8 @@
 #include "tests/simulator/bench.h"
 
 #include <chrono>
+#include <string>
+#include <vector>
 
 namespace bench
 {
