@@ -23,7 +23,10 @@ bool hasPart(State& state, const std::string& id, const Wanted& wanted)
 }
 }
 
-Simulation::Simulation(Machine machine) : m_state(State::create(std::move(machine))), m_events(m_state)
+Simulation::Simulation(Machine machine)
+    : m_state(State::create(std::move(machine))),
+      m_events(m_state),
+      m_streams(m_state)
 {
     pushCurrentState(m_state);
     registerOnThisThread();
@@ -33,6 +36,7 @@ Simulation::~Simulation()
 {
     removeCurrentState(m_state);
     m_state->notifier.stop();
+    m_state->streams.stop();
     revokeRegistrations(*m_state);
     m_state->enumerator.end();
 }
@@ -65,6 +69,11 @@ LatencyPlan& Simulation::latency()
 Events& Simulation::events()
 {
     return m_events;
+}
+
+Streams& Simulation::streams()
+{
+    return m_streams;
 }
 
 void Simulation::deliverAtOnce(bool on)

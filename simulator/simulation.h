@@ -14,6 +14,7 @@
 #include "simulator/latencyplan.h"
 #include "simulator/machine/machine.h"
 #include "simulator/postedmessage.h"
+#include "simulator/streams.h"
 #include "simulator/violation.h"
 
 #include <chrono>
@@ -59,6 +60,8 @@ public:
     FaultPlan& faults();
     LatencyPlan& latency();
     Events& events();
+    /// The clock of the streams, see IAudioClient.
+    Streams& streams();
 
     /// Whether clients are called on the thread that causes a change, before the causing call returns. By default they
     /// are called on the machine's notification thread; see CallbackThread.
@@ -104,5 +107,6 @@ public:
 private:
     std::shared_ptr<State> m_state;
     Events m_events;
+    Streams m_streams;
 };
 }

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "platform/portable/audioclient.h"
+#include "platform/portable/audioservices.h"
 #include "platform/portable/basefilter.h"
 #include "platform/portable/basetypes.h"
 #include "platform/portable/comruntime.h"

@@ -1,5 +1,5 @@
 /// @file
-/// The EndpointVolume family: volume and mute of an endpoint, and the callback for changes.
+/// The EndpointVolume family: volume, mute and peak meter of an endpoint, and the callback for changes.
 #pragma once
 
 #include "platform/portable/unknown.h"
@@ -50,12 +50,23 @@ struct IAudioEndpointVolume : public IUnknown
     virtual HRESULT STDMETHODCALLTYPE GetVolumeRange(FLOAT* minimum, FLOAT* maximum, FLOAT* step) = 0;
 };
 
+/// Peaks are 0 to 1.
+struct IAudioMeterInformation : public IUnknown
+{
+    virtual HRESULT STDMETHODCALLTYPE GetPeakValue(float* peak) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetMeteringChannelCount(UINT* count) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetChannelsPeakValues(UINT32 count, float* peaks) = 0;
+    virtual HRESULT STDMETHODCALLTYPE QueryHardwareSupport(DWORD* mask) = 0;
+};
+
 SONAVIT_INTERFACES_END
 
 inline const IID IID_IAudioEndpointVolumeCallback = {
     0x657804FA, 0xD6AD, 0x4496, {0x8A, 0x60, 0x35, 0x27, 0x52, 0xAF, 0x4F, 0x89}};
 inline const IID IID_IAudioEndpointVolume = {
     0x5CDF2C82, 0x841E, 0x4546, {0x97, 0x22, 0x0C, 0xF7, 0x40, 0x78, 0x22, 0x9A}};
+inline const IID IID_IAudioMeterInformation = {
+    0xC02216F6, 0x8C67, 0x4B5B, {0x9D, 0x00, 0xD0, 0x08, 0xE7, 0x3E, 0x00, 0x64}};
 
 static_assert(sizeof(AUDIO_VOLUME_NOTIFICATION_DATA) == 32, "one channel is part of the structure");
 static_assert(offsetof(AUDIO_VOLUME_NOTIFICATION_DATA, afChannelVolumes) == 28, "the channels are the last member");

@@ -1,6 +1,7 @@
 #include "simulator/core/argumenttext.h"
 
 #include "simulator/core/interfaces.h"
+#include "simulator/core/sampleformat.h"
 #include "simulator/core/utf16.h"
 #include "simulator/machine/propertykeys.h"
 #include "simulator/machine/valuetext.h"
@@ -49,6 +50,26 @@ std::string argumentText(ERole role)
 {
     static constexpr const char* names[] = {"eConsole", "eMultimedia", "eCommunications"};
     return role >= eConsole && role <= eCommunications ? names[role] : std::to_string(static_cast<int>(role));
+}
+
+std::string argumentText(AUDCLNT_SHAREMODE mode)
+{
+    if (mode == AUDCLNT_SHAREMODE_SHARED)
+        return "shared";
+    return mode == AUDCLNT_SHAREMODE_EXCLUSIVE ? "exclusive" : std::to_string(static_cast<int>(mode));
+}
+
+std::string argumentText(AUDIO_STREAM_CATEGORY category)
+{
+    return std::to_string(static_cast<int>(category));
+}
+
+std::string argumentText(const WAVEFORMATEX* format)
+{
+    if (format == nullptr)
+        return "null";
+    const std::optional<SampleFormat> samples = sampleFormat(*format);
+    return samples ? samples->text() : resultText(format->wFormatTag);
 }
 
 std::string argumentText(float number)

@@ -20,6 +20,10 @@ std::string argumentText(const std::string& text);
 std::string argumentText(const GUID* context);
 std::string argumentText(EDataFlow flow);
 std::string argumentText(ERole role);
+std::string argumentText(AUDCLNT_SHAREMODE mode);
+std::string argumentText(AUDIO_STREAM_CATEGORY category);
+/// "32f/48000/2"; the tag in hexadecimal if the samples are not linear; "null" for a null pointer.
+std::string argumentText(const WAVEFORMATEX* format);
 /// The shortest decimal form that reads back as the same number.
 std::string argumentText(float number);
 

@@ -58,6 +58,16 @@ struct InterfaceTraits;
     entry(IAudioEndpointVolume, IUnknown)         \
     entry(IAudioEndpointVolumeCallback, IUnknown) \
     entry(IAudioClient, IUnknown)                 \
+    entry(IAudioClient2, IAudioClient)            \
+    entry(IAudioClient3, IAudioClient2)           \
+    entry(IAudioRenderClient, IUnknown)           \
+    entry(IAudioCaptureClient, IUnknown)          \
+    entry(IAudioClock, IUnknown)                  \
+    entry(IAudioClock2, IUnknown)                 \
+    entry(ISimpleAudioVolume, IUnknown)           \
+    entry(IAudioStreamVolume, IUnknown)           \
+    entry(IChannelAudioVolume, IUnknown)          \
+    entry(IAudioMeterInformation, IUnknown)       \
     entry(IPersist, IUnknown)                     \
     entry(IMediaFilter, IPersist)                 \
     entry(IBaseFilter, IMediaFilter)

@@ -97,6 +97,20 @@ void SimulatedObject::letGo()
         delete this;
 }
 
+void SimulatedObject::takeBack()
+{
+    dropReference();
+}
+
+void* SimulatedObject::marshal(IUnknown& self, REFIID iid)
+{
+    bool added = false;
+    void* const found = m_marshaller.find(self, iid, added);
+    if (added)
+        --m_references;
+    return found;
+}
+
 ULONG SimulatedObject::addReference()
 {
     return m_state->journal.recordingReferences() ? watchedAddReference() : ++m_references;

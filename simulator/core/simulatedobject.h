@@ -4,6 +4,7 @@
 
 #include "simulator/core/argumenttext.h"
 #include "simulator/core/interfaces.h"
+#include "simulator/core/marshaller.h"
 #include "simulator/core/state.h"
 #include "simulator/core/taskmemory.h"
 #include "simulator/core/watchedcall.h"
@@ -39,6 +40,8 @@ public:
     /// One more reference for a user, which no user has asked for by AddRef.
     void lend();
     /// Drops the machine's own reference.
+    /// Drops a reference that lend() added, unseen by journal and fault plan. The last one deletes the object.
+    void takeBack();
     void letGo();
 
 protected:
@@ -48,6 +51,8 @@ protected:
     /// Both return the new count. The last release deletes the object.
     ULONG addReference();
     ULONG releaseReference();
+    /// IMarshal of @p self, which is this object, without a reference; null for any other identifier.
+    void* marshal(IUnknown& self, REFIID iid);
     /// QueryInterface with journal and fault plan; @p find returns a pointer without a reference, or null.
     template<class Find>
     HRESULT query(REFIID iid, void** object, const Find& find);
@@ -77,6 +82,7 @@ private:
     const std::uint64_t m_madeIn; ///< the callback in which it was made, by number; 0 outside callbacks
     std::atomic<ULONG> m_references{1};
     std::atomic<bool> m_isKept{false};
+    Marshaller m_marshaller;
     SimulatedObject* m_previous = nullptr;
     SimulatedObject* m_next = nullptr;
 };
@@ -96,7 +102,13 @@ class ComObject : public SimulatedObject, public Interfaces...
 
 public:
     ComObject(std::shared_ptr<State> state, std::string name)
-        : SimulatedObject(std::move(state), InterfaceTraits<Identity>::name, std::move(name))
+        : ComObject(std::move(state), std::move(name), InterfaceTraits<Identity>::name)
+    {
+    }
+
+    /// With another name in the census than that of its identity.
+    ComObject(std::shared_ptr<State> state, std::string name, const char* interfaceName)
+        : SimulatedObject(std::move(state), interfaceName, std::move(name))
     {
     }
 
@@ -118,7 +130,7 @@ private:
             return static_cast<SimulatedObject*>(this);
         void* found = nullptr;
         (void)((extends<Interfaces>(iid) && (found = static_cast<Interfaces*>(this))) || ...);
-        return found;
+        return found != nullptr ? found : marshal(*static_cast<Identity*>(this), iid);
     }
 };
 

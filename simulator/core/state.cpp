@@ -64,6 +64,7 @@ std::shared_ptr<State> State::create(Machine machine)
             leaveNotificationThread();
     };
     state->notifier.prepare(weak, enter, leave);
+    state->streams.prepare(weak);
     return state;
 }
 

@@ -7,6 +7,7 @@
 #include "simulator/core/hardware.h"
 #include "simulator/core/keptobject.h"
 #include "simulator/core/notifier.h"
+#include "simulator/core/streamengine.h"
 #include "simulator/core/subscriptions.h"
 #include "simulator/faultplan.h"
 #include "simulator/journal.h"
@@ -42,6 +43,7 @@ public:
     FaultPlan faults;
     LatencyPlan latency;
     Notifier notifier;
+    StreamEngine streams;
     Callbacks callbacks;
     Clients clients;
     KeptObject enumerator;

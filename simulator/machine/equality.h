@@ -19,6 +19,7 @@ struct SignalPath;
 struct Topology;
 struct HardwareControls;
 struct EndpointVolume;
+struct DevicePeriods;
 struct Endpoint;
 struct Adapter;
 struct Join;
@@ -35,8 +36,8 @@ inline constexpr bool isOneOf = (std::is_same_v<Object, Types> || ...);
 template<class Object>
 inline constexpr bool isMachineData =
     isOneOf<Object, PropertyValue, Property, ChannelLevel, VolumeControl, MuteControl, SelectorControl, Jack, Connector,
-            Subunit, SignalPath, Topology, HardwareControls, EndpointVolume, Endpoint, Adapter, Join, DeviceInstance,
-            WaveDevice, ScriptEvent, FaultRule, LatencyRule, Machine>;
+            Subunit, SignalPath, Topology, HardwareControls, EndpointVolume, DevicePeriods, Endpoint, Adapter, Join,
+            DeviceInstance, WaveDevice, ScriptEvent, FaultRule, LatencyRule, Machine>;
 
 template<class Object, class = std::enable_if_t<isMachineData<Object>>>
 bool operator==(const Object& left, const Object& right);

@@ -9,6 +9,7 @@
 
 #include "platform/coreaudio.h"
 #include "simulator/machine/equality.h"
+#include "simulator/machine/mixformat.h"
 #include "simulator/machine/property.h"
 #include "simulator/machine/script.h"
 #include "simulator/machine/topology.h"
@@ -30,6 +31,7 @@ struct Device
     std::optional<Topology> topology; ///< none: Activate(IDeviceTopology) fails
     bool hasAudioClient = false;      ///< Activate(IAudioClient) succeeds
     bool hasBaseFilter = false;       ///< Activate(IBaseFilter) succeeds
+    bool hasMeter = false;            ///< Activate(IAudioMeterInformation) succeeds
 };
 
 /// How the scalar level of an endpoint volume depends on decibels; 0 at the minimum and 1 at the maximum in any case.
@@ -63,6 +65,13 @@ struct EndpointVolume
     HardwareControls hardware = {};
 };
 
+/// The periods of an endpoint in units of 100 nanoseconds, as IAudioClient::GetDevicePeriod returns them.
+struct DevicePeriods
+{
+    std::uint32_t usual = 100000;  ///< of the shared engine; "default" in a file
+    std::uint32_t minimum = 30000; ///< of exclusive streams
+};
+
 /// An audio endpoint, such as the speakers or the microphone.
 struct Endpoint : Device
 {
@@ -70,6 +79,8 @@ struct Endpoint : Device
     bool installed = true;                ///< false: no collection contains it before an event adds it
     std::optional<EndpointVolume> volume; ///< none: Activate(IAudioEndpointVolume) fails
     std::vector<ERole> defaultFor;        ///< roles in which the user has chosen it as the default of its flow
+    std::optional<DevicePeriods> periods; ///< none: 10 ms in whole bursts of 32 frames, and 3 ms
+    std::optional<MixFormat> mixFormat;   ///< none: 32-bit floating point at the device format's rate and channels
 };
 
 /// A device on the adapter side: it has a topology, but it is not an endpoint and no collection contains it.
@@ -157,6 +168,13 @@ enum class CallbackThread
     bare, ///< it has not, as a thread of a pool may not have
 };
 
+/// The user's choice whether programs may record.
+enum class CaptureAccess
+{
+    allowed,
+    denied, ///< IAudioClient::Initialize returns E_ACCESSDENIED on capture endpoints
+};
+
 /// A whole machine.
 struct Machine
 {
@@ -166,6 +184,7 @@ struct Machine
     RemovedEndpoints removedEndpoints = RemovedEndpoints::open;
     CallbackThread callbackThread = CallbackThread::com;
     NotPresentNames notPresentNames = NotPresentNames::readable;
+    CaptureAccess captureAccess = CaptureAccess::allowed;
     std::vector<Endpoint> endpoints; ///< in the order in which the platform enumerates them
     std::vector<Adapter> adapters;
     std::vector<Join> joins;

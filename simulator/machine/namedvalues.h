@@ -98,8 +98,12 @@ inline constexpr Names<ScriptEvent::Kind, 17> eventNames = {{{"added", ScriptEve
                                                              {"serviceStart", ScriptEvent::Kind::serviceStart},
                                                              {"remoteLogon", ScriptEvent::Kind::remoteLogon}}};
 
-inline constexpr Names<bool Device::*, 2> interfaceNames = {
-    {{"IAudioClient", &Device::hasAudioClient}, {"IBaseFilter", &Device::hasBaseFilter}}};
+inline constexpr Names<CaptureAccess, 2> captureAccessNames = {
+    {{"allowed", CaptureAccess::allowed}, {"denied", CaptureAccess::denied}}};
+
+inline constexpr Names<bool Device::*, 3> interfaceNames = {{{"IAudioClient", &Device::hasAudioClient},
+                                                             {"IBaseFilter", &Device::hasBaseFilter},
+                                                             {"IAudioMeterInformation", &Device::hasMeter}}};
 
 inline constexpr Names<RemovedEndpoints, 2> removedEndpointsNames = {
     {{"open", RemovedEndpoints::open}, {"unknown", RemovedEndpoints::unknown}}};

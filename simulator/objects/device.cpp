@@ -1,6 +1,7 @@
 #include "simulator/core/simulatedobject.h"
 #include "simulator/objects/lookup.h"
 #include "simulator/objects/objects.h"
+#include "simulator/objects/stream/onendpoint.h"
 
 namespace sim
 {
@@ -11,7 +12,14 @@ bool takesNoParameters(REFIID iid)
 {
     return IsEqualGUID(iid, InterfaceTraits<IDeviceTopology>::iid()) ||
            IsEqualGUID(iid, InterfaceTraits<IAudioEndpointVolume>::iid()) ||
-           IsEqualGUID(iid, InterfaceTraits<IAudioClient>::iid());
+           IsEqualGUID(iid, InterfaceTraits<IAudioMeterInformation>::iid()) || extends<IAudioClient3>(iid);
+}
+
+/// Whether the interface belongs to the streams of the device, which need an active endpoint.
+bool offersStream(const Device& device, REFIID iid)
+{
+    return (device.hasAudioClient && extends<IAudioClient3>(iid)) ||
+           (device.hasMeter && IsEqualGUID(iid, InterfaceTraits<IAudioMeterInformation>::iid()));
 }
 
 /// IMMDevice of endpoints and adapter devices.
@@ -83,7 +91,7 @@ private:
     {
         bool hasTopology = false;
         bool hasVolume = false;
-        bool hasClient = false;
+        bool hasStream = false;
         bool hasFilter = false;
         const HRESULT result = this->state()->withHardware(
             [&](Hardware& hardware) -> HRESULT
@@ -96,7 +104,9 @@ private:
                     return AUDCLNT_E_SERVICE_NOT_RUNNING;
                 hasTopology = device->topology.has_value();
                 hasVolume = endpoint != nullptr && endpoint->volume;
-                hasClient = device->hasAudioClient;
+                hasStream = offersStream(*device, iid);
+                if (hasStream && endpoint != nullptr && !hasStreams(*endpoint))
+                    return AUDCLNT_E_DEVICE_INVALIDATED;
                 hasFilter = device->hasBaseFilter;
                 return S_OK;
             });
@@ -107,8 +117,10 @@ private:
             *object = makeTopology(this->state(), this->name());
         else if (hasVolume && IsEqualGUID(iid, InterfaceTraits<IAudioEndpointVolume>::iid()))
             *object = makeEndpointVolume(this->state(), this->name());
-        else if (hasClient && IsEqualGUID(iid, InterfaceTraits<IAudioClient>::iid()))
+        else if (hasStream && extends<IAudioClient3>(iid))
             *object = makeAudioClient(this->state(), this->name());
+        else if (hasStream)
+            *object = makeMeter(this->state(), this->name());
         else if (hasFilter && IsEqualGUID(iid, InterfaceTraits<IBaseFilter>::iid()))
             *object = makeBaseFilter(this->state(), this->name());
         return *object == nullptr ? E_NOINTERFACE : S_OK;

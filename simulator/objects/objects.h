@@ -27,6 +27,7 @@ IPropertyStore* makePropertyStore(const std::shared_ptr<State>& state, std::stri
 IDeviceTopology* makeTopology(const std::shared_ptr<State>& state, std::string deviceId);
 IAudioEndpointVolume* makeEndpointVolume(const std::shared_ptr<State>& state, std::string endpointId);
 IAudioClient* makeAudioClient(const std::shared_ptr<State>& state, std::string deviceId);
+IAudioMeterInformation* makeMeter(const std::shared_ptr<State>& state, std::string endpointId);
 IBaseFilter* makeBaseFilter(const std::shared_ptr<State>& state, std::string deviceId);
 
 /// Null if the machine has no such part, connector or subunit.

@@ -14,6 +14,7 @@ namespace sim
 namespace
 {
 constexpr std::uint32_t allHardwareSupport = 1 | 2 | 4;
+constexpr std::uint32_t longestPeriod = 50000000; // 5 s in units of 100 ns: the platform refuses longer ones
 }
 
 std::vector<MachineProblem> MachineCheck::run()
@@ -23,6 +24,7 @@ std::vector<MachineProblem> MachineCheck::run()
     requireName(callbackThreadNames, m_machine.callbackThread, "/callbackThread");
     requireName(latencyPresetNames, m_machine.latencyPreset, "/latencyPreset");
     requireName(notPresentNamesNames, m_machine.notPresentNames, "/notPresentNames");
+    requireName(captureAccessNames, m_machine.captureAccess, "/captureAccess");
     devices();
     hardwareControls();
     defaults();
@@ -44,6 +46,8 @@ void MachineCheck::devices()
         requireName(flowNames, endpoint.flow, inner(place, "flow"));
         if (endpoint.volume)
             endpointVolume(*endpoint.volume, inner(place, "volume"));
+        if (endpoint.periods)
+            periods(*endpoint.periods, inner(place, "periods"));
     }
     for (std::size_t index = 0; index < m_machine.adapters.size(); ++index)
         device(m_machine.adapters[index], inner("/adapters", index));
@@ -78,6 +82,14 @@ void MachineCheck::propertyValue(const PropertyValue& value, const std::string& 
             "the tag " + std::to_string(value.tag));
     require(value.tag == VT_UI8 || value.number <= UINT32_MAX, place, "a number of 32 bits, or the tag VT_UI8",
             std::to_string(value.number));
+}
+
+void MachineCheck::periods(const DevicePeriods& periods, const std::string& place)
+{
+    require(periods.usual > 0 && periods.usual <= longestPeriod, inner(place, "default"),
+            "a period from 1 to " + std::to_string(longestPeriod), std::to_string(periods.usual));
+    require(periods.minimum > 0 && periods.minimum <= periods.usual, inner(place, "minimum"),
+            "a period from 1 to the default", std::to_string(periods.minimum));
 }
 
 void MachineCheck::endpointVolume(const EndpointVolume& volume, const std::string& place)

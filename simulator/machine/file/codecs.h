@@ -134,6 +134,7 @@ inline constexpr auto generalLocationCodec = nameCodec(generalLocationNames, "ge
 inline constexpr auto portConnectionCodec = nameCodec(portConnectionNames, "portConnection");
 inline constexpr auto taperCodec = nameCodec(taperNames, "taper");
 inline constexpr auto hardwareSupportCodec = nameCodec(hardwareSupportNames, "hardwareSupport");
+inline constexpr auto captureAccessCodec = nameCodec(captureAccessNames, "captureAccess");
 inline constexpr auto interfaceCodec = nameCodec(interfaceNames, "interface");
 inline constexpr auto numberTagCodec = nameCodec(numberTagNames, "numberTag");
 inline constexpr auto latencyPresetCodec = nameCodec(latencyPresetNames, "latencyPreset");

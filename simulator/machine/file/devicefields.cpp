@@ -8,6 +8,27 @@ namespace sim
 {
 namespace
 {
+/// A mix format, written as MixFormat::text().
+struct MixFormatCodec
+{
+    MixFormat read(const JsonCursor& cursor) const
+    {
+        const std::optional<MixFormat> format = cursor.isString() ? MixFormat::fromText(cursor.string()) : std::nullopt;
+        if (!format)
+            cursor.fail("a format such as \"32f/48000/2\" or \"16/48000/2\"");
+        return *format;
+    }
+
+    JsonValue write(const MixFormat& format) const { return JsonValue::ofString(format.text()); }
+
+    JsonValue schema() const
+    {
+        return JsonValue::object()
+            .add("type", JsonValue::ofString("string"))
+            .add("pattern", JsonValue::ofString(MixFormat::pattern()));
+    }
+};
+
 template<class AnyDevice>
 void addState(FieldTable<AnyDevice>& table)
 {
@@ -98,7 +119,11 @@ FieldTable<Endpoint> endpointTable()
     addState(table);
     addInterfaces(table);
     table.optional("properties", &Device::properties, PropertiesCodec())
-        .optional("volume", &Endpoint::volume, optionalCodec(ObjectCodec<EndpointVolume>()));
+        .optional("volume", &Endpoint::volume, optionalCodec(ObjectCodec<EndpointVolume>()))
+        .optional("periods", &Endpoint::periods, optionalCodec(ObjectCodec<DevicePeriods>()))
+        .optional("mixFormat", &Endpoint::mixFormat, optionalCodec(MixFormatCodec()),
+                  "The format of the shared engine: bits/rate/channels, with 32f for floating point. If it is missing: "
+                  "32f at the rate and with the channels of the device format.");
     addTopology(table);
     return table;
 }
@@ -132,6 +157,18 @@ const FieldTable<HardwareControls>& fieldsOf<HardwareControls>()
                                      "and mute of the endpoint are theirs.")
             .optional("volume", &HardwareControls::volume, StringCodec())
             .optional("mute", &HardwareControls::mute, StringCodec());
+    return table;
+}
+
+template<>
+const FieldTable<DevicePeriods>& fieldsOf<DevicePeriods>()
+{
+    static const FieldTable<DevicePeriods> table =
+        FieldTable<DevicePeriods>("periods",
+                                  "Periods of an endpoint's streams in units of 100 nanoseconds. If they are "
+                                  "missing: 10 ms rounded up to 32 frames, and 3 ms.")
+            .required("default", &DevicePeriods::usual, NumberCodec(), "Of the shared engine.")
+            .required("minimum", &DevicePeriods::minimum, NumberCodec(), "Of exclusive streams.");
     return table;
 }
 

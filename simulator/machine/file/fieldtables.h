@@ -36,6 +36,8 @@ const FieldTable<HardwareControls>& fieldsOf<HardwareControls>();
 template<>
 const FieldTable<EndpointVolume>& fieldsOf<EndpointVolume>();
 template<>
+const FieldTable<DevicePeriods>& fieldsOf<DevicePeriods>();
+template<>
 const FieldTable<Endpoint>& fieldsOf<Endpoint>();
 template<>
 const FieldTable<Adapter>& fieldsOf<Adapter>();

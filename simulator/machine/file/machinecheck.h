@@ -66,6 +66,7 @@ private:
     void device(const Device& device, const std::string& place);
     void properties(const Properties& properties, const std::string& place);
     void propertyValue(const PropertyValue& value, const std::string& place);
+    void periods(const DevicePeriods& periods, const std::string& place);
     void endpointVolume(const EndpointVolume& volume, const std::string& place);
     void hardwareControls();
     void hardwareVolume(const EndpointVolume& volume, const std::string& place);

@@ -107,6 +107,7 @@ void addNamesAndNumbers(JsonValue& definitions)
     addNames(definitions, portConnectionCodec);
     addNames(definitions, taperCodec);
     addNames(definitions, hardwareSupportCodec);
+    addNames(definitions, captureAccessCodec);
     addNames(definitions, interfaceCodec);
     addNames(definitions, numberTagCodec);
     addNames(definitions, nodeTypeNameCodec);
@@ -162,8 +163,8 @@ std::vector<ObjectRule> objectRules()
     std::vector<ObjectRule> rules;
     append<Machine, Endpoint, Adapter>(rules);
     append(rules, propertyValueForms());
-    append<EndpointVolume, HardwareControls, Topology, Connector, Jack, Subunit, VolumeControl, ChannelLevel,
-           MuteControl, SelectorControl, SignalPath, Join, DeviceInstance, WaveDevice>(rules);
+    append<EndpointVolume, HardwareControls, DevicePeriods, Topology, Connector, Jack, Subunit, VolumeControl,
+           ChannelLevel, MuteControl, SelectorControl, SignalPath, Join, DeviceInstance, WaveDevice>(rules);
     append(rules, eventForms());
     append<FaultRule, LatencyRule>(rules);
     return rules;

@@ -80,6 +80,25 @@ TEST(MachineCheck, TakesALevelBetweenTwoStepsOfThePart)
                 testing::IsEmpty());
 }
 
+TEST(MachineCheck, FindsPeriodsThatNoStreamCouldHave)
+{
+    const auto after = [](std::uint32_t usual, std::uint32_t minimum)
+    {
+        return problemsAfter(
+            [&](sim::Machine& machine) {
+                machine.endpoints[0].periods = sim::DevicePeriods{usual, minimum};
+            });
+    };
+
+    EXPECT_THAT(after(50000000, 50000000), testing::IsEmpty());
+    EXPECT_THAT(after(0, 1),
+                ElementsAre("/endpoints/0/periods/default: expected a period from 1 to 50000000, found 0",
+                            "/endpoints/0/periods/minimum: expected a period from 1 to the default, found 1"));
+    EXPECT_THAT(after(50000001, 0),
+                ElementsAre("/endpoints/0/periods/default: expected a period from 1 to 50000000, found 50000001",
+                            "/endpoints/0/periods/minimum: expected a period from 1 to the default, found 0"));
+}
+
 TEST(MachineCheck, FindsOptionsWithoutAName)
 {
     const auto change = [](sim::Machine& machine)
@@ -87,6 +106,7 @@ TEST(MachineCheck, FindsOptionsWithoutAName)
         machine.removedEndpoints = static_cast<sim::RemovedEndpoints>(2);
         machine.callbackThread = static_cast<sim::CallbackThread>(3);
         machine.latencyPreset = static_cast<sim::LatencyPreset>(4);
+        machine.captureAccess = static_cast<sim::CaptureAccess>(4);
         machine.notPresentNames = static_cast<sim::NotPresentNames>(2);
         machine.endpoints[1].volume->taper = static_cast<sim::Taper>(2);
     };
@@ -96,6 +116,7 @@ TEST(MachineCheck, FindsOptionsWithoutAName)
                             "/callbackThread: expected \"com\" or \"bare\", found 3",
                             "/latencyPreset: expected \"none\" or \"windows\", found 4",
                             "/notPresentNames: expected \"readable\" or \"failing\", found 2",
+                            "/captureAccess: expected \"allowed\" or \"denied\", found 4",
                             "/endpoints/1/volume/taper: expected \"linear\" or \"audio\", found 2"));
 }
 

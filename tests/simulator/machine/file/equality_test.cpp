@@ -87,8 +87,8 @@ auto membersOf(sim::Topology& value)
 
 auto membersOf(sim::Device& value)
 {
-    auto& [id, openable, state, properties, topology, hasAudioClient, hasBaseFilter] = value;
-    return std::tie(id, openable, state, properties, topology, hasAudioClient, hasBaseFilter);
+    auto& [id, openable, state, properties, topology, hasAudioClient, hasBaseFilter, hasMeter] = value;
+    return std::tie(id, openable, state, properties, topology, hasAudioClient, hasBaseFilter, hasMeter);
 }
 
 auto membersOf(sim::HardwareControls& value)
@@ -103,10 +103,17 @@ auto membersOf(sim::EndpointVolume& value)
     return std::tie(minimum, maximum, step, channels, muted, hardwareSupport, refused, taper, hardware);
 }
 
+auto membersOf(sim::DevicePeriods& value)
+{
+    auto& [usual, minimum] = value;
+    return std::tie(usual, minimum);
+}
+
 auto membersOf(sim::Endpoint& value)
 {
-    return std::tuple_cat(membersOf(static_cast<sim::Device&>(value)),
-                          std::tie(value.flow, value.installed, value.volume, value.defaultFor));
+    return std::tuple_cat(
+        membersOf(static_cast<sim::Device&>(value)),
+        std::tie(value.flow, value.installed, value.volume, value.defaultFor, value.periods, value.mixFormat));
 }
 
 auto membersOf(sim::Adapter& value)
@@ -152,10 +159,10 @@ auto membersOf(sim::LatencyRule& value)
 
 auto membersOf(sim::Machine& value)
 {
-    auto& [name, description, account, removed, thread, absentNames, endpoints, adapters, joins, instances, waveOut,
-           waveIn, script, faults, latencyPreset, latency] = value;
-    return std::tie(name, description, account, removed, thread, absentNames, endpoints, adapters, joins, instances,
-                    waveOut, waveIn, script, faults, latencyPreset, latency);
+    auto& [name, description, account, removed, thread, absentNames, captureAccess, endpoints, adapters, joins,
+           instances, waveOut, waveIn, script, faults, latencyPreset, latency] = value;
+    return std::tie(name, description, account, removed, thread, absentNames, captureAccess, endpoints, adapters, joins,
+                    instances, waveOut, waveIn, script, faults, latencyPreset, latency);
 }
 
 // A structured binding cannot name the members of a derived type; their number is found by initialising it.
@@ -180,9 +187,9 @@ constexpr bool hasExactly =
 static_assert(hasExactly<sim::Connector, sim::Part, ConnectorType, DataFlow, std::vector<sim::Jack>>,
               "membersOf() knows all members");
 static_assert(hasExactly<sim::Subunit, sim::Part>, "membersOf() knows all members");
-static_assert(
-    hasExactly<sim::Endpoint, sim::Device, EDataFlow, bool, std::optional<sim::EndpointVolume>, std::vector<ERole>>,
-    "membersOf() knows all members");
+static_assert(hasExactly<sim::Endpoint, sim::Device, EDataFlow, bool, std::optional<sim::EndpointVolume>,
+                         std::vector<ERole>, std::optional<sim::DevicePeriods>, std::optional<sim::MixFormat>>,
+              "membersOf() knows all members");
 static_assert(hasExactly<sim::Adapter, sim::Device>, "membersOf() knows all members");
 
 // Any change of a value.
@@ -269,8 +276,8 @@ protected:
 using AllTypes = testing::Types<sim::PropertyValue, sim::Property, sim::ChannelLevel, sim::VolumeControl,
                                 sim::MuteControl, sim::SelectorControl, sim::Jack, sim::Connector, sim::Subunit,
                                 sim::SignalPath, sim::Topology, sim::HardwareControls, sim::EndpointVolume,
-                                sim::Endpoint, sim::Adapter, sim::Join, sim::DeviceInstance, sim::WaveDevice,
-                                sim::ScriptEvent, sim::FaultRule, sim::LatencyRule, sim::Machine>;
+                                sim::DevicePeriods, sim::Endpoint, sim::Adapter, sim::Join, sim::DeviceInstance,
+                                sim::WaveDevice, sim::ScriptEvent, sim::FaultRule, sim::LatencyRule, sim::Machine>;
 TYPED_TEST_SUITE(MachineEquality, AllTypes);
 
 TYPED_TEST(MachineEquality, ComparesEachMember)

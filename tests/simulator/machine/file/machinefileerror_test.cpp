@@ -18,7 +18,7 @@ struct Broken
 
 /// The keys of a machine, as an error lists them.
 const std::string machineKeys = "$schema, name, description, account, removedEndpoints, "
-                                "callbackThread, notPresentNames, endpoints, adapters, joins, "
+                                "callbackThread, notPresentNames, captureAccess, endpoints, adapters, joins, "
                                 "deviceInstances, waveOut, waveIn, script, faults, latencyPreset, latency";
 
 std::ostream& operator<<(std::ostream& stream, const Broken& broken)
@@ -126,7 +126,8 @@ const Broken wrongKinds[] = {
     {"ATextAsTruth", endpointWith(R"("openable": "no")"),
      "m.json:3: /endpoints/0/openable: expected true or false, found \"no\""},
     {"AnUnknownInterface", endpointWith(R"("interfaces": ["IAudioClient", "IFoo"])"),
-     "m.json:3: /endpoints/0/interfaces/1: expected \"IAudioClient\" or \"IBaseFilter\", found \"IFoo\""},
+     "m.json:3: /endpoints/0/interfaces/1: expected \"IAudioClient\", \"IBaseFilter\" or \"IAudioMeterInformation\", "
+     "found \"IFoo\""},
     {"AnUnknownType", endpointWith(R"("topology": {"connectors": [{"id": "C", "type": "{123}"}]})"),
      "m.json:3: /endpoints/0/topology/connectors/0/type: expected the name of a jack or node type, or a GUID like "
      "\"{01234567-89AB-CDEF-0123-456789ABCDEF}\", found \"{123}\""},

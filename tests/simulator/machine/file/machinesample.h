@@ -88,6 +88,9 @@ inline std::vector<sim::Endpoint> endpoints()
     output.installed = false;
     output.hasAudioClient = true;
     output.hasBaseFilter = true;
+    output.hasMeter = true;
+    output.periods = sim::DevicePeriods{101587, 29025};
+    output.mixFormat = sim::MixFormat{{24, 44100, 6}, false};
     output.properties = allKindsOfProperties();
     output.volume =
         sim::EndpointVolume{-60.0f, 6.0f, 0.25f, {-12.34f, -60.0f, 6.0f}, true, 5, {"SetMute", "GetVolumeRange"}};
@@ -162,6 +165,7 @@ inline sim::Machine machine()
     result.notPresentNames = sim::NotPresentNames::failing;
     result.removedEndpoints = sim::RemovedEndpoints::unknown;
     result.callbackThread = sim::CallbackThread::bare;
+    result.captureAccess = sim::CaptureAccess::denied;
     result.endpoints = endpoints();
     result.adapters = {adapter};
     result.joins = {{speakers + "/plug", codec + "/jack", "{2}.elsewhere", false},

@@ -1,0 +1,6 @@
+#include "simulator/core/streamengine.h"
+
+namespace sim
+{
+void setSystemEvent(HANDLE) {}
+}

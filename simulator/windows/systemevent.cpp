@@ -1,0 +1,9 @@
+#include "simulator/core/streamengine.h"
+
+namespace sim
+{
+void setSystemEvent(HANDLE event)
+{
+    SetEvent(event);
+}
+}
