@@ -217,7 +217,7 @@ TEST_F(EndpointDeviceEnumeratorCommonObserver, IsUnregisteredBeforeAnotherOneIsR
     enumerator->registerNotificationObserver(&other);
 
     EXPECT_THAT(simulation().journal().operations(), ElementsAre(unregisterCall, registerCall));
-    EXPECT_THAT(calls, IsEmpty()); // nobody counts references
+    EXPECT_THAT(calls, IsEmpty());
     EXPECT_EQ(&other, enumerator->m_notificationObserver);
     EXPECT_EQ(E_NOTFOUND, enumerator->enumerator()->UnregisterEndpointNotificationCallback(&client));
 
