@@ -78,7 +78,7 @@ std::vector<Endpoint*> deviceOf(Hardware& hardware, const std::string& endpointI
     return endpoints;
 }
 
-/// The endpoints go, which @p choose returns; the clients hear of it.
+/// Takes the endpoints away that @p choose returns, and notifies the clients. Returns their ids.
 template<class Choose>
 std::vector<std::string> leave(const std::shared_ptr<State>& state, ScriptEvent::Kind event, const Choose& choose)
 {

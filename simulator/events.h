@@ -55,9 +55,9 @@ public:
     // What happens to a computer, in the bursts of notifications that real machines show. All of it concerns the
     // endpoints of one device: those with exactly the same instance path.
 
-    /// A USB device arrives. Each of its endpoints that is not present tells of states twice, of its addition if the
-    /// machine never had it, and of states twice more, the last being the one that it had before, or active. An
-    /// endpoint that is present already stays as it is.
+    /// A USB device arrives. For each of its endpoints that is not present, clients are notified of its state (not
+    /// present) twice, of its addition if the machine never had it, of its state again, and of the state that it has
+    /// then: the one that it had before, or active. An endpoint that is present stays as it is.
     void plugUsb(const std::string& endpointId);
     /// A USB device goes: its endpoints are not present, but not removed.
     void unplugUsb(const std::string& endpointId);

@@ -177,6 +177,16 @@ TEST(ProgramCommandLine, TakesAnAccountBeforeAndAfterTheCommand)
     EXPECT_EQ("\"root\" is not an account: administrator or ordinary", complaint({"--account", "root"}));
 }
 
+TEST(ProgramCommandLine, TakesALatencyBeforeAndAfterTheCommand)
+{
+    EXPECT_EQ(std::nullopt, read({"list"}).latency);
+    EXPECT_EQ(sim::LatencyPreset::windows, read({"list", "--latency", "windows"}).latency);
+    EXPECT_EQ(sim::LatencyPreset::none, read({"--latency=NONE", "list"}).latency);
+    EXPECT_EQ(-5.0f, read({"--latency", "windows", "set-volume", "Speakers", "-5%"}).level.amount);
+    EXPECT_EQ(readCommandLine({"--help"}).answer, readCommandLine({"--latency", "windows", "help"}).answer);
+    EXPECT_EQ("\"slow\" is not a latency: none or windows", complaint({"--latency", "slow"}));
+}
+
 TEST(ProgramCommandLine, EscapesAndCutsWhatItRepeats)
 {
     EXPECT_EQ("unknown command \"a\\xFF\\nb\"; see sonavit --help", complaint({"a\xFF\nb"}));

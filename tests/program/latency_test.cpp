@@ -1,0 +1,65 @@
+#include "tests/program/programtest.h"
+#include "tools/sonavit/session.h"
+
+#include <nlohmann/json.hpp>
+
+using nlohmann::json;
+using std::chrono::milliseconds;
+using support::Answer;
+using testing::HasSubstr;
+
+namespace
+{
+class ProgramLatency : public support::ProgramTest
+{
+protected:
+    /// How long an audio client takes on the machine of a command with these words.
+    static milliseconds clientTime(const std::vector<std::string>& words)
+    {
+        std::ostringstream out;
+        std::ostringstream err;
+        const sonavit::Environment environment{out, err};
+        sonavit::Session session(environment, sonavit::readCommandLine(words).arguments);
+        const auto cost = session.simulation()->latency().cost("IMMDevice::Activate", "IAudioClient");
+        session.close();
+        return std::chrono::duration_cast<milliseconds>(cost);
+    }
+};
+
+TEST_F(ProgramLatency, IsThatOfTheMachineUnlessChosen)
+{
+    EXPECT_EQ(milliseconds(0), clientTime({"list", "--machine", "desktop"}));
+}
+
+TEST_F(ProgramLatency, CanBePutOnAnyMachine)
+{
+    EXPECT_EQ(milliseconds(100), clientTime({"list", "--machine", "desktop", "--latency", "windows"}));
+}
+
+TEST_F(ProgramLatency, ChangesNothingThatIsPrinted)
+{
+    EXPECT_EQ(call({"list", "--machine", "laptop"}).out,
+              call({"--latency", "windows", "list", "--machine", "laptop"}).out);
+}
+
+TEST_F(ProgramLatency, CannotBeChosenOnTheSystemsOwnAudio)
+{
+    run(support::smallMachine());
+
+    const Answer text = call({"list", "--latency", "windows"});
+    const Answer inJson = call({"list", "--latency", "none", "--json"});
+
+    EXPECT_EQ(2, text.code);
+    EXPECT_EQ("", text.out);
+    EXPECT_EQ("sonavit: --latency needs a simulated machine, which --machine names\n", text.err);
+    EXPECT_EQ(2, inJson.code);
+    EXPECT_EQ("--latency needs a simulated machine, which --machine names", json::parse(inJson.out)["error"]);
+}
+
+TEST_F(ProgramLatency, IsPartOfTheHelp)
+{
+    EXPECT_THAT(call({"--help"}).out, HasSubstr("--latency PRESET"));
+    EXPECT_THAT(call({"list", "--help"}).out, HasSubstr("--latency"));
+    EXPECT_EQ(2, call({"list", "--machine", "desktop", "--latency", "slow"}).code);
+}
+}
