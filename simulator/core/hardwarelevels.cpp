@@ -73,34 +73,34 @@ void changeVolume(const Hardware& hardware, Endpoint& endpoint, const EndpointVo
     endpoint.volume->muted = wanted.muted;
 }
 
-LevelWatch::LevelWatch(const Hardware& hardware, const Endpoint& endpoint)
+LevelWatch::LevelWatch(Hardware& hardware, Endpoint& endpoint)
 {
-    m_volumes.emplace(endpoint.id, shownVolume(hardware, endpoint));
+    m_volumes.emplace(&endpoint, shownVolume(hardware, endpoint));
     watch(hardware, endpoint.volume->hardware.volume);
     watch(hardware, endpoint.volume->hardware.mute);
 }
 
-LevelWatch::LevelWatch(const Hardware& hardware, const Part& part) : m_changedPart(part.id)
+LevelWatch::LevelWatch(Hardware& hardware, const Part& part) : m_changedPart(part.id)
 {
     watch(hardware, part.id);
 }
 
-void LevelWatch::watch(const Hardware& hardware, const std::string& partId)
+void LevelWatch::watch(Hardware& hardware, const std::string& partId)
 {
     const ChangeablePartPlace* const place = hardware.part(partId);
     if (place == nullptr)
         return;
     m_parts.emplace(partId, controlsOnly(*place->part));
-    for (const Endpoint& endpoint : hardware.machine().endpoints)
+    for (Endpoint& endpoint : hardware.machine().endpoints)
     {
         const bool isShared =
             endpoint.volume && (endpoint.volume->hardware.volume == partId || endpoint.volume->hardware.mute == partId);
         if (isShared)
-            m_volumes.emplace(endpoint.id, shownVolume(hardware, endpoint));
+            m_volumes.emplace(&endpoint, shownVolume(hardware, endpoint));
     }
 }
 
-LevelChanges LevelWatch::changes(Hardware& hardware) const
+LevelChanges LevelWatch::changes(const Hardware& hardware) const
 {
     LevelChanges result;
     for (const auto& [id, before] : m_parts)
@@ -111,19 +111,18 @@ LevelChanges LevelWatch::changes(Hardware& hardware) const
         if (!(part.mute == before.mute))
             result.mutes.push_back(id);
     }
-    for (const auto& [id, before] : m_volumes)
+    for (const auto& [endpoint, before] : m_volumes)
     {
-        Endpoint& endpoint = *hardware.endpoint(id);
-        const Part* const part = levelPart(hardware, *endpoint.volume);
+        const Part* const part = levelPart(hardware, *endpoint->volume);
         if (part != nullptr && part->id == m_changedPart && !result.levels.empty())
         {
             for (std::size_t index = 0; index < before.channels.size(); ++index)
-                endpoint.volume->channels[index] = part->volume->channels[index].level;
+                endpoint->volume->channels[index] = part->volume->channels[index].level;
         }
-        const EndpointVolume after = shownVolume(hardware, endpoint);
-        endpoint.volume->muted = after.muted;
+        const EndpointVolume after = shownVolume(hardware, *endpoint);
+        endpoint->volume->muted = after.muted;
         if (!(after == before))
-            result.endpoints.push_back(id);
+            result.endpoints.push_back(endpoint->id);
     }
     return result;
 }

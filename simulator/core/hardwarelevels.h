@@ -27,21 +27,22 @@ struct LevelChanges
     std::vector<std::string> mutes;
 };
 
-/// The levels of an endpoint or a part, and of all endpoints and parts that share them, before a change.
+/// The levels of an endpoint or a part, and of all endpoints and parts that share them, before a change. To be used
+/// under the machine's lock.
 class LevelWatch
 {
 public:
-    LevelWatch(const Hardware& hardware, const Endpoint& endpoint);
+    LevelWatch(Hardware& hardware, Endpoint& endpoint);
     /// For a change of the part itself, which replaces what was asked of the endpoints that it implements.
-    LevelWatch(const Hardware& hardware, const Part& part);
+    LevelWatch(Hardware& hardware, const Part& part);
 
     /// To be called after the change.
-    LevelChanges changes(Hardware& hardware) const;
+    LevelChanges changes(const Hardware& hardware) const;
 
 private:
-    void watch(const Hardware& hardware, const std::string& partId);
+    void watch(Hardware& hardware, const std::string& partId);
 
-    std::map<std::string, EndpointVolume> m_volumes;
+    std::map<Endpoint*, EndpointVolume> m_volumes;
     std::map<std::string, Subunit> m_parts; ///< of each part its controls alone
     std::string m_changedPart;              ///< empty: an endpoint changes
 };

@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <map>
 #include <optional>
 #include <set>
@@ -130,5 +131,10 @@ TEST_P(Grouping, ByTheInstancesOfTheAdaptersIsThatOfTheLibrarysCards)
 }
 
 INSTANTIATE_TEST_SUITE_P(MachinesThatShip, Grouping,
-                         testing::Values("desktop", "laptop", "studio", "crowded", "broken", "empty"),
-                         [](const testing::TestParamInfo<const char*>& machine) { return machine.param; });
+                         testing::Values("desktop", "laptop", "studio", "crowded", "broken", "empty", "laptop-user"),
+                         [](const testing::TestParamInfo<const char*>& machine)
+                         {
+                             std::string name = machine.param;
+                             std::replace(name.begin(), name.end(), '-', '_');
+                             return name;
+                         });

@@ -1,8 +1,8 @@
 #include "tests/simulator/bench.h"
 
 // An endpoint's volume that a part of the adapter implements. Microsoft's documentation of
-// IAudioEndpointVolumeCallback: with a hardware volume, the level of the endpoint is that of the device, whoever
-// changes it.
+// IAudioEndpointVolumeCallback: the level of an endpoint with a hardware volume is that of the device, and clients are
+// notified if it changes there.
 namespace
 {
 using bench::Held;
