@@ -192,7 +192,7 @@ TEST_F(AudioClientGetDevicePeriod, IsTenMillisecondsAndThree)
     EXPECT_EQ(E_POINTER, speaker->GetDevicePeriod(nullptr, nullptr));
 }
 
-// libsoundio and others print 101587 for 44100 Hz: 448 frames, as High Definition Audio transfers whole bursts.
+// 448 frames, 10.1587 ms at 44100 Hz, as real devices report: High Definition Audio transfers whole bursts.
 TEST_F(AudioClientGetDevicePeriod, IsAWholeNumberOfBursts)
 {
     setEndpoint([](sim::Endpoint& endpoint) { endpoint.mixFormat = sim::MixFormat::fromText("32f/44100/2"); });
