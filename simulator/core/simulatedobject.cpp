@@ -93,13 +93,13 @@ void SimulatedObject::lend()
 void SimulatedObject::letGo()
 {
     m_isKept = false;
-    if (--m_references == 0)
-        delete this;
+    takeBack();
 }
 
 void SimulatedObject::takeBack()
 {
-    dropReference();
+    if (--m_references == 0)
+        delete this;
 }
 
 void* SimulatedObject::marshal(IUnknown& self, REFIID iid)
