@@ -5,6 +5,7 @@
 //   list    prints the endpoints, one a line: flow, state, id, name (the default)
 //   leak    the same, and keeps a reference on the first endpoint
 //   exit    the same, and ends with ExitProcess while another thread uses Core Audio
+//   write   opens the default output's store for writing and prints the result
 //   waves   asks the wave functions before and after
 //
 // Its exit code is 0, or 1 if there is no enumerator; then it prints the result.
@@ -95,6 +96,21 @@ void list(IMMDeviceEnumerator& all, bool leaks)
     collection->Release();
 }
 
+void openForWriting(IMMDeviceEnumerator& all)
+{
+    IMMDevice* device = nullptr;
+    IPropertyStore* store = nullptr;
+    HRESULT result = all.GetDefaultAudioEndpoint(eRender, eConsole, &device);
+    if (device != nullptr)
+    {
+        result = device->OpenPropertyStore(STGM_READWRITE, &store);
+        device->Release();
+    }
+    if (store != nullptr)
+        store->Release();
+    std::printf("a store for writing: 0x%08lX\n", static_cast<unsigned long>(result));
+}
+
 std::atomic<unsigned> calls{0};
 
 /// Uses Core Audio until the process ends, and counts.
@@ -121,7 +137,10 @@ int main(int count, char** words)
     IMMDeviceEnumerator* const all = enumerator();
     if (all == nullptr)
         return 1;
-    list(*all, mode == "leak");
+    if (mode == "write")
+        openForWriting(*all);
+    else
+        list(*all, mode == "leak");
     if (mode == "exit")
     {
         std::thread(stayBusy).detach();

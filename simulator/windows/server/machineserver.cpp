@@ -3,14 +3,19 @@
 #include "simulator/core/state.h"
 #include "simulator/core/utf16.h"
 #include "simulator/machine/file/machinefile.h"
+#include "simulator/machine/namedvalues.h"
+#include "simulator/machine/printable.h"
 #include "simulator/windows/enumeratorfactory.h"
 #include "simulator/windows/server/message.h"
 
 #include <exception>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <sstream>
+#include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace sim::server
 {
@@ -30,8 +35,19 @@ std::wstring environment(const wchar_t* name)
 struct Settings
 {
     std::string machine = utf8(environment(L"SONAVIT_MACHINE").c_str());
+    std::string account = utf8(environment(L"SONAVIT_ACCOUNT").c_str());
     FileName journal = environment(L"SONAVIT_JOURNAL");
     FileName census = environment(L"SONAVIT_CENSUS");
+
+    /// The account under which the program uses @p described. Throws std::runtime_error for an unknown name.
+    Account accountOf(const Machine& described) const
+    {
+        if (account.empty())
+            return described.account;
+        if (const std::optional<Account> chosen = valueOf(accountNames, account))
+            return *chosen;
+        throw std::runtime_error("SONAVIT_ACCOUNT is " + inQuotes(account) + "; set it to " + oneOf(accountNames));
+    }
 };
 
 /// The machine of this process, and what it leaves. Never destroyed: objects of the program may outlive this library's
@@ -54,7 +70,9 @@ struct Server
         {
             if (settings.machine.empty())
                 throw std::runtime_error("SONAVIT_MACHINE is not set; set it to the name or the file of a machine");
-            state = State::create(findMachine(settings.machine));
+            Machine machine = findMachine(settings.machine);
+            machine.account = settings.accountOf(machine);
+            state = State::create(std::move(machine));
             state->journal.record(!settings.journal.empty());
             serveAllApartments();
             pushCurrentState(state);

@@ -10,9 +10,10 @@ namespace sim::server
 /// may release all its objects and ask for an enumerator again.
 ///
 /// - `SONAVIT_MACHINE`: the name or the file of the machine.
+/// - `SONAVIT_ACCOUNT`: `administrator` or `ordinary`, in place of the account in the machine's file.
 /// - `SONAVIT_JOURNAL`, `SONAVIT_CENSUS`: files that writeRecords() writes; without the first one no call is recorded.
 ///
-/// @return CLASS_E_CLASSNOTAVAILABLE if there is no such machine; the first call then writes the reason to standard
+/// @return CLASS_E_CLASSNOTAVAILABLE if there is no such machine or account; the first call then writes the reason to standard
 /// error
 HRESULT start();
 
