@@ -7,10 +7,10 @@ declare -A lists=(
     [openal-soft]="$work/openal-soft/build/openal-info.exe"
 )
 
-# Programs that play on the default output, with their arguments. RtAudio's: two channels, 48 kHz, the first device, one
-# second; PortAudio's always plays for five seconds.
+# Programs that play for a second on the default output, with their arguments. RtAudio's own one: two channels, 48 kHz, the
+# first device, no offset, one second.
 declare -A players=(
-    [portaudio19]="$work/portaudio19/build/bin/paex_sine.exe"
+    [portaudio19]="$work/portaudio19/build/portaudiostream.exe"
     [rtaudio]="$work/rtaudio/build/tests/playsaw.exe 2 48000 0 0 1"
 )
 
@@ -36,9 +36,7 @@ withCMake() {
 # the compiler's own come first. mingw's own printf would read its wide texts as narrow ones.
 build_portaudio19() {
     local folder="$work/portaudio19" headers="$work/portaudio19/headers" old
-    local includes
-    includes=$(dirname "$(x86_64-w64-mingw32-gcc -print-file-name=include)")/../../../../x86_64-w64-mingw32/include
-    [ -d "$includes" ] || includes=/usr/x86_64-w64-mingw32/include
+    local includes=/usr/x86_64-w64-mingw32/include
     mkdir -p "$headers"
     for old in "$folder"/source/src/hostapi/wasapi/mingw-include/*.h; do
         [ ! -f "$includes/$(basename "$old")" ] || ln -sf "$includes/$(basename "$old")" "$headers"
@@ -50,7 +48,9 @@ build_portaudio19() {
             CFLAGS="-O1 -w -I$headers -include $here/portaudio.h -D_WIN32_WINNT=0x0601 -DUNICODE -D_UNICODE -D__USE_MINGW_ANSI_STDIO=0")
     fi &&
         nice make -C "$folder/build" lib/libportaudio.la &&
-        nice make -C "$folder/build" bin/pa_devs bin/paex_sine
+        nice make -C "$folder/build" bin/pa_devs &&
+        x86_64-w64-mingw32-g++-posix -static -I"$folder/source/include" "$here/portaudiostream.cpp" \
+            "$folder/build/lib/.libs/libportaudio.a" -lwinmm -lole32 -luuid -o "$folder/build/portaudiostream.exe"
 }
 
 build_rtaudio() {
@@ -58,7 +58,7 @@ build_rtaudio() {
 }
 
 build_libsoundio() {
-    withCMake libsoundio -DBUILD_TESTS=OFF
+    withCMake libsoundio -DBUILD_TESTS=OFF -DBUILD_DYNAMIC_LIBS=ON
 }
 
 build_openal_soft() {
