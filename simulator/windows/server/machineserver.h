@@ -13,8 +13,8 @@ namespace sim::server
 /// - `SONAVIT_ACCOUNT`: `administrator` or `ordinary`, in place of the account in the machine's file.
 /// - `SONAVIT_JOURNAL`, `SONAVIT_CENSUS`: files that writeRecords() writes; without the first one no call is recorded.
 ///
-/// @return CLASS_E_CLASSNOTAVAILABLE if there is no such machine or account; the first call then writes the reason to standard
-/// error
+/// @return CLASS_E_CLASSNOTAVAILABLE if there is no such machine or account; the first call then writes the reason to
+/// standard error
 HRESULT start();
 
 /// Writes the files for the journal and the census, if the environment asks for them and the machine has started. Call
