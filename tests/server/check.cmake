@@ -1,5 +1,5 @@
 # Puts SonavitMachine.dll before a program that knows nothing of it, in a Wine prefix of the test's own:
-#   cmake -DEMULATOR=... -DPREFIX=... -DSERVER=... -DCLIENT=... -DMACHINES=... -P check.cmake
+#   cmake -DEMULATOR=... -DPREFIX=... -DSERVER=... -DCLIENT=... -DMACHINES=... -DPROGRAM=... -DGROUPED=... -P check.cmake
 # and compares what the program prints, and what the machine records, with the machine's file.
 cmake_minimum_required(VERSION 3.25)
 
@@ -145,6 +145,45 @@ if(NOT code EQUAL 1 OR NOT errors MATCHES "SONAVIT_ACCOUNT is \"guest\"; set it 
   fail("an unknown account (${code}):" "${output}" "${errors}")
 endif()
 set(ENV{SONAVIT_ACCOUNT} "")
+
+# The groups that a program forms of the adapters' instance ids are the library's cards: each group one card.
+foreach(machine IN ITEMS ${GROUPED})
+  behind(${machine} groups)
+  string(REGEX MATCHALL "[^\n]+" groups "${output}")
+  wine("${PROGRAM}" list --json --machine "Z:${MACHINES}/${machine}.json")
+  string(JSON count LENGTH "${output}" cards)
+  set(compared 0)
+  if(count GREATER 0)
+    math(EXPR last "${count} - 1")
+    foreach(card RANGE ${last})
+      string(JSON members LENGTH "${output}" cards ${card} endpoints)
+      math(EXPR lastMember "${members} - 1")
+      set(own "")
+      foreach(index RANGE ${lastMember})
+        string(JSON id GET "${output}" cards ${card} endpoints ${index} id)
+        foreach(line IN LISTS groups)
+          string(FIND "${line}" "${id} " at)
+          if(at EQUAL 0)
+            string(LENGTH "${id} " start)
+            string(SUBSTRING "${line}" ${start} -1 group)
+            list(APPEND own "${group}")
+            math(EXPR compared "${compared} + 1")
+          endif()
+        endforeach()
+      endforeach()
+      list(REMOVE_DUPLICATES own)
+      list(LENGTH own different)
+      if(NOT different EQUAL 1 OR own STREQUAL "" OR own IN_LIST seen_${machine})
+        fail("${machine}: card ${card} is not one group of adapters:" "${own}" "${groups}")
+      endif()
+      list(APPEND seen_${machine} "${own}")
+    endforeach()
+  endif()
+  list(LENGTH groups all)
+  if(NOT compared EQUAL all)
+    fail("${machine}: ${compared} of ${all} endpoints belong to a card:" "${groups}" "${output}")
+  endif()
+endforeach()
 
 foreach(machine IN ITEMS "" nowhere "Z:${CMAKE_CURRENT_LIST_FILE}")
   behind("${machine}" list)

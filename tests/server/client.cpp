@@ -6,21 +6,15 @@
 //   leak    the same, and keeps a reference on the first endpoint
 //   exit    the same, and ends with ExitProcess while another thread uses Core Audio
 //   write   opens the default output's store for writing and prints the result
+//   groups  prints the endpoints, one a line: id, instance id of the adapter at the other end of its first connector
 //   waves   asks the wave functions before and after
 //
 // Its exit code is 0, or 1 if there is no enumerator; then it prints the result.
 
-#include <initguid.h>
-
-#include <windows.h>
-
-#include <functiondiscoverykeys_devpkey.h>
-#include <mmdeviceapi.h>
-#include <mmsystem.h>
+#include "platform/windows/defineidentifiers.h"
 
 #include <atomic>
 #include <cstdio>
-#include <cstring>
 #include <string>
 #include <thread>
 
@@ -45,14 +39,15 @@ IMMDeviceEnumerator* enumerator()
     return result;
 }
 
-std::string name(IMMDevice& device)
+/// A string of the device's store; empty if the property is no string.
+std::string property(IMMDevice& device, const PROPERTYKEY& key)
 {
     IPropertyStore* store = nullptr;
     if (FAILED(device.OpenPropertyStore(STGM_READ, &store)))
         return "no store";
     PROPVARIANT value;
     PropVariantInit(&value);
-    store->GetValue(PKEY_Device_DeviceDesc, &value);
+    store->GetValue(key, &value);
     const std::string text = value.vt == VT_LPWSTR ? utf8(value.pwszVal) : std::string();
     PropVariantClear(&value);
     store->Release();
@@ -73,11 +68,45 @@ void print(IMMDevice& device)
     LPWSTR id = nullptr;
     device.GetId(&id);
     std::printf("%s %lu %s %s\n", flow == eRender ? "render" : "capture", state, utf8(id).c_str(),
-                name(device).c_str());
+                property(device, PKEY_Device_DeviceDesc).c_str());
     CoTaskMemFree(id);
 }
 
-void list(IMMDeviceEnumerator& all, bool leaks)
+/// The adapter at the other end of the endpoint's first connector; null if it cannot be reached.
+IMMDevice* adapterOf(IMMDeviceEnumerator& all, IMMDevice& endpoint)
+{
+    IDeviceTopology* topology = nullptr;
+    IConnector* connector = nullptr;
+    LPWSTR id = nullptr;
+    IMMDevice* adapter = nullptr;
+    endpoint.Activate(__uuidof(IDeviceTopology), CLSCTX_INPROC_SERVER, nullptr, reinterpret_cast<void**>(&topology));
+    if (topology != nullptr && SUCCEEDED(topology->GetConnector(0, &connector)))
+    {
+        if (SUCCEEDED(connector->GetDeviceIdConnectedTo(&id)) && id != nullptr)
+            all.GetDevice(id, &adapter);
+        CoTaskMemFree(id);
+        connector->Release();
+    }
+    if (topology != nullptr)
+        topology->Release();
+    return adapter;
+}
+
+/// Prints the group of an endpoint as programs form it that show the endpoints of one adapter together.
+void printGroup(IMMDeviceEnumerator& all, IMMDevice& device)
+{
+    constexpr PROPERTYKEY instanceId = {{0x78C34FC8, 0x104A, 0x4ACA, {0x9E, 0xA4, 0x52, 0x4D, 0x52, 0x99, 0x6E, 0x57}},
+                                        256};
+    LPWSTR id = nullptr;
+    device.GetId(&id);
+    IMMDevice* const adapter = adapterOf(all, device);
+    std::printf("%s %s\n", utf8(id).c_str(), adapter == nullptr ? "" : property(*adapter, instanceId).c_str());
+    if (adapter != nullptr)
+        adapter->Release();
+    CoTaskMemFree(id);
+}
+
+void list(IMMDeviceEnumerator& all, const std::string& mode)
 {
     IMMDeviceCollection* collection = nullptr;
     UINT count = 0;
@@ -89,8 +118,11 @@ void list(IMMDeviceEnumerator& all, bool leaks)
         IMMDevice* device = nullptr;
         if (FAILED(collection->Item(i, &device)))
             continue;
-        print(*device);
-        if (!leaks || i > 0)
+        if (mode == "groups")
+            printGroup(all, *device);
+        else
+            print(*device);
+        if (mode != "leak" || i > 0)
             device->Release();
     }
     collection->Release();
@@ -140,7 +172,7 @@ int main(int count, char** words)
     if (mode == "write")
         openForWriting(*all);
     else
-        list(*all, mode == "leak");
+        list(*all, mode);
     if (mode == "exit")
     {
         std::thread(stayBusy).detach();
