@@ -4,12 +4,15 @@
 #include "simulator/core/watchedcall.h"
 #include "simulator/objects/objects.h"
 
+#include <atomic>
 #include <memory>
 
 namespace sim
 {
 namespace
 {
+std::atomic<bool> isServer{false};
+
 class EnumeratorFactory final : public IClassFactory
 {
 public:
@@ -59,6 +62,16 @@ bool threadHasCom()
     APTTYPE type = APTTYPE_CURRENT;
     APTTYPEQUALIFIER qualifier = APTTYPEQUALIFIER_NONE;
     return CoGetApartmentType(&type, &qualifier) != CO_E_NOTINITIALIZED;
+}
+
+void serveAllApartments()
+{
+    isServer = true;
+}
+
+bool servesAllApartments()
+{
+    return isServer;
 }
 
 IClassFactory& enumeratorFactory()

@@ -19,4 +19,10 @@ bool threadHasCom();
 /// The class object that calls createCurrentEnumerator(). One object serves all apartments; it is never destroyed, so
 /// its references are not counted.
 IClassFactory& enumeratorFactory();
+
+/// Says that a library of this class serves all apartments of the process, as the registry directs COM to it: from now
+/// on no apartment is registered.
+void serveAllApartments();
+/// Whether serveAllApartments() was called.
+bool servesAllApartments();
 }

@@ -1,6 +1,6 @@
 #include "simulator/windows/importtable.h"
 
-#include <windows.h>
+#include "platform/coreaudio.h"
 
 #include <delayimp.h>
 

@@ -61,6 +61,8 @@ void letWaveFunctionsReadTheSystem()
 
 HRESULT registerApartment(const std::shared_ptr<State>& state)
 {
+    if (servesAllApartments())
+        return S_OK;
     letWaveFunctionsReadTheSystem();
     Registrations& registrations = Registrations::instance();
     const std::lock_guard<Mutex> lock(registrations.mutex);

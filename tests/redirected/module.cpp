@@ -1,9 +1,7 @@
 // A DLL with two kinds of imports: CoCreateInstance from a library that is loaded at the first call, CoCreateInstanceEx
 // from an API set. It does not know the simulator.
 
-#include <initguid.h>
-
-#include <mmdeviceapi.h>
+#include "platform/windows/defineidentifiers.h"
 
 extern "C" __declspec(dllexport) HRESULT createOnDemand()
 {

@@ -64,8 +64,8 @@ std::string writeMachine(const Machine& machine);
 /// UnknownMachine, whose message lists the existing ones.
 ///
 /// The folder of shipped machines is the value of the environment variable SONAVIT_MACHINES. If it is not set, the
-/// folders are `machines` next to the running program, then `../share/sonavit/machines` as in an installation, then the
-/// folder in the sources from which the program was built.
+/// folders are `machines` next to the running program (on Windows, next to the DLL that contains the machine), then
+/// `../share/sonavit/machines` as in an installation, then the folder in the sources from which the program was built.
 Machine findMachine(const std::string& nameOrFile);
 
 /// The names of the machines that findMachine() knows, in alphabetical order.
