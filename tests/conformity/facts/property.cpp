@@ -1,0 +1,241 @@
+// Property stores of endpoints and adapters.
+#include "platform/propertykeys.h"
+#include "tests/conformity/fact.h"
+#include "tests/conformity/results.h"
+#include "tests/conformity/store.h"
+#include "tests/conformity/system.h"
+
+namespace conformity
+{
+namespace
+{
+namespace keys = platform::propertykeys;
+
+constexpr GUID endpointSet = {0x1DA5D803, 0xD492, 0x4EDD, {0x8C, 0x23, 0xE0, 0xC0, 0xFF, 0xEE, 0x7F, 0x0E}};
+constexpr PROPERTYKEY formFactor = {endpointSet, 0};
+constexpr PROPERTYKEY jackSubType = {endpointSet, 8};
+constexpr PROPERTYKEY containerId = {
+    {0x8C7ED206, 0x3F8A, 0x4827, {0xB3, 0xAB, 0xAE, 0x9E, 0x1F, 0xAE, 0xFC, 0x6C}}, 2};
+constexpr PROPERTYKEY interfacePath = {
+    {0x233164C8, 0x1B2C, 0x4C7D, {0xBC, 0x68, 0xB6, 0x71, 0x68, 0x7A, 0x25, 0x67}}, 1};
+constexpr PROPERTYKEY instanceId = {
+    {0x78C34FC8, 0x104A, 0x4ACA, {0x9E, 0xA4, 0x52, 0x4D, 0x52, 0x99, 0x6E, 0x57}}, 256};
+/// Nobody's key.
+constexpr PROPERTYKEY unknownKey = {
+    {0x2F1E0D3C, 0x4B5A, 0x6978, {0x87, 0x96, 0xA5, 0xB4, 0xC3, 0xD2, 0xE1, 0xF0}}, 77};
+
+const char* const storeTests = "Wine's tests of the property store, run on Windows";
+
+std::string tagText(VARTYPE tag)
+{
+    switch (tag)
+    {
+    case VT_EMPTY:
+        return "VT_EMPTY";
+    case VT_LPWSTR:
+        return "VT_LPWSTR";
+    case VT_UI4:
+        return "VT_UI4";
+    case VT_BLOB:
+        return "VT_BLOB";
+    case VT_CLSID:
+        return "VT_CLSID";
+    default:
+        return "tag " + std::to_string(tag);
+    }
+}
+
+void eachStore(System& system, const std::function<void(const EndpointInSystem&, IPropertyStore&)>& action)
+{
+    system.eachActive(
+        [&](const EndpointInSystem& endpoint)
+        {
+            if (const Held<IPropertyStore> store = openedStore(*endpoint.device.get()))
+                action(endpoint, *store.get());
+        });
+}
+
+/// Whether each active endpoint has the property with that tag.
+std::function<Finding(System&)> hasTag(const PROPERTYKEY& key, VARTYPE tag)
+{
+    return [key, tag](System& system)
+    {
+        Observation observation;
+        eachStore(system,
+                  [&](const EndpointInSystem& endpoint, IPropertyStore& store)
+                  {
+                      const Value value(store, key);
+                      const std::string found =
+                          FAILED(value.result()) ? resultName(value.result()) : tagText(value.tag());
+                      observation.see(value.tag() == tag, found, endpoint.name);
+                  });
+        return observation.finding("no active endpoint");
+    };
+}
+
+Finding storesOpen(System& system)
+{
+    Observation observation;
+    for (const EndpointInSystem& endpoint : system.endpoints())
+    {
+        Held<IPropertyStore> store;
+        const HRESULT result = endpoint.device->OpenPropertyStore(STGM_READ, store.put());
+        observation.see(result == S_OK, resultName(result), endpoint.name);
+    }
+    return observation.finding("no endpoint");
+}
+
+Finding writingNeedsRights(System& system)
+{
+    if (!system.isAdministrator())
+        return {Verdict::notTried, "nobody knows whose account this is"};
+    const HRESULT expected = *system.isAdministrator() ? S_OK : E_ACCESSDENIED;
+    Observation observation;
+    system.eachActive(
+        [&](const EndpointInSystem& endpoint)
+        {
+            IPropertyStore* store = poison<IPropertyStore>();
+            const HRESULT result = endpoint.device->OpenPropertyStore(STGM_READWRITE, &store);
+            const bool isNull = FAILED(result) && store == nullptr;
+            if (SUCCEEDED(result))
+                store->Release();
+            const std::string account = *system.isAdministrator() ? " for an administrator" : " for an ordinary user";
+            const bool isRight = result == expected && (SUCCEEDED(result) || isNull);
+            observation.see(isRight, resultName(result) + account, endpoint.name);
+        });
+    return observation.finding("no active endpoint");
+}
+
+Finding badAccess(System& system)
+{
+    Observation observation;
+    system.eachActive(
+        [&](const EndpointInSystem& endpoint)
+        {
+            Held<IPropertyStore> store;
+            const HRESULT result = endpoint.device->OpenPropertyStore(3, store.put());
+            observation.see(result == E_INVALIDARG, resultName(result), endpoint.name);
+        });
+    return observation.finding("no active endpoint");
+}
+
+Finding absentIsEmpty(System& system)
+{
+    Observation observation;
+    eachStore(system,
+              [&](const EndpointInSystem& endpoint, IPropertyStore& store)
+              {
+                  const Value value(store, unknownKey);
+                  const std::string found = resultName(value.result()) + ", " + tagText(value.tag());
+                  observation.see(found == "S_OK, VT_EMPTY", found, endpoint.name);
+              });
+    return observation.finding("no active endpoint");
+}
+
+Finding namesAreComposed(System& system)
+{
+    Observation observation;
+    eachStore(system,
+              [&](const EndpointInSystem& endpoint, IPropertyStore& store)
+              {
+                  const std::string full = Value(store, keys::fullName).text();
+                  const std::string description = Value(store, keys::deviceDescription).text();
+                  const std::string interfaceName = Value(store, keys::friendlyName).text();
+                  const bool isRight = full == description + " (" + interfaceName + ")";
+                  observation.see(isRight, isRight ? "so" : "\"" + full + "\"", endpoint.name);
+              });
+    return observation.finding("no active endpoint");
+}
+
+Finding listAndValuesAgree(System& system)
+{
+    Observation observation;
+    eachStore(system,
+              [&](const EndpointInSystem& endpoint, IPropertyStore& store)
+              {
+                  DWORD count = 0;
+                  store.GetCount(&count);
+                  for (DWORD index = 0; index < count; ++index)
+                  {
+                      PROPERTYKEY key = {};
+                      const HRESULT result = store.GetAt(index, &key);
+                      const Value value(store, key);
+                      const bool isRight = result == S_OK && SUCCEEDED(value.result());
+                      observation.see(isRight, isRight ? "S_OK" : resultName(result), endpoint.name);
+                  }
+              });
+    return observation.finding("no active endpoint");
+}
+
+Finding setShowsAtOnce(System& system)
+{
+    if (!system.mayChange())
+        return {Verdict::notTried, "needs --change"};
+    Observation observation;
+    system.eachActive(
+        [&](const EndpointInSystem& endpoint)
+        {
+            Held<IPropertyStore> store;
+            if (FAILED(endpoint.device->OpenPropertyStore(STGM_READWRITE, store.put())))
+                return;
+            PROPVARIANT number;
+            PropVariantInit(&number);
+            number.vt = VT_UI4;
+            number.ulVal = 4711;
+            const HRESULT result = store->SetValue(unknownKey, number);
+            const Held<IPropertyStore> other = openedStore(*endpoint.device.get());
+            const Value value(*other.get(), unknownKey);
+            const bool isSeen = value.tag() == VT_UI4 && value.variant().ulVal == 4711;
+            PropVariantInit(&number);
+            store->SetValue(unknownKey, number);
+            store->Commit();
+            observation.see(result == S_OK && isSeen, isSeen ? "at once" : resultName(result) + ", not seen",
+                            endpoint.name);
+        });
+    return observation.finding("no store that can be written");
+}
+
+Finding adaptersHaveInstances(System& system)
+{
+    Observation observation;
+    system.eachAdapter(
+        [&](const std::string& id, IMMDevice& device, IDeviceTopology&)
+        {
+            const Held<IPropertyStore> store = openedStore(device);
+            const Value value(*store.get(), instanceId);
+            observation.see(value.tag() == VT_LPWSTR, tagText(value.tag()), id);
+        });
+    return observation.finding("no adapter");
+}
+}
+
+Facts propertyFacts()
+{
+    return {
+        {"Every endpoint's property store opens for reading", "S_OK",
+         "Microsoft's documentation of IMMDevice::OpenPropertyStore", storesOpen},
+        {"A store opens for writing for administrators only", "S_OK or E_ACCESSDENIED by account",
+         "Microsoft's documentation of IMMDevice::OpenPropertyStore", writingNeedsRights},
+        {"A store is opened with an access mode that does not exist", "E_INVALIDARG",
+         "Microsoft's documentation of IMMDevice::OpenPropertyStore", badAccess},
+        {"A property that is absent", "S_OK, VT_EMPTY", "Microsoft's documentation of IPropertyStore::GetValue",
+         absentIsEmpty},
+        {"Each property that the store lists can be read", "S_OK", "Microsoft's documentation of IPropertyStore",
+         listAndValuesAgree},
+        {"An endpoint has a description", "VT_LPWSTR", "Microsoft's documentation of PKEY_Device_DeviceDesc",
+         hasTag(keys::deviceDescription, VT_LPWSTR)},
+        {"An endpoint's interface has a name", "VT_LPWSTR",
+         "Microsoft's documentation of PKEY_DeviceInterface_FriendlyName", hasTag(keys::fullName, VT_LPWSTR)},
+        {"An endpoint's name is \"description (interface name)\"", "so", storeTests, namesAreComposed},
+        {"An endpoint has the path of its device interface", "VT_LPWSTR", storeTests, hasTag(interfacePath, VT_LPWSTR)},
+        {"An endpoint has a form factor", "VT_UI4", "Microsoft's documentation of PKEY_AudioEndpoint_FormFactor",
+         hasTag(formFactor, VT_UI4)},
+        {"An endpoint has a kind of jack", "VT_LPWSTR", "Microsoft's documentation of PKEY_AudioEndpoint_JackSubType",
+         hasTag(jackSubType, VT_LPWSTR)},
+        {"An endpoint belongs to a container", "VT_CLSID", "Microsoft's documentation of container ids",
+         hasTag(containerId, VT_CLSID)},
+        {"An adapter has a device instance id", "VT_LPWSTR", "NAudio issue 508", adaptersHaveInstances},
+        {"SetValue shows in other stores at once", "at once", storeTests, setShowsAtOnce},
+    };
+}
+}

@@ -1,0 +1,170 @@
+// Streams: what a client is told before and after it is initialised. Nothing is played.
+#include "tests/conformity/fact.h"
+#include "tests/conformity/results.h"
+#include "tests/conformity/system.h"
+
+#include <cstring>
+
+namespace conformity
+{
+namespace
+{
+const char* const clientDocumentation = "Microsoft's documentation of IAudioClient";
+
+using ClientAction = std::function<void(const EndpointInSystem&, IAudioClient&)>;
+
+void eachClient(System& system, const ClientAction& action)
+{
+    system.eachActive(
+        [&](const EndpointInSystem& endpoint)
+        {
+            if (const Held<IAudioClient> client = activated<IAudioClient>(*endpoint.device.get()))
+                action(endpoint, *client.get());
+        });
+}
+
+std::function<Finding(System&)> eachResult(HRESULT expected, const std::function<HRESULT(IAudioClient&)>& call)
+{
+    return [expected, call](System& system)
+    {
+        Observation observation;
+        eachClient(system,
+                   [&](const EndpointInSystem& endpoint, IAudioClient& client)
+                   {
+                       const HRESULT result = call(client);
+                       observation.see(result == expected, resultName(result), endpoint.name);
+                   });
+        return observation.finding("no endpoint with a stream");
+    };
+}
+
+/// The format in which the engine mixes, freed by itself.
+class MixFormat
+{
+public:
+    explicit MixFormat(IAudioClient& client) { client.GetMixFormat(&m_format); }
+    MixFormat(const MixFormat&) = delete;
+    MixFormat& operator=(const MixFormat&) = delete;
+    ~MixFormat() { CoTaskMemFree(m_format); }
+
+    const WAVEFORMATEX* get() const { return m_format; }
+
+private:
+    WAVEFORMATEX* m_format = nullptr;
+};
+
+HRESULT initialize(IAudioClient& client, const WAVEFORMATEX* format)
+{
+    constexpr REFERENCE_TIME halfASecond = 5000000;
+    return client.Initialize(AUDCLNT_SHAREMODE_SHARED, 0, halfASecond, 0, format, nullptr);
+}
+
+HRESULT initialize(IAudioClient& client)
+{
+    const MixFormat format(client);
+    return initialize(client, format.get());
+}
+
+Finding mixesFloats(System& system)
+{
+    Observation observation;
+    eachClient(system,
+               [&](const EndpointInSystem& endpoint, IAudioClient& client)
+               {
+                   const MixFormat format(client);
+                   if (format.get() == nullptr)
+                       return observation.see(false, "no format", endpoint.name);
+                   const std::string found = std::to_string(format.get()->wBitsPerSample) + " bits, tag " +
+                                             std::to_string(format.get()->wFormatTag);
+                   observation.see(found == "32 bits, tag 65534", found, endpoint.name);
+               });
+    return observation.finding("no endpoint with a stream");
+}
+
+Finding periodsAreOrdered(System& system)
+{
+    Observation observation;
+    eachClient(system,
+               [&](const EndpointInSystem& endpoint, IAudioClient& client)
+               {
+                   REFERENCE_TIME usual = 0;
+                   REFERENCE_TIME minimum = 0;
+                   const HRESULT result = client.GetDevicePeriod(&usual, &minimum);
+                   const bool isRight = result == S_OK && minimum > 0 && minimum <= usual;
+                   observation.see(isRight, isRight ? "so" : resultName(result), endpoint.name);
+               });
+    return observation.finding("no endpoint with a stream");
+}
+
+Finding bufferHoldsWhatWasAsked(System& system)
+{
+    Observation observation;
+    eachClient(system,
+               [&](const EndpointInSystem& endpoint, IAudioClient& client)
+               {
+                   const MixFormat format(client);
+                   const HRESULT result = initialize(client, format.get());
+                   UINT32 frames = 0;
+                   if (SUCCEEDED(result))
+                       client.GetBufferSize(&frames);
+                   const bool isRight = result == S_OK && frames >= format.get()->nSamplesPerSec / 2;
+                   observation.see(isRight, isRight ? "so" : resultName(result) + ", " + std::to_string(frames),
+                                   endpoint.name);
+               });
+    return observation.finding("no endpoint with a stream");
+}
+
+HRESULT withService(IAudioClient& client)
+{
+    const HRESULT result = initialize(client);
+    Held<IAudioClock> clock;
+    return FAILED(result) ? result
+                          : client.GetService(sim::InterfaceTraits<IAudioClock>::iid(), clock.putVoid());
+}
+}
+
+Facts streamFacts()
+{
+    return {
+        {"The engine mixes 32-bit floating-point samples", "32 bits, tag 65534",
+         "Microsoft's documentation of IAudioClient::GetMixFormat", mixesFloats},
+        {"The minimum period is not above the usual one", "so",
+         "Microsoft's documentation of IAudioClient::GetDevicePeriod", periodsAreOrdered},
+        {"The mix format is supported in shared mode", "S_OK",
+         "Microsoft's documentation of IAudioClient::IsFormatSupported",
+         eachResult(S_OK,
+                    [](IAudioClient& client)
+                    {
+                        const MixFormat format(client);
+                        WAVEFORMATEX* closest = nullptr;
+                        const HRESULT result =
+                            client.IsFormatSupported(AUDCLNT_SHAREMODE_SHARED, format.get(), &closest);
+                        CoTaskMemFree(closest);
+                        return result;
+                    })},
+        {"The size of the buffer before Initialize", "AUDCLNT_E_NOT_INITIALIZED", clientDocumentation,
+         eachResult(AUDCLNT_E_NOT_INITIALIZED,
+                    [](IAudioClient& client)
+                    {
+                        UINT32 frames = 0;
+                        return client.GetBufferSize(&frames);
+                    })},
+        {"Start before Initialize", "AUDCLNT_E_NOT_INITIALIZED", clientDocumentation,
+         eachResult(AUDCLNT_E_NOT_INITIALIZED, [](IAudioClient& client) { return client.Start(); })},
+        {"The buffer holds at least what was asked for", "so",
+         "Microsoft's documentation of IAudioClient::Initialize", bufferHoldsWhatWasAsked},
+        {"Initialize without a format", "E_POINTER", "Microsoft's documentation of IAudioClient::Initialize",
+         eachResult(E_POINTER, [](IAudioClient& client) { return initialize(client, nullptr); })},
+        {"Initialize once more", "AUDCLNT_E_ALREADY_INITIALIZED",
+         "Microsoft's documentation of IAudioClient::Initialize",
+         eachResult(static_cast<HRESULT>(0x88890002u),
+                    [](IAudioClient& client)
+                    {
+                        initialize(client);
+                        return initialize(client);
+                    })},
+        {"A stream that was initialised has a clock", "S_OK", "Microsoft's documentation of IAudioClient::GetService",
+         eachResult(S_OK, withService)},
+    };
+}
+}
