@@ -47,7 +47,8 @@ int main(int count, char** words)
 {
     Options options;
     CLI::App arguments("Checks whether a Core Audio answers as Windows does");
-    arguments.add_option("--machine", options.machine, "A simulated machine, by name or file, instead of the system's own");
+    arguments.add_option("--machine", options.machine,
+                         "A simulated machine, by name or file, instead of the system's own");
     arguments.add_flag("--change", options.mayChange,
                        "Also check what needs a change of a level or a property, and put it back");
     arguments.add_flag("--brief", options.isBrief, "Print the facts only in which the system differs");

@@ -114,13 +114,18 @@ TEST_P(ProgramUnderAccount, ShowsTheSameByteForByte)
 #define UNDER_ACCOUNT(Suite, machine)                                              \
     INSTANTIATE_TEST_SUITE_P(Suite, ProgramUnderAccount, testing::Values(machine), \
                              [](const auto& name) { return support::testName(name.param); })
+UNDER_ACCOUNT(Bluetooth, "bluetooth");
 UNDER_ACCOUNT(Broken, "broken");
 UNDER_ACCOUNT(Crowded, "crowded");
 UNDER_ACCOUNT(Desktop, "desktop");
 UNDER_ACCOUNT(Empty, "empty");
 UNDER_ACCOUNT(Laptop, "laptop");
 UNDER_ACCOUNT(LaptopUser, "laptop-user");
+UNDER_ACCOUNT(Published, "published");
+UNDER_ACCOUNT(RemoteDesktop, "remote-desktop");
 UNDER_ACCOUNT(Studio, "studio");
+UNDER_ACCOUNT(Virtual, "virtual");
+UNDER_ACCOUNT(Waking, "waking");
 
 namespace
 {

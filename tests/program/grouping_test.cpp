@@ -131,7 +131,8 @@ TEST_P(Grouping, ByTheInstancesOfTheAdaptersIsThatOfTheLibrarysCards)
 }
 
 INSTANTIATE_TEST_SUITE_P(MachinesThatShip, Grouping,
-                         testing::Values("desktop", "laptop", "studio", "crowded", "broken", "empty", "laptop-user"),
+                         testing::Values("desktop", "laptop", "studio", "crowded", "broken", "empty", "laptop-user",
+                                         "published", "remote-desktop", "bluetooth", "virtual", "waking"),
                          [](const testing::TestParamInfo<const char*>& machine)
                          {
                              std::string name = machine.param;

@@ -293,16 +293,22 @@ TEST_P(ProgramOnMachine, ListensAndEnds)
 #define ON_MACHINE(Suite, machine)                                              \
     INSTANTIATE_TEST_SUITE_P(Suite, ProgramOnMachine, testing::Values(machine), \
                              [](const auto& name) { return support::testName(name.param); })
+ON_MACHINE(Bluetooth, "bluetooth");
 ON_MACHINE(Broken, "broken");
 ON_MACHINE(Crowded, "crowded");
 ON_MACHINE(Desktop, "desktop");
 ON_MACHINE(Empty, "empty");
 ON_MACHINE(Laptop, "laptop");
 ON_MACHINE(LaptopUser, "laptop-user");
+ON_MACHINE(Published, "published");
+ON_MACHINE(RemoteDesktop, "remote-desktop");
 ON_MACHINE(Studio, "studio");
+ON_MACHINE(Virtual, "virtual");
+ON_MACHINE(Waking, "waking");
 
 TEST(ProgramOnMachines, HaveASuiteForEachMachineThatShips)
 {
-    EXPECT_THAT(sim::machineNames(), testing::UnorderedElementsAre("broken", "crowded", "desktop", "empty", "laptop",
-                                                                   "laptop-user", "studio"));
+    EXPECT_THAT(sim::machineNames(), testing::UnorderedElementsAre("bluetooth", "broken", "crowded", "desktop", "empty",
+                                                                   "laptop", "laptop-user", "published",
+                                                                   "remote-desktop", "studio", "virtual", "waking"));
 }

@@ -171,8 +171,8 @@ TEST_F(ProgramUsage, AnswersNonsenseWithOneSentence)
 
 TEST_F(ProgramUsage, NamesTheMachinesThatThereAre)
 {
-    EXPECT_EQ("sonavit: there is no machine \"nosuch\"; the machines are broken, crowded, desktop, empty, laptop, "
-              "laptop-user and studio\n",
+    EXPECT_EQ("sonavit: there is no machine \"nosuch\"; the machines are bluetooth, broken, crowded, desktop, "
+              "empty, laptop, laptop-user, published, remote-desktop, studio, virtual and waking\n",
               call({"--machine", "nosuch"}).err);
 }
 

@@ -12,9 +12,10 @@ namespace sonavit
 {
 namespace
 {
-constexpr const char* machineHelp = "Use a simulated machine: one of broken, crowded,\n"
-                                    "desktop, empty, laptop, laptop-user and studio, or a\n"
-                                    "JSON file.\n"
+constexpr const char* machineHelp = "Use a simulated machine: one of bluetooth, broken,\n"
+                                    "crowded, desktop, empty, laptop, laptop-user,\n"
+                                    "published, remote-desktop, studio, virtual and\n"
+                                    "waking, or a JSON file.\n"
                                     "Default: the system's own audio on Windows, desktop\n"
                                     "on other systems";
 

@@ -139,7 +139,8 @@ Facts enumerationFacts()
          [](System& system) { return isRefused(defaultOf(system, eAll, eConsole)); }},
         {"The default endpoint of a role that does not exist", "E_INVALIDARG, null", enumeratorTests,
          [](System& system) { return isRefused(defaultOf(system, eRender, static_cast<ERole>(-1))); }},
-        {"A default endpoint is active", "active", "Microsoft's documentation of IMMDeviceEnumerator", defaultsAreActive},
+        {"A default endpoint is active", "active", "Microsoft's documentation of IMMDeviceEnumerator",
+         defaultsAreActive},
         {"A flow without an active endpoint has no default", "E_NOTFOUND, null",
          "Microsoft's documentation of IMMDeviceEnumerator::GetDefaultAudioEndpoint", noActiveNoDefault},
     };

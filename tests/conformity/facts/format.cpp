@@ -26,8 +26,7 @@ Finding isFortyBytes(System& system)
             const BLOB& blob = value.variant().blob;
             if (blob.cbSize >= sizeof format)
                 std::memcpy(&format, blob.pBlobData, sizeof format);
-            const std::string found =
-                std::to_string(blob.cbSize) + " bytes, tag " + std::to_string(format.wFormatTag);
+            const std::string found = std::to_string(blob.cbSize) + " bytes, tag " + std::to_string(format.wFormatTag);
             observation.see(found == "40 bytes, tag 65534", found, endpoint.name);
         });
     return observation.finding("no active endpoint");

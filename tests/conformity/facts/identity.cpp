@@ -48,9 +48,8 @@ Finding oneEnumerator(System&)
 Finding unknownContext(System&)
 {
     IMMDeviceEnumerator* object = poison<IMMDeviceEnumerator>();
-    const HRESULT result =
-        CoCreateInstance(CLSID_MMDeviceEnumerator, nullptr, CLSCTX_INPROC_SERVER,
-                         sim::InterfaceTraits<IMMDevice>::iid(), reinterpret_cast<void**>(&object));
+    const HRESULT result = CoCreateInstance(CLSID_MMDeviceEnumerator, nullptr, CLSCTX_INPROC_SERVER,
+                                            sim::InterfaceTraits<IMMDevice>::iid(), reinterpret_cast<void**>(&object));
     return oneResult(resultName(result) + (object == nullptr ? ", null" : ", not null"), "E_NOINTERFACE, null");
 }
 

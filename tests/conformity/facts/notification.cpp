@@ -57,8 +57,8 @@ Finding registrationTakesNothing(System& system)
 {
     EndpointClient client;
     const HRESULT result = system.enumerator().RegisterEndpointNotificationCallback(&client);
-    const std::string found = std::to_string(client.references - 1) + " references, " +
-                              std::to_string(client.queries) + " questions for an interface";
+    const std::string found = std::to_string(client.references - 1) + " references, " + std::to_string(client.queries) +
+                              " questions for an interface";
     system.enumerator().UnregisterEndpointNotificationCallback(&client);
     return FAILED(result) ? Finding{Verdict::differs, resultName(result)}
                           : one(found, "0 references, 0 questions for an interface");
@@ -77,8 +77,8 @@ Finding volumeClientsAreHeld(System& system)
             const bool isHeld = client.references > 1;
             volume->UnregisterControlChangeNotify(&client);
             const bool isReleased = client.references == 1;
-            const std::string found = std::string(isHeld ? "held" : "not held") + ", " +
-                                      (isReleased ? "released" : "not released");
+            const std::string found =
+                std::string(isHeld ? "held" : "not held") + ", " + (isReleased ? "released" : "not released");
             observation.see(isHeld && isReleased, found, endpoint.name);
         });
     return observation.finding("no endpoint with a volume");

@@ -101,8 +101,7 @@ Finding absentControl(System& system)
              [&](IPart& part, const std::string& id, bool)
              {
                  void* object = poison<IUnknown>();
-                 const HRESULT result =
-                     part.Activate(CLSCTX_ALL, sim::InterfaceTraits<IMMDevice>::iid(), &object);
+                 const HRESULT result = part.Activate(CLSCTX_ALL, sim::InterfaceTraits<IMMDevice>::iid(), &object);
                  const bool isRight = result == E_NOINTERFACE && object == nullptr;
                  observation.see(isRight, resultName(result) + (object == nullptr ? ", null" : ""), id);
              });
@@ -169,8 +168,8 @@ Facts partFacts()
          absentControl},
         {"The level of a hardware volume snaps to a step", "on a step",
          "Microsoft's documentation of IPerChannelDbLevel::SetLevel", partLevelsSnap},
-        {"A jack describes itself, and no further jack", "described",
-         "Microsoft's documentation of IKsJackDescription", jacksAreDescribed},
+        {"A jack describes itself, and no further jack", "described", "Microsoft's documentation of IKsJackDescription",
+         jacksAreDescribed},
     };
 }
 }

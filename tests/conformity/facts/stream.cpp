@@ -118,8 +118,7 @@ HRESULT withService(IAudioClient& client)
 {
     const HRESULT result = initialize(client);
     Held<IAudioClock> clock;
-    return FAILED(result) ? result
-                          : client.GetService(sim::InterfaceTraits<IAudioClock>::iid(), clock.putVoid());
+    return FAILED(result) ? result : client.GetService(sim::InterfaceTraits<IAudioClock>::iid(), clock.putVoid());
 }
 }
 
@@ -151,8 +150,8 @@ Facts streamFacts()
                     })},
         {"Start before Initialize", "AUDCLNT_E_NOT_INITIALIZED", clientDocumentation,
          eachResult(AUDCLNT_E_NOT_INITIALIZED, [](IAudioClient& client) { return client.Start(); })},
-        {"The buffer holds at least what was asked for", "so",
-         "Microsoft's documentation of IAudioClient::Initialize", bufferHoldsWhatWasAsked},
+        {"The buffer holds at least what was asked for", "so", "Microsoft's documentation of IAudioClient::Initialize",
+         bufferHoldsWhatWasAsked},
         {"Initialize without a format", "E_POINTER", "Microsoft's documentation of IAudioClient::Initialize",
          eachResult(E_POINTER, [](IAudioClient& client) { return initialize(client, nullptr); })},
         {"Initialize once more", "AUDCLNT_E_ALREADY_INITIALIZED",

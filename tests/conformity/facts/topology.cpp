@@ -27,8 +27,7 @@ Connectors connectorsOf(IDeviceTopology& topology)
     return result;
 }
 
-void eachEndpointTopology(System& system,
-                          const std::function<void(const EndpointInSystem&, IDeviceTopology&)>& action)
+void eachEndpointTopology(System& system, const std::function<void(const EndpointInSystem&, IDeviceTopology&)>& action)
 {
     system.eachActive(
         [&](const EndpointInSystem& endpoint)

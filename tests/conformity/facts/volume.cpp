@@ -22,8 +22,7 @@ void eachVolume(System& system, const VolumeAction& action)
 }
 
 /// A check of each volume that finds one result.
-std::function<Finding(System&)> eachResult(HRESULT expected,
-                                           const std::function<HRESULT(IAudioEndpointVolume&)>& call)
+std::function<Finding(System&)> eachResult(HRESULT expected, const std::function<HRESULT(IAudioEndpointVolume&)>& call)
 {
     return [expected, call](System& system)
     {
@@ -99,8 +98,8 @@ Finding sameMuteIsNoChange(System& system)
 }
 
 /// Sets a level, reads it with @p read, and puts the old one back.
-Finding afterSetting(System& system, const std::function<void(const EndpointInSystem&, IAudioEndpointVolume&, float minimum,
-                                                              float maximum, float step)>& action)
+Finding afterSetting(System& system, const std::function<void(const EndpointInSystem&, IAudioEndpointVolume&,
+                                                              float minimum, float maximum, float step)>& action)
 {
     eachVolume(system,
                [&](const EndpointInSystem& endpoint, IAudioEndpointVolume& volume)
@@ -110,7 +109,8 @@ Finding afterSetting(System& system, const std::function<void(const EndpointInSy
                    float step = 0;
                    float before = 0;
                    if (FAILED(volume.GetVolumeRange(&minimum, &maximum, &step)) || maximum - minimum < step ||
-                       FAILED(volume.GetMasterVolumeLevel(&before)) || FAILED(volume.SetMasterVolumeLevel(before, nullptr)))
+                       FAILED(volume.GetMasterVolumeLevel(&before)) ||
+                       FAILED(volume.SetMasterVolumeLevel(before, nullptr)))
                        return;
                    action(endpoint, volume, minimum, maximum, step);
                    volume.SetMasterVolumeLevel(before, nullptr);
@@ -141,19 +141,21 @@ Finding endsOfTheScale(System& system)
     if (!system.mayChange())
         return {Verdict::notTried, "needs --change"};
     Observation observation;
-    afterSetting(system,
-                 [&](const EndpointInSystem& endpoint, IAudioEndpointVolume& volume, float minimum, float maximum, float)
-                 {
-                     float bottom = 0;
-                     float top = 0;
-                     volume.SetMasterVolumeLevelScalar(0.0f, nullptr);
-                     volume.GetMasterVolumeLevel(&bottom);
-                     volume.SetMasterVolumeLevelScalar(1.0f, nullptr);
-                     volume.GetMasterVolumeLevel(&top);
-                     const bool isRight = std::fabs(bottom - minimum) < 0.01f && std::fabs(top - maximum) < 0.01f;
-                     observation.see(isRight, isRight ? "the ends of the range" :
-                                     std::to_string(bottom) + " and " + std::to_string(top), endpoint.name);
-                 });
+    afterSetting(
+        system,
+        [&](const EndpointInSystem& endpoint, IAudioEndpointVolume& volume, float minimum, float maximum, float)
+        {
+            float bottom = 0;
+            float top = 0;
+            volume.SetMasterVolumeLevelScalar(0.0f, nullptr);
+            volume.GetMasterVolumeLevel(&bottom);
+            volume.SetMasterVolumeLevelScalar(1.0f, nullptr);
+            volume.GetMasterVolumeLevel(&top);
+            const bool isRight = std::fabs(bottom - minimum) < 0.01f && std::fabs(top - maximum) < 0.01f;
+            observation.see(isRight,
+                            isRight ? "the ends of the range" : std::to_string(bottom) + " and " + std::to_string(top),
+                            endpoint.name);
+        });
     return observation.finding("no volume that can be set");
 }
 
@@ -199,7 +201,8 @@ Facts volumeFacts()
                         return volume.GetVolumeStepInfo(nullptr, &count);
                     })},
         {"Asking for neither step nor number", "E_POINTER", steps,
-         eachResult(E_POINTER, [](IAudioEndpointVolume& volume) { return volume.GetVolumeStepInfo(nullptr, nullptr); })},
+         eachResult(E_POINTER,
+                    [](IAudioEndpointVolume& volume) { return volume.GetVolumeStepInfo(nullptr, nullptr); })},
         {"A channel past the end", "E_INVALIDARG",
          "Microsoft's documentation of IAudioEndpointVolume::GetChannelVolumeLevel",
          eachResult(E_INVALIDARG, firstChannelPastTheEnd)},

@@ -15,10 +15,11 @@ using facts::contains;
 using facts::partsOf;
 using sim::Machine;
 
-TEST(MachinesThatShip, AreSeven)
+TEST(MachinesThatShip, AreTwelve)
 {
     EXPECT_THAT(sim::machineNames(),
-                ElementsAre("broken", "crowded", "desktop", "empty", "laptop", "laptop-user", "studio"));
+                ElementsAre("bluetooth", "broken", "crowded", "desktop", "empty", "laptop", "laptop-user", "published",
+                            "remote-desktop", "studio", "virtual", "waking"));
 }
 
 TEST(MachinesThatShip, AreCalledLikeTheirFiles)

@@ -1,5 +1,6 @@
 #include "simulator/machine/casefolding.h"
 #include "simulator/machine/file/machinefile.h"
+#include "simulator/machine/valuetext.h"
 #include "tests/simulator/machine/machinefacts.h"
 
 #include <gmock/gmock.h>
@@ -108,6 +109,117 @@ TEST(MachineLaptopUser, IsTheOnlyOneThatIsNotAnAdministrators)
 {
     for (const std::string& name : sim::machineNames())
         EXPECT_EQ(name != "laptop-user", sim::findMachine(name).account == sim::Account::administrator) << name;
+}
+
+/// The container of each endpoint, where the machine says it.
+std::vector<std::string> containersOf(const Machine& machine)
+{
+    std::vector<std::string> containers;
+    for (const sim::Endpoint& endpoint : machine.endpoints)
+    {
+        const sim::PropertyValue* const value = sim::findProperty(endpoint.properties, sim::keys::containerId);
+        containers.push_back(value == nullptr ? "none" : sim::guidText(value->guid));
+    }
+    return containers;
+}
+
+TEST(MachinePublished, HasTwoFiltersForEachJackThatAreJoinedByFixedSoftwareConnections)
+{
+    const Machine machine = sim::findMachine("published");
+
+    EXPECT_THAT(machine.adapters, SizeIs(6));
+    std::size_t bridges = 0;
+    for (const sim::Join& join : machine.joins)
+    {
+        const sim::PartPlace from = machine.part(join.from);
+        if (from.connector->type != Software_Fixed)
+            continue;
+        EXPECT_EQ(Software_Fixed, machine.part(join.to).connector->type) << join.to;
+        ++bridges;
+    }
+    EXPECT_EQ(3u, bridges);
+}
+
+TEST(MachinePublished, DescribesItsAnalogJacks)
+{
+    const Machine machine = sim::findMachine("published");
+
+    std::vector<std::uint32_t> colours;
+    for (const sim::Adapter& adapter : machine.adapters)
+    {
+        for (const sim::Connector& connector : adapter.topology->connectors)
+        {
+            for (const sim::Jack& jack : connector.jacks)
+                colours.push_back(jack.colour);
+        }
+    }
+    EXPECT_THAT(colours, ElementsAre(0x00FF00, 0xFF8080));
+}
+
+TEST(MachinePublished, HasThePropertiesOfAnAbsentEndpointWithTheirTags)
+{
+    const Machine machine = sim::findMachine("published");
+
+    std::multiset<VARTYPE> tags;
+    for (const sim::Endpoint& endpoint : machine.endpoints)
+    {
+        if (endpoint.state != sim::stateNotPresent)
+            continue;
+        for (const sim::Property& property : endpoint.properties)
+            tags.insert(property.value.tag);
+    }
+    EXPECT_EQ(3u, tags.count(VT_BLOB));
+    EXPECT_EQ(2u, tags.count(VT_CLSID));
+    EXPECT_EQ(1u, tags.count(VT_UI4));
+    EXPECT_EQ(7u, tags.count(VT_LPWSTR));
+}
+
+TEST(MachineRemoteDesktop, HasOneOutputWithoutHardware)
+{
+    const Machine machine = sim::findMachine("remote-desktop");
+
+    ASSERT_THAT(machine.endpoints, SizeIs(1));
+    EXPECT_EQ(eRender, machine.endpoints[0].flow);
+    EXPECT_THAT(machine.adapters, IsEmpty());
+    const sim::PropertyValue* const name =
+        sim::findProperty(machine.endpoints[0].properties, sim::keys::enumeratorName);
+    ASSERT_NE(nullptr, name);
+    EXPECT_EQ("", name->text);
+}
+
+TEST(MachineBluetooth, HasAHeadsetOfTwoProfilesInOneContainer)
+{
+    const Machine machine = sim::findMachine("bluetooth");
+
+    const std::vector<std::string> containers = containersOf(machine);
+    ASSERT_THAT(containers, SizeIs(5));
+    EXPECT_EQ(3, std::count(containers.begin(), containers.end(), containers[0]));
+    EXPECT_THAT(cardsOf(machine), SizeIs(3));
+    EXPECT_NE(textOf(machine.endpoints[0], sim::keys::instancePath),
+              textOf(machine.endpoints[1], sim::keys::instancePath));
+}
+
+TEST(MachineVirtual, HasCablesWithoutTopology)
+{
+    const Machine machine = sim::findMachine("virtual");
+
+    EXPECT_THAT(machine.endpoints, SizeIs(4));
+    for (const sim::Endpoint& endpoint : machine.endpoints)
+        EXPECT_FALSE(endpoint.topology.has_value()) << endpoint.id;
+    EXPECT_THAT(machine.adapters, IsEmpty());
+}
+
+TEST(MachineWaking, FindsNoDeviceForEightSecondsAfterItWakes)
+{
+    const Machine machine = sim::findMachine("waking");
+
+    ASSERT_THAT(machine.faults, SizeIs(1));
+    EXPECT_EQ("IMMDeviceEnumerator::GetDevice", machine.faults[0].operation);
+    EXPECT_EQ(E_NOTFOUND, machine.faults[0].result);
+    EXPECT_EQ(8000u, machine.faults[0].forMilliseconds);
+    EXPECT_EQ(sim::ScriptEvent::Kind::wake, machine.faults[0].after);
+    ASSERT_FALSE(machine.script.empty());
+    EXPECT_EQ(sim::ScriptEvent::Kind::wake, machine.script[0].kind);
 }
 
 TEST(MachineStudio, HasAHardwareMixer)

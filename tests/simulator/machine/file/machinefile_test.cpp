@@ -254,7 +254,8 @@ TEST(MachineFileWrite, KeepsEachTagThatAStoreTakesAndAnEmptyBlob)
 TEST(MachineFileWrite, GivesEachMachineThatShipsBack)
 {
     ASSERT_THAT(sim::machineNames(),
-                ElementsAre("broken", "crowded", "desktop", "empty", "laptop", "laptop-user", "studio"));
+                ElementsAre("bluetooth", "broken", "crowded", "desktop", "empty", "laptop", "laptop-user", "published",
+                            "remote-desktop", "studio", "virtual", "waking"));
     for (const std::string& name : sim::machineNames())
     {
         const sim::Machine machine = sim::findMachine(name);
