@@ -61,6 +61,7 @@ build_libsoundio() {
     withCMake libsoundio -DBUILD_TESTS=OFF -DBUILD_DYNAMIC_LIBS=ON
 }
 
+# Not tried yet: the sources could not be fetched, see docs/foreign.md.
 build_openal_soft() {
     withCMake openal-soft -DALSOFT_EXAMPLES=OFF -DALSOFT_TESTS=OFF
 }

@@ -195,6 +195,17 @@ foreach(machine IN ITEMS "" nowhere "Z:${CMAKE_CURRENT_LIST_FILE}")
   endif()
 endforeach()
 
+# A server in another place finds the machines next to it.
+file(COPY "${SERVER}" DESTINATION "${PREFIX}/elsewhere")
+file(MAKE_DIRECTORY "${PREFIX}/elsewhere/machines")
+file(COPY_FILE "${MACHINES}/studio.json" "${PREFIX}/elsewhere/machines/alone.json")
+wine(regsvr32 /s "Z:${PREFIX}/elsewhere/SonavitMachine.dll")
+behind(alone list)
+expected(lines studio)
+if(code OR NOT output STREQUAL lines)
+  fail("a machine next to the server is not found (${code}):" "${output}" "${errors}")
+endif()
+
 wine(regsvr32 /u /s "Z:${SERVER}")
 behind("" list)
 if(code OR errors MATCHES "SonavitMachine" OR output MATCHES "Desk Monitor")
