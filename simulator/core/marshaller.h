@@ -21,7 +21,8 @@ public:
     void* find(IUnknown& object, REFIID iid, bool& added);
 
 private:
-    IUnknown* m_inner = nullptr;
-    void* m_marshal = nullptr; ///< an interface of m_inner
+    // Null off Windows.
+    [[maybe_unused]] IUnknown* m_inner = nullptr;
+    [[maybe_unused]] void* m_marshal = nullptr; ///< an interface of m_inner
 };
 }

@@ -6,6 +6,6 @@ Marshaller::~Marshaller() = default;
 
 void* Marshaller::find(IUnknown&, REFIID, bool&)
 {
-    return m_marshal;
+    return nullptr;
 }
 }
