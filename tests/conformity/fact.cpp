@@ -30,11 +30,11 @@ void Observation::see(bool isRight, const std::string& seen, const std::string& 
 
 Finding Observation::finding(const std::string& absence) const
 {
+    const std::string trials = std::to_string(m_trials);
     if (m_trials == 0)
         return {Verdict::notTried, absence};
     if (m_deviations == 0)
-        return {Verdict::agrees, m_usual + (m_trials > 1 ? ", " + std::to_string(m_trials) + " times" : "")};
-    const std::string share = std::to_string(m_deviations) + " of " + std::to_string(m_trials);
-    return {Verdict::differs, m_first + (m_trials > 1 ? " (" + share + ")" : "")};
+        return {Verdict::agrees, m_usual + (m_trials > 1 ? ", at all of " + trials : "")};
+    return {Verdict::differs, m_first + (m_trials > 1 ? ", in " + std::to_string(m_deviations) + " of " + trials : "")};
 }
 }

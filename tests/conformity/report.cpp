@@ -51,7 +51,7 @@ unsigned report(const std::string& name, const Facts& facts, System& system, boo
         out << (index < 9 ? " " : "") << index + 1 << "  " << word(finding.verdict) << "  " << fact.text << "\n"
             << "               expected  " << fact.expected << "\n"
             << "               found     " << finding.found << "\n"
-            << "               source    " << fact.source << "\n";
+            << "               source    " << fact.source << std::endl; // a crash loses no finding
     }
     const unsigned differences = counts[static_cast<std::size_t>(Verdict::differs)];
     out << "\n"
