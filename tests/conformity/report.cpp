@@ -2,7 +2,6 @@
 
 #include "tests/conformity/system.h"
 
-#include <array>
 #include <exception>
 
 namespace conformity
@@ -37,27 +36,34 @@ Finding tried(const Fact& fact, System& system)
 }
 }
 
-unsigned report(const std::string& name, const Facts& facts, System& system, bool isBrief, std::ostream& out)
+Printout::Printout(std::ostream& out, bool isBrief) : m_out(out), m_isBrief(isBrief) {}
+
+unsigned Printout::report(const std::string& name, const Facts& facts, System& system) const
 {
     std::array<unsigned, 3> counts = {};
-    out << "Core Audio of " << name << "\n\n";
+    m_out << "Core Audio of " << name << "\n";
     for (std::size_t index = 0; index < facts.size(); ++index)
     {
-        const Fact& fact = facts[index];
-        const Finding finding = tried(fact, system);
+        const Finding finding = tried(facts[index], system);
         ++counts[static_cast<std::size_t>(finding.verdict)];
-        if (isBrief && finding.verdict != Verdict::differs)
-            continue;
-        out << (index < 9 ? " " : "") << index + 1 << "  " << word(finding.verdict) << "  " << fact.text << "\n"
-            << "               expected  " << fact.expected << "\n"
-            << "               found     " << finding.found << "\n"
-            << "               source    " << fact.source << std::endl; // a crash loses no finding
+        if (!m_isBrief || finding.verdict == Verdict::differs)
+            print(index + 1, facts[index], finding);
     }
     const unsigned differences = counts[static_cast<std::size_t>(Verdict::differs)];
-    out << "\n"
-        << facts.size() << " facts: " << counts[static_cast<std::size_t>(Verdict::agrees)] << " agree, " << differences
-        << (differences == 1 ? " difference, " : " differences, ")
-        << counts[static_cast<std::size_t>(Verdict::notTried)] << " not tried\n";
+    m_out << "\n"
+          << facts.size() << " facts: " << counts[static_cast<std::size_t>(Verdict::agrees)] << " agree, "
+          << differences << (differences == 1 ? " difference, " : " differences, ")
+          << counts[static_cast<std::size_t>(Verdict::notTried)] << " not tried\n";
     return differences;
+}
+
+/// Each finding is written at once: if a system crashes in the next check, it is not lost.
+void Printout::print(std::size_t number, const Fact& fact, const Finding& finding) const
+{
+    m_out << "\n"
+          << (number < 10 ? " " : "") << number << "  " << word(finding.verdict) << "  " << fact.text << "\n"
+          << "               expected  " << fact.expected << "\n"
+          << "               found     " << finding.found << "\n"
+          << "               source    " << fact.source << std::endl;
 }
 }

@@ -4,12 +4,28 @@
 
 #include "tests/conformity/fact.h"
 
+#include <array>
+#include <cstddef>
 #include <ostream>
 #include <string>
 
 namespace conformity
 {
-/// Checks all @p facts on @p system, which is called @p name, and prints each with what is expected, what was found and
-/// who says so; with @p isBrief those alone that differ. @return the number of differences
-unsigned report(const std::string& name, const Facts& facts, System& system, bool isBrief, std::ostream& out);
+/// Where the findings go, and which.
+class Printout
+{
+public:
+    /// @param isBrief whether only the differences are printed
+    Printout(std::ostream& out, bool isBrief);
+
+    /// Checks all @p facts on @p system, which is called @p name, and prints each with what is expected, what was found
+    /// and who says so, and the numbers at the end. @return the number of differences
+    unsigned report(const std::string& name, const Facts& facts, System& system) const;
+
+private:
+    void print(std::size_t number, const Fact& fact, const Finding& finding) const;
+
+    std::ostream& m_out;
+    const bool m_isBrief;
+};
 }

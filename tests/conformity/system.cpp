@@ -1,6 +1,7 @@
 #include "tests/conformity/system.h"
 
 #include "platform/propertykeys.h"
+#include "tests/conformity/results.h"
 #include "tests/conformity/store.h"
 
 #include <algorithm>
@@ -14,7 +15,7 @@ std::string nameOf(IMMDevice& device, const std::string& id)
 {
     const Held<IPropertyStore> store = openedStore(device);
     const std::string name = store ? Value(*store.get(), platform::propertykeys::fullName).text() : std::string();
-    return name.empty() ? id : name;
+    return name.empty() || name == " ()" ? id : name;
 }
 
 EndpointInSystem described(Held<IMMDevice> device)
@@ -67,12 +68,13 @@ const std::vector<EndpointInSystem>& System::endpoints()
 {
     if (m_endpoints)
         return *m_endpoints;
-    m_endpoints.emplace();
     Held<IMMDeviceCollection> collection;
-    enumerator().EnumAudioEndpoints(eAll, DEVICE_STATEMASK_ALL, collection.put());
+    const HRESULT result = enumerator().EnumAudioEndpoints(eAll, DEVICE_STATEMASK_ALL, collection.put());
+    if (FAILED(result) || !collection)
+        throw std::runtime_error("the endpoints cannot be listed: " + resultName(result));
+    m_endpoints.emplace();
     UINT count = 0;
-    if (collection)
-        collection->GetCount(&count);
+    collection->GetCount(&count);
     for (UINT index = 0; index < count; ++index)
     {
         Held<IMMDevice> device;

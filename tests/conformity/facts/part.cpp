@@ -55,9 +55,8 @@ Finding localIdsHaveClasses(System& system)
              {
                  UINT localId = 0;
                  part.GetLocalId(&localId);
-                 const UINT expected = isConnector ? 1 : 2;
-                 observation.see(localId >> 16 == expected, localId >> 16 == expected ? "so" : std::to_string(localId),
-                                 id);
+                 const bool isRight = localId >> 16 == (isConnector ? 1u : 2u);
+                 observation.see(isRight, isRight ? "0x1xxxx, 0x2xxxx" : std::to_string(localId), id);
              });
     return observation.finding("no adapter");
 }
@@ -78,20 +77,28 @@ Finding neighboursOfNobody(System& system)
     return observation.finding("no part without neighbours");
 }
 
+/// Tries the control I of @p part, if it has one.
+template<class I>
+void activateOutOfProcess(Observation& observation, IPart& part, const std::string& id)
+{
+    if (!controlOf<I>(part))
+        return;
+    Held<I> control;
+    const HRESULT result = part.Activate(CLSCTX_LOCAL_SERVER, sim::InterfaceTraits<I>::iid(), control.putVoid());
+    observation.see(result == E_INVALIDARG, resultName(result), id);
+}
+
 Finding contextMustBeInProcess(System& system)
 {
     Observation observation;
     eachPart(system,
              [&](IPart& part, const std::string& id, bool)
              {
-                 Held<IAudioMute> mute;
-                 if (!controlOf<IAudioMute>(part))
-                     return;
-                 const HRESULT result =
-                     part.Activate(CLSCTX_LOCAL_SERVER, sim::InterfaceTraits<IAudioMute>::iid(), mute.putVoid());
-                 observation.see(result == E_INVALIDARG, resultName(result), id);
+                 activateOutOfProcess<IAudioVolumeLevel>(observation, part, id);
+                 activateOutOfProcess<IAudioMute>(observation, part, id);
+                 activateOutOfProcess<IAudioInputSelector>(observation, part, id);
              });
-    return observation.finding("no part with a mute");
+    return observation.finding("no part with a control");
 }
 
 Finding absentControl(System& system)
@@ -158,7 +165,7 @@ Finding jacksAreDescribed(System& system)
 Facts partFacts()
 {
     return {
-        {"Local ids of connectors are 0x1xxxx, of subunits 0x2xxxx", "so", "published listings of hardware graphs",
+        {"Local ids of connectors and of subunits", "0x1xxxx, 0x2xxxx", "published listings of hardware graphs",
          localIdsHaveClasses},
         {"The neighbours of a part that has none", "E_NOTFOUND",
          "Microsoft's documentation of IPart::EnumPartsIncoming", neighboursOfNobody},

@@ -5,6 +5,8 @@
 #include "tests/conformity/store.h"
 #include "tests/conformity/system.h"
 
+#include <vector>
+
 namespace conformity
 {
 namespace
@@ -13,6 +15,7 @@ namespace keys = platform::propertykeys;
 
 constexpr GUID endpointSet = {0x1DA5D803, 0xD492, 0x4EDD, {0x8C, 0x23, 0xE0, 0xC0, 0xFF, 0xEE, 0x7F, 0x0E}};
 constexpr PROPERTYKEY formFactor = {endpointSet, 0};
+constexpr PROPERTYKEY association = {endpointSet, 2};
 constexpr PROPERTYKEY jackSubType = {endpointSet, 8};
 constexpr PROPERTYKEY containerId = {{0x8C7ED206, 0x3F8A, 0x4827, {0xB3, 0xAB, 0xAE, 0x9E, 0x1F, 0xAE, 0xFC, 0x6C}}, 2};
 constexpr PROPERTYKEY interfacePath = {{0x233164C8, 0x1B2C, 0x4C7D, {0xBC, 0x68, 0xB6, 0x71, 0x68, 0x7A, 0x25, 0x67}},
@@ -140,7 +143,8 @@ Finding namesAreComposed(System& system)
                   const std::string description = Value(store, keys::deviceDescription).text();
                   const std::string interfaceName = Value(store, keys::friendlyName).text();
                   const bool isRight = full == description + " (" + interfaceName + ")";
-                  observation.see(isRight, isRight ? "so" : "\"" + full + "\"", endpoint.name);
+                  observation.see(isRight, isRight ? "description (interface name)" : "\"" + full + "\"",
+                                  endpoint.name);
               });
     return observation.finding("no active endpoint");
 }
@@ -165,27 +169,42 @@ Finding listAndValuesAgree(System& system)
     return observation.finding("no active endpoint");
 }
 
+/// The description in a store that is opened for it; empty if that fails.
+std::string storedDescription(IMMDevice& device)
+{
+    const Held<IPropertyStore> store = openedStore(device);
+    return store ? Value(*store.get(), keys::deviceDescription).text() : std::string();
+}
+
+HRESULT writeDescription(IPropertyStore& store, const std::string& description)
+{
+    std::vector<WCHAR> units = sim::utf16(description);
+    PROPVARIANT value;
+    PropVariantInit(&value);
+    value.vt = VT_LPWSTR;
+    value.pwszVal = units.data();
+    return store.SetValue(keys::deviceDescription, value);
+}
+
+/// Changes the description of one endpoint, and puts it back.
 Finding setShowsAtOnce(System& system)
 {
     if (!system.mayChange())
         return {Verdict::notTried, "needs --change"};
     Observation observation;
+    bool isTried = false;
     system.eachActive(
         [&](const EndpointInSystem& endpoint)
         {
+            const std::string before = storedDescription(*endpoint.device.get());
             Held<IPropertyStore> store;
-            if (FAILED(endpoint.device->OpenPropertyStore(STGM_READWRITE, store.put())))
+            if (isTried || before.empty() || FAILED(endpoint.device->OpenPropertyStore(STGM_READWRITE, store.put())) ||
+                !store)
                 return;
-            PROPVARIANT number;
-            PropVariantInit(&number);
-            number.vt = VT_UI4;
-            number.ulVal = 4711;
-            const HRESULT result = store->SetValue(unknownKey, number);
-            const Held<IPropertyStore> other = openedStore(*endpoint.device.get());
-            const Value value(*other.get(), unknownKey);
-            const bool isSeen = value.tag() == VT_UI4 && value.variant().ulVal == 4711;
-            PropVariantInit(&number);
-            store->SetValue(unknownKey, number);
+            isTried = true;
+            const HRESULT result = writeDescription(*store.get(), before + "*");
+            const bool isSeen = storedDescription(*endpoint.device.get()) == before + "*";
+            writeDescription(*store.get(), before);
             store->Commit();
             observation.see(result == S_OK && isSeen, isSeen ? "at once" : resultName(result) + ", not seen",
                             endpoint.name);
@@ -200,6 +219,8 @@ Finding adaptersHaveInstances(System& system)
         [&](const std::string& id, IMMDevice& device, IDeviceTopology&)
         {
             const Held<IPropertyStore> store = openedStore(device);
+            if (!store)
+                return observation.see(false, "no store", id);
             const Value value(*store.get(), instanceId);
             observation.see(value.tag() == VT_LPWSTR, tagText(value.tag()), id);
         });
@@ -222,14 +243,16 @@ Facts propertyFacts()
          listAndValuesAgree},
         {"An endpoint has a description", "VT_LPWSTR", "Microsoft's documentation of PKEY_Device_DeviceDesc",
          hasTag(keys::deviceDescription, VT_LPWSTR)},
-        {"An endpoint's interface has a name", "VT_LPWSTR",
-         "Microsoft's documentation of PKEY_DeviceInterface_FriendlyName", hasTag(keys::fullName, VT_LPWSTR)},
-        {"An endpoint's name is \"description (interface name)\"", "so", storeTests, namesAreComposed},
+        {"An endpoint has a name", "VT_LPWSTR", "Microsoft's documentation of PKEY_Device_FriendlyName",
+         hasTag(keys::fullName, VT_LPWSTR)},
+        {"An endpoint's name is made of two others", "description (interface name)", storeTests, namesAreComposed},
         {"An endpoint has the path of its device interface", "VT_LPWSTR", storeTests, hasTag(interfacePath, VT_LPWSTR)},
         {"An endpoint has a form factor", "VT_UI4", "Microsoft's documentation of PKEY_AudioEndpoint_FormFactor",
          hasTag(formFactor, VT_UI4)},
         {"An endpoint has a kind of jack", "VT_LPWSTR", "Microsoft's documentation of PKEY_AudioEndpoint_JackSubType",
          hasTag(jackSubType, VT_LPWSTR)},
+        {"An endpoint has an association", "VT_LPWSTR", "Microsoft's documentation of PKEY_AudioEndpoint_Association",
+         hasTag(association, VT_LPWSTR)},
         {"An endpoint belongs to a container", "VT_CLSID", "Microsoft's documentation of container ids",
          hasTag(containerId, VT_CLSID)},
         {"An adapter has a device instance id", "VT_LPWSTR", "NAudio issue 508", adaptersHaveInstances},

@@ -23,6 +23,12 @@ void eachClient(System& system, const ClientAction& action)
         });
 }
 
+/// Whether recording is denied to the program, as by the privacy switch of Windows.
+bool isDenied(const EndpointInSystem& endpoint, HRESULT result)
+{
+    return endpoint.flow == eCapture && result == E_ACCESSDENIED;
+}
+
 std::function<Finding(System&)> eachResult(HRESULT expected, const std::function<HRESULT(IAudioClient&)>& call)
 {
     return [expected, call](System& system)
@@ -32,7 +38,8 @@ std::function<Finding(System&)> eachResult(HRESULT expected, const std::function
                    [&](const EndpointInSystem& endpoint, IAudioClient& client)
                    {
                        const HRESULT result = call(client);
-                       observation.see(result == expected, resultName(result), endpoint.name);
+                       if (!isDenied(endpoint, result))
+                           observation.see(result == expected, resultName(result), endpoint.name);
                    });
         return observation.finding("no endpoint with a stream");
     };
@@ -91,7 +98,7 @@ Finding periodsAreOrdered(System& system)
                    REFERENCE_TIME minimum = 0;
                    const HRESULT result = client.GetDevicePeriod(&usual, &minimum);
                    const bool isRight = result == S_OK && minimum > 0 && minimum <= usual;
-                   observation.see(isRight, isRight ? "so" : resultName(result), endpoint.name);
+                   observation.see(isRight, isRight ? "not above" : resultName(result), endpoint.name);
                });
     return observation.finding("no endpoint with a stream");
 }
@@ -104,11 +111,14 @@ Finding bufferHoldsWhatWasAsked(System& system)
                {
                    const MixFormat format(client);
                    const HRESULT result = initialize(client, format.get());
+                   if (format.get() == nullptr || isDenied(endpoint, result))
+                       return;
                    UINT32 frames = 0;
                    if (SUCCEEDED(result))
                        client.GetBufferSize(&frames);
                    const bool isRight = result == S_OK && frames >= format.get()->nSamplesPerSec / 2;
-                   observation.see(isRight, isRight ? "so" : resultName(result) + ", " + std::to_string(frames),
+                   observation.see(isRight,
+                                   isRight ? "half a second" : resultName(result) + ", " + std::to_string(frames),
                                    endpoint.name);
                });
     return observation.finding("no endpoint with a stream");
@@ -127,7 +137,7 @@ Facts streamFacts()
     return {
         {"The engine mixes 32-bit floating-point samples", "32 bits, tag 65534",
          "Microsoft's documentation of IAudioClient::GetMixFormat", mixesFloats},
-        {"The minimum period is not above the usual one", "so",
+        {"The minimum period and the usual one", "not above",
          "Microsoft's documentation of IAudioClient::GetDevicePeriod", periodsAreOrdered},
         {"The mix format is supported in shared mode", "S_OK",
          "Microsoft's documentation of IAudioClient::IsFormatSupported",
@@ -150,8 +160,8 @@ Facts streamFacts()
                     })},
         {"Start before Initialize", "AUDCLNT_E_NOT_INITIALIZED", clientDocumentation,
          eachResult(AUDCLNT_E_NOT_INITIALIZED, [](IAudioClient& client) { return client.Start(); })},
-        {"The buffer holds at least what was asked for", "so", "Microsoft's documentation of IAudioClient::Initialize",
-         bufferHoldsWhatWasAsked},
+        {"The buffer holds at least what was asked for", "half a second",
+         "Microsoft's documentation of IAudioClient::Initialize", bufferHoldsWhatWasAsked},
         {"Initialize without a format", "E_POINTER", "Microsoft's documentation of IAudioClient::Initialize",
          eachResult(E_POINTER, [](IAudioClient& client) { return initialize(client, nullptr); })},
         {"Initialize once more", "AUDCLNT_E_ALREADY_INITIALIZED",

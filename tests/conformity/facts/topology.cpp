@@ -178,7 +178,8 @@ void eachPath(System& system, const std::function<void(IPart& from, IPart& to, I
                     const Held<IPart> from = first.as<IPart>();
                     const Held<IPart> to = second.as<IPart>();
                     Held<IPartsList> path;
-                    if (&first != &second && SUCCEEDED(topology.GetSignalPath(from.get(), to.get(), FALSE, path.put())))
+                    if (&first != &second && from && to &&
+                        SUCCEEDED(topology.GetSignalPath(from.get(), to.get(), FALSE, path.put())) && path)
                         action(*from.get(), *to.get(), *path.get());
                 }
             }

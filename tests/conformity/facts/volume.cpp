@@ -4,6 +4,7 @@
 #include "tests/conformity/system.h"
 
 #include <cmath>
+#include <vector>
 
 namespace conformity
 {
@@ -48,7 +49,7 @@ Finding rangeIsOne(System& system)
                    float step = 0;
                    const HRESULT result = volume.GetVolumeRange(&minimum, &maximum, &step);
                    const bool isRight = result == S_OK && minimum <= maximum && step > 0;
-                   observation.see(isRight, isRight ? "so" : resultName(result), endpoint.name);
+                   observation.see(isRight, isRight ? "upwards" : resultName(result), endpoint.name);
                });
     return observation.finding("no endpoint with a volume");
 }
@@ -62,7 +63,7 @@ Finding scalarsAreFractions(System& system)
                    float scalar = -1;
                    const HRESULT result = volume.GetMasterVolumeLevelScalar(&scalar);
                    const bool isRight = result == S_OK && scalar >= 0 && scalar <= 1;
-                   observation.see(isRight, isRight ? "so" : std::to_string(scalar), endpoint.name);
+                   observation.see(isRight, isRight ? "0 to 1" : std::to_string(scalar), endpoint.name);
                });
     return observation.finding("no endpoint with a volume");
 }
@@ -77,7 +78,7 @@ Finding stepsAreCounted(System& system)
                    UINT count = 0;
                    const HRESULT result = volume.GetVolumeStepInfo(&step, &count);
                    const bool isRight = result == S_OK && step < count;
-                   observation.see(isRight, isRight ? "so" : resultName(result), endpoint.name);
+                   observation.see(isRight, isRight ? "below" : resultName(result), endpoint.name);
                });
     return observation.finding("no endpoint with a volume");
 }
@@ -97,66 +98,122 @@ Finding sameMuteIsNoChange(System& system)
     return observation.finding("no endpoint with a mute");
 }
 
-/// Sets a level, reads it with @p read, and puts the old one back.
-Finding afterSetting(System& system, const std::function<void(const EndpointInSystem&, IAudioEndpointVolume&,
-                                                              float minimum, float maximum, float step)>& action)
+/// Puts back the levels of all channels and the mute. Meanwhile the endpoint is muted, so that nobody hears a change.
+class SavedVolume
 {
+public:
+    explicit SavedVolume(IAudioEndpointVolume& volume) : m_volume(volume)
+    {
+        UINT count = 0;
+        volume.GetChannelCount(&count);
+        for (UINT channel = 0; channel < count; ++channel)
+        {
+            float level = 0;
+            if (SUCCEEDED(volume.GetChannelVolumeLevel(channel, &level)))
+                m_levels.push_back(level);
+        }
+        m_isSaved = SUCCEEDED(volume.GetMute(&m_isMuted)) && !m_levels.empty() && m_levels.size() == count &&
+                    SUCCEEDED(volume.SetMute(TRUE, nullptr));
+    }
+    SavedVolume(const SavedVolume&) = delete;
+    SavedVolume& operator=(const SavedVolume&) = delete;
+    ~SavedVolume()
+    {
+        if (!m_isSaved)
+            return;
+        for (UINT channel = 0; channel < m_levels.size(); ++channel)
+            m_volume.SetChannelVolumeLevel(channel, m_levels[channel], nullptr);
+        m_volume.SetMute(m_isMuted, nullptr);
+    }
+
+    /// Whether everything can be put back. If not, nothing may be changed.
+    bool isSaved() const { return m_isSaved; }
+
+private:
+    IAudioEndpointVolume& m_volume;
+    std::vector<float> m_levels;
+    BOOL m_isMuted = FALSE;
+    bool m_isSaved = false;
+};
+
+struct Range
+{
+    float minimum = 0;
+    float maximum = 0;
+    float step = 0;
+};
+
+using RangeAction = std::function<void(const EndpointInSystem&, IAudioEndpointVolume&, const Range&)>;
+
+/// Calls @p action with each volume whose levels may be changed and can be put back.
+void eachChangeable(System& system, const RangeAction& action)
+{
+    if (!system.mayChange())
+        return;
     eachVolume(system,
                [&](const EndpointInSystem& endpoint, IAudioEndpointVolume& volume)
                {
-                   float minimum = 0;
-                   float maximum = 0;
-                   float step = 0;
-                   float before = 0;
-                   if (FAILED(volume.GetVolumeRange(&minimum, &maximum, &step)) || maximum - minimum < step ||
-                       FAILED(volume.GetMasterVolumeLevel(&before)) ||
-                       FAILED(volume.SetMasterVolumeLevel(before, nullptr)))
+                   Range range;
+                   const HRESULT result = volume.GetVolumeRange(&range.minimum, &range.maximum, &range.step);
+                   if (FAILED(result) || range.maximum - range.minimum < range.step)
                        return;
-                   action(endpoint, volume, minimum, maximum, step);
-                   volume.SetMasterVolumeLevel(before, nullptr);
+                   const SavedVolume saved(volume);
+                   if (saved.isSaved())
+                       action(endpoint, volume, range);
                });
-    return {};
+}
+
+std::string noChange(System& system)
+{
+    return system.mayChange() ? "no volume that can be changed and put back" : "needs --change";
 }
 
 Finding levelsBetweenStepsStay(System& system)
 {
-    if (!system.mayChange())
-        return {Verdict::notTried, "needs --change"};
     Observation observation;
-    afterSetting(system,
-                 [&](const EndpointInSystem& endpoint, IAudioEndpointVolume& volume, float minimum, float, float step)
-                 {
-                     const float asked = minimum + 0.4f * step;
-                     float found = 0;
-                     volume.SetMasterVolumeLevel(asked, nullptr);
-                     volume.GetMasterVolumeLevel(&found);
-                     const bool isKept = std::fabs(found - asked) < 0.01f;
-                     observation.see(isKept, isKept ? "kept" : std::to_string(found), endpoint.name);
-                 });
-    return observation.finding("no volume that can be set");
+    eachChangeable(system,
+                   [&](const EndpointInSystem& endpoint, IAudioEndpointVolume& volume, const Range& range)
+                   {
+                       const float asked = range.minimum + 0.4f * range.step;
+                       float found = 0;
+                       volume.SetMasterVolumeLevel(asked, nullptr);
+                       volume.GetMasterVolumeLevel(&found);
+                       const bool isKept = std::fabs(found - asked) < 0.01f;
+                       observation.see(isKept, isKept ? "kept" : std::to_string(found), endpoint.name);
+                   });
+    return observation.finding(noChange(system));
 }
 
 Finding endsOfTheScale(System& system)
 {
-    if (!system.mayChange())
-        return {Verdict::notTried, "needs --change"};
     Observation observation;
-    afterSetting(
-        system,
-        [&](const EndpointInSystem& endpoint, IAudioEndpointVolume& volume, float minimum, float maximum, float)
-        {
-            float bottom = 0;
-            float top = 0;
-            volume.SetMasterVolumeLevelScalar(0.0f, nullptr);
-            volume.GetMasterVolumeLevel(&bottom);
-            volume.SetMasterVolumeLevelScalar(1.0f, nullptr);
-            volume.GetMasterVolumeLevel(&top);
-            const bool isRight = std::fabs(bottom - minimum) < 0.01f && std::fabs(top - maximum) < 0.01f;
-            observation.see(isRight,
-                            isRight ? "the ends of the range" : std::to_string(bottom) + " and " + std::to_string(top),
-                            endpoint.name);
-        });
-    return observation.finding("no volume that can be set");
+    eachChangeable(system,
+                   [&](const EndpointInSystem& endpoint, IAudioEndpointVolume& volume, const Range& range)
+                   {
+                       float bottom = 0;
+                       float top = 0;
+                       volume.SetMasterVolumeLevelScalar(0.0f, nullptr);
+                       volume.GetMasterVolumeLevel(&bottom);
+                       volume.SetMasterVolumeLevelScalar(1.0f, nullptr);
+                       volume.GetMasterVolumeLevel(&top);
+                       const bool isRight =
+                           std::fabs(bottom - range.minimum) < 0.01f && std::fabs(top - range.maximum) < 0.01f;
+                       const std::string found = std::to_string(bottom) + " and " + std::to_string(top);
+                       observation.see(isRight, isRight ? "the ends of the range" : found, endpoint.name);
+                   });
+    return observation.finding(noChange(system));
+}
+
+Finding aboveTheRange(System& system)
+{
+    Observation observation;
+    eachChangeable(system,
+                   [&](const EndpointInSystem& endpoint, IAudioEndpointVolume& volume, const Range& range)
+                   {
+                       const HRESULT result = volume.SetMasterVolumeLevel(range.maximum + 1.0f, nullptr);
+                       observation.see(result == E_INVALIDARG, resultName(result), endpoint.name);
+                   });
+    return observation.finding(noChange(system));
 }
 
 HRESULT firstChannelPastTheEnd(IAudioEndpointVolume& volume)
@@ -166,26 +223,17 @@ HRESULT firstChannelPastTheEnd(IAudioEndpointVolume& volume)
     volume.GetChannelCount(&count);
     return volume.GetChannelVolumeLevel(count, &level);
 }
-
-HRESULT aboveTheRange(IAudioEndpointVolume& volume)
-{
-    float minimum = 0;
-    float maximum = 0;
-    float step = 0;
-    volume.GetVolumeRange(&minimum, &maximum, &step);
-    return volume.SetMasterVolumeLevel(maximum + 1.0f, nullptr);
-}
 }
 
 Facts volumeFacts()
 {
     const char* const steps = "Microsoft's documentation of IAudioEndpointVolume::GetVolumeStepInfo";
     return {
-        {"The range runs upwards in steps above zero", "so",
+        {"The range runs in steps above zero", "upwards",
          "Microsoft's documentation of IAudioEndpointVolume::GetVolumeRange", rangeIsOne},
-        {"The scalar level lies between 0 and 1", "so",
+        {"The scalar level is a fraction", "0 to 1",
          "Microsoft's documentation of IAudioEndpointVolume::GetMasterVolumeLevelScalar", scalarsAreFractions},
-        {"The step is below the number of steps", "so", steps, stepsAreCounted},
+        {"The step and the number of steps", "below", steps, stepsAreCounted},
         {"The step alone can be asked for", "S_OK", steps,
          eachResult(S_OK,
                     [](IAudioEndpointVolume& volume)
@@ -207,14 +255,13 @@ Facts volumeFacts()
          "Microsoft's documentation of IAudioEndpointVolume::GetChannelVolumeLevel",
          eachResult(E_INVALIDARG, firstChannelPastTheEnd)},
         {"A level above the range", "E_INVALIDARG",
-         "Microsoft's documentation of IAudioEndpointVolume::SetMasterVolumeLevel",
-         eachResult(E_INVALIDARG, aboveTheRange)},
+         "Microsoft's documentation of IAudioEndpointVolume::SetMasterVolumeLevel", aboveTheRange},
         {"A mute that is set to what it is", "S_FALSE", "Microsoft's documentation of IAudioEndpointVolume::SetMute",
          sameMuteIsNoChange},
         {"An endpoint's volume keeps a level between two steps", "kept",
          "Microsoft's documentation of IAudioEndpointVolume::GetVolumeRange", levelsBetweenStepsStay},
         {"Scalars 0 and 1 are the ends of the range", "the ends of the range",
-         "Microsoft's documentation of audio-tapered volume controls", endsOfTheScale},
+         "Microsoft's documentation of IAudioEndpointVolume::SetMasterVolumeLevelScalar", endsOfTheScale},
     };
 }
 }
