@@ -16,6 +16,11 @@ Facts allFacts()
     return all;
 }
 
+Finding compared(const std::string& found, const std::string& expected)
+{
+    return {found == expected ? Verdict::agrees : Verdict::differs, found};
+}
+
 void Observation::see(bool isRight, const std::string& seen, const std::string& place)
 {
     ++m_trials;

@@ -48,6 +48,9 @@ Facts streamFacts();
 /// All of them. Those of identity come first: one of them counts references before anybody else holds one.
 Facts allFacts();
 
+/// The finding of a check that makes one trial.
+Finding compared(const std::string& found, const std::string& expected);
+
 /// Collects what one check sees and turns it into a finding.
 class Observation
 {

@@ -12,6 +12,7 @@
 #include <exception>
 #include <iostream>
 #include <memory>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 
@@ -30,6 +31,7 @@ struct Options
     std::string account;
     bool mayChange = false;
     bool isBrief = false;
+    unsigned leastTried = 0;
 };
 
 constexpr sim::Names<sim::Account, 2> accounts = {
@@ -73,10 +75,21 @@ int check(Options& options)
     const Subject subject = subjectOf(simulation.get());
     if (!conformity::System::createEnumerator())
         throw std::runtime_error("this system has no enumerator of audio endpoints");
-    conformity::System system(options.mayChange || simulation, subject.isAdministrator);
-    const conformity::Printout printout{std::cout, options.isBrief};
-    const unsigned differences = printout.report(subject.name, conformity::allFacts(), system);
-    return differences == 0 ? exitAgrees : exitDiffers;
+    conformity::Counts counts;
+    {
+        conformity::System system(options.mayChange || simulation, subject.isAdministrator);
+        const conformity::Printout printout{std::cout, options.isBrief};
+        counts = printout.report(subject.name, conformity::allFacts(), system);
+    }
+    if (simulation && simulation->census() != sim::Census())
+    {
+        std::ostringstream left;
+        left << "the checks have left something behind:\n" << simulation->census();
+        throw std::runtime_error(left.str());
+    }
+    if (counts.tried() < options.leastTried)
+        throw std::runtime_error("fewer facts were tried than " + std::to_string(options.leastTried));
+    return counts.differing == 0 ? exitAgrees : exitDiffers;
 }
 
 void describe(CLI::App& arguments, Options& options)
@@ -92,6 +105,7 @@ void describe(CLI::App& arguments, Options& options)
                        "Also check what needs a change: set levels, of endpoints that are muted meanwhile, and the "
                        "description of one endpoint, and put them back. On simulated machines always");
     arguments.add_flag("--brief", options.isBrief, "Print only the facts in which the system differs");
+    arguments.add_option("--tried", options.leastTried, "Fail if fewer facts than N can be tried")->type_name("N");
     arguments.footer("Without --change nothing is changed, and nothing is ever played.\n"
                      "Exit codes: 0 no difference, 1 differences, 2 wrong usage or no Core Audio.");
 }

@@ -38,23 +38,37 @@ Finding tried(const Fact& fact, System& system)
 
 Printout::Printout(std::ostream& out, bool isBrief) : m_out(out), m_isBrief(isBrief) {}
 
-unsigned Printout::report(const std::string& name, const Facts& facts, System& system) const
+void Counts::add(Verdict verdict)
 {
-    std::array<unsigned, 3> counts = {};
+    switch (verdict)
+    {
+    case Verdict::agrees:
+        ++agreeing;
+        break;
+    case Verdict::differs:
+        ++differing;
+        break;
+    case Verdict::notTried:
+        ++notTried;
+        break;
+    }
+}
+
+Counts Printout::report(const std::string& name, const Facts& facts, System& system) const
+{
+    Counts counts;
     m_out << "Core Audio of " << name << "\n";
     for (std::size_t index = 0; index < facts.size(); ++index)
     {
         const Finding finding = tried(facts[index], system);
-        ++counts[static_cast<std::size_t>(finding.verdict)];
+        counts.add(finding.verdict);
         if (!m_isBrief || finding.verdict == Verdict::differs)
             print(index + 1, facts[index], finding);
     }
-    const unsigned differences = counts[static_cast<std::size_t>(Verdict::differs)];
     m_out << "\n"
-          << facts.size() << " facts: " << counts[static_cast<std::size_t>(Verdict::agrees)] << " agree, "
-          << differences << (differences == 1 ? " difference, " : " differences, ")
-          << counts[static_cast<std::size_t>(Verdict::notTried)] << " not tried\n";
-    return differences;
+          << facts.size() << " facts: " << counts.agreeing << " agree, " << counts.differing
+          << (counts.differing == 1 ? " difference, " : " differences, ") << counts.notTried << " not tried\n";
+    return counts;
 }
 
 /// Each finding is written at once: if a system crashes in the next check, it is not lost.

@@ -19,13 +19,6 @@ std::string opened(System& system, const WCHAR* id)
     return resultName(result) + (FAILED(result) && device == nullptr ? ", null" : "");
 }
 
-Finding oneResult(const std::string& found, const std::string& expected)
-{
-    Observation observation;
-    observation.see(found == expected, found);
-    return observation.finding("");
-}
-
 Finding countsOfFirstCaller(System&)
 {
     const Held<IMMDeviceEnumerator> first = System::createEnumerator();
@@ -33,7 +26,7 @@ Finding countsOfFirstCaller(System&)
         return {Verdict::notTried, "no enumerator"};
     const ULONG count = first->AddRef();
     first->Release();
-    return oneResult(std::to_string(count), "3");
+    return compared(std::to_string(count), "3");
 }
 
 Finding oneEnumerator(System&)
@@ -43,7 +36,7 @@ Finding oneEnumerator(System&)
     if (!first || !second)
         return {Verdict::notTried, "no enumerator"};
     const bool isOne = first.as<IUnknown>().get() == second.as<IUnknown>().get();
-    return oneResult(isOne ? "one object" : "two objects", "one object");
+    return compared(isOne ? "one object" : "two objects", "one object");
 }
 
 Finding unknownContext(System&)
@@ -51,7 +44,7 @@ Finding unknownContext(System&)
     IMMDeviceEnumerator* object = poison<IMMDeviceEnumerator>();
     const HRESULT result = CoCreateInstance(CLSID_MMDeviceEnumerator, nullptr, CLSCTX_INPROC_SERVER,
                                             sim::InterfaceTraits<IMMDevice>::iid(), reinterpret_cast<void**>(&object));
-    return oneResult(resultName(result) + (object == nullptr ? ", null" : ", not null"), "E_NOINTERFACE, null");
+    return compared(resultName(result) + (object == nullptr ? ", null" : ", not null"), "E_NOINTERFACE, null");
 }
 
 Finding eachIdIsFound(System& system)
@@ -80,24 +73,24 @@ Facts identityFacts()
          [](System& system)
          {
              IMMDevice* device = nullptr;
-             return oneResult(resultName(system.enumerator().GetDevice(nullptr, &device)), "E_POINTER");
+             return compared(resultName(system.enumerator().GetDevice(nullptr, &device)), "E_POINTER");
          }},
         {"GetDevice without a place for the device", "E_POINTER",
          "Microsoft's documentation of IMMDeviceEnumerator::GetDevice",
          [](System& system)
          {
              const Wide id("{0.0.0.00000000}.{00000000-0000-0000-0000-000000000001}");
-             return oneResult(resultName(system.enumerator().GetDevice(id, nullptr)), "E_POINTER");
+             return compared(resultName(system.enumerator().GetDevice(id, nullptr)), "E_POINTER");
          }},
         {"GetDevice with text that is no id", "E_INVALIDARG, null",
          "Wine's tests of the enumerator, run on Windows; Microsoft's documentation of the null",
-         [](System& system) { return oneResult(opened(system, Wide("notadevice")), "E_INVALIDARG, null"); }},
+         [](System& system) { return compared(opened(system, Wide("notadevice")), "E_INVALIDARG, null"); }},
         {"GetDevice with a well-formed id that no endpoint has", "E_NOTFOUND, null",
          "Microsoft's documentation of IMMDeviceEnumerator::GetDevice",
          [](System& system)
          {
              const Wide id("{0.0.0.00000000}.{00000000-0000-0000-0000-000000000001}");
-             return oneResult(opened(system, id), "E_NOTFOUND, null");
+             return compared(opened(system, id), "E_NOTFOUND, null");
          }},
         {"Each endpoint is found by its id and reports it", "the same id",
          "Microsoft's documentation of IMMDevice::GetId", eachIdIsFound},

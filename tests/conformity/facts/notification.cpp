@@ -46,13 +46,6 @@ public:
     HRESULT STDMETHODCALLTYPE OnNotify(AUDIO_VOLUME_NOTIFICATION_DATA*) override { return S_OK; }
 };
 
-Finding one(const std::string& found, const std::string& expected)
-{
-    Observation observation;
-    observation.see(found == expected, found);
-    return observation.finding("");
-}
-
 Finding registrationTakesNothing(System& system)
 {
     EndpointClient client;
@@ -61,7 +54,7 @@ Finding registrationTakesNothing(System& system)
                               " questions for an interface";
     system.enumerator().UnregisterEndpointNotificationCallback(&client);
     return FAILED(result) ? Finding{Verdict::differs, resultName(result)}
-                          : one(found, "0 references, 0 questions for an interface");
+                          : compared(found, "0 references, 0 questions for an interface");
 }
 
 Finding volumeClientsAreHeld(System& system)
@@ -97,7 +90,7 @@ Facts notificationFacts()
          [](System& system)
          {
              const HRESULT result = system.enumerator().RegisterEndpointNotificationCallback(nullptr);
-             return one(resultName(result), "E_POINTER");
+             return compared(resultName(result), "E_POINTER");
          }},
         {"Unregistering a client that is not registered", "E_NOTFOUND",
          "Microsoft's documentation of UnregisterEndpointNotificationCallback",
@@ -105,7 +98,7 @@ Facts notificationFacts()
          {
              EndpointClient client;
              const HRESULT result = system.enumerator().UnregisterEndpointNotificationCallback(&client);
-             return one(resultName(result), "E_NOTFOUND");
+             return compared(resultName(result), "E_NOTFOUND");
          }},
         {"A client of a volume is held until it is unregistered", "held, released",
          "Microsoft's documentation of IAudioEndpointVolume::RegisterControlChangeNotify", volumeClientsAreHeld},

@@ -69,10 +69,13 @@ Finding neighboursOfNobody(System& system)
              {
                  IPartsList* list = poison<IPartsList>();
                  const HRESULT result = part.EnumPartsIncoming(&list);
+                 UINT count = 0;
+                 if (SUCCEEDED(result))
+                     list->GetCount(&count);
+                 if (count == 0)
+                     observation.see(result == E_NOTFOUND && list == nullptr, resultName(result), id);
                  if (SUCCEEDED(result))
                      list->Release();
-                 else
-                     observation.see(result == E_NOTFOUND && list == nullptr, resultName(result), id);
              });
     return observation.finding("no part without neighbours");
 }

@@ -23,10 +23,12 @@ void eachClient(System& system, const ClientAction& action)
         });
 }
 
-/// Whether recording is denied to the program, as by the privacy switch of Windows.
+/// Whether the endpoint cannot be tried now: recording is denied by the privacy switch of Windows, or another program
+/// has the endpoint to itself.
 bool isDenied(const EndpointInSystem& endpoint, HRESULT result)
 {
-    return endpoint.flow == eCapture && result == E_ACCESSDENIED;
+    constexpr HRESULT inUse = static_cast<HRESULT>(0x8889000Au); // AUDCLNT_E_DEVICE_IN_USE
+    return (endpoint.flow == eCapture && result == E_ACCESSDENIED) || result == inUse;
 }
 
 std::function<Finding(System&)> eachResult(HRESULT expected, const std::function<HRESULT(IAudioClient&)>& call)

@@ -85,6 +85,8 @@ Finding stepsAreCounted(System& system)
 
 Finding sameMuteIsNoChange(System& system)
 {
+    if (!system.mayChange())
+        return {Verdict::notTried, "needs --change"};
     Observation observation;
     eachVolume(system,
                [&](const EndpointInSystem& endpoint, IAudioEndpointVolume& volume)
