@@ -6,13 +6,13 @@
 #include "platform/portable/unknown.h"
 #include "platform/portable/waveformat.h"
 
-enum AUDCLNT_SHAREMODE
+enum AUDCLNT_SHAREMODE : int
 {
     AUDCLNT_SHAREMODE_SHARED = 0,
     AUDCLNT_SHAREMODE_EXCLUSIVE = 1
 };
 
-enum AUDIO_STREAM_CATEGORY
+enum AUDIO_STREAM_CATEGORY : int
 {
     AudioCategory_Other = 0,
     AudioCategory_ForegroundOnlyMedia = 1,
@@ -28,7 +28,7 @@ enum AUDIO_STREAM_CATEGORY
     AudioCategory_Media = 11
 };
 
-enum AUDCLNT_STREAMOPTIONS
+enum AUDCLNT_STREAMOPTIONS : int
 {
     AUDCLNT_STREAMOPTIONS_NONE = 0,
     AUDCLNT_STREAMOPTIONS_RAW = 0x1,

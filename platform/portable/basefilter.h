@@ -4,7 +4,7 @@
 
 #include "platform/portable/unknown.h"
 
-enum FILTER_STATE
+enum FILTER_STATE : int
 {
     State_Stopped = 0,
     State_Paused = 1,

@@ -5,19 +5,19 @@
 #include "platform/portable/unknown.h"
 
 /// The direction of a connector, as seen from its device.
-enum DataFlow
+enum DataFlow : int
 {
     In = 0,
     Out = 1
 };
 
-enum PartType
+enum PartType : int
 {
     Connector = 0,
     Subunit = 1
 };
 
-enum ConnectorType
+enum ConnectorType : int
 {
     Unknown_Connector = 0,
     Physical_Internal = 1,

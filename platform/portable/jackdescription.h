@@ -4,7 +4,7 @@
 
 #include "platform/portable/unknown.h"
 
-enum EPcxConnectionType
+enum EPcxConnectionType : int
 {
     eConnTypeUnknown = 0,
     eConnType3Point5mm = 1,
@@ -20,7 +20,7 @@ enum EPcxConnectionType
     eConnTypeCombination = 11
 };
 
-enum EPcxGeoLocation
+enum EPcxGeoLocation : int
 {
     eGeoLocRear = 1,
     eGeoLocFront = 2,
@@ -37,7 +37,7 @@ enum EPcxGeoLocation
     eGeoLocATAPI = 13
 };
 
-enum EPcxGenLocation
+enum EPcxGenLocation : int
 {
     eGenLocPrimaryBox = 0,
     eGenLocInternal = 1,
@@ -45,7 +45,7 @@ enum EPcxGenLocation
     eGenLocOther = 3
 };
 
-enum EPxcPortConnection
+enum EPxcPortConnection : int
 {
     ePortConnJack = 0,
     ePortConnIntegratedDevice = 1,

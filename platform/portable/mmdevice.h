@@ -4,7 +4,7 @@
 
 #include "platform/portable/propertystore.h"
 
-enum EDataFlow
+enum EDataFlow : int
 {
     eRender = 0,
     eCapture = 1,
@@ -12,7 +12,7 @@ enum EDataFlow
     EDataFlow_enum_count = 3
 };
 
-enum ERole
+enum ERole : int
 {
     eConsole = 0,
     eMultimedia = 1,
