@@ -16,7 +16,7 @@ std::string listed(System& system, EDataFlow flow, DWORD mask)
     const HRESULT result = system.enumerator().EnumAudioEndpoints(flow, mask, &collection);
     if (SUCCEEDED(result))
         collection->Release();
-    return resultName(result) + (FAILED(result) && collection == nullptr ? ", null" : "");
+    return resultName(result) + (SUCCEEDED(result) ? "" : collection == nullptr ? ", null" : ", not null");
 }
 
 Finding itemPastTheEnd(System& system)
@@ -59,7 +59,7 @@ std::string defaultOf(System& system, EDataFlow flow, ERole role)
     const HRESULT result = system.enumerator().GetDefaultAudioEndpoint(flow, role, &device);
     if (SUCCEEDED(result))
         device->Release();
-    return resultName(result) + (FAILED(result) && device == nullptr ? ", null" : "");
+    return resultName(result) + (SUCCEEDED(result) ? "" : device == nullptr ? ", null" : ", not null");
 }
 
 Finding defaultsAreActive(System& system)

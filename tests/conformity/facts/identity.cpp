@@ -16,7 +16,7 @@ std::string opened(System& system, const WCHAR* id)
     const HRESULT result = system.enumerator().GetDevice(id, &device);
     if (SUCCEEDED(result) && device != nullptr)
         device->Release();
-    return resultName(result) + (FAILED(result) && device == nullptr ? ", null" : "");
+    return resultName(result) + (SUCCEEDED(result) ? "" : device == nullptr ? ", null" : ", not null");
 }
 
 Finding countsOfFirstCaller(System&)
