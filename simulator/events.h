@@ -73,7 +73,8 @@ public:
     /// property stores become stale, see remoteLogon().
     void driverUpdate(const std::string& endpointId);
     /// The Windows audio service stops and starts. While it is stopped there is no default endpoint, and no
-    /// IAudioClient can be activated (AUDCLNT_E_SERVICE_NOT_RUNNING); everything else answers as before.
+    /// IAudioClient, 2 or 3 can be activated (AUDCLNT_E_SERVICE_NOT_RUNNING); everything else answers as before, open
+    /// streams included.
     void serviceStop();
     void serviceStart();
     /// A user logs on from another computer: every property store that is open becomes stale. Each of its operations

@@ -14,6 +14,10 @@ namespace sim
 /// object may be released if the object was made in the same callback, or if the callback is OnDeviceRemoved and the
 /// object belongs to the removed endpoint: its device, store, topology, parts or volume. The enumerator has no last
 /// release, as the machine keeps a reference.
+///
+/// A callback must not wait for any thread that is in a call. It is reported if that call is an unregistration of the
+/// client that is being called: no other call waits for callbacks, so a callback that waits for one is not
+/// distinguishable from one that takes long.
 struct Violation
 {
     enum class Kind

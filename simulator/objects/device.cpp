@@ -100,7 +100,7 @@ private:
                 const Endpoint* const endpoint = hardware.endpoint(this->name());
                 if (device == nullptr)
                     return AUDCLNT_E_DEVICE_INVALIDATED;
-                if (!hardware.serviceRuns() && IsEqualGUID(iid, InterfaceTraits<IAudioClient>::iid()))
+                if (!hardware.serviceRuns() && extends<IAudioClient3>(iid))
                     return AUDCLNT_E_SERVICE_NOT_RUNNING;
                 hasTopology = device->topology.has_value();
                 hasVolume = endpoint != nullptr && endpoint->volume;

@@ -313,6 +313,8 @@ TEST_F(EventsService, GivesNoAudioClientWhileItIsStopped)
 
     simulation.events().serviceStop();
     EXPECT_EQ(AUDCLNT_E_SERVICE_NOT_RUNNING, activate(sim::InterfaceTraits<IAudioClient>::iid()));
+    EXPECT_EQ(AUDCLNT_E_SERVICE_NOT_RUNNING, activate(sim::InterfaceTraits<IAudioClient2>::iid()));
+    EXPECT_EQ(AUDCLNT_E_SERVICE_NOT_RUNNING, activate(sim::InterfaceTraits<IAudioClient3>::iid()));
     EXPECT_EQ(S_OK, activate(sim::InterfaceTraits<IDeviceTopology>::iid()));
     simulation.events().serviceStart();
     EXPECT_EQ(S_OK, activate(sim::InterfaceTraits<IAudioClient>::iid()));

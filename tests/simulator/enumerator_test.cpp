@@ -75,6 +75,8 @@ TEST_F(SimulatedEnumeratorList, GivesASnapshotThatLaterEventsDoNotTouch)
     EXPECT_THAT(idsOf(collection), ElementsAre(speakerId, earphoneId));
 }
 
+// Wine's tests of the enumerator, which were run on Windows: a flow or a mask that does not exist is E_INVALIDARG, and
+// null is stored.
 TEST_F(SimulatedEnumeratorList, RefusesMasksAndFlowsThatDoNotExist)
 {
     for (const DWORD mask : {0x0u, 0x10u, 0xFFu})
@@ -89,6 +91,7 @@ TEST_F(SimulatedEnumeratorList, RefusesMasksAndFlowsThatDoNotExist)
     EXPECT_EQ(E_POINTER, enumerator->EnumAudioEndpoints(eRender, 15, nullptr));
 }
 
+// Wine's tests of the enumerator, which were run on Windows.
 TEST_F(SimulatedEnumeratorList, RefusesAnItemPastTheEndAndStoresNull)
 {
     Held<IMMDeviceCollection> collection;

@@ -2,6 +2,8 @@
 
 #include "simulator/machine/propertykeys.h"
 
+#include <cstring>
+
 namespace
 {
 using bench::Held;
@@ -86,6 +88,22 @@ TEST_F(SimulatedPropertyStoreRead, GivesTextsNumbersAndBlobsWithTheirTags)
     ASSERT_EQ(VT_UI4, number->vt);
     EXPECT_EQ(3u, number->ulVal);
     EXPECT_EQ(40u, formatOf(store).size());
+}
+
+// Wine's tests of the property store, which were run on Windows: the device format is a blob of 40 bytes, a
+// WAVEFORMATEXTENSIBLE that says so in its tag and its size.
+TEST_F(SimulatedPropertyStoreRead, GivesTheDeviceFormatAsAnExtensibleOneOfFortyBytes)
+{
+    const std::vector<BYTE> bytes = formatOf(opened(STGM_READ));
+
+    WAVEFORMATEXTENSIBLE format = {};
+    ASSERT_EQ(40u, bytes.size());
+    ASSERT_EQ(bytes.size(), sizeof(format));
+    std::memcpy(&format, bytes.data(), sizeof(format));
+    EXPECT_EQ(0xFFFE, format.Format.wFormatTag); // WAVE_FORMAT_EXTENSIBLE
+    EXPECT_EQ(22, format.Format.cbSize);         // the bytes after the WAVEFORMATEX
+    EXPECT_EQ(2, format.Format.nChannels);
+    EXPECT_EQ(48000u, format.Format.nSamplesPerSec);
 }
 
 TEST_F(SimulatedPropertyStoreRead, AnswersAMissingKeyWithSuccessAndAnEmptyValue)
@@ -186,6 +204,8 @@ TEST_F(SimulatedPropertyStoreRead, GivesAnEmptyBlobWithoutMemory)
     EXPECT_EQ(S_OK, PropVariantClear(&value));
 }
 
+// Wine's tests of the property store, which were run on Windows: the friendly name is the description and, in
+// parentheses, the name of the interface.
 TEST_F(SimulatedPropertyStoreRead, GivesTheFullNameThatTheDescriptionAndTheCardMakeUp)
 {
     set(keys::deviceDescription, sim::PropertyValue::ofText("Jack"));

@@ -385,6 +385,32 @@ TEST_F(ViolationWait, IsNoneIfTheCallbackReturnsSoon)
     EXPECT_THAT(simulation.violations(), IsEmpty());
 }
 
+// A callback may take its time: no call but an unregistration waits for it.
+TEST_F(ViolationWait, IsNoneWhileOtherCallsOfAnotherThreadReturnHoweverLongTheCallbackTakes)
+{
+    std::atomic<bool> isInside{false};
+    std::atomic<bool> isLeaving{false};
+    acting.onAdded = [&]
+    {
+        isInside = true;
+        while (!isLeaving)
+            std::this_thread::yield();
+    };
+    simulation.setPatience(std::chrono::milliseconds(0));
+    simulation.events().announceAdded(earphoneId);
+    while (!isInside)
+        std::this_thread::yield();
+
+    const Held<IMMDevice> earphone = opened(earphoneId);
+    EXPECT_EQ(S_OK, volume(speakerId)->SetMute(TRUE, nullptr));
+    EXPECT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&other));
+    EXPECT_EQ(S_OK, enumerator->UnregisterEndpointNotificationCallback(&other)); // the callback is another client's
+    isLeaving = true;
+    simulation.events().waitForClients();
+
+    EXPECT_THAT(simulation.violations(), IsEmpty());
+}
+
 TEST_F(ViolationReport, SaysWhatWasCalledWhereAndInWhichCallback)
 {
     inCallback([&] { enumerator->UnregisterEndpointNotificationCallback(&other); });

@@ -6,6 +6,8 @@
 #include "tests/libSonavit/soundcard/supportobserver.h"
 #include "tests/support/librarytest.h"
 
+#include <algorithm>
+#include <string>
 #include <vector>
 
 using support::RecordingObserver;
@@ -68,5 +70,11 @@ TEST_P(HotPlugCallbacks, AreAllowedToTheUpdaterForEveryEndpoint)
 }
 
 INSTANTIATE_TEST_SUITE_P(Machines, HotPlugCallbacks,
-                         testing::Values("desktop", "laptop", "studio", "crowded", "broken", "empty"),
-                         [](const auto& info) { return std::string(info.param); });
+                         testing::Values("desktop", "laptop", "studio", "crowded", "broken", "empty", "laptop-user",
+                                         "published", "remote-desktop", "bluetooth", "virtual", "waking"),
+                         [](const testing::TestParamInfo<const char*>& machine)
+                         {
+                             std::string name = machine.param;
+                             std::replace(name.begin(), name.end(), '-', '_');
+                             return name;
+                         });

@@ -84,6 +84,24 @@ TEST_F(AudioClientStates, HaveTheLatencyOfOnePeriod)
     EXPECT_EQ(100000, latency);
 }
 
+// Only Activate is refused then, see EventsService.
+TEST_F(AudioClientStates, GoOnWhileTheAudioServiceIsStopped)
+{
+    const Held<IAudioClient> speaker = sharedClient(speakerId);
+    const Held<IAudioClient> fresh = client(speakerId);
+    const Held<IAudioRenderClient> render = service<IAudioRenderClient>(speaker);
+    BYTE* data = nullptr;
+    EXPECT_EQ(S_OK, render->GetBuffer(480, &data));
+    EXPECT_EQ(S_OK, render->ReleaseBuffer(480, AUDCLNT_BUFFERFLAGS_SILENT));
+
+    simulation.events().serviceStop();
+
+    EXPECT_EQ(S_OK, speaker->Start());
+    advance(10ms);
+    EXPECT_EQ(0u, padding(speaker));
+    EXPECT_EQ(S_OK, initialize(fresh, mixFormat));
+}
+
 // Microsoft's documentation of IAudioClient::GetService.
 TEST_F(AudioClientGetService, RefusesTheOtherDirectionAndWhatIsNoService)
 {

@@ -3,7 +3,8 @@
 /// Receives change notifications for the playback or the record endpoints of a card: that something changed, not what.
 ///
 /// The library's users implement it. It is called on a thread of the platform, after the card's list has changed. An
-/// observer cannot be unregistered: it must live until the last event, in practice as long as the process.
+/// observer cannot be unregistered: it must live until the last event, in practice as long as the process. It must not
+/// make or register cards in its notification: that registers clients, which the platform forbids in a callback.
 class SoundCardObserver
 {
 public:
