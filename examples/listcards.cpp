@@ -15,7 +15,27 @@ bool hasVolume(AudioDevice& endpoint)
     return owned.get() != nullptr;
 }
 
+void setVolumes(SoundCard& card)
+{
+    qor::Array<AudioDevice> endpoints;
+    card.allPlaybackDevice(endpoints, DEVICE_STATE_ACTIVE);
+    for (unsigned int i = 0; i < endpoints.size(); ++i)
+    {
+        std::cout << card.instanceId().toUtf8() << ": " << endpoints[i].deviceProperty().endpointType.toUtf8();
+        if (!hasVolume(endpoints[i]))
+        {
+            std::cout << " has no volume\n";
+            continue;
+        }
+        const SharedPointer<VolumeControllerInterface> volume = endpoints[i].volumeControl();
+        volume->setMasterVolumeLevelPercent(25);
+        std::cout << " at " << volume->masterVolumeLevelPercent() << " %, " << volume->masterVolumeLevelDecibel()
+                  << " dB\n";
+    }
+}
+
 int main(int count, char** words)
+try
 {
     qor::LogFactory::setSink([](const qor::LogRecord&) {});
     const char* const name = count > 1 ? words[1] : "desktop";
@@ -24,21 +44,11 @@ int main(int count, char** words)
     AudioDevice::setStoreAccess(StoreAccess::writeElseRead); // users need not be administrators
     qor::Array<SoundCard> cards = SoundCard::enumerateSystemSoundDevices();
     for (unsigned int i = 0; i < cards.size(); ++i)
-    {
-        qor::Array<AudioDevice> endpoints;
-        cards[i].allPlaybackDevice(endpoints, DEVICE_STATE_ACTIVE);
-        for (unsigned int j = 0; j < endpoints.size(); ++j)
-        {
-            std::cout << cards[i].instanceId().toUtf8() << ": " << endpoints[j].deviceProperty().endpointType.toUtf8();
-            if (!hasVolume(endpoints[j]))
-            {
-                std::cout << " has no volume\n";
-                continue;
-            }
-            const SharedPointer<VolumeControllerInterface> volume = endpoints[j].volumeControl();
-            volume->setMasterVolumeLevelPercent(25);
-            std::cout << " at " << volume->masterVolumeLevelPercent() << " %, " << volume->masterVolumeLevelDecibel()
-                      << " dB\n";
-        }
-    }
+        setVolumes(cards[i]);
+    return 0;
+}
+catch (const sim::MachineFileError& error) // no such machine, or a file that is none
+{
+    std::cerr << error.what() << "\n";
+    return 1;
 }

@@ -128,6 +128,10 @@ TEST(ProgramCommandLine, SaysInOneLineWhatIsWrong)
     EXPECT_EQ("unknown command \"frobnicate\"; see sonavit --help", complaint({"frobnicate"}));
     EXPECT_EQ("unknown option \"--frob\"; see sonavit list --help", complaint({"list", "--frob"}));
     EXPECT_EQ("unknown option \"-x\"; see sonavit --help", complaint({"-x"}));
+    EXPECT_EQ("unknown option \"--acount\" (did you mean \"--account\"?); see sonavit list --help",
+              complaint({"list", "--acount", "x"}));
+    EXPECT_EQ("unknown option \"--hodl=3\" (did you mean \"--hold\"?); see sonavit format --help",
+              complaint({"format", "Speakers", "--hodl=3"}));
     EXPECT_EQ("unexpected argument \"more\"; see sonavit show --help", complaint({"show", "Speakers", "more"}));
     EXPECT_EQ("unexpected argument \"show\"; see sonavit list --help", complaint({"list", "show"}));
     EXPECT_EQ("unexpected argument \"-5\"; see sonavit list --help", complaint({"list", "-5"}));

@@ -26,6 +26,7 @@ protected:
     {
         Endpoint endpoint;
         endpoint.id = id;
+        endpoint.flow = id.find("{0.0.1.") == 0 ? eCapture : eRender;
         if (!description.empty())
             endpoint.description = description;
         if (!friendlyName.empty())
@@ -77,10 +78,20 @@ TEST_F(ProgramEndpointName, FindsAPieceThatNoOtherHas)
 
 TEST_F(ProgramEndpointName, NamesTheCandidatesForWhatIsAmbiguous)
 {
+    EXPECT_EQ("\"Analog\" matches 2 endpoints: Speakers (Analog Audio) {0.0.0.00000000}.{aaaaaaaa-0000} (output) and "
+              "Rear Speakers (Analog Audio) {0.0.0.00000000}.{bbbbbbbb-0000} (output)",
+              complaint("Analog"));
+}
+
+TEST_F(ProgramEndpointName, NamesTheFlowsOfTheCandidates)
+{
+    add("{0.0.0.00000000}.{eeeeeeee-0000}", "Headset", "Field Headset");
+    add("{0.0.1.00000000}.{ffffffff-0000}", "Headset", "Field Headset");
+
     EXPECT_EQ(
-        "\"Analog\" matches 2 endpoints: Speakers (Analog Audio) {0.0.0.00000000}.{aaaaaaaa-0000} and Rear Speakers "
-        "(Analog Audio) {0.0.0.00000000}.{bbbbbbbb-0000}",
-        complaint("Analog"));
+        "\"Headset (Field\" matches 2 endpoints: Headset (Field Headset) {0.0.0.00000000}.{eeeeeeee-0000} (output) "
+        "and Headset (Field Headset) {0.0.1.00000000}.{ffffffff-0000} (input)",
+        complaint("Headset (Field"));
 }
 
 TEST_F(ProgramEndpointName, NamesNoMoreThanSixCandidates)
@@ -90,8 +101,8 @@ TEST_F(ProgramEndpointName, NamesNoMoreThanSixCandidates)
 
     const std::string text = complaint("Output");
 
-    EXPECT_THAT(text, StartsWith("\"Output\" matches 8 endpoints: Output (Card) {x0}, "));
-    EXPECT_THAT(text, HasSubstr("{x5} and 2 more"));
+    EXPECT_THAT(text, StartsWith("\"Output\" matches 8 endpoints: Output (Card) {x0} (output), "));
+    EXPECT_THAT(text, HasSubstr("{x5} (output) and 2 more"));
     EXPECT_EQ(std::string::npos, text.find("{x6}"));
 }
 
@@ -127,7 +138,7 @@ TEST_F(ProgramEndpointName, CutsLongNamesOfCandidates)
     add("{two}", std::string(200, 'x'), "");
 
     EXPECT_EQ("\"" + std::string(4, 'x') + "\" matches 2 endpoints: " + std::string(59, 'x') +
-                  "\xE2\x80\xA6 {one} and " + std::string(59, 'x') + "\xE2\x80\xA6 {two}",
+                  "\xE2\x80\xA6 {one} (output) and " + std::string(59, 'x') + "\xE2\x80\xA6 {two} (output)",
               complaint("xxxx"));
 }
 

@@ -123,6 +123,46 @@ TEST_F(ProgramGraph, DrawsDevicesPartsAndEdges)
     EXPECT_THAT(answer.out, Not(HasSubstr("connectors unknown")));
 }
 
+TEST_F(ProgramGraph, TitlesAdaptersOfOneNameWithTheEndsOfTheirIds)
+{
+    run(sim::findMachine("published"));
+
+    const std::string text = call({"graph"}).out;
+
+    for (const char* const title :
+         {R"(High Definition Audio Device\nelineouttopo)", R"(High Definition Audio Device\nelineoutwave)",
+          R"(High Definition Audio Device\nemicintopo)", R"(High Definition Audio Device\nemicinwave)"})
+        EXPECT_THAT(text, HasSubstr("graph [label=\"" + std::string(title) + "\"")) << title;
+    EXPECT_EQ("", support::brokenDot(text));
+}
+
+TEST_F(ProgramGraph, TitlesAnAdapterWithItsNameIfNoOtherHasIt)
+{
+    run(support::smallMachine());
+
+    EXPECT_THAT(call({"graph"}).out, HasSubstr("graph [label=\"Analog Audio\", "));
+}
+
+TEST_F(ProgramGraph, DistinguishesADeviceWithoutHardwareGraphFromOneThatCannotBeRead)
+{
+    sim::MachineBuilder builder;
+    const std::string id = builder.card("Cable").speaker("Cable Input").id();
+    sim::Machine machine = builder.build();
+    machine.endpoints.front().topology.reset();
+    machine.adapters.clear();
+    machine.joins.clear();
+    run(std::move(machine));
+
+    const std::string without = call({"graph"}).out;
+    simulation().faults().fail("IMMDevice::Activate", E_FAIL).with("IDeviceTopology");
+    const std::string unreadable = call({"graph"}).out;
+
+    EXPECT_THAT(without, HasSubstr("label=\"no hardware graph\""));
+    EXPECT_THAT(without, Not(HasSubstr("connectors unknown")));
+    EXPECT_THAT(unreadable, HasSubstr("label=\"connectors unknown\""));
+    EXPECT_THAT(unreadable, Not(HasSubstr("no hardware graph")));
+}
+
 TEST_F(ProgramGraph, ShowsThePathOfAnOutputAgainstTheWayOfTheSound)
 {
     run(support::smallMachine());

@@ -198,6 +198,45 @@ TEST_F(ProgramMonitor, TellsNothingWhereNothingChanges)
     EXPECT_THAT(told(answer), IsEmpty());
 }
 
+TEST_F(ProgramMonitor, ShowsTheFlowsOfAnOutputAndAnInputOfOneName)
+{
+    sim::MachineBuilder builder;
+    sim::CardBuilder card = builder.card("Headset");
+    const std::string output = card.headphones("Hands-Free").id();
+    const std::string input = card.microphone("Hands-Free").id();
+    const std::string other = card.speaker("Base").id();
+    run(builder.build());
+
+    const support::Answer answer =
+        listen({[&](sim::Events& events) { events.unplug(output); }, [&](sim::Events& events) { events.unplug(input); },
+                [&](sim::Events& events) { events.unplug(other); }});
+
+    const std::vector<std::string> lines = told(answer);
+    EXPECT_THAT(lines, testing::Contains("Headset  Hands-Free (output)  active \xE2\x86\x92 unplugged"));
+    EXPECT_THAT(lines, testing::Contains("Headset  Hands-Free (input)   active \xE2\x86\x92 unplugged"));
+    EXPECT_THAT(lines, testing::Contains("Headset  Base                 active \xE2\x86\x92 unplugged"));
+}
+
+TEST_F(ProgramMonitor, KeepsTheFlowOfALongNameThatOccursTwice)
+{
+    const std::string name(100, 'x');
+    sim::MachineBuilder builder;
+    sim::CardBuilder card = builder.card("Headset");
+    const std::string output = card.headphones(name).id();
+    card.microphone(name);
+    run(builder.build());
+
+    EXPECT_THAT(told(listen({[&](sim::Events& events) { events.unplug(output); }})).front(),
+                testing::StartsWith("Headset  " + std::string(14, 'x') + "\xE2\x80\xA6 (output)  active "));
+}
+
+TEST_F(ProgramMonitor, SaysThatAMachineHasNoEvents)
+{
+    EXPECT_THAT(call({"monitor", "--machine", "virtual"}).err, testing::EndsWith("\nThis machine has no events.\n"));
+    EXPECT_THAT(call({"monitor", "--machine", "desktop"}).err, testing::Not(HasSubstr("no events")));
+    EXPECT_EQ("", call({"monitor", "--machine", "virtual", "--json"}).err);
+}
+
 TEST_F(ProgramMonitor, HearsTheMachinesNotificationThread)
 {
     sim::Simulation& simulation = run(support::smallMachine());

@@ -29,6 +29,18 @@ bool isThere(const AudioPart& part)
     return part.part().get() != nullptr;
 }
 
+/// Whether the system says that the device has no topology. A call that fails otherwise does not answer that.
+bool lacksTopology(AudioDevice device)
+{
+    const COMPtr<IMMDevice>::pointer platformDevice = device.device();
+    if (platformDevice.get() == nullptr)
+        return false;
+    void* topology = nullptr;
+    const HRESULT result = platformDevice->Activate(IID_IDeviceTopology, CLSCTX_ALL, nullptr, &topology);
+    const COMPtr<IDeviceTopology>::pointer holder(static_cast<IDeviceTopology*>(topology));
+    return result == E_NOINTERFACE;
+}
+
 std::string localId(const AudioPart& part)
 {
     UINT id = 0;
@@ -112,6 +124,7 @@ void CardGraph::addDevice(const AudioDevice& device, Device description)
         if (isThere(subunits[i]))
             addPart(subunits[i].part(), index);
     }
+    m_devices[index].hasTopology = !m_devices[index].parts.empty() || !lacksTopology(device);
 }
 
 /// Identifies a part by its global id, as the library does, or else by its device and its number there.

@@ -47,6 +47,7 @@ public:
         std::optional<EDataFlow> flow; ///< of an endpoint
         std::vector<std::size_t> parts;
         bool isOnPath = false;
+        bool hasTopology = true; ///< false if the system says that it has none
     };
 
     /// An edge between two parts, by their indexes.

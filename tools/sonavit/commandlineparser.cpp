@@ -1,5 +1,6 @@
 #include "tools/sonavit/commandlineparser.h"
 
+#include "simulator/machine/nearestname.h"
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/text.h"
 
@@ -112,6 +113,7 @@ private:
     [[noreturn]] void refuse(const std::vector<std::string>& words) const;
     static void refuseFlagValues(const std::vector<std::string>& words);
     void refuseExtras() const;
+    std::string nearestOption(const std::string& word) const;
     void refuseMissingValues(const std::vector<std::string>& words) const;
     void refuseMissingWords() const;
     const CLI::Option* optionNamed(const std::string& word) const;
@@ -200,8 +202,8 @@ void CommandLineParser::Grammar::addOption(CLI::App& verb, const std::string& na
 void CommandLineParser::Grammar::addQuestions()
 {
     verb("list", Verb::list, "List the sound cards and their endpoints (default)",
-         "\nThe list marks the default endpoints with *, and cards with a line or a digital\njack with [line] and "
-         "[digital]. In a narrow terminal it leaves columns out.\n");
+         "\nThe list marks the default endpoints of the console role with *, and cards with\na line or a digital jack "
+         "with [line] and [digital]. In a narrow terminal it\nleaves columns out.\n");
     verbOnEndpoint("show", Verb::show, "Show all properties of an endpoint");
     verbOnEndpoint("controls", Verb::controls, "List the hardware volume controls of an endpoint");
     addPositional(verb("selectors", Verb::selectors, "List the input selectors of the cards",
@@ -322,10 +324,27 @@ void CommandLineParser::Grammar::refuseExtras() const
     const std::string first = unmarked(extras.front());
     const std::string command = hasVerb() ? " " + chosen().get_name() : "";
     if (first.compare(0, 1, "-") == 0 && !isNegativeNumber(first))
-        throw UsageError("unknown option " + inQuotes(first) + "; see sonavit" + command + " --help");
+        throw UsageError("unknown option " + inQuotes(first) + nearestOption(first) + "; see sonavit" + command +
+                         " --help");
     if (!hasVerb())
         throw UsageError("unknown command " + inQuotes(first) + "; see sonavit --help");
     throw UsageError("unexpected argument " + inQuotes(first) + "; see sonavit" + command + " --help");
+}
+
+/// ` (did you mean "--account"?)` if the chosen verb has an option like @p word; otherwise empty.
+std::string CommandLineParser::Grammar::nearestOption(const std::string& word) const
+{
+    std::vector<std::string> names;
+    for (const CLI::App* const app : {&chosen(), &m_app})
+    {
+        for (const CLI::Option* const option : app->get_options())
+        {
+            for (const std::string& name : option->get_lnames())
+                names.push_back("--" + name);
+        }
+    }
+    const std::string nearest = sim::nearestName(word.substr(0, word.find('=')), names);
+    return nearest.empty() ? "" : " (did you mean " + inQuotes(nearest) + "?)";
 }
 
 /// Refuses an option that takes a value and is the last word or is followed by another option.

@@ -77,11 +77,29 @@ const char* clusterStyle(const CardGraph::Device& device)
     return "style=\"rounded\"";
 }
 
-std::string clusterLabel(const CardGraph::Device& device)
+/// What distinguishes an adapter from others of the same name: the last element of its id.
+std::string lastElement(const std::string& id)
 {
-    if (!device.flow)
-        return device.name;
-    return device.name + "\n" + flowWords(*device.flow);
+    const std::size_t separator = id.rfind('\\');
+    return separator == std::string::npos ? std::string() : printable(id.substr(separator + 1));
+}
+
+/// Whether another adapter of @p graph has the same name.
+bool sharesName(const CardGraph& graph, const CardGraph::Device& adapter)
+{
+    const std::vector<CardGraph::Device>& devices = graph.devices();
+    return std::any_of(devices.begin(), devices.end(),
+                       [&](const CardGraph::Device& other)
+                       { return &other != &adapter && other.kind == adapter.kind && other.name == adapter.name; });
+}
+
+std::string clusterLabel(const CardGraph& graph, const CardGraph::Device& device)
+{
+    if (device.flow)
+        return device.name + "\n" + flowWords(*device.flow);
+    const bool isAmbiguous = device.kind == CardGraph::Device::Kind::adapter && sharesName(graph, device);
+    const std::string element = isAmbiguous ? lastElement(device.id) : std::string();
+    return element.empty() ? device.name : device.name + "\n" + element;
 }
 
 bool hasLooseJoin(const CardGraph& graph, std::size_t device)
@@ -94,7 +112,7 @@ void writeDevice(std::ostream& out, const CardGraph& graph, std::size_t index)
 {
     const CardGraph::Device& device = graph.devices()[index];
     out << "  subgraph " << dotQuoted("cluster" + std::to_string(index)) << " {\n"
-        << "    graph [label=" << dotQuoted(clusterLabel(device)) << ", tooltip=" << dotQuoted(device.id) << ", "
+        << "    graph [label=" << dotQuoted(clusterLabel(graph, device)) << ", tooltip=" << dotQuoted(device.id) << ", "
         << clusterStyle(device);
     if (device.isOnPath)
         out << ", color=" << dotQuoted(pathColour) << ", penwidth=\"3\"";
@@ -102,7 +120,8 @@ void writeDevice(std::ostream& out, const CardGraph& graph, std::size_t index)
     for (const std::size_t part : device.parts)
         writeNode(out, graph.parts()[part], part);
     if (device.parts.empty() || hasLooseJoin(graph, index))
-        out << "    " << deviceNodeName(index) << " [label=\"connectors unknown\", style=\"dashed\"];\n";
+        out << "    " << deviceNodeName(index) << " [label=\""
+            << (device.hasTopology ? "connectors unknown" : "no hardware graph") << "\", style=\"dashed\"];\n";
     out << "  }\n";
 }
 

@@ -94,6 +94,7 @@ Names namesOf(const Endpoint& endpoint)
     {
         names.whole.push_back(*endpoint.name());
         names.title += " " + printable(endpoint.id);
+        names.title += " (" + std::string(flowWords(endpoint.flow)) + ")";
     }
     return names;
 }

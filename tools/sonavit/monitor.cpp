@@ -15,7 +15,7 @@ namespace
 EventSubject subjectOf(const std::string& cardId, const std::string& cardName, const Endpoint& endpoint)
 {
     const std::string title = endpoint.description.value_or(endpoint.title());
-    return {cardId, cardName, endpoint.id, endpoint.name(), title};
+    return {cardId, cardName, endpoint.id, endpoint.name(), title, endpoint.flow};
 }
 
 template<class Known>

@@ -65,7 +65,11 @@ void runMonitor(Context& context)
                                 << counted(cards.size(), "card") << "; Ctrl-C ends it.\n";
     }
     if (context.session.simulation() != nullptr)
+    {
+        if (!context.arguments.isJson && context.session.simulation()->machine().script.empty())
+            context.environment.err << "This machine has no events.\n" << std::flush;
         context.session.simulation()->events().playScript();
+    }
     waitForEnd(context, *monitor);
     monitor->stop();
     context.session.close(); // first, so that no thread of the platform holds the monitor's last reference

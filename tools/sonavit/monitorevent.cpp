@@ -171,8 +171,26 @@ EventWriter::EventWriter(const Environment& environment, bool isJson, std::optio
 
 void EventWriter::expect(const EventSubject& subject)
 {
+    if (subject.flow)
+        m_names.emplace(subject.cardName, subject.endpointTitle, *subject.flow);
     m_cardWidth = std::min(std::max(m_cardWidth, displayWidth(subject.cardName)), widestName);
-    m_endpointWidth = std::min(std::max(m_endpointWidth, displayWidth(subject.endpointTitle)), widestName);
+    m_endpointWidth = std::min(std::max(m_endpointWidth, displayWidth(shownTitle(subject))), widestName);
+}
+
+/// Whether an endpoint of the other flow, on the same card, has the same title.
+bool EventWriter::hasTwin(const EventSubject& subject) const
+{
+    const EDataFlow other = subject.flow == std::optional<EDataFlow>(eRender) ? eCapture : eRender;
+    return subject.flow && m_names.count({subject.cardName, subject.endpointTitle, other}) > 0;
+}
+
+std::string EventWriter::shownTitle(const EventSubject& subject) const
+{
+    const std::string title = printable(subject.endpointTitle);
+    if (!hasTwin(subject))
+        return shortened(title, widestName);
+    const std::string flow = " (" + std::string(flowWords(*subject.flow)) + ")";
+    return shortened(title, widestName - flow.size()) + flow;
 }
 
 void EventWriter::write(const MonitorEvent& event)
@@ -192,8 +210,7 @@ std::string EventWriter::line(const MonitorEvent& event) const
 {
     const bool hasColours = m_environment.hasColours;
     const std::string card = padded(shortened(printable(event.subject.cardName), m_cardWidth), m_cardWidth);
-    const std::string endpoint =
-        padded(shortened(printable(event.subject.endpointTitle), m_endpointWidth), m_endpointWidth);
+    const std::string endpoint = padded(shownTitle(event.subject), m_endpointWidth);
     return painted(localTimeText(event.time), Paint::dim, hasColours) + "  " + card + "  " +
            painted(endpoint, Paint::bold, hasColours) + "  " +
            painted(eventWords(event), eventPaint(event.kind), hasColours);

@@ -5,7 +5,9 @@
 
 #include <chrono>
 #include <optional>
+#include <set>
 #include <string>
+#include <tuple>
 
 namespace sonavit
 {
@@ -16,7 +18,8 @@ struct EventSubject
     std::string cardName;
     std::string endpointId;
     std::optional<std::string> endpointName;
-    std::string endpointTitle; ///< short, for people
+    std::string endpointTitle;     ///< short, for people
+    std::optional<EDataFlow> flow; ///< unknown for a default that does not exist
 };
 
 /// One change of an endpoint or a default.
@@ -49,7 +52,8 @@ public:
     /// @param machine name of the simulated machine, for JSON
     EventWriter(const Environment& environment, bool isJson, std::optional<std::string> machine);
 
-    /// Makes room for names as long as those of @p subject.
+    /// Makes room for names as long as those of @p subject. An output and an input of a card that have the same name
+    /// are shown with their flows.
     void expect(const EventSubject& subject);
 
     /// Writes and flushes the line of @p event, unless an earlier line could not be written.
@@ -60,11 +64,14 @@ public:
 
 private:
     std::string line(const MonitorEvent& event) const;
+    bool hasTwin(const EventSubject& subject) const;
+    std::string shownTitle(const EventSubject& subject) const;
 
     const Environment& m_environment;
     bool m_isJson;
     std::optional<std::string> m_machine;
     std::size_t m_cardWidth = 0;
     std::size_t m_endpointWidth = 0;
+    std::set<std::tuple<std::string, std::string, EDataFlow>> m_names; ///< card, title and flow of what is expected
 };
 }
