@@ -61,14 +61,14 @@ protected:
 
     void run(const std::string& name) { simulation = std::make_unique<sim::Simulation>(sim::findMachine(name)); }
 
-    /// The endpoint at place @p index of those with the states @p mask.
-    Held<IMMDevice> endpoint(EDataFlow flow, DWORD mask, UINT index = 0)
+    /// The first endpoint with a state of @p mask.
+    Held<IMMDevice> endpoint(EDataFlow flow, DWORD mask)
     {
         const Held<IMMDeviceEnumerator> enumerator(simulation->enumerator());
         Held<IMMDeviceCollection> collection;
         Held<IMMDevice> found;
         EXPECT_EQ(S_OK, enumerator->EnumAudioEndpoints(flow, mask, collection.put()));
-        EXPECT_EQ(S_OK, collection->Item(index, found.put()));
+        EXPECT_EQ(S_OK, collection->Item(0, found.put()));
         return found;
     }
 
@@ -169,13 +169,11 @@ std::vector<Bridge> bridgesOf(const Held<IDeviceTopology>& topology)
 
 // Microsoft's documentation of device topologies: an adapter is a topology filter and a wave filter, which a fixed
 // software connection joins.
-TEST_F(PublishedFilters, AreTwoThatAFixedSoftwareConnectionJoins)
+TEST_F(PublishedFilters, AreTwoForEachAnalogJackThatAFixedSoftwareConnectionJoins)
 {
     run("published");
-    const Held<IMMDevice> active[] = {endpoint(eRender, DEVICE_STATE_ACTIVE, 0),
-                                      endpoint(eRender, DEVICE_STATE_ACTIVE, 1),
-                                      endpoint(eCapture, DEVICE_STATE_ACTIVE, 0)};
-    for (const Held<IMMDevice>& device : active)
+    const Held<IMMDevice> analog[] = {endpoint(eRender, DEVICE_STATE_ACTIVE), endpoint(eCapture, DEVICE_STATE_ACTIVE)};
+    for (const Held<IMMDevice>& device : analog)
     {
         const Held<IDeviceTopology> filter = topologyOf(jackOf(device));
         EXPECT_THAT(textOf(filter, &IDeviceTopology::GetDeviceId), EndsWith("topo"));
