@@ -12,7 +12,7 @@ function(fail text)
 endfunction()
 
 # wine(<program> [<argument>...]): sets output, errors and code
-macro(wine)
+function(wine)
   execute_process(
     COMMAND "${EMULATOR}" "${PREFIX}" ${ARGN}
     OUTPUT_VARIABLE output
@@ -21,7 +21,10 @@ macro(wine)
     TIMEOUT 120
   )
   string(REPLACE "\r\n" "\n" output "${output}")
-endmacro()
+  foreach(result IN ITEMS output errors code)
+    set(${result} "${${result}}" PARENT_SCOPE)
+  endforeach()
+endfunction()
 
 # behind(<machine> <mode>): runs the client; sets output, errors, code, journal and census
 macro(behind machine mode)
