@@ -218,8 +218,15 @@ void Events::playBurst(const ScriptEvent& event)
         return serviceStart();
     case Kind::remoteLogon:
         return remoteLogon();
-    default:
-        return;
+    case Kind::added:
+    case Kind::removed:
+    case Kind::plugged:
+    case Kind::unplugged:
+    case Kind::stateChanged:
+    case Kind::defaultChanged:
+    case Kind::volumeChanged:
+    case Kind::propertyChanged:
+        return; // play() performs them
     }
 }
 }

@@ -33,7 +33,8 @@ public:
     /// throws std::invalid_argument if the machine has a device with that id.
     void add(const std::string& endpointId);
     void add(const Endpoint& endpoint);
-    /// The endpoint leaves the collections, but can still be opened by id: OnDeviceRemoved.
+    /// The endpoint leaves the collections: OnDeviceRemoved. Whether it can still be opened by id, the machine says:
+    /// Machine::removedEndpoints.
     void remove(const std::string& endpointId);
 
     /// The endpoint takes that state: OnDeviceStateChanged, even if it is in that state.
@@ -56,8 +57,8 @@ public:
     // endpoints of one device: those with exactly the same instance path.
 
     /// A USB device arrives. For each of its endpoints that is not present, clients are notified of its state (not
-    /// present) twice, of its addition if the machine never had it, of its state again, and of the state that it has
-    /// then: the one that it had before, or active. An endpoint that is present stays as it is.
+    /// present) twice, of its addition if it is not in the collections, of its state again, and of the state that it
+    /// has then: the one that it had before, or active. An endpoint that is present stays as it is.
     void plugUsb(const std::string& endpointId);
     /// A USB device goes: its endpoints are not present, but not removed.
     void unplugUsb(const std::string& endpointId);

@@ -36,6 +36,8 @@ void LatencyPlan::usePreset(LatencyPreset preset)
     if (preset == LatencyPreset::windows)
     {
         m_preset = {{{"IMMDevice::Activate", "IAudioClient"}, milliseconds(100)},
+                    {{"IMMDevice::Activate", "IAudioClient2"}, milliseconds(100)},
+                    {{"IMMDevice::Activate", "IAudioClient3"}, milliseconds(100)},
                     {{"IPropertyStore::GetCount", ""}, milliseconds(1)},
                     {{"IPropertyStore::GetAt", ""}, milliseconds(1)},
                     {{"IPropertyStore::GetValue", ""}, microseconds(200)}};

@@ -50,12 +50,15 @@ HRESULT AudioStream::start(StreamTime now)
 
 HRESULT AudioStream::stop(StreamTime now)
 {
-    const Lock lock(m_mutex);
-    if (!m_isRunning)
-        return S_FALSE;
-    m_runBefore = update(now);
+    std::unique_lock<Mutex> lock(m_mutex);
+    const bool wasRunning = m_isRunning;
+    if (wasRunning)
+        m_runBefore = update(now);
     m_isRunning = false;
-    return S_OK;
+    const auto isHere = [](std::thread::id thread) { return thread == std::this_thread::get_id(); };
+    if (std::none_of(m_signalling.begin(), m_signalling.end(), isHere))
+        m_hasSignalled.wait(lock, [this] { return m_signalling.empty() || Mutex::otherThreadsAreGone(); });
+    return wasRunning ? S_OK : S_FALSE;
 }
 
 HRESULT AudioStream::reset()
@@ -149,7 +152,7 @@ HRESULT AudioStream::takePacket(StreamTime now, StreamPacket& packet)
     packet.frames = packetFrames();
     packet.flags = AUDCLNT_BUFFERFLAGS_SILENT | (m_hasGap ? AUDCLNT_BUFFERFLAGS_DATA_DISCONTINUITY : 0);
     packet.position = m_done;
-    packet.time = now - durationOf(m_seen - m_done, m_plan.format.rate);
+    packet.time = m_seenAt - durationOf(m_seen - m_done, m_plan.format.rate);
     m_taken = packet.frames;
     return S_OK;
 }
@@ -201,14 +204,31 @@ std::optional<StreamTime> AudioStream::nextPeriod(StreamTime time) const
     return m_startedAt + durationOf((passed + 1) * m_plan.periodFrames, rate);
 }
 
-void AudioStream::signal(const std::function<void(HANDLE)>& signal, bool blocking) const
+/// The end of a signal, even if it throws.
+struct AudioStream::Signalling
+{
+    AudioStream& stream;
+
+    ~Signalling()
+    {
+        {
+            const Lock lock(stream.m_mutex);
+            std::vector<std::thread::id>& threads = stream.m_signalling;
+            threads.erase(std::find(threads.begin(), threads.end(), std::this_thread::get_id()));
+        }
+        stream.m_hasSignalled.notify_all();
+    }
+};
+
+void AudioStream::signal(const std::function<void(HANDLE)>& signal)
 {
     std::unique_lock<Mutex> lock(m_mutex);
     if (!m_isRunning || m_event == nullptr)
         return;
     const HANDLE event = m_event;
-    if (!blocking)
-        lock.unlock();
+    m_signalling.push_back(std::this_thread::get_id());
+    lock.unlock();
+    const Signalling signalling{*this};
     signal(event);
 }
 
@@ -224,6 +244,8 @@ std::uint64_t AudioStream::update(StreamTime now)
     if (!m_plan.captures)
         m_done += std::min(run - m_seen, m_written - m_done);
     m_seen = run;
+    if (m_isRunning)
+        m_seenAt = now;
     return run;
 }
 

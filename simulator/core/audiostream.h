@@ -6,11 +6,13 @@
 #include "simulator/mutex.h"
 
 #include <chrono>
+#include <condition_variable>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <thread>
 #include <vector>
 
 namespace sim
@@ -53,6 +55,8 @@ public:
     const StreamPlan& plan() const { return m_plan; }
 
     HRESULT start(StreamTime now);
+    /// Waits until the signal that runs has returned, because the client may close the event after that; in a signal of
+    /// this stream it does not.
     HRESULT stop(StreamTime now);
     HRESULT reset();
     bool isRunning() const;
@@ -83,11 +87,12 @@ public:
     HRESULT setEvent(HANDLE event);
     /// The first end of a period after @p time; no value unless the stream runs and has an event.
     std::optional<StreamTime> nextPeriod(StreamTime time) const;
-    /// Calls @p signal with the event if the stream runs. With @p blocking, stop() waits until the call has returned:
-    /// the client may close the event after that. @p signal must then not call the stream.
-    void signal(const std::function<void(HANDLE)>& signal, bool blocking) const;
+    /// Calls @p signal with the event if the stream runs, without a lock.
+    void signal(const std::function<void(HANDLE)>& signal);
 
 private:
+    struct Signalling;
+
     std::uint64_t framesRun(StreamTime now) const;
     std::uint64_t update(StreamTime now);
     std::uint32_t packetFrames() const;
@@ -97,6 +102,8 @@ private:
     const StreamPlan m_plan;
     const std::shared_ptr<void> m_lease; ///< the stream's place at the endpoint
     mutable Mutex m_mutex;
+    std::condition_variable_any m_hasSignalled;
+    std::vector<std::thread::id> m_signalling; ///< the threads that signal the event, once for each signal
     std::vector<BYTE> m_data;
     std::vector<float> m_levels; ///< 0 to 1
     HANDLE m_event = nullptr;
@@ -105,6 +112,7 @@ private:
     StreamTime m_startedAt = {};
     std::uint64_t m_runBefore = 0; ///< frames of earlier runs since the last reset
     std::uint64_t m_seen = 0;      ///< frames that update() has dealt with
+    StreamTime m_seenAt = {};      ///< the time at which that many frames had run
     std::uint64_t m_done = 0;      ///< played, or read by the client
     std::uint64_t m_written = 0;
     std::optional<std::uint32_t> m_taken; ///< frames of the buffer or packet that the client has

@@ -20,6 +20,8 @@ void notifyDefaults(const std::shared_ptr<State>& state, const Defaults& before,
 
 /// Runs @p change with the hardware, under its lock, begins the faults that hold after @p event, runs @p notify, which
 /// notifies the clients of the change itself, and at last notifies them of the defaults that have changed with it.
+/// If two threads change the machine at the same time, the notifications of each change keep their order, but those of
+/// the later change may come first: a client that wants the default asks for it.
 template<class Change, class Notify>
 void happen(const std::shared_ptr<State>& state, ScriptEvent::Kind event, const Change& change, const Notify& notify)
 {

@@ -39,9 +39,9 @@ public:
     void keep();
     /// One more reference for a user, which no user has asked for by AddRef.
     void lend();
-    /// Drops the machine's own reference.
     /// Drops a reference that lend() added, unseen by journal and fault plan. The last one deletes the object.
     void takeBack();
+    /// Drops the machine's own reference in the same way.
     void letGo();
 
 protected:

@@ -20,6 +20,8 @@ void StreamEngine::prepare(std::weak_ptr<void> owner)
 void StreamEngine::stop()
 {
     m_timer.stop();
+    std::unique_lock<Mutex> lock(m_mutex);
+    waitForSignals(lock);
 }
 
 StreamTime StreamEngine::now() const
@@ -31,15 +33,24 @@ StreamTime StreamEngine::now() const
 void StreamEngine::drive()
 {
     const StreamTime time = now();
-    const Lock lock(m_mutex);
+    std::unique_lock<Mutex> lock(m_mutex);
     if (!m_driven)
         m_driven = time;
+    waitForSignals(lock);
 }
 
 void StreamEngine::signalWith(Signal signal)
 {
-    const Lock lock(m_mutex);
-    m_signal = std::move(signal);
+    std::unique_lock<Mutex> lock(m_mutex);
+    m_signal.swap(signal);
+    waitForSignals(lock);
+}
+
+void StreamEngine::waitForSignals(std::unique_lock<Mutex>& lock)
+{
+    const auto isHere = [](std::thread::id thread) { return thread == std::this_thread::get_id(); };
+    if (std::none_of(m_signalling.begin(), m_signalling.end(), isHere))
+        m_hasSignalled.wait(lock, [this] { return m_signalling.empty() || Mutex::otherThreadsAreGone(); });
 }
 
 void StreamEngine::advance(StreamTime step)
@@ -48,7 +59,7 @@ void StreamEngine::advance(StreamTime step)
     for (auto due = dueNext(target); !due.empty(); due = dueNext(target))
     {
         for (const auto& stream : due)
-            signal(*stream);
+            signal(*stream, true);
     }
 }
 
@@ -69,7 +80,7 @@ std::vector<std::shared_ptr<AudioStream>> StreamEngine::dueNext(StreamTime until
         next = *end;
         due.push_back(stream);
     }
-    *m_driven = next;
+    *m_driven = std::max(*m_driven, next); // a signal may have moved the clock past the end
     return due;
 }
 
@@ -104,22 +115,42 @@ void StreamEngine::schedule(const std::shared_ptr<AudioStream>& stream, unsigned
                    [this, run, weak = std::weak_ptr<AudioStream>(stream)]
                    {
                        const std::shared_ptr<AudioStream> running = weak.lock();
-                       if (!running || running->run() != run || isDriven())
+                       if (!running || running->run() != run)
                            return;
-                       signal(*running);
+                       signal(*running, false);
                        schedule(running, run);
                    });
 }
 
-void StreamEngine::signal(const AudioStream& stream) const
+/// The end of a signal, even if it throws.
+struct StreamEngine::Signalling
+{
+    StreamEngine& engine;
+
+    ~Signalling()
+    {
+        {
+            const Lock lock(engine.m_mutex);
+            std::vector<std::thread::id>& threads = engine.m_signalling;
+            threads.erase(std::find(threads.begin(), threads.end(), std::this_thread::get_id()));
+        }
+        engine.m_hasSignalled.notify_all();
+    }
+};
+
+/// Does nothing unless @p byDriver says what moves the clock now.
+void StreamEngine::signal(AudioStream& stream, bool byDriver)
 {
     Signal own;
     {
         const Lock lock(m_mutex);
+        if (m_driven.has_value() != byDriver)
+            return;
         own = m_signal;
+        m_signalling.push_back(std::this_thread::get_id());
     }
-    const bool isSystem = !own;
-    stream.signal(isSystem ? Signal(setSystemEvent) : own, isSystem);
+    const Signalling signalling{*this};
+    stream.signal(own ? own : Signal(setSystemEvent));
 }
 
 std::shared_ptr<void> StreamEngine::occupy(const std::string& endpoint, bool isExclusive)

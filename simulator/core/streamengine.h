@@ -6,11 +6,14 @@
 #include "simulator/core/notifier.h"
 #include "simulator/mutex.h"
 
+#include <condition_variable>
 #include <functional>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace sim
@@ -35,7 +38,8 @@ public:
 
     /// Call it before the first stream. The thread keeps @p owner, which holds this object, alive.
     void prepare(std::weak_ptr<void> owner);
-    /// Ends the thread; no event is signalled after that.
+    /// Ends the thread; no event is signalled after that. This, drive() and signalWith() wait until no signal runs,
+    /// except in a signal.
     void stop();
 
     StreamTime now() const;
@@ -70,14 +74,19 @@ private:
         std::map<std::string, int> exclusive;
     };
 
+    struct Signalling;
+
     void schedule(const std::shared_ptr<AudioStream>& stream, unsigned run);
-    void signal(const AudioStream& stream) const;
+    void signal(AudioStream& stream, bool byDriver);
+    void waitForSignals(std::unique_lock<Mutex>& lock);
     std::vector<std::shared_ptr<AudioStream>> dueNext(StreamTime until);
 
     mutable Mutex m_mutex;
     Notifier m_timer;
     std::optional<StreamTime> m_driven; ///< the time of a driven clock
     Signal m_signal;
+    std::condition_variable_any m_hasSignalled;
+    std::vector<std::thread::id> m_signalling;         ///< the threads that signal, once for each signal
     std::vector<std::weak_ptr<AudioStream>> m_streams; ///< those that were started
     std::map<std::string, SessionVolume> m_sessions;
     const std::shared_ptr<Places> m_places = std::make_shared<Places>();

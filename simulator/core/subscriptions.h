@@ -9,6 +9,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
+#include <iterator>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -25,8 +26,8 @@ enum class ClientReferences
 
 /// Registrations of one kind of client. A client may be registered several times and is then called as often.
 ///
-/// No lock is held while a client is called. After remove() has returned, the client is not called any more; only a
-/// callback that itself called remove() still runs.
+/// No lock is held while a client is called. After remove() has returned, the client is not called any more, and none
+/// of its callbacks runs, except those on the thread that called remove().
 template<class Client, ClientReferences references>
 class Subscriptions
 {
@@ -57,19 +58,19 @@ public:
         const std::shared_ptr<Entry> entry = *found;
         m_entries.erase(found);
         entry->isActive = false;
-        if (entry->isRunningHere())
-        {
-            entry->releaseWhenIdle = isCounted; // by the last callback to end
-            return true;
-        }
-        const auto isIdle = [&] { return entry->runners.empty() || Mutex::otherThreadsAreGone(); };
+        const auto isIdle = [&] { return entry->runnersElsewhere().empty() || Mutex::otherThreadsAreGone(); };
         if (!m_idle.wait_for(lock, patience, isIdle))
         {
-            const std::vector<std::thread::id> runners = entry->runners;
+            const std::vector<std::thread::id> runners = entry->runnersElsewhere();
             lock.unlock();
             onLongWait(runners);
             lock.lock();
             m_idle.wait(lock, isIdle);
+        }
+        if (entry->runnersElsewhere().size() < entry->runners.size())
+        {
+            entry->releaseWhenIdle = isCounted; // by the last callback to end, which runs on this thread
+            return true;
         }
         lock.unlock();
         if constexpr (isCounted)
@@ -105,9 +106,12 @@ private:
         bool releaseWhenIdle = false;
         std::vector<std::thread::id> runners;
 
-        bool isRunningHere() const
+        std::vector<std::thread::id> runnersElsewhere() const
         {
-            return std::find(runners.begin(), runners.end(), std::this_thread::get_id()) != runners.end();
+            std::vector<std::thread::id> others;
+            const auto isOther = [](std::thread::id thread) { return thread != std::this_thread::get_id(); };
+            std::copy_if(runners.begin(), runners.end(), std::back_inserter(others), isOther);
+            return others;
         }
     };
 

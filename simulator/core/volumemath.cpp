@@ -55,11 +55,21 @@ void setMasterLevel(EndpointVolume& volume, float decibels)
         level = std::clamp(level + distance, volume.minimum, volume.maximum);
 }
 
+namespace
+{
+/// The nearest whole number of steps. More than the platform's counts can express become the most that they can.
+unsigned wholeSteps(float steps)
+{
+    constexpr float most = 2147483520.0f; // the largest of a float that an int can express
+    return static_cast<unsigned>(std::llround(std::clamp(steps, 0.0f, most)));
+}
+}
+
 unsigned stepCount(const EndpointVolume& volume)
 {
     if (volume.step <= 0.0f)
         return 1;
-    return static_cast<unsigned>(std::max(0L, std::lround((volume.maximum - volume.minimum) / volume.step))) + 1;
+    return wholeSteps((volume.maximum - volume.minimum) / volume.step) + 1;
 }
 
 unsigned stepOf(const EndpointVolume& volume, float decibels)
@@ -69,7 +79,7 @@ unsigned stepOf(const EndpointVolume& volume, float decibels)
     const float steps = volume.taper == Taper::linear
                             ? (decibels - volume.minimum) / volume.step
                             : scalarLevel(volume, decibels) * static_cast<float>(stepCount(volume) - 1);
-    return static_cast<unsigned>(std::max(0L, std::lround(steps)));
+    return wholeSteps(steps);
 }
 
 float neighbouringStep(const EndpointVolume& volume, float decibels, int direction)

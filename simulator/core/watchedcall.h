@@ -15,9 +15,36 @@
 
 namespace sim
 {
-/// Out-parameters of a call. If one that is needed is null, the call returns E_POINTER. Pointers in them are null when
-/// the work begins.
-template<class... Values>
+/// An out-parameter that a caller may leave out; see outputs().
+template<class Value>
+struct OmissibleOutput
+{
+    Value* value;
+};
+
+template<class Value>
+OmissibleOutput<Value> omissible(Value* value)
+{
+    return {value};
+}
+
+/// An out-parameter with space for @p count values; see outputs().
+template<class Value>
+struct SeveralOutputs
+{
+    Value* first;
+    std::size_t count;
+};
+
+template<class Value>
+SeveralOutputs<Value> several(Value* first, std::size_t count)
+{
+    return {first, count};
+}
+
+/// Out-parameters of a call: pointers to values, or what omissible() and several() return. If one that is needed is
+/// null, the call returns E_POINTER. Pointers in them are null when the work begins.
+template<class... Parameters>
 class Outputs
 {
 public:
@@ -27,22 +54,40 @@ public:
         any,
     };
 
-    explicit Outputs(Needed needed, Values*... values) : m_needed(needed), m_values(values...) {}
+    explicit Outputs(Needed needed, Parameters... parameters) : m_needed(needed), m_parameters(parameters...) {}
 
     bool areThere() const
     {
         const std::size_t missing =
-            std::apply([](auto*... values) { return (std::size_t{0} + ... + (values == nullptr)); }, m_values);
-        return m_needed == Needed::all ? missing == 0 : missing < sizeof...(Values);
+            std::apply([](const auto&... each) { return (std::size_t{0} + ... + isMissing(each)); }, m_parameters);
+        return m_needed == Needed::all ? missing == 0 : missing < sizeof...(Parameters);
     }
 
     /// Stores null in the pointers among them; with @p all also zero in the others.
     void clear(bool all) const
     {
-        std::apply([&](auto*... values) { (clearOne(values, all), ...); }, m_values);
+        std::apply([&](const auto&... each) { (clearOne(each, all), ...); }, m_parameters);
     }
 
 private:
+    template<class Value>
+    static bool isMissing(Value* value)
+    {
+        return value == nullptr;
+    }
+
+    template<class Value>
+    static bool isMissing(const OmissibleOutput<Value>&)
+    {
+        return false;
+    }
+
+    template<class Value>
+    static bool isMissing(const SeveralOutputs<Value>& values)
+    {
+        return values.first == nullptr;
+    }
+
     template<class Value>
     static void clearOne(Value* value, bool all)
     {
@@ -50,21 +95,34 @@ private:
             *value = Value();
     }
 
+    template<class Value>
+    static void clearOne(const OmissibleOutput<Value>& output, bool all)
+    {
+        clearOne(output.value, all);
+    }
+
+    template<class Value>
+    static void clearOne(const SeveralOutputs<Value>& values, bool all)
+    {
+        for (std::size_t index = 0; values.first != nullptr && index < values.count; ++index)
+            clearOne(values.first + index, all);
+    }
+
     Needed m_needed;
-    std::tuple<Values*...> m_values;
+    std::tuple<Parameters...> m_parameters;
 };
 
-template<class... Values>
-Outputs<Values...> outputs(Values*... values)
+template<class... Parameters>
+Outputs<Parameters...> outputs(Parameters... parameters)
 {
-    return Outputs<Values...>(Outputs<Values...>::Needed::all, values...);
+    return Outputs<Parameters...>(Outputs<Parameters...>::Needed::all, parameters...);
 }
 
 /// Out-parameters of which a caller may leave out all but one.
-template<class... Values>
-Outputs<Values...> optionalOutputs(Values*... values)
+template<class... Parameters>
+Outputs<Parameters...> optionalOutputs(Parameters... parameters)
 {
-    return Outputs<Values...>(Outputs<Values...>::Needed::any, values...);
+    return Outputs<Parameters...>(Outputs<Parameters...>::Needed::any, parameters...);
 }
 
 /// One call from its beginning to its end. The caller keeps the strings that it passes alive for that long.
@@ -115,8 +173,8 @@ private:
 };
 
 /// Runs one call: @p body does the work unless a fault fires. It may take the call as its argument.
-template<class... Values, class Body>
-HRESULT answerCall(WatchedCall& watched, const Outputs<Values...>& outputs, const Body& body)
+template<class... Parameters, class Body>
+HRESULT answerCall(WatchedCall& watched, const Outputs<Parameters...>& outputs, const Body& body)
 {
     watched.begin();
     if (!watched.planned())
@@ -148,9 +206,9 @@ std::string firstArgumentText(const First& first, const Others&...)
 }
 
 /// One call of an operation of @p object (functions: an empty name).
-template<class... Values, class Body, class... Arguments>
-HRESULT watchedCall(State& state, const char* operation, const std::string& object, const Outputs<Values...>& outputs,
-                    const Body& body, const Arguments&... arguments)
+template<class... Parameters, class Body, class... Arguments>
+HRESULT watchedCall(State& state, const char* operation, const std::string& object,
+                    const Outputs<Parameters...>& outputs, const Body& body, const Arguments&... arguments)
 {
     state.latency.spend(operation, [&] { return firstArgumentText(arguments...); });
     WatchedCall watched(state, operation, object);

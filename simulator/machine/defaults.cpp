@@ -9,9 +9,9 @@
 #include "simulator/machine/machine.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <utility>
-#include <vector>
 
 namespace sim
 {
@@ -19,33 +19,48 @@ namespace
 {
 using Form = FormFactor;
 
-/// Forms that are equally good, the best first.
-using Preference = std::vector<std::vector<Form>>;
-
-const Preference& preference(EDataFlow flow, ERole role)
+struct FormAndRank
 {
-    static const Preference render = {
-        {Form::headphones, Form::headset}, {Form::speakers}, {Form::lineLevel}, {Form::display}, {Form::spdif}};
-    static const Preference capture = {{Form::headset}, {Form::microphone}, {Form::lineLevel}};
-    static const Preference renderCall = {{Form::headset},   {Form::handset}, {Form::headphones}, {Form::speakers},
-                                          {Form::lineLevel}, {Form::display}, {Form::spdif}};
-    static const Preference captureCall = {{Form::headset}, {Form::handset}, {Form::microphone}, {Form::lineLevel}};
-    if (role == eCommunications)
-        return flow == eRender ? renderCall : captureCall;
-    return flow == eRender ? render : capture;
+    Form form;
+    std::size_t rank; ///< 0 is the best; equal ones are equally good
+};
+
+constexpr std::array<FormAndRank, 6> render = {{{Form::headphones, 0},
+                                                {Form::headset, 0},
+                                                {Form::speakers, 1},
+                                                {Form::lineLevel, 2},
+                                                {Form::display, 3},
+                                                {Form::spdif, 4}}};
+constexpr std::array<FormAndRank, 3> capture = {{{Form::headset, 0}, {Form::microphone, 1}, {Form::lineLevel, 2}}};
+constexpr std::array<FormAndRank, 7> renderCall = {{{Form::headset, 0},
+                                                    {Form::handset, 1},
+                                                    {Form::headphones, 2},
+                                                    {Form::speakers, 3},
+                                                    {Form::lineLevel, 4},
+                                                    {Form::display, 5},
+                                                    {Form::spdif, 6}}};
+constexpr std::array<FormAndRank, 4> captureCall = {
+    {{Form::headset, 0}, {Form::handset, 1}, {Form::microphone, 2}, {Form::lineLevel, 3}}};
+
+template<std::size_t count>
+std::size_t rankIn(const std::array<FormAndRank, count>& ranks, Form form)
+{
+    const auto isForm = [&](const FormAndRank& each) { return each.form == form; };
+    const auto found = std::find_if(ranks.begin(), ranks.end(), isForm);
+    return found == ranks.end() ? count : found->rank; // any other form comes last
 }
 
-std::size_t formRank(Form form, const Preference& preference)
+std::size_t formRank(Form form, EDataFlow flow, ERole role)
 {
-    const auto contains = [&](const std::vector<Form>& forms)
-    { return std::find(forms.begin(), forms.end(), form) != forms.end(); };
-    return static_cast<std::size_t>(std::find_if(preference.begin(), preference.end(), contains) - preference.begin());
+    if (role == eCommunications)
+        return flow == eRender ? rankIn(renderCall, form) : rankIn(captureCall, form);
+    return flow == eRender ? rankIn(render, form) : rankIn(capture, form);
 }
 
 std::size_t microphoneRank(const GUID& jack)
 {
-    static const std::vector<GUID> best = {KSNODETYPE_PROCESSING_MICROPHONE_ARRAY, KSNODETYPE_MICROPHONE_ARRAY,
-                                           KSNODETYPE_OMNI_DIRECTIONAL_MICROPHONE};
+    const std::array<GUID, 3> best = {KSNODETYPE_PROCESSING_MICROPHONE_ARRAY, KSNODETYPE_MICROPHONE_ARRAY,
+                                      KSNODETYPE_OMNI_DIRECTIONAL_MICROPHONE};
     const auto isJack = [&](const GUID& other) { return IsEqualGUID(other, jack) != 0; };
     return static_cast<std::size_t>(std::find_if(best.begin(), best.end(), isJack) - best.begin());
 }
@@ -91,7 +106,7 @@ const Endpoint* Machine::defaultEndpoint(EDataFlow flow, ERole role) const
         if (!isEligible(candidate, flow))
             continue;
         const GUID jack = jackOf(*this, candidate);
-        const Rank rank = {formRank(formFactorOf(jack), preference(flow, role)), microphoneRank(jack)};
+        const Rank rank = {formRank(formFactorOf(jack), flow, role), microphoneRank(jack)};
         if (best != nullptr && !(rank < bestRank))
             continue;
         best = &candidate;

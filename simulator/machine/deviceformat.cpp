@@ -11,9 +11,7 @@ namespace sim
 namespace
 {
 constexpr std::array<std::uint32_t, 4> sampleBits = {8, 16, 24, 32};
-constexpr int rateDigits = 6;
-constexpr std::uint32_t maximumRate = 999999; // the largest number of so many digits
-constexpr std::uint32_t maximumFormatChannels = 8;
+constexpr int rateDigits = 6; // of maximumRate
 
 /// The subtype of whole-number samples. The SDK's name for it is a constant that each program must define.
 constexpr GUID wholeNumberSamples = {0x00000001, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71}};

@@ -11,6 +11,10 @@
 
 namespace sim
 {
+/// What a device format can have at most.
+inline constexpr std::uint32_t maximumRate = 999999; ///< the largest number of six digits
+inline constexpr std::uint32_t maximumFormatChannels = 8;
+
 /// A device format as it is written "bits/rate/channels", such as 24/48000/2.
 struct DeviceFormat
 {

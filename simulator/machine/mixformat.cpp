@@ -1,18 +1,20 @@
 #include "simulator/machine/mixformat.h"
 
+#include <string_view>
+
 namespace sim
 {
 namespace
 {
 /// The subtype of floating-point samples. The SDK's name for it is a constant that each program must define.
 constexpr GUID floatingPointSamples = {0x00000003, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71}};
-const std::string floatingPoint = "32f/";
+constexpr std::string_view floatingPoint = "32f/";
 }
 
 std::string MixFormat::text() const
 {
     const std::string text = numbers.text();
-    return isFloatingPoint ? floatingPoint + text.substr(text.find('/') + 1) : text;
+    return isFloatingPoint ? std::string(floatingPoint) + text.substr(text.find('/') + 1) : text;
 }
 
 std::optional<MixFormat> MixFormat::fromText(const std::string& text)

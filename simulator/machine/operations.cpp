@@ -11,6 +11,8 @@ namespace
 {
 using NameList = std::vector<std::string_view>;
 
+// The lists are never destroyed: calls may be recorded while the process ends.
+
 struct InterfaceOperations
 {
     std::string_view interfaceName;
@@ -19,14 +21,14 @@ struct InterfaceOperations
 
 const NameList& countingOperations()
 {
-    static const NameList names = {"QueryInterface", "AddRef", "Release"};
+    static const auto& names = *new NameList{"QueryInterface", "AddRef", "Release"};
     return names;
 }
 
 /// The interfaces that the machine implements; the lists name what the journal writes.
 const std::vector<InterfaceOperations>& interfaces()
 {
-    static const std::vector<InterfaceOperations> all = {
+    static const auto& all = *new std::vector<InterfaceOperations>{
         {"IUnknown", {}},
         {"IClassFactory", {"CreateInstance", "LockServer"}},
         {"IMMDeviceEnumerator",
@@ -86,7 +88,7 @@ const std::vector<InterfaceOperations>& interfaces()
 
 const NameList& functions()
 {
-    static const NameList names = {
+    static const auto& names = *new NameList{
         "CoInitialize",     "CoInitializeEx",   "CoUninitialize",  "CoCreateInstance",         "CoTaskMemAlloc",
         "CoTaskMemFree",    "PropVariantClear", "CLSIDFromString", "waveOutGetNumDevs",        "waveOutMessage",
         "waveInGetNumDevs", "waveInMessage",    "PostMessageW",    "getParentDeviceInstanceId"};

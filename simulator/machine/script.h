@@ -25,7 +25,7 @@ struct ScriptEvent
     enum class Kind
     {
         added,           ///< collections contain the endpoint; OnDeviceAdded
-        removed,         ///< collections no longer contain it, but it can still be opened by id; OnDeviceRemoved
+        removed,         ///< collections no longer contain it; OnDeviceRemoved
         plugged,         ///< the endpoint becomes active; OnDeviceStateChanged
         unplugged,       ///< the endpoint becomes unplugged; OnDeviceStateChanged
         stateChanged,    ///< the endpoint's state becomes `state`; OnDeviceStateChanged

@@ -87,43 +87,57 @@ public:
     }
 
 private:
-    HRESULT activate(REFIID iid, void** object)
+    /// What the device offers now.
+    struct Offer
     {
         bool hasTopology = false;
         bool hasVolume = false;
-        bool hasStream = false;
+        bool hasStream = false; ///< of the interface that is asked for
         bool hasFilter = false;
-        const HRESULT result = this->state()->withHardware(
-            [&](Hardware& hardware) -> HRESULT
-            {
-                const Device* const device = hardware.device(this->name());
-                const Endpoint* const endpoint = hardware.endpoint(this->name());
-                if (device == nullptr)
-                    return AUDCLNT_E_DEVICE_INVALIDATED;
-                if (!hardware.serviceRuns() && extends<IAudioClient3>(iid))
-                    return AUDCLNT_E_SERVICE_NOT_RUNNING;
-                hasTopology = device->topology.has_value();
-                hasVolume = endpoint != nullptr && endpoint->volume;
-                hasStream = offersStream(*device, iid);
-                if (hasStream && endpoint != nullptr && !hasStreams(*endpoint))
-                    return AUDCLNT_E_DEVICE_INVALIDATED;
-                hasFilter = device->hasBaseFilter;
-                return S_OK;
-            });
+    };
+
+    HRESULT activate(REFIID iid, void** object)
+    {
+        Offer offer;
+        const HRESULT result =
+            this->state()->withHardware([&](Hardware& hardware) { return lookUp(hardware, iid, offer); });
         if (FAILED(result))
             return result;
-
-        if (hasTopology && IsEqualGUID(iid, InterfaceTraits<IDeviceTopology>::iid()))
-            *object = makeTopology(this->state(), this->name());
-        else if (hasVolume && IsEqualGUID(iid, InterfaceTraits<IAudioEndpointVolume>::iid()))
-            *object = makeEndpointVolume(this->state(), this->name());
-        else if (hasStream && extends<IAudioClient3>(iid))
-            *object = makeAudioClient(this->state(), this->name());
-        else if (hasStream)
-            *object = makeMeter(this->state(), this->name());
-        else if (hasFilter && IsEqualGUID(iid, InterfaceTraits<IBaseFilter>::iid()))
-            *object = makeBaseFilter(this->state(), this->name());
+        *object = make(iid, offer);
         return *object == nullptr ? E_NOINTERFACE : S_OK;
+    }
+
+    HRESULT lookUp(Hardware& hardware, REFIID iid, Offer& offer) const
+    {
+        const Device* const device = hardware.device(this->name());
+        const Endpoint* const endpoint = hardware.endpoint(this->name());
+        if (device == nullptr)
+            return AUDCLNT_E_DEVICE_INVALIDATED;
+        offer.hasTopology = device->topology.has_value();
+        offer.hasVolume = endpoint != nullptr && endpoint->volume;
+        offer.hasStream = offersStream(*device, iid);
+        offer.hasFilter = device->hasBaseFilter;
+        if (!offer.hasStream)
+            return S_OK;
+        if (extends<IAudioClient3>(iid) && !hardware.serviceRuns())
+            return AUDCLNT_E_SERVICE_NOT_RUNNING;
+        return endpoint != nullptr && !hasStreams(*endpoint) ? AUDCLNT_E_DEVICE_INVALIDATED : S_OK;
+    }
+
+    /// Null if the device does not offer the interface.
+    void* make(REFIID iid, const Offer& offer) const
+    {
+        if (offer.hasTopology && IsEqualGUID(iid, InterfaceTraits<IDeviceTopology>::iid()))
+            return makeTopology(this->state(), this->name());
+        if (offer.hasVolume && IsEqualGUID(iid, InterfaceTraits<IAudioEndpointVolume>::iid()))
+            return makeEndpointVolume(this->state(), this->name());
+        if (offer.hasStream && extends<IAudioClient3>(iid))
+            return makeAudioClient(this->state(), this->name());
+        if (offer.hasStream)
+            return makeMeter(this->state(), this->name());
+        if (offer.hasFilter && IsEqualGUID(iid, InterfaceTraits<IBaseFilter>::iid()))
+            return makeBaseFilter(this->state(), this->name());
+        return nullptr;
     }
 };
 

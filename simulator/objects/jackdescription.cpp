@@ -20,7 +20,7 @@ bool isPlugged(const Hardware& hardware, const std::string& connectorId)
         const std::optional<Peer> peer = hardware.peer(endpoint.topology->connectors.front().id);
         if (!peer || peer->connector != connectorId)
             continue;
-        if (endpoint.state != stateUnplugged && endpoint.state != stateNotPresent)
+        if (endpoint.installed && endpoint.state != stateUnplugged && endpoint.state != stateNotPresent)
             return true;
         isPlugged = false;
     }

@@ -40,7 +40,7 @@ public:
     HRESULT STDMETHODCALLTYPE GetChannelsPeakValues(UINT32 count, float* peaks) override
     {
         return read(
-            "IAudioMeterInformation::GetChannelsPeakValues", outputs(peaks),
+            "IAudioMeterInformation::GetChannelsPeakValues", outputs(several(peaks, count)),
             [&](const Endpoint& endpoint)
             {
                 if (count != channels(endpoint))

@@ -27,7 +27,9 @@ void* Marshaller::find(IUnknown& object, REFIID iid, bool& added)
     if (!IsEqualGUID(iid, __uuidof(IMarshal)))
         return nullptr;
     const std::lock_guard<Mutex> lock(creation());
-    if (m_marshal == nullptr && SUCCEEDED(CoCreateFreeThreadedMarshaler(&object, &m_inner)))
+    if (m_inner == nullptr && FAILED(CoCreateFreeThreadedMarshaler(&object, &m_inner)))
+        return nullptr;
+    if (m_marshal == nullptr)
         added = SUCCEEDED(m_inner->QueryInterface(iid, &m_marshal));
     return m_marshal;
 }

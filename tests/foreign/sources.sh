@@ -18,21 +18,24 @@ refreshSourceList() {
     quietly foreign-lists apt-get "${aptOptions[@]}" update
 }
 
-# fetchSource PACKAGE: unpacks its sources as $work/PACKAGE/source. Where Debian's own part of the package cannot be had,
+# fetchSource PACKAGE: unpacks its sources as $work/PACKAGE/source, which is there only if all of it is. Where Debian's own part of the package cannot be had,
 # the sources are the authors' alone, without Debian's changes.
 fetchSource() {
     local folder="$work/$1" package=$1
     [ ! -d "$folder/source" ] || return 0
     mkdir -p "$folder/fetched"
+    rm -rf "$folder/unpacked"
     (
-        cd "$folder/fetched"
+        cd "$folder/fetched" || exit 1
         quietly "foreign-$package-fetch" apt-get "${aptOptions[@]}" source --download-only "$package" 2>/dev/null || true
-        if ! quietly "foreign-$package-unpack" dpkg-source --extract ./*.dsc ../source 2>/dev/null; then
+        if ! quietly "foreign-$package-unpack" dpkg-source --extract ./*.dsc ../unpacked 2>/dev/null; then
             compgen -G './*.orig.tar.*' >/dev/null || exit 1
             echo "$package: without Debian's changes, which cannot be fetched" >&2
-            mkdir ../source
-            tar --extract --strip-components=1 --directory=../source --file ./*.orig.tar.*
+            rm -rf ../unpacked
+            mkdir ../unpacked
+            tar --extract --strip-components=1 --directory=../unpacked --file ./*.orig.tar.* || exit 1
         fi
+        mv ../unpacked ../source
     ) || {
         echo "$package: its sources cannot be fetched, see build/logs/foreign-$package-fetch.log" >&2
         return 1

@@ -12,7 +12,7 @@ function(fail text)
 endfunction()
 
 # wine(<program> [<argument>...]): sets output, errors and code
-macro(wine)
+function(wine)
   execute_process(
     COMMAND "${EMULATOR}" "${PREFIX}" ${ARGN}
     OUTPUT_VARIABLE output
@@ -21,7 +21,10 @@ macro(wine)
     TIMEOUT 120
   )
   string(REPLACE "\r\n" "\n" output "${output}")
-endmacro()
+  foreach(result IN ITEMS output errors code)
+    set(${result} "${${result}}" PARENT_SCOPE)
+  endforeach()
+endfunction()
 
 # behind(<machine> <mode>): runs the client; sets output, errors, code, journal and census
 macro(behind machine mode)
@@ -88,7 +91,7 @@ endif()
 
 foreach(machine IN ITEMS desktop crowded)
   expected(lines ${machine})
-  foreach(mode IN ITEMS list exit)
+  foreach(mode IN ITEMS list exit timer)
     behind(${machine} ${mode})
     if(code OR NOT output STREQUAL lines)
       fail("${machine}, ${mode}: the client (${code}) does not list the machine:" "${output}" "expected:" "${lines}" "${errors}")
@@ -211,3 +214,28 @@ behind("" list)
 if(code OR errors MATCHES "SonavitMachine" OR output MATCHES "Desk Monitor")
   fail("without its registration the server still answers (${code}):" "${output}" "${errors}")
 endif()
+
+# The registration of another server comes back as it was, although this one was registered twice; without another one
+# nothing stays.
+set(class "HKLM\\Software\\Classes\\CLSID\\{BCDE0395-E52F-467C-8E3D-C4579291692E}\\InprocServer32")
+foreach(before IN ITEMS "a server" "")
+  wine(reg delete "${class}" /va /f)
+  if(before)
+    wine(reg add "${class}" /ve /t REG_EXPAND_SZ /d "%SystemRoot%\\system32\\mmdevapi.dll" /f)
+    wine(reg add "${class}" /v ThreadingModel /t REG_SZ /d Apartment /f)
+  endif()
+  wine(reg query "${class}")
+  set(registered "${output}")
+  wine(regsvr32 /s "Z:${SERVER}")
+  wine(regsvr32 /s "Z:${SERVER}")
+  wine(reg query "${class}")
+  if(NOT output MATCHES "SonavitMachine.dll")
+    fail("after its registration the server is not the class's server:" "${output}")
+  endif()
+  wine(regsvr32 /u /s "Z:${SERVER}")
+  wine(reg query "${class}")
+  if(code OR NOT output STREQUAL registered)
+    fail("the registration does not come back (${code}):" "${output}" "before:" "${registered}")
+  endif()
+endforeach()
+wine(regsvr32 /s mmdevapi.dll)

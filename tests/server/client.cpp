@@ -8,6 +8,7 @@
 //   write   opens the default output's store for writing and prints the result
 //   groups  prints the endpoints, one a line: id, instance id of the adapter at the other end of its first connector
 //   waves   asks the wave functions before and after
+//   timer   prints the endpoints in a callback of a multimedia timer
 //
 // Its exit code is 0, or 1 if there is no enumerator; then it prints the result.
 
@@ -143,6 +144,30 @@ void openForWriting(IMMDeviceEnumerator& all)
     std::printf("a store for writing: 0x%08lX\n", static_cast<unsigned long>(result));
 }
 
+/// Prints the endpoints on the timer's thread, and sets the event.
+void CALLBACK listInTimer(UINT, UINT, DWORD_PTR done, DWORD_PTR, DWORD_PTR)
+{
+    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    IMMDeviceEnumerator* const own = enumerator();
+    if (own != nullptr)
+    {
+        list(*own, "timer");
+        own->Release();
+    }
+    CoUninitialize();
+    SetEvent(reinterpret_cast<HANDLE>(done));
+}
+
+/// 0 if the timer has called.
+int waitForTimer()
+{
+    const HANDLE done = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    const MMRESULT timer = timeSetEvent(1, 0, &listInTimer, reinterpret_cast<DWORD_PTR>(done), TIME_ONESHOT);
+    const bool hasCalled = timer != 0 && WaitForSingleObject(done, 60000) == WAIT_OBJECT_0;
+    CloseHandle(done);
+    return hasCalled ? 0 : 1;
+}
+
 std::atomic<unsigned> calls{0};
 
 /// Uses Core Audio until the process ends, and counts.
@@ -163,6 +188,8 @@ void stayBusy()
 int main(int count, char** words)
 {
     const std::string mode = count > 1 ? words[1] : "list";
+    if (mode == "timer")
+        return waitForTimer();
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     if (mode == "waves")
         std::printf("%u wave devices\n", waveOutGetNumDevs());

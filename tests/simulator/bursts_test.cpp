@@ -304,20 +304,25 @@ TEST_F(EventsService, LeavesNoDefaultWhileItIsStopped)
 // IAudioClient.
 TEST_F(EventsService, GivesNoAudioClientWhileItIsStopped)
 {
-    const Held<IMMDevice> earphone = device(earphoneId);
-    const auto activate = [&](REFIID iid)
+    const auto activate = [&](const std::string& id, REFIID iid)
     {
         Held<IUnknown> object;
-        return earphone->Activate(iid, CLSCTX_INPROC_SERVER, nullptr, object.putVoid());
+        return device(id)->Activate(iid, CLSCTX_INPROC_SERVER, nullptr, object.putVoid());
     };
+    const std::vector<IID> clients = {sim::InterfaceTraits<IAudioClient>::iid(),
+                                      sim::InterfaceTraits<IAudioClient2>::iid(),
+                                      sim::InterfaceTraits<IAudioClient3>::iid()};
 
-    simulation.events().serviceStop();
-    EXPECT_EQ(AUDCLNT_E_SERVICE_NOT_RUNNING, activate(sim::InterfaceTraits<IAudioClient>::iid()));
-    EXPECT_EQ(AUDCLNT_E_SERVICE_NOT_RUNNING, activate(sim::InterfaceTraits<IAudioClient2>::iid()));
-    EXPECT_EQ(AUDCLNT_E_SERVICE_NOT_RUNNING, activate(sim::InterfaceTraits<IAudioClient3>::iid()));
-    EXPECT_EQ(S_OK, activate(sim::InterfaceTraits<IDeviceTopology>::iid()));
-    simulation.events().serviceStart();
-    EXPECT_EQ(S_OK, activate(sim::InterfaceTraits<IAudioClient>::iid()));
+    for (const IID& iid : clients)
+    {
+        simulation.events().serviceStop();
+        EXPECT_EQ(AUDCLNT_E_SERVICE_NOT_RUNNING, activate(earphoneId, iid));
+        EXPECT_EQ(E_NOINTERFACE, activate(speakerId, iid)); // without streams at any time
+        EXPECT_EQ(S_OK, activate(earphoneId, sim::InterfaceTraits<IDeviceTopology>::iid()));
+        simulation.events().serviceStart();
+        EXPECT_EQ(S_OK, activate(earphoneId, iid));
+        EXPECT_EQ(E_NOINTERFACE, activate(speakerId, iid));
+    }
 }
 
 TEST_F(EventsBurst, MayBePartOfAScript)

@@ -276,6 +276,18 @@ TEST_F(SimulatedEndpointVolumeSteps, AreCountedAndTaken)
     EXPECT_EQ(0.0f, read(&IAudioEndpointVolume::GetMasterVolumeLevel));
 }
 
+TEST_F(SimulatedEndpointVolumeSteps, AreNoMoreThanACountCanExpress)
+{
+    simulation.change([&](sim::Machine& machine) { machine.endpoint(speakerId)->volume->step = 1e-9f; });
+    UINT step = 99;
+    UINT count = 99;
+
+    EXPECT_EQ(S_OK, control->GetVolumeStepInfo(&step, &count));
+
+    EXPECT_EQ(2147483521u, count);
+    EXPECT_EQ(2147483520u, step);
+}
+
 // Microsoft's documentation of IAudioEndpointVolume::GetVolumeStepInfo.
 TEST_F(SimulatedEndpointVolumeSteps, AreToldToThePointersThatThereAre)
 {

@@ -1,4 +1,5 @@
 #include "tests/simulator/eventstest.h"
+#include "tests/simulator/visit.h"
 
 #include <memory>
 
@@ -8,6 +9,17 @@ using bench::Held;
 using testing::ElementsAre;
 
 using EventsClients = bench::EventsTest;
+
+/// Stays in OnDeviceAdded until it is told to leave.
+struct Visiting : bench::ClientListener
+{
+    HRESULT STDMETHODCALLTYPE OnDeviceAdded(LPCWSTR) override
+    {
+        visit.stay();
+        return S_OK;
+    }
+    bench::Visit visit;
+};
 
 TEST_F(EventsClients, AreCalledInTheOrderOfTheirRegistrationAndAsOftenAsTheyRegistered)
 {
@@ -165,27 +177,15 @@ TEST_F(EventsClients, MayWaitForClientsInTheirOwnCallback)
 
 TEST_F(EventsClients, AreWaitedForWhileTheLastOfThemRuns)
 {
-    struct Slow : bench::ClientListener
-    {
-        HRESULT STDMETHODCALLTYPE OnDeviceAdded(LPCWSTR) override
-        {
-            isInside = true;
-            for (int turn = 0; turn < 2000; ++turn)
-                std::this_thread::yield();
-            hasReturned = true;
-            return S_OK;
-        }
-        std::atomic<bool> isInside{false};
-        std::atomic<bool> hasReturned{false};
-    } slow;
+    Visiting slow;
     ASSERT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&slow));
     simulation.events().add(speakerId);
-    while (!slow.isInside)
-        std::this_thread::yield();
+    slow.visit.waitUntilInside();
 
+    slow.visit.leave();
     simulation.events().waitForClients();
 
-    EXPECT_TRUE(slow.hasReturned);
+    EXPECT_FALSE(slow.visit.isInside());
     EXPECT_EQ(S_OK, enumerator->UnregisterEndpointNotificationCallback(&slow));
 }
 
@@ -211,30 +211,43 @@ TEST_F(EventsClients, AreNotCalledAfterTheEndOfTheSimulation)
 
 TEST_F(EventsClients, AreWaitedForWhenTheySignOffOnAnotherThread)
 {
-    struct Slow : bench::ClientListener
-    {
-        HRESULT STDMETHODCALLTYPE OnDeviceAdded(LPCWSTR) override
-        {
-            isInside = true;
-            while (!isSigningOff)
-                std::this_thread::yield();
-            for (int turn = 0; turn < 1000; ++turn)
-                std::this_thread::yield();
-            isInside = false;
-            return S_OK;
-        }
-        std::atomic<bool> isInside{false};
-        std::atomic<bool> isSigningOff{false};
-    } slow;
+    Visiting slow;
     ASSERT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&slow));
     simulation.events().add(speakerId);
-    while (!slow.isInside)
-        std::this_thread::yield();
+    slow.visit.waitUntilInside();
 
-    slow.isSigningOff = true;
+    slow.visit.leave();
     EXPECT_EQ(S_OK, enumerator->UnregisterEndpointNotificationCallback(&slow));
 
-    EXPECT_FALSE(slow.isInside);
+    EXPECT_FALSE(slow.visit.isInside());
+}
+
+// Windows forbids to unregister in a callback; after it has returned, no call may come or go on nevertheless.
+TEST_F(EventsClients, AreWaitedForOnOtherThreadsEvenIfTheySignOffInTheirOwnCallback)
+{
+    expectViolations();
+    simulation.deliverAtOnce(true);
+    struct Leaving : Visiting
+    {
+        HRESULT STDMETHODCALLTYPE OnDeviceRemoved(LPCWSTR) override
+        {
+            visit.leave();
+            const HRESULT result = owner->UnregisterEndpointNotificationCallback(this);
+            isInsideAfterwards = visit.isInside();
+            return result;
+        }
+        IMMDeviceEnumerator* owner = nullptr;
+        bool isInsideAfterwards = true;
+    } leaving;
+    leaving.owner = enumerator.get();
+    ASSERT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&leaving));
+    std::thread other([&] { simulation.events().announceAdded(speakerId); });
+    leaving.visit.waitUntilInside();
+
+    simulation.events().announceRemoved(speakerId);
+    other.join();
+
+    EXPECT_FALSE(leaving.isInsideAfterwards);
 }
 
 TEST_F(EventsClients, MayEndTheSimulationInACallback)

@@ -84,6 +84,15 @@ TEST_F(JackDescription, IsThereForEachJack)
     EXPECT_EQ(E_POINTER, description->GetJackCount(nullptr));
 }
 
+TEST_F(JackDescription, KnowsNoPlugOfAnEndpointThatWasRemoved)
+{
+    simulation.events().remove(speakerId);
+    EXPECT_EQ(FALSE, first().IsConnected);
+
+    simulation.events().add(speakerId);
+    EXPECT_EQ(TRUE, first().IsConnected);
+}
+
 // Without detection of presence a jack counts as connected.
 TEST_F(JackDescription, SaysWhetherTheEndpointIsPluggedInIfTheHardwareKnows)
 {

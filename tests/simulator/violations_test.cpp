@@ -1,8 +1,8 @@
 // What a client must not do in a callback: Microsoft's documentation of IMMNotificationClient,
 // IAudioEndpointVolumeCallback and IControlChangeNotify; NAudio issue 989, miniaudio issue 1149.
 #include "tests/simulator/eventstest.h"
+#include "tests/simulator/visit.h"
 
-#include <atomic>
 #include <chrono>
 #include <functional>
 #include <sstream>
@@ -145,22 +145,15 @@ TEST_F(ViolationRegistration, IsReportedInCallbacksOfVolumesAndControls)
 
 TEST_F(ViolationRegistration, IsFreeWhileAnotherThreadIsInACallback)
 {
-    std::atomic<bool> isInside{false};
-    std::atomic<bool> mayReturn{false};
-    acting.onAdded = [&]
-    {
-        isInside = true;
-        while (!mayReturn)
-            std::this_thread::yield();
-    };
+    bench::Visit visit;
+    acting.onAdded = [&] { visit.stay(); };
     simulation.events().announceAdded(earphoneId);
-    while (!isInside)
-        std::this_thread::yield();
+    visit.waitUntilInside();
 
     EXPECT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&other));
     EXPECT_EQ(S_OK, enumerator->UnregisterEndpointNotificationCallback(&other));
     device(speakerId).reset();
-    mayReturn = true;
+    visit.leave();
     simulation.events().waitForClients();
 
     EXPECT_THAT(simulation.violations(), IsEmpty());
@@ -336,20 +329,13 @@ TEST_F(ViolationLastRelease, IsNotTheReleaseOfOneReferenceOfSeveral)
 TEST_F(ViolationWait, IsReportedWhenACallbackDoesNotReturnToAnUnregistrationThatWaits)
 {
     ActingClient waiting;
-    std::atomic<bool> isInside{false};
-    std::atomic<bool> mayReturn{false};
-    waiting.onAdded = [&]
-    {
-        isInside = true;
-        while (!mayReturn)
-            std::this_thread::yield();
-    };
+    bench::Visit visit;
+    waiting.onAdded = [&] { visit.stay(); };
     ASSERT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&waiting));
     simulation.setPatience(std::chrono::milliseconds(1));
-    simulation.onViolation([&](const Violation&) { mayReturn = true; });
+    simulation.onViolation([&](const Violation&) { visit.leave(); });
     simulation.events().announceAdded(earphoneId);
-    while (!isInside)
-        std::this_thread::yield();
+    visit.waitUntilInside();
 
     EXPECT_EQ(S_OK, enumerator->UnregisterEndpointNotificationCallback(&waiting));
 
@@ -365,21 +351,14 @@ TEST_F(ViolationWait, IsReportedWhenACallbackDoesNotReturnToAnUnregistrationThat
 TEST_F(ViolationWait, IsNoneIfTheCallbackReturnsSoon)
 {
     ActingClient brief;
-    std::atomic<bool> isInside{false};
-    std::atomic<bool> isLeaving{false};
-    brief.onAdded = [&]
-    {
-        isInside = true;
-        while (!isLeaving)
-            std::this_thread::yield();
-    };
+    bench::Visit visit;
+    brief.onAdded = [&] { visit.stay(); };
     ASSERT_EQ(S_OK, enumerator->RegisterEndpointNotificationCallback(&brief));
     simulation.setPatience(std::chrono::hours(1));
     simulation.events().announceAdded(earphoneId);
-    while (!isInside)
-        std::this_thread::yield();
+    visit.waitUntilInside();
 
-    isLeaving = true;
+    visit.leave();
     EXPECT_EQ(S_OK, enumerator->UnregisterEndpointNotificationCallback(&brief));
 
     EXPECT_THAT(simulation.violations(), IsEmpty());

@@ -132,7 +132,7 @@ FieldTable<Endpoint> endpointTable()
 template<>
 const FieldTable<EndpointVolume>& fieldsOf<EndpointVolume>()
 {
-    static const FieldTable<EndpointVolume> table =
+    static const auto& table = *new FieldTable<EndpointVolume>(
         FieldTable<EndpointVolume>("endpointVolume", "IAudioEndpointVolume, in decibels.")
             .required("minimum", &EndpointVolume::minimum, DecibelsCodec())
             .required("maximum", &EndpointVolume::maximum, DecibelsCodec())
@@ -144,45 +144,45 @@ const FieldTable<EndpointVolume>& fieldsOf<EndpointVolume>()
                       "Operations that return E_NOTIMPL, such as SetMute.")
             .optional("taper", &EndpointVolume::taper, taperCodec,
                       "How scalar levels depend on decibels: linearly, or as on Windows.")
-            .optional("hardware", &EndpointVolume::hardware, ObjectCodec<HardwareControls>());
+            .optional("hardware", &EndpointVolume::hardware, ObjectCodec<HardwareControls>()));
     return table;
 }
 
 template<>
 const FieldTable<HardwareControls>& fieldsOf<HardwareControls>()
 {
-    static const FieldTable<HardwareControls> table =
+    static const auto& table = *new FieldTable<HardwareControls>(
         FieldTable<HardwareControls>("hardwareControls",
                                      "The parts that implement the endpoint's volume, by id, in full. Range, levels "
                                      "and mute of the endpoint are theirs.")
             .optional("volume", &HardwareControls::volume, StringCodec())
-            .optional("mute", &HardwareControls::mute, StringCodec());
+            .optional("mute", &HardwareControls::mute, StringCodec()));
     return table;
 }
 
 template<>
 const FieldTable<DevicePeriods>& fieldsOf<DevicePeriods>()
 {
-    static const FieldTable<DevicePeriods> table =
+    static const auto& table = *new FieldTable<DevicePeriods>(
         FieldTable<DevicePeriods>("periods",
                                   "Periods of an endpoint's streams in units of 100 nanoseconds. If they are "
                                   "missing: 10 ms rounded up to 32 frames, and 3 ms.")
             .required("default", &DevicePeriods::usual, NumberCodec(), "Of the shared engine.")
-            .required("minimum", &DevicePeriods::minimum, NumberCodec(), "Of exclusive streams.");
+            .required("minimum", &DevicePeriods::minimum, NumberCodec(), "Of exclusive streams."));
     return table;
 }
 
 template<>
 const FieldTable<Adapter>& fieldsOf<Adapter>()
 {
-    static const FieldTable<Adapter> table = adapterTable();
+    static const auto& table = *new FieldTable<Adapter>(adapterTable());
     return table;
 }
 
 template<>
 const FieldTable<Endpoint>& fieldsOf<Endpoint>()
 {
-    static const FieldTable<Endpoint> table = endpointTable();
+    static const auto& table = *new FieldTable<Endpoint>(endpointTable());
     return table;
 }
 }

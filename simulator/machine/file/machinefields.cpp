@@ -99,14 +99,14 @@ FieldTable<Machine> machineTable()
 template<>
 const FieldTable<Machine>& fieldsOf<Machine>()
 {
-    static const FieldTable<Machine> table = machineTable();
+    static const auto& table = *new FieldTable<Machine>(machineTable());
     return table;
 }
 
 template<>
 const FieldTable<Join>& fieldsOf<Join>()
 {
-    static const FieldTable<Join> table =
+    static const auto& table = *new FieldTable<Join>(
         FieldTable<Join>("join")
             .required("from", &Join::from, StringCodec(), "Id of a connector, in full.")
             .optional("to", &Join::to, StringCodec(),
@@ -116,30 +116,30 @@ const FieldTable<Join>& fieldsOf<Join>()
                       "The far device's id as the near connector reports it. If it is missing: the id of the device "
                       "that has the far connector.")
             .optional("bothWays", &Join::bothWays, BooleanCodec(),
-                      "false: the far connector does not report the near one.");
+                      "false: the far connector does not report the near one."));
     return table;
 }
 
 template<>
 const FieldTable<DeviceInstance>& fieldsOf<DeviceInstance>()
 {
-    static const FieldTable<DeviceInstance> table =
+    static const auto& table = *new FieldTable<DeviceInstance>(
         FieldTable<DeviceInstance>("deviceInstance")
             .required("id", &DeviceInstance::id, StringCodec{definition::id})
-            .required("parent", &DeviceInstance::parent, NullableStringCodec(), "null: asking for the parent fails.");
+            .required("parent", &DeviceInstance::parent, NullableStringCodec(), "null: asking for the parent fails."));
     return table;
 }
 
 template<>
 const FieldTable<WaveDevice>& fieldsOf<WaveDevice>()
 {
-    static const FieldTable<WaveDevice> table =
+    static const auto& table = *new FieldTable<WaveDevice>(
         FieldTable<WaveDevice>("waveDevice")
             .required("endpoint", &WaveDevice::endpointId, StringCodec(),
                       "The endpoint id that the wave driver returns.")
             .optional("sizeResult", &WaveDevice::sizeResult, NumberCodec(),
                       "MMRESULT of the question for the id's size.")
-            .optional("idResult", &WaveDevice::idResult, NumberCodec(), "MMRESULT of the question for the id.");
+            .optional("idResult", &WaveDevice::idResult, NumberCodec(), "MMRESULT of the question for the id."));
     return table;
 }
 }

@@ -112,58 +112,58 @@ struct FormatCodec
 
 const FieldTable<PropertyValue>& stringForm()
 {
-    static const FieldTable<PropertyValue> table =
+    static const auto& table = *new FieldTable<PropertyValue>(
         FieldTable<PropertyValue>("textValue", "A string; null: the tag of a string with a null pointer.")
-            .required("text", &PropertyValue::text, NullableStringCodec());
+            .required("text", &PropertyValue::text, NullableStringCodec()));
     return table;
 }
 
 const FieldTable<PropertyValue>& numberForm()
 {
-    static const FieldTable<PropertyValue> table =
+    static const auto& table = *new FieldTable<PropertyValue>(
         FieldTable<PropertyValue>("numberValue",
                                   "A whole number under another tag than VT_UI4; more than 32 bits for VT_UI8 only.")
             .required("number", &PropertyValue::number, LargeNumberCodec())
-            .required("tag", &PropertyValue::tag, numberTagCodec);
+            .required("tag", &PropertyValue::tag, numberTagCodec));
     return table;
 }
 
 const FieldTable<PropertyValue>& booleanForm()
 {
-    static const FieldTable<PropertyValue> table =
-        FieldTable<PropertyValue>("booleanValue", "VT_BOOL.")
-            .required("boolean", &PropertyValue::number, VariantBooleanCodec());
+    static const auto& table =
+        *new FieldTable<PropertyValue>(FieldTable<PropertyValue>("booleanValue", "VT_BOOL.")
+                                           .required("boolean", &PropertyValue::number, VariantBooleanCodec()));
     return table;
 }
 
 const FieldTable<PropertyValue>& realForm()
 {
-    static const FieldTable<PropertyValue> table =
-        FieldTable<PropertyValue>("realValue", "VT_R4, a number in single precision.")
-            .required("real", &PropertyValue::real, RealCodec());
+    static const auto& table =
+        *new FieldTable<PropertyValue>(FieldTable<PropertyValue>("realValue", "VT_R4, a number in single precision.")
+                                           .required("real", &PropertyValue::real, RealCodec()));
     return table;
 }
 
 const FieldTable<PropertyValue>& guidForm()
 {
-    static const FieldTable<PropertyValue> table =
-        FieldTable<PropertyValue>("guidValue", "VT_CLSID.").required("guid", &PropertyValue::guid, GuidCodec());
+    static const auto& table = *new FieldTable<PropertyValue>(
+        FieldTable<PropertyValue>("guidValue", "VT_CLSID.").required("guid", &PropertyValue::guid, GuidCodec()));
     return table;
 }
 
 const FieldTable<PropertyValue>& blobForm()
 {
-    static const FieldTable<PropertyValue> table =
-        FieldTable<PropertyValue>("blobValue", "Bytes, as pairs of hexadecimal digits.")
-            .required("blob", &PropertyValue::bytes, BytesCodec());
+    static const auto& table =
+        *new FieldTable<PropertyValue>(FieldTable<PropertyValue>("blobValue", "Bytes, as pairs of hexadecimal digits.")
+                                           .required("blob", &PropertyValue::bytes, BytesCodec()));
     return table;
 }
 
 const FieldTable<PropertyValue>& formatForm()
 {
-    static const FieldTable<PropertyValue> table =
+    static const auto& table = *new FieldTable<PropertyValue>(
         FieldTable<PropertyValue>("formatValue", "The 40 bytes of a device format, written bits/rate/channels.")
-            .required("format", &PropertyValue::bytes, FormatCodec());
+            .required("format", &PropertyValue::bytes, FormatCodec()));
     return table;
 }
 

@@ -117,8 +117,8 @@ EventGroup propertyEvents()
 
 const std::vector<EventGroup>& eventGroups()
 {
-    static const std::vector<EventGroup> groups = {endpointEvents(), stateEvents(),    defaultEvents(),
-                                                   volumeEvents(),   propertyEvents(), machineEvents()};
+    static const auto& groups = *new std::vector<EventGroup>{endpointEvents(), stateEvents(),    defaultEvents(),
+                                                             volumeEvents(),   propertyEvents(), machineEvents()};
     return groups;
 }
 
@@ -245,19 +245,19 @@ const FieldTable<ScriptEvent>& eventForm(ScriptEvent::Kind kind)
 template<>
 const FieldTable<FaultRule>& fieldsOf<FaultRule>()
 {
-    static const FieldTable<FaultRule> table = faultTable();
+    static const auto& table = *new FieldTable<FaultRule>(faultTable());
     return table;
 }
 
 template<>
 const FieldTable<LatencyRule>& fieldsOf<LatencyRule>()
 {
-    static const FieldTable<LatencyRule> table =
-        FieldTable<LatencyRule>("latencyRule")
-            .required("operation", &LatencyRule::operation, StringCodec(),
-                      "As in faults; *: every call that no other rule names.")
-            .optional("argument", &LatencyRule::argument, StringCodec(), "As in faults.")
-            .required("microseconds", &LatencyRule::microseconds, NumberCodec());
+    static const auto& table =
+        *new FieldTable<LatencyRule>(FieldTable<LatencyRule>("latencyRule")
+                                         .required("operation", &LatencyRule::operation, StringCodec(),
+                                                   "As in faults; *: every call that no other rule names.")
+                                         .optional("argument", &LatencyRule::argument, StringCodec(), "As in faults.")
+                                         .required("microseconds", &LatencyRule::microseconds, NumberCodec()));
     return table;
 }
 }

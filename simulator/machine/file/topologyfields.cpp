@@ -87,27 +87,27 @@ FieldTable<Connector> connectorTable()
 template<>
 const FieldTable<Topology>& fieldsOf<Topology>()
 {
-    static const FieldTable<Topology> table =
+    static const auto& table = *new FieldTable<Topology>(
         FieldTable<Topology>("topology")
             .contextual("deviceId", &Topology::deviceId, NullableStringCodec(),
                         "What GetDeviceId returns. If it is missing: the device's id.")
             .optional("connectors", &Topology::connectors, PartsCodec<Connector>{&usualConnectorLocalId})
             .optional("subunits", &Topology::subunits, PartsCodec<Subunit>{&usualSubunitLocalId})
-            .optional("signalPaths", &Topology::signalPaths, listCodec(ObjectCodec<SignalPath>()));
+            .optional("signalPaths", &Topology::signalPaths, listCodec(ObjectCodec<SignalPath>())));
     return table;
 }
 
 template<>
 const FieldTable<Connector>& fieldsOf<Connector>()
 {
-    static const FieldTable<Connector> table = connectorTable();
+    static const auto& table = *new FieldTable<Connector>(connectorTable());
     return table;
 }
 
 template<>
 const FieldTable<Jack>& fieldsOf<Jack>()
 {
-    static const FieldTable<Jack> table =
+    static const auto& table = *new FieldTable<Jack>(
         FieldTable<Jack>("jack", "A description of a jack.")
             .optional("channels", &Jack::channels, NumberCodec(), "Mask of the speakers that it carries.")
             .optional("colour", &Jack::colour, NumberCodec(), "Red, green and blue: 65280 is green.")
@@ -121,65 +121,67 @@ const FieldTable<Jack>& fieldsOf<Jack>()
                       "Whether the formats depend on what is plugged in.")
             .optional("connected", &Jack::connected, optionalCodec(BooleanCodec()),
                       "Whether something is plugged in. If it is missing: as the states of the endpoints at the "
-                      "connector say if the hardware detects presence, otherwise true.");
+                      "connector say if the hardware detects presence, otherwise true."));
     return table;
 }
 
 template<>
 const FieldTable<Subunit>& fieldsOf<Subunit>()
 {
-    static const FieldTable<Subunit> table = subunitTable();
+    static const auto& table = *new FieldTable<Subunit>(subunitTable());
     return table;
 }
 
 template<>
 const FieldTable<VolumeControl>& fieldsOf<VolumeControl>()
 {
-    static const FieldTable<VolumeControl> table =
-        FieldTable<VolumeControl>("volumeControl", "IAudioVolumeLevel.")
-            .required("channels", &VolumeControl::channels, listCodec(ObjectCodec<ChannelLevel>(), 1, maximumChannels));
+    static const auto& table =
+        *new FieldTable<VolumeControl>(FieldTable<VolumeControl>("volumeControl", "IAudioVolumeLevel.")
+                                           .required("channels", &VolumeControl::channels,
+                                                     listCodec(ObjectCodec<ChannelLevel>(), 1, maximumChannels)));
     return table;
 }
 
 template<>
 const FieldTable<ChannelLevel>& fieldsOf<ChannelLevel>()
 {
-    static const FieldTable<ChannelLevel> table = FieldTable<ChannelLevel>("channelLevel", "In decibels.")
-                                                      .required("minimum", &ChannelLevel::minimum, DecibelsCodec())
-                                                      .required("maximum", &ChannelLevel::maximum, DecibelsCodec())
-                                                      .required("step", &ChannelLevel::step, DecibelsCodec::positive())
-                                                      .required("level", &ChannelLevel::level, DecibelsCodec());
+    static const auto& table =
+        *new FieldTable<ChannelLevel>(FieldTable<ChannelLevel>("channelLevel", "In decibels.")
+                                          .required("minimum", &ChannelLevel::minimum, DecibelsCodec())
+                                          .required("maximum", &ChannelLevel::maximum, DecibelsCodec())
+                                          .required("step", &ChannelLevel::step, DecibelsCodec::positive())
+                                          .required("level", &ChannelLevel::level, DecibelsCodec()));
     return table;
 }
 
 template<>
 const FieldTable<MuteControl>& fieldsOf<MuteControl>()
 {
-    static const FieldTable<MuteControl> table =
-        FieldTable<MuteControl>("muteControl", "IAudioMute.").required("muted", &MuteControl::muted, BooleanCodec());
+    static const auto& table = *new FieldTable<MuteControl>(
+        FieldTable<MuteControl>("muteControl", "IAudioMute.").required("muted", &MuteControl::muted, BooleanCodec()));
     return table;
 }
 
 template<>
 const FieldTable<SelectorControl>& fieldsOf<SelectorControl>()
 {
-    static const FieldTable<SelectorControl> table =
-        FieldTable<SelectorControl>("selectorControl", "IAudioInputSelector.")
-            .required("selection", &SelectorControl::selection, NumberCodec(),
-                      "Local id of an incoming part; 0: none.");
+    static const auto& table =
+        *new FieldTable<SelectorControl>(FieldTable<SelectorControl>("selectorControl", "IAudioInputSelector.")
+                                             .required("selection", &SelectorControl::selection, NumberCodec(),
+                                                       "Local id of an incoming part; 0: none."));
     return table;
 }
 
 template<>
 const FieldTable<SignalPath>& fieldsOf<SignalPath>()
 {
-    static const FieldTable<SignalPath> table =
+    static const auto& table = *new FieldTable<SignalPath>(
         FieldTable<SignalPath>("signalPath", "A path inside one topology, in one direction only.")
             .required("from", &SignalPath::from, StringCodec())
             .required("to", &SignalPath::to, StringCodec())
             .optional("through", &SignalPath::through, PartIdsCodec())
             .optional("mixed", &SignalPath::mixed, BooleanCodec(),
-                      "true: it passes a sum, so a caller that rejects mixed paths does not find it.");
+                      "true: it passes a sum, so a caller that rejects mixed paths does not find it."));
     return table;
 }
 }

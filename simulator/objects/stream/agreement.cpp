@@ -1,6 +1,9 @@
 #include "simulator/objects/stream/agreement.h"
 
+#include "simulator/machine/deviceformat.h"
+
 #include <algorithm>
+#include <cstdint>
 
 namespace sim
 {
@@ -18,6 +21,8 @@ constexpr DWORD knownFlags = AUDCLNT_STREAMFLAGS_CROSSPROCESS | AUDCLNT_STREAMFL
                              AUDCLNT_STREAMFLAGS_AUTOCONVERTPCM | AUDCLNT_SESSIONFLAGS_EXPIREWHENUNOWNED |
                              AUDCLNT_SESSIONFLAGS_DISPLAY_HIDE | AUDCLNT_SESSIONFLAGS_DISPLAY_HIDEWHENEXPIRED;
 
+static_assert(2 * (longestPeriod / second) * maximumRate <= 0xFFFFFFFF, "the frames of two periods fit in 32 bits");
+
 std::uint32_t roundedFrames(REFERENCE_TIME time, std::uint32_t rate)
 {
     return static_cast<std::uint32_t>((time * rate + second / 2) / second);
@@ -26,6 +31,12 @@ std::uint32_t roundedFrames(REFERENCE_TIME time, std::uint32_t rate)
 std::uint32_t wholeFrames(REFERENCE_TIME time, std::uint32_t rate)
 {
     return static_cast<std::uint32_t>((time * rate + second - 1) / second);
+}
+
+/// Whether an endpoint could have the format, so that the engine converts it.
+bool isUsual(const SampleFormat& format)
+{
+    return format.rate <= maximumRate && format.channels <= maximumFormatChannels;
 }
 
 bool has(const StreamRequest& request, DWORD flag)
@@ -53,6 +64,8 @@ HRESULT agreeOnFormat(const Endpoint& endpoint, const StreamRequest& request, St
     if (!format)
         return refusal(*request.format);
     plan.format = *format;
+    if (!isUsual(*format))
+        return AUDCLNT_E_UNSUPPORTED_FORMAT;
     const bool isTaken = plan.isExclusive
                              ? deviceTakes(endpoint, *format)
                              : has(request, AUDCLNT_STREAMFLAGS_AUTOCONVERTPCM) || sharedEngineTakes(endpoint, *format);
@@ -79,7 +92,7 @@ HRESULT agreeOnPeriodBuffer(const DevicePeriods& periods, const StreamRequest& r
         return AUDCLNT_E_BUFFER_SIZE_ERROR;
     plan.bufferFrames = roundedFrames(request.duration, plan.format.rate);
     const std::uint32_t requested = plan.bufferFrames;
-    while (plan.bufferFrames * plan.format.frameBytes() % packetBytes != 0)
+    while (std::uint64_t{plan.bufferFrames} * plan.format.frameBytes() % packetBytes != 0)
         ++plan.bufferFrames;
     plan.periodFrames = plan.bufferFrames;
     return plan.bufferFrames == requested ? S_OK : AUDCLNT_E_BUFFER_SIZE_NOT_ALIGNED;

@@ -8,6 +8,7 @@
 
 #include <cstring>
 #include <mutex>
+#include <new>
 #include <utility>
 
 namespace sim
@@ -25,6 +26,13 @@ public:
     AudioClientObject(const std::shared_ptr<State>& state, std::string deviceId)
         : ComObject(state, std::move(deviceId), InterfaceTraits<IAudioClient>::name)
     {
+    }
+
+    /// The client closes its event after the last Release.
+    ~AudioClientObject() override
+    {
+        if (m_stream)
+            m_stream->stop(state()->streams.now());
     }
 
     HRESULT STDMETHODCALLTYPE Initialize(AUDCLNT_SHAREMODE mode, DWORD flags, REFERENCE_TIME duration,
@@ -75,11 +83,9 @@ public:
     HRESULT STDMETHODCALLTYPE IsFormatSupported(AUDCLNT_SHAREMODE mode, const WAVEFORMATEX* format,
                                                 WAVEFORMATEX** closestMatch) override
     {
-        if (closestMatch != nullptr) // null is allowed in exclusive mode
-            *closestMatch = nullptr;
         return call(
-            "IAudioClient::IsFormatSupported", outputs(), [&] { return isFormatSupported(mode, format, closestMatch); },
-            mode, format);
+            "IAudioClient::IsFormatSupported", outputs(omissible(closestMatch)), // null is allowed in exclusive mode
+            [&] { return isFormatSupported(mode, format, closestMatch); }, mode, format);
     }
 
     HRESULT STDMETHODCALLTYPE GetMixFormat(WAVEFORMATEX** format) override
@@ -93,8 +99,6 @@ public:
     {
         const auto answer = [&]() -> HRESULT
         {
-            if (usual == nullptr && minimum == nullptr)
-                return E_POINTER;
             return onActiveEndpoint(*state(), name(),
                                     [&](const Machine&, const Endpoint& endpoint)
                                     {
@@ -106,7 +110,7 @@ public:
                                         return S_OK;
                                     });
         };
-        return call("IAudioClient::GetDevicePeriod", outputs(), answer);
+        return call("IAudioClient::GetDevicePeriod", optionalOutputs(usual, minimum), answer);
     }
 
     HRESULT STDMETHODCALLTYPE Start() override
@@ -121,10 +125,19 @@ public:
         return use("IAudioClient::Start", outputs(), answer);
     }
 
+    /// The stream stops even if the endpoint has gone.
     HRESULT STDMETHODCALLTYPE Stop() override
     {
-        return use("IAudioClient::Stop", outputs(),
-                   [&](AudioStream& stream) { return stream.stop(state()->streams.now()); });
+        const auto answer = [&]() -> HRESULT
+        {
+            const std::shared_ptr<AudioStream> stream = initialized();
+            if (!stream)
+                return AUDCLNT_E_NOT_INITIALIZED;
+            const HRESULT result = stream->stop(state()->streams.now());
+            const HRESULT found = requireActiveEndpoint(*state(), name());
+            return FAILED(found) ? found : result;
+        };
+        return call("IAudioClient::Stop", outputs(), answer);
     }
 
     HRESULT STDMETHODCALLTYPE Reset() override
@@ -165,7 +178,7 @@ public:
             *capable = FALSE;
             return requireActiveEndpoint(*state(), name());
         };
-        return call("IAudioClient2::IsOffloadCapable", outputs(), answer, category);
+        return call("IAudioClient2::IsOffloadCapable", outputs(omissible(capable)), answer, category);
     }
 
     HRESULT STDMETHODCALLTYPE SetClientProperties(const AudioClientProperties* properties) override
@@ -213,16 +226,20 @@ public:
     {
         const auto answer = [&]() -> HRESULT
         {
-            const HRESULT result = storeMixFormat("IAudioClient3::GetCurrentSharedModeEnginePeriod", format);
-            if (FAILED(result))
-                return result;
-            const std::uint32_t rate = (*format)->nSamplesPerSec;
-            return onActiveEndpoint(*state(), name(),
-                                    [&](const Machine&, const Endpoint& endpoint)
-                                    {
-                                        *period = enginePeriod(endpoint, rate);
-                                        return S_OK;
-                                    });
+            std::optional<WAVEFORMATEXTENSIBLE> mix;
+            std::uint32_t frames = 0;
+            const auto read = [&](const Machine&, const Endpoint& endpoint)
+            {
+                mix = mixFormatOf(endpoint);
+                frames = mix ? enginePeriod(endpoint, mix->Format.nSamplesPerSec) : 0;
+                return mix ? S_OK : AUDCLNT_E_UNSUPPORTED_FORMAT;
+            };
+            HRESULT result = onActiveEndpoint(*state(), name(), read);
+            if (SUCCEEDED(result))
+                result = storeFormat("IAudioClient3::GetCurrentSharedModeEnginePeriod", *mix, format);
+            if (SUCCEEDED(result))
+                *period = frames;
+            return result;
         };
         return call("IAudioClient3::GetCurrentSharedModeEnginePeriod", outputs(format, period), answer);
     }
@@ -252,8 +269,15 @@ private:
         std::shared_ptr<void> place = state()->streams.occupy(name(), plan.isExclusive);
         if (!place)
             return AUDCLNT_E_DEVICE_IN_USE;
-        m_session = name() + " " + (session == nullptr ? guidText(GUID{}) : guidText(*session));
-        m_stream = std::make_shared<AudioStream>(plan, std::move(place));
+        try
+        {
+            m_session = name() + " " + (session == nullptr ? guidText(GUID{}) : guidText(*session));
+            m_stream = std::make_shared<AudioStream>(plan, std::move(place));
+        }
+        catch (const std::bad_alloc&)
+        {
+            return E_OUTOFMEMORY;
+        }
         return S_OK;
     }
 
@@ -292,12 +316,16 @@ private:
                                                     mix = mixFormatOf(endpoint);
                                                     return mix ? S_OK : AUDCLNT_E_UNSUPPORTED_FORMAT;
                                                 });
-        if (FAILED(result))
-            return result;
-        void* const memory = allocate(operation, sizeof *mix);
+        return FAILED(result) ? result : storeFormat(operation, *mix, format);
+    }
+
+    /// Stores a copy in task memory.
+    HRESULT storeFormat(const char* operation, const WAVEFORMATEXTENSIBLE& stored, WAVEFORMATEX** format) const
+    {
+        void* const memory = allocate(operation, sizeof stored);
         if (memory == nullptr)
             return E_OUTOFMEMORY;
-        std::memcpy(memory, &*mix, sizeof *mix);
+        std::memcpy(memory, &stored, sizeof stored);
         *format = static_cast<WAVEFORMATEX*>(memory);
         return S_OK;
     }

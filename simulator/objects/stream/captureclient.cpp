@@ -32,7 +32,8 @@ public:
                 *counterPosition = counterUnits(packet.time);
             return S_OK;
         };
-        return use("IAudioCaptureClient::GetBuffer", outputs(data, frames, flags), answer);
+        return use("IAudioCaptureClient::GetBuffer",
+                   outputs(data, frames, flags, omissible(devicePosition), omissible(counterPosition)), answer);
     }
 
     HRESULT STDMETHODCALLTYPE ReleaseBuffer(UINT32 frames) override

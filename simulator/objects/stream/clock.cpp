@@ -28,7 +28,7 @@ public:
     /// The position of the counter may be null.
     HRESULT STDMETHODCALLTYPE GetPosition(UINT64* position, UINT64* counterPosition) override
     {
-        return use("IAudioClock::GetPosition", outputs(position),
+        return use("IAudioClock::GetPosition", outputs(position, omissible(counterPosition)),
                    [&] { return storePosition(unitsPerFrame(), *position, counterPosition); });
     }
 
@@ -45,7 +45,7 @@ public:
     /// In frames.
     HRESULT STDMETHODCALLTYPE GetDevicePosition(UINT64* position, UINT64* counterPosition) override
     {
-        return use("IAudioClock2::GetDevicePosition", outputs(position),
+        return use("IAudioClock2::GetDevicePosition", outputs(position, omissible(counterPosition)),
                    [&] { return storePosition(1, *position, counterPosition); });
     }
 

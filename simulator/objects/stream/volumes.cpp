@@ -92,7 +92,7 @@ public:
     {
         const auto answer = [&]
         { return stream().withLevels([&](auto& levels) { return getLevels(levels, count, values); }); };
-        return use("IAudioStreamVolume::GetAllVolumes", outputs(values), answer, count);
+        return use("IAudioStreamVolume::GetAllVolumes", outputs(several(values, count)), answer, count);
     }
 };
 
@@ -223,7 +223,7 @@ public:
     HRESULT STDMETHODCALLTYPE GetAllVolumes(UINT32 count, float* values) override
     {
         const auto get = [&](const SessionVolume& volume) { return getLevels(volume.channels, count, values); };
-        return onSession("IChannelAudioVolume::GetAllVolumes", outputs(values), get, count);
+        return onSession("IChannelAudioVolume::GetAllVolumes", outputs(several(values, count)), get, count);
     }
 };
 }

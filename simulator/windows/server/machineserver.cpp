@@ -8,6 +8,7 @@
 #include "simulator/windows/enumeratorfactory.h"
 #include "simulator/windows/server/message.h"
 
+#include <atomic>
 #include <exception>
 #include <memory>
 #include <mutex>
@@ -58,9 +59,13 @@ struct Server
     Settings settings;
     std::shared_ptr<State> state; ///< null if there is no machine
 
+    /// Null before the first call of instance().
+    static inline std::atomic<const Server*> made{nullptr};
+
     static Server& instance()
     {
         static Server* const server = new Server;
+        made = server;
         return *server;
     }
 
@@ -122,10 +127,10 @@ HRESULT start()
 
 void writeRecords()
 {
-    const Server& server = Server::instance();
-    if (server.state == nullptr)
+    const Server* const server = Server::made;
+    if (server == nullptr || server->state == nullptr)
         return;
-    writeRecord(server.settings.journal, "journal", server.state->journal.entries());
-    writeRecord(server.settings.census, "census", server.state->census());
+    writeRecord(server->settings.journal, "journal", server->state->journal.entries());
+    writeRecord(server->settings.census, "census", server->state->census());
 }
 }

@@ -18,6 +18,8 @@ namespace sim::server
 HRESULT start();
 
 /// Writes the files for the journal and the census, if the environment asks for them and the machine has started. Call
-/// it when the process ends; it then needs no lock that a terminated thread may hold.
+/// it when the process ends. It then takes
+/// no lock of the machine. The memory for the text comes from the process's heap, whose lock a terminated thread may
+/// hold.
 void writeRecords();
 }

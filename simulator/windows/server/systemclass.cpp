@@ -2,6 +2,7 @@
 
 #include "simulator/windows/systemfunction.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 
@@ -28,16 +29,17 @@ std::wstring systemFile(const wchar_t* name)
 
 bool isCalledByWaveFunctions()
 {
-    const std::array<HMODULE, 2> libraries = {GetModuleHandleW(L"winmm.dll"), GetModuleHandleW(L"wdmaud.drv")};
+    const std::array<HMODULE, 2> waves = {GetModuleHandleW(L"winmm.dll"), GetModuleHandleW(L"wdmaud.drv")};
+    const std::array<HMODULE, 4> between = {moduleOf(reinterpret_cast<const void*>(&isCalledByWaveFunctions)),
+                                            GetModuleHandleW(L"ole32.dll"), GetModuleHandleW(L"combase.dll"),
+                                            GetModuleHandleW(L"rpcrt4.dll")};
     std::array<void*, 32> calls = {};
     const USHORT count = CaptureStackBackTrace(0, static_cast<DWORD>(calls.size()), calls.data(), nullptr);
-    for (USHORT i = 0; i < count; ++i)
-    {
-        const HMODULE module = moduleOf(calls[i]);
-        if (module != nullptr && (module == libraries[0] || module == libraries[1]))
-            return true;
-    }
-    return false;
+    const auto isBetween = [&](const void* code)
+    { return std::find(between.begin(), between.end(), moduleOf(code)) != between.end(); };
+    const auto caller = std::find_if_not(calls.begin(), calls.begin() + count, isBetween);
+    return caller != calls.begin() + count && std::find(waves.begin(), waves.end(), moduleOf(*caller)) != waves.end() &&
+           moduleOf(*caller) != nullptr;
 }
 
 HRESULT systemClassObject(REFCLSID clsid, REFIID iid, void** object)

@@ -6,9 +6,10 @@
 
 namespace sim::server
 {
-/// Whether the system's wave functions ask for the class, on the stack of this thread. They pass their endpoints on to
-/// parts of the system that know nothing of the machine; Wine's also expect that an endpoint is always the same object,
-/// and crash otherwise.
+/// Whether the system's wave functions ask for the class: on the stack of this thread they are the first outside this
+/// library and COM. A program that asks in a callback of a multimedia timer is none of them. They pass their endpoints
+/// on to parts of the system that know nothing of the machine; Wine's also expect that an endpoint is always the same
+/// object, and crash otherwise.
 bool isCalledByWaveFunctions();
 
 /// The class object of the system's own server.

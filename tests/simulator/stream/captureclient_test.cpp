@@ -79,6 +79,23 @@ TEST_F(CaptureClientGetBuffer, GivesSilenceWithItsPositionAndTime)
     EXPECT_EQ(AUDCLNT_S_BUFFER_EMPTY, take().result);
 }
 
+TEST_F(CaptureClientGetBuffer, GivesTheTimeOfAPacketAlsoAfterAStop)
+{
+    const Held<IAudioClock> clock = service<IAudioClock>(microphone);
+    UINT64 position = 0;
+    UINT64 start = 0;
+    ASSERT_EQ(S_OK, microphone->Start());
+    ASSERT_EQ(S_OK, clock->GetPosition(&position, &start));
+    advance(25ms);
+    ASSERT_EQ(S_OK, microphone->Stop());
+
+    advance(1s);
+    EXPECT_EQ(start, take().counter);
+    ASSERT_EQ(S_OK, capture->ReleaseBuffer(480));
+    advance(1s);
+    EXPECT_EQ(start + 100000u, take().counter);
+}
+
 TEST_F(CaptureClientGetBuffer, NeedsNoPlaceForPositions)
 {
     ASSERT_EQ(S_OK, microphone->Start());

@@ -55,6 +55,36 @@ TEST_F(AudioClientInitialize, TakesAnyLinearFormatToConvert)
     }
 }
 
+/// A format of whole numbers, which need not be one that a machine file can name.
+WAVEFORMATEX wholeNumbers(DWORD rate, WORD channels, WORD bits)
+{
+    WAVEFORMATEX format = {};
+    format.wFormatTag = WAVE_FORMAT_PCM;
+    format.nChannels = channels;
+    format.nSamplesPerSec = rate;
+    format.wBitsPerSample = bits;
+    format.nBlockAlign = static_cast<WORD>(channels * bits / 8);
+    format.nAvgBytesPerSec = rate * format.nBlockAlign;
+    return format;
+}
+
+// The engine of Windows converts what an endpoint could have, not everything that a structure can say.
+TEST_F(AudioClientInitialize, RefusesToConvertRatesAndChannelsThatNoEndpointHas)
+{
+    const auto convert = [](const Held<IAudioClient>& client, const WAVEFORMATEX& format)
+    {
+        return client->Initialize(AUDCLNT_SHAREMODE_SHARED, AUDCLNT_STREAMFLAGS_AUTOCONVERTPCM, 1200 * millisecond, 0,
+                                  &format, nullptr);
+    };
+    const Held<IAudioClient> refused = client(speakerId);
+
+    EXPECT_EQ(AUDCLNT_E_UNSUPPORTED_FORMAT, convert(refused, wholeNumbers(4294967295u, 1, 16)));
+    EXPECT_EQ(AUDCLNT_E_UNSUPPORTED_FORMAT, convert(refused, wholeNumbers(1000000, 1, 16)));
+    EXPECT_EQ(AUDCLNT_E_UNSUPPORTED_FORMAT, convert(refused, wholeNumbers(48000, 9, 16)));
+    EXPECT_EQ(S_OK, convert(refused, wholeNumbers(999999, 8, 16)));
+    EXPECT_EQ(1199999u, bufferSize(refused));
+}
+
 TEST_F(AudioClientInitialize, LoopsRenderEndpointsBackInSharedModeOnly)
 {
     const Held<IAudioClient> speaker = client(speakerId);

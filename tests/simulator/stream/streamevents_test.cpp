@@ -1,8 +1,10 @@
 #include "tests/simulator/stream/streamtest.h"
+#include "tests/simulator/visit.h"
 
 #include <atomic>
 #include <future>
 #include <stdexcept>
+#include <thread>
 
 namespace
 {
@@ -111,14 +113,167 @@ TEST_F(StreamEvents, OfAClientThatIsGoneAreNotSignalled)
     EXPECT_THAT(signalled, IsEmpty());
 }
 
+TEST_F(StreamEvents, MayMoveTheClockFurther)
+{
+    const Held<IAudioClient> speaker = sharedClient(speakerId, events);
+    const Held<IAudioClock> clock = service<IAudioClock>(speaker);
+    const auto now = [&]
+    {
+        UINT64 position = 0;
+        UINT64 counter = 0;
+        EXPECT_EQ(S_OK, clock->GetPosition(&position, &counter));
+        return counter;
+    };
+    int count = 0;
+    simulation.streams().signalWith(
+        [&](HANDLE)
+        {
+            if (++count == 1)
+                advance(25ms);
+        });
+    ASSERT_EQ(S_OK, speaker->SetEventHandle(anEvent));
+    ASSERT_EQ(S_OK, speaker->Start());
+    const UINT64 start = now();
+
+    advance(12ms);
+
+    EXPECT_EQ(350000u, now() - start); // 10 ms to the first signal, 25 ms in it: the 12 ms are over
+    EXPECT_EQ(3, count);
+}
+
+// Microsoft's documentation of IAudioClient::Stop: the stream stops although the operation says that the device has
+// gone.
+TEST_F(StreamEvents, EndWithAStopAlthoughTheEndpointHasGone)
+{
+    const Held<IAudioClient> speaker = sharedClient(speakerId, events);
+    ASSERT_EQ(S_OK, speaker->SetEventHandle(anEvent));
+    ASSERT_EQ(S_OK, speaker->Start());
+    simulation.events().unplug(speakerId);
+
+    EXPECT_EQ(AUDCLNT_E_DEVICE_INVALIDATED, speaker->Stop());
+
+    advance(1s);
+    EXPECT_THAT(signalled, IsEmpty());
+    simulation.events().plug(speakerId);
+    EXPECT_EQ(S_OK, speaker->Start());
+    EXPECT_EQ(S_OK, speaker->Stop());
+}
+
+TEST_F(StreamEvents, MayReleaseTheirClient)
+{
+    Held<IAudioClient> speaker = sharedClient(speakerId, events);
+    int count = 0;
+    simulation.streams().signalWith(
+        [&](HANDLE)
+        {
+            ++count;
+            speaker.reset();
+        });
+    ASSERT_EQ(S_OK, speaker->SetEventHandle(anEvent));
+    ASSERT_EQ(S_OK, speaker->Start());
+
+    advance(1s);
+
+    EXPECT_EQ(1, count);
+}
+
 /// The clock runs by itself.
 class RunningClock : public bench::SimulationTest
 {
+protected:
+    /// Starts an event-driven stream of the speaker.
+    Held<IAudioClient> started()
+    {
+        simulation.change([&](sim::Machine& machine) { machine.endpoint(speakerId)->hasAudioClient = true; });
+        Held<IAudioClient> speaker;
+        EXPECT_EQ(S_OK, device(speakerId)->Activate(sim::InterfaceTraits<IAudioClient>::iid(), CLSCTX_ALL, nullptr,
+                                                    speaker.putVoid()));
+        const WAVEFORMATEXTENSIBLE format = sim::MixFormat().waveFormat();
+        EXPECT_EQ(S_OK, speaker->Initialize(AUDCLNT_SHAREMODE_SHARED, events, 0, 0, &format.Format, nullptr));
+        EXPECT_EQ(S_OK, speaker->SetEventHandle(poison<void>()));
+        EXPECT_EQ(S_OK, speaker->Start());
+        return speaker;
+    }
 };
+
+TEST_F(RunningClock, LetsASignalEndBeforeAStopReturns)
+{
+    bench::Visit visit;
+    simulation.streams().signalWith([&](HANDLE) { visit.stay(); });
+    const Held<IAudioClient> speaker = started();
+    visit.waitUntilInside();
+
+    visit.leave();
+    EXPECT_EQ(S_OK, speaker->Stop());
+
+    EXPECT_FALSE(visit.isInside());
+    simulation.streams().signalWith({});
+}
+
+// The client closes its event after the last Release.
+TEST_F(RunningClock, LetsASignalEndBeforeTheLastReleaseReturns)
+{
+    bench::Visit visit;
+    simulation.streams().signalWith([&](HANDLE) { visit.stay(); });
+    Held<IAudioClient> speaker = started();
+    visit.waitUntilInside();
+
+    visit.leave();
+    speaker.reset();
+
+    EXPECT_FALSE(visit.isInside());
+    simulation.streams().signalWith({});
+}
+
+TEST_F(RunningClock, LetsASignalEndBeforeItStops)
+{
+    bench::Visit visit;
+    simulation.streams().signalWith([&](HANDLE) { visit.stay(); });
+    const Held<IAudioClient> speaker = started();
+    visit.waitUntilInside();
+
+    visit.leave();
+    simulation.streams().driveClock();
+
+    EXPECT_FALSE(visit.isInside());
+    simulation.streams().signalWith({});
+}
+
+TEST_F(RunningClock, LetsASignalEndBeforeAnotherFunctionTakesItsPlace)
+{
+    bench::Visit visit;
+    simulation.streams().signalWith([&](HANDLE) { visit.stay(); });
+    const Held<IAudioClient> speaker = started();
+    visit.waitUntilInside();
+
+    visit.leave();
+    simulation.streams().signalWith({});
+
+    EXPECT_FALSE(visit.isInside());
+}
+
+TEST_F(RunningClock, MayBeStoppedInASignal)
+{
+    std::promise<void> stopped;
+    std::atomic<int> count{0};
+    simulation.streams().signalWith(
+        [&](HANDLE)
+        {
+            ++count;
+            simulation.streams().driveClock();
+            simulation.streams().signalWith({});
+            stopped.set_value();
+        });
+
+    const Held<IAudioClient> speaker = started();
+
+    ASSERT_EQ(std::future_status::ready, stopped.get_future().wait_for(60s));
+    EXPECT_EQ(S_OK, speaker->Stop());
+    EXPECT_EQ(1, count);
+}
 
 TEST_F(RunningClock, SignalsPeriodsOnAThreadOfItsOwn)
 {
-    simulation.change([&](sim::Machine& machine) { machine.endpoint(speakerId)->hasAudioClient = true; });
     std::promise<std::thread::id> signalled;
     std::atomic<int> count{0};
     simulation.streams().signalWith(
@@ -127,20 +282,13 @@ TEST_F(RunningClock, SignalsPeriodsOnAThreadOfItsOwn)
             if (++count == 2)
                 signalled.set_value(std::this_thread::get_id());
         });
-    Held<IAudioClient> speaker;
-    ASSERT_EQ(S_OK, device(speakerId)->Activate(sim::InterfaceTraits<IAudioClient>::iid(), CLSCTX_ALL, nullptr,
-                                                speaker.putVoid()));
-    const WAVEFORMATEXTENSIBLE format = sim::MixFormat().waveFormat();
-    ASSERT_EQ(S_OK, speaker->Initialize(AUDCLNT_SHAREMODE_SHARED, events, 0, 0, &format.Format, nullptr));
-    ASSERT_EQ(S_OK, speaker->SetEventHandle(poison<void>()));
 
-    ASSERT_EQ(S_OK, speaker->Start());
+    const Held<IAudioClient> speaker = started();
 
     std::future<std::thread::id> thread = signalled.get_future();
     ASSERT_EQ(std::future_status::ready, thread.wait_for(60s));
     EXPECT_NE(std::this_thread::get_id(), thread.get());
     EXPECT_EQ(S_OK, speaker->Stop());
-    simulation.streams().driveClock(); // no further signals, whose function this test ends
     simulation.streams().signalWith({});
 }
 
