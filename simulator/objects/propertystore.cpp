@@ -93,7 +93,7 @@ public:
         const auto answer = [&]() -> HRESULT
         {
             if (m_access == STGM_READ)
-                return E_ACCESSDENIED;
+                return STG_E_ACCESSDENIED;
             const std::optional<PropertyValue> copy = readVariant(value);
             if (!copy)
                 return E_INVALIDARG;
@@ -117,7 +117,7 @@ public:
                     [&]() -> HRESULT
                     {
                         if (m_access == STGM_READ)
-                            return E_ACCESSDENIED;
+                            return STG_E_ACCESSDENIED;
                         return onDevice(*state(), name(), [](const Device&) { return S_OK; });
                     });
     }

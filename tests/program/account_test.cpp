@@ -12,6 +12,7 @@
 using nlohmann::json;
 using sim::Account;
 using support::Answer;
+using testing::ContainsRegex;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -41,7 +42,8 @@ protected:
         return all;
     }
 
-    /// What the monitor answers while the machine's script is played, with the times of the events blotted out.
+    /// What the monitor answers while the machine's script is played and further events happen. The times of the events
+    /// are replaced by a word.
     Answer listen(Account account)
     {
         sim::Simulation simulation(under(account));
@@ -51,12 +53,29 @@ protected:
         pause = [&](std::chrono::milliseconds)
         {
             if (pauses == 0)
+            {
                 simulation.events().playScript();
+                cause(simulation.events());
+            }
             return ++pauses == 2;
         };
         Answer answer = call({"monitor"});
         answer.out = std::regex_replace(answer.out, std::regex("[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3}"), "TIME");
         return answer;
+    }
+
+    /// Lets the first endpoints go and come back, and chooses a default.
+    void cause(sim::Events& events) const
+    {
+        for (std::size_t i = 0; i < std::min<std::size_t>(2, machine.endpoints.size()); ++i)
+        {
+            const sim::Endpoint& endpoint = machine.endpoints[i];
+            events.unplug(endpoint.id);
+            events.plug(endpoint.id);
+            events.remove(endpoint.id);
+            events.add(endpoint.id);
+            events.setDefault(endpoint.id, eConsole);
+        }
     }
 
     /// The machine, whose calls take no longer than they have to.
@@ -108,7 +127,7 @@ TEST_P(ProgramUnderAccount, ShowsTheSameByteForByte)
     }
     EXPECT_EQ(machine.endpoints.empty(), denied[Account::ordinary] <= denied[Account::administrator])
         << "the accounts do not differ";
-    EXPECT_EQ(machine.script.empty(), ordinary.back().out.empty());
+    EXPECT_EQ(machine.endpoints.empty(), ordinary.back().out.empty()) << "of the monitor";
 }
 
 #define UNDER_ACCOUNT(Suite, machine)                                              \
@@ -157,8 +176,8 @@ protected:
     }
 };
 
-const std::string administratorsOnly =
-    "Windows lets only administrators change a format, so that of Speakers (Analog Audio) stays as it is";
+const std::string administratorsOnly = "Windows lets only administrators change a format; run sonavit as administrator "
+                                       "to change that of Speakers (Analog Audio)";
 }
 
 TEST_F(ProgramAccount, IsThatOfTheMachineOrTheOption)
@@ -192,21 +211,8 @@ TEST_F(ProgramAccount, ChangesADefaultMachineToo)
     const int code = sonavit::run({"format", "Speakers", "--set", "24/96000/2", "--account", "ordinary"}, environment);
 
     EXPECT_EQ(1, code);
-    EXPECT_THAT(err.str(), HasSubstr("Windows lets only administrators"));
-}
-
-TEST_F(ProgramAccount, CannotBeChosenOnTheSystemsOwnAudio)
-{
-    run(support::smallMachine());
-
-    const Answer text = call({"list", "--account", "ordinary"});
-    const Answer inJson = call({"list", "--account", "administrator", "--json"});
-
-    EXPECT_EQ(2, text.code);
-    EXPECT_EQ("", text.out);
-    EXPECT_EQ("sonavit: --account needs a simulated machine, which --machine names\n", text.err);
-    EXPECT_EQ(2, inJson.code);
-    EXPECT_EQ("--account needs a simulated machine, which --machine names", json::parse(inJson.out)["error"]);
+    EXPECT_THAT(err.str(), EndsWith("sonavit: Windows lets only administrators change a format; simulate the machine "
+                                    "with --account administrator to change that of Speakers (Analog Audio)\n"));
 }
 
 TEST_F(ProgramAccount, IsOneOfTwo)
@@ -281,6 +287,38 @@ TEST_F(ProgramAccount, ThatMayNotReadEitherIsToldSoOnce)
     }
 }
 
+TEST_F(ProgramAccount, ThatMayNotReadEitherIsToldSoEvenIfTheEndpointIsNotFound)
+{
+    run(support::smallMachine());
+    simulation().faults().fail(opening, E_ACCESSDENIED);
+    const std::string error = "the endpoint \"Speakers\" cannot be found, as the system fails to report the name of 3 "
+                              "endpoints: 0x80070005, access denied";
+
+    for (const Words& words : std::vector<Words>{{"show", "Speakers"},
+                                                 {"controls", "Speakers"},
+                                                 {"get-volume", "Speakers"},
+                                                 {"set-volume", "Speakers", "50%"},
+                                                 {"mute", "Speakers", "on"},
+                                                 {"format", "Speakers"},
+                                                 {"graph", "--endpoint", "Speakers"}})
+    {
+        const Answer answer = call(words);
+
+        EXPECT_EQ(1, answer.code) << words[0];
+        EXPECT_EQ("", answer.out) << words[0];
+        EXPECT_EQ(support::unreadableNote(3) + "sonavit: " + error + "\n", answer.err) << words[0];
+    }
+}
+
+TEST_F(ProgramAccount, ThatMayNotReadEitherIsToldSoAboutEachMachine)
+{
+    run(sim::findMachine("desktop"));
+    simulation().faults().fail(opening, E_ACCESSDENIED);
+
+    EXPECT_THAT(call({"show", "Speakers"}).err, StartsWith(support::unreadableNote(10)));
+    EXPECT_THAT(call({"format", "Speakers", "--json"}).err, StartsWith(support::unreadableNote(10)));
+}
+
 TEST_F(ProgramAccount, IsNotToldOfEndpointsThatFailInAnotherWay)
 {
     run(support::smallMachine());
@@ -302,8 +340,13 @@ TEST_F(ProgramAccount, IsToldOfTheEndpointsThatItMayNotReadOnly)
     EXPECT_EQ("", call({"show", "Speakers"}).err);
 }
 
-TEST_F(ProgramAccount, StaysInTheHelp)
+TEST_F(ProgramAccount, IsPartOfTheHelp)
 {
-    EXPECT_THAT(call({"--help"}).out, HasSubstr("--account ACCOUNT"));
+    const std::string help = call({"--help"}).out;
+
+    EXPECT_THAT(help, HasSubstr("--account ACCOUNT"));
+    EXPECT_THAT(help, ContainsRegex("administrator, or ordinary, which may not change\n +formats"));
+    EXPECT_THAT(help, HasSubstr("Default: the account that the machine has"));
     EXPECT_THAT(call({"list", "--help"}).out, HasSubstr("--account"));
+    EXPECT_THAT(call({"format", "--help"}).out, HasSubstr("Windows lets only administrators set a format."));
 }

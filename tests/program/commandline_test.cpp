@@ -149,6 +149,21 @@ TEST(ProgramCommandLine, SaysWhatIsMissing)
     EXPECT_EQ("-o needs a value: -o FILE", complaint({"graph", "-o"}));
 }
 
+TEST(ProgramCommandLine, SaysThatAnEmptyValueIsMissing)
+{
+    EXPECT_EQ("--machine needs a value: --machine NAME|FILE", complaint({"--machine=", "list"}));
+    EXPECT_EQ("--machine needs a value: --machine NAME|FILE", complaint({"list", "--machine="}));
+    EXPECT_EQ("--account needs a value: --account ACCOUNT", complaint({"list", "--account="}));
+    EXPECT_EQ("--account needs a value: --account ACCOUNT", complaint({"--account=", "help"}));
+    EXPECT_EQ("--latency needs a value: --latency PRESET", complaint({"list", "--latency=", "--json"}));
+    EXPECT_EQ("--log needs a value: --log LEVEL", complaint({"--log="}));
+    EXPECT_EQ("--for needs a value: --for SECONDS", complaint({"monitor", "--for="}));
+    EXPECT_EQ("--output needs a value: --output FILE", complaint({"graph", "--output=", "file"}));
+    EXPECT_EQ("--set needs a value: --set BITS/RATE/CHANNELS", complaint({"format", "Speakers", "--set="}));
+    EXPECT_EQ("unknown option \"--for=\"; see sonavit list --help", complaint({"list", "--for="}));
+    EXPECT_EQ("unknown option \"--frob=\"; see sonavit list --help", complaint({"list", "--frob="}));
+}
+
 TEST(ProgramCommandLine, RefusesEmptyNames)
 {
     EXPECT_EQ("the name of the endpoint is empty", complaint({"show", ""}));

@@ -1,11 +1,7 @@
 #include "tests/program/programtest.h"
 #include "tools/sonavit/session.h"
 
-#include <nlohmann/json.hpp>
-
-using nlohmann::json;
 using std::chrono::milliseconds;
-using support::Answer;
 using testing::HasSubstr;
 
 namespace
@@ -40,20 +36,6 @@ TEST_F(ProgramLatency, ChangesNothingThatIsPrinted)
 {
     EXPECT_EQ(call({"list", "--machine", "laptop"}).out,
               call({"--latency", "windows", "list", "--machine", "laptop"}).out);
-}
-
-TEST_F(ProgramLatency, CannotBeChosenOnTheSystemsOwnAudio)
-{
-    run(support::smallMachine());
-
-    const Answer text = call({"list", "--latency", "windows"});
-    const Answer inJson = call({"list", "--latency", "none", "--json"});
-
-    EXPECT_EQ(2, text.code);
-    EXPECT_EQ("", text.out);
-    EXPECT_EQ("sonavit: --latency needs a simulated machine, which --machine names\n", text.err);
-    EXPECT_EQ(2, inJson.code);
-    EXPECT_EQ("--latency needs a simulated machine, which --machine names", json::parse(inJson.out)["error"]);
 }
 
 TEST_F(ProgramLatency, IsPartOfTheHelp)

@@ -51,6 +51,7 @@ TEST_F(SimulatedAccount, ReadsAllPropertiesIfItIsOrdinary)
     EXPECT_EQ(S_OK, open(codecId, STGM_READ));
 }
 
+// Microsoft's documentation of IPropertyStore::SetValue and IPropertyStore::Commit
 TEST_F(SimulatedAccount, ChangesNothingThroughAStoreForReading)
 {
     const sim::Machine before = simulation.machine();
@@ -61,8 +62,8 @@ TEST_F(SimulatedAccount, ChangesNothingThroughAStoreForReading)
     number.vt = VT_UI4;
     number.ulVal = 63;
 
-    EXPECT_EQ(E_ACCESSDENIED, store->SetValue(keys::speakerConfig, number));
-    EXPECT_EQ(E_ACCESSDENIED, store->Commit());
+    EXPECT_EQ(STG_E_ACCESSDENIED, store->SetValue(keys::speakerConfig, number));
+    EXPECT_EQ(STG_E_ACCESSDENIED, store->Commit());
 
     EXPECT_TRUE(before == simulation.machine());
 }

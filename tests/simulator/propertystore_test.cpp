@@ -255,13 +255,14 @@ TEST_F(SimulatedPropertyStoreRead, RefusesAnAccessThatDoesNotExist)
     EXPECT_EQ(nullptr, store);
 }
 
+// Microsoft's documentation of IPropertyStore::SetValue and IPropertyStore::Commit
 TEST_F(SimulatedPropertyStoreWrite, RefusesToWriteThroughAStoreThatIsOpenForReading)
 {
     const Held<IPropertyStore> store = opened(STGM_READ);
     std::vector<BYTE> bytes = {1, 2, 3};
 
-    EXPECT_EQ(E_ACCESSDENIED, store->SetValue(keys::deviceFormat, blobOf(bytes)));
-    EXPECT_EQ(E_ACCESSDENIED, store->Commit());
+    EXPECT_EQ(STG_E_ACCESSDENIED, store->SetValue(keys::deviceFormat, blobOf(bytes)));
+    EXPECT_EQ(STG_E_ACCESSDENIED, store->Commit());
     EXPECT_EQ(40u, formatOf(store).size());
 }
 

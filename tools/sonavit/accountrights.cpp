@@ -14,6 +14,19 @@ bool isUnreadable(const Endpoint& endpoint)
     return endpoint.failure == std::optional<HRESULT>(E_ACCESSDENIED);
 }
 
+std::size_t unreadableAmong(const std::vector<Endpoint>& endpoints)
+{
+    return static_cast<std::size_t>(std::count_if(endpoints.begin(), endpoints.end(), isUnreadable));
+}
+
+std::size_t unreadableAmong(const std::vector<Card>& cards)
+{
+    std::size_t unreadable = 0;
+    for (const Card& card : cards)
+        unreadable += unreadableAmong(card.endpoints);
+    return unreadable;
+}
+
 void report(const Context& context, std::size_t unreadable)
 {
     if (unreadable == 0)
@@ -21,6 +34,21 @@ void report(const Context& context, std::size_t unreadable)
     context.environment.err << "sonavit: the system does not let this account read the properties of "
                             << counted(unreadable, "endpoint") << ", so names and cards are missing\n"
                             << std::flush;
+}
+
+/// findEndpoint(), which explains its exceptions by what cannot be read.
+template<class Things>
+auto findOrReport(const Context& context, Things& things) -> decltype(findEndpoint(things, context.arguments.endpoint))
+{
+    try
+    {
+        return findEndpoint(things, context.arguments.endpoint);
+    }
+    catch (...)
+    {
+        report(context, unreadableAmong(things));
+        throw;
+    }
 }
 }
 
@@ -37,17 +65,20 @@ bool isChangeDenied(AudioDevice& device)
 
 void reportUnreadable(const Context& context, const std::vector<Card>& cards)
 {
-    std::size_t unreadable = 0;
-    for (const Card& card : cards)
-    {
-        const auto count = std::count_if(card.endpoints.begin(), card.endpoints.end(), isUnreadable);
-        unreadable += static_cast<std::size_t>(count);
-    }
-    report(context, unreadable);
+    report(context, unreadableAmong(cards));
 }
 
-void reportUnreadable(const Context& context, const Endpoint& endpoint)
+Endpoint& requestedEndpoint(const Context& context, std::vector<Endpoint>& endpoints)
 {
+    Endpoint& endpoint = findOrReport(context, endpoints);
     report(context, isUnreadable(endpoint) ? 1 : 0);
+    return endpoint;
+}
+
+EndpointOfCard requestedEndpoint(const Context& context, std::vector<Card>& cards)
+{
+    const EndpointOfCard found = findOrReport(context, cards);
+    report(context, isUnreadable(found.endpoint) ? 1 : 0);
+    return found;
 }
 }

@@ -39,8 +39,8 @@ struct Arguments
 {
     Verb verb = Verb::list;
     std::optional<std::string> machine;
-    std::optional<sim::Account> account;       ///< for a simulated machine; none for its own
-    std::optional<sim::LatencyPreset> latency; ///< for a simulated machine; none for its own
+    std::optional<sim::Account> account;       ///< of a simulated machine; empty: the one in its description
+    std::optional<sim::LatencyPreset> latency; ///< of a simulated machine; empty: the one in its description
     bool isJson = false;
     std::optional<qor::LOGGER_PRIORITY> log; ///< lowest priority to print; none to print no records
 

@@ -21,7 +21,8 @@ constexpr const char* machineHelp = "Use a simulated machine: one of bluetooth, 
                                     "on other systems";
 
 constexpr const char* accountHelp = "Use the simulated machine under this account:\n"
-                                    "administrator or ordinary";
+                                    "administrator, or ordinary, which may not change\n"
+                                    "formats. Default: the account that the machine has";
 
 constexpr const char* latencyHelp = "How long calls take on the simulated machine: none,\n"
                                     "or windows (figures that users have published)";
@@ -112,10 +113,12 @@ private:
     void parse(const std::vector<std::string>& words);
     [[noreturn]] void refuse(const std::vector<std::string>& words) const;
     static void refuseFlagValues(const std::vector<std::string>& words);
+    void refuseEmptyValues(const std::vector<std::string>& words) const;
     void refuseExtras() const;
     std::string nearestOption(const std::string& word) const;
     void refuseMissingValues(const std::vector<std::string>& words) const;
     void refuseMissingWords() const;
+    [[noreturn]] static void refuseMissingValue(const std::string& word, const CLI::Option& option);
     const CLI::Option* optionNamed(const std::string& word) const;
     const CLI::App& chosen() const;
     bool hasVerb() const;
@@ -232,8 +235,8 @@ void CommandLineParser::Grammar::addChanges()
     CLI::App& mute = verbOnEndpoint("mute", Verb::mute, "Mute or unmute an endpoint", temporaryChanges);
     addPositional(mute, "CHANGE", m_words.mute, "on (yes, 1), off (no, 0) or toggle", true);
     CLI::App& format = verbOnEndpoint("format", Verb::format, "Print an endpoint's device format, or try one",
-                                      std::string("\nA format that is set is put back after --hold seconds, or at "
-                                                  "Ctrl-C.\n") +
+                                      std::string("\nWindows lets only administrators set a format. It is put back "
+                                                  "after --hold\nseconds, or at Ctrl-C.\n") +
                                           temporaryChanges);
     addOption(format, "--set", m_words.format, "BITS/RATE/CHANNELS", "Set this format for a while, such as 24/48000/2");
     addOption(format, "--hold", m_words.hold, "SECONDS", "Put the old format back after SECONDS (5)");
@@ -242,6 +245,7 @@ void CommandLineParser::Grammar::addChanges()
 CommandWords CommandLineParser::Grammar::read(std::vector<std::string> words)
 {
     refuseFlagValues(words);
+    refuseEmptyValues(words);
     replaceHelpCommand(words);
     try
     {
@@ -307,6 +311,25 @@ void CommandLineParser::Grammar::refuseFlagValues(const std::vector<std::string>
     }
 }
 
+/// The parser would take the word after "--account=" for the value.
+void CommandLineParser::Grammar::refuseEmptyValues(const std::vector<std::string>& words) const
+{
+    const std::size_t command = commandPosition(words);
+    const auto isCommand = [&](const auto& known)
+    { return command < words.size() && known.first->get_name() == words[command]; };
+    const auto verb = std::find_if(m_verbs.begin(), m_verbs.end(), isCommand);
+    for (const std::string& word : words)
+    {
+        if (word.compare(0, 2, "--") != 0 || word.find('=') != word.size() - 1)
+            continue;
+        const std::string name = word.substr(0, word.size() - 1);
+        const CLI::Option* const own = verb != m_verbs.end() ? verb->first->get_option_no_throw(name) : nullptr;
+        const CLI::Option* const option = own != nullptr ? own : m_app.get_option_no_throw(name);
+        if (option != nullptr)
+            refuseMissingValue(name, *option);
+    }
+}
+
 /// Says in our own words what is wrong with @p words.
 void CommandLineParser::Grammar::refuse(const std::vector<std::string>& words) const
 {
@@ -355,8 +378,13 @@ void CommandLineParser::Grammar::refuseMissingValues(const std::vector<std::stri
         const CLI::Option* const option = optionNamed(words[i]);
         const bool takesValue = option != nullptr && option->get_expected_min() > 0;
         if (takesValue && (i + 1 == words.size() || optionNamed(words[i + 1]) != nullptr))
-            throw UsageError(words[i] + " needs a value: " + words[i] + " " + option->get_type_name());
+            refuseMissingValue(words[i], *option);
     }
+}
+
+void CommandLineParser::Grammar::refuseMissingValue(const std::string& word, const CLI::Option& option)
+{
+    throw UsageError(word + " needs a value: " + word + " " + option.get_type_name());
 }
 
 void CommandLineParser::Grammar::refuseMissingWords() const

@@ -2,7 +2,6 @@
 #include "tools/sonavit/accountrights.h"
 #include "tools/sonavit/commands.h"
 #include "tools/sonavit/endpointjson.h"
-#include "tools/sonavit/endpointname.h"
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/hardwarecontrol.h"
 #include "tools/sonavit/table.h"
@@ -119,8 +118,7 @@ void showTable(const Environment& environment, const EndpointLevel& own, const s
 void runControls(Context& context)
 {
     std::vector<Card> cards = readCards();
-    const EndpointOfCard found = findEndpoint(cards, context.arguments.endpoint);
-    reportUnreadable(context, found.endpoint);
+    const EndpointOfCard found = requestedEndpoint(context, cards);
     const std::vector<HardwareControl> controls = readControls(found.card, found.endpoint);
     const EndpointLevel own = readLevel(found.endpoint.device);
     const Environment& environment = context.environment;

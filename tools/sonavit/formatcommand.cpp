@@ -2,7 +2,6 @@
 #include "tools/sonavit/commands.h"
 #include "tools/sonavit/deviceformat.h"
 #include "tools/sonavit/endpointjson.h"
-#include "tools/sonavit/endpointname.h"
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/json.h"
 #include "tools/sonavit/simulationnote.h"
@@ -19,11 +18,13 @@ WAVEFORMATEXTENSIBLE presentFormat(const AudioDevice& device)
 }
 
 /// Explains a refusal: of this format, or of any change under this account.
-[[noreturn]] void raiseRefused(AudioDevice& device, const Endpoint& endpoint)
+[[noreturn]] void raiseRefused(const Context& context, AudioDevice& device, const Endpoint& endpoint)
 {
+    const char* const remedy = context.session.machineName() ? "simulate the machine with --account administrator"
+                                                             : "run sonavit as administrator";
     if (isChangeDenied(device))
-        throw OperationFailure("Windows lets only administrators change a format, so that of " + endpoint.shortTitle() +
-                               " stays as it is");
+        throw OperationFailure("Windows lets only administrators change a format; " + std::string(remedy) +
+                               " to change that of " + endpoint.shortTitle());
     throw OperationFailure("the system refused that format for " + endpoint.shortTitle());
 }
 
@@ -38,7 +39,7 @@ WAVEFORMATEXTENSIBLE holdFormat(Context& context, const Endpoint& endpoint, bool
         throw OperationFailure("the format of " + endpoint.shortTitle() +
                                " cannot be read, so it could not be restored");
     if (!device.setFormat(deviceFormat(*context.arguments.format)))
-        raiseRefused(device, endpoint);
+        raiseRefused(context, device, endpoint);
     announceTemporaryChange(context);
     const WAVEFORMATEXTENSIBLE during = device.deviceProperty().format;
     if (!context.arguments.isJson)
@@ -66,8 +67,7 @@ void showFormat(const Context& context, const Endpoint& endpoint)
 void runFormat(Context& context)
 {
     std::vector<Endpoint> endpoints = readEndpoints();
-    const Endpoint& endpoint = findEndpoint(endpoints, context.arguments.endpoint);
-    reportUnreadable(context, endpoint);
+    const Endpoint& endpoint = requestedEndpoint(context, endpoints);
     if (!context.arguments.format)
         return showFormat(context, endpoint);
 

@@ -3,7 +3,6 @@
 #include "tools/sonavit/commands.h"
 #include "tools/sonavit/deviceformat.h"
 #include "tools/sonavit/endpointjson.h"
-#include "tools/sonavit/endpointname.h"
 #include "tools/sonavit/endpointproperties.h"
 #include "tools/sonavit/table.h"
 #include "tools/sonavit/text.h"
@@ -113,8 +112,7 @@ Json showJson(const Context& context, const Card& card, Endpoint& endpoint, cons
 void runShow(Context& context)
 {
     std::vector<Card> cards = readCards();
-    const EndpointOfCard found = findEndpoint(cards, context.arguments.endpoint);
-    reportUnreadable(context, found.endpoint);
+    const EndpointOfCard found = requestedEndpoint(context, cards);
     const EndpointProperties properties = readProperties(found.endpoint);
     const Environment& environment = context.environment;
     if (context.arguments.isJson)

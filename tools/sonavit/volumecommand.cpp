@@ -1,7 +1,6 @@
 #include "tools/sonavit/accountrights.h"
 #include "tools/sonavit/commands.h"
 #include "tools/sonavit/endpointjson.h"
-#include "tools/sonavit/endpointname.h"
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/simulationnote.h"
 #include "tools/sonavit/text.h"
@@ -41,8 +40,7 @@ std::string rangeClause(const std::optional<LevelRange>& range)
 void runGetVolume(Context& context)
 {
     std::vector<Endpoint> endpoints = readEndpoints();
-    Endpoint& endpoint = findEndpoint(endpoints, context.arguments.endpoint);
-    reportUnreadable(context, endpoint);
+    Endpoint& endpoint = requestedEndpoint(context, endpoints);
     const EndpointLevel level = openVolume(endpoint).read();
     if (context.arguments.isJson)
     {
@@ -59,8 +57,7 @@ void runGetVolume(Context& context)
 void runSetVolume(Context& context)
 {
     std::vector<Endpoint> endpoints = readEndpoints();
-    Endpoint& endpoint = findEndpoint(endpoints, context.arguments.endpoint);
-    reportUnreadable(context, endpoint);
+    Endpoint& endpoint = requestedEndpoint(context, endpoints);
     EndpointVolume volume = openVolume(endpoint);
     const EndpointLevel before = volume.read();
     const LevelChange& change = context.arguments.level;
@@ -90,8 +87,7 @@ void runSetVolume(Context& context)
 void runMute(Context& context)
 {
     std::vector<Endpoint> endpoints = readEndpoints();
-    Endpoint& endpoint = findEndpoint(endpoints, context.arguments.endpoint);
-    reportUnreadable(context, endpoint);
+    Endpoint& endpoint = requestedEndpoint(context, endpoints);
     EndpointVolume volume = openVolume(endpoint);
     const std::optional<bool> before = volume.read().isMuted;
     const MuteChange change = context.arguments.mute;

@@ -1,111 +1,24 @@
 // How devices open their property stores under an administrator's and an ordinary account.
-#include "tests/libSonavit/audiodeviceendpoint/devicetest.h"
-#include "tests/libSonavit/soundcard/supporthotplug.h"
-#include "tests/libSonavit/supportchannels.h"
+#include "tests/libSonavit/audiodeviceendpoint/storetest.h"
 #include "tests/libSonavit/supportstackobject.h"
 
-#include <memory>
 #include <thread>
 
 namespace
 {
-using devicetest::waveFormat;
 using qor::LoggerPriority;
-using support::HotPlug;
-using support::IdText;
+using storetest::AudioDeviceStoreByDefault;
+using storetest::AudioDeviceStoreForReading;
+using storetest::AudioDeviceStoreOfAdministrator;
+using storetest::betterFormat;
+using storetest::Life;
+using storetest::waveFormat;
+using support::opening;
+using support::openingForBoth;
+using support::openingForReading;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
-const sim::DeviceFormat usual = {16, 48000, 2};
-const sim::DeviceFormat better = {24, 96000, 2};
-
-constexpr const char* opening = "IMMDevice::OpenPropertyStore";
-constexpr const char* openingForBoth = "IMMDevice::OpenPropertyStore(2)";
-constexpr const char* openingForReading = "IMMDevice::OpenPropertyStore(0)";
-
-/// Sets the way in which the process opens stores, until the end of the object's life.
-class ChosenAccess
-{
-public:
-    explicit ChosenAccess(StoreAccess access) { AudioDevice::setStoreAccess(access); }
-    ~ChosenAccess() { AudioDevice::setStoreAccess(StoreAccess::readWrite); }
-    ChosenAccess(const ChosenAccess&) = delete;
-    ChosenAccess& operator=(const ChosenAccess&) = delete;
-};
-
-/// What one device did from its construction to its destruction.
-struct Life
-{
-    bool isInitialized = false;
-    std::vector<std::string> calls;
-    std::vector<std::string> records;
-    std::string name;
-    bool hasFormat = false;
-};
-
-class AudioDeviceStore : public devicetest::DeviceTest
-{
-protected:
-    void start(sim::Account account)
-    {
-        bench.account(account);
-        DeviceTest::start();
-        simulation().journal().recordReferences(true);
-    }
-
-    std::vector<std::string> openings() { return simulation().journal().of(opening).calls(); }
-
-    Life live()
-    {
-        simulation().journal().clear();
-        log.clear();
-        Life life;
-        {
-            AudioDevice device;
-            life.isInitialized = device.initialize(reference(speaker.id()));
-            life.name = device.deviceProperty().endpointType.toUtf8();
-            life.hasFormat = waveFormat(usual) == device.deviceProperty().format;
-        }
-        life.calls = simulation().journal().entries().calls();
-        life.records = records();
-        return life;
-    }
-};
-
-/// Under an ordinary account, by a process that has not asked for anything else.
-class AudioDeviceStoreByDefault : public AudioDeviceStore
-{
-protected:
-    void SetUp() override
-    {
-        DeviceTest::SetUp();
-        start(sim::Account::ordinary);
-    }
-};
-
-/// Under an ordinary account, by a process that also wants to read.
-class AudioDeviceStoreForReading : public AudioDeviceStoreByDefault
-{
-    const ChosenAccess m_access{StoreAccess::writeElseRead};
-};
-
-/// Under an administrator's account, by the same process.
-class AudioDeviceStoreOfAdministrator : public AudioDeviceStore
-{
-protected:
-    void SetUp() override
-    {
-        DeviceTest::SetUp();
-        start(sim::Account::administrator);
-    }
-
-private:
-    const ChosenAccess m_access{StoreAccess::writeElseRead};
-};
-
-using AudioDeviceSetFormatForReading = AudioDeviceStoreForReading;
-
-/// A device that denies the first opening, yet stores a pointer, and gives its store to the second one.
+/// A device that denies the first opening, yet stores a pointer; the second one fails and stores `stored`.
 class DenyingWithAPointer final : public support::StackObject<IMMDevice>
 {
 public:
@@ -121,9 +34,11 @@ public:
             *opened = reinterpret_cast<IPropertyStore*>(this); // must not be used
             return E_ACCESSDENIED;
         }
+        *opened = stored;
         return E_FAIL;
     }
 
+    IPropertyStore* stored = nullptr;
     std::vector<IPropertyStore*> storedBefore;
 };
 
@@ -140,7 +55,22 @@ TEST_F(AudioDeviceStoreByDefault, IsOpenedForReadingAndWritingOnly)
     EXPECT_THAT(messages(LoggerPriority::LOG_ERROR), ElementsAre("OpenPropertyStore returns 0x80070005"));
 }
 
-TEST_F(AudioDeviceStoreByDefault, IsMissedInTheSameWayWhateverRefusesIt)
+TEST_F(AudioDeviceStoreByDefault, LeavesADeviceWithItsIdAndVolumeOnlyIfItIsDenied)
+{
+    AudioDevice device(reference(speaker.id()));
+
+    const AudioDeviceInterface::Properties& properties = device.deviceProperty();
+    EXPECT_EQ(speaker.id(), properties.deviceId.toUtf8());
+    EXPECT_NE(nullptr, device.volumeControl().get());
+    EXPECT_EQ("",
+              properties.endpointType.toUtf8() + properties.friendlyName.toUtf8() + properties.instancePath.toUtf8());
+    EXPECT_TRUE(WAVEFORMATEXTENSIBLE() == properties.format);
+    EXPECT_TRUE(GUID() == properties.subType);
+    EXPECT_EQ(0u, properties.deviceState);
+    EXPECT_THROW(device.setFormat(waveFormat(betterFormat)), qor::AssertionFailure);
+}
+
+TEST_F(AudioDeviceStoreByDefault, FailsAlikeForAnOrdinaryAccountAndForAPlannedDenial)
 {
     const Life ordinary = live();
     simulation().setAccount(sim::Account::administrator);
@@ -154,7 +84,7 @@ TEST_F(AudioDeviceStoreByDefault, IsMissedInTheSameWayWhateverRefusesIt)
     EXPECT_EQ(refused.isInitialized, ordinary.isInitialized);
 }
 
-TEST_F(AudioDeviceStoreByDefault, IsClosedAgainAfterTheProcessTakesItsWishBack)
+TEST_F(AudioDeviceStoreByDefault, IsNotOpenedForReadingAfterTheProcessReturnsToTheDefault)
 {
     AudioDevice::setStoreAccess(StoreAccess::writeElseRead);
     AudioDevice::setStoreAccess(StoreAccess::readWrite);
@@ -205,7 +135,7 @@ TEST_F(AudioDeviceStoreForReading, StaysOpenForAllRefreshes)
     EXPECT_EQ(1, simulation().census().references("IPropertyStore"));
 }
 
-TEST_F(AudioDeviceStoreForReading, IsMissedWithTheSecondResultIfReadingIsRefusedToo)
+TEST_F(AudioDeviceStoreForReading, LogsTheSecondResultIfReadingIsRefusedToo)
 {
     sim::PlannedFault fault = simulation().faults().fail(opening, E_FAIL).with("0");
 
@@ -259,6 +189,35 @@ TEST_F(AudioDeviceStoreForReading, IgnoresAPointerThatComesWithTheDenial)
     EXPECT_THAT(messages(LoggerPriority::LOG_ERROR), ElementsAre("OpenPropertyStore returns 0x80004005"));
 }
 
+TEST_F(AudioDeviceStoreForReading, LogsASecondOpeningThatSucceedsWithoutAStore)
+{
+    sim::PlannedFault fault = simulation().faults().succeedWithNull(opening).with("0");
+
+    EXPECT_FALSE(live().isInitialized);
+
+    EXPECT_EQ(1u, fault.fired());
+    EXPECT_THAT(openings(), ElementsAre(openingForBoth, openingForReading));
+    EXPECT_THAT(messages(LoggerPriority::LOG_ERROR), ElementsAre("OpenPropertyStore returns 0x00000000"));
+}
+
+// Windows stores null along with a failure; as with one opening, the next refresh reads from what is stored.
+TEST_F(AudioDeviceStoreForReading, KeepsAPointerThatComesWithTheFailureOfTheSecondOpening)
+{
+    DenyingWithAPointer denying;
+    const COMPtr<IMMDevice>::pointer platformDevice(reference(speaker.id()));
+    ASSERT_EQ(S_OK, platformDevice->OpenPropertyStore(STGM_READ, &denying.stored));
+    {
+        AudioDevice device;
+        device.m_device = denying.handle();
+
+        EXPECT_FALSE(device.refreshDeviceInformation());
+
+        EXPECT_EQ(denying.stored, device.m_propertyStore.get());
+        EXPECT_THAT(messages(LoggerPriority::LOG_ERROR), ElementsAre("OpenPropertyStore returns 0x80004005"));
+    }
+    EXPECT_EQ(0, simulation().census().references("IPropertyStore"));
+}
+
 TEST_F(AudioDeviceStoreForReading, IsWhatAllCopiesHold)
 {
     kept.directSoundTexts = 1;
@@ -271,7 +230,7 @@ TEST_F(AudioDeviceStoreForReading, IsWhatAllCopiesHold)
             copies.append(device);
 
         EXPECT_EQ(11, references("IPropertyStore " + speaker.id()));
-        EXPECT_FALSE(copies[9].setFormat(waveFormat(better)));
+        EXPECT_FALSE(copies[9].setFormat(waveFormat(betterFormat)));
     }
 
     EXPECT_THAT(simulation().journal().operations(), ElementsAre("IPropertyStore::SetValue"));
@@ -335,130 +294,16 @@ TEST_F(AudioDeviceStoreForReading, IsNotAskedForAfterASuccessWithoutAStore)
     EXPECT_THAT(messages(LoggerPriority::LOG_ERROR), ElementsAre("OpenPropertyStore returns 0x00000000"));
 }
 
-TEST_F(AudioDeviceStoreOfAdministrator, IsOpenedAndWrittenWithTheSameCallsAndRecordsAsWithoutTheWish)
+TEST_F(AudioDeviceStoreOfAdministrator, HasTheSameCallsAndRecordsWithEitherAccess)
 {
     kept.directSoundTexts = 2;
-    const Life wish = live();
+    const Life withReading = live();
     AudioDevice::setStoreAccess(StoreAccess::readWrite);
 
-    const Life usualLife = live();
+    const Life withoutReading = live();
 
-    EXPECT_TRUE(wish.isInitialized);
-    EXPECT_EQ(usualLife.calls, wish.calls);
-    EXPECT_EQ(usualLife.records, wish.records);
-}
-
-TEST_F(AudioDeviceStoreOfAdministrator, TakesAFormatAndGetsTheFormerOneBack)
-{
-    kept.directSoundTexts = 3;
-    {
-        AudioDevice device(reference(speaker.id()));
-        EXPECT_TRUE(device.setFormat(waveFormat(better)));
-        EXPECT_EQ(better.bytes(), storedFormat(speaker.id()));
-    }
-
-    EXPECT_EQ(usual.bytes(), storedFormat(speaker.id()));
-    EXPECT_THAT(openings(), ElementsAre(openingForBoth, openingForBoth, openingForBoth));
-}
-
-TEST_F(AudioDeviceSetFormatForReading, IsRefusedByTheStoreAndSaysSo)
-{
-    kept.directSoundTexts = 2;
-    {
-        AudioDevice device(reference(speaker.id()));
-        withoutDebugMessages();
-        simulation().journal().clear();
-
-        EXPECT_FALSE(device.setFormat(waveFormat(better)));
-
-        EXPECT_THAT(messages(LoggerPriority::LOG_WARNING), ElementsAre("IPropertyStore::SetValue failed 0x80070005"));
-        EXPECT_THAT(simulation().journal().operations(), ElementsAre("IPropertyStore::SetValue"));
-        EXPECT_TRUE(waveFormat(usual) == device.deviceProperty().format);
-        EXPECT_NE(nullptr, device.m_propertyStore.get());
-        EXPECT_TRUE(device.refreshDeviceInformation());
-    }
-
-    EXPECT_EQ(1u, simulation().journal().count("IPropertyStore::SetValue")) << "nothing is to be restored";
-    EXPECT_EQ(usual.bytes(), storedFormat(speaker.id()));
-}
-
-TEST_F(AudioDeviceSetFormatForReading, OpensTheNewStoreForReadingIfTheAccountHasLostItsRightMeanwhile)
-{
-    kept.directSoundTexts = 2;
-    simulation().setAccount(sim::Account::administrator);
-    {
-        AudioDevice device(reference(speaker.id()));
-        simulation().setAccount(sim::Account::ordinary);
-
-        EXPECT_TRUE(device.setFormat(waveFormat(better)));
-
-        EXPECT_TRUE(waveFormat(better) == device.deviceProperty().format);
-        EXPECT_THAT(openings(), ElementsAre(openingForBoth, openingForBoth, openingForReading));
-        EXPECT_THAT(messages(LoggerPriority::LOG_WARNING), IsEmpty());
-    }
-
-    EXPECT_THAT(messages(LoggerPriority::LOG_WARNING), ElementsAre("IPropertyStore::SetValue failed 0x80070005"))
-        << "the restore is refused";
-    EXPECT_EQ(better.bytes(), storedFormat(speaker.id()));
-}
-
-TEST_F(AudioDeviceSetFormatForReading, LogsTheSecondResultIfTheNewStoreCannotBeReadEither)
-{
-    kept.directSoundTexts = 1;
-    simulation().setAccount(sim::Account::administrator);
-    AudioDevice device(reference(speaker.id()));
-    simulation().setAccount(sim::Account::ordinary);
-    sim::PlannedFault fault = simulation().faults().fail(opening, E_FAIL).with("0");
-
-    EXPECT_FALSE(device.setFormat(waveFormat(better)));
-
-    EXPECT_EQ(1u, fault.fired());
-    EXPECT_EQ(nullptr, device.m_propertyStore.get());
-    EXPECT_THAT(messages(LoggerPriority::LOG_WARNING), ElementsAre("Cannot open a new property store 0x80004005"));
-    EXPECT_THAT(messages(LoggerPriority::LOG_ERROR), IsEmpty());
-}
-
-/// Cards that were found while the account could write; it is ordinary from then on.
-class HotPlugOfOrdinaryAccount : public HotPlug
-{
-protected:
-    void SetUp() override
-    {
-        HotPlug::SetUp();
-        simulation().setAccount(sim::Account::ordinary);
-    }
-};
-
-TEST_F(HotPlugOfOrdinaryAccount, TakesEndpointsForThoseOfAnotherCardByDefault)
-{
-    simulation().events().add(late);
-
-    EXPECT_EQ(2u, playbackDevices().size());
-    EXPECT_THAT(playback.notifications, IsEmpty());
-    EXPECT_THAT(simulation().journal().of(opening).calls(), ElementsAre(openingForBoth, openingForBoth))
-        << "one by the updater of each card";
-}
-
-TEST_F(HotPlugOfOrdinaryAccount, KeepsTheListsOfTheCardIfItsProcessReads)
-{
-    const ChosenAccess access(StoreAccess::writeElseRead);
-
-    simulation().events().add(late);
-    simulation().events().plug(headphones);
-    simulation().events().remove(late);
-    simulation().events().add(foreign);
-
-    EXPECT_EQ(2u, playbackDevices().size());
-    EXPECT_THAT(playback.notifications, ElementsAre("added", "state", "removed"));
-}
-
-TEST_F(HotPlugOfOrdinaryAccount, AsksForReadingInTheCallbackRightAfterTheDenial)
-{
-    const ChosenAccess access(StoreAccess::writeElseRead);
-
-    EXPECT_EQ(S_OK, updater().OnDeviceAdded(IdText(late)));
-
-    EXPECT_THAT(simulation().journal().of(opening).calls(), ElementsAre(openingForBoth, openingForReading));
-    EXPECT_EQ("Late", playbackDevices()[2].deviceProperty().endpointType.toUtf8());
+    EXPECT_TRUE(withReading.isInitialized);
+    EXPECT_EQ(withoutReading.calls, withReading.calls);
+    EXPECT_EQ(withoutReading.records, withReading.records);
 }
 }

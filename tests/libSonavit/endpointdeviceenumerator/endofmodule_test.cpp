@@ -45,15 +45,24 @@ struct AudioDeviceEnumeratorEnd : support::LibraryTest
 TEST_F(AudioDeviceEnumeratorEnd, UnregistersThenReleasesTheClientsInOrderOfRegistrationAndTheEnumeratorLast)
 {
     addThreeClients();
-    simulation().faults().run(unregisterCall, [this] { calls.push_back("unregistered"); });
-    const sim::PlannedFault watch =
-        simulation().faults().run(releaseCall, [this] { calls.push_back("enumerator Release"); });
+    const auto record = [this](const char* call) // and who is still called, in the order of registration
+    {
+        return [this, call]
+        {
+            simulation().events().announceAdded("arrival");
+            calls.push_back(call);
+        };
+    };
+    simulation().faults().run(unregisterCall, record("Unregister"));
+    const sim::PlannedFault watch = simulation().faults().run(releaseCall, record("enumerator Release"));
 
     endModule();
 
     EXPECT_EQ(1u, watch.fired());
-    EXPECT_THAT(calls, ElementsAre("unregistered", "unregistered", "unregistered",     // the machine holds no reference
-                                   "first Release", "second Release", "third Release", // by the list
+    EXPECT_THAT(calls, ElementsAre("first OnDeviceAdded", "second OnDeviceAdded", "third OnDeviceAdded", "Unregister",
+                                   "second OnDeviceAdded", "third OnDeviceAdded", "Unregister", //
+                                   "third OnDeviceAdded", "Unregister",                         //
+                                   "first Release", "second Release", "third Release",          // by the list
                                    "enumerator Release"));
     EXPECT_EQ(0u, first.count + second.count + third.count);
 }

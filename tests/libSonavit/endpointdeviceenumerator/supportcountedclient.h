@@ -4,8 +4,8 @@
 
 namespace support
 {
-/// A notification client that only counts its references and records the calls. The last Release does not destroy it,
-/// so a test holds it by value.
+/// A notification client that counts its references and records the calls of its reference counting and of
+/// OnDeviceAdded. The last Release does not destroy it, so a test holds it by value.
 class CountedClient final : public IMMNotificationClient
 {
 public:
@@ -30,7 +30,13 @@ public:
     }
 
     HRESULT STDMETHODCALLTYPE OnDeviceStateChanged(LPCWSTR, DWORD) override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE OnDeviceAdded(LPCWSTR) override { return S_OK; }
+
+    HRESULT STDMETHODCALLTYPE OnDeviceAdded(LPCWSTR) override
+    {
+        m_calls.push_back(m_name + " OnDeviceAdded");
+        return S_OK;
+    }
+
     HRESULT STDMETHODCALLTYPE OnDeviceRemoved(LPCWSTR) override { return S_OK; }
     HRESULT STDMETHODCALLTYPE OnDefaultDeviceChanged(EDataFlow, ERole, LPCWSTR) override { return S_OK; }
     HRESULT STDMETHODCALLTYPE OnPropertyValueChanged(LPCWSTR, const PROPERTYKEY) override { return S_OK; }

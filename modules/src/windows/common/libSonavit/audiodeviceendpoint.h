@@ -13,23 +13,24 @@
 #include "qor/resource.h"
 #include "qor/string.h"
 
-/// How the devices of a process open their property stores.
+/// How devices open their property stores (IMMDevice::OpenPropertyStore).
 enum class StoreAccess
 {
-    readWrite,    ///< for reading and writing; what the system refuses stays closed
-    writeElseRead ///< likewise, but for reading only if the system denies the access (E_ACCESSDENIED)
+    readWrite,    ///< with STGM_READWRITE; each failure is final
+    writeElseRead ///< with STGM_READWRITE; after E_ACCESSDENIED, and no other failure, once more with STGM_READ
 };
 
 /// One Core Audio device: an endpoint or an adapter device.
 ///
-/// Windows lets only administrators open a store for writing (IMMDevice::OpenPropertyStore). A program that ordinary
-/// users start calls setStoreAccess(StoreAccess::writeElseRead) first: otherwise their devices have no properties. What
-/// the two kinds of account may do then:
+/// Windows lets a process open a store for writing only if it runs as administrator (IMMDevice::OpenPropertyStore). A
+/// program that also runs otherwise calls setStoreAccess(StoreAccess::writeElseRead) first. Without that call its
+/// devices then have an id, a volume and a mute, but no other properties, not even a state, and setFormat() throws. The
+/// table holds with StoreAccess::writeElseRead:
 ///
-/// | Operation | Administrator | Ordinary user |
+/// | Operation | Running as administrator | Otherwise |
 /// |---|---|---|
 /// | lists, cards, selectors, notifications | yes | yes |
-/// | deviceProperty(), refreshDeviceInformation() | yes | yes, with StoreAccess::writeElseRead |
+/// | deviceProperty(), refreshDeviceInformation() | yes | yes |
 /// | volumeControl(), hardware controls, mute | yes | yes |
 /// | setFormat() | yes | no: false, and a message (LOG_WARNING) |
 ///
@@ -41,9 +42,13 @@ enum class StoreAccess
 class SONAVIT_API AudioDevice : public AudioDeviceInterface
 {
 public:
-    /// Decides for the whole process how devices open their stores from now on; a store that is open stays as it is.
-    /// Call it before the first device is made. Without a call: StoreAccess::readWrite. Any thread may call it.
+    /// Sets how all devices of the process open their stores from now on; a store that is open stays as it is. Call it
+    /// before the first device is made. The setting belongs to one copy of the library: modules of a process that link
+    /// it statically have one each. Calls no platform function, logs nothing, throws nothing; any thread may call it.
     static void setStoreAccess(StoreAccess access) noexcept;
+
+    /// What setStoreAccess() has set; before the first call, StoreAccess::readWrite. Calls no platform function, logs
+    /// nothing, throws nothing; any thread may call it.
     static StoreAccess storeAccess() noexcept;
 
     /// An empty device; calls no platform function.
@@ -152,7 +157,8 @@ public:
     /// Restores the device format that the latest successful initialize() read, if the current one differs and the
     /// store is open; a failure is only logged. Each copy does so by itself, even a temporary and an element that an
     /// array destroys as it grows, and even if another program changed the format. If every initialize() failed, the
-    /// saved format is all zero: once a later refresh has read a format, the destructor writes zeros.
+    /// saved format is all zero: once a later refresh has read a format, the destructor writes zeros. A store that is
+    /// open for reading only refuses the restore of each copy, and each refusal is logged (LOG_WARNING).
     ~AudioDevice() noexcept(false) override;
 
 private:

@@ -52,7 +52,8 @@ public:
     SoundCard& operator=(const SoundCard& other);
 
     /// All sound cards of the system: those with a record endpoint first, each group in the system's order. The thread
-    /// must have initialised COM. Each call registers one more updater for each card.
+    /// must have initialised COM. Each call registers one more updater for each card. For a process that does not run
+    /// as administrator see AudioDevice::setStoreAccess().
     /// @return empty if there is no endpoint; empty, with a message (LOG_WARNING), if the endpoints cannot be
     /// enumerated
     /// @exception qor::NullPointer or std::bad_alloc if memory runs out

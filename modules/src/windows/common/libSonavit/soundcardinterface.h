@@ -41,6 +41,7 @@ public:
 
 /// Appends the sound cards of the system to @p cards, in the order of SoundCard::enumerateSystemSoundDevices(). Each is
 /// allocated with `new`, and the caller deletes it: a borrowed pointer does not. A failure is logged (LOG_WARNING) and
-/// appends nothing, like a system without endpoints. The thread must have initialised COM.
+/// appends nothing, like a system without endpoints. The thread must have initialised COM. For a process that does not
+/// run as administrator see AudioDevice::setStoreAccess().
 /// @exception qor::NullPointer or std::bad_alloc if memory runs out
 SONAVIT_API void enumerateSoundCards(qor::Array<BorrowedPointer<SoundCardInterface>>& cards);

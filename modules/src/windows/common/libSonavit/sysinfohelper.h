@@ -13,7 +13,8 @@ namespace libSonavit
 ///
 /// An answer says what the card has, not what is usable now: endpoints in all states count. An unknown id, a failed
 /// discovery and a card without such endpoints all answer false. Ids are compared ignoring case; of several cards with
-/// the same id the last one answers. Use and destroy the object on the thread that creates it.
+/// the same id the last one answers. Use and destroy the object on the thread that creates it. For a process that does
+/// not run as administrator see AudioDevice::setStoreAccess().
 ///
 /// COM: the constructor calls CoInitializeEx for a multithreaded apartment and ignores the result; the destructor
 /// always calls CoUninitialize. On a thread in a single-threaded apartment CoInitializeEx fails, so the destructor

@@ -25,7 +25,7 @@ bool AudioDevice::setFormat(const WAVEFORMATEXTENSIBLE& format)
     }
     m_propertyStore->Commit();
 
-    m_propertyStore = nullptr; // only a new store shows the format as the system has stored it
+    m_propertyStore = nullptr; // Required: the properties are read from a new store
     if (m_device.get() == nullptr)
         return false; // initialize() has been given a null device since
     IPropertyStore* store = nullptr;
