@@ -14,7 +14,7 @@ enum class Verdict
 {
     agrees,
     differs,
-    notTried, ///< the system has nothing to try it on, or nobody allowed a change
+    notTried, ///< the system has nothing to try it on, or a change is not allowed
 };
 
 struct Finding

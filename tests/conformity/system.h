@@ -1,5 +1,5 @@
 /// @file
-/// The Core Audio that is checked, whoever provides it.
+/// The Core Audio that is checked: the system's or a simulated one.
 #pragma once
 
 #include "tests/conformity/held.h"
@@ -28,7 +28,7 @@ class System
 {
 public:
     /// @param mayChange whether checks may set a level or a property, which they put back
-    /// @param isAdministrator whether the account may write to property stores; no value if nobody knows
+    /// @param isAdministrator whether the account may write to property stores; no value if it is unknown
     System(bool mayChange, std::optional<bool> isAdministrator);
 
     bool mayChange() const;

@@ -1,6 +1,6 @@
 // What only Windows has: its events, and apartments between which a stream passes.
 
-#include "tests/simulator/stream/streamtest.h"
+#include "tests/simulator/objects/stream/streamtest.h"
 
 namespace
 {

@@ -88,7 +88,7 @@ Finding storesOpen(System& system)
 Finding writingNeedsRights(System& system)
 {
     if (!system.isAdministrator())
-        return {Verdict::notTried, "nobody knows whose account this is"};
+        return {Verdict::notTried, "the account is unknown"};
     const HRESULT expected = *system.isAdministrator() ? S_OK : E_ACCESSDENIED;
     Observation observation;
     system.eachActive(

@@ -100,7 +100,7 @@ Finding sameMuteIsNoChange(System& system)
     return observation.finding("no endpoint with a mute");
 }
 
-/// Puts back the levels of all channels and the mute. Meanwhile the endpoint is muted, so that nobody hears a change.
+/// Puts back the levels of all channels and the mute. Meanwhile the endpoint is muted, so that a change is not heard.
 class SavedVolume
 {
 public:

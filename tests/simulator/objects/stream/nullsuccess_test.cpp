@@ -1,4 +1,4 @@
-#include "tests/simulator/stream/streamtest.h"
+#include "tests/simulator/objects/stream/streamtest.h"
 
 #include <array>
 #include <initializer_list>
