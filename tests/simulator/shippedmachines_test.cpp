@@ -151,17 +151,17 @@ std::vector<Bridge> bridgesOf(const Held<IDeviceTopology>& topology)
     std::vector<Bridge> bridges;
     for (UINT index = 0; index < count; ++index)
     {
-        Held<IConnector> near;
-        Held<IConnector> far;
+        Held<IConnector> here;
+        Held<IConnector> there;
         ConnectorType type = Unknown_Connector;
         Bridge bridge;
-        EXPECT_EQ(S_OK, topology->GetConnector(index, near.put()));
-        EXPECT_EQ(S_OK, near->GetType(&type));
+        EXPECT_EQ(S_OK, topology->GetConnector(index, here.put()));
+        EXPECT_EQ(S_OK, here->GetType(&type));
         if (type != Software_Fixed)
             continue;
-        EXPECT_EQ(S_OK, near->GetConnectedTo(far.put()));
-        EXPECT_EQ(S_OK, far->GetType(&bridge.farType));
-        bridge.farDevice = textOf(near, &IConnector::GetDeviceIdConnectedTo);
+        EXPECT_EQ(S_OK, here->GetConnectedTo(there.put()));
+        EXPECT_EQ(S_OK, there->GetType(&bridge.farType));
+        bridge.farDevice = textOf(here, &IConnector::GetDeviceIdConnectedTo);
         bridges.push_back(bridge);
     }
     return bridges;
