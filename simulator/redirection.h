@@ -29,7 +29,7 @@ public:
     /// @param code any function of the module, such as &enumerateSoundCards. An address outside of all modules
     /// redirects nothing.
     explicit Redirection(const void* code);
-    ~Redirection();
+    ~Redirection(); // NOLINT(performance-trivially-destructible): not on Windows
     Redirection(const Redirection&) = delete;
     Redirection& operator=(const Redirection&) = delete;
 

@@ -14,7 +14,7 @@ public:
     Marshaller() = default;
     Marshaller(const Marshaller&) = delete;
     Marshaller& operator=(const Marshaller&) = delete;
-    ~Marshaller();
+    ~Marshaller(); // NOLINT(performance-trivially-destructible): not on Windows
 
     /// The IMarshal of @p object, without a reference, if @p iid asks for it; otherwise null. The call that creates it
     /// leaves a reference on @p object, which the caller must drop: @p added is then true.
