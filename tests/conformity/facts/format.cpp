@@ -10,46 +10,56 @@ namespace conformity
 {
 namespace
 {
-Finding isFortyBytes(System& system)
+/// Calls @p action with the device format of each active endpoint whose store can be read.
+void eachFormat(System& system, const std::function<void(const EndpointInSystem&, const Value&)>& action)
 {
-    Observation observation;
     system.eachActive(
         [&](const EndpointInSystem& endpoint)
         {
-            const Held<IPropertyStore> store = openedStore(*endpoint.device.get());
-            if (!store)
-                return;
-            const Value value(*store.get(), platform::propertykeys::deviceFormat);
-            if (value.tag() != VT_BLOB)
-                return observation.see(false, "tag " + std::to_string(value.tag()), endpoint.name);
-            WAVEFORMATEX format = {};
-            const BLOB& blob = value.variant().blob;
-            if (blob.cbSize >= sizeof format)
-                std::memcpy(&format, blob.pBlobData, sizeof format);
-            const std::string found = std::to_string(blob.cbSize) + " bytes, tag " + std::to_string(format.wFormatTag);
-            observation.see(found == "40 bytes, tag 65534", found, endpoint.name);
+            if (const Held<IPropertyStore> store = openedStore(*endpoint.device.get()))
+                action(endpoint, Value(*store.get(), platform::propertykeys::deviceFormat));
         });
+}
+
+/// The first part of the format; zeros if the value is too short.
+WAVEFORMATEX fixedPartOf(const Value& value)
+{
+    WAVEFORMATEX format = {};
+    const BLOB& blob = value.variant().blob;
+    if (value.tag() == VT_BLOB && blob.cbSize >= sizeof format)
+        std::memcpy(&format, blob.pBlobData, sizeof format);
+    return format;
+}
+
+Finding isFortyBytes(System& system)
+{
+    Observation observation;
+    eachFormat(system,
+               [&](const EndpointInSystem& endpoint, const Value& value)
+               {
+                   if (value.tag() != VT_BLOB)
+                       return observation.see(false, "tag " + std::to_string(value.tag()), endpoint.name);
+                   const std::string found = std::to_string(value.variant().blob.cbSize) + " bytes, tag " +
+                                             std::to_string(fixedPartOf(value).wFormatTag);
+                   observation.see(found == "40 bytes, tag 65534", found, endpoint.name);
+               });
     return observation.finding("no active endpoint");
 }
 
 Finding isConsistent(System& system)
 {
     Observation observation;
-    system.eachActive(
-        [&](const EndpointInSystem& endpoint)
-        {
-            const Held<IPropertyStore> store = openedStore(*endpoint.device.get());
-            if (!store)
-                return;
-            const Value value(*store.get(), platform::propertykeys::deviceFormat);
-            WAVEFORMATEX format = {};
-            if (value.tag() != VT_BLOB || value.variant().blob.cbSize < sizeof format)
-                return;
-            std::memcpy(&format, value.variant().blob.pBlobData, sizeof format);
-            const unsigned frame = format.nChannels * format.wBitsPerSample / 8u;
-            const bool isRight = format.nBlockAlign == frame && format.nAvgBytesPerSec == frame * format.nSamplesPerSec;
-            observation.see(isRight, isRight ? "they agree" : "they do not agree", endpoint.name);
-        });
+    eachFormat(system,
+               [&](const EndpointInSystem& endpoint, const Value& value)
+               {
+                   const WAVEFORMATEX format = fixedPartOf(value);
+                   if (format.nChannels == 0)
+                       return;
+                   const unsigned frame = format.nChannels * format.wBitsPerSample / 8u;
+                   const bool isRight =
+                       format.nBlockAlign == frame && format.nAvgBytesPerSec == frame * format.nSamplesPerSec;
+                   observation.see(isRight, isRight ? "they agree" : "they do not agree", endpoint.name);
+               });
     return observation.finding("no endpoint with a format");
 }
 }
