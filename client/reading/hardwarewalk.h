@@ -1,0 +1,51 @@
+/// @file
+/// The hardware graph behind endpoints, read in one walk that gives controls, selectors and graph. It runs on the
+/// worker.
+#pragma once
+
+#include "COM/comptr.h"
+#include "client/reading/endpointreading.h"
+#include "platform/coreaudio.h"
+#include "sonavit/control.h"
+#include "sonavit/graph.h"
+#include "sonavit/snapshot.h"
+
+#include <memory>
+#include <vector>
+
+namespace sonavit::reading
+{
+/// The walk through the hardware of cards: the devices of their endpoints, and what their connectors lead to.
+class HardwareWalk
+{
+public:
+    /// Walks at once. @param cards in the order of the snapshot
+    HardwareWalk(IMMDeviceEnumerator& enumerator, const std::vector<Card>& cards);
+    ~HardwareWalk();
+    HardwareWalk(const HardwareWalk&) = delete;
+    HardwareWalk& operator=(const HardwareWalk&) = delete;
+
+    /// With the levels, mutes and selections that the parts have now.
+    Graph graph() const;
+    /// The controls that act on one of the endpoints, those next to its jack first.
+    std::vector<Control> controls(const EndpointId& endpoint) const;
+    std::vector<Selector> selectors(const CardId& card) const;
+    Hardware hardware(const CardId& card) const;
+
+    /// The platform's objects of a control or a selector of the walk; nil if there is none.
+    COMPtr<IAudioVolumeLevel>::pointer level(const ControlId& control) const;
+    COMPtr<IAudioMute>::pointer mute(const ControlId& control) const;
+    COMPtr<IAudioInputSelector>::pointer selector(const SelectorId& selector) const;
+    /// The part itself, for IPart::RegisterControlChangeCallback: of a level, of the mute next to it, of a selector.
+    std::vector<COMPtr<IPart>::pointer> changingParts(const CardId& card) const;
+
+private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
+/// The control of that id or name, see System::setControl(); the same for selectors and inputs.
+Result<Control> controlNamed(const std::vector<Control>& controls, std::string_view text);
+Result<Selector> selectorNamed(const std::vector<Selector>& selectors, std::string_view text);
+Result<SelectorInput> inputNamed(const Selector& selector, std::string_view text);
+}

@@ -1,0 +1,82 @@
+/// @file
+/// One sound card: the endpoints that belong to one device.
+#pragma once
+
+#include "sonavit/endpoint.h"
+#include "sonavit/export.h"
+#include "sonavit/ids.h"
+#include "sonavit/problem.h"
+
+#include <iosfwd>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace sonavit
+{
+inline namespace v1
+{
+/// One sound card.
+///
+/// Endpoints with the same instance path are one card. Those without one are grouped by their container, unless that is
+/// the computer itself or null; else by the adapter that they are joined to; else each is a card of its own.
+///
+/// A small value that shares its content with its copies; it never changes. Any thread may use it.
+class SONAVIT_CLIENT_API Card
+{
+public:
+    struct Content
+    {
+        CardId id;
+        std::optional<std::string> instancePath;
+        std::optional<std::string> instanceId;
+        std::optional<std::string> parent;
+        std::optional<Guid> container;
+        std::optional<std::string> bus;
+        std::string title;
+        std::vector<Endpoint> endpoints;
+        std::vector<Problem> problems;
+    };
+
+    /// A card without id, named "Unnamed card", and without endpoints.
+    Card();
+    explicit Card(Content content);
+    const Content& content() const& noexcept { return *m_content; }
+    Content content() && { return *m_content; }
+
+    const CardId& id() const noexcept { return m_content->id; }
+    /// For a person, never empty: the name of its device.
+    const std::string& title() const& noexcept { return m_content->title; }
+    std::string title() && { return m_content->title; }
+    /// What its endpoints share: "{1}.USB\VID_1235&PID_8210\000001".
+    const std::optional<std::string>& instancePath() const noexcept { return m_content->instancePath; }
+    /// The instance id of its device: "USB\VID_1235&PID_8210\000001".
+    const std::optional<std::string>& instanceId() const noexcept { return m_content->instanceId; }
+    /// The instance id of the device that it is a part of, or that it is attached to.
+    const std::optional<std::string>& parent() const noexcept { return m_content->parent; }
+    /// The container that all of its endpoints share.
+    const std::optional<Guid>& container() const noexcept { return m_content->container; }
+    /// The bus that it is on: "HDAUDIO", "USB".
+    const std::optional<std::string>& bus() const noexcept { return m_content->bus; }
+    /// Outputs first, each flow in the system's order. On a temporary it returns a list of its own, so that a loop over
+    /// it is safe.
+    const std::vector<Endpoint>& endpoints() const& noexcept { return m_content->endpoints; }
+    std::vector<Endpoint> endpoints() && { return m_content->endpoints; }
+    /// What could not be read of the card itself.
+    const std::vector<Problem>& problems() const noexcept { return m_content->problems; }
+
+private:
+    std::shared_ptr<const Content> m_content;
+};
+
+/// Compares the whole content, endpoints included; two copies of one card are equal at once.
+SONAVIT_CLIENT_API bool operator==(const Card& left, const Card& right);
+inline bool operator!=(const Card& left, const Card& right)
+{
+    return !(left == right);
+}
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Card& card);
+}
+}

@@ -1,0 +1,125 @@
+/// @file
+/// What changed between two snapshots.
+#pragma once
+
+#include "sonavit/export.h"
+#include "sonavit/result.h"
+#include "sonavit/snapshot.h"
+
+#include <cstddef>
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sonavit
+{
+inline namespace v1
+{
+/// Who caused a change.
+enum class Origin : int
+{
+    unknown, ///< the platform does not say
+    own,     ///< this System
+    other,   ///< another program, the user, or another System
+    both     ///< both, within one window
+};
+
+/// Names the parts of a card, for changes.
+enum class CardField : int
+{
+    instancePath,
+    instanceId,
+    parent,
+    container,
+    bus,
+    title,
+    problems
+};
+
+/// One thing that changed. Which members have a value depends on the kind.
+struct Event
+{
+    enum class Kind : int
+    {
+        endpointRemoved,    ///< before, card
+        cardRemoved,        ///< cardBefore; its endpoints were removed or moved first
+        cardAdded,          ///< cardAfter without endpoints, which follow; position among the cards
+        endpointAdded,      ///< after, card, position in the card
+        cardMoved,          ///< cardAfter, position among the cards
+        endpointMoved,      ///< after, card (the new one), position in it
+        endpointReappeared, ///< after, card: it went and came back within one change
+        cardChanged,        ///< cardBefore, cardAfter, cardField
+        endpointChanged,    ///< before, after, card, field
+        defaultChanged,     ///< flow, role, and before or after or both
+        hardwareChanged,    ///< hardwareBefore or hardwareAfter or both: the watch of a card began, changed or ended
+        serviceChanged,     ///< service
+        problemsChanged     ///< problems of the computer as a whole
+    };
+
+    Kind kind = Kind::endpointChanged;
+    CardId card;
+    std::optional<Endpoint> before;
+    std::optional<Endpoint> after;
+    std::optional<EndpointField> field;
+    std::optional<Card> cardBefore;
+    std::optional<Card> cardAfter;
+    std::optional<CardField> cardField;
+    std::optional<std::size_t> position;
+    std::optional<Flow> flow;
+    std::optional<Role> role;
+    std::optional<Hardware> hardwareBefore;
+    std::optional<Hardware> hardwareAfter;
+    std::optional<Service> service;
+    std::vector<Problem> problems;
+
+    Origin origin = Origin::unknown;
+    /// The changes by this System that led to it, as Result::token() returned them.
+    std::vector<ChangeToken> tokens;
+    /// Whether it follows from the end or the return of the audio service.
+    bool isByService = false;
+
+    /// One line for a person: "Speakers (Analog Audio): volume 40% (-18.00 dB) -> 45% (-16.50 dB)".
+    SONAVIT_CLIENT_API std::string sentence() const;
+};
+
+/// Equal if kind and values are; origin, tokens and isByService are ignored.
+SONAVIT_CLIENT_API bool operator==(const Event& left, const Event& right);
+inline bool operator!=(const Event& left, const Event& right)
+{
+    return !(left == right);
+}
+SONAVIT_CLIENT_API const char* keyOf(Event::Kind kind) noexcept;
+SONAVIT_CLIENT_API const char* keyOf(Origin origin) noexcept;
+SONAVIT_CLIENT_API const char* keyOf(CardField field) noexcept;
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Event& event);
+/// One sentence on each line.
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const std::vector<Event>& events);
+
+/// What a subscriber receives: the state that it knew, the state now, and what lies between them.
+/// events() == difference(before(), after()), and apply(before(), events()) == after().
+class SONAVIT_CLIENT_API Change
+{
+public:
+    /// @param events difference(before, after), with their origins
+    Change(Snapshot before, Snapshot after, std::vector<Event> events);
+
+    const Snapshot& before() const noexcept { return m_before; }
+    const Snapshot& after() const noexcept { return m_after; }
+    const std::vector<Event>& events() const noexcept { return m_events; }
+
+private:
+    Snapshot m_before;
+    Snapshot m_after;
+    std::vector<Event> m_events;
+};
+
+/// What leads from @p before to @p after, in this order: what was removed; what was added, with positions; what moved;
+/// what changed, field by field; defaults; watched hardware; the service; problems. Empty if they are equal.
+SONAVIT_CLIENT_API std::vector<Event> difference(const Snapshot& before, const Snapshot& after);
+
+/// @p before after @p events; generation and time stay. Throws std::invalid_argument if an event does not fit, such as
+/// the removal of an endpoint that is not there.
+SONAVIT_CLIENT_API Snapshot apply(const Snapshot& before, const std::vector<Event>& events);
+}
+}

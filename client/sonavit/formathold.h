@@ -1,0 +1,42 @@
+/// @file
+/// A device format for a while.
+#pragma once
+
+#include "sonavit/export.h"
+#include "sonavit/format.h"
+#include "sonavit/ids.h"
+#include "sonavit/result.h"
+
+#include <memory>
+
+namespace sonavit
+{
+inline namespace v1
+{
+/// Holds a device format that System::holdFormat() has set, and puts the former one back at its end or at the end of
+/// its System, whichever is first, unless the format is another one by then.
+class SONAVIT_CLIENT_API FormatHold
+{
+public:
+    FormatHold(FormatHold&& other) noexcept;
+    FormatHold& operator=(FormatHold&& other) noexcept; ///< ends what this one held
+    /// Calls end() and ignores its result.
+    ~FormatHold();
+
+    const EndpointId& endpoint() const noexcept;
+    const Format& former() const noexcept;
+    const Format& held() const noexcept; ///< as the platform reported it afterwards
+
+    /// Puts the former format back and waits for it. A second call, or one after the end of the System, does nothing.
+    /// @return a Problem if the platform refuses, or if the format is no longer the held one
+    Result<Done> end();
+
+private:
+    friend class System;
+    struct State;
+    explicit FormatHold(std::shared_ptr<State> state) noexcept;
+
+    std::shared_ptr<State> m_state;
+};
+}
+}

@@ -1,0 +1,74 @@
+/// @file
+/// Why something could not be read or done.
+#pragma once
+
+#include "sonavit/export.h"
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+
+namespace sonavit
+{
+inline namespace v1
+{
+/// Something that could not be read or done: what was tried on which object, and the platform's code.
+class SONAVIT_CLIENT_API Problem
+{
+public:
+    enum class Kind : int
+    {
+        platform,     ///< a platform call failed; code() is what it returned
+        notThere,     ///< there is no such endpoint, card, control, selector, input or default
+        ambiguous,    ///< a name fits several things; sentence() lists them
+        notSupported, ///< the thing is there but cannot do that: an endpoint without volume, a control without mute
+        outOfRange,   ///< decibels outside the range, a channel that does not exist; sentence() names the range
+        unreadable,   ///< a text that is no reference or no settings file; sentence() names the place
+        noAnswer,     ///< the platform has not answered within Options::patience; the operation may still happen
+        wouldWait,    ///< the operation waits for the layer's worker and was called on it
+        ended,        ///< the process was forked, or the System is ending
+        internal      ///< an exception inside the layer; sentence() has its message
+    };
+
+    /// A platform call that failed.
+    /// @param operation the call: "IMMDevice::OpenPropertyStore"
+    /// @param object the id of the object that it was called on; may be empty
+    /// @param code the HRESULT, or the MMRESULT of a wave function
+    static Problem ofCall(std::string operation, std::string object, std::int32_t code);
+
+    /// Anything else.
+    /// @param operation of the layer: "setVolume"
+    /// @param sentence one line without a full stop
+    Problem(Kind kind, std::string operation, std::string object, std::string sentence);
+
+    Kind kind() const noexcept { return m_kind; }
+    const std::string& operation() const noexcept { return m_operation; }
+    const std::string& object() const noexcept { return m_object; }
+    /// The platform's code; 0 if no platform call failed.
+    std::int32_t code() const noexcept { return m_code; }
+    /// "0x80070005", or empty if no platform call failed.
+    std::string codeText() const;
+    /// One line for a person, without a full stop: "IMMDevice::OpenPropertyStore failed: access denied (0x80070005)".
+    std::string sentence() const;
+
+private:
+    Kind m_kind;
+    std::string m_operation;
+    std::string m_object;
+    std::int32_t m_code = 0;
+    std::string m_sentence;
+
+    friend SONAVIT_CLIENT_API bool operator==(const Problem& left, const Problem& right) noexcept;
+};
+
+SONAVIT_CLIENT_API bool operator==(const Problem& left, const Problem& right) noexcept;
+inline bool operator!=(const Problem& left, const Problem& right) noexcept
+{
+    return !(left == right);
+}
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Problem& problem);
+
+/// What an HRESULT means, in words with its number: "access denied (0x80070005)", "0x8889000F" if it has none.
+SONAVIT_CLIENT_API std::string reasonText(std::int32_t code);
+}
+}

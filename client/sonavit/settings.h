@@ -1,0 +1,92 @@
+/// @file
+/// All levels, mutes, hardware controls and selections, to keep in a file and to put back.
+#pragma once
+
+#include "sonavit/control.h"
+#include "sonavit/export.h"
+#include "sonavit/problem.h"
+#include "sonavit/reference.h"
+#include "sonavit/result.h"
+#include "sonavit/volume.h"
+
+#include <cstdint>
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sonavit
+{
+inline namespace v1
+{
+/// The levels, mutes, hardware controls and selections of a computer, see System::settings() and System::restore().
+class SONAVIT_CLIENT_API Settings
+{
+public:
+    struct ControlSetting
+    {
+        std::string id;   ///< ControlId
+        std::string name; ///< Control::title(), by which it is found if there is no such id any more
+        std::vector<std::optional<Decibels>> channels;
+        std::optional<bool> isMuted;
+    };
+
+    struct SelectorSetting
+    {
+        std::string id; ///< SelectorId
+        std::string name;
+        std::optional<std::uint32_t> input;
+        std::string inputName; ///< by which the input is found if there is no such number any more
+    };
+
+    struct EndpointSetting
+    {
+        std::string name;      ///< for the reader of the file
+        std::string reference; ///< Reference::text()
+        std::vector<std::optional<Decibels>> channels;
+        std::optional<Decibels> master; ///< used if there is no channel
+        std::optional<bool> isMuted;
+        std::vector<ControlSetting> controls;
+        std::vector<SelectorSetting> selectors; ///< of its card, at the first endpoint of each card
+    };
+
+    std::vector<EndpointSetting> endpoints;
+
+    /// Reads what text() writes. Members that this version does not know are ignored.
+    /// @return Problem::Kind::unreadable with line and reason if @p text is none
+    static Result<Settings> parse(std::string_view text);
+    /// JSON that a person can read and change, one setting a line.
+    std::string text() const;
+};
+
+/// What became of one setting.
+struct RestoredSetting
+{
+    enum class Outcome : int
+    {
+        restored,
+        unchanged, ///< it was so already
+        notFound,  ///< there is no such endpoint, control, selector or input now, or it is ambiguous
+        failed     ///< the platform refused
+    };
+
+    std::string what; ///< "Speakers (Analog Audio): volume"
+    Outcome outcome = Outcome::restored;
+    std::optional<Problem> problem; ///< of notFound and failed
+};
+
+/// What System::restore() has done.
+struct RestoreReport
+{
+    std::vector<RestoredSetting> settings; ///< in the order of the file
+
+    /// Whether nothing is notFound or failed.
+    SONAVIT_CLIENT_API bool isComplete() const noexcept;
+    /// One line for a person: "5 restored, 12 unchanged, 1 not found".
+    SONAVIT_CLIENT_API std::string sentence() const;
+};
+
+SONAVIT_CLIENT_API const char* keyOf(RestoredSetting::Outcome outcome) noexcept;
+}
+}

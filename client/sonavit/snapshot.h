@@ -1,0 +1,159 @@
+/// @file
+/// All cards of the computer at one moment.
+#pragma once
+
+#include "sonavit/card.h"
+#include "sonavit/control.h"
+#include "sonavit/endpoint.h"
+#include "sonavit/export.h"
+#include "sonavit/ids.h"
+#include "sonavit/problem.h"
+#include "sonavit/result.h"
+
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <iosfwd>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sonavit
+{
+inline namespace v1
+{
+/// Whether the Windows audio service answers.
+enum class Service : int
+{
+    running,
+    stopped
+};
+
+/// What is read of a card only while it is watched, see System::watch().
+struct Hardware
+{
+    /// The controls that act on one endpoint.
+    struct EndpointControls
+    {
+        EndpointId endpoint;
+        std::vector<Control> controls;
+    };
+
+    CardId card;
+    std::vector<EndpointControls> controls; ///< in the order of the card's endpoints
+    std::vector<Selector> selectors;
+    std::vector<Problem> problems;
+};
+
+/// An endpoint with its card.
+struct CardEndpoint
+{
+    Card card;
+    Endpoint endpoint;
+};
+
+/// By what an id or a number was found, see Snapshot::find().
+enum class IdKind : int
+{
+    endpointId,
+    waveId,
+    directSoundId,
+    cardId,
+    instanceId,
+    container,
+    parent
+};
+
+/// One endpoint that find() has found, and by what.
+struct Match
+{
+    CardEndpoint place;
+    IdKind by = IdKind::endpointId;
+};
+
+/// All cards of the computer at one moment.
+///
+/// A small value that shares its content with its copies; it never changes, and cards that did not change are shared
+/// between snapshots. References that its operations return are valid as long as a copy of the snapshot is. Any thread
+/// may use it.
+class SONAVIT_CLIENT_API Snapshot
+{
+public:
+    struct Content
+    {
+        std::vector<Card> cards;
+        /// Ids of the defaults, by flow and role; empty if there is none.
+        std::array<std::array<EndpointId, 3>, 2> defaults;
+        std::vector<Hardware> hardware; ///< of the watched cards
+        Service service = Service::running;
+        std::vector<Problem> problems;
+        std::uint64_t generation = 0;
+        std::chrono::system_clock::time_point time;
+    };
+
+    /// No cards, at generation 0.
+    Snapshot();
+    explicit Snapshot(Content content);
+    const Content& content() const& noexcept { return *m_content; }
+    Content content() && { return *m_content; }
+
+    /// In the order of the platform's list of inputs, followed by those with outputs alone. On a temporary it returns a
+    /// list of its own, so that a loop over it is safe.
+    const std::vector<Card>& cards() const& noexcept { return m_content->cards; }
+    std::vector<Card> cards() && { return m_content->cards; }
+    /// All endpoints of all cards, in their order.
+    std::vector<Endpoint> endpoints() const;
+
+    // Each of these has no value if there is no such thing.
+    std::optional<Endpoint> endpoint(const EndpointId& id) const;
+    std::optional<Card> card(const CardId& id) const;
+    std::optional<Card> cardOf(const EndpointId& id) const;
+    std::optional<Endpoint> defaultEndpoint(Flow flow, Role role = Role::console) const;
+    /// The controls and selectors of a card that is watched.
+    std::optional<Hardware> hardware(const CardId& card) const;
+
+    /// The endpoint that a person means by @p text: its whole id, its whole name or description, or a part of one of
+    /// them that no other endpoint has; upper and lower case are alike.
+    /// @return Problem::Kind::notThere if there is none, Kind::ambiguous with the candidates if there are several,
+    /// Kind::platform if it may be one whose names cannot be read
+    Result<Endpoint> endpointNamed(std::string_view text) const;
+    /// As endpointNamed(): by the card's id, its instance id, its title, or a part of one of them.
+    Result<Card> cardNamed(std::string_view text) const;
+
+    /// All endpoints that @p id identifies: an endpoint id, a number of the wave functions, a DirectSound GUID, an
+    /// instance id or path, a container, a card id. Only whole ids count; upper and lower case are alike.
+    std::vector<Match> find(std::string_view id) const;
+
+    Service service() const noexcept { return m_content->service; }
+    /// What could not be read of the computer as a whole, such as the list of its inputs.
+    const std::vector<Problem>& problems() const noexcept { return m_content->problems; }
+    /// Rises by one with each published change.
+    std::uint64_t generation() const noexcept { return m_content->generation; }
+    /// When it was published.
+    std::chrono::system_clock::time_point time() const noexcept { return m_content->time; }
+
+private:
+    std::shared_ptr<const Content> m_content;
+};
+
+SONAVIT_CLIENT_API bool operator==(const Hardware::EndpointControls& left, const Hardware::EndpointControls& right);
+SONAVIT_CLIENT_API bool operator==(const Hardware& left, const Hardware& right);
+/// Compares all but generation and time.
+SONAVIT_CLIENT_API bool operator==(const Snapshot& left, const Snapshot& right);
+inline bool operator!=(const Hardware& left, const Hardware& right)
+{
+    return !(left == right);
+}
+inline bool operator!=(const Snapshot& left, const Snapshot& right)
+{
+    return !(left == right);
+}
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Snapshot& snapshot);
+
+SONAVIT_CLIENT_API const char* keyOf(Service service) noexcept;
+SONAVIT_CLIENT_API const char* keyOf(IdKind kind) noexcept;
+SONAVIT_CLIENT_API const char* wordsOf(IdKind kind) noexcept;
+}
+}

@@ -1,0 +1,211 @@
+/// @file
+/// The sound hardware of this computer.
+#pragma once
+
+#include "sonavit/change.h"
+#include "sonavit/control.h"
+#include "sonavit/export.h"
+#include "sonavit/format.h"
+#include "sonavit/formathold.h"
+#include "sonavit/graph.h"
+#include "sonavit/ids.h"
+#include "sonavit/levelchange.h"
+#include "sonavit/reference.h"
+#include "sonavit/result.h"
+#include "sonavit/settings.h"
+#include "sonavit/snapshot.h"
+#include "sonavit/volume.h"
+
+#include <chrono>
+#include <cstddef>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace sonavit
+{
+inline namespace v1
+{
+/// What a refresh reads anew.
+enum class Depth : int
+{
+    noted,     ///< what the platform has announced
+    everything ///< all of it, whatever was announced
+};
+
+/// On which thread subscribers are called.
+enum class Delivery : int
+{
+    thread, ///< on a thread of the System
+    poll    ///< on the thread that calls System::poll()
+};
+
+/// Receives the changes of a System until its end. Movable; an empty one does nothing.
+class SONAVIT_CLIENT_API Subscription
+{
+public:
+    Subscription() noexcept; ///< of nothing
+    Subscription(Subscription&& other) noexcept;
+    Subscription& operator=(Subscription&& other) noexcept; ///< ends the former one as the destructor does
+    /// Calls stop() and waits for a call under way, unless it runs inside one: do not hold a lock that the callback
+    /// takes.
+    ~Subscription();
+
+    /// The state that the first Change has as its before().
+    Snapshot start() const;
+    /// Ends the subscription without waiting: no call begins after this has returned.
+    void stop() noexcept;
+    /// Whether calls may still come.
+    bool isActive() const noexcept;
+    /// Why it has ended by itself: an exception left the callback and there is no Options::onException.
+    std::optional<Problem> lastProblem() const;
+
+private:
+    friend class System;
+    struct State;
+    explicit Subscription(std::shared_ptr<State> state) noexcept;
+
+    std::shared_ptr<State> m_state;
+};
+
+/// Keeps the hardware of a card in the snapshots, so that subscribers learn of its changes. Movable; an empty one does
+/// nothing.
+class SONAVIT_CLIENT_API Watch
+{
+public:
+    Watch() noexcept;
+    Watch(Watch&& other) noexcept;
+    Watch& operator=(Watch&& other) noexcept;
+    /// Ends it without waiting.
+    ~Watch();
+
+    void stop() noexcept;
+
+private:
+    friend class System;
+    struct State;
+    explicit Watch(std::shared_ptr<State> state) noexcept;
+
+    std::shared_ptr<State> m_state;
+};
+
+/// The sound hardware of this computer.
+///
+/// Any thread may use it, with COM in any apartment or without COM: all calls to the platform are made by one worker
+/// thread in the multithreaded apartment, which all Systems of a process share. Nothing is asked before the first
+/// question. An ordinary account sees everything; only a change of format needs an administrator.
+///
+/// Operations report failures as Problem and write nothing anywhere. They throw std::bad_alloc, std::logic_error for a
+/// mistake of the caller, and std::system_error if there can be no thread. An operation that waits for the platform
+/// does so for at most Options::patience and then returns Problem::Kind::noAnswer. On the worker's thread, where
+/// Options::onWorkerStart and Options::wake may run, it returns Problem::Kind::wouldWait. Subscribers may call
+/// everything.
+///
+/// End it on a thread of the program, not in DllMain and not as a static object of a DLL. In a child process after
+/// fork() every operation returns Problem::Kind::ended.
+class SONAVIT_CLIENT_API System
+{
+public:
+    struct Options
+    {
+        Delivery delivery = Delivery::thread;
+        /// Called when poll() has something to do, on a thread of the layer; it must not wait. Typical is PostMessage.
+        std::function<void()> wake = {};
+        /// Receives the exceptions that leave subscribers, on their thread; the subscription then goes on.
+        std::function<void(std::exception_ptr)> onException = {};
+        /// Called on the worker after it has entered its apartment and before its first call to Core Audio; for tests
+        /// with a simulated machine on Windows, which register it there. Only that of the System counts that starts the
+        /// worker.
+        std::function<void()> onWorkerStart = {};
+        /// How long an operation waits for the platform.
+        std::chrono::milliseconds patience = std::chrono::seconds(10);
+    };
+
+    System();
+    explicit System(Options options);
+    /// Ends all subscriptions and watches, puts held formats back and waits for that, at most Options::patience.
+    ~System();
+    System(const System&) = delete;
+    System& operator=(const System&) = delete;
+
+    // --- Reading ---------------------------------------------------------------------------------------------------
+
+    /// The newest state. The first call of snapshot() or subscribe() registers for events, reads everything and waits
+    /// for it; later calls return at once. If the platform does not answer, the snapshot has no cards, and a problem
+    /// says why.
+    Snapshot snapshot() const;
+    /// A state that contains everything that the platform has announced before the call, or everything there is.
+    Result<Snapshot> refresh(Depth depth = Depth::noted);
+
+    // The same of the newest snapshot.
+    std::optional<Endpoint> endpoint(const EndpointId& id) const;
+    std::optional<Endpoint> defaultEndpoint(Flow flow, Role role = Role::console) const;
+    std::vector<Match> find(std::string_view id) const;
+    Result<Reference> refer(const EndpointId& endpoint) const;
+    Resolution resolve(const Reference& reference) const;
+
+    // These ask the hardware and wait for it. Problem::Kind::notThere for an endpoint or a card that does not exist.
+
+    /// The levels in the hardware that act on an endpoint, those next to its jack first.
+    Result<std::vector<Control>> controls(const EndpointId& endpoint) const;
+    /// The input selectors of a card.
+    Result<std::vector<Selector>> selectors(const CardId& card) const;
+    /// The hardware of one card, of some, or of all.
+    Result<Graph> graph(const CardId& card) const;
+    Result<Graph> graph(const std::vector<CardId>& cards) const;
+    Result<Graph> graph() const;
+
+    // --- Events ----------------------------------------------------------------------------------------------------
+
+    /// Calls @p subscriber with each change, one call at a time. A subscriber that is slow gets the changes that it has
+    /// missed as one.
+    [[nodiscard]] Subscription subscribe(std::function<void(const Change&)> subscriber);
+    /// With Delivery::poll: calls the subscribers on this thread with what waits for them; if nothing waits, waits for
+    /// at most @p timeout first. Call it on one thread at a time. Throws std::logic_error with Delivery::thread.
+    /// @return the number of calls
+    std::size_t poll(std::chrono::milliseconds timeout = std::chrono::milliseconds(0));
+    /// Reads the controls, selectors and jacks of a card into each snapshot, for as long as the result lives.
+    Result<Watch> watch(const CardId& card);
+
+    // --- Changing --------------------------------------------------------------------------------------------------
+    // Each waits for the platform and returns what it reports afterwards; then snapshot() shows it, too. The token of
+    // the result is in the events that follow. A Problem says which call was refused and why.
+
+    /// Problem::Kind::outOfRange, with the range, for decibels outside the range or a channel that does not exist;
+    /// Kind::notSupported for an endpoint without volume.
+    Result<Volume> setVolume(const EndpointId& endpoint, LevelChange change);
+    Result<Volume> setMute(const EndpointId& endpoint, bool isMuted);
+    Result<Volume> toggleMute(const EndpointId& endpoint);
+
+    /// @param control its ControlId, the name of its node or of its connector, or a part of one that no other has
+    Result<Control> setControl(const EndpointId& endpoint, std::string_view control, LevelChange change);
+    Result<Control> setControl(const EndpointId& endpoint, const ControlId& control, LevelChange change);
+    Result<Control> setControlMute(const EndpointId& endpoint, std::string_view control, bool isMuted);
+    Result<Control> setControlMute(const EndpointId& endpoint, const ControlId& control, bool isMuted);
+
+    /// @param selector its SelectorId, its name, or a part of one that no other selector of the card has
+    /// @param input its number, its name, that of its connector, or a part of one that no other has
+    Result<Selector> select(const CardId& card, std::string_view selector, std::string_view input);
+    /// The same among the selectors of all cards.
+    Result<Selector> select(std::string_view selector, std::string_view input);
+
+    /// Sets a device format for as long as the result lives. Only administrators may; Problem::code() is E_ACCESSDENIED
+    /// otherwise. The platform does not say whether the device can do it. A format that cannot be read is not changed.
+    Result<FormatHold> holdFormat(const EndpointId& endpoint, const Format& format);
+
+    /// All levels, mutes, hardware controls and selections now.
+    Result<Settings> settings() const;
+    /// Puts them back; endpoints are found by their references. Settings that cannot be restored are in the report and
+    /// keep nothing else from being restored.
+    Result<RestoreReport> restore(const Settings& settings);
+
+private:
+    struct State;
+    std::shared_ptr<State> m_state;
+};
+}
+}

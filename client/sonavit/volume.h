@@ -1,0 +1,109 @@
+/// @file
+/// Levels in percent and decibels.
+#pragma once
+
+#include "sonavit/export.h"
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sonavit
+{
+inline namespace v1
+{
+/// A level or a difference of levels in percent, 0 to 100.
+///
+/// Of an endpoint it is the platform's scalar times 100, of a hardware control the share of its decibel range. The
+/// level after set(get()) is the same.
+class SONAVIT_CLIENT_API Percent
+{
+public:
+    /// Values below 0 become 0, values above 100 become 100. Throws std::invalid_argument, a std::logic_error, if
+    /// @p value is not a number.
+    explicit Percent(double value);
+
+    double value() const noexcept { return m_value; }
+    /// The whole percent to show: rounded half up.
+    unsigned rounded() const noexcept;
+
+    friend bool operator==(Percent left, Percent right) noexcept { return left.m_value == right.m_value; }
+    friend bool operator!=(Percent left, Percent right) noexcept { return left.m_value != right.m_value; }
+    friend bool operator<(Percent left, Percent right) noexcept { return left.m_value < right.m_value; }
+
+private:
+    double m_value;
+};
+
+/// A level or a difference of levels in decibels.
+class SONAVIT_CLIENT_API Decibels
+{
+public:
+    /// Throws std::invalid_argument, a std::logic_error, if @p value is not a number.
+    explicit Decibels(double value);
+
+    double value() const noexcept { return m_value; }
+
+    friend bool operator==(Decibels left, Decibels right) noexcept { return left.m_value == right.m_value; }
+    friend bool operator!=(Decibels left, Decibels right) noexcept { return left.m_value != right.m_value; }
+    friend bool operator<(Decibels left, Decibels right) noexcept { return left.m_value < right.m_value; }
+
+private:
+    double m_value;
+};
+
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, Percent percent);   ///< "40%"
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, Decibels decibels); ///< "-12.50 dB"
+
+/// What levels a device can have, in decibels. On a step of 0 the device reports none.
+struct LevelRange
+{
+    double minimum = 0;
+    double maximum = 0;
+    double step = 0;
+};
+
+/// One level. What cannot be read has no value; there is no percent where the range is empty or not finite.
+struct Level
+{
+    std::optional<Percent> percent;
+    std::optional<Decibels> decibels;
+
+    /// "40% (-18.00 dB)"; "-" for a level that cannot be read.
+    SONAVIT_CLIENT_API std::string sentence() const;
+};
+
+/// The volume of an endpoint. What the platform fails to report has no value.
+struct Volume
+{
+    Level master;
+    std::optional<LevelRange> range;
+    std::optional<std::vector<Level>> channels;
+    std::optional<bool> isMuted;
+    std::optional<bool> isInHardware; ///< whether the device itself attenuates
+
+    /// "40% (-18.00 dB)", and ", muted".
+    SONAVIT_CLIENT_API std::string sentence() const;
+};
+
+SONAVIT_CLIENT_API bool operator==(const LevelRange& left, const LevelRange& right) noexcept;
+SONAVIT_CLIENT_API bool operator==(const Level& left, const Level& right) noexcept;
+SONAVIT_CLIENT_API bool operator==(const Volume& left, const Volume& right);
+inline bool operator!=(const LevelRange& left, const LevelRange& right) noexcept
+{
+    return !(left == right);
+}
+inline bool operator!=(const Level& left, const Level& right) noexcept
+{
+    return !(left == right);
+}
+inline bool operator!=(const Volume& left, const Volume& right)
+{
+    return !(left == right);
+}
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const LevelRange& range);
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Level& level);
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Volume& volume);
+}
+}
