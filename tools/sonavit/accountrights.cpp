@@ -1,6 +1,6 @@
 #include "tools/sonavit/accountrights.h"
 
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,7 +1,7 @@
 /// What Windows denies to the account that runs the program.
 #pragma once
 
-#include "tools/sonavit/commands.h"
+#include "tools/sonavit/commands/commands.h"
 #include "tools/sonavit/endpointname.h"
 
 #include <vector>

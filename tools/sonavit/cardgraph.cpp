@@ -1,6 +1,6 @@
 #include "tools/sonavit/cardgraph.h"
 
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
 #include <algorithm>
 #include <utility>

@@ -3,7 +3,7 @@
 #include "simulator/machine/namedvalues.h"
 #include "tools/sonavit/commandlineparser.h"
 #include "tools/sonavit/failure.h"
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
 #include <algorithm>
 #include <array>

@@ -2,7 +2,7 @@
 
 #include "simulator/machine/nearestname.h"
 #include "tools/sonavit/failure.h"
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
 #include <CLI/CLI.hpp>
 

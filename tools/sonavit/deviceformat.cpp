@@ -2,7 +2,7 @@
 
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/nodekind.h"
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
 #include <algorithm>
 #include <array>

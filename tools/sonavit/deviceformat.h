@@ -2,7 +2,7 @@
 
 #include "platform/coreaudio.h"
 #include "simulator/machine/deviceformat.h"
-#include "tools/sonavit/json.h"
+#include "tools/sonavit/output/json.h"
 
 #include <string>
 #include <vector>

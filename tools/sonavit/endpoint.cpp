@@ -3,8 +3,8 @@
 #include "COM/identifiers.h"
 #include "simulator/machine/namedvalues.h"
 #include "tools/sonavit/failure.h"
+#include "tools/sonavit/output/text.h"
 #include "tools/sonavit/systemreason.h"
-#include "tools/sonavit/text.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,8 +1,8 @@
 #include "tools/sonavit/endpointname.h"
 
 #include "tools/sonavit/failure.h"
+#include "tools/sonavit/output/text.h"
 #include "tools/sonavit/systemreason.h"
-#include "tools/sonavit/text.h"
 
 #include <algorithm>
 #include <optional>

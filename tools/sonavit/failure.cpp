@@ -2,7 +2,7 @@
 
 #include "qor/exception.h"
 #include "simulator/faultplan.h"
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
 #include <exception>
 #include <new>

@@ -1,8 +1,8 @@
 #include "tools/sonavit/hardwarecontrol.h"
 
-#include "tools/sonavit/endpointjson.h"
 #include "tools/sonavit/nodekind.h"
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/modeljson.h"
+#include "tools/sonavit/output/text.h"
 
 namespace sonavit
 {

@@ -2,7 +2,7 @@
 
 #include "libSonavit/soundcard.h"
 #include "tools/sonavit/endpointvolume.h"
-#include "tools/sonavit/json.h"
+#include "tools/sonavit/output/json.h"
 
 #include <optional>
 #include <string>

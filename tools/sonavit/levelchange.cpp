@@ -1,7 +1,7 @@
 #include "tools/sonavit/levelchange.h"
 
 #include "tools/sonavit/failure.h"
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #include "tools/sonavit/logoutput.h"
 
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
 #include <string>
 

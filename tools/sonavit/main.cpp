@@ -1,8 +1,8 @@
 #include "tools/sonavit/commandwords.h"
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/interruption.h"
+#include "tools/sonavit/output/terminal.h"
 #include "tools/sonavit/program.h"
-#include "tools/sonavit/terminal.h"
 
 #include <memory>
 

@@ -3,7 +3,7 @@
 #include "libSonavit/volumechangenotification.h"
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/monitorlisteners.h"
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
 #include <algorithm>
 #include <utility>

@@ -2,7 +2,7 @@
 
 #include "libSonavit/endpointdeviceenumerator.h"
 #include "tools/sonavit/endpoint.h"
-#include "tools/sonavit/monitorevent.h"
+#include "tools/sonavit/output/eventwriter.h"
 
 #include <memory>
 #include <mutex>

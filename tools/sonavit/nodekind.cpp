@@ -2,7 +2,7 @@
 
 #include "libModuleCommon/guid.h"
 #include "simulator/machine/nodetypes.h"
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
 #include <array>
 

@@ -2,7 +2,7 @@
 /// name the machine themselves.
 #pragma once
 
-#include "tools/sonavit/commands.h"
+#include "tools/sonavit/commands/commands.h"
 
 namespace sonavit
 {

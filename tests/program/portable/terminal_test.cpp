@@ -1,6 +1,6 @@
 /// What the program shows on a terminal, and how the environment changes that.
 #include "tests/program/portable/programprocess.h"
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

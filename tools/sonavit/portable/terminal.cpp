@@ -1,4 +1,4 @@
-#include "tools/sonavit/terminal.h"
+#include "tools/sonavit/output/terminal.h"
 
 #include <sys/ioctl.h>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-#include "tools/sonavit/terminal.h"
+#include "tools/sonavit/output/terminal.h"
 
 #include "platform/coreaudio.h"
 #include "tools/sonavit/windows/consolebuffer.h"

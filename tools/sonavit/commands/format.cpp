@@ -1,11 +1,11 @@
 #include "tools/sonavit/accountrights.h"
-#include "tools/sonavit/commands.h"
+#include "tools/sonavit/commands/commands.h"
 #include "tools/sonavit/deviceformat.h"
-#include "tools/sonavit/endpointjson.h"
 #include "tools/sonavit/failure.h"
-#include "tools/sonavit/json.h"
+#include "tools/sonavit/output/json.h"
+#include "tools/sonavit/output/modeljson.h"
+#include "tools/sonavit/output/text.h"
 #include "tools/sonavit/simulationnote.h"
-#include "tools/sonavit/text.h"
 
 namespace sonavit
 {

@@ -1,4 +1,4 @@
-#include "tools/sonavit/json.h"
+#include "tools/sonavit/output/json.h"
 
 #include <nlohmann/json.hpp>
 

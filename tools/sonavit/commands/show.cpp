@@ -1,11 +1,11 @@
 #include "libModuleCommon/guid.h"
 #include "tools/sonavit/accountrights.h"
-#include "tools/sonavit/commands.h"
+#include "tools/sonavit/commands/commands.h"
 #include "tools/sonavit/deviceformat.h"
-#include "tools/sonavit/endpointjson.h"
 #include "tools/sonavit/endpointproperties.h"
-#include "tools/sonavit/table.h"
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/modeljson.h"
+#include "tools/sonavit/output/table.h"
+#include "tools/sonavit/output/text.h"
 
 #include <utility>
 

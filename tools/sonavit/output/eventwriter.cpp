@@ -1,9 +1,9 @@
-#include "tools/sonavit/monitorevent.h"
+#include "tools/sonavit/output/eventwriter.h"
 
 #include "tools/sonavit/endpoint.h"
-#include "tools/sonavit/json.h"
-#include "tools/sonavit/table.h"
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/json.h"
+#include "tools/sonavit/output/table.h"
+#include "tools/sonavit/output/text.h"
 
 #include <algorithm>
 #include <array>

@@ -1,10 +1,10 @@
 #include "libSonavit/sysinfohelper.h"
 #include "tools/sonavit/accountrights.h"
-#include "tools/sonavit/commands.h"
+#include "tools/sonavit/commands/commands.h"
 #include "tools/sonavit/endpoint.h"
-#include "tools/sonavit/json.h"
-#include "tools/sonavit/table.h"
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/json.h"
+#include "tools/sonavit/output/table.h"
+#include "tools/sonavit/output/text.h"
 
 #include <algorithm>
 

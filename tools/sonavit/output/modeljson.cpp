@@ -1,6 +1,6 @@
-#include "tools/sonavit/endpointjson.h"
+#include "tools/sonavit/output/modeljson.h"
 
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
 namespace sonavit
 {

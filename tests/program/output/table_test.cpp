@@ -1,6 +1,6 @@
-#include "tools/sonavit/table.h"
+#include "tools/sonavit/output/table.h"
 
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

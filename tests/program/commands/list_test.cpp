@@ -1,7 +1,7 @@
 #include "tests/program/programtest.h"
 
 #include "simulator/machine/propertykeys.h"
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,6 +1,6 @@
-#include "tools/sonavit/dot.h"
+#include "tools/sonavit/output/dot.h"
 
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
 #include <algorithm>
 #include <sstream>

@@ -1,11 +1,11 @@
 #include "tools/sonavit/accountrights.h"
 #include "tools/sonavit/cardgraph.h"
-#include "tools/sonavit/commands.h"
-#include "tools/sonavit/dot.h"
+#include "tools/sonavit/commands/commands.h"
 #include "tools/sonavit/endpointname.h"
 #include "tools/sonavit/failure.h"
-#include "tools/sonavit/json.h"
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/dot.h"
+#include "tools/sonavit/output/json.h"
+#include "tools/sonavit/output/text.h"
 
 #include <filesystem>
 #include <fstream>

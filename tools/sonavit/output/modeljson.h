@@ -3,7 +3,7 @@
 
 #include "tools/sonavit/endpoint.h"
 #include "tools/sonavit/endpointvolume.h"
-#include "tools/sonavit/json.h"
+#include "tools/sonavit/output/json.h"
 
 namespace sonavit
 {

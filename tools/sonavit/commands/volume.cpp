@@ -1,9 +1,9 @@
 #include "tools/sonavit/accountrights.h"
-#include "tools/sonavit/commands.h"
-#include "tools/sonavit/endpointjson.h"
+#include "tools/sonavit/commands/commands.h"
 #include "tools/sonavit/failure.h"
+#include "tools/sonavit/output/modeljson.h"
+#include "tools/sonavit/output/text.h"
 #include "tools/sonavit/simulationnote.h"
-#include "tools/sonavit/text.h"
 
 namespace sonavit
 {

@@ -1,8 +1,9 @@
-#include "tools/sonavit/accountrights.h"
-#include "tools/sonavit/commands.h"
-#include "tools/sonavit/failure.h"
 #include "tools/sonavit/monitor.h"
-#include "tools/sonavit/text.h"
+
+#include "tools/sonavit/accountrights.h"
+#include "tools/sonavit/commands/commands.h"
+#include "tools/sonavit/failure.h"
+#include "tools/sonavit/output/text.h"
 
 #include <algorithm>
 #include <chrono>
