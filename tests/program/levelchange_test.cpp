@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-using namespace sonavit;
+using namespace sonavit::program;
 
 namespace
 {

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

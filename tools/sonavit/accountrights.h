@@ -6,7 +6,7 @@
 
 #include <vector>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// Whether the system does not let this account change the properties of @p device (IMMDevice::OpenPropertyStore).
 bool isChangeDenied(AudioDevice& device);

@@ -10,7 +10,7 @@
 #include <cmath>
 #include <cstdlib>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

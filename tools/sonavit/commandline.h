@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace sonavit
+namespace sonavit::program
 {
 enum class Verb
 {

@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <map>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

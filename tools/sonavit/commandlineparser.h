@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// The words of a command line, each in its place, before those with a meaning of their own are interpreted. What the
 /// user did not write has no value.

@@ -12,7 +12,7 @@
 #include <optional>
 #include <utility>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

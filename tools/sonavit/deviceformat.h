@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// Reads "bits/rate/channels", such as 24/48000/2; bits and rate may change places, as no rate is as small as a number
 /// of bits. Throws UsageError.

@@ -11,7 +11,7 @@
 #include <set>
 #include <utility>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

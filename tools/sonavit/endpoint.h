@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// One endpoint with the facts by which people know it; what cannot be read has no value.
 struct Endpoint

@@ -5,7 +5,7 @@
 #include "simulator/machine/namedvalues.h"
 #include "tools/sonavit/output/text.h"
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

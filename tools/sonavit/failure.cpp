@@ -7,7 +7,7 @@
 #include <exception>
 #include <new>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

@@ -4,7 +4,7 @@
 #include "tools/sonavit/output/modeljson.h"
 #include "tools/sonavit/output/text.h"
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// One channel of a hardware control; what cannot be read has no value.
 struct ControlChannel

@@ -7,7 +7,7 @@
 #include <cmath>
 #include <cstdlib>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

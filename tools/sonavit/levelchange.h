@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// A new volume, or a step from the present one.
 struct LevelChange

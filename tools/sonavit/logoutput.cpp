@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

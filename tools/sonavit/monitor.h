@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// Receives change notifications of cards and endpoints and shows them.
 ///

@@ -6,7 +6,7 @@
 
 #include <array>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// No value for the type that is all zero, which the library keeps if it read none.
 std::optional<GUID> typeOrNothing(const GUID& type);

@@ -8,7 +8,7 @@
 #include "tools/sonavit/output/json.h"
 #include "tools/sonavit/simulationnote.h"
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

@@ -8,7 +8,7 @@
 
 #include <utility>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

@@ -4,7 +4,7 @@
 
 #include "tools/sonavit/commands/commands.h"
 
-namespace sonavit
+namespace sonavit::program
 {
 /// Says which machine is simulated; nothing on the system's own audio.
 void announceSimulation(const Context& context);

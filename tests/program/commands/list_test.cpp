@@ -159,7 +159,7 @@ TEST_F(ProgramList, FitsIntoTheTerminal)
         for (const std::string& line : call({}).lines())
         {
             const bool isId = line == support::smallInstanceId(); // never cut, on a line of its own
-            EXPECT_LE(isId ? 0 : sonavit::displayWidth(line), columns) << line;
+            EXPECT_LE(isId ? 0 : sonavit::program::displayWidth(line), columns) << line;
         }
     }
 }

@@ -278,9 +278,9 @@ TEST_F(ProgramMonitor, ShowsNothingAfterItHasStopped)
     run(support::smallMachine());
     std::ostringstream out;
     std::ostringstream err;
-    const sonavit::Environment environment{out, err};
-    std::vector<sonavit::Card> cards = sonavit::readCards();
-    const auto monitor = std::make_shared<sonavit::Monitor>(environment, false, std::nullopt, cards);
+    const sonavit::program::Environment environment{out, err};
+    std::vector<sonavit::program::Card> cards = sonavit::program::readCards();
+    const auto monitor = std::make_shared<sonavit::program::Monitor>(environment, false, std::nullopt, cards);
     monitor->start(cards);
     simulation().events().setState(support::headphonesId(), sim::stateActive);
     const std::string before = out.str();
@@ -295,7 +295,7 @@ TEST_F(ProgramMonitor, ShowsNothingAfterItHasStopped)
 
 TEST_F(ProgramMonitor, ListensAsAClientOfTheSystemAndAsNothingElse)
 {
-    IMMNotificationClient& listener = sonavit::makeSystemListener({});
+    IMMNotificationClient& listener = sonavit::program::makeSystemListener({});
 
     void* object = nullptr;
     EXPECT_EQ(S_OK, listener.QueryInterface(IID_IUnknown, &object));
@@ -324,7 +324,7 @@ TEST_F(ProgramMonitor, EndsWhenItsOutputCannotBeWritten)
     run(support::smallMachine());
     std::ostringstream out;
     std::ostringstream err;
-    sonavit::Environment environment{out, err};
+    sonavit::program::Environment environment{out, err};
     int pauses = 0;
     environment.pause = [&](std::chrono::milliseconds)
     {
@@ -332,7 +332,7 @@ TEST_F(ProgramMonitor, EndsWhenItsOutputCannotBeWritten)
         return ++pauses > 10;
     };
 
-    const int code = sonavit::run({"monitor"}, environment);
+    const int code = sonavit::program::run({"monitor"}, environment);
 
     EXPECT_EQ(1, code);
     EXPECT_EQ("sonavit: the answer cannot be written\n", err.str());
@@ -344,14 +344,14 @@ TEST_F(ProgramMonitor, EndsSilentlyWhenTheReaderOfItsOutputHasGone)
     run(support::smallMachine());
     std::ostringstream out;
     std::ostringstream err;
-    sonavit::Environment environment{out, err};
+    sonavit::program::Environment environment{out, err};
     environment.pause = [&](std::chrono::milliseconds)
     {
         out.setstate(std::ios::badbit);
         return true;
     };
 
-    EXPECT_EQ(130, sonavit::run({"monitor", "--json"}, environment));
+    EXPECT_EQ(130, sonavit::program::run({"monitor", "--json"}, environment));
     EXPECT_EQ("", err.str());
 }
 

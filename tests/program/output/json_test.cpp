@@ -5,7 +5,7 @@
 #include <limits>
 #include <optional>
 
-using sonavit::Json;
+using sonavit::program::Json;
 
 TEST(ProgramJson, KeepsMembersInOrder)
 {

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-using namespace sonavit;
+using namespace sonavit::program;
 using testing::ElementsAre;
 
 TEST(ProgramText, ShowsControlCharactersAsReplacements)

@@ -41,7 +41,7 @@ protected:
         std::istringstream lines(std::regex_replace(text, std::regex("\x1B\\[[0-9;]*m"), ""));
         std::size_t width = 0;
         for (std::string line; std::getline(lines, line);)
-            width = std::max(width, sonavit::displayWidth(line));
+            width = std::max(width, sonavit::program::displayWidth(line));
         return width;
     }
 

@@ -8,7 +8,7 @@
 
 #include <algorithm>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

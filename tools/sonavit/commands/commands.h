@@ -4,7 +4,7 @@
 
 #include "tools/sonavit/session.h"
 
-namespace sonavit
+namespace sonavit::program
 {
 /// What a command works with.
 struct Context

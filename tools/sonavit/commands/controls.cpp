@@ -7,7 +7,7 @@
 #include "tools/sonavit/output/table.h"
 #include "tools/sonavit/output/text.h"
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

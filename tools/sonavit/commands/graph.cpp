@@ -10,7 +10,7 @@
 #include <filesystem>
 #include <fstream>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

@@ -9,7 +9,7 @@
 #include <map>
 #include <utility>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <chrono>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

@@ -5,7 +5,7 @@
 #include "tools/sonavit/output/text.h"
 #include "tools/sonavit/simulationnote.h"
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

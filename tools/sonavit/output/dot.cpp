@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <sstream>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// @p text in quotation marks, as a Graphviz id or label.
 std::string dotQuoted(const std::string& text);

@@ -11,7 +11,7 @@
 #include <ctime>
 #include <utility>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

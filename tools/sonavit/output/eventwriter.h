@@ -9,7 +9,7 @@
 #include <string>
 #include <tuple>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// The endpoint that an event is about.
 struct EventSubject

@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <utility>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

@@ -9,7 +9,7 @@
 #include <string>
 #include <type_traits>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// A JSON value under construction; members keep the order in which they are set. An optional without value is null.
 class Json

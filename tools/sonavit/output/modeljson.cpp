@@ -2,7 +2,7 @@
 
 #include "tools/sonavit/output/text.h"
 
-namespace sonavit
+namespace sonavit::program
 {
 Json rangeJson(const std::optional<LevelRange>& range)
 {

@@ -5,7 +5,7 @@
 #include "tools/sonavit/endpointvolume.h"
 #include "tools/sonavit/output/json.h"
 
-namespace sonavit
+namespace sonavit::program
 {
 Json rangeJson(const std::optional<LevelRange>& range);
 

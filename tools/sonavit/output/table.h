@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace sonavit
+namespace sonavit::program
 {
 enum class Paint
 {

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <string>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

@@ -3,7 +3,7 @@
 #include <memory>
 #include <ostream>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// Standard output and standard error as this system has them. One at a time; at its end it writes what is left and
 /// puts back what it has changed.

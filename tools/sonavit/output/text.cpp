@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstdio>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

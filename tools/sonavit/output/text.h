@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// Shown in place of a value that cannot be read.
 inline constexpr const char* nothing = "-";

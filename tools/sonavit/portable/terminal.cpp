@@ -7,7 +7,7 @@
 #include <iostream>
 #include <string>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

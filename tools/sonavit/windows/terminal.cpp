@@ -10,7 +10,7 @@
 #include <iostream>
 #include <optional>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {
