@@ -2,7 +2,6 @@
 
 #include "libSonavit/soundcard.h"
 #include "tools/sonavit/endpointvolume.h"
-#include "tools/sonavit/output/json.h"
 
 #include <optional>
 #include <string>
@@ -28,5 +27,4 @@ struct HardwareControl
 };
 
 HardwareControl readControl(const SoundCard::VolumeController& record);
-Json controlJson(const HardwareControl& control);
 }

@@ -4,6 +4,7 @@
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/hardwarecontrol.h"
 #include "tools/sonavit/output/modeljson.h"
+#include "tools/sonavit/output/modelwords.h"
 #include "tools/sonavit/output/table.h"
 #include "tools/sonavit/output/text.h"
 
@@ -16,7 +17,7 @@ using Align = Table::Column::Align;
 /// The library finds the controls on a walk through the card's graph, which may lead out of it.
 std::vector<HardwareControl> readControls(const Card& card, const Endpoint& endpoint)
 {
-    const std::string sentence = "the hardware controls of " + endpoint.shortTitle() + " cannot be read: ";
+    const std::string sentence = "the hardware controls of " + shortTitleWords(endpoint) + " cannot be read: ";
     qor::Array<SoundCard::VolumeController> records;
     try
     {
@@ -136,7 +137,7 @@ void runControls(Context& context)
         environment.out << answer.text() << "\n";
         return;
     }
-    environment.out << painted(found.endpoint.title(), Paint::bold, environment.hasColours) << ", "
+    environment.out << painted(titleWords(found.endpoint), Paint::bold, environment.hasColours) << ", "
                     << counted(controls.size(), "hardware control") << "\n";
     showTable(environment, own, controls);
 }

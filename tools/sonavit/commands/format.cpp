@@ -2,8 +2,10 @@
 #include "tools/sonavit/commands/commands.h"
 #include "tools/sonavit/deviceformat.h"
 #include "tools/sonavit/failure.h"
+#include "tools/sonavit/output/formatwords.h"
 #include "tools/sonavit/output/json.h"
 #include "tools/sonavit/output/modeljson.h"
+#include "tools/sonavit/output/modelwords.h"
 #include "tools/sonavit/output/text.h"
 #include "tools/sonavit/simulationnote.h"
 
@@ -24,8 +26,8 @@ WAVEFORMATEXTENSIBLE presentFormat(const AudioDevice& device)
                                                              : "run sonavit as administrator";
     if (isChangeDenied(device))
         throw OperationFailure("Windows lets only administrators change a format; " + std::string(remedy) +
-                               " to change that of " + endpoint.shortTitle());
-    throw OperationFailure("the system refused that format for " + endpoint.shortTitle());
+                               " to change that of " + shortTitleWords(endpoint));
+    throw OperationFailure("the system refused that format for " + shortTitleWords(endpoint));
 }
 
 /// Sets the format for as long as the user wants. The last copy of the device restores the old format, so this function
@@ -36,14 +38,14 @@ WAVEFORMATEXTENSIBLE holdFormat(Context& context, const Endpoint& endpoint, bool
     const std::shared_ptr<void> deferral = context.environment.deferEnd(); // outlives the device
     AudioDevice device(endpoint.device.deviceProperty().deviceId);
     if (!isKnown(device.deviceProperty().format))
-        throw OperationFailure("the format of " + endpoint.shortTitle() +
+        throw OperationFailure("the format of " + shortTitleWords(endpoint) +
                                " cannot be read, so it could not be restored");
     if (!device.setFormat(deviceFormat(*context.arguments.format)))
         raiseRefused(context, device, endpoint);
     announceTemporaryChange(context);
     const WAVEFORMATEXTENSIBLE during = device.deviceProperty().format;
     if (!context.arguments.isJson)
-        context.environment.out << endpoint.title() << "\nbefore  "
+        context.environment.out << titleWords(endpoint) << "\nbefore  "
                                 << formatWords(endpoint.device.deviceProperty().format) << "\nduring  "
                                 << formatWords(during) << "\n"
                                 << std::flush;
@@ -60,7 +62,7 @@ void showFormat(const Context& context, const Endpoint& endpoint)
         context.environment.out << answer.text() << "\n";
         return;
     }
-    context.environment.out << endpoint.title() << ": " << formatWords(format) << "\n";
+    context.environment.out << titleWords(endpoint) << ": " << formatWords(format) << "\n";
 }
 }
 

@@ -2,6 +2,7 @@
 #include "tools/sonavit/commands/commands.h"
 #include "tools/sonavit/endpoint.h"
 #include "tools/sonavit/output/modeljson.h"
+#include "tools/sonavit/output/modelwords.h"
 #include "tools/sonavit/output/table.h"
 #include "tools/sonavit/output/text.h"
 

@@ -3,6 +3,7 @@
 #include "tools/sonavit/commands/commands.h"
 #include "tools/sonavit/endpointname.h"
 #include "tools/sonavit/output/json.h"
+#include "tools/sonavit/output/modelwords.h"
 #include "tools/sonavit/output/table.h"
 #include "tools/sonavit/output/text.h"
 

@@ -1,9 +1,10 @@
 #include "libModuleCommon/guid.h"
 #include "tools/sonavit/accountrights.h"
 #include "tools/sonavit/commands/commands.h"
-#include "tools/sonavit/deviceformat.h"
 #include "tools/sonavit/endpointproperties.h"
+#include "tools/sonavit/output/formatwords.h"
 #include "tools/sonavit/output/modeljson.h"
+#include "tools/sonavit/output/modelwords.h"
 #include "tools/sonavit/output/table.h"
 #include "tools/sonavit/output/text.h"
 
@@ -120,7 +121,7 @@ void runShow(Context& context)
         environment.out << showJson(context, found.card, found.endpoint, properties).text() << "\n";
         return;
     }
-    environment.out << painted(found.endpoint.title(), Paint::bold, environment.hasColours) << "\n";
+    environment.out << painted(titleWords(found.endpoint), Paint::bold, environment.hasColours) << "\n";
     Table table({{Table::Column::Align::left, 0, 0, 0}, {}});
     for (const auto& [key, value] : describe(found.card, found.endpoint, properties))
         table.add({{"  " + key, Paint::dim}, {value, Paint::none}});

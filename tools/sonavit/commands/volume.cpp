@@ -2,6 +2,7 @@
 #include "tools/sonavit/commands/commands.h"
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/output/modeljson.h"
+#include "tools/sonavit/output/modelwords.h"
 #include "tools/sonavit/output/text.h"
 #include "tools/sonavit/simulationnote.h"
 
@@ -27,7 +28,7 @@ EndpointVolume openVolume(Endpoint& endpoint)
         return *volume;
     const bool isActive = endpoint.state == std::optional<unsigned>(DEVICE_STATE_ACTIVE);
     const std::string state = isActive || !stateKey(endpoint.state) ? "" : "; it is " + stateWords(endpoint.state);
-    throw OperationFailure(endpoint.shortTitle() + " has no volume control" + state);
+    throw OperationFailure(shortTitleWords(endpoint) + " has no volume control" + state);
 }
 
 /// ", which takes …" and the range, if it is known.
@@ -50,7 +51,7 @@ void runGetVolume(Context& context)
         context.environment.out << answer.text() << "\n";
         return;
     }
-    context.environment.out << endpoint.title() << ": " << levelWords(level.master)
+    context.environment.out << titleWords(endpoint) << ": " << levelWords(level.master)
                             << (level.isMuted.value_or(false) ? ", muted" : "") << "\n";
 }
 
@@ -62,10 +63,10 @@ void runSetVolume(Context& context)
     const EndpointLevel before = volume.read();
     const LevelChange& change = context.arguments.level;
     if (!change.canStartAt(before.master))
-        throw OperationFailure("the volume of " + endpoint.shortTitle() +
+        throw OperationFailure("the volume of " + shortTitleWords(endpoint) +
                                " cannot be read, so it cannot be changed by a step");
     if (!change.apply(volume, before.master))
-        throw OperationFailure("the system refused that volume for " + endpoint.shortTitle() +
+        throw OperationFailure("the system refused that volume for " + shortTitleWords(endpoint) +
                                rangeClause(before.range));
 
     announceTemporaryChange(context);
@@ -80,7 +81,7 @@ void runSetVolume(Context& context)
         context.environment.out << answer.text() << "\n";
         return;
     }
-    context.environment.out << endpoint.title() << ": " << levelWords(before.master) << " \xE2\x86\x92 "
+    context.environment.out << titleWords(endpoint) << ": " << levelWords(before.master) << " \xE2\x86\x92 "
                             << levelWords(after.master) << (after.isMuted.value_or(false) ? ", muted" : "") << "\n";
 }
 
@@ -92,11 +93,11 @@ void runMute(Context& context)
     const std::optional<bool> before = volume.read().isMuted;
     const MuteChange change = context.arguments.mute;
     if (change == MuteChange::toggle && !before)
-        throw OperationFailure("the mute of " + endpoint.shortTitle() + " cannot be read, so it cannot be toggled");
+        throw OperationFailure("the mute of " + shortTitleWords(endpoint) + " cannot be read, so it cannot be toggled");
     const bool isToBeMuted = change == MuteChange::toggle ? !*before : change == MuteChange::on;
     if (!volume.setMute(isToBeMuted))
         throw OperationFailure("the system refused to " + std::string(isToBeMuted ? "mute " : "unmute ") +
-                               endpoint.shortTitle());
+                               shortTitleWords(endpoint));
 
     announceTemporaryChange(context);
     const std::optional<bool> after = volume.read().isMuted;
@@ -109,7 +110,7 @@ void runMute(Context& context)
         context.environment.out << answer.text() << "\n";
         return;
     }
-    context.environment.out << endpoint.title() << ": " << muteWords(before) << " \xE2\x86\x92 " << muteWords(after)
+    context.environment.out << titleWords(endpoint) << ": " << muteWords(before) << " \xE2\x86\x92 " << muteWords(after)
                             << "\n";
 }
 }

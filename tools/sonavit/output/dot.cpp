@@ -1,5 +1,6 @@
 #include "tools/sonavit/output/dot.h"
 
+#include "tools/sonavit/output/modelwords.h"
 #include "tools/sonavit/output/text.h"
 
 #include <algorithm>

@@ -2,6 +2,7 @@
 
 #include "tools/sonavit/endpoint.h"
 #include "tools/sonavit/output/json.h"
+#include "tools/sonavit/output/modelwords.h"
 #include "tools/sonavit/output/table.h"
 #include "tools/sonavit/output/text.h"
 

@@ -1,9 +1,24 @@
 #include "tools/sonavit/output/modeljson.h"
 
-#include "tools/sonavit/output/text.h"
-
 namespace sonavit::program
 {
+namespace
+{
+Json channelsJson(const std::optional<std::vector<ControlChannel>>& channels)
+{
+    if (!channels)
+        return {};
+    Json result = Json::array();
+    for (const ControlChannel& channel : *channels)
+    {
+        result.append(Json::object({{"decibels", channel.level.decibels},
+                                    {"percent", channel.level.percent},
+                                    {"range", rangeJson(channel.range)}}));
+    }
+    return result;
+}
+}
+
 Json rangeJson(const std::optional<LevelRange>& range)
 {
     if (!range)
@@ -56,18 +71,13 @@ Json cardJson(const Card& card)
     return Json::object({{"id", card.id}, {"instanceId", card.instanceId}, {"name", card.name}});
 }
 
-std::string rangeWords(const std::optional<LevelRange>& range)
+Json controlJson(const HardwareControl& control)
 {
-    if (!range)
-        return nothing;
-    return decimalText(range->minimum, 2) + " to " + decimalText(range->maximum, 2) + " dB in steps of " +
-           decimalText(range->step, 2);
-}
-
-std::string muteWords(const std::optional<bool>& isMuted)
-{
-    if (!isMuted)
-        return nothing;
-    return *isMuted ? "muted" : "not muted";
+    return Json::object({{"ownerName", control.ownerName},
+                         {"ownerJack", kindKey(control.ownerType)},
+                         {"ownerType", typeText(control.ownerType)},
+                         {"channels", channelsJson(control.channels)},
+                         {"hasMute", control.hasMute},
+                         {"muted", control.isMuted}});
 }
 }

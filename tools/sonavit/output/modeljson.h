@@ -1,8 +1,9 @@
-/// What several commands print about an endpoint, in JSON and in words.
+/// Cards, endpoints and hardware controls in JSON.
 #pragma once
 
 #include "tools/sonavit/endpoint.h"
 #include "tools/sonavit/endpointvolume.h"
+#include "tools/sonavit/hardwarecontrol.h"
 #include "tools/sonavit/output/json.h"
 
 namespace sonavit::program
@@ -24,9 +25,5 @@ Json endpointDocument(const std::optional<std::string>& machine, const Endpoint&
 /// Id and names of a card.
 Json cardJson(const Card& card);
 
-/// "-65.25 to 0.00 dB in steps of 0.75", or "-".
-std::string rangeWords(const std::optional<LevelRange>& range);
-
-/// "muted", "not muted", or "-".
-std::string muteWords(const std::optional<bool>& isMuted);
+Json controlJson(const HardwareControl& control);
 }
