@@ -55,8 +55,8 @@ public:
     /// takes.
     ~Subscription();
 
-    /// The state that the first Change has as its before().
-    Snapshot start() const;
+    /// The state that the first Change has as its before(): what the subscriber knows without any call.
+    Snapshot initial() const;
     /// Ends the subscription without waiting: no call begins after this has returned.
     void stop() noexcept;
     /// Whether calls may still come.
