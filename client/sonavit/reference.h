@@ -87,6 +87,17 @@ struct Resolution
     SONAVIT_CLIENT_API std::string sentence() const;
 };
 
+SONAVIT_CLIENT_API bool operator==(const Candidate& left, const Candidate& right);
+SONAVIT_CLIENT_API bool operator==(const Resolution& left, const Resolution& right);
+inline bool operator!=(const Candidate& left, const Candidate& right)
+{
+    return !(left == right);
+}
+inline bool operator!=(const Resolution& left, const Resolution& right)
+{
+    return !(left == right);
+}
+
 /// A reference to an endpoint of the snapshot.
 /// @return Problem::Kind::notThere if the snapshot has no such endpoint
 SONAVIT_CLIENT_API Result<Reference> refer(const Snapshot& snapshot, const EndpointId& endpoint);

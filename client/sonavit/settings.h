@@ -60,6 +60,15 @@ public:
     std::string text() const;
 };
 
+SONAVIT_CLIENT_API bool operator==(const Settings::ControlSetting& left, const Settings::ControlSetting& right);
+SONAVIT_CLIENT_API bool operator==(const Settings::SelectorSetting& left, const Settings::SelectorSetting& right);
+SONAVIT_CLIENT_API bool operator==(const Settings::EndpointSetting& left, const Settings::EndpointSetting& right);
+SONAVIT_CLIENT_API bool operator==(const Settings& left, const Settings& right);
+inline bool operator!=(const Settings& left, const Settings& right)
+{
+    return !(left == right);
+}
+
 /// What became of one setting.
 struct RestoredSetting
 {

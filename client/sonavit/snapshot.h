@@ -139,6 +139,22 @@ private:
     std::shared_ptr<const Content> m_content;
 };
 
+inline bool operator==(const CardEndpoint& left, const CardEndpoint& right)
+{
+    return left.card == right.card && left.endpoint == right.endpoint;
+}
+inline bool operator!=(const CardEndpoint& left, const CardEndpoint& right)
+{
+    return !(left == right);
+}
+inline bool operator==(const Match& left, const Match& right)
+{
+    return left.place == right.place && left.by == right.by;
+}
+inline bool operator!=(const Match& left, const Match& right)
+{
+    return !(left == right);
+}
 SONAVIT_CLIENT_API bool operator==(const Hardware::EndpointControls& left, const Hardware::EndpointControls& right);
 SONAVIT_CLIENT_API bool operator==(const Hardware& left, const Hardware& right);
 /// Compares all but generation and time.
