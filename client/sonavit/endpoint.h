@@ -99,9 +99,9 @@ struct EndpointProblem
 /// A small value that shares its content with its copies; it never changes. References that its operations return are
 /// valid as long as a copy of the endpoint is: keep the endpoint in a variable before you loop over its jacks.
 ///
-/// What an endpoint does not have, or what could not be read, has no value; problemWith() distinguishes the two. What an
-/// endpoint of that state cannot have, such as the volume of one that is not present, is no problem. Any thread may use
-/// it.
+/// What an endpoint does not have, or what could not be read, has no value; problemWith() distinguishes the two. What
+/// an endpoint of that state cannot have, such as the volume of one that is not present, is no problem. Any thread may
+/// use it.
 class SONAVIT_CLIENT_API Endpoint
 {
 public:
