@@ -84,19 +84,19 @@ int main(int count, char** words)
         std::cerr << "usage: keepdevice <file> [<name>]\n";
         return 2;
     }
-    const sonavit::System audio;
-    const sonavit::Snapshot now = audio.snapshot();
-    if (now.service() == sonavit::Service::stopped)
+    sonavit::System audio;
+    const sonavit::Result<sonavit::Snapshot> now = audio.refresh();
+    if (!now || now->service() == sonavit::Service::stopped)
     {
-        std::cerr << "The audio service does not answer, so that it is unknown whether the output is there.\n";
+        std::cerr << (now ? "the audio service is stopped" : now.problem().sentence()) << "\n";
         return 1;
     }
     if (count == 3)
-        return choose(now, words[2], words[1]);
+        return choose(*now, words[2], words[1]);
 
-    std::optional<sonavit::Endpoint> output = keptEndpoint(now, words[1]);
+    std::optional<sonavit::Endpoint> output = keptEndpoint(*now, words[1]);
     if (!output)
-        output = now.defaultEndpoint(sonavit::Flow::output);
+        output = now->defaultEndpoint(sonavit::Flow::output);
     std::cout << (output ? "Using " + output->title() : "There is no output") << ".\n";
     return output ? 0 : 1;
 }
