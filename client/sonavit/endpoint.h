@@ -197,7 +197,7 @@ inline bool operator!=(const Endpoint& left, const Endpoint& right)
     return !(left == right);
 }
 
-/// "output", "notPresent", "console", "directSoundId": as in JSON.
+/// "render" and "capture", "notPresent", "console", "directSoundId": as in JSON and in machine files.
 SONAVIT_CLIENT_API const char* keyOf(Flow flow) noexcept;
 SONAVIT_CLIENT_API const char* keyOf(State state) noexcept;
 SONAVIT_CLIENT_API const char* keyOf(Role role) noexcept;
