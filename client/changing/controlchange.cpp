@@ -1,0 +1,37 @@
+#include "client/changing/controllevels.h"
+#include "client/changing/volumechange.h"
+
+#include <string>
+
+namespace sonavit::changing
+{
+Result<Done> changeControl(const Control& control, IAudioVolumeLevel& level, const LevelChange& change,
+                           const GUID& context)
+{
+    const Subject subject{"setControl", control.id.text()};
+    ControlLevels levels(level, subject, context);
+    if (std::optional<Problem> problem = levels.apply(change))
+        return *problem;
+    return Done();
+}
+
+Result<Done> changeControlMute(const Control& control, IAudioMute& mute, bool isMuted, const GUID& context)
+{
+    const HRESULT result = mute.SetMute(isMuted ? TRUE : FALSE, &context);
+    if (FAILED(result))
+        return Problem::ofCall("IAudioMute::SetMute", control.id.text(), result);
+    return Done();
+}
+
+Result<Done> choose(const Selector& selector, IAudioInputSelector& platform, const SelectorInput& input,
+                    const GUID& context)
+{
+    if (!input.number)
+        return Problem(Problem::Kind::notSupported, "select", selector.id.text(),
+                       "the platform reports no number for the input \"" + input.title() + "\"");
+    const HRESULT result = platform.SetSelection(*input.number, &context);
+    if (FAILED(result))
+        return Problem::ofCall("IAudioInputSelector::SetSelection", selector.id.text(), result);
+    return Done();
+}
+}

@@ -1,0 +1,89 @@
+#include "client/changing/volumechange.h"
+
+#include "client/changing/endpointlevel.h"
+
+#include <algorithm>
+#include <string>
+
+namespace sonavit::changing
+{
+namespace
+{
+std::optional<Problem> volumeProblem(const Endpoint::Content& content)
+{
+    const auto found =
+        std::find_if(content.problems.begin(), content.problems.end(),
+                     [](const EndpointProblem& problem) { return problem.field == EndpointField::volume; });
+    return found == content.problems.end() ? std::nullopt : std::optional<Problem>(found->problem);
+}
+
+bool canHaveVolume(const Endpoint::Content& content)
+{
+    return !content.state || content.state == State::active || content.state == State::unplugged;
+}
+
+/// Why @p reading has no volume, after another attempt to activate it; no value if it has one.
+std::optional<Problem> missingVolume(reading::EndpointReading& reading, const Subject& subject)
+{
+    const Endpoint::Content& content = reading.content;
+    if (reading.volume == nullptr && canHaveVolume(content))
+        reading::readVolume(reading);
+    if (reading.volume != nullptr)
+        return std::nullopt;
+    if (std::optional<Problem> problem = volumeProblem(content))
+        return problem;
+    const std::string sentence = canHaveVolume(content)
+                                     ? "the endpoint has no volume control"
+                                     : std::string("an endpoint that is ") + wordsOf(*content.state) + " has no volume";
+    return Problem(Problem::Kind::notSupported, subject.operation, subject.object, sentence);
+}
+
+Result<Volume> readAgain(reading::EndpointReading& reading, const Subject& subject,
+                         const std::optional<Problem>& refusal)
+{
+    reading::readVolume(reading);
+    if (refusal)
+        return *refusal;
+    if (reading.content.volume)
+        return *reading.content.volume;
+    if (std::optional<Problem> problem = volumeProblem(reading.content))
+        return *problem;
+    return Problem(Problem::Kind::notSupported, subject.operation, subject.object,
+                   "the endpoint has no volume control any more");
+}
+
+std::optional<Problem> setMute(IAudioEndpointVolume& volume, const Subject& subject, MuteChange change,
+                               const GUID& context)
+{
+    BOOL isMuted = change == MuteChange::on ? TRUE : FALSE;
+    if (change == MuteChange::toggle)
+    {
+        const HRESULT result = volume.GetMute(&isMuted);
+        if (FAILED(result))
+            return Problem::ofCall("IAudioEndpointVolume::GetMute", subject.object, result);
+        isMuted = isMuted == FALSE ? TRUE : FALSE;
+    }
+    const HRESULT result = volume.SetMute(isMuted, &context);
+    if (FAILED(result))
+        return Problem::ofCall("IAudioEndpointVolume::SetMute", subject.object, result);
+    return std::nullopt;
+}
+}
+
+Result<Volume> changeVolume(reading::EndpointReading& reading, const LevelChange& change, const GUID& context)
+{
+    const Subject subject{"setVolume", reading.content.id.text()};
+    if (std::optional<Problem> problem = missingVolume(reading, subject))
+        return *problem;
+    EndpointLevel level(*reading.volume, subject, context, change.channel());
+    return readAgain(reading, subject, level.apply(change));
+}
+
+Result<Volume> changeMute(reading::EndpointReading& reading, MuteChange change, const GUID& context)
+{
+    const Subject subject{change == MuteChange::toggle ? "toggleMute" : "setMute", reading.content.id.text()};
+    if (std::optional<Problem> problem = missingVolume(reading, subject))
+        return *problem;
+    return readAgain(reading, subject, setMute(*reading.volume, subject, change, context));
+}
+}
