@@ -1,5 +1,6 @@
 #pragma once
 
+#include "client/changing/changecontext.h"
 #include "client/changing/leveltarget.h"
 #include "platform/coreaudio.h"
 #include "sonavit/levelchange.h"
@@ -21,7 +22,7 @@ class ControlLevels
 {
 public:
     /// @p level, @p subject and @p context must outlive it.
-    ControlLevels(IAudioVolumeLevel& level, const Subject& subject, const GUID& context);
+    ControlLevels(IAudioVolumeLevel& level, const Subject& subject, ChangeContext& context);
 
     /// @return why the change was not made; no value if all calls succeeded
     std::optional<Problem> apply(const LevelChange& change);
@@ -38,6 +39,6 @@ private:
 
     IAudioVolumeLevel& m_level;
     const Subject& m_subject;
-    const GUID& m_context;
+    ChangeContext& m_context;
 };
 }

@@ -53,24 +53,23 @@ Result<Volume> readAgain(reading::EndpointReading& reading, const Subject& subje
 }
 
 std::optional<Problem> setMute(IAudioEndpointVolume& volume, const Subject& subject, MuteChange change,
-                               const GUID& context)
+                               ChangeContext& context)
 {
-    BOOL isMuted = change == MuteChange::on ? TRUE : FALSE;
-    if (change == MuteChange::toggle)
-    {
-        const HRESULT result = volume.GetMute(&isMuted);
-        if (FAILED(result))
-            return Problem::ofCall("IAudioEndpointVolume::GetMute", subject.object, result);
-        isMuted = isMuted == FALSE ? TRUE : FALSE;
-    }
-    const HRESULT result = volume.SetMute(isMuted, &context);
+    BOOL isMuted = FALSE;
+    const HRESULT read = volume.GetMute(&isMuted);
+    if (FAILED(read) && change == MuteChange::toggle)
+        return Problem::ofCall("IAudioEndpointVolume::GetMute", subject.object, read);
+    const bool wanted = change == MuteChange::toggle ? isMuted == FALSE : change == MuteChange::on;
+    if (SUCCEEDED(read) && wanted == (isMuted != FALSE))
+        return std::nullopt;
+    const HRESULT result = volume.SetMute(wanted ? TRUE : FALSE, context.use());
     if (FAILED(result))
         return Problem::ofCall("IAudioEndpointVolume::SetMute", subject.object, result);
     return std::nullopt;
 }
 }
 
-Result<Volume> changeVolume(reading::EndpointReading& reading, const LevelChange& change, const GUID& context)
+Result<Volume> changeVolume(reading::EndpointReading& reading, const LevelChange& change, ChangeContext& context)
 {
     const Subject subject{"setVolume", reading.content.id.text()};
     if (std::optional<Problem> problem = missingVolume(reading, subject))
@@ -79,7 +78,7 @@ Result<Volume> changeVolume(reading::EndpointReading& reading, const LevelChange
     return readAgain(reading, subject, level.apply(change));
 }
 
-Result<Volume> changeMute(reading::EndpointReading& reading, MuteChange change, const GUID& context)
+Result<Volume> changeMute(reading::EndpointReading& reading, MuteChange change, ChangeContext& context)
 {
     const Subject subject{change == MuteChange::toggle ? "toggleMute" : "setMute", reading.content.id.text()};
     if (std::optional<Problem> problem = missingVolume(reading, subject))

@@ -2,6 +2,7 @@
 /// Changes of levels, mutes and selections, on the platform's objects. All of it runs on the worker.
 #pragma once
 
+#include "client/changing/changecontext.h"
 #include "client/reading/endpointreading.h"
 #include "platform/coreaudio.h"
 #include "sonavit/control.h"
@@ -18,14 +19,21 @@ enum class MuteChange : int
     toggle
 };
 
-/// Changes the volume of an endpoint and reads it again into @p reading. @param context of the events that follow
-Result<Volume> changeVolume(reading::EndpointReading& reading, const LevelChange& change, const GUID& context);
-Result<Volume> changeMute(reading::EndpointReading& reading, MuteChange change, const GUID& context);
+// A change to what is there already calls no setter: set(get()) changes nothing, whatever the device rounds to.
 
-/// Changes one hardware control. @return whether all calls succeeded, or the first that failed
+/// Changes the volume of an endpoint and reads it again into @p reading, whether the change succeeds or not.
+///
+/// Without a channel it changes the platform's master level, which keeps the distances between the channels.
+/// @param context of the events that follow
+Result<Volume> changeVolume(reading::EndpointReading& reading, const LevelChange& change, ChangeContext& context);
+Result<Volume> changeMute(reading::EndpointReading& reading, MuteChange change, ChangeContext& context);
+
+/// Changes one hardware control: without a channel, all channels in one call. A new level is the level of each; a step
+/// keeps the balance and ends where the first channel reaches the end of its range.
+/// @return whether all calls succeeded, or the first that failed
 Result<Done> changeControl(const Control& control, IAudioVolumeLevel& level, const LevelChange& change,
-                           const GUID& context);
-Result<Done> changeControlMute(const Control& control, IAudioMute& mute, bool isMuted, const GUID& context);
+                           ChangeContext& context);
+Result<Done> changeControlMute(const Control& control, IAudioMute& mute, bool isMuted, ChangeContext& context);
 Result<Done> choose(const Selector& selector, IAudioInputSelector& platform, const SelectorInput& input,
-                    const GUID& context);
+                    ChangeContext& context);
 }
