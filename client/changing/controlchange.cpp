@@ -15,6 +15,16 @@ Result<Done> changeControl(const Control& control, IAudioVolumeLevel& level, con
     return Done();
 }
 
+Result<Done> putBack(const Control& control, IAudioVolumeLevel& level, const FormerLevels& levels,
+                     ChangeContext& context)
+{
+    const Subject subject{"restore", control.id.text()};
+    ControlLevels present(level, subject, context);
+    if (std::optional<Problem> problem = present.set(levels.channels))
+        return *problem;
+    return Done();
+}
+
 Result<Done> changeControlMute(const Control& control, IAudioMute& mute, bool isMuted, ChangeContext& context)
 {
     BOOL now = FALSE;

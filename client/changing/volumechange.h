@@ -10,6 +10,9 @@
 #include "sonavit/result.h"
 #include "sonavit/volume.h"
 
+#include <optional>
+#include <vector>
+
 namespace sonavit::changing
 {
 enum class MuteChange : int
@@ -27,6 +30,23 @@ enum class MuteChange : int
 /// @param context of the events that follow
 Result<Volume> changeVolume(reading::EndpointReading& reading, const LevelChange& change, ChangeContext& context);
 Result<Volume> changeMute(reading::EndpointReading& reading, MuteChange change, ChangeContext& context);
+
+/// The levels that a volume or a control had once.
+struct FormerLevels
+{
+    std::vector<std::optional<Decibels>> channels;
+    std::optional<Decibels> master; ///< used if there is no channel, or if there are more or fewer channels now
+
+    /// Whether there is no level at all.
+    bool isEmpty() const;
+};
+
+/// Puts levels back, of which there is at least one: channel by channel; one without a value is left as it is. If there
+/// are more or fewer channels now, the master or the highest of the channels decides. It goes on after a failure.
+/// @return the first problem
+Result<Volume> putBack(reading::EndpointReading& reading, const FormerLevels& levels, ChangeContext& context);
+Result<Done> putBack(const Control& control, IAudioVolumeLevel& level, const FormerLevels& levels,
+                     ChangeContext& context);
 
 /// Changes one hardware control: without a channel, all channels in one call. A new level is the level of each; a step
 /// keeps the balance and ends where the first channel reaches the end of its range.
