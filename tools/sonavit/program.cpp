@@ -36,6 +36,20 @@ Command commandOf(Verb verb)
         return runSetVolume;
     case Verb::mute:
         return runMute;
+    case Verb::setControl:
+        return runSetControl;
+    case Verb::select:
+        return runSelect;
+    case Verb::save:
+        return runSave;
+    case Verb::restore:
+        return runRestore;
+    case Verb::find:
+        return runFind;
+    case Verb::refer:
+        return runRefer;
+    case Verb::resolve:
+        return runResolve;
     case Verb::monitor:
         return runMonitor;
     case Verb::format:

@@ -4,6 +4,7 @@
 #include "simulator/simulation.h"
 #include "tools/sonavit/commandline.h"
 #include "tools/sonavit/environment.h"
+#include "tools/sonavit/source.h"
 
 #include <memory>
 #include <optional>
@@ -30,6 +31,11 @@ public:
     /// not be used after that. An exception that leaves a Release leaves this operation too.
     void close();
 
+    /// The client layer on that machine, from the first call on.
+    System& audio();
+    /// What the commands that read ask: the library that the user has chosen.
+    Source& source();
+
     /// The simulated machine; null if the library works on the system's own Core Audio.
     sim::Simulation* simulation();
 
@@ -40,7 +46,11 @@ public:
 private:
     std::optional<std::string> m_name;
     std::string m_description;
-    sim::Redirection m_redirection;
+    sim::Redirection m_redirection;      ///< of the object model's library
+    sim::Redirection m_layerRedirection; ///< of the client layer's
     std::unique_ptr<sim::Simulation> m_simulation;
+    Via m_via;
+    std::unique_ptr<System> m_audio;
+    std::unique_ptr<Source> m_source;
 };
 }
