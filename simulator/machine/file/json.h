@@ -42,6 +42,13 @@ struct JsonValue
 
     /// The value at a JSON pointer, or the last existing value on the way to it.
     const JsonValue& nearest(const std::string& pointer) const;
+
+    /// The JSON pointer to @p part, which is this value or is somewhere inside of it. Searches all that comes before
+    /// it.
+    std::string pointerTo(const JsonValue& part) const;
+
+    /// The step of a JSON pointer from this list or object to an element of it.
+    std::string stepTo(std::size_t index) const;
 };
 
 /// Reads @p text. Throws MachineFileError if it is not JSON, contains a key twice in one object or a zero character in
