@@ -12,7 +12,8 @@ namespace sonavit
 {
 inline namespace v1
 {
-/// Something that could not be read or done: what was tried on which object, and the platform's code.
+/// Something that could not be read or done: what was tried on which object, and the platform's code. A value; any
+/// thread may use it.
 class SONAVIT_CLIENT_API Problem
 {
 public:
