@@ -1,4 +1,5 @@
-# The libraries that the program, the simulator and the tests use. The library itself needs none.
+# The libraries that the program, the simulator and the tests use. The object model's needs none, and
+# the client layer only while it is compiled.
 
 find_package(Threads REQUIRED)
 
@@ -27,7 +28,7 @@ function(sonavit_find_header_library package target header)
   target_include_directories(${target} SYSTEM INTERFACE "${links}")
 endfunction()
 
-if(SONAVIT_BUILD_SIMULATOR)
+if(SONAVIT_BUILD_SIMULATOR OR SONAVIT_BUILD_CLIENT)
   sonavit_find_header_library(nlohmann_json nlohmann_json::nlohmann_json nlohmann/json.hpp)
 endif()
 if(SONAVIT_BUILD_PROGRAM)

@@ -83,7 +83,7 @@ endfunction()
 # The libraries of the product. An executable may replace single functions of the simulated platform by its own, which
 # takes an object file for each.
 function(sonavit_compile_products_in_groups)
-  foreach(target IN ITEMS SonavitCommon Sonavit SonavitMachine SonavitSimulator sonavit-commands)
+  foreach(target IN ITEMS SonavitCommon Sonavit SonavitClientObjects SonavitMachine SonavitSimulator sonavit-commands)
     if(TARGET ${target})
       sonavit_compile_in_groups(${target} EXCEPT portable windows)
     endif()

@@ -23,7 +23,8 @@ inline namespace v1
 /// Endpoints with the same instance path are one card. Those without one are grouped by their container, unless that is
 /// the computer itself or null; else by the adapter that they are joined to; else each is a card of its own.
 ///
-/// A small value that shares its content with its copies; it never changes. Any thread may use it.
+/// A small value that shares its content with its copies; it never changes. References that its operations return are
+/// valid as long as a copy of the card is. Any thread may use it.
 class SONAVIT_CLIENT_API Card
 {
 public:
@@ -65,7 +66,8 @@ public:
     const std::vector<Endpoint>& endpoints() const& noexcept { return m_content->endpoints; }
     std::vector<Endpoint> endpoints() && { return m_content->endpoints; }
     /// What could not be read of the card itself.
-    const std::vector<Problem>& problems() const noexcept { return m_content->problems; }
+    const std::vector<Problem>& problems() const& noexcept { return m_content->problems; }
+    std::vector<Problem> problems() && { return m_content->problems; }
 
 private:
     std::shared_ptr<const Content> m_content;

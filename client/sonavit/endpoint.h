@@ -96,9 +96,12 @@ struct EndpointProblem
 
 /// One endpoint, as it was when it was read last.
 ///
-/// A small value that shares its content with its copies; it never changes. What an endpoint does not have, or what
-/// could not be read, has no value; problemWith() tells the two apart. What an endpoint of that state cannot have, such
-/// as the volume of one that is not present, is no problem. Any thread may use it.
+/// A small value that shares its content with its copies; it never changes. References that its operations return are
+/// valid as long as a copy of the endpoint is: keep the endpoint in a variable before you loop over its jacks.
+///
+/// What an endpoint does not have, or what could not be read, has no value; problemWith() distinguishes the two. What
+/// an endpoint of that state cannot have, such as the volume of one that is not present, is no problem. Any thread may
+/// use it.
 class SONAVIT_CLIENT_API Endpoint
 {
 public:
@@ -148,14 +151,16 @@ public:
     Roles roles() const noexcept { return m_content->roles; }
     /// The jacks behind it, at least one if the kind or the form factor is known. Several belong to one output with
     /// many channels.
-    const std::vector<Jack>& jacks() const noexcept { return m_content->jacks; }
+    const std::vector<Jack>& jacks() const& noexcept { return m_content->jacks; }
+    std::vector<Jack> jacks() && { return m_content->jacks; }
     /// The kind of its first jack; no value if it is not known.
     std::optional<NodeKind> jackKind() const noexcept;
     /// No value without a volume control, as on endpoints that are neither active nor unplugged.
-    const std::optional<Volume>& volume() const noexcept { return m_content->volume; }
+    const std::optional<Volume>& volume() const& noexcept { return m_content->volume; }
+    std::optional<Volume> volume() && { return m_content->volume; }
     /// The format that applications share.
     const std::optional<Format>& format() const noexcept { return m_content->format; }
-    /// A mask of the physical speakers that the user has set up.
+    /// The physical speakers that the user has set up, a mask as Format::speakers; see speakerWords().
     std::optional<std::uint32_t> speakers() const noexcept { return m_content->speakers; }
     /// The device number of the old wave functions: of waveOut for outputs, of waveIn for inputs.
     std::optional<std::uint32_t> waveId() const noexcept { return m_content->waveId; }
@@ -171,7 +176,8 @@ public:
     std::uint32_t incarnation() const noexcept { return m_content->incarnation; }
 
     /// All that could not be read.
-    const std::vector<EndpointProblem>& problems() const noexcept { return m_content->problems; }
+    const std::vector<EndpointProblem>& problems() const& noexcept { return m_content->problems; }
+    std::vector<EndpointProblem> problems() && { return m_content->problems; }
     /// Why @p field has no value; no value if it was read or if the endpoint has no such thing.
     std::optional<Problem> problemWith(EndpointField field) const;
 
@@ -191,7 +197,7 @@ inline bool operator!=(const Endpoint& left, const Endpoint& right)
     return !(left == right);
 }
 
-/// "output", "notPresent", "console", "directSoundId": as in JSON.
+/// "render" and "capture", "notPresent", "console", "directSoundId": as in JSON and in machine files.
 SONAVIT_CLIENT_API const char* keyOf(Flow flow) noexcept;
 SONAVIT_CLIENT_API const char* keyOf(State state) noexcept;
 SONAVIT_CLIENT_API const char* keyOf(Role role) noexcept;
@@ -210,6 +216,7 @@ SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, State state);
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, Role role);
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, Roles roles);
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, EndpointField field);
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const EndpointProblem& problem);
 /// All fields with a value, on one line.
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Endpoint& endpoint);
 }

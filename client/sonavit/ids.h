@@ -24,6 +24,13 @@ SONAVIT_CLIENT_API int compareIds(std::string_view left, std::string_view right)
 /// A hash that is equal for strings that compareIds() finds equal.
 SONAVIT_CLIENT_API std::size_t hashId(std::string_view text) noexcept;
 
+/// @p utf8 for calls of the platform, such as IMMDeviceEnumerator::GetDevice: UTF-16 where wchar_t has 16 bits, UTF-32
+/// elsewhere. Each ill-formed sequence becomes U+FFFD.
+SONAVIT_CLIENT_API std::wstring wideText(std::string_view utf8);
+/// The reverse, for what the platform has returned: UTF-8. Each lone surrogate and each number that is no character
+/// becomes U+FFFD.
+SONAVIT_CLIENT_API std::string utf8Text(std::wstring_view wide);
+
 /// A string that identifies one kind of object. Two are equal if they differ in the case of A to Z alone; text() keeps
 /// the spelling. Different kinds cannot be mixed up, and nothing converts to an id by itself.
 template<class Kind>
@@ -32,7 +39,7 @@ class Id
 public:
     /// The id of nothing: its text is empty.
     Id() = default;
-    /// @param text UTF-8
+    /// @param text UTF-8; utf8Text() makes it from what the platform returns
     explicit Id(std::string text) : m_text(std::move(text)) {}
 
     const std::string& text() const& noexcept { return m_text; }
@@ -69,7 +76,7 @@ using ControlId = Id<struct ControlKind>;
 /// An input selector: its global id in the hardware graph.
 using SelectorId = Id<struct SelectorKind>;
 
-/// A GUID.
+/// A GUID, with the members and the layout of the platform's: std::memcpy converts one into the other.
 struct Guid
 {
     std::uint32_t data1 = 0;

@@ -11,7 +11,7 @@ namespace sonavit
 {
 inline namespace v1
 {
-/// The device's own steps, as its keys for louder and softer use them.
+/// The device's own steps, as its keys for louder and softer use them; of a hardware control, steps of its range.
 struct Steps
 {
     unsigned count = 1;
@@ -46,8 +46,8 @@ public:
     static LevelChange down(Decibels difference);
     static LevelChange down(Steps steps = Steps());
 
-    /// The same for one channel, counted from 0; the others keep their levels. The platform has no steps for one
-    /// channel: Steps are then those of the range.
+    /// The same for one channel, counted from 0 as in Volume::channels; the others keep their levels. The platform has
+    /// no steps for one channel: Steps are then those of the range.
     LevelChange onChannel(unsigned channel) const;
 
     Direction direction() const noexcept { return m_direction; }

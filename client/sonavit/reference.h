@@ -24,7 +24,8 @@ inline namespace v1
 class SONAVIT_CLIENT_API Reference
 {
 public:
-    /// @return Problem::Kind::unreadable if @p text is no reference. Fields that this version does not know are kept.
+    /// Blanks and line ends around it are ignored. Fields that this version does not know are kept.
+    /// @return Problem::Kind::unreadable if @p text is no reference
     static Result<Reference> parse(std::string_view text);
 
     /// The same text for the same endpoint in the same state of the computer.
@@ -80,12 +81,23 @@ struct Resolution
     /// that is not present is followed by the likely ones, so that the caller can use an active one meanwhile.
     std::vector<Candidate> candidates;
 
-    /// The endpoint to use: the first candidate, or, if that one is not active, the only best active one; no value if
-    /// there is none or if several are equally good.
+    /// The endpoint to use: the best candidate that is active; if none is active, the best one, which is not active
+    /// then. No value if there is no candidate, or if several are equally good.
     SONAVIT_CLIENT_API std::optional<CardEndpoint> best() const;
     /// One line for a person.
     SONAVIT_CLIENT_API std::string sentence() const;
 };
+
+SONAVIT_CLIENT_API bool operator==(const Candidate& left, const Candidate& right);
+SONAVIT_CLIENT_API bool operator==(const Resolution& left, const Resolution& right);
+inline bool operator!=(const Candidate& left, const Candidate& right)
+{
+    return !(left == right);
+}
+inline bool operator!=(const Resolution& left, const Resolution& right)
+{
+    return !(left == right);
+}
 
 /// A reference to an endpoint of the snapshot.
 /// @return Problem::Kind::notThere if the snapshot has no such endpoint

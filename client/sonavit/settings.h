@@ -21,6 +21,9 @@ namespace sonavit
 inline namespace v1
 {
 /// The levels, mutes, hardware controls and selections of a computer, see System::settings() and System::restore().
+///
+/// Plain members, which a program may also fill or remove itself: what has no value, or is not in a list, is left as it
+/// is by restore().
 class SONAVIT_CLIENT_API Settings
 {
 public:
@@ -43,7 +46,7 @@ public:
     struct EndpointSetting
     {
         std::string name;      ///< for the reader of the file
-        std::string reference; ///< Reference::text()
+        std::string reference; ///< Reference::text(), by which the endpoint is found
         std::vector<std::optional<Decibels>> channels;
         std::optional<Decibels> master; ///< used if there is no channel
         std::optional<bool> isMuted;
@@ -53,12 +56,23 @@ public:
 
     std::vector<EndpointSetting> endpoints;
 
-    /// Reads what text() writes. Members that this version does not know are ignored.
-    /// @return Problem::Kind::unreadable with line and reason if @p text is none
+    /// Reads what text() writes, so that parse(text()) == *this. Members that this version does not know are ignored,
+    /// and so is a byte order mark. A member that is null has no value.
+    /// @return Problem::Kind::unreadable with line and reason if @p text is none, is larger than 16 MiB or nests lists
+    /// and objects deeper than 64 levels; Problem::object() is empty
     static Result<Settings> parse(std::string_view text);
-    /// JSON that a person can read and change, one setting a line.
+    /// JSON that a person can read and change, one setting a line. Ill-formed UTF-8 in names becomes U+FFFD.
     std::string text() const;
 };
+
+SONAVIT_CLIENT_API bool operator==(const Settings::ControlSetting& left, const Settings::ControlSetting& right);
+SONAVIT_CLIENT_API bool operator==(const Settings::SelectorSetting& left, const Settings::SelectorSetting& right);
+SONAVIT_CLIENT_API bool operator==(const Settings::EndpointSetting& left, const Settings::EndpointSetting& right);
+SONAVIT_CLIENT_API bool operator==(const Settings& left, const Settings& right);
+inline bool operator!=(const Settings& left, const Settings& right)
+{
+    return !(left == right);
+}
 
 /// What became of one setting.
 struct RestoredSetting

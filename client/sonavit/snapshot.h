@@ -103,7 +103,7 @@ public:
     /// list of its own, so that a loop over it is safe.
     const std::vector<Card>& cards() const& noexcept { return m_content->cards; }
     std::vector<Card> cards() && { return m_content->cards; }
-    /// All endpoints of all cards, in their order.
+    /// All endpoints of all cards, in their order; a list of its own.
     std::vector<Endpoint> endpoints() const;
 
     // Each of these has no value if there is no such thing.
@@ -128,7 +128,8 @@ public:
 
     Service service() const noexcept { return m_content->service; }
     /// What could not be read of the computer as a whole, such as the list of its inputs.
-    const std::vector<Problem>& problems() const noexcept { return m_content->problems; }
+    const std::vector<Problem>& problems() const& noexcept { return m_content->problems; }
+    std::vector<Problem> problems() && { return m_content->problems; }
     /// Rises by one with each published change.
     std::uint64_t generation() const noexcept { return m_content->generation; }
     /// When it was published.
@@ -138,6 +139,22 @@ private:
     std::shared_ptr<const Content> m_content;
 };
 
+inline bool operator==(const CardEndpoint& left, const CardEndpoint& right)
+{
+    return left.card == right.card && left.endpoint == right.endpoint;
+}
+inline bool operator!=(const CardEndpoint& left, const CardEndpoint& right)
+{
+    return !(left == right);
+}
+inline bool operator==(const Match& left, const Match& right)
+{
+    return left.place == right.place && left.by == right.by;
+}
+inline bool operator!=(const Match& left, const Match& right)
+{
+    return !(left == right);
+}
 SONAVIT_CLIENT_API bool operator==(const Hardware::EndpointControls& left, const Hardware::EndpointControls& right);
 SONAVIT_CLIENT_API bool operator==(const Hardware& left, const Hardware& right);
 /// Compares all but generation and time.
@@ -150,6 +167,7 @@ inline bool operator!=(const Snapshot& left, const Snapshot& right)
 {
     return !(left == right);
 }
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Hardware& hardware);
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Snapshot& snapshot);
 
 SONAVIT_CLIENT_API const char* keyOf(Service service) noexcept;

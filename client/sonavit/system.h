@@ -44,7 +44,8 @@ enum class Delivery : int
     poll    ///< on the thread that calls System::poll()
 };
 
-/// Receives the changes of a System until its end. Movable; an empty one does nothing.
+/// Receives the changes of a System until its end. Movable; an empty one does nothing. It may outlive its System: after
+/// that it is inactive. Any thread may use it, but only one at a time may move it.
 class SONAVIT_CLIENT_API Subscription
 {
 public:
@@ -55,8 +56,8 @@ public:
     /// takes.
     ~Subscription();
 
-    /// The state that the first Change has as its before().
-    Snapshot start() const;
+    /// The state that the first Change has as its before(): what the subscriber knows without any call.
+    Snapshot initial() const;
     /// Ends the subscription without waiting: no call begins after this has returned.
     void stop() noexcept;
     /// Whether calls may still come.
@@ -73,7 +74,7 @@ private:
 };
 
 /// Keeps the hardware of a card in the snapshots, so that subscribers learn of its changes. Movable; an empty one does
-/// nothing.
+/// nothing. It may outlive its System, and continues when the card goes and comes back.
 class SONAVIT_CLIENT_API Watch
 {
 public:
@@ -97,7 +98,12 @@ private:
 ///
 /// Any thread may use it, with COM in any apartment or without COM: all calls to the platform are made by one worker
 /// thread in the multithreaded apartment, which all Systems of a process share. Nothing is asked before the first
-/// question. An ordinary account sees everything; only a change of format needs an administrator.
+/// question. An ordinary account sees everything; only a change of format needs an administrator. It does not choose
+/// the default endpoints and does not switch endpoints on or off: for that the platform has no documented operation.
+///
+/// Reading the newest snapshot costs a short lock and no platform call, whatever the operation. The operations that
+/// wait say so; on the thread of a window they can block it for as long as the devices take, often milliseconds, after
+/// the computer has woken up seconds.
 ///
 /// Operations report failures as Problem and write nothing anywhere. They throw std::bad_alloc, std::logic_error for a
 /// mistake of the caller, and std::system_error if there can be no thread. An operation that waits for the platform
@@ -105,8 +111,9 @@ private:
 /// Options::onWorkerStart and Options::wake may run, it returns Problem::Kind::wouldWait. Subscribers may call
 /// everything.
 ///
-/// End it on a thread of the program, not in DllMain and not as a static object of a DLL. In a child process after
-/// fork() every operation returns Problem::Kind::ended.
+/// End it on a thread of the program, not in one of its own subscribers, not in DllMain and not as a static object of a
+/// DLL. Snapshots and all other values stay valid. In a child process after fork() every operation returns
+/// Problem::Kind::ended.
 class SONAVIT_CLIENT_API System
 {
 public:
@@ -114,6 +121,8 @@ public:
     {
         Delivery delivery = Delivery::thread;
         /// Called when poll() has something to do, on a thread of the layer; it must not wait. Typical is PostMessage.
+        /// It is called again only after a poll(), which does everything that waits; a call may come for which nothing
+        /// waits any more.
         std::function<void()> wake = {};
         /// Receives the exceptions that leave subscribers, on their thread; the subscription then goes on.
         std::function<void(std::exception_ptr)> onException = {};
@@ -121,7 +130,8 @@ public:
         /// with a simulated machine on Windows, which register it there. Only that of the System counts that starts the
         /// worker.
         std::function<void()> onWorkerStart = {};
-        /// How long an operation waits for the platform.
+        /// How long an operation waits for the platform. With 0 none waits: the first snapshot() then has no cards,
+        /// and what is read comes as changes; what changes something returns Problem::Kind::noAnswer and still happens.
         std::chrono::milliseconds patience = std::chrono::seconds(10);
     };
 
@@ -134,11 +144,13 @@ public:
 
     // --- Reading ---------------------------------------------------------------------------------------------------
 
-    /// The newest state. The first call of snapshot() or subscribe() registers for events, reads everything and waits
-    /// for it; later calls return at once. If the platform does not answer, the snapshot has no cards, and a problem
-    /// says why.
+    /// The newest state. The first operation registers for events, reads everything and waits for it; after that
+    /// snapshot() returns at once. If the platform does not answer, or if the audio service does not run, the snapshot
+    /// has no cards, problems() says why, and what can be read later comes as a change.
     Snapshot snapshot() const;
-    /// A state that contains everything that the platform has announced before the call, or everything there is.
+    /// Waits for a state that contains everything that the platform has announced before the call, or everything there
+    /// is. A program that asks once and ends uses it in place of snapshot(): Problem::Kind::noAnswer then differs from
+    /// a computer without cards.
     Result<Snapshot> refresh(Depth depth = Depth::noted);
 
     // The same of the newest snapshot.
@@ -161,19 +173,24 @@ public:
 
     // --- Events ----------------------------------------------------------------------------------------------------
 
-    /// Calls @p subscriber with each change, one call at a time. A subscriber that is slow gets the changes that it has
-    /// missed as one.
+    /// Calls @p subscriber with each change after Subscription::initial(), one call at a time. A subscriber that is
+    /// slow gets the changes that it has missed as one. If nothing has been read yet, it waits as snapshot() does.
+    /// Throws std::invalid_argument, a std::logic_error, if @p subscriber is empty.
     [[nodiscard]] Subscription subscribe(std::function<void(const Change&)> subscriber);
     /// With Delivery::poll: calls the subscribers on this thread with what waits for them; if nothing waits, waits for
-    /// at most @p timeout first. Call it on one thread at a time. Throws std::logic_error with Delivery::thread.
+    /// at most @p timeout first. Call it on one thread at a time, and not in a subscriber. Exceptions of subscribers do
+    /// not leave it. Throws std::logic_error with Delivery::thread.
     /// @return the number of calls
     std::size_t poll(std::chrono::milliseconds timeout = std::chrono::milliseconds(0));
-    /// Reads the controls, selectors and jacks of a card into each snapshot, for as long as the result lives.
+    /// Reads the controls, selectors and jacks of a card into each snapshot, for as long as the result lives; waits for
+    /// the first reading. Problem::Kind::notThere for a card that does not exist.
     Result<Watch> watch(const CardId& card);
 
     // --- Changing --------------------------------------------------------------------------------------------------
-    // Each waits for the platform and returns what it reports afterwards; then snapshot() shows it, too. The token of
-    // the result is in the events that follow. A Problem says which call was refused and why.
+    // Each waits for the platform and returns what it reports afterwards, which may differ from what was asked for:
+    // devices round to their steps. Then snapshot() shows it, too. The token of the result is in the events that
+    // follow. A Problem says which call was refused and why; Problem::Kind::notThere stands for an endpoint, card,
+    // control, selector or input that does not exist, Kind::ambiguous for a name that fits several.
 
     /// Problem::Kind::outOfRange, with the range, for decibels outside the range or a channel that does not exist;
     /// Kind::notSupported for an endpoint without volume.
@@ -201,6 +218,7 @@ public:
     Result<Settings> settings() const;
     /// Puts them back; endpoints are found by their references. Settings that cannot be restored are in the report and
     /// keep nothing else from being restored.
+    /// A Problem instead of a report only if nothing could be tried, as without an answer of the platform.
     Result<RestoreReport> restore(const Settings& settings);
 
 private:

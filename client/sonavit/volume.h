@@ -56,7 +56,8 @@ private:
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, Percent percent);   ///< "40%"
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, Decibels decibels); ///< "-12.50 dB"
 
-/// What levels a device can have, in decibels. On a step of 0 the device reports none.
+/// What levels a device can have, in decibels: minimum, minimum + step, and so on to maximum. 0 is the level at which
+/// the sound is passed unchanged; many maxima are above it. A step of 0 means that the device reports none.
 struct LevelRange
 {
     double minimum = 0;
@@ -79,7 +80,7 @@ struct Volume
 {
     Level master;
     std::optional<LevelRange> range;
-    std::optional<std::vector<Level>> channels;
+    std::optional<std::vector<Level>> channels; ///< by channel number, from 0
     std::optional<bool> isMuted;
     std::optional<bool> isInHardware; ///< whether the device itself attenuates
 

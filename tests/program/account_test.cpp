@@ -205,10 +205,11 @@ TEST_F(ProgramAccount, ChangesADefaultMachineToo)
 {
     std::ostringstream out;
     std::ostringstream err;
-    sonavit::Environment environment{out, err};
+    sonavit::program::Environment environment{out, err};
     environment.defaultMachine = "desktop";
 
-    const int code = sonavit::run({"format", "Speakers", "--set", "24/96000/2", "--account", "ordinary"}, environment);
+    const int code =
+        sonavit::program::run({"format", "Speakers", "--set", "24/96000/2", "--account", "ordinary"}, environment);
 
     EXPECT_EQ(1, code);
     EXPECT_THAT(err.str(), EndsWith("sonavit: Windows lets only administrators change a format; simulate the machine "

@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-using namespace sonavit;
+using namespace sonavit::program;
 using testing::HasSubstr;
 using testing::StartsWith;
 

@@ -3,7 +3,7 @@
 #include "tests/program/programtest.h"
 #include "tools/sonavit/failure.h"
 
-using namespace sonavit;
+using namespace sonavit::program;
 using testing::HasSubstr;
 using testing::StartsWith;
 

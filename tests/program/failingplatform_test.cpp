@@ -188,7 +188,7 @@ protected:
         simulation.deliverAtOnce(true);
         std::ostringstream out;
         std::ostringstream err;
-        sonavit::Environment environment{out, err};
+        sonavit::program::Environment environment{out, err};
         int pauses = 0;
         environment.pause = [&](std::chrono::milliseconds)
         {
@@ -197,7 +197,7 @@ protected:
             return ++pauses == 2 && words().front() == "monitor";
         };
         support::Answer answer;
-        answer.code = sonavit::run(words(), environment);
+        answer.code = sonavit::program::run(words(), environment);
         answer.out = out.str();
         answer.err = err.str();
         return answer;

@@ -23,10 +23,10 @@ sim::Machine throwingMachine(std::uint32_t release)
 /// can see.
 [[noreturn]] void runProgram(std::vector<std::string> words, std::uint32_t release)
 {
-    sonavit::Environment environment{std::cerr, std::cerr};
+    sonavit::program::Environment environment{std::cerr, std::cerr};
     environment.findMachine = [release](const std::string&) { return throwingMachine(release); };
     words.insert(words.end(), {"--machine", "throwing"});
-    std::exit(sonavit::run(words, environment));
+    std::exit(sonavit::program::run(words, environment));
 }
 
 /// The sentence about an exception that left some interface's Release.

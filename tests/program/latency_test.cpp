@@ -14,8 +14,8 @@ protected:
     {
         std::ostringstream out;
         std::ostringstream err;
-        const sonavit::Environment environment{out, err};
-        sonavit::Session session(environment, sonavit::readCommandLine(words).arguments);
+        const sonavit::program::Environment environment{out, err};
+        sonavit::program::Session session(environment, sonavit::program::readCommandLine(words).arguments);
         const auto cost = session.simulation()->latency().cost("IMMDevice::Activate", "IAudioClient");
         session.close();
         return std::chrono::duration_cast<milliseconds>(cost);

@@ -6,7 +6,7 @@
 
 #include <sstream>
 
-using namespace sonavit;
+using namespace sonavit::program;
 
 namespace
 {

@@ -5,282 +5,25 @@
 #include "tools/sonavit/endpoint.h"
 #include "tools/sonavit/monitorlisteners.h"
 
-#include <nlohmann/json.hpp>
-
 #include <memory>
 #include <sstream>
-#include <utility>
-
-using nlohmann::json;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
 
 namespace
 {
-/// The monitor's pauses are where things happen here: each step is one pause, the end comes after the last one.
-class ProgramMonitor : public support::ProgramTest
+/// The monitor without its command.
+class ProgramMonitorItself : public support::ProgramTest
 {
-protected:
-    support::Answer listen(std::vector<std::function<void(sim::Events&)>> steps, std::vector<std::string> options = {})
-    {
-        std::size_t next = 0;
-        pause = [this, &next, steps](std::chrono::milliseconds)
-        {
-            if (next < steps.size())
-                steps[next](simulation().events());
-            simulation().events().waitForClients();
-            return next++ >= steps.size();
-        };
-        options.insert(options.begin(), "monitor");
-        return call(options);
-    }
-
-    /// The lines without the time in front.
-    static std::vector<std::string> told(const support::Answer& answer)
-    {
-        std::vector<std::string> result;
-        for (const std::string& line : answer.lines())
-        {
-            EXPECT_THAT(line.substr(0, 14), testing::MatchesRegex("..:..:......  "));
-            result.push_back(line.substr(14));
-        }
-        return result;
-    }
 };
 }
 
-TEST_F(ProgramMonitor, TellsChangesOfState)
-{
-    run(support::smallMachine());
-
-    const support::Answer answer =
-        listen({[](sim::Events& events) { events.plug(support::headphonesId()); },
-                [](sim::Events& events) { events.setState(support::microphoneId(), sim::stateDisabled); }});
-
-    EXPECT_EQ(0, answer.code);
-    EXPECT_EQ("", answer.err);
-    EXPECT_THAT(told(answer), ElementsAre("Analog Audio  Headphones  unplugged \xE2\x86\x92 active",
-                                          "Analog Audio  Microphone  active \xE2\x86\x92 disabled",
-                                          HasSubstr("no default input for console any more"),
-                                          HasSubstr("no default input for multimedia any more"),
-                                          HasSubstr("no default input for communications any more")));
-}
-
-TEST_F(ProgramMonitor, TellsEndpointsThatComeAndGo)
-{
-    sim::Machine machine = support::smallMachine();
-    machine.endpoints[1].installed = false;
-    run(std::move(machine));
-
-    const support::Answer answer = listen({[](sim::Events& events) { events.add(support::headphonesId()); },
-                                           [](sim::Events& events) { events.remove(support::headphonesId()); }});
-
-    EXPECT_THAT(told(answer),
-                ElementsAre("Analog Audio  Headphones  added, unplugged", "Analog Audio  Headphones  removed"));
-}
-
-TEST_F(ProgramMonitor, TellsVolumesAndMutes)
-{
-    run(support::smallMachine());
-
-    const support::Answer answer =
-        listen({[](sim::Events& events) { events.setVolume(support::speakerId(), -12.0f); },
-                [](sim::Events& events) { events.setVolume(support::speakerId(), {}, true); },
-                [](sim::Events& events) { events.setVolume(support::speakerId(), -18.0f, false); }});
-
-    EXPECT_THAT(
-        told(answer),
-        ElementsAre("Analog Audio  Speakers    volume 72% (-18.00 dB) \xE2\x86\x92 82% (-12.00 dB)",
-                    "Analog Audio  Speakers    muted",
-                    "Analog Audio  Speakers    volume 82% (-12.00 dB) \xE2\x86\x92 72% (-18.00 dB), no longer muted"));
-}
-
-TEST_F(ProgramMonitor, TellsDefaults)
-{
-    run(support::smallMachine());
-
-    const support::Answer answer =
-        listen({[](sim::Events& events) { events.plug(support::headphonesId()); },
-                [](sim::Events& events) { events.setDefault(support::headphonesId(), eConsole); },
-                [](sim::Events& events) { events.clearDefault(eCapture, eCommunications); }});
-
-    EXPECT_THAT(told(answer), ElementsAre("Analog Audio  Headphones  unplugged \xE2\x86\x92 active",
-                                          "Analog Audio  Headphones  default output for console",
-                                          HasSubstr("no default input for communications any more")));
-}
-
-TEST_F(ProgramMonitor, AnswersInJsonOneObjectALine)
-{
-    run(support::smallMachine());
-
-    const support::Answer answer = listen({[](sim::Events& events) { events.plug(support::headphonesId()); },
-                                           [](sim::Events& events) { events.setVolume(support::speakerId(), -12.0f); },
-                                           [](sim::Events& events) { events.remove(support::headphonesId()); },
-                                           [](sim::Events& events) { events.add(support::headphonesId()); },
-                                           [](sim::Events& events) { events.clearDefault(eRender, eConsole); }},
-                                          {"--json"});
-
-    std::vector<json> lines;
-    for (const std::string& line : answer.lines())
-        lines.push_back(json::parse(line));
-    ASSERT_EQ(5u, lines.size());
-    for (const json& line : lines)
-        EXPECT_THAT(line["time"].get<std::string>(), testing::MatchesRegex("....-..-..T..:..:......Z"));
-    EXPECT_EQ("stateChanged", lines[0]["event"]);
-    EXPECT_EQ(support::smallCardId(), lines[0]["card"]);
-    EXPECT_EQ(support::headphonesId(), lines[0]["endpoint"]);
-    EXPECT_EQ("unplugged", lines[0]["previousState"]);
-    EXPECT_EQ("active", lines[0]["state"]);
-    EXPECT_EQ("volumeChanged", lines[1]["event"]);
-    EXPECT_EQ(json::parse(R"({"percent": 82, "decibels": -12})"), lines[1]["volume"]);
-    EXPECT_EQ(false, lines[1]["muted"]);
-    EXPECT_EQ("removed", lines[2]["event"]);
-    EXPECT_EQ("added", lines[3]["event"]);
-    EXPECT_EQ("active", lines[3]["state"]);
-    EXPECT_EQ("defaultChanged", lines[4]["event"]);
-    EXPECT_TRUE(lines[4]["endpoint"].is_null());
-    EXPECT_TRUE(lines[4]["card"].is_null());
-    EXPECT_EQ("render", lines[4]["flow"]);
-    EXPECT_EQ("console", lines[4]["role"]);
-}
-
-TEST_F(ProgramMonitor, ListensToTheVolumeOfAnEndpointThatCame)
-{
-    sim::Machine machine = support::smallMachine();
-    machine.endpoints[1].installed = false;
-    run(std::move(machine));
-
-    const support::Answer answer =
-        listen({[](sim::Events& events) { events.add(support::headphonesId()); },
-                [](sim::Events& events) { events.setVolume(support::headphonesId(), -15.0f); }});
-
-    EXPECT_THAT(told(answer),
-                ElementsAre("Analog Audio  Headphones  added, unplugged",
-                            "Analog Audio  Headphones  volume 54% (-30.00 dB) \xE2\x86\x92 77% (-15.00 dB)"));
-}
-
-TEST_F(ProgramMonitor, ListensToAVolumeOnceAfterItCameBack)
-{
-    run(support::smallMachine());
-
-    const support::Answer answer =
-        listen({[](sim::Events& events) { events.plug(support::headphonesId()); },
-                [](sim::Events& events) { events.setVolume(support::headphonesId(), -15.0f); }});
-
-    EXPECT_EQ(2u, told(answer).size()) << answer.out;
-}
-
-TEST_F(ProgramMonitor, TellsOfACardThatWasNotThere)
-{
-    sim::MachineBuilder builder;
-    builder.card("Board").speaker("Speakers");
-    const std::string headset = builder.usbCard("Headset").headphones("Earphones").notInstalled().id();
-    run(builder.build());
-
-    const support::Answer answer =
-        listen({[&](sim::Events& events) { events.add(headset); }, [&](sim::Events& events) { events.unplug(headset); },
-                [&](sim::Events& events) { events.remove(headset); }});
-
-    EXPECT_THAT(told(answer),
-                ElementsAre("Headset  Earphones  added, active", "Headset  Earphones  active \xE2\x86\x92 unplugged",
-                            "Headset  Earphones  removed"));
-}
-
-TEST_F(ProgramMonitor, TellsNothingWhereNothingChanges)
-{
-    run(support::smallMachine());
-
-    const support::Answer answer =
-        listen({[](sim::Events& events) { events.announceState(support::speakerId(), sim::stateActive); },
-                [](sim::Events& events) { events.announceRemoved(support::speakerId()); }});
-
-    EXPECT_THAT(told(answer), IsEmpty());
-}
-
-TEST_F(ProgramMonitor, ShowsTheFlowsOfAnOutputAndAnInputOfOneName)
-{
-    sim::MachineBuilder builder;
-    sim::CardBuilder card = builder.card("Headset");
-    const std::string output = card.headphones("Hands-Free").id();
-    const std::string input = card.microphone("Hands-Free").id();
-    const std::string other = card.speaker("Base").id();
-    run(builder.build());
-
-    const support::Answer answer =
-        listen({[&](sim::Events& events) { events.unplug(output); }, [&](sim::Events& events) { events.unplug(input); },
-                [&](sim::Events& events) { events.unplug(other); }});
-
-    const std::vector<std::string> lines = told(answer);
-    EXPECT_THAT(lines, testing::Contains("Headset  Hands-Free (output)  active \xE2\x86\x92 unplugged"));
-    EXPECT_THAT(lines, testing::Contains("Headset  Hands-Free (input)   active \xE2\x86\x92 unplugged"));
-    EXPECT_THAT(lines, testing::Contains("Headset  Base                 active \xE2\x86\x92 unplugged"));
-}
-
-TEST_F(ProgramMonitor, KeepsTheFlowOfALongNameThatOccursTwice)
-{
-    const std::string name(100, 'x');
-    sim::MachineBuilder builder;
-    sim::CardBuilder card = builder.card("Headset");
-    const std::string output = card.headphones(name).id();
-    card.microphone(name);
-    run(builder.build());
-
-    EXPECT_THAT(told(listen({[&](sim::Events& events) { events.unplug(output); }})).front(),
-                testing::StartsWith("Headset  " + std::string(14, 'x') + "\xE2\x80\xA6 (output)  active "));
-}
-
-TEST_F(ProgramMonitor, SaysThatAMachineHasNoEvents)
-{
-    EXPECT_THAT(call({"monitor", "--machine", "virtual"}).err, testing::EndsWith("\nThis machine has no events.\n"));
-    EXPECT_THAT(call({"monitor", "--machine", "desktop"}).err, testing::Not(HasSubstr("no events")));
-    EXPECT_EQ("", call({"monitor", "--machine", "virtual", "--json"}).err);
-}
-
-TEST_F(ProgramMonitor, HearsTheMachinesNotificationThread)
-{
-    sim::Simulation& simulation = run(support::smallMachine());
-    simulation.deliverAtOnce(false);
-
-    const support::Answer answer = listen({[](sim::Events& events) { events.plug(support::headphonesId()); },
-                                           [](sim::Events& events)
-                                           {
-                                               for (int i = 1; i <= 20; ++i)
-                                                   events.setVolume(support::headphonesId(), static_cast<float>(-i));
-                                           },
-                                           [](sim::Events& events) { events.unplug(support::headphonesId()); }});
-
-    const std::vector<std::string> lines = told(answer);
-    ASSERT_EQ(22u, lines.size()) << answer.out;
-    EXPECT_EQ("Analog Audio  Headphones  unplugged \xE2\x86\x92 active", lines.front());
-    EXPECT_EQ("Analog Audio  Headphones  active \xE2\x86\x92 unplugged", lines.back());
-}
-
-TEST_F(ProgramMonitor, EndsWhileThingsHappen)
-{
-    sim::Simulation& simulation = run(support::smallMachine());
-    simulation.deliverAtOnce(false);
-    pause = [&](std::chrono::milliseconds)
-    {
-        for (int i = 0; i < 50; ++i)
-        {
-            simulation.events().setVolume(support::speakerId(), static_cast<float>(-i));
-            simulation.events().setState(support::headphonesId(), i % 2 == 0 ? sim::stateActive : sim::stateUnplugged);
-        }
-        return true;
-    };
-
-    EXPECT_EQ(0, call({"monitor"}).code);
-}
-
-TEST_F(ProgramMonitor, ShowsNothingAfterItHasStopped)
+TEST_F(ProgramMonitorItself, ShowsNothingAfterItHasStopped)
 {
     run(support::smallMachine());
     std::ostringstream out;
     std::ostringstream err;
-    const sonavit::Environment environment{out, err};
-    std::vector<sonavit::Card> cards = sonavit::readCards();
-    const auto monitor = std::make_shared<sonavit::Monitor>(environment, false, std::nullopt, cards);
+    const sonavit::program::Environment environment{out, err};
+    std::vector<sonavit::program::Card> cards = sonavit::program::readCards();
+    const auto monitor = std::make_shared<sonavit::program::Monitor>(environment, false, std::nullopt, cards);
     monitor->start(cards);
     simulation().events().setState(support::headphonesId(), sim::stateActive);
     const std::string before = out.str();
@@ -293,9 +36,9 @@ TEST_F(ProgramMonitor, ShowsNothingAfterItHasStopped)
     EXPECT_EQ(before, out.str());
 }
 
-TEST_F(ProgramMonitor, ListensAsAClientOfTheSystemAndAsNothingElse)
+TEST_F(ProgramMonitorItself, ListensAsAClientOfTheSystemAndAsNothingElse)
 {
-    IMMNotificationClient& listener = sonavit::makeSystemListener({});
+    IMMNotificationClient& listener = sonavit::program::makeSystemListener({});
 
     void* object = nullptr;
     EXPECT_EQ(S_OK, listener.QueryInterface(IID_IUnknown, &object));
@@ -304,84 +47,4 @@ TEST_F(ProgramMonitor, ListensAsAClientOfTheSystemAndAsNothingElse)
     EXPECT_EQ(&listener, object);
     EXPECT_EQ(E_NOINTERFACE, listener.QueryInterface(IID_IAudioEndpointVolume, &object));
     EXPECT_EQ(nullptr, object);
-}
-
-TEST_F(ProgramMonitor, AnswersInJsonAnErrorOnOneLine)
-{
-    run(support::smallMachine());
-    simulation().faults().fail("IMMDeviceEnumerator::RegisterEndpointNotificationCallback");
-
-    const support::Answer answer = call({"monitor", "--json"});
-
-    EXPECT_EQ(1, answer.code);
-    ASSERT_EQ(1u, answer.lines().size()) << answer.out;
-    EXPECT_EQ("the system does not report changes of its endpoints", json::parse(answer.out)["error"]);
-    EXPECT_EQ(1u, call({"monitor", "--json", "--for", "never"}).lines().size());
-}
-
-TEST_F(ProgramMonitor, EndsWhenItsOutputCannotBeWritten)
-{
-    run(support::smallMachine());
-    std::ostringstream out;
-    std::ostringstream err;
-    sonavit::Environment environment{out, err};
-    int pauses = 0;
-    environment.pause = [&](std::chrono::milliseconds)
-    {
-        out.setstate(std::ios::badbit); // as after a failed write
-        return ++pauses > 10;
-    };
-
-    const int code = sonavit::run({"monitor"}, environment);
-
-    EXPECT_EQ(1, code);
-    EXPECT_EQ("sonavit: the answer cannot be written\n", err.str());
-    EXPECT_EQ(1 + 1, pauses) << "one while it listens, one to ask whether the end was requested";
-}
-
-TEST_F(ProgramMonitor, EndsSilentlyWhenTheReaderOfItsOutputHasGone)
-{
-    run(support::smallMachine());
-    std::ostringstream out;
-    std::ostringstream err;
-    sonavit::Environment environment{out, err};
-    environment.pause = [&](std::chrono::milliseconds)
-    {
-        out.setstate(std::ios::badbit);
-        return true;
-    };
-
-    EXPECT_EQ(130, sonavit::run({"monitor", "--json"}, environment));
-    EXPECT_EQ("", err.str());
-}
-
-TEST_F(ProgramMonitor, SaysToWhomItListensWhereSomebodyLooksOn)
-{
-    run(support::smallMachine());
-    isTerminal = true;
-
-    EXPECT_EQ("Listening to 3 endpoints on 1 card; Ctrl-C ends it.\n", listen({}).err);
-}
-
-TEST_F(ProgramMonitor, EndsAtOnceAfterNoTime)
-{
-    run(support::smallMachine());
-    pause = [](std::chrono::milliseconds) -> bool { throw std::logic_error("there is nothing to wait for"); };
-
-    const support::Answer answer = call({"monitor", "--for", "0"});
-
-    EXPECT_EQ(0, answer.code);
-    EXPECT_EQ("", answer.err);
-}
-
-TEST_F(ProgramMonitor, NamesTheMachineInEachEvent)
-{
-    const support::Answer answer = call({"monitor", "--json", "--machine", "laptop"});
-    run(support::smallMachine());
-    const support::Answer own = listen({[](sim::Events& events) { events.plug(support::headphonesId()); }}, {"--json"});
-
-    for (const std::string& line : answer.lines())
-        EXPECT_EQ("laptop", json::parse(line)["machine"]);
-    EXPECT_TRUE(json::parse(own.out).contains("machine"));
-    EXPECT_TRUE(json::parse(own.out)["machine"].is_null());
 }

@@ -99,7 +99,7 @@ Answer ProgramTest::call(const std::vector<std::string>& words)
 {
     std::ostringstream out;
     std::ostringstream err;
-    sonavit::Environment environment{out, err};
+    sonavit::program::Environment environment{out, err};
     environment.isTerminal = isTerminal;
     environment.hasColours = hasColours;
     environment.width = width;
@@ -107,7 +107,7 @@ Answer ProgramTest::call(const std::vector<std::string>& words)
     environment.deferEnd = deferEnd;
     environment.findMachine = findMachine;
     Answer answer;
-    answer.code = sonavit::run(words, environment);
+    answer.code = sonavit::program::run(words, environment);
     answer.out = out.str();
     answer.err = err.str();
     return answer;

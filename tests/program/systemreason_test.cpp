@@ -4,11 +4,11 @@
 
 TEST(ProgramSystemReason, IsTheCodeAndItsMeaning)
 {
-    EXPECT_EQ("0x80070005, access denied", sonavit::reasonText(E_ACCESSDENIED));
-    EXPECT_EQ("0x80004005, unspecified error", sonavit::reasonText(E_FAIL));
+    EXPECT_EQ("0x80070005, access denied", sonavit::program::reasonText(E_ACCESSDENIED));
+    EXPECT_EQ("0x80004005, unspecified error", sonavit::program::reasonText(E_FAIL));
 }
 
 TEST(ProgramSystemReason, IsTheCodeAloneIfItHasNoWords)
 {
-    EXPECT_EQ("0x8889DEAD", sonavit::reasonText(static_cast<HRESULT>(0x8889DEAD)));
+    EXPECT_EQ("0x8889DEAD", sonavit::program::reasonText(static_cast<HRESULT>(0x8889DEAD)));
 }

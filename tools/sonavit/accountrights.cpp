@@ -1,11 +1,11 @@
 #include "tools/sonavit/accountrights.h"
 
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
 #include <algorithm>
 #include <cstddef>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

@@ -1,12 +1,12 @@
 /// What Windows denies to the account that runs the program.
 #pragma once
 
-#include "tools/sonavit/commands.h"
+#include "tools/sonavit/commands/commands.h"
 #include "tools/sonavit/endpointname.h"
 
 #include <vector>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// Whether the system does not let this account change the properties of @p device (IMMDevice::OpenPropertyStore).
 bool isChangeDenied(AudioDevice& device);

@@ -1,11 +1,12 @@
 #include "tools/sonavit/cardgraph.h"
 
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/modelwords.h"
+#include "tools/sonavit/output/text.h"
 
 #include <algorithm>
 #include <utility>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {
@@ -99,7 +100,7 @@ const std::vector<CardGraph::Edge>& CardGraph::edges() const
 
 void CardGraph::addEndpoint(const Endpoint& endpoint)
 {
-    addDevice(endpoint.device, {Device::Kind::endpoint, endpoint.id, endpoint.title(), endpoint.flow, {}});
+    addDevice(endpoint.device, {Device::Kind::endpoint, endpoint.id, titleWords(endpoint), endpoint.flow, {}});
 }
 
 void CardGraph::addDevice(const AudioDevice& device, Device description)

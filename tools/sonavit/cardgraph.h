@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// The hardware of cards as a graph: devices, their parts, and how the sound flows between them.
 ///

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "qor/logging.h"
+#include "simulator/machine/deviceformat.h"
 #include "simulator/machine/machine.h"
-#include "tools/sonavit/deviceformat.h"
 #include "tools/sonavit/levelchange.h"
 
 #include <chrono>
@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace sonavit
+namespace sonavit::program
 {
 enum class Verb
 {

@@ -2,11 +2,11 @@
 
 #include "tools/sonavit/commandline.h"
 
-#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// The words of a command line, each in its place, before those with a meaning of their own are interpreted. What the
 /// user did not write has no value.
@@ -30,20 +30,6 @@ struct CommandWords
     std::string answer; ///< help or version; if it is not empty, nothing else counts
 };
 
-/// Knows the verbs and options, sorts the words, and writes the help. One object reads one command line.
-class CommandLineParser
-{
-public:
-    CommandLineParser();
-    ~CommandLineParser();
-    CommandLineParser(const CommandLineParser&) = delete;
-    CommandLineParser& operator=(const CommandLineParser&) = delete;
-
-    /// Throws UsageError, always in the program's own words.
-    CommandWords read(const std::vector<std::string>& words);
-
-private:
-    class Grammar;
-    std::unique_ptr<Grammar> m_grammar;
-};
+/// Sorts the words after the program's name, and writes the help. Throws UsageError, always in the program's own words.
+CommandWords parseCommandLine(std::vector<std::string> words);
 }

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// The words after the program's name, in UTF-8. @param count of @p words, both as main() receives them
 std::vector<std::string> commandLineWords(int count, char** words);

@@ -3,15 +3,16 @@
 #include "COM/identifiers.h"
 #include "simulator/machine/namedvalues.h"
 #include "tools/sonavit/failure.h"
+#include "tools/sonavit/output/modelwords.h"
+#include "tools/sonavit/output/text.h"
 #include "tools/sonavit/systemreason.h"
-#include "tools/sonavit/text.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <set>
 #include <utility>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {
@@ -131,39 +132,15 @@ std::optional<std::string> Endpoint::name() const
     return *description + " (" + *friendlyName + ")";
 }
 
-std::string Endpoint::title() const
-{
-    const std::optional<std::string> known = name();
-    return known ? printable(*known) : "unnamed " + std::string(flowWords(flow)) + " " + printable(id);
-}
-
-std::string Endpoint::shortTitle() const
-{
-    return shortened(title(), longestQuote);
-}
-
 std::string flowKey(EDataFlow flow)
 {
     return sim::nameOf(sim::flowNames, flow);
-}
-
-const char* flowWords(EDataFlow flow)
-{
-    return flow == eRender ? "output" : "input";
 }
 
 std::optional<std::string> stateKey(const std::optional<unsigned>& state)
 {
     const std::string name = state ? sim::nameOf(sim::stateNames, std::uint32_t{*state}) : "";
     return name.empty() ? std::nullopt : std::optional<std::string>(name);
-}
-
-std::string stateWords(const std::optional<unsigned>& state)
-{
-    const std::optional<std::string> key = stateKey(state);
-    if (key && *state == DEVICE_STATE_NOTPRESENT)
-        return "not present";
-    return key.value_or(nothing);
 }
 
 Endpoint readEndpoint(const AudioDevice& device, EDataFlow flow)

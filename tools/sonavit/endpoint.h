@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// One endpoint with the facts by which people know it; what cannot be read has no value.
 struct Endpoint
@@ -26,10 +26,6 @@ struct Endpoint
 
     /// "Speakers (Analog Audio)", as the system's own dialogs show it.
     std::optional<std::string> name() const;
-    /// name() as printable text, or "unnamed output" and the id.
-    std::string title() const;
-    /// title(), cut to a length that fits into a message.
-    std::string shortTitle() const;
 };
 
 /// One sound card with its endpoints: outputs first, each group in the system's order.
@@ -42,13 +38,11 @@ struct Card
     std::vector<Endpoint> endpoints;
 };
 
-/// "render" and "capture", "output" and "input".
+/// "render" and "capture".
 std::string flowKey(EDataFlow flow);
-const char* flowWords(EDataFlow flow);
 
-/// "notPresent" and "not present"; no value and "-" for a state that is not one of the four.
+/// "notPresent"; no value for a state that is not one of the four.
 std::optional<std::string> stateKey(const std::optional<unsigned>& state);
-std::string stateWords(const std::optional<unsigned>& state);
 
 Endpoint readEndpoint(const AudioDevice& device, EDataFlow flow);
 

@@ -1,20 +1,18 @@
 #include "tools/sonavit/endpointname.h"
 
 #include "tools/sonavit/failure.h"
+#include "tools/sonavit/output/modelwords.h"
+#include "tools/sonavit/output/text.h"
 #include "tools/sonavit/systemreason.h"
-#include "tools/sonavit/text.h"
 
 #include <algorithm>
 #include <optional>
 #include <utility>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {
-/// Candidates that a message lists; it counts the others.
-constexpr std::size_t mostCandidates = 6;
-
 /// Columns of a name among the candidates.
 constexpr std::size_t longestCandidate = 60;
 
@@ -45,15 +43,13 @@ std::vector<std::size_t> matches(const std::vector<Names>& things, const std::st
     return found;
 }
 
-[[noreturn]] void raiseAmbiguous(const std::vector<Names>& things, const std::vector<std::size_t>& found,
-                                 const std::string& name, const std::string& noun)
+std::vector<std::string> titlesOf(const std::vector<Names>& things, const std::vector<std::size_t>& places)
 {
     std::vector<std::string> titles;
-    for (std::size_t i = 0; i < std::min(found.size(), mostCandidates); ++i)
-        titles.push_back(things[found[i]].title);
-    if (found.size() > mostCandidates)
-        titles.push_back(std::to_string(found.size() - mostCandidates) + " more");
-    throw UsageError(inQuotes(name) + " matches " + counted(found.size(), noun) + ": " + enumeration(titles));
+    titles.reserve(places.size());
+    for (const std::size_t place : places)
+        titles.push_back(things[place].title);
+    return titles;
 }
 
 /// The thing may be one whose names cannot be read.
@@ -80,14 +76,14 @@ std::size_t indexOf(const std::vector<Names>& things, const std::string& name, c
         if (found.size() == 1)
             return found.front();
         if (found.size() > 1)
-            raiseAmbiguous(things, found, name, noun);
+            raiseAmbiguous(titlesOf(things, found), name, noun);
     }
     raiseUnknown(things, name, noun);
 }
 
 Names namesOf(const Endpoint& endpoint)
 {
-    Names names{{endpoint.id}, shortened(endpoint.title(), longestCandidate), endpoint.failure};
+    Names names{{endpoint.id}, shortened(titleWords(endpoint), longestCandidate), endpoint.failure};
     if (endpoint.description)
         names.whole.push_back(*endpoint.description);
     if (endpoint.name())

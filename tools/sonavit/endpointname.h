@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace sonavit
+namespace sonavit::program
 {
 inline constexpr const char* defaultOutputName = "@DEFAULT_OUTPUT@";
 inline constexpr const char* defaultInputName = "@DEFAULT_INPUT@";

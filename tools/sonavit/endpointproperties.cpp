@@ -3,9 +3,9 @@
 #include "COM/identifiers.h"
 #include "libSonavit/endpointdeviceenumerator.h"
 #include "simulator/machine/namedvalues.h"
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

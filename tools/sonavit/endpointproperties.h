@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// Further properties of an endpoint; what cannot be read has no value.
 struct EndpointProperties

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// In decibels.
 struct LevelRange

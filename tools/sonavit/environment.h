@@ -9,7 +9,7 @@
 #include <ostream>
 #include <string>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// What a command uses of the world outside Core Audio.
 struct Environment

@@ -2,12 +2,12 @@
 
 #include "qor/exception.h"
 #include "simulator/faultplan.h"
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
 #include <exception>
 #include <new>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

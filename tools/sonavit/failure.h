@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// The program's exit codes.
 enum ExitCode

@@ -1,10 +1,9 @@
 #include "tools/sonavit/hardwarecontrol.h"
 
-#include "tools/sonavit/endpointjson.h"
 #include "tools/sonavit/nodekind.h"
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {
@@ -32,20 +31,6 @@ std::vector<ControlChannel> readChannels(const RegularVolumeController& policy,
         channels.push_back(readChannel(policy, controller, channel));
     return channels;
 }
-
-Json channelsJson(const std::optional<std::vector<ControlChannel>>& channels)
-{
-    if (!channels)
-        return {};
-    Json result = Json::array();
-    for (const ControlChannel& channel : *channels)
-    {
-        result.append(Json::object({{"decibels", channel.level.decibels},
-                                    {"percent", channel.level.percent},
-                                    {"range", rangeJson(channel.range)}}));
-    }
-    return result;
-}
 }
 
 HardwareControl readControl(const SoundCard::VolumeController& record)
@@ -68,15 +53,5 @@ HardwareControl readControl(const SoundCard::VolumeController& record)
     if (control.hasMute && SUCCEEDED(policy.mute->GetMute(&isMuted)))
         control.isMuted = controller.isMuted();
     return control;
-}
-
-Json controlJson(const HardwareControl& control)
-{
-    return Json::object({{"ownerName", control.ownerName},
-                         {"ownerJack", kindKey(control.ownerType)},
-                         {"ownerType", typeText(control.ownerType)},
-                         {"channels", channelsJson(control.channels)},
-                         {"hasMute", control.hasMute},
-                         {"muted", control.isMuted}});
 }
 }

@@ -2,13 +2,12 @@
 
 #include "libSonavit/soundcard.h"
 #include "tools/sonavit/endpointvolume.h"
-#include "tools/sonavit/json.h"
 
 #include <optional>
 #include <string>
 #include <vector>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// One channel of a hardware control; what cannot be read has no value.
 struct ControlChannel
@@ -28,5 +27,4 @@ struct HardwareControl
 };
 
 HardwareControl readControl(const SoundCard::VolumeController& record);
-Json controlJson(const HardwareControl& control);
 }

@@ -1,6 +1,6 @@
 #include "tools/sonavit/heldoutput.h"
 
-namespace sonavit
+namespace sonavit::program
 {
 HeldOutput::HeldOutput(std::ostream& stream) : m_stream(stream) {}
 

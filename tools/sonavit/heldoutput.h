@@ -4,7 +4,7 @@
 #include <sstream>
 #include <streambuf>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// Keeps back what is written to a stream, so that an answer is printed whole or not at all.
 class HeldOutput

@@ -2,7 +2,7 @@
 
 #include <chrono>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// Defers the end of the process that the user or the system requests.
 ///

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <utility>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

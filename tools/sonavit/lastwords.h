@@ -3,7 +3,7 @@
 #include <exception>
 #include <functional>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// What the process does if the language ends it, as on an exception that leaves a destructor while another one is
 /// under way: it calls a function and exits with code 1 instead of aborting. One object at a time.

@@ -2,9 +2,7 @@
 
 #include "tools/sonavit/endpointvolume.h"
 
-#include <string>
-
-namespace sonavit
+namespace sonavit::program
 {
 /// A new volume, or a step from the present one.
 struct LevelChange
@@ -26,8 +24,4 @@ struct LevelChange
     /// to the platform as they are. @return whether the platform accepted the new volume
     bool apply(EndpointVolume& volume, const Level& level) const;
 };
-
-/// Reads a new volume, "50%", "50", "33.3%" or "-12.5dB", or a step, "5%+", "+5%", "5%-", "-5%", "3dB+" or "3dB-". A
-/// sign before decibels is part of the number. Throws UsageError.
-LevelChange readLevelChange(const std::string& text);
 }

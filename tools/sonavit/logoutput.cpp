@@ -1,10 +1,10 @@
 #include "tools/sonavit/logoutput.h"
 
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
 #include <string>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

@@ -5,7 +5,7 @@
 #include <optional>
 #include <ostream>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// Prints the library's log records of some priority and above to a stream, one per line, or none of them, for as long
 /// as it lives: "error libSonavit.soundcard: …". Entering an operation is marked ">", leaving it "<".

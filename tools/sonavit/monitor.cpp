@@ -3,18 +3,19 @@
 #include "libSonavit/volumechangenotification.h"
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/monitorlisteners.h"
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/modelwords.h"
+#include "tools/sonavit/output/text.h"
 
 #include <algorithm>
 #include <utility>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {
 EventSubject subjectOf(const std::string& cardId, const std::string& cardName, const Endpoint& endpoint)
 {
-    const std::string title = endpoint.description.value_or(endpoint.title());
+    const std::string title = endpoint.description.value_or(titleWords(endpoint));
     return {cardId, cardName, endpoint.id, endpoint.name(), title, endpoint.flow};
 }
 

@@ -2,14 +2,14 @@
 
 #include "libSonavit/endpointdeviceenumerator.h"
 #include "tools/sonavit/endpoint.h"
-#include "tools/sonavit/monitorevent.h"
+#include "tools/sonavit/output/eventwriter.h"
 
 #include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// Receives change notifications of cards and endpoints and shows them.
 ///

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

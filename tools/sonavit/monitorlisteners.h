@@ -10,7 +10,7 @@
 #include <cstddef>
 #include <memory>
 
-namespace sonavit
+namespace sonavit::program
 {
 class Monitor;
 

@@ -1,4 +1,4 @@
-/// Names of the kinds of jacks, and of nodes in a hardware graph.
+/// The kinds of jacks, and of nodes in a hardware graph.
 #pragma once
 
 #include "platform/coreaudio.h"
@@ -6,15 +6,13 @@
 #include <optional>
 #include <string>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// No value for the type that is all zero, which the library keeps if it read none.
 std::optional<GUID> typeOrNothing(const GUID& type);
 
-/// The names of a type: "spdif" in JSON, as in machine files, and "S/PDIF" in text; "other" and "Other" if it has none.
-/// No value, or "-", without a type.
+/// The name of a type in JSON, "spdif", as in machine files; "other" if it has none. No value without a type.
 std::optional<std::string> kindKey(const std::optional<GUID>& type);
-std::string kindWords(const std::optional<GUID>& type);
 
 /// The GUID of a type; no value without one.
 std::optional<std::string> typeText(const std::optional<GUID>& type);

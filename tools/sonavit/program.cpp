@@ -1,14 +1,14 @@
 #include "tools/sonavit/program.h"
 
-#include "tools/sonavit/commands.h"
+#include "tools/sonavit/commands/commands.h"
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/heldoutput.h"
-#include "tools/sonavit/json.h"
 #include "tools/sonavit/lastwords.h"
 #include "tools/sonavit/logoutput.h"
+#include "tools/sonavit/output/json.h"
 #include "tools/sonavit/simulationnote.h"
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

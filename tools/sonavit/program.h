@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// The whole program: reads the command line, runs the command, and prints the answer or what went wrong. It may be
 /// called any number of times, one call at a time, also on threads that have initialised COM.

@@ -4,11 +4,11 @@
 #include "libSonavit/endpointdeviceenumerator.h"
 #include "libSonavit/soundcard.h"
 #include "tools/sonavit/failure.h"
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
 #include <utility>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

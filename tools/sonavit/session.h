@@ -9,7 +9,7 @@
 #include <optional>
 #include <string>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// COM on this thread, and the machine that the library works on, for as long as a command runs. The library reads what
 /// an ordinary account may not write.

@@ -1,8 +1,8 @@
 #include "tools/sonavit/simulationnote.h"
 
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

@@ -2,9 +2,9 @@
 /// name the machine themselves.
 #pragma once
 
-#include "tools/sonavit/commands.h"
+#include "tools/sonavit/commands/commands.h"
 
-namespace sonavit
+namespace sonavit::program
 {
 /// Says which machine is simulated; nothing on the system's own audio.
 void announceSimulation(const Context& context);

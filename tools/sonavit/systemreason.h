@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// Why the platform failed: "0x80070005, access denied", or the code alone if it has no words here. E_POINTER stands
 /// for a call that succeeded without a result.

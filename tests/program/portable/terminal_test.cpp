@@ -1,6 +1,6 @@
 /// What the program shows on a terminal, and how the environment changes that.
 #include "tests/program/portable/programprocess.h"
-#include "tools/sonavit/text.h"
+#include "tools/sonavit/output/text.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -41,7 +41,7 @@ protected:
         std::istringstream lines(std::regex_replace(text, std::regex("\x1B\\[[0-9;]*m"), ""));
         std::size_t width = 0;
         for (std::string line; std::getline(lines, line);)
-            width = std::max(width, sonavit::displayWidth(line));
+            width = std::max(width, sonavit::program::displayWidth(line));
         return width;
     }
 

@@ -12,7 +12,7 @@ namespace
 {
 std::wstring program(const std::string& words)
 {
-    return sonavit::utf16("\"" SONAVIT_PROGRAM_PATH "\" " + words);
+    return sonavit::program::utf16("\"" SONAVIT_PROGRAM_PATH "\" " + words);
 }
 }
 

@@ -16,11 +16,11 @@ class ConsoleBufferWrite : public testing::Test
 protected:
     std::vector<std::wstring> written;
     bool isWriting = true;
-    sonavit::ConsoleBuffer buffer{[this](std::wstring_view units)
-                                  {
-                                      written.emplace_back(units);
-                                      return isWriting;
-                                  }};
+    sonavit::program::ConsoleBuffer buffer{[this](std::wstring_view units)
+                                           {
+                                               written.emplace_back(units);
+                                               return isWriting;
+                                           }};
     std::ostream stream{&buffer};
 };
 }
@@ -83,7 +83,7 @@ TEST(ConsoleBufferDestruction, WritesWhatIsLeft)
 {
     std::vector<std::wstring> written;
     {
-        sonavit::ConsoleBuffer buffer(
+        sonavit::program::ConsoleBuffer buffer(
             [&](std::wstring_view units)
             {
                 written.emplace_back(units);

@@ -1,6 +1,6 @@
 #include "tools/sonavit/commandwords.h"
 
-namespace sonavit
+namespace sonavit::program
 {
 std::vector<std::string> commandLineWords(int count, char** words)
 {

@@ -11,7 +11,7 @@
 #include <climits>
 #include <csignal>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

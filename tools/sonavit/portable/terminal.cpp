@@ -1,4 +1,4 @@
-#include "tools/sonavit/terminal.h"
+#include "tools/sonavit/output/terminal.h"
 
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -7,7 +7,7 @@
 #include <iostream>
 #include <string>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

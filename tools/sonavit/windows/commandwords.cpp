@@ -5,7 +5,7 @@
 
 #include <shellapi.h>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// The words that main() receives are in the system's code page, which does not have all characters.
 std::vector<std::string> commandLineWords(int, char**)

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace sonavit
+namespace sonavit::program
 {
 /// Collects UTF-8 and writes it to a console as UTF-16 when it is flushed, and at its end.
 ///

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <atomic>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

@@ -1,4 +1,4 @@
-#include "tools/sonavit/terminal.h"
+#include "tools/sonavit/output/terminal.h"
 
 #include "platform/coreaudio.h"
 #include "tools/sonavit/windows/consolebuffer.h"
@@ -10,7 +10,7 @@
 #include <iostream>
 #include <optional>
 
-namespace sonavit
+namespace sonavit::program
 {
 namespace
 {

@@ -2,7 +2,7 @@
 
 #include "platform/coreaudio.h"
 
-namespace sonavit
+namespace sonavit::program
 {
 std::wstring utf16(std::string_view text)
 {

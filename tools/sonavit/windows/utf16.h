@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace sonavit
+namespace sonavit::program
 {
 std::wstring utf16(std::string_view text);
 std::string utf8(std::wstring_view text);

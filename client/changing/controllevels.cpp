@@ -1,0 +1,176 @@
+#include "client/changing/controllevels.h"
+
+#include <algorithm>
+#include <string>
+
+namespace sonavit::changing
+{
+namespace
+{
+bool isAt(const Present& present, float level)
+{
+    return present.level && *present.level == level;
+}
+
+/// A channel whose range has one level stays out of changes of all channels.
+bool isMovable(const Present& present)
+{
+    return !present.range || present.range->maximum > present.range->minimum;
+}
+
+float fixedLevel(const Present& present)
+{
+    return static_cast<float>(present.range->minimum);
+}
+}
+
+ControlLevels::ControlLevels(IAudioVolumeLevel& level, const Subject& subject, ChangeContext& context)
+    : m_level(level),
+      m_subject(subject),
+      m_context(context)
+{
+}
+
+std::optional<Problem> ControlLevels::apply(const LevelChange& change)
+{
+    UINT count = 0;
+    const std::optional<Problem> uncounted = judge("GetChannelCount", m_level.GetChannelCount(&count));
+    if (const std::optional<unsigned> channel = change.channel())
+    {
+        if (!uncounted && *channel >= count)
+            return noSuchChannel(m_subject, *channel, count);
+        return changeOne(change, *channel);
+    }
+    if (uncounted)
+        return uncounted;
+    if (count == 0)
+        return Problem(Problem::Kind::notSupported, m_subject.operation, m_subject.object,
+                       "the control has no channels");
+    return count == 1 ? changeOne(change, 0) : changeAll(change, count);
+}
+
+std::optional<Problem> ControlLevels::changeOne(const LevelChange& change, unsigned channel)
+{
+    const Present now = present(channel);
+    const Result<float> target = targetLevel(m_subject, change, now);
+    if (!target)
+        return target.problem();
+    if (isAt(now, *target))
+        return std::nullopt;
+    return judge("SetLevel", m_level.SetLevel(channel, *target, m_context.use()));
+}
+
+std::optional<Problem> ControlLevels::changeAll(const LevelChange& change, unsigned count)
+{
+    const std::vector<Present> channels = presentOf(count);
+    Result<std::vector<float>> levels = targets(change, channels);
+    if (!levels)
+        return levels.problem();
+    return setAll(channels, *std::move(levels));
+}
+
+std::optional<Problem> ControlLevels::set(const std::vector<std::optional<Decibels>>& levels)
+{
+    const std::optional<Decibels> highest = *std::max_element(levels.begin(), levels.end());
+    UINT count = 0;
+    if (std::optional<Problem> problem = judge("GetChannelCount", m_level.GetChannelCount(&count)))
+        return problem;
+    if (count != levels.size())
+        return apply(*highest);
+    const std::vector<Present> channels = presentOf(count);
+    std::vector<float> targets;
+    for (std::size_t channel = 0; channel < channels.size(); ++channel)
+    {
+        const Present& now = channels[channel];
+        const Result<float> target = levels[channel] ? targetLevel(m_subject, *levels[channel], now) : now.level;
+        if (!target)
+            return target.problem();
+        targets.push_back(*target);
+    }
+    return setAll(channels, std::move(targets));
+}
+
+std::optional<Problem> ControlLevels::setAll(const std::vector<Present>& channels, std::vector<float> levels)
+{
+    if (std::equal(channels.begin(), channels.end(), levels.begin(), isAt))
+        return std::nullopt;
+    if (levels.size() == 1)
+        return judge("SetLevel", m_level.SetLevel(0, levels.front(), m_context.use()));
+    return judge("SetLevelAllChannels",
+                 m_level.SetLevelAllChannels(levels.data(), static_cast<ULONG>(levels.size()), m_context.use()));
+}
+
+std::vector<Present> ControlLevels::presentOf(unsigned count) const
+{
+    std::vector<Present> channels;
+    channels.reserve(count);
+    for (unsigned channel = 0; channel < count; ++channel)
+        channels.push_back(present(channel));
+    return channels;
+}
+
+Result<std::vector<float>> ControlLevels::targets(const LevelChange& change, const std::vector<Present>& channels) const
+{
+    if (change.direction() != LevelChange::Direction::to)
+        return afterStep(change, channels);
+    const bool isAnyMovable = std::any_of(channels.begin(), channels.end(), isMovable);
+    std::vector<float> levels;
+    for (const Present& channel : channels)
+    {
+        if (isAnyMovable && !isMovable(channel))
+        {
+            levels.push_back(fixedLevel(channel));
+            continue;
+        }
+        const Result<float> level = targetLevel(m_subject, change, channel);
+        if (!level)
+            return level.problem();
+        levels.push_back(*level);
+    }
+    return levels;
+}
+
+Result<std::vector<float>> ControlLevels::afterStep(const LevelChange& change,
+                                                    const std::vector<Present>& channels) const
+{
+    std::vector<double> ways;
+    double share = 1.0; // of the step, as far as the channel with the least room can take it
+    for (const Present& channel : channels)
+    {
+        const Result<double> way = isMovable(channel) ? distance(m_subject, change, channel) : Result<double>(0.0);
+        if (!way)
+            return way.problem();
+        ways.push_back(*way);
+        if (*way != 0.0)
+            share = std::min(share, (static_cast<double>(levelAfter(*way, channel)) - *channel.level) / *way);
+    }
+    share = std::max(share, 0.0); // a level outside its range has no room
+    std::vector<float> levels;
+    for (std::size_t channel = 0; channel < channels.size(); ++channel)
+    {
+        const Present& now = channels[channel];
+        levels.push_back(isMovable(now) ? levelAfter(share * ways[channel], now) : fixedLevel(now));
+    }
+    return levels;
+}
+
+Present ControlLevels::present(unsigned channel) const
+{
+    float minimum = 0;
+    float maximum = 0;
+    float step = 0;
+    const std::optional<Problem> noRange =
+        judge("GetLevelRange", m_level.GetLevelRange(channel, &minimum, &maximum, &step));
+    float level = 0;
+    const std::optional<Problem> noLevel = judge("GetLevel", m_level.GetLevel(channel, &level));
+    return {noLevel ? *noLevel : finite(m_subject, level),
+            noRange ? *noRange : finite(m_subject, minimum, maximum, step)};
+}
+
+std::optional<Problem> ControlLevels::judge(const char* call, HRESULT result) const
+{
+    if (SUCCEEDED(result))
+        return std::nullopt;
+    return Problem::ofCall(std::string("IAudioVolumeLevel::") + call, m_subject.object, result);
+}
+}

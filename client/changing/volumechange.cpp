@@ -1,0 +1,131 @@
+#include "client/changing/volumechange.h"
+
+#include "client/changing/endpointlevel.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+namespace sonavit::changing
+{
+namespace
+{
+std::optional<Problem> volumeProblem(const Endpoint::Content& content)
+{
+    const auto found =
+        std::find_if(content.problems.begin(), content.problems.end(),
+                     [](const EndpointProblem& problem) { return problem.field == EndpointField::volume; });
+    return found == content.problems.end() ? std::nullopt : std::optional<Problem>(found->problem);
+}
+
+bool canHaveVolume(const Endpoint::Content& content)
+{
+    return !content.state || content.state == State::active || content.state == State::unplugged;
+}
+
+/// Why @p reading has no volume, after another attempt to activate it; no value if it has one.
+std::optional<Problem> missingVolume(reading::EndpointReading& reading, const Subject& subject)
+{
+    const Endpoint::Content& content = reading.content;
+    if (reading.volume == nullptr && canHaveVolume(content))
+        reading::readVolume(reading);
+    if (reading.volume != nullptr)
+        return std::nullopt;
+    if (std::optional<Problem> problem = volumeProblem(content))
+        return problem;
+    const std::string sentence = canHaveVolume(content)
+                                     ? "the endpoint has no volume control"
+                                     : std::string("an endpoint that is ") + wordsOf(*content.state) + " has no volume";
+    return Problem(Problem::Kind::notSupported, subject.operation, subject.object, sentence);
+}
+
+Result<Volume> readAgain(reading::EndpointReading& reading, const Subject& subject,
+                         const std::optional<Problem>& refusal)
+{
+    reading::readVolume(reading);
+    if (refusal)
+        return *refusal;
+    if (reading.content.volume)
+        return *reading.content.volume;
+    if (std::optional<Problem> problem = volumeProblem(reading.content))
+        return *problem;
+    return Problem(Problem::Kind::notSupported, subject.operation, subject.object,
+                   "the endpoint has no volume control any more");
+}
+
+std::optional<Problem> setMute(IAudioEndpointVolume& volume, const Subject& subject, MuteChange change,
+                               ChangeContext& context)
+{
+    BOOL isMuted = FALSE;
+    const HRESULT read = volume.GetMute(&isMuted);
+    if (FAILED(read) && change == MuteChange::toggle)
+        return Problem::ofCall("IAudioEndpointVolume::GetMute", subject.object, read);
+    const bool wanted = change == MuteChange::toggle ? isMuted == FALSE : change == MuteChange::on;
+    if (SUCCEEDED(read) && wanted == (isMuted != FALSE))
+        return std::nullopt;
+    const HRESULT result = volume.SetMute(wanted ? TRUE : FALSE, context.use());
+    if (FAILED(result))
+        return Problem::ofCall("IAudioEndpointVolume::SetMute", subject.object, result);
+    return std::nullopt;
+}
+
+std::optional<Problem> setChannels(IAudioEndpointVolume& volume, const Subject& subject, const FormerLevels& levels,
+                                   ChangeContext& context)
+{
+    std::optional<Problem> first;
+    for (unsigned channel = 0; channel < levels.channels.size(); ++channel)
+    {
+        if (!levels.channels[channel])
+            continue;
+        std::optional<Problem> problem =
+            EndpointLevel(volume, subject, context, channel).apply(*levels.channels[channel]);
+        if (!first)
+            first = std::move(problem);
+    }
+    return first;
+}
+
+std::optional<Decibels> highest(const std::vector<std::optional<Decibels>>& levels)
+{
+    return levels.empty() ? std::nullopt : *std::max_element(levels.begin(), levels.end());
+}
+}
+
+bool FormerLevels::isEmpty() const
+{
+    return !master && !highest(channels);
+}
+
+Result<Volume> changeVolume(reading::EndpointReading& reading, const LevelChange& change, ChangeContext& context)
+{
+    const Subject subject{"setVolume", reading.content.id.text()};
+    if (std::optional<Problem> problem = missingVolume(reading, subject))
+        return *problem;
+    EndpointLevel level(*reading.volume, subject, context, change.channel());
+    return readAgain(reading, subject, level.apply(change));
+}
+
+Result<Volume> changeMute(reading::EndpointReading& reading, MuteChange change, ChangeContext& context)
+{
+    const Subject subject{change == MuteChange::toggle ? "toggleMute" : "setMute", reading.content.id.text()};
+    if (std::optional<Problem> problem = missingVolume(reading, subject))
+        return *problem;
+    return readAgain(reading, subject, setMute(*reading.volume, subject, change, context));
+}
+
+Result<Volume> putBack(reading::EndpointReading& reading, const FormerLevels& levels, ChangeContext& context)
+{
+    const Subject subject{"restore", reading.content.id.text()};
+    if (std::optional<Problem> problem = missingVolume(reading, subject))
+        return *problem;
+    IAudioEndpointVolume& volume = *reading.volume;
+    UINT count = 0;
+    const HRESULT counted = volume.GetChannelCount(&count);
+    if (FAILED(counted))
+        return Problem::ofCall("IAudioEndpointVolume::GetChannelCount", subject.object, counted);
+    if (count == levels.channels.size() && highest(levels.channels))
+        return readAgain(reading, subject, setChannels(volume, subject, levels, context));
+    const std::optional<Decibels> master = levels.master ? levels.master : highest(levels.channels);
+    return readAgain(reading, subject, EndpointLevel(volume, subject, context, std::nullopt).apply(*master));
+}
+}

@@ -1,0 +1,74 @@
+#include "libSonavit/sysinfohelper.h"
+#include "tools/sonavit/accountrights.h"
+#include "tools/sonavit/commands/commands.h"
+#include "tools/sonavit/endpoint.h"
+#include "tools/sonavit/output/json.h"
+#include "tools/sonavit/output/table.h"
+#include "tools/sonavit/output/text.h"
+
+#include <algorithm>
+
+namespace sonavit::program
+{
+namespace
+{
+struct Answers
+{
+    bool analogOut;
+    bool digitalOut;
+    bool lineIn;
+    bool microphoneIn;
+};
+
+/// The helper's destructor uninitialises COM even if its constructor could not initialise it, as on this thread, which
+/// is in an apartment of another kind. The initialisation here makes up for that.
+Answers askHelper(const std::string& instanceId)
+{
+    CoInitialize(nullptr);
+    libSonavit::SysInfoHelper helper;
+    const qor::String id = qor::String::fromUtf8(instanceId);
+    return {helper.hasAnalogOut(id), helper.hasDigitalOut(id), helper.hasLineIn(id), helper.hasMicIn(id)};
+}
+
+/// The helper answers no for a card that does not exist.
+bool isKnown(const Context& context, const std::string& instanceId)
+{
+    const std::vector<Card> cards = readCards();
+    reportUnreadable(context, cards);
+    return std::any_of(cards.begin(), cards.end(),
+                       [&](const Card& card) { return equalNoCase(card.instanceId.value_or(""), instanceId); });
+}
+}
+
+void runAsk(Context& context)
+{
+    const std::string& instanceId = context.arguments.instanceId;
+    const Environment& environment = context.environment;
+    const bool isKnownCard = isKnown(context, instanceId); // first: the shared enumerator belongs to this thread
+    const Answers answers = askHelper(instanceId);
+    if (context.arguments.isJson)
+    {
+        const Json answer = Json::document({{"machine", context.session.machineName()},
+                                            {"instanceId", instanceId},
+                                            {"analogOut", answers.analogOut},
+                                            {"digitalOut", answers.digitalOut},
+                                            {"lineIn", answers.lineIn},
+                                            {"microphoneIn", answers.microphoneIn},
+                                            {"known", isKnownCard}});
+        environment.out << answer.text() << "\n";
+        return;
+    }
+    Table table({{Table::Column::Align::left, 0, 0, 0}, {}});
+    const auto add = [&](const char* question, bool answer) {
+        table.add({{question, Paint::none}, {answer ? "yes" : "no", answer ? Paint::green : Paint::dim}});
+    };
+    add("analog output", answers.analogOut);
+    add("digital output", answers.digitalOut);
+    add("line input", answers.lineIn);
+    add("microphone input", answers.microphoneIn);
+    for (const std::string& line : table.lines(0, environment.hasColours))
+        environment.out << line << "\n";
+    if (!isKnownCard)
+        environment.out << "No card has this instance id.\n";
+}
+}

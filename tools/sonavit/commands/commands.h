@@ -1,0 +1,28 @@
+/// The commands, one function each. They print their answer to the environment's output and throw OperationFailure or
+/// UsageError if they cannot do what they were asked for.
+#pragma once
+
+#include "tools/sonavit/session.h"
+
+namespace sonavit::program
+{
+/// What a command works with.
+struct Context
+{
+    const Environment& environment;
+    const Arguments& arguments;
+    Session& session;
+};
+
+void runList(Context& context);
+void runShow(Context& context);
+void runControls(Context& context);
+void runSelectors(Context& context);
+void runGraph(Context& context);
+void runAsk(Context& context);
+void runGetVolume(Context& context);
+void runSetVolume(Context& context);
+void runMute(Context& context);
+void runMonitor(Context& context);
+void runFormat(Context& context);
+}

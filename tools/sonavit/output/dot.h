@@ -1,0 +1,14 @@
+#pragma once
+
+#include "tools/sonavit/cardgraph.h"
+
+#include <string>
+
+namespace sonavit::program
+{
+/// @p text in quotation marks, as a Graphviz id or label.
+std::string dotQuoted(const std::string& text);
+
+/// The graph in Graphviz's DOT language: a cluster for each device, and in it a node for each part.
+std::string dotText(const CardGraph& graph, const std::string& title);
+}
