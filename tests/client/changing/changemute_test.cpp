@@ -67,8 +67,7 @@ TEST_F(ChangeMute, SetsAMuteThatCannotBeReadButDoesNotToggleIt)
     const Result<Volume> toggle = changeMute(reading, MuteChange::toggle, context);
 
     EXPECT_TRUE(on);
-    EXPECT_EQ(toggle.problem(),
-              Problem::ofCall("IAudioEndpointVolume::GetMute", machine.endpoint.id(), E_UNEXPECTED));
+    EXPECT_EQ(toggle.problem(), Problem::ofCall("IAudioEndpointVolume::GetMute", machine.endpoint.id(), E_UNEXPECTED));
     EXPECT_TRUE(simulation().machine().endpoints.front().volume->muted);
 }
 
@@ -91,9 +90,9 @@ TEST_F(ChangeMute, SaysThatAnEndpointHasNoVolume)
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
 
-    EXPECT_EQ(changeMute(reading, MuteChange::on, context).problem(),
-              Problem(Problem::Kind::notSupported, "setMute", machine.endpoint.id(),
-                      "the endpoint has no volume control"));
+    EXPECT_EQ(
+        changeMute(reading, MuteChange::on, context).problem(),
+        Problem(Problem::Kind::notSupported, "setMute", machine.endpoint.id(), "the endpoint has no volume control"));
     EXPECT_EQ(changeMute(reading, MuteChange::toggle, context).problem().operation(), "toggleMute");
 }
 }

@@ -19,13 +19,14 @@ using ChangeVolume = support::ChangingTest;
 
 TEST_F(ChangeVolume, SetsAPercentageAsTheScalarAndReturnsWhatIsReadAfterwards)
 {
-    OneEndpoint machine({-65.25f, 0.0f, 0.75f, {-30.0f, -30.0f}});
+    OneEndpoint machine(-65.25f, 0.0f, 0.75f, {-30.0f, -30.0f});
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
 
     const Result<Volume> result = changeVolume(reading, Percent(40), context);
 
-    EXPECT_THAT(setters(simulation()), ElementsAre("IAudioEndpointVolume::SetMasterVolumeLevelScalar(0.4, " + withContext()));
+    EXPECT_THAT(setters(simulation()),
+                ElementsAre("IAudioEndpointVolume::SetMasterVolumeLevelScalar(0.4, " + withContext()));
     ASSERT_TRUE(result);
     EXPECT_EQ(result->master.percent->rounded(), 40u);
     EXPECT_FLOAT_EQ(static_cast<float>(result->master.decibels->value()), -39.15f);
@@ -35,19 +36,20 @@ TEST_F(ChangeVolume, SetsAPercentageAsTheScalarAndReturnsWhatIsReadAfterwards)
 
 TEST_F(ChangeVolume, SetsDecibelsOfOneChannelAndLeavesTheOthersAlone)
 {
-    OneEndpoint machine({-65.25f, 0.0f, 0.75f, {-30.0f, -20.0f, -10.0f}});
+    OneEndpoint machine(-65.25f, 0.0f, 0.75f, {-30.0f, -20.0f, -10.0f});
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
 
     const Result<Volume> result = changeVolume(reading, LevelChange(Decibels(-12.5)).onChannel(1), context);
 
-    EXPECT_THAT(setters(simulation()), ElementsAre("IAudioEndpointVolume::SetChannelVolumeLevel(1, -12.5, " + withContext()));
+    EXPECT_THAT(setters(simulation()),
+                ElementsAre("IAudioEndpointVolume::SetChannelVolumeLevel(1, -12.5, " + withContext()));
     EXPECT_THAT(decibelsOf(result.value()), ElementsAre(-30.0, -12.5, -10.0));
 }
 
 TEST_F(ChangeVolume, SetsAPercentageOfOneChannel)
 {
-    OneEndpoint machine({-60.0f, 0.0f, 1.0f, std::vector<float>(8, -30.0f)});
+    OneEndpoint machine(-60.0f, 0.0f, 1.0f, std::vector<float>(8, -30.0f));
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
 
@@ -60,7 +62,7 @@ TEST_F(ChangeVolume, SetsAPercentageOfOneChannel)
 
 TEST_F(ChangeVolume, KeepsTheDistancesBetweenTheChannelsWhenAllChange)
 {
-    OneEndpoint machine({-60.0f, 0.0f, 1.0f, {-30.0f, -20.0f}});
+    OneEndpoint machine(-60.0f, 0.0f, 1.0f, {-30.0f, -20.0f});
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
 
@@ -71,7 +73,7 @@ TEST_F(ChangeVolume, KeepsTheDistancesBetweenTheChannelsWhenAllChange)
 
 TEST_F(ChangeVolume, RefusesDecibelsOutsideTheRangeAndNamesIt)
 {
-    OneEndpoint machine({-65.25f, 0.0f, 0.75f, {-30.0f, -30.0f}});
+    OneEndpoint machine(-65.25f, 0.0f, 0.75f, {-30.0f, -30.0f});
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
 
@@ -86,7 +88,7 @@ TEST_F(ChangeVolume, RefusesDecibelsOutsideTheRangeAndNamesIt)
 
 TEST_F(ChangeVolume, NamesTheRangeWithMoreDigitsIfTheyMatter)
 {
-    OneEndpoint machine({-65.25f, 0.0f, 0.75f, {-30.0f, -30.0f}});
+    OneEndpoint machine(-65.25f, 0.0f, 0.75f, {-30.0f, -30.0f});
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
 
@@ -111,12 +113,12 @@ TEST_F(ChangeVolume, RefusesInfiniteDecibels)
 
 TEST_F(ChangeVolume, TakesTheEndsOfARangeThatNoDecimalNumberExpresses)
 {
-    OneEndpoint machine({0.1f, 30.1f, 0.1f, {10.0f}});
+    OneEndpoint machine(0.1f, 30.1f, 0.1f, {10.0f});
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
 
-    const Result<Volume> lowest = changeVolume(reading, Decibels(0.1), context);
-    const Result<Volume> highest = changeVolume(reading, Decibels(30.1), context);
+    const Result<Volume> lowest = changeVolume(reading, LevelChange(Decibels(0.1)).onChannel(0), context);
+    const Result<Volume> highest = changeVolume(reading, LevelChange(Decibels(30.1)).onChannel(0), context);
 
     EXPECT_THAT(decibelsOf(lowest.value()), ElementsAre(double{0.1f}));
     EXPECT_THAT(decibelsOf(highest.value()), ElementsAre(double{30.1f}));
@@ -137,7 +139,7 @@ TEST_F(ChangeVolume, RefusesAChannelThatDoesNotExist)
 
 TEST_F(ChangeVolume, RefusesASecondChannelOfAMonoDevice)
 {
-    OneEndpoint machine({-60.0f, 0.0f, 1.0f, {-30.0f}});
+    OneEndpoint machine(-60.0f, 0.0f, 1.0f, {-30.0f});
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
 
@@ -188,7 +190,7 @@ TEST_F(ChangeVolume, ReportsWhyTheVolumeCannotBeActivated)
 
 TEST_F(ChangeVolume, TriesAgainToActivateAVolumeThatCouldNotBeActivated)
 {
-    OneEndpoint machine({-60.0f, 0.0f, 1.0f, {-30.0f}});
+    OneEndpoint machine(-60.0f, 0.0f, 1.0f, {-30.0f});
     play(machine.builder.build());
     simulation().faults().fail("IMMDevice::Activate").with("IAudioEndpointVolume").at(1);
     reading::EndpointReading reading = open(machine.endpoint.id());
@@ -200,8 +202,8 @@ TEST_F(ChangeVolume, TriesAgainToActivateAVolumeThatCouldNotBeActivated)
 
 TEST_F(ChangeVolume, TakesUpAnEndpointThatHasBecomeActiveSinceItWasRead)
 {
-    OneEndpoint machine({-60.0f, 0.0f, 1.0f, {-30.0f}});
-    machine.endpoint.notPresent();
+    OneEndpoint machine(-60.0f, 0.0f, 1.0f, {-30.0f});
+    machine.endpoint.disabled();
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
     simulation().events().plug(machine.endpoint.id());
@@ -213,7 +215,7 @@ TEST_F(ChangeVolume, TakesUpAnEndpointThatHasBecomeActiveSinceItWasRead)
 
 TEST_F(ChangeVolume, StopsStepsAtTheEndsOfTheRange)
 {
-    OneEndpoint machine({-60.0f, 0.0f, 1.0f, {-2.0f}});
+    OneEndpoint machine(-60.0f, 0.0f, 1.0f, {-2.0f});
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
 
@@ -228,7 +230,7 @@ TEST_F(ChangeVolume, StopsStepsAtTheEndsOfTheRange)
 
 TEST_F(ChangeVolume, AddsAndSubtractsPercentOfTheScalar)
 {
-    OneEndpoint machine({-65.25f, 0.0f, 0.75f, {-19.35f, -19.35f}});
+    OneEndpoint machine(-65.25f, 0.0f, 0.75f, {-19.35f, -19.35f});
     machine.endpoint.endpoint().volume->taper = sim::Taper::audio;
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
@@ -244,7 +246,7 @@ TEST_F(ChangeVolume, AddsAndSubtractsPercentOfTheScalar)
 
 TEST_F(ChangeVolume, UsesTheStepsOfTheDeviceForAllChannels)
 {
-    OneEndpoint machine({-60.0f, 0.0f, 1.5f, {-30.0f, -12.0f}});
+    OneEndpoint machine(-60.0f, 0.0f, 1.5f, {-30.0f, -12.0f});
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
 
@@ -260,7 +262,7 @@ TEST_F(ChangeVolume, UsesTheStepsOfTheDeviceForAllChannels)
 
 TEST_F(ChangeVolume, ReachesTheEndByStepsFromBetweenTwoSteps)
 {
-    OneEndpoint machine({-60.0f, 0.0f, 1.5f, {-0.6f}});
+    OneEndpoint machine(-60.0f, 0.0f, 1.5f, {-0.6f});
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
 
@@ -271,7 +273,7 @@ TEST_F(ChangeVolume, ReachesTheEndByStepsFromBetweenTwoSteps)
 
 TEST_F(ChangeVolume, UsesTheStepsOfTheRangeForOneChannel)
 {
-    OneEndpoint machine({-60.0f, 0.0f, 1.5f, {-30.0f, -12.0f}});
+    OneEndpoint machine(-60.0f, 0.0f, 1.5f, {-30.0f, -12.0f});
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
 
@@ -284,7 +286,7 @@ TEST_F(ChangeVolume, UsesTheStepsOfTheRangeForOneChannel)
 
 TEST_F(ChangeVolume, SaysThatOneChannelHasNoSteps)
 {
-    OneEndpoint machine({-60.0f, 0.0f, 0.0f, {-30.0f, -12.0f}});
+    OneEndpoint machine(-60.0f, 0.0f, 0.0f, {-30.0f, -12.0f});
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
 
@@ -320,7 +322,7 @@ const std::vector<Way>& allWays()
 
 TEST_F(ChangeVolume, ReportsTheSetterThatIsRefusedWithItsCode)
 {
-    OneEndpoint machine({-60.0f, 0.0f, 1.5f, {-30.0f, -12.0f}});
+    OneEndpoint machine(-60.0f, 0.0f, 1.5f, {-30.0f, -12.0f});
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
     const Volume before = reading.content.volume.value();
@@ -339,7 +341,7 @@ TEST_F(ChangeVolume, ReportsTheSetterThatIsRefusedWithItsCode)
 
 TEST_F(ChangeVolume, ReadsWhatIsThereAfterAStepInTheMiddleIsRefused)
 {
-    OneEndpoint machine({-60.0f, 0.0f, 1.5f, {-30.0f}});
+    OneEndpoint machine(-60.0f, 0.0f, 1.5f, {-30.0f});
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
     simulation().faults().fail("IAudioEndpointVolume::VolumeStepUp").at(3);
@@ -352,7 +354,7 @@ TEST_F(ChangeVolume, ReadsWhatIsThereAfterAStepInTheMiddleIsRefused)
 
 TEST_F(ChangeVolume, NeedsAReadableLevelForAStep)
 {
-    OneEndpoint machine({-60.0f, 0.0f, 1.5f, {-30.0f, -30.0f}});
+    OneEndpoint machine(-60.0f, 0.0f, 1.5f, {-30.0f, -30.0f});
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
     const auto codeWithout = [&](const char* call, const LevelChange& change)
@@ -375,7 +377,7 @@ TEST_F(ChangeVolume, NeedsAReadableLevelForAStep)
 
 TEST_F(ChangeVolume, LetsThePlatformDecideIfTheRangeOrTheChannelsCannotBeRead)
 {
-    OneEndpoint machine({-60.0f, 0.0f, 1.5f, {-30.0f, -30.0f}});
+    OneEndpoint machine(-60.0f, 0.0f, 1.5f, {-30.0f, -30.0f});
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
     simulation().faults().fail("IAudioEndpointVolume::GetVolumeRange");
@@ -394,7 +396,7 @@ TEST_F(ChangeVolume, LetsThePlatformDecideIfTheRangeOrTheChannelsCannotBeRead)
 
 TEST_F(ChangeVolume, ReportsThatTheDeviceVanishesBetweenReadingAndSetting)
 {
-    OneEndpoint machine({-60.0f, 0.0f, 1.5f, {-30.0f}});
+    OneEndpoint machine(-60.0f, 0.0f, 1.5f, {-30.0f});
     machine.builder.removedEndpoints(sim::RemovedEndpoints::unknown);
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
@@ -411,7 +413,7 @@ TEST_F(ChangeVolume, ReportsThatTheDeviceVanishesBetweenReadingAndSetting)
 
 TEST_F(ChangeVolume, ReportsThatTheDeviceVanishesAfterSetting)
 {
-    OneEndpoint machine({-60.0f, 0.0f, 1.5f, {-30.0f}});
+    OneEndpoint machine(-60.0f, 0.0f, 1.5f, {-30.0f});
     machine.builder.removedEndpoints(sim::RemovedEndpoints::unknown);
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
@@ -428,7 +430,7 @@ TEST_F(ChangeVolume, ReportsThatTheDeviceVanishesAfterSetting)
 
 TEST_F(ChangeVolume, ReportsALevelThatIsNoNumber)
 {
-    OneEndpoint machine({-60.0f, std::numeric_limits<float>::quiet_NaN(), 1.5f, {-30.0f}});
+    OneEndpoint machine(-60.0f, std::numeric_limits<float>::quiet_NaN(), 1.5f, {-30.0f});
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
 
@@ -442,10 +444,9 @@ TEST_F(ChangeVolume, ReportsALevelThatIsNoNumber)
 std::vector<sim::EndpointVolume> manyVolumes()
 {
     std::vector<sim::EndpointVolume> volumes;
-    const std::vector<std::vector<float>> ranges = {{-65.25f, 0.0f, 0.75f},   {-96.0f, 0.0f, 1.5f},
-                                                    {-96.1f, 12.3f, 0.1f},    {-34.5f, 30.0f, 0.03125f},
-                                                    {0.1f, 30.1f, 0.3f},      {-1e-3f, 1e-3f, 1e-5f},
-                                                    {-10000.0f, 0.0f, 0.37f}, {-60.0f, 0.0f, 0.0f}};
+    const std::vector<std::vector<float>> ranges = {
+        {-65.25f, 0.0f, 0.75f}, {-96.0f, 0.0f, 1.5f},   {-96.1f, 12.3f, 0.1f},    {-34.5f, 30.0f, 0.03125f},
+        {0.1f, 30.1f, 0.3f},    {-1e-3f, 1e-3f, 1e-5f}, {-10000.0f, 0.0f, 0.37f}, {-60.0f, 0.0f, 0.0f}};
     for (const std::vector<float>& range : ranges)
     {
         const float width = range[1] - range[0];
@@ -457,7 +458,7 @@ std::vector<sim::EndpointVolume> manyVolumes()
             levels.push_back(range[0] + static_cast<float>(step) * range[2]);
         for (const sim::Taper taper : {sim::Taper::linear, sim::Taper::audio})
         {
-            sim::EndpointVolume volume{range[0], range[1], range[2], levels};
+            sim::EndpointVolume volume = support::volumeOf(range[0], range[1], range[2], levels);
             volume.taper = taper;
             volumes.push_back(std::move(volume));
         }
@@ -517,7 +518,7 @@ TEST_F(ChangeVolume, GivesEveryLevelBackInDecibelsAfterItWasAnother)
 
 TEST_F(ChangeVolume, SetsTheFloatThatIsReadAsThePercentage)
 {
-    OneEndpoint machine({-65.25f, 0.0f, 0.75f, {-30.0f}});
+    OneEndpoint machine(-65.25f, 0.0f, 0.75f, {-30.0f});
     play(machine.builder.build());
     reading::EndpointReading reading = open(machine.endpoint.id());
     for (float scalar = std::nextafter(0.0f, 1.0f); scalar < 1.0f; scalar = scalar * 1.37f + 1e-7f)

@@ -6,8 +6,10 @@
 #include "simulator/machine/valuetext.h"
 #include "tests/support/clienttest.h"
 
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace support
@@ -42,9 +44,23 @@ inline std::vector<double> decibelsOf(const sonavit::Volume& volume)
     return levels;
 }
 
+inline sim::EndpointVolume volumeOf(float minimum, float maximum, float step, std::vector<float> channels)
+{
+    sim::EndpointVolume volume;
+    volume.minimum = minimum;
+    volume.maximum = maximum;
+    volume.step = step;
+    volume.channels = std::move(channels);
+    return volume;
+}
+
 /// A machine with one endpoint.
 struct OneEndpoint
 {
+    OneEndpoint(float minimum, float maximum, float step, std::vector<float> channels)
+        : OneEndpoint(volumeOf(minimum, maximum, step, std::move(channels)))
+    {
+    }
     explicit OneEndpoint(const sim::EndpointVolume& volume = {}) : endpoint(builder.card("Analog Audio").speaker())
     {
         endpoint.volume(volume);
@@ -60,7 +76,7 @@ class ChangingTest : public ClientTest
 protected:
     void TearDown() override
     {
-        m_enumerator = nullptr;
+        m_enumerator.reset();
         m_com.reset();
         ClientTest::TearDown();
     }
@@ -70,10 +86,10 @@ protected:
     {
         if (!m_com)
             m_com.emplace();
-        if (m_enumerator.get() == nullptr)
-            m_enumerator = sonavit::reading::createEnumerator().value();
+        if (m_enumerator == nullptr)
+            m_enumerator = std::make_unique<Enumerator>(sonavit::reading::createEnumerator().value());
         sonavit::reading::EndpointReading reading =
-            sonavit::reading::openEndpoint(*m_enumerator, sonavit::EndpointId(id)).value();
+            sonavit::reading::openEndpoint(**m_enumerator, sonavit::EndpointId(id)).value();
         sonavit::reading::readEndpoint(reading);
         simulation().journal().clear();
         return reading;
@@ -82,7 +98,9 @@ protected:
     sonavit::changing::ChangeContext context{someContext};
 
 private:
+    using Enumerator = sonavit::reading::Enumerator;
+
     std::optional<ComOnThisThread> m_com;
-    sonavit::reading::Enumerator m_enumerator;
+    std::unique_ptr<Enumerator> m_enumerator; // the handle's own destructor may throw
 };
 }
