@@ -13,7 +13,7 @@ namespace sim
 ///
 /// - `CoCreateInstance`, `CoCreateInstanceEx` and `CoGetClassObject`: the class `MMDeviceEnumerator` is the machine's,
 ///   all other classes are the system's;
-/// - `waveOutGetNumDevs`, `waveOutMessage` and `waveInMessage`.
+/// - `waveOutGetNumDevs`, `waveInGetNumDevs`, `waveOutMessage` and `waveInMessage`.
 ///
 /// While no machine runs, the system answers. Journal and fault plan see the calls as they do off Windows; the journal
 /// records the three ways to the enumerator as `CoCreateInstance`, when an object is created. A thread without COM gets

@@ -12,14 +12,19 @@ bool isAt(const Present& present, float level)
     return present.level && *present.level == level;
 }
 
-/// A channel whose range has one level cannot move, and keeps the others from nothing.
+/// A channel whose range has one level stays out of changes of all channels.
 bool isMovable(const Present& present)
 {
     return !present.range || present.range->maximum > present.range->minimum;
 }
+
+float fixedLevel(const Present& present)
+{
+    return static_cast<float>(present.range->minimum);
+}
 }
 
-ControlLevels::ControlLevels(IAudioVolumeLevel& level, const Subject& subject, const GUID& context)
+ControlLevels::ControlLevels(IAudioVolumeLevel& level, const Subject& subject, ChangeContext& context)
     : m_level(level),
       m_subject(subject),
       m_context(context)
@@ -52,30 +57,71 @@ std::optional<Problem> ControlLevels::changeOne(const LevelChange& change, unsig
         return target.problem();
     if (isAt(now, *target))
         return std::nullopt;
-    return judge("SetLevel", m_level.SetLevel(channel, *target, &m_context));
+    return judge("SetLevel", m_level.SetLevel(channel, *target, m_context.use()));
 }
 
 std::optional<Problem> ControlLevels::changeAll(const LevelChange& change, unsigned count)
+{
+    const std::vector<Present> channels = presentOf(count);
+    Result<std::vector<float>> levels = targets(change, channels);
+    if (!levels)
+        return levels.problem();
+    return setAll(channels, *std::move(levels));
+}
+
+std::optional<Problem> ControlLevels::set(const std::vector<std::optional<Decibels>>& levels)
+{
+    const std::optional<Decibels> highest = *std::max_element(levels.begin(), levels.end());
+    UINT count = 0;
+    if (std::optional<Problem> problem = judge("GetChannelCount", m_level.GetChannelCount(&count)))
+        return problem;
+    if (count != levels.size())
+        return apply(*highest);
+    const std::vector<Present> channels = presentOf(count);
+    std::vector<float> targets;
+    for (std::size_t channel = 0; channel < channels.size(); ++channel)
+    {
+        const Present& now = channels[channel];
+        const Result<float> target = levels[channel] ? targetLevel(m_subject, *levels[channel], now) : now.level;
+        if (!target)
+            return target.problem();
+        targets.push_back(*target);
+    }
+    return setAll(channels, std::move(targets));
+}
+
+std::optional<Problem> ControlLevels::setAll(const std::vector<Present>& channels, std::vector<float> levels)
+{
+    if (std::equal(channels.begin(), channels.end(), levels.begin(), isAt))
+        return std::nullopt;
+    if (levels.size() == 1)
+        return judge("SetLevel", m_level.SetLevel(0, levels.front(), m_context.use()));
+    return judge("SetLevelAllChannels",
+                 m_level.SetLevelAllChannels(levels.data(), static_cast<ULONG>(levels.size()), m_context.use()));
+}
+
+std::vector<Present> ControlLevels::presentOf(unsigned count) const
 {
     std::vector<Present> channels;
     channels.reserve(count);
     for (unsigned channel = 0; channel < count; ++channel)
         channels.push_back(present(channel));
-    Result<std::vector<float>> levels = targets(change, channels);
-    if (!levels)
-        return levels.problem();
-    if (std::equal(channels.begin(), channels.end(), levels->begin(), isAt))
-        return std::nullopt;
-    return judge("SetLevelAllChannels", m_level.SetLevelAllChannels(levels->data(), count, &m_context));
+    return channels;
 }
 
 Result<std::vector<float>> ControlLevels::targets(const LevelChange& change, const std::vector<Present>& channels) const
 {
     if (change.direction() != LevelChange::Direction::to)
         return afterStep(change, channels);
+    const bool isAnyMovable = std::any_of(channels.begin(), channels.end(), isMovable);
     std::vector<float> levels;
     for (const Present& channel : channels)
     {
+        if (isAnyMovable && !isMovable(channel))
+        {
+            levels.push_back(fixedLevel(channel));
+            continue;
+        }
         const Result<float> level = targetLevel(m_subject, change, channel);
         if (!level)
             return level.problem();
@@ -103,8 +149,7 @@ Result<std::vector<float>> ControlLevels::afterStep(const LevelChange& change,
     for (std::size_t channel = 0; channel < channels.size(); ++channel)
     {
         const Present& now = channels[channel];
-        levels.push_back(isMovable(now) ? levelAfter(share * ways[channel], now)
-                                        : static_cast<float>(now.range->minimum));
+        levels.push_back(isMovable(now) ? levelAfter(share * ways[channel], now) : fixedLevel(now));
     }
     return levels;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "client/changing/changecontext.h"
 #include "client/changing/leveltarget.h"
 #include "platform/coreaudio.h"
 #include "sonavit/levelchange.h"
@@ -21,12 +22,17 @@ class ControlLevels
 {
 public:
     /// @p level, @p subject and @p context must outlive it.
-    ControlLevels(IAudioVolumeLevel& level, const Subject& subject, const GUID& context);
+    ControlLevels(IAudioVolumeLevel& level, const Subject& subject, ChangeContext& context);
 
     /// @return why the change was not made; no value if all calls succeeded
     std::optional<Problem> apply(const LevelChange& change);
 
+    /// Gives each channel its level; one without a value keeps its own. If there are more or fewer channels than
+    /// levels, all channels get the highest of the levels.
+    std::optional<Problem> set(const std::vector<std::optional<Decibels>>& levels);
+
 private:
+    std::vector<Present> presentOf(unsigned count) const;
     Present present(unsigned channel) const;
     std::optional<Problem> changeOne(const LevelChange& change, unsigned channel);
     std::optional<Problem> changeAll(const LevelChange& change, unsigned count);
@@ -34,10 +40,11 @@ private:
     Result<std::vector<float>> afterStep(const LevelChange& change, const std::vector<Present>& channels) const;
     Result<std::vector<float>> targets(const LevelChange& change, const std::vector<Present>& channels) const;
 
+    std::optional<Problem> setAll(const std::vector<Present>& channels, std::vector<float> levels);
     std::optional<Problem> judge(const char* call, HRESULT result) const;
 
     IAudioVolumeLevel& m_level;
     const Subject& m_subject;
-    const GUID& m_context;
+    ChangeContext& m_context;
 };
 }

@@ -6,7 +6,7 @@
 
 namespace sonavit::changing
 {
-EndpointLevel::EndpointLevel(IAudioEndpointVolume& volume, const Subject& subject, const GUID& context,
+EndpointLevel::EndpointLevel(IAudioEndpointVolume& volume, const Subject& subject, ChangeContext& context,
                              std::optional<unsigned> channel)
     : m_volume(volume),
       m_subject(subject),
@@ -49,8 +49,8 @@ std::optional<Problem> EndpointLevel::applyScalar(LevelChange::Direction directi
         return std::nullopt;
     if (m_channel)
         return judge("SetChannelVolumeLevelScalar",
-                     m_volume.SetChannelVolumeLevelScalar(*m_channel, *target, &m_context));
-    return judge("SetMasterVolumeLevelScalar", m_volume.SetMasterVolumeLevelScalar(*target, &m_context));
+                     m_volume.SetChannelVolumeLevelScalar(*m_channel, *target, m_context.use()));
+    return judge("SetMasterVolumeLevelScalar", m_volume.SetMasterVolumeLevelScalar(*target, m_context.use()));
 }
 
 std::optional<Problem> EndpointLevel::applyDecibels(const LevelChange& change)
@@ -62,8 +62,8 @@ std::optional<Problem> EndpointLevel::applyDecibels(const LevelChange& change)
     if (now.level && *now.level == *target)
         return std::nullopt;
     if (m_channel)
-        return judge("SetChannelVolumeLevel", m_volume.SetChannelVolumeLevel(*m_channel, *target, &m_context));
-    return judge("SetMasterVolumeLevel", m_volume.SetMasterVolumeLevel(*target, &m_context));
+        return judge("SetChannelVolumeLevel", m_volume.SetChannelVolumeLevel(*m_channel, *target, m_context.use()));
+    return judge("SetMasterVolumeLevel", m_volume.SetMasterVolumeLevel(*target, m_context.use()));
 }
 
 std::optional<Problem> EndpointLevel::takeSteps(bool isUp, unsigned count)
@@ -80,8 +80,8 @@ std::optional<Problem> EndpointLevel::takeSteps(bool isUp, unsigned count)
     }
     for (; count > 0; --count)
     {
-        std::optional<Problem> problem = isUp ? judge("VolumeStepUp", m_volume.VolumeStepUp(&m_context))
-                                              : judge("VolumeStepDown", m_volume.VolumeStepDown(&m_context));
+        std::optional<Problem> problem = isUp ? judge("VolumeStepUp", m_volume.VolumeStepUp(m_context.use()))
+                                              : judge("VolumeStepDown", m_volume.VolumeStepDown(m_context.use()));
         if (problem)
             return problem;
     }

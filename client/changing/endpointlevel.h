@@ -1,5 +1,6 @@
 #pragma once
 
+#include "client/changing/changecontext.h"
 #include "client/changing/leveltarget.h"
 #include "platform/coreaudio.h"
 #include "sonavit/levelchange.h"
@@ -18,7 +19,7 @@ class EndpointLevel
 {
 public:
     /// @p volume, @p subject and @p context must outlive it.
-    EndpointLevel(IAudioEndpointVolume& volume, const Subject& subject, const GUID& context,
+    EndpointLevel(IAudioEndpointVolume& volume, const Subject& subject, ChangeContext& context,
                   std::optional<unsigned> channel);
 
     /// @return why the change was not made; no value if all calls succeeded
@@ -38,7 +39,7 @@ private:
 
     IAudioEndpointVolume& m_volume;
     const Subject& m_subject;
-    const GUID& m_context;
+    ChangeContext& m_context;
     std::optional<unsigned> m_channel;
 };
 }

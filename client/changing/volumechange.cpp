@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 namespace sonavit::changing
 {
@@ -53,24 +54,49 @@ Result<Volume> readAgain(reading::EndpointReading& reading, const Subject& subje
 }
 
 std::optional<Problem> setMute(IAudioEndpointVolume& volume, const Subject& subject, MuteChange change,
-                               const GUID& context)
+                               ChangeContext& context)
 {
-    BOOL isMuted = change == MuteChange::on ? TRUE : FALSE;
-    if (change == MuteChange::toggle)
-    {
-        const HRESULT result = volume.GetMute(&isMuted);
-        if (FAILED(result))
-            return Problem::ofCall("IAudioEndpointVolume::GetMute", subject.object, result);
-        isMuted = isMuted == FALSE ? TRUE : FALSE;
-    }
-    const HRESULT result = volume.SetMute(isMuted, &context);
+    BOOL isMuted = FALSE;
+    const HRESULT read = volume.GetMute(&isMuted);
+    if (FAILED(read) && change == MuteChange::toggle)
+        return Problem::ofCall("IAudioEndpointVolume::GetMute", subject.object, read);
+    const bool wanted = change == MuteChange::toggle ? isMuted == FALSE : change == MuteChange::on;
+    if (SUCCEEDED(read) && wanted == (isMuted != FALSE))
+        return std::nullopt;
+    const HRESULT result = volume.SetMute(wanted ? TRUE : FALSE, context.use());
     if (FAILED(result))
         return Problem::ofCall("IAudioEndpointVolume::SetMute", subject.object, result);
     return std::nullopt;
 }
+
+std::optional<Problem> setChannels(IAudioEndpointVolume& volume, const Subject& subject, const FormerLevels& levels,
+                                   ChangeContext& context)
+{
+    std::optional<Problem> first;
+    for (unsigned channel = 0; channel < levels.channels.size(); ++channel)
+    {
+        if (!levels.channels[channel])
+            continue;
+        std::optional<Problem> problem =
+            EndpointLevel(volume, subject, context, channel).apply(*levels.channels[channel]);
+        if (!first)
+            first = std::move(problem);
+    }
+    return first;
 }
 
-Result<Volume> changeVolume(reading::EndpointReading& reading, const LevelChange& change, const GUID& context)
+std::optional<Decibels> highest(const std::vector<std::optional<Decibels>>& levels)
+{
+    return levels.empty() ? std::nullopt : *std::max_element(levels.begin(), levels.end());
+}
+}
+
+bool FormerLevels::isEmpty() const
+{
+    return !master && !highest(channels);
+}
+
+Result<Volume> changeVolume(reading::EndpointReading& reading, const LevelChange& change, ChangeContext& context)
 {
     const Subject subject{"setVolume", reading.content.id.text()};
     if (std::optional<Problem> problem = missingVolume(reading, subject))
@@ -79,11 +105,27 @@ Result<Volume> changeVolume(reading::EndpointReading& reading, const LevelChange
     return readAgain(reading, subject, level.apply(change));
 }
 
-Result<Volume> changeMute(reading::EndpointReading& reading, MuteChange change, const GUID& context)
+Result<Volume> changeMute(reading::EndpointReading& reading, MuteChange change, ChangeContext& context)
 {
     const Subject subject{change == MuteChange::toggle ? "toggleMute" : "setMute", reading.content.id.text()};
     if (std::optional<Problem> problem = missingVolume(reading, subject))
         return *problem;
     return readAgain(reading, subject, setMute(*reading.volume, subject, change, context));
+}
+
+Result<Volume> putBack(reading::EndpointReading& reading, const FormerLevels& levels, ChangeContext& context)
+{
+    const Subject subject{"restore", reading.content.id.text()};
+    if (std::optional<Problem> problem = missingVolume(reading, subject))
+        return *problem;
+    IAudioEndpointVolume& volume = *reading.volume;
+    UINT count = 0;
+    const HRESULT counted = volume.GetChannelCount(&count);
+    if (FAILED(counted))
+        return Problem::ofCall("IAudioEndpointVolume::GetChannelCount", subject.object, counted);
+    if (count == levels.channels.size() && highest(levels.channels))
+        return readAgain(reading, subject, setChannels(volume, subject, levels, context));
+    const std::optional<Decibels> master = levels.master ? levels.master : highest(levels.channels);
+    return readAgain(reading, subject, EndpointLevel(volume, subject, context, std::nullopt).apply(*master));
 }
 }

@@ -22,11 +22,25 @@ using Enumerator = COMPtr<IMMDeviceEnumerator>::pointer;
 /// An endpoint as it was read, with the platform's objects behind it and what only grouping needs.
 struct EndpointReading
 {
-    Endpoint::Content content;          ///< roles, wave id and incarnation are filled in by others
+    /// Roles, wave id and incarnation are filled in by others. The problems are put together anew by each reading, in
+    /// the order of the fields.
+    Endpoint::Content content;
     std::optional<std::string> adapter; ///< id of the device that its first connector leads to
     std::optional<std::string> bus;     ///< name of its device's enumerator
     COMPtr<IMMDevice>::pointer device;
-    COMPtr<IAudioEndpointVolume>::pointer volume; ///< nil for an endpoint without volume
+    /// Nil for an endpoint without volume. Reading lets go of it when the endpoint loses its volume or its device is
+    /// replaced; who is registered with it keeps a handle of its own.
+    COMPtr<IAudioEndpointVolume>::pointer volume;
+
+    Jack namedJack;               ///< the kind of jack that the properties name; type and form factor alone
+    std::vector<Jack> foundJacks; ///< the jacks behind the first connector
+
+    // What each reading could not read.
+    std::vector<Problem> stateProblems;
+    std::vector<EndpointProblem> propertyProblems;
+    std::vector<Problem> volumeProblems;
+    std::vector<Problem> jackProblems;
+    std::vector<Problem> busProblems; ///< for the card
 };
 
 /// The endpoints of both flows in the platform's order, outputs first: opened, with id and flow, and nothing else read.
@@ -36,14 +50,14 @@ struct Listing
     std::vector<Problem> problems; ///< a flow that cannot be listed, an item that cannot be opened
 };
 
-/// The ids of the defaults, by flow and role; empty if there is none.
+/// The ids of the defaults, by flow and role; empty if there is none, or if it could not be asked for.
 struct Defaults
 {
     std::array<std::array<EndpointId, 3>, 2> ids;
     std::vector<Problem> problems;
 };
 
-/// The endpoint ids of the wave functions' device numbers, by flow.
+/// The endpoint ids of the wave functions' device numbers, by flow; empty for a number whose endpoint is not known.
 struct WaveIds
 {
     std::array<std::vector<EndpointId>, 2> ids;
@@ -61,11 +75,13 @@ Result<EndpointReading> openEndpoint(IMMDeviceEnumerator& enumerator, const Endp
 void readState(EndpointReading& reading);
 /// Names, ids, format, speakers, container, and the kind of jack that the properties name.
 void readProperties(EndpointReading& reading);
-/// Activates the volume if it has not been activated, and reads it. Only for endpoints that are active or unplugged.
+/// Activates the volume if it has not been activated, and reads it. Endpoints that are neither active nor unplugged
+/// have none; the platform is not asked then.
 void readVolume(EndpointReading& reading);
-/// The jacks behind the first connector. Only for endpoints that are active or unplugged.
+/// The jacks behind the first connector, and the adapter that it leads to. Endpoints that are neither active nor
+/// unplugged have none; the platform is not asked then.
 void readJacks(EndpointReading& reading);
-/// All four; volume and jacks only where the state allows them.
+/// All four.
 void readEndpoint(EndpointReading& reading);
 
 Defaults readDefaults(IMMDeviceEnumerator& enumerator);

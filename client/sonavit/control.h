@@ -95,7 +95,9 @@ inline bool operator!=(const Selector& left, const Selector& right)
 {
     return !(left == right);
 }
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const ControlChannel& channel);
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Control& control);
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const SelectorInput& input);
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Selector& selector);
 }
 }

@@ -216,6 +216,7 @@ SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, State state);
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, Role role);
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, Roles roles);
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, EndpointField field);
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const EndpointProblem& problem);
 /// All fields with a value, on one line.
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Endpoint& endpoint);
 }

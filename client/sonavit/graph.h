@@ -104,6 +104,9 @@ inline bool operator!=(const Graph& left, const Graph& right)
 {
     return !(left == right);
 }
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Graph::Part& part);
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Graph::Device& device);
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Graph::Edge& edge);
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Graph& graph);
 
 SONAVIT_CLIENT_API const char* keyOf(Graph::Device::Kind kind) noexcept;

@@ -35,7 +35,9 @@ public:
     /// @param operation the call: "IMMDevice::OpenPropertyStore"
     /// @param object the id of the object that it was called on; may be empty
     /// @param code the HRESULT, or the MMRESULT of a wave function
-    static Problem ofCall(std::string operation, std::string object, std::int32_t code);
+    /// @param sentence one line without a full stop; empty for "IMMDevice::OpenPropertyStore failed: 0x80070005, access
+    /// denied"
+    static Problem ofCall(std::string operation, std::string object, std::int32_t code, std::string sentence = {});
 
     /// Anything else.
     /// @param operation of the layer: "setVolume"
@@ -49,8 +51,8 @@ public:
     std::int32_t code() const noexcept { return m_code; }
     /// "0x80070005", or empty if no platform call failed.
     std::string codeText() const;
-    /// One line for a person, without a full stop: "IMMDevice::OpenPropertyStore failed: access denied (0x80070005)".
-    std::string sentence() const;
+    /// One line for a person, without a full stop.
+    const std::string& sentence() const noexcept { return m_sentence; }
 
 private:
     Kind m_kind;
@@ -69,7 +71,7 @@ inline bool operator!=(const Problem& left, const Problem& right) noexcept
 }
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Problem& problem);
 
-/// What an HRESULT means, in words with its number: "access denied (0x80070005)", "0x8889000F" if it has none.
+/// What an HRESULT means: "0x80070005, access denied"; the number alone if there are no words for it.
 SONAVIT_CLIENT_API std::string reasonText(std::int32_t code);
 }
 }

@@ -167,6 +167,7 @@ inline bool operator!=(const Snapshot& left, const Snapshot& right)
 {
     return !(left == right);
 }
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Hardware& hardware);
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Snapshot& snapshot);
 
 SONAVIT_CLIENT_API const char* keyOf(Service service) noexcept;

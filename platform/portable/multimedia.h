@@ -26,6 +26,7 @@ inline constexpr UINT DRV_QUERYFUNCTIONINSTANCEID = 0x811;
 inline constexpr UINT DRV_QUERYFUNCTIONINSTANCEIDSIZE = 0x812;
 
 SONAVIT_PLATFORM_FUNCTION UINT WINAPI waveOutGetNumDevs();
+SONAVIT_PLATFORM_FUNCTION UINT WINAPI waveInGetNumDevs();
 /// @p device is a handle, or a device number in the handle's place.
 SONAVIT_PLATFORM_FUNCTION MMRESULT WINAPI waveOutMessage(HWAVEOUT device, UINT message, DWORD_PTR first,
                                                          DWORD_PTR second);

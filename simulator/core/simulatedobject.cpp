@@ -171,15 +171,18 @@ void SimulatedObject::reportForbiddenRelease(std::size_t place) const
 
 HRESULT SimulatedObject::storeText(const char* operation, const Text& text, LPWSTR* result) const
 {
-    if (!text)
-        return S_OK;
-    *result = TaskMemory::instance().allocateText(*text, m_state->number, std::string(operation) + " " + m_name);
+    return text ? storeText(operation, *text, result) : S_OK;
+}
+
+HRESULT SimulatedObject::storeText(const char* operation, const std::string& text, LPWSTR* result) const
+{
+    *result = TaskMemory::instance().allocateText(text, m_state->number, {operation, m_name});
     return *result == nullptr ? E_OUTOFMEMORY : S_OK;
 }
 
 void* SimulatedObject::allocate(const char* operation, std::size_t bytes) const
 {
-    return TaskMemory::instance().allocate(bytes, m_state->number, std::string(operation) + " " + m_name);
+    return TaskMemory::instance().allocate(bytes, m_state->number, {operation, m_name});
 }
 
 bool SimulatedObject::isWatched() const

@@ -66,6 +66,7 @@ protected:
 
     /// Stores a copy of @p text in task memory; a null pointer if @p text has no value.
     HRESULT storeText(const char* operation, const Text& text, LPWSTR* result) const;
+    HRESULT storeText(const char* operation, const std::string& text, LPWSTR* result) const;
     void* allocate(const char* operation, std::size_t bytes) const;
 
 private:

@@ -114,7 +114,7 @@ Census State::census() const
     SimulatedObject::count(*this, census);
     for (const TaskMemory::Block& block : TaskMemory::instance().outstanding(number))
     {
-        ++census.taskMemory[block.origin];
+        ++census.taskMemory[block.origin.text()];
         census.taskBytes += static_cast<long>(block.bytes);
     }
 

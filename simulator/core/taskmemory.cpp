@@ -24,7 +24,7 @@ struct TaskMemory::Ledger
     std::unordered_map<void*, Entry> entries;
 
     /// Removes @p memory and stores its origin; false if it is not listed.
-    bool remove(void* memory, std::string& origin)
+    bool remove(void* memory, Origin& origin)
     {
         const std::lock_guard<Mutex> lock(mutex);
         const auto found = entries.find(memory);
@@ -42,7 +42,7 @@ TaskMemory::TaskMemory() : m_ledger(new Ledger)
     systemmemory::watchFrees(
         [ledger = m_ledger](void* memory)
         {
-            std::string origin;
+            Origin origin;
             ledger->remove(memory, origin);
         });
 }
@@ -53,7 +53,7 @@ TaskMemory& TaskMemory::instance()
     return *memory;
 }
 
-void* TaskMemory::allocate(std::size_t bytes, std::uint64_t owner, std::string origin)
+void* TaskMemory::allocate(std::size_t bytes, std::uint64_t owner, Origin origin)
 {
     // The unique pointer frees the block if there is no memory for its entry.
     std::unique_ptr<void, decltype(&systemmemory::free)> memory(systemmemory::allocate(bytes), &systemmemory::free);
@@ -64,11 +64,11 @@ void* TaskMemory::allocate(std::size_t bytes, std::uint64_t owner, std::string o
     return memory.release();
 }
 
-std::string TaskMemory::free(void* memory)
+TaskMemory::Origin TaskMemory::free(void* memory)
 {
-    std::string origin;
+    Origin origin;
     if (!m_ledger->remove(memory, origin))
-        return "unknown block";
+        return {"unknown block", std::nullopt};
     systemmemory::free(memory);
     return origin;
 }
@@ -85,7 +85,7 @@ std::vector<TaskMemory::Block> TaskMemory::outstanding(std::uint64_t owner) cons
     return result;
 }
 
-WCHAR* TaskMemory::allocateText(const std::string& text, std::uint64_t owner, std::string origin)
+WCHAR* TaskMemory::allocateText(const std::string& text, std::uint64_t owner, Origin origin)
 {
     const std::vector<WCHAR> units = utf16(text);
     auto* const copy = static_cast<WCHAR*>(allocate(units.size() * sizeof(WCHAR), owner, std::move(origin)));

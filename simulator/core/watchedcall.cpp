@@ -8,9 +8,15 @@ namespace sim
 {
 namespace
 {
+bool startsWith(const char* text, const char* start)
+{
+    return std::strncmp(text, start, std::strlen(start)) == 0;
+}
+
 bool concernsClients(const char* operation)
 {
-    return std::strstr(operation, "::Register") != nullptr || std::strstr(operation, "::Unregister") != nullptr;
+    const char* const name = std::strchr(operation, ':');
+    return name != nullptr && (startsWith(name, "::Register") || startsWith(name, "::Unregister"));
 }
 }
 

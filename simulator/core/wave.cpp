@@ -54,18 +54,28 @@ MMRESULT send(const char* function, std::vector<WaveDevice> Machine::*devices, s
     };
     return static_cast<MMRESULT>(runtimeCall(function, outputs(), answer, id, message));
 }
+
+UINT count(const char* function, std::vector<WaveDevice> Machine::*devices)
+{
+    const auto answer = [&](const std::shared_ptr<State>& state) -> HRESULT
+    {
+        if (state == nullptr)
+            return 0;
+        return state->withHardware([&](const Hardware& hardware)
+                                   { return static_cast<HRESULT>((hardware.machine().*devices).size()); });
+    };
+    return static_cast<UINT>(runtimeCall(function, outputs(), answer));
+}
 }
 
 UINT countOutputs()
 {
-    const auto answer = [](const std::shared_ptr<State>& state) -> HRESULT
-    {
-        if (state == nullptr)
-            return 0;
-        return state->withHardware([](const Hardware& hardware)
-                                   { return static_cast<HRESULT>(hardware.machine().waveOut.size()); });
-    };
-    return static_cast<UINT>(runtimeCall("waveOutGetNumDevs", outputs(), answer));
+    return count("waveOutGetNumDevs", &Machine::waveOut);
+}
+
+UINT countInputs()
+{
+    return count("waveInGetNumDevs", &Machine::waveIn);
 }
 
 MMRESULT sendToOutput(std::size_t id, UINT message, DWORD_PTR first, DWORD_PTR second)

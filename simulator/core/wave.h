@@ -15,8 +15,10 @@ std::size_t idOf(Handle device)
     return static_cast<std::size_t>(reinterpret_cast<DWORD_PTR>(device));
 }
 
-// What waveOutGetNumDevs, waveOutMessage and waveInMessage return. Without a machine there are no devices.
+// What waveOutGetNumDevs, waveInGetNumDevs, waveOutMessage and waveInMessage return. Without a machine there are no
+// devices.
 UINT countOutputs();
+UINT countInputs();
 MMRESULT sendToOutput(std::size_t id, UINT message, DWORD_PTR first, DWORD_PTR second);
 MMRESULT sendToInput(std::size_t id, UINT message, DWORD_PTR first, DWORD_PTR second);
 }

@@ -32,6 +32,18 @@ std::optional<Value> valueOf(const Names<Value, Size>& names, std::string_view n
     return std::nullopt;
 }
 
+/// Whether the table contains @p value.
+template<class Value, std::size_t Size>
+bool hasName(const Names<Value, Size>& names, const Value& value)
+{
+    for (const Named<Value>& named : names)
+    {
+        if (named.value == value)
+            return true;
+    }
+    return false;
+}
+
 /// The name of @p value; empty if the table does not contain it.
 template<class Value, std::size_t Size>
 std::string nameOf(const Names<Value, Size>& names, const Value& value)

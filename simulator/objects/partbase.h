@@ -59,10 +59,9 @@ public:
                           [&]
                           {
                               return read(
-                                  [&](const Part& part)
-                                  {
-                                      const Text id = part.reportsId ? Text(part.id) : Text();
-                                      return this->storeText("IPart::GetGlobalId", id, globalId);
+                                  [&](const Part& part) {
+                                      return part.reportsId ? this->storeText("IPart::GetGlobalId", part.id, globalId)
+                                                            : S_OK;
                                   });
                           });
     }

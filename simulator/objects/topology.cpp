@@ -6,6 +6,18 @@ namespace sim
 {
 namespace
 {
+/// A part as an argument: its global id in the journal if it is one of the machine's.
+struct PartArgument
+{
+    IPart* part;
+    const SimulatedObject* object;
+};
+
+std::string argumentText(const PartArgument& argument)
+{
+    return argument.object == nullptr ? presenceText(argument.part) : argument.object->name();
+}
+
 /// The hardware graph of one device.
 class TopologyObject final : public ComObject<IDeviceTopology>
 {
@@ -110,7 +122,7 @@ public:
                 return E_POINTER;
             if (first == nullptr || last == nullptr)
                 return E_NOINTERFACE;
-            std::vector<std::string> ids = {last->name()};
+            std::vector<std::string> ids;
             const HRESULT result = state()->withHardware(
                 [&](Hardware& hardware) -> HRESULT
                 {
@@ -121,24 +133,20 @@ public:
                         hardware.signalPath(*device, first->name(), last->name(), rejectMixed != FALSE);
                     if (path == nullptr)
                         return E_NOTFOUND;
+                    ids.push_back(last->name());
                     ids.insert(ids.end(), path->through.rbegin(), path->through.rend());
+                    ids.push_back(first->name());
                     return S_OK;
                 });
-            ids.push_back(first->name());
             if (SUCCEEDED(result))
                 *parts = makePartsList(state(), first->name(), std::move(ids));
             return result;
         };
-        return call("IDeviceTopology::GetSignalPath", outputs(parts), answer, partText(from, first), partText(to, last),
-                    rejectMixed);
+        return call("IDeviceTopology::GetSignalPath", outputs(parts), answer, PartArgument{from, first},
+                    PartArgument{to, last}, rejectMixed);
     }
 
 private:
-    static std::string partText(IPart* part, const SimulatedObject* object)
-    {
-        return object == nullptr ? presenceText(part) : object->name();
-    }
-
     template<class Action>
     HRESULT read(const Action& action)
     {

@@ -61,7 +61,7 @@ LPVOID WINAPI CoTaskMemAlloc(SIZE_T bytes)
     const auto answer = [&](const std::shared_ptr<State>& state) -> HRESULT
     {
         const std::uint64_t owner = state == nullptr ? 0 : state->number;
-        memory = TaskMemory::instance().allocate(bytes, owner, "CoTaskMemAlloc");
+        memory = TaskMemory::instance().allocate(bytes, owner, {"CoTaskMemAlloc", std::nullopt});
         return memory == nullptr ? E_OUTOFMEMORY : S_OK;
     };
     runtimeCall("CoTaskMemAlloc", outputs(), answer, bytes);
@@ -71,7 +71,8 @@ LPVOID WINAPI CoTaskMemAlloc(SIZE_T bytes)
 /// The journal records the origin of the block as the argument.
 void WINAPI CoTaskMemFree(LPVOID memory)
 {
-    const std::string origin = memory == nullptr ? "null" : TaskMemory::instance().free(memory);
+    const TaskMemory::Origin null = {"null", std::nullopt};
+    const TaskMemory::Origin origin = memory == nullptr ? null : TaskMemory::instance().free(memory);
     runtimeNotice(
         "CoTaskMemFree", [](State*) {}, origin);
 }

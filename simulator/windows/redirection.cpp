@@ -97,11 +97,19 @@ HRESULT WINAPI redirectedClassObject(REFCLSID clsid, DWORD context, LPVOID serve
                                                  : enumeratorFactory().QueryInterface(iid, object);
 }
 
-UINT WINAPI redirectedCount()
+UINT WINAPI redirectedOutputCount()
 {
     if (hasMachine())
         return wave::countOutputs();
     static const auto systems = systemFunction<decltype(waveOutGetNumDevs)>(waveLibrary, "waveOutGetNumDevs");
+    return systems();
+}
+
+UINT WINAPI redirectedInputCount()
+{
+    if (hasMachine())
+        return wave::countInputs();
+    static const auto systems = systemFunction<decltype(waveInGetNumDevs)>(waveLibrary, "waveInGetNumDevs");
     return systems();
 }
 
@@ -136,10 +144,11 @@ void* address(Function* function)
 /// Null if the machine does not answer for the function.
 void* replacementOf(const char* name)
 {
-    static const std::array<Replacement, 6> replacements = {{{"CoCreateInstance", address(redirectedCreate)},
+    static const std::array<Replacement, 7> replacements = {{{"CoCreateInstance", address(redirectedCreate)},
                                                              {"CoCreateInstanceEx", address(redirectedCreateEx)},
                                                              {"CoGetClassObject", address(redirectedClassObject)},
-                                                             {"waveOutGetNumDevs", address(redirectedCount)},
+                                                             {"waveOutGetNumDevs", address(redirectedOutputCount)},
+                                                             {"waveInGetNumDevs", address(redirectedInputCount)},
                                                              {"waveOutMessage", address(redirectedToOutput)},
                                                              {"waveInMessage", address(redirectedToInput)}}};
     const auto* const found = std::find_if(replacements.begin(), replacements.end(),

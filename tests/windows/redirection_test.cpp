@@ -230,11 +230,14 @@ TEST(RedirectionOfTheSimulatorsModule, RecordsNoCallOfTheSimulatorItself)
 
     sim::Machine machine = twoCards();
     machine.waveOut.resize(7);
+    machine.waveIn.resize(3);
 
     sim::Simulation simulation(machine);
 
     EXPECT_EQ(0u, simulation.journal().count("waveOutGetNumDevs"));
     EXPECT_EQ(7u, waveOutGetNumDevs());
     EXPECT_EQ(1u, simulation.journal().count("waveOutGetNumDevs"));
+    EXPECT_EQ(3u, waveInGetNumDevs());
+    EXPECT_EQ(1u, simulation.journal().count("waveInGetNumDevs"));
     CoUninitialize();
 }

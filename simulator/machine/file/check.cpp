@@ -7,6 +7,7 @@
 #include "simulator/machine/valuetext.h"
 
 #include <cmath>
+#include <set>
 #include <utility>
 
 namespace sim
@@ -15,16 +16,36 @@ namespace
 {
 constexpr std::uint32_t allHardwareSupport = 1 | 2 | 4;
 constexpr std::uint32_t longestPeriod = 50000000; // 5 s in units of 100 ns: the platform refuses longer ones
+
+struct KeyHash
+{
+    std::size_t operator()(const PROPERTYKEY& key) const { return key.fmtid.Data1 ^ std::size_t{key.pid} << 8; }
+};
+
+using Keys = std::unordered_set<PROPERTYKEY, KeyHash, decltype(&sameKey)>;
+}
+
+std::string FilePlace::pointer() const
+{
+    if (m_outer == nullptr)
+        return {};
+    std::string result = m_outer->pointer();
+    if (m_key != nullptr)
+        return result + pointerStep(keyText(*m_key));
+    result.append("/").append(m_field);
+    if (m_index)
+        result.append("/").append(std::to_string(*m_index));
+    return result;
 }
 
 std::vector<MachineProblem> MachineCheck::run()
 {
-    requireName(accountNames, m_machine.account, "/account");
-    requireName(removedEndpointsNames, m_machine.removedEndpoints, "/removedEndpoints");
-    requireName(callbackThreadNames, m_machine.callbackThread, "/callbackThread");
-    requireName(latencyPresetNames, m_machine.latencyPreset, "/latencyPreset");
-    requireName(notPresentNamesNames, m_machine.notPresentNames, "/notPresentNames");
-    requireName(captureAccessNames, m_machine.captureAccess, "/captureAccess");
+    requireName(accountNames, m_machine.account, FilePlace(m_file, "account"));
+    requireName(removedEndpointsNames, m_machine.removedEndpoints, FilePlace(m_file, "removedEndpoints"));
+    requireName(callbackThreadNames, m_machine.callbackThread, FilePlace(m_file, "callbackThread"));
+    requireName(latencyPresetNames, m_machine.latencyPreset, FilePlace(m_file, "latencyPreset"));
+    requireName(notPresentNamesNames, m_machine.notPresentNames, FilePlace(m_file, "notPresentNames"));
+    requireName(captureAccessNames, m_machine.captureAccess, FilePlace(m_file, "captureAccess"));
     devices();
     hardwareControls();
     defaults();
@@ -41,69 +62,74 @@ void MachineCheck::devices()
     for (std::size_t index = 0; index < m_machine.endpoints.size(); ++index)
     {
         const Endpoint& endpoint = m_machine.endpoints[index];
-        const std::string place = inner("/endpoints", index);
+        const FilePlace place(m_file, "endpoints", index);
+        m_endpoints.emplace(endpoint.id, &endpoint);
         device(endpoint, place);
-        requireName(flowNames, endpoint.flow, inner(place, "flow"));
+        requireName(flowNames, endpoint.flow, FilePlace(place, "flow"));
         if (endpoint.volume)
-            endpointVolume(*endpoint.volume, inner(place, "volume"));
+            endpointVolume(*endpoint.volume, FilePlace(place, "volume"));
         if (endpoint.periods)
-            periods(*endpoint.periods, inner(place, "periods"));
+            periods(*endpoint.periods, FilePlace(place, "periods"));
     }
     for (std::size_t index = 0; index < m_machine.adapters.size(); ++index)
-        device(m_machine.adapters[index], inner("/adapters", index));
+        device(m_machine.adapters[index], FilePlace(m_file, "adapters", index));
 }
 
-void MachineCheck::device(const Device& device, const std::string& place)
+void MachineCheck::device(const Device& device, const FilePlace& place)
 {
-    requireNew(m_deviceIds, device.id, inner(place, "id"));
-    require((device.state & ~allStates) == 0, inner(place, "state"), stateRange, std::to_string(device.state));
-    properties(device.properties, inner(place, "properties"));
+    requireNewId(m_devices, device, place);
+    if ((device.state & ~allStates) != 0)
+        report(FilePlace(place, "state"), stateRange, std::to_string(device.state));
+    properties(device.properties, FilePlace(place, "properties"));
     if (device.topology)
-        topology(*device.topology, inner(place, "topology"));
+        topology(*device.topology, FilePlace(place, "topology"));
 }
 
-void MachineCheck::properties(const Properties& properties, const std::string& place)
+void MachineCheck::properties(const Properties& properties, const FilePlace& place)
 {
-    std::set<std::string> keys;
+    Keys keys(properties.size(), KeyHash(), &sameKey);
     for (const Property& property : properties)
     {
-        const std::string key = keyText(property.key);
-        require(keys.insert(key).second, place, "each property once", "duplicate " + inQuotes(key));
-        propertyValue(property.value, place + pointerStep(key));
+        if (!keys.insert(property.key).second)
+            report(place, "each property once", "duplicate " + inQuotes(keyText(property.key)));
+        propertyValue(property.value, FilePlace(place, property.key));
     }
 }
 
-void MachineCheck::propertyValue(const PropertyValue& value, const std::string& place)
+void MachineCheck::propertyValue(const PropertyValue& value, const FilePlace& place)
 {
-    const bool isNumber = !nameOf(numberTagNames, value.tag).empty();
-    const bool isKnown = isNumber || value.tag == VT_EMPTY || value.tag == VT_LPWSTR || value.tag == VT_BLOB ||
-                         value.tag == VT_R4 || value.tag == VT_CLSID;
-    require(isKnown, place, "an empty value, a string, a number, a GUID or a blob",
-            "the tag " + std::to_string(value.tag));
-    require(value.tag == VT_UI8 || value.number <= UINT32_MAX, place, "a number of 32 bits, or the tag VT_UI8",
-            std::to_string(value.number));
+    const bool isKnown = hasName(numberTagNames, value.tag) || value.tag == VT_EMPTY || value.tag == VT_LPWSTR ||
+                         value.tag == VT_BLOB || value.tag == VT_R4 || value.tag == VT_CLSID;
+    if (!isKnown)
+        report(place, "an empty value, a string, a number, a GUID or a blob", "the tag " + std::to_string(value.tag));
+    if (value.tag != VT_UI8 && value.number > UINT32_MAX)
+        report(place, "a number of 32 bits, or the tag VT_UI8", std::to_string(value.number));
 }
 
-void MachineCheck::periods(const DevicePeriods& periods, const std::string& place)
+void MachineCheck::periods(const DevicePeriods& periods, const FilePlace& place)
 {
-    require(periods.usual > 0 && periods.usual <= longestPeriod, inner(place, "default"),
-            "a period from 1 to " + std::to_string(longestPeriod), std::to_string(periods.usual));
-    require(periods.minimum > 0 && periods.minimum <= periods.usual, inner(place, "minimum"),
-            "a period from 1 to the default", std::to_string(periods.minimum));
+    if (periods.usual == 0 || periods.usual > longestPeriod)
+        report(FilePlace(place, "default"), "a period from 1 to " + std::to_string(longestPeriod),
+               std::to_string(periods.usual));
+    if (periods.minimum == 0 || periods.minimum > periods.usual)
+        report(FilePlace(place, "minimum"), "a period from 1 to the default", std::to_string(periods.minimum));
 }
 
-void MachineCheck::endpointVolume(const EndpointVolume& volume, const std::string& place)
+void MachineCheck::endpointVolume(const EndpointVolume& volume, const FilePlace& place)
 {
     range(volume.minimum, volume.maximum, volume.step, place);
-    requireName(taperNames, volume.taper, inner(place, "taper"));
-    channelCount(volume.channels.size(), inner(place, "channels"));
+    requireName(taperNames, volume.taper, FilePlace(place, "taper"));
+    channelCount(volume.channels.size(), FilePlace(place, "channels"));
     for (std::size_t index = 0; index < volume.channels.size(); ++index)
-        level(volume.channels[index], volume.minimum, volume.maximum, inner(inner(place, "channels"), index));
-    require((volume.hardwareSupport & ~allHardwareSupport) == 0, inner(place, "hardwareSupport"), "a sum of 1, 2 and 4",
-            std::to_string(volume.hardwareSupport));
+        level(volume.channels[index], volume.minimum, volume.maximum, FilePlace(place, "channels", index));
+    if ((volume.hardwareSupport & ~allHardwareSupport) != 0)
+        report(FilePlace(place, "hardwareSupport"), "a sum of 1, 2 and 4", std::to_string(volume.hardwareSupport));
     for (std::size_t index = 0; index < volume.refused.size(); ++index)
-        require(isEndpointVolumeOperation(volume.refused[index]), inner(inner(place, "refused"), index),
-                "an operation of IAudioEndpointVolume", inQuotes(volume.refused[index]));
+    {
+        if (!isEndpointVolumeOperation(volume.refused[index]))
+            report(FilePlace(place, "refused", index), "an operation of IAudioEndpointVolume",
+                   inQuotes(volume.refused[index]));
+    }
 }
 
 void MachineCheck::defaults()
@@ -112,13 +138,14 @@ void MachineCheck::defaults()
     for (std::size_t index = 0; index < m_machine.endpoints.size(); ++index)
     {
         const Endpoint& endpoint = m_machine.endpoints[index];
+        const FilePlace endpointPlace(m_file, "endpoints", index);
         for (std::size_t role = 0; role < endpoint.defaultFor.size(); ++role)
         {
-            const std::string place = inner(inner(inner("/endpoints", index), "defaultFor"), role);
+            const FilePlace place(endpointPlace, "defaultFor", role);
             requireName(roleNames, endpoint.defaultFor[role], place);
-            require(taken.insert({endpoint.flow, endpoint.defaultFor[role]}).second, place,
-                    "a role that no other endpoint of this flow has",
-                    "duplicate " + inQuotes(nameOf(roleNames, endpoint.defaultFor[role])));
+            if (!taken.insert({endpoint.flow, endpoint.defaultFor[role]}).second)
+                report(place, "a role that no other endpoint of this flow has",
+                       "duplicate " + inQuotes(nameOf(roleNames, endpoint.defaultFor[role])));
         }
     }
 }
@@ -128,46 +155,51 @@ void MachineCheck::joins()
     for (std::size_t index = 0; index < m_machine.joins.size(); ++index)
     {
         const Join& join = m_machine.joins[index];
-        const std::string place = inner("/joins", index);
-        connectorId(join.from, inner(place, "from"));
-        if (join.to.empty())
-            require(join.toDevice.has_value(), place, "\"to\" or \"toDevice\"", "an object without them");
-        else
-            connectorId(join.to, inner(place, "to"));
-        require(join.from != join.to, inner(place, "to"), "another connector than \"from\"", inQuotes(join.to));
+        const FilePlace place(m_file, "joins", index);
+        connectorId(join.from, FilePlace(place, "from"));
+        if (!join.to.empty())
+            connectorId(join.to, FilePlace(place, "to"));
+        else if (!join.toDevice)
+            report(place, "\"to\" or \"toDevice\"", "an object without them");
+        if (join.from == join.to)
+            report(FilePlace(place, "to"), "another connector than \"from\"", inQuotes(join.to));
     }
 }
 
-void MachineCheck::connectorId(const std::string& id, const std::string& place)
+void MachineCheck::connectorId(const std::string& id, const FilePlace& place)
 {
-    require(m_connectorIds.count(id) != 0, place, "the id of a connector", inQuotes(id));
+    if (m_connectorIds.count(id) == 0)
+        report(place, "the id of a connector", inQuotes(id));
 }
 
 void MachineCheck::deviceInstances()
 {
-    std::set<std::string> known;
+    std::unordered_map<std::string_view, const DeviceInstance*> known;
     for (std::size_t index = 0; index < m_machine.deviceInstances.size(); ++index)
-        requireNew(known, m_machine.deviceInstances[index].id, inner(inner("/deviceInstances", index), "id"));
+        requireNewId(known, m_machine.deviceInstances[index], FilePlace(m_file, "deviceInstances", index));
 }
 
-void MachineCheck::range(float minimum, float maximum, float step, const std::string& place)
+void MachineCheck::range(float minimum, float maximum, float step, const FilePlace& place)
 {
     const bool isRange = std::isfinite(minimum) && std::isfinite(maximum) && minimum < maximum;
-    require(isRange, place, "a minimum below the maximum", decimal(minimum) + " to " + decimal(maximum));
-    require(step > 0.0f && step <= maximum - minimum, inner(place, "step"), "a step above 0 that fits into the range",
-            decimal(step));
+    if (!isRange)
+        report(place, "a minimum below the maximum", decimal(minimum) + " to " + decimal(maximum));
+    const bool isStep = step > 0.0f && step <= maximum - minimum;
+    if (!isStep)
+        report(FilePlace(place, "step"), "a step above 0 that fits into the range", decimal(step));
 }
 
-void MachineCheck::level(float level, float minimum, float maximum, const std::string& place)
+void MachineCheck::level(float level, float minimum, float maximum, const FilePlace& place)
 {
-    require(level >= minimum && level <= maximum, place, "a level from " + decimal(minimum) + " to " + decimal(maximum),
-            decimal(level));
+    const bool isInRange = level >= minimum && level <= maximum;
+    if (!isInRange)
+        report(place, "a level from " + decimal(minimum) + " to " + decimal(maximum), decimal(level));
 }
 
-void MachineCheck::channelCount(std::size_t count, const std::string& place)
+void MachineCheck::channelCount(std::size_t count, const FilePlace& place)
 {
-    require(count >= 1 && count <= maximumChannels, place, "1 to " + std::to_string(maximumChannels) + " channels",
-            std::to_string(count));
+    if (count < 1 || count > maximumChannels)
+        report(place, "1 to " + std::to_string(maximumChannels) + " channels", std::to_string(count));
 }
 
 std::vector<MachineProblem> checkMachine(const Machine& machine)

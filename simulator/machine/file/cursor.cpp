@@ -6,7 +6,6 @@
 #include "simulator/machine/valuetext.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace sim
 {
@@ -26,11 +25,18 @@ bool hasKey(const ObjectRule& rule, const std::string& name)
 }
 }
 
-JsonCursor::JsonCursor(const JsonValue& value, const std::string& file, std::string pointer)
-    : m_value(&value),
-      m_file(&file),
-      m_pointer(std::move(pointer))
+JsonCursor::JsonCursor(const JsonValue& document, const std::string& file)
+    : m_value(&document),
+      m_document(&document),
+      m_file(&file)
 {
+}
+
+JsonCursor JsonCursor::at(const JsonValue& value) const
+{
+    JsonCursor result = *this;
+    result.m_value = &value;
+    return result;
 }
 
 void JsonCursor::requireKeys(const ObjectRule& rule) const
@@ -41,8 +47,7 @@ void JsonCursor::requireKeys(const ObjectRule& rule) const
     {
         const std::string& key = m_value->keys[index];
         if (!hasKey(rule, key))
-            throw MachineFileError(*m_file, m_value->elements[index].line, 0, m_pointer + pointerStep(key),
-                                   "one of the keys " + keyList(rule), "the key " + inQuotes(key));
+            at(m_value->elements[index]).fail("one of the keys " + keyList(rule), "the key " + inQuotes(key));
     }
     for (const KeyRule* key : rule.keys)
     {
@@ -51,24 +56,20 @@ void JsonCursor::requireKeys(const ObjectRule& rule) const
     }
 }
 
-std::optional<JsonCursor> JsonCursor::find(const std::string& key) const
+std::optional<JsonCursor> JsonCursor::find(std::string_view key) const
 {
     const JsonValue* member = m_value->member(key);
-    if (member == nullptr)
-        return std::nullopt;
-    return JsonCursor(*member, *m_file, m_pointer + pointerStep(key));
+    return member == nullptr ? std::nullopt : std::make_optional(at(*member));
 }
 
-std::vector<std::pair<std::string, JsonCursor>> JsonCursor::members() const
+std::vector<JsonCursor::Member> JsonCursor::members() const
 {
     if (!isObject())
         fail("an object");
-    std::vector<std::pair<std::string, JsonCursor>> result;
+    std::vector<Member> result;
+    result.reserve(m_value->keys.size());
     for (std::size_t index = 0; index < m_value->keys.size(); ++index)
-    {
-        const std::string& key = m_value->keys[index];
-        result.emplace_back(key, JsonCursor(m_value->elements[index], *m_file, m_pointer + pointerStep(key)));
-    }
+        result.push_back({m_value->keys[index], at(m_value->elements[index])});
     return result;
 }
 
@@ -77,8 +78,9 @@ std::vector<JsonCursor> JsonCursor::elements() const
     if (m_value->kind != JsonValue::Kind::array)
         fail("a list");
     std::vector<JsonCursor> result;
-    for (std::size_t index = 0; index < m_value->elements.size(); ++index)
-        result.emplace_back(m_value->elements[index], *m_file, m_pointer + "/" + std::to_string(index));
+    result.reserve(m_value->elements.size());
+    for (const JsonValue& element : m_value->elements)
+        result.push_back(at(element));
     return result;
 }
 
@@ -190,7 +192,7 @@ void JsonCursor::fail(const std::string& expected) const
 
 void JsonCursor::fail(const std::string& expected, const std::string& found) const
 {
-    throw MachineFileError(*m_file, m_value->line, 0, m_pointer, expected, found);
+    throw MachineFileError(*m_file, m_value->line, 0, m_document->pointerTo(*m_value), expected, found);
 }
 
 std::string shown(const JsonValue& value)

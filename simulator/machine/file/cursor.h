@@ -1,5 +1,5 @@
 /// @file
-/// A position in a machine file: a value, the file and line that it comes from and the JSON pointer that leads to it.
+/// A position in a machine file: a value and the document that contains it.
 #pragma once
 
 #include "simulator/machine/file/json.h"
@@ -10,24 +10,28 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <utility>
+#include <string_view>
 #include <vector>
 
 namespace sim
 {
 /// Each reading operation returns the value as one type, and throws MachineFileError if it is of another kind or out of
 /// range. The tree and the file's name must outlive the cursor.
+///
+/// A cursor is cheap to make and to copy: it looks for the way to its value only when there is an error to report.
 class JsonCursor
 {
 public:
-    JsonCursor(const JsonValue& value, const std::string& file, std::string pointer = {});
+    struct Member;
+
+    /// The position of the whole document.
+    JsonCursor(const JsonValue& document, const std::string& file);
 
     /// Requires an object with all required keys of @p rule and without keys that it does not have.
     void requireKeys(const ObjectRule& rule) const;
     /// A member of an object.
-    std::optional<JsonCursor> find(const std::string& key) const;
-    /// The members of an object, with their keys.
-    std::vector<std::pair<std::string, JsonCursor>> members() const;
+    std::optional<JsonCursor> find(std::string_view key) const;
+    std::vector<Member> members() const;
     /// The elements of an array.
     std::vector<JsonCursor> elements() const;
 
@@ -63,9 +67,19 @@ public:
     [[noreturn]] void fail(const std::string& expected, const std::string& found) const;
 
 private:
+    /// The position of @p value in the same document.
+    JsonCursor at(const JsonValue& value) const;
+
     const JsonValue* m_value;
+    const JsonValue* m_document;
     const std::string* m_file;
-    std::string m_pointer;
+};
+
+/// A member of an object. The key is that of the tree.
+struct JsonCursor::Member
+{
+    const std::string& key;
+    JsonCursor value;
 };
 
 /// @p value as messages show it: on one line and not too long.

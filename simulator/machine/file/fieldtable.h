@@ -89,8 +89,7 @@ class FieldTable
 public:
     /// @param name of the object's definition in the schema
     explicit FieldTable(std::string name, std::string description = {})
-        : m_name(std::move(name)),
-          m_description(std::move(description))
+        : m_rule{std::move(name), std::move(description), {}}
     {
     }
 
@@ -128,21 +127,14 @@ public:
         return addField(new FunctionField<Object, Read, Write, IsEqual>(std::move(key), read, write, isEqual));
     }
 
-    const std::string& name() const { return m_name; }
+    const std::string& name() const { return m_rule.name; }
 
-    /// The keys, valid as long as the table does not change.
-    ObjectRule rule() const
-    {
-        ObjectRule result = {m_name, m_description, {}};
-        for (const auto& field : m_fields)
-            result.keys.push_back(&field->key);
-        return result;
-    }
+    const ObjectRule& rule() const { return m_rule; }
 
     /// The object that @p cursor describes; what it leaves out is as in @p start. Throws MachineFileError.
     Object read(const JsonCursor& cursor, Object start = Object()) const
     {
-        cursor.requireKeys(rule());
+        cursor.requireKeys(m_rule);
         for (const auto& field : m_fields)
         {
             if (const auto value = cursor.find(field->key.name))
@@ -183,11 +175,11 @@ private:
     FieldTable& addField(const Field<Object>* field)
     {
         m_fields.push_back(std::shared_ptr<const Field<Object>>(field));
+        m_rule.keys.push_back(&field->key);
         return *this;
     }
 
-    std::string m_name;
-    std::string m_description;
+    ObjectRule m_rule; ///< its keys belong to the fields, which copies of the table share
     std::vector<std::shared_ptr<const Field<Object>>> m_fields;
 };
 }

@@ -11,7 +11,8 @@ void MachineCheck::hardwareControls()
     for (std::size_t index = 0; index < m_machine.endpoints.size(); ++index)
     {
         const std::optional<EndpointVolume>& volume = m_machine.endpoints[index].volume;
-        const std::string place = inner(inner("/endpoints", index), "volume");
+        const FilePlace endpoint(m_file, "endpoints", index);
+        const FilePlace place(endpoint, "volume");
         if (volume && !volume->hardware.volume.empty())
             hardwareVolume(*volume, place);
         if (volume && !volume->hardware.mute.empty())
@@ -19,39 +20,50 @@ void MachineCheck::hardwareControls()
     }
 }
 
-void MachineCheck::hardwareVolume(const EndpointVolume& volume, const std::string& place)
+void MachineCheck::hardwareVolume(const EndpointVolume& volume, const FilePlace& place)
 {
-    const std::string partPlace = inner(inner(place, "hardware"), "volume");
-    const PartPlace part = m_machine.part(volume.hardware.volume);
-    const bool hasLevels = part && part->volume;
-    if (!require(hasLevels, partPlace, "the id of a part with a volume", inQuotes(volume.hardware.volume)))
+    const auto part = m_parts.find(volume.hardware.volume);
+    if (part == m_parts.end() || !part->second->volume)
+    {
+        const FilePlace hardware(place, "hardware");
+        report(FilePlace(hardware, "volume"), "the id of a part with a volume", inQuotes(volume.hardware.volume));
         return;
-    const std::vector<ChannelLevel>& channels = part->volume->channels;
-    if (!require(channels.size() == volume.channels.size(), inner(place, "channels"),
-                 "the " + std::to_string(channels.size()) + " channels of the part that implements them",
-                 std::to_string(volume.channels.size())))
+    }
+    const std::vector<ChannelLevel>& channels = part->second->volume->channels;
+    if (channels.size() != volume.channels.size())
+    {
+        report(FilePlace(place, "channels"),
+               "the " + std::to_string(channels.size()) + " channels of the part that implements them",
+               std::to_string(volume.channels.size()));
         return;
+    }
     for (std::size_t index = 0; index < channels.size(); ++index)
     {
         const ChannelLevel& channel = channels[index];
         const bool isRange =
             channel.minimum == volume.minimum && channel.maximum == volume.maximum && channel.step == volume.step;
-        require(isRange, place, "the range of the part that implements it",
-                decimal(volume.minimum) + " to " + decimal(volume.maximum) + " by " + decimal(volume.step));
+        if (!isRange)
+            report(place, "the range of the part that implements it",
+                   decimal(volume.minimum) + " to " + decimal(volume.maximum) + " by " + decimal(volume.step));
         // The part is at a step, the endpoint may be between two.
-        require(std::abs(channel.level - volume.channels[index]) <= channel.step / 2.0f,
-                inner(inner(place, "channels"), index), "the level of the part that implements it",
-                decimal(volume.channels[index]));
+        const bool isLevel = std::abs(channel.level - volume.channels[index]) <= channel.step / 2.0f;
+        if (!isLevel)
+            report(FilePlace(place, "channels", index), "the level of the part that implements it",
+                   decimal(volume.channels[index]));
     }
 }
 
-void MachineCheck::hardwareMute(const EndpointVolume& volume, const std::string& place)
+void MachineCheck::hardwareMute(const EndpointVolume& volume, const FilePlace& place)
 {
-    const PartPlace part = m_machine.part(volume.hardware.mute);
-    const bool hasMute = part && part->mute;
-    if (require(hasMute, inner(inner(place, "hardware"), "mute"), "the id of a part with a mute",
-                inQuotes(volume.hardware.mute)))
-        require(part->mute->muted == volume.muted, inner(place, "muted"), "the mute of the part that implements it",
-                volume.muted ? "true" : "false");
+    const auto part = m_parts.find(volume.hardware.mute);
+    if (part == m_parts.end() || !part->second->mute)
+    {
+        const FilePlace hardware(place, "hardware");
+        report(FilePlace(hardware, "mute"), "the id of a part with a mute", inQuotes(volume.hardware.mute));
+    }
+    else if (part->second->mute->muted != volume.muted)
+    {
+        report(FilePlace(place, "muted"), "the mute of the part that implements it", volume.muted ? "true" : "false");
+    }
 }
 }

@@ -5,6 +5,25 @@
 
 namespace sim
 {
+namespace
+{
+/// Appends the steps from @p value to @p part; returns whether there are any.
+bool appendSteps(const JsonValue& value, const JsonValue& part, std::string& pointer)
+{
+    if (&value == &part)
+        return true;
+    const std::size_t length = pointer.size();
+    for (std::size_t index = 0; index < value.elements.size(); ++index)
+    {
+        pointer += value.stepTo(index);
+        if (appendSteps(value.elements[index], part, pointer))
+            return true;
+        pointer.resize(length);
+    }
+    return false;
+}
+}
+
 JsonValue JsonValue::ofBoolean(bool value)
 {
     JsonValue result;
@@ -61,12 +80,24 @@ const JsonValue& JsonValue::nearest(const std::string& pointer) const
 {
     for (std::size_t index = 0; index < elements.size(); ++index)
     {
-        const std::string step = kind == Kind::object ? pointerStep(keys[index]) : "/" + std::to_string(index);
+        const std::string step = stepTo(index);
         const bool isPrefix = pointer.compare(0, step.size(), step) == 0;
         if (isPrefix && (pointer.size() == step.size() || pointer[step.size()] == '/'))
             return elements[index].nearest(pointer.substr(step.size()));
     }
     return *this;
+}
+
+std::string JsonValue::pointerTo(const JsonValue& part) const
+{
+    std::string pointer;
+    appendSteps(*this, part, pointer);
+    return pointer;
+}
+
+std::string JsonValue::stepTo(std::size_t index) const
+{
+    return kind == Kind::object ? pointerStep(keys[index]) : "/" + std::to_string(index);
 }
 
 std::string pointerStep(const std::string& key)

@@ -268,8 +268,10 @@ JsonValue PropertyValueCodec::schema() const
 
 Properties PropertiesCodec::read(const JsonCursor& cursor) const
 {
+    const std::vector<JsonCursor::Member> members = cursor.members();
     Properties result;
-    for (const auto& [name, value] : cursor.members())
+    result.reserve(members.size());
+    for (const auto& [name, value] : members)
         result.push_back({readKey(value, name), PropertyValueCodec().read(value)});
     return result;
 }

@@ -1,6 +1,8 @@
 // The checks of hardware graphs.
 #include "simulator/machine/file/machinecheck.h"
 
+#include <algorithm>
+#include <set>
 #include <type_traits>
 #include <utility>
 
@@ -19,98 +21,109 @@ PartsById partsOf(const Topology& topology)
 }
 }
 
-void MachineCheck::topology(const Topology& topology, const std::string& place)
+void MachineCheck::topology(const Topology& topology, const FilePlace& place)
 {
     const PartsById known = partsOf(topology);
-    std::set<std::uint32_t> localIds;
+    std::unordered_set<std::uint32_t> localIds;
     for (const Connector& connector : topology.connectors)
         m_connectorIds.insert(connector.id);
-    partList(topology.connectors, localIds, known, inner(place, "connectors"));
-    partList(topology.subunits, localIds, known, inner(place, "subunits"));
-    signalPaths(topology, known, inner(place, "signalPaths"));
+    partList(topology.connectors, localIds, known, place, "connectors");
+    partList(topology.subunits, localIds, known, place, "subunits");
+    signalPaths(topology, known, place);
 }
 
 template<class AnyPart>
-void MachineCheck::partList(const std::vector<AnyPart>& parts, std::set<std::uint32_t>& localIds,
-                            const PartsById& known, const std::string& place)
+void MachineCheck::partList(const std::vector<AnyPart>& parts, std::unordered_set<std::uint32_t>& localIds,
+                            const PartsById& known, const FilePlace& place, const char* list)
 {
     for (std::size_t index = 0; index < parts.size(); ++index)
     {
-        const std::string partPlace = inner(place, index);
-        const std::string& id = parts[index].id;
-        requireNew(m_partIds, id, inner(partPlace, "id"));
-        // In a file such an id would be taken for a short one.
-        require(id.compare(0, 1, "/") != 0, inner(partPlace, "id"), "an id that does not begin with /", inQuotes(id));
-        require(localIds.insert(parts[index].localId).second, inner(partPlace, "localId"),
-                "a local id that is unique in the topology", "duplicate " + std::to_string(parts[index].localId));
+        const FilePlace partPlace(place, list, index);
+        const Part& anyPart = parts[index];
+        requireNewId(m_parts, anyPart, partPlace);
+        if (anyPart.id.compare(0, 1, "/") == 0) // in a file it would be taken for a short one
+            report(FilePlace(partPlace, "id"), "an id that does not begin with /", inQuotes(anyPart.id));
+        if (!localIds.insert(anyPart.localId).second)
+            report(FilePlace(partPlace, "localId"), "a local id that is unique in the topology",
+                   "duplicate " + std::to_string(anyPart.localId));
         if constexpr (std::is_same_v<AnyPart, Connector>)
         {
-            requireName(connectorTypeNames, parts[index].type, inner(partPlace, "kind"));
+            requireName(connectorTypeNames, parts[index].type, FilePlace(partPlace, "kind"));
             for (std::size_t jack = 0; jack < parts[index].jacks.size(); ++jack)
-                jackNames(parts[index].jacks[jack], inner(inner(partPlace, "jacks"), jack));
+                jackNames(parts[index].jacks[jack], FilePlace(partPlace, "jacks", jack));
         }
-        part(parts[index], known, partPlace);
+        part(anyPart, known, partPlace);
     }
 }
 
-void MachineCheck::jackNames(const Jack& jack, const std::string& place)
+void MachineCheck::jackNames(const Jack& jack, const FilePlace& place)
 {
-    requireName(jackConnectionNames, jack.connection, inner(place, "connection"));
-    requireName(geometricLocationNames, jack.geometricLocation, inner(place, "geometricLocation"));
-    requireName(generalLocationNames, jack.generalLocation, inner(place, "generalLocation"));
-    requireName(portConnectionNames, jack.portConnection, inner(place, "portConnection"));
+    requireName(jackConnectionNames, jack.connection, FilePlace(place, "connection"));
+    requireName(geometricLocationNames, jack.geometricLocation, FilePlace(place, "geometricLocation"));
+    requireName(generalLocationNames, jack.generalLocation, FilePlace(place, "generalLocation"));
+    requireName(portConnectionNames, jack.portConnection, FilePlace(place, "portConnection"));
 }
 
-void MachineCheck::part(const Part& part, const PartsById& known, const std::string& place)
+void MachineCheck::part(const Part& part, const PartsById& known, const FilePlace& place)
 {
-    partIds(part.incoming, known, inner(place, "incoming"));
-    partIds(part.outgoing, known, inner(place, "outgoing"));
+    partIds(part.incoming, known, place, "incoming");
+    partIds(part.outgoing, known, place, "outgoing");
     if (part.volume)
-    {
-        const std::string channels = inner(inner(place, "volume"), "channels");
-        channelCount(part.volume->channels.size(), channels);
-        for (std::size_t index = 0; index < part.volume->channels.size(); ++index)
-        {
-            const ChannelLevel& channel = part.volume->channels[index];
-            range(channel.minimum, channel.maximum, channel.step, inner(channels, index));
-            level(channel.level, channel.minimum, channel.maximum, inner(inner(channels, index), "level"));
-        }
-    }
+        levels(part.volume->channels, FilePlace(place, "volume"));
     if (part.selector && part.selector->selection != 0)
+        selection(part, known, FilePlace(place, "selector"));
+}
+
+void MachineCheck::levels(const std::vector<ChannelLevel>& channels, const FilePlace& place)
+{
+    channelCount(channels.size(), FilePlace(place, "channels"));
+    for (std::size_t index = 0; index < channels.size(); ++index)
     {
-        bool isIncoming = false;
-        for (const std::string& id : part.incoming)
-        {
-            const auto neighbour = known.find(id);
-            isIncoming =
-                isIncoming || (neighbour != known.end() && neighbour->second->localId == part.selector->selection);
-        }
-        require(isIncoming, inner(inner(place, "selector"), "selection"), "the local id of an incoming part, or 0",
-                std::to_string(part.selector->selection));
+        const ChannelLevel& channel = channels[index];
+        const FilePlace channelPlace(place, "channels", index);
+        range(channel.minimum, channel.maximum, channel.step, channelPlace);
+        level(channel.level, channel.minimum, channel.maximum, FilePlace(channelPlace, "level"));
     }
 }
 
-void MachineCheck::partIds(const std::vector<std::string>& ids, const PartsById& known, const std::string& place)
+void MachineCheck::selection(const Part& part, const PartsById& known, const FilePlace& place)
+{
+    const auto isSelected = [&](const std::string& id)
+    {
+        const auto neighbour = known.find(id);
+        return neighbour != known.end() && neighbour->second->localId == part.selector->selection;
+    };
+    if (std::none_of(part.incoming.begin(), part.incoming.end(), isSelected))
+        report(FilePlace(place, "selection"), "the local id of an incoming part, or 0",
+               std::to_string(part.selector->selection));
+}
+
+void MachineCheck::partIds(const std::vector<std::string>& ids, const PartsById& known, const FilePlace& place,
+                           const char* list)
 {
     for (std::size_t index = 0; index < ids.size(); ++index)
-        require(known.count(ids[index]) != 0, inner(place, index), "the id of a part of this topology",
-                inQuotes(ids[index]));
+        partId(ids[index], known, FilePlace(place, list, index));
 }
 
-void MachineCheck::signalPaths(const Topology& topology, const PartsById& known, const std::string& place)
+void MachineCheck::partId(const std::string& id, const PartsById& known, const FilePlace& place)
 {
-    std::set<std::pair<std::string, std::string>> taken;
+    if (known.count(id) == 0)
+        report(place, "the id of a part of this topology", inQuotes(id));
+}
+
+void MachineCheck::signalPaths(const Topology& topology, const PartsById& known, const FilePlace& place)
+{
+    std::set<std::pair<std::string_view, std::string_view>> taken;
     for (std::size_t index = 0; index < topology.signalPaths.size(); ++index)
     {
         const SignalPath& path = topology.signalPaths[index];
-        const std::string pathPlace = inner(place, index);
-        require(known.count(path.from) != 0, inner(pathPlace, "from"), "the id of a part of this topology",
-                inQuotes(path.from));
-        require(known.count(path.to) != 0, inner(pathPlace, "to"), "the id of a part of this topology",
-                inQuotes(path.to));
-        partIds(path.through, known, inner(pathPlace, "through"));
-        require(taken.insert({path.from, path.to}).second, pathPlace, "each pair of parts once",
-                "duplicate " + inQuotes(path.from) + " to " + inQuotes(path.to));
+        const FilePlace pathPlace(place, "signalPaths", index);
+        partId(path.from, known, FilePlace(pathPlace, "from"));
+        partId(path.to, known, FilePlace(pathPlace, "to"));
+        partIds(path.through, known, pathPlace, "through");
+        if (!taken.insert({path.from, path.to}).second)
+            report(pathPlace, "each pair of parts once",
+                   "duplicate " + inQuotes(path.from) + " to " + inQuotes(path.to));
     }
 }
 }

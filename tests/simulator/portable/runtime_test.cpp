@@ -315,6 +315,7 @@ TEST(RuntimeWithoutSimulation, AnswersAsOnAMachineWithoutAudio)
     EXPECT_EQ(nullptr, object);
     EXPECT_EQ(E_POINTER, create(CLSID_MMDeviceEnumerator, CLSCTX_ALL, IID_IMMDeviceEnumerator, nullptr));
     EXPECT_EQ(0u, waveOutGetNumDevs());
+    EXPECT_EQ(0u, waveInGetNumDevs());
     EXPECT_EQ(MMSYSERR_BADDEVICEID, waveOutMessage(nullptr, DRV_QUERYFUNCTIONINSTANCEIDSIZE, 0, 0));
     EXPECT_EQ(MMSYSERR_BADDEVICEID, waveInMessage(nullptr, DRV_QUERYFUNCTIONINSTANCEIDSIZE, 0, 0));
     EXPECT_EQ(FALSE, PostMessageW(nullptr, 0x3D1, 0, 0));

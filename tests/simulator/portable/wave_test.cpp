@@ -33,6 +33,15 @@ TEST_F(RuntimeWave, CountsTheOutputs)
     EXPECT_EQ(2u, waveOutGetNumDevs());
 }
 
+TEST_F(RuntimeWave, CountsTheInputsByThemselves)
+{
+    EXPECT_EQ(1u, waveInGetNumDevs());
+
+    simulation.change([](sim::Machine& machine) { machine.waveIn.assign(5, {lineInId, 0, 0}); });
+    EXPECT_EQ(5u, waveInGetNumDevs());
+    EXPECT_EQ(2u, simulation.journal().count("waveInGetNumDevs"));
+}
+
 TEST_F(RuntimeWave, TellsTheSizeInBytesAndThenTheId)
 {
     DWORD_PTR size = 0;

@@ -1,0 +1,193 @@
+#include "COM/interfacequery.h"
+#include "COM/tasktext.h"
+#include "client/reading/endpointreading.h"
+#include "client/reading/judge.h"
+#include "client/reading/text.h"
+#include "qor/string.h"
+
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+namespace sonavit::reading
+{
+namespace
+{
+/// No computer has more endpoints.
+constexpr UINT mostEndpoints = 0x10000;
+/// After so many failures in a row the rest of a list is taken as lost.
+constexpr unsigned mostFailures = 16;
+
+const std::string noObject;
+
+EDataFlow platformFlow(Flow flow)
+{
+    return flow == Flow::output ? eRender : eCapture;
+}
+
+const char* nameOf(Flow flow)
+{
+    return flow == Flow::output ? "eRender" : "eCapture";
+}
+
+EndpointReading newReading(EndpointId id, Flow flow, COMPtr<IMMDevice>::pointer device)
+{
+    EndpointReading reading;
+    reading.content.id = std::move(id);
+    reading.content.flow = flow;
+    reading.device = std::move(device);
+    return reading;
+}
+
+/// Lists the endpoints of one flow after the other.
+class Lister
+{
+public:
+    explicit Lister(IMMDeviceEnumerator& enumerator) : m_enumerator(enumerator), m_judge(noObject, m_listing.problems)
+    {
+    }
+
+    Listing list()
+    {
+        for (const Flow flow : allFlows)
+            listFlow(flow);
+        return std::move(m_listing);
+    }
+
+private:
+    void listFlow(Flow flow)
+    {
+        IMMDeviceCollection* list = nullptr;
+        const HRESULT result = m_enumerator.EnumAudioEndpoints(platformFlow(flow), DEVICE_STATEMASK_ALL, &list);
+        if (!m_judge.gives(result, list, {"IMMDeviceEnumerator::EnumAudioEndpoints", nameOf(flow)}))
+            return;
+        const COMPtr<IMMDeviceCollection>::pointer holder(list);
+        UINT count = 0;
+        if (!m_judge.passes(list->GetCount(&count), {"IMMDeviceCollection::GetCount"}))
+            return;
+        if (count > mostEndpoints)
+        {
+            m_judge.fails(invalidData, {"IMMDeviceCollection::GetCount"});
+            return;
+        }
+        // The number may be wrong; no more than it can be useful to reserve at once.
+        m_listing.endpoints.reserve(m_listing.endpoints.size() + std::min<UINT>(count, 1024));
+        unsigned failures = 0;
+        for (UINT index = 0; index < count && failures < mostFailures; ++index)
+            failures = listItem(*list, index, flow) ? 0 : failures + 1;
+    }
+
+    bool listItem(IMMDeviceCollection& list, UINT index, Flow flow)
+    {
+        IMMDevice* item = nullptr;
+        if (!m_judge.gives(list.Item(index, &item), item, {"IMMDeviceCollection::Item", nullptr, index}))
+            return false;
+        COMPtr<IMMDevice>::pointer device(item);
+        TaskText text(TaskText::NullText::skipped);
+        if (!m_judge.gives(device->GetId(text.put()), *text.put(), {"IMMDevice::GetId"}))
+            return false;
+        EndpointId id(utf8(text.get()));
+        if (!id.isEmpty() && m_known.insert(id).second)
+            m_listing.endpoints.push_back(newReading(std::move(id), flow, std::move(device)));
+        else
+            m_judge.fails(invalidData,
+                          {"IMMDevice::GetId"}); // an endpoint without id, or a second one with the same id
+        return true;
+    }
+
+    IMMDeviceEnumerator& m_enumerator;
+    Listing m_listing;
+    Judge m_judge;
+    std::unordered_set<EndpointId> m_known;
+};
+
+/// A failure to open an endpoint. Codes that say that there is no such endpoint are Problem::Kind::notThere.
+Problem openingFailure(const Operation& operation, const EndpointId& id, HRESULT code, HRESULT otherCodeOfNone)
+{
+    Problem problem = failure(operation, id.text(), code);
+    if (code != E_NOTFOUND && code != otherCodeOfNone)
+        return problem;
+    return Problem(Problem::Kind::notThere, problem.operation(), id.text(), "there is no endpoint " + id.text());
+}
+
+Result<Flow> readFlow(IMMDevice& device, const EndpointId& id)
+{
+    const Operation query = {"IMMDevice::QueryInterface", "IMMEndpoint"};
+    IMMEndpoint* endpoint = nullptr;
+    HRESULT result = interfacequery::query(device, endpoint);
+    if (FAILED(result))
+        return openingFailure(query, id, result, E_NOINTERFACE); // an adapter is a device, too
+    if (endpoint == nullptr)
+        return failure(query, id.text(), E_POINTER);
+    const COMPtr<IMMEndpoint>::pointer holder(endpoint);
+    EDataFlow flow = eAll;
+    result = endpoint->GetDataFlow(&flow);
+    if (SUCCEEDED(result) && flow != eRender && flow != eCapture)
+        result = invalidData;
+    if (FAILED(result))
+        return failure({"IMMEndpoint::GetDataFlow"}, id.text(), result);
+    return flow == eRender ? Flow::output : Flow::input;
+}
+
+/// The id of a default; empty if there is none.
+EndpointId readDefault(IMMDeviceEnumerator& enumerator, EDataFlow flow, ERole role, const char* question, Judge& judge)
+{
+    IMMDevice* endpoint = nullptr;
+    const HRESULT result = enumerator.GetDefaultAudioEndpoint(flow, role, &endpoint);
+    if (!judge.gives(result, endpoint, {"IMMDeviceEnumerator::GetDefaultAudioEndpoint", question}, {E_NOTFOUND}))
+        return {};
+    const COMPtr<IMMDevice>::pointer holder(endpoint);
+    TaskText id(TaskText::NullText::skipped);
+    if (!judge.gives(endpoint->GetId(id.put()), *id.put(), {"IMMDevice::GetId"}))
+        return {};
+    return EndpointId(utf8(id.get()));
+}
+}
+
+Result<Enumerator> createEnumerator()
+{
+    IMMDeviceEnumerator* enumerator = nullptr;
+    const HRESULT result = interfacequery::createEnumerator(enumerator);
+    if (FAILED(result) || enumerator == nullptr)
+        return failure({"CoCreateInstance", "MMDeviceEnumerator"}, noObject, FAILED(result) ? result : E_POINTER);
+    return Enumerator(enumerator);
+}
+
+Listing listEndpoints(IMMDeviceEnumerator& enumerator)
+{
+    return Lister(enumerator).list();
+}
+
+Result<EndpointReading> openEndpoint(IMMDeviceEnumerator& enumerator, const EndpointId& id)
+{
+    IMMDevice* device = nullptr;
+    const qor::String text = qor::String::fromUtf8(id.text());
+    const HRESULT result = enumerator.GetDevice(platform::wide(text.getUCS2Buffer()), &device);
+    if (FAILED(result))
+        return openingFailure({"IMMDeviceEnumerator::GetDevice"}, id, result, E_INVALIDARG);
+    if (device == nullptr)
+        return failure({"IMMDeviceEnumerator::GetDevice"}, id.text(), E_POINTER);
+    COMPtr<IMMDevice>::pointer holder(device);
+    const Result<Flow> flow = readFlow(*device, id);
+    if (!flow)
+        return flow.problem();
+    return newReading(id, *flow, std::move(holder));
+}
+
+Defaults readDefaults(IMMDeviceEnumerator& enumerator)
+{
+    static constexpr std::array<std::array<const char*, 3>, 2> questions = {
+        {{"eRender, eConsole", "eRender, eMultimedia", "eRender, eCommunications"},
+         {"eCapture, eConsole", "eCapture, eMultimedia", "eCapture, eCommunications"}}};
+    static constexpr std::array<ERole, 3> roles = {eConsole, eMultimedia, eCommunications};
+    Defaults defaults;
+    Judge judge(noObject, defaults.problems);
+    for (std::size_t flow = 0; flow < allFlows.size(); ++flow)
+    {
+        for (std::size_t role = 0; role < roles.size(); ++role)
+            defaults.ids[flow][role] =
+                readDefault(enumerator, platformFlow(allFlows[flow]), roles[role], questions[flow][role], judge);
+    }
+    return defaults;
+}
+}

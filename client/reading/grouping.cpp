@@ -1,0 +1,232 @@
+#include "client/reading/grouping.h"
+
+#include "OSWindows/configmanager.h"
+#include "client/reading/content.h"
+#include "qor/string.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <utility>
+
+namespace sonavit::reading
+{
+namespace
+{
+/// The endpoints of one card, outputs first.
+struct Group
+{
+    std::string id;
+    bool hasPath = false;
+    std::vector<const EndpointReading*> members;
+};
+
+/// In lower case as far as the platform takes no notice of case.
+std::string folded(std::string text)
+{
+    for (char& character : text)
+    {
+        if (character >= 'A' && character <= 'Z')
+            character = static_cast<char>(character - 'A' + 'a');
+    }
+    return text;
+}
+
+/// What decides to which card an endpoint belongs. The first character of the key keeps the kinds apart; paths alone
+/// are compared exactly.
+struct Membership
+{
+    std::string id;
+    std::string key;
+
+    explicit Membership(const EndpointReading& reading)
+    {
+        const Endpoint::Content& content = reading.content;
+        if (content.instancePath)
+        {
+            id = *content.instancePath;
+            key = "p" + id;
+        }
+        else if (content.container && !content.container->isNull() && !isInternalContainer(*content.container))
+        {
+            id = content.container->text();
+            key = "c" + id;
+        }
+        else if (reading.adapter && !reading.adapter->empty())
+        {
+            id = *reading.adapter;
+            key = "a" + folded(id);
+        }
+        else
+        {
+            id = content.id.text();
+            key = "e" + folded(id);
+        }
+    }
+};
+
+/// Which group each reading belongs to.
+struct Groups
+{
+    std::vector<Group> all;
+
+    explicit Groups(const std::vector<EndpointReading>& readings)
+    {
+        std::vector<std::size_t> places(readings.size());
+        std::unordered_map<std::string, std::size_t> known;
+        // Inputs come first and decide the order of the cards; callers of the object model rely on the same order.
+        for (const Flow flow : {Flow::input, Flow::output})
+        {
+            for (std::size_t index = 0; index < readings.size(); ++index)
+            {
+                if (readings[index].content.flow == flow)
+                    places[index] = placeOf(readings[index], known);
+            }
+        }
+        for (const Flow flow : allFlows)
+        {
+            for (std::size_t index = 0; index < readings.size(); ++index)
+            {
+                if (readings[index].content.flow == flow)
+                    all[places[index]].members.push_back(&readings[index]);
+            }
+        }
+    }
+
+private:
+    std::size_t placeOf(const EndpointReading& reading, std::unordered_map<std::string, std::size_t>& known)
+    {
+        Membership membership(reading);
+        const auto [place, isNew] = known.emplace(std::move(membership.key), all.size());
+        if (isNew)
+            all.push_back({std::move(membership.id), reading.content.instancePath.has_value(), {}});
+        return place->second;
+    }
+};
+
+/// The instance id in an instance path: what stands between its first full stop and the next one.
+std::optional<std::string> instanceIdOf(const std::string& path)
+{
+    const auto pieceFrom = [&](std::size_t start)
+    {
+        const std::size_t first = path.find_first_not_of('.', start);
+        const std::size_t end = first == std::string::npos ? first : path.find('.', first);
+        return std::make_pair(first, end);
+    };
+    const std::size_t behindFirst = pieceFrom(0).second;
+    if (behindFirst == std::string::npos)
+        return std::nullopt;
+    const auto [start, end] = pieceFrom(behindFirst);
+    if (start == std::string::npos)
+        return std::nullopt;
+    return path.substr(start, end == std::string::npos ? end : end - start);
+}
+
+const std::optional<std::string>& parentOf(const std::string& instanceId, Parents& parents)
+{
+    const auto [place, isNew] = parents.try_emplace(instanceId);
+    if (isNew)
+    {
+        qor::String parent;
+        if (libOSWindows::ConfigManager::getParentDeviceInstanceId(qor::String::fromUtf8(instanceId), parent))
+            place->second = parent.toUtf8();
+    }
+    return place->second;
+}
+
+/// The name of the card's device, as its endpoints give it.
+std::string titleOf(const Group& group)
+{
+    for (const EndpointReading* const member : group.members)
+    {
+        if (member->content.interfaceName)
+            return *member->content.interfaceName;
+    }
+    return "Unnamed card";
+}
+
+/// The container, if all endpoints have the same.
+std::optional<Guid> containerOf(const Group& group)
+{
+    const std::optional<Guid>& first = group.members.front()->content.container;
+    const bool isShared =
+        std::all_of(group.members.begin(), group.members.end(),
+                    [&](const EndpointReading* member) { return member->content.container == first; });
+    return isShared ? first : std::nullopt;
+}
+
+void addBus(const Group& group, Card::Content& card)
+{
+    for (const EndpointReading* const member : group.members)
+    {
+        if (member->bus)
+        {
+            card.bus = member->bus;
+            return;
+        }
+    }
+    for (const EndpointReading* const member : group.members)
+        card.problems.insert(card.problems.end(), member->busProblems.begin(), member->busProblems.end());
+}
+
+/// All of the card but its endpoints.
+Card::Content describe(Group& group, Parents& parents)
+{
+    Card::Content card;
+    if (group.hasPath)
+    {
+        card.instancePath = group.id;
+        card.instanceId = instanceIdOf(group.id);
+    }
+    if (card.instanceId)
+        card.parent = parentOf(*card.instanceId, parents);
+    card.title = titleOf(group);
+    card.container = containerOf(group);
+    addBus(group, card);
+    card.id = CardId(std::move(group.id));
+    return card;
+}
+
+/// The endpoint of the reading; the former one if it is the same.
+Endpoint endpointOf(const EndpointReading& reading, const Endpoint* former)
+{
+    return former != nullptr && isSame(reading.content, former->content()) ? *former : Endpoint(reading.content);
+}
+
+/// Adds the endpoints. @return whether all of them are those of @p former
+bool addEndpoints(const Group& group, const Card* former, Card::Content& card)
+{
+    card.endpoints.reserve(group.members.size());
+    const std::vector<Endpoint> none;
+    const std::vector<Endpoint>& formerEndpoints = former == nullptr ? none : former->endpoints();
+    bool isUnchanged = formerEndpoints.size() == group.members.size();
+    for (std::size_t index = 0; index < group.members.size(); ++index)
+    {
+        const Endpoint* const sameplace = index < formerEndpoints.size() ? &formerEndpoints[index] : nullptr;
+        card.endpoints.push_back(endpointOf(*group.members[index], sameplace));
+        isUnchanged = isUnchanged && &card.endpoints.back().content() == &sameplace->content();
+    }
+    return isUnchanged;
+}
+}
+
+std::vector<Card> groupIntoCards(const std::vector<EndpointReading>& readings, const std::vector<Card>& former,
+                                 Parents& parents)
+{
+    std::unordered_map<CardId, const Card*> formerCards;
+    for (const Card& card : former)
+        formerCards.emplace(card.id(), &card);
+    std::vector<Card> cards;
+    for (Group& group : Groups(readings).all)
+    {
+        Card::Content content = describe(group, parents);
+        const auto place = formerCards.find(content.id);
+        const Card* const formerCard = place == formerCards.end() ? nullptr : place->second;
+        const bool hasSameEndpoints = addEndpoints(group, formerCard, content);
+        if (formerCard != nullptr && hasSameEndpoints && isSameDescription(content, formerCard->content()))
+            cards.push_back(*formerCard);
+        else
+            cards.emplace_back(std::move(content));
+    }
+    return cards;
+}
+}

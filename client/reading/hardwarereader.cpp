@@ -1,0 +1,333 @@
+#include "client/reading/hardwarereader.h"
+
+#include "COM/interfacequery.h"
+#include "COM/tasktext.h"
+#include "client/reading/endpointreading.h"
+#include "client/reading/properties.h"
+#include "client/reading/text.h"
+#include "platform/propertykeys.h"
+#include "qor/string.h"
+#include "sonavit/text.h"
+
+#include <algorithm>
+
+namespace sonavit::reading
+{
+namespace
+{
+/// No device has more connectors or subunits.
+constexpr UINT mostComponents = 4096;
+/// After so many failures in a row the rest of a list is taken as lost.
+constexpr unsigned mostFailures = 16;
+/// No computer has more devices.
+constexpr std::size_t mostDevices = 0x10000;
+
+/// Opens a device by its id; nil if the platform does not find it.
+COMPtr<IMMDevice>::pointer openDevice(IMMDeviceEnumerator& enumerator, const std::string& id, Judge judge,
+                                      Judge::Codes tolerated)
+{
+    IMMDevice* device = nullptr;
+    const qor::String text = qor::String::fromUtf8(id);
+    const HRESULT result = enumerator.GetDevice(platform::wide(text.getUCS2Buffer()), &device);
+    const bool isOpen = judge.gives(result, device, {"IMMDeviceEnumerator::GetDevice"}, tolerated);
+    return COMPtr<IMMDevice>::pointer(isOpen ? device : nullptr);
+}
+}
+
+Judge HardwareReader::judgeOf(std::size_t device)
+{
+    HardwareDevice& known = m_map.devices[device];
+    return {known.facts.id, known.problems};
+}
+
+/// Registers a device under its id.
+std::size_t HardwareReader::addDevice(Graph::Device facts)
+{
+    const std::size_t index = m_map.devices.size();
+    if (!facts.id.empty())
+        m_map.deviceIndexes.emplace(EndpointId(facts.id), index);
+    m_map.devices.emplace_back().facts = std::move(facts);
+    return index;
+}
+
+void HardwareReader::addListedEndpoint(const Endpoint& endpoint)
+{
+    if (m_map.deviceIndexes.count(endpoint.id()) != 0)
+        return;
+    Graph::Device facts;
+    facts.kind = Graph::Device::Kind::endpoint;
+    facts.id = endpoint.id().text();
+    facts.name = endpoint.title();
+    facts.flow = endpoint.flow();
+    facts.state = endpoint.state();
+    const std::size_t device = addDevice(std::move(facts));
+    const Device platformDevice = listedDevice(endpoint.id(), m_map.devices[device].problems);
+    if (platformDevice.get() != nullptr)
+        readTopology(device, *platformDevice);
+}
+
+/// Opens an endpoint by its id; one that the platform does not find is taken from the list of all endpoints.
+HardwareReader::Device HardwareReader::listedDevice(const EndpointId& id, std::vector<Problem>& problems)
+{
+    if (id.isEmpty())
+        return {};
+    Device device = openDevice(m_enumerator, id.text(), {id.text(), problems}, {});
+    if (device.get() != nullptr)
+        return device;
+    if (!m_listing)
+    {
+        m_listing.emplace();
+        const Listing listing = listEndpoints(m_enumerator);
+        for (const EndpointReading& reading : listing.endpoints)
+            m_listing->emplace(reading.content.id, reading.device);
+    }
+    const auto found = m_listing->find(id);
+    return found == m_listing->end() ? Device() : found->second;
+}
+
+void HardwareReader::readTopology(std::size_t device, IMMDevice& platformDevice)
+{
+    HardwareDevice& known = m_map.devices[device];
+    IDeviceTopology* topology = nullptr;
+    const HRESULT result = interfacequery::activate(platformDevice, topology);
+    known.facts.hasTopology = result != E_NOINTERFACE;
+    if (!judgeOf(device).gives(result, topology, {"IMMDevice::Activate", "IDeviceTopology"}, {E_NOINTERFACE}))
+        return;
+    known.topology = COMPtr<IDeviceTopology>::pointer(topology);
+    readComponents(device, Place::graph);
+}
+
+/// Registers the connectors and subunits of a device that has a topology.
+void HardwareReader::readComponents(std::size_t device, Place place)
+{
+    readComponents<IConnector>(device, &IDeviceTopology::GetConnectorCount, &IDeviceTopology::GetConnector,
+                               "IDeviceTopology::GetConnectorCount", "IDeviceTopology::GetConnector",
+                               [&](const COMPtr<IConnector>::pointer& connector)
+                               {
+                                   std::vector<std::size_t>& list = m_map.devices[device].connectors;
+                                   const std::size_t part = addConnector(connector, device, place);
+                                   if (part == HardwarePart::none)
+                                       return;
+                                   HardwarePart& known = m_map.parts[part];
+                                   if (known.device != device || known.position == HardwarePart::none)
+                                   {
+                                       known.position = known.device == device ? list.size() : known.position;
+                                       list.push_back(part);
+                                   }
+                               });
+    if (place == Place::surroundings)
+        return;
+    readComponents<ISubunit>(device, &IDeviceTopology::GetSubunitCount, &IDeviceTopology::GetSubunit,
+                             "IDeviceTopology::GetSubunitCount", "IDeviceTopology::GetSubunit",
+                             [&](const COMPtr<ISubunit>::pointer& subunit)
+                             {
+                                 IPart* part = nullptr;
+                                 const HRESULT result = interfacequery::query(*subunit, part);
+                                 if (!judgeOf(device).gives(result, part, {"ISubunit::QueryInterface", "IPart"}))
+                                     return;
+                                 const std::size_t index = addPart(Part(part), device, place);
+                                 if (index != HardwarePart::none)
+                                     m_map.devices[device].subunits.push_back(index);
+                             });
+}
+
+template<class Component, class Add>
+void HardwareReader::readComponents(std::size_t device, HRESULT (STDMETHODCALLTYPE IDeviceTopology::*count)(UINT*),
+                                    HRESULT (STDMETHODCALLTYPE IDeviceTopology::*get)(UINT, Component**),
+                                    const char* countName, const char* name, const Add& add)
+{
+    const COMPtr<IDeviceTopology>::pointer topology = m_map.devices[device].topology;
+    UINT number = 0;
+    if (!judgeOf(device).passes((topology.get()->*count)(&number), {countName}))
+        return;
+    if (number > mostComponents)
+        judgeOf(device).fails(invalidData, {countName});
+    unsigned failures = 0;
+    for (UINT index = 0; index < std::min(number, mostComponents) && failures < mostFailures; ++index)
+    {
+        Component* component = nullptr;
+        const HRESULT result = (topology.get()->*get)(index, &component);
+        const bool isThere = judgeOf(device).gives(result, component, {name, nullptr, index});
+        failures = isThere ? 0 : failures + 1;
+        const typename COMPtr<Component>::pointer holder(isThere ? component : nullptr);
+        if (isThere)
+            add(holder);
+    }
+}
+
+/// The device with that id, which is opened when the walk meets it for the first time.
+std::size_t HardwareReader::deviceIndex(const std::string& id, std::vector<Problem>& problems)
+{
+    const auto found = m_map.deviceIndexes.find(EndpointId(id));
+    if (found != m_map.deviceIndexes.end())
+        return found->second;
+    if (m_map.devices.size() >= mostDevices)
+        return HardwarePart::none;
+    const Device platformDevice = openDevice(m_enumerator, id, {id, problems}, {});
+    Graph::Device facts;
+    facts.id = id;
+    facts.kind = Graph::Device::Kind::closed;
+    facts.name = "cannot be opened";
+    const std::size_t device = addDevice(std::move(facts));
+    if (platformDevice.get() != nullptr)
+    {
+        readFarDevice(device, *platformDevice);
+        readTopology(device, *platformDevice);
+    }
+    return device;
+}
+
+/// An endpoint of another card, or one that the platform does not list, or an adapter.
+void HardwareReader::readFarDevice(std::size_t device, IMMDevice& platformDevice)
+{
+    HardwareDevice& known = m_map.devices[device];
+    IMMEndpoint* endpoint = nullptr;
+    const HRESULT result = interfacequery::query(platformDevice, endpoint);
+    if (!judgeOf(device).gives(result, endpoint, {"IMMDevice::QueryInterface", "IMMEndpoint"}, {E_NOINTERFACE}))
+    {
+        known.facts.kind = Graph::Device::Kind::adapter;
+        readAdapterName(device, platformDevice);
+        return;
+    }
+    const COMPtr<IMMEndpoint>::pointer holder(endpoint);
+    known.facts.kind = Graph::Device::Kind::endpoint;
+    known.facts.isListed = false;
+    EDataFlow flow = eAll;
+    if (judgeOf(device).passes(endpoint->GetDataFlow(&flow), {"IMMEndpoint::GetDataFlow"}))
+    {
+        if (flow == eRender || flow == eCapture)
+            known.facts.flow = flow == eRender ? Flow::output : Flow::input;
+        else
+            judgeOf(device).fails(invalidData, {"IMMEndpoint::GetDataFlow"});
+    }
+    EndpointReading reading;
+    reading.content.id = EndpointId(known.facts.id);
+    reading.content.flow = known.facts.flow.value_or(Flow::output);
+    platformDevice.AddRef();
+    reading.device = COMPtr<IMMDevice>::pointer(&platformDevice);
+    readState(reading);
+    readProperties(reading);
+    for (const EndpointProblem& problem : reading.content.problems)
+        known.problems.push_back(problem.problem);
+    known.facts.state = reading.content.state;
+    known.facts.name = Endpoint(std::move(reading.content)).title();
+}
+
+void HardwareReader::readAdapterName(std::size_t device, IMMDevice& platformDevice)
+{
+    HardwareDevice& known = m_map.devices[device];
+    std::optional<std::string> name;
+    IPropertyStore* store = nullptr;
+    const HRESULT result = platformDevice.OpenPropertyStore(STGM_READ, &store);
+    if (judgeOf(device).gives(result, store, {"IMMDevice::OpenPropertyStore"}))
+    {
+        const COMPtr<IPropertyStore>::pointer holder(store);
+        name = PropertyReader(*store, known.facts.id, known.problems)
+                   .text({platform::propertykeys::friendlyName, "friendlyName"});
+    }
+    known.facts.name = text::printable(name.value_or("Adapter"));
+}
+
+/// Registers a connector. HardwarePart::none if it has no part.
+std::size_t HardwareReader::addConnector(const COMPtr<IConnector>::pointer& connector, std::size_t device, Place place)
+{
+    IPart* part = nullptr;
+    const HRESULT result = interfacequery::query(*connector, part);
+    if (!judgeOf(device).gives(result, part, {"IConnector::QueryInterface", "IPart"}))
+        return HardwarePart::none;
+    const std::size_t index = addPart(Part(part), device, place);
+    if (index == HardwarePart::none)
+        return index;
+    HardwarePart& known = m_map.parts[index];
+    if (known.connector.get() != nullptr)
+        return index;
+    known.isConnector = true;
+    known.connector = connector;
+    DataFlow direction = In;
+    if (judgeOfPart(index).passes(connector->GetDataFlow(&direction), {"IConnector::GetDataFlow"}))
+        known.direction = direction == In ? Graph::Direction::in : Graph::Direction::out;
+    BOOL isJoined = FALSE;
+    if (judgeOfPart(index).passes(connector->IsConnected(&isJoined), {"IConnector::IsConnected"}))
+        known.isJoined = isJoined != FALSE;
+    return index;
+}
+
+void HardwareReader::followConnectors()
+{
+    for (std::size_t device = 0; device < m_map.devices.size(); ++device) // grows meanwhile
+    {
+        const std::vector<std::size_t> parts = m_map.devices[device].facts.parts;
+        for (const std::size_t part : parts)
+        {
+            if (m_map.parts[part].isConnector)
+                followConnector(part);
+        }
+    }
+}
+
+/// Adds the join from a connector, and the device on its far side if it is new.
+void HardwareReader::followConnector(std::size_t part)
+{
+    HardwarePart& known = m_map.parts[part];
+    IConnector* object = nullptr;
+    const HRESULT result = known.connector->GetConnectedTo(&object);
+    const bool hasPeer = judgeOfPart(part).gives(result, object, {"IConnector::GetConnectedTo"}, {E_NOTFOUND});
+    const COMPtr<IConnector>::pointer peer(hasPeer ? object : nullptr);
+    const std::string farId = farDeviceId(part, *known.connector, peer.get());
+    if (farId.empty())
+        return;
+    const std::size_t device = deviceIndex(farId, known.problems);
+    if (device == HardwarePart::none)
+        return;
+    m_map.devices[known.device].leadsTo.push_back(device);
+    m_joinedDevices.emplace_back(known.device, device);
+    const std::size_t peerPart =
+        hasPeer ? addConnector(peer, device, Place::graph) : HardwarePart::none;
+    if (peerPart == HardwarePart::none)
+        m_map.edges.push_back({Graph::Edge::Kind::join, part, std::nullopt, device});
+    else
+        join(part, peerPart);
+}
+
+/// As the connector reports it, or else as the topology of its peer does; empty without a device.
+std::string HardwareReader::farDeviceId(std::size_t part, IConnector& connector, IConnector* peer)
+{
+    {
+        TaskText id(TaskText::NullText::skipped);
+        const HRESULT result = connector.GetDeviceIdConnectedTo(id.put());
+        if (judgeOfPart(part).gives(result, *id.put(), {"IConnector::GetDeviceIdConnectedTo"}, {E_NOTFOUND}) &&
+            *id.get() != 0)
+            return utf8(id.get());
+    }
+    if (peer == nullptr)
+        return {};
+    IPart* peerPart = nullptr;
+    HRESULT result = interfacequery::query(*peer, peerPart);
+    if (!judgeOfPart(part).gives(result, peerPart, {"IConnector::QueryInterface", "IPart"}))
+        return {};
+    const Part holder(peerPart);
+    IDeviceTopology* topology = nullptr;
+    result = peerPart->GetTopologyObject(&topology);
+    if (!judgeOfPart(part).gives(result, topology, {"IPart::GetTopologyObject"}))
+        return {};
+    const COMPtr<IDeviceTopology>::pointer topologyHolder(topology);
+    TaskText id(TaskText::NullText::skipped);
+    result = topology->GetDeviceId(id.put());
+    return judgeOfPart(part).gives(result, *id.put(), {"IDeviceTopology::GetDeviceId"}) ? utf8(id.get()) : std::string();
+}
+
+/// Both ends report a join; the second report is ignored. It points the way that the sound flows, as far as it is
+/// known.
+void HardwareReader::join(std::size_t part, std::size_t peer)
+{
+    HardwarePart& known = m_map.parts[part];
+    known.peer = peer;
+    m_joinedDevices.emplace_back(known.device, m_map.parts[peer].device);
+    const std::uint64_t ends = std::uint64_t{std::min(part, peer)} << 32 | std::max(part, peer);
+    if (!m_joins.insert(ends).second)
+        return;
+    const bool isBackwards = known.direction == Graph::Direction::in;
+    m_map.edges.push_back(
+        {Graph::Edge::Kind::join, isBackwards ? peer : part, isBackwards ? part : peer, std::nullopt});
+}
+}

@@ -1,0 +1,135 @@
+#include "client/reading/hardwarevalues.h"
+
+#include "client/reading/hardwarelevels.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+namespace sonavit::reading
+{
+namespace
+{
+/// Whether the problem is why a part has no name or no type.
+bool concernsNames(const Problem& problem)
+{
+    return problem.operation() == "IPart::GetName" || problem.operation() == "IPart::GetSubType";
+}
+
+void append(std::vector<Problem>& all, const std::vector<Problem>& problems)
+{
+    all.insert(all.end(), problems.begin(), problems.end());
+}
+}
+
+void HardwareValues::tell(std::size_t part, std::vector<Problem>& problems)
+{
+    append(problems, m_map.parts[part].problems);
+    m_isTold[part] = true;
+}
+
+std::vector<Control> HardwareValues::controls(const EndpointId& endpoint)
+{
+    std::vector<Control> controls;
+    for (const ControlPlace& place : controlsOf(m_map, endpoint))
+        controls.push_back(control(place));
+    return controls;
+}
+
+Control HardwareValues::control(const ControlPlace& place)
+{
+    Control control;
+    control.id = ControlId(m_map.partId(place.level).text());
+    control.name = m_map.parts[place.level].name;
+    const HardwarePart& owner = m_map.parts[place.owner];
+    control.ownerName = owner.name;
+    control.ownerType = owner.type;
+    std::copy_if(owner.problems.begin(), owner.problems.end(), std::back_inserter(control.problems), concernsNames);
+    tell(place.level, control.problems);
+    const Judge levelJudge(m_map.objectOf(place.level), control.problems);
+    control.channels = readChannels(*m_map.level(place.level), levelJudge);
+    control.hasMute = place.mute != HardwarePart::none;
+    if (!control.hasMute)
+        return control;
+    tell(place.mute, control.problems);
+    control.isMuted = readMute(*m_map.mute(place.mute), {m_map.objectOf(place.mute), control.problems});
+    return control;
+}
+
+std::vector<Selector> HardwareValues::selectors(const std::vector<EndpointId>& endpoints)
+{
+    std::vector<Selector> selectors;
+    for (const SelectorPlace& place : selectorsOf(m_map, endpoints))
+        selectors.push_back(selector(place));
+    return selectors;
+}
+
+Selector HardwareValues::selector(const SelectorPlace& place)
+{
+    Selector selector;
+    const HardwarePart& part = m_map.parts[place.part];
+    selector.id = SelectorId(m_map.partId(place.part).text());
+    selector.name = part.name;
+    selector.deviceId = m_map.devices[place.device].facts.id;
+    selector.deviceName = m_map.devices[place.device].facts.name;
+    tell(place.part, selector.problems);
+    for (const std::size_t source : part.sources)
+    {
+        selector.inputs.push_back(input(source));
+        const std::vector<Problem>& problems = m_map.parts[source].problems;
+        std::copy_if(problems.begin(), problems.end(), std::back_inserter(selector.problems), concernsNames);
+    }
+    selector.selection =
+        readSelection(*m_map.selector(place.part), {m_map.objectOf(place.part), selector.problems});
+    return selector;
+}
+
+SelectorInput HardwareValues::input(std::size_t part) const
+{
+    SelectorInput input;
+    input.number = m_map.parts[part].number;
+    input.name = m_map.parts[part].name;
+    const std::size_t connector = sourceConnector(part);
+    if (connector != HardwarePart::none)
+    {
+        input.connectorName = m_map.parts[connector].name;
+        input.connectorType = m_map.parts[connector].type;
+    }
+    return input;
+}
+
+/// The nearest connector upstream of a part.
+std::size_t HardwareValues::sourceConnector(std::size_t part) const
+{
+    std::vector<std::size_t> reached = {part};
+    std::unordered_set<std::size_t> known = {part};
+    for (std::size_t i = 0; i < reached.size(); ++i)
+    {
+        const HardwarePart& here = m_map.parts[reached[i]];
+        if (here.isConnector)
+            return reached[i];
+        for (const std::size_t source : here.sources)
+        {
+            if (known.insert(source).second)
+                reached.push_back(source);
+        }
+    }
+    return HardwarePart::none;
+}
+
+std::vector<Problem> HardwareValues::otherProblems(const std::vector<EndpointId>& endpoints) const
+{
+    std::vector<Problem> problems;
+    std::vector<bool> isMeant(m_map.devices.size(), false);
+    for (const std::size_t device : devicesOf(m_map, endpoints))
+    {
+        isMeant[device] = true;
+        append(problems, m_map.devices[device].problems);
+    }
+    for (std::size_t part = 0; part < m_map.parts.size(); ++part)
+    {
+        if (isMeant[m_map.parts[part].device] && !m_isTold[part])
+            append(problems, m_map.parts[part].problems);
+    }
+    return problems;
+}
+}

@@ -1,0 +1,43 @@
+/// @file
+/// Values made of the walked hardware, with the levels, mutes and selections of now.
+#pragma once
+
+#include "client/reading/hardwaremap.h"
+#include "client/reading/hardwaresearch.h"
+#include "client/reading/judge.h"
+#include "sonavit/control.h"
+#include "sonavit/graph.h"
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+namespace sonavit::reading
+{
+/// Makes values, and remembers which of the walk's problems they contain.
+class HardwareValues
+{
+public:
+    explicit HardwareValues(HardwareMap& map) : m_map(map), m_isTold(map.parts.size(), false) {}
+
+    Graph graph();
+    std::vector<Control> controls(const EndpointId& endpoint);
+    std::vector<Selector> selectors(const std::vector<EndpointId>& endpoints);
+    /// The problems of the walk with the devices that belong to the endpoints, but for those with the parts whose
+    /// problems the values contain.
+    std::vector<Problem> otherProblems(const std::vector<EndpointId>& endpoints) const;
+
+private:
+    Control control(const ControlPlace& place);
+    Selector selector(const SelectorPlace& place);
+    SelectorInput input(std::size_t part) const;
+    std::size_t sourceConnector(std::size_t part) const;
+    Graph::Part graphPart(std::size_t part, std::vector<Problem>& problems);
+    std::vector<Graph::Edge> paths();
+    /// Adds the walk's problems with a part.
+    void tell(std::size_t part, std::vector<Problem>& problems);
+
+    HardwareMap& m_map;
+    std::vector<bool> m_isTold; ///< by part
+};
+}

@@ -1,0 +1,120 @@
+#include "client/reading/hardwarewalk.h"
+
+#include "client/reading/hardwarelevels.h"
+#include "client/reading/hardwaresearch.h"
+#include "client/reading/hardwarevalues.h"
+
+#include <algorithm>
+
+namespace sonavit::reading
+{
+/// The walked hardware, and the endpoints of the cards.
+struct HardwareWalk::State
+{
+    HardwareMap map;
+    std::unordered_map<CardId, std::vector<EndpointId>> cards;
+
+    const std::vector<EndpointId>& endpointsOf(const CardId& card) const
+    {
+        static const std::vector<EndpointId> noEndpoints;
+        const auto found = cards.find(card);
+        return found == cards.end() ? noEndpoints : found->second;
+    }
+};
+
+HardwareWalk::HardwareWalk(IMMDeviceEnumerator& enumerator, const std::vector<Card>& cards)
+    : m_state(std::make_unique<State>())
+{
+    m_state->map = walkHardware(enumerator, cards);
+    for (const Card& card : cards)
+    {
+        std::vector<EndpointId>& endpoints = m_state->cards[card.id()];
+        for (const Endpoint& endpoint : card.endpoints())
+            endpoints.push_back(endpoint.id());
+    }
+}
+
+HardwareWalk::~HardwareWalk() = default;
+
+Graph HardwareWalk::graph() const
+{
+    return HardwareValues(m_state->map).graph();
+}
+
+std::vector<Control> HardwareWalk::controls(const EndpointId& endpoint) const
+{
+    return HardwareValues(m_state->map).controls(endpoint);
+}
+
+std::vector<Selector> HardwareWalk::selectors(const CardId& card) const
+{
+    return HardwareValues(m_state->map).selectors(m_state->endpointsOf(card));
+}
+
+Hardware HardwareWalk::hardware(const CardId& card) const
+{
+    const std::vector<EndpointId>& endpoints = m_state->endpointsOf(card);
+    HardwareValues values(m_state->map);
+    Hardware hardware;
+    hardware.card = card;
+    for (const EndpointId& endpoint : endpoints)
+        hardware.controls.push_back({endpoint, values.controls(endpoint)});
+    hardware.selectors = values.selectors(endpoints);
+    hardware.problems = values.otherProblems(endpoints);
+    return hardware;
+}
+
+COMPtr<IAudioVolumeLevel>::pointer HardwareWalk::level(const ControlId& control) const
+{
+    HardwareMap& map = m_state->map;
+    const std::size_t part = map.find(PartId(control.text()));
+    if (part == HardwarePart::none || !isOfType(map.parts[part], KSNODETYPE_VOLUME))
+        return {};
+    map.level(part);
+    return map.parts[part].level.object;
+}
+
+COMPtr<IAudioMute>::pointer HardwareWalk::mute(const ControlId& control) const
+{
+    HardwareMap& map = m_state->map;
+    const std::size_t part = map.find(PartId(control.text()));
+    const std::size_t mute = part == HardwarePart::none ? part : muteNextTo(map, part);
+    return mute == HardwarePart::none ? COMPtr<IAudioMute>::pointer() : map.parts[mute].mute.object;
+}
+
+COMPtr<IAudioInputSelector>::pointer HardwareWalk::selector(const SelectorId& selector) const
+{
+    HardwareMap& map = m_state->map;
+    const std::size_t part = map.find(PartId(selector.text()));
+    if (part == HardwarePart::none || map.parts[part].isConnector)
+        return {};
+    map.selector(part);
+    return map.parts[part].selector.object;
+}
+
+std::vector<COMPtr<IPart>::pointer> HardwareWalk::changingParts(const CardId& card) const
+{
+    HardwareMap& map = m_state->map;
+    const std::vector<EndpointId>& endpoints = m_state->endpointsOf(card);
+    std::vector<COMPtr<IPart>::pointer> parts;
+    std::vector<bool> isAdded(map.parts.size(), false);
+    const auto add = [&](std::size_t part)
+    {
+        if (part == HardwarePart::none || isAdded[part])
+            return;
+        isAdded[part] = true;
+        parts.push_back(map.parts[part].part);
+    };
+    for (const EndpointId& endpoint : endpoints)
+    {
+        for (const ControlPlace& control : controlsOf(map, endpoint))
+        {
+            add(control.level);
+            add(control.mute);
+        }
+    }
+    for (const SelectorPlace& selector : selectorsOf(map, endpoints))
+        add(selector.part);
+    return parts;
+}
+}

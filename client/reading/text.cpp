@@ -1,0 +1,93 @@
+#include "client/reading/text.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <iterator>
+
+namespace sonavit::reading
+{
+namespace
+{
+constexpr std::uint32_t replacement = 0xFFFD;
+
+bool isHighSurrogate(std::uint32_t unit)
+{
+    return unit >= 0xD800 && unit < 0xDC00;
+}
+
+bool isLowSurrogate(std::uint32_t unit)
+{
+    return unit >= 0xDC00 && unit < 0xE000;
+}
+
+/// The character at @p text, which then points behind it.
+std::uint32_t nextCharacter(const WCHAR*& text, const WCHAR* end)
+{
+    const std::uint32_t first = *text++;
+    if (!isHighSurrogate(first))
+        return isLowSurrogate(first) ? replacement : first;
+    if (text == end || !isLowSurrogate(*text))
+        return replacement;
+    const std::uint32_t second = *text++;
+    return 0x10000 + ((first - 0xD800) << 10) + (second - 0xDC00);
+}
+
+void append(std::string& bytes, std::uint32_t character)
+{
+    const auto follower = [&](unsigned shift)
+    { bytes.push_back(static_cast<char>(0x80 | ((character >> shift) & 0x3F))); };
+    if (character < 0x80)
+        bytes.push_back(static_cast<char>(character));
+    else if (character < 0x800)
+    {
+        bytes.push_back(static_cast<char>(0xC0 | (character >> 6)));
+        follower(0);
+    }
+    else if (character < 0x10000)
+    {
+        bytes.push_back(static_cast<char>(0xE0 | (character >> 12)));
+        follower(6);
+        follower(0);
+    }
+    else
+    {
+        bytes.push_back(static_cast<char>(0xF0 | (character >> 18)));
+        follower(12);
+        follower(6);
+        follower(0);
+    }
+}
+}
+
+std::string utf8(const WCHAR* text)
+{
+    if (text == nullptr)
+        return {};
+    std::size_t length = 0;
+    while (text[length] != 0)
+        ++length;
+    return utf8(text, length);
+}
+
+std::string utf8(const WCHAR* text, std::size_t length)
+{
+    const WCHAR* const end = text + length;
+    const WCHAR* const plainEnd = std::find_if(text, end, [](std::uint32_t unit) { return unit >= 0x80; });
+    std::string bytes;
+    bytes.reserve(length);
+    std::transform(text, plainEnd, std::back_inserter(bytes), [](WCHAR unit) { return static_cast<char>(unit); });
+    for (const WCHAR* place = plainEnd; place != end;)
+        append(bytes, nextCharacter(place, end));
+    return bytes;
+}
+
+Guid guidOf(const GUID& guid) noexcept
+{
+    Guid copy;
+    copy.data1 = static_cast<std::uint32_t>(guid.Data1);
+    copy.data2 = guid.Data2;
+    copy.data3 = guid.Data3;
+    std::copy(std::begin(guid.Data4), std::end(guid.Data4), copy.data4.begin());
+    return copy;
+}
+}

@@ -1,0 +1,19 @@
+/// @file
+/// The platform's strings as UTF-8.
+#pragma once
+
+#include "platform/coreaudio.h"
+#include "sonavit/ids.h"
+
+#include <cstddef>
+#include <string>
+
+namespace sonavit::reading
+{
+/// Converts a zero-terminated string; null gives the empty string. Surrogates without a partner become U+FFFD.
+std::string utf8(const WCHAR* text);
+/// Converts @p length units.
+std::string utf8(const WCHAR* text, std::size_t length);
+
+Guid guidOf(const GUID& guid) noexcept;
+}

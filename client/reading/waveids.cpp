@@ -1,0 +1,84 @@
+#include "client/reading/endpointreading.h"
+#include "client/reading/judge.h"
+#include "client/reading/text.h"
+
+#include <algorithm>
+
+namespace sonavit::reading
+{
+namespace
+{
+/// No computer has more wave devices.
+constexpr UINT mostNumbers = 4096;
+/// Bytes; no endpoint has a longer id.
+constexpr DWORD_PTR longestId = 0x10000;
+
+/// The functions of one flow.
+struct WaveFunctions
+{
+    UINT (*count)();
+    const char* countName;
+    MMRESULT (*message)(UINT number, UINT message, DWORD_PTR first, DWORD_PTR second);
+    const char* messageName;
+};
+
+/// A device number is passed in place of a handle.
+template<class Handle>
+Handle handleOf(UINT number)
+{
+    return reinterpret_cast<Handle>(static_cast<DWORD_PTR>(number));
+}
+
+constexpr std::array<WaveFunctions, 2> functions = {
+    {{[]() -> UINT { return waveOutGetNumDevs(); }, "waveOutGetNumDevs",
+      [](UINT number, UINT message, DWORD_PTR first, DWORD_PTR second) -> MMRESULT
+      { return waveOutMessage(handleOf<HWAVEOUT>(number), message, first, second); },
+      "waveOutMessage"},
+     {[]() -> UINT { return waveInGetNumDevs(); }, "waveInGetNumDevs",
+      [](UINT number, UINT message, DWORD_PTR first, DWORD_PTR second) -> MMRESULT
+      { return waveInMessage(handleOf<HWAVEIN>(number), message, first, second); },
+      "waveInMessage"}}};
+
+/// Asks for the size of the id, then for the id; empty if one of them fails.
+EndpointId readId(const WaveFunctions& wave, UINT number, std::vector<Problem>& problems)
+{
+    const auto send = [&](UINT message, void* place, DWORD_PTR bytes)
+    {
+        const MMRESULT result = wave.message(number, message, reinterpret_cast<DWORD_PTR>(place), bytes);
+        if (result != MMSYSERR_NOERROR)
+            problems.push_back(failure({wave.messageName, nullptr, number}, {}, static_cast<HRESULT>(result)));
+        return result == MMSYSERR_NOERROR;
+    };
+    DWORD_PTR size = 0;
+    if (!send(DRV_QUERYFUNCTIONINSTANCEIDSIZE, &size, 0))
+        return {};
+    if (size == 0 || size > longestId)
+    {
+        problems.push_back(failure({wave.messageName, nullptr, number}, {}, invalidData));
+        return {};
+    }
+    std::vector<WCHAR> text((size + 1) / sizeof(WCHAR)); // a driver may report success and write nothing
+    if (!send(DRV_QUERYFUNCTIONINSTANCEID, text.data(), size))
+        return {};
+    const auto end = std::find(text.begin(), text.end(), WCHAR{0});
+    return EndpointId(utf8(text.data(), static_cast<std::size_t>(end - text.begin())));
+}
+}
+
+WaveIds readWaveIds()
+{
+    WaveIds all;
+    for (std::size_t flow = 0; flow < functions.size(); ++flow)
+    {
+        const UINT count = functions[flow].count();
+        if (count > mostNumbers)
+        {
+            all.problems.push_back(failure({functions[flow].countName}, {}, invalidData));
+            continue;
+        }
+        for (UINT number = 0; number < count; ++number)
+            all.ids[flow].push_back(readId(functions[flow], number, all.problems));
+    }
+    return all;
+}
+}
