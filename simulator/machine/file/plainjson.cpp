@@ -32,6 +32,12 @@ char unescaped(char letter)
 
 bool hasDuplicates(const std::vector<std::string>& keys)
 {
+    constexpr std::size_t few = 16;
+    if (keys.size() <= few) // as in nearly all objects: a comparison of each with all before costs less than an order
+    {
+        const auto isKnown = [&](const std::string& key) { return &*std::find(keys.begin(), keys.end(), key) != &key; };
+        return std::any_of(keys.begin(), keys.end(), isKnown);
+    }
     std::vector<std::string_view> sorted(keys.begin(), keys.end());
     std::sort(sorted.begin(), sorted.end());
     return std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end();
