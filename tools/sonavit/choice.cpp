@@ -1,0 +1,141 @@
+#include "tools/sonavit/choice.h"
+
+#include "platform/coreaudio.h"
+#include "tools/sonavit/failure.h"
+#include "tools/sonavit/output/modelwords.h"
+#include "tools/sonavit/output/text.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace sonavit::program
+{
+namespace
+{
+bool isDenied(const Endpoint& endpoint)
+{
+    const std::vector<EndpointProblem>& problems = endpoint.problems();
+    return std::any_of(problems.begin(), problems.end(),
+                       [](const EndpointProblem& known)
+                       { return known.field == EndpointField::description && known.problem.code() == E_ACCESSDENIED; });
+}
+
+void report(const Context& context, std::size_t denied)
+{
+    if (denied == 0)
+        return;
+    context.environment.err << "sonavit: the system does not let this account read the properties of "
+                            << counted(denied, "endpoint") << ", so names and cards are missing\n"
+                            << std::flush;
+}
+
+std::size_t deniedAmong(const std::vector<Card>& cards)
+{
+    std::size_t denied = 0;
+    for (const Card& card : cards)
+        denied += static_cast<std::size_t>(std::count_if(card.endpoints().begin(), card.endpoints().end(), isDenied));
+    return denied;
+}
+
+/// The problem with the list of endpoints of that flow, or with its default.
+std::optional<Problem> problemOf(const Snapshot& snapshot, const std::string& operation)
+{
+    const std::vector<Problem>& problems = snapshot.problems();
+    const auto found =
+        std::find_if(problems.begin(), problems.end(),
+                     [&](const Problem& problem) { return problem.operation().find(operation) != std::string::npos; });
+    return found == problems.end() ? std::nullopt : std::optional<Problem>(*found);
+}
+
+CardEndpoint defaultEndpoint(const Snapshot& snapshot, Flow flow)
+{
+    const std::string what = "the default " + std::string(wordsOf(flow));
+    if (const std::optional<Endpoint> endpoint = snapshot.defaultEndpoint(flow))
+        return {snapshot.cardOf(endpoint->id()).value_or(Card()), *endpoint};
+    if (const std::optional<Problem> problem = problemOf(snapshot, "GetDefaultAudioEndpoint"))
+        throw OperationFailure("the system cannot report " + what + ": " + reasonText(problem->code()));
+    const auto& ids = snapshot.content().defaults[static_cast<std::size_t>(flow)];
+    if (!ids[static_cast<std::size_t>(Role::console)].isEmpty())
+        throw OperationFailure(what + " cannot be identified");
+    throw NotThere("there is no default " + std::string(wordsOf(flow)));
+}
+
+/// Adds what to do to the sentence of a name that fits nothing.
+template<class Value>
+Value require(Result<Value> result)
+{
+    if (result)
+        return *std::move(result);
+    if (result.problem().kind() == Problem::Kind::notThere)
+        throw NotThere(result.problem().sentence() + "; sonavit list shows what there is");
+    raise(result.problem());
+}
+
+/// Whether @p name names an endpoint of @p card, or several.
+bool hasEndpoint(const Card& card, const std::string& name)
+{
+    const auto contains = [&](const std::optional<std::string>& text) { return text && containsNoCase(*text, name); };
+    return std::any_of(card.endpoints().begin(), card.endpoints().end(),
+                       [&](const Endpoint& endpoint) {
+                           return contains(endpoint.id().text()) || contains(endpoint.description()) ||
+                                  contains(endpoint.name());
+                       });
+}
+}
+
+CardEndpoint endpointNamed(const Snapshot& snapshot, const std::string& name)
+{
+    if (equalNoCase(name, defaultOutputName))
+        return defaultEndpoint(snapshot, Flow::output);
+    if (equalNoCase(name, defaultInputName))
+        return defaultEndpoint(snapshot, Flow::input);
+    const Endpoint endpoint = require(snapshot.endpointNamed(name));
+    return {snapshot.cardOf(endpoint.id()).value_or(Card()), endpoint};
+}
+
+CardEndpoint requestedEndpoint(const Context& context, const Snapshot& snapshot)
+{
+    try
+    {
+        const CardEndpoint found = endpointNamed(snapshot, context.arguments.endpoint);
+        report(context, isDenied(found.endpoint) ? 1 : 0);
+        return found;
+    }
+    catch (...)
+    {
+        reportDenied(context, snapshot.cards());
+        throw;
+    }
+}
+
+std::vector<Card> requestedCards(const Context& context, const Snapshot& snapshot)
+{
+    const std::string& name = context.arguments.card;
+    const std::string& endpoint = context.arguments.endpoint;
+    if (name.empty())
+        return snapshot.cards();
+    const Card wanted = require(snapshot.cardNamed(name));
+    if (!endpoint.empty() && !hasEndpoint(wanted, endpoint))
+    {
+        const CardEndpoint found = endpointNamed(snapshot, endpoint);
+        if (found.card.id() != wanted.id())
+            throw UsageError(inQuotes(endpoint) + " is an endpoint of the card " + inQuotes(found.card.title()) +
+                             ", not of " + inQuotes(wanted.title()));
+    }
+    return {wanted};
+}
+
+Snapshot readSnapshot(const Context& context)
+{
+    Snapshot snapshot = context.session.source().snapshot();
+    if (snapshot.cards().empty() && !snapshot.problems().empty())
+        raise(snapshot.problems().front(), "the system cannot list its sound cards");
+    return snapshot;
+}
+
+void reportDenied(const Context& context, const std::vector<Card>& cards)
+{
+    report(context, deniedAmong(cards));
+}
+}
