@@ -92,8 +92,12 @@ CommandLine readCommandLine(const std::vector<std::string>& words)
 {
     const CommandWords read = parseCommandLine(words);
     if (!read.answer.empty())
-        return {{}, read.answer};
-    return {argumentsOf(read), {}};
+    {
+        Arguments arguments;
+        arguments.isJson = asksForJson(words);
+        return {arguments, read.answer, read.isVersion};
+    }
+    return {argumentsOf(read), {}, false};
 }
 
 bool asksForJson(const std::vector<std::string>& words)

@@ -112,6 +112,7 @@ struct CommandLine
 {
     Arguments arguments;
     std::string answer; ///< help or version; if it is not empty, it is printed and nothing else is done
+    bool isVersion = false;
 };
 
 /// Reads the command line after the program's name. Throws UsageError.

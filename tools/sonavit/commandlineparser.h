@@ -44,6 +44,7 @@ struct CommandWords
     std::vector<std::string> endpoints;
     std::optional<std::string> eventKinds;
     std::string answer; ///< help or version; if it is not empty, nothing else counts
+    bool isVersion = false;
 };
 
 /// Sorts the words after the program's name, and writes the help. Throws UsageError, always in the program's own words.

@@ -1,7 +1,6 @@
 #include "tools/sonavit/commandlinevalues.h"
 
 #include "simulator/machine/namedvalues.h"
-#include "tools/sonavit/deviceformat.h"
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/output/text.h"
 
@@ -23,6 +22,7 @@ constexpr std::uint32_t bitsOfAByte = 8;
 constexpr std::uint32_t mostBits = 32;
 constexpr std::uint32_t lowestRate = 1000;
 constexpr std::uint32_t highestRate = 768000;
+constexpr std::uint32_t mostChannels = 8; // for which there are usual speakers
 
 struct LogLevel
 {

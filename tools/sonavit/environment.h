@@ -17,6 +17,9 @@ struct Environment
     std::ostream& out;
     std::ostream& err;
 
+    /// The whole of standard input.
+    std::function<std::string()> readInput = [] { return std::string(); };
+
     bool isTerminal = false; ///< whether `out` is a terminal, so that a person reads it
     bool hasColours = false; ///< whether `out` shows colours
     unsigned width = 0;      ///< columns that a line may take; 0 for no limit

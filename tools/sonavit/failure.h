@@ -45,6 +45,18 @@ class Interrupted : public std::exception
 {
 };
 
+/// The command has printed its answer, which says what is missing; the program ends with @p code.
+class Answered : public std::exception
+{
+public:
+    explicit Answered(ExitCode code) : m_code(code) {}
+
+    ExitCode code() const { return m_code; }
+
+private:
+    ExitCode m_code;
+};
+
 /// The end of a command that did not succeed.
 struct Failure
 {

@@ -6,14 +6,10 @@
 #include "sonavit/ids.h"
 #include "sonavit/result.h"
 #include "sonavit/snapshot.h"
+#include "sonavit/system.h"
 
 #include <memory>
 #include <vector>
-
-namespace sonavit
-{
-class System;
-}
 
 namespace sonavit::program
 {

@@ -1,12 +1,14 @@
-#include "qor/exception.h"
-#include "tools/sonavit/accountrights.h"
+#include "tools/sonavit/choice.h"
 #include "tools/sonavit/commands/commands.h"
 #include "tools/sonavit/failure.h"
-#include "tools/sonavit/hardwarecontrol.h"
 #include "tools/sonavit/output/modeljson.h"
 #include "tools/sonavit/output/modelwords.h"
 #include "tools/sonavit/output/table.h"
 #include "tools/sonavit/output/text.h"
+#include "tools/sonavit/simulationnote.h"
+
+#include <algorithm>
+#include <cstddef>
 
 namespace sonavit::program
 {
@@ -14,27 +16,12 @@ namespace
 {
 using Align = Table::Column::Align;
 
-/// The library finds the controls on a walk through the card's graph, which may lead out of it.
-std::vector<HardwareControl> readControls(const Card& card, const Endpoint& endpoint)
+std::vector<Control> readControls(const Context& context, const Endpoint& endpoint)
 {
-    const std::string sentence = "the hardware controls of " + shortTitleWords(endpoint) + " cannot be read: ";
-    qor::Array<SoundCard::VolumeController> records;
-    try
-    {
-        card.card.volumeController(endpoint.device, records);
-    }
-    catch (const qor::IndexOutOfBounds&)
-    {
-        throw OperationFailure(sentence + "the path leads to a part that the card's graph does not contain");
-    }
-    catch (const qor::AssertionFailure&)
-    {
-        throw OperationFailure(sentence + "the system reported success without a result");
-    }
-    std::vector<HardwareControl> controls;
-    for (unsigned i = 0; i < records.size(); ++i)
-        controls.push_back(readControl(records[i]));
-    return controls;
+    Result<std::vector<Control>> controls = context.session.source().controls(endpoint.id());
+    if (!controls)
+        raise(controls.problem(), "the hardware controls of " + shortTitleWords(endpoint) + " cannot be read");
+    return *std::move(controls);
 }
 
 /// "on" and "off", as `mute` takes them.
@@ -47,12 +34,23 @@ std::string shortMuteWords(const std::optional<bool>& isMuted)
 
 std::string spanWords(const std::optional<LevelRange>& range)
 {
-    return range ? decimalText(range->minimum, 2) + " to " + decimalText(range->maximum, 2) + " dB" : nothing;
+    return range ? decimalText(static_cast<float>(range->minimum), 2) + " to " +
+                       decimalText(static_cast<float>(range->maximum), 2) + " dB"
+                 : nothing;
 }
 
 std::string stepWords(const std::optional<LevelRange>& range)
 {
-    return range ? decimalText(range->step, 2) : nothing;
+    return range ? decimalText(static_cast<float>(range->step), 2) : nothing;
+}
+
+/// The owner's name, and that of the node where it says more than that it is a volume.
+std::string nameWords(const Control& control)
+{
+    const std::string owner = printable(control.ownerName.value_or(nothing));
+    const std::string own = control.name.value_or("");
+    const bool saysMore = !own.empty() && !equalNoCase(own, "volume") && !equalNoCase(own, owner);
+    return saysMore ? owner + ", " + printable(own) : owner;
 }
 
 /// The cells from the channel to the step.
@@ -60,8 +58,8 @@ void addLevel(std::vector<Table::Cell>& row, const std::string& channel, const L
               const std::optional<LevelRange>& range)
 {
     row.push_back({channel, Paint::dim});
-    row.push_back({percentText(level.percent), Paint::none});
-    row.push_back({decibelText(level.decibels), Paint::none});
+    row.push_back({percentWords(level.percent), Paint::none});
+    row.push_back({decibelWords(level.decibels), Paint::none});
     row.push_back({spanWords(range), Paint::none});
     row.push_back({stepWords(range), Paint::none});
 }
@@ -72,7 +70,7 @@ Table::Cell muteCell(const std::string& words, const std::optional<bool>& isMute
 }
 
 /// A control without channels, or one that does not report them, still has a row.
-void addRows(Table& table, const HardwareControl& control)
+void addRows(Table& table, const Control& control)
 {
     const std::vector<ControlChannel> blank(1);
     const bool hasChannels = control.channels && !control.channels->empty();
@@ -80,7 +78,7 @@ void addRows(Table& table, const HardwareControl& control)
     for (std::size_t i = 0; i < channels.size(); ++i)
     {
         const bool isFirst = i == 0;
-        std::vector<Table::Cell> row = {{isFirst ? printable(control.ownerName.value_or(nothing)) : "", Paint::bold},
+        std::vector<Table::Cell> row = {{isFirst ? nameWords(control) : "", Paint::bold},
                                         {isFirst ? kindWords(control.ownerType) : "", Paint::none}};
         addLevel(row, hasChannels ? std::to_string(i + 1) : nothing, channels[i].level, channels[i].range);
         const std::string mute = control.hasMute ? shortMuteWords(control.isMuted) : "none";
@@ -89,7 +87,7 @@ void addRows(Table& table, const HardwareControl& control)
     }
 }
 
-void showTable(const Environment& environment, const EndpointLevel& own, const std::vector<HardwareControl>& controls)
+void showTable(const Environment& environment, const Volume& own, const std::vector<Control>& controls)
 {
     Table table({{Align::left, 0, 0, 12, 6, ""},
                  {Align::left, 2, 2, 0, 0, "jack"},
@@ -107,38 +105,98 @@ void showTable(const Environment& environment, const EndpointLevel& own, const s
     addLevel(row, "all", own.master, own.range);
     row.push_back(muteCell(shortMuteWords(own.isMuted), own.isMuted));
     table.add(row);
-    for (const HardwareControl& control : controls)
+    for (const Control& control : controls)
         addRows(table, control);
     for (const std::string& line : table.lines(environment.width, environment.hasColours))
         environment.out << line << "\n";
     for (const std::string& line : leftOutNote(table.leftOut(environment.width), environment.width))
         environment.out << painted(line, Paint::dim, environment.hasColours) << "\n";
 }
+
+/// "-12.00 dB", of each channel where they differ.
+std::string levelsWords(const Control& control)
+{
+    const std::vector<ControlChannel> channels = control.channels.value_or(std::vector<ControlChannel>());
+    if (channels.empty())
+        return nothing;
+    const auto isFirst = [&](const ControlChannel& channel) { return channel.level == channels.front().level; };
+    const bool isEqual = std::all_of(channels.begin(), channels.end(), isFirst);
+    std::string words;
+    for (std::size_t i = 0; i < (isEqual ? 1 : channels.size()); ++i)
+        words += (i == 0 ? "" : ", ") + percentWords(channels[i].level.percent) + " (" +
+                 decibelWords(channels[i].level.decibels) + ")";
+    return words;
+}
+
+Result<Control> change(const Context& context, const Endpoint& endpoint)
+{
+    const Arguments& arguments = context.arguments;
+    System& audio = context.session.audio();
+    if (const LevelChange* const level = std::get_if<LevelChange>(&arguments.controlChange))
+        return audio.setControl(endpoint.id(), arguments.control, *level);
+    const bool isMuted = std::get<MuteChange>(arguments.controlChange) == MuteChange::on;
+    return audio.setControlMute(endpoint.id(), arguments.control, isMuted);
+}
+
+/// The control as it was before it became @p after; no value if it was not there.
+std::optional<Control> before(const std::vector<Control>& controls, const Control& after)
+{
+    const auto found =
+        std::find_if(controls.begin(), controls.end(), [&](const Control& control) { return control.id == after.id; });
+    return found == controls.end() ? std::nullopt : std::optional<Control>(*found);
+}
 }
 
 void runControls(Context& context)
 {
-    std::vector<Card> cards = readCards();
-    const EndpointOfCard found = requestedEndpoint(context, cards);
-    const std::vector<HardwareControl> controls = readControls(found.card, found.endpoint);
-    const EndpointLevel own = readLevel(found.endpoint.device);
+    const Snapshot snapshot = readSnapshot(context);
+    const CardEndpoint found = requestedEndpoint(context, snapshot);
+    const std::vector<Control> controls = readControls(context, found.endpoint);
+    const std::optional<Volume>& own = found.endpoint.volume();
     const Environment& environment = context.environment;
     if (context.arguments.isJson)
     {
         Json list = Json::array();
-        for (const HardwareControl& control : controls)
+        for (const Control& control : controls)
             list.append(controlJson(control));
-        const Json answer = Json::document({{"machine", context.session.machineName()},
-                                            {"endpoint", found.endpoint.id},
-                                            {"name", found.endpoint.name()},
-                                            {"controls", list},
-                                            {"endpointVolume", volumeWithChannelsJson(own)},
-                                            {"endpointMuted", own.isMuted}});
-        environment.out << answer.text() << "\n";
+        environment.out << machineDocument(context.session.machineName())
+                               .set("endpoint", endpointNameJson(found.endpoint))
+                               .set("controls", list)
+                               .set("volume", volumeJson(own))
+                               .set("muted", mutedJson(own))
+                               .text()
+                        << "\n";
         return;
     }
     environment.out << painted(titleWords(found.endpoint), Paint::bold, environment.hasColours) << ", "
                     << counted(controls.size(), "hardware control") << "\n";
-    showTable(environment, own, controls);
+    showTable(environment, own.value_or(Volume()), controls);
+}
+
+void runSetControl(Context& context)
+{
+    const Snapshot snapshot = readSnapshot(context);
+    const Endpoint endpoint = requestedEndpoint(context, snapshot).endpoint;
+    const std::vector<Control> known = readControls(context, endpoint);
+    const Result<Control> after = change(context, endpoint);
+    if (!after)
+        raise(after.problem());
+    announceTemporaryChange(context);
+    const std::optional<Control> former = before(known, *after);
+    if (context.arguments.isJson)
+    {
+        context.environment.out << machineDocument(context.session.machineName())
+                                       .set("endpoint", endpointNameJson(endpoint))
+                                       .set("before", former ? controlJson(*former) : Json())
+                                       .set("after", controlJson(*after))
+                                       .text()
+                                << "\n";
+        return;
+    }
+    const bool isLevel = std::holds_alternative<LevelChange>(context.arguments.controlChange);
+    const auto words = [&](const Control& control)
+    { return isLevel ? levelsWords(control) : muteWords(control.isMuted); };
+    context.environment.out << titleWords(endpoint) << ", " << nameWords(*after) << ": "
+                            << (former ? words(*former) : nothing) << " \xE2\x86\x92 " << words(*after) << "\n";
 }
 }
