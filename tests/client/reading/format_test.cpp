@@ -137,9 +137,9 @@ TEST_F(ReadingFormatOfEndpoint, MakesABlockOfAnotherSizeAProblem)
     const reading::EndpointReading endpoint = readWith(std::vector<BYTE>(28));
 
     EXPECT_FALSE(endpoint.content.format);
-    EXPECT_THAT(problemsOf(endpoint, sonavit::EndpointField::format),
-                testing::ElementsAre(
-                    IsFailureOf("IPropertyStore::GetValue(deviceFormat)", static_cast<HRESULT>(0x8007000D))));
+    EXPECT_THAT(
+        problemsOf(endpoint, sonavit::EndpointField::format),
+        testing::ElementsAre(IsFailureOf("IPropertyStore::GetValue(deviceFormat)", static_cast<HRESULT>(0x8007000D))));
 }
 
 TEST_F(ReadingFormatOfEndpoint, MakesAnEmptyBlockAProblem)

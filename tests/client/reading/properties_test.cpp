@@ -86,7 +86,7 @@ TEST_F(ReadingProperties, ThatAreMissingOrEmptyHaveNoValueAndNoProblem)
     set(keys::friendlyName, sim::PropertyValue::ofText(""));
     remove(keys::deviceFormat);
     remove(keys::physicalSpeakers);
-    remove(keys::enumeratorName);
+    set(keys::enumeratorName, sim::PropertyValue::ofText(""));
     set(keys::directSoundGuid, sim::PropertyValue::ofText(""));
     set(keys::jackSubType, sim::PropertyValue::ofText(""));
 

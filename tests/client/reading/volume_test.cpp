@@ -96,8 +96,8 @@ TEST_F(ReadingVolume, HasNoPercentOnAnEmptyRange)
 
 TEST_F(ReadingVolume, HasNoValueForNumbersThatAreNotFinite)
 {
-    for (const float number : {notANumber, std::numeric_limits<float>::infinity(),
-                               -std::numeric_limits<float>::infinity()})
+    for (const float number :
+         {notANumber, std::numeric_limits<float>::infinity(), -std::numeric_limits<float>::infinity()})
     {
         sim::EndpointVolume volume;
         volume.minimum = number;
@@ -237,8 +237,7 @@ TEST_F(ReadingVolume, OfAnUnpluggedDeviceThatDoesNotAnswerIsNoProblem)
     const reading::EndpointReading unplugged = read(id);
 
     EXPECT_THAT(problemsOf(active, EndpointField::volume),
-                ElementsAre(
-                    IsFailureOf("IMMDevice::Activate(IAudioEndpointVolume)", AUDCLNT_E_DEVICE_INVALIDATED)));
+                ElementsAre(IsFailureOf("IMMDevice::Activate(IAudioEndpointVolume)", AUDCLNT_E_DEVICE_INVALIDATED)));
     EXPECT_THAT(unplugged.content.problems, IsEmpty());
 }
 }
