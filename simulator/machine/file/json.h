@@ -51,9 +51,15 @@ struct JsonValue
     std::string stepTo(std::size_t index) const;
 };
 
+/// The most lists and objects around a value that can be read, more than any machine needs.
+inline constexpr std::size_t deepestNesting = 32;
+
 /// Reads @p text. Throws MachineFileError if it is not JSON, contains a key twice in one object or a zero character in
-/// a string, or is nested more deeply than any machine.
+/// a string, or is nested more deeply than deepestNesting.
 JsonValue parseJson(const std::string& text, const std::string& file);
+
+/// As parseJson(), which calls it for a string that the fast reader does not understand (plainjson.h).
+JsonValue parseAnyJson(const std::string& text, const std::string& file);
 
 /// @p value as JSON. An object or a list that does not fit into a line is printed with one line for each element. Bytes
 /// that are not UTF-8 become the replacement character.

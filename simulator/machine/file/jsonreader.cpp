@@ -2,12 +2,14 @@
 #include "simulator/machine/file/json.h"
 
 #include "simulator/machine/file/machinefile.h"
+#include "simulator/machine/file/plainjson.h"
 #include "simulator/machine/printable.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <iterator>
+#include <unordered_set>
 #include <utility>
 
 namespace sim
@@ -16,10 +18,12 @@ namespace
 {
 using Nlohmann = nlohmann::json;
 
-constexpr std::size_t deepestNesting = 32;
+/// The keys of an object above which a set finds a duplicate faster than a search.
+constexpr std::size_t manyKeys = 16;
 
-/// Iterates over a string and records, in a place that it shares with its copies, how far the furthest of them is.
-class CountingIterator
+/// Iterates over a string once. All copies share the position, so that the owner of the position knows how far the
+/// parser has read.
+class SharedIterator
 {
 public:
     using iterator_category = std::input_iterator_tag;
@@ -28,24 +32,22 @@ public:
     using pointer = const char*;
     using reference = const char&;
 
-    CountingIterator(const char* position, const char** furthest) : m_position(position), m_furthest(furthest) {}
+    explicit SharedIterator(const char*& position) : m_position(&position) {}
 
-    reference operator*() const { return *m_position; }
+    reference operator*() const { return **m_position; }
 
-    CountingIterator& operator++()
+    SharedIterator& operator++()
     {
-        ++m_position;
-        *m_furthest = std::max(*m_furthest, m_position);
+        ++*m_position;
         return *this;
     }
 
-    bool operator==(const CountingIterator& other) const { return m_position == other.m_position; }
+    bool operator==(const SharedIterator& other) const { return *m_position == *other.m_position; }
 
-    bool operator!=(const CountingIterator& other) const { return m_position != other.m_position; }
+    bool operator!=(const SharedIterator& other) const { return *m_position != *other.m_position; }
 
 private:
-    const char* m_position;
-    const char** m_furthest;
+    const char** m_position;
 };
 
 /// Builds the tree from the parser's events.
@@ -56,44 +58,51 @@ public:
 
     JsonValue build()
     {
-        const char* const end = m_text.data() + m_text.size();
-        Nlohmann::sax_parse(CountingIterator(m_text.data(), &m_read), CountingIterator(end, &m_read), this);
+        const char* end = m_text.data() + m_text.size();
+        Nlohmann::sax_parse(SharedIterator(m_read), SharedIterator(end), this);
         return std::move(m_root);
     }
 
-    bool null() override { return put({}); }
+    bool null() override
+    {
+        add(JsonValue::Kind::null);
+        return true;
+    }
 
-    bool boolean(bool value) override { return put(JsonValue::ofBoolean(value)); }
+    bool boolean(bool value) override
+    {
+        add(JsonValue::Kind::boolean).boolean = value;
+        return true;
+    }
 
-    bool number_integer(number_integer_t value) override { return putNumber(std::to_string(value)); }
+    bool number_integer(number_integer_t value) override { return addNumber(std::to_string(value)); }
 
-    bool number_unsigned(number_unsigned_t value) override { return putNumber(std::to_string(value)); }
+    bool number_unsigned(number_unsigned_t value) override { return addNumber(std::to_string(value)); }
 
-    bool number_float(number_float_t, const string_t& written) override { return putNumber(written); }
+    bool number_float(number_float_t, const string_t& written) override { return addNumber(written); }
 
     bool string(string_t& value) override
     {
         if (value.find('\0') != std::string::npos)
             fail("a string without a zero character", "a string with one");
-        return put(JsonValue::ofString(value));
+        add(JsonValue::Kind::string).text = value;
+        return true;
     }
 
     bool binary(binary_t&) override { return false; }
 
-    bool start_object(std::size_t) override { return open(JsonValue::object()); }
+    bool start_object(std::size_t) override { return open(JsonValue::Kind::object); }
 
     bool key(string_t& value) override
     {
-        std::vector<std::string>& keys = m_open.back()->keys;
-        if (std::find(keys.begin(), keys.end(), value) != keys.end())
+        if (!m_open.back().addKey(value))
             fail("each key once", "duplicate " + inQuotes(value));
-        keys.push_back(value);
         return true;
     }
 
     bool end_object() override { return close(); }
 
-    bool start_array(std::size_t) override { return open(JsonValue::array()); }
+    bool start_array(std::size_t) override { return open(JsonValue::Kind::array); }
 
     bool end_array() override { return close(); }
 
@@ -107,6 +116,26 @@ public:
     }
 
 private:
+    /// A list or an object whose end has not been read.
+    struct Open
+    {
+        JsonValue* value;
+        std::unordered_set<std::string> keys; ///< of an object with many keys
+
+        /// Adds the key to the object, or returns false if the object has it already.
+        bool addKey(const std::string& key)
+        {
+            std::vector<std::string>& list = value->keys;
+            if (list.size() == manyKeys)
+                keys.insert(list.begin(), list.end());
+            const bool isNew = list.size() < manyKeys ? std::find(list.begin(), list.end(), key) == list.end()
+                                                      : keys.insert(key).second;
+            if (isNew)
+                list.push_back(key);
+            return isNew;
+        }
+    };
+
     /// The parser's message, without its number and its own position.
     static std::string reason(const std::string& message)
     {
@@ -142,37 +171,40 @@ private:
     std::string pointer() const
     {
         std::string result;
-        for (const JsonValue* open : m_open)
+        for (const Open& each : m_open)
         {
+            const JsonValue* const open = each.value;
+            const bool isInnermost = &each == &m_open.back();
             const bool hasKey = open->kind == JsonValue::Kind::object && !open->keys.empty();
-            const bool isBetween = open->keys.size() == open->elements.size() && open == m_open.back();
+            const bool isBetween = open->keys.size() == open->elements.size() && isInnermost;
             if (open->kind == JsonValue::Kind::array)
-                result += "/" + std::to_string(open->elements.size() - (open == m_open.back() ? 0 : 1));
+                result += "/" + std::to_string(open->elements.size() - (isInnermost ? 0 : 1));
             else if (hasKey && !isBetween)
                 result += pointerStep(open->keys.back());
         }
         return result;
     }
 
-    bool put(JsonValue value)
+    /// Appends a value to the innermost open container.
+    JsonValue& add(JsonValue::Kind kind)
     {
+        JsonValue& value = m_open.empty() ? m_root : m_open.back().value->elements.emplace_back();
+        value.kind = kind;
         value.line = line();
-        if (m_open.empty())
-            m_root = std::move(value);
-        else
-            m_open.back()->elements.push_back(std::move(value));
+        return value;
+    }
+
+    bool addNumber(std::string written)
+    {
+        add(JsonValue::Kind::number).text = std::move(written);
         return true;
     }
 
-    bool putNumber(std::string written) { return put(JsonValue::ofNumber(std::move(written))); }
-
-    bool open(JsonValue value)
+    bool open(JsonValue::Kind kind)
     {
         if (m_open.size() == deepestNesting)
             fail("at most " + std::to_string(deepestNesting) + " levels", "more");
-        JsonValue* const parent = m_open.empty() ? nullptr : m_open.back();
-        put(std::move(value));
-        m_open.push_back(parent == nullptr ? &m_root : &parent->elements.back());
+        m_open.push_back({&add(kind), {}});
         return true;
     }
 
@@ -188,11 +220,17 @@ private:
     const char* m_lineRead = m_text.data();
     std::size_t m_line = 1;
     JsonValue m_root;
-    std::vector<JsonValue*> m_open; ///< the containers around the value that is being read, the outermost first
+    std::vector<Open> m_open; ///< the containers around the value that is being read, the outermost first
 };
 }
 
 JsonValue parseJson(const std::string& text, const std::string& file)
+{
+    std::optional<JsonValue> plain = readPlainJson(text);
+    return plain ? std::move(*plain) : parseAnyJson(text, file);
+}
+
+JsonValue parseAnyJson(const std::string& text, const std::string& file)
 {
     return TreeBuilder(text, file).build();
 }

@@ -6,9 +6,10 @@
 #include "simulator/machine/file/json.h"
 #include "simulator/machine/file/utf8path.h"
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <fstream>
-#include <iterator>
 
 namespace sim
 {
@@ -40,6 +41,18 @@ fs::path regularFile(const std::string& name)
         refuse(name, "a file larger than 64 MiB");
     return *path;
 }
+
+std::string contentOf(std::istream& file)
+{
+    std::string content;
+    std::array<char, 0x10000> piece;
+    while (file)
+    {
+        file.read(piece.data(), piece.size());
+        content.append(piece.data(), static_cast<std::size_t>(file.gcount()));
+    }
+    return content;
+}
 }
 
 Machine readMachineFile(const std::string& path)
@@ -47,7 +60,7 @@ Machine readMachineFile(const std::string& path)
     std::ifstream file(regularFile(path), std::ios::binary);
     if (!file)
         refuse(path, "a file that cannot be opened");
-    const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    const std::string text = contentOf(file);
     if (file.bad())
         refuse(path, "a file that cannot be read completely");
     return readMachine(text, path);

@@ -78,6 +78,8 @@ std::vector<std::string> Table::lines(unsigned width, bool hasColours) const
 
 std::vector<std::string> Table::leftOut(unsigned width) const
 {
+    if (width == 0)
+        return {};
     const Layout whole = layout(0);
     const Layout fitting = layout(width);
     std::vector<std::string> names;

@@ -165,8 +165,10 @@ std::string inQuotes(std::string_view text)
 
 std::size_t displayWidth(std::string_view text)
 {
-    std::size_t width = 0;
-    for (std::size_t position = 0; position < text.size();)
+    const auto isAscii = [](char byte) { return static_cast<unsigned char>(byte) < 0x80; };
+    const auto start = std::find_if_not(text.begin(), text.end(), isAscii); // each byte before it takes one column
+    auto width = static_cast<std::size_t>(start - text.begin());
+    for (std::size_t position = width; position < text.size();)
     {
         const Character character = characterAt(text, position);
         width += widthOf(character);
