@@ -203,10 +203,8 @@ Result<FormatHold> System::holdFormat(const EndpointId& endpoint, const Format& 
 {
     using HoldState = std::shared_ptr<FormatHold::State>;
     const char* const operation = "holdFormat";
-    const worker::Clock::Time deadline = worker::deadlineAfter(m_state->clock->now(), m_state->options.patience);
-    const Result<Snapshot> first = m_state->begin(operation, deadline);
-    if (!first)
-        return first.problem();
+    if (!m_state->begin())
+        return endedProblem(operation);
     const auto task = [endpoint, format, operation, worker = m_state->worker,
                        weak = std::weak_ptr<Watcher>(m_state->watcher),
                        patience = m_state->options.patience](Watcher& watcher) -> Result<HoldState>
