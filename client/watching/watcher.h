@@ -69,7 +69,7 @@ public:
     ChangeToken newToken() noexcept { return ++m_lastToken; }
     GUID contextOf(ChangeToken token) const noexcept { return m_inbox->context().of(token); }
     /// After a change of an endpoint whose reading shows it already: publishes it as a change of this System's, so that
-    /// latest() and System::snapshot() have it.
+    /// latest() and System::snapshot() have it. With the token 0, what the reading shows is not from this System.
     void publishChange(const EndpointId& endpoint, ChangeToken token);
     /// After a change of a card's hardware: reads the volumes of its endpoints and, if it is watched, its hardware, and
     /// publishes that in the same way.
