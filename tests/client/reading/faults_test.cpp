@@ -115,8 +115,8 @@ protected:
         for (const sim::JournalEntry& entry : entries)
         {
             if (!onlyFrees(entry.operation))
-                calls.push_back({entry.operation, entry.arguments.empty() ? "" : entry.arguments[0],
-                                 ++numbers[entry.operation]});
+                calls.push_back(
+                    {entry.operation, entry.arguments.empty() ? "" : entry.arguments[0], ++numbers[entry.operation]});
         }
         return calls;
     }
@@ -211,9 +211,9 @@ TEST_F(ReadingAfterFailure, TellsTheWitnessOfEachFailureOnItsThread)
     reading::EndpointReading endpoint = open(speaker.id());
     reading::readState(endpoint);
 
-    EXPECT_THAT(inner.seen, testing::ElementsAre("IMMDevice::GetState " + speaker.id() + " 0x80070005",
-                                                 "IPropertyStore::GetValue(friendlyName) " + speaker.id() +
-                                                     " 0x80004004"));
+    EXPECT_THAT(inner.seen,
+                testing::ElementsAre("IMMDevice::GetState " + speaker.id() + " 0x80070005",
+                                     "IPropertyStore::GetValue(friendlyName) " + speaker.id() + " 0x80004004"));
     EXPECT_THAT(outer.seen, testing::ElementsAre("IMMDevice::GetState " + speaker.id() + " 0x80070005"));
 }
 
