@@ -166,6 +166,21 @@ Noted Inbox::take(bool isAll)
     return noted;
 }
 
+bool Inbox::isChangedByOther(const EndpointId& endpoint) const
+{
+    const std::lock_guard<std::mutex> lock(m_alarm->mutex);
+    const auto isMeant = [&](const Slot& slot)
+    { return slot.isByOther && EndpointId(reading::utf8(slot.id.data(), slot.length)) == endpoint; };
+    return std::any_of(m_slots.begin(), m_slots.end(), isMeant);
+}
+
+bool Inbox::isChangedByOther(std::uint32_t watch) const
+{
+    const std::lock_guard<std::mutex> lock(m_alarm->mutex);
+    const auto isMeant = [&](const Slot& slot) { return slot.isByOther && slot.length == 0 && slot.watch == watch; };
+    return std::any_of(m_slots.begin(), m_slots.end(), isMeant);
+}
+
 Cause Inbox::causeOf(const Slot& slot)
 {
     Cause cause;

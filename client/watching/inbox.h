@@ -90,6 +90,9 @@ public:
     const EventContexts& context() const noexcept { return m_context; }
     /// All that is noted, or only what concerns levels.
     Noted take(bool isAll);
+    /// Whether another program has changed that volume or that hardware, and nobody has read it yet.
+    bool isChangedByOther(const EndpointId& endpoint) const;
+    bool isChangedByOther(std::uint32_t watch) const;
     /// When levels have to be read, and the rest; Clock::never if nothing is noted.
     Clock::Time levelsDue(Clock::Time lastReading) const;
     Clock::Time restDue() const;
