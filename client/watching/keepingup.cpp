@@ -149,14 +149,30 @@ void Watcher::read(const Noted& noted)
         return;
     for (const Noted::OfHardware& each : noted.hardware)
         readHardware(each);
-    bool areNumbersRead = isListRead || noted.areDefaults;
+    std::array<bool, 2> flows = {isListRead, isListRead}; // in which device numbers may have changed
     for (const Noted::OfEndpoint& each : noted.endpoints)
-        areNumbersRead = readNoted(each) || areNumbersRead;
-    if ((isListRead || noted.areDefaults) && !readDefaults())
+    {
+        if (const std::optional<Flow> flow = readNoted(each))
+            flows[static_cast<std::size_t>(*flow)] = true;
+    }
+    const bool areDefaultsRead = isListRead || noted.defaults[0] || noted.defaults[1];
+    if (areDefaultsRead && !readDefaults())
         return;
-    if (areNumbersRead)
-        m_waveIds = reading::readWaveIds();
-    m_isRegrouping = m_isRegrouping || areNumbersRead;
+    for (std::size_t flow = 0; flow < flows.size(); ++flow)
+        flows[flow] = flows[flow] || noted.defaults[flow];
+    readWaveIds(flows);
+}
+
+/// The numbers follow the active endpoints and the defaults.
+void Watcher::readWaveIds(const std::array<bool, 2>& flows)
+{
+    for (const Flow flow : allFlows)
+    {
+        if (!flows[static_cast<std::size_t>(flow)])
+            continue;
+        m_waveIds[static_cast<std::size_t>(flow)] = reading::readWaveIds(flow);
+        m_isRegrouping = true;
+    }
 }
 
 void Watcher::readEverything()
@@ -170,7 +186,7 @@ void Watcher::readEverything()
         m_endpoints.read(index);
     }
     if (readDefaults())
-        m_waveIds = reading::readWaveIds();
+        readWaveIds({true, true});
 }
 
 /// Reads which endpoints there are. @return the new ones, which are opened; no value if the service has gone
@@ -204,14 +220,14 @@ bool Watcher::readNewOnes()
     return true;
 }
 
-/// @return whether device numbers may have changed with it
-bool Watcher::readNoted(const Noted::OfEndpoint& noted)
+/// @return the flow, if device numbers may have changed with it
+std::optional<Flow> Watcher::readNoted(const Noted::OfEndpoint& noted)
 {
     const std::optional<std::size_t> index = m_endpoints.find(noted.id);
     if (!index)
     {
         judgeAbsence(noted);
-        return false;
+        return std::nullopt;
     }
     const Endpoint::Content& content = m_endpoints[*index].content;
     const std::vector<EndpointProblem> formerProblems = content.problems;
@@ -222,7 +238,8 @@ bool Watcher::readNoted(const Noted::OfEndpoint& noted)
     m_changed.push_back(noted.id);
     noteCause(noted);
     m_isRegrouping = m_isRegrouping || (noted.announced & ~announcedVolume) != 0;
-    return content.state != formerState || content.incarnation != formerIncarnation;
+    const bool isMoved = content.state != formerState || content.incarnation != formerIncarnation;
+    return isMoved ? std::optional<Flow>(content.flow) : std::nullopt;
 }
 
 void Watcher::noteCause(const Noted::OfEndpoint& noted)

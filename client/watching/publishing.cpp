@@ -54,7 +54,8 @@ Snapshot::Content Watcher::regrouped()
         content.problems.push_back(*m_registrationProblem);
     append(content.problems, m_listProblems);
     append(content.problems, m_defaults.problems);
-    append(content.problems, m_waveIds.problems);
+    for (const reading::WaveIds& waveIds : m_waveIds)
+        append(content.problems, waveIds.problems);
     m_watches.follow(*m_enumerator, content.cards);
     content.hardware = m_watches.hardware(content.cards);
     return content;
@@ -165,7 +166,12 @@ void Watcher::publishHardwareChange(const CardId& card, ChangeToken token)
         note(m_hardwareCauses, card, cause);
         if (m_inbox->isChangedByOther(*key))
             note(m_hardwareCauses, card, Cause{Origin::other, {}, false});
+    }
+    if (token != 0)
+    {
         m_publishedHardwareChanges[card] = token;
+        for (const EndpointId& endpoint : changed)
+            m_publishedChanges[endpoint] = token;
     }
     publish(patched(changed));
 }

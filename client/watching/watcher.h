@@ -14,6 +14,7 @@
 #include "sonavit/snapshot.h"
 #include "sonavit/system.h"
 
+#include <array>
 #include <chrono>
 #include <cstddef>
 #include <functional>
@@ -66,7 +67,7 @@ public:
     ChangeToken newToken() noexcept { return ++m_lastToken; }
     GUID contextOf(ChangeToken token) const noexcept { return m_inbox->context().of(token); }
     /// After a change of an endpoint whose reading shows it already: publishes it as a change of this System's, so that
-    /// latest() and System::snapshot() have it.
+    /// latest() and System::snapshot() have it. With the token 0, what the reading shows is not from this System.
     void publishChange(const EndpointId& endpoint, ChangeToken token);
     /// After a change of a card's hardware: reads the volumes of its endpoints and, if it is watched, its hardware, and
     /// publishes that in the same way.
@@ -102,7 +103,8 @@ private:
     void readEverything();
     std::optional<std::vector<EndpointId>> readList();
     bool readNewOnes();
-    bool readNoted(const Noted::OfEndpoint& noted);
+    std::optional<Flow> readNoted(const Noted::OfEndpoint& noted);
+    void readWaveIds(const std::array<bool, 2>& flows);
     bool readDefaults();
     void judgeAbsence(const Noted::OfEndpoint& noted);
     void judgeReading(std::size_t index, const std::vector<EndpointProblem>& former);
@@ -133,7 +135,7 @@ private:
     Watches m_watches;
     std::vector<Problem> m_listProblems;
     reading::Defaults m_defaults;
-    reading::WaveIds m_waveIds;
+    std::array<reading::WaveIds, 2> m_waveIds; ///< by flow
     reading::Parents m_parents;
     Snapshot m_latest;
     bool m_isStarted = false;
