@@ -1,7 +1,7 @@
 #include "client/changing/controllevels.h"
 
 #include <algorithm>
-#include <string>
+#include <utility>
 
 namespace sonavit::changing
 {
@@ -34,7 +34,8 @@ ControlLevels::ControlLevels(IAudioVolumeLevel& level, const Subject& subject, C
 std::optional<Problem> ControlLevels::apply(const LevelChange& change)
 {
     UINT count = 0;
-    const std::optional<Problem> uncounted = judge("GetChannelCount", m_level.GetChannelCount(&count));
+    const std::optional<Problem> uncounted =
+        judge("IAudioVolumeLevel::GetChannelCount", m_level.GetChannelCount(&count));
     if (const std::optional<unsigned> channel = change.channel())
     {
         if (!uncounted && *channel >= count)
@@ -57,7 +58,7 @@ std::optional<Problem> ControlLevels::changeOne(const LevelChange& change, unsig
         return target.problem();
     if (isAt(now, *target))
         return std::nullopt;
-    return judge("SetLevel", m_level.SetLevel(channel, *target, m_context.use()));
+    return judge("IAudioVolumeLevel::SetLevel", m_level.SetLevel(channel, *target, m_context.use()));
 }
 
 std::optional<Problem> ControlLevels::changeAll(const LevelChange& change, unsigned count)
@@ -73,7 +74,7 @@ std::optional<Problem> ControlLevels::set(const std::vector<std::optional<Decibe
 {
     const std::optional<Decibels> highest = *std::max_element(levels.begin(), levels.end());
     UINT count = 0;
-    if (std::optional<Problem> problem = judge("GetChannelCount", m_level.GetChannelCount(&count)))
+    if (std::optional<Problem> problem = judge("IAudioVolumeLevel::GetChannelCount", m_level.GetChannelCount(&count)))
         return problem;
     if (count != levels.size())
         return apply(*highest);
@@ -95,8 +96,8 @@ std::optional<Problem> ControlLevels::setAll(const std::vector<Present>& channel
     if (std::equal(channels.begin(), channels.end(), levels.begin(), isAt))
         return std::nullopt;
     if (levels.size() == 1)
-        return judge("SetLevel", m_level.SetLevel(0, levels.front(), m_context.use()));
-    return judge("SetLevelAllChannels",
+        return judge("IAudioVolumeLevel::SetLevel", m_level.SetLevel(0, levels.front(), m_context.use()));
+    return judge("IAudioVolumeLevel::SetLevelAllChannels",
                  m_level.SetLevelAllChannels(levels.data(), static_cast<ULONG>(levels.size()), m_context.use()));
 }
 
@@ -156,21 +157,22 @@ Result<std::vector<float>> ControlLevels::afterStep(const LevelChange& change,
 
 Present ControlLevels::present(unsigned channel) const
 {
+    const char* const rangeCall = "IAudioVolumeLevel::GetLevelRange";
     float minimum = 0;
     float maximum = 0;
     float step = 0;
-    const std::optional<Problem> noRange =
-        judge("GetLevelRange", m_level.GetLevelRange(channel, &minimum, &maximum, &step));
+    const std::optional<Problem> noRange = judge(rangeCall, m_level.GetLevelRange(channel, &minimum, &maximum, &step));
+    const char* const call = "IAudioVolumeLevel::GetLevel";
     float level = 0;
-    const std::optional<Problem> noLevel = judge("GetLevel", m_level.GetLevel(channel, &level));
-    return {noLevel ? *noLevel : finite(m_subject, level),
-            noRange ? *noRange : finite(m_subject, minimum, maximum, step)};
+    const std::optional<Problem> noLevel = judge(call, m_level.GetLevel(channel, &level));
+    return {noLevel ? *noLevel : finite(m_subject, call, level),
+            noRange ? *noRange : finite(m_subject, rangeCall, minimum, maximum, step)};
 }
 
 std::optional<Problem> ControlLevels::judge(const char* call, HRESULT result) const
 {
     if (SUCCEEDED(result))
         return std::nullopt;
-    return Problem::ofCall(std::string("IAudioVolumeLevel::") + call, m_subject.object, result);
+    return Problem::ofCall(call, m_subject.object, result);
 }
 }

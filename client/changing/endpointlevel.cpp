@@ -1,7 +1,6 @@
 #include "client/changing/endpointlevel.h"
 
 #include <algorithm>
-#include <string>
 #include <variant>
 
 namespace sonavit::changing
@@ -48,9 +47,10 @@ std::optional<Problem> EndpointLevel::applyScalar(LevelChange::Direction directi
     if (now && *now == *target)
         return std::nullopt;
     if (m_channel)
-        return judge("SetChannelVolumeLevelScalar",
+        return judge("IAudioEndpointVolume::SetChannelVolumeLevelScalar",
                      m_volume.SetChannelVolumeLevelScalar(*m_channel, *target, m_context.use()));
-    return judge("SetMasterVolumeLevelScalar", m_volume.SetMasterVolumeLevelScalar(*target, m_context.use()));
+    return judge("IAudioEndpointVolume::SetMasterVolumeLevelScalar",
+                 m_volume.SetMasterVolumeLevelScalar(*target, m_context.use()));
 }
 
 std::optional<Problem> EndpointLevel::applyDecibels(const LevelChange& change)
@@ -62,8 +62,9 @@ std::optional<Problem> EndpointLevel::applyDecibels(const LevelChange& change)
     if (now.level && *now.level == *target)
         return std::nullopt;
     if (m_channel)
-        return judge("SetChannelVolumeLevel", m_volume.SetChannelVolumeLevel(*m_channel, *target, m_context.use()));
-    return judge("SetMasterVolumeLevel", m_volume.SetMasterVolumeLevel(*target, m_context.use()));
+        return judge("IAudioEndpointVolume::SetChannelVolumeLevel",
+                     m_volume.SetChannelVolumeLevel(*m_channel, *target, m_context.use()));
+    return judge("IAudioEndpointVolume::SetMasterVolumeLevel", m_volume.SetMasterVolumeLevel(*target, m_context.use()));
 }
 
 std::optional<Problem> EndpointLevel::takeSteps(bool isUp, unsigned count)
@@ -72,7 +73,8 @@ std::optional<Problem> EndpointLevel::takeSteps(bool isUp, unsigned count)
     {
         UINT step = 0;
         UINT steps = 0;
-        if (std::optional<Problem> problem = judge("GetVolumeStepInfo", m_volume.GetVolumeStepInfo(&step, &steps)))
+        if (std::optional<Problem> problem =
+                judge("IAudioEndpointVolume::GetVolumeStepInfo", m_volume.GetVolumeStepInfo(&step, &steps)))
             return problem;
         // Between two steps the platform reports the nearer one, so that one more may lead to the end.
         const unsigned room = isUp ? std::max(steps, step) - step : step + 1;
@@ -80,8 +82,9 @@ std::optional<Problem> EndpointLevel::takeSteps(bool isUp, unsigned count)
     }
     for (; count > 0; --count)
     {
-        std::optional<Problem> problem = isUp ? judge("VolumeStepUp", m_volume.VolumeStepUp(m_context.use()))
-                                              : judge("VolumeStepDown", m_volume.VolumeStepDown(m_context.use()));
+        std::optional<Problem> problem =
+            isUp ? judge("IAudioEndpointVolume::VolumeStepUp", m_volume.VolumeStepUp(m_context.use()))
+                 : judge("IAudioEndpointVolume::VolumeStepDown", m_volume.VolumeStepDown(m_context.use()));
         if (problem)
             return problem;
     }
@@ -90,31 +93,35 @@ std::optional<Problem> EndpointLevel::takeSteps(bool isUp, unsigned count)
 
 Present EndpointLevel::present()
 {
+    const char* const rangeCall = "IAudioEndpointVolume::GetVolumeRange";
     float minimum = 0;
     float maximum = 0;
     float step = 0;
-    const std::optional<Problem> noRange = judge("GetVolumeRange", m_volume.GetVolumeRange(&minimum, &maximum, &step));
+    const std::optional<Problem> noRange = judge(rangeCall, m_volume.GetVolumeRange(&minimum, &maximum, &step));
+    const char* const call =
+        m_channel ? "IAudioEndpointVolume::GetChannelVolumeLevel" : "IAudioEndpointVolume::GetMasterVolumeLevel";
     float level = 0;
-    const std::optional<Problem> noLevel =
-        m_channel ? judge("GetChannelVolumeLevel", m_volume.GetChannelVolumeLevel(*m_channel, &level))
-                  : judge("GetMasterVolumeLevel", m_volume.GetMasterVolumeLevel(&level));
-    return {noLevel ? *noLevel : finite(m_subject, level),
-            noRange ? *noRange : finite(m_subject, minimum, maximum, step)};
+    const std::optional<Problem> noLevel = judge(call, m_channel ? m_volume.GetChannelVolumeLevel(*m_channel, &level)
+                                                                 : m_volume.GetMasterVolumeLevel(&level));
+    return {noLevel ? *noLevel : finite(m_subject, call, level),
+            noRange ? *noRange : finite(m_subject, rangeCall, minimum, maximum, step)};
 }
 
 Result<float> EndpointLevel::scalar()
 {
+    const char* const call = m_channel ? "IAudioEndpointVolume::GetChannelVolumeLevelScalar"
+                                       : "IAudioEndpointVolume::GetMasterVolumeLevelScalar";
     float level = 0;
     const std::optional<Problem> problem =
-        m_channel ? judge("GetChannelVolumeLevelScalar", m_volume.GetChannelVolumeLevelScalar(*m_channel, &level))
-                  : judge("GetMasterVolumeLevelScalar", m_volume.GetMasterVolumeLevelScalar(&level));
-    return problem ? Result<float>(*problem) : finite(m_subject, level);
+        judge(call, m_channel ? m_volume.GetChannelVolumeLevelScalar(*m_channel, &level)
+                              : m_volume.GetMasterVolumeLevelScalar(&level));
+    return problem ? Result<float>(*problem) : finite(m_subject, call, level);
 }
 
 std::optional<Problem> EndpointLevel::judge(const char* call, HRESULT result) const
 {
     if (SUCCEEDED(result))
         return std::nullopt;
-    return Problem::ofCall(std::string("IAudioEndpointVolume::") + call, m_subject.object, result);
+    return Problem::ofCall(call, m_subject.object, result);
 }
 }

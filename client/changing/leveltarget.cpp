@@ -1,11 +1,11 @@
 #include "client/changing/leveltarget.h"
 
+#include "client/reading/judge.h"
+#include "sonavit/text.h"
+
 #include <algorithm>
 #include <cmath>
-#include <iomanip>
 #include <limits>
-#include <locale>
-#include <sstream>
 #include <variant>
 
 namespace sonavit::changing
@@ -17,33 +17,18 @@ constexpr double wholePercent = 100.0;
 constexpr double samePercent = 1e-9;
 constexpr double sameDecibels = 1e-9;
 
-std::string fixedText(double value, int digits)
-{
-    constexpr double longest = 1e9;
-    std::ostringstream text;
-    text.imbue(std::locale::classic());
-    if (std::abs(value) < longest)
-        text << std::fixed;
-    text << std::setprecision(digits) << value;
-    return text.str();
-}
-
 /// With as many digits as it takes to see that @p level is outside the range.
 Problem outsideRange(const Subject& subject, double level, const LevelRange& range)
 {
     constexpr int usualDigits = 2;
-    constexpr int mostDigits = 9;
-    int digits = usualDigits;
-    const auto looksInside = [&]
-    {
-        const std::string text = fixedText(level, digits);
-        return text == fixedText(range.minimum, digits) || text == fixedText(range.maximum, digits);
-    };
-    while (digits < mostDigits && looksInside())
-        ++digits;
+    const std::string usual = text::decimal(level, usualDigits);
+    const bool looksInside =
+        usual == text::decimal(range.minimum, usualDigits) || usual == text::decimal(range.maximum, usualDigits);
+    const auto number = [&](double value)
+    { return looksInside ? text::shortest(value) : text::decimal(value, usualDigits); };
     return {Problem::Kind::outOfRange, subject.operation, subject.object,
-            fixedText(level, digits) + " dB is outside the range of " + fixedText(range.minimum, digits) + " to " +
-                fixedText(range.maximum, digits) + " dB"};
+            number(level) + " dB is outside the range of " + number(range.minimum) + " to " + number(range.maximum) +
+                " dB"};
 }
 
 /// What the platform takes; a number that no float can express becomes the nearest one.
@@ -107,7 +92,7 @@ Result<float> levelAt(const Subject& subject, Percent wanted, const Present& pre
     const LevelRange& range = *present.range;
     if (width(range) <= 0)
         return Problem(Problem::Kind::notSupported, subject.operation, subject.object,
-                       "the level is fixed at " + fixedText(range.minimum, 2) + " dB");
+                       "the level is fixed at " + text::decimal(range.minimum, 2) + " dB");
     if (present.level)
     {
         const double now = (static_cast<double>(*present.level) - range.minimum) / width(range) * wholePercent;
@@ -170,20 +155,18 @@ Problem noSuchChannel(const Subject& subject, unsigned channel, unsigned count)
             "channel " + std::to_string(channel) + " does not exist: " + channels};
 }
 
-Result<float> finite(const Subject& subject, float level)
+Result<float> finite(const Subject& subject, const char* call, float level)
 {
     if (std::isfinite(level))
         return level;
-    return Problem(Problem::Kind::notSupported, subject.operation, subject.object,
-                   "the device reports a level that is no number");
+    return Problem::ofCall(call, subject.object, reading::invalidData);
 }
 
-Result<LevelRange> finite(const Subject& subject, float minimum, float maximum, float step)
+Result<LevelRange> finite(const Subject& subject, const char* call, float minimum, float maximum, float step)
 {
     const bool isRange = std::isfinite(minimum) && std::isfinite(maximum) && std::isfinite(step) && minimum <= maximum;
     if (isRange)
         return LevelRange{minimum, maximum, step};
-    return Problem(Problem::Kind::notSupported, subject.operation, subject.object,
-                   "the device reports a range that is none");
+    return Problem::ofCall(call, subject.object, reading::invalidData);
 }
 }

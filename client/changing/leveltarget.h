@@ -44,7 +44,7 @@ Result<float> targetScalar(LevelChange::Direction direction, Percent amount, con
 /// Problem::Kind::outOfRange for a channel that does not exist.
 Problem noSuchChannel(const Subject& subject, unsigned channel, unsigned count);
 
-/// A number that the platform has reported; Problem::Kind::notSupported if it is not finite.
-Result<float> finite(const Subject& subject, float level);
-Result<LevelRange> finite(const Subject& subject, float minimum, float maximum, float step);
+/// What @p call has stored; a Problem with the code reading::invalidData if it is no number, or no range.
+Result<float> finite(const Subject& subject, const char* call, float level);
+Result<LevelRange> finite(const Subject& subject, const char* call, float minimum, float maximum, float step);
 }

@@ -10,33 +10,37 @@ namespace sonavit::changing
 {
 namespace
 {
-std::optional<Problem> volumeProblem(const Endpoint::Content& content)
+std::optional<Problem> problemWith(const Endpoint::Content& content, EndpointField field)
 {
-    const auto found =
-        std::find_if(content.problems.begin(), content.problems.end(),
-                     [](const EndpointProblem& problem) { return problem.field == EndpointField::volume; });
+    const auto found = std::find_if(content.problems.begin(), content.problems.end(),
+                                    [&](const EndpointProblem& problem) { return problem.field == field; });
     return found == content.problems.end() ? std::nullopt : std::optional<Problem>(found->problem);
 }
 
-bool canHaveVolume(const Endpoint::Content& content)
+std::string whyNoVolume(const Endpoint::Content& content)
 {
-    return !content.state || content.state == State::active || content.state == State::unplugged;
+    const bool canHaveOne = content.state == State::active || content.state == State::unplugged;
+    if (canHaveOne || !content.state)
+        return "the endpoint has no volume control";
+    return std::string("an endpoint that is ") + wordsOf(*content.state) + " has no volume control";
 }
 
 /// Why @p reading has no volume, after another attempt to activate it; no value if it has one.
 std::optional<Problem> missingVolume(reading::EndpointReading& reading, const Subject& subject)
 {
-    const Endpoint::Content& content = reading.content;
-    if (reading.volume == nullptr && canHaveVolume(content))
+    if (reading.volume.get() == nullptr)
+    {
+        reading::readState(reading);
         reading::readVolume(reading);
-    if (reading.volume != nullptr)
+    }
+    if (reading.volume.get() != nullptr)
         return std::nullopt;
-    if (std::optional<Problem> problem = volumeProblem(content))
-        return problem;
-    const std::string sentence = canHaveVolume(content)
-                                     ? "the endpoint has no volume control"
-                                     : std::string("an endpoint that is ") + wordsOf(*content.state) + " has no volume";
-    return Problem(Problem::Kind::notSupported, subject.operation, subject.object, sentence);
+    for (const EndpointField field : {EndpointField::volume, EndpointField::state})
+    {
+        if (std::optional<Problem> problem = problemWith(reading.content, field))
+            return problem;
+    }
+    return Problem(Problem::Kind::notSupported, subject.operation, subject.object, whyNoVolume(reading.content));
 }
 
 Result<Volume> readAgain(reading::EndpointReading& reading, const Subject& subject,
@@ -47,10 +51,9 @@ Result<Volume> readAgain(reading::EndpointReading& reading, const Subject& subje
         return *refusal;
     if (reading.content.volume)
         return *reading.content.volume;
-    if (std::optional<Problem> problem = volumeProblem(reading.content))
+    if (std::optional<Problem> problem = problemWith(reading.content, EndpointField::volume))
         return *problem;
-    return Problem(Problem::Kind::notSupported, subject.operation, subject.object,
-                   "the endpoint has no volume control any more");
+    return Problem(Problem::Kind::notSupported, subject.operation, subject.object, whyNoVolume(reading.content));
 }
 
 std::optional<Problem> setMute(IAudioEndpointVolume& volume, const Subject& subject, MuteChange change,

@@ -42,30 +42,39 @@ struct Event
 {
     enum class Kind : int
     {
-        endpointRemoved,    ///< before, card
-        cardRemoved,        ///< cardBefore; its endpoints were removed or moved first
-        cardAdded,          ///< cardAfter without endpoints, which follow; position among the cards
-        endpointAdded,      ///< after, card, position in the card
-        cardMoved,          ///< cardAfter, position among the cards
-        endpointMoved,      ///< after, card (the new one), position in it
-        endpointReappeared, ///< after, card: it went and came back within one change
-        cardChanged,        ///< cardBefore, cardAfter, cardField
-        endpointChanged,    ///< before, after, card, field
-        defaultChanged,     ///< flow, role, and before or after or both
-        hardwareChanged,    ///< hardwareBefore or hardwareAfter or both: the watch of a card began, changed or ended
-        serviceChanged,     ///< service
-        problemsChanged     ///< problems of the computer as a whole
+        endpointRemoved,    ///< card, before
+        cardRemoved,        ///< card, cardBefore; its endpoints are removed as well, or move to other cards
+        cardAdded,          ///< card, cardAfter without endpoints, position among the cards; its endpoints follow
+        endpointAdded,      ///< card, after, position in the card
+        cardMoved,          ///< card, cardAfter, position among the cards
+        endpointMoved,      ///< card, after, position in the card; formerCard if that was another one
+        endpointReappeared, ///< card, before, after: it vanished and came back within one change
+        cardChanged,        ///< card, cardBefore, cardAfter, cardField
+        endpointChanged,    ///< card, before, after, field
+        defaultChanged,     ///< flow, role, and before or after or both; an unknown endpoint has only its id
+        hardwareChanged, ///< card, hardwareBefore or hardwareAfter or both: a watch began, changed or ended; position
+                         ///< in the list of hardware if it began
+        serviceChanged,  ///< service
+        problemsChanged  ///< problems of the computer as a whole
     };
 
     Kind kind = Kind::endpointChanged;
+    /// The card that it is about, or that the endpoint belongs to now.
     CardId card;
+    std::optional<CardId> formerCard;
     std::optional<Endpoint> before;
     std::optional<Endpoint> after;
     std::optional<EndpointField> field;
     std::optional<Card> cardBefore;
     std::optional<Card> cardAfter;
     std::optional<CardField> cardField;
+    /// The place after the whole change, counted from 0. What neither was added nor moved keeps its order and fills the
+    /// places in between.
     std::optional<std::size_t> position;
+    /// Which of several endpoints of the card that have the same id, and which of several such cards, counted from 0:
+    /// of what was removed before the change, of all else after it. Both are 0 where ids differ, as they should.
+    std::size_t occurrence = 0;
+    std::size_t cardOccurrence = 0;
     std::optional<Flow> flow;
     std::optional<Role> role;
     std::optional<Hardware> hardwareBefore;
@@ -92,6 +101,8 @@ inline bool operator!=(const Event& left, const Event& right)
 SONAVIT_CLIENT_API const char* keyOf(Event::Kind kind) noexcept;
 SONAVIT_CLIENT_API const char* keyOf(Origin origin) noexcept;
 SONAVIT_CLIENT_API const char* keyOf(CardField field) noexcept;
+/// "instance path" and the like, for people.
+SONAVIT_CLIENT_API const char* wordsOf(CardField field) noexcept;
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Event& event);
 /// One sentence on each line.
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const std::vector<Event>& events);
@@ -119,7 +130,8 @@ private:
 SONAVIT_CLIENT_API std::vector<Event> difference(const Snapshot& before, const Snapshot& after);
 
 /// @p before after @p events; generation and time stay. Throws std::invalid_argument if an event does not fit, such as
-/// the removal of an endpoint that is not there.
+/// the removal of an endpoint that is not there. Call it as sonavit::apply(): without the namespace, the arguments let
+/// the compiler find std::apply() as well.
 SONAVIT_CLIENT_API Snapshot apply(const Snapshot& before, const std::vector<Event>& events);
 }
 }

@@ -8,6 +8,7 @@
 #include "sonavit/result.h"
 #include "sonavit/snapshot.h"
 
+#include <cstddef>
 #include <iosfwd>
 #include <optional>
 #include <string>
@@ -20,7 +21,9 @@ inline namespace v1
 {
 /// What is known of an endpoint, as a text to keep in a file: "snv1:" and at most 507 characters of base64url.
 ///
-/// It contains names and serial numbers of the endpoint and its device: treat it as you treat those.
+/// It contains names and serial numbers of the endpoint and its device: treat it as you treat those. Ids of more than
+/// 64 bytes and names and serial numbers of more than 40 are kept as their beginning and a hash, which is enough to
+/// recognise them. A value; any thread may use it.
 class SONAVIT_CLIENT_API Reference
 {
 public:
@@ -48,7 +51,8 @@ SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Reference& 
 /// An endpoint that a reference may mean.
 struct Candidate
 {
-    /// By what it was recognised, the most certain first. The flow is always equal.
+    /// By what it was recognised, the most certain first. The flow is always equal, and what is not known is equal to
+    /// nothing. Two devices whose serial numbers differ are never taken for each other.
     enum class Evidence : int
     {
         endpointId,
@@ -61,6 +65,8 @@ struct Candidate
 
     CardEndpoint place;
     Evidence evidence = Evidence::name;
+    /// 0 for the best; candidates that fit equally well have the same rank.
+    std::size_t rank = 0;
     /// For a person: "same device in another USB port", "same name, other driver".
     std::string reason;
 };
@@ -73,16 +79,17 @@ struct Resolution
         exact,     ///< the endpoint with that id
         likely,    ///< one endpoint is recognised better than all others
         ambiguous, ///< several are recognised equally well
-        none
+        none       ///< no endpoint fits
     };
 
     Kind kind = Kind::none;
-    /// The best first; those that can be used now come before those of the same evidence that cannot. An exact match
-    /// that is not present is followed by the likely ones, so that the caller can use an active one meanwhile.
+    /// The best first. Of the same evidence, endpoints that are present come before those that are not (State), then
+    /// those that have more in common with the reference, then active ones. An endpoint that is present hides those of
+    /// weaker evidence; one that is not present does not, so that the caller can use another one meanwhile.
     std::vector<Candidate> candidates;
 
-    /// The endpoint to use: the best candidate that is active; if none is active, the best one, which is not active
-    /// then. No value if there is no candidate, or if several are equally good.
+    /// The endpoint to use: the first candidate that is present, which is not active if it is unplugged or disabled; if
+    /// none is present, the first one. No value if there is no candidate, or if several have its rank.
     SONAVIT_CLIENT_API std::optional<CardEndpoint> best() const;
     /// One line for a person.
     SONAVIT_CLIENT_API std::string sentence() const;

@@ -12,84 +12,100 @@ namespace sim
 {
 namespace
 {
-/// What a device's properties are composed from.
-struct Sources
+/// The string of a property of the machine; empty if there is none.
+std::string textOf(const Device& device, const PROPERTYKEY& key)
 {
-    const Hardware& hardware;
-    const Device& device;
-    bool isEndpoint;
-    std::optional<Peer> peer;     ///< of the first connector
-    const Part* jack = nullptr;   ///< the connector of an adapter that the first connector is joined to
-    OptionalString instance = {}; ///< id of an endpoint's device instance
-};
-
-std::string textOf(const Properties& properties, const PROPERTYKEY& key)
-{
-    const PropertyValue* const value = findProperty(properties, key);
+    const PropertyValue* const value = findProperty(device.properties, key);
     return value == nullptr ? std::string() : value->text.value_or("");
 }
 
-Sources sourcesOf(Hardware& hardware, const Device& device)
+/// What a device's properties are composed from. Each question is answered anew: a property needs one or two of them.
+class Sources
 {
-    Sources sources = {hardware, device, hardware.endpoint(device.id) == &device, {}};
-    if (device.topology && !device.topology->connectors.empty())
-        sources.peer = hardware.peer(device.topology->connectors.front().id);
-    const ChangeablePartPlace* const jack = sources.peer ? hardware.part(sources.peer->connector) : nullptr;
-    sources.jack = jack == nullptr ? nullptr : jack->part;
-    const std::string instance = instanceOfPath(textOf(device.properties, keys::instancePath));
-    if (sources.isEndpoint && !instance.empty())
-        sources.instance = instance;
-    return sources;
-}
+public:
+    Sources(const Hardware& hardware, const Device& device) : m_hardware(hardware), m_device(device) {}
+
+    const Device& device() const { return m_device; }
+
+    bool isEndpoint() const { return m_hardware.isEndpoint(m_device); }
+
+    /// The peer of an endpoint's first connector, or null.
+    const Peer* peer() const
+    {
+        const bool hasConnector = isEndpoint() && m_device.topology && !m_device.topology->connectors.empty();
+        return hasConnector ? m_hardware.peer(m_device.topology->connectors.front().id) : nullptr;
+    }
+
+    /// The connector of an adapter that an endpoint's first connector is joined to, or null.
+    const Part* jack() const
+    {
+        const Peer* const found = peer();
+        const ChangeablePartPlace* const place = found == nullptr ? nullptr : m_hardware.part(found->connector);
+        return place == nullptr ? nullptr : place->part;
+    }
+
+    /// The id of an endpoint's device instance; empty if there is none.
+    std::string instance() const
+    {
+        return isEndpoint() ? instanceOfPath(textOf(m_device, keys::instancePath)) : std::string();
+    }
+
+    OptionalString parentOf(const std::string& instance) const
+    {
+        const DeviceInstance* const found = m_hardware.machine().deviceInstance(instance);
+        return found == nullptr ? OptionalString() : found->parent;
+    }
+
+private:
+    const Hardware& m_hardware;
+    const Device& m_device;
+};
 
 /// "Speakers (Analog Audio)". The wave functions of Windows read it for every endpoint and require it.
 PropertyValue fullName(const Sources& sources)
 {
-    const Properties& properties = sources.device.properties;
-    return PropertyValue::ofText(textOf(properties, keys::deviceDescription) + " (" +
-                                 textOf(properties, keys::friendlyName) + ")");
+    return PropertyValue::ofText(textOf(sources.device(), keys::deviceDescription) + " (" +
+                                 textOf(sources.device(), keys::friendlyName) + ")");
 }
 
 PropertyValue instanceId(const Sources& sources)
 {
-    const std::optional<std::string> instance = instanceOfAdapter(sources.device.id);
-    return sources.isEndpoint || !instance ? PropertyValue() : PropertyValue::ofText(instance);
+    const std::optional<std::string> instance = instanceOfAdapter(sources.device().id);
+    return sources.isEndpoint() || !instance ? PropertyValue() : PropertyValue::ofText(instance);
 }
 
 PropertyValue interfacePath(const Sources& sources)
 {
-    const bool isKnown = sources.isEndpoint && sources.peer && sources.peer->device;
-    return isKnown ? PropertyValue::ofText(sources.peer->device) : PropertyValue();
+    const Peer* const peer = sources.peer();
+    return peer != nullptr && peer->device ? PropertyValue::ofText(peer->device) : PropertyValue();
 }
 
 PropertyValue enumeratorName(const Sources& sources)
 {
-    if (!sources.instance)
-        return {};
-    return PropertyValue::ofText(sources.instance->substr(0, sources.instance->find('\\')));
+    const std::string instance = sources.instance();
+    return instance.empty() ? PropertyValue() : PropertyValue::ofText(instance.substr(0, instance.find('\\')));
 }
 
 PropertyValue containerId(const Sources& sources)
 {
-    if (!sources.instance)
-        return {};
-    const DeviceInstance* const instance = sources.hardware.machine().deviceInstance(*sources.instance);
-    return PropertyValue::ofGuid(
-        containerOf(*sources.instance, instance == nullptr ? OptionalString() : instance->parent));
+    const std::string instance = sources.instance();
+    return instance.empty() ? PropertyValue()
+                            : PropertyValue::ofGuid(containerOf(instance, sources.parentOf(instance)));
 }
 
 PropertyValue formFactor(const Sources& sources)
 {
-    const bool isKnown = sources.isEndpoint && sources.jack != nullptr;
-    return isKnown ? PropertyValue::ofNumber(static_cast<std::uint32_t>(formFactorOf(sources.jack->subType)))
-                   : PropertyValue();
+    const Part* const jack = sources.jack();
+    return jack == nullptr ? PropertyValue()
+                           : PropertyValue::ofNumber(static_cast<std::uint32_t>(formFactorOf(jack->subType)));
 }
 
 /// The category of the connector, which says what kind of jack it is.
 PropertyValue category(const Sources& sources)
 {
-    const bool isKnown = sources.isEndpoint && sources.jack != nullptr && !IsEqualGUID(sources.jack->subType, GUID{});
-    return isKnown ? PropertyValue::ofText(guidText(sources.jack->subType)) : PropertyValue();
+    const Part* const jack = sources.jack();
+    const bool isKnown = jack != nullptr && !IsEqualGUID(jack->subType, GUID{});
+    return isKnown ? PropertyValue::ofText(guidText(jack->subType)) : PropertyValue();
 }
 
 struct Composed
@@ -104,19 +120,17 @@ constexpr Composed composed[] = {{keys::fullName, fullName},           {keys::in
                                  {keys::jackSubType, category},        {keys::association, category}};
 }
 
-PropertyValue shownProperty(Hardware& hardware, const Device& device, const PROPERTYKEY& key)
+PropertyValue composedProperty(const Hardware& hardware, const Device& device, const PROPERTYKEY& key)
 {
-    if (const PropertyValue* const value = findProperty(device.properties, key))
-        return *value;
     for (const Composed& each : composed)
     {
         if (sameKey(each.key, key))
-            return each.compose(sourcesOf(hardware, device));
+            return each.compose(Sources(hardware, device));
     }
     return {};
 }
 
-std::vector<PROPERTYKEY> shownKeys(Hardware& hardware, const Device& device)
+std::vector<PROPERTYKEY> shownKeys(const Hardware& hardware, const Device& device)
 {
     std::vector<PROPERTYKEY> result;
     for (const Property& property : device.properties)
@@ -124,7 +138,7 @@ std::vector<PROPERTYKEY> shownKeys(Hardware& hardware, const Device& device)
         if (property.value.tag != VT_EMPTY)
             result.push_back(property.key);
     }
-    const Sources sources = sourcesOf(hardware, device);
+    const Sources sources(hardware, device);
     for (const Composed& each : composed)
     {
         if (findProperty(device.properties, each.key) == nullptr && each.compose(sources).tag != VT_EMPTY)

@@ -9,11 +9,11 @@
 
 namespace sim
 {
-/// The value of @p key; VT_EMPTY if the store does not have it.
-PropertyValue shownProperty(Hardware& hardware, const Device& device, const PROPERTYKEY& key);
+/// The value that the platform composes for @p key, about which the machine says nothing; VT_EMPTY if there is none.
+PropertyValue composedProperty(const Hardware& hardware, const Device& device, const PROPERTYKEY& key);
 
 /// The keys of all properties that are not VT_EMPTY: those of the machine in its order, then the composed ones.
-std::vector<PROPERTYKEY> shownKeys(Hardware& hardware, const Device& device);
+std::vector<PROPERTYKEY> shownKeys(const Hardware& hardware, const Device& device);
 
 /// Whether the platform composes the property for some devices.
 bool isComposed(const PROPERTYKEY& key);

@@ -112,6 +112,12 @@ Endpoint* Hardware::anyEndpoint(const std::string& id)
     return found == m_endpoints.end() ? nullptr : found->second;
 }
 
+bool Hardware::isEndpoint(const Device& device) const
+{
+    const auto found = m_endpointOf.find(&device);
+    return found != m_endpointOf.end() && !m_machine.isGone(*found->second);
+}
+
 bool Hardware::hasDevice(const std::string& id) const
 {
     return m_devices.count(id) > 0;
@@ -220,10 +226,10 @@ const std::string& Hardware::deviceOf(const std::string& id) const
     return found == m_parts.end() || hasDevice(id) ? id : found->second.device->id;
 }
 
-std::optional<Peer> Hardware::peer(const std::string& connectorId) const
+const Peer* Hardware::peer(const std::string& connectorId) const
 {
     const auto found = m_peers.find(connectorId);
-    return found == m_peers.end() ? std::nullopt : std::optional<Peer>(found->second);
+    return found == m_peers.end() ? nullptr : &found->second;
 }
 
 const SignalPath* Hardware::signalPath(const Device& device, const std::string& from, const std::string& to,

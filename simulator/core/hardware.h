@@ -31,6 +31,8 @@ public:
     Endpoint* endpoint(const std::string& id);
     /// As endpoint(), for an endpoint in any condition.
     Endpoint* anyEndpoint(const std::string& id);
+    /// Whether @p device, which is one of the machine's, is an endpoint and not unknown.
+    bool isEndpoint(const Device& device) const;
     /// Whether the machine has a device with exactly that id, or regardless of case, in any condition.
     bool hasDevice(const std::string& id) const;
     bool knows(const std::string& id) const;
@@ -61,7 +63,8 @@ public:
     /// The device with the id @p id, or that has the part with that id, in any condition; @p id itself if there is
     /// none.
     const std::string& deviceOf(const std::string& id) const;
-    std::optional<Peer> peer(const std::string& connectorId) const;
+    /// As Machine::peer(). Valid until the next reindex(); null if there is none.
+    const Peer* peer(const std::string& connectorId) const;
 
     /// A path from one part to another within the topology of @p device; null if there is none. With @p rejectMixed
     /// mixed paths do not count.

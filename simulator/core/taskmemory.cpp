@@ -87,9 +87,17 @@ std::vector<TaskMemory::Block> TaskMemory::outstanding(std::uint64_t owner) cons
 
 WCHAR* TaskMemory::allocateText(const std::string& text, std::uint64_t owner, Origin origin)
 {
-    const std::vector<WCHAR> units = utf16(text);
-    auto* const copy = static_cast<WCHAR*>(allocate(units.size() * sizeof(WCHAR), owner, std::move(origin)));
-    if (copy != nullptr)
+    // Nearly all strings of the platform are ASCII, and the units of ASCII are its bytes.
+    const auto isAscii = [](char byte) { return static_cast<unsigned char>(byte) < 0x80; };
+    const bool isPlain = std::all_of(text.begin(), text.end(), isAscii);
+    const std::vector<WCHAR> units = isPlain ? std::vector<WCHAR>() : utf16(text);
+    const std::size_t count = isPlain ? text.size() + 1 : units.size();
+    auto* const copy = static_cast<WCHAR*>(allocate(count * sizeof(WCHAR), owner, std::move(origin)));
+    if (copy == nullptr)
+        return nullptr;
+    if (isPlain)
+        std::copy_n(text.c_str(), count, copy);
+    else
         std::copy(units.begin(), units.end(), copy);
     return copy;
 }

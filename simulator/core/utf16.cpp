@@ -2,7 +2,6 @@
 
 #include "simulator/machine/utf8.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <string_view>
 
@@ -62,13 +61,9 @@ void appendBytes(std::string& text, std::uint32_t code)
 
 std::vector<WCHAR> utf16(const std::string& text)
 {
-    // Nearly all strings of the platform are ASCII from the beginning to the end.
-    const auto isOneByte = [](char byte) { return static_cast<unsigned char>(byte) < 0x80; };
-    const auto others = std::find_if_not(text.begin(), text.end(), isOneByte);
     std::vector<WCHAR> units;
     units.reserve(text.size() + 1);
-    units.assign(text.begin(), others);
-    for (std::size_t i = units.size(); i < text.size();)
+    for (std::size_t i = 0; i < text.size();)
     {
         const Utf8Character character = characterAt(text, i);
         const bool isBroken = character.isBroken || isSurrogate(character.code);

@@ -13,10 +13,9 @@ namespace sim
 {
 namespace
 {
-/// FNV-1a, with its usual constants.
-std::uint64_t hash(const std::string& text)
+/// FNV-1a, with its usual constants; @p value is the hash of what comes before @p text.
+std::uint64_t hash(std::string_view text, std::uint64_t value = 0xCBF29CE484222325u)
 {
-    std::uint64_t value = 0xCBF29CE484222325u;
     for (const char character : text)
     {
         value ^= static_cast<unsigned char>(character);
@@ -65,8 +64,9 @@ bool isAdapterId(const std::string& id)
 
 GUID derivedGuid(const std::string& seed)
 {
-    const std::uint64_t first = hash(seed + "\nfirst");
-    const std::uint64_t last = hash(seed + "\nlast");
+    const std::uint64_t start = hash(seed);
+    const std::uint64_t first = hash("\nfirst", start);
+    const std::uint64_t last = hash("\nlast", start);
 
     GUID guid = {};
     guid.Data1 = static_cast<std::uint32_t>(first >> 32);
@@ -147,14 +147,15 @@ GUID containerOf(const std::string& instanceId, const std::optional<std::string>
 {
     const std::string id = upperCase(instanceId);
     const std::string bus = id.substr(0, id.find('\\'));
+    const bool isBluetooth = bus.compare(0, 3, "BTH") == 0;
+    if (!isBluetooth && bus != "USB")
+        return {0, 0, 0, {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}};
     const std::string above = upperCase(parent.value_or(id));
-    if (bus.compare(0, 3, "BTH") == 0)
+    if (isBluetooth)
     {
         const std::string address = bluetoothAddress(id).value_or(bluetoothAddress(above).value_or(above));
         return derivedGuid("container/" + address);
     }
-    if (bus != "USB")
-        return {0, 0, 0, {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}};
     const bool isFunction = id.find("&MI_") != std::string::npos;
     return derivedGuid("container/" + (isFunction ? above : id));
 }

@@ -19,6 +19,16 @@ std::uint32_t hexNumber(const std::string& text, std::size_t at, std::size_t dig
         value = value << 4 | static_cast<std::uint32_t>(hexDigit(text[index]));
     return value;
 }
+
+/// Writes @p value over the @p digits characters of @p text from @p at on, in upper case.
+void writeHex(std::string& text, std::size_t at, std::size_t digits, std::uint32_t value)
+{
+    for (std::size_t index = at + digits; index > at; value >>= 4)
+        text[--index] = "0123456789ABCDEF"[value & 0xF];
+}
+
+/// Where the bytes of GUID::Data4 begin in the text of a GUID.
+constexpr std::array<std::size_t, 8> lastBytes = {20, 22, 25, 27, 29, 31, 33, 35};
 }
 
 std::string decimal(float value)
@@ -49,10 +59,12 @@ int hexDigit(char character)
 
 std::string guidText(const GUID& guid)
 {
-    char text[39] = {};
-    std::snprintf(text, sizeof text, "{%08lX-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}",
-                  static_cast<unsigned long>(guid.Data1), guid.Data2, guid.Data3, guid.Data4[0], guid.Data4[1],
-                  guid.Data4[2], guid.Data4[3], guid.Data4[4], guid.Data4[5], guid.Data4[6], guid.Data4[7]);
+    std::string text = "{XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX}";
+    writeHex(text, 1, 8, static_cast<std::uint32_t>(guid.Data1));
+    writeHex(text, 10, 4, guid.Data2);
+    writeHex(text, 15, 4, guid.Data3);
+    for (std::size_t index = 0; index < lastBytes.size(); ++index)
+        writeHex(text, lastBytes[index], 2, guid.Data4[index]);
     return text;
 }
 
@@ -67,7 +79,6 @@ std::optional<GUID> guidFromText(const std::string& text)
     guid.Data1 = hexNumber(text, 1, 8);
     guid.Data2 = static_cast<unsigned short>(hexNumber(text, 10, 4));
     guid.Data3 = static_cast<unsigned short>(hexNumber(text, 15, 4));
-    constexpr std::array<std::size_t, 8> lastBytes = {20, 22, 25, 27, 29, 31, 33, 35};
     for (std::size_t index = 0; index < lastBytes.size(); ++index)
         guid.Data4[index] = static_cast<unsigned char>(hexNumber(text, lastBytes[index], 2));
     return guid;

@@ -114,7 +114,8 @@ private:
         const HRESULT result = state()->withHardware(
             [&](const Hardware& hardware)
             {
-                peer = hardware.peer(name());
+                if (const Peer* const found = hardware.peer(name()))
+                    peer = *found;
                 return hardware.part(name()) == nullptr ? AUDCLNT_E_DEVICE_INVALIDATED : S_OK;
             });
         return SUCCEEDED(result) ? action(peer) : result;

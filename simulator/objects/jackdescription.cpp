@@ -17,7 +17,7 @@ bool isPlugged(const Hardware& hardware, const std::string& connectorId)
     {
         if (!endpoint.topology || endpoint.topology->connectors.empty())
             continue;
-        const std::optional<Peer> peer = hardware.peer(endpoint.topology->connectors.front().id);
+        const Peer* const peer = hardware.peer(endpoint.topology->connectors.front().id);
         if (!peer || peer->connector != connectorId)
             continue;
         if (endpoint.installed && endpoint.state != stateUnplugged && endpoint.state != stateNotPresent)

@@ -82,7 +82,9 @@ public:
                 {
                     if (isName(key) && hidesNames(hardware, device))
                         return noSuchInstance;
-                    return store(shownProperty(hardware, device, key), *value);
+                    if (const PropertyValue* const found = findProperty(device.properties, key))
+                        return store(*found, *value);
+                    return store(composedProperty(hardware, device, key), *value);
                 });
         };
         return call("IPropertyStore::GetValue", outputs(value), answer, key);

@@ -175,8 +175,10 @@ struct ListCodec
 
     auto read(const JsonCursor& cursor) const
     {
+        const std::vector<JsonCursor> elements = cursor.elements();
         std::vector<decltype(codec.read(cursor))> result;
-        for (const JsonCursor& element : cursor.elements())
+        result.reserve(elements.size());
+        for (const JsonCursor& element : elements)
             result.push_back(codec.read(element));
         return result;
     }

@@ -63,9 +63,9 @@ void addInterfaces(FieldTable<AnyDevice>& table)
             result = result && left.*named.value == right.*named.value;
         return result;
     };
-    const JsonValue schema = listCodec(interfaceCodec).schema();
-    table.add({"interfaces", false, annotated(schema, "Further interfaces that the device activates.", {})}, read,
-              write, isEqual);
+    const auto schema = []
+    { return annotated(listCodec(interfaceCodec).schema(), "Further interfaces that the device activates.", {}); };
+    table.add({"interfaces", false, schema}, read, write, isEqual);
 }
 
 Topology newTopology(const std::string& deviceId)
@@ -92,7 +92,7 @@ void addTopology(FieldTable<AnyDevice>& table)
                    : JsonValue();
     };
     const auto isEqual = [](const AnyDevice& left, const AnyDevice& right) { return left.topology == right.topology; };
-    table.add({"topology", false, ObjectCodec<Topology>().schema()}, read, write, isEqual);
+    table.add({"topology", false, [] { return ObjectCodec<Topology>().schema(); }}, read, write, isEqual);
 }
 
 FieldTable<Adapter> adapterTable()

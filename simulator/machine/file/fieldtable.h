@@ -6,6 +6,7 @@
 #include "simulator/machine/file/cursor.h"
 #include "simulator/machine/file/objectrule.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -82,7 +83,7 @@ private:
 /// The fields of an object, which are read and written in the order in which they are added.
 ///
 /// A codec is a type with `Value read(const JsonCursor&) const`, `JsonValue write(const Value&) const` and
-/// `JsonValue schema() const`.
+/// `JsonValue schema() const`, which is called only when the schema is made. Descriptions are literals.
 template<class Object>
 class FieldTable
 {
@@ -95,28 +96,28 @@ public:
 
     /// A member of the object that each file gives.
     template<class Owner, class Value, class Codec>
-    FieldTable& required(const std::string& key, Value Owner::*member, const Codec& codec,
-                         const std::string& description = {})
+    FieldTable& required(const std::string& key, Value Owner::*member, const Codec& codec, const char* description = "")
     {
-        return addMember({key, true, annotated(codec.schema(), description, {})}, member, codec);
+        return addMember({key, true, describedBy(codec, description)}, member, codec);
     }
 
     /// A member of the object that a file leaves out if it has the value of a new object.
     template<class Owner, class Value, class Codec>
-    FieldTable& optional(const std::string& key, Value Owner::*member, const Codec& codec,
-                         const std::string& description = {})
+    FieldTable& optional(const std::string& key, Value Owner::*member, const Codec& codec, const char* description = "")
     {
-        const Object usual = Object();
-        return addMember({key, false, annotated(codec.schema(), description, codec.write(usual.*member))}, member,
-                         codec);
+        const auto schema = [=]
+        {
+            const Object usual = Object();
+            return annotated(codec.schema(), description, codec.write(usual.*member));
+        };
+        return addMember({key, false, schema}, member, codec);
     }
 
     /// As optional(), for a member whose value in a new object depends on the place of the object in the file.
     template<class Owner, class Value, class Codec>
-    FieldTable& contextual(const std::string& key, Value Owner::*member, const Codec& codec,
-                           const std::string& description)
+    FieldTable& contextual(const std::string& key, Value Owner::*member, const Codec& codec, const char* description)
     {
-        return addMember({key, false, annotated(codec.schema(), description, {})}, member, codec);
+        return addMember({key, false, describedBy(codec, description)}, member, codec);
     }
 
     /// Any other field: `void read(const JsonCursor&, Object&)`, `JsonValue write(const Object&)` and
@@ -166,6 +167,12 @@ public:
     }
 
 private:
+    template<class Codec>
+    static std::function<JsonValue()> describedBy(const Codec& codec, const char* description)
+    {
+        return [=] { return annotated(codec.schema(), description, {}); };
+    }
+
     template<class Owner, class Value, class Codec>
     FieldTable& addMember(KeyRule key, Value Owner::*member, const Codec& codec)
     {

@@ -54,7 +54,7 @@ void addSchema(FieldTable<Machine>& table)
     const auto read = [](const JsonCursor& cursor, Machine&) { cursor.string(); };
     const auto write = [](const Machine&) { return JsonValue::ofString("machine.schema.json"); };
     const auto isEqual = [](const Machine&, const Machine&) { return true; };
-    table.add({"$schema", false, StringCodec().schema(), true}, read, write, isEqual);
+    table.add({"$schema", false, [] { return StringCodec().schema(); }, true}, read, write, isEqual);
 }
 
 FieldTable<Machine> machineTable()

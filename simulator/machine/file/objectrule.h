@@ -4,6 +4,7 @@
 
 #include "simulator/machine/file/json.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -14,8 +15,8 @@ struct KeyRule
 {
     std::string name;
     bool isRequired = false;
-    JsonValue schema;             ///< what the schema says about the key's value
-    bool isAlwaysWritten = false; ///< though it is optional and has its usual value
+    std::function<JsonValue()> schema; ///< what the schema says about the key's value
+    bool isAlwaysWritten = false;      ///< though it is optional and has its usual value
 };
 
 /// One form of object. The keys are those of a table of fields and valid as long as the table.

@@ -3,7 +3,7 @@
 #include "simulator/machine/utf8.h"
 
 #include <algorithm>
-#include <cstring>
+#include <array>
 #include <iterator>
 #include <string_view>
 #include <utility>
@@ -16,10 +16,17 @@ constexpr std::size_t mostDigits = 18; ///< fit into 64 bits, with either sign
 
 constexpr auto isDigit = [](char character) { return character >= '0' && character <= '9'; };
 
-/// Whether a string contains a character as it is, without a closer look. An object: algorithms call a function by its
-/// address, which takes several times longer.
-constexpr auto isPlain = [](char character)
-{ return character >= 0x20 && character < 0x7F && character != '"' && character != '\\'; };
+/// For each byte whether a string contains it as it is, without a closer look.
+constexpr std::array<bool, 256> plainBytes = []
+{
+    std::array<bool, 256> result = {};
+    for (std::size_t byte = 0x20; byte < 0x7F; ++byte)
+        result[byte] = byte != '"' && byte != '\\';
+    return result;
+}();
+
+/// An object, as isDigit is: algorithms call a function by its address, which takes several times longer.
+constexpr auto isPlain = [](char character) { return plainBytes[static_cast<unsigned char>(character)]; };
 
 /// The character that a backslash and @p letter stand for; 0 if it takes more than these two.
 char unescaped(char letter)
@@ -32,6 +39,12 @@ char unescaped(char letter)
 
 bool hasDuplicates(const std::vector<std::string>& keys)
 {
+    constexpr std::size_t few = 16;
+    if (keys.size() <= few) // as in nearly all objects: a comparison of each with all before costs less than an order
+    {
+        const auto isKnown = [&](const std::string& key) { return &*std::find(keys.begin(), keys.end(), key) != &key; };
+        return std::any_of(keys.begin(), keys.end(), isKnown);
+    }
     std::vector<std::string_view> sorted(keys.begin(), keys.end());
     std::sort(sorted.begin(), sorted.end());
     return std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end();

@@ -62,7 +62,7 @@ JsonValue objectSchema(const ObjectRule& rule)
     JsonValue properties = JsonValue::object();
     for (const KeyRule* key : rule.keys)
     {
-        properties.add(key->name, key->schema);
+        properties.add(key->name, key->schema());
         if (key->isRequired)
             required.elements.push_back(string(key->name));
     }

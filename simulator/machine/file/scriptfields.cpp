@@ -61,7 +61,7 @@ FieldTable<ScriptEvent> newForm(const std::string& name, const std::vector<Event
 /// A group whose form contains the keys that all events of endpoints have.
 template<class EndpointCodec>
 EventGroup newGroup(const std::string& name, const std::vector<EventKind>& events, const EndpointCodec& endpoint,
-                    const std::string& endpointDescription = {}, const std::string& description = {})
+                    const char* endpointDescription = "", const char* description = "")
 {
     FieldTable<ScriptEvent> form = newForm(name, events, description);
     form.required("endpoint", &ScriptEvent::endpoint, endpoint, endpointDescription);
@@ -168,12 +168,15 @@ void addOutcome(FieldTable<FaultRule>& table)
     const auto write = [](const FaultRule& rule) { return JsonValue::ofString(outcomeText(rule)); };
     const auto isEqual = [](const FaultRule& left, const FaultRule& right)
     { return std::tie(left.outcome, left.result) == std::tie(right.outcome, right.result); };
-    const JsonValue schema = JsonValue::object()
-                                 .add("type", JsonValue::ofString("string"))
-                                 .add("pattern", JsonValue::ofString("^(0x[0-9A-Fa-f]{8}|null|throw)$"));
-    const std::string description =
-        "An HRESULT; null: success with null pointers; throw: an exception leaves the operation.";
-    table.add({"result", true, annotated(schema, description, {})}, read, write, isEqual);
+    const auto schema = []
+    {
+        const JsonValue pattern = JsonValue::object()
+                                      .add("type", JsonValue::ofString("string"))
+                                      .add("pattern", JsonValue::ofString("^(0x[0-9A-Fa-f]{8}|null|throw)$"));
+        return annotated(pattern,
+                         "An HRESULT; null: success with null pointers; throw: an exception leaves the operation.", {});
+    };
+    table.add({"result", true, schema}, read, write, isEqual);
 }
 
 /// The event after which a fault holds; "start" is the start of the simulation.

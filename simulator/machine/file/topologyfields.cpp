@@ -15,8 +15,10 @@ struct PartsCodec
 
     std::vector<AnyPart> read(const JsonCursor& cursor) const
     {
+        const std::vector<JsonCursor> elements = cursor.elements();
         std::vector<AnyPart> result;
-        for (const JsonCursor& element : cursor.elements())
+        result.reserve(elements.size());
+        for (const JsonCursor& element : elements)
             result.push_back(fieldsOf<AnyPart>().read(element, start(result.size())));
         return result;
     }

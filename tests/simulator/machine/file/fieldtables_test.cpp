@@ -100,8 +100,9 @@ TEST_F(MachineFieldTables, StateTheUsualValueOfAnOptionalKeyInTheSchema)
     {
         for (const sim::KeyRule* candidate : rule.keys)
         {
-            if (candidate->name == key && candidate->schema.member("default") != nullptr)
-                return sim::printJson(*candidate->schema.member("default"));
+            const JsonValue schema = candidate->schema();
+            if (candidate->name == key && schema.member("default") != nullptr)
+                return sim::printJson(*schema.member("default"));
         }
         return std::string("none");
     };

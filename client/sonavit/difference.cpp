@@ -1,0 +1,416 @@
+#include "sonavit/change.h"
+#include "sonavit/contentfields.h"
+#include "sonavit/idmap.h"
+#include "sonavit/matching.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+
+namespace sonavit
+{
+inline namespace v1
+{
+namespace
+{
+using matching::idsOf;
+using matching::Matching;
+using matching::none;
+
+/// The card at a moment; its endpoints are listed by events of their own.
+Card withoutEndpoints(const Card& card)
+{
+    Card::Content content = card.content();
+    content.endpoints.clear();
+    return Card(std::move(content));
+}
+
+/// The endpoint with that id, or one of which only the id is known; no value for the id of nothing.
+std::optional<Endpoint> endpointOrId(const std::vector<Card>& cards, const EndpointId& id, Flow flow)
+{
+    if (id.isEmpty())
+        return std::nullopt;
+    for (const Card& card : cards)
+    {
+        for (const Endpoint& endpoint : card.endpoints())
+        {
+            if (endpoint.id() == id)
+                return endpoint;
+        }
+    }
+    Endpoint::Content content;
+    content.id = id;
+    content.flow = flow;
+    return Endpoint(std::move(content));
+}
+
+/// Where an endpoint is: the places of its card and of itself.
+struct Place
+{
+    std::size_t card = none;
+    std::size_t endpoint = none;
+};
+
+/// An endpoint before and after. One that was removed has no place after, one that was added none before.
+struct Pair
+{
+    Place before;
+    Place after;
+    std::size_t occurrence = 0; ///< in the card after; of one that was removed, before
+    bool isMoved = false;
+};
+
+/// Finds what lies between two snapshots.
+class Comparison
+{
+public:
+    Comparison(const Snapshot& before, const Snapshot& after)
+        : m_before(before.content()),
+          m_after(after.content()),
+          m_cards(idsOf(m_before.cards), idsOf(m_after.cards))
+    {
+    }
+
+    std::vector<Event> events()
+    {
+        matchEndpoints();
+        matchAcrossCards();
+        addRemovals();
+        addAdditions();
+        addMoves();
+        addCardChanges();
+        addEndpointChanges();
+        addDefaults();
+        addHardware();
+        addTheRest();
+        return std::move(m_events);
+    }
+
+private:
+    void matchEndpoints();
+    void matchEndpoints(std::size_t before, std::size_t after);
+    void matchAcrossCards();
+    bool isIdentifiable(const Pair& removed) const;
+
+    void addRemovals();
+    void addAdditions();
+    void addMoves();
+    void addCardChanges();
+    void addEndpointChanges();
+    void addEndpointChanges(const Pair& pair);
+    void addDefaults();
+    void addDefault(Flow flow, Role role);
+    void addHardware();
+    void addTheRest();
+
+    Event& add(Event::Kind kind);
+    Event& addOfCard(Event::Kind kind, std::size_t before, std::size_t after);
+    Event& addOfEndpoint(Event::Kind kind, const Pair& pair);
+    const Endpoint& endpointBefore(const Pair& pair) const;
+    const Endpoint& endpointAfter(const Pair& pair) const;
+
+    const Snapshot::Content& m_before;
+    const Snapshot::Content& m_after;
+    Matching m_cards;
+    std::vector<Pair> m_removed;
+    std::vector<Pair> m_added;       ///< in the order of the snapshot after, as the next two
+    std::vector<Pair> m_kept;        ///< of cards of both snapshots; some of them moved inside their cards
+    std::vector<Pair> m_transferred; ///< from one card to another
+    std::vector<Event> m_events;
+};
+
+/// Cards that both snapshots share are equal: their endpoints are not looked at.
+void Comparison::matchEndpoints()
+{
+    for (std::size_t before = 0; before < m_before.cards.size(); ++before)
+    {
+        if (m_cards.toAfter(before) == none)
+            matchEndpoints(before, none);
+    }
+    for (std::size_t after = 0; after < m_after.cards.size(); ++after)
+    {
+        const std::size_t before = m_cards.toBefore(after);
+        const bool isShared = before != none && &m_before.cards[before].content() == &m_after.cards[after].content();
+        if (!isShared)
+            matchEndpoints(before, after);
+    }
+}
+
+/// @param before, after the places of one card; one of them may be none
+void Comparison::matchEndpoints(std::size_t before, std::size_t after)
+{
+    static const std::vector<Endpoint> noEndpoints;
+    const std::vector<Endpoint>& were = before == none ? noEndpoints : m_before.cards[before].endpoints();
+    const std::vector<Endpoint>& are = after == none ? noEndpoints : m_after.cards[after].endpoints();
+    const Matching endpoints(idsOf(were), idsOf(are));
+    for (std::size_t i = 0; i < were.size(); ++i)
+    {
+        if (endpoints.toAfter(i) == none)
+            m_removed.push_back({{before, i}, {}, endpoints.occurrenceBefore(i), false});
+    }
+    for (std::size_t i = 0; i < are.size(); ++i)
+    {
+        const std::size_t origin = endpoints.toBefore(i);
+        const Pair pair = {{before, origin}, {after, i}, endpoints.occurrenceAfter(i), endpoints.isMoved(i)};
+        (origin == none ? m_added : m_kept).push_back(pair);
+    }
+}
+
+/// An endpoint that left one card and one with its id that is new on another are the same.
+void Comparison::matchAcrossCards()
+{
+    if (m_removed.empty() || m_added.empty())
+        return;
+    IdMap<std::size_t> removed; // the first of each id
+    for (std::size_t i = 0; i < m_removed.size(); ++i)
+    {
+        if (isIdentifiable(m_removed[i]))
+            removed.emplace(endpointBefore(m_removed[i]).id().text(), i);
+    }
+    std::vector<Pair> added;
+    for (Pair& pair : m_added)
+    {
+        const auto found = removed.find(endpointAfter(pair).id().text());
+        if (found == removed.end())
+        {
+            added.push_back(pair);
+            continue;
+        }
+        Pair& origin = m_removed[found->second];
+        pair.before = std::exchange(origin.before, Place());
+        m_transferred.push_back(pair);
+        removed.erase(found);
+    }
+    m_added = std::move(added);
+    const auto isGone = [](const Pair& pair) { return pair.before.endpoint == none; };
+    m_removed.erase(std::remove_if(m_removed.begin(), m_removed.end(), isGone), m_removed.end());
+}
+
+/// Whether the event of a transfer can say where the endpoint came from.
+bool Comparison::isIdentifiable(const Pair& removed) const
+{
+    return !endpointBefore(removed).id().isEmpty() && removed.occurrence == 0 &&
+           m_cards.occurrenceBefore(removed.before.card) == 0;
+}
+
+void Comparison::addRemovals()
+{
+    for (const Pair& pair : m_removed)
+        addOfEndpoint(Event::Kind::endpointRemoved, pair).before = endpointBefore(pair);
+    for (std::size_t before = 0; before < m_before.cards.size(); ++before)
+    {
+        if (m_cards.toAfter(before) == none)
+            addOfCard(Event::Kind::cardRemoved, before, none).cardBefore = m_before.cards[before];
+    }
+}
+
+void Comparison::addAdditions()
+{
+    for (std::size_t after = 0; after < m_after.cards.size(); ++after)
+    {
+        if (m_cards.toBefore(after) != none)
+            continue;
+        Event& event = addOfCard(Event::Kind::cardAdded, none, after);
+        event.cardAfter = withoutEndpoints(m_after.cards[after]);
+        event.position = after;
+    }
+    for (const Pair& pair : m_added)
+    {
+        Event& event = addOfEndpoint(Event::Kind::endpointAdded, pair);
+        event.after = endpointAfter(pair);
+        event.position = pair.after.endpoint;
+    }
+}
+
+void Comparison::addMoves()
+{
+    for (std::size_t after = 0; after < m_after.cards.size(); ++after)
+    {
+        if (!m_cards.isMoved(after))
+            continue;
+        Event& event = addOfCard(Event::Kind::cardMoved, m_cards.toBefore(after), after);
+        event.cardAfter = m_after.cards[after];
+        event.position = after;
+    }
+    for (const Pair& pair : m_kept)
+    {
+        if (!pair.isMoved)
+            continue;
+        Event& event = addOfEndpoint(Event::Kind::endpointMoved, pair);
+        event.after = endpointAfter(pair);
+        event.position = pair.after.endpoint;
+    }
+    for (const Pair& pair : m_transferred)
+    {
+        Event& event = addOfEndpoint(Event::Kind::endpointMoved, pair);
+        event.after = endpointAfter(pair);
+        event.position = pair.after.endpoint;
+        event.formerCard = m_before.cards[pair.before.card].id();
+    }
+}
+
+void Comparison::addCardChanges()
+{
+    for (std::size_t after = 0; after < m_after.cards.size(); ++after)
+    {
+        const std::size_t before = m_cards.toBefore(after);
+        if (before == none)
+            continue;
+        const Card& was = m_before.cards[before];
+        const Card& is = m_after.cards[after];
+        if (&was.content() == &is.content())
+            continue;
+        for (const CardField field : allCardFields)
+        {
+            if (hasSameField(was.content(), is.content(), field))
+                continue;
+            Event& event = addOfCard(Event::Kind::cardChanged, before, after);
+            event.cardBefore = was;
+            event.cardAfter = is;
+            event.cardField = field;
+        }
+    }
+}
+
+void Comparison::addEndpointChanges()
+{
+    const auto firstReappeared = [&](const Pair& pair)
+    {
+        if (endpointBefore(pair).incarnation() >= endpointAfter(pair).incarnation())
+            return;
+        Event& event = addOfEndpoint(Event::Kind::endpointReappeared, pair);
+        event.before = endpointBefore(pair);
+        event.after = endpointAfter(pair);
+    };
+    for (const std::vector<Pair>* pairs : {&m_kept, &m_transferred})
+        std::for_each(pairs->begin(), pairs->end(), firstReappeared);
+    for (const std::vector<Pair>* pairs : {&m_kept, &m_transferred})
+    {
+        for (const Pair& pair : *pairs)
+            addEndpointChanges(pair);
+    }
+}
+
+void Comparison::addEndpointChanges(const Pair& pair)
+{
+    const Endpoint& was = endpointBefore(pair);
+    const Endpoint& is = endpointAfter(pair);
+    if (&was.content() == &is.content())
+        return;
+    for (const EndpointField field : allEndpointFields)
+    {
+        const bool isReported = field == EndpointField::incarnation && was.incarnation() < is.incarnation();
+        if (isReported || hasSameField(was.content(), is.content(), field))
+            continue;
+        Event& event = addOfEndpoint(Event::Kind::endpointChanged, pair);
+        event.before = was;
+        event.after = is;
+        event.field = field;
+    }
+}
+
+void Comparison::addDefaults()
+{
+    for (const Flow flow : allFlows)
+    {
+        for (const Role role : allRoles)
+            addDefault(flow, role);
+    }
+}
+
+void Comparison::addDefault(Flow flow, Role role)
+{
+    const EndpointId& was = m_before.defaults[static_cast<std::size_t>(flow)][static_cast<std::size_t>(role)];
+    const EndpointId& is = m_after.defaults[static_cast<std::size_t>(flow)][static_cast<std::size_t>(role)];
+    if (was == is)
+        return;
+    Event& event = add(Event::Kind::defaultChanged);
+    event.flow = flow;
+    event.role = role;
+    event.before = endpointOrId(m_before.cards, was, flow);
+    event.after = endpointOrId(m_after.cards, is, flow);
+}
+
+/// The hardware of a card whose place in the list changed ends and begins anew.
+void Comparison::addHardware()
+{
+    const Matching list(idsOf(m_before.hardware), idsOf(m_after.hardware));
+    const auto addOne = [&](std::size_t before, std::size_t after)
+    {
+        const Hardware& named = after == none ? m_before.hardware[before] : m_after.hardware[after];
+        Event& event = add(Event::Kind::hardwareChanged);
+        event.card = named.card;
+        event.cardOccurrence = after == none ? list.occurrenceBefore(before) : list.occurrenceAfter(after);
+        if (before != none)
+            event.hardwareBefore = m_before.hardware[before];
+        if (after != none)
+            event.hardwareAfter = m_after.hardware[after];
+        if (before == none)
+            event.position = after;
+    };
+    for (std::size_t before = 0; before < m_before.hardware.size(); ++before)
+    {
+        if (list.toAfter(before) == none || list.isMoved(list.toAfter(before)))
+            addOne(before, none);
+    }
+    for (std::size_t after = 0; after < m_after.hardware.size(); ++after)
+    {
+        const std::size_t before = list.isMoved(after) ? none : list.toBefore(after);
+        if (before == none || m_before.hardware[before] != m_after.hardware[after])
+            addOne(before, after);
+    }
+}
+
+void Comparison::addTheRest()
+{
+    if (m_before.service != m_after.service)
+        add(Event::Kind::serviceChanged).service = m_after.service;
+    if (m_before.problems != m_after.problems)
+        add(Event::Kind::problemsChanged).problems = m_after.problems;
+    for (Event& event : m_events)
+        event.isByService = m_before.service != m_after.service;
+}
+
+Event& Comparison::add(Event::Kind kind)
+{
+    Event& event = m_events.emplace_back();
+    event.kind = kind;
+    return event;
+}
+
+/// @param before, after the places of one card; one of them may be none
+Event& Comparison::addOfCard(Event::Kind kind, std::size_t before, std::size_t after)
+{
+    Event& event = add(kind);
+    event.card = after == none ? m_before.cards[before].id() : m_after.cards[after].id();
+    event.cardOccurrence = after == none ? m_cards.occurrenceBefore(before) : m_cards.occurrenceAfter(after);
+    return event;
+}
+
+Event& Comparison::addOfEndpoint(Event::Kind kind, const Pair& pair)
+{
+    const bool isThere = pair.after.card != none;
+    Event& event = addOfCard(kind, isThere ? none : pair.before.card, isThere ? pair.after.card : none);
+    event.occurrence = pair.occurrence;
+    return event;
+}
+
+const Endpoint& Comparison::endpointBefore(const Pair& pair) const
+{
+    return m_before.cards[pair.before.card].endpoints()[pair.before.endpoint];
+}
+
+const Endpoint& Comparison::endpointAfter(const Pair& pair) const
+{
+    return m_after.cards[pair.after.card].endpoints()[pair.after.endpoint];
+}
+}
+
+std::vector<Event> difference(const Snapshot& before, const Snapshot& after)
+{
+    if (&before.content() == &after.content())
+        return {};
+    return Comparison(before, after).events();
+}
+}
+}

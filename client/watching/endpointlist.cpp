@@ -1,0 +1,207 @@
+#include "client/watching/endpointlist.h"
+
+#include "COM/interfacequery.h"
+
+#include <iterator>
+#include <utility>
+
+namespace sonavit::watching
+{
+namespace
+{
+/// So many endpoints that are not in the list are remembered. A driver that makes new ids all the time is forgotten.
+constexpr std::size_t mostPast = 1024;
+
+bool canHaveVolume(const reading::EndpointReading& reading) noexcept
+{
+    return reading.content.state == State::active || reading.content.state == State::unplugged;
+}
+
+bool isThere(const reading::EndpointReading& reading) noexcept
+{
+    return reading.content.state && reading.content.state != State::notPresent;
+}
+}
+
+EndpointList::EndpointList(std::shared_ptr<Inbox> inbox) : m_inbox(std::move(inbox)) {}
+
+std::optional<std::size_t> EndpointList::find(const EndpointId& id) const
+{
+    const auto found = m_places.find(id);
+    return found == m_places.end() ? std::nullopt : std::optional<std::size_t>(found->second);
+}
+
+std::vector<EndpointId> EndpointList::replace(std::vector<reading::EndpointReading> listing)
+{
+    std::vector<EndpointId> added;
+    std::vector<reading::EndpointReading> readings(listing.size());
+    std::vector<VolumeRegistration> registrations(listing.size());
+    std::unordered_map<EndpointId, std::size_t> places;
+    for (std::size_t index = 0; index < listing.size(); ++index)
+    {
+        const EndpointId& id = listing[index].content.id;
+        places.emplace(id, index);
+        if (m_places.count(id) == 0)
+            added.push_back(id);
+    }
+    for (const auto& [id, place] : m_places)
+    {
+        if (places.count(id) == 0 && isThere(m_readings[place]))
+            noteAbsence(id);
+    }
+    // Nothing below fails.
+    for (std::size_t index = 0; index < listing.size(); ++index)
+    {
+        const auto former = m_places.find(listing[index].content.id);
+        if (former == m_places.end())
+        {
+            readings[index] = std::move(listing[index]);
+            continue;
+        }
+        readings[index] = std::move(m_readings[former->second]);
+        registrations[index] = std::move(m_registrations[former->second]);
+    }
+    m_readings = std::move(readings);
+    m_registrations = std::move(registrations);
+    m_places = std::move(places);
+    return added;
+}
+
+void EndpointList::read(std::size_t index)
+{
+    readState(index);
+    reading::readProperties(m_readings[index]);
+    readVolume(index);
+    reading::readJacks(m_readings[index]);
+}
+
+void EndpointList::read(std::size_t index, unsigned announced, IMMDeviceEnumerator& enumerator)
+{
+    reading::EndpointReading& reading = m_readings[index];
+    const std::optional<State> former = reading.content.state;
+    const bool wasThere = isThere(reading);
+    if (wasThere && (announced & announcedAbsence) != 0)
+        noteAbsence(reading.content.id);
+    if ((announced & (announcedState | announcedArrival | announcedRemoval)) != 0)
+        readState(index);
+    const bool isMoved = reading.content.state != former;
+    const bool wasAway = !wasThere || (announced & announcedAbsence) != 0;
+    if (wasAway && isThere(reading))
+    {
+        reopen(index, enumerator);
+        return;
+    }
+    if ((announced & announcedProperty) != 0)
+        reading::readProperties(reading);
+    if (isMoved || (announced & announcedVolume) != 0)
+        readVolume(index);
+    if (isMoved)
+        reading::readJacks(reading);
+}
+
+/// The device behind the objects of the endpoint has gone since they were made. If it cannot be opened, the old ones
+/// tell why it cannot be read.
+void EndpointList::reopen(std::size_t index, IMMDeviceEnumerator& enumerator)
+{
+    reading::EndpointReading& reading = m_readings[index];
+    const Result<reading::EndpointReading> opened = reading::openEndpoint(enumerator, reading.content.id);
+    if (opened)
+        reading.device = opened->device;
+    m_registrations[index].end();
+    reading.volume = nullptr;
+    reading::readProperties(reading);
+    readVolume(index);
+    reading::readJacks(reading);
+}
+
+void EndpointList::tell(const reading::Defaults& defaults, const reading::WaveIds& waveIds)
+{
+    for (reading::EndpointReading& reading : m_readings)
+    {
+        reading.content.roles = Roles();
+        reading.content.waveId.reset();
+    }
+    for (std::size_t flow = 0; flow < allFlows.size(); ++flow)
+    {
+        const auto place = [&](const EndpointId& id) -> Endpoint::Content*
+        {
+            const std::optional<std::size_t> index = find(id);
+            const bool isFound = index && m_readings[*index].content.flow == allFlows[flow];
+            return isFound ? &m_readings[*index].content : nullptr;
+        };
+        for (const Role role : allRoles)
+        {
+            if (Endpoint::Content* const content = place(defaults.ids[flow][static_cast<std::size_t>(role)]))
+                content->roles.add(role);
+        }
+        for (std::size_t number = 0; number < waveIds.ids[flow].size(); ++number)
+        {
+            Endpoint::Content* const content = place(waveIds.ids[flow][number]);
+            if (content != nullptr && !content->waveId)
+                content->waveId = static_cast<std::uint32_t>(number);
+        }
+    }
+}
+
+void EndpointList::clear() noexcept
+{
+    for (VolumeRegistration& registration : m_registrations)
+        registration.end();
+    m_registrations.clear();
+    m_readings.clear();
+    m_places.clear();
+}
+
+void EndpointList::readState(std::size_t index)
+{
+    const bool wasThere = isThere(m_readings[index]);
+    reading::readState(m_readings[index]);
+    if (isThere(m_readings[index]))
+        notePresence(index);
+    else if (wasThere)
+        noteAbsence(m_readings[index].content.id);
+}
+
+/// Registers first and reads then, so that no change falls between the two.
+void EndpointList::readVolume(std::size_t index)
+{
+    reading::EndpointReading& reading = m_readings[index];
+    VolumeRegistration& registration = m_registrations[index];
+    if (canHaveVolume(reading) && reading.volume.get() == nullptr)
+    {
+        IAudioEndpointVolume* volume = nullptr;
+        if (SUCCEEDED(interfacequery::activate(*reading.device, volume)) && volume != nullptr)
+            reading.volume = volume;
+    }
+    if (!canHaveVolume(reading) || reading.volume.get() != registration.source())
+        registration.end();
+    if (canHaveVolume(reading) && reading.volume.get() != nullptr && !registration)
+        registration = registerForVolume(*reading.volume, m_inbox, reading.content.id);
+    reading::readVolume(reading);
+}
+
+void EndpointList::noteAbsence(const EndpointId& id)
+{
+    m_past[id].isAway = true;
+    if (m_past.size() > mostPast)
+        forgetThoseThatWent();
+}
+
+void EndpointList::notePresence(std::size_t index)
+{
+    Endpoint::Content& content = m_readings[index].content;
+    const auto past = m_past.find(content.id);
+    if (past == m_past.end())
+        return;
+    if (std::exchange(past->second.isAway, false))
+        ++past->second.incarnation;
+    content.incarnation = past->second.incarnation;
+}
+
+/// There is no order among them; those that are not in the list go.
+void EndpointList::forgetThoseThatWent()
+{
+    for (auto each = m_past.begin(); each != m_past.end();)
+        each = m_places.count(each->first) == 0 ? m_past.erase(each) : std::next(each);
+}
+}

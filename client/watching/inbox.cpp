@@ -1,0 +1,222 @@
+#include "client/watching/inbox.h"
+
+#include "client/reading/text.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <mutex>
+#include <random>
+#include <utility>
+
+namespace sonavit::watching
+{
+namespace
+{
+using namespace std::chrono_literals;
+
+constexpr auto levelInterval = 20ms;
+constexpr auto quiet = 50ms;
+constexpr auto longestWait = 250ms;
+
+std::size_t lengthOf(LPCWSTR id, std::size_t limit) noexcept
+{
+    std::size_t length = 0;
+    while (length < limit && id[length] != 0)
+        ++length;
+    return length;
+}
+}
+
+Inbox::Inbox(std::shared_ptr<worker::Alarm> alarm, std::shared_ptr<Clock> clock)
+    : m_alarm(std::move(alarm)),
+      m_clock(std::move(clock))
+{
+    m_slots.reserve(capacity);
+}
+
+void Inbox::noteEndpoint(LPCWSTR id, unsigned announced) noexcept
+{
+    const Clock::Time now = m_clock->now();
+    std::unique_lock<std::mutex> lock(m_alarm->mutex);
+    if (Slot* const slot = slotOf(id, 0))
+        slot->announced |= announced;
+    markRest(now);
+    m_alarm->ring(std::move(lock));
+}
+
+void Inbox::noteVolume(LPCWSTR id, const GUID* context) noexcept
+{
+    noteLevel(id, 0, context);
+}
+
+void Inbox::noteHardware(std::uint32_t watch, const GUID* context) noexcept
+{
+    noteLevel(nullptr, watch, context);
+}
+
+void Inbox::noteLevel(LPCWSTR id, std::uint32_t watch, const GUID* context) noexcept
+{
+    const Clock::Time now = m_clock->now();
+    const ChangeToken token = m_context.tokenOf(context);
+    std::unique_lock<std::mutex> lock(m_alarm->mutex);
+    if (Slot* const slot = slotOf(id, watch))
+    {
+        slot->announced |= announcedVolume;
+        const auto end = slot->tokens.begin() + static_cast<std::ptrdiff_t>(slot->tokenCount);
+        if (token == 0)
+            slot->isByOther = true;
+        else if (std::find(slot->tokens.begin(), end, token) == end && slot->tokenCount < slot->tokens.size())
+            slot->tokens[slot->tokenCount++] = token;
+        m_firstLevel = std::min(m_firstLevel, now);
+    }
+    else
+    {
+        markRest(now);
+    }
+    m_alarm->ring(std::move(lock));
+}
+
+void Inbox::noteDefaults() noexcept
+{
+    const Clock::Time now = m_clock->now();
+    std::unique_lock<std::mutex> lock(m_alarm->mutex);
+    m_areDefaults = true;
+    markRest(now);
+    m_alarm->ring(std::move(lock));
+}
+
+void Inbox::noteEverything() noexcept
+{
+    const Clock::Time now = m_clock->now();
+    std::unique_lock<std::mutex> lock(m_alarm->mutex);
+    m_isEverything = true;
+    markRest(now);
+    m_alarm->ring(std::move(lock));
+}
+
+/// The slot of that endpoint or watch, a new one if there is none; null if there is no space, which is noted. The lock
+/// is held.
+Inbox::Slot* Inbox::slotOf(LPCWSTR id, std::uint32_t watch) noexcept
+{
+    const std::size_t length = id == nullptr ? 0 : lengthOf(id, longestId);
+    const auto isMeant = [&](const Slot& slot)
+    {
+        return slot.length == length && slot.watch == watch &&
+               std::equal(slot.id.rbegin() + static_cast<std::ptrdiff_t>(longestId - length), slot.id.rend(),
+                          std::make_reverse_iterator(id + length));
+    };
+    const auto found = std::find_if(m_slots.begin(), m_slots.end(), isMeant);
+    if (found != m_slots.end())
+        return &*found;
+    if (length == longestId || m_slots.size() == capacity)
+    {
+        m_isEverything = true;
+        return nullptr;
+    }
+    Slot& slot = m_slots.emplace_back(); // within the reserved space
+    std::copy_n(id, length, slot.id.begin());
+    slot.length = length;
+    slot.watch = watch;
+    return &slot;
+}
+
+void Inbox::markRest(Clock::Time now) noexcept
+{
+    m_firstOfRest = std::min(m_firstOfRest, now);
+    m_lastOfRest = now;
+}
+
+Noted Inbox::take(bool isAll)
+{
+    std::vector<Slot> taken;
+    taken.reserve(capacity); // before anything is taken out
+    Noted noted;
+    {
+        const std::lock_guard<std::mutex> lock(m_alarm->mutex);
+        for (Slot& slot : m_slots)
+        {
+            Slot part = slot;
+            if (!isAll)
+                part.announced &= announcedVolume;
+            slot.announced &= ~part.announced;
+            slot.tokenCount = 0;
+            slot.isByOther = false;
+            if (part.announced != announcedNothing)
+                taken.push_back(part);
+        }
+        const auto isEmpty = [](const Slot& slot) { return slot.announced == announcedNothing; };
+        m_slots.erase(std::remove_if(m_slots.begin(), m_slots.end(), isEmpty), m_slots.end());
+        m_firstLevel = Clock::never;
+        if (isAll)
+        {
+            noted.areDefaults = std::exchange(m_areDefaults, false);
+            noted.isEverything = std::exchange(m_isEverything, false);
+            m_firstOfRest = Clock::never;
+            m_lastOfRest = Clock::never;
+        }
+    }
+    for (const Slot& slot : taken)
+    {
+        if (slot.length == 0)
+            noted.hardware.push_back({slot.watch, causeOf(slot)});
+        else
+            noted.endpoints.push_back({EndpointId(reading::utf8(slot.id.data(), slot.length)), slot.announced, causeOf(slot)});
+    }
+    return noted;
+}
+
+Cause Inbox::causeOf(const Slot& slot)
+{
+    Cause cause;
+    cause.tokens.assign(slot.tokens.begin(), slot.tokens.begin() + static_cast<std::ptrdiff_t>(slot.tokenCount));
+    if (slot.isByOther)
+        cause.origin = cause.tokens.empty() ? Origin::other : Origin::both;
+    else if (!cause.tokens.empty())
+        cause.origin = Origin::own;
+    return cause;
+}
+
+Inbox::Clock::Time Inbox::levelsDue(Clock::Time lastReading) const
+{
+    const std::lock_guard<std::mutex> lock(m_alarm->mutex);
+    return m_firstLevel == Clock::never ? Clock::never : std::max(m_firstLevel, lastReading + levelInterval);
+}
+
+Inbox::Clock::Time Inbox::restDue() const
+{
+    const std::lock_guard<std::mutex> lock(m_alarm->mutex);
+    return m_firstOfRest == Clock::never ? Clock::never : std::min(m_lastOfRest + quiet, m_firstOfRest + longestWait);
+}
+
+/// It is unique among the Systems of all processes of the computer with near certainty.
+EventContexts::EventContexts()
+{
+    static std::atomic<std::uint64_t> systems{0};
+    std::random_device device;
+    const std::uint64_t random = (static_cast<std::uint64_t>(device()) << 32) | device();
+    const auto time = static_cast<std::uint64_t>(std::chrono::system_clock::now().time_since_epoch().count());
+    m_system = random ^ (time * 0x9E3779B97F4A7C15u) ^ ++systems;
+}
+
+GUID EventContexts::of(ChangeToken token) const noexcept
+{
+    GUID context = {};
+    context.Data1 = static_cast<decltype(context.Data1)>(m_system >> 32);
+    context.Data2 = static_cast<unsigned short>(m_system >> 16);
+    context.Data3 = static_cast<unsigned short>(m_system);
+    for (std::size_t index = 0; index < sizeof context.Data4; ++index)
+        context.Data4[index] = static_cast<unsigned char>(token >> (8 * index));
+    return context;
+}
+
+ChangeToken EventContexts::tokenOf(const GUID* context) const noexcept
+{
+    if (context == nullptr)
+        return 0;
+    ChangeToken token = 0;
+    for (std::size_t index = sizeof context->Data4; index > 0; --index)
+        token = (token << 8) | context->Data4[index - 1];
+    return *context == of(token) ? token : 0;
+}
+}

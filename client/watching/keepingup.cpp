@@ -1,0 +1,237 @@
+#include "client/watching/watcher.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <utility>
+
+namespace sonavit::watching
+{
+namespace
+{
+using namespace std::chrono_literals;
+
+/// When to try again what was announced and cannot be read.
+constexpr std::array<std::chrono::milliseconds, 6> retryAfter = {250ms, 500ms, 1000ms, 2000ms, 4000ms, 8000ms};
+constexpr auto pauseAfterException = 250ms;
+}
+
+worker::Clock::Time Watcher::step(Clock::Time now) noexcept
+{
+    if (!m_isStarted)
+        return Clock::never;
+    try
+    {
+        keepUp(now);
+    }
+    catch (...)
+    {
+        startAgainLater();
+    }
+    return nextDue();
+}
+
+/// After an exception it is not known how far the reading has come, so the next one reads everything.
+void Watcher::startAgainLater() noexcept
+{
+    m_inbox->noteEverything();
+    m_afterFailure = m_worker->clock().now() + pauseAfterException;
+}
+
+void Watcher::keepUp(Clock::Time now)
+{
+    if (m_afterFailure != Clock::never && now < m_afterFailure)
+        return;
+    m_afterFailure = Clock::never;
+    if (m_enumerator.get() == nullptr)
+    {
+        if (now >= m_serviceDue)
+            lookForService();
+        return;
+    }
+    const bool isAll = now >= m_inbox->restDue();
+    const bool areLevels = now >= m_inbox->levelsDue(m_lastLevels);
+    Noted noted;
+    if (isAll || areLevels)
+        noted = m_inbox->take(isAll);
+    if (areLevels)
+        m_lastLevels = now;
+    takeDueRetries(now, noted);
+    if (noted.isEmpty())
+        return;
+    read(noted);
+    publishRead();
+}
+
+worker::Clock::Time Watcher::nextDue() const
+{
+    if (m_afterFailure != Clock::never)
+        return m_afterFailure;
+    if (m_enumerator.get() == nullptr)
+        return m_serviceDue;
+    Clock::Time due = std::min(m_inbox->restDue(), m_inbox->levelsDue(m_lastLevels));
+    for (const auto& [id, retry] : m_retries)
+        due = std::min(due, retry.due);
+    return due;
+}
+
+Result<Snapshot> Watcher::refresh(Depth depth)
+{
+    if (m_enumerator.get() == nullptr && depth == Depth::everything)
+    {
+        lookForService();
+        return m_latest;
+    }
+    if (m_enumerator.get() == nullptr)
+        return m_latest;
+    Noted noted = m_inbox->take(true);
+    if (depth == Depth::everything)
+        noted.isEverything = true;
+    takeDueRetries(Clock::never, noted);
+    if (noted.isEmpty())
+        return m_latest;
+    read(noted);
+    publishRead();
+    return m_latest;
+}
+
+void Watcher::takeDueRetries(Clock::Time now, Noted& noted)
+{
+    for (auto& [id, retry] : m_retries)
+    {
+        if (retry.due > now)
+            continue;
+        retry.due = Clock::never;
+        if (id.isEmpty())
+            noted.isEverything = true;
+        else
+            noted.endpoints.push_back({id, announcedAll & ~announcedRemoval, Cause()});
+    }
+}
+
+void Watcher::read(const Noted& noted)
+{
+    if (noted.isEverything)
+    {
+        readEverything();
+        return;
+    }
+    const auto changesList = [this](const Noted::OfEndpoint& each)
+    {
+        const bool isKnown = m_endpoints.find(each.id).has_value();
+        return isKnown ? (each.announced & announcedRemoval) != 0 : (each.announced & ~announcedVolume) != 0;
+    };
+    const bool isListRead = std::any_of(noted.endpoints.begin(), noted.endpoints.end(), changesList);
+    if (isListRead && !readNewOnes())
+        return;
+    bool areNumbersRead = isListRead || noted.areDefaults;
+    for (const Noted::OfEndpoint& each : noted.endpoints)
+        areNumbersRead = readNoted(each) || areNumbersRead;
+    if ((isListRead || noted.areDefaults) && !readDefaults())
+        return;
+    if (areNumbersRead)
+        m_waveIds = reading::readWaveIds();
+    m_isRegrouping = m_isRegrouping || areNumbersRead;
+}
+
+void Watcher::readEverything()
+{
+    m_retries.clear();
+    if (!readList())
+        return;
+    for (std::size_t index = 0; index < m_endpoints.size(); ++index)
+    {
+        if (m_latest.generation() > 0)
+            m_worker->letChangesPass(); // they leave the list as it is
+        m_endpoints.read(index);
+    }
+    if (readDefaults())
+        m_waveIds = reading::readWaveIds();
+}
+
+/// Reads which endpoints there are. @return the new ones, which are opened; no value if the service has gone
+std::optional<std::vector<EndpointId>> Watcher::readList()
+{
+    reading::Listing listing = reading::listEndpoints(*m_enumerator);
+    if (isServiceLost(listing.problems))
+        return std::nullopt;
+    if (!listing.problems.empty() && listing.problems != m_listProblems)
+        retryLater(EndpointId());
+    m_listProblems = std::move(listing.problems);
+    m_isRegrouping = true;
+    return m_endpoints.replace(std::move(listing.endpoints));
+}
+
+/// @return false if the service has gone
+bool Watcher::readNewOnes()
+{
+    const std::optional<std::vector<EndpointId>> added = readList();
+    if (!added)
+        return false;
+    for (const EndpointId& id : *added)
+    {
+        const std::size_t index = *m_endpoints.find(id);
+        m_endpoints.read(index);
+        judgeReading(index, {});
+    }
+    return true;
+}
+
+/// @return whether device numbers may have changed with it
+bool Watcher::readNoted(const Noted::OfEndpoint& noted)
+{
+    const std::optional<std::size_t> index = m_endpoints.find(noted.id);
+    if (!index)
+    {
+        // Either it has gone again or it cannot be listed yet.
+        if ((noted.announced & (announcedArrival | announcedState)) != 0)
+            retryLater(noted.id);
+        return false;
+    }
+    const Endpoint::Content& content = m_endpoints[*index].content;
+    const std::vector<EndpointProblem> formerProblems = content.problems;
+    const std::optional<State> formerState = content.state;
+    const std::uint32_t formerIncarnation = content.incarnation;
+    m_endpoints.read(*index, noted.announced, *m_enumerator);
+    judgeReading(*index, formerProblems);
+    m_changed.push_back(noted.id);
+    if ((noted.announced & announcedVolume) != 0)
+        note(m_causes, noted.id, noted.cause);
+    m_isRegrouping = m_isRegrouping || (noted.announced & ~announcedVolume) != 0;
+    return content.state != formerState || content.incarnation != formerIncarnation;
+}
+
+/// Whether what was announced could be read: tries again later if there are problems that were not there before.
+void Watcher::judgeReading(std::size_t index, const std::vector<EndpointProblem>& former)
+{
+    const Endpoint::Content& content = m_endpoints[index].content;
+    const auto isNew = [&](const EndpointProblem& problem)
+    { return std::find(former.begin(), former.end(), problem) == former.end(); };
+    if (std::any_of(content.problems.begin(), content.problems.end(), isNew))
+        retryLater(content.id);
+    else if (content.problems.empty())
+        m_retries.erase(content.id);
+}
+
+/// @return false if the service has gone
+bool Watcher::readDefaults()
+{
+    reading::Defaults defaults = reading::readDefaults(*m_enumerator);
+    if (isServiceLost(defaults.problems))
+        return false;
+    m_defaults = std::move(defaults);
+    return true;
+}
+
+/// @param id empty for the list
+void Watcher::retryLater(const EndpointId& id)
+{
+    Retry& retry = m_retries[id];
+    if (retry.attempts == retryAfter.size())
+    {
+        m_retries.erase(id);
+        return;
+    }
+    retry.due = m_worker->clock().now() + retryAfter[retry.attempts++];
+}
+}

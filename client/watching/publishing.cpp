@@ -1,0 +1,141 @@
+#include "client/watching/watcher.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+namespace sonavit::watching
+{
+namespace
+{
+/// So many parents of device instances are remembered.
+constexpr std::size_t mostParents = 1024;
+
+void append(std::vector<Problem>& all, const std::vector<Problem>& more)
+{
+    all.insert(all.end(), more.begin(), more.end());
+}
+
+}
+
+/// Publishes what the reading has changed.
+void Watcher::publishRead()
+{
+    const std::vector<EndpointId> changed = std::exchange(m_changed, {});
+    const bool isRegrouping = std::exchange(m_isRegrouping, false);
+    if (m_enumerator.get() == nullptr)
+        publish(withoutService());
+    else if (isRegrouping)
+        publish(regrouped());
+    else
+        publish(patched(changed));
+}
+
+Snapshot::Content Watcher::withoutService() const
+{
+    Snapshot::Content content;
+    content.service = m_service;
+    if (m_serviceProblem)
+        content.problems.push_back(*m_serviceProblem);
+    return content;
+}
+
+/// All cards, put together anew from the readings.
+Snapshot::Content Watcher::regrouped()
+{
+    m_endpoints.tell(m_defaults, m_waveIds);
+    if (m_parents.size() > mostParents)
+        m_parents.clear();
+    Snapshot::Content content;
+    content.cards = reading::groupIntoCards(m_endpoints.readings(), m_latest.cards(), m_parents);
+    content.defaults = m_defaults.ids;
+    content.service = m_service;
+    if (m_registrationProblem)
+        content.problems.push_back(*m_registrationProblem);
+    append(content.problems, m_listProblems);
+    append(content.problems, m_defaults.problems);
+    append(content.problems, m_waveIds.problems);
+    return content;
+}
+
+/// The newest state with these endpoints as they were read last. Cards without them are shared.
+Snapshot::Content Watcher::patched(const std::vector<EndpointId>& changed) const
+{
+    Snapshot::Content content = m_latest.content();
+    for (const EndpointId& id : changed)
+    {
+        const std::optional<std::size_t> index = m_endpoints.find(id);
+        if (!index)
+            continue;
+        for (Card& card : content.cards)
+        {
+            const std::vector<Endpoint>& endpoints = card.endpoints();
+            for (std::size_t place = 0; place < endpoints.size(); ++place)
+            {
+                if (endpoints[place].id() != id)
+                    continue;
+                Card::Content changedCard = card.content();
+                changedCard.endpoints[place] = Endpoint(m_endpoints.readings()[*index].content);
+                card = Card(std::move(changedCard));
+                break;
+            }
+        }
+    }
+    return content;
+}
+
+/// Publishes @p content as the next state if it differs from the newest one.
+void Watcher::publish(Snapshot::Content content)
+{
+    const bool isFirst = m_latest.generation() == 0;
+    content.generation = m_latest.generation() + 1;
+    content.time = std::chrono::system_clock::now();
+    Snapshot next(std::move(content));
+    std::vector<Event> events = isFirst ? std::vector<Event>() : difference(m_latest, next);
+    tellCauses(events);
+    m_causes.clear();
+    m_changesByUs.clear();
+    m_hardwareCauses.clear();
+    if (!isFirst && events.empty())
+        return;
+    m_hub->publish(next, events);
+    m_latest = std::move(next);
+}
+
+void Watcher::tellCauses(std::vector<Event>& events) const
+{
+    const auto isOfService = [](const Event& event) { return event.kind == Event::Kind::serviceChanged; };
+    const bool isByService = std::any_of(events.begin(), events.end(), isOfService);
+    for (Event& event : events)
+    {
+        event.isByService = isByService;
+        const auto tell = [&](const Cause& cause)
+        {
+            event.origin = cause.origin;
+            event.tokens = cause.tokens;
+        };
+        if (event.kind == Event::Kind::endpointChanged && event.after)
+        {
+            const auto byUs = m_changesByUs.find(event.after->id());
+            const auto cause = m_causes.find(event.after->id());
+            if (byUs != m_changesByUs.end())
+                tell(byUs->second);
+            else if (event.field == EndpointField::volume && cause != m_causes.end())
+                tell(cause->second);
+        }
+        if (event.kind == Event::Kind::hardwareChanged)
+        {
+            const auto cause = m_hardwareCauses.find(event.card);
+            if (cause != m_hardwareCauses.end())
+                tell(cause->second);
+        }
+    }
+}
+
+void Watcher::publishChange(const EndpointId& endpoint, ChangeToken token)
+{
+    Cause cause = token == 0 ? Cause() : Cause{Origin::own, {token}, false};
+    m_changesByUs[endpoint] = std::move(cause);
+    publish(patched({endpoint}));
+}
+}

@@ -1,0 +1,115 @@
+#include "client/watching/watcher.h"
+
+#include "client/reading/hardwarewalk.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace sonavit::watching
+{
+namespace
+{
+Problem notThere(const std::string& operation, const char* kind, const std::string& id)
+{
+    return Problem(Problem::Kind::notThere, operation, id, std::string("there is no ") + kind + " " + id);
+}
+}
+
+Watcher::Watcher(std::shared_ptr<worker::Worker> worker, std::shared_ptr<Hub> hub)
+    : m_worker(std::move(worker)),
+      m_hub(std::move(hub)),
+      m_inbox(std::make_shared<Inbox>(m_worker->alarm(), m_worker->sharedClock())),
+      m_endpoints(m_inbox)
+{
+}
+
+Watcher::~Watcher() noexcept = default;
+
+void Watcher::start()
+{
+    if (std::exchange(m_isStarted, true))
+        return;
+    m_worker->add(shared_from_this());
+    try
+    {
+        connect();
+        if (m_enumerator.get() != nullptr)
+            readEverything();
+        publishRead();
+    }
+    catch (...)
+    {
+        startAgainLater();
+        throw;
+    }
+}
+
+void Watcher::end() noexcept
+{
+    for (auto action = m_actions.rbegin(); action != m_actions.rend(); ++action)
+    {
+        try
+        {
+            action->second();
+        }
+        catch (...)
+        {
+            continue; // the next one concerns something else
+        }
+    }
+    m_actions.clear();
+    dropEverything();
+    m_worker->remove(*this);
+}
+
+/// In the order in which it was acquired, backwards: no callback comes after this.
+void Watcher::dropEverything() noexcept
+{
+    m_endpoints.clear();
+    m_registration.end();
+    try
+    {
+        m_enumerator = nullptr;
+    }
+    catch (...)
+    {
+        return; // out of Release; the reference is gone
+    }
+}
+
+Result<reading::EndpointReading*> Watcher::endpoint(const std::string& operation, const EndpointId& id)
+{
+    const std::optional<std::size_t> place = m_endpoints.find(id);
+    if (!place || !m_latest.endpoint(id))
+        return notThere(operation, "endpoint", id.text());
+    return &m_endpoints[*place];
+}
+
+Result<Card> Watcher::card(const std::string& operation, const CardId& id) const
+{
+    if (std::optional<Card> card = m_latest.card(id))
+        return *std::move(card);
+    return notThere(operation, "card", id.text());
+}
+
+Result<std::shared_ptr<reading::HardwareWalk>> Watcher::walk(const std::string& operation,
+                                                             const std::vector<Card>& cards)
+{
+    if (m_enumerator.get() == nullptr)
+        return m_serviceProblem.value_or(
+            Problem(Problem::Kind::platform, operation, "", "the audio service does not answer"));
+    return std::make_shared<reading::HardwareWalk>(*m_enumerator, cards);
+}
+
+std::uint64_t Watcher::atEnd(std::function<void()> action)
+{
+    m_actions.emplace_back(++m_lastAction, std::move(action));
+    return m_lastAction;
+}
+
+void Watcher::cancelAtEnd(std::uint64_t number)
+{
+    const auto isMeant = [number](const auto& action) { return action.first == number; };
+    m_actions.erase(std::remove_if(m_actions.begin(), m_actions.end(), isMeant), m_actions.end());
+}
+}

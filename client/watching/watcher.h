@@ -1,0 +1,154 @@
+/// @file
+/// What one System knows of the computer and how it keeps up with it.
+#pragma once
+
+#include "client/reading/endpointreading.h"
+#include "client/reading/grouping.h"
+#include "client/watching/endpointlist.h"
+#include "client/watching/hub.h"
+#include "client/watching/inbox.h"
+#include "client/watching/registrations.h"
+#include "client/worker/worker.h"
+#include "sonavit/result.h"
+#include "sonavit/snapshot.h"
+#include "sonavit/system.h"
+
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace sonavit::reading
+{
+class HardwareWalk;
+}
+
+namespace sonavit::watching
+{
+/// Reads the computer for one System, hears of its changes, and publishes them in the hub.
+///
+/// It lives on the worker: all operations run there, and so does the release of every platform object. What it has
+/// heard of stands in the inbox, which alone is shared with the platform's threads.
+class Watcher final : public worker::Member, public std::enable_shared_from_this<Watcher>
+{
+public:
+    using Clock = worker::Clock;
+
+    Watcher(std::shared_ptr<worker::Worker> worker, std::shared_ptr<Hub> hub);
+    ~Watcher() noexcept override;
+    Watcher(const Watcher&) = delete;
+    Watcher& operator=(const Watcher&) = delete;
+
+    /// Registers for events, reads everything and publishes it, unless it has done so.
+    void start();
+    /// Runs the actions of atEnd(), ends all registrations and releases everything. Nothing else may be called then.
+    void end() noexcept;
+    Clock::Time step(Clock::Time now) noexcept override;
+
+    /// Reads what has been noted, or everything, and publishes it. @return the newest state
+    Result<Snapshot> refresh(Depth depth);
+
+    // --- For questions and changes ---------------------------------------------------------------------------------
+
+    const Snapshot& latest() const noexcept { return m_latest; }
+    /// Null without the audio service.
+    IMMDeviceEnumerator* enumerator() const noexcept { return m_enumerator.get(); }
+    /// The reading of an endpoint of the newest state, with its platform objects; Problem::Kind::notThere.
+    Result<reading::EndpointReading*> endpoint(const std::string& operation, const EndpointId& id);
+    /// The card of the newest state; Problem::Kind::notThere.
+    Result<Card> card(const std::string& operation, const CardId& id) const;
+    /// A new walk through the hardware of these cards.
+    Result<std::shared_ptr<reading::HardwareWalk>> walk(const std::string& operation, const std::vector<Card>& cards);
+
+    /// A number for a change that is about to be made, and the context to hand to the platform with it.
+    ChangeToken newToken() noexcept { return ++m_lastToken; }
+    GUID contextOf(ChangeToken token) const noexcept { return m_inbox->context().of(token); }
+    /// After a change of an endpoint whose reading shows it already: publishes it as a change of this System's, so that
+    /// latest() and System::snapshot() have it. With the token 0, what the reading shows is not from this System.
+    void publishChange(const EndpointId& endpoint, ChangeToken token);
+    /// After a change of a card's hardware: reads the volumes of its endpoints and, if it is watched, its hardware, and
+    /// publishes that in the same way.
+    void publishHardwareChange(const CardId& card, ChangeToken token);
+
+    /// Runs @p action at the end of the System, in reverse order of the calls. @return a number for cancelAtEnd()
+    std::uint64_t atEnd(std::function<void()> action);
+    void cancelAtEnd(std::uint64_t number);
+
+private:
+    struct Retry
+    {
+        std::size_t attempts = 0;
+        Clock::Time due = Clock::never;
+    };
+
+    // watcher.cpp
+    void dropEverything() noexcept;
+
+    // keepingup.cpp: what is read when
+    void keepUp(Clock::Time now);
+    void startAgainLater() noexcept;
+    Clock::Time nextDue() const;
+    void takeDueRetries(Clock::Time now, Noted& noted);
+    void read(const Noted& noted);
+    void readEverything();
+    std::optional<std::vector<EndpointId>> readList();
+    bool readNewOnes();
+    bool readNoted(const Noted::OfEndpoint& noted);
+    bool readDefaults();
+    void judgeReading(std::size_t index, const std::vector<EndpointProblem>& former);
+    void retryLater(const EndpointId& id);
+
+    // service.cpp: the audio service
+    void connect();
+    void lookForService();
+    bool isServiceLost(const std::vector<Problem>& problems);
+    void loseService(const Problem& problem);
+
+    // publishing.cpp
+    void publishRead();
+    Snapshot::Content regrouped();
+    Snapshot::Content patched(const std::vector<EndpointId>& changed) const;
+    Snapshot::Content withoutService() const;
+    void publish(Snapshot::Content content);
+    void tellCauses(std::vector<Event>& events) const;
+
+    const std::shared_ptr<worker::Worker> m_worker;
+    const std::shared_ptr<Hub> m_hub;
+    const std::shared_ptr<Inbox> m_inbox;
+
+    reading::Enumerator m_enumerator;
+    DeviceRegistration m_registration;
+    EndpointList m_endpoints;
+    std::vector<Problem> m_listProblems;
+    reading::Defaults m_defaults;
+    reading::WaveIds m_waveIds;
+    reading::Parents m_parents;
+    Snapshot m_latest;
+    bool m_isStarted = false;
+
+    // What the reading that runs has changed.
+    std::vector<EndpointId> m_changed; ///< endpoints that were read, for a publication that keeps the grouping
+    bool m_isRegrouping = false;       ///< the cards have to be put together anew
+    std::map<EndpointId, Cause> m_causes;        ///< of changes of volume
+    std::map<EndpointId, Cause> m_changesByUs;   ///< of all changes of an endpoint that this System has changed
+    std::map<CardId, Cause> m_hardwareCauses;
+
+    Clock::Time m_lastLevels{};
+    std::map<EndpointId, Retry> m_retries;
+    Service m_service = Service::running;
+    std::optional<Problem> m_serviceProblem;
+    std::optional<Problem> m_registrationProblem;
+    Clock::Time m_serviceLostAt{};
+    Clock::Time m_serviceDue = Clock::never;
+    Clock::Time m_afterFailure = Clock::never; ///< when to go on after an exception
+
+    ChangeToken m_lastToken = 0;
+    std::uint64_t m_lastAction = 0;
+    std::vector<std::pair<std::uint64_t, std::function<void()>>> m_actions;
+};
+}

@@ -1,0 +1,79 @@
+#include "client/worker/thread.h"
+
+#include "platform/coreaudio.h"
+
+#include <system_error>
+#include <utility>
+
+namespace sonavit::worker
+{
+namespace
+{
+[[noreturn]] void raise(const char* what)
+{
+    throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), what);
+}
+
+/// What the new thread receives: its function, and the reference on the module that keeps the code loaded.
+struct Start
+{
+    std::function<void()> work;
+    HMODULE module = nullptr;
+};
+
+/// The thread ends inside the system, because the last reference on the module may be the one that it gives back.
+DWORD WINAPI run(LPVOID argument)
+{
+    HMODULE module = nullptr;
+    {
+        const std::unique_ptr<Start> start(static_cast<Start*>(argument));
+        module = start->module;
+        start->work();
+    }
+    FreeLibraryAndExitThread(module, 0);
+}
+
+class ModuleThread final : public Thread
+{
+public:
+    explicit ModuleThread(HANDLE handle) : m_handle(handle) {}
+    ~ModuleThread() override { CloseHandle(m_handle); }
+    ModuleThread(const ModuleThread&) = delete;
+    ModuleThread& operator=(const ModuleThread&) = delete;
+
+    void join() override { WaitForSingleObject(m_handle, INFINITE); }
+    void detach() noexcept override {}
+
+private:
+    HANDLE m_handle;
+};
+}
+
+std::unique_ptr<Thread> startThread(std::function<void()> work)
+{
+    auto start = std::make_unique<Start>();
+    start->work = std::move(work);
+    const auto here = reinterpret_cast<LPCWSTR>(reinterpret_cast<void*>(&run));
+    if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, here, &start->module))
+        raise("GetModuleHandleExW");
+    const HMODULE module = start->module;
+    const HANDLE handle = CreateThread(nullptr, 0, &run, start.get(), 0, nullptr);
+    if (handle == nullptr)
+    {
+        const DWORD error = GetLastError();
+        FreeLibrary(module);
+        SetLastError(error);
+        raise("CreateThread");
+    }
+    start.release(); // the thread has it now
+    try
+    {
+        return std::make_unique<ModuleThread>(handle);
+    }
+    catch (...)
+    {
+        CloseHandle(handle); // the thread runs and ends by itself
+        throw;
+    }
+}
+}

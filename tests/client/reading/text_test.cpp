@@ -1,0 +1,51 @@
+#include "client/reading/text.h"
+
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <vector>
+
+namespace reading = sonavit::reading;
+
+namespace
+{
+std::string convert(std::initializer_list<unsigned> units)
+{
+    std::vector<WCHAR> text;
+    for (const unsigned unit : units)
+        text.push_back(static_cast<WCHAR>(unit));
+    text.push_back(0);
+    return reading::utf8(text.data());
+}
+
+TEST(ReadingText, OfNullIsEmpty)
+{
+    EXPECT_EQ("", reading::utf8(nullptr));
+    EXPECT_EQ("", convert({}));
+}
+
+TEST(ReadingText, BecomesUtf8AtEachLength)
+{
+    EXPECT_EQ("a\x7F", convert({'a', 0x7F}));
+    EXPECT_EQ("\xC2\x80\xDF\xBF", convert({0x80, 0x7FF}));
+    EXPECT_EQ("\xE0\xA0\x80\xEF\xBF\xBF", convert({0x800, 0xFFFF}));
+    EXPECT_EQ("\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", convert({0xD800, 0xDC00, 0xDBFF, 0xDFFF}));
+    EXPECT_EQ("a\xC3\xA4z", convert({'a', 0xE4, 'z'}));
+}
+
+TEST(ReadingText, ReplacesSurrogatesWithoutAPartner)
+{
+    EXPECT_EQ("\xEF\xBF\xBD", convert({0xD800}));
+    EXPECT_EQ("\xEF\xBF\xBDz", convert({0xDC00, 'z'}));
+    EXPECT_EQ("\xEF\xBF\xBD\xF0\x90\x80\x80", convert({0xD800, 0xD800, 0xDC00}));
+    EXPECT_EQ("\xEF\xBF\xBDz", convert({0xD83C, 'z'}));
+}
+
+TEST(ReadingText, EndsAtTheGivenLength)
+{
+    const std::vector<WCHAR> text = {'a', 0xD800, 0xDC00, 'b'};
+
+    EXPECT_EQ("a\xEF\xBF\xBD", reading::utf8(text.data(), 2));
+    EXPECT_EQ("", reading::utf8(text.data(), 0));
+}
+}
