@@ -36,7 +36,7 @@ System::~System()
 Snapshot System::snapshot() const
 {
     const worker::Clock::Time deadline = worker::deadlineAfter(m_state->clock->now(), m_state->options.patience);
-    Result<Snapshot> latest = m_state->begin("snapshot", deadline);
+    Result<Snapshot> latest = m_state->latest("snapshot", deadline);
     return latest ? *std::move(latest) : withoutCards(latest.problem());
 }
 
@@ -59,16 +59,6 @@ std::optional<Endpoint> System::defaultEndpoint(Flow flow, Role role) const
 std::vector<Match> System::find(std::string_view id) const
 {
     return snapshot().find(id);
-}
-
-Result<Reference> System::refer(const EndpointId& endpoint) const
-{
-    return sonavit::refer(snapshot(), endpoint);
-}
-
-Resolution System::resolve(const Reference& reference) const
-{
-    return sonavit::resolve(snapshot(), reference);
 }
 
 Result<std::vector<Control>> System::controls(const EndpointId& endpoint) const
@@ -145,7 +135,7 @@ Subscription System::subscribe(std::function<void(const Change&)> subscriber)
         throw std::invalid_argument("sonavit::System::subscribe: there is no function to call");
     auto state = std::make_shared<Subscription::State>();
     const worker::Clock::Time deadline = worker::deadlineAfter(m_state->clock->now(), m_state->options.patience);
-    const Result<Snapshot> first = m_state->begin("subscribe", deadline);
+    const Result<Snapshot> first = m_state->latest("subscribe", deadline);
     if (!first)
         state->problem = first.problem();
     if (worker::isForked())

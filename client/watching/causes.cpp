@@ -54,10 +54,7 @@ void Causes::add(const std::vector<Event>& events)
 {
     for (const Event& event : events)
     {
-        const Cause cause{event.origin, event.tokens, event.isByService};
-        const auto [place, isNew] = m_causes.emplace(Key(objectOf(event), partOf(event)), cause);
-        if (!isNew)
-            place->second = merged(std::move(place->second), cause);
+        note(m_causes, Key(objectOf(event), partOf(event)), Cause{event.origin, event.tokens, event.isByService});
     }
 }
 

@@ -23,6 +23,15 @@ struct Cause
 /// differ; the tokens of both.
 Cause merged(Cause first, const Cause& second);
 
+/// Adds @p cause to those of @p id.
+template<class Key>
+void note(std::map<Key, Cause>& causes, const Key& id, const Cause& cause)
+{
+    const auto [place, isNew] = causes.emplace(id, cause);
+    if (!isNew)
+        place->second = merged(std::move(place->second), cause);
+}
+
 /// The causes of changes that wait for a subscriber, by what changed: it grows with the things, not with the changes.
 class Causes
 {

@@ -70,6 +70,7 @@ std::size_t Hub::poll(worker::Clock::Time deadline)
     std::unique_lock<std::mutex> lock(m_mutex);
     const auto isWaiting = [this] { return m_isClosed || nextSubscriber() != nullptr; };
     worker::waitUntil(*m_clock, m_changed, lock, deadline, isWaiting);
+    m_isWoken = false;
     std::size_t calls = 0;
     // As many as there are subscribers now, so that one whose calls cause changes does not keep the thread for ever.
     for (std::size_t left = m_subscribers.size(); left > 0; --left)

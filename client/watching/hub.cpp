@@ -38,8 +38,9 @@ void Hub::publish(Snapshot next, std::vector<Event> events)
         }
         m_latest = std::move(next);
         m_changed.notify_all();
+        isWaiting = isWaiting && m_wake && !std::exchange(m_isWoken, true);
     }
-    if (!isWaiting || !m_wake)
+    if (!isWaiting)
         return;
     try
     {
@@ -83,8 +84,8 @@ std::shared_ptr<Subscriber> Hub::subscribe(std::function<void(const Change&)> ca
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (m_hasThread)
         startDispatcher();
-    subscriber->start = m_latest.value_or(otherwise);
-    subscriber->known = subscriber->start;
+    subscriber->initial = m_latest.value_or(otherwise);
+    subscriber->known = subscriber->initial;
     m_subscribers.push_back(subscriber);
     return subscriber;
 }

@@ -23,7 +23,7 @@ namespace sonavit::watching
 struct Subscriber
 {
     std::function<void(const Change&)> call; ///< used by the thread that has set isRunning
-    Snapshot start;
+    Snapshot initial;
 
     /// What it has not received yet: at most one change, into which later ones are merged.
     struct Waiting
@@ -95,6 +95,7 @@ private:
     std::vector<std::shared_ptr<Subscriber>> m_subscribers;
     std::size_t m_next = 0; ///< who is looked at first
     bool m_isClosed = false;
+    bool m_isWoken = false; ///< m_wake was called and poll() not yet
     bool m_dispatcherHasEnded = true;
     std::unique_ptr<worker::Thread> m_dispatcher;
 };

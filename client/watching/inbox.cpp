@@ -190,7 +190,7 @@ Inbox::Clock::Time Inbox::restDue() const
 }
 
 /// It is unique among the Systems of all processes of the computer with near certainty.
-ChangeContext::ChangeContext()
+EventContexts::EventContexts()
 {
     static std::atomic<std::uint64_t> systems{0};
     std::random_device device;
@@ -199,7 +199,7 @@ ChangeContext::ChangeContext()
     m_system = random ^ (time * 0x9E3779B97F4A7C15u) ^ ++systems;
 }
 
-GUID ChangeContext::of(ChangeToken token) const noexcept
+GUID EventContexts::of(ChangeToken token) const noexcept
 {
     GUID context = {};
     context.Data1 = static_cast<decltype(context.Data1)>(m_system >> 32);
@@ -210,7 +210,7 @@ GUID ChangeContext::of(ChangeToken token) const noexcept
     return context;
 }
 
-ChangeToken ChangeContext::tokenOf(const GUID* context) const noexcept
+ChangeToken EventContexts::tokenOf(const GUID* context) const noexcept
 {
     if (context == nullptr)
         return 0;

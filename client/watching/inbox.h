@@ -56,10 +56,10 @@ struct Noted
 };
 
 /// Names the changes that one System makes: the platform hands the GUID on with the events that follow.
-class ChangeContext
+class EventContexts
 {
 public:
-    ChangeContext();
+    EventContexts();
     GUID of(ChangeToken token) const noexcept;
     /// @return the token of a change of this System, 0 for the change of another program
     ChangeToken tokenOf(const GUID* context) const noexcept;
@@ -87,7 +87,7 @@ public:
 
     // For the worker.
     void noteEverything() noexcept;
-    const ChangeContext& context() const noexcept { return m_context; }
+    const EventContexts& context() const noexcept { return m_context; }
     /// All that is noted, or only what concerns levels.
     Noted take(bool isAll);
     /// When levels have to be read, and the rest; Clock::never if nothing is noted.
@@ -115,7 +115,7 @@ private:
 
     const std::shared_ptr<worker::Alarm> m_alarm;
     const std::shared_ptr<Clock> m_clock;
-    const ChangeContext m_context;
+    const EventContexts m_context;
 
     // Guarded by the alarm's mutex.
     std::vector<Slot> m_slots; ///< of fixed capacity

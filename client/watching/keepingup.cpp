@@ -26,11 +26,16 @@ worker::Clock::Time Watcher::step(Clock::Time now) noexcept
     }
     catch (...)
     {
-        // It is not known how far the reading has come, so the next one reads everything.
-        m_inbox->noteEverything();
-        m_afterFailure = now + pauseAfterException;
+        startAgainLater();
     }
     return nextDue();
+}
+
+/// After an exception it is not known how far the reading has come, so the next one reads everything.
+void Watcher::startAgainLater() noexcept
+{
+    m_inbox->noteEverything();
+    m_afterFailure = m_worker->clock().now() + pauseAfterException;
 }
 
 void Watcher::keepUp(Clock::Time now)
@@ -136,7 +141,8 @@ void Watcher::readEverything()
         return;
     for (std::size_t index = 0; index < m_endpoints.size(); ++index)
     {
-        m_worker->letChangesPass(); // which change no list
+        if (m_latest.generation() > 0)
+            m_worker->letChangesPass(); // they leave the list as it is
         m_endpoints.read(index);
     }
     if (readDefaults())
@@ -190,7 +196,7 @@ bool Watcher::readNoted(const Noted::OfEndpoint& noted)
     judgeReading(*index, formerProblems);
     m_changed.push_back(noted.id);
     if ((noted.announced & announcedVolume) != 0)
-        noteCause(m_causes, noted.id, noted.cause);
+        note(m_causes, noted.id, noted.cause);
     m_isRegrouping = m_isRegrouping || (noted.announced & ~announcedVolume) != 0;
     return content.state != formerState || content.incarnation != formerIncarnation;
 }

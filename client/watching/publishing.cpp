@@ -134,7 +134,7 @@ void Watcher::tellCauses(std::vector<Event>& events) const
 
 void Watcher::publishChange(const EndpointId& endpoint, ChangeToken token)
 {
-    Cause cause{Origin::own, {token}, false};
+    Cause cause = token == 0 ? Cause() : Cause{Origin::own, {token}, false};
     m_changesByUs[endpoint] = std::move(cause);
     publish(patched({endpoint}));
 }

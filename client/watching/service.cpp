@@ -35,7 +35,6 @@ bool isOfService(const Problem& problem)
 /// Makes a new enumerator and registers with it; without success, m_serviceProblem says why.
 void Watcher::connect()
 {
-    const Clock::Time now = m_worker->clock().now();
     m_registrationProblem.reset();
     const std::optional<Problem>& startProblem = m_worker->startProblem();
     const Result<reading::Enumerator> enumerator =

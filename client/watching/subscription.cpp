@@ -26,9 +26,9 @@ Subscription::~Subscription()
         m_state->hub->waitFor(*m_state->subscriber);
 }
 
-Snapshot Subscription::start() const
+Snapshot Subscription::initial() const
 {
-    return m_state == nullptr || m_state->subscriber == nullptr ? Snapshot() : m_state->subscriber->start;
+    return m_state == nullptr || m_state->subscriber == nullptr ? Snapshot() : m_state->subscriber->initial;
 }
 
 void Subscription::stop() noexcept

@@ -15,32 +15,39 @@ System::State::State(Options given)
 
 System::State::~State() = default;
 
-Result<Snapshot> System::State::begin(const std::string& operation, worker::Clock::Time deadline)
+bool System::State::begin()
 {
     if (worker::isForked())
-        return endedProblem(operation);
+        return false;
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (worker != nullptr)
+        return true;
+    std::shared_ptr<worker::Worker> joined = worker::Worker::join(options.onWorkerStart);
+    try
     {
-        const std::lock_guard<std::mutex> lock(mutex);
-        if (worker == nullptr)
-        {
-            std::shared_ptr<worker::Worker> joined = worker::Worker::join(options.onWorkerStart);
-            auto made = std::make_shared<watching::Watcher>(joined, hub);
-            joined->post(worker::Urgency::reading,
-                         [made, joined]
-                         {
-                             joined->add(made);
-                             made->start();
-                         });
-            watcher = std::move(made);
-            worker = std::move(joined);
-        }
+        auto made = std::make_shared<watching::Watcher>(joined, hub);
+        joined->post(worker::Urgency::reading, [made] { made->start(); });
+        watcher = std::move(made);
     }
-    if (std::optional<Snapshot> latest = hub->latest())
-        return *std::move(latest);
+    catch (...)
+    {
+        joined->leave(worker::deadlineAfter(clock->now(), options.patience));
+        throw;
+    }
+    worker = std::move(joined);
+    return true;
+}
+
+Result<Snapshot> System::State::latest(const std::string& operation, worker::Clock::Time deadline)
+{
+    if (!begin())
+        return endedProblem(operation);
+    if (std::optional<Snapshot> newest = hub->latest())
+        return *std::move(newest);
     if (worker->isThisThread())
         return Problem(Problem::Kind::wouldWait, operation, "", "the operation would wait for its own thread");
-    if (std::optional<Snapshot> latest = hub->waitForFirst(deadline))
-        return *std::move(latest);
+    if (std::optional<Snapshot> newest = hub->waitForFirst(deadline))
+        return *std::move(newest);
     return Problem(Problem::Kind::noAnswer, operation, "", "the platform has not answered yet");
 }
 
@@ -64,10 +71,9 @@ void System::State::end() noexcept
         const auto end = [used, ended = std::move(ended)]() -> Result<Done>
         {
             ended->end();
-            used->remove(*ended);
             return Done();
         };
-        static_cast<void>(worker::ask<Done>(*used, worker::Urgency::reading, deadline, "~System", "", end));
+        static_cast<void>(worker::ask<Done>(*used, worker::Urgency::end, deadline, "~System", "", end));
     }
     catch (...)
     {

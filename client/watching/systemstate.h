@@ -19,6 +19,9 @@ namespace sonavit
 {
 inline namespace v1
 {
+/// That the process was forked or the System has ended.
+Problem endedProblem(const std::string& operation);
+
 /// Any thread may call all operations, except those that say otherwise.
 struct System::State
 {
@@ -27,22 +30,27 @@ struct System::State
     State(const State&) = delete;
     State& operator=(const State&) = delete;
 
-    /// Starts the worker and the first reading if that has not been done, and waits for it until @p deadline. The
-    /// result is the newest state. Problem::Kind::noAnswer, wouldWait, ended.
-    Result<Snapshot> begin(const std::string& operation, worker::Clock::Time deadline);
+    /// Starts the worker and the first reading if that has not been done. @return false in a child process
+    bool begin();
+    /// The newest state; if there is none yet, waits for it until @p deadline. Problem::Kind::noAnswer, wouldWait,
+    /// ended.
+    Result<Snapshot> latest(const std::string& operation, worker::Clock::Time deadline);
 
     /// Runs @p task(watching::Watcher&), which returns Result<T>, on the worker and waits for it, at most
-    /// Options::patience, the wait for the first reading included. The task may run later than its caller waits, so it
-    /// must own what it uses; if it has not begun by then, it never runs.
+    /// Options::patience. The first reading comes before it. The task may run when its caller waits no more, so it must
+    /// own what it uses; a reading that has not begun by then never runs, a change does.
     template<class T, class Task>
     Result<T> run(const std::string& operation, const std::string& object, worker::Urgency urgency, Task task)
     {
         const worker::Clock::Time deadline = worker::deadlineAfter(clock->now(), options.patience);
-        const Result<Snapshot> first = begin(operation, deadline);
-        if (!first)
-            return first.problem();
+        if (!begin())
+            return endedProblem(operation);
         return worker::ask<T>(*worker, urgency, deadline, operation, object,
-                              [kept = watcher, task = std::move(task)]() mutable -> Result<T> { return task(*kept); });
+                              [kept = watcher, task = std::move(task)]() mutable -> Result<T>
+                              {
+                                  kept->start();
+                                  return task(*kept);
+                              });
     }
 
     /// Ends subscriptions, watches and the part of the worker, and waits for that until the patience is over.
@@ -57,9 +65,6 @@ struct System::State
     std::shared_ptr<worker::Worker> worker;
     std::shared_ptr<watching::Watcher> watcher; ///< used and destroyed on the worker alone
 };
-
-/// That the process was forked or the System has ended.
-Problem endedProblem(const std::string& operation);
 
 struct Subscription::State
 {

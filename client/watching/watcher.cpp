@@ -23,15 +23,25 @@ Watcher::Watcher(std::shared_ptr<worker::Worker> worker, std::shared_ptr<Hub> hu
 {
 }
 
-Watcher::~Watcher() = default;
+Watcher::~Watcher() noexcept = default;
 
 void Watcher::start()
 {
-    m_isStarted = true;
-    connect();
-    if (m_enumerator.get() != nullptr)
-        readEverything();
-    publishRead();
+    if (std::exchange(m_isStarted, true))
+        return;
+    m_worker->add(shared_from_this());
+    try
+    {
+        connect();
+        if (m_enumerator.get() != nullptr)
+            readEverything();
+        publishRead();
+    }
+    catch (...)
+    {
+        startAgainLater();
+        throw;
+    }
 }
 
 void Watcher::end() noexcept
@@ -49,6 +59,7 @@ void Watcher::end() noexcept
     }
     m_actions.clear();
     dropEverything();
+    m_worker->remove(*this);
 }
 
 /// In the order in which it was acquired, backwards: no callback comes after this.

@@ -34,17 +34,17 @@ namespace sonavit::watching
 ///
 /// It lives on the worker: all operations run there, and so does the release of every platform object. What it has
 /// heard of stands in the inbox, which alone is shared with the platform's threads.
-class Watcher final : public worker::Member
+class Watcher final : public worker::Member, public std::enable_shared_from_this<Watcher>
 {
 public:
     using Clock = worker::Clock;
 
     Watcher(std::shared_ptr<worker::Worker> worker, std::shared_ptr<Hub> hub);
-    ~Watcher() override;
+    ~Watcher() noexcept override;
     Watcher(const Watcher&) = delete;
     Watcher& operator=(const Watcher&) = delete;
 
-    /// Registers for events, reads everything and publishes it.
+    /// Registers for events, reads everything and publishes it, unless it has done so.
     void start();
     /// Runs the actions of atEnd(), ends all registrations and releases everything. Nothing else may be called then.
     void end() noexcept;
@@ -69,7 +69,7 @@ public:
     ChangeToken newToken() noexcept { return ++m_lastToken; }
     GUID contextOf(ChangeToken token) const noexcept { return m_inbox->context().of(token); }
     /// After a change of an endpoint whose reading shows it already: publishes it as a change of this System's, so that
-    /// latest() and System::snapshot() have it.
+    /// latest() and System::snapshot() have it. With the token 0, what the reading shows is not from this System.
     void publishChange(const EndpointId& endpoint, ChangeToken token);
     /// After a change of a card's hardware: reads the volumes of its endpoints and, if it is watched, its hardware, and
     /// publishes that in the same way.
@@ -91,6 +91,7 @@ private:
 
     // keepingup.cpp: what is read when
     void keepUp(Clock::Time now);
+    void startAgainLater() noexcept;
     Clock::Time nextDue() const;
     void takeDueRetries(Clock::Time now, Noted& noted);
     void read(const Noted& noted);
@@ -115,8 +116,6 @@ private:
     Snapshot::Content withoutService() const;
     void publish(Snapshot::Content content);
     void tellCauses(std::vector<Event>& events) const;
-    template<class Id>
-    static void noteCause(std::map<Id, Cause>& causes, const Id& id, const Cause& cause);
 
     const std::shared_ptr<worker::Worker> m_worker;
     const std::shared_ptr<Hub> m_hub;

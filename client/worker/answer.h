@@ -21,15 +21,17 @@ template<class T>
 class Answer
 {
 public:
-    /// On the worker: @p question gives the answer, unless nobody waits for it any more.
-    template<class Question>
-    void give(const std::string& operation, const Question& question) noexcept
+    /// Whether nobody waits for it any more.
+    bool isLeft() const
     {
-        {
-            const std::lock_guard<std::mutex> lock(m_mutex);
-            if (m_isLeft)
-                return;
-        }
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        return m_isLeft;
+    }
+
+    /// On the worker: @p question gives the answer.
+    template<class Question>
+    void give(const std::string& operation, Question& question) noexcept
+    {
         try
         {
             set(question());
@@ -80,7 +82,7 @@ private:
         m_changed.notify_all();
     }
 
-    std::mutex m_mutex;
+    mutable std::mutex m_mutex;
     std::condition_variable m_changed;
     std::optional<Result<T>> m_result;
     std::exception_ptr m_failure;
@@ -88,7 +90,7 @@ private:
 };
 
 /// Runs @p question, which returns Result<T>, on @p worker and waits for it, at most until @p deadline: then the answer
-/// is Problem::Kind::noAnswer, and a question that has not begun is never put. On the worker it is Kind::wouldWait.
+/// is Problem::Kind::noAnswer, and a reading that has not begun is never made. On the worker it is Kind::wouldWait.
 template<class T, class Question>
 Result<T> ask(Worker& worker, Urgency urgency, Clock::Time deadline, const std::string& operation,
               const std::string& object, Question question)
@@ -96,8 +98,12 @@ Result<T> ask(Worker& worker, Urgency urgency, Clock::Time deadline, const std::
     if (worker.isThisThread())
         return Problem(Problem::Kind::wouldWait, operation, object, "the operation would wait for its own thread");
     const auto answer = std::make_shared<Answer<T>>();
-    worker.post(urgency, [answer, operation, question = std::move(question)]() mutable
-                { answer->give(operation, question); });
+    worker.post(urgency,
+                [answer, urgency, operation, question = std::move(question)]() mutable
+                {
+                    if (urgency != Urgency::reading || !answer->isLeft())
+                        answer->give(operation, question);
+                });
     if (std::optional<Result<T>> result = answer->wait(worker.clock(), deadline))
         return *std::move(result);
     return Problem(Problem::Kind::noAnswer, operation, object, "the platform has not answered yet");

@@ -30,8 +30,9 @@ public:
 
 enum class Urgency : int
 {
-    change, ///< goes before readings, and between the endpoints of a reading
-    reading
+    change,  ///< goes before readings, and between the endpoints of a reading
+    reading, ///< is not made if nobody waits for it any more
+    end      ///< comes after all readings that were asked for before
 };
 
 /// The worker: a thread in the multithreaded apartment that makes all calls to the platform for all Systems of the

@@ -4,11 +4,11 @@
 #include "simulator/machine/file/machinefile.h"
 #include "simulator/simulation.h"
 #include "tests/libSonavit/endpointdeviceenumerator/supportendpoints.h"
-#include "tests/libSonavit/soundcard/randommachine.h"
 #include "tests/libSonavit/soundcard/referencecard.h"
 #include "tests/libSonavit/soundcard/supportgraphs.h"
 #include "tests/support/logcapture.h"
 #include "tests/support/printers.h"
+#include "tests/support/randomconnections.h"
 
 #include <gmock/gmock.h>
 
@@ -107,7 +107,7 @@ TEST_P(SoundCardOnRandomMachines, FindsTheGraphAndTheControlsThatThePlainReferen
     unsigned int cardsSeen = 0;
     for (std::uint32_t seed = GetParam(); seed < GetParam() + machinesInATest && !HasFailure(); ++seed)
     {
-        const sim::Machine machine = support::randomMachine(seed);
+        const sim::Machine machine = support::randomConnections(seed);
         sim::Simulation simulation(machine);
         simulation.journal().record(false);
 
@@ -126,18 +126,18 @@ TEST_P(SoundCardOnRandomMachines, FindsTheGraphAndTheControlsThatThePlainReferen
 INSTANTIATE_TEST_SUITE_P(Seeds, SoundCardOnRandomMachines,
                          testing::Range(std::uint32_t{0}, std::uint32_t{16} * machinesInATest, machinesInATest));
 
-TEST(RandomMachine, IsTheSameForTheSameSeedAndCanBeReadBackFromItsFile)
+TEST(RandomConnections, IsTheSameForTheSameSeedAndCanBeReadBackFromItsFile)
 {
     for (std::uint32_t seed = 0; seed < machinesInATest; ++seed)
     {
-        const sim::Machine machine = support::randomMachine(seed);
+        const sim::Machine machine = support::randomConnections(seed);
 
-        EXPECT_EQ(machine, support::randomMachine(seed));
+        EXPECT_EQ(machine, support::randomConnections(seed));
         EXPECT_EQ(machine, sim::readMachine(sim::writeMachine(machine), machine.name)) << "seed " << seed;
     }
 }
 
-TEST(RandomMachine, MeetsControlsMutesHolesAdaptersAndSelectorsOften)
+TEST(RandomConnections, MeetsControlsMutesHolesAdaptersAndSelectorsOften)
 {
     std::size_t controls = 0;
     std::size_t mutes = 0;
@@ -146,7 +146,7 @@ TEST(RandomMachine, MeetsControlsMutesHolesAdaptersAndSelectorsOften)
     std::size_t selectors = 0;
     for (std::uint32_t seed = 0; seed < 16 * machinesInATest; ++seed)
     {
-        const sim::Machine machine = support::randomMachine(seed);
+        const sim::Machine machine = support::randomConnections(seed);
         const ReferenceCard card(machine, "{1}.ROOT\\CARD\\0");
         adapters += card.internalDevices().size();
         selectors += card.selectors();

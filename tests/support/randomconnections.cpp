@@ -1,4 +1,4 @@
-#include "tests/libSonavit/soundcard/randommachine.h"
+#include "tests/support/randomconnections.h"
 
 #include "COM/identifiers.h"
 
@@ -173,7 +173,7 @@ private:
 };
 }
 
-sim::Machine randomMachine(std::uint32_t seed)
+sim::Machine randomConnections(std::uint32_t seed)
 {
     return Generator(seed).generate();
 }

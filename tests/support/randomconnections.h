@@ -10,5 +10,5 @@ namespace support
 /// and repeated joins, far devices that cannot be opened, ids that differ only in case, and volume, mute and selector
 /// nodes anywhere. Equal seeds give equal machines on every system. Every machine can be written to a file and read
 /// again.
-sim::Machine randomMachine(std::uint32_t seed);
+sim::Machine randomConnections(std::uint32_t seed);
 }

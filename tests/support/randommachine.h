@@ -1,0 +1,21 @@
+#pragma once
+
+#include "simulator/machine/machine.h"
+
+#include <cstdint>
+
+namespace support
+{
+/// A machine with up to six cards of up to eight endpoints, such as drivers could make it: both flows, all states,
+/// jacks with and without descriptions, nodes for volume, mute and selection on the way, some of them shared;
+/// properties that are missing, empty, of another type or of an odd size; endpoints without an instance path, or with
+/// one that differs from another in case alone; wave ids, defaults, and joins that lead nowhere. A third of the
+/// machines have the hardware of randomConnections() instead.
+///
+/// Equal seeds give equal machines on every system. Every machine can be written to a file and read again.
+sim::Machine randomMachine(std::uint32_t seed);
+
+/// Gives some levels of @p machine an empty range, and some of its volumes no channel. Drivers can report that, but no
+/// machine file may contain it.
+sim::Machine withOddLevels(sim::Machine machine, std::uint32_t seed);
+}
