@@ -86,6 +86,7 @@ System& Session::audio()
     if (!m_audio)
     {
         System::Options options;
+        options.delivery = Delivery::poll;
         options.onWorkerStart = [this]
         {
             if (m_simulation)

@@ -31,7 +31,7 @@ public:
     /// not be used after that. An exception that leaves a Release leaves this operation too.
     void close();
 
-    /// The client layer on that machine, from the first call on.
+    /// The client layer on that machine, from the first call on. Its changes come where System::poll() is called.
     System& audio();
     /// What the commands that read ask: the library that the user has chosen.
     Source& source();
