@@ -32,16 +32,6 @@ Json channelsJson(const std::optional<std::vector<Level>>& channels)
     return result;
 }
 
-Json channelsJson(const std::optional<std::vector<ControlChannel>>& channels)
-{
-    if (!channels)
-        return {};
-    Json result = Json::array();
-    for (const ControlChannel& channel : *channels)
-        result.append(levelJson(channel.level).set("range", rangeJson(channel.range)));
-    return result;
-}
-
 Json colourJson(const std::optional<Colour>& colour)
 {
     if (!colour)
@@ -167,6 +157,16 @@ Json jackJson(const Jack& jack)
                          {"connection", keyJson(jack.connection)},
                          {"port", keyJson(jack.port)},
                          {"isConnected", jack.isConnected}});
+}
+
+Json channelsJson(const std::optional<std::vector<ControlChannel>>& channels)
+{
+    if (!channels)
+        return {};
+    Json result = Json::array();
+    for (const ControlChannel& channel : *channels)
+        result.append(levelJson(channel.level).set("range", rangeJson(channel.range)));
+    return result;
 }
 
 Json problemJson(const Problem& problem)

@@ -34,6 +34,8 @@ Json mutedJson(const std::optional<Volume>& volume);
 Json formatJson(const std::optional<Format>& format);
 Json speakersJson(const std::optional<std::uint32_t>& mask);
 Json jackJson(const Jack& jack);
+/// Level and range of each; null if their number is not known.
+Json channelsJson(const std::optional<std::vector<ControlChannel>>& channels);
 
 Json problemJson(const Problem& problem);
 Json problemsJson(const std::vector<Problem>& problems);
