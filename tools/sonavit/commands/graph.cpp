@@ -34,7 +34,7 @@ Graph readGraph(const Context& context, const std::vector<Card>& cards)
 /// The graph to show, with the path to mark in it.
 GraphView viewOf(const Context& context, const Snapshot& snapshot, const std::vector<Card>& cards)
 {
-    GraphView view{readGraph(context, cards), {}};
+    GraphView view{readGraph(context, cards)};
     if (context.arguments.endpoint.empty())
         return view;
     const EndpointId endpoint = requestedEndpoint(context, snapshot).endpoint.id();

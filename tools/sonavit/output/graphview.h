@@ -3,6 +3,7 @@
 #include "sonavit/graph.h"
 
 #include <cstddef>
+#include <optional>
 #include <set>
 
 namespace sonavit::program
@@ -11,17 +12,15 @@ namespace sonavit::program
 struct GraphView
 {
     Graph graph;
-    std::set<std::size_t> path; ///< the parts on it
+    std::set<std::size_t> path = {};                    ///< the parts on it
+    std::optional<std::size_t> endpoint = std::nullopt; ///< the device where it begins
 
-    /// Marks the path of the sound between @p endpoint and the software.
-    void markPath(const EndpointId& endpoint);
+    /// Marks the path of the sound between an endpoint and the software.
+    void markPath(const EndpointId& id);
 
     bool isOnPath(std::size_t part) const { return path.count(part) > 0; }
-    /// A device on whose parts the path runs; the endpoint's own even if it has no parts.
+    /// Whether the path begins in the device.
     bool isOnPath(const Graph::Device& device) const;
     bool isOnPath(const Graph::Edge& edge) const;
-
-private:
-    std::size_t m_endpoint = static_cast<std::size_t>(-1);
 };
 }
