@@ -89,9 +89,9 @@ void runSave(Context& context)
     if (!settings)
         raise(settings.problem(), "the settings cannot be read");
     if (context.arguments.file.empty())
-        context.environment.out << settings->text() << "\n";
+        context.environment.out << settings->text();
     else
-        writeFile(context.arguments.file, settings->text() + "\n");
+        writeFile(context.arguments.file, settings->text());
 }
 
 /// Exit code 1 if something could not be put back; the report is printed nevertheless.
