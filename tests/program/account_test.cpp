@@ -32,6 +32,7 @@ protected:
         std::vector<Answer> all;
         {
             sim::Simulation simulation(under(account));
+            onWorkerStart = [&] { support::meet(simulation); };
             all.push_back(call({"list"}));
             denied[account] = simulation.journal().of(opening).with("2").failed().size();
             simulation.journal().record(false); // which takes longer than the commands
@@ -47,6 +48,7 @@ protected:
     Answer listen(Account account)
     {
         sim::Simulation simulation(under(account));
+        onWorkerStart = [&] { support::meet(simulation); };
         simulation.deliverAtOnce(true);
         simulation.journal().record(false);
         int pauses = 0;
@@ -268,7 +270,6 @@ TEST_F(ProgramAccount, ThatMayNotReadEitherIsToldSoOnce)
 {
     run(support::smallMachine());
     simulation().faults().fail(opening, E_ACCESSDENIED);
-    ownDefaultQuestions = 6; // the show command asks for all three roles
 
     for (const Words& words : commands())
     {
@@ -335,7 +336,6 @@ TEST_F(ProgramAccount, IsToldOfTheEndpointsThatItMayNotReadOnly)
 {
     run(support::smallMachine()).setAccount(Account::ordinary);
     simulation().faults().fail(opening, E_ACCESSDENIED).on(support::microphoneId());
-    ownDefaultQuestions = 3; // the show command asks for all three roles
 
     EXPECT_EQ(support::unreadableNote(1), call({"list"}).err);
     EXPECT_EQ("", call({"show", "Speakers"}).err);

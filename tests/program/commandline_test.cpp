@@ -6,6 +6,10 @@
 #include <gtest/gtest.h>
 
 using namespace sonavit::program;
+using sonavit::Decibels;
+using sonavit::LevelChange;
+using sonavit::Percent;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -14,6 +18,12 @@ namespace
 Arguments read(const std::vector<std::string>& words)
 {
     return readCommandLine(words).arguments;
+}
+
+/// The decibels of a new level.
+double decibels(const std::vector<std::string>& words)
+{
+    return std::get<Decibels>(read(words).level->amount()).value();
 }
 
 std::string complaint(const std::vector<std::string>& words)
@@ -62,7 +72,7 @@ TEST(ProgramCommandLine, ReadsALevelThatBeginsWithAMinus)
     const Arguments arguments = read({"set-volume", "Speakers", "-12.5dB", "--json"});
 
     EXPECT_EQ(Verb::setVolume, arguments.verb);
-    EXPECT_EQ(-12.5f, arguments.level.amount);
+    EXPECT_EQ(-12.5, std::get<Decibels>(arguments.level->amount()).value());
     EXPECT_TRUE(arguments.isJson);
 }
 
@@ -191,7 +201,7 @@ TEST(ProgramCommandLine, TakesAnAccountBeforeAndAfterTheCommand)
     EXPECT_EQ(std::nullopt, read({"list"}).account);
     EXPECT_EQ(sim::Account::ordinary, read({"list", "--account", "ordinary"}).account);
     EXPECT_EQ(sim::Account::administrator, read({"--account=ADMINISTRATOR", "list"}).account);
-    EXPECT_EQ(-5.0f, read({"--account", "ordinary", "set-volume", "Speakers", "-5%"}).level.amount);
+    EXPECT_EQ(-5, decibels({"--account", "ordinary", "set-volume", "Speakers", "-5dB"}));
     EXPECT_EQ(readCommandLine({"--help"}).answer, readCommandLine({"--account", "ordinary", "help"}).answer);
     EXPECT_EQ("\"root\" is not an account: administrator or ordinary", complaint({"--account", "root"}));
 }
@@ -201,7 +211,7 @@ TEST(ProgramCommandLine, TakesALatencyBeforeAndAfterTheCommand)
     EXPECT_EQ(std::nullopt, read({"list"}).latency);
     EXPECT_EQ(sim::LatencyPreset::windows, read({"list", "--latency", "windows"}).latency);
     EXPECT_EQ(sim::LatencyPreset::none, read({"--latency=NONE", "list"}).latency);
-    EXPECT_EQ(-5.0f, read({"--latency", "windows", "set-volume", "Speakers", "-5%"}).level.amount);
+    EXPECT_EQ(-5, decibels({"--latency", "windows", "set-volume", "Speakers", "-5dB"}));
     EXPECT_EQ(readCommandLine({"--help"}).answer, readCommandLine({"--latency", "windows", "help"}).answer);
     EXPECT_EQ("\"slow\" is not a latency: none or windows", complaint({"--latency", "slow"}));
 }
@@ -216,9 +226,10 @@ TEST(ProgramCommandLine, EscapesAndCutsWhatItRepeats)
 
 TEST(ProgramCommandLine, ReadsAVolumeThatBeginsLikeAnOption)
 {
-    EXPECT_EQ(-0.5f, read({"set-volume", "Speakers", "-.5dB"}).level.amount);
-    EXPECT_EQ(-0.5f, read({"--json", "set-volume", "Speakers", "--", "-.5dB"}).level.amount);
-    EXPECT_EQ(-5.0f, read({"--machine", "studio", "set-volume", "Speakers", "-5%"}).level.amount);
+    EXPECT_EQ(-0.5, decibels({"set-volume", "Speakers", "-.5dB"}));
+    EXPECT_EQ(-0.5, decibels({"--json", "set-volume", "Speakers", "--", "-.5dB"}));
+    EXPECT_EQ(LevelChange::Direction::down,
+              read({"--machine", "studio", "set-volume", "Speakers", "-5%"}).level->direction());
     EXPECT_EQ("\"-,5dB\" is not a volume: write 50%, -12.5dB, 5%+ or 5%-",
               complaint({"set-volume", "Speakers", "-,5dB"}));
     EXPECT_EQ("\"-dB\" is not a volume: write 50%, -12.5dB, 5%+ or 5%-", complaint({"set-volume", "Speakers", "-dB"}));
@@ -240,7 +251,8 @@ TEST(ProgramCommandLine, AnswersHelpAndVersion)
     const std::string helpOfVerb = readCommandLine({"set-volume", "--help"}).answer;
 
     for (const char* const verb : {"list", "show", "controls", "selectors", "graph", "ask", "get-volume", "set-volume",
-                                   "mute", "monitor", "format", "--machine", "--json", "--log"})
+                                   "mute", "set-control", "select", "save", "restore", "find", "refer", "resolve", "monitor",
+                                   "format", "--machine", "--json", "--log"})
         EXPECT_THAT(help, HasSubstr(std::string("  ") + verb));
     EXPECT_THAT(helpOfVerb, HasSubstr("Usage: sonavit set-volume [OPTIONS] ENDPOINT VOLUME"));
     EXPECT_THAT(helpOfVerb, HasSubstr("On a simulated machine the change lasts until sonavit ends."));
@@ -250,7 +262,8 @@ TEST(ProgramCommandLine, AnswersHelpAndVersion)
 TEST(ProgramCommandLine, KeepsItsHelpWithin80Columns)
 {
     for (const char* const verb : {"", "list", "show", "controls", "selectors", "graph", "ask", "get-volume",
-                                   "set-volume", "mute", "monitor", "format"})
+                                   "set-volume", "mute", "set-control", "select", "save", "restore", "find", "refer",
+                                   "resolve", "monitor", "format"})
     {
         const std::string word = verb;
         const CommandLine line = word.empty() ? readCommandLine({"--help"}) : readCommandLine({word, "--help"});

@@ -190,6 +190,7 @@ protected:
         std::ostringstream err;
         sonavit::program::Environment environment{out, err};
         int pauses = 0;
+        environment.onWorkerStart = [&] { support::meet(simulation); };
         environment.pause = [&](std::chrono::milliseconds)
         {
             if (pauses == 0)

@@ -51,7 +51,7 @@ TEST_P(ProgramLastWords, AreOneSentenceAndExitCode1)
 TEST_P(ProgramLastWords, AreTheOnlyObjectInJson)
 {
     const testing::Matcher<const std::string&> isAnObjectAndTheSentence = testing::AllOf(
-        testing::StartsWith("{\"schemaVersion\":1,\"error\":\"the simulated machine threw an exception: planned: I"),
+        testing::StartsWith("{\"schemaVersion\":2,\"error\":\"the simulated machine threw an exception: planned: I"),
         testing::HasSubstr("::Release\"}\nsonavit: "), testing::EndsWith("::Release\n"));
 
     EXPECT_EXIT(runProgram({"list", "--json"}, GetParam()), testing::ExitedWithCode(1), isAnObjectAndTheSentence);

@@ -80,7 +80,7 @@ protected:
         EXPECT_EQ(code, text.code) << text.err;
         EXPECT_EQ(code, answer.code) << answer.err;
         EXPECT_THAT(text.err, testing::StartsWith("Simulated machine " + std::string(GetParam())));
-        EXPECT_EQ(1, document["schemaVersion"]);
+        EXPECT_EQ(2, document["schemaVersion"]);
         EXPECT_EQ(code != 0, document.contains("error"));
         const std::string note = unreadableNote(words);
         if (code == 0)

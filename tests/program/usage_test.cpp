@@ -274,7 +274,7 @@ TEST_F(ProgramUsage, FailsWhereTheAnswerCannotBeWritten)
     std::ostringstream err;
     out.setstate(std::ios::badbit);
 
-    const int code = sonavit::program::run({"list"}, sonavit::program::Environment{out, err});
+    const int code = sonavit::program::run({"list"}, environment(out, err));
 
     EXPECT_EQ(1, code);
     EXPECT_EQ("sonavit: the answer cannot be written\n", err.str());
@@ -287,7 +287,7 @@ TEST_F(ProgramUsage, FailsWhereTheAnswerInJsonCannotBeWritten)
     std::ostringstream err;
     out.setstate(std::ios::badbit);
 
-    const int code = sonavit::program::run({"list", "--json"}, sonavit::program::Environment{out, err});
+    const int code = sonavit::program::run({"list", "--json"}, environment(out, err));
 
     EXPECT_EQ(1, code);
     EXPECT_EQ("sonavit: the answer cannot be written\n", err.str());

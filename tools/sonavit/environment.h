@@ -28,6 +28,10 @@ struct Environment
     std::optional<std::string> defaultMachine = std::nullopt;
     std::function<sim::Machine(const std::string&)> findMachine = sim::findMachine;
 
+    /// Called on the client layer's worker before its first call to Core Audio, unless the command line names a
+    /// machine: a test registers its own machine there, which Windows wants on each thread.
+    std::function<void()> onWorkerStart = [] {};
+
     /// While the result lives, a request to end (Ctrl-C, SIGTERM, the closing of a window) does not end the process:
     /// pause() reports it instead. A command that has to put something back holds one.
     std::function<std::shared_ptr<void>()> deferEnd = [] { return nullptr; };

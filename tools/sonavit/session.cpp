@@ -32,7 +32,8 @@ sim::Machine openMachine(const Environment& environment, const std::string& name
 }
 
 Session::Session(const Environment& environment, const Arguments& arguments)
-    : m_redirection(reinterpret_cast<const void*>(&enumerateSoundCards)),
+    : m_onWorkerStart(environment.onWorkerStart),
+      m_redirection(reinterpret_cast<const void*>(&enumerateSoundCards)),
       m_layerRedirection(reinterpret_cast<const void*>(&compareIds)),
       m_via(arguments.via)
 {
@@ -90,7 +91,9 @@ System& Session::audio()
         options.onWorkerStart = [this]
         {
             if (m_simulation)
-                m_simulation->registerOnThisThread();
+                static_cast<void>(m_simulation->registerOnThisThread());
+            else
+                m_onWorkerStart();
         };
         m_audio = std::make_unique<System>(std::move(options));
     }

@@ -6,6 +6,7 @@
 #include "tools/sonavit/environment.h"
 #include "tools/sonavit/source.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -46,6 +47,7 @@ public:
 private:
     std::optional<std::string> m_name;
     std::string m_description;
+    std::function<void()> m_onWorkerStart; ///< for a machine that is not the session's
     sim::Redirection m_redirection;      ///< of the object model's library
     sim::Redirection m_layerRedirection; ///< of the client layer's
     std::unique_ptr<sim::Simulation> m_simulation;

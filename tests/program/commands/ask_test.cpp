@@ -42,7 +42,7 @@ TEST_F(ProgramAsk, AnswersInJsonInAnyCase)
 
     EXPECT_EQ(
         json::parse(
-            R"({"schemaVersion": 1, "machine": null, "instanceId": "outputs\\1", "analogOut": true, "digitalOut": false,
+            R"({"schemaVersion": 2, "machine": null, "instanceId": "outputs\\1", "analogOut": true, "digitalOut": false,
                               "lineIn": false, "microphoneIn": true, "known": true})"),
         answer);
 }
@@ -61,7 +61,7 @@ TEST_F(ProgramAsk, AnswersNoForACardThatThereIsNot)
               text.out);
     EXPECT_EQ(
         json::parse(
-            R"({"schemaVersion": 1, "machine": null, "instanceId": "NOTHING", "analogOut": false, "digitalOut": false,
+            R"({"schemaVersion": 2, "machine": null, "instanceId": "NOTHING", "analogOut": false, "digitalOut": false,
                               "lineIn": false, "microphoneIn": false, "known": false})"),
         answer);
 }

@@ -116,7 +116,7 @@ TEST_F(ProgramControls, FailWhereTheWayLeadsOutOfTheGraph)
 
 TEST_F(ProgramControls, FailWhereTheSystemSucceedsWithoutAList)
 {
-    sim::Simulation simulation(support::smallMachine());
+    sim::Simulation& simulation = run(support::smallMachine());
     sim::PlannedFault fault = simulation.faults().succeedWithNull("IPart::EnumPartsIncoming");
 
     const support::Answer answer = call({"controls", "Speakers"});

@@ -48,7 +48,7 @@ TEST_F(ProgramList, AnswersInJson)
     const support::Answer answer = call({"list", "--json"});
 
     json expected = json::parse(R"json({
-      "schemaVersion": 1,
+      "schemaVersion": 2,
       "machine": null,
       "cards": [{
         "name": "Analog Audio",
@@ -327,7 +327,7 @@ TEST_F(ProgramList, SaysThatThereIsNoCard)
 
     EXPECT_EQ("There is no sound card.\n", text.out);
     EXPECT_EQ(0, text.code);
-    EXPECT_EQ(json::parse(R"({"schemaVersion": 1, "machine": null, "cards": []})"), json::parse(call({"--json"}).out));
+    EXPECT_EQ(json::parse(R"({"schemaVersion": 2, "machine": null, "cards": []})"), json::parse(call({"--json"}).out));
 }
 
 TEST_F(ProgramList, FailsWhereCoreAudioCannotBeReached)
@@ -340,7 +340,7 @@ TEST_F(ProgramList, FailsWhereCoreAudioCannotBeReached)
     const std::string sentence = "the system's audio cannot be reached: 0x80040154, class not registered";
     EXPECT_EQ(1, answer.code);
     EXPECT_EQ("sonavit: " + sentence + "\n", answer.err);
-    EXPECT_EQ(json({{"schemaVersion", 1}, {"error", sentence}}), json::parse(answer.out));
+    EXPECT_EQ(json({{"schemaVersion", 2}, {"error", sentence}}), json::parse(answer.out));
 }
 
 TEST_F(ProgramList, FailsWhereTheSystemCannotListItsEndpoints)

@@ -285,15 +285,15 @@ TEST_F(ProgramMonitor, EndsWhenItsOutputCannotBeWritten)
     run(support::smallMachine());
     std::ostringstream out;
     std::ostringstream err;
-    sonavit::program::Environment environment{out, err};
+    sonavit::program::Environment own = environment(out, err);
     int pauses = 0;
-    environment.pause = [&](std::chrono::milliseconds)
+    own.pause = [&](std::chrono::milliseconds)
     {
         out.setstate(std::ios::badbit); // as after a failed write
         return ++pauses > 10;
     };
 
-    const int code = sonavit::program::run({"monitor"}, environment);
+    const int code = sonavit::program::run({"monitor"}, own);
 
     EXPECT_EQ(1, code);
     EXPECT_EQ("sonavit: the answer cannot be written\n", err.str());
@@ -305,14 +305,14 @@ TEST_F(ProgramMonitor, EndsSilentlyWhenTheReaderOfItsOutputHasGone)
     run(support::smallMachine());
     std::ostringstream out;
     std::ostringstream err;
-    sonavit::program::Environment environment{out, err};
-    environment.pause = [&](std::chrono::milliseconds)
+    sonavit::program::Environment own = environment(out, err);
+    own.pause = [&](std::chrono::milliseconds)
     {
         out.setstate(std::ios::badbit);
         return true;
     };
 
-    EXPECT_EQ(130, sonavit::program::run({"monitor", "--json"}, environment));
+    EXPECT_EQ(130, sonavit::program::run({"monitor", "--json"}, own));
     EXPECT_EQ("", err.str());
 }
 

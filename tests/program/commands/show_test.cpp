@@ -19,7 +19,6 @@ class ProgramShow : public support::ProgramTest
 TEST_F(ProgramShow, ShowsAllAboutAnEndpoint)
 {
     run(support::smallMachine());
-    ownDefaultQuestions = 3;
 
     const support::Answer answer = call({"show", "Speakers"});
 
@@ -40,7 +39,6 @@ TEST_F(ProgramShow, ShowsAllAboutAnEndpoint)
 TEST_F(ProgramShow, AnswersInJson)
 {
     run(support::smallMachine());
-    ownDefaultQuestions = 3;
 
     const json answer = json::parse(call({"show", "Speakers", "--json"}).out);
 
@@ -81,7 +79,6 @@ TEST_F(ProgramShow, ShowsAnEndpointThatTellsNothing)
     machine.endpoints[1].topology.reset();
     machine.endpoints[1].volume.reset();
     run(std::move(machine));
-    ownDefaultQuestions = 6; // three for each call
 
     const support::Answer text = call({"show", support::headphonesId()});
     const json endpoint = json::parse(call({"show", support::headphonesId(), "--json"}).out)["endpoint"];
@@ -95,7 +92,7 @@ TEST_F(ProgramShow, ShowsAnEndpointThatTellsNothing)
 
 TEST_F(ProgramShow, ShowsNoRoleWhereTheSystemReportsNoDefault)
 {
-    sim::Simulation simulation(support::smallMachine());
+    sim::Simulation& simulation = run(support::smallMachine());
     simulation.faults().succeedWithNull("IMMDeviceEnumerator::GetDefaultAudioEndpoint");
 
     const support::Answer answer = call({"show", support::speakerId()});
