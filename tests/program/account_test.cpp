@@ -43,7 +43,7 @@ protected:
         return all;
     }
 
-    /// What the monitor answers while the machine's script is played and further events happen. The times of the events
+    /// What the monitor answers while the machine's script is played and further events happen, one by one. The times of the events
     /// are replaced by a word.
     Answer listen(Account account)
     {
@@ -51,33 +51,37 @@ protected:
         onWorkerStart = [&] { support::meet(simulation); };
         simulation.deliverAtOnce(true);
         simulation.journal().record(false);
-        int pauses = 0;
+        support::Observer observer(simulation);
+        const std::vector<sim::ScriptEvent> script = everyEvent();
+        std::size_t pauses = 0;
         pause = [&](std::chrono::milliseconds)
         {
-            if (pauses == 0)
-            {
-                simulation.events().playScript();
-                cause(simulation.events());
-            }
-            return ++pauses == 2;
+            if (pauses < script.size())
+                simulation.events().play(script[pauses]);
+            observer.settle();
+            return pauses++ == script.size();
         };
         Answer answer = call({"monitor"});
         answer.out = std::regex_replace(answer.out, std::regex("[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3}"), "TIME");
         return answer;
     }
 
-    /// Lets the first endpoints go and come back, and chooses a default.
-    void cause(sim::Events& events) const
+    /// The machine's script; then the first endpoints go and come back, and defaults are chosen.
+    std::vector<sim::ScriptEvent> everyEvent() const
     {
+        using Kind = sim::ScriptEvent::Kind;
+        std::vector<sim::ScriptEvent> events = machine.script;
         for (std::size_t i = 0; i < std::min<std::size_t>(2, machine.endpoints.size()); ++i)
         {
-            const sim::Endpoint& endpoint = machine.endpoints[i];
-            events.unplug(endpoint.id);
-            events.plug(endpoint.id);
-            events.remove(endpoint.id);
-            events.add(endpoint.id);
-            events.setDefault(endpoint.id, eConsole);
+            for (const Kind kind : {Kind::unplugged, Kind::plugged, Kind::removed, Kind::added, Kind::defaultChanged})
+            {
+                sim::ScriptEvent event;
+                event.kind = kind;
+                event.endpoint = machine.endpoints[i].id;
+                events.push_back(event);
+            }
         }
+        return events;
     }
 
     /// The machine, whose calls take no longer than they have to.

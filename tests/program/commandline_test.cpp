@@ -133,6 +133,72 @@ TEST(ProgramCommandLine, ReadsTheWordsOfAGraph)
     EXPECT_EQ("Speakers", arguments.endpoint);
 }
 
+TEST(ProgramCommandLine, ReadsWhatAListIsNarrowedTo)
+{
+    const Arguments arguments = read({"list", "--active", "--inputs", "--card", "Analog", "--short", "--via", "model"});
+
+    EXPECT_TRUE(arguments.isOnlyActive);
+    EXPECT_TRUE(arguments.isOnlyInputs);
+    EXPECT_FALSE(arguments.isOnlyOutputs);
+    EXPECT_EQ("Analog", arguments.card);
+    EXPECT_TRUE(arguments.isShort);
+    EXPECT_EQ(Via::model, arguments.via);
+    EXPECT_EQ(Via::layer, read({"list"}).via);
+    EXPECT_EQ("--outputs and --inputs exclude each other", complaint({"list", "--inputs", "--outputs"}));
+}
+
+TEST(ProgramCommandLine, ReadsTheChannelOfAChange)
+{
+    EXPECT_EQ(std::nullopt, read({"set-volume", "Speakers", "50%"}).level->channel());
+    EXPECT_EQ(1u, read({"set-volume", "Speakers", "50%", "--channel", "2"}).level->channel());
+    EXPECT_EQ(0u, std::get<LevelChange>(read({"set-control", "A", "B", "-3dB", "--channel", "1"}).controlChange).channel());
+    EXPECT_EQ("--channel does not go with on and off, which concern all channels",
+              complaint({"set-control", "A", "B", "on", "--channel", "1"}));
+}
+
+TEST(ProgramCommandLine, ReadsTheChangeOfAControlAndOfASelector)
+{
+    const Arguments control = read({"set-control", "Main Monitors", "Line Out 1/2", "-12dB"});
+    const Arguments select = read({"select", "Auxiliary Source", "Combo 3", "--card", "Interface"});
+
+    EXPECT_EQ(Verb::setControl, control.verb);
+    EXPECT_EQ("Main Monitors", control.endpoint);
+    EXPECT_EQ("Line Out 1/2", control.control);
+    EXPECT_EQ(Decibels(-12), std::get<Decibels>(std::get<LevelChange>(control.controlChange).amount()));
+    EXPECT_EQ(Verb::select, select.verb);
+    EXPECT_EQ("Auxiliary Source", select.selector);
+    EXPECT_EQ("Combo 3", select.input);
+    EXPECT_EQ("Interface", select.card);
+}
+
+TEST(ProgramCommandLine, ReadsWhatIdentifiesAnEndpointAndWhereSettingsAre)
+{
+    EXPECT_EQ("0", read({"find", "0"}).id);
+    EXPECT_EQ("Speakers", read({"refer", "Speakers"}).endpoint);
+    EXPECT_EQ("snv1:x", read({"resolve", "snv1:x"}).reference);
+    EXPECT_EQ("", read({"save"}).file);
+    EXPECT_EQ("all.json", read({"restore", "all.json"}).file);
+    EXPECT_EQ("the name of the file is empty", complaint({"save", ""}));
+    EXPECT_EQ("the id is empty", complaint({"find", ""}));
+    EXPECT_EQ("the reference is empty", complaint({"resolve", ""}));
+}
+
+TEST(ProgramCommandLine, ReadsToWhatTheMonitorListens)
+{
+    const Arguments arguments = read({"monitor", "Speakers", "Microphone", "--only", "volume,state"});
+
+    EXPECT_THAT(arguments.endpoints, ElementsAre("Speakers", "Microphone"));
+    EXPECT_EQ((std::set<EventKind>{EventKind::volume, EventKind::state}), arguments.eventKinds);
+    EXPECT_TRUE(read({"monitor"}).endpoints.empty());
+    EXPECT_EQ("the name of the endpoint is empty", complaint({"monitor", ""}));
+}
+
+TEST(ProgramCommandLine, ReadsThatAGraphIsOfOnePathAlone)
+{
+    EXPECT_TRUE(read({"graph", "--endpoint", "Speakers", "--only"}).isOnlyPath);
+    EXPECT_EQ("--only needs --endpoint", complaint({"graph", "--only"}));
+}
+
 TEST(ProgramCommandLine, SaysInOneLineWhatIsWrong)
 {
     EXPECT_EQ("unknown command \"frobnicate\"; see sonavit --help", complaint({"frobnicate"}));
@@ -257,6 +323,8 @@ TEST(ProgramCommandLine, AnswersHelpAndVersion)
     EXPECT_THAT(helpOfVerb, HasSubstr("Usage: sonavit set-volume [OPTIONS] ENDPOINT VOLUME"));
     EXPECT_THAT(helpOfVerb, HasSubstr("On a simulated machine the change lasts until sonavit ends."));
     EXPECT_EQ("sonavit " SONAVIT_VERSION "\n", readCommandLine({"--version"}).answer);
+    EXPECT_TRUE(readCommandLine({"--version"}).isVersion);
+    EXPECT_FALSE(readCommandLine({"--help"}).isVersion);
 }
 
 TEST(ProgramCommandLine, KeepsItsHelpWithin80Columns)

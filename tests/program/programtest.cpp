@@ -132,6 +132,25 @@ void meet(sim::Simulation& simulation)
     static_cast<void>(simulation.registerOnThisThread());
 }
 
+Observer::Observer(sim::Simulation& simulation)
+    : m_simulation(simulation),
+      m_audio(
+          [&]
+          {
+              sonavit::System::Options options;
+              options.delivery = sonavit::Delivery::poll;
+              options.onWorkerStart = [&] { meet(simulation); };
+              return options;
+          }())
+{
+}
+
+void Observer::settle()
+{
+    m_simulation.events().waitForClients();
+    EXPECT_TRUE(m_audio.refresh());
+}
+
 std::string unreadableNote(std::size_t endpoints)
 {
     return "sonavit: the system does not let this account read the properties of " + std::to_string(endpoints) +

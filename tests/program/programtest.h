@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sonavit/system.h"
 #include "tests/support/librarytest.h"
 #include "tools/sonavit/program.h"
 
@@ -26,6 +27,22 @@ struct Answer
 
 /// Makes the machine answer the thread that calls, which Windows wants on each thread.
 void meet(sim::Simulation& simulation);
+
+/// Sees what a monitor of the same process sees, at the same time: all Systems of a process share the thread that asks
+/// the platform. It must end before the machine.
+class Observer
+{
+public:
+    explicit Observer(sim::Simulation& simulation);
+
+    /// Waits until the client layer has read all that the machine has announced. What is announced afterwards is
+    /// another change than what was announced before.
+    void settle();
+
+private:
+    sim::Simulation& m_simulation;
+    sonavit::System m_audio;
+};
 
 /// A test of the program's commands, called in this process.
 ///

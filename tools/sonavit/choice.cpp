@@ -6,6 +6,7 @@
 #include "tools/sonavit/output/text.h"
 
 #include <algorithm>
+#include <functional>
 #include <optional>
 #include <utility>
 
@@ -38,14 +39,46 @@ std::size_t deniedAmong(const std::vector<Card>& cards)
     return denied;
 }
 
-/// The problem with the list of endpoints of that flow, or with its default.
-std::optional<Problem> problemOf(const Snapshot& snapshot, const std::string& operation)
+bool startsWith(const std::string& text, const std::string& start)
+{
+    return text.compare(0, start.size(), start) == 0;
+}
+
+/// Whether endpoints may be missing because of the problem.
+bool isOfList(const Problem& problem)
+{
+    const std::string& operation = problem.operation();
+    return startsWith(operation, "CoCreateInstance") ||
+           startsWith(operation, "IMMDeviceEnumerator::EnumAudioEndpoints") ||
+           startsWith(operation, "IMMDeviceCollection::") || startsWith(operation, "IMMDevice::GetId");
+}
+
+/// What the system fails to do if a problem with its lists is @p problem, and why.
+std::string listFailure(const Problem& problem)
+{
+    const std::string& operation = problem.operation();
+    const auto names = [&](const char* flow) { return operation.find(flow) != std::string::npos; };
+    if (!isOfList(problem))
+        return "the system cannot list its sound cards: " + problem.sentence();
+    if (startsWith(operation, "CoCreateInstance"))
+        return "the system's audio cannot be reached: " + reasonText(problem.code());
+    const char* const what = names("eRender") ? "outputs" : names("eCapture") ? "inputs" : "endpoints";
+    return std::string("the system cannot list its ") + what + ": " + reasonText(problem.code());
+}
+
+std::optional<Problem> findProblem(const Snapshot& snapshot, const std::function<bool(const Problem&)>& isWanted)
 {
     const std::vector<Problem>& problems = snapshot.problems();
-    const auto found =
-        std::find_if(problems.begin(), problems.end(),
-                     [&](const Problem& problem) { return problem.operation().find(operation) != std::string::npos; });
+    const auto found = std::find_if(problems.begin(), problems.end(), isWanted);
     return found == problems.end() ? std::nullopt : std::optional<Problem>(*found);
+}
+
+/// Why the default of that flow is not known.
+std::optional<Problem> defaultProblem(const Snapshot& snapshot, Flow flow)
+{
+    const std::string argument = flow == Flow::output ? "(eRender, eConsole)" : "(eCapture, eConsole)";
+    return findProblem(snapshot, [&](const Problem& problem)
+                       { return problem.operation() == "IMMDeviceEnumerator::GetDefaultAudioEndpoint" + argument; });
 }
 
 CardEndpoint defaultEndpoint(const Snapshot& snapshot, Flow flow)
@@ -53,7 +86,7 @@ CardEndpoint defaultEndpoint(const Snapshot& snapshot, Flow flow)
     const std::string what = "the default " + std::string(wordsOf(flow));
     if (const std::optional<Endpoint> endpoint = snapshot.defaultEndpoint(flow))
         return {snapshot.cardOf(endpoint->id()).value_or(Card()), *endpoint};
-    if (const std::optional<Problem> problem = problemOf(snapshot, "GetDefaultAudioEndpoint"))
+    if (const std::optional<Problem> problem = defaultProblem(snapshot, flow))
         throw OperationFailure("the system cannot report " + what + ": " + reasonText(problem->code()));
     const auto& ids = snapshot.content().defaults[static_cast<std::size_t>(flow)];
     if (!ids[static_cast<std::size_t>(Role::console)].isEmpty())
@@ -61,14 +94,13 @@ CardEndpoint defaultEndpoint(const Snapshot& snapshot, Flow flow)
     throw NotThere("there is no default " + std::string(wordsOf(flow)));
 }
 
-/// Adds what to do to the sentence of a name that fits nothing.
 template<class Value>
-Value require(Result<Value> result)
+Value require(const Snapshot& snapshot, Result<Value> result)
 {
     if (result)
         return *std::move(result);
     if (result.problem().kind() == Problem::Kind::notThere)
-        throw NotThere(result.problem().sentence() + "; sonavit list shows what there is");
+        raiseNotThere(snapshot, result.problem().sentence());
     raise(result.problem());
 }
 
@@ -84,13 +116,20 @@ bool hasEndpoint(const Card& card, const std::string& name)
 }
 }
 
+void raiseNotThere(const Snapshot& snapshot, const std::string& sentence)
+{
+    if (const std::optional<Problem> problem = findProblem(snapshot, isOfList))
+        throw OperationFailure(sentence + " among those that can be read, as " + listFailure(*problem));
+    throw NotThere(sentence + "; sonavit list shows what there is");
+}
+
 CardEndpoint endpointNamed(const Snapshot& snapshot, const std::string& name)
 {
     if (equalNoCase(name, defaultOutputName))
         return defaultEndpoint(snapshot, Flow::output);
     if (equalNoCase(name, defaultInputName))
         return defaultEndpoint(snapshot, Flow::input);
-    const Endpoint endpoint = require(snapshot.endpointNamed(name));
+    const Endpoint endpoint = require(snapshot, snapshot.endpointNamed(name));
     return {snapshot.cardOf(endpoint.id()).value_or(Card()), endpoint};
 }
 
@@ -115,7 +154,7 @@ std::vector<Card> requestedCards(const Context& context, const Snapshot& snapsho
     const std::string& endpoint = context.arguments.endpoint;
     if (name.empty())
         return snapshot.cards();
-    const Card wanted = require(snapshot.cardNamed(name));
+    const Card wanted = require(snapshot, snapshot.cardNamed(name));
     if (!endpoint.empty() && !hasEndpoint(wanted, endpoint))
     {
         const CardEndpoint found = endpointNamed(snapshot, endpoint);
@@ -129,8 +168,11 @@ std::vector<Card> requestedCards(const Context& context, const Snapshot& snapsho
 Snapshot readSnapshot(const Context& context)
 {
     Snapshot snapshot = context.session.source().snapshot();
-    if (snapshot.cards().empty() && !snapshot.problems().empty())
-        raise(snapshot.problems().front(), "the system cannot list its sound cards");
+    const auto hidesCards = [](const Problem& problem)
+    { return isOfList(problem) || problem.kind() != Problem::Kind::platform; };
+    const std::optional<Problem> problem = findProblem(snapshot, hidesCards);
+    if (problem && snapshot.cards().empty())
+        throw OperationFailure(listFailure(*problem));
     return snapshot;
 }
 

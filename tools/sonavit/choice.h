@@ -12,6 +12,10 @@ namespace sonavit::program
 inline constexpr const char* defaultOutputName = "@DEFAULT_OUTPUT@";
 inline constexpr const char* defaultInputName = "@DEFAULT_INPUT@";
 
+/// Throws NotThere with @p sentence, which says that there is no such endpoint or card, and where to look; or
+/// OperationFailure if it may be one that the platform fails to list.
+[[noreturn]] void raiseNotThere(const Snapshot& snapshot, const std::string& sentence);
+
 /// The endpoint that @p name names: by its whole id, by its whole name or description, by a part of one of them, or as
 /// a default. Upper and lower case are alike. Throws NotThere if there is none, UsageError, which lists the candidates,
 /// if there are several, and OperationFailure if the platform fails to report the names or the default.

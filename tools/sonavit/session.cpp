@@ -7,12 +7,16 @@
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/output/text.h"
 
+#include <chrono>
 #include <utility>
 
 namespace sonavit::program
 {
 namespace
 {
+/// Long enough for many slow devices; a user who has less of it ends the program.
+constexpr std::chrono::minutes patience(1);
+
 sim::Machine openMachine(const Environment& environment, const std::string& name)
 {
     try
@@ -88,6 +92,7 @@ System& Session::audio()
     {
         System::Options options;
         options.delivery = Delivery::poll;
+        options.patience = patience;
         options.onWorkerStart = [this]
         {
             if (m_simulation)

@@ -52,7 +52,7 @@ TEST_F(ProgramAsk, AnswersNoForACardThatThereIsNot)
     const support::Answer text = call({"ask", "NOTHING"});
     const json answer = json::parse(call({"ask", "NOTHING", "--json"}).out);
 
-    EXPECT_EQ(0, text.code);
+    EXPECT_EQ(3, text.code);
     EXPECT_EQ("analog output     no\n"
               "digital output    no\n"
               "line input        no\n"

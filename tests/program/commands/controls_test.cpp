@@ -34,15 +34,19 @@ TEST_F(ProgramControls, AnswersInJson)
 
     const json answer = json::parse(call({"controls", "Speakers", "--json"}).out);
 
-    EXPECT_EQ(support::speakerId(), answer["endpoint"]);
-    EXPECT_EQ(json::parse(R"([{"ownerName": "Speakers", "ownerJack": "speaker",
+    EXPECT_EQ(json({{"id", support::speakerId()}, {"name", "Speakers (Analog Audio)"}}), answer["endpoint"]);
+    ASSERT_EQ(1u, answer["controls"].size());
+    json control = answer["controls"][0];
+    EXPECT_TRUE(control["id"].is_string());
+    control.erase("id");
+    EXPECT_EQ(json::parse(R"({"name": "Volume", "ownerName": "Speakers", "ownerJack": "speaker",
         "ownerType": "{DFF21CE1-F70F-11D0-B917-00A0C9223196}",
         "channels": [{"decibels": -6, "percent": 91, "range": {"min": -65.25, "max": 0, "step": 0.75}},
                      {"decibels": -6, "percent": 91, "range": {"min": -65.25, "max": 0, "step": 0.75}}],
-        "hasMute": true, "muted": false}])"),
-              answer["controls"]);
-    EXPECT_EQ(72, answer["endpointVolume"]["percent"]);
-    EXPECT_EQ(false, answer["endpointMuted"]);
+        "hasMute": true, "muted": false, "problems": []})"),
+              control);
+    EXPECT_EQ(72, answer["volume"]["percent"]);
+    EXPECT_EQ(false, answer["muted"]);
 }
 
 TEST_F(ProgramControls, AreNoneBehindAPlainWire)

@@ -212,8 +212,8 @@ TEST_F(ProgramGraph, IsOfOneCardWhereOneIsNamed)
 
     EXPECT_EQ(4u, graph()["devices"].size());
     EXPECT_EQ(2u, graph({"second"})["devices"].size());
-    EXPECT_EQ(2, call({"graph", "Third"}).code);
-    EXPECT_EQ(2, call({"graph", "first", "--endpoint", "Nothing"}).code);
+    EXPECT_EQ(3, call({"graph", "Third"}).code);
+    EXPECT_EQ(3, call({"graph", "first", "--endpoint", "Nothing"}).code);
 }
 
 TEST_F(ProgramGraph, ShowsWhatIsBehindADoorThatDoesNotOpen)

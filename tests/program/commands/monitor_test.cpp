@@ -12,18 +12,20 @@ using testing::IsEmpty;
 
 namespace
 {
-/// The monitor's pauses are where things happen here: each step is one pause, the end comes after the last one.
+/// The monitor's pauses are where things happen here: each step is one pause, the end comes after the last one. What
+/// happens in one step is one change.
 class ProgramMonitor : public support::ProgramTest
 {
 protected:
     support::Answer listen(std::vector<std::function<void(sim::Events&)>> steps, std::vector<std::string> options = {})
     {
+        support::Observer observer(simulation());
         std::size_t next = 0;
-        pause = [this, &next, steps](std::chrono::milliseconds)
+        pause = [this, &observer, &next, steps](std::chrono::milliseconds)
         {
             if (next < steps.size())
                 steps[next](simulation().events());
-            simulation().events().waitForClients();
+            observer.settle();
             return next++ >= steps.size();
         };
         options.insert(options.begin(), "monitor");
@@ -122,16 +124,25 @@ TEST_F(ProgramMonitor, AnswersInJsonOneObjectALine)
     for (const json& line : lines)
         EXPECT_THAT(line["time"].get<std::string>(), testing::MatchesRegex("....-..-..T..:..:......Z"));
     EXPECT_EQ("stateChanged", lines[0]["event"]);
-    EXPECT_EQ(support::smallCardId(), lines[0]["card"]);
-    EXPECT_EQ(support::headphonesId(), lines[0]["endpoint"]);
-    EXPECT_EQ("unplugged", lines[0]["previousState"]);
-    EXPECT_EQ("active", lines[0]["state"]);
+    EXPECT_EQ(json({{"id", support::smallCardId()},
+                    {"name", "Analog Audio"},
+                    {"instanceId", support::smallInstanceId()}}),
+              lines[0]["card"]);
+    EXPECT_EQ(json({{"id", support::headphonesId()}, {"name", "Headphones (Analog Audio)"}}), lines[0]["endpoint"]);
+    EXPECT_EQ("unplugged", lines[0]["before"]);
+    EXPECT_EQ("active", lines[0]["after"]);
+    EXPECT_EQ("other", lines[0]["origin"]);
     EXPECT_EQ("volumeChanged", lines[1]["event"]);
-    EXPECT_EQ(json::parse(R"({"percent": 82, "decibels": -12})"), lines[1]["volume"]);
-    EXPECT_EQ(false, lines[1]["muted"]);
+    EXPECT_EQ(-18, lines[1]["before"]["decibels"]);
+    EXPECT_EQ(82, lines[1]["after"]["percent"]);
+    EXPECT_EQ(-12, lines[1]["after"]["decibels"]);
+    EXPECT_EQ(false, lines[1]["after"]["muted"]);
     EXPECT_EQ("removed", lines[2]["event"]);
+    EXPECT_EQ(support::headphonesId(), lines[2]["before"]["id"]);
+    EXPECT_TRUE(lines[2]["after"].is_null());
     EXPECT_EQ("added", lines[3]["event"]);
-    EXPECT_EQ("active", lines[3]["state"]);
+    EXPECT_TRUE(lines[3]["before"].is_null());
+    EXPECT_EQ("active", lines[3]["after"]["state"]);
     EXPECT_EQ("defaultChanged", lines[4]["event"]);
     EXPECT_TRUE(lines[4]["endpoint"].is_null());
     EXPECT_TRUE(lines[4]["card"].is_null());

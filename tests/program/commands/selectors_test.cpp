@@ -28,6 +28,7 @@ protected:
         card.chain({microphone, selector});
         card.chain({line, selector});
         cardId = card.instancePath();
+        instanceId = card.instanceId();
         adapterId = card.adapter().id;
         builder.card("Plain").speaker();
     }
@@ -36,6 +37,7 @@ protected:
     unsigned selection;
     std::string selector;
     std::string cardId;
+    std::string instanceId;
     std::string adapterId;
 };
 }
@@ -59,8 +61,9 @@ TEST_F(ProgramSelectors, AreAnsweredInJson)
 
     ASSERT_EQ(1u, answer["selectors"].size());
     const json& only = answer["selectors"][0];
-    EXPECT_EQ(cardId, only["card"]);
-    EXPECT_EQ(adapterId, only["device"]);
+    EXPECT_EQ(json({{"id", cardId}, {"name", "Mixer"}, {"instanceId", instanceId}}), only["card"]);
+    EXPECT_EQ(adapterId, only["device"]["id"]);
+    EXPECT_EQ("Mixer", only["device"]["name"]);
     EXPECT_EQ("Source", only["name"]);
     EXPECT_EQ(selection, only["selection"]);
     EXPECT_EQ("microphone", only["inputs"][0]["jack"]);
@@ -75,7 +78,7 @@ TEST_F(ProgramSelectors, AreThoseOfOneCardWhereOneIsNamed)
 
     EXPECT_THAT(call({"selectors", "mix"}).out, HasSubstr("Mixer, Source"));
     EXPECT_EQ("There is no input selector.\n", call({"selectors", "Plain"}).out);
-    EXPECT_EQ(2, call({"selectors", "Nothing"}).code);
+    EXPECT_EQ(3, call({"selectors", "Nothing"}).code);
 }
 
 TEST_F(ProgramSelectors, ShowADashForASelectionThatCannotBeRead)

@@ -44,10 +44,11 @@ TEST_F(ProgramVolume, IsAnsweredInJson)
     const json answer = json::parse(call({"get-volume", "Speakers", "--json"}).out);
 
     EXPECT_EQ(
-        json::parse(R"json({"schemaVersion": 2, "machine": null, "endpoint": ")json" + support::speakerId() + R"json(",
-        "name": "Speakers (Analog Audio)",
-        "volume": {"percent": 72, "decibels": -18, "range": {"min": -65.25, "max": 0, "step": 0.75}, "channels": 2,
-                   "levels": [{"percent": 72, "decibels": -18}, {"percent": 72, "decibels": -18}]},
+        json::parse(R"json({"schemaVersion": 2, "machine": null,
+        "endpoint": {"id": ")json" + support::speakerId() + R"json(", "name": "Speakers (Analog Audio)"},
+        "volume": {"percent": 72, "decibels": -18, "range": {"min": -65.25, "max": 0, "step": 0.75},
+                   "channels": [{"percent": 72, "decibels": -18}, {"percent": 72, "decibels": -18}],
+                   "inHardware": true},
         "muted": false})json"),
         answer);
 }
@@ -222,8 +223,8 @@ TEST_F(ProgramVolume, AnswersInJsonHowTheMuteWasAndIs)
     const json answer = json::parse(call({"mute", "Speakers", "on", "--json"}).out);
 
     EXPECT_EQ(
-        json::parse(R"json({"schemaVersion": 2, "machine": null, "endpoint": ")json" + support::speakerId() + R"json(",
-        "name": "Speakers (Analog Audio)", "before": false, "after": true, "muted": true})json"),
+        json::parse(R"json({"schemaVersion": 2, "machine": null, "endpoint": {"id": ")json" + support::speakerId() + R"json(",
+        "name": "Speakers (Analog Audio)"}, "before": false, "after": true, "muted": true})json"),
         answer);
 }
 

@@ -74,8 +74,7 @@ void runFind(Context& context)
     reportDenied(context, snapshot.cards());
     const std::vector<Match> matches = snapshot.find(context.arguments.id);
     if (matches.empty())
-        throw NotThere("there is no endpoint with the id " + inQuotes(context.arguments.id) +
-                       "; sonavit list shows what there is");
+        raiseNotThere(snapshot, "there is no endpoint with the id " + inQuotes(context.arguments.id));
     if (!context.arguments.isJson)
     {
         for (const Match& match : matches)

@@ -149,6 +149,16 @@ std::vector<Watch> watchHardware(const Context& context, const Snapshot& snapsho
     return watches;
 }
 
+/// Throws OperationFailure if the system tells nobody what changes.
+void requireEvents(const Snapshot& snapshot)
+{
+    const std::vector<Problem>& problems = snapshot.problems();
+    const auto isOfEvents = [](const Problem& problem)
+    { return problem.operation() == "IMMDeviceEnumerator::RegisterEndpointNotificationCallback"; };
+    if (std::any_of(problems.begin(), problems.end(), isOfEvents))
+        throw OperationFailure("the system does not report changes of its endpoints");
+}
+
 void announce(const Context& context, const Snapshot& snapshot)
 {
     if (!context.environment.isTerminal)
@@ -173,6 +183,7 @@ void playEvents(const Context& context)
 void runMonitor(Context& context)
 {
     const Snapshot snapshot = readSnapshot(context);
+    requireEvents(snapshot);
     reportDenied(context, snapshot.cards());
     const std::vector<Watch> watches = watchHardware(context, snapshot);
     const std::shared_ptr<void> deferral = context.environment.deferEnd();
