@@ -113,6 +113,16 @@ TEST(GraphPath, CrossesJoinsBetweenAdaptersButNotIntoOtherEndpoints)
     EXPECT_THAT(pathIds(graph, "{out}"), ElementsAre("endpoint out", "jack", "volume", "stream out", "bridge"));
 }
 
+TEST(GraphPath, ReachesAPartThatItsEndpointDoesNotList)
+{
+    Graph graph = cardGraph();
+    const std::size_t unlisted = addPart(graph, 0, "unlisted");
+    graph.devices[0].parts.pop_back();
+    connect(graph, Graph::Edge::Kind::join, 2, unlisted);
+
+    EXPECT_THAT(pathIds(graph, "{out}"), ElementsAre("endpoint out", "jack", "volume", "unlisted", "stream out"));
+}
+
 TEST(GraphPath, EndsOnACircle)
 {
     Graph graph = cardGraph();
