@@ -262,7 +262,7 @@ TEST(GraphEnumerations, HaveKeys)
     EXPECT_STREQ("closed", keyOf(Kind::closed));
     EXPECT_STREQ("unknown", keyOf(static_cast<Kind>(3)));
     EXPECT_STREQ("wire", keyOf(Graph::Edge::Kind::wire));
-    EXPECT_STREQ("path", keyOf(Graph::Edge::Kind::path));
+    EXPECT_STREQ("signalPath", keyOf(Graph::Edge::Kind::path));
     EXPECT_STREQ("join", keyOf(Graph::Edge::Kind::join));
     EXPECT_STREQ("unknown", keyOf(static_cast<Graph::Edge::Kind>(-1)));
     EXPECT_STREQ("in", keyOf(Graph::Direction::in));
