@@ -281,8 +281,7 @@ void HardwareReader::followConnector(std::size_t part)
         return;
     m_map.devices[known.device].leadsTo.push_back(device);
     m_joinedDevices.emplace_back(known.device, device);
-    const std::size_t peerPart =
-        hasPeer ? addConnector(peer, device, Place::graph) : HardwarePart::none;
+    const std::size_t peerPart = hasPeer ? addConnector(peer, device, Place::graph) : HardwarePart::none;
     if (peerPart == HardwarePart::none)
         m_map.edges.push_back({Graph::Edge::Kind::join, part, std::nullopt, device});
     else
@@ -313,7 +312,8 @@ std::string HardwareReader::farDeviceId(std::size_t part, IConnector& connector,
     const COMPtr<IDeviceTopology>::pointer topologyHolder(topology);
     TaskText id(TaskText::NullText::skipped);
     result = topology->GetDeviceId(id.put());
-    return judgeOfPart(part).gives(result, *id.put(), {"IDeviceTopology::GetDeviceId"}) ? utf8(id.get()) : std::string();
+    return judgeOfPart(part).gives(result, *id.put(), {"IDeviceTopology::GetDeviceId"}) ? utf8(id.get())
+                                                                                        : std::string();
 }
 
 /// Both ends report a join; the second report is ignored. It points the way that the sound flows, as far as it is

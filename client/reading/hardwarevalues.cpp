@@ -78,8 +78,7 @@ Selector HardwareValues::selector(const SelectorPlace& place)
         const std::vector<Problem>& problems = m_map.parts[source].problems;
         std::copy_if(problems.begin(), problems.end(), std::back_inserter(selector.problems), concernsNames);
     }
-    selector.selection =
-        readSelection(*m_map.selector(place.part), {m_map.objectOf(place.part), selector.problems});
+    selector.selection = readSelection(*m_map.selector(place.part), {m_map.objectOf(place.part), selector.problems});
     return selector;
 }
 
