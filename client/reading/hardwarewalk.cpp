@@ -55,15 +55,7 @@ std::vector<Selector> HardwareWalk::selectors(const CardId& card) const
 
 Hardware HardwareWalk::hardware(const CardId& card) const
 {
-    const std::vector<EndpointId>& endpoints = m_state->endpointsOf(card);
-    HardwareValues values(m_state->map);
-    Hardware hardware;
-    hardware.card = card;
-    for (const EndpointId& endpoint : endpoints)
-        hardware.controls.push_back({endpoint, values.controls(endpoint)});
-    hardware.selectors = values.selectors(endpoints);
-    hardware.problems = values.otherProblems(endpoints);
-    return hardware;
+    return HardwareValues(m_state->map).hardware(card, m_state->endpointsOf(card));
 }
 
 COMPtr<IAudioVolumeLevel>::pointer HardwareWalk::level(const ControlId& control) const
