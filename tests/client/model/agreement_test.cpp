@@ -86,6 +86,10 @@ private:
     support::LogCapture m_log{qor::LoggerPriority::LOG_FATAL}; // or the failures of such machines fill the output
 };
 
+class AgreementOnOddLevels : public Agreement, public testing::WithParamInterface<std::uint32_t>
+{
+};
+
 class AgreementOnRandomMachines : public Agreement, public testing::WithParamInterface<std::uint32_t>
 {
 };
@@ -105,3 +109,12 @@ TEST_P(AgreementOnRandomMachines, IsCompleteApartFromTheWantedDifferences)
 
 INSTANTIATE_TEST_SUITE_P(Seeds, AgreementOnRandomMachines,
                          testing::Range(std::uint32_t{0}, std::uint32_t{20} * machinesInATest, machinesInATest));
+
+TEST_P(AgreementOnOddLevels, IsCompleteApartFromTheWantedDifferences)
+{
+    for (std::uint32_t seed = GetParam(); seed < GetParam() + machinesInATest && !HasFailure(); ++seed)
+        expectAgreement(support::withOddLevels(support::randomMachine(seed), seed));
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, AgreementOnOddLevels,
+                         testing::Range(std::uint32_t{1000}, std::uint32_t{1100}, machinesInATest));

@@ -172,6 +172,21 @@ void round(std::optional<Percent>& percent, double whole)
         percent = Percent(whole);
 }
 
+void settleEmptyRanges(Answers&, Answers& model, const sim::Machine&)
+{
+    const auto settle = [](Endpoint::Content& content)
+    {
+        std::optional<sonavit::Volume>& volume = content.volume;
+        if (!volume || !volume->range || volume->range->minimum != volume->range->maximum)
+            return;
+        volume->master.percent.reset();
+        if (volume->channels)
+            std::for_each(volume->channels->begin(), volume->channels->end(),
+                          [](Level& level) { level.percent.reset(); });
+    };
+    forEachContent(model, settle);
+}
+
 /// The object model's formula, in single precision.
 void roundScalar(Level& level)
 {
@@ -401,7 +416,15 @@ void settleFormats(Answers& client, Answers& model, const sim::Machine&)
     forEachPair(client, model, settle);
 }
 
-void settleUnreachableControls(Answers& client, Answers& model, const sim::Machine&)
+/// Whether the card's walk passes a device that cannot be opened: its connector is known, and so is what it leads to.
+bool passesClosedDevice(const Answers::OfCard& card)
+{
+    return std::any_of(card.graph.devices.begin(), card.graph.devices.end(),
+                       [](const Graph::Device& device)
+                       { return device.kind == Graph::Device::Kind::closed && !device.parts.empty(); });
+}
+
+void settleUnreachableHardware(Answers& client, Answers& model, const sim::Machine&)
 {
     const auto settle = [](OfEndpoint& clients, OfEndpoint& models)
     {
@@ -409,6 +432,14 @@ void settleUnreachableControls(Answers& client, Answers& model, const sim::Machi
             clients.controls.reset();
     };
     forEachPair(client, model, settle);
+    for (Answers* const answers : {&client, &model})
+    {
+        for (Answers::OfCard& card : answers->cards)
+        {
+            if (passesClosedDevice(card))
+                card.selectors.clear();
+        }
+    }
 }
 }
 
@@ -436,10 +467,14 @@ const std::vector<Difference>& wantedDifferences()
          "both take them for one, but the client asks the first one, the object model the one that it meets",
          settleTwinConnectors},
         {"percent of endpoints", "the object model rounds to whole numbers", settleEndpointPercent},
+        {"percent of an empty range", "the object model reports the platform's scalar, whatever the range is",
+         settleEmptyRanges},
         {"percent of parts", "the object model rounds to whole numbers", settlePartPercent},
         {"controls met twice", "the object model lists a control once for each connector next to it",
          settleTwiceMetControls},
-        {"controls behind closed doors", "the object model's walk ends with an exception", settleUnreachableControls},
+        {"hardware behind a device that cannot be opened",
+         "the object model's walk ends there: with an exception where it looks for controls",
+         settleUnreachableHardware},
         {"endpoints without an instance path", "the object model has one card for all of them", settlePathless},
     };
     return differences;
