@@ -143,7 +143,7 @@ sim::Machine randomMachine(std::uint32_t seed)
 {
     RandomChoice choice(seed);
     const std::string name = "random-" + std::to_string(seed);
-    const bool hasWildHardware = choice.chance(33);
+    const bool hasWildHardware = choice.chance(25);
     sim::Machine machine = hasWildHardware ? randomConnections(seed) : randomCards(choice, name);
     machine.name = name;
     if (hasWildHardware)
