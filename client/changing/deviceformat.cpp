@@ -184,7 +184,7 @@ Result<Done> HeldFormat::putBack(IMMDevice& device) const
     if (present->bytes != m_held.bytes)
         return Problem(Problem::Kind::notThere, "FormatHold::end", m_endpoint.text(),
                        "the format is not the held one any more: it is " + present->format.sentence());
-    if (m_former.bytes == m_held.bytes)
+    if (!isWritten())
         return Done();
     Result<Store> store = openStore(device, m_endpoint, STGM_READWRITE);
     if (!store)

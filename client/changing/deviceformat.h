@@ -41,6 +41,8 @@ public:
     const EndpointId& endpoint() const noexcept { return m_endpoint; }
     const Format& former() const noexcept { return m_former.format; }
     const Format& held() const noexcept { return m_held.format; }
+    /// Whether the format is another one than before.
+    bool isWritten() const noexcept { return m_former.bytes != m_held.bytes; }
 
     /// Puts the former bytes back, if the present ones are those that were held.
     Result<Done> putBack(IMMDevice& device) const;

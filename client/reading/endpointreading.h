@@ -86,6 +86,8 @@ void readEndpoint(EndpointReading& reading);
 
 Defaults readDefaults(IMMDeviceEnumerator& enumerator);
 WaveIds readWaveIds();
+/// Those of one flow alone.
+WaveIds readWaveIds(Flow flow);
 
 /// Records @p witness for the calls of this thread while it lives; readings on this thread report to it.
 class WitnessScope

@@ -130,7 +130,8 @@ private:
 SONAVIT_CLIENT_API std::vector<Event> difference(const Snapshot& before, const Snapshot& after);
 
 /// @p before after @p events; generation and time stay. Throws std::invalid_argument if an event does not fit, such as
-/// the removal of an endpoint that is not there.
+/// the removal of an endpoint that is not there. Call it as sonavit::apply(): without the namespace, the arguments let
+/// the compiler find std::apply() as well.
 SONAVIT_CLIENT_API Snapshot apply(const Snapshot& before, const std::vector<Event>& events);
 }
 }

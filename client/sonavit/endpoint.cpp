@@ -18,7 +18,7 @@ struct Names
 };
 
 constexpr Names unnamed = {"unknown", "unknown"};
-constexpr std::array<Names, 2> flows = {{{"output", "output"}, {"input", "input"}}};
+constexpr std::array<Names, 2> flows = {{{"render", "output"}, {"capture", "input"}}};
 constexpr std::array<Names, 4> states = {
     {{"active", "active"}, {"disabled", "disabled"}, {"notPresent", "not present"}, {"unplugged", "unplugged"}}};
 constexpr std::array<Names, 3> roleNames = {

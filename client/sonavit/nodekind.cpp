@@ -2,8 +2,8 @@
 
 #include "platform/coreaudio.h"
 
-#include <algorithm>
 #include <array>
+#include <cstring>
 #include <ostream>
 
 namespace sonavit
@@ -25,11 +25,9 @@ constexpr GUID streamType = {0x6994AD04, 0x93EF, 0x11D0, {0xA3, 0xCC, 0x00, 0xA0
 
 Guid guid(const GUID& platformGuid)
 {
+    static_assert(sizeof(Guid) == sizeof(GUID), "both have the platform's layout");
     Guid result;
-    result.data1 = static_cast<std::uint32_t>(platformGuid.Data1);
-    result.data2 = platformGuid.Data2;
-    result.data3 = platformGuid.Data3;
-    std::copy(std::begin(platformGuid.Data4), std::end(platformGuid.Data4), result.data4.begin());
+    std::memcpy(static_cast<void*>(&result), &platformGuid, sizeof result);
     return result;
 }
 

@@ -58,10 +58,11 @@ public:
 
     /// Reads what text() writes, so that parse(text()) == *this. Members that this version does not know are ignored,
     /// and so is a byte order mark. A member that is null has no value.
-    /// @return Problem::Kind::unreadable with line and reason if @p text is none, is larger than 16 MiB or nests lists
-    /// and objects deeper than 64 levels; Problem::object() is empty
+    /// @return Problem::Kind::unreadable with line and reason if @p text is none, is larger than 16 MiB, has more than
+    /// 200,000 values, or nests lists and objects deeper than 64 levels; Problem::object() is empty
     static Result<Settings> parse(std::string_view text);
-    /// JSON that a person can read and change, one setting a line. Ill-formed UTF-8 in names becomes U+FFFD.
+    /// JSON that a person can read and change, one setting a line, levels in decibels. Levels that are not finite are
+    /// left out, and ill-formed UTF-8 becomes U+FFFD.
     std::string text() const;
 };
 

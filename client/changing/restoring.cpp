@@ -1,0 +1,271 @@
+#include "client/changing/restoring.h"
+
+#include <algorithm>
+
+namespace sonavit::changing
+{
+namespace
+{
+const char* const operation = "restore";
+
+Problem notThere(const std::string& object, const std::string& sentence)
+{
+    return {Problem::Kind::notThere, operation, object, sentence};
+}
+
+/// The endpoint that a reference means, if it is certain enough.
+Result<CardEndpoint> resolved(const Snapshot& snapshot, const Settings::EndpointSetting& setting)
+{
+    const Result<Reference> reference = Reference::parse(setting.reference);
+    if (!reference)
+        return reference.problem();
+    const Resolution resolution = resolve(snapshot, *reference);
+    const bool isCertain = resolution.kind == Resolution::Kind::exact || resolution.kind == Resolution::Kind::likely;
+    std::optional<CardEndpoint> best = isCertain ? resolution.best() : std::nullopt;
+    if (best)
+        return *std::move(best);
+    const bool isNone = resolution.kind == Resolution::Kind::none;
+    return Problem(isNone ? Problem::Kind::notThere : Problem::Kind::ambiguous, operation, setting.name,
+                   resolution.sentence());
+}
+
+/// The only one of @p all that @p isMeant; Problem::Kind::notThere or Kind::ambiguous.
+template<class T, class Question>
+Result<T> onlyOne(const std::vector<T>& all, const std::string& what, const Question& isMeant)
+{
+    const T* found = nullptr;
+    for (const T& each : all)
+    {
+        if (!isMeant(each))
+            continue;
+        if (found != nullptr)
+            return Problem(Problem::Kind::ambiguous, operation, what, "there are several of the name \"" + what + "\"");
+        found = &each;
+    }
+    if (found == nullptr)
+        return notThere(what, "there is no \"" + what + "\" now");
+    return *found;
+}
+
+/// The input with the number and the name of the setting; failing that, the one with the name, then the one with the
+/// number: numbers change with drivers, names with languages.
+Result<SelectorInput> inputOf(const Selector& selector, const Settings::SelectorSetting& setting)
+{
+    const auto hasNumber = [&](const SelectorInput& input) { return input.number && input.number == setting.input; };
+    const auto hasName = [&](const SelectorInput& input) { return input.title() == setting.inputName; };
+    const auto both = std::find_if(selector.inputs.begin(), selector.inputs.end(),
+                                   [&](const SelectorInput& input) { return hasNumber(input) && hasName(input); });
+    if (both != selector.inputs.end())
+        return *both;
+    const std::string name = setting.inputName.empty() ? std::to_string(setting.input.value_or(0)) : setting.inputName;
+    Result<SelectorInput> byName = onlyOne(selector.inputs, name, hasName);
+    if (byName)
+        return byName;
+    const auto byNumber = std::find_if(selector.inputs.begin(), selector.inputs.end(), hasNumber);
+    return byNumber == selector.inputs.end() ? byName : Result<SelectorInput>(*byNumber);
+}
+
+bool hasLevel(const Settings::ControlSetting& setting)
+{
+    return std::any_of(setting.channels.begin(), setting.channels.end(),
+                       [](const std::optional<Decibels>& level) { return level.has_value(); });
+}
+
+RestoredSetting::Outcome outcomeOf(const Problem& problem)
+{
+    switch (problem.kind())
+    {
+    case Problem::Kind::notThere:
+    case Problem::Kind::ambiguous:
+    case Problem::Kind::notSupported:
+    case Problem::Kind::unreadable:
+        return RestoredSetting::Outcome::notFound;
+    default:
+        return RestoredSetting::Outcome::failed;
+    }
+}
+}
+
+Restoring::Restoring(watching::Watcher& watcher, ChangeToken token)
+    : m_watcher(watcher),
+      m_token(token),
+      m_snapshot(watcher.latest()),
+      m_walk(notThere("", "the hardware was not read"))
+{
+}
+
+RestoreReport Restoring::restore(const Settings& settings)
+{
+    find(settings);
+    walkHardware();
+    for (const Place& place : m_places)
+    {
+        restoreVolume(place);
+        restoreControls(place);
+        restoreSelectors(place);
+    }
+    for (const CardId& card : m_changedCards)
+        m_watcher.publishHardwareChange(card, m_token);
+    return std::move(m_report);
+}
+
+void Restoring::find(const Settings& settings)
+{
+    for (const EndpointSetting& setting : settings.endpoints)
+        m_places.push_back({&setting, resolved(m_snapshot, setting)});
+}
+
+/// One walk through the cards whose hardware the settings concern.
+void Restoring::walkHardware()
+{
+    std::vector<Card> cards;
+    for (const Place& place : m_places)
+    {
+        const bool hasHardware = !place.setting->controls.empty() || !place.setting->selectors.empty();
+        if (!hasHardware || !place.now)
+            continue;
+        const bool isThere = std::any_of(cards.begin(), cards.end(),
+                                         [&](const Card& card) { return card.id() == place.now->card.id(); });
+        if (!isThere)
+            cards.push_back(place.now->card);
+    }
+    if (!cards.empty())
+        m_walk = m_watcher.walk(operation, cards);
+}
+
+void Restoring::restoreVolume(const Place& place)
+{
+    const FormerLevels levels{place.setting->channels, place.setting->master};
+    const std::optional<bool>& isMuted = place.setting->isMuted;
+    if (levels.isEmpty() && !isMuted)
+        return;
+    const Result<reading::EndpointReading*> reading = place.now
+                                                          ? m_watcher.endpoint(operation, place.now->endpoint.id())
+                                                          : Result<reading::EndpointReading*>(place.now.problem());
+    bool isChanged = false;
+    const auto change = [&](const std::string& what, const auto& setter)
+    {
+        ChangeContext context = newContext();
+        note(place, what, reading ? setter(**reading, context) : Result<Volume>(reading.problem()), context);
+        isChanged = isChanged || context.isUsed();
+    };
+    if (!levels.isEmpty())
+        change("volume", [&](auto& now, ChangeContext& context) { return putBack(now, levels, context); });
+    if (isMuted)
+        change("mute", [&](auto& now, ChangeContext& context)
+               { return changeMute(now, *isMuted ? MuteChange::on : MuteChange::off, context); });
+    if (reading)
+        m_watcher.publishChange(place.now->endpoint.id(), isChanged ? m_token : 0);
+}
+
+void Restoring::restoreControls(const Place& place)
+{
+    if (place.setting->controls.empty())
+        return;
+    std::vector<Control> controls;
+    if (place.now && m_walk)
+        controls = (*m_walk)->controls(place.now->endpoint.id());
+    for (const ControlSetting& setting : place.setting->controls)
+        restoreControl(place, setting, control(place, controls, setting));
+}
+
+void Restoring::restoreControl(const Place& place, const ControlSetting& setting, const Result<Control>& control)
+{
+    const auto change = [&](const std::string& what, const auto& open, const auto& setter)
+    {
+        ChangeContext context = newContext();
+        const auto object = control ? open(**m_walk) : decltype(open(**m_walk))();
+        const Result<Done> result =
+            !control ? Result<Done>(control.problem())
+            : object.get() == nullptr
+                ? Result<Done>(notThere(setting.id, "the control \"" + setting.name + "\" has no " + what))
+                : setter(*object, context);
+        note(place, what == "mute" ? setting.name + ", mute" : setting.name, result, context);
+        if (context.isUsed())
+            m_changedCards.insert(place.now->card.id());
+    };
+    if (hasLevel(setting))
+        change(
+            "level", [&](const reading::HardwareWalk& walk) { return walk.level(control->id); },
+            [&](IAudioVolumeLevel& level, ChangeContext& context) {
+                return putBack(*control, level, FormerLevels{setting.channels, {}}, context);
+            });
+    if (setting.isMuted)
+        change(
+            "mute", [&](const reading::HardwareWalk& walk) { return walk.mute(control->id); },
+            [&](IAudioMute& mute, ChangeContext& context)
+            { return changeControlMute(*control, mute, *setting.isMuted, context); });
+}
+
+void Restoring::restoreSelectors(const Place& place)
+{
+    for (const SelectorSetting& setting : place.setting->selectors)
+    {
+        if (!setting.input && setting.inputName.empty())
+            continue;
+        ChangeContext context = newContext();
+        const auto restored = [&]() -> Result<Done>
+        {
+            const Result<Selector> found = selector(place, setting);
+            if (!found)
+                return found.problem();
+            const Result<SelectorInput> input = inputOf(*found, setting);
+            if (!input)
+                return input.problem();
+            const COMPtr<IAudioInputSelector>::pointer platform = (*m_walk)->selector(found->id);
+            if (platform.get() == nullptr)
+                return notThere(setting.id, "the selector cannot be opened");
+            return choose(*found, *platform, *input, context);
+        };
+        note(place, setting.name, restored(), context);
+        if (context.isUsed())
+            m_changedCards.insert(place.now->card.id());
+    }
+}
+
+Result<Control> Restoring::control(const Place& place, const std::vector<Control>& controls,
+                                   const ControlSetting& setting) const
+{
+    if (!place.now)
+        return place.now.problem();
+    if (!m_walk)
+        return m_walk.problem();
+    const ControlId id(setting.id);
+    const auto found =
+        std::find_if(controls.begin(), controls.end(), [&](const Control& control) { return control.id == id; });
+    if (found != controls.end())
+        return *found;
+    return onlyOne(controls, setting.name, [&](const Control& control) { return control.title() == setting.name; });
+}
+
+Result<Selector> Restoring::selector(const Place& place, const SelectorSetting& setting) const
+{
+    if (!place.now)
+        return place.now.problem();
+    if (!m_walk)
+        return m_walk.problem();
+    const std::vector<Selector> selectors = (*m_walk)->selectors(place.now->card.id());
+    const SelectorId id(setting.id);
+    const auto found =
+        std::find_if(selectors.begin(), selectors.end(), [&](const Selector& selector) { return selector.id == id; });
+    if (found != selectors.end())
+        return *found;
+    return onlyOne(selectors, setting.name, [&](const Selector& selector) { return selector.title() == setting.name; });
+}
+
+template<class T>
+void Restoring::note(const Place& place, const std::string& what, const Result<T>& result, const ChangeContext& context)
+{
+    m_isChanged = m_isChanged || context.isUsed();
+    RestoredSetting setting;
+    setting.what = place.setting->name + ": " + what;
+    if (result)
+        setting.outcome = context.isUsed() ? RestoredSetting::Outcome::restored : RestoredSetting::Outcome::unchanged;
+    else
+    {
+        setting.outcome = outcomeOf(result.problem());
+        setting.problem = result.problem();
+    }
+    m_report.settings.push_back(std::move(setting));
+}
+}
