@@ -71,8 +71,7 @@ IAudioInputSelector* HardwareMap::selector(std::size_t part)
 bool HardwareMap::hasPath(HardwareDevice& device, std::size_t from, std::size_t to)
 {
     IPartsList* path = nullptr;
-    const HRESULT result =
-        device.topology->GetSignalPath(parts[from].part.get(), parts[to].part.get(), TRUE, &path);
+    const HRESULT result = device.topology->GetSignalPath(parts[from].part.get(), parts[to].part.get(), TRUE, &path);
     const bool isThere =
         Judge(device.facts.id, device.problems).gives(result, path, {"IDeviceTopology::GetSignalPath"}, {E_NOTFOUND});
     const COMPtr<IPartsList>::pointer holder(isThere ? path : nullptr);
@@ -91,10 +90,10 @@ bool HardwareMap::areLinked(std::size_t device, std::size_t first, std::size_t s
     {
         owner.paths.assign(count * count, unknown);
         if (owner.connectors.size() > count)
-            owner.problems.push_back(Problem(
-                Problem::Kind::outOfRange, "IDeviceTopology::GetSignalPath", owner.facts.id,
-                "the device has " + std::to_string(owner.connectors.size()) +
-                    " connectors; signal paths are read between the first " + std::to_string(count)));
+            owner.problems.push_back(
+                Problem(Problem::Kind::outOfRange, "IDeviceTopology::GetSignalPath", owner.facts.id,
+                        "the device has " + std::to_string(owner.connectors.size()) +
+                            " connectors; signal paths are read between the first " + std::to_string(count)));
     }
     signed char& known = owner.paths[first * count + second];
     if (known == unknown)

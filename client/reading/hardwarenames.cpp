@@ -76,22 +76,25 @@ Result<Thing> named(const std::vector<Thing>& things, const NameSearch& search)
 
 Result<Control> controlNamed(const std::vector<Control>& controls, std::string_view text)
 {
-    const auto found = std::find_if(controls.begin(), controls.end(), [&](const Control& control)
-                                    { return !text.empty() && compareIds(control.id.text(), text) == 0; });
+    const auto found =
+        std::find_if(controls.begin(), controls.end(),
+                     [&](const Control& control) { return !text.empty() && compareIds(control.id.text(), text) == 0; });
     return found == controls.end() ? named(controls, NameSearch("setControl", "control", text)) : *found;
 }
 
 Result<Selector> selectorNamed(const std::vector<Selector>& selectors, std::string_view text)
 {
-    const auto found = std::find_if(selectors.begin(), selectors.end(), [&](const Selector& selector)
+    const auto found = std::find_if(selectors.begin(), selectors.end(),
+                                    [&](const Selector& selector)
                                     { return !text.empty() && compareIds(selector.id.text(), text) == 0; });
     return found == selectors.end() ? named(selectors, NameSearch("select", "selector", text)) : *found;
 }
 
 Result<SelectorInput> inputNamed(const Selector& selector, std::string_view text)
 {
-    const auto found = std::find_if(selector.inputs.begin(), selector.inputs.end(), [&](const SelectorInput& input)
-                                    { return input.number && std::to_string(*input.number) == text; });
+    const auto found =
+        std::find_if(selector.inputs.begin(), selector.inputs.end(),
+                     [&](const SelectorInput& input) { return input.number && std::to_string(*input.number) == text; });
     return found == selector.inputs.end() ? named(selector.inputs, NameSearch("select", "input", text)) : *found;
 }
 }

@@ -43,8 +43,8 @@ Judge HardwareReader::judgeOfPart(std::size_t part)
     return {m_map.objectOf(part), m_map.parts[part].problems};
 }
 
-/// The position of a part, which is new unless a part with the same id is known, or one with the same number in the same
-/// device where one of the two has no id. HardwarePart::none if there are too many parts.
+/// The position of a part, which is new unless a part with the same id is known, or one with the same number in the
+/// same device where one of the two has no id. HardwarePart::none if there are too many parts.
 std::size_t HardwareReader::addPart(Part part, std::size_t device, Place place)
 {
     HardwarePart found;
@@ -135,8 +135,7 @@ void HardwareReader::readSide(std::size_t part, HardwarePart::Side HardwarePart:
     found.isRead = true;
     const bool isIncoming = side == &HardwarePart::incoming;
     IPartsList* list = nullptr;
-    const HRESULT result =
-        isIncoming ? known.part->EnumPartsIncoming(&list) : known.part->EnumPartsOutgoing(&list);
+    const HRESULT result = isIncoming ? known.part->EnumPartsIncoming(&list) : known.part->EnumPartsOutgoing(&list);
     const char* const name = isIncoming ? "IPart::EnumPartsIncoming" : "IPart::EnumPartsOutgoing";
     if (!judgeOfPart(part).gives(result, list, {name}, {E_NOTFOUND}))
         return;
@@ -234,8 +233,7 @@ void HardwareReader::readSurroundings()
 
 bool HardwareReader::isNextToVolume(const HardwarePart& part) const
 {
-    const auto isVolume = [&](std::size_t neighbour)
-    { return isOfType(m_map.parts[neighbour], KSNODETYPE_VOLUME); };
+    const auto isVolume = [&](std::size_t neighbour) { return isOfType(m_map.parts[neighbour], KSNODETYPE_VOLUME); };
     return std::any_of(part.incoming.parts.begin(), part.incoming.parts.end(), isVolume) ||
            std::any_of(part.outgoing.parts.begin(), part.outgoing.parts.end(), isVolume);
 }

@@ -209,6 +209,7 @@ void HardwareReader::readFarDevice(std::size_t device, IMMDevice& platformDevice
     readProperties(reading);
     for (const EndpointProblem& problem : reading.content.problems)
         known.problems.push_back(problem.problem);
+    known.problems.insert(known.problems.end(), reading.busProblems.begin(), reading.busProblems.end());
     known.facts.state = reading.content.state;
     known.facts.name = Endpoint(std::move(reading.content)).title();
 }
@@ -281,8 +282,7 @@ void HardwareReader::followConnector(std::size_t part)
         return;
     m_map.devices[known.device].leadsTo.push_back(device);
     m_joinedDevices.emplace_back(known.device, device);
-    const std::size_t peerPart =
-        hasPeer ? addConnector(peer, device, Place::graph) : HardwarePart::none;
+    const std::size_t peerPart = hasPeer ? addConnector(peer, device, Place::graph) : HardwarePart::none;
     if (peerPart == HardwarePart::none)
         m_map.edges.push_back({Graph::Edge::Kind::join, part, std::nullopt, device});
     else
@@ -299,21 +299,27 @@ std::string HardwareReader::farDeviceId(std::size_t part, IConnector& connector,
             *id.get() != 0)
             return utf8(id.get());
     }
-    if (peer == nullptr)
-        return {};
+    return peer == nullptr ? std::string() : ownerOf(*peer, part);
+}
+
+/// The device of the connector on the far side of @p part, as its topology reports it.
+std::string HardwareReader::ownerOf(IConnector& peer, std::size_t part)
+{
     IPart* peerPart = nullptr;
-    HRESULT result = interfacequery::query(*peer, peerPart);
+    HRESULT result = interfacequery::query(peer, peerPart);
     if (!judgeOfPart(part).gives(result, peerPart, {"IConnector::QueryInterface", "IPart"}))
         return {};
     const Part holder(peerPart);
+    const std::string peerId = readId(*peerPart, m_map.parts[part].device);
+    Judge judge(peerId.empty() ? m_map.objectOf(part) : peerId, m_map.parts[part].problems);
     IDeviceTopology* topology = nullptr;
     result = peerPart->GetTopologyObject(&topology);
-    if (!judgeOfPart(part).gives(result, topology, {"IPart::GetTopologyObject"}))
+    if (!judge.gives(result, topology, {"IPart::GetTopologyObject"}))
         return {};
     const COMPtr<IDeviceTopology>::pointer topologyHolder(topology);
     TaskText id(TaskText::NullText::skipped);
     result = topology->GetDeviceId(id.put());
-    return judgeOfPart(part).gives(result, *id.put(), {"IDeviceTopology::GetDeviceId"}) ? utf8(id.get()) : std::string();
+    return judge.gives(result, *id.put(), {"IDeviceTopology::GetDeviceId"}) ? utf8(id.get()) : std::string();
 }
 
 /// Both ends report a join; the second report is ignored. It points the way that the sound flows, as far as it is

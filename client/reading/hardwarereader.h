@@ -61,6 +61,7 @@ private:
     std::size_t addConnector(const COMPtr<IConnector>::pointer& connector, std::size_t device, Place place);
     void followConnector(std::size_t part);
     std::string farDeviceId(std::size_t part, IConnector& connector, IConnector* peer);
+    std::string ownerOf(IConnector& peer, std::size_t part);
     void join(std::size_t part, std::size_t peer);
     void openThroughPeer(std::size_t device);
 

@@ -78,8 +78,7 @@ Selector HardwareValues::selector(const SelectorPlace& place)
         const std::vector<Problem>& problems = m_map.parts[source].problems;
         std::copy_if(problems.begin(), problems.end(), std::back_inserter(selector.problems), concernsNames);
     }
-    selector.selection =
-        readSelection(*m_map.selector(place.part), {m_map.objectOf(place.part), selector.problems});
+    selector.selection = readSelection(*m_map.selector(place.part), {m_map.objectOf(place.part), selector.problems});
     return selector;
 }
 
@@ -114,6 +113,27 @@ std::size_t HardwareValues::sourceConnector(std::size_t part) const
         }
     }
     return HardwarePart::none;
+}
+
+/// All parts are found first, as that activates interfaces, and what fails then belongs to the problems of the parts.
+Hardware HardwareValues::hardware(const CardId& card, const std::vector<EndpointId>& endpoints)
+{
+    Hardware hardware;
+    hardware.card = card;
+    std::vector<std::vector<ControlPlace>> controlPlaces;
+    for (const EndpointId& endpoint : endpoints)
+        controlPlaces.push_back(controlsOf(m_map, endpoint));
+    const std::vector<SelectorPlace> selectorPlaces = selectorsOf(m_map, endpoints);
+    for (std::size_t i = 0; i < endpoints.size(); ++i)
+    {
+        hardware.controls.push_back({endpoints[i], {}});
+        for (const ControlPlace& place : controlPlaces[i])
+            hardware.controls.back().controls.push_back(control(place));
+    }
+    for (const SelectorPlace& place : selectorPlaces)
+        hardware.selectors.push_back(selector(place));
+    hardware.problems = otherProblems(endpoints);
+    return hardware;
 }
 
 std::vector<Problem> HardwareValues::otherProblems(const std::vector<EndpointId>& endpoints) const

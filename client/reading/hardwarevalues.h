@@ -7,6 +7,7 @@
 #include "client/reading/judge.h"
 #include "sonavit/control.h"
 #include "sonavit/graph.h"
+#include "sonavit/snapshot.h"
 
 #include <cstddef>
 #include <string_view>
@@ -23,11 +24,12 @@ public:
     Graph graph();
     std::vector<Control> controls(const EndpointId& endpoint);
     std::vector<Selector> selectors(const std::vector<EndpointId>& endpoints);
+    Hardware hardware(const CardId& card, const std::vector<EndpointId>& endpoints);
+
+private:
     /// The problems of the walk with the devices that belong to the endpoints, but for those with the parts whose
     /// problems the values contain.
     std::vector<Problem> otherProblems(const std::vector<EndpointId>& endpoints) const;
-
-private:
     Control control(const ControlPlace& place);
     Selector selector(const SelectorPlace& place);
     SelectorInput input(std::size_t part) const;

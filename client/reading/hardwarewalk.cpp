@@ -5,6 +5,8 @@
 #include "client/reading/hardwarevalues.h"
 
 #include <algorithm>
+#include <set>
+#include <utility>
 
 namespace sonavit::reading
 {
@@ -53,15 +55,7 @@ std::vector<Selector> HardwareWalk::selectors(const CardId& card) const
 
 Hardware HardwareWalk::hardware(const CardId& card) const
 {
-    const std::vector<EndpointId>& endpoints = m_state->endpointsOf(card);
-    HardwareValues values(m_state->map);
-    Hardware hardware;
-    hardware.card = card;
-    for (const EndpointId& endpoint : endpoints)
-        hardware.controls.push_back({endpoint, values.controls(endpoint)});
-    hardware.selectors = values.selectors(endpoints);
-    hardware.problems = values.otherProblems(endpoints);
-    return hardware;
+    return HardwareValues(m_state->map).hardware(card, m_state->endpointsOf(card));
 }
 
 COMPtr<IAudioVolumeLevel>::pointer HardwareWalk::level(const ControlId& control) const
@@ -92,29 +86,39 @@ COMPtr<IAudioInputSelector>::pointer HardwareWalk::selector(const SelectorId& se
     return map.parts[part].selector.object;
 }
 
-std::vector<COMPtr<IPart>::pointer> HardwareWalk::changingParts(const CardId& card) const
+std::vector<HardwareWalk::ChangingControl> HardwareWalk::changingControls(const CardId& card) const
 {
     HardwareMap& map = m_state->map;
     const std::vector<EndpointId>& endpoints = m_state->endpointsOf(card);
-    std::vector<COMPtr<IPart>::pointer> parts;
-    std::vector<bool> isAdded(map.parts.size(), false);
-    const auto add = [&](std::size_t part)
+    std::vector<ChangingControl> parts;
+    std::set<std::pair<std::size_t, const IID*>> added;
+    const auto add = [&](std::size_t part, const IID& control)
     {
-        if (part == HardwarePart::none || isAdded[part])
-            return;
-        isAdded[part] = true;
-        parts.push_back(map.parts[part].part);
+        if (part != HardwarePart::none && added.emplace(part, &control).second)
+            parts.push_back({map.parts[part].part, control});
     };
     for (const EndpointId& endpoint : endpoints)
     {
         for (const ControlPlace& control : controlsOf(map, endpoint))
         {
-            add(control.level);
-            add(control.mute);
+            add(control.level, IID_IAudioVolumeLevel);
+            add(control.mute, IID_IAudioMute);
         }
     }
     for (const SelectorPlace& selector : selectorsOf(map, endpoints))
-        add(selector.part);
+        add(selector.part, IID_IAudioInputSelector);
+    return parts;
+}
+
+std::vector<COMPtr<IPart>::pointer> HardwareWalk::changingParts(const CardId& card) const
+{
+    std::vector<COMPtr<IPart>::pointer> parts;
+    for (const ChangingControl& control : changingControls(card))
+    {
+        const auto isSame = [&](const auto& part) { return part.get() == control.part.get(); };
+        if (std::none_of(parts.begin(), parts.end(), isSame))
+            parts.push_back(control.part);
+    }
     return parts;
 }
 }

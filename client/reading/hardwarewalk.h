@@ -36,7 +36,16 @@ public:
     COMPtr<IAudioVolumeLevel>::pointer level(const ControlId& control) const;
     COMPtr<IAudioMute>::pointer mute(const ControlId& control) const;
     COMPtr<IAudioInputSelector>::pointer selector(const SelectorId& selector) const;
-    /// The part itself, for IPart::RegisterControlChangeCallback: of a level, of the mute next to it, of a selector.
+    /// A part, and the interface of that of its controls whose changes are meant.
+    struct ChangingControl
+    {
+        COMPtr<IPart>::pointer part;
+        IID control;
+    };
+
+    /// For IPart::RegisterControlChangeCallback: the levels, the mutes next to them, and the selectors.
+    std::vector<ChangingControl> changingControls(const CardId& card) const;
+    /// Their parts, each once.
     std::vector<COMPtr<IPart>::pointer> changingParts(const CardId& card) const;
 
 private:

@@ -3,6 +3,7 @@
 #include "client/reading/text.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace sonavit::reading
 {
@@ -65,20 +66,27 @@ EndpointId readId(const WaveFunctions& wave, UINT number, std::vector<Problem>& 
 }
 }
 
-WaveIds readWaveIds()
+WaveIds readWaveIds(Flow flow)
 {
     WaveIds all;
-    for (std::size_t flow = 0; flow < functions.size(); ++flow)
+    const WaveFunctions& wave = functions[static_cast<std::size_t>(flow)];
+    const UINT count = wave.count();
+    if (count > mostNumbers)
     {
-        const UINT count = functions[flow].count();
-        if (count > mostNumbers)
-        {
-            all.problems.push_back(failure({functions[flow].countName}, {}, invalidData));
-            continue;
-        }
-        for (UINT number = 0; number < count; ++number)
-            all.ids[flow].push_back(readId(functions[flow], number, all.problems));
+        all.problems.push_back(failure({wave.countName}, {}, invalidData));
+        return all;
     }
+    for (UINT number = 0; number < count; ++number)
+        all.ids[static_cast<std::size_t>(flow)].push_back(readId(wave, number, all.problems));
+    return all;
+}
+
+WaveIds readWaveIds()
+{
+    WaveIds all = readWaveIds(Flow::output);
+    WaveIds inputs = readWaveIds(Flow::input);
+    all.ids[static_cast<std::size_t>(Flow::input)] = std::move(inputs.ids[static_cast<std::size_t>(Flow::input)]);
+    all.problems.insert(all.problems.end(), inputs.problems.begin(), inputs.problems.end());
     return all;
 }
 }

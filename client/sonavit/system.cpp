@@ -155,9 +155,20 @@ std::size_t System::poll(std::chrono::milliseconds timeout)
     return m_state->hub->poll(worker::deadlineAfter(m_state->clock->now(), timeout));
 }
 
-Result<Watch> System::watch(const CardId&)
+Result<Watch> System::watch(const CardId& card)
 {
-    return Problem(Problem::Kind::notSupported, "watch", "", "not yet");
+    const auto task = [card](watching::Watcher& watcher) -> Result<Watch>
+    {
+        const Result<std::uint64_t> number = watcher.watch(card);
+        if (!number)
+            return number.problem();
+        auto state = std::make_shared<Watch::State>();
+        state->watcher = watcher.weak_from_this();
+        state->worker = watcher.worker();
+        state->number = *number;
+        return Watch(std::move(state));
+    };
+    return m_state->run<Watch>("watch", card.text(), worker::Urgency::reading, task);
 }
 }
 }

@@ -45,7 +45,10 @@ std::string quoted(std::string_view text);
 std::string shortened(const std::string& text, std::size_t width);
 
 // These fold the letters A to Z alone, as the platform does with ids.
-char lowerCase(char character) noexcept;
+inline char lowerCase(char character) noexcept
+{
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+}
 std::string lowerCase(std::string_view text);
 bool equalNoCase(std::string_view left, std::string_view right) noexcept;
 
@@ -61,10 +64,7 @@ public:
     template<class T>
     Fields& add(const char* name, const T& value)
     {
-        if constexpr (std::is_integral_v<T>)
-            begin(name) << std::to_string(value); // a stream may write 48000 as 48,000
-        else
-            begin(name) << value;
+        write(begin(name), value);
         return *this;
     }
     Fields& add(const char* name, const std::string& value) { return addText(name, value); }
@@ -84,7 +84,8 @@ public:
         const char* before = "[";
         for (const T& value : values)
         {
-            out << before << value;
+            out << before;
+            write(out, value);
             before = ", ";
         }
         out << "]";
@@ -92,6 +93,14 @@ public:
     }
 
 private:
+    template<class T>
+    static void write(std::ostream& out, const T& value)
+    {
+        if constexpr (std::is_integral_v<T>)
+            out << std::to_string(value); // a stream may write 48000 as 48,000
+        else
+            out << value;
+    }
     Fields& addText(const char* name, std::string_view value);
     std::ostream& begin(const char* name);
 

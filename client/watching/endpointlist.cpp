@@ -114,7 +114,7 @@ void EndpointList::reopen(std::size_t index, IMMDeviceEnumerator& enumerator)
     reading::readJacks(reading);
 }
 
-void EndpointList::tell(const reading::Defaults& defaults, const reading::WaveIds& waveIds)
+void EndpointList::tell(const reading::Defaults& defaults, const std::array<reading::WaveIds, 2>& waveIds)
 {
     for (reading::EndpointReading& reading : m_readings)
     {
@@ -134,9 +134,10 @@ void EndpointList::tell(const reading::Defaults& defaults, const reading::WaveId
             if (Endpoint::Content* const content = place(defaults.ids[flow][static_cast<std::size_t>(role)]))
                 content->roles.add(role);
         }
-        for (std::size_t number = 0; number < waveIds.ids[flow].size(); ++number)
+        const std::vector<EndpointId>& numbers = waveIds[flow].ids[flow];
+        for (std::size_t number = 0; number < numbers.size(); ++number)
         {
-            Endpoint::Content* const content = place(waveIds.ids[flow][number]);
+            Endpoint::Content* const content = place(numbers[number]);
             if (content != nullptr && !content->waveId)
                 content->waveId = static_cast<std::uint32_t>(number);
         }

@@ -6,6 +6,7 @@
 #include "client/watching/inbox.h"
 #include "client/watching/registrations.h"
 
+#include <array>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -34,7 +35,7 @@ public:
     /// Reads what was announced of an endpoint, and what follows from that; opens it anew if it was away.
     void read(std::size_t index, unsigned announced, IMMDeviceEnumerator& enumerator);
     /// Tells each endpoint for which roles it is the default and which device number it has.
-    void tell(const reading::Defaults& defaults, const reading::WaveIds& waveIds);
+    void tell(const reading::Defaults& defaults, const std::array<reading::WaveIds, 2>& waveIds);
     /// Ends all registrations and releases everything.
     void clear() noexcept;
 

@@ -77,11 +77,12 @@ void Inbox::noteLevel(LPCWSTR id, std::uint32_t watch, const GUID* context) noex
     m_alarm->ring(std::move(lock));
 }
 
-void Inbox::noteDefaults() noexcept
+void Inbox::noteDefaults(EDataFlow flow) noexcept
 {
     const Clock::Time now = m_clock->now();
     std::unique_lock<std::mutex> lock(m_alarm->mutex);
-    m_areDefaults = true;
+    m_defaults[0] = m_defaults[0] || flow != eCapture;
+    m_defaults[1] = m_defaults[1] || flow != eRender;
     markRest(now);
     m_alarm->ring(std::move(lock));
 }
@@ -150,7 +151,7 @@ Noted Inbox::take(bool isAll)
         m_firstLevel = Clock::never;
         if (isAll)
         {
-            noted.areDefaults = std::exchange(m_areDefaults, false);
+            noted.defaults = std::exchange(m_defaults, {});
             noted.isEverything = std::exchange(m_isEverything, false);
             m_firstOfRest = Clock::never;
             m_lastOfRest = Clock::never;
@@ -164,6 +165,21 @@ Noted Inbox::take(bool isAll)
             noted.endpoints.push_back({EndpointId(reading::utf8(slot.id.data(), slot.length)), slot.announced, causeOf(slot)});
     }
     return noted;
+}
+
+bool Inbox::isChangedByOther(const EndpointId& endpoint) const
+{
+    const std::lock_guard<std::mutex> lock(m_alarm->mutex);
+    const auto isMeant = [&](const Slot& slot)
+    { return slot.isByOther && EndpointId(reading::utf8(slot.id.data(), slot.length)) == endpoint; };
+    return std::any_of(m_slots.begin(), m_slots.end(), isMeant);
+}
+
+bool Inbox::isChangedByOther(std::uint32_t watch) const
+{
+    const std::lock_guard<std::mutex> lock(m_alarm->mutex);
+    const auto isMeant = [&](const Slot& slot) { return slot.isByOther && slot.length == 0 && slot.watch == watch; };
+    return std::any_of(m_slots.begin(), m_slots.end(), isMeant);
 }
 
 Cause Inbox::causeOf(const Slot& slot)

@@ -46,12 +46,12 @@ struct Noted
 
     std::vector<OfEndpoint> endpoints;
     std::vector<OfHardware> hardware;
-    bool areDefaults = false;  ///< a default changed
-    bool isEverything = false; ///< more was announced than can be noted
+    std::array<bool, 2> defaults = {}; ///< by flow: a default changed
+    bool isEverything = false;         ///< more was announced than can be noted
 
     bool isEmpty() const noexcept
     {
-        return endpoints.empty() && hardware.empty() && !areDefaults && !isEverything;
+        return endpoints.empty() && hardware.empty() && !defaults[0] && !defaults[1] && !isEverything;
     }
 };
 
@@ -83,13 +83,16 @@ public:
     void noteEndpoint(LPCWSTR id, unsigned announced) noexcept;
     void noteVolume(LPCWSTR id, const GUID* context) noexcept;
     void noteHardware(std::uint32_t watch, const GUID* context) noexcept;
-    void noteDefaults() noexcept;
+    void noteDefaults(EDataFlow flow) noexcept;
 
     // For the worker.
     void noteEverything() noexcept;
     const EventContexts& context() const noexcept { return m_context; }
     /// All that is noted, or only what concerns levels.
     Noted take(bool isAll);
+    /// Whether another program has changed that volume or that hardware, and nobody has read it yet.
+    bool isChangedByOther(const EndpointId& endpoint) const;
+    bool isChangedByOther(std::uint32_t watch) const;
     /// When levels have to be read, and the rest; Clock::never if nothing is noted.
     Clock::Time levelsDue(Clock::Time lastReading) const;
     Clock::Time restDue() const;
@@ -119,7 +122,7 @@ private:
 
     // Guarded by the alarm's mutex.
     std::vector<Slot> m_slots; ///< of fixed capacity
-    bool m_areDefaults = false;
+    std::array<bool, 2> m_defaults = {};
     bool m_isEverything = false;
     Clock::Time m_firstLevel = Clock::never;
     Clock::Time m_firstOfRest = Clock::never;

@@ -14,6 +14,21 @@ using namespace std::chrono_literals;
 /// When to try again what was announced and cannot be read.
 constexpr std::array<std::chrono::milliseconds, 6> retryAfter = {250ms, 500ms, 1000ms, 2000ms, 4000ms, 8000ms};
 constexpr auto pauseAfterException = 250ms;
+
+/// @p cause without what was published when it was made: the platform announces that nevertheless.
+template<class Id>
+Cause withoutPublished(Cause cause, const std::map<Id, ChangeToken>& published, const Id& id)
+{
+    const auto last = published.find(id);
+    if (last == published.end())
+        return cause;
+    const auto isPublished = [&](ChangeToken token) { return token <= last->second; };
+    cause.tokens.erase(std::remove_if(cause.tokens.begin(), cause.tokens.end(), isPublished), cause.tokens.end());
+    const bool isByOther = cause.origin == Origin::other || cause.origin == Origin::both;
+    if (cause.tokens.empty())
+        cause.origin = isByOther ? Origin::other : Origin::unknown;
+    return cause;
+}
 }
 
 worker::Clock::Time Watcher::step(Clock::Time now) noexcept
@@ -114,6 +129,14 @@ void Watcher::read(const Noted& noted)
     if (noted.isEverything)
     {
         readEverything();
+        for (const Noted::OfEndpoint& each : noted.endpoints)
+        {
+            noteCause(each);
+            if (const std::optional<std::size_t> index = m_endpoints.find(each.id))
+                judgeReading(*index, m_endpoints[*index].content.problems);
+            else
+                judgeAbsence(each);
+        }
         return;
     }
     const auto changesList = [this](const Noted::OfEndpoint& each)
@@ -124,19 +147,36 @@ void Watcher::read(const Noted& noted)
     const bool isListRead = std::any_of(noted.endpoints.begin(), noted.endpoints.end(), changesList);
     if (isListRead && !readNewOnes())
         return;
-    bool areNumbersRead = isListRead || noted.areDefaults;
+    for (const Noted::OfHardware& each : noted.hardware)
+        readHardware(each);
+    std::array<bool, 2> flows = {isListRead, isListRead}; // in which device numbers may have changed
     for (const Noted::OfEndpoint& each : noted.endpoints)
-        areNumbersRead = readNoted(each) || areNumbersRead;
-    if ((isListRead || noted.areDefaults) && !readDefaults())
+    {
+        if (const std::optional<Flow> flow = readNoted(each))
+            flows[static_cast<std::size_t>(*flow)] = true;
+    }
+    const bool areDefaultsRead = isListRead || noted.defaults[0] || noted.defaults[1];
+    if (areDefaultsRead && !readDefaults())
         return;
-    if (areNumbersRead)
-        m_waveIds = reading::readWaveIds();
-    m_isRegrouping = m_isRegrouping || areNumbersRead;
+    for (std::size_t flow = 0; flow < flows.size(); ++flow)
+        flows[flow] = flows[flow] || noted.defaults[flow];
+    readWaveIds(flows);
+}
+
+/// The numbers follow the active endpoints and the defaults.
+void Watcher::readWaveIds(const std::array<bool, 2>& flows)
+{
+    for (const Flow flow : allFlows)
+    {
+        if (!flows[static_cast<std::size_t>(flow)])
+            continue;
+        m_waveIds[static_cast<std::size_t>(flow)] = reading::readWaveIds(flow);
+        m_isRegrouping = true;
+    }
 }
 
 void Watcher::readEverything()
 {
-    m_retries.clear();
     if (!readList())
         return;
     for (std::size_t index = 0; index < m_endpoints.size(); ++index)
@@ -146,7 +186,7 @@ void Watcher::readEverything()
         m_endpoints.read(index);
     }
     if (readDefaults())
-        m_waveIds = reading::readWaveIds();
+        readWaveIds({true, true});
 }
 
 /// Reads which endpoints there are. @return the new ones, which are opened; no value if the service has gone
@@ -155,8 +195,11 @@ std::optional<std::vector<EndpointId>> Watcher::readList()
     reading::Listing listing = reading::listEndpoints(*m_enumerator);
     if (isServiceLost(listing.problems))
         return std::nullopt;
-    if (!listing.problems.empty() && listing.problems != m_listProblems)
+    const bool isRetried = m_retries.count(EndpointId()) > 0;
+    if (!listing.problems.empty() && (isRetried || listing.problems != m_listProblems))
         retryLater(EndpointId());
+    else
+        m_retries.erase(EndpointId());
     m_listProblems = std::move(listing.problems);
     m_isRegrouping = true;
     return m_endpoints.replace(std::move(listing.endpoints));
@@ -177,16 +220,14 @@ bool Watcher::readNewOnes()
     return true;
 }
 
-/// @return whether device numbers may have changed with it
-bool Watcher::readNoted(const Noted::OfEndpoint& noted)
+/// @return the flow, if device numbers may have changed with it
+std::optional<Flow> Watcher::readNoted(const Noted::OfEndpoint& noted)
 {
     const std::optional<std::size_t> index = m_endpoints.find(noted.id);
     if (!index)
     {
-        // Either it has gone again or it cannot be listed yet.
-        if ((noted.announced & (announcedArrival | announcedState)) != 0)
-            retryLater(noted.id);
-        return false;
+        judgeAbsence(noted);
+        return std::nullopt;
     }
     const Endpoint::Content& content = m_endpoints[*index].content;
     const std::vector<EndpointProblem> formerProblems = content.problems;
@@ -195,21 +236,67 @@ bool Watcher::readNoted(const Noted::OfEndpoint& noted)
     m_endpoints.read(*index, noted.announced, *m_enumerator);
     judgeReading(*index, formerProblems);
     m_changed.push_back(noted.id);
-    if ((noted.announced & announcedVolume) != 0)
-        note(m_causes, noted.id, noted.cause);
+    noteCause(noted);
     m_isRegrouping = m_isRegrouping || (noted.announced & ~announcedVolume) != 0;
-    return content.state != formerState || content.incarnation != formerIncarnation;
+    const bool isMoved = content.state != formerState || content.incarnation != formerIncarnation;
+    return isMoved ? std::optional<Flow>(content.flow) : std::nullopt;
 }
 
-/// Whether what was announced could be read: tries again later if there are problems that were not there before.
+void Watcher::noteCause(const Noted::OfEndpoint& noted)
+{
+    if ((noted.announced & announcedVolume) != 0)
+        note(m_causes, noted.id, withoutPublished(noted.cause, m_publishedChanges, noted.id));
+}
+
+/// Levels in the hardware may be those of endpoints, too, and jacks have no events of their own.
+void Watcher::readHardware(const Noted::OfHardware& noted)
+{
+    const std::optional<CardId> card = m_watches.read(noted.watch);
+    if (!card)
+        return;
+    const Cause cause = withoutPublished(noted.cause, m_publishedHardwareChanges, *card);
+    note(m_hardwareCauses, *card, cause);
+    const std::vector<EndpointId> changed = readVolumesOf(*card, cause);
+    m_changed.insert(m_changed.end(), changed.begin(), changed.end());
+}
+
+/// @param cause of what has changed. @return the endpoints that were read
+std::vector<EndpointId> Watcher::readVolumesOf(const CardId& id, const Cause& cause)
+{
+    std::vector<EndpointId> read;
+    const std::optional<Card> card = m_latest.card(id);
+    if (!card)
+        return read;
+    for (const Endpoint& endpoint : card->endpoints())
+    {
+        const std::optional<std::size_t> index = m_endpoints.find(endpoint.id());
+        if (!index || !endpoint.volume())
+            continue;
+        m_endpoints.read(*index, announcedVolume, *m_enumerator);
+        note(m_causes, endpoint.id(), cause);
+        read.push_back(endpoint.id());
+    }
+    return read;
+}
+
+/// Of an endpoint that is not in the list: either it has gone again or it cannot be listed yet.
+void Watcher::judgeAbsence(const Noted::OfEndpoint& noted)
+{
+    if ((noted.announced & (announcedArrival | announcedState)) != 0)
+        retryLater(noted.id);
+}
+
+/// Whether what was announced could be read: tries again later if there are problems that were not there before, or
+/// that have been the reason for earlier tries.
 void Watcher::judgeReading(std::size_t index, const std::vector<EndpointProblem>& former)
 {
     const Endpoint::Content& content = m_endpoints[index].content;
     const auto isNew = [&](const EndpointProblem& problem)
     { return std::find(former.begin(), former.end(), problem) == former.end(); };
-    if (std::any_of(content.problems.begin(), content.problems.end(), isNew))
+    const bool isRetried = m_retries.count(content.id) > 0 && !content.problems.empty();
+    if (isRetried || std::any_of(content.problems.begin(), content.problems.end(), isNew))
         retryLater(content.id);
-    else if (content.problems.empty())
+    else
         m_retries.erase(content.id);
 }
 

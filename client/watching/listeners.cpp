@@ -32,9 +32,9 @@ HRESULT STDMETHODCALLTYPE DeviceListener::OnDeviceRemoved(LPCWSTR deviceId)
     return S_OK;
 }
 
-HRESULT STDMETHODCALLTYPE DeviceListener::OnDefaultDeviceChanged(EDataFlow, ERole, LPCWSTR)
+HRESULT STDMETHODCALLTYPE DeviceListener::OnDefaultDeviceChanged(EDataFlow flow, ERole, LPCWSTR)
 {
-    m_inbox->noteDefaults();
+    m_inbox->noteDefaults(flow);
     return S_OK;
 }
 

@@ -54,34 +54,45 @@ Snapshot::Content Watcher::regrouped()
         content.problems.push_back(*m_registrationProblem);
     append(content.problems, m_listProblems);
     append(content.problems, m_defaults.problems);
-    append(content.problems, m_waveIds.problems);
+    for (const reading::WaveIds& waveIds : m_waveIds)
+        append(content.problems, waveIds.problems);
+    m_watches.follow(*m_enumerator, content.cards);
+    content.hardware = m_watches.hardware(content.cards);
     return content;
 }
+
+// Changes and watches may come in the middle of a reading, see Worker::letChangesPass(). Therefore what they publish
+// stands on the newest state and not on what is being read.
 
 /// The newest state with these endpoints as they were read last. Cards without them are shared.
 Snapshot::Content Watcher::patched(const std::vector<EndpointId>& changed) const
 {
     Snapshot::Content content = m_latest.content();
     for (const EndpointId& id : changed)
-    {
-        const std::optional<std::size_t> index = m_endpoints.find(id);
-        if (!index)
-            continue;
-        for (Card& card : content.cards)
-        {
-            const std::vector<Endpoint>& endpoints = card.endpoints();
-            for (std::size_t place = 0; place < endpoints.size(); ++place)
-            {
-                if (endpoints[place].id() != id)
-                    continue;
-                Card::Content changedCard = card.content();
-                changedCard.endpoints[place] = Endpoint(m_endpoints.readings()[*index].content);
-                card = Card(std::move(changedCard));
-                break;
-            }
-        }
-    }
+        patch(content, id);
+    if (!m_watches.isEmpty() || !content.hardware.empty())
+        content.hardware = m_watches.hardware(content.cards);
     return content;
+}
+
+void Watcher::patch(Snapshot::Content& content, const EndpointId& changed) const
+{
+    const std::optional<std::size_t> index = m_endpoints.find(changed);
+    if (!index)
+        return;
+    const auto isMeant = [&](const Endpoint& endpoint) { return endpoint.id() == changed; };
+    for (Card& card : content.cards)
+    {
+        const std::vector<Endpoint>& endpoints = card.endpoints();
+        const auto place = std::find_if(endpoints.begin(), endpoints.end(), isMeant);
+        if (place == endpoints.end())
+            continue;
+        Card::Content changedCard = card.content();
+        changedCard.endpoints[static_cast<std::size_t>(place - endpoints.begin())] =
+            Endpoint(m_endpoints.readings()[*index].content);
+        card = Card(std::move(changedCard));
+        return;
+    }
 }
 
 /// Publishes @p content as the next state if it differs from the newest one.
@@ -134,8 +145,34 @@ void Watcher::tellCauses(std::vector<Event>& events) const
 
 void Watcher::publishChange(const EndpointId& endpoint, ChangeToken token)
 {
-    Cause cause = token == 0 ? Cause() : Cause{Origin::own, {token}, false};
-    m_changesByUs[endpoint] = std::move(cause);
+    if (token != 0)
+    {
+        // What another program did meanwhile is in the reading as well.
+        note(m_changesByUs, endpoint, Cause{Origin::own, {token}, false});
+        if (m_inbox->isChangedByOther(endpoint))
+            note(m_changesByUs, endpoint, Cause{Origin::other, {}, false});
+        m_publishedChanges[endpoint] = token;
+    }
     publish(patched({endpoint}));
+}
+
+void Watcher::publishHardwareChange(const CardId& card, ChangeToken token)
+{
+    const Cause cause = token == 0 ? Cause() : Cause{Origin::own, {token}, false};
+    const std::vector<EndpointId> changed = readVolumesOf(card, cause);
+    if (const std::optional<std::uint32_t> key = m_watches.keyOf(card))
+    {
+        m_watches.read(*key);
+        note(m_hardwareCauses, card, cause);
+        if (m_inbox->isChangedByOther(*key))
+            note(m_hardwareCauses, card, Cause{Origin::other, {}, false});
+    }
+    if (token != 0)
+    {
+        m_publishedHardwareChanges[card] = token;
+        for (const EndpointId& endpoint : changed)
+            m_publishedChanges[endpoint] = token;
+    }
+    publish(patched(changed));
 }
 }

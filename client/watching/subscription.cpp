@@ -1,5 +1,6 @@
 #include "client/watching/systemstate.h"
 
+#include <new>
 #include <utility>
 
 namespace sonavit
@@ -74,7 +75,23 @@ Watch::~Watch()
 
 void Watch::stop() noexcept
 {
+    const std::shared_ptr<State> state = std::move(m_state);
     m_state = nullptr;
+    if (state == nullptr || worker::isForked() || worker::isEnding())
+        return;
+    try
+    {
+        state->worker->post(worker::Urgency::change,
+                            [watcher = state->watcher, number = state->number]
+                            {
+                                if (const std::shared_ptr<watching::Watcher> there = watcher.lock())
+                                    there->unwatch(number);
+                            });
+    }
+    catch (const std::bad_alloc&)
+    {
+        return; // the card stays watched until the end of the System
+    }
 }
 }
 }

@@ -19,7 +19,8 @@ Watcher::Watcher(std::shared_ptr<worker::Worker> worker, std::shared_ptr<Hub> hu
     : m_worker(std::move(worker)),
       m_hub(std::move(hub)),
       m_inbox(std::make_shared<Inbox>(m_worker->alarm(), m_worker->sharedClock())),
-      m_endpoints(m_inbox)
+      m_endpoints(m_inbox),
+      m_watches(m_inbox)
 {
 }
 
@@ -65,6 +66,7 @@ void Watcher::end() noexcept
 /// In the order in which it was acquired, backwards: no callback comes after this.
 void Watcher::dropEverything() noexcept
 {
+    m_watches.release();
     m_endpoints.clear();
     m_registration.end();
     try
@@ -99,6 +101,24 @@ Result<std::shared_ptr<reading::HardwareWalk>> Watcher::walk(const std::string& 
         return m_serviceProblem.value_or(
             Problem(Problem::Kind::platform, operation, "", "the audio service does not answer"));
     return std::make_shared<reading::HardwareWalk>(*m_enumerator, cards);
+}
+
+Result<std::uint64_t> Watcher::watch(const CardId& id)
+{
+    const Result<Card> meant = card("watch", id);
+    if (!meant)
+        return meant.problem();
+    const std::uint64_t number = m_watches.begin(id);
+    if (m_enumerator.get() != nullptr)
+        m_watches.follow(*m_enumerator, m_latest.cards());
+    publish(patched({}));
+    return number;
+}
+
+void Watcher::unwatch(std::uint64_t number)
+{
+    m_watches.end(number);
+    publish(patched({}));
 }
 
 std::uint64_t Watcher::atEnd(std::function<void()> action)

@@ -8,11 +8,13 @@
 #include "client/watching/hub.h"
 #include "client/watching/inbox.h"
 #include "client/watching/registrations.h"
+#include "client/watching/watches.h"
 #include "client/worker/worker.h"
 #include "sonavit/result.h"
 #include "sonavit/snapshot.h"
 #include "sonavit/system.h"
 
+#include <array>
 #include <chrono>
 #include <cstddef>
 #include <functional>
@@ -22,11 +24,6 @@
 #include <string>
 #include <utility>
 #include <vector>
-
-namespace sonavit::reading
-{
-class HardwareWalk;
-}
 
 namespace sonavit::watching
 {
@@ -55,6 +52,7 @@ public:
 
     // --- For questions and changes ---------------------------------------------------------------------------------
 
+    const std::shared_ptr<worker::Worker>& worker() const noexcept { return m_worker; }
     const Snapshot& latest() const noexcept { return m_latest; }
     /// Null without the audio service.
     IMMDeviceEnumerator* enumerator() const noexcept { return m_enumerator.get(); }
@@ -74,6 +72,10 @@ public:
     /// After a change of a card's hardware: reads the volumes of its endpoints and, if it is watched, its hardware, and
     /// publishes that in the same way.
     void publishHardwareChange(const CardId& card, ChangeToken token);
+
+    /// Watches the hardware of a card, and publishes it. @return the number of the watch
+    Result<std::uint64_t> watch(const CardId& card);
+    void unwatch(std::uint64_t number);
 
     /// Runs @p action at the end of the System, in reverse order of the calls. @return a number for cancelAtEnd()
     std::uint64_t atEnd(std::function<void()> action);
@@ -95,11 +97,16 @@ private:
     Clock::Time nextDue() const;
     void takeDueRetries(Clock::Time now, Noted& noted);
     void read(const Noted& noted);
+    void noteCause(const Noted::OfEndpoint& noted);
+    void readHardware(const Noted::OfHardware& noted);
+    std::vector<EndpointId> readVolumesOf(const CardId& card, const Cause& cause);
     void readEverything();
     std::optional<std::vector<EndpointId>> readList();
     bool readNewOnes();
-    bool readNoted(const Noted::OfEndpoint& noted);
+    std::optional<Flow> readNoted(const Noted::OfEndpoint& noted);
+    void readWaveIds(const std::array<bool, 2>& flows);
     bool readDefaults();
+    void judgeAbsence(const Noted::OfEndpoint& noted);
     void judgeReading(std::size_t index, const std::vector<EndpointProblem>& former);
     void retryLater(const EndpointId& id);
 
@@ -113,6 +120,7 @@ private:
     void publishRead();
     Snapshot::Content regrouped();
     Snapshot::Content patched(const std::vector<EndpointId>& changed) const;
+    void patch(Snapshot::Content& content, const EndpointId& changed) const;
     Snapshot::Content withoutService() const;
     void publish(Snapshot::Content content);
     void tellCauses(std::vector<Event>& events) const;
@@ -124,9 +132,10 @@ private:
     reading::Enumerator m_enumerator;
     DeviceRegistration m_registration;
     EndpointList m_endpoints;
+    Watches m_watches;
     std::vector<Problem> m_listProblems;
     reading::Defaults m_defaults;
-    reading::WaveIds m_waveIds;
+    std::array<reading::WaveIds, 2> m_waveIds; ///< by flow
     reading::Parents m_parents;
     Snapshot m_latest;
     bool m_isStarted = false;
@@ -137,6 +146,8 @@ private:
     std::map<EndpointId, Cause> m_causes;        ///< of changes of volume
     std::map<EndpointId, Cause> m_changesByUs;   ///< of all changes of an endpoint that this System has changed
     std::map<CardId, Cause> m_hardwareCauses;
+    std::map<EndpointId, ChangeToken> m_publishedChanges; ///< the last change by us that was published, by endpoint
+    std::map<CardId, ChangeToken> m_publishedHardwareChanges;
 
     Clock::Time m_lastLevels{};
     std::map<EndpointId, Retry> m_retries;

@@ -104,20 +104,4 @@ TEST_F(ReadingCost, GrowsByTheSameForEachCard)
 
     EXPECT_LE(ofForty, 4 * ofTen);
 }
-
-/// The parents of devices are asked for once, however often the cards are put together.
-TEST_F(ReadingCost, OfGroupingIsOneQuestionForEachNewDevice)
-{
-    sim::Simulation& simulation = start("desktop");
-    Everything all = readEverything();
-    reading::Parents parents;
-    simulation.journal().clear();
-
-    const std::vector<sonavit::Card> first = reading::groupIntoCards(all.listing.endpoints, {}, parents);
-    const std::size_t questions = simulation.journal().size();
-    const std::vector<sonavit::Card> second = reading::groupIntoCards(all.listing.endpoints, first, parents);
-
-    EXPECT_EQ(first.size(), questions);
-    EXPECT_EQ(questions, simulation.journal().size());
-}
 }

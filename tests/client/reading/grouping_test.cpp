@@ -158,24 +158,6 @@ TEST_F(Grouping, TakesTheInstanceIdBetweenTheFullStopsOfThePath)
     EXPECT_EQ("-", instanceId("..."));
 }
 
-TEST_F(Grouping, AsksForTheParentOfEachDeviceOnce)
-{
-    sim::MachineBuilder builder;
-    sim::CardBuilder card = builder.usbCard("USB Audio");
-    card.speaker();
-    card.microphone();
-    builder.machine().deviceInstances.at(0).parent = "USB\\ROOT_HUB";
-    start(builder.build());
-    const Everything all = readEverything();
-
-    const std::vector<Card> cards = group(all.listing.endpoints);
-
-    ASSERT_EQ(1u, cards.size());
-    EXPECT_EQ(card.instanceId(), cards[0].instanceId());
-    EXPECT_EQ("USB\\ROOT_HUB", cards[0].parent());
-    EXPECT_EQ(2u, simulation().journal().count("getParentDeviceInstanceId")) << "once for each list of parents";
-}
-
 TEST_F(Grouping, HasNoParentOfADeviceThatTheSystemDoesNotKnow)
 {
     const std::vector<Card> cards = group({endpoint("1", Flow::output, "{1}.USB\\X")});

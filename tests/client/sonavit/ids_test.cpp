@@ -23,7 +23,7 @@ TEST(CompareIds, OrdersBytesAndPutsTheShorterFirst)
     EXPECT_LT(compareIds("a", "ab"), 0);
     EXPECT_GT(compareIds("ab", "A"), 0);
     EXPECT_LT(compareIds("z", "\xC3"), 0); // as unsigned numbers
-    EXPECT_GT(compareIds("Z", "["), 0); // as the small letter
+    EXPECT_GT(compareIds("Z", "["), 0);    // as the small letter
     EXPECT_LT(compareIds(std::string_view("a\0a", 3), std::string_view("a\0b", 3)), 0);
 }
 

@@ -1,0 +1,211 @@
+#include "tests/support/clienttest.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace
+{
+using namespace sonavit;
+using testing::ElementsAre;
+
+/// A System on the machine "studio", whose cards have controls and selectors.
+class SystemHardware : public support::ClientTest
+{
+protected:
+    void TearDown() override
+    {
+        m_system.reset();
+        ClientTest::TearDown();
+    }
+
+    System& start(const std::string& machine)
+    {
+        play(machine);
+        m_system = std::make_unique<System>(options());
+        return *m_system;
+    }
+
+    EndpointId endpoint(const std::string& name) { return m_system->snapshot().endpointNamed(name)->id(); }
+
+    static std::vector<double> levels(const Control& control)
+    {
+        std::vector<double> result;
+        for (const ControlChannel& channel : control.channels.value())
+            result.push_back(channel.level.decibels.value().value());
+        return result;
+    }
+
+    std::unique_ptr<System> m_system;
+};
+
+TEST_F(SystemHardware, SetsAControlByTheNameOfItsConnector)
+{
+    System& system = start("studio");
+
+    const Result<Control> control = system.setControl(endpoint("Main Monitors"), "Line Out 1/2", Decibels(-12));
+
+    ASSERT_TRUE(control);
+    EXPECT_THAT(levels(*control), testing::Each(-12.0));
+    EXPECT_NE(control.token(), 0u);
+    EXPECT_EQ(system.controls(endpoint("Main Monitors"))->front(), control.value());
+}
+
+TEST_F(SystemHardware, SetsAControlByItsIdAndOneChannelOfIt)
+{
+    System& system = start("studio");
+    const Control before = system.controls(endpoint("Main Monitors"))->front();
+
+    const Result<Control> control =
+        system.setControl(endpoint("Main Monitors"), before.id, LevelChange::down(Decibels(6)).onChannel(1));
+
+    ASSERT_TRUE(control);
+    EXPECT_EQ(levels(*control).front(), levels(before).front());
+    EXPECT_EQ(levels(*control).at(1), levels(before).at(1) - 6);
+}
+
+TEST_F(SystemHardware, LeavesEveryControlAsItIsWhenItIsSetToWhatWasRead)
+{
+    System& system = start("studio");
+    unsigned count = 0;
+    for (const Endpoint& each : system.snapshot().endpoints())
+    {
+        for (const Control& control : system.controls(each.id()).value())
+        {
+            for (unsigned channel = 0; channel < control.channels->size(); ++channel)
+            {
+                const Level& level = control.channels->at(channel).level;
+                const LevelChange change = LevelChange(*level.percent).onChannel(channel);
+                const Result<Control> after = system.setControl(each.id(), control.id, change);
+
+                EXPECT_EQ(after.value(), control);
+                EXPECT_EQ(after.token(), 0u);
+                ++count;
+            }
+        }
+    }
+    EXPECT_GT(count, 4u);
+}
+
+TEST_F(SystemHardware, ReportsAControlThatDoesNotExist)
+{
+    System& system = start("studio");
+
+    EXPECT_EQ(system.setControl(endpoint("Main Monitors"), "Nothing", Decibels(-12)).problem().kind(),
+              Problem::Kind::notThere);
+    EXPECT_EQ(system.setControl(endpoint("Main Monitors"), ControlId("{nothing}"), Decibels(-12)).problem().kind(),
+              Problem::Kind::notThere);
+}
+
+TEST_F(SystemHardware, MutesAControlOrSaysThatItHasNoMute)
+{
+    System& system = start("studio");
+    unsigned muted = 0;
+    unsigned refused = 0;
+    for (const Endpoint& each : system.snapshot().endpoints())
+    {
+        for (const Control& control : system.controls(each.id()).value())
+        {
+            const Result<Control> result = system.setControlMute(each.id(), control.id, true);
+            if (control.hasMute)
+            {
+                EXPECT_EQ(result->isMuted, true);
+                ++muted;
+            }
+            else
+            {
+                EXPECT_EQ(result.problem().kind(), Problem::Kind::notSupported);
+                ++refused;
+            }
+        }
+    }
+    EXPECT_GT(muted + refused, 0u);
+}
+
+TEST_F(SystemHardware, ReportsTheCallOfAControlThatIsRefused)
+{
+    System& system = start("studio");
+    const Control before = system.controls(endpoint("Main Monitors"))->front();
+    simulation().faults().fail("IAudioVolumeLevel::SetLevelAllChannels", E_ACCESSDENIED);
+
+    const Result<Control> result = system.setControl(endpoint("Main Monitors"), before.id, Decibels(-12));
+
+    EXPECT_EQ(result.problem(),
+              Problem::ofCall("IAudioVolumeLevel::SetLevelAllChannels", before.id.text(), E_ACCESSDENIED));
+}
+
+TEST_F(SystemHardware, SelectsAnInputAmongTheSelectorsOfAllCards)
+{
+    System& system = start("studio");
+
+    const Result<Selector> selector = system.select("Auxiliary Source", "Combo 3");
+
+    ASSERT_TRUE(selector);
+    ASSERT_NE(selector->selected(), nullptr);
+    EXPECT_THAT(selector->selected()->title(), testing::HasSubstr("Combo 3"));
+}
+
+TEST_F(SystemHardware, SelectsAnInputOfACard)
+{
+    System& system = start("studio");
+    for (const Card& card : system.snapshot().cards())
+    {
+        for (const Selector& selector : system.selectors(card.id()).value())
+        {
+            for (const SelectorInput& input : selector.inputs)
+            {
+                const Result<Selector> chosen =
+                    system.select(card.id(), selector.id.text(), std::to_string(input.number.value()));
+
+                EXPECT_EQ(chosen->selection, input.number);
+            }
+        }
+    }
+    EXPECT_GT(simulation().journal().count("IAudioInputSelector::SetSelection"), 1u);
+}
+
+TEST_F(SystemHardware, ReportsASelectorAnInputOrACardThatDoesNotExist)
+{
+    System& system = start("studio");
+
+    EXPECT_EQ(system.select("Nothing", "Combo 3").problem().kind(), Problem::Kind::notThere);
+    EXPECT_EQ(system.select("Auxiliary Source", "Nothing").problem().kind(), Problem::Kind::notThere);
+    EXPECT_EQ(system.select(CardId("{nothing}"), "Auxiliary Source", "Combo 3").problem().kind(),
+              Problem::Kind::notThere);
+}
+
+TEST_F(SystemHardware, ReportsTheSelectionThatIsRefused)
+{
+    System& system = start("studio");
+    simulation().faults().fail("IAudioInputSelector::SetSelection", E_ACCESSDENIED);
+
+    const Result<Selector> result = system.select("Auxiliary Source", "Combo 3");
+
+    EXPECT_EQ(result.problem().operation(), "IAudioInputSelector::SetSelection");
+    EXPECT_EQ(result.problem().code(), E_ACCESSDENIED);
+}
+
+TEST_F(SystemHardware, IsOpenToAnOrdinaryAccount)
+{
+    System& system = start("studio");
+    simulation().setAccount(sim::Account::ordinary);
+
+    EXPECT_TRUE(system.setControl(endpoint("Main Monitors"), "Line Out 1/2", Decibels(-12)));
+    EXPECT_TRUE(system.select("Auxiliary Source", "Combo 3"));
+}
+
+TEST_F(SystemHardware, ShowsTheVolumeThatAControlImplements)
+{
+    sim::MachineBuilder builder;
+    sim::EndpointBuilder speaker = builder.card("Analog Audio").speaker();
+    speaker.hardwareVolume({-96.0f, 0.0f, 1.5f, -30.0f}).volumeInHardware();
+    play(builder.build());
+    System system(options());
+    const EndpointId id(speaker.id());
+    const Control control = system.controls(id)->front();
+
+    ASSERT_TRUE(system.setControl(id, control.id, Decibels(-12)));
+
+    EXPECT_EQ(system.snapshot().endpoint(id)->volume()->master.decibels, Decibels(-12));
+}
+}

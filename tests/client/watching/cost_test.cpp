@@ -1,0 +1,151 @@
+#include "tests/client/watching/watchtest.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <string>
+
+using namespace sonavit;
+using namespace testing;
+using namespace std::chrono_literals;
+
+namespace
+{
+constexpr std::size_t smallRefresh = 60;
+
+/// What reading costs on a computer with 120 endpoints, in calls of the platform.
+class SystemRefreshCost : public support::WatchTest
+{
+protected:
+    void SetUp() override
+    {
+        WatchTest::SetUp();
+        watch("crowded");
+        callsSince();
+    }
+
+    std::string endpoint(State state, Flow flow)
+    {
+        for (const Endpoint& each : audio().snapshot().endpoints())
+        {
+            if (each.state() == state && each.flow() == flow)
+                return each.id().text();
+        }
+        ADD_FAILURE() << "the machine has no such endpoint";
+        return {};
+    }
+
+    std::size_t callsOfRefresh()
+    {
+        callsSince();
+        const Result<Snapshot> snapshot = audio().refresh();
+        EXPECT_TRUE(snapshot);
+        return callsSince();
+    }
+
+    std::size_t endpoints() { return audio().snapshot().endpoints().size(); }
+};
+
+TEST_F(SystemRefreshCost, IsNothingIfNothingHasHappened)
+{
+    EXPECT_EQ(0u, callsOfRefresh());
+}
+
+TEST_F(SystemRefreshCost, IsSmallAfterAChangeOfVolume)
+{
+    simulation().events().setVolume(endpoint(State::active, Flow::output), -12.0F);
+    static_cast<void>(audio().refresh());
+
+    const std::size_t calls = callsSince();
+
+    EXPECT_GT(calls, 0u);
+    EXPECT_LE(calls, smallRefresh);
+}
+
+TEST_F(SystemRefreshCost, IsSmallAfterAChangeOfAProperty)
+{
+    sim::PropertyValue value;
+    simulation().events().announceProperty(endpoint(State::active, Flow::output), PKEY_Device_DeviceDesc);
+
+    const std::size_t calls = callsOfRefresh();
+
+    EXPECT_GT(calls, 0u);
+    EXPECT_LE(calls, smallRefresh);
+}
+
+TEST_F(SystemRefreshCost, IsSmallAfterAChangeOfState)
+{
+    for (const Flow flow : allFlows)
+    {
+        const std::string id = endpoint(State::active, flow);
+        for (const DWORD state : {DEVICE_STATE_UNPLUGGED, DEVICE_STATE_ACTIVE, DEVICE_STATE_DISABLED,
+                                  DEVICE_STATE_ACTIVE, DEVICE_STATE_NOTPRESENT, DEVICE_STATE_ACTIVE})
+        {
+            simulation().events().setState(id, state);
+
+            const std::size_t calls = callsOfRefresh();
+
+            EXPECT_GT(calls, 0u);
+            EXPECT_LE(calls, smallRefresh) << state;
+            callsSince();
+        }
+    }
+}
+
+TEST_F(SystemRefreshCost, IsSmallAfterAChangeOfDefaults)
+{
+    const std::string id = endpoint(State::active, Flow::input);
+    simulation().events().clearDefault(eCapture, eConsole);
+    static_cast<void>(audio().refresh());
+    simulation().events().setDefault(id, eConsole);
+
+    const std::size_t calls = callsOfRefresh();
+
+    EXPECT_GT(calls, 0u);
+    EXPECT_LE(calls, smallRefresh);
+}
+
+TEST_F(SystemRefreshCost, FollowsTheNumberOfEndpointsAfterAnAdditionOrRemoval)
+{
+    const std::string id = endpoint(State::active, Flow::output);
+    const auto limit = static_cast<std::size_t>(2.1 * static_cast<double>(endpoints()) + 60);
+
+    simulation().events().remove(id);
+    const std::size_t removal = callsOfRefresh();
+    simulation().events().add(id);
+    const std::size_t addition = callsOfRefresh();
+
+    EXPECT_GT(removal, endpoints());
+    EXPECT_LE(removal, limit);
+    EXPECT_GT(addition, endpoints());
+    EXPECT_LE(addition, limit);
+}
+
+TEST_F(SystemRefreshCost, SharesAllOtherCardsAfterAChangeOfVolume)
+{
+    const std::string id = endpoint(State::active, Flow::output);
+    const Snapshot before = audio().snapshot();
+    simulation().events().setVolume(id, -12.0F);
+
+    const Result<Snapshot> after = audio().refresh();
+
+    ASSERT_TRUE(after);
+    ASSERT_EQ(before.cards().size(), after->cards().size());
+    std::size_t shared = 0;
+    for (std::size_t index = 0; index < before.cards().size(); ++index)
+        shared += &before.cards()[index].content() == &after->cards()[index].content() ? 1 : 0;
+    EXPECT_EQ(before.cards().size() - 1, shared);
+}
+
+TEST_F(SystemRefreshCost, OfTheFirstSnapshotIsLimited)
+{
+    endSystem();
+    callsSince();
+
+    System fresh(polledOptions());
+    static_cast<void>(fresh.snapshot());
+
+    EXPECT_LE(callsSince(), 4200u);
+}
+}
