@@ -136,7 +136,7 @@ void Comparison::matchEndpoints()
     }
 }
 
-/// @param before, after the places of one card; one of them may be none
+/// Takes the places of one card in both snapshots; one of them may be none.
 void Comparison::matchEndpoints(std::size_t before, std::size_t after)
 {
     static const std::vector<Endpoint> noEndpoints;
@@ -378,7 +378,7 @@ Event& Comparison::add(Event::Kind kind)
     return event;
 }
 
-/// @param before, after the places of one card; one of them may be none
+/// Takes the places of one card in both snapshots; one of them may be none.
 Event& Comparison::addOfCard(Event::Kind kind, std::size_t before, std::size_t after)
 {
     Event& event = add(kind);

@@ -272,7 +272,7 @@ const char* keyOf(Graph::Edge::Kind kind) noexcept
     case Graph::Edge::Kind::wire:
         return "wire";
     case Graph::Edge::Kind::path:
-        return "path";
+        return "signalPath";
     case Graph::Edge::Kind::join:
         return "join";
     }

@@ -113,6 +113,16 @@ TEST(GraphPath, CrossesJoinsBetweenAdaptersButNotIntoOtherEndpoints)
     EXPECT_THAT(pathIds(graph, "{out}"), ElementsAre("endpoint out", "jack", "volume", "stream out", "bridge"));
 }
 
+TEST(GraphPath, ReachesAPartThatItsEndpointDoesNotList)
+{
+    Graph graph = cardGraph();
+    const std::size_t unlisted = addPart(graph, 0, "unlisted");
+    graph.devices[0].parts.pop_back();
+    connect(graph, Graph::Edge::Kind::join, 2, unlisted);
+
+    EXPECT_THAT(pathIds(graph, "{out}"), ElementsAre("endpoint out", "jack", "volume", "unlisted", "stream out"));
+}
+
 TEST(GraphPath, EndsOnACircle)
 {
     Graph graph = cardGraph();
@@ -252,7 +262,7 @@ TEST(GraphEnumerations, HaveKeys)
     EXPECT_STREQ("closed", keyOf(Kind::closed));
     EXPECT_STREQ("unknown", keyOf(static_cast<Kind>(3)));
     EXPECT_STREQ("wire", keyOf(Graph::Edge::Kind::wire));
-    EXPECT_STREQ("path", keyOf(Graph::Edge::Kind::path));
+    EXPECT_STREQ("signalPath", keyOf(Graph::Edge::Kind::path));
     EXPECT_STREQ("join", keyOf(Graph::Edge::Kind::join));
     EXPECT_STREQ("unknown", keyOf(static_cast<Graph::Edge::Kind>(-1)));
     EXPECT_STREQ("in", keyOf(Graph::Direction::in));

@@ -37,7 +37,7 @@ TEST_F(RuntimeWave, CountsTheInputsByThemselves)
 {
     EXPECT_EQ(1u, waveInGetNumDevs());
 
-    simulation.change([](sim::Machine& machine) { machine.waveIn.assign(5, {lineInId, 0, 0}); });
+    simulation.change([this](sim::Machine& machine) { machine.waveIn.assign(5, {lineInId, 0, 0}); });
     EXPECT_EQ(5u, waveInGetNumDevs());
     EXPECT_EQ(2u, simulation.journal().count("waveInGetNumDevs"));
 }
