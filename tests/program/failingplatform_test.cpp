@@ -47,14 +47,14 @@ protected:
 };
 }
 
-TEST_F(ProgramOnFailingPlatform, MonitorReportsThatItsOwnEnumeratorCannotBeCreated)
+TEST_F(ProgramOnFailingPlatform, MonitorReportsThatCoreAudioCannotBeReached)
 {
-    fail("CoCreateInstance", 4);
+    fail("CoCreateInstance");
 
     const support::Answer answer = callHere({"monitor"});
 
     EXPECT_EQ(1, answer.code);
-    EXPECT_THAT(answer.err, EndsWith("sonavit: Core Audio cannot be reached\n"));
+    EXPECT_THAT(answer.err, EndsWith("sonavit: the system's audio cannot be reached: 0x80004005, unspecified error\n"));
 }
 
 TEST_F(ProgramOnFailingPlatform, MonitorReportsThatTheSystemAcceptsNoListener)

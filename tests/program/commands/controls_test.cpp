@@ -165,3 +165,127 @@ TEST_F(ProgramControls, HaveNoRangeWhereTheSystemSucceedsWithoutOne)
 
     EXPECT_EQ(json::parse(R"({"decibels": -6, "percent": null, "range": null})"), control["channels"][0]);
 }
+
+namespace
+{
+class ProgramSetControl : public support::ProgramTest
+{
+protected:
+    /// The small machine's speaker has a volume of -6 dB and a mute in the hardware.
+    json control()
+    {
+        const json answer = json::parse(call({"controls", "Speakers", "--json"}).out);
+        return answer["controls"][0];
+    }
+
+    std::vector<double> levels()
+    {
+        std::vector<double> result;
+        for (const json& channel : control()["channels"])
+            result.push_back(channel["decibels"]);
+        return result;
+    }
+};
+}
+
+TEST_F(ProgramSetControl, SetsTheLevelOfAllChannels)
+{
+    run(support::smallMachine());
+
+    const support::Answer answer = call({"set-control", "Speakers", "Volume", "-12dB"});
+
+    EXPECT_EQ(0, answer.code);
+    EXPECT_EQ("Speakers (Analog Audio), Speakers: 91% (-6.00 dB) \xE2\x86\x92 82% (-12.00 dB)\n", answer.out);
+    EXPECT_THAT(levels(), ElementsAre(-12, -12));
+}
+
+TEST_F(ProgramSetControl, SetsTheLevelOfOneChannel)
+{
+    run(support::smallMachine());
+
+    const support::Answer answer = call({"set-control", "Speakers", "Volume", "-12dB", "--channel", "2"});
+
+    EXPECT_EQ(0, answer.code);
+    EXPECT_EQ("Speakers (Analog Audio), Speakers: 91% (-6.00 dB) \xE2\x86\x92 91% (-6.00 dB), 82% (-12.00 dB)\n",
+              answer.out);
+    EXPECT_THAT(levels(), ElementsAre(-6, -12));
+}
+
+TEST_F(ProgramSetControl, TakesTheIdAndTheNameOfTheConnectorAndAStep)
+{
+    run(support::smallMachine());
+
+    EXPECT_EQ(0, call({"set-control", "Speakers", control()["id"], "-12dB"}).code);
+    EXPECT_EQ(0, call({"set-control", "Speakers", "speakers", "3dB+"}).code);
+    EXPECT_THAT(levels(), ElementsAre(-9, -9));
+}
+
+TEST_F(ProgramSetControl, MutesAndUnmutes)
+{
+    run(support::smallMachine());
+
+    EXPECT_EQ("Speakers (Analog Audio), Speakers: not muted \xE2\x86\x92 muted\n",
+              call({"set-control", "Speakers", "Volume", "on"}).out);
+    EXPECT_EQ(true, control()["muted"]);
+    EXPECT_EQ(0, call({"set-control", "Speakers", "Volume", "off"}).code);
+    EXPECT_EQ(false, control()["muted"]);
+}
+
+TEST_F(ProgramSetControl, AnswersInJsonHowItWasAndIs)
+{
+    run(support::smallMachine());
+
+    const json answer = json::parse(call({"set-control", "Speakers", "Volume", "-12dB", "--json"}).out);
+
+    EXPECT_EQ(support::speakerId(), answer["endpoint"]["id"]);
+    EXPECT_EQ(-6, answer["before"]["channels"][0]["decibels"]);
+    EXPECT_EQ(-12, answer["after"]["channels"][0]["decibels"]);
+    EXPECT_EQ(answer["before"]["id"], answer["after"]["id"]);
+}
+
+TEST_F(ProgramSetControl, SaysWhatRangeALevelIsOutsideOf)
+{
+    run(support::smallMachine());
+
+    const support::Answer answer = call({"set-control", "Speakers", "Volume", "3dB"});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_THAT(answer.err, HasSubstr("-65.25"));
+    EXPECT_THAT(levels(), ElementsAre(-6, -6));
+}
+
+TEST_F(ProgramSetControl, SaysWhichCallTheSystemRefuses)
+{
+    run(support::smallMachine());
+    simulation().faults().fail("IAudioVolumeLevel::SetLevelUniform", E_ACCESSDENIED);
+    simulation().faults().fail("IAudioVolumeLevel::SetLevel", E_ACCESSDENIED);
+    simulation().faults().fail("IAudioVolumeLevel::SetLevelAllChannels", E_ACCESSDENIED);
+
+    const support::Answer answer = call({"set-control", "Speakers", "Volume", "-12dB", "--json"});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_THAT(json::parse(answer.out)["error"].get<std::string>(), HasSubstr("0x80070005, access denied"));
+    EXPECT_EQ(1, json::parse(answer.out)["exitCode"]);
+}
+
+TEST_F(ProgramSetControl, RefusesANameThatSeveralHave)
+{
+    const support::Answer answer =
+        call({"set-control", "Main Monitors", "Volume", "-12dB", "--machine", "studio", "--json"});
+    const int code = call({"set-control", "Main Monitors", "Line Out 1/2", "-12dB", "--machine", "studio"}).code;
+
+    EXPECT_EQ(0, code);
+    EXPECT_THAT(answer.code, testing::AnyOf(2, 3)) << answer.out;
+}
+
+TEST_F(ProgramSetControl, SaysThatAControlHasNoMute)
+{
+    sim::MachineBuilder builder;
+    builder.card("Card").speaker("Speakers").hardwareVolume({-60.0f, 0.0f, 1.0f, -30.0f}, 1);
+    run(builder.build());
+
+    const support::Answer answer = call({"set-control", "Speakers", "Volume", "on"});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_THAT(answer.err, HasSubstr("mute"));
+}

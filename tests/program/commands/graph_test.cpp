@@ -323,3 +323,68 @@ TEST_F(ProgramGraph, SaysThatAnEndpointIsOfAnotherCard)
     EXPECT_EQ("sonavit: \"@DEFAULT_OUTPUT@\" is an endpoint of the card \"Board\", not of \"Headset\"\n",
               call({"graph", "Headset", "--endpoint", "@DEFAULT_OUTPUT@"}).err);
 }
+
+TEST_F(ProgramGraph, ShowsOnlyThePathWhereThatIsAskedFor)
+{
+    run(support::smallMachine());
+
+    const json answer = graph({"--endpoint", "Speakers", "--only"});
+
+    std::vector<std::string> parts;
+    for (const json& device : answer["devices"])
+    {
+        for (const json& part : device["parts"])
+        {
+            EXPECT_EQ(true, part["onPath"]) << part;
+            parts.push_back(part["name"].is_null() ? device["name"] : part["name"]);
+        }
+    }
+    EXPECT_THAT(parts, testing::UnorderedElementsAre("Speakers (Analog Audio)", "Speakers", "Volume", "Mute",
+                                                     "Speakers Stream"));
+    EXPECT_EQ("", support::brokenDot(call({"graph", "--endpoint", "Speakers", "--only"}).out));
+}
+
+TEST_F(ProgramGraph, ShowsLevelsMutesAndStates)
+{
+    sim::MachineBuilder builder;
+    sim::CardBuilder card = builder.card("Card");
+    card.speaker("Speakers").hardwareVolume({-60.0f, 0.0f, 1.0f, -30.0f}).hardwareMute();
+    card.headphones("Headphones").unplugged();
+    run(builder.build());
+
+    const std::string text = call({"graph"}).out;
+    const json answer = graph();
+
+    EXPECT_THAT(text, HasSubstr(R"(label="Volume\n-30.00 dB")"));
+    EXPECT_THAT(text, HasSubstr(R"(label="Mute\nnot muted")"));
+    EXPECT_THAT(text, HasSubstr(R"(label="Headphones (Card)\noutput, unplugged")"));
+    std::vector<json> volumes;
+    std::vector<json> mutes;
+    for (const json& device : answer["devices"])
+    {
+        for (const json& part : device["parts"])
+        {
+            if (!part["channels"].is_null())
+                volumes.push_back(part["channels"][0]["decibels"]);
+            if (!part["muted"].is_null())
+                mutes.push_back(part["muted"]);
+        }
+    }
+    EXPECT_EQ(std::vector<json>{-30.0}, volumes);
+    EXPECT_EQ(std::vector<json>{false}, mutes);
+}
+
+TEST_F(ProgramGraph, MarksTheChosenInputOfASelector)
+{
+    const std::string text = call({"graph", "--machine", "studio"}).out;
+
+    EXPECT_THAT(text, HasSubstr("label=\"chosen\""));
+    EXPECT_EQ("", support::brokenDot(text));
+}
+
+TEST_F(ProgramGraph, ExplainsItsShapes)
+{
+    run(support::smallMachine());
+
+    EXPECT_THAT(call({"graph"}).out, HasSubstr("legend"));
+}

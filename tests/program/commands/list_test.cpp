@@ -31,12 +31,13 @@ TEST_F(ProgramList, ShowsCardsAsATreeOfEndpoints)
 
     EXPECT_EQ(0, answer.code);
     EXPECT_EQ("", answer.err);
-    EXPECT_THAT(answer.lines(), ElementsAre("Analog Audio", support::smallInstanceId(),
-                                            "├─ * Speakers    Speaker     output  active     72%  -18.00 dB         " +
+    EXPECT_THAT(answer.lines(), ElementsAre("     ENDPOINT    JACK        FLOW    STATE      LEVEL   DECIBELS  MUTE   ID",
+                                            "Analog Audio", support::smallInstanceId(),
+                                            "├─ * Speakers    Speaker     output  active       72%  -18.00 dB         " +
                                                 shortId(support::speakerId()),
-                                            "├─   Headphones  Headphones  output  unplugged  54%  -30.00 dB         " +
+                                            "├─   Headphones  Headphones  output  unplugged    54%  -30.00 dB         " +
                                                 shortId(support::headphonesId()),
-                                            "└─ * Microphone  Microphone  input   active     74%    0.00 dB  muted  " +
+                                            "└─ * Microphone  Microphone  input   active       74%    0.00 dB  muted  " +
                                                 shortId(support::microphoneId()),
                                             "", "1 card, 3 endpoints, * default"));
 }
@@ -263,7 +264,7 @@ TEST_F(ProgramList, RoundsTheBarToTheNearestCell)
     const auto fullCells = [&](const std::string& percent)
     {
         call({"set-volume", "Speakers", percent});
-        const std::string line = call({}).lines()[2];
+        const std::string line = call({}).lines()[3];
         std::size_t cells = 0;
         for (std::size_t at = line.find("\xE2\x96\xAE"); at != std::string::npos;
              at = line.find("\xE2\x96\xAE", at + 1))
@@ -285,7 +286,7 @@ TEST_F(ProgramList, CallsACardByTheFirstOfSeveralNames)
     card.microphone("Two");
     run(builder.build());
 
-    EXPECT_EQ("Other Name", call({}).lines()[0]);
+    EXPECT_EQ("Other Name", call({}).lines()[1]);
 }
 
 TEST_F(ProgramList, CallsEndpointsWithoutInstancePathByTheNameThatTheyShare)
@@ -296,7 +297,7 @@ TEST_F(ProgramList, CallsEndpointsWithoutInstancePathByTheNameThatTheyShare)
     card.microphone("Two").withoutProperty(sim::keys::instancePath);
     run(builder.build());
 
-    EXPECT_EQ("Shared Name", call({}).lines()[0]);
+    EXPECT_EQ("Shared Name", call({}).lines()[1]);
 }
 
 TEST_F(ProgramList, CallsACardWithoutNameUnnamed)
@@ -305,7 +306,7 @@ TEST_F(ProgramList, CallsACardWithoutNameUnnamed)
     builder.card("Card").speaker("One").withoutProperty(sim::keys::friendlyName);
     run(builder.build());
 
-    EXPECT_EQ("Unnamed card", call({}).lines()[0]);
+    EXPECT_EQ("Unnamed card", call({}).lines()[1]);
 }
 
 TEST_F(ProgramList, PaintsOnlyWhereThereAreColours)
@@ -454,4 +455,135 @@ TEST_F(ProgramList, ShowsNamesThatWouldSteerATerminalAsHarmlessText)
     EXPECT_EQ(std::string::npos, answer.out.find('\x1B'));
     EXPECT_THAT(answer.out, HasSubstr("Line\xEF\xBF\xBD"
                                       "Break"));
+}
+
+namespace
+{
+/// The endpoints that `list` shows with these options, by the lines of `--short`.
+class ProgramListOptions : public support::ProgramTest
+{
+protected:
+    ProgramListOptions()
+    {
+        sim::MachineBuilder builder;
+        sim::CardBuilder board = builder.card("Board");
+        board.speaker("Speakers").isDefault().level(-18.0f);
+        board.headphones("Headphones").unplugged();
+        board.microphone("Microphone").muted();
+        builder.usbCard("Headset").headphones("Earphones");
+        machine = builder.build();
+    }
+
+    std::vector<std::string> names(std::vector<std::string> options)
+    {
+        options.insert(options.begin(), {"list", "--short"});
+        std::vector<std::string> result;
+        for (const std::string& line : call(options).lines())
+            result.push_back(line.substr(line.rfind('\t') + 1));
+        return result;
+    }
+
+    sim::Machine machine;
+};
+}
+
+TEST_F(ProgramListOptions, LeaveOnlyWhatIsActive)
+{
+    run(machine);
+
+    EXPECT_THAT(names({"--active"}), testing::UnorderedElementsAre("Speakers (Board)", "Microphone (Board)",
+                                                                   "Earphones (Headset)"));
+}
+
+TEST_F(ProgramListOptions, LeaveOnlyOneFlow)
+{
+    run(machine);
+
+    EXPECT_THAT(names({"--outputs"}), testing::UnorderedElementsAre("Speakers (Board)", "Headphones (Board)",
+                                                                    "Earphones (Headset)"));
+    EXPECT_THAT(names({"--inputs"}), ElementsAre("Microphone (Board)"));
+    EXPECT_THAT(names({"--outputs", "--active", "--card", "Board"}), ElementsAre("Speakers (Board)"));
+}
+
+TEST_F(ProgramListOptions, LeaveOnlyOneCard)
+{
+    run(machine);
+
+    EXPECT_THAT(names({"--card", "Headset"}), ElementsAre("Earphones (Headset)"));
+    const json answer = json::parse(call({"list", "--card", "Headset", "--json"}).out);
+    ASSERT_EQ(1u, answer["cards"].size());
+    EXPECT_EQ("Headset", answer["cards"][0]["name"]);
+}
+
+TEST_F(ProgramListOptions, LeaveCardsOutOfWhichNothingIsLeft)
+{
+    run(machine);
+
+    const json answer = json::parse(call({"list", "--inputs", "--json"}).out);
+
+    ASSERT_EQ(1u, answer["cards"].size());
+    EXPECT_EQ(1u, answer["cards"][0]["endpoints"].size());
+    EXPECT_EQ("There is no such endpoint.\n", call({"list", "--inputs", "--card", "Headset"}).out);
+    EXPECT_EQ("", call({"list", "--inputs", "--card", "Headset", "--short"}).out);
+}
+
+TEST_F(ProgramListOptions, PrintLinesThatScriptsCanCut)
+{
+    run(machine);
+
+    const support::Answer answer = call({"list", "--short", "--card", "Board"});
+
+    EXPECT_EQ(0, answer.code);
+    EXPECT_THAT(answer.lines(),
+                ElementsAre(machine.endpoints[0].id +
+                                "\toutput\tactive\tconsole,multimedia,communications\t72\t-18.00\ton\tspeaker\tBoard\t"
+                                "Speakers (Board)",
+                            testing::StartsWith(machine.endpoints[1].id + "\toutput\tunplugged\t\t"),
+                            testing::EndsWith("\tmuted\tmicrophone\tBoard\tMicrophone (Board)")));
+}
+
+TEST_F(ProgramListOptions, PrintNothingForWhatIsNotKnown)
+{
+    sim::MachineBuilder builder;
+    builder.card("Card").speaker("Gone").notPresent().withoutVolume().unjoined();
+    builder.withoutDefaults();
+    run(builder.build());
+
+    EXPECT_THAT(call({"list", "--short"}).out, testing::EndsWith("\toutput\tnotPresent\t\t\t\t\t\tCard\tGone (Card)\n"));
+}
+
+TEST_F(ProgramList, MarksTheDefaultsOfEachRole)
+{
+    sim::MachineBuilder builder;
+    sim::CardBuilder card = builder.card("Card");
+    card.speaker("Speakers").defaultFor(eConsole);
+    card.headphones("Headset").defaultFor(eCommunications).defaultFor(eMultimedia);
+    card.microphone("Microphone").isDefault();
+    run(builder.build());
+
+    const support::Answer answer = call({});
+
+    EXPECT_THAT(answer.out, HasSubstr(" *  Speakers "));
+    EXPECT_THAT(answer.out, HasSubstr(" mc Headset "));
+    EXPECT_THAT(answer.out, HasSubstr(" *  Microphone "));
+    EXPECT_THAT(answer.out, HasSubstr("1 card, 3 endpoints, * default, m default for multimedia, c default for "
+                                      "communications\n"));
+}
+
+TEST_F(ProgramList, SaysThatSomethingCouldNotBeRead)
+{
+    run(support::smallMachine());
+    simulation().faults().fail("IAudioEndpointVolume::GetMute", E_FAIL).on(support::speakerId());
+
+    const support::Answer answer = call({"list"});
+    const json problems = json::parse(call({"list", "--json"}).out)["cards"][0]["endpoints"][0]["problems"];
+
+    EXPECT_EQ(0, answer.code);
+    EXPECT_EQ("1 thing could not be read; --json and sonavit show ENDPOINT say why", answer.lines().back());
+    ASSERT_EQ(1u, problems.size());
+    EXPECT_EQ("volume", problems[0]["field"]);
+    EXPECT_EQ("IAudioEndpointVolume::GetMute", problems[0]["operation"]);
+    EXPECT_EQ(support::speakerId(), problems[0]["object"]);
+    EXPECT_EQ("0x80004005", problems[0]["code"]);
+    EXPECT_THAT(problems[0]["sentence"].get<std::string>(), HasSubstr("unspecified error"));
 }

@@ -357,3 +357,74 @@ TEST_F(ProgramMonitor, NamesTheMachineInEachEvent)
     EXPECT_TRUE(json::parse(own.out).contains("machine"));
     EXPECT_TRUE(json::parse(own.out)["machine"].is_null());
 }
+
+TEST_F(ProgramMonitor, ListensToTheEndpointsThatTheUserNames)
+{
+    run(support::smallMachine());
+
+    const support::Answer answer =
+        listen({[](sim::Events& events) { events.setVolume(support::speakerId(), -12.0f); },
+                [](sim::Events& events) { events.setVolume(support::microphoneId(), -12.0f); },
+                [](sim::Events& events) { events.plug(support::headphonesId()); }},
+               {"Speakers", "Headphones"});
+
+    EXPECT_THAT(told(answer),
+                ElementsAre("Analog Audio  Speakers    volume 72% (-18.00 dB) \xE2\x86\x92 82% (-12.00 dB)",
+                            "Analog Audio  Headphones  unplugged \xE2\x86\x92 active"));
+}
+
+TEST_F(ProgramMonitor, TellsOnlyTheKindsThatTheUserNames)
+{
+    const std::vector<std::function<void(sim::Events&)>> steps = {
+        [](sim::Events& events) { events.setVolume(support::speakerId(), -12.0f); },
+        [](sim::Events& events) { events.plug(support::headphonesId()); },
+        [](sim::Events& events) { events.clearDefault(eCapture, eConsole); },
+        [](sim::Events& events) { events.remove(support::headphonesId()); },
+        [](sim::Events& events) { events.setVolume(support::speakerId(), -18.0f); },
+        [](sim::Events& events) { events.add(support::headphonesId()); }};
+    run(support::smallMachine());
+    const auto kinds = [&](const std::string& only)
+    {
+        std::vector<std::string> events;
+        for (const std::string& line : listen(steps, {"--json", "--only", only}).lines())
+            events.push_back(json::parse(line)["event"]);
+        return events;
+    };
+
+    EXPECT_THAT(kinds("volume"), ElementsAre("volumeChanged", "volumeChanged"));
+    EXPECT_THAT(kinds("added,removed"), ElementsAre("removed", "added"));
+}
+
+TEST_F(ProgramMonitor, TellsChangesOfTheHardwareWhereTheyAreAskedFor)
+{
+    run(support::smallMachine());
+    const std::string control =
+        json::parse(call({"controls", "Speakers", "--json"}).out)["controls"][0]["id"].get<std::string>();
+    IAudioVolumeLevel* level = nullptr;
+
+    const support::Answer answer = listen(
+        {[&](sim::Events&)
+         {
+             level = simulation().volumeLevel(control);
+             ASSERT_NE(nullptr, level);
+             level->SetLevelUniform(-20.0f, nullptr);
+             level->Release();
+         }},
+        {"--json", "--only", "hardware"});
+
+    ASSERT_EQ(1u, answer.lines().size()) << answer.out << answer.err;
+    const json event = json::parse(answer.lines()[0]);
+    EXPECT_EQ("hardwareChanged", event["event"]);
+    EXPECT_EQ(-6, event["before"]["endpoints"][0]["controls"][0]["channels"][0]["decibels"]);
+    EXPECT_EQ(-20, event["after"]["endpoints"][0]["controls"][0]["channels"][0]["decibels"]);
+}
+
+TEST_F(ProgramMonitor, EndsWithExitCode3IfAnEndpointIsNotThere)
+{
+    run(support::smallMachine());
+
+    const support::Answer answer = listen({}, {"Speakers", "Trumpet"});
+
+    EXPECT_EQ(3, answer.code);
+    EXPECT_EQ("sonavit: there is no endpoint \"Trumpet\"; sonavit list shows what there is\n", answer.err);
+}

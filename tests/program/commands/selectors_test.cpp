@@ -110,3 +110,64 @@ TEST_F(ProgramSelectors, KeepWhatIsSelectedInANarrowTerminalAndSayWhatIsMissing)
                 ElementsAre("Mixer, Source", "    Microphone Microphone", "  * Line In    Line",
                             "Left out at 26 columns:", "input name"));
 }
+
+namespace
+{
+using ProgramSelect = ProgramSelectors;
+}
+
+TEST_F(ProgramSelect, ChoosesAnInputByTheNameOfItsConnector)
+{
+    run(builder.build());
+
+    const support::Answer answer = call({"select", "Source", "Microphone"});
+
+    EXPECT_EQ(0, answer.code) << answer.err;
+    EXPECT_EQ("Mixer, Source: Line In \xE2\x86\x92 Microphone\n", answer.out);
+    EXPECT_THAT(call({"selectors"}).lines(), ElementsAre("Mixer, Source", "  *  Microphone  Microphone  through Microphone",
+                                                         "     Line In     Line        through Line In"));
+}
+
+TEST_F(ProgramSelect, AnswersInJsonHowItWasAndIs)
+{
+    run(builder.build());
+
+    const json answer = json::parse(call({"select", "sour", "mic", "--card", "Mixer", "--json"}).out);
+
+    EXPECT_EQ("Source", answer["selector"]["name"]);
+    EXPECT_EQ(cardId, answer["selector"]["card"]["id"]);
+    EXPECT_EQ(json({{"id", selection}, {"name", "Line In"}}), answer["before"]);
+    EXPECT_EQ("Microphone", answer["after"]["name"]);
+    EXPECT_EQ(answer["selector"]["selection"], answer["after"]["id"]);
+}
+
+TEST_F(ProgramSelect, TakesTheNumberOfAnInput)
+{
+    run(builder.build());
+    const json selector = json::parse(call({"selectors", "--json"}).out)["selectors"][0];
+    const unsigned number = selector["inputs"][0]["id"];
+
+    EXPECT_EQ(0, call({"select", selector["id"], std::to_string(number)}).code);
+    EXPECT_EQ(number, json::parse(call({"selectors", "--json"}).out)["selectors"][0]["selection"]);
+}
+
+TEST_F(ProgramSelect, EndsWithExitCode3IfThereIsNoSuchSelectorOrInput)
+{
+    run(builder.build());
+
+    EXPECT_EQ(3, call({"select", "Trumpet", "Microphone"}).code);
+    EXPECT_EQ(3, call({"select", "Source", "Trumpet"}).code);
+    EXPECT_EQ(3, call({"select", "Source", "Microphone", "--card", "Plain"}).code);
+}
+
+TEST_F(ProgramSelect, SaysWhichCallTheSystemRefuses)
+{
+    run(builder.build());
+    simulation().faults().fail("IAudioInputSelector::SetSelection", E_ACCESSDENIED);
+
+    const support::Answer answer = call({"select", "Source", "Microphone"});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_THAT(answer.err, HasSubstr("IAudioInputSelector::SetSelection"));
+    EXPECT_THAT(answer.err, HasSubstr("0x80070005, access denied"));
+}

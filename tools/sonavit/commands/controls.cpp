@@ -48,9 +48,12 @@ std::string stepWords(const std::optional<LevelRange>& range)
 std::string nameWords(const Control& control)
 {
     const std::string owner = printable(control.ownerName.value_or(nothing));
-    const std::string own = control.name.value_or("");
-    const bool saysMore = !own.empty() && !equalNoCase(own, "volume") && !equalNoCase(own, owner);
-    return saysMore ? owner + ", " + printable(own) : owner;
+    const std::string own = printable(control.name.value_or(""));
+    const bool beginsWithOwner = equalNoCase(own.substr(0, owner.size() + 1), owner + " ");
+    const std::string rest = beginsWithOwner ? own.substr(owner.size() + 1) : own;
+    const bool saysMore = !rest.empty() && !equalNoCase(rest, "volume") && !equalNoCase(rest, "level") &&
+                          !equalNoCase(rest, owner);
+    return saysMore ? owner + ", " + rest : owner;
 }
 
 /// The cells from the channel to the step.

@@ -12,6 +12,7 @@ namespace sonavit::program
 namespace
 {
 constexpr const char* pathColour = "#D9480F";
+constexpr const char* endpointFill = "#E6FCF5";
 
 /// How a kind of node looks.
 struct Look
@@ -210,21 +211,37 @@ void writeEdge(std::ostream& out, const GraphView& view, const Graph::Edge& edge
     out << "];\n";
 }
 
-/// What the shapes and lines mean, as rows of a table in the corner.
-std::string legend(const GraphView& view)
+void writeSample(std::ostream& out, const char* name, const char* shape, const char* fill)
 {
-    const auto row = [](const std::string& colour, const std::string& sample, const std::string& meaning)
-    { return "<TR><TD BGCOLOR=\"" + colour + "\">" + sample + "</TD><TD ALIGN=\"LEFT\">" + meaning + "</TD></TR>"; };
-    std::string rows = row("#FFFFFF", "box", "connector") + row("#BFDBFE", "blue", "volume, with its level") +
-                       row("#FECACA", "red", "mute") + row("#FDE68A", "yellow", "selector, with its chosen input") +
-                       row("#F1F3F5", "grey", "other node") + row("#E6FCF5", "green", "endpoint") +
-                       row("#FFFFFF", "\xE2\x86\x92", "wire within a device") +
-                       row("#FFFFFF", "\xE2\x94\x81", "join between devices") +
-                       row("#FFFFFF", "\xE2\x94\x84", "signal path within a device");
+    out << "    " << dotQuoted(std::string("legend ") + name) << " [label=" << dotQuoted(name)
+        << ", shape=" << dotQuoted(shape) << ", fillcolor=" << dotQuoted(fill) << "];\n";
+}
+
+/// A line between two points, with its meaning on it.
+void writeSample(std::ostream& out, const char* name, const std::string& style)
+{
+    const std::string from = dotQuoted(std::string("legend from ") + name);
+    const std::string to = dotQuoted(std::string("legend to ") + name);
+    out << "    " << from << " [shape=\"point\"];\n    " << to << " [shape=\"point\"];\n    " << from << " -> " << to
+        << " [label=" << dotQuoted(name) << ", " << style << "];\n";
+}
+
+/// What the shapes and lines mean, as a cluster of its own.
+void writeLegend(std::ostream& out, const GraphView& view)
+{
+    out << "  subgraph \"clusterLegend\" {\n    graph [label=\"legend\", style=\"dotted\"];\n";
+    writeSample(out, "connector", "box", "#FFFFFF");
+    writeSample(out, "volume and its level", "invtrapezium", "#BFDBFE");
+    writeSample(out, "mute", "octagon", "#FECACA");
+    writeSample(out, "selector and its chosen input", "house", "#FDE68A");
+    writeSample(out, "other node", "ellipse", "#F1F3F5");
+    writeSample(out, "endpoint", "box", endpointFill);
+    writeSample(out, "wire within a device", edgeStyle(Graph::Edge::Kind::wire));
+    writeSample(out, "join between devices", edgeStyle(Graph::Edge::Kind::join));
+    writeSample(out, "signal path within a device", edgeStyle(Graph::Edge::Kind::path));
     if (!view.path.empty())
-        rows += row(pathColour, "orange", "path of the chosen endpoint");
-    return "  \"legend\" [shape=\"plain\", style=\"\", label=<<TABLE BORDER=\"0\" CELLBORDER=\"1\" CELLSPACING=\"0\">" +
-           rows + "</TABLE>>];\n";
+        writeSample(out, "path of the chosen endpoint", "color=" + dotQuoted(pathColour));
+    out << "  }\n";
 }
 }
 
@@ -252,7 +269,8 @@ std::string dotText(const GraphView& view, const std::string& title)
         writeDevice(out, view, i);
     for (const Graph::Edge& edge : view.graph.edges)
         writeEdge(out, view, edge);
-    out << legend(view) << "}\n";
+    writeLegend(out, view);
+    out << "}\n";
     return out.str();
 }
 }
