@@ -34,7 +34,7 @@ bool canHaveHardware(const json& endpoint)
 }
 
 /// Leaves of an endpoint what both libraries read.
-json commonPart(json endpoint)
+json commonPartOfEndpoint(json endpoint)
 {
     endpoint.erase("problems");
     json jacks = json::array();
@@ -66,7 +66,7 @@ json commonPart(const json& list)
         for (const json& endpoint : card["endpoints"])
         {
             if (known.insert(sonavit::program::lowerCase(endpoint["id"].get<std::string>())).second)
-                endpoints.push_back(commonPart(endpoint));
+                endpoints.push_back(commonPartOfEndpoint(endpoint));
         }
         if (card["instanceId"].is_null())
         {
