@@ -106,5 +106,6 @@ TEST_F(ProgramDefaultName, IsAFailureWhereTheSystemReportsNothing)
     const support::Answer answer = call({"get-volume", "@DEFAULT_INPUT@"});
 
     EXPECT_EQ(1, answer.code);
-    EXPECT_EQ("sonavit: the default input cannot be identified\n", answer.err);
+    EXPECT_EQ("sonavit: the system cannot report the default input: 0x80004003, success without a result\n",
+              answer.err);
 }

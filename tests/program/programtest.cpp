@@ -69,8 +69,6 @@ void ProgramTest::TearDown()
         kept.partsLists = static_cast<long>(succeededHere("IPart::EnumPartsIncoming").size() +
                                             succeededHere("IPart::EnumPartsOutgoing").size());
         kept.directSoundTexts = directSoundTexts();
-        kept.defaultDeviceIds =
-            static_cast<long>(succeededHere("IMMDeviceEnumerator::GetDefaultAudioEndpoint").size());
     }
     LibraryTest::TearDown();
 }
@@ -132,23 +130,26 @@ void meet(sim::Simulation& simulation)
     static_cast<void>(simulation.registerOnThisThread());
 }
 
+namespace
+{
+sonavit::System::Options optionsOf(sim::Simulation& simulation)
+{
+    sonavit::System::Options options;
+    options.delivery = sonavit::Delivery::poll;
+    options.onWorkerStart = [&simulation] { meet(simulation); };
+    return options;
+}
+}
+
 Observer::Observer(sim::Simulation& simulation)
-    : m_simulation(simulation),
-      m_audio(
-          [&]
-          {
-              sonavit::System::Options options;
-              options.delivery = sonavit::Delivery::poll;
-              options.onWorkerStart = [&] { meet(simulation); };
-              return options;
-          }())
+    : m_audio(optionsOf(simulation)),
+      m_subscription(m_audio.subscribe([](const sonavit::Change&) {}))
 {
 }
 
-void Observer::settle()
+void Observer::wait(std::chrono::milliseconds longest)
 {
-    m_simulation.events().waitForClients();
-    EXPECT_TRUE(m_audio.refresh());
+    m_audio.poll(longest);
 }
 
 std::string unreadableNote(std::size_t endpoints)

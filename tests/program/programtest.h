@@ -28,20 +28,19 @@ struct Answer
 /// Makes the machine answer the thread that calls, which Windows wants on each thread.
 void meet(sim::Simulation& simulation);
 
-/// Sees what a monitor of the same process sees, at the same time: all Systems of a process share the thread that asks
-/// the platform. It must end before the machine.
+/// Sees what a monitor of the same process sees, at about the same time: all Systems of a process share the thread that
+/// asks the platform. It must end before the machine.
 class Observer
 {
 public:
     explicit Observer(sim::Simulation& simulation);
 
-    /// Waits until the client layer has read all that the machine has announced. What is announced afterwards is
-    /// another change than what was announced before.
-    void settle();
+    /// Waits until something changes, at most that long.
+    void wait(std::chrono::milliseconds longest);
 
 private:
-    sim::Simulation& m_simulation;
     sonavit::System m_audio;
+    sonavit::Subscription m_subscription;
 };
 
 /// A test of the program's commands, called in this process.

@@ -50,7 +50,7 @@ bool isOfList(const Problem& problem)
 {
     constexpr auto invalidData = static_cast<HRESULT>(0x8007000D);
     const std::string& operation = problem.operation();
-    return startsWith(operation, "CoCreateInstance") ||
+    return startsWith(operation, "CoCreateInstance") || startsWith(operation, "CoInitializeEx") ||
            startsWith(operation, "IMMDeviceEnumerator::EnumAudioEndpoints") ||
            startsWith(operation, "IMMDeviceCollection::") ||
            (startsWith(operation, "IMMDevice::GetId") && problem.code() != invalidData);
@@ -63,7 +63,7 @@ std::string listFailure(const Problem& problem)
     const auto names = [&](const char* flow) { return operation.find(flow) != std::string::npos; };
     if (!isOfList(problem))
         return "the system cannot list its sound cards: " + problem.sentence();
-    if (startsWith(operation, "CoCreateInstance"))
+    if (startsWith(operation, "Co"))
         return "the system's audio cannot be reached: " + reasonText(problem.code());
     const char* const what = names("eRender") ? "outputs" : names("eCapture") ? "inputs" : "endpoints";
     return std::string("the system cannot list its ") + what + ": " + reasonText(problem.code());

@@ -25,8 +25,9 @@ const char* const card = "Name, instance id, or part of one (default: all)";
 
 const char* const anyId = "Endpoint id, wave id, DirectSound GUID, instance id,\n"
                           "container or card id";
-const char* const eventKinds = "Only these kinds, with commas: added, removed, state,\n"
-                               "volume, default, name, format, hardware, service";
+const char* const eventKinds = "Only these kinds, with commas: added, removed,\n"
+                               "state, volume, default, name, format, hardware,\n"
+                               "service, other";
 const char* const via = "Read with the client layer (layer, the default) or\n"
                         "with the object model (model)";
 

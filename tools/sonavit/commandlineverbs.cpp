@@ -67,7 +67,7 @@ void CommandLineGrammar::addQuestions()
     list.add_flag("--outputs", m_words.isOnlyOutputs, "Only outputs");
     list.add_flag("--inputs", m_words.isOnlyInputs, "Only inputs");
     addOption(list, "--card", m_words.card, "CARD", "Only this card");
-    list.add_flag("--short", m_words.isShort, "One endpoint a line, columns separated by tabs, for scripts");
+    list.add_flag("--short", m_words.isShort, "One endpoint a line, tabs between columns");
     verbWithSource(verbOnEndpoint("show", Verb::show, "Show all properties of an endpoint"));
     verbWithSource(verbOnEndpoint("controls", Verb::controls, "List the hardware volume controls of an endpoint"));
     addPositional(

@@ -13,6 +13,14 @@
 
 namespace sonavit::program
 {
+/// What a walk through the hardware has found, and what it could not read.
+template<class Thing>
+struct Found
+{
+    std::vector<Thing> things;
+    std::vector<Problem> problems;
+};
+
 /// Answers the questions of the commands that read.
 class Source
 {
@@ -23,8 +31,8 @@ public:
     virtual ~Source() = default;
 
     virtual Snapshot snapshot() = 0;
-    virtual Result<std::vector<Control>> controls(const EndpointId& endpoint) = 0;
-    virtual Result<std::vector<Selector>> selectors(const CardId& card) = 0;
+    virtual Result<Found<Control>> controls(const CardEndpoint& place) = 0;
+    virtual Result<Found<Selector>> selectors(const CardId& card) = 0;
     /// Of these cards, in their order.
     virtual Result<Graph> graph(const std::vector<CardId>& cards) = 0;
 };

@@ -118,8 +118,8 @@ TEST_F(ProgramGraph, DrawsDevicesPartsAndEdges)
     EXPECT_EQ("", support::brokenDot(answer.out));
     EXPECT_THAT(answer.out, HasSubstr(R"(label="Speakers (Card)\noutput")"));
     EXPECT_THAT(answer.out, HasSubstr(R"(label="Speaker\nSpeakers", shape="box")"));
-    EXPECT_THAT(answer.out, HasSubstr(R"(label="Volume", shape="invtrapezium")"));
-    EXPECT_THAT(answer.out, HasSubstr(R"(label="Mute", shape="octagon")"));
+    EXPECT_THAT(answer.out, HasSubstr(R"(label="Volume\n-30.00 dB", shape="invtrapezium")"));
+    EXPECT_THAT(answer.out, HasSubstr(R"(label="Mute\nnot muted", shape="octagon")"));
     EXPECT_THAT(answer.out, Not(HasSubstr("connectors unknown")));
 }
 
@@ -253,7 +253,7 @@ TEST_F(ProgramGraph, DrawsADeviceWhoseConnectorsAreUnknownBesideThoseThatAreKnow
 
     const support::Answer answer = call({"graph"});
     EXPECT_EQ("", support::brokenDot(answer.out));
-    EXPECT_THAT(answer.out, HasSubstr("label=\"Volume\""));
+    EXPECT_THAT(answer.out, HasSubstr("label=\"Volume\\n"));
     EXPECT_THAT(answer.out, HasSubstr("connectors unknown"));
 }
 

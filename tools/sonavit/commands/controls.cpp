@@ -5,6 +5,7 @@
 #include "tools/sonavit/output/modelwords.h"
 #include "tools/sonavit/output/table.h"
 #include "tools/sonavit/output/text.h"
+#include "tools/sonavit/problemnote.h"
 #include "tools/sonavit/simulationnote.h"
 
 #include <algorithm>
@@ -16,12 +17,20 @@ namespace
 {
 using Align = Table::Column::Align;
 
-std::vector<Control> readControls(const Context& context, const Endpoint& endpoint)
+Found<Control> readControls(const Context& context, const CardEndpoint& place)
 {
-    Result<std::vector<Control>> controls = context.session.source().controls(endpoint.id());
+    Result<Found<Control>> controls = context.session.source().controls(place);
     if (!controls)
-        raise(controls.problem(), "the hardware controls of " + shortTitleWords(endpoint) + " cannot be read");
+        raise(controls.problem(), "the hardware controls of " + shortTitleWords(place.endpoint) + " cannot be read");
     return *std::move(controls);
+}
+
+std::size_t countProblems(const Found<Control>& found)
+{
+    std::size_t count = found.problems.size();
+    for (const Control& control : found.things)
+        count += control.problems.size();
+    return count;
 }
 
 /// "on" and "off", as `mute` takes them.
@@ -154,7 +163,8 @@ void runControls(Context& context)
 {
     const Snapshot snapshot = readSnapshot(context);
     const CardEndpoint found = requestedEndpoint(context, snapshot);
-    const std::vector<Control> controls = readControls(context, found.endpoint);
+    const Found<Control> hardware = readControls(context, found);
+    const std::vector<Control>& controls = hardware.things;
     const std::optional<Volume>& own = found.endpoint.volume();
     const Environment& environment = context.environment;
     if (context.arguments.isJson)
@@ -167,6 +177,7 @@ void runControls(Context& context)
                                .set("controls", list)
                                .set("volume", volumeJson(own))
                                .set("muted", mutedJson(own))
+                               .set("problems", problemsJson(hardware.problems))
                                .text()
                         << "\n";
         return;
@@ -174,13 +185,15 @@ void runControls(Context& context)
     environment.out << painted(titleWords(found.endpoint), Paint::bold, environment.hasColours) << ", "
                     << counted(controls.size(), "hardware control") << "\n";
     showTable(environment, own.value_or(Volume()), controls);
+    showProblems(context, countProblems(hardware), "--json says why");
 }
 
 void runSetControl(Context& context)
 {
     const Snapshot snapshot = readSnapshot(context);
-    const Endpoint endpoint = requestedEndpoint(context, snapshot).endpoint;
-    const std::vector<Control> known = readControls(context, endpoint);
+    const CardEndpoint place = requestedEndpoint(context, snapshot);
+    const Endpoint& endpoint = place.endpoint;
+    const std::vector<Control> known = readControls(context, place).things;
     const Result<Control> after = change(context, endpoint);
     if (!after)
         raise(after.problem());

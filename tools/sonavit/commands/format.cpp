@@ -29,7 +29,8 @@ Json document(const Context& context, const Endpoint& endpoint)
 {
     const char* const remedy = context.session.machineName() ? "simulate the machine with --account administrator"
                                                              : "run sonavit as administrator";
-    if (problem.code() == E_ACCESSDENIED)
+    const bool isOpening = problem.operation().find("OpenPropertyStore") != std::string::npos;
+    if (isOpening && problem.code() == E_ACCESSDENIED)
         throw OperationFailure("Windows lets only administrators change a format; " + std::string(remedy) +
                                " to change that of " + shortTitleWords(endpoint));
     raise(problem, "the format of " + shortTitleWords(endpoint) + " cannot be set");
@@ -74,7 +75,8 @@ void runFormat(Context& context)
     const bool isInterrupted = context.environment.pause(context.arguments.hold);
     const Result<Done> end = hold->end();
     if (!end)
-        raise(end.problem(), "the format of " + shortTitleWords(endpoint) + " cannot be put back");
+        throw OperationFailure("the format of " + shortTitleWords(endpoint) +
+                               " cannot be put back: " + end.problem().sentence());
     const std::optional<Format> after = presentFormat(context, endpoint);
     if (context.arguments.isJson)
         out << document(context, endpoint)

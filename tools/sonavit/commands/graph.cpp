@@ -37,7 +37,7 @@ GraphView viewOf(const Context& context, const Snapshot& snapshot, const std::ve
     GraphView view{readGraph(context, cards)};
     if (context.arguments.endpoint.empty())
         return view;
-    const EndpointId endpoint = requestedEndpoint(context, snapshot).endpoint.id();
+    const EndpointId endpoint = endpointNamed(snapshot, context.arguments.endpoint).endpoint.id();
     if (context.arguments.isOnlyPath)
         view.graph = view.graph.restrictedTo(endpoint);
     view.markPath(endpoint);

@@ -5,6 +5,7 @@
 #include "tools/sonavit/output/modelwords.h"
 #include "tools/sonavit/output/table.h"
 #include "tools/sonavit/output/text.h"
+#include "tools/sonavit/problemnote.h"
 
 #include <algorithm>
 #include <map>
@@ -316,14 +317,6 @@ std::size_t countProblems(const Snapshot& snapshot, const std::vector<Card>& car
     return count;
 }
 
-void showProblems(const Context& context, std::size_t count)
-{
-    if (count == 0)
-        return;
-    const std::string line = counted(count, "thing") + " could not be read; --json and sonavit show ENDPOINT say why";
-    context.environment.out << painted(line, Paint::yellow, context.environment.hasColours) << "\n";
-}
-
 Json listJson(const Context& context, const Snapshot& snapshot, const std::vector<Card>& cards)
 {
     Json list = Json::array();
@@ -361,6 +354,6 @@ void runList(Context& context)
         context.environment.out << "There is no such endpoint.\n";
     else
         Tree(context.environment, cards).show();
-    showProblems(context, countProblems(snapshot, cards));
+    showProblems(context, countProblems(snapshot, cards), "--json and sonavit show ENDPOINT say why");
 }
 }

@@ -88,10 +88,19 @@ Monitor::Monitor(const Context& context, const Snapshot& start)
     }
 }
 
+/// An endpoint that is disabled or gone has no volume any more, which its state says well enough.
+bool isVolumeOfState(const Event& event)
+{
+    return event.kind == Event::Kind::endpointChanged && event.field == EndpointField::volume &&
+           event.before->state() != event.after->state() && (!event.before->volume() || !event.after->volume());
+}
+
 /// Without a choice of kinds nothing is shown of what only the layer's bookkeeping needs.
 bool Monitor::isWanted(const Event& event) const
 {
     const EventKind kind = kindOf(event);
+    if (m_arguments.eventKinds.empty() && isVolumeOfState(event))
+        return false;
     const bool isKind =
         m_arguments.eventKinds.empty() ? kind != EventKind::other : m_arguments.eventKinds.count(kind) > 0;
     if (!isKind || m_endpoints.empty())

@@ -5,6 +5,7 @@
 #include "tools/sonavit/output/modelwords.h"
 #include "tools/sonavit/output/table.h"
 #include "tools/sonavit/output/text.h"
+#include "tools/sonavit/problemnote.h"
 #include "tools/sonavit/simulationnote.h"
 
 #include <algorithm>
@@ -20,18 +21,27 @@ struct CardSelector
     Selector selector;
 };
 
-std::vector<CardSelector> readSelectors(const Context& context, const std::vector<Card>& cards)
+Found<CardSelector> readSelectors(const Context& context, const std::vector<Card>& cards)
 {
-    std::vector<CardSelector> result;
+    Found<CardSelector> result;
     for (const Card& card : cards)
     {
-        const Result<std::vector<Selector>> selectors = context.session.source().selectors(card.id());
+        const Result<Found<Selector>> selectors = context.session.source().selectors(card.id());
         if (!selectors)
             raise(selectors.problem(), "the selectors of " + inQuotes(card.title()) + " cannot be read");
-        for (const Selector& selector : *selectors)
-            result.push_back({card, selector});
+        for (const Selector& selector : selectors->things)
+            result.things.push_back({card, selector});
+        result.problems.insert(result.problems.end(), selectors->problems.begin(), selectors->problems.end());
     }
     return result;
+}
+
+std::size_t countProblems(const Found<CardSelector>& found)
+{
+    std::size_t count = found.problems.size();
+    for (const CardSelector& known : found.things)
+        count += known.selector.problems.size();
+    return count;
 }
 
 void showSelector(const Environment& environment, const Card& card, const Selector& selector)
@@ -89,19 +99,24 @@ void runSelectors(Context& context)
     const Snapshot snapshot = readSnapshot(context);
     const std::vector<Card> cards = requestedCards(context, snapshot);
     reportDenied(context, cards);
-    const std::vector<CardSelector> selectors = readSelectors(context, cards);
+    const Found<CardSelector> found = readSelectors(context, cards);
+    const std::vector<CardSelector>& selectors = found.things;
     if (context.arguments.isJson)
     {
         Json list = Json::array();
         for (const CardSelector& known : selectors)
             list.append(selectorJson(known.card, known.selector));
-        context.environment.out << machineDocument(context.session.machineName()).set("selectors", list).text() << "\n";
+        context.environment.out << machineDocument(context.session.machineName()).set("selectors", list)
+                                       .set("problems", problemsJson(found.problems))
+                                       .text()
+                                << "\n";
         return;
     }
     for (const CardSelector& known : selectors)
         showSelector(context.environment, known.card, known.selector);
     if (selectors.empty())
         context.environment.out << "There is no input selector.\n";
+    showProblems(context, countProblems(found), "--json says why");
 }
 
 void runSelect(Context& context)
@@ -109,7 +124,7 @@ void runSelect(Context& context)
     const Snapshot snapshot = readSnapshot(context);
     const std::vector<Card> cards = requestedCards(context, snapshot);
     reportDenied(context, cards);
-    const std::vector<CardSelector> known = readSelectors(context, cards);
+    const std::vector<CardSelector> known = readSelectors(context, cards).things;
     const Arguments& arguments = context.arguments;
     System& audio = context.session.audio();
     const Result<Selector> after = arguments.card.empty()

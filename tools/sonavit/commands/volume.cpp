@@ -38,6 +38,15 @@ std::string mutedClause(const Volume& volume)
     return volume.isMuted.value_or(false) ? ", muted" : "";
 }
 
+/// What the user wants to do and cannot.
+std::string failedMute(MuteChange change, const Endpoint& endpoint)
+{
+    const std::string title = shortTitleWords(endpoint);
+    if (change == MuteChange::toggle)
+        return "the mute of " + title + " cannot be toggled";
+    return title + " cannot be " + (change == MuteChange::on ? "muted" : "unmuted");
+}
+
 /// The level of the channel that a change is about.
 Level levelOf(const Volume& volume, const LevelChange& change)
 {
@@ -103,8 +112,7 @@ void runMute(Context& context)
     const Result<Volume> after = change == MuteChange::toggle ? audio.toggleMute(endpoint.id())
                                                               : audio.setMute(endpoint.id(), change == MuteChange::on);
     if (!after)
-        raise(after.problem(),
-              shortTitleWords(endpoint) + " cannot be " + (change == MuteChange::off ? "unmuted" : "muted"));
+        raise(after.problem(), failedMute(change, endpoint));
 
     announceTemporaryChange(context);
     if (context.arguments.isJson)

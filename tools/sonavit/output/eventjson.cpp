@@ -135,7 +135,8 @@ Json eventJson(const Event& event, const Card& card, const std::optional<std::st
                std::chrono::system_clock::time_point time)
 {
     const bool isCardKnown = !card.id().isEmpty() || !card.endpoints().empty();
-    const std::optional<Endpoint> endpoint = event.after ? event.after : event.before;
+    const bool isDefault = event.kind == Event::Kind::defaultChanged; // of nothing, if there is none any more
+    const std::optional<Endpoint> endpoint = event.after || isDefault ? event.after : event.before;
     Json result = machineDocument(machine)
                       .set("time", universalTimeText(time))
                       .set("event", eventKey(event))

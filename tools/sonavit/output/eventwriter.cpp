@@ -121,9 +121,11 @@ Card cardOf(const Event& event, const Snapshot& snapshot)
 {
     if (event.cardAfter || event.cardBefore)
         return event.cardAfter ? *event.cardAfter : *event.cardBefore;
+    const std::optional<Endpoint> endpoint = subjectOf(event);
+    if (event.kind == Event::Kind::defaultChanged && !endpoint)
+        return Card();
     if (const std::optional<Card> card = snapshot.card(event.card))
         return *card;
-    const std::optional<Endpoint> endpoint = subjectOf(event);
     const std::optional<Card> card = endpoint ? snapshot.cardOf(endpoint->id()) : std::nullopt;
     return card.value_or(Card());
 }
@@ -131,6 +133,8 @@ Card cardOf(const Event& event, const Snapshot& snapshot)
 
 std::optional<Endpoint> subjectOf(const Event& event)
 {
+    if (event.kind == Event::Kind::defaultChanged)
+        return event.after;
     return event.after ? event.after : event.before;
 }
 

@@ -41,6 +41,6 @@ private:
     std::set<std::tuple<std::string, std::string, Flow>> m_names; ///< card, title and flow of what is expected
 };
 
-/// The endpoint that @p event is about; for a default the one that it is now, or else was.
+/// The endpoint that @p event is about; for a default the one that it is now, if any.
 std::optional<Endpoint> subjectOf(const Event& event);
 }
