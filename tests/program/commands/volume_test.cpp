@@ -153,13 +153,17 @@ TEST_F(ProgramVolume, IsLeftToTheSystemToJudgeIfItsRangeCannotBeRead)
               call({"set-volume", "Speakers", "-3dB"}).err);
 }
 
-TEST_F(ProgramVolume, HasNoRangeWhereTheSystemSucceedsWithoutOne)
+TEST_F(ProgramVolume, HasAnEmptyRangeAndNoPercentWhereTheSystemStoresNoRange)
 {
     sim::Simulation& simulation = run(support::smallMachine());
     simulation.faults().succeedWithNull("IAudioEndpointVolume::GetVolumeRange");
 
-    EXPECT_TRUE(json::parse(call({"get-volume", "Speakers", "--json"}).out)["volume"]["range"].is_null());
-    EXPECT_THAT(call({"show", "Speakers"}).lines(), testing::Contains("  range        -"));
+    const json volume = json::parse(call({"get-volume", "Speakers", "--json"}).out)["volume"];
+
+    EXPECT_EQ(json::parse(R"({"min": 0, "max": 0, "step": 0})"), volume["range"]);
+    EXPECT_TRUE(volume["percent"].is_null());
+    EXPECT_EQ(-18, volume["decibels"]);
+    EXPECT_THAT(call({"show", "Speakers"}).lines(), testing::Contains("  volume       -  -18.00 dB"));
 }
 
 TEST_F(ProgramVolume, RefusalIsAFailure)

@@ -148,8 +148,13 @@ EventWriter::EventWriter(const Environment& environment, bool isJson, std::optio
 void EventWriter::expect(const Card& card, const Endpoint& endpoint)
 {
     m_names.emplace(card.title(), endpoint.title(), endpoint.flow());
-    m_cardWidth = std::min(std::max(m_cardWidth, displayWidth(printable(card.title()))), widestName);
+    expect(card);
     m_endpointWidth = std::min(std::max(m_endpointWidth, displayWidth(shownTitle(card, endpoint))), widestName);
+}
+
+void EventWriter::expect(const Card& card)
+{
+    m_cardWidth = std::min(std::max(m_cardWidth, displayWidth(printable(card.title()))), widestName);
 }
 
 std::string EventWriter::shownTitle(const Card& card, const Endpoint& endpoint) const
@@ -169,6 +174,8 @@ void EventWriter::write(const Event& event, const Snapshot& snapshot, std::chron
     const Card card = cardOf(event, snapshot);
     if (const std::optional<Endpoint> endpoint = subjectOf(event))
         expect(card, *endpoint);
+    else if (event.cardBefore || event.cardAfter)
+        expect(card);
     m_environment.out << (m_isJson ? eventJson(event, card, m_machine, time).line() : line(event, card, time)) << "\n"
                       << std::flush;
 }

@@ -30,6 +30,7 @@ public:
     bool isOutputLost() const;
 
 private:
+    void expect(const Card& card);
     std::string line(const Event& event, const Card& card, std::chrono::system_clock::time_point time) const;
     std::string shownTitle(const Card& card, const Endpoint& endpoint) const;
 
