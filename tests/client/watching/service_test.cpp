@@ -1,4 +1,3 @@
-#include "client/watching/registrations.h"
 #include "tests/client/watching/watchtest.h"
 
 #include <gmock/gmock.h>
@@ -151,23 +150,5 @@ TEST_F(SystemService, ThatFailsInAnEndpointIsNoticed)
     advance(50ms);
 
     EXPECT_EQ(Service::stopped, audio().snapshot().service());
-}
-
-TEST_F(SystemService, KeepsListenersThatCannotBeUnregistered)
-{
-    watch("desktop");
-    const std::size_t before = watching::keptListeners();
-    simulation().faults().fail("IMMDeviceEnumerator::UnregisterEndpointNotificationCallback", noServer);
-    stopService();
-    EXPECT_EQ(before + 1, watching::keptListeners());
-    startService();
-    const std::string id = simulation().machine().endpoints[0].id;
-
-    simulation().events().announceState(id, DEVICE_STATE_ACTIVE); // calls the listener that was kept
-    advance(1s);
-
-    EXPECT_EQ(Service::running, audio().snapshot().service());
-    IMMDeviceEnumerator* const enumerator = simulation().enumerator();
-    enumerator->Release();
 }
 }
