@@ -27,10 +27,10 @@
 
 namespace sonavit::watching
 {
-/// Reads the computer for one System, hears of its changes, and publishes them in the hub.
+/// Reads the computer for one System, is notified of its changes, and publishes them in the hub.
 ///
-/// It lives on the worker: all operations run there, and so does the release of every platform object. What it has
-/// heard of stands in the inbox, which alone is shared with the platform's threads.
+/// It lives on the worker: all operations run there, and so does the release of every platform object. Only
+/// the inbox, which contains what was announced, is shared with the platform's threads.
 class Watcher final : public worker::Member, public std::enable_shared_from_this<Watcher>
 {
 public:
@@ -142,10 +142,10 @@ private:
     bool m_isStarted = false;
 
     // What the reading that runs has changed.
-    std::vector<EndpointId> m_changed; ///< endpoints that were read, for a publication that keeps the grouping
-    bool m_isRegrouping = false;       ///< the cards have to be put together anew
-    std::map<EndpointId, Cause> m_causes;        ///< of changes of volume
-    std::map<EndpointId, Cause> m_changesByUs;   ///< of all changes of an endpoint that this System has changed
+    std::vector<EndpointId> m_changed;         ///< endpoints that were read, for a publication that keeps the grouping
+    bool m_isRegrouping = false;               ///< the cards have to be put together anew
+    std::map<EndpointId, Cause> m_causes;      ///< of changes of volume
+    std::map<EndpointId, Cause> m_changesByUs; ///< of all changes of an endpoint that this System has changed
     std::map<CardId, Cause> m_hardwareCauses;
     std::map<EndpointId, ChangeToken> m_publishedChanges; ///< the last change by us that was published, by endpoint
     std::map<CardId, ChangeToken> m_publishedHardwareChanges;
