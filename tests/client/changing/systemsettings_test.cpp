@@ -220,7 +220,9 @@ TEST_F(SystemRestoreOfDesk, GoesOnAfterEachCallThatIsRefused)
         for (const RestoredSetting& setting : report.settings)
         {
             if (setting.outcome == Outcome::failed)
+            {
                 EXPECT_EQ(setting.problem->operation(), operation);
+            }
         }
         simulation().faults().clear();
         EXPECT_TRUE(system.restore(settings)->isComplete());
