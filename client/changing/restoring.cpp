@@ -212,6 +212,8 @@ void Restoring::restoreSelectors(const Place& place)
             const Result<Selector> found = selector(place, setting);
             if (!found)
                 return found.problem();
+            if (setting.inputName.empty() && found->selection == setting.input)
+                return Done(); // it may be the number of no input
             const Result<SelectorInput> input = inputOf(*found, setting);
             if (!input)
                 return input.problem();
