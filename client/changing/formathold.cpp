@@ -232,8 +232,7 @@ Result<FormatHold> System::holdFormat(const EndpointId& endpoint, const Format& 
         if (!held)
             return held.problem();
         auto state = std::make_shared<FormatHold::State>(worker, weak, patience, *held);
-        state->hold->atEnd =
-            watcher.atEnd([&watcher, hold = state->hold] { static_cast<void>(hold->putBack(watcher)); });
+        state->hold->atEnd = watcher.atEnd([&watcher, hold = state->hold] { endHold(watcher, *hold, [] {}); });
         const ChangeToken token = held->isWritten() ? watcher.newToken() : 0;
         if (held->isWritten())
             publishFormat(watcher, endpoint, token);
