@@ -24,12 +24,20 @@ Graph HardwareGraph::graph() const
 
 void HardwareGraph::readControls(Graph::Part& description, const AudioPart& part) const
 {
-    if (isOf(description, NodeKind::volume))
+    if (isOf(description, NodeKind::volume) && hasLevel(part))
         description.channels = readChannels(part);
-    else if (isOf(description, NodeKind::mute))
+    else if (isOf(description, NodeKind::mute) && hasMute(part))
         description.isMuted = readMute(part);
     else if (!description.isConnector && m_graph.devices[description.device].kind == Graph::Device::Kind::adapter)
         description.selection = readSelection(selectorOf(part));
+}
+
+/// The global id of a part; without one that of its device with its number there, so that it can be named nevertheless.
+std::string HardwareGraph::identityOf(const Graph::Part& part) const
+{
+    if (!part.id.empty())
+        return part.id;
+    return m_graph.devices[part.device].id + "#" + (part.number ? std::to_string(*part.number) : std::string());
 }
 
 std::vector<std::size_t> HardwareGraph::selectorParts() const
@@ -37,7 +45,8 @@ std::vector<std::size_t> HardwareGraph::selectorParts() const
     std::vector<std::size_t> result;
     for (const Graph::Device& device : m_graph.devices)
     {
-        if (device.kind != Graph::Device::Kind::adapter)
+        const bool isOfCard = device.kind == Graph::Device::Kind::endpoint && device.isListed;
+        if (isOfCard || device.kind == Graph::Device::Kind::closed)
             continue;
         const auto isSelector = [&](std::size_t part)
         { return !m_graph.parts[part].isConnector && selectorOf(m_parts[part]).get() != nullptr; };
@@ -51,7 +60,7 @@ Selector HardwareGraph::describeSelector(std::size_t part) const
     const Graph::Part& description = m_graph.parts[part];
     const Graph::Device& device = m_graph.devices[description.device];
     Selector selector;
-    selector.id = SelectorId(description.id);
+    selector.id = SelectorId(identityOf(description));
     selector.name = description.name;
     selector.deviceId = device.id;
     selector.deviceName = device.name;

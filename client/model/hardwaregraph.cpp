@@ -171,6 +171,8 @@ std::size_t HardwareGraph::addPart(const AudioPart& part, std::size_t device)
 std::size_t HardwareGraph::addConnector(const AudioComponent<IConnector>& connector, std::size_t device)
 {
     const std::size_t index = addPart(connector.part(), device);
+    if (m_graph.parts[index].isConnector) // it is met on several ways
+        return index;
     m_graph.parts[index].isConnector = true;
     m_graph.parts[index].direction = directionOf(connector);
     m_graph.parts[index].isJoined = isJoined(connector);

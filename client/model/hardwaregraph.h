@@ -33,7 +33,8 @@ public:
     /// With the levels, mutes and selections that the parts have now.
     Graph graph() const;
 
-    /// The subunits of adapters that are selectors, in the order in which the object model finds them.
+    /// The subunits that are selectors, in the order in which the object model finds them: those of all devices but the
+    /// endpoints of the cards.
     std::vector<std::size_t> selectorParts() const;
 
     /// Describes the selector that the part @p part is.
@@ -52,6 +53,7 @@ private:
     void readControls(Graph::Part& description, const AudioPart& part) const;
     std::size_t sourceConnector(std::size_t part) const;
     std::string keyOf(const AudioPart& part) const;
+    std::string identityOf(const Graph::Part& part) const;
 
     Graph m_graph;                                 ///< without what graph() reads
     std::vector<AudioPart> m_parts;                ///< one for each part of the graph

@@ -85,6 +85,16 @@ Control readControl(const ::SoundCard::VolumeController& record)
     return control;
 }
 
+bool hasLevel(const AudioPart& part)
+{
+    return activate<IAudioVolumeLevel>(part, IID_IAudioVolumeLevel).get() != nullptr;
+}
+
+bool hasMute(const AudioPart& part)
+{
+    return activate<IAudioMute>(part, IID_IAudioMute).get() != nullptr;
+}
+
 std::optional<std::vector<ControlChannel>> readChannels(const AudioPart& part)
 {
     RegularVolumeController policy;

@@ -20,6 +20,10 @@ std::optional<LevelRange> readRange(const VolumeControllerInterface& controller,
 /// the connector next to the level and not the level.
 Control readControl(const ::SoundCard::VolumeController& record);
 
+/// Whether a volume node has a level, and a mute node a mute; many have none.
+bool hasLevel(const AudioPart& part);
+bool hasMute(const AudioPart& part);
+
 /// The level of a volume node, channel by channel; no value if the part has none.
 std::optional<std::vector<ControlChannel>> readChannels(const AudioPart& part);
 

@@ -124,15 +124,16 @@ Result<std::vector<Selector>> ObjectModel::selectors(const CardId& card)
 
 Result<Graph> ObjectModel::graph(const std::vector<CardId>& cards)
 {
-    std::vector<ModelEndpoint> endpoints;
     for (const CardId& card : cards)
     {
         if (state().find(card) == nullptr)
             return noCard("graph", card);
     }
+    std::vector<ModelEndpoint> endpoints;
     for (const ModelCard& card : state().cards)
     {
-        if (std::find(cards.begin(), cards.end(), card.value.id()) != cards.end())
+        const bool isMeant = std::find(cards.begin(), cards.end(), card.value.id()) != cards.end();
+        if (isMeant && state().find(card.value.id()) == &card)
             endpoints.insert(endpoints.end(), card.endpoints.begin(), card.endpoints.end());
     }
     return HardwareGraph(endpoints).graph();

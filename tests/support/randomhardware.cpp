@@ -228,7 +228,7 @@ sim::Machine randomCards(RandomChoice& choice, const std::string& name)
     {
         const std::string cardName = "Card " + std::to_string(i);
         sim::CardBuilder card = choice.chance(50) ? builder.usbCard(cardName) : builder.card(cardName);
-        const unsigned endpoints = choice.below(9);
+        const unsigned endpoints = choice.below(choice.chance(25) ? 9 : 4);
         for (unsigned j = 0; j < endpoints; ++j)
         {
             sim::EndpointBuilder endpoint = randomEndpoint(choice, card);
