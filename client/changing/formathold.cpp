@@ -7,6 +7,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -34,14 +35,24 @@ public:
         return m_outcome.has_value();
     }
 
-    /// On the worker, once: puts the former format back.
-    Result<Done> putBack(const Watcher& watcher)
+    /// On the worker: puts the former format back. Opens the endpoint anew: the object that was changed may be that of
+    /// a device that has gone meanwhile.
+    Result<Done> putBack(const Watcher& watcher) const
     {
-        const Result<Done> result = onDevice(watcher);
+        IMMDeviceEnumerator* const enumerator = watcher.enumerator();
+        if (enumerator == nullptr)
+            return Problem(Problem::Kind::platform, "FormatHold::end", format.endpoint().text(),
+                           "the audio service does not answer");
+        const Result<reading::EndpointReading> endpoint = reading::openEndpoint(*enumerator, format.endpoint());
+        return endpoint ? format.putBack(*endpoint->device) : endpoint.problem();
+    }
+
+    /// Wakes the caller of wait().
+    void finish(Result<Done> outcome)
+    {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        m_outcome = result;
+        m_outcome = std::move(outcome);
         m_changed.notify_all();
-        return result;
     }
 
     /// Waits until the format has been put back, or that has failed.
@@ -56,17 +67,6 @@ public:
     std::uint64_t atEnd = 0; ///< of Watcher::atEnd(), used on the worker alone
 
 private:
-    /// Opens the endpoint anew: the object that was changed may be that of a device that has gone meanwhile.
-    Result<Done> onDevice(const Watcher& watcher) const
-    {
-        IMMDeviceEnumerator* const enumerator = watcher.enumerator();
-        if (enumerator == nullptr)
-            return Problem(Problem::Kind::platform, "FormatHold::end", format.endpoint().text(),
-                           "the audio service does not answer");
-        const Result<reading::EndpointReading> endpoint = reading::openEndpoint(*enumerator, format.endpoint());
-        return endpoint ? format.putBack(*endpoint->device) : endpoint.problem();
-    }
-
     mutable std::mutex m_mutex;
     mutable std::condition_variable m_changed;
     std::optional<Result<Done>> m_outcome;
@@ -82,15 +82,31 @@ void publishFormat(Watcher& watcher, const EndpointId& id, ChangeToken token)
     watcher.publishChange(id, token);
 }
 
-/// On the worker, while the System lives.
-void endHold(Watcher& watcher, Hold& hold)
+/// On the worker: puts the format back, once, and calls @p afterwards before it wakes the caller of FormatHold::end().
+template<class Function>
+void endHold(const Watcher& watcher, Hold& hold, const Function& afterwards)
 {
     if (hold.hasEnded())
         return;
+    Result<Done> outcome = Done();
+    try
+    {
+        outcome = hold.putBack(watcher);
+        if (outcome && hold.format.isWritten())
+            afterwards();
+    }
+    catch (const std::exception& failure)
+    {
+        outcome = Problem(Problem::Kind::internal, "FormatHold::end", hold.format.endpoint().text(), failure.what());
+    }
+    hold.finish(std::move(outcome));
+}
+
+/// While the System lives.
+void endHold(Watcher& watcher, Hold& hold)
+{
     watcher.cancelAtEnd(hold.atEnd);
-    const bool isPutBack = static_cast<bool>(hold.putBack(watcher));
-    if (isPutBack && hold.format.isWritten())
-        publishFormat(watcher, hold.format.endpoint(), watcher.newToken());
+    endHold(watcher, hold, [&] { publishFormat(watcher, hold.format.endpoint(), watcher.newToken()); });
 }
 }
 
@@ -216,8 +232,7 @@ Result<FormatHold> System::holdFormat(const EndpointId& endpoint, const Format& 
         if (!held)
             return held.problem();
         auto state = std::make_shared<FormatHold::State>(worker, weak, patience, *held);
-        state->hold->atEnd =
-            watcher.atEnd([&watcher, hold = state->hold] { static_cast<void>(hold->putBack(watcher)); });
+        state->hold->atEnd = watcher.atEnd([&watcher, hold = state->hold] { endHold(watcher, *hold, [] {}); });
         const ChangeToken token = held->isWritten() ? watcher.newToken() : 0;
         if (held->isWritten())
             publishFormat(watcher, endpoint, token);

@@ -28,7 +28,7 @@ struct EndpointReading
     std::optional<std::string> adapter; ///< id of the device that its first connector leads to
     std::optional<std::string> bus;     ///< name of its device's enumerator
     COMPtr<IMMDevice>::pointer device;
-    /// Nil for an endpoint without volume. Reading lets go of it when the endpoint loses its volume or its device is
+    /// Nil for an endpoint without volume. A reading releases it when the endpoint loses its volume or its device is
     /// replaced; who is registered with it keeps a handle of its own.
     COMPtr<IAudioEndpointVolume>::pointer volume;
 

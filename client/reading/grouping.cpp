@@ -3,8 +3,11 @@
 #include "OSWindows/configmanager.h"
 #include "client/reading/content.h"
 #include "qor/string.h"
+#include "sonavit/text.h"
 
 #include <algorithm>
+#include <deque>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 
@@ -20,66 +23,20 @@ struct Group
     std::vector<const EndpointReading*> members;
 };
 
-/// In lower case as far as the platform takes no notice of case.
-std::string folded(std::string text)
+/// Finds the group of each endpoint. The readings must outlive it.
+class Groups
 {
-    for (char& character : text)
-    {
-        if (character >= 'A' && character <= 'Z')
-            character = static_cast<char>(character - 'A' + 'a');
-    }
-    return text;
-}
-
-/// What decides to which card an endpoint belongs. The first character of the key keeps the kinds apart; paths alone
-/// are compared exactly.
-struct Membership
-{
-    std::string id;
-    std::string key;
-
-    explicit Membership(const EndpointReading& reading)
-    {
-        const Endpoint::Content& content = reading.content;
-        if (content.instancePath)
-        {
-            id = *content.instancePath;
-            key = "p" + id;
-        }
-        else if (content.container && !content.container->isNull() && !isInternalContainer(*content.container))
-        {
-            id = content.container->text();
-            key = "c" + id;
-        }
-        else if (reading.adapter && !reading.adapter->empty())
-        {
-            id = *reading.adapter;
-            key = "a" + folded(id);
-        }
-        else
-        {
-            id = content.id.text();
-            key = "e" + folded(id);
-        }
-    }
-};
-
-/// Which group each reading belongs to.
-struct Groups
-{
-    std::vector<Group> all;
-
+public:
     explicit Groups(const std::vector<EndpointReading>& readings)
     {
         std::vector<std::size_t> places(readings.size());
-        std::unordered_map<std::string, std::size_t> known;
         // Inputs come first and decide the order of the cards; callers of the object model rely on the same order.
         for (const Flow flow : {Flow::input, Flow::output})
         {
             for (std::size_t index = 0; index < readings.size(); ++index)
             {
                 if (readings[index].content.flow == flow)
-                    places[index] = placeOf(readings[index], known);
+                    places[index] = placeOf(readings[index]);
             }
         }
         for (const Flow flow : allFlows)
@@ -87,20 +44,47 @@ struct Groups
             for (std::size_t index = 0; index < readings.size(); ++index)
             {
                 if (readings[index].content.flow == flow)
-                    all[places[index]].members.push_back(&readings[index]);
+                    m_all[places[index]].members.push_back(&readings[index]);
             }
         }
     }
 
+    std::vector<Group>& all() { return m_all; }
+
 private:
-    std::size_t placeOf(const EndpointReading& reading, std::unordered_map<std::string, std::size_t>& known)
+    /// By what endpoints belong together.
+    using Known = std::unordered_map<std::string_view, std::size_t>;
+
+    /// Paths are compared exactly, all else as the platform compares ids.
+    std::size_t placeOf(const EndpointReading& reading)
     {
-        Membership membership(reading);
-        const auto [place, isNew] = known.emplace(std::move(membership.key), all.size());
+        const Endpoint::Content& content = reading.content;
+        if (content.instancePath)
+            return placeOf(m_paths, *content.instancePath, *content.instancePath, true);
+        if (content.container && !content.container->isNull() && !isInternalContainer(*content.container))
+        {
+            const std::string& guid = m_texts.emplace_back(content.container->text());
+            return placeOf(m_containers, guid, guid, false);
+        }
+        const bool hasAdapter = reading.adapter && !reading.adapter->empty();
+        const std::string& id = hasAdapter ? *reading.adapter : content.id.text();
+        return placeOf(hasAdapter ? m_adapters : m_endpoints, m_texts.emplace_back(text::lowerCase(id)), id, false);
+    }
+
+    std::size_t placeOf(Known& known, std::string_view key, const std::string& id, bool isPath)
+    {
+        const auto [place, isNew] = known.emplace(key, m_all.size());
         if (isNew)
-            all.push_back({std::move(membership.id), reading.content.instancePath.has_value(), {}});
+            m_all.push_back({id, isPath, {}});
         return place->second;
     }
+
+    std::vector<Group> m_all;
+    Known m_paths;
+    Known m_containers;
+    Known m_adapters;
+    Known m_endpoints;
+    std::deque<std::string> m_texts; ///< of keys that no reading holds
 };
 
 /// The instance id in an instance path: what stands between its first full stop and the next one.
@@ -216,7 +200,8 @@ std::vector<Card> groupIntoCards(const std::vector<EndpointReading>& readings, c
     for (const Card& card : former)
         formerCards.emplace(card.id(), &card);
     std::vector<Card> cards;
-    for (Group& group : Groups(readings).all)
+    Groups groups(readings);
+    for (Group& group : groups.all())
     {
         Card::Content content = describe(group, parents);
         const auto place = formerCards.find(content.id);

@@ -91,7 +91,7 @@ std::optional<Guid> PropertyReader::writtenGuid(const Property& property)
                        {
                            if (variant.pwszVal == nullptr)
                                return E_POINTER;
-                           guid = Guid::parse(utf8(variant.pwszVal));
+                           guid = reading::writtenGuid(variant.pwszVal);
                            return guid || *variant.pwszVal == 0 ? S_OK : invalidData;
                        });
 }

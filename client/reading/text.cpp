@@ -1,8 +1,10 @@
 #include "client/reading/text.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <iterator>
+#include <string_view>
 
 namespace sonavit::reading
 {
@@ -71,14 +73,28 @@ std::string utf8(const WCHAR* text)
 
 std::string utf8(const WCHAR* text, std::size_t length)
 {
+    std::string bytes(length, '\0');
+    std::size_t plain = 0;
+    for (; plain < length && text[plain] < 0x80; ++plain)
+        bytes[plain] = static_cast<char>(text[plain]);
+    bytes.resize(plain);
     const WCHAR* const end = text + length;
-    const WCHAR* const plainEnd = std::find_if(text, end, [](std::uint32_t unit) { return unit >= 0x80; });
-    std::string bytes;
-    bytes.reserve(length);
-    std::transform(text, plainEnd, std::back_inserter(bytes), [](WCHAR unit) { return static_cast<char>(unit); });
-    for (const WCHAR* place = plainEnd; place != end;)
+    for (const WCHAR* place = text + plain; place != end;)
         append(bytes, nextCharacter(place, end));
     return bytes;
+}
+
+std::optional<Guid> writtenGuid(const WCHAR* text)
+{
+    std::array<char, 38> characters = {}; // no GUID is longer
+    std::size_t length = 0;
+    for (; text[length] != 0; ++length)
+    {
+        if (length == characters.size() || text[length] >= 0x80)
+            return std::nullopt;
+        characters[length] = static_cast<char>(text[length]);
+    }
+    return Guid::parse(std::string_view(characters.data(), length));
 }
 
 Guid guidOf(const GUID& guid) noexcept

@@ -6,6 +6,7 @@
 #include "sonavit/ids.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
 namespace sonavit::reading
@@ -14,6 +15,9 @@ namespace sonavit::reading
 std::string utf8(const WCHAR* text);
 /// Converts @p length units.
 std::string utf8(const WCHAR* text, std::size_t length);
+
+/// The GUID that a zero-terminated string contains in the form of Guid::parse(); no value for any other text.
+std::optional<Guid> writtenGuid(const WCHAR* text);
 
 Guid guidOf(const GUID& guid) noexcept;
 }

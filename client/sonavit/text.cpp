@@ -224,11 +224,6 @@ std::string shortened(const std::string& text, std::size_t width)
     return start + ellipsis;
 }
 
-char lowerCase(char character) noexcept
-{
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-}
-
 std::string lowerCase(std::string_view text)
 {
     std::string result(text);

@@ -45,7 +45,10 @@ std::string quoted(std::string_view text);
 std::string shortened(const std::string& text, std::size_t width);
 
 // These fold the letters A to Z alone, as the platform does with ids.
-char lowerCase(char character) noexcept;
+inline char lowerCase(char character) noexcept
+{
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+}
 std::string lowerCase(std::string_view text);
 bool equalNoCase(std::string_view left, std::string_view right) noexcept;
 

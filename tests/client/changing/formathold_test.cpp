@@ -185,13 +185,17 @@ TEST_F(FormatHoldEnd, LeavesNothingHeldIfTheCallerHasStoppedWaiting)
     m_system.reset();
     System::Options impatient = options();
     impatient.patience = std::chrono::milliseconds(0);
-    System system(impatient);
+    {
+        System system(impatient);
 
-    const Result<FormatHold> hold = system.holdFormat(m_id, wanted);
+        const Result<FormatHold> hold = system.holdFormat(m_id, wanted);
 
-    EXPECT_EQ(hold.problem().kind(), Problem::Kind::noAnswer);
-    while (simulation().journal().count("IPropertyStore::Commit") < 2)
+        EXPECT_EQ(hold.problem().kind(), Problem::Kind::noAnswer);
+        while (simulation().journal().count("IPropertyStore::Commit") < 2)
+            std::this_thread::yield();
+        EXPECT_EQ(stored(), before);
+    }
+    while (!simulation().census().empty()) // the System has not waited for its end, either
         std::this_thread::yield();
-    EXPECT_EQ(stored(), before);
 }
 }

@@ -48,4 +48,29 @@ TEST(ReadingText, EndsAtTheGivenLength)
     EXPECT_EQ("a\xEF\xBF\xBD", reading::utf8(text.data(), 2));
     EXPECT_EQ("", reading::utf8(text.data(), 0));
 }
+
+std::optional<sonavit::Guid> writtenGuid(const std::string& text)
+{
+    std::vector<WCHAR> units;
+    for (const char character : text)
+        units.push_back(static_cast<WCHAR>(static_cast<unsigned char>(character)));
+    units.push_back(0);
+    return reading::writtenGuid(units.data());
+}
+
+TEST(ReadingWrittenGuid, IsReadWithAndWithoutBraces)
+{
+    const sonavit::Guid guid = {0x8C7ED206, 0x3F8A, 0x4827, {0xB3, 0xAB, 0xAE, 0x9E, 0x1F, 0xAE, 0xFC, 0x6C}};
+
+    EXPECT_EQ(guid, writtenGuid("{8C7ED206-3F8A-4827-B3AB-AE9E1FAEFC6C}"));
+    EXPECT_EQ(guid, writtenGuid("8c7ed206-3f8a-4827-b3ab-ae9e1faefc6c"));
+}
+
+TEST(ReadingWrittenGuid, OfAnyOtherTextIsNone)
+{
+    EXPECT_FALSE(writtenGuid(""));
+    EXPECT_FALSE(writtenGuid("{8C7ED206-3F8A-4827-B3AB-AE9E1FAEFC6C} "));
+    EXPECT_FALSE(writtenGuid("{8C7ED206-3F8A-4827-B3AB-AE9E1FAEFC6\xC3}"));
+    EXPECT_FALSE(writtenGuid(std::string(100000, '{')));
+}
 }

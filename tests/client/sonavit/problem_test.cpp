@@ -17,6 +17,9 @@ TEST(ReasonText, IsTheCodeAndItsMeaning)
 {
     EXPECT_EQ("0x80070005, access denied", reasonText(accessDenied));
     EXPECT_EQ("0x88890010, the audio service is not running", reasonText(static_cast<std::int32_t>(0x88890010)));
+    EXPECT_EQ("0x80020005, a value of another type", reasonText(static_cast<std::int32_t>(0x80020005)));
+    EXPECT_EQ("0x8007000D, invalid data", reasonText(static_cast<std::int32_t>(0x8007000D)));
+    EXPECT_EQ("0xE000020B, no such device instance", reasonText(static_cast<std::int32_t>(0xE000020B)));
 }
 
 TEST(ReasonText, IsTheCodeAloneIfItHasNoWords)
