@@ -81,6 +81,7 @@ Graph HardwareValues::graph()
     for (const HardwarePart& part : m_map.parts)
         graph.problems.insert(graph.problems.end(), part.problems.begin(), part.problems.end());
     graph.problems.insert(graph.problems.end(), live.begin(), live.end());
+    graph.problems = withoutRepeats(graph.problems);
     return graph;
 }
 }

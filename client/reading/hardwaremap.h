@@ -73,6 +73,7 @@ struct HardwareDevice
 {
     Graph::Device facts; ///< its parts are those of the graph, by their positions in HardwareMap::parts
     COMPtr<IDeviceTopology>::pointer topology;
+    std::vector<std::size_t> parts;      ///< all of them, in the order in which the walk meets them
     std::vector<std::size_t> connectors; ///< in the platform's order
     std::vector<std::size_t> subunits;   ///< in the platform's order
     std::vector<std::size_t> leadsTo;    ///< the devices behind its connectors

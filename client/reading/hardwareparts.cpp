@@ -78,6 +78,7 @@ std::size_t HardwareReader::addPart(HardwarePart found)
         return HardwarePart::none;
     else
     {
+        m_map.devices[found.device].parts.push_back(index);
         m_map.parts.push_back(std::move(found));
         m_numbers.emplace(number, index);
         readFacts(m_map.parts[index], judgeOfPart(index));

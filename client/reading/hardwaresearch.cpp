@@ -1,6 +1,8 @@
 #include "client/reading/hardwaresearch.h"
 
 #include <algorithm>
+#include <iterator>
+#include <unordered_set>
 
 namespace sonavit::reading
 {
@@ -10,25 +12,22 @@ namespace
 class Queue
 {
 public:
-    explicit Queue(std::size_t count) : m_isAdded(count, false) {}
-
     /// Whether it is new.
     bool add(std::size_t position)
     {
-        if (position == HardwarePart::none || m_isAdded[position])
+        if (position == HardwarePart::none || !m_added.insert(position).second)
             return false;
-        m_isAdded[position] = true;
         m_positions.push_back(position);
         return true;
     }
 
-    bool contains(std::size_t position) const { return m_isAdded[position]; }
+    bool contains(std::size_t position) const { return m_added.count(position) != 0; }
     std::size_t size() const { return m_positions.size(); }
     std::size_t operator[](std::size_t index) const { return m_positions[index]; }
     const std::vector<std::size_t>& positions() const { return m_positions; }
 
 private:
-    std::vector<bool> m_isAdded;
+    std::unordered_set<std::size_t> m_added;
     std::vector<std::size_t> m_positions;
 };
 
@@ -74,8 +73,8 @@ std::vector<ControlPlace> controlsOf(HardwareMap& map, const EndpointId& endpoin
     const auto device = map.deviceIndexes.find(endpoint);
     if (device == map.deviceIndexes.end() || !map.hasVolumes[map.devices[device->second].island])
         return controls;
-    Queue connectors(map.parts.size());
-    Queue volumes(map.parts.size());
+    Queue connectors;
+    Queue volumes;
     for (const std::size_t connector : map.devices[device->second].connectors)
         connectors.add(connector);
     for (std::size_t i = 0; i < connectors.size(); ++i)
@@ -94,7 +93,7 @@ std::vector<ControlPlace> controlsOf(HardwareMap& map, const EndpointId& endpoin
 
 std::vector<std::size_t> devicesOf(const HardwareMap& map, const std::vector<EndpointId>& endpoints)
 {
-    Queue devices(map.devices.size());
+    Queue devices;
     for (const EndpointId& endpoint : endpoints)
     {
         const auto device = map.deviceIndexes.find(endpoint);
@@ -112,7 +111,7 @@ std::vector<std::size_t> devicesOf(const HardwareMap& map, const std::vector<End
 std::vector<SelectorPlace> selectorsOf(HardwareMap& map, const std::vector<EndpointId>& endpoints)
 {
     std::vector<SelectorPlace> selectors;
-    Queue parts(map.parts.size());
+    Queue parts;
     for (const std::size_t device : devicesOf(map, endpoints))
     {
         if (map.devices[device].facts.kind != Graph::Device::Kind::adapter)

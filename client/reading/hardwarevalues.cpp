@@ -3,6 +3,8 @@
 #include "client/reading/hardwarelevels.h"
 
 #include <algorithm>
+#include <iterator>
+#include <string>
 #include <unordered_set>
 
 namespace sonavit::reading
@@ -21,10 +23,22 @@ void append(std::vector<Problem>& all, const std::vector<Problem>& problems)
 }
 }
 
+std::vector<Problem> withoutRepeats(const std::vector<Problem>& problems)
+{
+    std::unordered_set<std::string> known;
+    std::vector<Problem> result;
+    for (const Problem& problem : problems)
+    {
+        if (known.insert(problem.object() + "\n" + problem.operation() + "\n" + problem.sentence()).second)
+            result.push_back(problem);
+    }
+    return result;
+}
+
 void HardwareValues::tell(std::size_t part, std::vector<Problem>& problems)
 {
     append(problems, m_map.parts[part].problems);
-    m_isTold[part] = true;
+    m_told.insert(part);
 }
 
 std::vector<Control> HardwareValues::controls(const EndpointId& endpoint)
@@ -139,17 +153,15 @@ Hardware HardwareValues::hardware(const CardId& card, const std::vector<Endpoint
 std::vector<Problem> HardwareValues::otherProblems(const std::vector<EndpointId>& endpoints) const
 {
     std::vector<Problem> problems;
-    std::vector<bool> isMeant(m_map.devices.size(), false);
     for (const std::size_t device : devicesOf(m_map, endpoints))
     {
-        isMeant[device] = true;
         append(problems, m_map.devices[device].problems);
+        for (const std::size_t part : m_map.devices[device].parts)
+        {
+            if (m_told.count(part) == 0)
+                append(problems, m_map.parts[part].problems);
+        }
     }
-    for (std::size_t part = 0; part < m_map.parts.size(); ++part)
-    {
-        if (isMeant[m_map.parts[part].device] && !m_isTold[part])
-            append(problems, m_map.parts[part].problems);
-    }
-    return problems;
+    return withoutRepeats(problems);
 }
 }

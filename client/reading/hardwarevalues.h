@@ -10,16 +10,19 @@
 #include "sonavit/snapshot.h"
 
 #include <cstddef>
-#include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace sonavit::reading
 {
+/// @p problems, each once: a call that is made again may fail again.
+std::vector<Problem> withoutRepeats(const std::vector<Problem>& problems);
+
 /// Makes values, and remembers which of the walk's problems they contain.
 class HardwareValues
 {
 public:
-    explicit HardwareValues(HardwareMap& map) : m_map(map), m_isTold(map.parts.size(), false) {}
+    explicit HardwareValues(HardwareMap& map) : m_map(map) {}
 
     Graph graph();
     std::vector<Control> controls(const EndpointId& endpoint);
@@ -40,6 +43,6 @@ private:
     void tell(std::size_t part, std::vector<Problem>& problems);
 
     HardwareMap& m_map;
-    std::vector<bool> m_isTold; ///< by part
+    std::unordered_set<std::size_t> m_told; ///< the parts whose problems the values contain
 };
 }

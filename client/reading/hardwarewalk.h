@@ -16,6 +16,13 @@
 namespace sonavit::reading
 {
 /// The walk through the hardware of cards: the devices of their endpoints, and what their connectors lead to.
+///
+/// Each part and each device is met once, however the hardware is wired, and what fails spoils nothing else: it becomes
+/// a problem of the control, the selector, the card's hardware or the graph. Interfaces of parts and signal paths are
+/// asked for when they are first needed, everything else at once; levels, mutes and selections at each question.
+///
+/// A part for which the platform reports no id has the id of its device, "#" and its number there as id of a control or
+/// a selector. A control that is next to two connectors is there once.
 class HardwareWalk
 {
 public:

@@ -1,6 +1,7 @@
 #include "client/watching/endpointlist.h"
 
 #include "COM/interfacequery.h"
+#include "client/reading/steps.h"
 
 #include <iterator>
 #include <utility>
@@ -11,11 +12,6 @@ namespace
 {
 /// So many endpoints that are not in the list are remembered. A driver that makes new ids all the time is forgotten.
 constexpr std::size_t mostPast = 1024;
-
-bool canHaveVolume(const reading::EndpointReading& reading) noexcept
-{
-    return reading.content.state == State::active || reading.content.state == State::unplugged;
-}
 
 bool isThere(const reading::EndpointReading& reading) noexcept
 {
@@ -168,17 +164,23 @@ void EndpointList::readVolume(std::size_t index)
 {
     reading::EndpointReading& reading = m_readings[index];
     VolumeRegistration& registration = m_registrations[index];
-    if (canHaveVolume(reading) && reading.volume.get() == nullptr)
+    if (reading::canHaveHardware(reading) && reading.volume.get() == nullptr)
     {
         IAudioEndpointVolume* volume = nullptr;
         if (SUCCEEDED(interfacequery::activate(*reading.device, volume)) && volume != nullptr)
             reading.volume = volume;
     }
-    if (!canHaveVolume(reading) || reading.volume.get() != registration.source())
+    if (!reading::canHaveHardware(reading) || reading.volume.get() != registration.source())
         registration.end();
-    if (canHaveVolume(reading) && reading.volume.get() != nullptr && !registration)
+    if (reading::canHaveHardware(reading) && reading.volume.get() != nullptr && !registration)
         registration = registerForVolume(*reading.volume, m_inbox, reading.content.id);
     reading::readVolume(reading);
+    if (FAILED(registration.result()))
+    {
+        reading.volumeProblems.push_back(Problem::ofCall("IAudioEndpointVolume::RegisterControlChangeNotify",
+                                                         reading.content.id.text(), registration.result()));
+        reading::gatherProblems(reading);
+    }
 }
 
 void EndpointList::noteAbsence(const EndpointId& id)

@@ -77,6 +77,7 @@ Registration<Source, Target>::~Registration()
 template<class Source, class Target>
 void Registration<Source, Target>::end() noexcept
 {
+    m_result = S_OK;
     if (m_listener == nullptr)
         return;
     Target* const listener = std::exchange(m_listener, nullptr);

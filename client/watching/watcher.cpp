@@ -28,9 +28,10 @@ Watcher::~Watcher() noexcept = default;
 
 void Watcher::start()
 {
-    if (std::exchange(m_isStarted, true))
+    if (m_isStarted)
         return;
     m_worker->add(shared_from_this());
+    m_isStarted = true;
     try
     {
         connect();

@@ -114,6 +114,7 @@ private:
     void connect();
     void lookForService();
     bool isServiceLost(const std::vector<Problem>& problems);
+    static bool isOfService(const EndpointProblem& problem);
     void loseService(const Problem& problem);
 
     // publishing.cpp
@@ -153,6 +154,7 @@ private:
     std::map<EndpointId, Retry> m_retries;
     Service m_service = Service::running;
     std::optional<Problem> m_serviceProblem;
+    bool m_isServiceDoubted = false; ///< an endpoint has answered as it does without the service
     std::optional<Problem> m_registrationProblem;
     Clock::Time m_serviceLostAt{};
     Clock::Time m_serviceDue = Clock::never;

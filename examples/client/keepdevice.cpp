@@ -48,8 +48,9 @@ std::optional<sonavit::Endpoint> keptEndpoint(const sonavit::Snapshot& now, cons
     }
     const sonavit::Resolution resolution = sonavit::resolve(now, *reference);
     std::cout << resolution.sentence() << ".\n";
-    for (const sonavit::Candidate& candidate : resolution.candidates)
-        std::cout << "  " << candidate.place.endpoint.title() << ": " << candidate.reason << "\n";
+    if (resolution.candidates.size() > 1)
+        for (const sonavit::Candidate& candidate : resolution.candidates)
+            std::cout << "  " << candidate.place.endpoint.title() << ": " << candidate.reason << "\n";
 
     const std::optional<sonavit::CardEndpoint> best = resolution.best();
     if (!best)
@@ -71,6 +72,11 @@ int choose(const sonavit::Snapshot& now, const std::string& name, const std::str
     if (!chosen)
     {
         std::cerr << chosen.problem() << "\n";
+        return 1;
+    }
+    if (chosen->flow() != sonavit::Flow::output)
+    {
+        std::cerr << chosen->title() << " is an input\n";
         return 1;
     }
     if (!keep(now, *chosen, path))

@@ -74,8 +74,8 @@ protected:
     /// The calls of the walk. Of the questions of a large machine, all of which are alike, it takes a part.
     static std::vector<Call> callsOf(const sim::JournalEntries& entries)
     {
-        constexpr std::uint32_t all = 40;
-        constexpr std::uint32_t distance = 11;
+        constexpr std::uint32_t all = 25;
+        constexpr std::uint32_t distance = 37;
         std::map<std::string, std::uint32_t> numbers;
         std::vector<Call> calls;
         for (const sim::JournalEntry& entry : entries)

@@ -116,6 +116,36 @@ TEST(ReferenceScenario, PrefersTheMovedDeviceToItsGhosts)
                                      "Headphones (USB Headset): same model in another USB port");
 }
 
+TEST(ReferenceScenario, PrefersAPresentDeviceToAGhostThatHasMoreInCommon)
+{
+    const Device old = headset("USB\\VID_1111&PID_2222\\6&1&0&1", "a");
+    Device translated = headset("USB\\VID_1111&PID_2222\\6&1&0&3", "c");
+    translated.endpoints[1].description = "Mikrofon";
+    const Resolution resolution =
+        resolve(computer({notPresent(headset("USB\\VID_1111&PID_2222\\6&1&0&2", "b")), translated}),
+                referenceTo(computer({old}), "a.in"));
+
+    ASSERT_EQ(resolution.candidates.size(), 2u);
+    EXPECT_EQ(resolution.candidates[0].place.endpoint.id().text(), "c.in");
+    EXPECT_EQ(bestOf(resolution), "c.in");
+}
+
+TEST(ReferenceScenario, FindsANameThatWindowsHasNumbered)
+{
+    Device card = onBoard("a");
+    card.instanceId = "ROOT\\MEDIA\\0000";
+    Device numbered = card;
+    numbered.instanceId = "ROOT\\MEDIA\\0001";
+    numbered.name = "12- High Definition Audio";
+    numbered.endpoints[2].id = "b.mic";
+    Device other = numbered;
+    other.name = "12-High Definition Audio";
+    const Reference reference = referenceTo(computer({card}), "a.mic");
+
+    EXPECT_EQ(bestOf(resolve(computer({numbered}), reference)), "b.mic");
+    EXPECT_EQ(resolve(computer({other}), reference).kind, Kind::none);
+}
+
 TEST(ReferenceScenario, DistinguishesTwoEqualHeadsetsBySerialNumber)
 {
     const Device one = headset("USB\\VID_1111&PID_2222\\SN1", "a");
