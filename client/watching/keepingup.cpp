@@ -53,6 +53,8 @@ void Watcher::startAgainLater() noexcept
 
 void Watcher::keepUp(Clock::Time now)
 {
+    if (now >= m_recentWalk.due())
+        m_recentWalk.release();
     if (m_afterFailure != Clock::never && now < m_afterFailure)
         return;
     m_afterFailure = Clock::never;
@@ -82,7 +84,7 @@ worker::Clock::Time Watcher::nextDue() const
         return m_afterFailure;
     if (m_enumerator.get() == nullptr)
         return m_serviceDue;
-    Clock::Time due = std::min(m_inbox->restDue(), m_inbox->levelsDue(m_lastLevels));
+    Clock::Time due = std::min(m_recentWalk.due(), std::min(m_inbox->restDue(), m_inbox->levelsDue(m_lastLevels)));
     for (const auto& [id, retry] : m_retries)
         due = std::min(due, retry.due);
     return due;

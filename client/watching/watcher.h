@@ -7,6 +7,7 @@
 #include "client/watching/endpointlist.h"
 #include "client/watching/hub.h"
 #include "client/watching/inbox.h"
+#include "client/watching/recentwalk.h"
 #include "client/watching/registrations.h"
 #include "client/watching/watches.h"
 #include "client/worker/worker.h"
@@ -62,6 +63,11 @@ public:
     Result<Card> card(const std::string& operation, const CardId& id) const;
     /// A new walk through the hardware of these cards.
     Result<std::shared_ptr<reading::HardwareWalk>> walk(const std::string& operation, const std::vector<Card>& cards);
+    /// A walk through the hardware of one card for questions about it: the last one, if it is recent and nothing was
+    /// announced since.
+    Result<std::shared_ptr<reading::HardwareWalk>> recentWalk(const std::string& operation, const Card& card);
+    /// The next question walks anew.
+    void forgetWalk() noexcept { m_recentWalk.release(); }
 
     /// A number for a change that is about to be made, and the context to hand to the platform with it.
     ChangeToken newToken() noexcept { return ++m_lastToken; }
@@ -134,6 +140,7 @@ private:
     DeviceRegistration m_registration;
     EndpointList m_endpoints;
     Watches m_watches;
+    RecentWalk m_recentWalk;
     std::vector<Problem> m_listProblems;
     reading::Defaults m_defaults;
     std::array<reading::WaveIds, 2> m_waveIds; ///< by flow
