@@ -1,5 +1,6 @@
 #include "client/changing/controllevels.h"
 #include "client/changing/volumechange.h"
+#include "sonavit/text.h"
 
 #include <string>
 
@@ -41,7 +42,7 @@ Result<Done> choose(const Selector& selector, IAudioInputSelector& platform, con
 {
     if (!input.number)
         return Problem(Problem::Kind::notSupported, "select", selector.id.text(),
-                       "the platform reports no number for the input \"" + input.title() + "\"");
+                       "the platform reports no number for the input " + text::quoted(input.title()));
     UINT now = 0;
     if (SUCCEEDED(platform.GetSelection(&now)) && now == *input.number)
         return Done();

@@ -42,7 +42,7 @@ Result<Store> openStore(IMMDevice& device, const EndpointId& endpoint, DWORD acc
     return Store(store);
 }
 
-/// Sets the bytes and commits them. @p isSet tells whether the bytes show, whatever the result.
+/// Sets the bytes and commits them. @p isSet receives whether the store has them, even if the commit fails.
 std::optional<Problem> write(IPropertyStore& store, const EndpointId& endpoint, const FormatBytes& bytes, bool& isSet)
 {
     PROPVARIANT value; // refers to the caller's bytes, so it must not be cleared

@@ -47,7 +47,7 @@ public:
         return endpoint ? format.putBack(*endpoint->device) : endpoint.problem();
     }
 
-    /// Who waits goes on.
+    /// Wakes the caller of wait().
     void finish(Result<Done> outcome)
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
@@ -82,7 +82,7 @@ void publishFormat(Watcher& watcher, const EndpointId& id, ChangeToken token)
     watcher.publishChange(id, token);
 }
 
-/// On the worker: puts the format back, once, and calls @p afterwards before whoever waits goes on.
+/// On the worker: puts the format back, once, and calls @p afterwards before it wakes the caller of FormatHold::end().
 template<class Function>
 void endHold(const Watcher& watcher, Hold& hold, const Function& afterwards)
 {

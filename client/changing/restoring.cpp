@@ -1,5 +1,7 @@
 #include "client/changing/restoring.h"
 
+#include "sonavit/text.h"
+
 #include <algorithm>
 
 namespace sonavit::changing
@@ -39,11 +41,12 @@ Result<T> onlyOne(const std::vector<T>& all, const std::string& what, const Ques
         if (!isMeant(each))
             continue;
         if (found != nullptr)
-            return Problem(Problem::Kind::ambiguous, operation, what, "there are several of the name \"" + what + "\"");
+            return Problem(Problem::Kind::ambiguous, operation, what,
+                           "there are several of the name " + text::quoted(what));
         found = &each;
     }
     if (found == nullptr)
-        return notThere(what, "there is no \"" + what + "\" now");
+        return notThere(what, "there is no " + text::quoted(what) + " now");
     return *found;
 }
 
@@ -178,7 +181,7 @@ void Restoring::restoreControl(const Place& place, const ControlSetting& setting
         const Result<Done> result =
             !control ? Result<Done>(control.problem())
             : object.get() == nullptr
-                ? Result<Done>(notThere(setting.id, "the control \"" + setting.name + "\" has no " + what))
+                ? Result<Done>(notThere(setting.id, "the control " + text::quoted(setting.name) + " has no " + what))
                 : setter(*object, context);
         note(place, what == "mute" ? setting.name + ", mute" : setting.name, result, context);
         if (context.isUsed())
@@ -209,6 +212,8 @@ void Restoring::restoreSelectors(const Place& place)
             const Result<Selector> found = selector(place, setting);
             if (!found)
                 return found.problem();
+            if (setting.inputName.empty() && found->selection == setting.input)
+                return Done(); // it may be the number of no input
             const Result<SelectorInput> input = inputOf(*found, setting);
             if (!input)
                 return input.problem();

@@ -1,6 +1,7 @@
 #include "client/changing/volumechange.h"
 #include "client/reading/hardwarewalk.h"
 #include "client/watching/systemstate.h"
+#include "sonavit/text.h"
 
 #include <algorithm>
 #include <functional>
@@ -89,7 +90,7 @@ ChangeOfControl muteChange(bool isMuted)
         const COMPtr<IAudioMute>::pointer mute = walk.mute(control.id);
         if (mute.get() == nullptr)
             return Problem(Problem::Kind::notSupported, "setControlMute", control.id.text(),
-                           "the control \"" + control.title() + "\" has no mute");
+                           "the control " + text::quoted(control.title()) + " has no mute");
         return changing::changeControlMute(control, *mute, isMuted, context);
     };
 }

@@ -58,7 +58,7 @@ void Hub::deliverUntilClosed()
     std::unique_lock<std::mutex> lock(m_mutex);
     while (!m_isClosed)
     {
-        if (!deliverNext(lock) && !m_isClosed)
+        if (deliverNext(lock) == Delivered::nothing && !m_isClosed)
             m_changed.wait(lock);
     }
     m_dispatcherHasEnded = true;
@@ -74,11 +74,11 @@ std::size_t Hub::poll(worker::Clock::Time deadline)
     std::size_t calls = 0;
     // As many as there are subscribers now, so that one whose calls cause changes does not keep the thread for ever.
     for (std::size_t left = m_subscribers.size(); left > 0; --left)
-        calls += deliverNext(lock) ? 1 : 0;
+        calls += deliverNext(lock) == Delivered::call ? 1 : 0;
     return calls;
 }
 
-/// Who has a change waiting, in turn; null if there is nobody. The mutex is held.
+/// The next subscriber, in turn, for which a change waits; null if there is none. The mutex is held.
 std::shared_ptr<Subscriber> Hub::nextSubscriber()
 {
     for (std::size_t count = 0; count < m_subscribers.size(); ++count)
@@ -92,18 +92,19 @@ std::shared_ptr<Subscriber> Hub::nextSubscriber()
     return nullptr;
 }
 
-/// Makes the next call. @p lock is held before and after, not during the call. @return whether there was one
-bool Hub::deliverNext(std::unique_lock<std::mutex>& lock)
+/// Makes the next call. @p lock is held before and after, not during the call.
+Hub::Delivered Hub::deliverNext(std::unique_lock<std::mutex>& lock)
 {
     const std::shared_ptr<Subscriber> subscriber = nextSubscriber();
     if (subscriber == nullptr)
-        return false;
+        return Delivered::nothing;
     ++m_next;
     subscriber->isRunning = true;
     const Snapshot before = std::exchange(subscriber->known, subscriber->waiting->after);
     const Subscriber::Waiting waiting = *std::exchange(subscriber->waiting, std::nullopt);
     lock.unlock();
-    const std::optional<Problem> problem = call(*subscriber, before, waiting);
+    std::optional<Problem> problem;
+    const bool isCalled = call(*subscriber, before, waiting, problem);
     lock.lock();
     subscriber->isRunning = false;
     if (problem)
@@ -113,24 +114,27 @@ bool Hub::deliverNext(std::unique_lock<std::mutex>& lock)
         subscriber->waiting.reset();
     }
     m_changed.notify_all();
-    return true;
+    return isCalled ? Delivered::call : Delivered::noCall;
 }
 
-/// Calls the subscriber, if anything has changed for it. @return why its subscription ends
-std::optional<Problem> Hub::call(const Subscriber& subscriber, const Snapshot& before,
-                                 const Subscriber::Waiting& waiting) const
+/// Calls the subscriber, if anything has changed for it. @return whether it was called
+/// @param problem why its subscription ends
+bool Hub::call(const Subscriber& subscriber, const Snapshot& before, const Subscriber::Waiting& waiting,
+               std::optional<Problem>& problem) const
 {
     const CallScope scope;
     try
     {
-        if (const std::optional<Change> change = changeFrom(before, waiting))
-            subscriber.call(*change);
-        return std::nullopt;
+        const std::optional<Change> change = changeFrom(before, waiting);
+        if (!change)
+            return false;
+        subscriber.call(*change);
     }
     catch (...)
     {
-        return judge(std::current_exception());
+        problem = judge(std::current_exception());
     }
+    return true;
 }
 
 /// An exception of the program's own handler has nowhere to go.

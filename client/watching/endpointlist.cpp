@@ -1,6 +1,7 @@
 #include "client/watching/endpointlist.h"
 
 #include "COM/interfacequery.h"
+#include "client/reading/steps.h"
 
 #include <iterator>
 #include <utility>
@@ -11,11 +12,6 @@ namespace
 {
 /// So many endpoints that are not in the list are remembered. A driver that makes new ids all the time is forgotten.
 constexpr std::size_t mostPast = 1024;
-
-bool canHaveVolume(const reading::EndpointReading& reading) noexcept
-{
-    return reading.content.state == State::active || reading.content.state == State::unplugged;
-}
 
 bool isThere(const reading::EndpointReading& reading) noexcept
 {
@@ -34,9 +30,8 @@ std::optional<std::size_t> EndpointList::find(const EndpointId& id) const
 std::vector<EndpointId> EndpointList::replace(std::vector<reading::EndpointReading> listing)
 {
     std::vector<EndpointId> added;
-    std::vector<reading::EndpointReading> readings(listing.size());
     std::vector<VolumeRegistration> registrations(listing.size());
-    std::unordered_map<EndpointId, std::size_t> places;
+    std::unordered_map<EndpointId, std::size_t> places(listing.size());
     for (std::size_t index = 0; index < listing.size(); ++index)
     {
         const EndpointId& id = listing[index].content.id;
@@ -50,18 +45,15 @@ std::vector<EndpointId> EndpointList::replace(std::vector<reading::EndpointReadi
             noteAbsence(id);
     }
     // Nothing below fails.
-    for (std::size_t index = 0; index < listing.size(); ++index)
+    for (const auto& [id, place] : m_places)
     {
-        const auto former = m_places.find(listing[index].content.id);
-        if (former == m_places.end())
-        {
-            readings[index] = std::move(listing[index]);
+        const auto index = places.find(id);
+        if (index == places.end())
             continue;
-        }
-        readings[index] = std::move(m_readings[former->second]);
-        registrations[index] = std::move(m_registrations[former->second]);
+        std::swap(listing[index->second], m_readings[place]);
+        registrations[index->second] = std::move(m_registrations[place]);
     }
-    m_readings = std::move(readings);
+    m_readings = std::move(listing);
     m_registrations = std::move(registrations);
     m_places = std::move(places);
     return added;
@@ -168,17 +160,23 @@ void EndpointList::readVolume(std::size_t index)
 {
     reading::EndpointReading& reading = m_readings[index];
     VolumeRegistration& registration = m_registrations[index];
-    if (canHaveVolume(reading) && reading.volume.get() == nullptr)
+    if (reading::canHaveHardware(reading) && reading.volume.get() == nullptr)
     {
         IAudioEndpointVolume* volume = nullptr;
         if (SUCCEEDED(interfacequery::activate(*reading.device, volume)) && volume != nullptr)
             reading.volume = volume;
     }
-    if (!canHaveVolume(reading) || reading.volume.get() != registration.source())
+    if (!reading::canHaveHardware(reading) || reading.volume.get() != registration.source())
         registration.end();
-    if (canHaveVolume(reading) && reading.volume.get() != nullptr && !registration)
+    if (reading::canHaveHardware(reading) && reading.volume.get() != nullptr && !registration)
         registration = registerForVolume(*reading.volume, m_inbox, reading.content.id);
     reading::readVolume(reading);
+    if (FAILED(registration.result()))
+    {
+        reading.volumeProblems.push_back(Problem::ofCall("IAudioEndpointVolume::RegisterControlChangeNotify",
+                                                         reading.content.id.text(), registration.result()));
+        reading::gatherProblems(reading);
+    }
 }
 
 void EndpointList::noteAbsence(const EndpointId& id)

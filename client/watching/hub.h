@@ -75,9 +75,16 @@ public:
 private:
     void deliverUntilClosed();
     std::shared_ptr<Subscriber> nextSubscriber();
-    bool deliverNext(std::unique_lock<std::mutex>& lock);
-    std::optional<Problem> call(const Subscriber& subscriber, const Snapshot& before,
-                                const Subscriber::Waiting& waiting) const;
+    enum class Delivered
+    {
+        nothing, ///< nobody has a change waiting
+        noCall,  ///< what waited has become nothing
+        call
+    };
+
+    Delivered deliverNext(std::unique_lock<std::mutex>& lock);
+    bool call(const Subscriber& subscriber, const Snapshot& before, const Subscriber::Waiting& waiting,
+              std::optional<Problem>& problem) const;
     std::optional<Problem> judge(const std::exception_ptr& failure) const;
     void startDispatcher();
     static void merge(Subscriber& subscriber, const Snapshot& next,

@@ -77,6 +77,7 @@ Registration<Source, Target>::~Registration()
 template<class Source, class Target>
 void Registration<Source, Target>::end() noexcept
 {
+    m_result = S_OK;
     if (m_listener == nullptr)
         return;
     Target* const listener = std::exchange(m_listener, nullptr);
@@ -124,7 +125,8 @@ VolumeRegistration registerForVolume(IAudioEndpointVolume& volume, const std::sh
                                      const EndpointId& endpoint)
 {
     return VolumeRegistration(
-        volume, new VolumeListener(inbox, endpoint), [](IAudioEndpointVolume& source, VolumeListener& listener)
+        volume, new VolumeListener(inbox, endpoint),
+        [](IAudioEndpointVolume& source, VolumeListener& listener)
         { return source.RegisterControlChangeNotify(&listener); },
         [](IAudioEndpointVolume& source, VolumeListener& listener)
         { return source.UnregisterControlChangeNotify(&listener); });

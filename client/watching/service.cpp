@@ -32,6 +32,11 @@ bool isOfService(const Problem& problem)
 }
 }
 
+bool Watcher::isOfService(const EndpointProblem& problem)
+{
+    return watching::isOfService(problem.problem);
+}
+
 /// Makes a new enumerator and registers with it; without success, m_serviceProblem says why.
 void Watcher::connect()
 {
@@ -48,8 +53,8 @@ void Watcher::connect()
     m_registration = registerForDevices(*m_enumerator, m_inbox);
     if (!m_registration)
     {
-        m_registrationProblem = Problem::ofCall("IMMDeviceEnumerator::RegisterEndpointNotificationCallback", "",
-                                                m_registration.result());
+        m_registrationProblem =
+            Problem::ofCall("IMMDeviceEnumerator::RegisterEndpointNotificationCallback", "", m_registration.result());
         if (isServiceLost({*m_registrationProblem}))
             return;
     }
@@ -73,7 +78,8 @@ void Watcher::lookForService()
 /// Whether one of the problems says so; then everything of the service is given up.
 bool Watcher::isServiceLost(const std::vector<Problem>& problems)
 {
-    const auto found = std::find_if(problems.begin(), problems.end(), isOfService);
+    const auto found = std::find_if(problems.begin(), problems.end(),
+                                    [](const Problem& problem) { return watching::isOfService(problem); });
     if (found == problems.end())
         return false;
     loseService(*found);
@@ -87,7 +93,7 @@ void Watcher::loseService(const Problem& problem)
         m_serviceLostAt = now;
     m_serviceDue = now + (now - m_serviceLostAt < later ? Clock::Time::duration(interval) : laterInterval);
     m_serviceProblem = problem;
-    m_service = isOfService(problem) ? Service::stopped : Service::running;
+    m_service = watching::isOfService(problem) ? Service::stopped : Service::running;
     m_retries.clear();
     dropEverything();
 }

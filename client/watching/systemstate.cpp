@@ -1,5 +1,6 @@
 #include "client/watching/systemstate.h"
 
+#include <new>
 #include <utility>
 
 namespace sonavit
@@ -46,8 +47,10 @@ Result<Snapshot> System::State::latest(const std::string& operation, worker::Clo
         return *std::move(newest);
     if (worker->isThisThread())
         return Problem(Problem::Kind::wouldWait, operation, "", "the operation would wait for its own thread");
-    if (std::optional<Snapshot> newest = hub->waitForFirst(deadline))
+    // Only the first operation waits while the platform does not answer.
+    if (std::optional<Snapshot> newest = hub->waitForFirst(hasWaited ? clock->now() : deadline))
         return *std::move(newest);
+    hasWaited = true;
     return Problem(Problem::Kind::noAnswer, operation, "", "the platform has not answered yet");
 }
 
@@ -73,11 +76,14 @@ void System::State::end() noexcept
             ended->end();
             return Done();
         };
-        static_cast<void>(worker::ask<Done>(*used, worker::Urgency::end, deadline, "~System", "", end));
+        if (used->isThisThread())
+            used->post(worker::Urgency::end, [end] { static_cast<void>(end()); });
+        else
+            static_cast<void>(worker::ask<Done>(*used, worker::Urgency::end, deadline, "~System", "", end));
     }
-    catch (...)
+    catch (const std::bad_alloc&)
     {
-        static_cast<void>(0);
+        static_cast<void>(0); // the worker keeps what it has; its thread ends nevertheless
     }
     used->leave(deadline);
 }

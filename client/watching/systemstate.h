@@ -9,6 +9,7 @@
 #include "client/worker/worker.h"
 #include "sonavit/system.h"
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -32,7 +33,7 @@ struct System::State
 
     /// Starts the worker and the first reading if that has not been done. @return false in a child process
     bool begin();
-    /// The newest state; if there is none yet, waits for it until @p deadline. Problem::Kind::noAnswer, wouldWait,
+    /// The newest state; if there is none yet, waits for it once until @p deadline. Problem::Kind::noAnswer, wouldWait,
     /// ended.
     Result<Snapshot> latest(const std::string& operation, worker::Clock::Time deadline);
 
@@ -59,6 +60,8 @@ struct System::State
     const Options options;
     const std::shared_ptr<worker::Clock> clock;
     const std::shared_ptr<watching::Hub> hub;
+
+    std::atomic<bool> hasWaited{false}; ///< an operation has waited for the first state without success
 
     std::mutex mutex; ///< guards the start
     // Set at the start, and constant after it.

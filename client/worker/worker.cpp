@@ -218,14 +218,16 @@ bool Worker::takeTurn()
 void Worker::stepMembers()
 {
     Clock::Time due = Clock::never;
-    const std::vector<std::shared_ptr<Member>> members = m_members;
-    for (const std::shared_ptr<Member>& member : members)
+    for (std::size_t index = 0; index < m_members.size(); ++index)
+    {
+        const std::shared_ptr<Member> member = m_members[index]; // the list may change
         due = std::min(due, member->step(m_clock->now()));
+    }
     const std::lock_guard<std::mutex> lock(m_alarm->mutex);
     m_due = due;
 }
 
-/// Tasks catch their exceptions themselves; what leaves one nevertheless concerns nobody.
+/// Tasks catch their exceptions themselves; an exception that leaves one nevertheless is dropped.
 void Worker::perform(Task& task) noexcept
 {
     try

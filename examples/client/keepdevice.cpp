@@ -1,6 +1,8 @@
 // Keeps the choice of an output across restarts, new drivers and other ports:
-// keepdevice <file>          finds the kept output, or uses the default one
-// keepdevice <file> <name>   chooses another one
+// keepdevice <file> [--machine <name>]            finds the kept output, or uses the default one
+// keepdevice <file> <output> [--machine <name>]   chooses another one
+#include "simulatedmachine.h"
+
 #include <sonavit/client.h>
 
 #include <fstream>
@@ -46,8 +48,9 @@ std::optional<sonavit::Endpoint> keptEndpoint(const sonavit::Snapshot& now, cons
     }
     const sonavit::Resolution resolution = sonavit::resolve(now, *reference);
     std::cout << resolution.sentence() << ".\n";
-    for (const sonavit::Candidate& candidate : resolution.candidates)
-        std::cout << "  " << candidate.place.endpoint.title() << ": " << candidate.reason << "\n";
+    if (resolution.candidates.size() > 1)
+        for (const sonavit::Candidate& candidate : resolution.candidates)
+            std::cout << "  " << candidate.place.endpoint.title() << ": " << candidate.reason << "\n";
 
     const std::optional<sonavit::CardEndpoint> best = resolution.best();
     if (!best)
@@ -71,6 +74,11 @@ int choose(const sonavit::Snapshot& now, const std::string& name, const std::str
         std::cerr << chosen.problem() << "\n";
         return 1;
     }
+    if (chosen->flow() != sonavit::Flow::output)
+    {
+        std::cerr << chosen->title() << " is an input\n";
+        return 1;
+    }
     if (!keep(now, *chosen, path))
         return 1;
     std::cout << "Kept: " << chosen->title() << "\n";
@@ -79,9 +87,10 @@ int choose(const sonavit::Snapshot& now, const std::string& name, const std::str
 
 int main(int count, char** words)
 {
+    const auto machine = machineOf(count, words); // without this line: the hardware of a Windows computer
     if (count < 2 || count > 3)
     {
-        std::cerr << "usage: keepdevice <file> [<name>]\n";
+        std::cerr << "usage: keepdevice <file> [<output>] [--machine <name>]\n";
         return 2;
     }
     sonavit::System audio;

@@ -203,13 +203,18 @@ TEST_F(SystemRestoreOfDesk, GoesOnAfterEachCallThatIsRefused)
 {
     System& system = startDesk();
     const Settings settings = system.settings().value();
-    for (const char* const operation : {"IAudioEndpointVolume::SetChannelVolumeLevel", "IAudioEndpointVolume::SetMute",
-                                        "IAudioVolumeLevel::SetLevelAllChannels", "IAudioMute::SetMute",
-                                        "IAudioEndpointVolume::GetChannelCount", "IAudioVolumeLevel::GetChannelCount"})
+    // A control's channels are counted once by the search for it.
+    for (const auto& [operation, call] :
+         std::vector<std::pair<std::string, unsigned>>{{"IAudioEndpointVolume::SetChannelVolumeLevel", 1},
+                                                       {"IAudioEndpointVolume::SetMute", 1},
+                                                       {"IAudioEndpointVolume::GetChannelCount", 1},
+                                                       {"IAudioVolumeLevel::SetLevelAllChannels", 1},
+                                                       {"IAudioVolumeLevel::GetChannelCount", 2},
+                                                       {"IAudioMute::SetMute", 1}})
     {
         SCOPED_TRACE(operation);
         simulation().change([](sim::Machine& machine) { disturb(machine); });
-        simulation().faults().fail(operation, E_ACCESSDENIED).at(1);
+        simulation().faults().fail(operation, E_ACCESSDENIED).at(call);
 
         const RestoreReport report = system.restore(settings).value();
 
@@ -220,7 +225,9 @@ TEST_F(SystemRestoreOfDesk, GoesOnAfterEachCallThatIsRefused)
         for (const RestoredSetting& setting : report.settings)
         {
             if (setting.outcome == Outcome::failed)
+            {
                 EXPECT_EQ(setting.problem->operation(), operation);
+            }
         }
         simulation().faults().clear();
         EXPECT_TRUE(system.restore(settings)->isComplete());
@@ -385,5 +392,18 @@ TEST_F(SystemRestore, FindsASelectorAndAnInputByTheirNames)
         for (const Selector& selector : system.selectors(card.id()).value())
             EXPECT_NE(selector.selected(), nullptr) << selector.title();
     }
+}
+
+TEST_F(SystemRestore, LeavesASelectorAloneThatHadNoInput)
+{
+    sim::Machine machine = sim::findMachine("studio");
+    disturb(machine);
+    System& system = start(std::move(machine));
+    const Settings settings = system.settings().value();
+
+    const RestoreReport report = system.restore(settings).value();
+
+    EXPECT_THAT(outcomes(report), Each(Outcome::unchanged)) << described(report);
+    EXPECT_THAT(described(report), testing::HasSubstr("Auxiliary Source unchanged"));
 }
 }

@@ -1,5 +1,6 @@
 #include "libSonavit/audiodeviceendpoint.h"
 #include "libSonavit/endpointdeviceenumerator.h"
+#include "libSonavit/soundcardinterface.h"
 #include "simulator/machine/file/machinefile.h"
 #include "simulator/redirection.h"
 #include "simulator/simulation.h"
@@ -11,6 +12,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -21,6 +23,8 @@ using support::Answers;
 using support::Difference;
 
 constexpr std::uint32_t machinesInATest = 25;
+/// Among so many random machines each wanted difference occurs.
+constexpr std::uint32_t mostMachines = 200;
 
 /// Both readers' answers about one machine.
 struct Pair
@@ -73,6 +77,17 @@ protected:
         EXPECT_EQ("", support::differenceBetween(pair.client, pair.model)) << writtenMachine(machine);
     }
 
+    /// Whether the readers agree when all differences but one are settled.
+    static bool agreeWithout(const Difference& left, const sim::Machine& machine, Pair pair)
+    {
+        for (const Difference& difference : support::wantedDifferences())
+        {
+            if (&difference != &left)
+                difference.settle(pair.client, pair.model, machine);
+        }
+        return support::differenceBetween(pair.client, pair.model).empty();
+    }
+
 private:
     /// Path of the file that holds the machine of a failure, for the program to read.
     static std::string writtenMachine(const sim::Machine& machine)
@@ -82,7 +97,8 @@ private:
         return "see it with: sonavit graph --machine " + path;
     }
 
-    sim::Redirection m_redirection{reinterpret_cast<const void*>(&support::wantedDifferences)};
+    sim::Redirection m_clients{reinterpret_cast<const void*>(&support::wantedDifferences)};
+    sim::Redirection m_objectModels{reinterpret_cast<const void*>(&enumerateSoundCards)};
     support::LogCapture m_log{qor::LoggerPriority::LOG_FATAL}; // or the failures of such machines fill the output
 };
 
@@ -93,6 +109,27 @@ class AgreementOnOddLevels : public Agreement, public testing::WithParamInterfac
 class AgreementOnRandomMachines : public Agreement, public testing::WithParamInterface<std::uint32_t>
 {
 };
+}
+
+TEST_F(Agreement, NeedsEachOfTheWantedDifferences)
+{
+    const std::vector<Difference>& differences = support::wantedDifferences();
+    std::vector<bool> isNeeded(differences.size(), false);
+    const auto isMissing = [&] { return std::count(isNeeded.begin(), isNeeded.end(), false) > 0; };
+    const auto search = [&](const sim::Machine& machine)
+    {
+        const Pair pair = readBoth(machine);
+        for (std::size_t i = 0; i < differences.size(); ++i)
+            isNeeded[i] = isNeeded[i] || !agreeWithout(differences[i], machine, pair);
+    };
+
+    for (const std::string& name : sim::machineNames())
+        search(sim::findMachine(name));
+    for (std::uint32_t seed = 0; seed < mostMachines && isMissing(); ++seed)
+        search(support::withOddLevels(support::randomMachine(seed), seed));
+
+    for (std::size_t i = 0; i < differences.size(); ++i)
+        EXPECT_TRUE(isNeeded[i]) << "no machine needs the difference \"" << differences[i].name << "\"";
 }
 
 TEST_F(Agreement, IsCompleteOnAllShippedMachinesApartFromTheWantedDifferences)

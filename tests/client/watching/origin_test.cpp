@@ -1,0 +1,118 @@
+#include "tests/client/watching/watchtest.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using namespace sonavit;
+using namespace testing;
+using namespace std::chrono_literals;
+
+namespace
+{
+class EventOrigin : public support::WatchTest
+{
+protected:
+    void SetUp() override
+    {
+        WatchTest::SetUp();
+        watch("desktop");
+        m_id = audio().defaultEndpoint(Flow::output)->id();
+    }
+
+    EndpointId m_id;
+};
+
+TEST_F(EventOrigin, IsOwnWithTheTokenAfterAChangeByTheSystem)
+{
+    support::Receiver received(audio());
+
+    const Result<Volume> changed = audio().setVolume(m_id, Decibels(-12));
+    advance(20ms);
+
+    ASSERT_TRUE(changed);
+    const std::vector<Event> events = received.events();
+    ASSERT_EQ(1u, events.size());
+    EXPECT_EQ(Origin::own, events[0].origin);
+    EXPECT_THAT(events[0].tokens, ElementsAre(changed.token()));
+    EXPECT_NE(0u, changed.token());
+}
+
+TEST_F(EventOrigin, IsSeenInTheSnapshotWhenTheChangeReturns)
+{
+    const Result<Volume> changed = audio().setVolume(m_id, Decibels(-12));
+
+    ASSERT_TRUE(changed);
+    EXPECT_EQ(*changed, audio().endpoint(m_id)->volume());
+    EXPECT_EQ(2u, audio().snapshot().generation());
+}
+
+TEST_F(EventOrigin, IsOtherAfterAChangeByAnotherSystem)
+{
+    System another(polledOptions());
+    support::Receiver received(audio());
+
+    ASSERT_TRUE(another.setVolume(m_id, Decibels(-12)));
+    settle();
+
+    const std::vector<Event> events = received.events();
+    ASSERT_EQ(1u, events.size());
+    EXPECT_EQ(Origin::other, events[0].origin);
+    EXPECT_THAT(events[0].tokens, IsEmpty());
+}
+
+TEST_F(EventOrigin, IsBothIfOneChangeContainsBoth)
+{
+    support::Receiver received(audio());
+
+    const Result<Volume> changed = audio().setVolume(m_id, Decibels(-12));
+    simulation().events().setVolume(m_id.text(), -20.0F);
+    advance(20ms);
+
+    const std::vector<Event> events = received.events();
+    ASSERT_EQ(1u, events.size());
+    EXPECT_EQ(Origin::both, events[0].origin);
+    EXPECT_THAT(events[0].tokens, ElementsAre(changed.token()));
+}
+
+TEST_F(EventOrigin, IsOtherIfTheOwnChangeWasToldBefore)
+{
+    support::Receiver received(audio());
+    ASSERT_TRUE(audio().setVolume(m_id, Decibels(-12)));
+    EXPECT_EQ(1u, received.events().size());
+
+    simulation().events().setVolume(m_id.text(), -20.0F);
+    advance(20ms);
+
+    const std::vector<Event> events = received.events();
+    ASSERT_EQ(1u, events.size());
+    EXPECT_EQ(Origin::other, events[0].origin);
+    EXPECT_THAT(events[0].tokens, IsEmpty());
+}
+
+TEST_F(EventOrigin, IsUnknownWhereThePlatformDoesNotSay)
+{
+    support::Receiver received(audio());
+
+    simulation().events().setState(m_id.text(), DEVICE_STATE_DISABLED);
+    advance(50ms);
+
+    for (const Event& event : received.events())
+        EXPECT_EQ(Origin::unknown, event.origin) << event;
+}
+
+TEST_F(EventOrigin, HasTheTokensOfAllChangesThatWereMerged)
+{
+    support::Receiver received(audio());
+
+    const Result<Volume> first = audio().setVolume(m_id, Decibels(-12));
+    const Result<Volume> second = audio().setVolume(m_id, Decibels(-20));
+
+    const std::vector<Event> events = received.events();
+    ASSERT_EQ(1u, events.size());
+    EXPECT_EQ(Origin::own, events[0].origin);
+    EXPECT_THAT(events[0].tokens, UnorderedElementsAre(first.token(), second.token()));
+}
+}

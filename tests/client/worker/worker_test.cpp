@@ -1,0 +1,320 @@
+#include "client/worker/worker.h"
+
+#include "tests/support/clienttest.h"
+#include "tests/support/manualclock.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <future>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+using namespace sonavit;
+using namespace testing;
+using namespace std::chrono_literals;
+
+namespace
+{
+class WorkerOfSystems : public support::ClientTest
+{
+};
+
+TEST_F(WorkerOfSystems, StartsWithTheFirstQuestion)
+{
+    play("desktop");
+
+    const System audio(options());
+
+    EXPECT_EQ(nullptr, worker::Worker::current());
+    EXPECT_EQ(0u, simulation().journal().size());
+}
+
+TEST_F(WorkerOfSystems, IsOneThreadInTheMultithreadedApartmentForAll)
+{
+    play("desktop");
+    {
+        const System first(options());
+        const System second(options());
+        static_cast<void>(first.snapshot());
+        static_cast<void>(second.snapshot());
+        static_cast<void>(first.graph());
+    }
+
+    const sim::JournalEntries calls = simulation().journal().entries();
+    EXPECT_EQ(calls.size(), calls.onThread(calls[0].thread).size());
+    EXPECT_EQ("CoInitializeEx", calls[0].operation);
+    EXPECT_THAT(calls[0].arguments, Contains("0"));
+    EXPECT_EQ(1u, calls.of("CoInitializeEx").size());
+    EXPECT_EQ(1u, calls.of("CoUninitialize").size());
+    EXPECT_EQ("CoUninitialize", calls[calls.size() - 1].operation);
+}
+
+TEST_F(WorkerOfSystems, EndsWithTheLastOfThem)
+{
+    play("desktop");
+    auto first = std::make_unique<System>(options());
+    auto second = std::make_unique<System>(options());
+    static_cast<void>(first->snapshot());
+    static_cast<void>(second->snapshot());
+
+    first.reset();
+    EXPECT_NE(nullptr, worker::Worker::current());
+    EXPECT_TRUE(second->refresh(Depth::everything));
+    second.reset();
+
+    EXPECT_EQ(nullptr, worker::Worker::current());
+}
+
+TEST_F(WorkerOfSystems, LeavesNothingAfterAHundredOfThemInTurn)
+{
+    play("desktop");
+
+    for (int count = 0; count < 100; ++count)
+    {
+        System audio(options());
+        const Subscription heard = audio.subscribe([](const Change&) {});
+        ASSERT_FALSE(audio.snapshot().cards().empty());
+    }
+
+    EXPECT_TRUE(simulation().census().empty()) << simulation().census();
+    EXPECT_EQ(100u, simulation().journal().count("CoUninitialize"));
+}
+
+TEST_F(WorkerOfSystems, TellsWhyItCannotEnterItsApartment)
+{
+    play("desktop");
+    simulation().faults().fail("CoInitializeEx", E_OUTOFMEMORY);
+
+    const System audio(options());
+    const Snapshot snapshot = audio.snapshot();
+
+    EXPECT_THAT(snapshot.cards(), IsEmpty());
+    ASSERT_EQ(1u, snapshot.problems().size());
+    EXPECT_EQ("CoInitializeEx", snapshot.problems()[0].operation());
+    EXPECT_EQ(E_OUTOFMEMORY, snapshot.problems()[0].code());
+}
+
+TEST_F(WorkerOfSystems, RunsTheProgramsFunctionBeforeItsFirstCallOfCoreAudio)
+{
+    play("desktop");
+    System::Options given = options();
+    std::vector<std::string> before;
+    given.onWorkerStart = [&, former = given.onWorkerStart]
+    {
+        former();
+        before = simulation().journal().operations();
+    };
+
+    const System audio(given);
+    static_cast<void>(audio.snapshot());
+
+    EXPECT_THAT(before, ElementsAre("CoInitializeEx"));
+}
+
+TEST_F(WorkerOfSystems, AnswersQuestionsOnItselfWithoutWaiting)
+{
+    play("desktop");
+    System::Options given = options();
+    std::unique_ptr<System> audio;
+    std::vector<Problem> problems;
+    given.onWorkerStart = [&, former = given.onWorkerStart]
+    {
+        former();
+        problems = audio->snapshot().problems();
+        problems.push_back(audio->refresh().problem());
+        problems.push_back(audio->graph().problem());
+    };
+    audio = std::make_unique<System>(given);
+
+    static_cast<void>(audio->refresh());
+
+    ASSERT_EQ(3u, problems.size());
+    for (const Problem& problem : problems)
+        EXPECT_EQ(Problem::Kind::wouldWait, problem.kind());
+}
+
+TEST_F(WorkerOfSystems, TurnsItsExceptionsIntoProblems)
+{
+    play("desktop");
+    System audio(options());
+    static_cast<void>(audio.snapshot());
+    simulation().faults().raise("IMMDeviceEnumerator::EnumAudioEndpoints").at(1);
+
+    const Result<Snapshot> failed = audio.refresh(Depth::everything);
+
+    ASSERT_FALSE(failed);
+    EXPECT_EQ(Problem::Kind::internal, failed.problem().kind());
+    EXPECT_TRUE(audio.refresh(Depth::everything));
+}
+
+/// A driver that hangs in one call until the test lets it go, on a clock that stands still.
+class HangingDriver : public support::ClientTest
+{
+protected:
+    void SetUp() override
+    {
+        ClientTest::SetUp();
+        worker::replaceClock(clock);
+    }
+
+    void TearDown() override
+    {
+        worker::replaceClock(nullptr);
+        ClientTest::TearDown();
+    }
+
+    void hangIn(const char* operation)
+    {
+        simulation().faults().run(operation,
+                                  [this]
+                                  {
+                                      if (m_hasHung.exchange(true))
+                                          return;
+                                      m_hangs.set_value();
+                                      m_goOn.get_future().wait();
+                                  });
+    }
+
+    /// Makes a call that waits, and lets its patience pass.
+    template<class Call>
+    auto outlast(const Call& call)
+    {
+        auto answer = std::async(std::launch::async, call);
+        while (answer.wait_for(1ms) != std::future_status::ready)
+            clock->advance(10s);
+        return answer.get();
+    }
+
+    /// Lets the worker hang in a reading of everything that nobody waits for any more.
+    void hang(System& audio)
+    {
+        hangIn("IMMDevice::GetState");
+        std::future<void> hangs = m_hangs.get_future();
+        auto refreshed = std::async(std::launch::async, [&] { return audio.refresh(Depth::everything); });
+        hangs.wait();
+        while (refreshed.wait_for(1ms) != std::future_status::ready)
+            clock->advance(10s);
+        const Result<Snapshot> snapshot = refreshed.get();
+        ASSERT_FALSE(snapshot);
+        EXPECT_EQ(Problem::Kind::noAnswer, snapshot.problem().kind());
+    }
+
+    std::shared_ptr<support::ManualClock> clock = std::make_shared<support::ManualClock>();
+    std::promise<void> m_hangs;
+    std::promise<void> m_goOn;
+    std::atomic<bool> m_hasHung{false};
+};
+
+TEST_F(HangingDriver, DoesNotHoldUpTheFirstSnapshot)
+{
+    play("desktop");
+    hangIn("IMMDevice::GetState");
+    System audio(options());
+
+    const Snapshot snapshot = outlast([&] { return audio.snapshot(); });
+    const Result<Snapshot> refreshed = outlast([&] { return audio.refresh(); });
+
+    EXPECT_THAT(snapshot.cards(), IsEmpty());
+    ASSERT_EQ(1u, snapshot.problems().size());
+    EXPECT_EQ(Problem::Kind::noAnswer, snapshot.problems()[0].kind());
+    ASSERT_FALSE(refreshed);
+    EXPECT_EQ(Problem::Kind::noAnswer, refreshed.problem().kind());
+    EXPECT_THAT(audio.snapshot().cards(), IsEmpty()); // without another wait
+    m_goOn.set_value();
+    EXPECT_TRUE(audio.refresh());
+    EXPECT_THAT(audio.snapshot().cards(), Not(IsEmpty()));
+}
+
+TEST_F(HangingDriver, DoesNotHoldUpSnapshotsAndSubscriptions)
+{
+    play("desktop");
+    System audio(options());
+    const Snapshot before = audio.snapshot();
+    hang(audio);
+
+    Subscription heard = audio.subscribe([](const Change&) {});
+
+    EXPECT_EQ(before, audio.snapshot());
+    EXPECT_EQ(before, heard.initial());
+    heard.stop();
+    m_goOn.set_value();
+}
+
+TEST_F(HangingDriver, DoesNotHoldUpTheEndOfTheSystem)
+{
+    play("desktop");
+    auto audio = std::make_unique<System>(options());
+    static_cast<void>(audio->snapshot());
+    hang(*audio);
+    const std::shared_ptr<worker::Worker> former = worker::Worker::current();
+
+    outlast(
+        [&]
+        {
+            audio.reset();
+            return true;
+        });
+
+    EXPECT_EQ(nullptr, worker::Worker::current());
+    EXPECT_FALSE(simulation().census().empty());
+    m_goOn.set_value();
+    former->settle(); // it ends by itself
+    EXPECT_TRUE(simulation().census().empty()) << simulation().census();
+}
+
+TEST_F(HangingDriver, GetsNoReadingThatNobodyWaitsForAnyMore)
+{
+    play("desktop");
+    System audio(options());
+    static_cast<void>(audio.snapshot());
+    const auto walks = [this] { return simulation().journal().count("IDeviceTopology::GetConnectorCount"); };
+    hang(audio);
+    EXPECT_FALSE(outlast([&] { return audio.graph(); }));
+    const std::size_t before = walks();
+
+    m_goOn.set_value();
+    ASSERT_TRUE(audio.refresh());
+
+    EXPECT_EQ(before, walks());
+    EXPECT_TRUE(audio.graph());
+    EXPECT_LT(before, walks());
+}
+
+TEST_F(HangingDriver, StillGetsAChangeThatNobodyWaitsForAnyMore)
+{
+    play("desktop");
+    System audio(options());
+    const EndpointId id = audio.defaultEndpoint(Flow::output)->id();
+    hang(audio);
+    const Result<Volume> changed = outlast([&] { return audio.setVolume(id, Decibels(-33)); });
+    ASSERT_FALSE(changed);
+    EXPECT_EQ(Problem::Kind::noAnswer, changed.problem().kind());
+
+    m_goOn.set_value();
+    ASSERT_TRUE(audio.refresh());
+
+    EXPECT_EQ(Decibels(-33), audio.endpoint(id)->volume()->master.decibels);
+}
+
+TEST_F(HangingDriver, IsNotWaitedForWithoutPatience)
+{
+    play("desktop");
+    System::Options given = options();
+    given.patience = 0ms;
+    std::shared_ptr<worker::Worker> former;
+    {
+        System audio(given);
+        EXPECT_THAT(audio.snapshot().cards(), IsEmpty());
+        while (audio.snapshot().cards().empty())
+            std::this_thread::yield();
+        former = worker::Worker::current();
+    }
+    former->settle(); // it ends by itself
+    EXPECT_TRUE(simulation().census().empty()) << simulation().census();
+}
+}
