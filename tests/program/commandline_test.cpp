@@ -151,7 +151,8 @@ TEST(ProgramCommandLine, ReadsTheChannelOfAChange)
 {
     EXPECT_EQ(std::nullopt, read({"set-volume", "Speakers", "50%"}).level->channel());
     EXPECT_EQ(1u, read({"set-volume", "Speakers", "50%", "--channel", "2"}).level->channel());
-    EXPECT_EQ(0u, std::get<LevelChange>(read({"set-control", "A", "B", "-3dB", "--channel", "1"}).controlChange).channel());
+    EXPECT_EQ(0u,
+              std::get<LevelChange>(read({"set-control", "A", "B", "-3dB", "--channel", "1"}).controlChange).channel());
     EXPECT_EQ("--channel does not go with on and off, which concern all channels",
               complaint({"set-control", "A", "B", "on", "--channel", "1"}));
 }
@@ -316,9 +317,10 @@ TEST(ProgramCommandLine, AnswersHelpAndVersion)
     const std::string help = readCommandLine({"--help"}).answer;
     const std::string helpOfVerb = readCommandLine({"set-volume", "--help"}).answer;
 
-    for (const char* const verb : {"list", "show", "controls", "selectors", "graph", "ask", "get-volume", "set-volume",
-                                   "mute", "set-control", "select", "save", "restore", "find", "refer", "resolve", "monitor",
-                                   "format", "--machine", "--json", "--log"})
+    for (const char* const verb :
+         {"list",       "show",    "controls",    "selectors", "graph",     "ask",     "get-volume",
+          "set-volume", "mute",    "set-control", "select",    "save",      "restore", "find",
+          "refer",      "resolve", "monitor",     "format",    "--machine", "--json",  "--log"})
         EXPECT_THAT(help, HasSubstr(std::string("  ") + verb));
     EXPECT_THAT(helpOfVerb, HasSubstr("Usage: sonavit set-volume [OPTIONS] ENDPOINT VOLUME"));
     EXPECT_THAT(helpOfVerb, HasSubstr("On a simulated machine the change lasts until sonavit ends."));
@@ -329,9 +331,9 @@ TEST(ProgramCommandLine, AnswersHelpAndVersion)
 
 TEST(ProgramCommandLine, KeepsItsHelpWithin80Columns)
 {
-    for (const char* const verb : {"", "list", "show", "controls", "selectors", "graph", "ask", "get-volume",
-                                   "set-volume", "mute", "set-control", "select", "save", "restore", "find", "refer",
-                                   "resolve", "monitor", "format"})
+    for (const char* const verb :
+         {"", "list", "show", "controls", "selectors", "graph", "ask", "get-volume", "set-volume", "mute",
+          "set-control", "select", "save", "restore", "find", "refer", "resolve", "monitor", "format"})
     {
         const std::string word = verb;
         const CommandLine line = word.empty() ? readCommandLine({"--help"}) : readCommandLine({word, "--help"});

@@ -143,8 +143,8 @@ TEST_F(ProgramOnFailingPlatform, CommandsSayThatEndpointsWithoutIdsCannotBeListe
 
 TEST_F(ProgramOnFailingPlatform, NoCommandTakesEndpointsThatCannotBeListedForMissingOnes)
 {
-    machine.faults.push_back({"IMMDeviceEnumerator::EnumAudioEndpoints", "*", "eRender", 0,
-                              sim::FaultRule::Outcome::result, anyFailure});
+    machine.faults.push_back(
+        {"IMMDeviceEnumerator::EnumAudioEndpoints", "*", "eRender", 0, sim::FaultRule::Outcome::result, anyFailure});
 
     const support::Answer answer = callHere({"show", "Speakers"});
 

@@ -44,7 +44,8 @@ class ProgramLastWords : public testing::TestWithParam<std::uint32_t>
 
 TEST_P(ProgramLastWords, AreOneSentenceAndExitCode1)
 {
-    EXPECT_EXIT(runProgram({"get-volume", "Speakers", "--via", "model"}, GetParam()), testing::ExitedWithCode(1), saysWhatWasThrown());
+    EXPECT_EXIT(runProgram({"get-volume", "Speakers", "--via", "model"}, GetParam()), testing::ExitedWithCode(1),
+                saysWhatWasThrown());
     EXPECT_EXIT(runProgram({"show", "Speakers", "--via", "model"}, GetParam()), testing::ExitedWithCode(1),
                 saysWhatWasThrown());
 }
@@ -55,7 +56,8 @@ TEST_P(ProgramLastWords, AreTheOnlyObjectInJson)
         testing::StartsWith("{\"schemaVersion\":2,\"error\":\"the simulated machine threw an exception: planned: I"),
         testing::HasSubstr("::Release\",\"exitCode\":1}\nsonavit: "), testing::EndsWith("::Release\n"));
 
-    EXPECT_EXIT(runProgram({"list", "--json", "--via", "model"}, GetParam()), testing::ExitedWithCode(1), isAnObjectAndTheSentence);
+    EXPECT_EXIT(runProgram({"list", "--json", "--via", "model"}, GetParam()), testing::ExitedWithCode(1),
+                isAnObjectAndTheSentence);
 }
 
 namespace

@@ -168,7 +168,7 @@ protected:
     bool hasFormat(const std::string& id)
     {
         const sim::PropertyValue* const value = sim::findProperty(described(id).properties, sim::keys::deviceFormat);
-        return value != nullptr && value->tag == VT_BLOB && 
+        return value != nullptr && value->tag == VT_BLOB &&
                (value->bytes.size() == sizeof(WAVEFORMATEXTENSIBLE) || value->bytes.size() == sizeof(WAVEFORMATEX)) &&
                !hasFault("IMMDevice::OpenPropertyStore", id);
     }

@@ -48,8 +48,8 @@ private:
     std::optional<std::string> m_name;
     std::string m_description;
     std::function<void()> m_onWorkerStart; ///< for a machine that is not the session's
-    sim::Redirection m_redirection;      ///< of the object model's library
-    sim::Redirection m_layerRedirection; ///< of the client layer's
+    sim::Redirection m_redirection;        ///< of the object model's library
+    sim::Redirection m_layerRedirection;   ///< of the client layer's
     std::unique_ptr<sim::Simulation> m_simulation;
     Via m_via;
     std::unique_ptr<System> m_audio;

@@ -96,8 +96,7 @@ TEST_F(ProgramControls, ShowAControlWithoutMute)
     const support::Answer text = call({"controls", "Speakers"});
     const json control = json::parse(call({"controls", "Speakers", "--json"}).out)["controls"][0];
 
-    EXPECT_THAT(text.lines(),
-                Contains("Speakers  Speaker    1    50%  -30.00 dB  -60.00 to 0.00 dB  1.00  none"));
+    EXPECT_THAT(text.lines(), Contains("Speakers  Speaker    1    50%  -30.00 dB  -60.00 to 0.00 dB  1.00  none"));
     EXPECT_EQ(false, control["hasMute"]);
     EXPECT_TRUE(control["muted"].is_null());
 }

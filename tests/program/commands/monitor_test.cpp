@@ -18,7 +18,8 @@ namespace
 struct Step
 {
     template<class Action>
-    Step(Action does, std::size_t shows = 1) : action(does), lines(shows)
+    Step(Action does, std::size_t shows = 1) : action(does),
+                                               lines(shows)
     {
     }
 
@@ -156,10 +157,9 @@ TEST_F(ProgramMonitor, AnswersInJsonOneObjectALine)
     for (const json& line : lines)
         EXPECT_THAT(line["time"].get<std::string>(), testing::MatchesRegex("....-..-..T..:..:......Z"));
     EXPECT_EQ("stateChanged", lines[0]["event"]);
-    EXPECT_EQ(json({{"id", support::smallCardId()},
-                    {"name", "Analog Audio"},
-                    {"instanceId", support::smallInstanceId()}}),
-              lines[0]["card"]);
+    EXPECT_EQ(
+        json({{"id", support::smallCardId()}, {"name", "Analog Audio"}, {"instanceId", support::smallInstanceId()}}),
+        lines[0]["card"]);
     EXPECT_EQ(json({{"id", support::headphonesId()}, {"name", "Headphones (Analog Audio)"}}), lines[0]["endpoint"]);
     EXPECT_EQ("unplugged", lines[0]["before"]);
     EXPECT_EQ("active", lines[0]["after"]);
@@ -220,10 +220,9 @@ TEST_F(ProgramMonitor, TellsOfACardThatWasNotThere)
                                            Step([&](sim::Events& events) { events.unplug(headset); }),
                                            Step([&](sim::Events& events) { events.remove(headset); }, 2)});
 
-    EXPECT_THAT(told(answer),
-                ElementsAre("Headset            card added", "Headset  Earphones  added, active",
-                            "Headset  Earphones  active \xE2\x86\x92 unplugged", "Headset  Earphones  removed",
-                            "Headset             card removed"));
+    EXPECT_THAT(told(answer), ElementsAre("Headset            card added", "Headset  Earphones  added, active",
+                                          "Headset  Earphones  active \xE2\x86\x92 unplugged",
+                                          "Headset  Earphones  removed", "Headset             card removed"));
 }
 
 TEST_F(ProgramMonitor, TellsNothingWhereNothingChanges)
@@ -241,8 +240,7 @@ TEST_F(ProgramMonitor, TellsThatAnEndpointWentAndCameBack)
 {
     run(support::smallMachine());
 
-    const support::Answer answer =
-        listen({[](sim::Events& events) { events.announceRemoved(support::speakerId()); }});
+    const support::Answer answer = listen({[](sim::Events& events) { events.announceRemoved(support::speakerId()); }});
 
     EXPECT_THAT(told(answer), ElementsAre("Analog Audio  Speakers    went and came back"));
 }
@@ -450,15 +448,14 @@ TEST_F(ProgramMonitor, TellsChangesOfTheHardwareWhereTheyAreAskedFor)
         json::parse(call({"controls", "Speakers", "--json"}).out)["controls"][0]["id"].get<std::string>();
     IAudioVolumeLevel* level = nullptr;
 
-    const support::Answer answer = listen(
-        {[&](sim::Events&)
-         {
-             level = simulation().volumeLevel(control);
-             ASSERT_NE(nullptr, level);
-             level->SetLevelUniform(-20.25f, nullptr);
-             level->Release();
-         }},
-        {"--json", "--only", "hardware"});
+    const support::Answer answer = listen({[&](sim::Events&)
+                                           {
+                                               level = simulation().volumeLevel(control);
+                                               ASSERT_NE(nullptr, level);
+                                               level->SetLevelUniform(-20.25f, nullptr);
+                                               level->Release();
+                                           }},
+                                          {"--json", "--only", "hardware"});
 
     ASSERT_EQ(1u, answer.lines().size()) << answer.out << answer.err;
     const json event = json::parse(answer.lines()[0]);

@@ -124,8 +124,9 @@ TEST_F(ProgramSelect, ChoosesAnInputByTheNameOfItsConnector)
 
     EXPECT_EQ(0, answer.code) << answer.err;
     EXPECT_EQ("Mixer, Source: Line In \xE2\x86\x92 Microphone\n", answer.out);
-    EXPECT_THAT(call({"selectors"}).lines(), ElementsAre("Mixer, Source", "  *  Microphone  Microphone  through Microphone",
-                                                         "     Line In     Line        through Line In"));
+    EXPECT_THAT(call({"selectors"}).lines(),
+                ElementsAre("Mixer, Source", "  *  Microphone  Microphone  through Microphone",
+                            "     Line In     Line        through Line In"));
 }
 
 TEST_F(ProgramSelect, AnswersInJsonHowItWasAndIs)

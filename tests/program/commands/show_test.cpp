@@ -29,11 +29,11 @@ TEST_F(ProgramShow, ShowsAllAboutAnEndpoint)
                             "  short name   Speakers", "  flow         output",
                             "  jack         Speaker  {DFF21CE1-F70F-11D0-B917-00A0C9223196}", "  state        active",
                             "  default for  console, multimedia and communications", "  wave id      0",
-                            HasSubstr("  DirectSound  {"), "  container    {00000000-0000-0000-FFFF-FFFFFFFFFFFF}", HasSubstr("  driver node  "),
-                            "  format       48000 Hz, 16 bit, 2 channels (stereo)", "  speakers     stereo  0x00000003",
-                            "  volume       72%  -18.00 dB", "  range        -65.25 to 0.00 dB in steps of 0.75",
-                            "  channel 1    72%  -18.00 dB", "  channel 2    72%  -18.00 dB",
-                            "  mute         not muted", "  attenuator   software"));
+                            HasSubstr("  DirectSound  {"), "  container    {00000000-0000-0000-FFFF-FFFFFFFFFFFF}",
+                            HasSubstr("  driver node  "), "  format       48000 Hz, 16 bit, 2 channels (stereo)",
+                            "  speakers     stereo  0x00000003", "  volume       72%  -18.00 dB",
+                            "  range        -65.25 to 0.00 dB in steps of 0.75", "  channel 1    72%  -18.00 dB",
+                            "  channel 2    72%  -18.00 dB", "  mute         not muted", "  attenuator   software"));
 }
 
 TEST_F(ProgramShow, AnswersInJson)

@@ -43,14 +43,14 @@ TEST_F(ProgramVolume, IsAnsweredInJson)
 
     const json answer = json::parse(call({"get-volume", "Speakers", "--json"}).out);
 
-    EXPECT_EQ(
-        json::parse(R"json({"schemaVersion": 2, "machine": null,
-        "endpoint": {"id": ")json" + support::speakerId() + R"json(", "name": "Speakers (Analog Audio)"},
+    EXPECT_EQ(json::parse(R"json({"schemaVersion": 2, "machine": null,
+        "endpoint": {"id": ")json" +
+                          support::speakerId() + R"json(", "name": "Speakers (Analog Audio)"},
         "volume": {"percent": 72, "decibels": -18, "range": {"min": -65.25, "max": 0, "step": 0.75},
                    "channels": [{"percent": 72, "decibels": -18}, {"percent": 72, "decibels": -18}],
                    "inHardware": false},
         "muted": false})json"),
-        answer);
+              answer);
 }
 
 TEST_F(ProgramVolume, IsSetInPercent)
@@ -148,9 +148,10 @@ TEST_F(ProgramVolume, IsLeftToTheSystemToJudgeIfItsRangeCannotBeRead)
 {
     runRefusing({"SetMasterVolumeLevel", "GetVolumeRange"});
 
-    EXPECT_EQ("sonavit: the volume of Speakers (Analog Audio) cannot be set: IAudioEndpointVolume::SetMasterVolumeLevel "
-              "failed: 0x80004001, not implemented\n",
-              call({"set-volume", "Speakers", "-3dB"}).err);
+    EXPECT_EQ(
+        "sonavit: the volume of Speakers (Analog Audio) cannot be set: IAudioEndpointVolume::SetMasterVolumeLevel "
+        "failed: 0x80004001, not implemented\n",
+        call({"set-volume", "Speakers", "-3dB"}).err);
 }
 
 TEST_F(ProgramVolume, HasAnEmptyRangeAndNoPercentWhereTheSystemStoresNoRange)
@@ -229,10 +230,10 @@ TEST_F(ProgramVolume, AnswersInJsonHowTheMuteWasAndIs)
 
     const json answer = json::parse(call({"mute", "Speakers", "on", "--json"}).out);
 
-    EXPECT_EQ(
-        json::parse(R"json({"schemaVersion": 2, "machine": null, "endpoint": {"id": ")json" + support::speakerId() + R"json(",
+    EXPECT_EQ(json::parse(R"json({"schemaVersion": 2, "machine": null, "endpoint": {"id": ")json" +
+                          support::speakerId() + R"json(",
         "name": "Speakers (Analog Audio)"}, "before": false, "after": true, "muted": true})json"),
-        answer);
+              answer);
 }
 
 TEST_F(ProgramVolume, RefusedMuteIsAFailure)

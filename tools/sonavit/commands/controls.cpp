@@ -60,8 +60,8 @@ std::string nameWords(const Control& control)
     const std::string own = printable(control.name.value_or(""));
     const bool beginsWithOwner = equalNoCase(own.substr(0, owner.size() + 1), owner + " ");
     const std::string rest = beginsWithOwner ? own.substr(owner.size() + 1) : own;
-    const bool saysMore = !rest.empty() && !equalNoCase(rest, "volume") && !equalNoCase(rest, "level") &&
-                          !equalNoCase(rest, owner);
+    const bool saysMore =
+        !rest.empty() && !equalNoCase(rest, "volume") && !equalNoCase(rest, "level") && !equalNoCase(rest, owner);
     return saysMore ? owner + ", " + rest : owner;
 }
 

@@ -158,7 +158,7 @@ std::vector<Watch> watchHardware(const Context& context, const Snapshot& snapsho
     return watches;
 }
 
-/// Throws OperationFailure if the system tells nobody what changes.
+/// Throws OperationFailure if the system does not report changes.
 void requireEvents(const Snapshot& snapshot)
 {
     const std::vector<Problem>& problems = snapshot.problems();

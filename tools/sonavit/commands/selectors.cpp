@@ -106,7 +106,8 @@ void runSelectors(Context& context)
         Json list = Json::array();
         for (const CardSelector& known : selectors)
             list.append(selectorJson(known.card, known.selector));
-        context.environment.out << machineDocument(context.session.machineName()).set("selectors", list)
+        context.environment.out << machineDocument(context.session.machineName())
+                                       .set("selectors", list)
                                        .set("problems", problemsJson(found.problems))
                                        .text()
                                 << "\n";
