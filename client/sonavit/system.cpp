@@ -153,8 +153,7 @@ Subscription System::subscribe(std::function<void(const Change&)> subscriber)
         state->problem = first.problem();
     if (worker::isForked())
         return Subscription(std::move(state));
-    state->subscriber =
-        m_state->hub->subscribe(std::move(subscriber), first ? *first : withoutCards(first.problem()));
+    state->subscriber = m_state->hub->subscribe(std::move(subscriber), first ? *first : withoutCards(first.problem()));
     state->hub = m_state->hub;
     return Subscription(std::move(state));
 }

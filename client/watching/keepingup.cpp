@@ -297,7 +297,8 @@ void Watcher::judgeReading(std::size_t index, const std::vector<EndpointProblem>
     const Endpoint::Content& content = m_endpoints[index].content;
     const auto isNew = [&](const EndpointProblem& problem)
     { return std::find(former.begin(), former.end(), problem) == former.end(); };
-    m_isServiceDoubted = m_isServiceDoubted || std::any_of(content.problems.begin(), content.problems.end(), isOfService);
+    m_isServiceDoubted =
+        m_isServiceDoubted || std::any_of(content.problems.begin(), content.problems.end(), isOfService);
     const bool isRetried = m_retries.count(content.id) > 0 && !content.problems.empty();
     if (isRetried || std::any_of(content.problems.begin(), content.problems.end(), isNew))
         retryLater(content.id);

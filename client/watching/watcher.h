@@ -149,10 +149,10 @@ private:
     bool m_isStarted = false;
 
     // What the reading that runs has changed.
-    std::vector<EndpointId> m_changed; ///< endpoints that were read, for a publication that keeps the grouping
-    bool m_isRegrouping = false;       ///< the cards have to be put together anew
-    std::map<EndpointId, Cause> m_causes;        ///< of changes of volume
-    std::map<EndpointId, Cause> m_changesByUs;   ///< of all changes of an endpoint that this System has changed
+    std::vector<EndpointId> m_changed;         ///< endpoints that were read, for a publication that keeps the grouping
+    bool m_isRegrouping = false;               ///< the cards have to be put together anew
+    std::map<EndpointId, Cause> m_causes;      ///< of changes of volume
+    std::map<EndpointId, Cause> m_changesByUs; ///< of all changes of an endpoint that this System has changed
     std::map<CardId, Cause> m_hardwareCauses;
     std::map<EndpointId, ChangeToken> m_publishedChanges; ///< the last change by us that was published, by endpoint
     std::map<CardId, ChangeToken> m_publishedHardwareChanges;
