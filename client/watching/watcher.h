@@ -28,10 +28,10 @@
 
 namespace sonavit::watching
 {
-/// Reads the computer for one System, hears of its changes, and publishes them in the hub.
+/// Reads the computer for one System, is notified of its changes, and publishes them in the hub.
 ///
-/// It lives on the worker: all operations run there, and so does the release of every platform object. What it has
-/// heard of stands in the inbox, which alone is shared with the platform's threads.
+/// It lives on the worker: all operations run there, and so does the release of every platform object. Only
+/// the inbox, which contains what was announced, is shared with the platform's threads.
 class Watcher final : public worker::Member, public std::enable_shared_from_this<Watcher>
 {
 public:
