@@ -43,6 +43,9 @@ void gatherProblems(EndpointReading& reading)
 {
     std::vector<EndpointProblem>& all = reading.content.problems;
     all.clear();
+    if (reading.stateProblems.empty() && reading.propertyProblems.empty() && reading.volumeProblems.empty() &&
+        reading.jackProblems.empty())
+        return;
     append(all, EndpointField::state, reading.stateProblems);
     all.insert(all.end(), reading.propertyProblems.begin(), reading.propertyProblems.end());
     append(all, EndpointField::volume, reading.volumeProblems);

@@ -4,8 +4,10 @@
 #include "client/reading/judge.h"
 #include "client/reading/text.h"
 #include "qor/string.h"
+#include "sonavit/idmap.h"
 
-#include <algorithm>
+#include <deque>
+#include <string_view>
 #include <unordered_set>
 #include <utility>
 
@@ -51,10 +53,20 @@ public:
     {
         for (const Flow flow : allFlows)
             listFlow(flow);
+        m_listing.endpoints.reserve(m_items.size());
+        for (Item& item : m_items)
+            m_listing.endpoints.push_back(newReading(std::move(item.id), item.flow, std::move(item.device)));
         return std::move(m_listing);
     }
 
 private:
+    struct Item
+    {
+        EndpointId id;
+        Flow flow = Flow::output;
+        COMPtr<IMMDevice>::pointer device;
+    };
+
     void listFlow(Flow flow)
     {
         IMMDeviceCollection* list = nullptr;
@@ -70,8 +82,6 @@ private:
             m_judge.fails(invalidData, {"IMMDeviceCollection::GetCount"});
             return;
         }
-        // The number may be wrong; no more than it can be useful to reserve at once.
-        m_listing.endpoints.reserve(m_listing.endpoints.size() + std::min<UINT>(count, 1024));
         unsigned failures = 0;
         for (UINT index = 0; index < count && failures < mostFailures; ++index)
             failures = listItem(*list, index, flow) ? 0 : failures + 1;
@@ -86,19 +96,19 @@ private:
         TaskText text(TaskText::NullText::skipped);
         if (!m_judge.gives(device->GetId(text.put()), *text.put(), {"IMMDevice::GetId"}))
             return false;
-        EndpointId id(utf8(text.get()));
-        if (!id.isEmpty() && m_known.insert(id).second)
-            m_listing.endpoints.push_back(newReading(std::move(id), flow, std::move(device)));
-        else
-            m_judge.fails(invalidData,
-                          {"IMMDevice::GetId"}); // an endpoint without id, or a second one with the same id
+        m_items.push_back({EndpointId(utf8(text.get())), flow, std::move(device)});
+        if (!m_items.back().id.isEmpty() && m_known.insert(m_items.back().id.text()).second)
+            return true;
+        m_items.pop_back(); // an endpoint without id, or a second one with the same id
+        m_judge.fails(invalidData, {"IMMDevice::GetId"});
         return true;
     }
 
     IMMDeviceEnumerator& m_enumerator;
     Listing m_listing;
     Judge m_judge;
-    std::unordered_set<EndpointId> m_known;
+    std::deque<Item> m_items; ///< they stay in their places
+    std::unordered_set<std::string_view, IdHash, IdEqual> m_known;
 };
 
 /// A failure to open an endpoint. Codes that say that there is no such endpoint are Problem::Kind::notThere.

@@ -58,6 +58,14 @@ Hardware HardwareWalk::hardware(const CardId& card) const
     return HardwareValues(m_state->map).hardware(card, m_state->endpointsOf(card));
 }
 
+bool HardwareWalk::hasProblems() const noexcept
+{
+    const auto isFlawed = [](const auto& each) { return !each.problems.empty(); };
+    const HardwareMap& map = m_state->map;
+    return std::any_of(map.devices.begin(), map.devices.end(), isFlawed) ||
+           std::any_of(map.parts.begin(), map.parts.end(), isFlawed);
+}
+
 COMPtr<IAudioVolumeLevel>::pointer HardwareWalk::level(const ControlId& control) const
 {
     HardwareMap& map = m_state->map;

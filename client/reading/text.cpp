@@ -61,27 +61,44 @@ void append(std::string& bytes, std::uint32_t character)
 }
 }
 
+namespace
+{
+/// Whether the unit is the same character in UTF-8, and not the end of a string.
+bool isPlain(WCHAR unit)
+{
+    return static_cast<std::uint16_t>(unit - 1) < 0x7F;
+}
+
+/// UTF-8 of the string between @p text and @p end, which begins with @p plain units that are the same there.
+std::string converted(const WCHAR* text, std::size_t plain, const WCHAR* end)
+{
+    std::string bytes(plain, '\0');
+    std::transform(text, text + plain, bytes.begin(), [](WCHAR unit) { return static_cast<char>(unit); });
+    for (const WCHAR* place = text + plain; place != end;)
+        append(bytes, nextCharacter(place, end));
+    return bytes;
+}
+}
+
+/// Most strings of the platform are plain throughout, and found to be so on the way to their end.
 std::string utf8(const WCHAR* text)
 {
     if (text == nullptr)
         return {};
-    std::size_t length = 0;
-    while (text[length] != 0)
-        ++length;
-    return utf8(text, length);
+    std::size_t plain = 0;
+    while (isPlain(text[plain]))
+        ++plain;
+    const WCHAR* end = text + plain;
+    while (*end != 0)
+        ++end;
+    return converted(text, plain, end);
 }
 
 std::string utf8(const WCHAR* text, std::size_t length)
 {
-    std::string bytes(length, '\0');
-    std::size_t plain = 0;
-    for (; plain < length && text[plain] < 0x80; ++plain)
-        bytes[plain] = static_cast<char>(text[plain]);
-    bytes.resize(plain);
     const WCHAR* const end = text + length;
-    for (const WCHAR* place = text + plain; place != end;)
-        append(bytes, nextCharacter(place, end));
-    return bytes;
+    const WCHAR* const special = std::find_if_not(text, end, isPlain);
+    return converted(text, static_cast<std::size_t>(special - text), end);
 }
 
 std::optional<Guid> writtenGuid(const WCHAR* text)

@@ -14,7 +14,8 @@ namespace sonavit
 inline namespace v1
 {
 /// Holds a device format that System::holdFormat() has set, and puts the former one back at its end or at the end of
-/// its System, whichever is first, unless the format is another one by then.
+/// its System, whichever is first, unless the format is another one by then. One that was moved from can only be
+/// assigned, ended or destroyed.
 class SONAVIT_CLIENT_API FormatHold
 {
 public:

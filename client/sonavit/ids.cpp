@@ -16,15 +16,25 @@ namespace
 constexpr const char* digits = "0123456789ABCDEF";
 constexpr std::string_view pattern = "XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX";
 
-std::optional<std::uint8_t> digitOf(char character)
+constexpr std::uint8_t noDigit = 0xFF;
+
+/// The values of all characters as hexadecimal digits.
+constexpr std::array<std::uint8_t, 256> makeDigitValues()
 {
-    if (character >= '0' && character <= '9')
-        return static_cast<std::uint8_t>(character - '0');
-    const char lower = text::lowerCase(character);
-    if (lower >= 'a' && lower <= 'f')
-        return static_cast<std::uint8_t>(lower - 'a' + 10);
-    return std::nullopt;
+    std::array<std::uint8_t, 256> values = {};
+    for (std::uint8_t& value : values)
+        value = noDigit;
+    for (std::uint8_t digit = 0; digit < 10; ++digit)
+        values['0' + digit] = digit;
+    for (std::uint8_t letter = 0; letter < 6; ++letter)
+    {
+        values['A' + letter] = static_cast<std::uint8_t>(10 + letter);
+        values['a' + letter] = static_cast<std::uint8_t>(10 + letter);
+    }
+    return values;
 }
+
+constexpr std::array<std::uint8_t, 256> digitValues = makeDigitValues();
 
 std::string_view withoutBraces(std::string_view text)
 {
@@ -37,25 +47,19 @@ using Bytes = std::array<std::uint8_t, 16>;
 
 std::optional<Bytes> bytesOf(std::string_view text)
 {
-    if (text.size() != pattern.size())
+    static constexpr std::array<std::size_t, 16> places = {0, 2, 4, 6, 9, 11, 14, 16, 19, 21, 24, 26, 28, 30, 32, 34};
+    if (text.size() != pattern.size() || text[8] != '-' || text[13] != '-' || text[18] != '-' || text[23] != '-')
         return std::nullopt;
     Bytes bytes = {};
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < text.size(); ++i)
+    unsigned all = 0; // a value above 0xF if one of them is none
+    for (std::size_t i = 0; i < bytes.size(); ++i)
     {
-        if (pattern[i] == '-')
-        {
-            if (text[i] != '-')
-                return std::nullopt;
-            continue;
-        }
-        const std::optional<std::uint8_t> digit = digitOf(text[i]);
-        if (!digit)
-            return std::nullopt;
-        bytes[count / 2] = static_cast<std::uint8_t>(bytes[count / 2] << 4 | *digit);
-        ++count;
+        const unsigned high = digitValues[static_cast<unsigned char>(text[places[i]])];
+        const unsigned low = digitValues[static_cast<unsigned char>(text[places[i] + 1])];
+        bytes[i] = static_cast<std::uint8_t>(high << 4 | low);
+        all |= high | low;
     }
-    return bytes;
+    return all > 0xF ? std::nullopt : std::optional<Bytes>(bytes);
 }
 
 Bytes bytesOf(const Guid& guid)
@@ -90,12 +94,28 @@ int compareIds(std::string_view left, std::string_view right) noexcept
     return left.size() < right.size() ? -1 : 1;
 }
 
+/// Eight characters at a time. The bit in which upper and lower case differ is set in all characters: that makes some
+/// others equal, too, which costs nothing but a rare collision.
 std::size_t hashId(std::string_view text) noexcept
 {
-    std::uint64_t hash = 0xCBF29CE484222325; // FNV-1a
-    for (const char character : text)
-        hash = (hash ^ static_cast<unsigned char>(text::lowerCase(character))) * 0x100000001B3;
-    return static_cast<std::size_t>(hash ^ hash >> 32);
+    constexpr std::uint64_t caseBits = 0x2020202020202020;
+    std::uint64_t hash = text.size();
+    const auto mix = [&](std::uint64_t word)
+    {
+        hash = (hash ^ (word | caseBits)) * 0x9E3779B97F4A7C15;
+        hash ^= hash >> 32;
+    };
+    std::uint64_t word = 0;
+    for (; text.size() >= sizeof word; text.remove_prefix(sizeof word))
+    {
+        std::memcpy(&word, text.data(), sizeof word);
+        mix(word);
+    }
+    word = 0;
+    if (!text.empty())
+        std::memcpy(&word, text.data(), text.size());
+    mix(word);
+    return static_cast<std::size_t>(hash);
 }
 
 std::optional<Guid> Guid::parse(std::string_view text)

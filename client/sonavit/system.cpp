@@ -3,6 +3,7 @@
 #include "client/reading/hardwarewalk.h"
 #include "client/watching/systemstate.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
@@ -17,6 +18,12 @@ Snapshot withoutCards(Problem problem)
     Snapshot::Content content;
     content.problems.push_back(std::move(problem));
     return Snapshot(std::move(content));
+}
+
+template<class Value>
+bool isFlawed(const Value& value)
+{
+    return !value.problems.empty();
 }
 }
 
@@ -69,10 +76,13 @@ Result<std::vector<Control>> System::controls(const EndpointId& endpoint) const
         if (!card)
             return Problem(Problem::Kind::notThere, "controls", endpoint.text(),
                            "there is no endpoint " + endpoint.text());
-        const auto walk = watcher.walk("controls", {*card});
+        const auto walk = watcher.recentWalk("controls", *card);
         if (!walk)
             return walk.problem();
-        return (*walk)->controls(endpoint);
+        std::vector<Control> controls = (*walk)->controls(endpoint);
+        if (std::any_of(controls.begin(), controls.end(), isFlawed<Control>))
+            watcher.forgetWalk();
+        return controls;
     };
     return m_state->run<std::vector<Control>>("controls", endpoint.text(), worker::Urgency::reading, task);
 }
@@ -84,10 +94,13 @@ Result<std::vector<Selector>> System::selectors(const CardId& card) const
         const Result<Card> meant = watcher.card("selectors", card);
         if (!meant)
             return meant.problem();
-        const auto walk = watcher.walk("selectors", {*meant});
+        const auto walk = watcher.recentWalk("selectors", *meant);
         if (!walk)
             return walk.problem();
-        return (*walk)->selectors(card);
+        std::vector<Selector> selectors = (*walk)->selectors(card);
+        if (std::any_of(selectors.begin(), selectors.end(), isFlawed<Selector>))
+            watcher.forgetWalk();
+        return selectors;
     };
     return m_state->run<std::vector<Selector>>("selectors", card.text(), worker::Urgency::reading, task);
 }
@@ -140,8 +153,7 @@ Subscription System::subscribe(std::function<void(const Change&)> subscriber)
         state->problem = first.problem();
     if (worker::isForked())
         return Subscription(std::move(state));
-    state->subscriber =
-        m_state->hub->subscribe(std::move(subscriber), first ? *first : withoutCards(first.problem()));
+    state->subscriber = m_state->hub->subscribe(std::move(subscriber), first ? *first : withoutCards(first.problem()));
     state->hub = m_state->hub;
     return Subscription(std::move(state));
 }

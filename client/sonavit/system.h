@@ -198,6 +198,8 @@ public:
     Result<Volume> setMute(const EndpointId& endpoint, bool isMuted);
     Result<Volume> toggleMute(const EndpointId& endpoint);
 
+    /// Without a channel, a new level is that of each channel; a step keeps the differences between them, and ends
+    /// where the first of them reaches an end of its range.
     /// @param control its ControlId, the name of its node or of its connector, or a part of one that no other has
     Result<Control> setControl(const EndpointId& endpoint, std::string_view control, LevelChange change);
     Result<Control> setControl(const EndpointId& endpoint, const ControlId& control, LevelChange change);

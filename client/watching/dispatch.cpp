@@ -78,7 +78,7 @@ std::size_t Hub::poll(worker::Clock::Time deadline)
     return calls;
 }
 
-/// Who has a change waiting, in turn; null if there is nobody. The mutex is held.
+/// The next subscriber, in turn, for which a change waits; null if there is none. The mutex is held.
 std::shared_ptr<Subscriber> Hub::nextSubscriber()
 {
     for (std::size_t count = 0; count < m_subscribers.size(); ++count)

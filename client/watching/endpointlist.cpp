@@ -30,9 +30,8 @@ std::optional<std::size_t> EndpointList::find(const EndpointId& id) const
 std::vector<EndpointId> EndpointList::replace(std::vector<reading::EndpointReading> listing)
 {
     std::vector<EndpointId> added;
-    std::vector<reading::EndpointReading> readings(listing.size());
     std::vector<VolumeRegistration> registrations(listing.size());
-    std::unordered_map<EndpointId, std::size_t> places;
+    std::unordered_map<EndpointId, std::size_t> places(listing.size());
     for (std::size_t index = 0; index < listing.size(); ++index)
     {
         const EndpointId& id = listing[index].content.id;
@@ -46,18 +45,15 @@ std::vector<EndpointId> EndpointList::replace(std::vector<reading::EndpointReadi
             noteAbsence(id);
     }
     // Nothing below fails.
-    for (std::size_t index = 0; index < listing.size(); ++index)
+    for (const auto& [id, place] : m_places)
     {
-        const auto former = m_places.find(listing[index].content.id);
-        if (former == m_places.end())
-        {
-            readings[index] = std::move(listing[index]);
+        const auto index = places.find(id);
+        if (index == places.end())
             continue;
-        }
-        readings[index] = std::move(m_readings[former->second]);
-        registrations[index] = std::move(m_registrations[former->second]);
+        std::swap(listing[index->second], m_readings[place]);
+        registrations[index->second] = std::move(m_registrations[place]);
     }
-    m_readings = std::move(readings);
+    m_readings = std::move(listing);
     m_registrations = std::move(registrations);
     m_places = std::move(places);
     return added;

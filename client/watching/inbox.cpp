@@ -162,7 +162,8 @@ Noted Inbox::take(bool isAll)
         if (slot.length == 0)
             noted.hardware.push_back({slot.watch, causeOf(slot)});
         else
-            noted.endpoints.push_back({EndpointId(reading::utf8(slot.id.data(), slot.length)), slot.announced, causeOf(slot)});
+            noted.endpoints.push_back(
+                {EndpointId(reading::utf8(slot.id.data(), slot.length)), slot.announced, causeOf(slot)});
     }
     return noted;
 }

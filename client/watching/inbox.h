@@ -1,5 +1,5 @@
 /// @file
-/// What the platform has announced and nobody has read yet.
+/// What the platform has announced and the worker has not read yet.
 #pragma once
 
 #include "client/watching/causes.h"
@@ -90,7 +90,7 @@ public:
     const EventContexts& context() const noexcept { return m_context; }
     /// All that is noted, or only what concerns levels.
     Noted take(bool isAll);
-    /// Whether another program has changed that volume or that hardware, and nobody has read it yet.
+    /// Whether another program has changed that volume or that hardware since it was read.
     bool isChangedByOther(const EndpointId& endpoint) const;
     bool isChangedByOther(std::uint32_t watch) const;
     /// When levels have to be read, and the rest; Clock::never if nothing is noted.

@@ -11,8 +11,6 @@ namespace
 {
 using namespace std::chrono_literals;
 
-/// When to try again what was announced and cannot be read.
-constexpr std::array<std::chrono::milliseconds, 6> retryAfter = {250ms, 500ms, 1000ms, 2000ms, 4000ms, 8000ms};
 constexpr auto pauseAfterException = 250ms;
 
 /// @p cause without what was published when it was made: the platform announces that nevertheless.
@@ -55,6 +53,8 @@ void Watcher::startAgainLater() noexcept
 
 void Watcher::keepUp(Clock::Time now)
 {
+    if (now >= m_recentWalk.due())
+        m_recentWalk.release();
     if (m_afterFailure != Clock::never && now < m_afterFailure)
         return;
     m_afterFailure = Clock::never;
@@ -84,7 +84,7 @@ worker::Clock::Time Watcher::nextDue() const
         return m_afterFailure;
     if (m_enumerator.get() == nullptr)
         return m_serviceDue;
-    Clock::Time due = std::min(m_inbox->restDue(), m_inbox->levelsDue(m_lastLevels));
+    Clock::Time due = std::min(m_recentWalk.due(), std::min(m_inbox->restDue(), m_inbox->levelsDue(m_lastLevels)));
     for (const auto& [id, retry] : m_retries)
         due = std::min(due, retry.due);
     return due;
@@ -108,20 +108,6 @@ Result<Snapshot> Watcher::refresh(Depth depth)
     read(noted);
     publishRead();
     return m_latest;
-}
-
-void Watcher::takeDueRetries(Clock::Time now, Noted& noted)
-{
-    for (auto& [id, retry] : m_retries)
-    {
-        if (retry.due > now)
-            continue;
-        retry.due = Clock::never;
-        if (id.isEmpty())
-            noted.isEverything = true;
-        else
-            noted.endpoints.push_back({id, announcedAll & ~announcedRemoval, Cause()});
-    }
 }
 
 void Watcher::read(const Noted& noted)
@@ -281,28 +267,6 @@ std::vector<EndpointId> Watcher::readVolumesOf(const CardId& id, const Cause& ca
     return read;
 }
 
-/// Of an endpoint that is not in the list: either it has gone again or it cannot be listed yet.
-void Watcher::judgeAbsence(const Noted::OfEndpoint& noted)
-{
-    if ((noted.announced & (announcedArrival | announcedState)) != 0)
-        retryLater(noted.id);
-}
-
-/// Whether what was announced could be read: tries again later if there are problems that were not there before, or
-/// that have been the reason for earlier tries.
-void Watcher::judgeReading(std::size_t index, const std::vector<EndpointProblem>& former)
-{
-    const Endpoint::Content& content = m_endpoints[index].content;
-    const auto isNew = [&](const EndpointProblem& problem)
-    { return std::find(former.begin(), former.end(), problem) == former.end(); };
-    m_isServiceDoubted = m_isServiceDoubted || std::any_of(content.problems.begin(), content.problems.end(), isOfService);
-    const bool isRetried = m_retries.count(content.id) > 0 && !content.problems.empty();
-    if (isRetried || std::any_of(content.problems.begin(), content.problems.end(), isNew))
-        retryLater(content.id);
-    else
-        m_retries.erase(content.id);
-}
-
 /// @return false if the service has gone
 bool Watcher::readDefaults()
 {
@@ -311,17 +275,5 @@ bool Watcher::readDefaults()
         return false;
     m_defaults = std::move(defaults);
     return true;
-}
-
-/// @param id empty for the list
-void Watcher::retryLater(const EndpointId& id)
-{
-    Retry& retry = m_retries[id];
-    if (retry.attempts == retryAfter.size())
-    {
-        m_retries.erase(id);
-        return;
-    }
-    retry.due = m_worker->clock().now() + retryAfter[retry.attempts++];
 }
 }

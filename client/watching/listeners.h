@@ -13,7 +13,7 @@
 
 namespace sonavit::watching
 {
-/// The reference count of an object that the platform calls. One reference belongs to whoever makes it.
+/// The reference count of an object that the platform calls. The first reference belongs to the code that makes it.
 template<class Interface>
 class Listener : public Interface
 {
@@ -52,7 +52,7 @@ private:
     std::atomic<ULONG> m_references{1};
 };
 
-/// Hears of endpoints and defaults.
+/// Is notified of endpoints and defaults.
 class DeviceListener final : public Listener<IMMNotificationClient>
 {
 public:
@@ -68,7 +68,7 @@ private:
     const std::shared_ptr<Inbox> m_inbox;
 };
 
-/// Hears of the volume of one endpoint.
+/// Is notified of the volume of one endpoint.
 class VolumeListener final : public Listener<IAudioEndpointVolumeCallback>
 {
 public:
@@ -81,7 +81,7 @@ private:
     std::vector<WCHAR> m_endpoint; ///< its id, with a final zero
 };
 
-/// Hears of one level, mute or selector of a card that is watched.
+/// Is notified of one level, mute or selector of a watched card.
 class ControlListener final : public Listener<IControlChangeNotify>
 {
 public:

@@ -62,7 +62,7 @@ Snapshot::Content Watcher::regrouped()
 }
 
 // Changes and watches may come in the middle of a reading, see Worker::letChangesPass(). Therefore what they publish
-// stands on the newest state and not on what is being read.
+// is based on the newest state and not on the reading that runs.
 
 /// The newest state with these endpoints as they were read last. Cards without them are shared.
 Snapshot::Content Watcher::patched(const std::vector<EndpointId>& changed) const

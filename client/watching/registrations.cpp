@@ -125,7 +125,8 @@ VolumeRegistration registerForVolume(IAudioEndpointVolume& volume, const std::sh
                                      const EndpointId& endpoint)
 {
     return VolumeRegistration(
-        volume, new VolumeListener(inbox, endpoint), [](IAudioEndpointVolume& source, VolumeListener& listener)
+        volume, new VolumeListener(inbox, endpoint),
+        [](IAudioEndpointVolume& source, VolumeListener& listener)
         { return source.RegisterControlChangeNotify(&listener); },
         [](IAudioEndpointVolume& source, VolumeListener& listener)
         { return source.UnregisterControlChangeNotify(&listener); });

@@ -53,8 +53,8 @@ void Watcher::connect()
     m_registration = registerForDevices(*m_enumerator, m_inbox);
     if (!m_registration)
     {
-        m_registrationProblem = Problem::ofCall("IMMDeviceEnumerator::RegisterEndpointNotificationCallback", "",
-                                                m_registration.result());
+        m_registrationProblem =
+            Problem::ofCall("IMMDeviceEnumerator::RegisterEndpointNotificationCallback", "", m_registration.result());
         if (isServiceLost({*m_registrationProblem}))
             return;
     }
@@ -78,7 +78,8 @@ void Watcher::lookForService()
 /// Whether one of the problems says so; then everything of the service is given up.
 bool Watcher::isServiceLost(const std::vector<Problem>& problems)
 {
-    const auto found = std::find_if(problems.begin(), problems.end(), [](const Problem& problem) { return watching::isOfService(problem); });
+    const auto found = std::find_if(problems.begin(), problems.end(),
+                                    [](const Problem& problem) { return watching::isOfService(problem); });
     if (found == problems.end())
         return false;
     loseService(*found);

@@ -47,7 +47,7 @@ Result<Snapshot> System::State::latest(const std::string& operation, worker::Clo
         return *std::move(newest);
     if (worker->isThisThread())
         return Problem(Problem::Kind::wouldWait, operation, "", "the operation would wait for its own thread");
-    // Whoever asks again while the platform does not answer has waited already.
+    // Only the first operation waits while the platform does not answer.
     if (std::optional<Snapshot> newest = hub->waitForFirst(hasWaited ? clock->now() : deadline))
         return *std::move(newest);
     hasWaited = true;

@@ -3,6 +3,7 @@
 #include "client/reading/hardwarewalk.h"
 
 #include <algorithm>
+#include <mutex>
 #include <utility>
 
 namespace sonavit::watching
@@ -67,6 +68,7 @@ void Watcher::end() noexcept
 /// In the order in which it was acquired, backwards: no callback comes after this.
 void Watcher::dropEverything() noexcept
 {
+    m_recentWalk.release();
     m_watches.release();
     m_endpoints.clear();
     m_registration.end();
@@ -102,6 +104,24 @@ Result<std::shared_ptr<reading::HardwareWalk>> Watcher::walk(const std::string& 
         return m_serviceProblem.value_or(
             Problem(Problem::Kind::platform, operation, "", "the audio service does not answer"));
     return std::make_shared<reading::HardwareWalk>(*m_enumerator, cards);
+}
+
+Result<std::shared_ptr<reading::HardwareWalk>> Watcher::recentWalk(const std::string& operation, const Card& card)
+{
+    const Clock::Time now = m_worker->clock().now();
+    if (m_inbox->restDue() == Clock::never)
+    {
+        if (std::shared_ptr<reading::HardwareWalk> recent = m_recentWalk.find(card, now))
+            return recent;
+    }
+    m_recentWalk.release();
+    const Result<std::shared_ptr<reading::HardwareWalk>> made = walk(operation, {card});
+    if (!made)
+        return made;
+    m_recentWalk.keep(card, *made, now);
+    std::unique_lock<std::mutex> lock(m_worker->alarm()->mutex);
+    m_worker->alarm()->ring(std::move(lock)); // step() learns when it has to be released
+    return made;
 }
 
 Result<std::uint64_t> Watcher::watch(const CardId& id)

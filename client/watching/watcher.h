@@ -7,6 +7,7 @@
 #include "client/watching/endpointlist.h"
 #include "client/watching/hub.h"
 #include "client/watching/inbox.h"
+#include "client/watching/recentwalk.h"
 #include "client/watching/registrations.h"
 #include "client/watching/watches.h"
 #include "client/worker/worker.h"
@@ -27,10 +28,10 @@
 
 namespace sonavit::watching
 {
-/// Reads the computer for one System, hears of its changes, and publishes them in the hub.
+/// Reads the computer for one System, is notified of its changes, and publishes them in the hub.
 ///
-/// It lives on the worker: all operations run there, and so does the release of every platform object. What it has
-/// heard of stands in the inbox, which alone is shared with the platform's threads.
+/// It lives on the worker: all operations run there, and so does the release of every platform object. Only
+/// the inbox, which contains what was announced, is shared with the platform's threads.
 class Watcher final : public worker::Member, public std::enable_shared_from_this<Watcher>
 {
 public:
@@ -62,6 +63,11 @@ public:
     Result<Card> card(const std::string& operation, const CardId& id) const;
     /// A new walk through the hardware of these cards.
     Result<std::shared_ptr<reading::HardwareWalk>> walk(const std::string& operation, const std::vector<Card>& cards);
+    /// A walk through the hardware of one card for questions about it: the last one, if it is recent and nothing was
+    /// announced since.
+    Result<std::shared_ptr<reading::HardwareWalk>> recentWalk(const std::string& operation, const Card& card);
+    /// The next question walks anew.
+    void forgetWalk() noexcept { m_recentWalk.release(); }
 
     /// A number for a change that is about to be made, and the context to hand to the platform with it.
     ChangeToken newToken() noexcept { return ++m_lastToken; }
@@ -134,6 +140,7 @@ private:
     DeviceRegistration m_registration;
     EndpointList m_endpoints;
     Watches m_watches;
+    RecentWalk m_recentWalk;
     std::vector<Problem> m_listProblems;
     reading::Defaults m_defaults;
     std::array<reading::WaveIds, 2> m_waveIds; ///< by flow
@@ -142,10 +149,10 @@ private:
     bool m_isStarted = false;
 
     // What the reading that runs has changed.
-    std::vector<EndpointId> m_changed; ///< endpoints that were read, for a publication that keeps the grouping
-    bool m_isRegrouping = false;       ///< the cards have to be put together anew
-    std::map<EndpointId, Cause> m_causes;        ///< of changes of volume
-    std::map<EndpointId, Cause> m_changesByUs;   ///< of all changes of an endpoint that this System has changed
+    std::vector<EndpointId> m_changed;         ///< endpoints that were read, for a publication that keeps the grouping
+    bool m_isRegrouping = false;               ///< the cards have to be put together anew
+    std::map<EndpointId, Cause> m_causes;      ///< of changes of volume
+    std::map<EndpointId, Cause> m_changesByUs; ///< of all changes of an endpoint that this System has changed
     std::map<CardId, Cause> m_hardwareCauses;
     std::map<EndpointId, ChangeToken> m_publishedChanges; ///< the last change by us that was published, by endpoint
     std::map<CardId, ChangeToken> m_publishedHardwareChanges;

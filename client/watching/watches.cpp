@@ -14,7 +14,8 @@ std::string endpointsOf(const Card& card)
     for (const Endpoint& endpoint : card.endpoints())
     {
         const int state = endpoint.state() ? static_cast<int>(*endpoint.state()) : -1;
-        text += endpoint.id().text() + ' ' + std::to_string(state) + ' ' + std::to_string(endpoint.incarnation()) + '\n';
+        text +=
+            endpoint.id().text() + ' ' + std::to_string(state) + ' ' + std::to_string(endpoint.incarnation()) + '\n';
     }
     return text;
 }

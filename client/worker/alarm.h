@@ -7,8 +7,8 @@
 
 namespace sonavit::worker
 {
-/// Rung by whoever has something for the worker, its callbacks included, which may outlive it. Locks are short: no
-/// platform call is made while the mutex is held.
+/// Rung by the threads that have something for the worker; callbacks that ring it may outlive the worker. Locks are
+/// short: no platform call is made while the mutex is held.
 struct Alarm
 {
     std::mutex mutex;

@@ -21,7 +21,7 @@ template<class T>
 class Answer
 {
 public:
-    /// Whether nobody waits for it any more.
+    /// Whether its caller has given up waiting.
     bool isLeft() const
     {
         const std::lock_guard<std::mutex> lock(m_mutex);

@@ -14,7 +14,7 @@ public:
 
     void wait(std::condition_variable& changed, std::unique_lock<std::mutex>& lock, Time deadline) override
     {
-        // A wait for a very late time overflows in some runtimes; whoever waits looks at the clock again anyway.
+        // A wait for a very late time overflows in some runtimes; callers look at the clock again anyway.
         changed.wait_until(lock, std::min(deadline, now() + std::chrono::hours(1)));
     }
 };

@@ -227,7 +227,7 @@ void Worker::stepMembers()
     m_due = due;
 }
 
-/// Tasks catch their exceptions themselves; what leaves one nevertheless concerns nobody.
+/// Tasks catch their exceptions themselves; an exception that leaves one nevertheless is dropped.
 void Worker::perform(Task& task) noexcept
 {
     try

@@ -87,11 +87,11 @@ private:
 
     const std::shared_ptr<Clock> m_clock;
     const std::shared_ptr<Alarm> m_alarm = std::make_shared<Alarm>();
-    std::function<void()> m_onStart;         ///< until the worker has called it
-    std::shared_ptr<Worker> m_predecessor;   ///< until it has ended
+    std::function<void()> m_onStart;       ///< until the worker has called it
+    std::shared_ptr<Worker> m_predecessor; ///< until it has ended
     std::atomic<std::thread::id> m_id{};
-    std::unique_ptr<Thread> m_thread;        ///< guarded by the process's list
-    std::size_t m_systems = 0;               ///< guarded by the process's list
+    std::unique_ptr<Thread> m_thread; ///< guarded by the process's list
+    std::size_t m_systems = 0;        ///< guarded by the process's list
 
     // Only on the worker.
     std::optional<Problem> m_startProblem;

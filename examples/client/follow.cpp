@@ -1,5 +1,7 @@
 // Prints what changes, on the thread of a message loop, until Enter is pressed or a number of events has come:
-// follow [<events>]
+// follow [<events>] [--machine <name>]
+#include "simulatedmachine.h"
+
 #include <sonavit/client.h>
 
 #include <condition_variable>
@@ -60,6 +62,7 @@ void printStart(const sonavit::Snapshot& start)
 
 int main(int count, char** words)
 {
+    const auto machine = machineOf(count, words); // without this line: the hardware of a Windows computer
     const unsigned long limit = count > 1 ? std::strtoul(words[1], nullptr, 10) : 0; // 0: until Enter
     // The loop is shared with the thread that waits for Enter, which may outlive main().
     const auto loop = std::make_shared<MessageLoop>();
@@ -76,7 +79,7 @@ int main(int count, char** words)
             for (const sonavit::Event& event : change.events())
             {
                 if (limit != 0 && printed == limit)
-                    return;
+                    break;
                 std::cout << event.sentence() << (event.origin == sonavit::Origin::own ? " (by this program)" : "")
                           << "\n";
                 ++printed;
@@ -86,6 +89,8 @@ int main(int count, char** words)
                 loop->post(MessageLoop::Message::quit);
         });
     printStart(subscription.initial());
+    if (machine)
+        machine->simulation().events().playScript(); // what happens to that machine
 
     if (limit == 0)
         std::thread(

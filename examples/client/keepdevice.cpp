@@ -1,6 +1,8 @@
 // Keeps the choice of an output across restarts, new drivers and other ports:
-// keepdevice <file>          finds the kept output, or uses the default one
-// keepdevice <file> <name>   chooses another one
+// keepdevice <file> [--machine <name>]            finds the kept output, or uses the default one
+// keepdevice <file> <output> [--machine <name>]   chooses another one
+#include "simulatedmachine.h"
+
 #include <sonavit/client.h>
 
 #include <fstream>
@@ -85,9 +87,10 @@ int choose(const sonavit::Snapshot& now, const std::string& name, const std::str
 
 int main(int count, char** words)
 {
+    const auto machine = machineOf(count, words); // without this line: the hardware of a Windows computer
     if (count < 2 || count > 3)
     {
-        std::cerr << "usage: keepdevice <file> [<name>]\n";
+        std::cerr << "usage: keepdevice <file> [<output>] [--machine <name>]\n";
         return 2;
     }
     sonavit::System audio;

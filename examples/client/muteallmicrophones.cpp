@@ -1,6 +1,9 @@
 // Mutes every input that has a mute, and reports those that it cannot mute, and why:
-// muteallmicrophones <file>          mutes, and keeps in the file what was not muted before
-// muteallmicrophones <file> --undo   unmutes those again
+// muteallmicrophones <file> [--machine <name>]          mutes, and keeps in the file what was not muted before
+// muteallmicrophones <file> --undo [--machine <name>]   unmutes those again
+#include "muting.h"
+#include "simulatedmachine.h"
+
 #include <sonavit/client.h>
 
 #include <fstream>
@@ -8,51 +11,11 @@
 #include <iterator>
 #include <string>
 #include <string_view>
-#include <utility>
-
-/// What puts the mute of @p endpoint back, and nothing else.
-sonavit::Settings::EndpointSetting unmuting(const sonavit::System& audio, const sonavit::Endpoint& endpoint)
-{
-    sonavit::Settings::EndpointSetting setting;
-    setting.name = endpoint.title();
-    if (const sonavit::Result<sonavit::Reference> reference = audio.refer(endpoint.id()))
-        setting.reference = reference->text();
-    setting.isMuted = false;
-    return setting;
-}
-
-/// @return whether no input is left that could be heard
-bool muteAll(sonavit::System& audio, sonavit::Settings& before)
-{
-    bool isSilent = true;
-    for (const sonavit::Endpoint& input : audio.snapshot().endpoints())
-    {
-        if (input.flow() != sonavit::Flow::input || !input.isActive())
-            continue;
-        std::cout << input.title() << ": ";
-        if (input.volume() && input.volume()->isMuted == true)
-        {
-            std::cout << "was muted before\n";
-            continue;
-        }
-        const sonavit::Result<sonavit::Volume> after = audio.setMute(input.id(), true);
-        if (!after)
-        {
-            // "IAudioEndpointVolume::SetMute failed: access denied (0x80070005)"
-            std::cout << "not muted: " << after.problem().sentence() << "\n";
-            isSilent = false;
-            continue;
-        }
-        before.endpoints.push_back(unmuting(audio, input));
-        std::cout << (after->isMuted == true ? "muted" : "accepted, but does not report a mute") << "\n";
-    }
-    return isSilent;
-}
 
 int mute(sonavit::System& audio, const std::string& path)
 {
     sonavit::Settings before;
-    const bool isSilent = muteAll(audio, before);
+    const bool isSilent = muteAllInputs(audio, before, std::cout);
     std::ofstream file(path, std::ios::binary);
     file << before.text();
     if (!file.flush())
@@ -85,10 +48,11 @@ int undo(sonavit::System& audio, const std::string& path)
 
 int main(int count, char** words)
 {
+    const auto machine = machineOf(count, words); // without this line: the hardware of a Windows computer
     const bool isUndo = count == 3 && std::string_view(words[2]) == "--undo";
     if (count != 2 && !isUndo)
     {
-        std::cerr << "usage: muteallmicrophones <file> [--undo]\n";
+        std::cerr << "usage: muteallmicrophones <file> [--undo] [--machine <name>]\n";
         return 2;
     }
     sonavit::System audio;

@@ -18,7 +18,7 @@ class ManualClock final : public sonavit::worker::Clock
 public:
     Time now() const noexcept override { return Time(Time::duration(m_now.load())); }
 
-    /// Returns often, for no reason, so that whoever waits looks at the clock again.
+    /// Returns often, for no reason, so that the caller looks at the clock again.
     void wait(std::condition_variable& changed, std::unique_lock<std::mutex>& lock, Time) override
     {
         changed.wait_for(lock, std::chrono::milliseconds(1));

@@ -280,8 +280,8 @@ TEST_F(ChangeControl, LeavesEveryLevelAsItIsWhenItIsSetToWhatWasRead)
         const double minimum = channels[channel].minimum;
         const Percent percent((before[channel] - minimum) / (double{channels[channel].maximum} - minimum) * 100.0);
 
-        EXPECT_TRUE(change(LevelChange(percent).onChannel(channel)));
         EXPECT_TRUE(change(LevelChange(Decibels(before[channel])).onChannel(channel)));
+        EXPECT_TRUE(change(LevelChange(percent).onChannel(channel)));
         ++count;
     }
 

@@ -68,13 +68,13 @@ TEST_F(ChangeVolume, LeavesEveryLevelAsItIsWhenItIsSetToWhatWasRead)
         reading::readVolume(reading);
         const Volume before = reading.content.volume.value();
 
-        static_cast<void>(changeVolume(reading, *before.master.percent, context).value());
         static_cast<void>(changeVolume(reading, *before.master.decibels, context).value());
+        static_cast<void>(changeVolume(reading, *before.master.percent, context).value());
         for (unsigned channel = 0; channel < before.channels->size(); ++channel)
         {
             const Level& level = before.channels->at(channel);
-            static_cast<void>(changeVolume(reading, LevelChange(*level.percent).onChannel(channel), context).value());
             static_cast<void>(changeVolume(reading, LevelChange(*level.decibels).onChannel(channel), context).value());
+            static_cast<void>(changeVolume(reading, LevelChange(*level.percent).onChannel(channel), context).value());
             ++count;
         }
 

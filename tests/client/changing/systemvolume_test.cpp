@@ -181,10 +181,10 @@ TEST_P(SystemVolumeOfMachine, KeepsEveryLevelThatIsSetToWhatWasRead)
         for (unsigned channel = 0; channel < endpoint.volume()->channels->size(); ++channel)
         {
             const Level& level = endpoint.volume()->channels->at(channel);
-            if (level.percent)
-                static_cast<void>(system.setVolume(endpoint.id(), LevelChange(*level.percent).onChannel(channel)));
             if (level.decibels)
                 static_cast<void>(system.setVolume(endpoint.id(), LevelChange(*level.decibels).onChannel(channel)));
+            if (level.percent)
+                static_cast<void>(system.setVolume(endpoint.id(), LevelChange(*level.percent).onChannel(channel)));
         }
         EXPECT_EQ(system.endpoint(endpoint.id())->volume()->channels, endpoint.volume()->channels) << endpoint.title();
         ++count;

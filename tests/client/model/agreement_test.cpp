@@ -1,5 +1,6 @@
 #include "libSonavit/audiodeviceendpoint.h"
 #include "libSonavit/endpointdeviceenumerator.h"
+#include "libSonavit/soundcardinterface.h"
 #include "simulator/machine/file/machinefile.h"
 #include "simulator/redirection.h"
 #include "simulator/simulation.h"
@@ -96,7 +97,8 @@ private:
         return "see it with: sonavit graph --machine " + path;
     }
 
-    sim::Redirection m_redirection{reinterpret_cast<const void*>(&support::wantedDifferences)};
+    sim::Redirection m_clients{reinterpret_cast<const void*>(&support::wantedDifferences)};
+    sim::Redirection m_objectModels{reinterpret_cast<const void*>(&enumerateSoundCards)};
     support::LogCapture m_log{qor::LoggerPriority::LOG_FATAL}; // or the failures of such machines fill the output
 };
 

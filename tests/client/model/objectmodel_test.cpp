@@ -56,7 +56,7 @@ protected:
     sonavit::model::ObjectModel model;
 
 private:
-    sim::Redirection m_redirection{reinterpret_cast<const void*>(&enumerateSoundCards)};
+    sim::Redirection m_redirection{reinterpret_cast<const void*>(&enumerateSoundCards)}; // that of the object model
     std::unique_ptr<sim::Simulation> m_simulation;
     support::LogCapture m_log{qor::LoggerPriority::LOG_FATAL};
 };

@@ -13,10 +13,10 @@
 
 namespace
 {
-constexpr std::uint32_t machines = 300;
+constexpr std::uint32_t machinesInAll = 300;
 
 /// How often something occurs in many machines.
-class Counts
+class Occurrences
 {
 public:
     void add(const sim::Machine& machine)
@@ -93,15 +93,15 @@ TEST(RandomMachine, IsTheSameForTheSameSeedAndCanBeReadBackFromItsFile)
 
 TEST(RandomMachine, PassesTheChecksOfMachineFiles)
 {
-    for (std::uint32_t seed = 0; seed < machines; ++seed)
+    for (std::uint32_t seed = 0; seed < machinesInAll; ++seed)
         EXPECT_THAT(sim::checkMachine(support::randomMachine(seed)), testing::IsEmpty()) << "seed " << seed;
 }
 
 TEST(RandomMachine, HasEverythingThatReadersStumbleOver)
 {
-    Counts counts;
-    for (std::uint32_t seed = 0; seed < machines; ++seed)
-        counts.add(support::randomMachine(seed));
+    Occurrences occurrences;
+    for (std::uint32_t seed = 0; seed < machinesInAll; ++seed)
+        occurrences.add(support::randomMachine(seed));
 
     for (const char* const what : {"machine without endpoints",
                                    "more inputs than outputs",
@@ -129,14 +129,14 @@ TEST(RandomMachine, HasEverythingThatReadersStumbleOver)
                                    "node without name",
                                    "node without id",
                                    "shared node"})
-        EXPECT_GE(counts.of(what), 10u) << what;
+        EXPECT_GE(occurrences.of(what), 10u) << what;
 }
 
 TEST(RandomMachineWithOddLevels, HasEmptyRangesAndVolumesWithoutChannels)
 {
     unsigned emptyRanges = 0;
     unsigned withoutChannels = 0;
-    for (std::uint32_t seed = 0; seed < machines; ++seed)
+    for (std::uint32_t seed = 0; seed < machinesInAll; ++seed)
     {
         for (const sim::Endpoint& endpoint : support::withOddLevels(support::randomMachine(seed), seed).endpoints)
         {

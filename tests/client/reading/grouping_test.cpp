@@ -10,7 +10,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 const Guid headset = *Guid::parse("{8C7ED206-3F8A-4827-B3AB-AE9E1FAEFC6C}");
-const Guid computersOwn = *Guid::parse("{00000000-0000-0000-FFFF-FFFFFFFFFFFF}");
+const Guid ownContainer = *Guid::parse("{00000000-0000-0000-FFFF-FFFFFFFFFFFF}");
 
 /// A reading without platform objects.
 reading::EndpointReading endpoint(const std::string& id, Flow flow)
@@ -98,9 +98,9 @@ TEST_F(Grouping, TakesTheAdapterIfTheContainerIsTheComputerOrNull)
     reading::EndpointReading first = endpoint("1", Flow::output);
     reading::EndpointReading second = endpoint("2", Flow::input);
     reading::EndpointReading third = endpoint("3", Flow::input);
-    first.content.container = computersOwn;
+    first.content.container = ownContainer;
     second.content.container = Guid();
-    third.content.container = computersOwn;
+    third.content.container = ownContainer;
     first.adapter = "{2}.Adapter";
     second.adapter = "{2}.ADAPTER";
     third.adapter = "{2}.Other";

@@ -302,10 +302,16 @@ TEST_F(SystemSubscribe, ReadsEverythingAfterMoreAnnouncementsThanCanBeNoted)
     const std::string id = endpoint();
     callsSince();
 
-    simulation().change([&](sim::Machine& machine)
-                        { for (sim::Endpoint& each : machine.endpoints) if (each.id == id) each.volume->channels.assign(each.volume->channels.size(), -5.0F); });
+    simulation().change(
+        [&](sim::Machine& machine)
+        {
+            for (sim::Endpoint& each : machine.endpoints)
+                if (each.id == id)
+                    each.volume->channels.assign(each.volume->channels.size(), -5.0F);
+        });
     for (int count = 0; count < 200; ++count)
-        simulation().events().announceProperty("{0.0.0.00000000}.{" + std::to_string(count) + "}", PKEY_Device_DeviceDesc);
+        simulation().events().announceProperty("{0.0.0.00000000}.{" + std::to_string(count) + "}",
+                                               PKEY_Device_DeviceDesc);
     advance(250ms);
 
     EXPECT_EQ(-5.0, decibels(id));

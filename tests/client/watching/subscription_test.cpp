@@ -52,12 +52,12 @@ TEST_F(SubscriptionCalls, AreMadeOnAThreadOfTheSystem)
 {
     System& audio = start();
     std::promise<std::thread::id> called;
-    const Subscription heard =
-        audio.subscribe([&, isFirst = true](const Change&) mutable
-                        {
-                            if (std::exchange(isFirst, false))
-                                called.set_value(std::this_thread::get_id());
-                        });
+    const Subscription heard = audio.subscribe(
+        [&, isFirst = true](const Change&) mutable
+        {
+            if (std::exchange(isFirst, false))
+                called.set_value(std::this_thread::get_id());
+        });
 
     changeSomething();
 
@@ -182,16 +182,16 @@ TEST_F(SubscriptionCalls, MayUseTheSystem)
 {
     System& audio = start();
     std::promise<bool> answered;
-    const Subscription heard =
-        audio.subscribe([&, isFirst = true](const Change& change) mutable
-                        {
-                            if (!std::exchange(isFirst, false))
-                                return;
-                            const Result<Snapshot> newest = audio.refresh(Depth::everything);
-                            const Subscription another = audio.subscribe([](const Change&) {});
-                            const bool isNewer = newest && newest->generation() >= change.after().generation();
-                            answered.set_value(isNewer && audio.graph().operator bool());
-                        });
+    const Subscription heard = audio.subscribe(
+        [&, isFirst = true](const Change& change) mutable
+        {
+            if (!std::exchange(isFirst, false))
+                return;
+            const Result<Snapshot> newest = audio.refresh(Depth::everything);
+            const Subscription another = audio.subscribe([](const Change&) {});
+            const bool isNewer = newest && newest->generation() >= change.after().generation();
+            answered.set_value(isNewer && audio.graph().operator bool());
+        });
 
     changeSomething();
 
@@ -290,10 +290,7 @@ TEST_F(SubscriptionCalls, CannotBePolledIfTheSystemHasAThread)
 class SystemPoll : public support::WatchTest
 {
 protected:
-    std::string endpoint()
-    {
-        return audio().defaultEndpoint(Flow::output)->id().text();
-    }
+    std::string endpoint() { return audio().defaultEndpoint(Flow::output)->id().text(); }
 };
 
 TEST_F(SystemPoll, WakesTheProgramOnceUntilItPolls)

@@ -1,6 +1,7 @@
 #include "client/worker/worker.h"
 
-#include "tests/client/watching/watchtest.h"
+#include "tests/support/clienttest.h"
+#include "tests/support/manualclock.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,6 +10,7 @@
 #include <chrono>
 #include <future>
 #include <memory>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -150,10 +152,22 @@ TEST_F(WorkerOfSystems, TurnsItsExceptionsIntoProblems)
     EXPECT_TRUE(audio.refresh(Depth::everything));
 }
 
-/// A driver that hangs in one call until the test lets it go.
+/// A driver that hangs in one call until the test lets it go, on a clock that stands still.
 class HangingDriver : public support::ClientTest
 {
 protected:
+    void SetUp() override
+    {
+        ClientTest::SetUp();
+        worker::replaceClock(clock);
+    }
+
+    void TearDown() override
+    {
+        worker::replaceClock(nullptr);
+        ClientTest::TearDown();
+    }
+
     void hangIn(const char* operation)
     {
         simulation().faults().run(operation,
@@ -166,21 +180,31 @@ protected:
                                   });
     }
 
-    System::Options impatient()
+    /// Makes a call that waits, and lets its patience pass.
+    template<class Call>
+    auto outlast(const Call& call)
     {
-        System::Options given = options();
-        given.patience = 20ms;
-        return given;
+        auto answer = std::async(std::launch::async, call);
+        while (answer.wait_for(1ms) != std::future_status::ready)
+            clock->advance(10s);
+        return answer.get();
     }
 
-    void letGo()
+    /// Lets the worker hang in a reading of everything that nobody waits for any more.
+    void hang(System& audio)
     {
-        m_goOn.set_value();
-        // The next worker begins when that one has ended.
-        const System next(options());
-        EXPECT_FALSE(next.snapshot().cards().empty());
+        hangIn("IMMDevice::GetState");
+        std::future<void> hangs = m_hangs.get_future();
+        auto refreshed = std::async(std::launch::async, [&] { return audio.refresh(Depth::everything); });
+        hangs.wait();
+        while (refreshed.wait_for(1ms) != std::future_status::ready)
+            clock->advance(10s);
+        const Result<Snapshot> snapshot = refreshed.get();
+        ASSERT_FALSE(snapshot);
+        EXPECT_EQ(Problem::Kind::noAnswer, snapshot.problem().kind());
     }
 
+    std::shared_ptr<support::ManualClock> clock = std::make_shared<support::ManualClock>();
     std::promise<void> m_hangs;
     std::promise<void> m_goOn;
     std::atomic<bool> m_hasHung{false};
@@ -190,29 +214,28 @@ TEST_F(HangingDriver, DoesNotHoldUpTheFirstSnapshot)
 {
     play("desktop");
     hangIn("IMMDevice::GetState");
-    System audio(impatient());
+    System audio(options());
 
-    const Snapshot snapshot = audio.snapshot();
-    const Result<Snapshot> refreshed = audio.refresh();
+    const Snapshot snapshot = outlast([&] { return audio.snapshot(); });
+    const Result<Snapshot> refreshed = outlast([&] { return audio.refresh(); });
 
     EXPECT_THAT(snapshot.cards(), IsEmpty());
     ASSERT_EQ(1u, snapshot.problems().size());
     EXPECT_EQ(Problem::Kind::noAnswer, snapshot.problems()[0].kind());
     ASSERT_FALSE(refreshed);
     EXPECT_EQ(Problem::Kind::noAnswer, refreshed.problem().kind());
+    EXPECT_THAT(audio.snapshot().cards(), IsEmpty()); // without another wait
     m_goOn.set_value();
-    while (audio.snapshot().cards().empty())
-        std::this_thread::yield();
+    EXPECT_TRUE(audio.refresh());
+    EXPECT_THAT(audio.snapshot().cards(), Not(IsEmpty()));
 }
 
 TEST_F(HangingDriver, DoesNotHoldUpSnapshotsAndSubscriptions)
 {
     play("desktop");
-    System audio(impatient());
+    System audio(options());
     const Snapshot before = audio.snapshot();
-    hangIn("IMMDevice::GetState");
-    static_cast<void>(audio.refresh(Depth::everything));
-    m_hangs.get_future().wait();
+    hang(audio);
 
     Subscription heard = audio.subscribe([](const Change&) {});
 
@@ -225,56 +248,57 @@ TEST_F(HangingDriver, DoesNotHoldUpSnapshotsAndSubscriptions)
 TEST_F(HangingDriver, DoesNotHoldUpTheEndOfTheSystem)
 {
     play("desktop");
-    {
-        System audio(impatient());
-        static_cast<void>(audio.snapshot());
-        hangIn("IMMDevice::GetState");
-        EXPECT_FALSE(audio.refresh(Depth::everything));
-        m_hangs.get_future().wait();
-    }
+    auto audio = std::make_unique<System>(options());
+    static_cast<void>(audio->snapshot());
+    hang(*audio);
+    const std::shared_ptr<worker::Worker> former = worker::Worker::current();
 
+    outlast(
+        [&]
+        {
+            audio.reset();
+            return true;
+        });
+
+    EXPECT_EQ(nullptr, worker::Worker::current());
     EXPECT_FALSE(simulation().census().empty());
-    letGo();
-    while (!simulation().census().empty())
-        std::this_thread::yield();
+    m_goOn.set_value();
+    former->settle(); // it ends by itself
+    EXPECT_TRUE(simulation().census().empty()) << simulation().census();
 }
 
 TEST_F(HangingDriver, GetsNoReadingThatNobodyWaitsForAnyMore)
 {
     play("desktop");
-    System audio(impatient());
+    System audio(options());
     static_cast<void>(audio.snapshot());
-    hangIn("IMMDevice::GetState");
-    EXPECT_FALSE(audio.refresh(Depth::everything));
-    m_hangs.get_future().wait();
-    EXPECT_FALSE(audio.graph());
-    const auto endpoint = audio.snapshot().endpoints()[0].id();
     const auto walks = [this] { return simulation().journal().count("IDeviceTopology::GetConnectorCount"); };
+    hang(audio);
+    EXPECT_FALSE(outlast([&] { return audio.graph(); }));
     const std::size_t before = walks();
 
     m_goOn.set_value();
-    while (!audio.refresh())
-        std::this_thread::yield();
+    ASSERT_TRUE(audio.refresh());
 
     EXPECT_EQ(before, walks());
+    EXPECT_TRUE(audio.graph());
+    EXPECT_LT(before, walks());
 }
 
 TEST_F(HangingDriver, StillGetsAChangeThatNobodyWaitsForAnyMore)
 {
     play("desktop");
-    System audio(impatient());
+    System audio(options());
     const EndpointId id = audio.defaultEndpoint(Flow::output)->id();
-    hangIn("IMMDevice::GetState");
-    EXPECT_FALSE(audio.refresh(Depth::everything));
-    m_hangs.get_future().wait();
-    const Result<Volume> changed = audio.setVolume(id, Decibels(-33));
+    hang(audio);
+    const Result<Volume> changed = outlast([&] { return audio.setVolume(id, Decibels(-33)); });
     ASSERT_FALSE(changed);
     EXPECT_EQ(Problem::Kind::noAnswer, changed.problem().kind());
 
     m_goOn.set_value();
+    ASSERT_TRUE(audio.refresh());
 
-    while (audio.endpoint(id)->volume()->master.decibels != Decibels(-33))
-        std::this_thread::yield();
+    EXPECT_EQ(Decibels(-33), audio.endpoint(id)->volume()->master.decibels);
 }
 
 TEST_F(HangingDriver, IsNotWaitedForWithoutPatience)
@@ -282,12 +306,15 @@ TEST_F(HangingDriver, IsNotWaitedForWithoutPatience)
     play("desktop");
     System::Options given = options();
     given.patience = 0ms;
+    std::shared_ptr<worker::Worker> former;
     {
         System audio(given);
         EXPECT_THAT(audio.snapshot().cards(), IsEmpty());
         while (audio.snapshot().cards().empty())
             std::this_thread::yield();
+        former = worker::Worker::current();
     }
-    letGo();
+    former->settle(); // it ends by itself
+    EXPECT_TRUE(simulation().census().empty()) << simulation().census();
 }
 }
