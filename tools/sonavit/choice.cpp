@@ -126,6 +126,13 @@ void raiseNotThere(const Snapshot& snapshot, const std::string& sentence)
     throw NotThere(sentence + "; sonavit list shows what there is");
 }
 
+void raiseOfHardware(const Problem& problem, const std::vector<Problem>& unread)
+{
+    if (problem.kind() == Problem::Kind::notThere && !unread.empty())
+        throw OperationFailure(problem.sentence() + " in the hardware that can be read: " + unread.front().sentence());
+    raise(problem);
+}
+
 CardEndpoint endpointNamed(const Snapshot& snapshot, const std::string& name)
 {
     if (equalNoCase(name, defaultOutputName))

@@ -16,6 +16,10 @@ inline constexpr const char* defaultInputName = "@DEFAULT_INPUT@";
 /// OperationFailure if it may be one that the platform fails to list.
 [[noreturn]] void raiseNotThere(const Snapshot& snapshot, const std::string& sentence);
 
+/// Throws what @p problem with a control or a selector means for the user. If it is not there, it may be one that could
+/// not be read: that is an OperationFailure. @param unread what could not be read of the hardware
+[[noreturn]] void raiseOfHardware(const Problem& problem, const std::vector<Problem>& unread);
+
 /// The endpoint that @p name names: by its whole id, by its whole name or description, by a part of one of them, or as
 /// a default. Upper and lower case are alike. Throws NotThere if there is none, UsageError, which lists the candidates,
 /// if there are several, and OperationFailure if the platform fails to report the names or the default.

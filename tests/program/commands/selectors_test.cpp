@@ -172,3 +172,29 @@ TEST_F(ProgramSelect, SaysWhichCallTheSystemRefuses)
     EXPECT_THAT(answer.err, HasSubstr("IAudioInputSelector::SetSelection"));
     EXPECT_THAT(answer.err, HasSubstr("0x80070005, access denied"));
 }
+
+TEST_F(ProgramSelect, TakesNoSelectorThatCannotBeReadForAMissingOne)
+{
+    run(builder.build());
+    simulation().faults().fail("IDeviceTopology::GetConnector", E_FAIL);
+
+    const support::Answer answer = call({"select", "Source", "Microphone"});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_THAT(answer.err, HasSubstr("in the hardware that can be read: IDeviceTopology::GetConnector"));
+}
+
+TEST_F(ProgramSelectors, SayWhatCouldNotBeReadOnTheWay)
+{
+    run(builder.build());
+    simulation().faults().fail("IDeviceTopology::GetConnector", E_FAIL);
+
+    const support::Answer text = call({"selectors"});
+    const json problems = json::parse(call({"selectors", "--json"}).out)["problems"];
+
+    EXPECT_EQ(0, text.code);
+    EXPECT_THAT(text.lines().front(), testing::Eq("There is no input selector."));
+    EXPECT_THAT(text.lines().back(), testing::EndsWith(" could not be read; --json says why"));
+    ASSERT_FALSE(problems.empty());
+    EXPECT_EQ("0x80004005", problems[0]["code"]);
+}

@@ -193,12 +193,12 @@ void runSetControl(Context& context)
     const Snapshot snapshot = readSnapshot(context);
     const CardEndpoint place = requestedEndpoint(context, snapshot);
     const Endpoint& endpoint = place.endpoint;
-    const std::vector<Control> known = readControls(context, place).things;
+    const Found<Control> known = readControls(context, place);
     const Result<Control> after = change(context, endpoint);
     if (!after)
-        raise(after.problem());
+        raiseOfHardware(after.problem(), known.problems);
     announceTemporaryChange(context);
-    const std::optional<Control> former = before(known, *after);
+    const std::optional<Control> former = before(known.things, *after);
     if (context.arguments.isJson)
     {
         context.environment.out << machineDocument(context.session.machineName())

@@ -125,16 +125,16 @@ void runSelect(Context& context)
     const Snapshot snapshot = readSnapshot(context);
     const std::vector<Card> cards = requestedCards(context, snapshot);
     reportDenied(context, cards);
-    const std::vector<CardSelector> known = readSelectors(context, cards).things;
+    const Found<CardSelector> known = readSelectors(context, cards);
     const Arguments& arguments = context.arguments;
     System& audio = context.session.audio();
     const Result<Selector> after = arguments.card.empty()
                                        ? audio.select(arguments.selector, arguments.input)
                                        : audio.select(cards.front().id(), arguments.selector, arguments.input);
     if (!after)
-        raise(after.problem());
+        raiseOfHardware(after.problem(), known.problems);
     announceTemporaryChange(context);
-    const std::optional<CardSelector> former = before(known, *after);
+    const std::optional<CardSelector> former = before(known.things, *after);
     const Card card = former ? former->card : Card();
     if (arguments.isJson)
     {
