@@ -1,7 +1,6 @@
 #include "plainclient.h"
 #include "plainlisteners.h"
 #include "plaintext.h"
-
 #include "platform/propertykeys.h"
 
 #include <cstring>

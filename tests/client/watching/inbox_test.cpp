@@ -1,4 +1,5 @@
 #include "client/watching/inbox.h"
+
 #include "tests/support/manualclock.h"
 
 #include <gmock/gmock.h>
