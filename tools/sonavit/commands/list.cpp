@@ -275,7 +275,7 @@ std::string shortLine(const Card& card, const Endpoint& endpoint)
 {
     const std::optional<Volume>& volume = endpoint.volume();
     const Level level = volume ? volume->master : Level();
-    const std::string muted = volume && volume->isMuted ? (*volume->isMuted ? "muted" : "on") : "";
+    const std::string muted = volume && volume->isMuted ? (*volume->isMuted ? "muted" : "unmuted") : "";
     std::string roles;
     for (const Role role : endpoint.roles().list())
         roles += (roles.empty() ? "" : ",") + std::string(keyOf(role));
