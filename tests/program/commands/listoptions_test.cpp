@@ -84,7 +84,7 @@ TEST_F(ProgramListOptions, PrintLinesThatScriptsCanCut)
     EXPECT_EQ(0, answer.code);
     EXPECT_THAT(answer.lines(),
                 ElementsAre(machine.endpoints[0].id +
-                                "\toutput\tactive\tconsole,multimedia,communications\t72\t-18.00\ton\tspeaker\tBoard\t"
+                                "\toutput\tactive\tconsole,multimedia,communications\t72\t-18.00\tunmuted\tspeaker\tBoard\t"
                                 "Speakers (Board)",
                             testing::StartsWith(machine.endpoints[1].id + "\toutput\tunplugged\t\t"),
                             testing::EndsWith("\tmuted\tmicrophone\tBoard\tMicrophone (Board)")));
