@@ -106,15 +106,29 @@ Hub::Delivered Hub::deliverNext(std::unique_lock<std::mutex>& lock)
     std::optional<Problem> problem;
     const bool isCalled = call(*subscriber, before, waiting, problem);
     lock.lock();
-    subscriber->isRunning = false;
     if (problem)
     {
         subscriber->isActive = false;
         subscriber->problem = problem;
         subscriber->waiting.reset();
     }
+    if (!subscriber->isActive)
+        letGo(*subscriber, lock);
+    subscriber->isRunning = false;
     m_changed.notify_all();
     return isCalled ? Delivered::call : Delivered::noCall;
+}
+
+/// Destroys the function of a subscription that ended during its call. What the function owns may use the System, so
+/// the mutex is not held meanwhile; and nobody is told before that the call is over, as its code may go away then.
+void Hub::letGo(Subscriber& subscriber, std::unique_lock<std::mutex>& lock)
+{
+    lock.unlock();
+    {
+        const CallScope scope;
+        subscriber.call = nullptr;
+    }
+    lock.lock();
 }
 
 /// Calls the subscriber, if anything has changed for it. @return whether it was called

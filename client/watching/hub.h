@@ -83,6 +83,7 @@ private:
     };
 
     Delivered deliverNext(std::unique_lock<std::mutex>& lock);
+    static void letGo(Subscriber& subscriber, std::unique_lock<std::mutex>& lock);
     bool call(const Subscriber& subscriber, const Snapshot& before, const Subscriber::Waiting& waiting,
               std::optional<Problem>& problem) const;
     std::optional<Problem> judge(const std::exception_ptr& failure) const;

@@ -135,7 +135,7 @@ void useInTurn()
                 User user;
                 if (user.keepSystem(patience) != 3)
                     printLine("not read");
-                user.call("listen");
+                user.call("startListening");
                 user.call("stopListening");
                 user.call("endSystem");
                 user.free();
@@ -201,7 +201,7 @@ int main(int count, char** words)
     {
         if (user.keepSystem(machine == "hanging" ? shortPatience : patience) != 3)
             return 4;
-        user.call("listen");
+        user.call("startListening");
         printLine("used");
         endBy(machine, end, platform, user);
     }

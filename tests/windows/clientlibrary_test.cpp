@@ -186,3 +186,32 @@ TEST(ClientLibraryWorker, IsInTheMultithreadedApartmentWhateverItsCallersAreIn)
     EXPECT_EQ(APTTYPE_MTA, type);
     CoUninitialize();
 }
+
+// In a suite of its own, which counts the handles of the whole process.
+TEST(ClientLibraryGrowth, IsNothingInHandlesAfterManySystemsInTurn)
+{
+    ASSERT_TRUE(SUCCEEDED(CoInitialize(nullptr)));
+    const sim::Redirection redirection(GetModuleHandleW(L"libSonavitClient.dll"));
+    sim::Simulation simulation(sim::findMachine("desktop"));
+    const auto useAndCount = [&]
+    {
+        {
+            sonavit::System audio;
+            const sonavit::Subscription heard = audio.subscribe([](const sonavit::Change&) {});
+            EXPECT_FALSE(audio.snapshot().cards().empty());
+        }
+        DWORD handles = 0;
+        EXPECT_TRUE(GetProcessHandleCount(GetCurrentProcess(), &handles));
+        return handles;
+    };
+    for (int warmingUp = 0; warmingUp < 5; ++warmingUp)
+        useAndCount();
+    const DWORD before = useAndCount();
+
+    DWORD after = 0;
+    for (int count = 0; count < 100; ++count)
+        after = useAndCount();
+
+    EXPECT_LE(after, before + 5) << "a hundred Systems have begun and ended";
+    CoUninitialize();
+}
