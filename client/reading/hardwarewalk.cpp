@@ -58,9 +58,11 @@ Hardware HardwareWalk::hardware(const CardId& card) const
     return HardwareValues(m_state->map).hardware(card, m_state->endpointsOf(card));
 }
 
-bool HardwareWalk::hasProblems() const noexcept
+bool HardwareWalk::hasFailures() const noexcept
 {
-    const auto isFlawed = [](const auto& each) { return !each.problems.empty(); };
+    const auto isOfPlatform = [](const Problem& problem) { return problem.kind() == Problem::Kind::platform; };
+    const auto isFlawed = [&](const auto& each)
+    { return std::any_of(each.problems.begin(), each.problems.end(), isOfPlatform); };
     const HardwareMap& map = m_state->map;
     return std::any_of(map.devices.begin(), map.devices.end(), isFlawed) ||
            std::any_of(map.parts.begin(), map.parts.end(), isFlawed);

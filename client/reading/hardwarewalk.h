@@ -38,8 +38,8 @@ public:
     std::vector<Control> controls(const EndpointId& endpoint) const;
     std::vector<Selector> selectors(const CardId& card) const;
     Hardware hardware(const CardId& card) const;
-    /// Whether something could not be read so far, but for levels, mutes and selections.
-    bool hasProblems() const noexcept;
+    /// Whether a platform call has failed so far, but for those that read levels, mutes and selections.
+    bool hasFailures() const noexcept;
 
     /// The platform's objects of a control or a selector of the walk; nil if there is none.
     COMPtr<IAudioVolumeLevel>::pointer level(const ControlId& control) const;

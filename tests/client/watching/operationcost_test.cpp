@@ -1,5 +1,6 @@
 #include "tests/client/watching/watchtest.h"
 
+#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <optional>
@@ -41,6 +42,7 @@ protected:
     {
         for (const Row& row : rows)
         {
+            advance(std::chrono::seconds(2)); // so that no walk through the hardware is used again
             static_cast<void>(audio().refresh());
             callsSince();
 
