@@ -72,7 +72,7 @@ protected:
     {
         return {{"restoreWhatIsThere", 959, 2109, [this] { return audio().restore(saved)->isComplete(); }},
                 {"setVolumePercent", 22, 22, [this] { return bool(audio().setVolume(output, Percent(40))); }},
-                {"setVolumeDecibels", 22, 22, [this] { return bool(audio().setVolume(output, Decibels(-20))); }},
+                {"setVolumeDecibels", 23, 23, [this] { return bool(audio().setVolume(output, Decibels(-20))); }},
                 {"setVolumeStep", 22, 22, [this] { return bool(audio().setVolume(output, LevelChange::up())); }},
                 {"setMute", 22, 22, [this] { return bool(audio().setMute(output, true)); }},
                 {"toggleMute", 22, 22, [this] { return bool(audio().toggleMute(output)); }},
@@ -84,7 +84,7 @@ protected:
                      Result<FormatHold> hold = audio().holdFormat(output, Format::integer(16, 44100, 2));
                      return hold && hold->end();
                  }},
-                {"restoreWhatChanged", 1013, 2203, [this] { return audio().restore(saved)->isComplete(); }}};
+                {"restoreWhatChanged", 1014, 2213, [this] { return audio().restore(saved)->isComplete(); }}};
     }
 
     EndpointId output;
