@@ -344,7 +344,9 @@ TEST_F(SystemPoll, ReturnsAfterItsTimeoutIfNothingWaits)
     const Subscription heard = audio().subscribe([](const Change&) {});
     std::future<std::size_t> calls = std::async(std::launch::async, [&] { return audio().poll(100ms); });
 
-    clock->advance(100ms);
+    // It may not have looked at the clock yet.
+    while (calls.wait_for(1ms) != std::future_status::ready)
+        clock->advance(100ms);
 
     EXPECT_EQ(0u, calls.get());
 }
