@@ -57,12 +57,17 @@ public:
             std::thread([this] { makeEvents(); }).detach();
     }
 
-    /// Until answer() no question after this one is answered.
+    /// Makes the layer's worker ask a question that is not answered before answer(), and waits for that question.
     void hang()
     {
-        m_simulation.faults().run("IMMDevice::GetState", [this] { WaitForSingleObject(m_answers, INFINITE); });
+        const auto answerLate = [this]
+        {
+            SetEvent(m_isAsked);
+            WaitForSingleObject(m_answers, INFINITE);
+        };
+        m_simulation.faults().run("IMMDevice::GetState", answerLate);
         m_simulation.events().setState(m_simulation.machine().endpoints.front().id, sim::stateUnplugged);
-        m_simulation.events().waitForClients();
+        WaitForSingleObject(m_isAsked, INFINITE);
     }
 
     void answer() { SetEvent(m_answers); }
@@ -79,6 +84,7 @@ private:
     }
 
     sim::Simulation& m_simulation;
+    HANDLE m_isAsked = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     HANDLE m_answers = CreateEventW(nullptr, TRUE, FALSE, nullptr);
 };
 
