@@ -82,12 +82,13 @@ TEST_F(ProgramListOptions, PrintLinesThatScriptsCanCut)
     const support::Answer answer = call({"list", "--short", "--card", "Board"});
 
     EXPECT_EQ(0, answer.code);
-    EXPECT_THAT(answer.lines(),
-                ElementsAre(machine.endpoints[0].id +
-                                "\toutput\tactive\tconsole,multimedia,communications\t72\t-18.00\tunmuted\tspeaker\tBoard\t"
-                                "Speakers (Board)",
-                            testing::StartsWith(machine.endpoints[1].id + "\toutput\tunplugged\t\t"),
-                            testing::EndsWith("\tmuted\tmicrophone\tBoard\tMicrophone (Board)")));
+    EXPECT_THAT(
+        answer.lines(),
+        ElementsAre(machine.endpoints[0].id +
+                        "\toutput\tactive\tconsole,multimedia,communications\t72\t-18.00\tunmuted\tspeaker\tBoard\t"
+                        "Speakers (Board)",
+                    testing::StartsWith(machine.endpoints[1].id + "\toutput\tunplugged\t\t"),
+                    testing::EndsWith("\tmuted\tmicrophone\tBoard\tMicrophone (Board)")));
 }
 
 TEST_F(ProgramListOptions, PrintNothingForWhatIsNotKnown)
