@@ -84,7 +84,7 @@ protected:
                      Result<FormatHold> hold = audio().holdFormat(output, Format::integer(16, 44100, 2));
                      return hold && hold->end();
                  }},
-                {"restoreWhatChanged", 1014, 2213, [this] { return audio().restore(saved)->isComplete(); }}};
+                {"restoreWhatChanged", 1023, 2213, [this] { return audio().restore(saved)->isComplete(); }}};
     }
 
     EndpointId output;
