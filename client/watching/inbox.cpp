@@ -28,6 +28,13 @@ std::size_t lengthOf(LPCWSTR id, std::size_t limit) noexcept
 }
 }
 
+Noted allNoted()
+{
+    Noted noted;
+    noted.isEverything = true;
+    return noted;
+}
+
 Inbox::Inbox(std::shared_ptr<worker::Alarm> alarm, std::shared_ptr<Clock> clock)
     : m_alarm(std::move(alarm)),
       m_clock(std::move(clock))
@@ -110,7 +117,8 @@ Inbox::Slot* Inbox::slotOf(LPCWSTR id, std::uint32_t watch) noexcept
     const auto found = std::find_if(m_slots.begin(), m_slots.end(), isMeant);
     if (found != m_slots.end())
         return &*found;
-    if (length == longestId || m_slots.size() == capacity)
+    const bool isNothing = length == 0 && watch == 0;
+    if (isNothing || length == longestId || m_slots.size() == capacity)
     {
         m_isEverything = true;
         return nullptr;
