@@ -1,5 +1,6 @@
 # Installing: the libraries, their public headers under include/sonavit, the machines, and a CMake package
-# (find_package(Sonavit): Sonavit::Platform, Sonavit::Common, Sonavit::Sonavit, Sonavit::Machine, Sonavit::Simulator).
+# (find_package(Sonavit): Sonavit::Platform, Sonavit::Common, Sonavit::Sonavit, Sonavit::Client, Sonavit::Machine,
+# Sonavit::Simulator).
 include(CMakePackageConfigHelpers)
 
 set(SONAVIT_INCLUDE_FOLDER "${CMAKE_INSTALL_INCLUDEDIR}/sonavit")

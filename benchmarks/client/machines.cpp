@@ -32,6 +32,6 @@ sim::Machine machineNamed(const std::string& name)
     const std::size_t count = std::stoul(name.substr(colon + 1));
     if (kind == "adapters")
         return machineOf(count, 1);
-    return machineOf(count, kind == "connectors" ? count : 8);
+    return machineOf(count, kind == "connectors" ? count : 10);
 }
 }

@@ -10,7 +10,7 @@ namespace bench
 {
 /// A shipped machine by its name, or a built one:
 ///
-///     endpoints:400     active outputs, eight on each adapter
+///     endpoints:400     active outputs, ten on each adapter
 ///     adapters:400      one active output on each
 ///     connectors:400    active outputs on one adapter
 ///

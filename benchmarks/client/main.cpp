@@ -5,9 +5,8 @@
 ///     sonavit-clientcost compare                    the client without the layer does the same
 ///     sonavit-clientcost STEP MACHINE [COUNT]       one step, for an instrument; see steps.h
 #include "calls.h"
-#include "steps.h"
-
 #include "platform/coreaudio.h"
+#include "steps.h"
 
 #include <cstdio>
 #include <exception>

@@ -1,9 +1,8 @@
 #include "plainclient.h"
 
+#include "OSWindows/configmanager.h"
 #include "plainlisteners.h"
 #include "plaintext.h"
-
-#include "OSWindows/configmanager.h"
 #include "qor/string.h"
 
 #include <algorithm>

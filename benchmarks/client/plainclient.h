@@ -1,6 +1,7 @@
 /// @file
-/// A client of Core Audio without the client layer: what a competent program writes by hand to get the same values, with
-/// containers of the standard library, the same platform calls in the same order and the same registrations for events.
+/// A client of Core Audio without the client layer: what a competent program writes by hand to get the same values,
+/// with containers of the standard library, the same platform calls in the same order and the same registrations for
+/// events.
 #pragma once
 
 #include "platform/coreaudio.h"
@@ -168,8 +169,8 @@ private:
 
     Com<IMMDeviceEnumerator> m_enumerator;
     Com<DeviceListener> m_listener;
-    std::vector<Endpoint> m_endpoints; ///< until they are grouped
-    std::vector<Source> m_sources;     ///< in the order in which the endpoints were listed
+    std::vector<Endpoint> m_endpoints;           ///< until they are grouped
+    std::vector<Source> m_sources;               ///< in the order in which the endpoints were listed
     std::map<std::string, std::size_t> m_places; ///< by id in lower case
     std::map<std::string, std::optional<std::string>> m_parents;
     std::array<std::array<std::string, 3>, 2> m_defaults;

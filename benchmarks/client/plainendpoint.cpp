@@ -1,7 +1,6 @@
 #include "plainclient.h"
 #include "plainlisteners.h"
 #include "plaintext.h"
-
 #include "platform/propertykeys.h"
 
 #include <cstring>
@@ -170,7 +169,8 @@ void readJacks(Endpoint& endpoint, IMMDevice& device)
     HRESULT result = device.Activate(IID_IDeviceTopology, CLSCTX_ALL, nullptr, topology.putVoid());
     if (FAILED(result))
     {
-        if (result != E_NOINTERFACE && (endpoint.state != DEVICE_STATE_UNPLUGGED || result != AUDCLNT_E_DEVICE_INVALIDATED))
+        if (result != E_NOINTERFACE &&
+            (endpoint.state != DEVICE_STATE_UNPLUGGED || result != AUDCLNT_E_DEVICE_INVALIDATED))
             endpoint.problems.push_back({"IMMDevice::Activate", endpoint.id, result});
         return;
     }
@@ -182,12 +182,14 @@ void readJacks(Endpoint& endpoint, IMMDevice& device)
             endpoint.problems.push_back({"IDeviceTopology::GetConnector", endpoint.id, result});
         return;
     }
-    TaskString adapter;
-    result = connector->GetDeviceIdConnectedTo(adapter.put());
-    if (SUCCEEDED(result))
-        endpoint.adapter = utf8(adapter.get());
-    else if (result != E_NOTFOUND)
-        endpoint.problems.push_back({"IConnector::GetDeviceIdConnectedTo", endpoint.id, result});
+    {
+        TaskString adapter;
+        result = connector->GetDeviceIdConnectedTo(adapter.put());
+        if (SUCCEEDED(result))
+            endpoint.adapter = utf8(adapter.get());
+        else if (result != E_NOTFOUND)
+            endpoint.problems.push_back({"IConnector::GetDeviceIdConnectedTo", endpoint.id, result});
+    }
     Com<IConnector> jack;
     result = connector->GetConnectedTo(jack.put());
     if (FAILED(result))

@@ -1,7 +1,6 @@
+#include "OSWindows/configmanager.h"
 #include "plainclient.h"
 #include "plaintext.h"
-
-#include "OSWindows/configmanager.h"
 #include "qor/string.h"
 
 #include <algorithm>
@@ -60,9 +59,9 @@ void describe(Card& card)
     if (card.title.empty())
         card.title = "Unnamed card";
     const std::optional<GUID>& container = card.endpoints.front().container;
-    const bool isShared =
-        container && std::all_of(card.endpoints.begin(), card.endpoints.end(), [&](const Endpoint& endpoint)
-                                 { return endpoint.container && *endpoint.container == *container; });
+    const bool isShared = container && std::all_of(card.endpoints.begin(), card.endpoints.end(),
+                                                   [&](const Endpoint& endpoint)
+                                                   { return endpoint.container && *endpoint.container == *container; });
     if (isShared)
         card.container = container;
 }

@@ -88,11 +88,11 @@ private:
 /// Registers first, so that no change falls between the two.
 void Client::readVolume(Endpoint& endpoint, Source& source)
 {
-    HRESULT result =
-        source.device->Activate(IID_IAudioEndpointVolume, CLSCTX_ALL, nullptr, source.volume.putVoid());
+    HRESULT result = source.device->Activate(IID_IAudioEndpointVolume, CLSCTX_ALL, nullptr, source.volume.putVoid());
     if (FAILED(result))
     {
-        if (result != E_NOINTERFACE && (endpoint.state != DEVICE_STATE_UNPLUGGED || result != AUDCLNT_E_DEVICE_INVALIDATED))
+        if (result != E_NOINTERFACE &&
+            (endpoint.state != DEVICE_STATE_UNPLUGGED || result != AUDCLNT_E_DEVICE_INVALIDATED))
             endpoint.problems.push_back({"IMMDevice::Activate", endpoint.id, result});
         return;
     }

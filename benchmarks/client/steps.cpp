@@ -104,13 +104,12 @@ std::vector<WCHAR> idOf(std::size_t number)
 void notification(bool isOfVolume, std::size_t noted)
 {
     const auto alarm = std::make_shared<sonavit::worker::Alarm>();
-    const auto inbox =
-        std::make_shared<sonavit::watching::Inbox>(alarm, std::make_shared<StandingClock>());
+    const auto inbox = std::make_shared<sonavit::watching::Inbox>(alarm, std::make_shared<StandingClock>());
     for (std::size_t number = 1; number <= noted; ++number)
         inbox->noteEndpoint(idOf(number).data(), sonavit::watching::announcedProperty);
     const std::vector<WCHAR> id = idOf(0);
-    auto* const ofVolume = new sonavit::watching::VolumeListener(
-        inbox, sonavit::EndpointId(std::string(id.begin(), id.end() - 1)));
+    auto* const ofVolume =
+        new sonavit::watching::VolumeListener(inbox, sonavit::EndpointId(std::string(id.begin(), id.end() - 1)));
     auto* const ofDevices = new sonavit::watching::DeviceListener(inbox);
     {
         Sleeper sleeper(*alarm);

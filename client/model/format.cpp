@@ -30,7 +30,8 @@ std::optional<Format> formatOf(const WAVEFORMATEXTENSIBLE& format)
     result.encoding = encodingOf(format);
     if (format.Format.wFormatTag == WAVE_FORMAT_EXTENSIBLE)
     {
-        result.validBits = format.Samples.wValidBitsPerSample;
+        if (format.Samples.wValidBitsPerSample != 0) // 0 stands for all of them
+            result.validBits = format.Samples.wValidBitsPerSample;
         result.speakers = static_cast<std::uint32_t>(format.dwChannelMask);
         result.subFormat = guidOf(format.SubFormat);
     }

@@ -37,7 +37,8 @@ Format shortForm(const WAVEFORMATEX& wave)
 Format longForm(const WAVEFORMATEXTENSIBLE& wave)
 {
     Format format = shortForm(wave.Format);
-    format.validBits = wave.Samples.wValidBitsPerSample;
+    if (wave.Samples.wValidBitsPerSample != 0) // 0 stands for all of them
+        format.validBits = wave.Samples.wValidBitsPerSample;
     format.encoding = encodingOf(tagOf(wave.SubFormat));
     format.speakers = static_cast<std::uint32_t>(wave.dwChannelMask);
     format.subFormat = guidOf(wave.SubFormat);

@@ -105,8 +105,8 @@ public:
     IAudioMute* mute(std::size_t part);
     IAudioInputSelector* selector(std::size_t part);
 
-    /// Whether a signal path leads from one of two connectors of a device to the other. The platform is asked once.
-    /// @param first, second positions in HardwareDevice::connectors
+    /// Whether a signal path leads from one of two connectors of a device, given by their positions in
+    /// HardwareDevice::connectors, to the other. The platform is asked once.
     bool areLinked(std::size_t device, std::size_t first, std::size_t second);
 
 private:

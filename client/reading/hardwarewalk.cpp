@@ -58,9 +58,9 @@ Hardware HardwareWalk::hardware(const CardId& card) const
     return HardwareValues(m_state->map).hardware(card, m_state->endpointsOf(card));
 }
 
-bool HardwareWalk::hasProblems() const noexcept
+bool HardwareWalk::hasFailures() const noexcept
 {
-    return hasProblems([](const Problem&) noexcept { return true; });
+    return hasProblems([](const Problem& problem) noexcept { return problem.kind() == Problem::Kind::platform; });
 }
 
 bool HardwareWalk::hasProblems(bool (*isMeant)(const Problem& problem) noexcept) const noexcept

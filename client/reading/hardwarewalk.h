@@ -38,9 +38,9 @@ public:
     std::vector<Control> controls(const EndpointId& endpoint) const;
     std::vector<Selector> selectors(const CardId& card) const;
     Hardware hardware(const CardId& card) const;
-    /// Whether something could not be read so far, but for levels, mutes and selections.
-    bool hasProblems() const noexcept;
-    /// Whether one of them @p isMeant.
+    /// Whether a platform call has failed so far, but for those that read levels, mutes and selections.
+    bool hasFailures() const noexcept;
+    /// Whether one of the problems so far, but for those of levels, mutes and selections, is what @p isMeant looks for.
     bool hasProblems(bool (*isMeant)(const Problem& problem) noexcept) const noexcept;
 
     /// The platform's objects of a control or a selector of the walk; nil if there is none.

@@ -103,7 +103,7 @@ const char* keyOf(Format::Encoding encoding) noexcept
     switch (encoding)
     {
     case Format::Encoding::integer:
-        return "integer";
+        return "pcm";
     case Format::Encoding::floatingPoint:
         return "float";
     case Format::Encoding::other:

@@ -49,7 +49,7 @@ inline bool operator!=(const Format& left, const Format& right) noexcept
 }
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Format& format);
 
-/// "integer", "float" or "other", as in JSON.
+/// "pcm", "float" or "other", as in JSON.
 SONAVIT_CLIENT_API const char* keyOf(Format::Encoding encoding) noexcept;
 /// "front left" and so on, one for each bit of a speaker mask that has a name.
 SONAVIT_CLIENT_API std::vector<std::string> speakerNames(std::uint32_t mask);

@@ -76,7 +76,8 @@ using ControlId = Id<struct ControlKind>;
 /// An input selector: its global id in the hardware graph.
 using SelectorId = Id<struct SelectorKind>;
 
-/// A GUID, with the members and the layout of the platform's: std::memcpy converts one into the other.
+/// A GUID, with the members and the layout of the platform's: std::memcpy(static_cast<void*>(&guid), &platformGuid, 16)
+/// converts one into the other.
 struct Guid
 {
     std::uint32_t data1 = 0;

@@ -131,7 +131,6 @@ Hub::Delivered Hub::deliverNext(std::unique_lock<std::mutex>& lock)
     std::optional<Problem> problem;
     const Delivered delivered = call(*subscriber, before, waiting, problem);
     lock.lock();
-    subscriber->isRunning = false;
     if (delivered == Delivered::failed)
         putBack(*subscriber, std::move(waiting));
     else
@@ -142,6 +141,9 @@ Hub::Delivered Hub::deliverNext(std::unique_lock<std::mutex>& lock)
         subscriber->problem = std::move(problem);
         subscriber->waiting.reset();
     }
+    if (!subscriber->isActive)
+        letGo(*subscriber, lock);
+    subscriber->isRunning = false;
     m_changed.notify_all();
     return delivered;
 }
@@ -158,6 +160,18 @@ void Hub::putBack(Subscriber& subscriber, Subscriber::Waiting waiting) noexcept
     }
     subscriber.waiting->events = nullptr; // who caused what is not known any more
     subscriber.waiting->causes = Causes();
+}
+
+/// Destroys the function of a subscription that ended during its call. What the function owns may use the System, so
+/// the mutex is not held meanwhile; and nobody is told before that the call is over, as its code may go away then.
+void Hub::letGo(Subscriber& subscriber, std::unique_lock<std::mutex>& lock)
+{
+    lock.unlock();
+    {
+        const CallScope scope;
+        subscriber.call = nullptr;
+    }
+    lock.lock();
 }
 
 /// Calls the subscriber, if anything has changed for it. @param problem why its subscription ends

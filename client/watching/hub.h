@@ -86,6 +86,7 @@ private:
     };
 
     Delivered deliverNext(std::unique_lock<std::mutex>& lock);
+    static void letGo(Subscriber& subscriber, std::unique_lock<std::mutex>& lock);
     Delivered call(const Subscriber& subscriber, const Snapshot& before, const Subscriber::Waiting& waiting,
                    std::optional<Problem>& problem) const noexcept;
     bool isHandled(const std::exception_ptr& failure, std::optional<Problem>& problem) const noexcept;

@@ -26,6 +26,15 @@ std::size_t lengthOf(LPCWSTR id, std::size_t limit) noexcept
         ++length;
     return length;
 }
+
+/// Of a watch, or of an id of @p length units.
+std::uint32_t hashOf(std::uint32_t watch, LPCWSTR id, std::size_t length) noexcept
+{
+    std::uint32_t hash = watch;
+    for (std::size_t index = 0; index < length; ++index)
+        hash = hash * 31 + id[index];
+    return hash ^ hash >> 15;
+}
 }
 
 Noted allNoted()
@@ -40,6 +49,7 @@ Inbox::Inbox(std::shared_ptr<worker::Alarm> alarm, std::shared_ptr<Clock> clock)
       m_clock(std::move(clock))
 {
     m_slots.reserve(capacity);
+    m_buckets.fill(noSlot);
 }
 
 void Inbox::noteEndpoint(LPCWSTR id, unsigned announced) noexcept
@@ -108,26 +118,41 @@ void Inbox::noteEverything() noexcept
 Inbox::Slot* Inbox::slotOf(LPCWSTR id, std::uint32_t watch) noexcept
 {
     const std::size_t length = id == nullptr ? 0 : lengthOf(id, longestId);
-    const auto isMeant = [&](const Slot& slot)
+    const std::uint32_t hash = hashOf(watch, id, length);
+    std::size_t bucket = hash % buckets;
+    for (; m_buckets[bucket] != noSlot; bucket = (bucket + 1) % buckets)
     {
-        return slot.length == length && slot.watch == watch &&
-               std::equal(slot.id.rbegin() + static_cast<std::ptrdiff_t>(longestId - length), slot.id.rend(),
-                          std::make_reverse_iterator(id + length));
-    };
-    const auto found = std::find_if(m_slots.begin(), m_slots.end(), isMeant);
-    if (found != m_slots.end())
-        return &*found;
+        Slot& slot = m_slots[m_buckets[bucket]];
+        if (slot.hash == hash && slot.length == length && slot.watch == watch &&
+            std::equal(slot.id.begin(), slot.id.begin() + static_cast<std::ptrdiff_t>(length), id))
+            return &slot;
+    }
     const bool isNothing = length == 0 && watch == 0;
     if (isNothing || length == longestId || m_slots.size() == capacity)
     {
         m_isEverything = true;
         return nullptr;
     }
+    m_buckets[bucket] = static_cast<std::uint8_t>(m_slots.size());
     Slot& slot = m_slots.emplace_back(); // within the reserved space
     std::copy_n(id, length, slot.id.begin());
     slot.length = length;
+    slot.hash = hash;
     slot.watch = watch;
     return &slot;
+}
+
+/// After slots have gone. The lock is held.
+void Inbox::findBuckets() noexcept
+{
+    m_buckets.fill(noSlot);
+    for (std::size_t index = 0; index < m_slots.size(); ++index)
+    {
+        std::size_t bucket = m_slots[index].hash % buckets;
+        while (m_buckets[bucket] != noSlot)
+            bucket = (bucket + 1) % buckets;
+        m_buckets[bucket] = static_cast<std::uint8_t>(index);
+    }
 }
 
 void Inbox::markRest(Clock::Time now) noexcept
@@ -156,6 +181,7 @@ Noted Inbox::take(bool isAll)
         }
         const auto isEmpty = [](const Slot& slot) { return slot.announced == announcedNothing; };
         m_slots.erase(std::remove_if(m_slots.begin(), m_slots.end(), isEmpty), m_slots.end());
+        findBuckets();
         m_firstLevel = Clock::never;
         if (isAll)
         {

@@ -107,6 +107,7 @@ private:
     {
         std::array<WCHAR, longestId> id;
         std::size_t length; ///< of the id; 0 for hardware
+        std::uint32_t hash;
         std::uint32_t watch;
         unsigned announced;
         bool isByOther;
@@ -114,7 +115,14 @@ private:
         std::size_t tokenCount;
     };
 
+    /// Positions in m_slots, by hash: a table with open addresses, so that a burst of notifications for all endpoints
+    /// costs each of them the same.
+    static constexpr std::size_t buckets = 512;
+    static constexpr std::uint8_t noSlot = 0xFF;
+    static_assert(capacity < noSlot && 2 * capacity < buckets);
+
     Slot* slotOf(LPCWSTR id, std::uint32_t watch) noexcept;
+    void findBuckets() noexcept;
     void noteLevel(LPCWSTR id, std::uint32_t watch, const GUID* context) noexcept;
     void markRest(Clock::Time now) noexcept;
     static Cause causeOf(const Slot& slot);
@@ -125,6 +133,7 @@ private:
 
     // Guarded by the alarm's mutex.
     std::vector<Slot> m_slots; ///< of fixed capacity
+    std::array<std::uint8_t, buckets> m_buckets;
     std::array<bool, 2> m_defaults = {};
     bool m_isEverything = false;
     Clock::Time m_firstLevel = Clock::never;

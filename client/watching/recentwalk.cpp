@@ -26,7 +26,7 @@ bool hasSameHardware(const Card& left, const Card& right)
 
 std::shared_ptr<reading::HardwareWalk> RecentWalk::find(const Card& card, Clock::Time now) const
 {
-    const bool isFit = m_walk != nullptr && now < m_due && hasSameHardware(m_card, card) && !m_walk->hasProblems();
+    const bool isFit = m_walk != nullptr && now < m_due && hasSameHardware(m_card, card) && !m_walk->hasFailures();
     return isFit ? m_walk : nullptr;
 }
 

@@ -17,8 +17,8 @@ class RecentWalk
 public:
     using Clock = worker::Clock;
 
-    /// The walk, if it was through the hardware of this card, has met no problem, and the endpoints of the card are what
-    /// they were; null otherwise.
+    /// The walk, if it was through the hardware of this card, no call has failed, and the endpoints of the card are
+    /// what they were; null otherwise.
     std::shared_ptr<reading::HardwareWalk> find(const Card& card, Clock::Time now) const;
     void keep(const Card& card, std::shared_ptr<reading::HardwareWalk> walk, Clock::Time now);
     /// When it has to be released; Clock::never without one.

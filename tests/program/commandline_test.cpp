@@ -6,6 +6,10 @@
 #include <gtest/gtest.h>
 
 using namespace sonavit::program;
+using sonavit::Decibels;
+using sonavit::LevelChange;
+using sonavit::Percent;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -14,6 +18,12 @@ namespace
 Arguments read(const std::vector<std::string>& words)
 {
     return readCommandLine(words).arguments;
+}
+
+/// The decibels of a new level.
+double decibels(const std::vector<std::string>& words)
+{
+    return std::get<Decibels>(read(words).level->amount()).value();
 }
 
 std::string complaint(const std::vector<std::string>& words)
@@ -62,7 +72,7 @@ TEST(ProgramCommandLine, ReadsALevelThatBeginsWithAMinus)
     const Arguments arguments = read({"set-volume", "Speakers", "-12.5dB", "--json"});
 
     EXPECT_EQ(Verb::setVolume, arguments.verb);
-    EXPECT_EQ(-12.5f, arguments.level.amount);
+    EXPECT_EQ(-12.5, std::get<Decibels>(arguments.level->amount()).value());
     EXPECT_TRUE(arguments.isJson);
 }
 
@@ -121,6 +131,73 @@ TEST(ProgramCommandLine, ReadsTheWordsOfAGraph)
     EXPECT_EQ("Analog", arguments.card);
     EXPECT_EQ("a.dot", arguments.outputFile);
     EXPECT_EQ("Speakers", arguments.endpoint);
+}
+
+TEST(ProgramCommandLine, ReadsWhatAListIsNarrowedTo)
+{
+    const Arguments arguments = read({"list", "--active", "--inputs", "--card", "Analog", "--short", "--via", "model"});
+
+    EXPECT_TRUE(arguments.isOnlyActive);
+    EXPECT_TRUE(arguments.isOnlyInputs);
+    EXPECT_FALSE(arguments.isOnlyOutputs);
+    EXPECT_EQ("Analog", arguments.card);
+    EXPECT_TRUE(arguments.isShort);
+    EXPECT_EQ(Via::model, arguments.via);
+    EXPECT_EQ(Via::layer, read({"list"}).via);
+    EXPECT_EQ("--outputs and --inputs exclude each other", complaint({"list", "--inputs", "--outputs"}));
+}
+
+TEST(ProgramCommandLine, ReadsTheChannelOfAChange)
+{
+    EXPECT_EQ(std::nullopt, read({"set-volume", "Speakers", "50%"}).level->channel());
+    EXPECT_EQ(1u, read({"set-volume", "Speakers", "50%", "--channel", "2"}).level->channel());
+    EXPECT_EQ(0u,
+              std::get<LevelChange>(read({"set-control", "A", "B", "-3dB", "--channel", "1"}).controlChange).channel());
+    EXPECT_EQ("--channel does not go with on and off, which concern all channels",
+              complaint({"set-control", "A", "B", "on", "--channel", "1"}));
+}
+
+TEST(ProgramCommandLine, ReadsTheChangeOfAControlAndOfASelector)
+{
+    const Arguments control = read({"set-control", "Main Monitors", "Line Out 1/2", "-12dB"});
+    const Arguments select = read({"select", "Auxiliary Source", "Combo 3", "--card", "Interface"});
+
+    EXPECT_EQ(Verb::setControl, control.verb);
+    EXPECT_EQ("Main Monitors", control.endpoint);
+    EXPECT_EQ("Line Out 1/2", control.control);
+    EXPECT_EQ(Decibels(-12), std::get<Decibels>(std::get<LevelChange>(control.controlChange).amount()));
+    EXPECT_EQ(Verb::select, select.verb);
+    EXPECT_EQ("Auxiliary Source", select.selector);
+    EXPECT_EQ("Combo 3", select.input);
+    EXPECT_EQ("Interface", select.card);
+}
+
+TEST(ProgramCommandLine, ReadsWhatIdentifiesAnEndpointAndWhereSettingsAre)
+{
+    EXPECT_EQ("0", read({"find", "0"}).id);
+    EXPECT_EQ("Speakers", read({"refer", "Speakers"}).endpoint);
+    EXPECT_EQ("snv1:x", read({"resolve", "snv1:x"}).reference);
+    EXPECT_EQ("", read({"save"}).file);
+    EXPECT_EQ("all.json", read({"restore", "all.json"}).file);
+    EXPECT_EQ("the name of the file is empty", complaint({"save", ""}));
+    EXPECT_EQ("the id is empty", complaint({"find", ""}));
+    EXPECT_EQ("the reference is empty", complaint({"resolve", ""}));
+}
+
+TEST(ProgramCommandLine, ReadsToWhatTheMonitorListens)
+{
+    const Arguments arguments = read({"monitor", "Speakers", "Microphone", "--only", "volume,state"});
+
+    EXPECT_THAT(arguments.endpoints, ElementsAre("Speakers", "Microphone"));
+    EXPECT_EQ((std::set<EventKind>{EventKind::volume, EventKind::state}), arguments.eventKinds);
+    EXPECT_TRUE(read({"monitor"}).endpoints.empty());
+    EXPECT_EQ("the name of the endpoint is empty", complaint({"monitor", ""}));
+}
+
+TEST(ProgramCommandLine, ReadsThatAGraphIsOfOnePathAlone)
+{
+    EXPECT_TRUE(read({"graph", "--endpoint", "Speakers", "--only"}).isOnlyPath);
+    EXPECT_EQ("--only needs --endpoint", complaint({"graph", "--only"}));
 }
 
 TEST(ProgramCommandLine, SaysInOneLineWhatIsWrong)
@@ -191,7 +268,7 @@ TEST(ProgramCommandLine, TakesAnAccountBeforeAndAfterTheCommand)
     EXPECT_EQ(std::nullopt, read({"list"}).account);
     EXPECT_EQ(sim::Account::ordinary, read({"list", "--account", "ordinary"}).account);
     EXPECT_EQ(sim::Account::administrator, read({"--account=ADMINISTRATOR", "list"}).account);
-    EXPECT_EQ(-5.0f, read({"--account", "ordinary", "set-volume", "Speakers", "-5%"}).level.amount);
+    EXPECT_EQ(-5, decibels({"--account", "ordinary", "set-volume", "Speakers", "-5dB"}));
     EXPECT_EQ(readCommandLine({"--help"}).answer, readCommandLine({"--account", "ordinary", "help"}).answer);
     EXPECT_EQ("\"root\" is not an account: administrator or ordinary", complaint({"--account", "root"}));
 }
@@ -201,7 +278,7 @@ TEST(ProgramCommandLine, TakesALatencyBeforeAndAfterTheCommand)
     EXPECT_EQ(std::nullopt, read({"list"}).latency);
     EXPECT_EQ(sim::LatencyPreset::windows, read({"list", "--latency", "windows"}).latency);
     EXPECT_EQ(sim::LatencyPreset::none, read({"--latency=NONE", "list"}).latency);
-    EXPECT_EQ(-5.0f, read({"--latency", "windows", "set-volume", "Speakers", "-5%"}).level.amount);
+    EXPECT_EQ(-5, decibels({"--latency", "windows", "set-volume", "Speakers", "-5dB"}));
     EXPECT_EQ(readCommandLine({"--help"}).answer, readCommandLine({"--latency", "windows", "help"}).answer);
     EXPECT_EQ("\"slow\" is not a latency: none or windows", complaint({"--latency", "slow"}));
 }
@@ -216,9 +293,10 @@ TEST(ProgramCommandLine, EscapesAndCutsWhatItRepeats)
 
 TEST(ProgramCommandLine, ReadsAVolumeThatBeginsLikeAnOption)
 {
-    EXPECT_EQ(-0.5f, read({"set-volume", "Speakers", "-.5dB"}).level.amount);
-    EXPECT_EQ(-0.5f, read({"--json", "set-volume", "Speakers", "--", "-.5dB"}).level.amount);
-    EXPECT_EQ(-5.0f, read({"--machine", "studio", "set-volume", "Speakers", "-5%"}).level.amount);
+    EXPECT_EQ(-0.5, decibels({"set-volume", "Speakers", "-.5dB"}));
+    EXPECT_EQ(-0.5, decibels({"--json", "set-volume", "Speakers", "--", "-.5dB"}));
+    EXPECT_EQ(LevelChange::Direction::down,
+              read({"--machine", "studio", "set-volume", "Speakers", "-5%"}).level->direction());
     EXPECT_EQ("\"-,5dB\" is not a volume: write 50%, -12.5dB, 5%+ or 5%-",
               complaint({"set-volume", "Speakers", "-,5dB"}));
     EXPECT_EQ("\"-dB\" is not a volume: write 50%, -12.5dB, 5%+ or 5%-", complaint({"set-volume", "Speakers", "-dB"}));
@@ -239,18 +317,23 @@ TEST(ProgramCommandLine, AnswersHelpAndVersion)
     const std::string help = readCommandLine({"--help"}).answer;
     const std::string helpOfVerb = readCommandLine({"set-volume", "--help"}).answer;
 
-    for (const char* const verb : {"list", "show", "controls", "selectors", "graph", "ask", "get-volume", "set-volume",
-                                   "mute", "monitor", "format", "--machine", "--json", "--log"})
+    for (const char* const verb :
+         {"list",       "show",    "controls",    "selectors", "graph",     "ask",     "get-volume",
+          "set-volume", "mute",    "set-control", "select",    "save",      "restore", "find",
+          "refer",      "resolve", "monitor",     "format",    "--machine", "--json",  "--log"})
         EXPECT_THAT(help, HasSubstr(std::string("  ") + verb));
     EXPECT_THAT(helpOfVerb, HasSubstr("Usage: sonavit set-volume [OPTIONS] ENDPOINT VOLUME"));
     EXPECT_THAT(helpOfVerb, HasSubstr("On a simulated machine the change lasts until sonavit ends."));
     EXPECT_EQ("sonavit " SONAVIT_VERSION "\n", readCommandLine({"--version"}).answer);
+    EXPECT_TRUE(readCommandLine({"--version"}).isVersion);
+    EXPECT_FALSE(readCommandLine({"--help"}).isVersion);
 }
 
 TEST(ProgramCommandLine, KeepsItsHelpWithin80Columns)
 {
-    for (const char* const verb : {"", "list", "show", "controls", "selectors", "graph", "ask", "get-volume",
-                                   "set-volume", "mute", "monitor", "format"})
+    for (const char* const verb :
+         {"", "list", "show", "controls", "selectors", "graph", "ask", "get-volume", "set-volume", "mute",
+          "set-control", "select", "save", "restore", "find", "refer", "resolve", "monitor", "format"})
     {
         const std::string word = verb;
         const CommandLine line = word.empty() ? readCommandLine({"--help"}) : readCommandLine({word, "--help"});

@@ -5,9 +5,23 @@
 #include <gtest/gtest.h>
 
 using namespace sonavit::program;
+using sonavit::Decibels;
+using sonavit::LevelChange;
+using sonavit::Percent;
+using Direction = LevelChange::Direction;
 
 namespace
 {
+double percentOf(const LevelChange& change)
+{
+    return std::get<Percent>(change.amount()).value();
+}
+
+double decibelsOf(const LevelChange& change)
+{
+    return std::get<Decibels>(change.amount()).value();
+}
+
 /// What @p read says about @p text if it refuses it.
 template<class Value>
 std::string complaint(Value (*read)(const std::string&), const std::string& text)
@@ -28,9 +42,9 @@ TEST(ProgramReadLevelChange, ReadsAPercentage)
 {
     const LevelChange change = readLevelChange("50%");
 
-    EXPECT_EQ(LevelChange::Unit::percent, change.unit);
-    EXPECT_FALSE(change.isStep);
-    EXPECT_EQ(50.0f, change.amount);
+    EXPECT_EQ(Direction::to, change.direction());
+    EXPECT_EQ(50, percentOf(change));
+    EXPECT_EQ(std::nullopt, change.channel());
 }
 
 TEST(ProgramReadLevelChange, ReadsDecibelsWithASign)
@@ -38,10 +52,10 @@ TEST(ProgramReadLevelChange, ReadsDecibelsWithASign)
     const LevelChange below = readLevelChange("-12.5dB");
     const LevelChange above = readLevelChange("+3DB");
 
-    EXPECT_EQ(LevelChange::Unit::decibels, below.unit);
-    EXPECT_FALSE(below.isStep);
-    EXPECT_EQ(-12.5f, below.amount);
-    EXPECT_EQ(3.0f, above.amount);
+    EXPECT_EQ(Direction::to, below.direction());
+    EXPECT_EQ(-12.5, decibelsOf(below));
+    EXPECT_EQ(Direction::to, above.direction());
+    EXPECT_EQ(3, decibelsOf(above));
 }
 
 TEST(ProgramReadLevelChange, ReadsSteps)
@@ -50,12 +64,12 @@ TEST(ProgramReadLevelChange, ReadsSteps)
     const LevelChange down = readLevelChange("5%-");
     const LevelChange decibels = readLevelChange("1.5dB-");
 
-    EXPECT_TRUE(up.isStep);
-    EXPECT_EQ(5.0f, up.amount);
-    EXPECT_TRUE(down.isStep);
-    EXPECT_EQ(-5.0f, down.amount);
-    EXPECT_EQ(LevelChange::Unit::decibels, decibels.unit);
-    EXPECT_EQ(-1.5f, decibels.amount);
+    EXPECT_EQ(Direction::up, up.direction());
+    EXPECT_EQ(5, percentOf(up));
+    EXPECT_EQ(Direction::down, down.direction());
+    EXPECT_EQ(5, percentOf(down));
+    EXPECT_EQ(Direction::down, decibels.direction());
+    EXPECT_EQ(1.5, decibelsOf(decibels));
 }
 
 TEST(ProgramReadLevelChange, RefusesWhatIsNoVolume)
@@ -99,8 +113,8 @@ TEST(ProgramReadLevelChange, TakesPercentagesFrom0To100)
 
 TEST(ProgramReadLevelChange, ReadsAFractionOfAPercent)
 {
-    EXPECT_EQ(33.3f, readLevelChange("33.3%").amount);
-    EXPECT_EQ(0.5f, readLevelChange(".5%+").amount);
+    EXPECT_EQ(33.3, percentOf(readLevelChange("33.3%")));
+    EXPECT_EQ(0.5, percentOf(readLevelChange(".5%+")));
 }
 
 TEST(ProgramReadLevelChange, TakesANumberWithoutUnitForPercent)
@@ -108,11 +122,10 @@ TEST(ProgramReadLevelChange, TakesANumberWithoutUnitForPercent)
     const LevelChange level = readLevelChange("50");
     const LevelChange step = readLevelChange("5-");
 
-    EXPECT_EQ(LevelChange::Unit::percent, level.unit);
-    EXPECT_FALSE(level.isStep);
-    EXPECT_EQ(50.0f, level.amount);
-    EXPECT_TRUE(step.isStep);
-    EXPECT_EQ(-5.0f, step.amount);
+    EXPECT_EQ(Direction::to, level.direction());
+    EXPECT_EQ(50, percentOf(level));
+    EXPECT_EQ(Direction::down, step.direction());
+    EXPECT_EQ(5, percentOf(step));
 }
 
 TEST(ProgramReadLevelChange, AsksForTheUnitOfASignedNumber)
@@ -126,10 +139,58 @@ TEST(ProgramReadLevelChange, TakesASignedPercentageForAStep)
     const LevelChange up = readLevelChange("+5%");
     const LevelChange down = readLevelChange("-5%");
 
-    EXPECT_TRUE(up.isStep);
-    EXPECT_EQ(5.0f, up.amount);
-    EXPECT_TRUE(down.isStep);
-    EXPECT_EQ(-5.0f, down.amount);
+    EXPECT_EQ(Direction::up, up.direction());
+    EXPECT_EQ(5, percentOf(up));
+    EXPECT_EQ(Direction::down, down.direction());
+    EXPECT_EQ(5, percentOf(down));
+}
+
+TEST(ProgramReadControlChange, ReadsALevelOrAMute)
+{
+    EXPECT_EQ(50, percentOf(std::get<LevelChange>(readControlChange("50"))));
+    EXPECT_EQ(-12, decibelsOf(std::get<LevelChange>(readControlChange("-12dB"))));
+    EXPECT_EQ(MuteChange::on, std::get<MuteChange>(readControlChange("On")));
+    EXPECT_EQ(MuteChange::off, std::get<MuteChange>(readControlChange("no")));
+}
+
+TEST(ProgramReadControlChange, TakesZeroAndOneForLevels)
+{
+    EXPECT_EQ(0, percentOf(std::get<LevelChange>(readControlChange("0"))));
+    EXPECT_EQ(1, percentOf(std::get<LevelChange>(readControlChange("1"))));
+}
+
+TEST(ProgramReadControlChange, RefusesWhatIsNeither)
+{
+    for (const char* const text : {"loud", "toggle", ""})
+        EXPECT_EQ("\"" + std::string(text) + "\" is not a volume: write 50%, -12.5dB, 5%+ or 5%-",
+                  complaint(readControlChange, text));
+}
+
+TEST(ProgramReadChannel, CountsFromOne)
+{
+    EXPECT_EQ(0u, readChannel("1"));
+    EXPECT_EQ(7u, readChannel("8"));
+    for (const char* const text : {"0", "-1", "1.5", "left", ""})
+        EXPECT_EQ("--channel takes the number of a channel from 1 on, not \"" + std::string(text) + "\"",
+                  complaint(readChannel, text));
+}
+
+TEST(ProgramReadEventKinds, ReadsKindsBetweenCommas)
+{
+    EXPECT_EQ((std::set<EventKind>{EventKind::volume, EventKind::state}), readEventKinds("volume,STATE"));
+    EXPECT_EQ((std::set<EventKind>{EventKind::hardware}), readEventKinds("hardware"));
+    for (const char* const text : {"", "volume,", ",volume", "volumes"})
+        EXPECT_NE("", complaint(readEventKinds, text)) << text;
+    EXPECT_EQ("\"noise\" is not a kind of event: added, removed, state, volume, default, name, format, hardware, "
+              "service or other",
+              complaint(readEventKinds, "volume,noise"));
+}
+
+TEST(ProgramReadVia, IsOneOfTwo)
+{
+    EXPECT_EQ(Via::layer, readVia("layer"));
+    EXPECT_EQ(Via::model, readVia("Model"));
+    EXPECT_EQ("\"cable\" is not a way to read: layer or model", complaint(readVia, "cable"));
 }
 
 TEST(ProgramReadFormatRequest, ReadsBitsAndRateInEitherOrder)

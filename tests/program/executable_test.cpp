@@ -74,7 +74,7 @@ TEST(ProgramExecutable, ListsASimulatedMachine)
 
     EXPECT_EQ(0, outcome.code);
     EXPECT_THAT(outcome.out, StartsWith("Simulated machine desktop: "));
-    EXPECT_THAT(outcome.out, HasSubstr("\n\xE2\x94\x9C\xE2\x94\x80 * Speakers "));
+    EXPECT_THAT(outcome.out, HasSubstr("\n\xE2\x94\x9C\xE2\x94\x80 *m Speakers "));
     EXPECT_EQ(std::string::npos, outcome.out.find('\x1B')) << "a pipe is no terminal";
 }
 

@@ -4,6 +4,7 @@
 #include "simulator/machine/propertykeys.h"
 
 #include <algorithm>
+#include <thread>
 #include <utility>
 
 namespace support
@@ -60,57 +61,95 @@ sim::Simulation& ProgramTest::run(sim::Machine machine)
     return LibraryTest::run(std::move(machine));
 }
 
+/// What the object model keeps of a call, it has asked for on the test's thread; the client layer asks on its own.
 void ProgramTest::TearDown()
 {
     if (m_isRunning)
     {
-        kept.partsLists =
-            static_cast<long>(succeeded("IPart::EnumPartsIncoming") + succeeded("IPart::EnumPartsOutgoing"));
+        kept.partsLists = static_cast<long>(succeededHere("IPart::EnumPartsIncoming").size() +
+                                            succeededHere("IPart::EnumPartsOutgoing").size());
         kept.directSoundTexts = directSoundTexts();
-        kept.defaultDeviceIds =
-            static_cast<long>(succeeded("IMMDeviceEnumerator::GetDefaultAudioEndpoint") - ownDefaultQuestions);
     }
     LibraryTest::TearDown();
 }
 
-/// The texts of DirectSound GUIDs that were read; adapters have none.
+/// The texts of DirectSound GUIDs that the object model has read; adapters have none.
 long ProgramTest::directSoundTexts()
 {
     const sim::Machine machine = simulation().machine();
+    const std::string key = sim::keyText(propertykeys::directSoundGuid);
     long count = 0;
-    for (const sim::JournalEntry& call :
-         simulation().journal().of("IPropertyStore::GetValue").with(sim::keyText(propertykeys::directSoundGuid)))
+    for (const sim::JournalEntry& call : succeededHere("IPropertyStore::GetValue"))
     {
         const sim::Endpoint* const endpoint = machine.endpoint(call.object);
         const bool isThere =
             endpoint != nullptr && sim::findProperty(endpoint->properties, propertykeys::directSoundGuid) != nullptr;
-        count += isThere && SUCCEEDED(call.result) ? 1 : 0;
+        count += isThere && call.arguments.front() == key ? 1 : 0;
     }
     return count;
 }
 
-std::size_t ProgramTest::succeeded(const std::string& operation)
+std::vector<sim::JournalEntry> ProgramTest::succeededHere(const std::string& operation)
 {
-    const sim::JournalEntries calls = simulation().journal().of(operation);
-    return calls.size() - calls.failed().size();
+    std::vector<sim::JournalEntry> calls;
+    for (const sim::JournalEntry& call : simulation().journal().of(operation).onThread(std::this_thread::get_id()))
+    {
+        if (call.end == sim::CallEnd::returned && SUCCEEDED(call.result))
+            calls.push_back(call);
+    }
+    return calls;
 }
 
-Answer ProgramTest::call(const std::vector<std::string>& words)
+sonavit::program::Environment ProgramTest::environment(std::ostream& out, std::ostream& err)
 {
-    std::ostringstream out;
-    std::ostringstream err;
     sonavit::program::Environment environment{out, err};
+    environment.readInput = [this] { return input; };
     environment.isTerminal = isTerminal;
     environment.hasColours = hasColours;
     environment.width = width;
     environment.pause = pause;
     environment.deferEnd = deferEnd;
     environment.findMachine = findMachine;
+    environment.onWorkerStart = onWorkerStart;
+    return environment;
+}
+
+Answer ProgramTest::call(const std::vector<std::string>& words)
+{
+    std::ostringstream out;
+    std::ostringstream err;
     Answer answer;
-    answer.code = sonavit::program::run(words, environment);
+    answer.code = sonavit::program::run(words, environment(out, err));
     answer.out = out.str();
     answer.err = err.str();
     return answer;
+}
+
+void meet(sim::Simulation& simulation)
+{
+    static_cast<void>(simulation.registerOnThisThread());
+}
+
+namespace
+{
+sonavit::System::Options optionsOf(sim::Simulation& simulation)
+{
+    sonavit::System::Options options;
+    options.delivery = sonavit::Delivery::poll;
+    options.onWorkerStart = [&simulation] { meet(simulation); };
+    return options;
+}
+}
+
+Observer::Observer(sim::Simulation& simulation)
+    : m_audio(optionsOf(simulation)),
+      m_subscription(m_audio.subscribe([](const sonavit::Change&) {}))
+{
+}
+
+void Observer::wait(std::chrono::milliseconds longest)
+{
+    m_audio.poll(longest);
 }
 
 std::string unreadableNote(std::size_t endpoints)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "sonavit/system.h"
 #include "tests/support/librarytest.h"
 #include "tools/sonavit/program.h"
 
@@ -24,6 +25,24 @@ struct Answer
     std::vector<std::string> lines() const;
 };
 
+/// Makes the machine answer the thread that calls, which Windows wants on each thread.
+void meet(sim::Simulation& simulation);
+
+/// Sees what a monitor of the same process sees, at about the same time: all Systems of a process share the thread that
+/// asks the platform. It must end before the machine.
+class Observer
+{
+public:
+    explicit Observer(sim::Simulation& simulation);
+
+    /// Waits until something changes, at most that long.
+    void wait(std::chrono::milliseconds longest);
+
+private:
+    sonavit::System m_audio;
+    sonavit::Subscription m_subscription;
+};
+
 /// A test of the program's commands, called in this process.
 ///
 /// After run(machine) a call without --machine works on that machine, as on the system's own Core Audio, and at the end
@@ -37,6 +56,9 @@ protected:
     /// As that of the base.
     sim::Simulation& run(sim::Machine machine);
 
+    /// What call() uses, with other streams.
+    sonavit::program::Environment environment(std::ostream& out, std::ostream& err);
+
     Answer call(const std::vector<std::string>& words);
 
     unsigned width = 0; ///< of the terminal
@@ -46,12 +68,17 @@ protected:
     std::function<std::shared_ptr<void>()> deferEnd = [] { return nullptr; };
     std::function<sim::Machine(const std::string&)> findMachine = sim::findMachine; ///< for --machine
 
-    /// How often commands have asked for a default endpoint themselves, and freed what they got.
-    std::size_t ownDefaultQuestions = 0;
+    /// As in Environment; a test with a simulation of its own registers that one.
+    std::function<void()> onWorkerStart = [this]
+    {
+        if (m_isRunning)
+            meet(simulation());
+    };
+    std::string input; ///< what the commands find on standard input
 
 private:
     long directSoundTexts();
-    std::size_t succeeded(const std::string& operation);
+    std::vector<sim::JournalEntry> succeededHere(const std::string& operation);
 
     bool m_isRunning = false;
 };

@@ -26,6 +26,11 @@ protected:
                 {"get-volume", "Speakers"},
                 {"set-volume", "Speakers", "50%"},
                 {"mute", "Speakers", "on"},
+                {"set-control", "Speakers", "Rear Green Jack", "-6dB"},
+                {"select", "Recording Source", "Rear Blue Jack"},
+                {"save"},
+                {"find", "0"},
+                {"refer", "Speakers"},
                 {"format", "Speakers"},
                 {"format", "Speakers", "--set", "16/44100/2"},
                 {"monitor"}};
@@ -79,8 +84,8 @@ TEST_F(ProgramUsage, NamesTheMachineInJson)
         const support::Answer answer = callOnDesktop(words);
 
         EXPECT_EQ("", answer.err) << words[0];
-        if (words[0] == "monitor")
-            continue; // it answers one object for each event
+        if (words[0] == "monitor" || words[0] == "save")
+            continue; // one answers an object for each event, the other what restore reads
         EXPECT_EQ("desktop", json::parse(answer.out)["machine"]) << words[0];
     }
 }
@@ -114,6 +119,64 @@ TEST_F(ProgramUsage, CutsTheDescriptionOfAMachineToTheTerminal)
     EXPECT_EQ("Simulated machine desktop: A board with\xE2\x80\xA6\n", callOnDesktop({"list"}).err);
 }
 
+TEST_F(ProgramUsage, AnswersHelpAndVersionInJsonWhereThatIsAskedFor)
+{
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"--help"}, {"help"}, {"list", "--help"}, {"help", "mute"}})
+    {
+        std::vector<std::string> inJson = words;
+        inJson.emplace_back("--json");
+        EXPECT_EQ(json({{"schemaVersion", 2}, {"help", call(words).out}}), json::parse(call(inJson).out));
+    }
+    EXPECT_EQ(json({{"schemaVersion", 2}, {"version", "sonavit " SONAVIT_VERSION}}),
+              json::parse(call({"--version", "--json"}).out));
+}
+
+TEST_F(ProgramUsage, EndsWithExitCode3IfWhatTheUserNamesIsNotThere)
+{
+    run(support::smallMachine());
+    const std::vector<std::vector<std::string>> all = {
+        {"list", "--card", "Trumpet"},
+        {"show", "Trumpet"},
+        {"show", "a\xFF\x1B[2J\nb"},
+        {"controls", "Trumpet"},
+        {"selectors", "Trumpet"},
+        {"graph", "Trumpet"},
+        {"graph", "--endpoint", "Trumpet"},
+        {"graph", "Analog", "--endpoint", "Trumpet"},
+        {"get-volume", "Trumpet"},
+        {"set-volume", "Trumpet", "50%"},
+        {"mute", "Trumpet", "on"},
+        {"set-control", "Trumpet", "Volume", "50%"},
+        {"set-control", "Speakers", "Trumpet", "50%"},
+        {"select", "Trumpet", "1"},
+        {"select", "Source", "1", "--card", "Trumpet"},
+        {"find", "Trumpet"},
+        {"refer", "Trumpet"},
+        {"format", "Trumpet"},
+        {"monitor", "Trumpet"},
+    };
+
+    for (const std::vector<std::string>& words : all)
+    {
+        SCOPED_TRACE(testing::PrintToString(words));
+        const support::Answer text = call(words);
+        std::vector<std::string> inJson = words;
+        inJson.emplace_back("--json");
+        const support::Answer answer = call(inJson);
+
+        EXPECT_EQ(3, text.code);
+        EXPECT_EQ("", text.out);
+        EXPECT_THAT(text.err, StartsWith("sonavit: there is no "));
+        EXPECT_EQ(1, std::count(text.err.begin(), text.err.end(), '\n')) << text.err;
+        EXPECT_EQ(3, answer.code);
+        const json error = json::parse(answer.out);
+        EXPECT_EQ(2, error["schemaVersion"]);
+        EXPECT_EQ(3, error["exitCode"]);
+        EXPECT_EQ("sonavit: " + error["error"].get<std::string>() + "\n", answer.err);
+    }
+}
+
 TEST_F(ProgramUsage, AnswersNonsenseWithOneSentence)
 {
     run(support::smallMachine());
@@ -124,16 +187,21 @@ TEST_F(ProgramUsage, AnswersNonsenseWithOneSentence)
         {"list", "show"},
         {"show"},
         {"show", "Speakers", "more"},
-        {"show", "Trumpet"},
         {"show", ""},
-        {"show", "a\xFF\x1B[2J\nb"},
-        {"graph", "Analog", "--endpoint", "Trumpet"},
         {"show", "phone"},
-        {"controls", "Trumpet"},
-        {"selectors", "Trumpet"},
-        {"graph", "Trumpet"},
-        {"graph", "--endpoint", "Trumpet"},
+        {"list", "--inputs", "--outputs"},
+        {"list", "--via", "cable"},
+        {"graph", "--only"},
         {"ask"},
+        {"set-volume", "Speakers", "50%", "--channel", "0"},
+        {"set-control", "Speakers", "Volume"},
+        {"set-control", "Speakers", "Volume", "loud"},
+        {"set-control", "Speakers", "Volume", "on", "--channel", "1"},
+        {"select", "Source"},
+        {"find"},
+        {"resolve", "nonsense"},
+        {"restore"},
+        {"monitor", "--only", "noise"},
         {"get-volume"},
         {"set-volume", "Speakers"},
         {"set-volume", "Speakers", "loud"},
@@ -232,16 +300,22 @@ TEST_F(ProgramUsage, ShowsTheLogOnlyWhereItIsWanted)
     run(support::smallMachine());
     simulation().faults().fail("IPropertyStore::GetValue");
 
-    EXPECT_EQ("", call({"list"}).err);
-    EXPECT_EQ("", call({"list", "--log", "off"}).err);
-    EXPECT_THAT(call({"list", "--log", "error"}).err, HasSubstr("error libSonavit.audioDeviceEndpoint: "));
+    const auto errors = [this](const std::vector<std::string>& options)
+    {
+        std::vector<std::string> words = {"list", "--via", "model"};
+        words.insert(words.end(), options.begin(), options.end());
+        return call(words).err;
+    };
+    EXPECT_EQ("", errors({}));
+    EXPECT_EQ("", errors({"--log", "off"}));
+    EXPECT_THAT(errors({"--log", "error"}), HasSubstr("error libSonavit.audioDeviceEndpoint: "));
 }
 
 TEST_F(ProgramUsage, ShowsTracesWhereAllIsWanted)
 {
     run(support::smallMachine());
 
-    const std::string records = call({"list", "--log", "debug"}).err;
+    const std::string records = call({"list", "--via", "model", "--log", "debug"}).err;
 
     EXPECT_THAT(records, HasSubstr("debug libSonavit.soundcard: > SoundCard::enumerateSystemSoundDevices\n"));
     EXPECT_THAT(records, HasSubstr("debug libSonavit.soundcard: < SoundCard::enumerateSystemSoundDevices\n"));
@@ -274,7 +348,7 @@ TEST_F(ProgramUsage, FailsWhereTheAnswerCannotBeWritten)
     std::ostringstream err;
     out.setstate(std::ios::badbit);
 
-    const int code = sonavit::program::run({"list"}, sonavit::program::Environment{out, err});
+    const int code = sonavit::program::run({"list"}, environment(out, err));
 
     EXPECT_EQ(1, code);
     EXPECT_EQ("sonavit: the answer cannot be written\n", err.str());
@@ -287,7 +361,7 @@ TEST_F(ProgramUsage, FailsWhereTheAnswerInJsonCannotBeWritten)
     std::ostringstream err;
     out.setstate(std::ios::badbit);
 
-    const int code = sonavit::program::run({"list", "--json"}, sonavit::program::Environment{out, err});
+    const int code = sonavit::program::run({"list", "--json"}, environment(out, err));
 
     EXPECT_EQ(1, code);
     EXPECT_EQ("sonavit: the answer cannot be written\n", err.str());

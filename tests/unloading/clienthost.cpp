@@ -57,12 +57,17 @@ public:
             std::thread([this] { makeEvents(); }).detach();
     }
 
-    /// Until answer() no question after this one is answered.
+    /// Makes the layer's worker ask a question that is not answered before answer(), and waits for that question.
     void hang()
     {
-        m_simulation.faults().run("IMMDevice::GetState", [this] { WaitForSingleObject(m_answers, INFINITE); });
+        const auto answerLate = [this]
+        {
+            SetEvent(m_isAsked);
+            WaitForSingleObject(m_answers, INFINITE);
+        };
+        m_simulation.faults().run("IMMDevice::GetState", answerLate);
         m_simulation.events().setState(m_simulation.machine().endpoints.front().id, sim::stateUnplugged);
-        m_simulation.events().waitForClients();
+        WaitForSingleObject(m_isAsked, INFINITE);
     }
 
     void answer() { SetEvent(m_answers); }
@@ -79,6 +84,7 @@ private:
     }
 
     sim::Simulation& m_simulation;
+    HANDLE m_isAsked = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     HANDLE m_answers = CreateEventW(nullptr, TRUE, FALSE, nullptr);
 };
 
@@ -135,7 +141,7 @@ void useInTurn()
                 User user;
                 if (user.keepSystem(patience) != 3)
                     printLine("not read");
-                user.call("listen");
+                user.call("startListening");
                 user.call("stopListening");
                 user.call("endSystem");
                 user.free();
@@ -201,7 +207,7 @@ int main(int count, char** words)
     {
         if (user.keepSystem(machine == "hanging" ? shortPatience : patience) != 3)
             return 4;
-        user.call("listen");
+        user.call("startListening");
         printLine("used");
         endBy(machine, end, platform, user);
     }

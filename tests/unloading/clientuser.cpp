@@ -1,6 +1,8 @@
 // A DLL that uses the client layer, as a plug-in would. The program that loads it does not link the layer, so freeing
 // this DLL unloads the layer, too.
 
+#include "tests/unloading/windowsfirst.h"
+
 #include "sonavit/client.h"
 
 #include <chrono>
@@ -35,7 +37,7 @@ extern "C" __declspec(dllexport) unsigned keepSystem(unsigned patience)
 }
 
 /// Subscribes to it; nothing may free this DLL before stopListening() then.
-extern "C" __declspec(dllexport) void listen()
+extern "C" __declspec(dllexport) void startListening()
 {
     heard = new sonavit::Subscription(kept->subscribe([](const sonavit::Change&) {}));
 }

@@ -76,7 +76,7 @@ TEST_F(ClientLibrary, ReadsTheMachine)
     EXPECT_EQ(sonavit::Service::running, snapshot.service());
     std::ostringstream text;
     text << snapshot;
-    EXPECT_THAT(text.str(), HasSubstr(speakers.title()));
+    EXPECT_THAT(text.str(), HasSubstr("Main Monitors"));
     EXPECT_EQ(snapshot, audio->refresh(sonavit::Depth::everything).value());
     EXPECT_THAT(audio->find(speakers.id().text()), SizeIs(1));
 }
@@ -184,5 +184,34 @@ TEST(ClientLibraryWorker, IsInTheMultithreadedApartmentWhateverItsCallersAreIn)
     }
 
     EXPECT_EQ(APTTYPE_MTA, type);
+    CoUninitialize();
+}
+
+// In a suite of its own, which counts the handles of the whole process.
+TEST(ClientLibraryGrowth, IsNothingInHandlesAfterManySystemsInTurn)
+{
+    ASSERT_TRUE(SUCCEEDED(CoInitialize(nullptr)));
+    const sim::Redirection redirection(GetModuleHandleW(L"libSonavitClient.dll"));
+    sim::Simulation simulation(sim::findMachine("desktop"));
+    const auto useAndCount = [&]
+    {
+        {
+            sonavit::System audio;
+            const sonavit::Subscription heard = audio.subscribe([](const sonavit::Change&) {});
+            EXPECT_FALSE(audio.snapshot().cards().empty());
+        }
+        DWORD handles = 0;
+        EXPECT_TRUE(GetProcessHandleCount(GetCurrentProcess(), &handles));
+        return handles;
+    };
+    for (int warmingUp = 0; warmingUp < 5; ++warmingUp)
+        useAndCount();
+    const DWORD before = useAndCount();
+
+    DWORD after = 0;
+    for (int count = 0; count < 100; ++count)
+        after = useAndCount();
+
+    EXPECT_LE(after, before + 5) << "a hundred Systems have begun and ended";
     CoUninitialize();
 }

@@ -18,6 +18,24 @@ std::string notEmpty(const std::optional<std::string>& word, const std::string& 
     return word.value_or("");
 }
 
+/// The levels to set, on the channel that the user names.
+void readLevels(const CommandWords& words, Arguments& result)
+{
+    std::optional<unsigned> channel;
+    if (words.channel)
+        channel = readChannel(*words.channel);
+    const auto onChannel = [&](const LevelChange& change) { return channel ? change.onChannel(*channel) : change; };
+    if (words.level)
+        result.level = onChannel(readLevelChange(*words.level));
+    if (!words.controlChange)
+        return;
+    result.controlChange = readControlChange(*words.controlChange);
+    if (LevelChange* const change = std::get_if<LevelChange>(&result.controlChange))
+        *change = onChannel(*change);
+    else if (channel)
+        throw UsageError("--channel does not go with on and off, which concern all channels");
+}
+
 Arguments argumentsOf(const CommandWords& words)
 {
     Arguments result;
@@ -34,8 +52,28 @@ Arguments argumentsOf(const CommandWords& words)
     result.card = notEmpty(words.card, "name of the card");
     result.instanceId = notEmpty(words.instanceId, "instance id");
     result.outputFile = notEmpty(words.outputFile, "name of the file");
-    if (words.level)
-        result.level = readLevelChange(*words.level);
+    if (words.via)
+        result.via = readVia(*words.via);
+    result.isOnlyActive = words.isOnlyActive;
+    result.isOnlyOutputs = words.isOnlyOutputs;
+    result.isOnlyInputs = words.isOnlyInputs;
+    result.isShort = words.isShort;
+    result.isOnlyPath = words.isOnlyPath;
+    if (result.isOnlyOutputs && result.isOnlyInputs)
+        throw UsageError("--outputs and --inputs exclude each other");
+    if (result.isOnlyPath && result.endpoint.empty())
+        throw UsageError("--only needs --endpoint");
+    result.control = notEmpty(words.control, "name of the control");
+    result.selector = notEmpty(words.selector, "name of the selector");
+    result.input = notEmpty(words.input, "name of the input");
+    result.file = notEmpty(words.file, "name of the file");
+    result.id = notEmpty(words.id, "id");
+    result.reference = notEmpty(words.reference, "reference");
+    for (const std::string& endpoint : words.endpoints)
+        result.endpoints.push_back(notEmpty(endpoint, "name of the endpoint"));
+    if (words.eventKinds)
+        result.eventKinds = readEventKinds(*words.eventKinds);
+    readLevels(words, result);
     if (words.mute)
         result.mute = readMuteChange(*words.mute);
     if (words.duration)
@@ -54,8 +92,12 @@ CommandLine readCommandLine(const std::vector<std::string>& words)
 {
     const CommandWords read = parseCommandLine(words);
     if (!read.answer.empty())
-        return {{}, read.answer};
-    return {argumentsOf(read), {}};
+    {
+        Arguments arguments;
+        arguments.isJson = asksForJson(words);
+        return {arguments, read.answer, read.isVersion};
+    }
+    return {argumentsOf(read), {}, false};
 }
 
 bool asksForJson(const std::vector<std::string>& words)

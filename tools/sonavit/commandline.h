@@ -3,11 +3,13 @@
 #include "qor/logging.h"
 #include "simulator/machine/deviceformat.h"
 #include "simulator/machine/machine.h"
-#include "tools/sonavit/levelchange.h"
+#include "sonavit/levelchange.h"
 
 #include <chrono>
 #include <optional>
+#include <set>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace sonavit::program
@@ -23,6 +25,13 @@ enum class Verb
     getVolume,
     setVolume,
     mute,
+    setControl,
+    select,
+    save,
+    restore,
+    find,
+    refer,
+    resolve,
     monitor,
     format
 };
@@ -32,6 +41,28 @@ enum class MuteChange
     on,
     off,
     toggle
+};
+
+/// What answers the questions of a command.
+enum class Via
+{
+    layer, ///< the client layer
+    model  ///< the object model
+};
+
+/// Kinds of events, for `monitor --only`.
+enum class EventKind
+{
+    added,
+    removed,
+    state,
+    volume,
+    defaults,
+    name,
+    format,
+    hardware,
+    service,
+    other
 };
 
 /// What the user asks for.
@@ -44,12 +75,33 @@ struct Arguments
     bool isJson = false;
     std::optional<qor::LOGGER_PRIORITY> log; ///< lowest priority to print; none to print no records
 
+    Via via = Via::layer;
+
     std::string endpoint;   ///< as the user names it; for `graph` the one whose path is highlighted, or empty
     std::string card;       ///< as the user names it; empty for all
     std::string instanceId; ///< for `ask`
     std::string outputFile; ///< for `graph`; empty for standard output
-    LevelChange level;      ///< for `set-volume`
+
+    // For `list`.
+    bool isOnlyActive = false;
+    bool isOnlyOutputs = false;
+    bool isOnlyInputs = false;
+    bool isShort = false;
+
+    bool isOnlyPath = false; ///< for `graph`: nothing but the path of `endpoint`
+
+    std::optional<LevelChange> level; ///< for `set-volume`, on the channel that the user names
     MuteChange mute = MuteChange::toggle;
+    std::string control;                                                  ///< for `set-control`, as the user names it
+    std::variant<LevelChange, MuteChange> controlChange = MuteChange::on; ///< for `set-control`: a level, on or off
+    std::string selector;                                                 ///< for `select`, as the user names it
+    std::string input;                                                    ///< for `select`, as the user names it
+    std::string file;      ///< for `save` and `restore`; empty for standard output and input
+    std::string id;        ///< for `find`
+    std::string reference; ///< for `resolve`
+
+    std::vector<std::string> endpoints;                ///< for `monitor`, as the user names them; empty for all
+    std::set<EventKind> eventKinds;                    ///< for `monitor`; empty for all
     std::optional<std::chrono::milliseconds> duration; ///< for `monitor`; none for no end
     std::optional<sim::DeviceFormat> format;           ///< for `format`; none to print the present one
     std::chrono::milliseconds hold{5000};              ///< for `format`
@@ -60,6 +112,7 @@ struct CommandLine
 {
     Arguments arguments;
     std::string answer; ///< help or version; if it is not empty, it is printed and nothing else is done
+    bool isVersion = false;
 };
 
 /// Reads the command line after the program's name. Throws UsageError.

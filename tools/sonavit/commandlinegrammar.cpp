@@ -37,18 +37,20 @@ CommandLineGrammar::CommandLineGrammar()
     m_app.footer(std::string(help::endpointNames) + help::examples);
 }
 
-/// The parser takes the words from the back. Of set-volume every word with one dash may be a volume.
+/// The parser takes the words from the back. Of the verbs that take a level every word with one dash may
+/// be one.
 void CommandLineGrammar::parse(const std::vector<std::string>& words)
 {
     const std::size_t position = verbPosition(words);
-    const bool isVolume = position < words.size() && words[position] == "set-volume";
+    const bool takesLevel =
+        position < words.size() && (words[position] == "set-volume" || words[position] == "set-control");
     std::vector<std::string> reversed;
     for (std::size_t i = words.size(); i > 0; --i)
     {
         const std::string& word = words[i - 1];
         const bool isOption = word.compare(0, 2, "--") == 0 || word == "-h";
-        const bool mayBeVolume = isVolume && i - 1 > position && word.compare(0, 1, "-") == 0 && !isOption;
-        reversed.push_back(isNegativeNumber(word) || mayBeVolume ? noOptionMark + word : word);
+        const bool mayBeLevel = takesLevel && i - 1 > position && word.compare(0, 1, "-") == 0 && !isOption;
+        reversed.push_back(isNegativeNumber(word) || mayBeLevel ? noOptionMark + word : word);
     }
     m_app.parse(reversed);
 }
@@ -59,13 +61,16 @@ CommandWords CommandLineGrammar::words() const
     if (hasVerb())
         result.verb = m_verbs.at(&chosen());
     for (std::optional<std::string>* const word :
-         {&result.machine, &result.account, &result.latency, &result.log, &result.endpoint, &result.card,
-          &result.instanceId, &result.outputFile, &result.level, &result.mute, &result.duration, &result.format,
-          &result.hold})
+         {&result.machine,  &result.account,       &result.latency,    &result.log,   &result.endpoint,
+          &result.card,     &result.instanceId,    &result.outputFile, &result.level, &result.mute,
+          &result.duration, &result.format,        &result.hold,       &result.via,   &result.channel,
+          &result.control,  &result.controlChange, &result.selector,   &result.input, &result.file,
+          &result.id,       &result.reference,     &result.eventKinds})
     {
         if (*word)
             **word = unmarked(**word);
     }
+    std::transform(result.endpoints.begin(), result.endpoints.end(), result.endpoints.begin(), unmarked);
     return result;
 }
 

@@ -62,6 +62,7 @@ private:
     CLI::App& verb(const std::string& name, Verb verb, const std::string& description, const std::string& footer = {});
     CLI::App& verbOnEndpoint(const std::string& name, Verb verb, const std::string& description,
                              const std::string& footer = {});
+    CLI::App& verbWithSource(CLI::App& verb);
     static void addPositional(CLI::App& verb, const std::string& name, std::optional<std::string>& word,
                               const std::string& description, bool isRequired);
     static void addOption(CLI::App& verb, const std::string& name, std::optional<std::string>& word,

@@ -23,6 +23,14 @@ const char* const log = "Print the library's log records from LEVEL on to\n"
 const char* const endpoint = "Id, name, or part of one, or a default endpoint";
 const char* const card = "Name, instance id, or part of one (default: all)";
 
+const char* const anyId = "Endpoint id, wave id, DirectSound GUID, instance id,\n"
+                          "container or card id";
+const char* const eventKinds = "Only these kinds, with commas: added, removed,\n"
+                               "state, volume, default, name, format, hardware,\n"
+                               "service, other";
+const char* const via = "Read with the client layer (layer, the default) or\n"
+                        "with the object model (model)";
+
 const char* const endpointNames = "\n"
                                   "ENDPOINT is the id or name of an endpoint, a part that no other id or name\n"
                                   "contains, @DEFAULT_OUTPUT@, or @DEFAULT_INPUT@.\n";
@@ -49,12 +57,12 @@ const char* const examples = "\n"
                              "  sonavit graph \"Analog Audio\" | dot -Tsvg -o graph.svg\n"
                              "  sonavit --machine studio --json controls \"Main Monitors\"\n"
                              "\n"
-                             "Exit codes: 0 success, 1 operation failed, 2 usage error.\n";
+                             "Exit codes: 0 success, 1 operation failed, 2 usage error, 3 not there.\n";
 
 const char* const list = "\n"
-                         "The list marks the default endpoints of the console role with *, and cards with\n"
-                         "a line or a digital jack with [line] and [digital]. In a narrow terminal it\n"
-                         "leaves columns out.\n";
+                         "The list marks default endpoints with *, and those of single roles with m\n"
+                         "(multimedia) and c (communications). It marks cards with a line or a digital\n"
+                         "jack with [line] and [digital]. In a narrow terminal it leaves columns out.\n";
 
 const char* const selectors = "\n"
                               "The list marks the selected input with *.\n";
@@ -72,4 +80,29 @@ const char* const monitor = "\n"
 const char* const format = "\n"
                            "Windows lets only administrators set a format. It is put back after --hold\n"
                            "seconds, or at Ctrl-C.\n";
+
+const char* const find = "\n"
+                         "Prints each endpoint that the id belongs to, with all of its ids.\n";
+
+const char* const refer = "\n"
+                          "A reference still means the endpoint after a restart, in another USB port, or\n"
+                          "with a new driver; resolve finds it. It contains names and serial numbers.\n";
+
+const char* const resolve = "\n"
+                            "Prints what the reference means here, and why. Exit code 3 if it means nothing.\n";
+
+const char* const save = "\n"
+                         "Saves the volumes and mutes of all endpoints, their hardware controls and the\n"
+                         "inputs of selectors, as JSON that can be read and edited; see restore.\n";
+
+const char* const restore = "\n"
+                            "Endpoints are found again as resolve finds them. What cannot be put back is\n"
+                            "listed, and everything else is put back.\n";
+
+const char* const setControl = "\n"
+                               "LEVEL is a volume such as 50%, -12.5dB, 3dB+ or 5%-, or on or off, which mutes\n"
+                               "and unmutes.\n";
+
+const char* const select = "\n"
+                           "SELECTOR and INPUT are names, ids, or parts that no other one contains.\n";
 }

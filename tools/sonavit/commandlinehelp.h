@@ -12,6 +12,9 @@ extern const char* const log;
 // What the words behind a command mean.
 extern const char* const endpoint;
 extern const char* const card;
+extern const char* const anyId;
+extern const char* const eventKinds;
+extern const char* const via;
 
 // Paragraphs below the list of options; each begins with an empty line.
 extern const char* const endpointNames;
@@ -27,4 +30,11 @@ extern const char* const graph;
 extern const char* const ask;
 extern const char* const monitor;
 extern const char* const format;
+extern const char* const find;
+extern const char* const refer;
+extern const char* const resolve;
+extern const char* const save;
+extern const char* const restore;
+extern const char* const setControl;
+extern const char* const select;
 }

@@ -32,6 +32,7 @@ CommandWords parseCommandLine(std::vector<std::string> words)
     refuseEmptyValues(grammar, words);
     replaceHelpCommand(grammar, words);
     std::string answer;
+    bool isVersion = false;
     try
     {
         grammar.parse(words);
@@ -43,6 +44,7 @@ CommandWords parseCommandLine(std::vector<std::string> words)
     catch (const CLI::CallForVersion& version)
     {
         answer = std::string(version.what()) + "\n";
+        isVersion = true;
     }
     catch (const CLI::ParseError&)
     {
@@ -50,6 +52,7 @@ CommandWords parseCommandLine(std::vector<std::string> words)
     }
     CommandWords result = grammar.words();
     result.answer = answer;
+    result.isVersion = isVersion;
     return result;
 }
 }

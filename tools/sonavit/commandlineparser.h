@@ -27,7 +27,24 @@ struct CommandWords
     std::optional<std::string> duration;
     std::optional<std::string> format;
     std::optional<std::string> hold;
+    std::optional<std::string> via;
+    bool isOnlyActive = false;
+    bool isOnlyOutputs = false;
+    bool isOnlyInputs = false;
+    bool isShort = false;
+    bool isOnlyPath = false;
+    std::optional<std::string> channel;
+    std::optional<std::string> control;
+    std::optional<std::string> controlChange;
+    std::optional<std::string> selector;
+    std::optional<std::string> input;
+    std::optional<std::string> file;
+    std::optional<std::string> id;
+    std::optional<std::string> reference;
+    std::vector<std::string> endpoints;
+    std::optional<std::string> eventKinds;
     std::string answer; ///< help or version; if it is not empty, nothing else counts
+    bool isVersion = false;
 };
 
 /// Sorts the words after the program's name, and writes the help. Throws UsageError, always in the program's own words.

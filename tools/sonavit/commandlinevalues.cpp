@@ -1,7 +1,6 @@
 #include "tools/sonavit/commandlinevalues.h"
 
 #include "simulator/machine/namedvalues.h"
-#include "tools/sonavit/deviceformat.h"
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/output/text.h"
 
@@ -18,11 +17,12 @@ namespace sonavit::program
 namespace
 {
 constexpr double longestSeconds = 1e6;
-constexpr float wholeVolume = 100.0f;
+constexpr double wholeVolume = 100.0;
 constexpr std::uint32_t bitsOfAByte = 8;
 constexpr std::uint32_t mostBits = 32;
 constexpr std::uint32_t lowestRate = 1000;
 constexpr std::uint32_t highestRate = 768000;
+constexpr std::uint32_t mostChannels = 8; // for which there are usual speakers
 
 struct LogLevel
 {
@@ -42,6 +42,31 @@ struct MuteWord
     const char* name;
     MuteChange change;
 };
+
+struct ViaWord
+{
+    const char* name;
+    Via via;
+};
+
+constexpr std::array<ViaWord, 2> vias = {{{"layer", Via::layer}, {"model", Via::model}}};
+
+struct EventKindWord
+{
+    const char* name;
+    EventKind kind;
+};
+
+constexpr std::array<EventKindWord, 10> eventKinds = {{{"added", EventKind::added},
+                                                       {"removed", EventKind::removed},
+                                                       {"state", EventKind::state},
+                                                       {"volume", EventKind::volume},
+                                                       {"default", EventKind::defaults},
+                                                       {"name", EventKind::name},
+                                                       {"format", EventKind::format},
+                                                       {"hardware", EventKind::hardware},
+                                                       {"service", EventKind::service},
+                                                       {"other", EventKind::other}}};
 
 constexpr std::array<MuteWord, 7> muteChanges = {{{"on", MuteChange::on},
                                                   {"off", MuteChange::off},
@@ -139,6 +164,35 @@ sim::LatencyPreset readLatency(const std::string& word)
     return named(sim::latencyPresetNames, word, "a latency: none or windows").value;
 }
 
+Via readVia(const std::string& word)
+{
+    return named(vias, word, "a way to read: layer or model").via;
+}
+
+std::set<EventKind> readEventKinds(const std::string& word)
+{
+    std::set<EventKind> kinds;
+    std::size_t start = 0;
+    while (start <= word.size())
+    {
+        const std::size_t end = std::min(word.find(',', start), word.size());
+        kinds.insert(named(eventKinds, word.substr(start, end - start),
+                           "a kind of event: added, removed, state, volume, default, name, format, hardware, service "
+                           "or other")
+                         .kind);
+        start = end + 1;
+    }
+    return kinds;
+}
+
+unsigned readChannel(const std::string& word)
+{
+    const std::optional<std::uint32_t> number = wholeNumber(word);
+    if (!number || *number == 0)
+        throw UsageError("--channel takes the number of a channel from 1 on, not " + inQuotes(word));
+    return *number - 1;
+}
+
 std::optional<qor::LOGGER_PRIORITY> readLogLevel(const std::string& word)
 {
     return named(logLevels, word, "a log level: debug, info, warning, error, fatal or off").priority;
@@ -182,7 +236,6 @@ LevelChange readLevelChange(const std::string& text)
     constexpr const char* forms = "write 50%, -12.5dB, 5%+ or 5%-";
     std::string rest = text;
     const int signAtEnd = takeSign(rest, false);
-    LevelChange change;
     const bool isPercent = takeEnd(rest, "%");
     const bool isDecibels = !isPercent && takeEnd(rest, "dB");
     const int signAtFront = takeSign(rest, true);
@@ -191,12 +244,27 @@ LevelChange readLevelChange(const std::string& text)
     if (signAtFront != 0 && !isPercent && !isDecibels)
         refuseVolume(text, "add the unit, as in " + text + "dB or " + text + "%");
 
+    const double amount = std::strtod(rest.c_str(), nullptr);
     const int sign = signAtEnd + signAtFront; // one of them is 0
-    change.unit = isDecibels ? LevelChange::Unit::decibels : LevelChange::Unit::percent;
-    change.isStep = signAtEnd != 0 || (signAtFront != 0 && isPercent);
-    change.amount = std::strtof(rest.c_str(), nullptr) * (sign < 0 ? -1.0f : 1.0f);
-    if (!isDecibels && std::fabs(change.amount) > wholeVolume)
+    const bool isStep = signAtEnd != 0 || (signAtFront != 0 && isPercent);
+    if (!isDecibels && amount > wholeVolume)
         refuseVolume(text, "percentages range from 0 to 100");
-    return change;
+    if (isDecibels && isStep)
+        return sign < 0 ? LevelChange::down(Decibels(amount)) : LevelChange::up(Decibels(amount));
+    if (isDecibels)
+        return Decibels(sign < 0 ? -amount : amount);
+    if (isStep)
+        return sign < 0 ? LevelChange::down(Percent(amount)) : LevelChange::up(Percent(amount));
+    return Percent(amount);
+}
+
+std::variant<LevelChange, MuteChange> readControlChange(const std::string& text)
+{
+    const auto* const mute = std::find_if(muteChanges.begin(), muteChanges.end(),
+                                          [&](const MuteWord& word) { return equalNoCase(word.name, text); });
+    const bool isNumber = text == "0" || text == "1"; // a level
+    if (mute != muteChanges.end() && !isNumber && mute->change != MuteChange::toggle)
+        return mute->change;
+    return readLevelChange(text);
 }
 }

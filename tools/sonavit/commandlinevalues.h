@@ -5,7 +5,9 @@
 
 #include <chrono>
 #include <optional>
+#include <set>
 #include <string>
+#include <variant>
 
 namespace sonavit::program
 {
@@ -14,6 +16,15 @@ sim::Account readAccount(const std::string& word);
 
 /// "none" or "windows".
 sim::LatencyPreset readLatency(const std::string& word);
+
+/// "layer" or "model".
+Via readVia(const std::string& word);
+
+/// Kinds of events, separated by commas: "added,removed".
+std::set<EventKind> readEventKinds(const std::string& word);
+
+/// The number of a channel, as people count; the result counts from 0.
+unsigned readChannel(const std::string& word);
 
 /// "debug" to "fatal"; no value for "off".
 std::optional<qor::LOGGER_PRIORITY> readLogLevel(const std::string& word);
@@ -32,4 +43,7 @@ sim::DeviceFormat readFormatRequest(const std::string& text);
 /// Reads a new volume, "50%", "50", "33.3%" or "-12.5dB", or a step, "5%+", "+5%", "5%-", "-5%", "3dB+" or "3dB-". A
 /// sign before decibels is part of the number.
 LevelChange readLevelChange(const std::string& text);
+
+/// As readLevelChange(), or "on", "off" and their like for a mute; "toggle" means nothing here.
+std::variant<LevelChange, MuteChange> readControlChange(const std::string& text);
 }

@@ -17,6 +17,9 @@ struct Environment
     std::ostream& out;
     std::ostream& err;
 
+    /// The whole of standard input.
+    std::function<std::string()> readInput = [] { return std::string(); };
+
     bool isTerminal = false; ///< whether `out` is a terminal, so that a person reads it
     bool hasColours = false; ///< whether `out` shows colours
     unsigned width = 0;      ///< columns that a line may take; 0 for no limit
@@ -24,6 +27,10 @@ struct Environment
     /// The machine to simulate if the command line names none; no value for the system's own Core Audio.
     std::optional<std::string> defaultMachine = std::nullopt;
     std::function<sim::Machine(const std::string&)> findMachine = sim::findMachine;
+
+    /// Called on the client layer's worker before its first call to Core Audio, unless the command line names a
+    /// machine: a test registers its own machine there, which Windows wants on each thread.
+    std::function<void()> onWorkerStart = [] {};
 
     /// While the result lives, a request to end (Ctrl-C, SIGTERM, the closing of a window) does not end the process:
     /// pause() reports it instead. A command that has to put something back holds one.

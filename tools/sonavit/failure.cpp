@@ -24,6 +24,10 @@ Failure classified()
     {
         return {exitUsage, error.what()};
     }
+    catch (const NotThere& error)
+    {
+        return {exitNotThere, error.what()};
+    }
     catch (const OperationFailure& error)
     {
         return {exitFailed, error.what()};
@@ -53,6 +57,20 @@ Failure classified()
         return {exitFailed, "internal error"};
     }
 }
+}
+
+void raise(const Problem& problem, const std::string& intention)
+{
+    const std::string sentence = (intention.empty() ? "" : intention + ": ") + problem.sentence();
+    switch (problem.kind())
+    {
+    case Problem::Kind::notThere:
+        throw NotThere(sentence);
+    case Problem::Kind::ambiguous:
+        throw UsageError(sentence);
+    default:
+        throw OperationFailure(sentence);
+    }
 }
 
 Failure currentFailure()

@@ -4,7 +4,10 @@
 #include "tools/sonavit/output/terminal.h"
 #include "tools/sonavit/program.h"
 
+#include <iostream>
+#include <iterator>
 #include <memory>
+#include <string>
 
 namespace
 {
@@ -12,6 +15,8 @@ int runOnTerminal(const std::vector<std::string>& words)
 {
     sonavit::program::Terminal terminal;
     sonavit::program::Environment environment{terminal.out(), terminal.err()};
+    environment.readInput = []
+    { return std::string(std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()); };
     environment.isTerminal = terminal.isTerminal();
     environment.hasColours = terminal.hasColours();
     environment.width = terminal.width();

@@ -36,12 +36,36 @@ Command commandOf(Verb verb)
         return runSetVolume;
     case Verb::mute:
         return runMute;
+    case Verb::setControl:
+        return runSetControl;
+    case Verb::select:
+        return runSelect;
+    case Verb::save:
+        return runSave;
+    case Verb::restore:
+        return runRestore;
+    case Verb::find:
+        return runFind;
+    case Verb::refer:
+        return runRefer;
+    case Verb::resolve:
+        return runResolve;
     case Verb::monitor:
         return runMonitor;
     case Verb::format:
         return runFormat;
     }
     return runList;
+}
+
+/// Help or version, in JSON if the user asks for both.
+std::string answerText(const CommandLine& line)
+{
+    if (!line.arguments.isJson)
+        return line.answer;
+    const std::string text =
+        line.isVersion ? line.answer.substr(0, line.answer.find_last_not_of('\n') + 1) : line.answer;
+    return Json::document({{line.isVersion ? "version" : "help", text}}).text() + "\n";
 }
 
 /// The session is closed here and not in its destructor, so that a failure on the way is reported. Events of the
@@ -51,7 +75,7 @@ void runCommand(const std::vector<std::string>& words, const Environment& enviro
     const CommandLine line = readCommandLine(words);
     if (!line.answer.empty())
     {
-        environment.out << line.answer;
+        environment.out << answerText(line);
         return;
     }
     if (line.arguments.isJson && line.arguments.verb != Verb::monitor)
@@ -66,13 +90,15 @@ void runCommand(const std::vector<std::string>& words, const Environment& enviro
 
 /// The error object takes one line, as each line of the monitor's output is an object.
 void complain(const std::vector<std::string>& words, const Environment& environment, HeldOutput& output,
-              const std::string& sentence)
+              const Failure& failure)
 {
     output.drop();
     if (asksForJson(words))
-        environment.out << Json::document({{"error", sentence}}).line() << "\n";
+        environment.out
+            << Json::document({{"error", failure.sentence}, {"exitCode", static_cast<int>(failure.code)}}).line()
+            << "\n";
     environment.out.flush();
-    environment.err << "sonavit: " << sentence << "\n" << std::flush;
+    environment.err << "sonavit: " << failure.sentence << "\n" << std::flush;
 }
 
 void finish(const Environment& environment, HeldOutput& output)
@@ -87,7 +113,7 @@ void finish(const Environment& environment, HeldOutput& output)
 int run(const std::vector<std::string>& words, const Environment& environment)
 {
     HeldOutput output(environment.out);
-    const LastWords lastWords([&] { complain(words, environment, output, currentFailure().sentence); });
+    const LastWords lastWords([&] { complain(words, environment, output, currentFailure()); });
     try
     {
         runCommand(words, environment, output);
@@ -100,10 +126,16 @@ int run(const std::vector<std::string>& words, const Environment& environment)
         environment.out.flush();
         return exitInterrupted;
     }
+    catch (const Answered& answered)
+    {
+        output.release();
+        environment.out.flush();
+        return answered.code();
+    }
     catch (...)
     {
         const Failure failure = currentFailure();
-        complain(words, environment, output, failure.sentence);
+        complain(words, environment, output, failure);
         return failure.code;
     }
 }

@@ -3,15 +3,20 @@
 #include "libSonavit/audiodeviceendpoint.h"
 #include "libSonavit/endpointdeviceenumerator.h"
 #include "libSonavit/soundcard.h"
+#include "sonavit/system.h"
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/output/text.h"
 
+#include <chrono>
 #include <utility>
 
 namespace sonavit::program
 {
 namespace
 {
+/// Long enough for many slow devices; a user who has less of it ends the program.
+constexpr std::chrono::minutes patience(1);
+
 sim::Machine openMachine(const Environment& environment, const std::string& name)
 {
     try
@@ -31,7 +36,10 @@ sim::Machine openMachine(const Environment& environment, const std::string& name
 }
 
 Session::Session(const Environment& environment, const Arguments& arguments)
-    : m_redirection(reinterpret_cast<const void*>(&enumerateSoundCards))
+    : m_onWorkerStart(environment.onWorkerStart),
+      m_redirection(reinterpret_cast<const void*>(&enumerateSoundCards)),
+      m_layerRedirection(reinterpret_cast<const void*>(&compareIds)),
+      m_via(arguments.via)
 {
     const std::optional<std::string>& name = arguments.machine ? arguments.machine : environment.defaultMachine;
     std::optional<sim::Machine> machine;
@@ -69,10 +77,39 @@ Session::~Session()
 }
 
 /// The simulation ends first, and with it its notification thread: after that no other thread uses what is destroyed.
+/// The client layer ends before that, as its worker releases objects of the machine.
 void Session::close()
 {
+    m_source.reset();
+    m_audio.reset();
     m_simulation.reset();
     libSonavit::AudioDeviceEnumeratorFactory::enumerator() = nullptr;
+}
+
+System& Session::audio()
+{
+    if (!m_audio)
+    {
+        System::Options options;
+        options.delivery = Delivery::poll;
+        options.patience = patience;
+        options.onWorkerStart = [this]
+        {
+            if (m_simulation)
+                static_cast<void>(m_simulation->registerOnThisThread());
+            else
+                m_onWorkerStart();
+        };
+        m_audio = std::make_unique<System>(std::move(options));
+    }
+    return *m_audio;
+}
+
+Source& Session::source()
+{
+    if (!m_source)
+        m_source = m_via == Via::layer ? sourceFrom(audio()) : sourceFromObjectModel();
+    return *m_source;
 }
 
 sim::Simulation* Session::simulation()

@@ -4,7 +4,9 @@
 #include "simulator/simulation.h"
 #include "tools/sonavit/commandline.h"
 #include "tools/sonavit/environment.h"
+#include "tools/sonavit/source.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -30,6 +32,11 @@ public:
     /// not be used after that. An exception that leaves a Release leaves this operation too.
     void close();
 
+    /// The client layer on that machine, from the first call on. Its changes come where System::poll() is called.
+    System& audio();
+    /// What the commands that read ask: the library that the user has chosen.
+    Source& source();
+
     /// The simulated machine; null if the library works on the system's own Core Audio.
     sim::Simulation* simulation();
 
@@ -40,7 +47,12 @@ public:
 private:
     std::optional<std::string> m_name;
     std::string m_description;
-    sim::Redirection m_redirection;
+    std::function<void()> m_onWorkerStart; ///< for a machine that is not the session's
+    sim::Redirection m_redirection;        ///< of the object model's library
+    sim::Redirection m_layerRedirection;   ///< of the client layer's
     std::unique_ptr<sim::Simulation> m_simulation;
+    Via m_via;
+    std::unique_ptr<System> m_audio;
+    std::unique_ptr<Source> m_source;
 };
 }

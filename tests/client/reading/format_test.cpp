@@ -71,6 +71,14 @@ TEST(ReadingFormat, OfTheLongFormHasAll)
     EXPECT_EQ(Format::Encoding::integer, format->encoding);
 }
 
+TEST(ReadingFormat, WithoutValidBitsUsesAllOfThem)
+{
+    WAVEFORMATEXTENSIBLE wave = longForm();
+    wave.Samples.wValidBitsPerSample = 0;
+
+    EXPECT_EQ(32u, formatOf(bytesOf(wave))->validBits);
+}
+
 TEST(ReadingFormat, TellsTheEncodingByTagOrSubFormat)
 {
     GUID strange = KSDATAFORMAT_SUBTYPE_IEEE_FLOAT;

@@ -1,4 +1,5 @@
 #include "client/reading/grouping.h"
+
 #include "tests/client/reading/readingtest.h"
 
 namespace

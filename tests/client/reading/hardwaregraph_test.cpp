@@ -6,7 +6,7 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
-using Device = sonavit::Graph::Device;
+using GraphDevice = sonavit::Graph::Device;
 using HardwareWalkGraph = HardwareTest;
 
 TEST_F(HardwareWalkGraph, HasTheDevicesPartsAndEdgesOfACard)
@@ -19,13 +19,13 @@ TEST_F(HardwareWalkGraph, HasTheDevicesPartsAndEdgesOfACard)
     const sonavit::Graph graph = walkAll().graph();
 
     ASSERT_THAT(graph.devices, SizeIs(2));
-    EXPECT_EQ(Device::Kind::endpoint, graph.devices[0].kind);
+    EXPECT_EQ(GraphDevice::Kind::endpoint, graph.devices[0].kind);
     EXPECT_EQ("Speakers (Codec)", graph.devices[0].name);
     EXPECT_EQ(sonavit::Flow::output, graph.devices[0].flow);
     EXPECT_EQ(sonavit::State::active, graph.devices[0].state);
     EXPECT_TRUE(graph.devices[0].isListed);
     EXPECT_THAT(graph.devices[0].parts, ElementsAre(0u));
-    EXPECT_EQ(Device::Kind::adapter, graph.devices[1].kind);
+    EXPECT_EQ(GraphDevice::Kind::adapter, graph.devices[1].kind);
     EXPECT_EQ(card.adapter().id, graph.devices[1].id);
     EXPECT_EQ("Codec", graph.devices[1].name);
     EXPECT_THAT(graph.devices[1].parts, ElementsAre(1u, 2u, 3u, 4u));
@@ -81,7 +81,7 @@ TEST_F(HardwareWalkGraph, NamesADeviceThatCannotBeOpenedAndTheConnectorBehindIt)
     const sonavit::Graph graph = walkAll().graph();
 
     ASSERT_THAT(graph.devices, SizeIs(2));
-    EXPECT_EQ(Device::Kind::closed, graph.devices[1].kind);
+    EXPECT_EQ(GraphDevice::Kind::closed, graph.devices[1].kind);
     EXPECT_EQ("cannot be opened", graph.devices[1].name);
     EXPECT_TRUE(graph.devices[1].hasTopology);
     EXPECT_THAT(edgesOf(graph), ElementsAre("Speakers = #65536"));
@@ -145,7 +145,7 @@ TEST_F(HardwareWalkGraph, TellsEndpointsOfOtherCardsFromThoseItWasAskedFor)
     const sonavit::Graph graph = reading::HardwareWalk(enumerator(), {cardOf(speakers)}).graph();
 
     ASSERT_THAT(graph.devices, SizeIs(4));
-    EXPECT_EQ(Device::Kind::endpoint, graph.devices[2].kind);
+    EXPECT_EQ(GraphDevice::Kind::endpoint, graph.devices[2].kind);
     EXPECT_FALSE(graph.devices[2].isListed);
     EXPECT_EQ("Microphone (Stranger)", graph.devices[2].name);
     EXPECT_EQ(sonavit::Flow::input, graph.devices[2].flow);
@@ -174,7 +174,7 @@ TEST_F(HardwareWalkGraph, OfTwoEndpointsWhoseIdsDifferInCaseHasTheFirst)
     const sonavit::Graph graph = reading::HardwareWalk(enumerator(), all).graph();
 
     std::size_t twins = 0;
-    for (const Device& device : graph.devices)
+    for (const GraphDevice& device : graph.devices)
         twins += sonavit::compareIds(device.id, "{0.0.0.00000000}.{ff85b6a4-df35-4427-b365-431a7da80d5e}") == 0 ? 1 : 0;
     EXPECT_EQ(1u, twins);
 }

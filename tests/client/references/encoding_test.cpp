@@ -14,7 +14,6 @@ namespace
 using namespace sonavit;
 using namespace sonavit::test;
 using testing::HasSubstr;
-using testing::MatchesRegex;
 using testing::StartsWith;
 
 Device studio()
@@ -65,7 +64,8 @@ TEST(ReferenceText, IsTheSameForTheSameEndpoint)
 
     EXPECT_EQ(studioReference(), studioReference());
     EXPECT_EQ(studioReference(), referenceTo(other, studio().endpoints[0].id));
-    EXPECT_THAT(studioReference().text(), MatchesRegex("snv1:[A-Za-z0-9_-]+"));
+    ASSERT_THAT(studioReference().text(), StartsWith("snv1:"));
+    EXPECT_TRUE(references::bytesInBase64url(studioReference().text().substr(5)));
 }
 
 /// References are in users' files: this text has the meaning that it has here for good.

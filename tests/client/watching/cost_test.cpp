@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <string>
+#include <thread>
 
 using namespace sonavit;
 using namespace testing;
@@ -12,9 +13,8 @@ using namespace std::chrono_literals;
 
 namespace
 {
-constexpr std::size_t smallRefresh = 60;
-
-/// What reading costs on a computer with 120 endpoints, in calls of the platform.
+/// What reading costs on a computer with 120 endpoints, in calls of the platform. The bounds are a tenth above what
+/// was counted, and never above the limits in docs/performance.md.
 class SystemRefreshCost : public support::WatchTest
 {
 protected:
@@ -60,18 +60,17 @@ TEST_F(SystemRefreshCost, IsSmallAfterAChangeOfVolume)
     const std::size_t calls = callsSince();
 
     EXPECT_GT(calls, 0u);
-    EXPECT_LE(calls, smallRefresh);
+    EXPECT_LE(calls, 11u);
 }
 
 TEST_F(SystemRefreshCost, IsSmallAfterAChangeOfAProperty)
 {
-    sim::PropertyValue value;
     simulation().events().announceProperty(endpoint(State::active, Flow::output), PKEY_Device_DeviceDesc);
 
     const std::size_t calls = callsOfRefresh();
 
     EXPECT_GT(calls, 0u);
-    EXPECT_LE(calls, smallRefresh);
+    EXPECT_LE(calls, 13u);
 }
 
 TEST_F(SystemRefreshCost, IsSmallAfterAChangeOfState)
@@ -87,7 +86,7 @@ TEST_F(SystemRefreshCost, IsSmallAfterAChangeOfState)
             const std::size_t calls = callsOfRefresh();
 
             EXPECT_GT(calls, 0u);
-            EXPECT_LE(calls, smallRefresh) << state;
+            EXPECT_LE(calls, 59u) << state;
             callsSince();
         }
     }
@@ -103,7 +102,7 @@ TEST_F(SystemRefreshCost, IsSmallAfterAChangeOfDefaults)
     const std::size_t calls = callsOfRefresh();
 
     EXPECT_GT(calls, 0u);
-    EXPECT_LE(calls, smallRefresh);
+    EXPECT_LE(calls, 23u);
 }
 
 TEST_F(SystemRefreshCost, FollowsTheNumberOfEndpointsAfterAnAdditionOrRemoval)
@@ -117,7 +116,7 @@ TEST_F(SystemRefreshCost, FollowsTheNumberOfEndpointsAfterAnAdditionOrRemoval)
     const std::size_t addition = callsOfRefresh();
 
     EXPECT_GT(removal, endpoints());
-    EXPECT_LE(removal, limit);
+    EXPECT_LE(removal, 297u);
     EXPECT_GT(addition, endpoints());
     EXPECT_LE(addition, limit);
 }
@@ -145,7 +144,34 @@ TEST_F(SystemRefreshCost, OfTheFirstSnapshotIsLimited)
 
     System fresh(polledOptions());
     static_cast<void>(fresh.snapshot());
+    settle();
 
-    EXPECT_LE(callsSince(), 4200u);
+    EXPECT_LE(callsSince(), 2289u);
+}
+
+TEST_F(SystemRefreshCost, OfTheControlsOfAllEndpointsIsLimited)
+{
+    std::size_t controls = 0;
+
+    for (const Endpoint& endpoint : audio().snapshot().endpoints())
+        controls += audio().controls(endpoint.id())->size();
+
+    EXPECT_GT(controls, 0u);
+    EXPECT_LE(callsSince(), 7195u);
+}
+
+TEST_F(SystemRefreshCost, OfANotificationIsNoCallOnItsThread)
+{
+    const std::string id = endpoint(State::active, Flow::output);
+    const auto thread = std::this_thread::get_id();
+
+    simulation().events().setVolume(id, -12.0F);
+    simulation().events().announceProperty(id, PKEY_Device_DeviceDesc);
+    simulation().events().setState(id, DEVICE_STATE_UNPLUGGED);
+
+    const sim::JournalEntries calls = simulation().journal().entries().onThread(thread);
+    EXPECT_FALSE(calls.empty());
+    EXPECT_EQ(sim::JournalEntries().operations(),
+              calls.without("IMMNotificationClient::*").without("IAudioEndpointVolumeCallback::*").operations());
 }
 }

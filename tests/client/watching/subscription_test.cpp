@@ -116,6 +116,46 @@ TEST_F(SubscriptionCalls, EndBeforeTheSubscriptionIsDestroyed)
     EXPECT_TRUE(hasLeft.load());
 }
 
+/// A subscription that tells when it has ended.
+std::shared_ptr<Subscription> tellingItsEnd(Subscription subscription, std::promise<void>& ended)
+{
+    const auto end = [&ended](const Subscription* ending)
+    {
+        delete ending;
+        ended.set_value();
+    };
+    return {new Subscription(std::move(subscription)), end};
+}
+
+TEST_F(SubscriptionCalls, MayOwnWhatUsesTheSystemAtItsEnd)
+{
+    System& audio = start();
+    std::promise<void> ended;
+    std::shared_ptr<Subscription> owned = tellingItsEnd(audio.subscribe([](const Change&) {}), ended);
+    auto heard = std::make_unique<Subscription>();
+    *heard = audio.subscribe([&heard, owned](const Change&) { heard.reset(); });
+    owned.reset();
+
+    changeSomething();
+
+    ended.get_future().wait();
+    EXPECT_EQ(nullptr, heard);
+}
+
+TEST_F(SubscriptionCalls, MayOwnTheirOwnSubscription)
+{
+    System& audio = start();
+    std::promise<void> ended;
+    std::shared_ptr<Subscription> heard = tellingItsEnd(Subscription(), ended);
+    *heard = audio.subscribe([heard](const Change&) { heard->stop(); });
+    heard.reset();
+
+    changeSomething();
+
+    ended.get_future().wait();
+    EXPECT_TRUE(audio.refresh());
+}
+
 TEST_F(SubscriptionCalls, MayEndTheirOwnSubscription)
 {
     System& audio = start();
@@ -304,7 +344,8 @@ TEST_F(SystemPoll, ReturnsAfterItsTimeoutIfNothingWaits)
     const Subscription heard = audio().subscribe([](const Change&) {});
     std::future<std::size_t> calls = std::async(std::launch::async, [&] { return audio().poll(100ms); });
 
-    while (calls.wait_for(1ms) != std::future_status::ready) // it may begin after the first step
+    // It may not have looked at the clock yet.
+    while (calls.wait_for(1ms) != std::future_status::ready)
         clock->advance(100ms);
 
     EXPECT_EQ(0u, calls.get());

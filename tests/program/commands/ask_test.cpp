@@ -42,7 +42,7 @@ TEST_F(ProgramAsk, AnswersInJsonInAnyCase)
 
     EXPECT_EQ(
         json::parse(
-            R"({"schemaVersion": 1, "machine": null, "instanceId": "outputs\\1", "analogOut": true, "digitalOut": false,
+            R"({"schemaVersion": 2, "machine": null, "instanceId": "outputs\\1", "analogOut": true, "digitalOut": false,
                               "lineIn": false, "microphoneIn": true, "known": true})"),
         answer);
 }
@@ -52,7 +52,7 @@ TEST_F(ProgramAsk, AnswersNoForACardThatThereIsNot)
     const support::Answer text = call({"ask", "NOTHING"});
     const json answer = json::parse(call({"ask", "NOTHING", "--json"}).out);
 
-    EXPECT_EQ(0, text.code);
+    EXPECT_EQ(3, text.code);
     EXPECT_EQ("analog output     no\n"
               "digital output    no\n"
               "line input        no\n"
@@ -61,7 +61,7 @@ TEST_F(ProgramAsk, AnswersNoForACardThatThereIsNot)
               text.out);
     EXPECT_EQ(
         json::parse(
-            R"({"schemaVersion": 1, "machine": null, "instanceId": "NOTHING", "analogOut": false, "digitalOut": false,
+            R"({"schemaVersion": 2, "machine": null, "instanceId": "NOTHING", "analogOut": false, "digitalOut": false,
                               "lineIn": false, "microphoneIn": false, "known": false})"),
         answer);
 }

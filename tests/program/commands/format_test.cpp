@@ -122,7 +122,9 @@ TEST_F(ProgramFormat, IsLeftAloneWhereTheSystemRefuses)
     const support::Answer answer = call({"format", "Speakers", "--set", "24/96000/2"});
 
     EXPECT_EQ(1, answer.code);
-    EXPECT_EQ("sonavit: the system refused that format for Speakers (Analog Audio)\n", answer.err);
+    EXPECT_EQ("sonavit: the format of Speakers (Analog Audio) cannot be set: IPropertyStore::SetValue(deviceFormat) "
+              "failed: 0x80070005, access denied\n",
+              answer.err);
     EXPECT_EQ("16/48000/2", stored());
 }
 
@@ -135,7 +137,7 @@ TEST_F(ProgramFormat, IsNotSetWhereThereIsNoneToGoBackTo)
     const support::Answer answer = call({"format", "Speakers", "--set", "24/96000/2"});
 
     EXPECT_EQ(1, answer.code);
-    EXPECT_EQ("sonavit: the format of Speakers (Analog Audio) cannot be read, so it could not be restored\n",
+    EXPECT_EQ("sonavit: the format of Speakers (Analog Audio) cannot be set: the endpoint has no device format\n",
               answer.err);
     EXPECT_EQ("none", stored());
     EXPECT_EQ("Speakers (Analog Audio): -\n", call({"format", "Speakers"}).out);
@@ -150,4 +152,42 @@ TEST_F(ProgramFormat, IsNotSetWhereTheStoreCannotBeOpened)
 
     EXPECT_EQ(1, answer.code);
     EXPECT_EQ("16/48000/2", stored());
+}
+
+TEST_F(ProgramFormat, IsPutBackIfTheOutputIsLost)
+{
+    run(support::smallMachine());
+    std::ostringstream out;
+    std::ostringstream err;
+    sonavit::program::Environment own = environment(out, err);
+    std::string whileHeld;
+    own.pause = [&](std::chrono::milliseconds)
+    {
+        whileHeld = stored();
+        out.setstate(std::ios::badbit);
+        return true;
+    };
+
+    const int code = sonavit::program::run({"format", "Speakers", "--set", "24/96000/2"}, own);
+
+    EXPECT_EQ(130, code);
+    EXPECT_EQ("24/96000/2", whileHeld);
+    EXPECT_EQ("16/48000/2", stored());
+}
+
+TEST_F(ProgramFormat, IsLeftAloneIfAnotherProgramHasChangedItMeanwhile)
+{
+    run(support::smallMachine());
+    pause = [this](std::chrono::milliseconds)
+    {
+        simulation().events().setProperty(support::speakerId(), sim::keys::deviceFormat,
+                                          sim::PropertyValue::ofBytes(sim::DeviceFormat{32, 44100, 2}.bytes()));
+        return false;
+    };
+
+    const support::Answer answer = call({"format", "Speakers", "--set", "24/96000/2"});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_THAT(answer.err, testing::StartsWith("sonavit: the format of Speakers (Analog Audio) cannot be put back: "));
+    EXPECT_EQ("32/44100/2", stored());
 }

@@ -118,8 +118,8 @@ TEST_F(ProgramGraph, DrawsDevicesPartsAndEdges)
     EXPECT_EQ("", support::brokenDot(answer.out));
     EXPECT_THAT(answer.out, HasSubstr(R"(label="Speakers (Card)\noutput")"));
     EXPECT_THAT(answer.out, HasSubstr(R"(label="Speaker\nSpeakers", shape="box")"));
-    EXPECT_THAT(answer.out, HasSubstr(R"(label="Volume", shape="invtrapezium")"));
-    EXPECT_THAT(answer.out, HasSubstr(R"(label="Mute", shape="octagon")"));
+    EXPECT_THAT(answer.out, HasSubstr(R"(label="Volume\n-30.00 dB", shape="invtrapezium")"));
+    EXPECT_THAT(answer.out, HasSubstr(R"(label="Mute\nnot muted", shape="octagon")"));
     EXPECT_THAT(answer.out, Not(HasSubstr("connectors unknown")));
 }
 
@@ -212,8 +212,8 @@ TEST_F(ProgramGraph, IsOfOneCardWhereOneIsNamed)
 
     EXPECT_EQ(4u, graph()["devices"].size());
     EXPECT_EQ(2u, graph({"second"})["devices"].size());
-    EXPECT_EQ(2, call({"graph", "Third"}).code);
-    EXPECT_EQ(2, call({"graph", "first", "--endpoint", "Nothing"}).code);
+    EXPECT_EQ(3, call({"graph", "Third"}).code);
+    EXPECT_EQ(3, call({"graph", "first", "--endpoint", "Nothing"}).code);
 }
 
 TEST_F(ProgramGraph, ShowsWhatIsBehindADoorThatDoesNotOpen)
@@ -253,7 +253,7 @@ TEST_F(ProgramGraph, DrawsADeviceWhoseConnectorsAreUnknownBesideThoseThatAreKnow
 
     const support::Answer answer = call({"graph"});
     EXPECT_EQ("", support::brokenDot(answer.out));
-    EXPECT_THAT(answer.out, HasSubstr("label=\"Volume\""));
+    EXPECT_THAT(answer.out, HasSubstr("label=\"Volume\\n"));
     EXPECT_THAT(answer.out, HasSubstr("connectors unknown"));
 }
 
@@ -322,4 +322,69 @@ TEST_F(ProgramGraph, SaysThatAnEndpointIsOfAnotherCard)
     EXPECT_EQ(0, call({"graph", "Board", "--endpoint", "@DEFAULT_OUTPUT@"}).code);
     EXPECT_EQ("sonavit: \"@DEFAULT_OUTPUT@\" is an endpoint of the card \"Board\", not of \"Headset\"\n",
               call({"graph", "Headset", "--endpoint", "@DEFAULT_OUTPUT@"}).err);
+}
+
+TEST_F(ProgramGraph, ShowsOnlyThePathWhereThatIsAskedFor)
+{
+    run(support::smallMachine());
+
+    const json answer = graph({"--endpoint", "Speakers", "--only"});
+
+    std::vector<std::string> parts;
+    for (const json& device : answer["devices"])
+    {
+        for (const json& part : device["parts"])
+        {
+            EXPECT_EQ(true, part["onPath"]) << part;
+            parts.push_back(part["name"].is_null() ? device["name"] : part["name"]);
+        }
+    }
+    EXPECT_THAT(parts, testing::UnorderedElementsAre("Speakers (Analog Audio)", "Speakers", "Volume", "Mute",
+                                                     "Speakers Stream"));
+    EXPECT_EQ("", support::brokenDot(call({"graph", "--endpoint", "Speakers", "--only"}).out));
+}
+
+TEST_F(ProgramGraph, ShowsLevelsMutesAndStates)
+{
+    sim::MachineBuilder builder;
+    sim::CardBuilder card = builder.card("Card");
+    card.speaker("Speakers").hardwareVolume({-60.0f, 0.0f, 1.0f, -30.0f}).hardwareMute();
+    card.headphones("Headphones").unplugged();
+    run(builder.build());
+
+    const std::string text = call({"graph"}).out;
+    const json answer = graph();
+
+    EXPECT_THAT(text, HasSubstr(R"(label="Volume\n-30.00 dB")"));
+    EXPECT_THAT(text, HasSubstr(R"(label="Mute\nnot muted")"));
+    EXPECT_THAT(text, HasSubstr(R"(label="Headphones (Card)\noutput, unplugged")"));
+    std::vector<json> volumes;
+    std::vector<json> mutes;
+    for (const json& device : answer["devices"])
+    {
+        for (const json& part : device["parts"])
+        {
+            if (!part["channels"].is_null())
+                volumes.push_back(part["channels"][0]["decibels"]);
+            if (!part["muted"].is_null())
+                mutes.push_back(part["muted"]);
+        }
+    }
+    EXPECT_EQ(std::vector<json>{-30.0}, volumes);
+    EXPECT_EQ(std::vector<json>{false}, mutes);
+}
+
+TEST_F(ProgramGraph, MarksTheChosenInputOfASelector)
+{
+    const std::string text = call({"graph", "--machine", "studio"}).out;
+
+    EXPECT_THAT(text, HasSubstr("label=\"chosen\""));
+    EXPECT_EQ("", support::brokenDot(text));
+}
+
+TEST_F(ProgramGraph, ExplainsItsShapes)
+{
+    run(support::smallMachine());
+
+    EXPECT_THAT(call({"graph"}).out, HasSubstr("legend"));
 }

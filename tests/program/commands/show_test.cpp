@@ -19,7 +19,6 @@ class ProgramShow : public support::ProgramTest
 TEST_F(ProgramShow, ShowsAllAboutAnEndpoint)
 {
     run(support::smallMachine());
-    ownDefaultQuestions = 3;
 
     const support::Answer answer = call({"show", "Speakers"});
 
@@ -30,17 +29,16 @@ TEST_F(ProgramShow, ShowsAllAboutAnEndpoint)
                             "  short name   Speakers", "  flow         output",
                             "  jack         Speaker  {DFF21CE1-F70F-11D0-B917-00A0C9223196}", "  state        active",
                             "  default for  console, multimedia and communications", "  wave id      0",
-                            HasSubstr("  DirectSound  {"), HasSubstr("  driver node  "),
-                            "  format       48000 Hz, 16 bit, 2 channels (stereo)", "  speakers     stereo  0x00000003",
-                            "  volume       72%  -18.00 dB", "  range        -65.25 to 0.00 dB in steps of 0.75",
-                            "  channel 1    72%  -18.00 dB", "  channel 2    72%  -18.00 dB",
-                            "  mute         not muted"));
+                            HasSubstr("  DirectSound  {"), "  container    {00000000-0000-0000-FFFF-FFFFFFFFFFFF}",
+                            HasSubstr("  driver node  "), "  format       48000 Hz, 16 bit, 2 channels (stereo)",
+                            "  speakers     stereo  0x00000003", "  volume       72%  -18.00 dB",
+                            "  range        -65.25 to 0.00 dB in steps of 0.75", "  channel 1    72%  -18.00 dB",
+                            "  channel 2    72%  -18.00 dB", "  mute         not muted", "  attenuator   software"));
 }
 
 TEST_F(ProgramShow, AnswersInJson)
 {
     run(support::smallMachine());
-    ownDefaultQuestions = 3;
 
     const json answer = json::parse(call({"show", "Speakers", "--json"}).out);
 
@@ -54,8 +52,8 @@ TEST_F(ProgramShow, AnswersInJson)
               endpoint["format"]);
     EXPECT_EQ(json::parse(R"({"mask": 3, "names": ["front left", "front right"]})"), endpoint["speakers"]);
     EXPECT_EQ(json::parse(R"({"percent": 72, "decibels": -18, "range": {"min": -65.25, "max": 0, "step": 0.75},
-                              "channels": 2, "levels": [{"percent": 72, "decibels": -18},
-                                                        {"percent": 72, "decibels": -18}]})"),
+                              "channels": [{"percent": 72, "decibels": -18}, {"percent": 72, "decibels": -18}],
+                              "inHardware": false})"),
               endpoint["volume"]);
 }
 
@@ -81,7 +79,6 @@ TEST_F(ProgramShow, ShowsAnEndpointThatTellsNothing)
     machine.endpoints[1].topology.reset();
     machine.endpoints[1].volume.reset();
     run(std::move(machine));
-    ownDefaultQuestions = 6; // three for each call
 
     const support::Answer text = call({"show", support::headphonesId()});
     const json endpoint = json::parse(call({"show", support::headphonesId(), "--json"}).out)["endpoint"];
@@ -89,13 +86,13 @@ TEST_F(ProgramShow, ShowsAnEndpointThatTellsNothing)
     EXPECT_EQ(0, text.code);
     EXPECT_EQ("unnamed output " + support::headphonesId(), text.lines()[0]);
     for (const char* const key : {"name", "description", "jack", "waveId", "directSoundGuid", "format", "speakers",
-                                  "volume", "muted", "driverNodeStrongName", "friendlyName"})
+                                  "volume", "muted", "driverNodeStrongName", "interfaceName"})
         EXPECT_TRUE(endpoint[key].is_null()) << key;
 }
 
 TEST_F(ProgramShow, ShowsNoRoleWhereTheSystemReportsNoDefault)
 {
-    sim::Simulation simulation(support::smallMachine());
+    sim::Simulation& simulation = run(support::smallMachine());
     simulation.faults().succeedWithNull("IMMDeviceEnumerator::GetDefaultAudioEndpoint");
 
     const support::Answer answer = call({"show", support::speakerId()});

@@ -43,13 +43,14 @@ TEST_F(ProgramVolume, IsAnsweredInJson)
 
     const json answer = json::parse(call({"get-volume", "Speakers", "--json"}).out);
 
-    EXPECT_EQ(
-        json::parse(R"json({"schemaVersion": 1, "machine": null, "endpoint": ")json" + support::speakerId() + R"json(",
-        "name": "Speakers (Analog Audio)",
-        "volume": {"percent": 72, "decibels": -18, "range": {"min": -65.25, "max": 0, "step": 0.75}, "channels": 2,
-                   "levels": [{"percent": 72, "decibels": -18}, {"percent": 72, "decibels": -18}]},
+    EXPECT_EQ(json::parse(R"json({"schemaVersion": 2, "machine": null,
+        "endpoint": {"id": ")json" +
+                          support::speakerId() + R"json(", "name": "Speakers (Analog Audio)"},
+        "volume": {"percent": 72, "decibels": -18, "range": {"min": -65.25, "max": 0, "step": 0.75},
+                   "channels": [{"percent": 72, "decibels": -18}, {"percent": 72, "decibels": -18}],
+                   "inHardware": false},
         "muted": false})json"),
-        answer);
+              answer);
 }
 
 TEST_F(ProgramVolume, IsSetInPercent)
@@ -108,7 +109,7 @@ TEST_F(ProgramVolume, AnswersInJsonHowItWasAndIs)
     EXPECT_EQ(0, answer["volume"]["percent"]);
 }
 
-TEST_F(ProgramVolume, OutOfRangeInDecibelsIsRefusedByTheSystem)
+TEST_F(ProgramVolume, OutOfRangeInDecibelsIsAFailureThatNamesTheRange)
 {
     run(support::smallMachine());
 
@@ -116,8 +117,8 @@ TEST_F(ProgramVolume, OutOfRangeInDecibelsIsRefusedByTheSystem)
 
     EXPECT_EQ(1, answer.code);
     EXPECT_EQ("", answer.out);
-    EXPECT_EQ("sonavit: the system refused that volume for Speakers (Analog Audio), which takes -65.25 to 0.00 dB in "
-              "steps of 0.75\n",
+    EXPECT_EQ("sonavit: the volume of Speakers (Analog Audio) cannot be set: 3.00 dB is outside the range of -65.25 to "
+              "0.00 dB\n",
               answer.err);
     EXPECT_THAT(speaker().channels, ElementsAre(-18.0f, -18.0f));
 }
@@ -143,22 +144,27 @@ TEST_F(ProgramVolume, IsSetInFractionsOfAPercent)
     EXPECT_THAT(speaker().channels, testing::Each(testing::FloatNear(-65.25f + 65.25f * 0.333f, 0.001f)));
 }
 
-TEST_F(ProgramVolume, RefusalNamesNoRangeThatCannotBeRead)
+TEST_F(ProgramVolume, IsLeftToTheSystemToJudgeIfItsRangeCannotBeRead)
 {
     runRefusing({"SetMasterVolumeLevel", "GetVolumeRange"});
 
-    EXPECT_EQ("sonavit: the system refused that volume for Speakers (Analog Audio)\n",
-              call({"set-volume", "Speakers", "-3dB"}).err);
+    EXPECT_EQ(
+        "sonavit: the volume of Speakers (Analog Audio) cannot be set: IAudioEndpointVolume::SetMasterVolumeLevel "
+        "failed: 0x80004001, not implemented\n",
+        call({"set-volume", "Speakers", "-3dB"}).err);
 }
 
-TEST_F(ProgramVolume, HasNoRangeWhereTheSystemSucceedsWithoutOne)
+TEST_F(ProgramVolume, HasAnEmptyRangeAndNoPercentWhereTheSystemStoresNoRange)
 {
     sim::Simulation& simulation = run(support::smallMachine());
     simulation.faults().succeedWithNull("IAudioEndpointVolume::GetVolumeRange");
-    ownDefaultQuestions = 3;
 
-    EXPECT_TRUE(json::parse(call({"get-volume", "Speakers", "--json"}).out)["volume"]["range"].is_null());
-    EXPECT_THAT(call({"show", "Speakers"}).lines(), testing::Contains("  range        -"));
+    const json volume = json::parse(call({"get-volume", "Speakers", "--json"}).out)["volume"];
+
+    EXPECT_EQ(json::parse(R"({"min": 0, "max": 0, "step": 0})"), volume["range"]);
+    EXPECT_TRUE(volume["percent"].is_null());
+    EXPECT_EQ(-18, volume["decibels"]);
+    EXPECT_THAT(call({"show", "Speakers"}).lines(), testing::Contains("  volume       -  -18.00 dB"));
 }
 
 TEST_F(ProgramVolume, RefusalIsAFailure)
@@ -168,8 +174,9 @@ TEST_F(ProgramVolume, RefusalIsAFailure)
     const support::Answer answer = call({"set-volume", "Speakers", "50%", "--json"});
 
     EXPECT_EQ(1, answer.code);
-    EXPECT_THAT(json::parse(answer.out)["error"].get<std::string>(),
-                testing::StartsWith("the system refused that volume for Speakers (Analog Audio)"));
+    EXPECT_EQ("the volume of Speakers (Analog Audio) cannot be set: IAudioEndpointVolume::SetMasterVolumeLevelScalar "
+              "failed: 0x80004001, not implemented",
+              json::parse(answer.out)["error"]);
 }
 
 TEST_F(ProgramVolume, CannotStepFromALevelThatCannotBeRead)
@@ -180,7 +187,8 @@ TEST_F(ProgramVolume, CannotStepFromALevelThatCannotBeRead)
     const support::Answer level = call({"set-volume", "Speakers", "50%"});
 
     EXPECT_EQ(1, step.code);
-    EXPECT_EQ("sonavit: the volume of Speakers (Analog Audio) cannot be read, so it cannot be changed by a step\n",
+    EXPECT_EQ("sonavit: the volume of Speakers (Analog Audio) cannot be set: "
+              "IAudioEndpointVolume::GetMasterVolumeLevelScalar failed: 0x80004001, not implemented\n",
               step.err);
     EXPECT_EQ("Speakers (Analog Audio): - (-18.00 dB) \xE2\x86\x92 - (-32.62 dB)\n", level.out);
 }
@@ -222,22 +230,24 @@ TEST_F(ProgramVolume, AnswersInJsonHowTheMuteWasAndIs)
 
     const json answer = json::parse(call({"mute", "Speakers", "on", "--json"}).out);
 
-    EXPECT_EQ(
-        json::parse(R"json({"schemaVersion": 1, "machine": null, "endpoint": ")json" + support::speakerId() + R"json(",
-        "name": "Speakers (Analog Audio)", "before": false, "after": true, "muted": true})json"),
-        answer);
+    EXPECT_EQ(json::parse(R"json({"schemaVersion": 2, "machine": null, "endpoint": {"id": ")json" +
+                          support::speakerId() + R"json(",
+        "name": "Speakers (Analog Audio)"}, "before": false, "after": true, "muted": true})json"),
+              answer);
 }
 
 TEST_F(ProgramVolume, RefusedMuteIsAFailure)
 {
-    runRefusing({"SetMute"});
+    run(support::smallMachine());
+    simulation().faults().fail("IAudioEndpointVolume::SetMute", E_ACCESSDENIED);
+    const std::string reason = ": IAudioEndpointVolume::SetMute failed: 0x80070005, access denied\n";
 
     const support::Answer muting = call({"mute", "Speakers", "on"});
-    const support::Answer unmuting = call({"mute", "Speakers", "off"});
+    const support::Answer unmuting = call({"mute", "Microphone", "off"});
 
     EXPECT_EQ(1, muting.code);
-    EXPECT_EQ("sonavit: the system refused to mute Speakers (Analog Audio)\n", muting.err);
-    EXPECT_EQ("sonavit: the system refused to unmute Speakers (Analog Audio)\n", unmuting.err);
+    EXPECT_EQ("sonavit: Speakers (Analog Audio) cannot be muted" + reason, muting.err);
+    EXPECT_EQ("sonavit: Microphone (Analog Audio) cannot be unmuted" + reason, unmuting.err);
 }
 
 TEST_F(ProgramVolume, CannotToggleAMuteThatCannotBeRead)
@@ -248,7 +258,43 @@ TEST_F(ProgramVolume, CannotToggleAMuteThatCannotBeRead)
     const support::Answer muting = call({"mute", "Speakers", "on"});
 
     EXPECT_EQ(1, toggling.code);
-    EXPECT_EQ("sonavit: the mute of Speakers (Analog Audio) cannot be read, so it cannot be toggled\n", toggling.err);
+    EXPECT_EQ("sonavit: the mute of Speakers (Analog Audio) cannot be toggled: IAudioEndpointVolume::GetMute failed: "
+              "0x80004001, not implemented\n",
+              toggling.err);
     EXPECT_EQ("Speakers (Analog Audio): - \xE2\x86\x92 -\n", muting.out);
     EXPECT_TRUE(speaker().muted);
+}
+
+TEST_F(ProgramVolume, IsSetOnOneChannel)
+{
+    run(support::smallMachine());
+
+    const support::Answer answer = call({"set-volume", "Speakers", "-30dB", "--channel", "2"});
+
+    EXPECT_EQ(0, answer.code);
+    EXPECT_EQ("Speakers (Analog Audio), channel 2: 72% (-18.00 dB) \xE2\x86\x92 54% (-30.00 dB)\n", answer.out);
+    EXPECT_THAT(speaker().channels, ElementsAre(-18.0f, -30.0f));
+}
+
+TEST_F(ProgramVolume, AnswersInJsonHowTheChannelWasAndIs)
+{
+    run(support::smallMachine());
+
+    const json answer = json::parse(call({"set-volume", "Speakers", "3dB-", "--channel", "1", "--json"}).out);
+
+    EXPECT_EQ(json::parse(R"({"percent": 72, "decibels": -18})"), answer["before"]);
+    EXPECT_EQ(-21, answer["after"]["decibels"]);
+    EXPECT_EQ(-21, answer["volume"]["channels"][0]["decibels"]);
+    EXPECT_EQ(-18, answer["volume"]["channels"][1]["decibels"]);
+}
+
+TEST_F(ProgramVolume, HasNoOtherChannelsThanTheDevice)
+{
+    run(support::smallMachine());
+
+    const support::Answer answer = call({"set-volume", "Speakers", "50%", "--channel", "3"});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_THAT(answer.err, testing::StartsWith("sonavit: the volume of Speakers (Analog Audio) cannot be set: "));
+    EXPECT_THAT(speaker().channels, ElementsAre(-18.0f, -18.0f));
 }

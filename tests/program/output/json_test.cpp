@@ -48,7 +48,7 @@ TEST(ProgramJson, EscapesTexts)
 
 TEST(ProgramJson, BeginsDocumentsWithTheVersion)
 {
-    EXPECT_EQ(R"({"schemaVersion":1,"x":true})", Json::document({{"x", true}}).line());
+    EXPECT_EQ(R"({"schemaVersion":2,"x":true})", Json::document({{"x", true}}).line());
 }
 
 TEST(ProgramJson, CopiesDeeply)

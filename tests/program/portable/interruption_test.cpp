@@ -33,14 +33,6 @@ protected:
     }
 };
 
-int count(const std::string& text, const std::string& piece)
-{
-    int result = 0;
-    for (std::size_t place = text.find(piece); place != std::string::npos; place = text.find(piece, place + 1))
-        ++result;
-    return result;
-}
-
 std::string signalName(const testing::TestParamInfo<int>& signal)
 {
     const std::map<int, std::string> names = {{SIGINT, "INT"}, {SIGTERM, "TERM"}, {SIGHUP, "HUP"}, {SIGQUIT, "QUIT"}};
@@ -69,9 +61,9 @@ TEST_P(ProgramInterruption, EndsACommandAtOnceThatHasNothingToPutBack)
 {
     const SlowMachine machine;
     support::ProgramStart start;
-    start.words = {"--machine", machine.path(), "--log", "debug", "list"};
+    start.words = {"--machine", machine.path(), "list"};
     support::ProgramProcess program(start);
-    ASSERT_TRUE(program.errorsShow("libSonavit"));
+    ASSERT_TRUE(program.errorsShow("Simulated machine slow"));
 
     program.send(GetParam());
 
@@ -123,26 +115,23 @@ namespace
 using ProgramWithoutReader = ProgramInterruption;
 }
 
-TEST_F(ProgramWithoutReader, PutsAHeldFormatBack)
+TEST_F(ProgramWithoutReader, EndsACommandThatHoldsAFormat)
 {
-    support::ProgramStart start = holding();
-    start.words.insert(start.words.end(), {"--log", "debug"});
-    support::ProgramProcess program(start);
+    support::ProgramProcess program(holding());
     ASSERT_TRUE(program.outputShows("during "));
 
     program.closeOutput();
 
     EXPECT_EQ(-SIGPIPE, program.end());
-    EXPECT_EQ(2, count(program.errors(), "> AudioDevice::setFormat")) << "one to set it, one to put it back";
     EXPECT_THAT(program.errors(), Not(HasSubstr("sonavit: ")));
 }
 
 TEST_F(ProgramWithoutReader, EndsTheMonitorEvenIfNothingHappens)
 {
     support::ProgramStart start = monitoring();
-    start.words = {"--machine", "empty", "monitor", "--log", "debug"};
+    start.words = {"--machine", "empty", "monitor"};
     support::ProgramProcess program(start);
-    ASSERT_TRUE(program.errorsShow("libSonavit"));
+    ASSERT_TRUE(program.errorsShow("This machine has no events."));
 
     program.closeOutput();
 

@@ -1,8 +1,8 @@
 #include "libSonavit/sysinfohelper.h"
-#include "tools/sonavit/accountrights.h"
+#include "tools/sonavit/choice.h"
 #include "tools/sonavit/commands/commands.h"
-#include "tools/sonavit/endpoint.h"
-#include "tools/sonavit/output/json.h"
+#include "tools/sonavit/failure.h"
+#include "tools/sonavit/output/modeljson.h"
 #include "tools/sonavit/output/table.h"
 #include "tools/sonavit/output/text.h"
 
@@ -33,10 +33,10 @@ Answers askHelper(const std::string& instanceId)
 /// The helper answers no for a card that does not exist.
 bool isKnown(const Context& context, const std::string& instanceId)
 {
-    const std::vector<Card> cards = readCards();
-    reportUnreadable(context, cards);
-    return std::any_of(cards.begin(), cards.end(),
-                       [&](const Card& card) { return equalNoCase(card.instanceId.value_or(""), instanceId); });
+    const Snapshot snapshot = readSnapshot(context);
+    reportDenied(context, snapshot.cards());
+    return std::any_of(snapshot.cards().begin(), snapshot.cards().end(),
+                       [&](const Card& card) { return equalNoCase(card.instanceId().value_or(""), instanceId); });
 }
 }
 
@@ -48,14 +48,17 @@ void runAsk(Context& context)
     const Answers answers = askHelper(instanceId);
     if (context.arguments.isJson)
     {
-        const Json answer = Json::document({{"machine", context.session.machineName()},
-                                            {"instanceId", instanceId},
-                                            {"analogOut", answers.analogOut},
-                                            {"digitalOut", answers.digitalOut},
-                                            {"lineIn", answers.lineIn},
-                                            {"microphoneIn", answers.microphoneIn},
-                                            {"known", isKnownCard}});
-        environment.out << answer.text() << "\n";
+        environment.out << machineDocument(context.session.machineName())
+                               .set("instanceId", instanceId)
+                               .set("analogOut", answers.analogOut)
+                               .set("digitalOut", answers.digitalOut)
+                               .set("lineIn", answers.lineIn)
+                               .set("microphoneIn", answers.microphoneIn)
+                               .set("known", isKnownCard)
+                               .text()
+                        << "\n";
+        if (!isKnownCard)
+            throw Answered(exitNotThere);
         return;
     }
     Table table({{Table::Column::Align::left, 0, 0, 0}, {}});
@@ -69,6 +72,9 @@ void runAsk(Context& context)
     for (const std::string& line : table.lines(0, environment.hasColours))
         environment.out << line << "\n";
     if (!isKnownCard)
+    {
         environment.out << "No card has this instance id.\n";
+        throw Answered(exitNotThere);
+    }
 }
 }

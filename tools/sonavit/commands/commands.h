@@ -23,6 +23,13 @@ void runAsk(Context& context);
 void runGetVolume(Context& context);
 void runSetVolume(Context& context);
 void runMute(Context& context);
+void runSetControl(Context& context);
+void runSelect(Context& context);
+void runSave(Context& context);
+void runRestore(Context& context);
+void runFind(Context& context);
+void runRefer(Context& context);
+void runResolve(Context& context);
 void runMonitor(Context& context);
 void runFormat(Context& context);
 }

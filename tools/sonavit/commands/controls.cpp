@@ -1,12 +1,15 @@
-#include "qor/exception.h"
-#include "tools/sonavit/accountrights.h"
+#include "tools/sonavit/choice.h"
 #include "tools/sonavit/commands/commands.h"
 #include "tools/sonavit/failure.h"
-#include "tools/sonavit/hardwarecontrol.h"
 #include "tools/sonavit/output/modeljson.h"
 #include "tools/sonavit/output/modelwords.h"
 #include "tools/sonavit/output/table.h"
 #include "tools/sonavit/output/text.h"
+#include "tools/sonavit/problemnote.h"
+#include "tools/sonavit/simulationnote.h"
+
+#include <algorithm>
+#include <cstddef>
 
 namespace sonavit::program
 {
@@ -14,27 +17,20 @@ namespace
 {
 using Align = Table::Column::Align;
 
-/// The library finds the controls on a walk through the card's graph, which may lead out of it.
-std::vector<HardwareControl> readControls(const Card& card, const Endpoint& endpoint)
+Found<Control> readControls(const Context& context, const CardEndpoint& place)
 {
-    const std::string sentence = "the hardware controls of " + shortTitleWords(endpoint) + " cannot be read: ";
-    qor::Array<SoundCard::VolumeController> records;
-    try
-    {
-        card.card.volumeController(endpoint.device, records);
-    }
-    catch (const qor::IndexOutOfBounds&)
-    {
-        throw OperationFailure(sentence + "the path leads to a part that the card's graph does not contain");
-    }
-    catch (const qor::AssertionFailure&)
-    {
-        throw OperationFailure(sentence + "the system reported success without a result");
-    }
-    std::vector<HardwareControl> controls;
-    for (unsigned i = 0; i < records.size(); ++i)
-        controls.push_back(readControl(records[i]));
-    return controls;
+    Result<Found<Control>> controls = context.session.source().controls(place);
+    if (!controls)
+        raise(controls.problem(), "the hardware controls of " + shortTitleWords(place.endpoint) + " cannot be read");
+    return *std::move(controls);
+}
+
+std::size_t countProblems(const Found<Control>& found)
+{
+    std::size_t count = found.problems.size();
+    for (const Control& control : found.things)
+        count += control.problems.size();
+    return count;
 }
 
 /// "on" and "off", as `mute` takes them.
@@ -47,12 +43,26 @@ std::string shortMuteWords(const std::optional<bool>& isMuted)
 
 std::string spanWords(const std::optional<LevelRange>& range)
 {
-    return range ? decimalText(range->minimum, 2) + " to " + decimalText(range->maximum, 2) + " dB" : nothing;
+    return range ? decimalText(static_cast<float>(range->minimum), 2) + " to " +
+                       decimalText(static_cast<float>(range->maximum), 2) + " dB"
+                 : nothing;
 }
 
 std::string stepWords(const std::optional<LevelRange>& range)
 {
-    return range ? decimalText(range->step, 2) : nothing;
+    return range ? decimalText(static_cast<float>(range->step), 2) : nothing;
+}
+
+/// The owner's name, and that of the node where it says more than that it is a volume.
+std::string nameWords(const Control& control)
+{
+    const std::string owner = printable(control.ownerName.value_or(nothing));
+    const std::string own = printable(control.name.value_or(""));
+    const bool beginsWithOwner = equalNoCase(own.substr(0, owner.size() + 1), owner + " ");
+    const std::string rest = beginsWithOwner ? own.substr(owner.size() + 1) : own;
+    const bool saysMore =
+        !rest.empty() && !equalNoCase(rest, "volume") && !equalNoCase(rest, "level") && !equalNoCase(rest, owner);
+    return saysMore ? owner + ", " + rest : owner;
 }
 
 /// The cells from the channel to the step.
@@ -60,8 +70,8 @@ void addLevel(std::vector<Table::Cell>& row, const std::string& channel, const L
               const std::optional<LevelRange>& range)
 {
     row.push_back({channel, Paint::dim});
-    row.push_back({percentText(level.percent), Paint::none});
-    row.push_back({decibelText(level.decibels), Paint::none});
+    row.push_back({percentWords(level.percent), Paint::none});
+    row.push_back({decibelWords(level.decibels), Paint::none});
     row.push_back({spanWords(range), Paint::none});
     row.push_back({stepWords(range), Paint::none});
 }
@@ -72,7 +82,7 @@ Table::Cell muteCell(const std::string& words, const std::optional<bool>& isMute
 }
 
 /// A control without channels, or one that does not report them, still has a row.
-void addRows(Table& table, const HardwareControl& control)
+void addRows(Table& table, const Control& control)
 {
     const std::vector<ControlChannel> blank(1);
     const bool hasChannels = control.channels && !control.channels->empty();
@@ -80,7 +90,7 @@ void addRows(Table& table, const HardwareControl& control)
     for (std::size_t i = 0; i < channels.size(); ++i)
     {
         const bool isFirst = i == 0;
-        std::vector<Table::Cell> row = {{isFirst ? printable(control.ownerName.value_or(nothing)) : "", Paint::bold},
+        std::vector<Table::Cell> row = {{isFirst ? nameWords(control) : "", Paint::bold},
                                         {isFirst ? kindWords(control.ownerType) : "", Paint::none}};
         addLevel(row, hasChannels ? std::to_string(i + 1) : nothing, channels[i].level, channels[i].range);
         const std::string mute = control.hasMute ? shortMuteWords(control.isMuted) : "none";
@@ -89,7 +99,7 @@ void addRows(Table& table, const HardwareControl& control)
     }
 }
 
-void showTable(const Environment& environment, const EndpointLevel& own, const std::vector<HardwareControl>& controls)
+void showTable(const Environment& environment, const Volume& own, const std::vector<Control>& controls)
 {
     Table table({{Align::left, 0, 0, 12, 6, ""},
                  {Align::left, 2, 2, 0, 0, "jack"},
@@ -107,38 +117,102 @@ void showTable(const Environment& environment, const EndpointLevel& own, const s
     addLevel(row, "all", own.master, own.range);
     row.push_back(muteCell(shortMuteWords(own.isMuted), own.isMuted));
     table.add(row);
-    for (const HardwareControl& control : controls)
+    for (const Control& control : controls)
         addRows(table, control);
     for (const std::string& line : table.lines(environment.width, environment.hasColours))
         environment.out << line << "\n";
     for (const std::string& line : leftOutNote(table.leftOut(environment.width), environment.width))
         environment.out << painted(line, Paint::dim, environment.hasColours) << "\n";
 }
+
+/// "-12.00 dB", of each channel where they differ.
+std::string levelsWords(const Control& control)
+{
+    const std::vector<ControlChannel> channels = control.channels.value_or(std::vector<ControlChannel>());
+    if (channels.empty())
+        return nothing;
+    const auto isFirst = [&](const ControlChannel& channel) { return channel.level == channels.front().level; };
+    const bool isEqual = std::all_of(channels.begin(), channels.end(), isFirst);
+    std::string words;
+    for (std::size_t i = 0; i < (isEqual ? 1 : channels.size()); ++i)
+        words += (i == 0 ? "" : ", ") + percentWords(channels[i].level.percent) + " (" +
+                 decibelWords(channels[i].level.decibels) + ")";
+    return words;
+}
+
+Result<Control> change(const Context& context, const Endpoint& endpoint)
+{
+    const Arguments& arguments = context.arguments;
+    System& audio = context.session.audio();
+    if (const LevelChange* const level = std::get_if<LevelChange>(&arguments.controlChange))
+        return audio.setControl(endpoint.id(), arguments.control, *level);
+    const bool isMuted = std::get<MuteChange>(arguments.controlChange) == MuteChange::on;
+    return audio.setControlMute(endpoint.id(), arguments.control, isMuted);
+}
+
+/// The control as it was before it became @p after; no value if it was not there.
+std::optional<Control> before(const std::vector<Control>& controls, const Control& after)
+{
+    const auto found =
+        std::find_if(controls.begin(), controls.end(), [&](const Control& control) { return control.id == after.id; });
+    return found == controls.end() ? std::nullopt : std::optional<Control>(*found);
+}
 }
 
 void runControls(Context& context)
 {
-    std::vector<Card> cards = readCards();
-    const EndpointOfCard found = requestedEndpoint(context, cards);
-    const std::vector<HardwareControl> controls = readControls(found.card, found.endpoint);
-    const EndpointLevel own = readLevel(found.endpoint.device);
+    const Snapshot snapshot = readSnapshot(context);
+    const CardEndpoint found = requestedEndpoint(context, snapshot);
+    const Found<Control> hardware = readControls(context, found);
+    const std::vector<Control>& controls = hardware.things;
+    const std::optional<Volume>& own = found.endpoint.volume();
     const Environment& environment = context.environment;
     if (context.arguments.isJson)
     {
         Json list = Json::array();
-        for (const HardwareControl& control : controls)
+        for (const Control& control : controls)
             list.append(controlJson(control));
-        const Json answer = Json::document({{"machine", context.session.machineName()},
-                                            {"endpoint", found.endpoint.id},
-                                            {"name", found.endpoint.name()},
-                                            {"controls", list},
-                                            {"endpointVolume", volumeWithChannelsJson(own)},
-                                            {"endpointMuted", own.isMuted}});
-        environment.out << answer.text() << "\n";
+        environment.out << machineDocument(context.session.machineName())
+                               .set("endpoint", endpointNameJson(found.endpoint))
+                               .set("controls", list)
+                               .set("volume", volumeJson(own))
+                               .set("muted", mutedJson(own))
+                               .set("problems", problemsJson(hardware.problems))
+                               .text()
+                        << "\n";
         return;
     }
     environment.out << painted(titleWords(found.endpoint), Paint::bold, environment.hasColours) << ", "
                     << counted(controls.size(), "hardware control") << "\n";
-    showTable(environment, own, controls);
+    showTable(environment, own.value_or(Volume()), controls);
+    showProblems(context, countProblems(hardware), "--json says why");
+}
+
+void runSetControl(Context& context)
+{
+    const Snapshot snapshot = readSnapshot(context);
+    const CardEndpoint place = requestedEndpoint(context, snapshot);
+    const Endpoint& endpoint = place.endpoint;
+    const Found<Control> known = readControls(context, place);
+    const Result<Control> after = change(context, endpoint);
+    if (!after)
+        raiseOfHardware(after.problem(), known.problems);
+    announceTemporaryChange(context);
+    const std::optional<Control> former = before(known.things, *after);
+    if (context.arguments.isJson)
+    {
+        context.environment.out << machineDocument(context.session.machineName())
+                                       .set("endpoint", endpointNameJson(endpoint))
+                                       .set("before", former ? controlJson(*former) : Json())
+                                       .set("after", controlJson(*after))
+                                       .text()
+                                << "\n";
+        return;
+    }
+    const bool isLevel = std::holds_alternative<LevelChange>(context.arguments.controlChange);
+    const auto words = [&](const Control& control)
+    { return isLevel ? levelsWords(control) : muteWords(control.isMuted); };
+    context.environment.out << titleWords(endpoint) << ", " << nameWords(*after) << ": "
+                            << (former ? words(*former) : nothing) << " \xE2\x86\x92 " << words(*after) << "\n";
 }
 }

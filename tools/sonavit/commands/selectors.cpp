@@ -1,162 +1,61 @@
-#include "tools/sonavit/accountrights.h"
-#include "tools/sonavit/cardgraph.h"
+#include "tools/sonavit/choice.h"
 #include "tools/sonavit/commands/commands.h"
-#include "tools/sonavit/endpointname.h"
-#include "tools/sonavit/output/json.h"
+#include "tools/sonavit/failure.h"
+#include "tools/sonavit/output/modeljson.h"
 #include "tools/sonavit/output/modelwords.h"
 #include "tools/sonavit/output/table.h"
 #include "tools/sonavit/output/text.h"
+#include "tools/sonavit/problemnote.h"
+#include "tools/sonavit/simulationnote.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace sonavit::program
 {
 namespace
 {
-/// One input of a selector.
-struct Input
+/// A selector with the card that it belongs to.
+struct CardSelector
 {
-    std::optional<unsigned> id; ///< the selection has this value when the input is selected
-    std::optional<std::string> name;
-    std::optional<std::string> connectorName; ///< of the connector that feeds this input
-    std::optional<GUID> connectorType;
+    Card card;
+    Selector selector;
 };
 
-struct Selector
+Found<CardSelector> readSelectors(const Context& context, const std::vector<Card>& cards)
 {
-    std::optional<unsigned> selection;
-    std::optional<std::string> deviceId;
-    std::optional<std::string> deviceName;
-    std::optional<std::string> name;
-    std::vector<Input> inputs;
-};
-
-std::optional<unsigned> selectionOf(const COMPtr<IAudioInputSelector>::pointer& selector)
-{
-    UINT selection = 0;
-    if (selector.get() == nullptr || FAILED(selector->GetSelection(&selection)))
-        return std::nullopt;
-    return selection;
-}
-
-/// The subunits of a card's adapters that are selectors, in the order in which the library searches.
-std::vector<std::size_t> selectorParts(const CardGraph& graph)
-{
-    std::vector<std::size_t> result;
-    for (const CardGraph::Device& device : graph.devices())
+    Found<CardSelector> result;
+    for (const Card& card : cards)
     {
-        if (device.kind != CardGraph::Device::Kind::adapter)
-            continue;
-        for (const std::size_t part : device.parts)
-        {
-            void* object = nullptr;
-            const COMPtr<IPart>::pointer platformPart = graph.parts()[part].part.part();
-            if (!graph.parts()[part].isConnector && platformPart.get() != nullptr)
-                platformPart->Activate(CLSCTX_ALL, IID_IAudioInputSelector, &object);
-            const COMPtr<IAudioInputSelector>::pointer holder(static_cast<IAudioInputSelector*>(object));
-            if (object != nullptr)
-                result.push_back(part);
-        }
+        const Result<Found<Selector>> selectors = context.session.source().selectors(card.id());
+        if (!selectors)
+            raise(selectors.problem(), "the selectors of " + inQuotes(card.title()) + " cannot be read");
+        for (const Selector& selector : selectors->things)
+            result.things.push_back({card, selector});
+        result.problems.insert(result.problems.end(), selectors->problems.begin(), selectors->problems.end());
     }
     return result;
 }
 
-/// The nearest connector upstream of a part.
-std::size_t sourceConnector(const CardGraph& graph, std::size_t part)
+std::size_t countProblems(const Found<CardSelector>& found)
 {
-    std::vector<std::size_t> reached = {part};
-    for (std::size_t i = 0; i < reached.size(); ++i)
-    {
-        if (graph.parts()[reached[i]].isConnector)
-            return reached[i];
-        for (const std::size_t source : graph.sourcesOf(reached[i]))
-        {
-            if (std::find(reached.begin(), reached.end(), source) == reached.end())
-                reached.push_back(source);
-        }
-    }
-    return CardGraph::none;
-}
-
-Input readInput(const CardGraph& graph, std::size_t part)
-{
-    Input input;
-    UINT id = 0;
-    const COMPtr<IPart>::pointer platformPart = graph.parts()[part].part.part();
-    if (platformPart.get() != nullptr && SUCCEEDED(platformPart->GetLocalId(&id)))
-        input.id = id;
-    input.name = graph.parts()[part].name;
-    const std::size_t connector = sourceConnector(graph, part);
-    if (connector != CardGraph::none)
-    {
-        input.connectorName = graph.parts()[connector].name;
-        input.connectorType = graph.parts()[connector].type;
-    }
-    return input;
-}
-
-/// The library returns only the selectors' interfaces. The part and device of each come from the graph, whose walk has
-/// the same order; if the two walks find different numbers, they are left out.
-std::vector<Selector> readSelectors(Card& card)
-{
-    qor::Array<COMPtr<IAudioInputSelector>::pointer> found;
-    card.card.recordingMux(found);
-    const CardGraph graph(std::vector<Card>{card});
-    const std::vector<std::size_t> parts = selectorParts(graph);
-    std::vector<Selector> selectors;
-    for (unsigned i = 0; i < found.size(); ++i)
-    {
-        Selector selector;
-        selector.selection = selectionOf(found[i]);
-        if (parts.size() == found.size())
-        {
-            const CardGraph::Part& part = graph.parts()[parts[i]];
-            selector.deviceId = graph.devices()[part.device].id;
-            selector.deviceName = graph.devices()[part.device].name;
-            selector.name = part.name;
-            for (const std::size_t source : graph.sourcesOf(parts[i]))
-                selector.inputs.push_back(readInput(graph, source));
-        }
-        selectors.push_back(std::move(selector));
-    }
-    return selectors;
-}
-
-Json selectorJson(const Card& card, const Selector& selector)
-{
-    Json inputs = Json::array();
-    for (const Input& input : selector.inputs)
-    {
-        inputs.append(Json::object({{"id", input.id},
-                                    {"name", input.name},
-                                    {"connector", input.connectorName},
-                                    {"jack", kindKey(input.connectorType)},
-                                    {"isSelected", input.id && input.id == selector.selection}}));
-    }
-    return Json::object({{"card", card.id},
-                         {"cardName", card.name},
-                         {"device", selector.deviceId},
-                         {"deviceName", selector.deviceName},
-                         {"name", selector.name},
-                         {"selection", selector.selection},
-                         {"inputs", inputs}});
+    std::size_t count = found.problems.size();
+    for (const CardSelector& known : found.things)
+        count += known.selector.problems.size();
+    return count;
 }
 
 void showSelector(const Environment& environment, const Card& card, const Selector& selector)
 {
     const std::string name = selector.name ? ", " + printable(*selector.name) : "";
-    environment.out << painted(printable(card.name) + name, Paint::bold, environment.hasColours) << "\n";
+    environment.out << painted(printable(card.title()) + name, Paint::bold, environment.hasColours) << "\n";
     using Align = Table::Column::Align;
     Table table({{Align::left, 0, 0, 0, 0, ""},
                  {Align::left, 2, 0, 10, 4, ""},
                  {Align::left, 2, 1, 0, 0, "jack"},
                  {Align::left, 2, 2, 0, 0, "input name"}});
-    bool isSelectionShown = false;
-    for (const Input& input : selector.inputs)
+    for (const SelectorInput& input : selector.inputs)
     {
-        const bool isSelected = input.id && input.id == selector.selection;
-        isSelectionShown = isSelectionShown || isSelected;
+        const bool isSelected = &input == selector.selected();
         const Paint paint = isSelected ? Paint::none : Paint::dim;
         table.add({{isSelected ? "  *" : "   ", Paint::green},
                    {printable(input.connectorName.value_or(nothing)), isSelected ? Paint::bold : Paint::dim},
@@ -167,33 +66,88 @@ void showSelector(const Environment& environment, const Card& card, const Select
         environment.out << line << "\n";
     for (const std::string& line : leftOutNote(table.leftOut(environment.width), environment.width))
         environment.out << painted(line, Paint::dim, environment.hasColours) << "\n";
-    if (!isSelectionShown)
+    if (selector.selected() == nullptr)
         environment.out << "  selection " << (selector.selection ? std::to_string(*selector.selection) : nothing)
                         << "\n";
+}
+
+/// "Combo 3", or the number of a selection that is no input.
+std::string selectionWords(const Selector& selector)
+{
+    if (const SelectorInput* const input = selector.selected())
+        return printable(input->title());
+    return selector.selection ? std::to_string(*selector.selection) : nothing;
+}
+
+/// The selector as it was before it became @p after.
+std::optional<CardSelector> before(const std::vector<CardSelector>& selectors, const Selector& after)
+{
+    const auto found = std::find_if(selectors.begin(), selectors.end(),
+                                    [&](const CardSelector& known) { return known.selector.id == after.id; });
+    return found == selectors.end() ? std::nullopt : std::optional<CardSelector>(*found);
+}
+
+Json selectionJson(const Selector& selector)
+{
+    const SelectorInput* const input = selector.selected();
+    return Json::object({{"id", selector.selection}, {"name", input != nullptr ? Json(input->title()) : Json()}});
 }
 }
 
 void runSelectors(Context& context)
 {
-    std::vector<Card> cards = readCards();
-    reportUnreadable(context, cards);
-    keepCards(cards, context.arguments.card);
-    Json list = Json::array();
-    bool hasAny = false;
-    for (Card& card : cards)
-    {
-        for (const Selector& selector : readSelectors(card))
-        {
-            list.append(selectorJson(card, selector));
-            if (!context.arguments.isJson)
-                showSelector(context.environment, card, selector);
-            hasAny = true;
-        }
-    }
+    const Snapshot snapshot = readSnapshot(context);
+    const std::vector<Card> cards = requestedCards(context, snapshot);
+    reportDenied(context, cards);
+    const Found<CardSelector> found = readSelectors(context, cards);
+    const std::vector<CardSelector>& selectors = found.things;
     if (context.arguments.isJson)
-        context.environment.out
-            << Json::document({{"machine", context.session.machineName()}, {"selectors", list}}).text() << "\n";
-    else if (!hasAny)
+    {
+        Json list = Json::array();
+        for (const CardSelector& known : selectors)
+            list.append(selectorJson(known.card, known.selector));
+        context.environment.out << machineDocument(context.session.machineName())
+                                       .set("selectors", list)
+                                       .set("problems", problemsJson(found.problems))
+                                       .text()
+                                << "\n";
+        return;
+    }
+    for (const CardSelector& known : selectors)
+        showSelector(context.environment, known.card, known.selector);
+    if (selectors.empty())
         context.environment.out << "There is no input selector.\n";
+    showProblems(context, countProblems(found), "--json says why");
+}
+
+void runSelect(Context& context)
+{
+    const Snapshot snapshot = readSnapshot(context);
+    const std::vector<Card> cards = requestedCards(context, snapshot);
+    reportDenied(context, cards);
+    const Found<CardSelector> known = readSelectors(context, cards);
+    const Arguments& arguments = context.arguments;
+    System& audio = context.session.audio();
+    const Result<Selector> after = arguments.card.empty()
+                                       ? audio.select(arguments.selector, arguments.input)
+                                       : audio.select(cards.front().id(), arguments.selector, arguments.input);
+    if (!after)
+        raiseOfHardware(after.problem(), known.problems);
+    announceTemporaryChange(context);
+    const std::optional<CardSelector> former = before(known.things, *after);
+    const Card card = former ? former->card : Card();
+    if (arguments.isJson)
+    {
+        context.environment.out << machineDocument(context.session.machineName())
+                                       .set("selector", selectorJson(card, *after))
+                                       .set("before", former ? selectionJson(former->selector) : Json())
+                                       .set("after", selectionJson(*after))
+                                       .text()
+                                << "\n";
+        return;
+    }
+    context.environment.out << printable(card.title()) << ", " << printable(after->title()) << ": "
+                            << (former ? selectionWords(former->selector) : nothing) << " \xE2\x86\x92 "
+                            << selectionWords(*after) << "\n";
 }
 }

@@ -1,8 +1,5 @@
-#include "libModuleCommon/guid.h"
-#include "tools/sonavit/accountrights.h"
+#include "tools/sonavit/choice.h"
 #include "tools/sonavit/commands/commands.h"
-#include "tools/sonavit/endpointproperties.h"
-#include "tools/sonavit/output/formatwords.h"
 #include "tools/sonavit/output/modeljson.h"
 #include "tools/sonavit/output/modelwords.h"
 #include "tools/sonavit/output/table.h"
@@ -21,109 +18,85 @@ std::string hexText(unsigned value)
     constexpr const char* digits = "0123456789ABCDEF";
     std::string result = "0x";
     for (int shift = 28; shift >= 0; shift -= 4)
-        result += digits[(value >> shift) & 0xFu];
+        result += digits[(value >> static_cast<unsigned>(shift)) & 0xFU];
     return result;
 }
 
-std::string orNothing(const std::optional<std::string>& text)
+void addJacks(Lines& lines, const Endpoint& endpoint)
 {
-    return text ? printable(*text) : nothing;
-}
-
-std::string rolesWords(const std::vector<std::string>& roles)
-{
-    return roles.empty() ? nothing : enumeration(roles);
-}
-
-std::string jackWords(const std::optional<GUID>& type)
-{
-    return type ? kindWords(type) + "  " + *typeText(type) : nothing;
-}
-
-std::string speakersText(const std::optional<unsigned>& mask)
-{
-    return mask ? speakerWords(*mask) + "  " + hexText(*mask) : nothing;
-}
-
-void addVolume(Lines& lines, const EndpointLevel& level)
-{
-    lines.emplace_back("volume", percentText(level.master.percent) + "  " + decibelText(level.master.decibels));
-    lines.emplace_back("range", rangeWords(level.range));
-    for (std::size_t channel = 0; channel < level.channelLevels.size(); ++channel)
+    const std::vector<Jack>& jacks = endpoint.jacks();
+    if (jacks.empty())
+        lines.emplace_back("jack", nothing);
+    for (std::size_t i = 0; i < jacks.size(); ++i)
     {
-        const Level& own = level.channelLevels[channel];
-        lines.emplace_back("channel " + std::to_string(channel + 1),
-                           percentText(own.percent) + "  " + decibelText(own.decibels));
+        const std::string key = jacks.size() > 1 ? "jack " + std::to_string(i + 1) : "jack";
+        const std::string type = jacks[i].type ? "  " + jacks[i].type->text() : "";
+        lines.emplace_back(key, printable(jacks[i].sentence()) + type);
     }
-    lines.emplace_back("mute", muteWords(level.isMuted));
 }
 
-Lines describe(const Card& card, Endpoint& endpoint, const EndpointProperties& properties)
+void addVolume(Lines& lines, const std::optional<Volume>& known)
 {
-    const std::string id = endpoint.id.empty() ? nothing : printable(endpoint.id);
-    Lines lines = {{"card", printable(card.name)},
-                   {"instance id", orNothing(card.instanceId)},
+    const Volume volume = known.value_or(Volume());
+    lines.emplace_back("volume", levelWords(volume.master));
+    lines.emplace_back("range", rangeWords(volume.range));
+    const std::vector<Level> channels = volume.channels.value_or(std::vector<Level>());
+    for (std::size_t channel = 0; channel < channels.size(); ++channel)
+        lines.emplace_back("channel " + std::to_string(channel + 1), levelWords(channels[channel]));
+    lines.emplace_back("mute", muteWords(volume.isMuted));
+    if (volume.isInHardware)
+        lines.emplace_back("attenuator", *volume.isInHardware ? "hardware" : "software");
+}
+
+void addProblems(Lines& lines, const Endpoint& endpoint)
+{
+    for (const EndpointProblem& known : endpoint.problems())
+        lines.emplace_back("not read", std::string(wordsOf(known.field)) + ": " + printable(known.problem.sentence()));
+}
+
+Lines describe(const Card& card, const Endpoint& endpoint)
+{
+    const std::string id = endpoint.id().isEmpty() ? nothing : printable(endpoint.id().text());
+    Lines lines = {{"card", printable(card.title())},
+                   {"instance id", orNothing(card.instanceId())},
                    {"endpoint id", id},
-                   {"short name", orNothing(endpoint.description)},
-                   {"flow", flowWords(endpoint.flow)},
-                   {"jack", jackWords(endpoint.jackType)},
-                   {"state", stateWords(endpoint.state)},
-                   {"default for", rolesWords(properties.defaultRoles)},
-                   {"wave id", properties.waveId ? std::to_string(*properties.waveId) : nothing},
-                   {"DirectSound", orNothing(typeText(properties.directSoundId))},
-                   {"driver node", orNothing(properties.driverNode)},
-                   {"format", formatWords(endpoint.device.deviceProperty().format)},
-                   {"speakers", speakersText(properties.speakers)}};
-    addVolume(lines, readLevel(endpoint.device));
+                   {"short name", orNothing(endpoint.description())},
+                   {"flow", wordsOf(endpoint.flow())}};
+    addJacks(lines, endpoint);
+    const std::optional<Format>& format = endpoint.format();
+    const std::optional<std::uint32_t> speakers = endpoint.speakers();
+    const Lines more = {{"state", stateWords(endpoint.state())},
+                        {"default for", rolesWords(endpoint.roles())},
+                        {"wave id", endpoint.waveId() ? std::to_string(*endpoint.waveId()) : nothing},
+                        {"DirectSound", orNothing(endpoint.directSoundId())},
+                        {"container", orNothing(endpoint.container())},
+                        {"driver node", orNothing(endpoint.driverNode())},
+                        {"format", format ? format->sentence() : nothing},
+                        {"speakers", speakers ? speakerWords(*speakers) + "  " + hexText(*speakers) : nothing}};
+    lines.insert(lines.end(), more.begin(), more.end());
+    addVolume(lines, endpoint.volume());
+    addProblems(lines, endpoint);
     return lines;
-}
-
-Json textsJson(const std::vector<std::string>& texts)
-{
-    Json result = Json::array();
-    for (const std::string& text : texts)
-        result.append(text);
-    return result;
-}
-
-Json speakersJson(const std::optional<unsigned>& mask)
-{
-    if (!mask)
-        return {};
-    return Json::object({{"mask", *mask}, {"names", textsJson(speakerNames(*mask))}});
-}
-
-Json showJson(const Context& context, const Card& card, Endpoint& endpoint, const EndpointProperties& properties)
-{
-    const EndpointLevel level = readLevel(endpoint.device);
-    Json details = endpointJson(endpoint, level);
-    details.set("volume", volumeWithChannelsJson(level))
-        .set("friendlyName", endpoint.friendlyName)
-        .set("defaultFor", textsJson(properties.defaultRoles))
-        .set("waveId", properties.waveId)
-        .set("directSoundGuid", typeText(properties.directSoundId))
-        .set("driverNodeStrongName", properties.driverNode)
-        .set("format", formatJson(endpoint.device.deviceProperty().format))
-        .set("speakers", speakersJson(properties.speakers));
-    return Json::document(
-        {{"machine", context.session.machineName()}, {"card", cardJson(card)}, {"endpoint", details}});
 }
 }
 
 void runShow(Context& context)
 {
-    std::vector<Card> cards = readCards();
-    const EndpointOfCard found = requestedEndpoint(context, cards);
-    const EndpointProperties properties = readProperties(found.endpoint);
+    const Snapshot snapshot = readSnapshot(context);
+    const CardEndpoint found = requestedEndpoint(context, snapshot);
     const Environment& environment = context.environment;
     if (context.arguments.isJson)
     {
-        environment.out << showJson(context, found.card, found.endpoint, properties).text() << "\n";
+        environment.out << machineDocument(context.session.machineName())
+                               .set("card", cardJson(found.card))
+                               .set("endpoint", endpointDetailsJson(found.endpoint))
+                               .text()
+                        << "\n";
         return;
     }
     environment.out << painted(titleWords(found.endpoint), Paint::bold, environment.hasColours) << "\n";
     Table table({{Table::Column::Align::left, 0, 0, 0}, {}});
-    for (const auto& [key, value] : describe(found.card, found.endpoint, properties))
+    for (const auto& [key, value] : describe(found.card, found.endpoint))
         table.add({{"  " + key, Paint::dim}, {value, Paint::none}});
     for (const std::string& line : table.lines(0, environment.hasColours))
         environment.out << line << "\n";

@@ -1,4 +1,4 @@
-#include "tools/sonavit/accountrights.h"
+#include "tools/sonavit/choice.h"
 #include "tools/sonavit/commands/commands.h"
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/output/modeljson.h"
@@ -6,111 +6,126 @@
 #include "tools/sonavit/output/text.h"
 #include "tools/sonavit/simulationnote.h"
 
+#include <cstddef>
+
 namespace sonavit::program
 {
 namespace
 {
 /// "72% (-18.00 dB)"
-std::string levelWords(const Level& level)
+std::string sentenceWords(const Level& level)
 {
-    return percentText(level.percent) + " (" + decibelText(level.decibels) + ")";
+    return percentWords(level.percent) + " (" + decibelWords(level.decibels) + ")";
 }
 
-Json levelJson(const Level& level)
+Volume requireVolume(const Endpoint& endpoint)
 {
-    return Json::object({{"percent", level.percent}, {"decibels", level.decibels}});
-}
-
-EndpointVolume openVolume(Endpoint& endpoint)
-{
-    std::optional<EndpointVolume> volume = EndpointVolume::open(endpoint.device);
-    if (volume)
-        return *volume;
-    const bool isActive = endpoint.state == std::optional<unsigned>(DEVICE_STATE_ACTIVE);
-    const std::string state = isActive || !stateKey(endpoint.state) ? "" : "; it is " + stateWords(endpoint.state);
+    if (endpoint.volume())
+        return *endpoint.volume();
+    if (const std::optional<Problem> problem = endpoint.problemWith(EndpointField::volume))
+        raise(*problem, "the volume of " + shortTitleWords(endpoint) + " cannot be read");
+    const std::string state = endpoint.isActive() || !endpoint.state() ? "" : "; it is " + stateWords(endpoint.state());
     throw OperationFailure(shortTitleWords(endpoint) + " has no volume control" + state);
 }
 
-/// ", which takes …" and the range, if it is known.
-std::string rangeClause(const std::optional<LevelRange>& range)
+Json document(const Context& context, const Endpoint& endpoint)
 {
-    return range ? ", which takes " + rangeWords(range) : "";
+    return machineDocument(context.session.machineName()).set("endpoint", endpointNameJson(endpoint));
+}
+
+std::string mutedClause(const Volume& volume)
+{
+    return volume.isMuted.value_or(false) ? ", muted" : "";
+}
+
+/// What the user wants to do and cannot.
+std::string failedMute(MuteChange change, const Endpoint& endpoint)
+{
+    const std::string title = shortTitleWords(endpoint);
+    if (change == MuteChange::toggle)
+        return "the mute of " + title + " cannot be toggled";
+    return title + " cannot be " + (change == MuteChange::on ? "muted" : "unmuted");
+}
+
+/// The level of the channel that a change is about.
+Level levelOf(const Volume& volume, const LevelChange& change)
+{
+    const std::optional<unsigned> channel = change.channel();
+    if (!channel)
+        return volume.master;
+    const std::vector<Level> channels = volume.channels.value_or(std::vector<Level>());
+    return *channel < channels.size() ? channels[*channel] : Level();
 }
 }
 
 void runGetVolume(Context& context)
 {
-    std::vector<Endpoint> endpoints = readEndpoints();
-    Endpoint& endpoint = requestedEndpoint(context, endpoints);
-    const EndpointLevel level = openVolume(endpoint).read();
+    const Snapshot snapshot = readSnapshot(context);
+    const Endpoint endpoint = requestedEndpoint(context, snapshot).endpoint;
+    const Volume volume = requireVolume(endpoint);
     if (context.arguments.isJson)
     {
-        const Json answer = endpointDocument(context.session.machineName(), endpoint)
-                                .set("volume", volumeWithChannelsJson(level))
-                                .set("muted", level.isMuted);
-        context.environment.out << answer.text() << "\n";
+        context.environment.out
+            << document(context, endpoint).set("volume", volumeJson(volume)).set("muted", volume.isMuted).text()
+            << "\n";
         return;
     }
-    context.environment.out << titleWords(endpoint) << ": " << levelWords(level.master)
-                            << (level.isMuted.value_or(false) ? ", muted" : "") << "\n";
+    context.environment.out << titleWords(endpoint) << ": " << sentenceWords(volume.master) << mutedClause(volume)
+                            << "\n";
 }
 
 void runSetVolume(Context& context)
 {
-    std::vector<Endpoint> endpoints = readEndpoints();
-    Endpoint& endpoint = requestedEndpoint(context, endpoints);
-    EndpointVolume volume = openVolume(endpoint);
-    const EndpointLevel before = volume.read();
-    const LevelChange& change = context.arguments.level;
-    if (!change.canStartAt(before.master))
-        throw OperationFailure("the volume of " + shortTitleWords(endpoint) +
-                               " cannot be read, so it cannot be changed by a step");
-    if (!change.apply(volume, before.master))
-        throw OperationFailure("the system refused that volume for " + shortTitleWords(endpoint) +
-                               rangeClause(before.range));
+    const Snapshot snapshot = readSnapshot(context);
+    const Endpoint endpoint = requestedEndpoint(context, snapshot).endpoint;
+    const Volume before = requireVolume(endpoint);
+    const LevelChange& change = *context.arguments.level;
+    const Result<Volume> after = context.session.audio().setVolume(endpoint.id(), change);
+    if (!after)
+        raise(after.problem(), "the volume of " + shortTitleWords(endpoint) + " cannot be set");
 
     announceTemporaryChange(context);
-    const EndpointLevel after = volume.read();
     if (context.arguments.isJson)
     {
-        const Json answer = endpointDocument(context.session.machineName(), endpoint)
-                                .set("before", levelJson(before.master))
-                                .set("after", levelJson(after.master))
-                                .set("volume", volumeWithChannelsJson(after))
-                                .set("muted", after.isMuted);
-        context.environment.out << answer.text() << "\n";
+        context.environment.out << document(context, endpoint)
+                                       .set("before", levelJson(levelOf(before, change)))
+                                       .set("after", levelJson(levelOf(*after, change)))
+                                       .set("volume", volumeJson(*after))
+                                       .set("muted", after->isMuted)
+                                       .text()
+                                << "\n";
         return;
     }
-    context.environment.out << titleWords(endpoint) << ": " << levelWords(before.master) << " \xE2\x86\x92 "
-                            << levelWords(after.master) << (after.isMuted.value_or(false) ? ", muted" : "") << "\n";
+    const std::string channel = change.channel() ? ", channel " + std::to_string(*change.channel() + 1) : "";
+    context.environment.out << titleWords(endpoint) << channel << ": " << sentenceWords(levelOf(before, change))
+                            << " \xE2\x86\x92 " << sentenceWords(levelOf(*after, change)) << mutedClause(*after)
+                            << "\n";
 }
 
 void runMute(Context& context)
 {
-    std::vector<Endpoint> endpoints = readEndpoints();
-    Endpoint& endpoint = requestedEndpoint(context, endpoints);
-    EndpointVolume volume = openVolume(endpoint);
-    const std::optional<bool> before = volume.read().isMuted;
+    const Snapshot snapshot = readSnapshot(context);
+    const Endpoint endpoint = requestedEndpoint(context, snapshot).endpoint;
+    const std::optional<bool> before = requireVolume(endpoint).isMuted;
+    System& audio = context.session.audio();
     const MuteChange change = context.arguments.mute;
-    if (change == MuteChange::toggle && !before)
-        throw OperationFailure("the mute of " + shortTitleWords(endpoint) + " cannot be read, so it cannot be toggled");
-    const bool isToBeMuted = change == MuteChange::toggle ? !*before : change == MuteChange::on;
-    if (!volume.setMute(isToBeMuted))
-        throw OperationFailure("the system refused to " + std::string(isToBeMuted ? "mute " : "unmute ") +
-                               shortTitleWords(endpoint));
+    const Result<Volume> after = change == MuteChange::toggle ? audio.toggleMute(endpoint.id())
+                                                              : audio.setMute(endpoint.id(), change == MuteChange::on);
+    if (!after)
+        raise(after.problem(), failedMute(change, endpoint));
 
     announceTemporaryChange(context);
-    const std::optional<bool> after = volume.read().isMuted;
     if (context.arguments.isJson)
     {
-        const Json answer = endpointDocument(context.session.machineName(), endpoint)
-                                .set("before", before)
-                                .set("after", after)
-                                .set("muted", after);
-        context.environment.out << answer.text() << "\n";
+        context.environment.out << document(context, endpoint)
+                                       .set("before", before)
+                                       .set("after", after->isMuted)
+                                       .set("muted", after->isMuted)
+                                       .text()
+                                << "\n";
         return;
     }
-    context.environment.out << titleWords(endpoint) << ": " << muteWords(before) << " \xE2\x86\x92 " << muteWords(after)
-                            << "\n";
+    context.environment.out << titleWords(endpoint) << ": " << muteWords(before) << " \xE2\x86\x92 "
+                            << muteWords(after->isMuted) << "\n";
 }
 }

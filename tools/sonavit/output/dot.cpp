@@ -1,5 +1,6 @@
 #include "tools/sonavit/output/dot.h"
 
+#include "sonavit/nodekind.h"
 #include "tools/sonavit/output/modelwords.h"
 #include "tools/sonavit/output/text.h"
 
@@ -11,6 +12,7 @@ namespace sonavit::program
 namespace
 {
 constexpr const char* pathColour = "#D9480F";
+constexpr const char* endpointFill = "#E6FCF5";
 
 /// How a kind of node looks.
 struct Look
@@ -19,17 +21,21 @@ struct Look
     const char* fill;
 };
 
-Look lookOf(const CardGraph::Part& part)
+Look lookOf(const Graph::Part& part)
 {
     if (part.isConnector)
         return {"box", "#FFFFFF"};
-    if (part.type == KSNODETYPE_VOLUME)
+    switch (part.type ? kindOf(*part.type) : NodeKind::other)
+    {
+    case NodeKind::volume:
         return {"invtrapezium", "#BFDBFE"};
-    if (part.type == KSNODETYPE_MUTE)
+    case NodeKind::mute:
         return {"octagon", "#FECACA"};
-    if (part.type == KSNODETYPE_MUX)
+    case NodeKind::selector:
         return {"house", "#FDE68A"};
-    return {"ellipse", "#F1F3F5"};
+    default:
+        return {"ellipse", "#F1F3F5"};
+    }
 }
 
 std::string nodeName(std::size_t part)
@@ -43,39 +49,78 @@ std::string deviceNodeName(std::size_t device)
     return dotQuoted("device" + std::to_string(device));
 }
 
-/// The kind above the name, unless they are equal.
-std::string labelOf(const CardGraph::Part& part)
+/// "-12.00 dB", once where all channels are alike.
+std::string levelsWords(const std::vector<ControlChannel>& channels)
 {
-    const std::string kind = part.type ? kindWords(part.type) : part.isConnector ? "Connector" : "Node";
-    const std::string name = printable(part.name.value_or(""));
-    if (name.empty() || equalNoCase(name, kind))
-        return kind;
-    return kind + "\n" + name;
+    std::string words;
+    for (const ControlChannel& channel : channels)
+    {
+        const std::string own = decibelWords(channel.level.decibels);
+        if (words.empty())
+            words = own;
+        else if (words != own)
+            return words + " \xE2\x80\xA6";
+    }
+    return words;
 }
 
-void writeNode(std::ostream& out, const CardGraph::Part& part, std::size_t index)
+/// The chosen input of a selector, by the name that its node has in the graph.
+std::string selectionWords(const Graph& graph, std::size_t index)
 {
+    const std::uint32_t selection = *graph.parts[index].selection;
+    for (const std::size_t source : graph.sourcesOf(index))
+    {
+        if (graph.parts[source].number == selection)
+            return printable(graph.parts[source].name.value_or("input " + std::to_string(selection)));
+    }
+    return "input " + std::to_string(selection);
+}
+
+/// What a node is set to, on a line of its own; empty for one that cannot be set.
+std::string settingOf(const Graph& graph, std::size_t index)
+{
+    const Graph::Part& part = graph.parts[index];
+    if (part.channels && !part.channels->empty())
+        return levelsWords(*part.channels);
+    if (part.isMuted)
+        return *part.isMuted ? "muted" : "not muted";
+    if (part.selection)
+        return selectionWords(graph, index);
+    return {};
+}
+
+/// The kind above the name, unless they are equal, and the setting below.
+std::string labelOf(const Graph& graph, std::size_t index)
+{
+    const Graph::Part& part = graph.parts[index];
+    const std::string kind = part.type ? kindWords(part.type) : part.isConnector ? "Connector" : "Node";
+    const std::string name = printable(part.name.value_or(""));
+    const std::string setting = settingOf(graph, index);
+    return kind + (name.empty() || equalNoCase(name, kind) ? "" : "\n" + name) +
+           (setting.empty() ? "" : "\n" + setting);
+}
+
+void writeNode(std::ostream& out, const GraphView& view, std::size_t index)
+{
+    const Graph::Part& part = view.graph.parts[index];
     const Look look = lookOf(part);
-    out << "    " << nodeName(index) << " [label=" << dotQuoted(labelOf(part)) << ", shape=" << dotQuoted(look.shape)
-        << ", fillcolor=" << dotQuoted(look.fill) << ", tooltip=" << dotQuoted(part.part.globalId().toUtf8());
-    if (part.isOnPath)
+    out << "    " << nodeName(index) << " [label=" << dotQuoted(labelOf(view.graph, index))
+        << ", shape=" << dotQuoted(look.shape) << ", fillcolor=" << dotQuoted(look.fill)
+        << ", tooltip=" << dotQuoted(part.id);
+    if (view.isOnPath(index))
         out << ", color=" << dotQuoted(pathColour) << ", penwidth=\"3\"";
     out << "];\n";
 }
 
-/// Endpoints are filled, devices that cannot be opened are dashed.
-const char* clusterStyle(const CardGraph::Device& device)
+/// Endpoints are filled, devices that cannot be opened are dashed, and so are endpoints that are not listed.
+const char* clusterStyle(const Graph::Device& device)
 {
-    switch (device.kind)
-    {
-    case CardGraph::Device::Kind::endpoint:
-        return "style=\"rounded,filled\", fillcolor=\"#E6FCF5\"";
-    case CardGraph::Device::Kind::closed:
+    if (device.kind == Graph::Device::Kind::closed)
         return "style=\"rounded,dashed\"";
-    case CardGraph::Device::Kind::adapter:
-        break;
-    }
-    return "style=\"rounded\"";
+    if (device.kind != Graph::Device::Kind::endpoint)
+        return "style=\"rounded\"";
+    return device.isListed ? "style=\"rounded,filled\", fillcolor=\"#E6FCF5\""
+                           : "style=\"rounded,filled,dashed\", fillcolor=\"#F8F9FA\"";
 }
 
 /// What distinguishes an adapter from others of the same name: the last element of its id.
@@ -86,67 +131,117 @@ std::string lastElement(const std::string& id)
 }
 
 /// Whether another adapter of @p graph has the same name.
-bool sharesName(const CardGraph& graph, const CardGraph::Device& adapter)
+bool sharesName(const Graph& graph, const Graph::Device& adapter)
 {
-    const std::vector<CardGraph::Device>& devices = graph.devices();
-    return std::any_of(devices.begin(), devices.end(),
-                       [&](const CardGraph::Device& other)
+    return std::any_of(graph.devices.begin(), graph.devices.end(),
+                       [&](const Graph::Device& other)
                        { return &other != &adapter && other.kind == adapter.kind && other.name == adapter.name; });
 }
 
-std::string clusterLabel(const CardGraph& graph, const CardGraph::Device& device)
+/// The name; of an endpoint its flow and, if it cannot be used now, its state.
+std::string clusterLabel(const Graph& graph, const Graph::Device& device)
 {
+    const std::string name = printable(device.name);
     if (device.flow)
-        return device.name + "\n" + flowWords(*device.flow);
-    const bool isAmbiguous = device.kind == CardGraph::Device::Kind::adapter && sharesName(graph, device);
+    {
+        const bool isActive = device.state == State::active;
+        return name + "\n" + wordsOf(*device.flow) +
+               (isActive || !device.state ? "" : ", " + stateWords(device.state)) +
+               (device.isListed ? "" : "\nnot listed");
+    }
+    const bool isAmbiguous = device.kind == Graph::Device::Kind::adapter && sharesName(graph, device);
     const std::string element = isAmbiguous ? lastElement(device.id) : std::string();
-    return element.empty() ? device.name : device.name + "\n" + element;
+    return element.empty() ? name : name + "\n" + element;
 }
 
-bool hasLooseJoin(const CardGraph& graph, std::size_t device)
+bool hasLooseJoin(const Graph& graph, std::size_t device)
 {
-    return std::any_of(graph.edges().begin(), graph.edges().end(),
-                       [&](const CardGraph::Edge& edge) { return edge.toDevice == device; });
+    return std::any_of(graph.edges.begin(), graph.edges.end(),
+                       [&](const Graph::Edge& edge) { return edge.toDevice == device; });
 }
 
-void writeDevice(std::ostream& out, const CardGraph& graph, std::size_t index)
+void writeDevice(std::ostream& out, const GraphView& view, std::size_t index)
 {
-    const CardGraph::Device& device = graph.devices()[index];
+    const Graph::Device& device = view.graph.devices[index];
     out << "  subgraph " << dotQuoted("cluster" + std::to_string(index)) << " {\n"
-        << "    graph [label=" << dotQuoted(clusterLabel(graph, device)) << ", tooltip=" << dotQuoted(device.id) << ", "
-        << clusterStyle(device);
-    if (device.isOnPath)
+        << "    graph [label=" << dotQuoted(clusterLabel(view.graph, device)) << ", tooltip=" << dotQuoted(device.id)
+        << ", " << clusterStyle(device);
+    if (view.isOnPath(device))
         out << ", color=" << dotQuoted(pathColour) << ", penwidth=\"3\"";
     out << "];\n";
     for (const std::size_t part : device.parts)
-        writeNode(out, graph.parts()[part], part);
-    if (device.parts.empty() || hasLooseJoin(graph, index))
+        writeNode(out, view, part);
+    if (device.parts.empty() || hasLooseJoin(view.graph, index))
         out << "    " << deviceNodeName(index) << " [label=\""
             << (device.hasTopology ? "connectors unknown" : "no hardware graph") << "\", style=\"dashed\"];\n";
     out << "  }\n";
 }
 
-const char* edgeStyle(CardGraph::Edge::Kind kind)
+const char* edgeStyle(Graph::Edge::Kind kind)
 {
     switch (kind)
     {
-    case CardGraph::Edge::Kind::join:
+    case Graph::Edge::Kind::join:
         return "arrowhead=\"none\", penwidth=\"2\", tooltip=\"join\"";
-    case CardGraph::Edge::Kind::path:
+    case Graph::Edge::Kind::path:
         return "style=\"dashed\", color=\"#868E96\", arrowhead=\"none\", constraint=\"false\", tooltip=\"signal path\"";
-    case CardGraph::Edge::Kind::wire:
+    case Graph::Edge::Kind::wire:
         break;
     }
     return "tooltip=\"wire\"";
 }
 
-void writeEdge(std::ostream& out, const CardGraph::Edge& edge)
+/// Whether the edge leads from the chosen input into its selector.
+bool isChosen(const Graph& graph, const Graph::Edge& edge)
 {
-    const std::string to = edge.to == CardGraph::none ? deviceNodeName(edge.toDevice) : nodeName(edge.to);
+    if (edge.kind != Graph::Edge::Kind::wire || !edge.to)
+        return false;
+    const std::optional<std::uint32_t>& selection = graph.parts[*edge.to].selection;
+    return selection && graph.parts[edge.from].number == selection;
+}
+
+void writeEdge(std::ostream& out, const GraphView& view, const Graph::Edge& edge)
+{
+    const std::string to = edge.to ? nodeName(*edge.to) : deviceNodeName(edge.toDevice.value_or(0));
     out << "  " << nodeName(edge.from) << " -> " << to << " [" << edgeStyle(edge.kind);
-    if (edge.isOnPath)
+    if (isChosen(view.graph, edge))
+        out << ", label=\"chosen\", arrowhead=\"dot\"";
+    if (view.isOnPath(edge))
         out << ", color=" << dotQuoted(pathColour) << ", penwidth=\"3\"";
     out << "];\n";
+}
+
+void writeSample(std::ostream& out, const char* name, const char* shape, const char* fill)
+{
+    out << "    " << dotQuoted(std::string("legend ") + name) << " [label=" << dotQuoted(name)
+        << ", shape=" << dotQuoted(shape) << ", fillcolor=" << dotQuoted(fill) << "];\n";
+}
+
+/// A line between two points, with its meaning on it.
+void writeSample(std::ostream& out, const char* name, const std::string& style)
+{
+    const std::string from = dotQuoted(std::string("legend from ") + name);
+    const std::string to = dotQuoted(std::string("legend to ") + name);
+    out << "    " << from << " [shape=\"point\"];\n    " << to << " [shape=\"point\"];\n    " << from << " -> " << to
+        << " [label=" << dotQuoted(name) << ", " << style << "];\n";
+}
+
+/// What the shapes and lines mean, as a cluster of its own.
+void writeLegend(std::ostream& out, const GraphView& view)
+{
+    out << "  subgraph \"clusterLegend\" {\n    graph [label=\"legend\", style=\"dotted\"];\n";
+    writeSample(out, "connector", "box", "#FFFFFF");
+    writeSample(out, "volume and its level", "invtrapezium", "#BFDBFE");
+    writeSample(out, "mute", "octagon", "#FECACA");
+    writeSample(out, "selector and its chosen input", "house", "#FDE68A");
+    writeSample(out, "other node", "ellipse", "#F1F3F5");
+    writeSample(out, "endpoint", "box", endpointFill);
+    writeSample(out, "wire within a device", edgeStyle(Graph::Edge::Kind::wire));
+    writeSample(out, "join between devices", edgeStyle(Graph::Edge::Kind::join));
+    writeSample(out, "signal path within a device", edgeStyle(Graph::Edge::Kind::path));
+    if (!view.path.empty())
+        writeSample(out, "path of the chosen endpoint", "color=" + dotQuoted(pathColour));
+    out << "  }\n";
 }
 }
 
@@ -162,7 +257,7 @@ std::string dotQuoted(const std::string& text)
     return result + "\"";
 }
 
-std::string dotText(const CardGraph& graph, const std::string& title)
+std::string dotText(const GraphView& view, const std::string& title)
 {
     std::ostringstream out;
     out << "// Thick lines join devices, arrows are wires within a device, dashed lines are signal paths.\n"
@@ -170,10 +265,11 @@ std::string dotText(const CardGraph& graph, const std::string& title)
         << "  graph [rankdir=\"LR\", fontname=\"Helvetica\", compound=\"true\", ranksep=\"0.6\"];\n"
         << "  node [fontname=\"Helvetica\", fontsize=\"10\", style=\"rounded,filled\"];\n"
         << "  edge [fontname=\"Helvetica\", fontsize=\"9\"];\n";
-    for (std::size_t i = 0; i < graph.devices().size(); ++i)
-        writeDevice(out, graph, i);
-    for (const CardGraph::Edge& edge : graph.edges())
-        writeEdge(out, edge);
+    for (std::size_t i = 0; i < view.graph.devices.size(); ++i)
+        writeDevice(out, view, i);
+    for (const Graph::Edge& edge : view.graph.edges)
+        writeEdge(out, view, edge);
+    writeLegend(out, view);
     out << "}\n";
     return out.str();
 }

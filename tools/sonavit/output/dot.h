@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/sonavit/cardgraph.h"
+#include "tools/sonavit/output/graphview.h"
 
 #include <string>
 
@@ -10,5 +10,5 @@ namespace sonavit::program
 std::string dotQuoted(const std::string& text);
 
 /// The graph in Graphviz's DOT language: a cluster for each device, and in it a node for each part.
-std::string dotText(const CardGraph& graph, const std::string& title);
+std::string dotText(const GraphView& view, const std::string& title);
 }

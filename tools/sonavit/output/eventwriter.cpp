@@ -1,15 +1,12 @@
 #include "tools/sonavit/output/eventwriter.h"
 
-#include "tools/sonavit/endpoint.h"
-#include "tools/sonavit/output/json.h"
+#include "tools/sonavit/output/eventjson.h"
 #include "tools/sonavit/output/modelwords.h"
 #include "tools/sonavit/output/table.h"
 #include "tools/sonavit/output/text.h"
+#include "tools/sonavit/output/timetext.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
-#include <ctime>
 #include <utility>
 
 namespace sonavit::program
@@ -19,148 +16,126 @@ namespace
 constexpr std::size_t widestName = 24;
 constexpr const char* arrow = " \xE2\x86\x92 ";
 
-const char* eventKey(MonitorEvent::Kind kind)
+std::string sentenceWords(const Level& level)
 {
-    switch (kind)
-    {
-    case MonitorEvent::Kind::added:
-        return "added";
-    case MonitorEvent::Kind::removed:
-        return "removed";
-    case MonitorEvent::Kind::stateChanged:
-        return "stateChanged";
-    case MonitorEvent::Kind::defaultChanged:
-        return "defaultChanged";
-    case MonitorEvent::Kind::volumeChanged:
-        break;
-    }
-    return "volumeChanged";
+    return percentWords(level.percent) + " (" + decibelWords(level.decibels) + ")";
 }
 
-/// "17:04:59.250"
-std::string clockText(const std::tm& whole, std::chrono::system_clock::time_point time)
+std::string volumeWords(const Event& event)
 {
-    const auto since = std::chrono::duration_cast<std::chrono::milliseconds>(time.time_since_epoch()).count();
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%02d:%02d:%02d.%03d", whole.tm_hour, whole.tm_min, whole.tm_sec,
-                  static_cast<int>(since % 1000));
-    return text.data();
-}
-
-/// For people: the local time of day.
-std::string localTimeText(std::chrono::system_clock::time_point time)
-{
-    const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
-    return clockText(*std::localtime(&seconds), time);
-}
-
-/// For programs: date and time in UTC.
-std::string universalTimeText(std::chrono::system_clock::time_point time)
-{
-    const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
-    const std::tm whole = *std::gmtime(&seconds);
-    std::array<char, 64> date{};
-    std::snprintf(date.data(), date.size(), "%04d-%02d-%02dT", whole.tm_year + 1900, whole.tm_mon + 1, whole.tm_mday);
-    return date.data() + clockText(whole, time) + "Z";
-}
-
-std::string levelWords(const Level& level)
-{
-    return percentText(level.percent) + " (" + decibelText(level.decibels) + ")";
-}
-
-std::string volumeWords(const MonitorEvent& event)
-{
-    const EndpointLevel& now = event.level;
-    const EndpointLevel& before = event.previousLevel;
+    const Volume before = event.before->volume().value_or(Volume());
+    const Volume now = event.after->volume().value_or(Volume());
+    if (!event.after->volume())
+        return "no volume any more";
     const bool isOtherMute = now.isMuted != before.isMuted;
-    const bool isOtherLevel =
-        now.master.percent != before.master.percent || now.master.decibels != before.master.decibels;
     std::string words;
-    if (isOtherLevel)
-        words = "volume " + levelWords(before.master) + arrow + levelWords(now.master);
-    else if (!isOtherMute)
-        words =
-            "volume " + levelWords(now.master); // only the balance of the channels, or a change that is already undone
+    if (now.master != before.master)
+        words = "volume " + sentenceWords(before.master) + arrow + sentenceWords(now.master);
+    else if (!isOtherMute) // only the balance of the channels, the range, or who attenuates
+        words = "volume " + sentenceWords(now.master);
     if (isOtherMute && now.isMuted)
         words += (words.empty() ? "" : ", ") + std::string(*now.isMuted ? "muted" : "no longer muted");
-    return words;
+    return words.empty() ? "volume " + sentenceWords(now.master) : words;
 }
 
-const char* roleKey(ERole role)
+std::string defaultWords(const Event& event)
 {
-    if (role == eCommunications)
-        return "communications";
-    return role == eMultimedia ? "multimedia" : "console";
+    const std::string what = std::string("default ") + wordsOf(event.flow.value_or(Flow::output)) + " for " +
+                             wordsOf(event.role.value_or(Role::console));
+    return event.after ? what : "no " + what + " any more";
 }
 
-std::string defaultWords(const MonitorEvent& event)
+std::string fieldWords(const Event& event)
 {
-    const std::string what = std::string("default ") + flowWords(event.flow) + " for " + roleKey(event.role);
-    return event.subject.endpointId.empty() ? "no " + what + " any more" : what;
+    switch (event.field.value_or(EndpointField::problems))
+    {
+    case EndpointField::state:
+        return stateWords(event.before->state()) + arrow + stateWords(event.after->state());
+    case EndpointField::volume:
+        return volumeWords(event);
+    case EndpointField::description:
+    case EndpointField::interfaceName:
+        return "name " + titleWords(*event.before) + arrow + titleWords(*event.after);
+    case EndpointField::format:
+    {
+        const auto words = [](const Endpoint& endpoint)
+        { return endpoint.format() ? endpoint.format()->sentence() : std::string(nothing); };
+        return "format " + words(*event.before) + arrow + words(*event.after);
+    }
+    default:
+        return std::string(wordsOf(*event.field)) + " changed";
+    }
 }
 
-std::string eventWords(const MonitorEvent& event)
+std::string eventWords(const Event& event)
 {
     switch (event.kind)
     {
-    case MonitorEvent::Kind::added:
-        return "added, " + stateWords(event.state);
-    case MonitorEvent::Kind::removed:
+    case Event::Kind::endpointAdded:
+        return "added, " + stateWords(event.after->state());
+    case Event::Kind::endpointRemoved:
         return "removed";
-    case MonitorEvent::Kind::stateChanged:
-        return stateWords(event.previousState) + arrow + stateWords(event.state);
-    case MonitorEvent::Kind::defaultChanged:
+    case Event::Kind::endpointReappeared:
+        return "went and came back";
+    case Event::Kind::endpointMoved:
+    case Event::Kind::cardMoved:
+        return "moved";
+    case Event::Kind::endpointChanged:
+        return fieldWords(event);
+    case Event::Kind::cardAdded:
+        return "card added";
+    case Event::Kind::cardRemoved:
+        return "card removed";
+    case Event::Kind::defaultChanged:
         return defaultWords(event);
-    case MonitorEvent::Kind::volumeChanged:
-        break;
+    case Event::Kind::serviceChanged:
+        return event.service == Service::stopped ? "the audio service has stopped" : "the audio service runs again";
+    default:
+        return printable(event.sentence());
     }
-    return volumeWords(event);
 }
 
-Paint eventPaint(MonitorEvent::Kind kind)
+Paint eventPaint(const Event& event)
 {
-    switch (kind)
+    switch (event.kind)
     {
-    case MonitorEvent::Kind::added:
+    case Event::Kind::cardAdded:
+    case Event::Kind::endpointAdded:
+    case Event::Kind::endpointReappeared:
         return Paint::green;
-    case MonitorEvent::Kind::removed:
+    case Event::Kind::cardRemoved:
+    case Event::Kind::endpointRemoved:
+    case Event::Kind::serviceChanged:
         return Paint::red;
-    case MonitorEvent::Kind::stateChanged:
-        return Paint::yellow;
-    case MonitorEvent::Kind::defaultChanged:
+    case Event::Kind::defaultChanged:
         return Paint::cyan;
-    case MonitorEvent::Kind::volumeChanged:
-        break;
+    case Event::Kind::endpointChanged:
+        return event.field == EndpointField::state ? Paint::yellow : Paint::none;
+    default:
+        return Paint::none;
     }
-    return Paint::none;
 }
 
-Json eventJson(const MonitorEvent& event, const std::optional<std::string>& machine)
+/// The card that @p event is about; one without id if it is about none, or about one that is gone.
+Card cardOf(const Event& event, const Snapshot& snapshot)
 {
-    const EventSubject& subject = event.subject;
-    const bool isCardKnown = !subject.cardName.empty(); // not for a default that does not exist (yet)
-    Json result = Json::document({{"machine", machine},
-                                  {"time", universalTimeText(event.time)},
-                                  {"event", eventKey(event.kind)},
-                                  {"card", isCardKnown ? Json(subject.cardId) : Json()},
-                                  {"cardName", isCardKnown ? Json(subject.cardName) : Json()},
-                                  {"endpoint", subject.endpointId.empty() ? Json() : Json(subject.endpointId)},
-                                  {"endpointName", subject.endpointName}});
-    if (event.kind == MonitorEvent::Kind::volumeChanged)
-    {
-        const Level& master = event.level.master;
-        result.set("volume", Json::object({{"percent", master.percent}, {"decibels", master.decibels}}));
-        result.set("muted", event.level.isMuted);
-    }
-    if (event.kind == MonitorEvent::Kind::defaultChanged)
-        result.set("flow", flowKey(event.flow)).set("role", roleKey(event.role));
-    if (event.kind == MonitorEvent::Kind::stateChanged)
-        result.set("previousState", stateKey(event.previousState));
-    if (event.kind == MonitorEvent::Kind::stateChanged || event.kind == MonitorEvent::Kind::added)
-        result.set("state", stateKey(event.state));
-    return result;
+    if (event.cardAfter || event.cardBefore)
+        return event.cardAfter ? *event.cardAfter : *event.cardBefore;
+    const std::optional<Endpoint> endpoint = subjectOf(event);
+    if (event.kind == Event::Kind::defaultChanged && !endpoint)
+        return Card();
+    if (const std::optional<Card> card = snapshot.card(event.card))
+        return *card;
+    const std::optional<Card> card = endpoint ? snapshot.cardOf(endpoint->id()) : std::nullopt;
+    return card.value_or(Card());
 }
+}
+
+std::optional<Endpoint> subjectOf(const Event& event)
+{
+    if (event.kind == Event::Kind::defaultChanged)
+        return event.after;
+    return event.after ? event.after : event.before;
 }
 
 EventWriter::EventWriter(const Environment& environment, bool isJson, std::optional<std::string> machine)
@@ -170,36 +145,39 @@ EventWriter::EventWriter(const Environment& environment, bool isJson, std::optio
 {
 }
 
-void EventWriter::expect(const EventSubject& subject)
+void EventWriter::expect(const Card& card, const Endpoint& endpoint)
 {
-    if (subject.flow)
-        m_names.emplace(subject.cardName, subject.endpointTitle, *subject.flow);
-    m_cardWidth = std::min(std::max(m_cardWidth, displayWidth(subject.cardName)), widestName);
-    m_endpointWidth = std::min(std::max(m_endpointWidth, displayWidth(shownTitle(subject))), widestName);
+    m_names.emplace(card.title(), endpoint.title(), endpoint.flow());
+    expect(card);
+    m_endpointWidth = std::min(std::max(m_endpointWidth, displayWidth(shownTitle(card, endpoint))), widestName);
 }
 
-/// Whether an endpoint of the other flow, on the same card, has the same title.
-bool EventWriter::hasTwin(const EventSubject& subject) const
+void EventWriter::expect(const Card& card)
 {
-    const EDataFlow other = subject.flow == std::optional<EDataFlow>(eRender) ? eCapture : eRender;
-    return subject.flow && m_names.count({subject.cardName, subject.endpointTitle, other}) > 0;
+    m_cardWidth = std::min(std::max(m_cardWidth, displayWidth(printable(card.title()))), widestName);
 }
 
-std::string EventWriter::shownTitle(const EventSubject& subject) const
+std::string EventWriter::shownTitle(const Card& card, const Endpoint& endpoint) const
 {
-    const std::string title = printable(subject.endpointTitle);
-    if (!hasTwin(subject))
+    const std::string title = printable(endpoint.description().value_or(endpoint.title()));
+    const Flow other = endpoint.flow() == Flow::output ? Flow::input : Flow::output;
+    if (m_names.count({card.title(), endpoint.title(), other}) == 0)
         return shortened(title, widestName);
-    const std::string flow = " (" + std::string(flowWords(*subject.flow)) + ")";
+    const std::string flow = " (" + std::string(wordsOf(endpoint.flow())) + ")";
     return shortened(title, widestName - flow.size()) + flow;
 }
 
-void EventWriter::write(const MonitorEvent& event)
+void EventWriter::write(const Event& event, const Snapshot& snapshot, std::chrono::system_clock::time_point time)
 {
     if (isOutputLost())
         return;
-    expect(event.subject);
-    m_environment.out << (m_isJson ? eventJson(event, m_machine).line() : line(event)) << "\n" << std::flush;
+    const Card card = cardOf(event, snapshot);
+    if (const std::optional<Endpoint> endpoint = subjectOf(event))
+        expect(card, *endpoint);
+    else if (event.cardBefore || event.cardAfter)
+        expect(card);
+    m_environment.out << (m_isJson ? eventJson(event, card, m_machine, time).line() : line(event, card, time)) << "\n"
+                      << std::flush;
 }
 
 bool EventWriter::isOutputLost() const
@@ -207,13 +185,15 @@ bool EventWriter::isOutputLost() const
     return !m_environment.out;
 }
 
-std::string EventWriter::line(const MonitorEvent& event) const
+std::string EventWriter::line(const Event& event, const Card& card, std::chrono::system_clock::time_point time) const
 {
     const bool hasColours = m_environment.hasColours;
-    const std::string card = padded(shortened(printable(event.subject.cardName), m_cardWidth), m_cardWidth);
-    const std::string endpoint = padded(shownTitle(event.subject), m_endpointWidth);
-    return painted(localTimeText(event.time), Paint::dim, hasColours) + "  " + card + "  " +
-           painted(endpoint, Paint::bold, hasColours) + "  " +
-           painted(eventWords(event), eventPaint(event.kind), hasColours);
+    const std::optional<Endpoint> subject = subjectOf(event);
+    const bool isCardKnown = !card.id().isEmpty() || !card.endpoints().empty();
+    const std::string cardTitle = isCardKnown ? shortened(printable(card.title()), m_cardWidth) : std::string();
+    const std::string title = subject ? shownTitle(card, *subject) : std::string();
+    return painted(localTimeText(time), Paint::dim, hasColours) + "  " + padded(cardTitle, m_cardWidth) + "  " +
+           painted(padded(title, m_endpointWidth), Paint::bold, hasColours) + "  " +
+           painted(eventWords(event), eventPaint(event), hasColours);
 }
 }

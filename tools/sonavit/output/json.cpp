@@ -12,7 +12,7 @@ namespace sonavit::program
 {
 namespace
 {
-constexpr int schemaVersion = 1;
+constexpr int schemaVersion = 2;
 
 using Value = nlohmann::ordered_json;
 

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+
+namespace sonavit::program
+{
+/// The whole file @p path, which is UTF-8. Throws OperationFailure if it cannot be read.
+std::string readFile(const std::string& path);
+
+/// Writes @p text to the file @p path, which is UTF-8. Throws OperationFailure if it cannot be written.
+void writeFile(const std::string& path, const std::string& text);
+}
