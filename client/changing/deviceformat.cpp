@@ -1,6 +1,6 @@
 #include "client/changing/deviceformat.h"
 
-#include "COM/comptr.h"
+#include "client/reading/handle.h"
 #include "client/reading/properties.h"
 #include "platform/propertykeys.h"
 
@@ -13,7 +13,7 @@ namespace sonavit::changing
 {
 namespace
 {
-using Store = COMPtr<IPropertyStore>::pointer;
+using Store = reading::Handle<IPropertyStore>;
 
 constexpr std::uint32_t bitsOfAByte = 8;
 

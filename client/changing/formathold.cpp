@@ -64,7 +64,9 @@ public:
     }
 
     const HeldFormat format;
-    std::uint64_t atEnd = 0; ///< of Watcher::atEnd(), used on the worker alone
+    // Used on the worker alone.
+    std::uint64_t atEnd = 0; ///< of Watcher::atEnd()
+    bool isDone = false;     ///< the format was put back, or the platform has refused that
 
 private:
     mutable std::mutex m_mutex;
@@ -83,10 +85,11 @@ void publishFormat(Watcher& watcher, const EndpointId& id, ChangeToken token)
 }
 
 /// On the worker: puts the format back, once, and calls @p afterwards before it wakes the caller of FormatHold::end().
+/// After an exception the end of the System tries it again.
 template<class Function>
-void endHold(const Watcher& watcher, Hold& hold, const Function& afterwards)
+void endHold(Watcher& watcher, Hold& hold, const Function& afterwards)
 {
-    if (hold.hasEnded())
+    if (std::exchange(hold.isDone, true))
         return;
     Result<Done> outcome = Done();
     try
@@ -97,6 +100,8 @@ void endHold(const Watcher& watcher, Hold& hold, const Function& afterwards)
     }
     catch (const std::exception& failure)
     {
+        hold.isDone = false;
+        watcher.startAgainLater();
         outcome = Problem(Problem::Kind::internal, "FormatHold::end", hold.format.endpoint().text(), failure.what());
     }
     hold.finish(std::move(outcome));
@@ -105,8 +110,9 @@ void endHold(const Watcher& watcher, Hold& hold, const Function& afterwards)
 /// While the System lives.
 void endHold(Watcher& watcher, Hold& hold)
 {
-    watcher.cancelAtEnd(hold.atEnd);
     endHold(watcher, hold, [&] { publishFormat(watcher, hold.format.endpoint(), watcher.newToken()); });
+    if (hold.isDone)
+        watcher.cancelAtEnd(hold.atEnd);
 }
 }
 
@@ -123,29 +129,31 @@ struct FormatHold::State
     {
     }
 
-    ~State() { post(); }
+    ~State()
+    {
+        try
+        {
+            post();
+        }
+        catch (const std::bad_alloc&)
+        {
+            return; // the end of the System puts the format back
+        }
+    }
     State(const State&) = delete;
     State& operator=(const State&) = delete;
 
-    void post() noexcept
+    /// Throws std::bad_alloc.
+    void post() const
     {
-        if (worker::isForked() || worker::isEnding())
+        if (worker::isForked() || worker::isEnding() || hold->hasEnded())
             return;
-        try
+        const auto task = [kept = hold, weak = watcher]
         {
-            if (hold->hasEnded())
-                return;
-            const auto task = [kept = hold, weak = watcher]
-            {
-                if (const std::shared_ptr<Watcher> present = weak.lock())
-                    endHold(*present, *kept);
-            };
-            worker->post(worker::Urgency::change, task);
-        }
-        catch (...)
-        {
-            return; // no memory; the end of the System puts the format back
-        }
+            if (const std::shared_ptr<Watcher> present = weak.lock())
+                endHold(*present, *kept);
+        };
+        worker->post(worker::Urgency::change, task);
     }
 
     const std::shared_ptr<worker::Worker> worker;
@@ -205,7 +213,15 @@ Result<Done> FormatHold::end()
         return Done();
     const std::string& object = endpoint().text();
     worker::Worker& worker = *m_state->worker;
-    m_state->post();
+    try
+    {
+        m_state->post();
+    }
+    catch (...)
+    {
+        m_state->isEnding = false;
+        throw;
+    }
     if (worker.isThisThread())
         return Problem(Problem::Kind::wouldWait, operation, object, "the operation would wait for its own thread");
     worker::Clock& clock = worker.clock();

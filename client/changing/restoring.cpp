@@ -217,7 +217,7 @@ void Restoring::restoreSelectors(const Place& place)
             const Result<SelectorInput> input = inputOf(*found, setting);
             if (!input)
                 return input.problem();
-            const COMPtr<IAudioInputSelector>::pointer platform = (*m_walk)->selector(found->id);
+            const reading::Handle<IAudioInputSelector> platform = (*m_walk)->selector(found->id);
             if (platform.get() == nullptr)
                 return notThere(setting.id, "the selector cannot be opened");
             return choose(*found, *platform, *input, context);

@@ -75,7 +75,7 @@ ChangeOfControl levelChange(const LevelChange& change)
 {
     return [change](const Control& control, const HardwareWalk& walk, ChangeContext& context) -> Result<Done>
     {
-        const COMPtr<IAudioVolumeLevel>::pointer level = walk.level(control.id);
+        const reading::Handle<IAudioVolumeLevel> level = walk.level(control.id);
         if (level.get() == nullptr)
             return Problem(Problem::Kind::notSupported, "setControl", control.id.text(),
                            "the control has no level any more");
@@ -87,7 +87,7 @@ ChangeOfControl muteChange(bool isMuted)
 {
     return [isMuted](const Control& control, const HardwareWalk& walk, ChangeContext& context) -> Result<Done>
     {
-        const COMPtr<IAudioMute>::pointer mute = walk.mute(control.id);
+        const reading::Handle<IAudioMute> mute = walk.mute(control.id);
         if (mute.get() == nullptr)
             return Problem(Problem::Kind::notSupported, "setControlMute", control.id.text(),
                            "the control " + text::quoted(control.title()) + " has no mute");
@@ -160,7 +160,7 @@ Result<Done> choose(const HardwareWalk& walk, const Selector& selector, std::str
     const Result<SelectorInput> chosen = reading::inputNamed(selector, input);
     if (!chosen)
         return chosen.problem();
-    const COMPtr<IAudioInputSelector>::pointer platform = walk.selector(selector.id);
+    const reading::Handle<IAudioInputSelector> platform = walk.selector(selector.id);
     if (platform.get() == nullptr)
         return Problem(Problem::Kind::notSupported, "select", selector.id.text(), "the selector cannot be opened");
     return changing::choose(selector, *platform, *chosen, context);

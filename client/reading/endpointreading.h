@@ -2,7 +2,7 @@
 /// What is read of endpoints, step by step. All of it runs on the worker.
 #pragma once
 
-#include "COM/comptr.h"
+#include "client/reading/handle.h"
 #include "client/reading/witness.h"
 #include "platform/coreaudio.h"
 #include "sonavit/endpoint.h"
@@ -17,7 +17,7 @@
 
 namespace sonavit::reading
 {
-using Enumerator = COMPtr<IMMDeviceEnumerator>::pointer;
+using Enumerator = Handle<IMMDeviceEnumerator>;
 
 /// An endpoint as it was read, with the platform's objects behind it and what only grouping needs.
 struct EndpointReading
@@ -27,10 +27,10 @@ struct EndpointReading
     Endpoint::Content content;
     std::optional<std::string> adapter; ///< id of the device that its first connector leads to
     std::optional<std::string> bus;     ///< name of its device's enumerator
-    COMPtr<IMMDevice>::pointer device;
+    Handle<IMMDevice> device;
     /// Nil for an endpoint without volume. A reading releases it when the endpoint loses its volume or its device is
     /// replaced; who is registered with it keeps a handle of its own.
-    COMPtr<IAudioEndpointVolume>::pointer volume;
+    Handle<IAudioEndpointVolume> volume;
 
     Jack namedJack;               ///< the kind of jack that the properties name; type and form factor alone
     std::vector<Jack> foundJacks; ///< the jacks behind the first connector

@@ -32,7 +32,7 @@ const char* nameOf(Flow flow)
     return flow == Flow::output ? "eRender" : "eCapture";
 }
 
-EndpointReading newReading(EndpointId id, Flow flow, COMPtr<IMMDevice>::pointer device)
+EndpointReading newReading(EndpointId id, Flow flow, Handle<IMMDevice> device)
 {
     EndpointReading reading;
     reading.content.id = std::move(id);
@@ -64,7 +64,7 @@ private:
     {
         EndpointId id;
         Flow flow = Flow::output;
-        COMPtr<IMMDevice>::pointer device;
+        Handle<IMMDevice> device;
     };
 
     void listFlow(Flow flow)
@@ -73,7 +73,7 @@ private:
         const HRESULT result = m_enumerator.EnumAudioEndpoints(platformFlow(flow), DEVICE_STATEMASK_ALL, &list);
         if (!m_judge.gives(result, list, {"IMMDeviceEnumerator::EnumAudioEndpoints", nameOf(flow)}))
             return;
-        const COMPtr<IMMDeviceCollection>::pointer holder(list);
+        const Handle<IMMDeviceCollection> holder(list);
         UINT count = 0;
         if (!m_judge.passes(list->GetCount(&count), {"IMMDeviceCollection::GetCount"}))
             return;
@@ -92,7 +92,7 @@ private:
         IMMDevice* item = nullptr;
         if (!m_judge.gives(list.Item(index, &item), item, {"IMMDeviceCollection::Item", nullptr, index}))
             return false;
-        COMPtr<IMMDevice>::pointer device(item);
+        Handle<IMMDevice> device(item);
         TaskText text(TaskText::NullText::skipped);
         if (!m_judge.gives(device->GetId(text.put()), *text.put(), {"IMMDevice::GetId"}))
             return false;
@@ -129,7 +129,7 @@ Result<Flow> readFlow(IMMDevice& device, const EndpointId& id)
         return openingFailure(query, id, result, E_NOINTERFACE); // an adapter is a device, too
     if (endpoint == nullptr)
         return failure(query, id.text(), E_POINTER);
-    const COMPtr<IMMEndpoint>::pointer holder(endpoint);
+    const Handle<IMMEndpoint> holder(endpoint);
     EDataFlow flow = eAll;
     result = endpoint->GetDataFlow(&flow);
     if (SUCCEEDED(result) && flow != eRender && flow != eCapture)
@@ -146,7 +146,7 @@ EndpointId readDefault(IMMDeviceEnumerator& enumerator, EDataFlow flow, ERole ro
     const HRESULT result = enumerator.GetDefaultAudioEndpoint(flow, role, &endpoint);
     if (!judge.gives(result, endpoint, {"IMMDeviceEnumerator::GetDefaultAudioEndpoint", question}, {E_NOTFOUND}))
         return {};
-    const COMPtr<IMMDevice>::pointer holder(endpoint);
+    const Handle<IMMDevice> holder(endpoint);
     TaskText id(TaskText::NullText::skipped);
     if (!judge.gives(endpoint->GetId(id.put()), *id.put(), {"IMMDevice::GetId"}))
         return {};
@@ -177,7 +177,7 @@ Result<EndpointReading> openEndpoint(IMMDeviceEnumerator& enumerator, const Endp
         return openingFailure({"IMMDeviceEnumerator::GetDevice"}, id, result, E_INVALIDARG);
     if (device == nullptr)
         return failure({"IMMDeviceEnumerator::GetDevice"}, id.text(), E_POINTER);
-    COMPtr<IMMDevice>::pointer holder(device);
+    Handle<IMMDevice> holder(device);
     const Result<Flow> flow = readFlow(*device, id);
     if (!flow)
         return flow.problem();

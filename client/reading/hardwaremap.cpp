@@ -47,7 +47,7 @@ I* HardwareMap::activated(std::size_t part, Activation<I> HardwarePart::*activat
         void* object = nullptr;
         const HRESULT result = owner.part->Activate(CLSCTX_ALL, iid, &object);
         if (Judge(objectOf(part), owner.problems).gives(result, object, {"IPart::Activate", name}, {E_NOINTERFACE}))
-            known.object = static_cast<I*>(object);
+            known.object = Handle<I>(static_cast<I*>(object));
     }
     known.isAsked = true;
     return known.object.get();
@@ -74,7 +74,7 @@ bool HardwareMap::hasPath(HardwareDevice& device, std::size_t from, std::size_t 
     const HRESULT result = device.topology->GetSignalPath(parts[from].part.get(), parts[to].part.get(), TRUE, &path);
     const bool isThere =
         Judge(device.facts.id, device.problems).gives(result, path, {"IDeviceTopology::GetSignalPath"}, {E_NOTFOUND});
-    const COMPtr<IPartsList>::pointer holder(isThere ? path : nullptr);
+    const Handle<IPartsList> holder(isThere ? path : nullptr);
     return isThere;
 }
 

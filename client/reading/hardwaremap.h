@@ -3,7 +3,7 @@
 /// mutes and selections are read later.
 #pragma once
 
-#include "COM/comptr.h"
+#include "client/reading/handle.h"
 #include "platform/coreaudio.h"
 #include "sonavit/card.h"
 #include "sonavit/control.h"
@@ -29,7 +29,7 @@ template<class I>
 struct Activation
 {
     bool isAsked = false;
-    typename COMPtr<I>::pointer object;
+    Handle<I> object;
 };
 
 /// A connector or a subunit. Other parts are named by their positions in HardwareMap::parts.
@@ -60,8 +60,8 @@ struct HardwarePart
     Side incoming;
     Side outgoing;
     std::vector<std::size_t> sources; ///< the parts from which a wire of the graph leads here
-    COMPtr<IPart>::pointer part;
-    COMPtr<IConnector>::pointer connector; ///< nil for a subunit
+    Handle<IPart> part;
+    Handle<IConnector> connector; ///< nil for a subunit
     Activation<IAudioVolumeLevel> level;
     Activation<IAudioMute> mute;
     Activation<IAudioInputSelector> selector;
@@ -72,7 +72,7 @@ struct HardwarePart
 struct HardwareDevice
 {
     Graph::Device facts; ///< its parts are those of the graph, by their positions in HardwareMap::parts
-    COMPtr<IDeviceTopology>::pointer topology;
+    Handle<IDeviceTopology> topology;
     std::vector<std::size_t> parts;      ///< all of them, in the order in which the walk meets them
     std::vector<std::size_t> connectors; ///< in the platform's order
     std::vector<std::size_t> subunits;   ///< in the platform's order

@@ -140,7 +140,7 @@ void HardwareReader::readSide(std::size_t part, HardwarePart::Side HardwarePart:
     const char* const name = isIncoming ? "IPart::EnumPartsIncoming" : "IPart::EnumPartsOutgoing";
     if (!judgeOfPart(part).gives(result, list, {name}, {E_NOTFOUND}))
         return;
-    const COMPtr<IPartsList>::pointer holder(list);
+    const Handle<IPartsList> holder(list);
     std::vector<std::size_t> parts;
     readList(part, *list, parts, place);
     found.parts = std::move(parts);
@@ -196,7 +196,7 @@ void HardwareReader::openThroughPeer(std::size_t device)
         const HRESULT result = m_map.parts[peer].part->GetTopologyObject(&topology);
         if (!judgeOfPart(peer).gives(result, topology, {"IPart::GetTopologyObject"}))
             continue;
-        m_map.devices[device].topology = COMPtr<IDeviceTopology>::pointer(topology);
+        m_map.devices[device].topology = Handle<IDeviceTopology>(topology);
         readComponents(device, Place::surroundings);
         return;
     }

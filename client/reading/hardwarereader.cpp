@@ -23,14 +23,14 @@ constexpr unsigned mostFailures = 16;
 constexpr std::size_t mostDevices = 0x10000;
 
 /// Opens a device by its id; nil if the platform does not find it.
-COMPtr<IMMDevice>::pointer openDevice(IMMDeviceEnumerator& enumerator, const std::string& id, Judge judge,
-                                      Judge::Codes tolerated)
+Handle<IMMDevice> openDevice(IMMDeviceEnumerator& enumerator, const std::string& id, Judge judge,
+                             Judge::Codes tolerated)
 {
     IMMDevice* device = nullptr;
     const qor::String text = qor::String::fromUtf8(id);
     const HRESULT result = enumerator.GetDevice(platform::wide(text.getUCS2Buffer()), &device);
     const bool isOpen = judge.gives(result, device, {"IMMDeviceEnumerator::GetDevice"}, tolerated);
-    return COMPtr<IMMDevice>::pointer(isOpen ? device : nullptr);
+    return Handle<IMMDevice>(isOpen ? device : nullptr);
 }
 }
 
@@ -93,7 +93,7 @@ void HardwareReader::readTopology(std::size_t device, IMMDevice& platformDevice)
     known.facts.hasTopology = result != E_NOINTERFACE;
     if (!judgeOf(device).gives(result, topology, {"IMMDevice::Activate", "IDeviceTopology"}, {E_NOINTERFACE}))
         return;
-    known.topology = COMPtr<IDeviceTopology>::pointer(topology);
+    known.topology = Handle<IDeviceTopology>(topology);
     readComponents(device, Place::graph);
 }
 
@@ -102,7 +102,7 @@ void HardwareReader::readComponents(std::size_t device, Place place)
 {
     readComponents<IConnector>(device, &IDeviceTopology::GetConnectorCount, &IDeviceTopology::GetConnector,
                                "IDeviceTopology::GetConnectorCount", "IDeviceTopology::GetConnector",
-                               [&](const COMPtr<IConnector>::pointer& connector)
+                               [&](const Handle<IConnector>& connector)
                                {
                                    std::vector<std::size_t>& list = m_map.devices[device].connectors;
                                    const std::size_t part = addConnector(connector, device, place);
@@ -119,7 +119,7 @@ void HardwareReader::readComponents(std::size_t device, Place place)
         return;
     readComponents<ISubunit>(device, &IDeviceTopology::GetSubunitCount, &IDeviceTopology::GetSubunit,
                              "IDeviceTopology::GetSubunitCount", "IDeviceTopology::GetSubunit",
-                             [&](const COMPtr<ISubunit>::pointer& subunit)
+                             [&](const Handle<ISubunit>& subunit)
                              {
                                  IPart* part = nullptr;
                                  const HRESULT result = interfacequery::query(*subunit, part);
@@ -136,7 +136,7 @@ void HardwareReader::readComponents(std::size_t device, HRESULT (STDMETHODCALLTY
                                     HRESULT (STDMETHODCALLTYPE IDeviceTopology::*get)(UINT, Component**),
                                     const char* countName, const char* name, const Add& add)
 {
-    const COMPtr<IDeviceTopology>::pointer topology = m_map.devices[device].topology;
+    const Handle<IDeviceTopology> topology = m_map.devices[device].topology;
     UINT number = 0;
     if (!judgeOf(device).passes((topology.get()->*count)(&number), {countName}))
         return;
@@ -149,7 +149,7 @@ void HardwareReader::readComponents(std::size_t device, HRESULT (STDMETHODCALLTY
         const HRESULT result = (topology.get()->*get)(index, &component);
         const bool isThere = judgeOf(device).gives(result, component, {name, nullptr, index});
         failures = isThere ? 0 : failures + 1;
-        const typename COMPtr<Component>::pointer holder(isThere ? component : nullptr);
+        const Handle<Component> holder(isThere ? component : nullptr);
         if (isThere)
             add(holder);
     }
@@ -189,7 +189,7 @@ void HardwareReader::readFarDevice(std::size_t device, IMMDevice& platformDevice
         readAdapterName(device, platformDevice);
         return;
     }
-    const COMPtr<IMMEndpoint>::pointer holder(endpoint);
+    const Handle<IMMEndpoint> holder(endpoint);
     known.facts.kind = Graph::Device::Kind::endpoint;
     known.facts.isListed = false;
     EDataFlow flow = eAll;
@@ -204,7 +204,7 @@ void HardwareReader::readFarDevice(std::size_t device, IMMDevice& platformDevice
     reading.content.id = EndpointId(known.facts.id);
     reading.content.flow = known.facts.flow.value_or(Flow::output);
     platformDevice.AddRef();
-    reading.device = COMPtr<IMMDevice>::pointer(&platformDevice);
+    reading.device = Handle<IMMDevice>(&platformDevice);
     readState(reading);
     readProperties(reading);
     for (const EndpointProblem& problem : reading.content.problems)
@@ -222,7 +222,7 @@ void HardwareReader::readAdapterName(std::size_t device, IMMDevice& platformDevi
     const HRESULT result = platformDevice.OpenPropertyStore(STGM_READ, &store);
     if (judgeOf(device).gives(result, store, {"IMMDevice::OpenPropertyStore"}))
     {
-        const COMPtr<IPropertyStore>::pointer holder(store);
+        const Handle<IPropertyStore> holder(store);
         name = PropertyReader(*store, known.facts.id, known.problems)
                    .text({platform::propertykeys::friendlyName, "friendlyName"});
     }
@@ -230,7 +230,7 @@ void HardwareReader::readAdapterName(std::size_t device, IMMDevice& platformDevi
 }
 
 /// Registers a connector. HardwarePart::none if it has no part.
-std::size_t HardwareReader::addConnector(const COMPtr<IConnector>::pointer& connector, std::size_t device, Place place)
+std::size_t HardwareReader::addConnector(const Handle<IConnector>& connector, std::size_t device, Place place)
 {
     IPart* part = nullptr;
     const HRESULT result = interfacequery::query(*connector, part);
@@ -273,7 +273,7 @@ void HardwareReader::followConnector(std::size_t part)
     IConnector* object = nullptr;
     const HRESULT result = known.connector->GetConnectedTo(&object);
     const bool hasPeer = judgeOfPart(part).gives(result, object, {"IConnector::GetConnectedTo"}, {E_NOTFOUND});
-    const COMPtr<IConnector>::pointer peer(hasPeer ? object : nullptr);
+    const Handle<IConnector> peer(hasPeer ? object : nullptr);
     const std::string farId = farDeviceId(part, *known.connector, peer.get());
     if (farId.empty())
         return;
@@ -316,7 +316,7 @@ std::string HardwareReader::ownerOf(IConnector& peer, std::size_t part)
     result = peerPart->GetTopologyObject(&topology);
     if (!judge.gives(result, topology, {"IPart::GetTopologyObject"}))
         return {};
-    const COMPtr<IDeviceTopology>::pointer topologyHolder(topology);
+    const Handle<IDeviceTopology> topologyHolder(topology);
     TaskText id(TaskText::NullText::skipped);
     result = topology->GetDeviceId(id.put());
     return judge.gives(result, *id.put(), {"IDeviceTopology::GetDeviceId"}) ? utf8(id.get()) : std::string();

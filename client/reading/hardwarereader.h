@@ -33,8 +33,8 @@ public:
     void findIslands();
 
 private:
-    using Device = COMPtr<IMMDevice>::pointer;
-    using Part = COMPtr<IPart>::pointer;
+    using Device = Handle<IMMDevice>;
+    using Part = Handle<IPart>;
 
     /// Whether a part that the walk meets belongs to the graph.
     enum class Place
@@ -58,7 +58,7 @@ private:
     Judge judgeOf(std::size_t device);
 
     // Connectors and their joins.
-    std::size_t addConnector(const COMPtr<IConnector>::pointer& connector, std::size_t device, Place place);
+    std::size_t addConnector(const Handle<IConnector>& connector, std::size_t device, Place place);
     void followConnector(std::size_t part);
     std::string farDeviceId(std::size_t part, IConnector& connector, IConnector* peer);
     std::string ownerOf(IConnector& peer, std::size_t part);

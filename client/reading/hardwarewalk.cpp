@@ -60,15 +60,19 @@ Hardware HardwareWalk::hardware(const CardId& card) const
 
 bool HardwareWalk::hasFailures() const noexcept
 {
-    const auto isOfPlatform = [](const Problem& problem) { return problem.kind() == Problem::Kind::platform; };
+    return hasProblems([](const Problem& problem) noexcept { return problem.kind() == Problem::Kind::platform; });
+}
+
+bool HardwareWalk::hasProblems(bool (*isMeant)(const Problem& problem) noexcept) const noexcept
+{
     const auto isFlawed = [&](const auto& each)
-    { return std::any_of(each.problems.begin(), each.problems.end(), isOfPlatform); };
+    { return std::any_of(each.problems.begin(), each.problems.end(), isMeant); };
     const HardwareMap& map = m_state->map;
     return std::any_of(map.devices.begin(), map.devices.end(), isFlawed) ||
            std::any_of(map.parts.begin(), map.parts.end(), isFlawed);
 }
 
-COMPtr<IAudioVolumeLevel>::pointer HardwareWalk::level(const ControlId& control) const
+Handle<IAudioVolumeLevel> HardwareWalk::level(const ControlId& control) const
 {
     HardwareMap& map = m_state->map;
     const std::size_t part = map.find(PartId(control.text()));
@@ -78,15 +82,15 @@ COMPtr<IAudioVolumeLevel>::pointer HardwareWalk::level(const ControlId& control)
     return map.parts[part].level.object;
 }
 
-COMPtr<IAudioMute>::pointer HardwareWalk::mute(const ControlId& control) const
+Handle<IAudioMute> HardwareWalk::mute(const ControlId& control) const
 {
     HardwareMap& map = m_state->map;
     const std::size_t part = map.find(PartId(control.text()));
     const std::size_t mute = part == HardwarePart::none ? part : muteNextTo(map, part);
-    return mute == HardwarePart::none ? COMPtr<IAudioMute>::pointer() : map.parts[mute].mute.object;
+    return mute == HardwarePart::none ? Handle<IAudioMute>() : map.parts[mute].mute.object;
 }
 
-COMPtr<IAudioInputSelector>::pointer HardwareWalk::selector(const SelectorId& selector) const
+Handle<IAudioInputSelector> HardwareWalk::selector(const SelectorId& selector) const
 {
     HardwareMap& map = m_state->map;
     const std::size_t part = map.find(PartId(selector.text()));
@@ -120,9 +124,9 @@ std::vector<HardwareWalk::ChangingControl> HardwareWalk::changingControls(const 
     return parts;
 }
 
-std::vector<COMPtr<IPart>::pointer> HardwareWalk::changingParts(const CardId& card) const
+std::vector<Handle<IPart>> HardwareWalk::changingParts(const CardId& card) const
 {
-    std::vector<COMPtr<IPart>::pointer> parts;
+    std::vector<Handle<IPart>> parts;
     for (const ChangingControl& control : changingControls(card))
     {
         const auto isSame = [&](const auto& part) { return part.get() == control.part.get(); };

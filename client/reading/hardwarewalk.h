@@ -3,8 +3,8 @@
 /// worker.
 #pragma once
 
-#include "COM/comptr.h"
 #include "client/reading/endpointreading.h"
+#include "client/reading/handle.h"
 #include "platform/coreaudio.h"
 #include "sonavit/control.h"
 #include "sonavit/graph.h"
@@ -40,22 +40,24 @@ public:
     Hardware hardware(const CardId& card) const;
     /// Whether a platform call has failed so far, but for those that read levels, mutes and selections.
     bool hasFailures() const noexcept;
+    /// Whether one of the problems so far, but for those of levels, mutes and selections, is what @p isMeant looks for.
+    bool hasProblems(bool (*isMeant)(const Problem& problem) noexcept) const noexcept;
 
     /// The platform's objects of a control or a selector of the walk; nil if there is none.
-    COMPtr<IAudioVolumeLevel>::pointer level(const ControlId& control) const;
-    COMPtr<IAudioMute>::pointer mute(const ControlId& control) const;
-    COMPtr<IAudioInputSelector>::pointer selector(const SelectorId& selector) const;
+    Handle<IAudioVolumeLevel> level(const ControlId& control) const;
+    Handle<IAudioMute> mute(const ControlId& control) const;
+    Handle<IAudioInputSelector> selector(const SelectorId& selector) const;
     /// A part, and the interface of that of its controls whose changes are meant.
     struct ChangingControl
     {
-        COMPtr<IPart>::pointer part;
+        Handle<IPart> part;
         IID control;
     };
 
     /// For IPart::RegisterControlChangeCallback: the levels, the mutes next to them, and the selectors.
     std::vector<ChangingControl> changingControls(const CardId& card) const;
     /// Their parts, each once.
-    std::vector<COMPtr<IPart>::pointer> changingParts(const CardId& card) const;
+    std::vector<Handle<IPart>> changingParts(const CardId& card) const;
 
 private:
     struct State;

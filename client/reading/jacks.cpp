@@ -43,13 +43,13 @@ public:
                 : m_judge.gives(result, topology, operation, {E_NOINTERFACE});
         if (!isGiven)
             return;
-        const COMPtr<IDeviceTopology>::pointer holder(topology);
+        const Handle<IDeviceTopology> holder(topology);
         IConnector* connector = nullptr;
         // The code for a number without a connector: the endpoint has none.
         if (!m_judge.gives(topology->GetConnector(0, &connector), connector, {"IDeviceTopology::GetConnector"},
                            {E_INVALIDARG}))
             return;
-        const COMPtr<IConnector>::pointer connectorHolder(connector);
+        const Handle<IConnector> connectorHolder(connector);
         readAdapter(*connector);
         crossJoin(*connector);
     }
@@ -68,12 +68,12 @@ private:
         IConnector* jack = nullptr;
         if (!m_judge.gives(connector.GetConnectedTo(&jack), jack, {"IConnector::GetConnectedTo"}, {E_NOTFOUND}))
             return;
-        const COMPtr<IConnector>::pointer jackHolder(jack);
+        const Handle<IConnector> jackHolder(jack);
         IPart* part = nullptr;
         const HRESULT result = interfacequery::query(*jack, part);
         if (!m_judge.gives(result, part, {"IConnector::QueryInterface", "IPart"}))
             return;
-        const COMPtr<IPart>::pointer partHolder(part);
+        const Handle<IPart> partHolder(part);
         readType(*part);
         readDescriptions(*part);
         for (Jack& each : m_reading.foundJacks)
@@ -97,7 +97,7 @@ private:
         const HRESULT result = part.Activate(CLSCTX_INPROC_SERVER, IID_IKsJackDescription, &object);
         if (m_judge.gives(result, object, {"IPart::Activate", "IKsJackDescription"}, {E_NOINTERFACE, E_NOTFOUND}))
         {
-            const COMPtr<IKsJackDescription>::pointer descriptions(static_cast<IKsJackDescription*>(object));
+            const Handle<IKsJackDescription> descriptions(static_cast<IKsJackDescription*>(object));
             readDescriptions(*descriptions);
         }
         if (m_reading.foundJacks.empty() && m_type)

@@ -113,7 +113,7 @@ void readProperties(EndpointReading& reading)
     }
     else
     {
-        const COMPtr<IPropertyStore>::pointer holder(store);
+        const Handle<IPropertyStore> holder(store);
         Filler filler(*store, reading);
         fillNames(filler, reading.content);
         fillValues(filler, reading.content);

@@ -113,11 +113,11 @@ void activateVolume(EndpointReading& reading, Judge& judge)
                              ? judge.gives(result, volume, operation, {E_NOINTERFACE, AUDCLNT_E_DEVICE_INVALIDATED})
                              : judge.gives(result, volume, operation, {E_NOINTERFACE});
     if (isGiven)
-        reading.volume = volume;
+        reading.volume = Handle<IAudioEndpointVolume>(volume);
 }
 }
 
-void readVolume(EndpointReading& reading)
+void openVolume(EndpointReading& reading)
 {
     reading.volumeProblems.clear();
     reading.content.volume.reset();
@@ -126,11 +126,22 @@ void readVolume(EndpointReading& reading)
         reading.volume = nullptr;
     else if (reading.volume.get() == nullptr)
         activateVolume(reading, judge);
+}
+
+void readOpenVolume(EndpointReading& reading)
+{
+    Judge judge(reading.content.id.text(), reading.volumeProblems);
     if (reading.volume.get() != nullptr)
         reading.content.volume = VolumeReader(*reading.volume, judge).read();
     const auto isInvalidated = [](const Problem& problem) { return problem.code() == AUDCLNT_E_DEVICE_INVALIDATED; };
     if (std::any_of(reading.volumeProblems.begin(), reading.volumeProblems.end(), isInvalidated))
         reading.volume = nullptr; // the next reading asks for a new one
     gatherProblems(reading);
+}
+
+void readVolume(EndpointReading& reading)
+{
+    openVolume(reading);
+    readOpenVolume(reading);
 }
 }

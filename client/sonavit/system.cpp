@@ -20,6 +20,13 @@ Snapshot withoutCards(Problem problem)
     return Snapshot(std::move(content));
 }
 
+Graph graphOf(watching::Watcher& watcher, const reading::HardwareWalk& walk)
+{
+    Graph graph = walk.graph();
+    watcher.judge(graph.problems);
+    return graph;
+}
+
 template<class Value>
 bool isFlawed(const Value& value)
 {
@@ -125,7 +132,7 @@ Result<Graph> System::graph(const std::vector<CardId>& cards) const
         const auto walk = watcher.walk("graph", meant);
         if (!walk)
             return walk.problem();
-        return (*walk)->graph();
+        return graphOf(watcher, **walk);
     };
     return m_state->run<Graph>("graph", "", worker::Urgency::reading, task);
 }
@@ -137,7 +144,7 @@ Result<Graph> System::graph() const
         const auto walk = watcher.walk("graph", watcher.latest().cards());
         if (!walk)
             return walk.problem();
-        return (*walk)->graph();
+        return graphOf(watcher, **walk);
     };
     return m_state->run<Graph>("graph", "", worker::Urgency::reading, task);
 }
@@ -171,10 +178,10 @@ Result<Watch> System::watch(const CardId& card)
 {
     const auto task = [card](watching::Watcher& watcher) -> Result<Watch>
     {
+        auto state = std::make_shared<Watch::State>(); // nothing fails after the watch has begun
         const Result<std::uint64_t> number = watcher.watch(card);
         if (!number)
             return number.problem();
-        auto state = std::make_shared<Watch::State>();
         state->watcher = watcher.weak_from_this();
         state->worker = watcher.worker();
         state->number = *number;

@@ -1,12 +1,16 @@
 #include "client/watching/calls.h"
 #include "client/watching/hub.h"
 
+#include <chrono>
+#include <new>
 #include <utility>
 
 namespace sonavit::watching
 {
 namespace
 {
+constexpr std::chrono::milliseconds pauseWithoutMemory(250);
+
 thread_local unsigned callsHere = 0;
 
 /// What leads from @p before to the state that waits; no value if nothing does any more.
@@ -36,6 +40,18 @@ std::string textOf(const std::exception_ptr& failure)
         return "an exception that is no std::exception";
     }
 }
+
+std::optional<Problem> problemWith(const char* operation, const std::exception_ptr& failure) noexcept
+{
+    try
+    {
+        return Problem(Problem::Kind::internal, operation, "", textOf(failure));
+    }
+    catch (...)
+    {
+        return std::nullopt;
+    }
+}
 }
 
 bool isInsideCall() noexcept
@@ -58,8 +74,12 @@ void Hub::deliverUntilClosed()
     std::unique_lock<std::mutex> lock(m_mutex);
     while (!m_isClosed)
     {
-        if (deliverNext(lock) == Delivered::nothing && !m_isClosed)
+        const Delivered delivered = deliverNext(lock);
+        if (delivered == Delivered::nothing && !m_isClosed)
             m_changed.wait(lock);
+        else if (delivered == Delivered::failed)
+            worker::waitUntil(*m_clock, m_changed, lock, worker::deadlineAfter(m_clock->now(), pauseWithoutMemory),
+                              [this] { return m_isClosed; });
     }
     m_dispatcherHasEnded = true;
     m_changed.notify_all();
@@ -74,7 +94,12 @@ std::size_t Hub::poll(worker::Clock::Time deadline)
     std::size_t calls = 0;
     // As many as there are subscribers now, so that one whose calls cause changes does not keep the thread for ever.
     for (std::size_t left = m_subscribers.size(); left > 0; --left)
-        calls += deliverNext(lock) == Delivered::call ? 1 : 0;
+    {
+        const Delivered delivered = deliverNext(lock);
+        if (delivered == Delivered::failed)
+            throw std::bad_alloc();
+        calls += delivered == Delivered::call || delivered == Delivered::lastCall ? 1 : 0;
+    }
     return calls;
 }
 
@@ -100,23 +125,41 @@ Hub::Delivered Hub::deliverNext(std::unique_lock<std::mutex>& lock)
         return Delivered::nothing;
     ++m_next;
     subscriber->isRunning = true;
-    const Snapshot before = std::exchange(subscriber->known, subscriber->waiting->after);
-    const Subscriber::Waiting waiting = *std::exchange(subscriber->waiting, std::nullopt);
+    Subscriber::Waiting waiting = *std::exchange(subscriber->waiting, std::nullopt);
+    const Snapshot before = subscriber->known;
     lock.unlock();
     std::optional<Problem> problem;
-    const bool isCalled = call(*subscriber, before, waiting, problem);
+    const Delivered delivered = call(*subscriber, before, waiting, problem);
     lock.lock();
-    if (problem)
+    if (delivered == Delivered::failed)
+        putBack(*subscriber, std::move(waiting));
+    else
+        subscriber->known = std::move(waiting.after);
+    if (delivered == Delivered::lastCall)
     {
         subscriber->isActive = false;
-        subscriber->problem = problem;
+        subscriber->problem = std::move(problem);
         subscriber->waiting.reset();
     }
     if (!subscriber->isActive)
         letGo(*subscriber, lock);
     subscriber->isRunning = false;
     m_changed.notify_all();
-    return isCalled ? Delivered::call : Delivered::noCall;
+    return delivered;
+}
+
+/// Lets a change wait again that could not be delivered, before what has come meanwhile. The mutex is held.
+void Hub::putBack(Subscriber& subscriber, Subscriber::Waiting waiting) noexcept
+{
+    if (!subscriber.isActive)
+        return;
+    if (!subscriber.waiting)
+    {
+        subscriber.waiting.emplace(std::move(waiting));
+        return;
+    }
+    subscriber.waiting->events = nullptr; // who caused what is not known any more
+    subscriber.waiting->causes = Causes();
 }
 
 /// Destroys the function of a subscription that ended during its call. What the function owns may use the System, so
@@ -131,39 +174,51 @@ void Hub::letGo(Subscriber& subscriber, std::unique_lock<std::mutex>& lock)
     lock.lock();
 }
 
-/// Calls the subscriber, if anything has changed for it. @return whether it was called
-/// @param problem why its subscription ends
-bool Hub::call(const Subscriber& subscriber, const Snapshot& before, const Subscriber::Waiting& waiting,
-               std::optional<Problem>& problem) const
+/// Calls the subscriber, if anything has changed for it. @param problem why its subscription ends
+Hub::Delivered Hub::call(const Subscriber& subscriber, const Snapshot& before, const Subscriber::Waiting& waiting,
+                         std::optional<Problem>& problem) const noexcept
 {
     const CallScope scope;
+    std::optional<Change> change;
     try
     {
-        const std::optional<Change> change = changeFrom(before, waiting);
-        if (!change)
-            return false;
-        subscriber.call(*change);
+        change = changeFrom(before, waiting);
     }
     catch (...)
     {
-        problem = judge(std::current_exception());
+        return Delivered::failed;
     }
-    return true;
+    if (!change)
+        return Delivered::noCall;
+    try
+    {
+        subscriber.call(*change);
+        return Delivered::call;
+    }
+    catch (...)
+    {
+        return isHandled(std::current_exception(), problem) ? Delivered::call : Delivered::lastCall;
+    }
 }
 
-/// An exception of the program's own handler has nowhere to go.
-std::optional<Problem> Hub::judge(const std::exception_ptr& failure) const
+/// Whether the program's handler has received the exception. An exception of that handler has nowhere to go.
+/// @param problem what to tell otherwise; without memory for it nothing
+bool Hub::isHandled(const std::exception_ptr& failure, std::optional<Problem>& problem) const noexcept
 {
     if (!m_onException)
-        return Problem(Problem::Kind::internal, "subscribe", "", textOf(failure));
+    {
+        problem = problemWith("subscribe", failure);
+        return false;
+    }
     try
     {
         m_onException(failure);
+        return true;
     }
     catch (...)
     {
-        return Problem(Problem::Kind::internal, "Options::onException", "", textOf(std::current_exception()));
+        problem = problemWith("Options::onException", std::current_exception());
+        return false;
     }
-    return std::nullopt;
 }
 }

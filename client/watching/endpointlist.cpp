@@ -1,6 +1,5 @@
 #include "client/watching/endpointlist.h"
 
-#include "COM/interfacequery.h"
 #include "client/reading/steps.h"
 
 #include <iterator>
@@ -160,17 +159,12 @@ void EndpointList::readVolume(std::size_t index)
 {
     reading::EndpointReading& reading = m_readings[index];
     VolumeRegistration& registration = m_registrations[index];
-    if (reading::canHaveHardware(reading) && reading.volume.get() == nullptr)
-    {
-        IAudioEndpointVolume* volume = nullptr;
-        if (SUCCEEDED(interfacequery::activate(*reading.device, volume)) && volume != nullptr)
-            reading.volume = volume;
-    }
-    if (!reading::canHaveHardware(reading) || reading.volume.get() != registration.source())
+    reading::openVolume(reading);
+    if (reading.volume.get() == nullptr || reading.volume.get() != registration.source())
         registration.end();
-    if (reading::canHaveHardware(reading) && reading.volume.get() != nullptr && !registration)
+    if (reading.volume.get() != nullptr && !registration)
         registration = registerForVolume(*reading.volume, m_inbox, reading.content.id);
-    reading::readVolume(reading);
+    reading::readOpenVolume(reading);
     if (FAILED(registration.result()))
     {
         reading.volumeProblems.push_back(Problem::ofCall("IAudioEndpointVolume::RegisterControlChangeNotify",

@@ -29,45 +29,61 @@ void Hub::publish(Snapshot next, std::vector<Event> events)
     bool isWaiting = false;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
+        const auto leading = m_latest ? shared : nullptr;
+        for (const std::shared_ptr<Subscriber>& subscriber : m_subscribers)
+            gatherCauses(*subscriber, leading);
+        // Nothing below fails: all subscribers get the change, or none does.
         for (const std::shared_ptr<Subscriber>& subscriber : m_subscribers)
         {
             if (!subscriber->isActive)
                 continue;
-            merge(*subscriber, next, m_latest ? shared : nullptr);
+            merge(*subscriber, next, leading);
             isWaiting = true;
         }
         m_latest = std::move(next);
         m_changed.notify_all();
         isWaiting = isWaiting && m_wake && !std::exchange(m_isWoken, true);
     }
-    if (!isWaiting)
-        return;
+    if (isWaiting)
+        wake();
+}
+
+/// The program's functions have nowhere to throw to: the state has been published.
+void Hub::wake() const noexcept
+{
     try
     {
         m_wake();
     }
     catch (...)
     {
-        if (m_onException)
-            m_onException(std::current_exception());
+        std::optional<Problem> problem;
+        static_cast<void>(isHandled(std::current_exception(), problem));
     }
 }
 
-/// @param events null if they do not lead from what the subscriber knows
-void Hub::merge(Subscriber& subscriber, const Snapshot& next, const std::shared_ptr<const std::vector<Event>>& events)
+/// Before merge(): a second call with the same events changes nothing. @param events null if they do not lead from what
+/// the subscriber knows
+void Hub::gatherCauses(Subscriber& subscriber, const std::shared_ptr<const std::vector<Event>>& events)
 {
     if (!subscriber.waiting)
-    {
-        subscriber.waiting = Subscriber::Waiting{next, events, Causes()};
         return;
-    }
     Subscriber::Waiting& waiting = *subscriber.waiting;
     if (waiting.events != nullptr)
         waiting.causes.add(*waiting.events);
     if (events != nullptr)
         waiting.causes.add(*events);
-    waiting.events = nullptr;
-    waiting.after = next;
+}
+
+void Hub::merge(Subscriber& subscriber, const Snapshot& next, const std::shared_ptr<const std::vector<Event>>& events)
+{
+    if (!subscriber.waiting)
+    {
+        subscriber.waiting.emplace(Subscriber::Waiting{next, events, Causes()});
+        return;
+    }
+    subscriber.waiting->events = nullptr;
+    subscriber.waiting->after = next;
 }
 
 std::optional<Snapshot> Hub::waitForFirst(worker::Clock::Time deadline)

@@ -64,6 +64,7 @@ public:
     void stop(Subscriber& subscriber) noexcept;
     /// Waits for a call under way, unless this thread is inside a call.
     void waitFor(Subscriber& subscriber) noexcept;
+    /// Throws std::bad_alloc if there is no memory for a change, which waits on.
     std::size_t poll(worker::Clock::Time deadline);
     bool isActive(const Subscriber& subscriber) const;
     std::optional<Problem> problemOf(const Subscriber& subscriber) const;
@@ -79,15 +80,20 @@ private:
     {
         nothing, ///< nobody has a change waiting
         noCall,  ///< what waited has become nothing
-        call
+        call,
+        lastCall, ///< one that ends its subscription
+        failed    ///< there is no memory for the change, which waits on
     };
 
     Delivered deliverNext(std::unique_lock<std::mutex>& lock);
     static void letGo(Subscriber& subscriber, std::unique_lock<std::mutex>& lock);
-    bool call(const Subscriber& subscriber, const Snapshot& before, const Subscriber::Waiting& waiting,
-              std::optional<Problem>& problem) const;
-    std::optional<Problem> judge(const std::exception_ptr& failure) const;
+    Delivered call(const Subscriber& subscriber, const Snapshot& before, const Subscriber::Waiting& waiting,
+                   std::optional<Problem>& problem) const noexcept;
+    bool isHandled(const std::exception_ptr& failure, std::optional<Problem>& problem) const noexcept;
+    void wake() const noexcept;
     void startDispatcher();
+    static void putBack(Subscriber& subscriber, Subscriber::Waiting waiting) noexcept;
+    static void gatherCauses(Subscriber& subscriber, const std::shared_ptr<const std::vector<Event>>& events);
     static void merge(Subscriber& subscriber, const Snapshot& next,
                       const std::shared_ptr<const std::vector<Event>>& events);
 

@@ -37,6 +37,13 @@ std::uint32_t hashOf(std::uint32_t watch, LPCWSTR id, std::size_t length) noexce
 }
 }
 
+Noted allNoted()
+{
+    Noted noted;
+    noted.isEverything = true;
+    return noted;
+}
+
 Inbox::Inbox(std::shared_ptr<worker::Alarm> alarm, std::shared_ptr<Clock> clock)
     : m_alarm(std::move(alarm)),
       m_clock(std::move(clock))
@@ -120,7 +127,8 @@ Inbox::Slot* Inbox::slotOf(LPCWSTR id, std::uint32_t watch) noexcept
             std::equal(slot.id.begin(), slot.id.begin() + static_cast<std::ptrdiff_t>(length), id))
             return &slot;
     }
-    if (length == longestId || m_slots.size() == capacity)
+    const bool isNothing = length == 0 && watch == 0;
+    if (isNothing || length == longestId || m_slots.size() == capacity)
     {
         m_isEverything = true;
         return nullptr;

@@ -55,6 +55,9 @@ struct Noted
     }
 };
 
+/// As if more had been announced than can be noted.
+Noted allNoted();
+
 /// Names the changes that one System makes: the platform hands the GUID on with the events that follow.
 class EventContexts
 {

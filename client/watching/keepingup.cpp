@@ -31,6 +31,11 @@ Cause withoutPublished(Cause cause, const std::map<Id, ChangeToken>& published, 
 
 worker::Clock::Time Watcher::step(Clock::Time now) noexcept
 {
+    if (m_isToEnd)
+    {
+        end();
+        return Clock::never;
+    }
     if (!m_isStarted)
         return Clock::never;
     try
@@ -44,11 +49,17 @@ worker::Clock::Time Watcher::step(Clock::Time now) noexcept
     return nextDue();
 }
 
-/// After an exception it is not known how far the reading has come, so the next one reads everything.
 void Watcher::startAgainLater() noexcept
 {
+    const Clock::Time now = m_worker->clock().now();
     m_inbox->noteEverything();
-    m_afterFailure = m_worker->clock().now() + pauseAfterException;
+    m_afterFailure = now + pauseAfterException;
+    for (auto& [id, retry] : m_retries)
+        retry.due = std::min(retry.due, m_afterFailure); // some were taken by the reading that failed
+    if (m_enumerator.get() != nullptr || m_serviceDue != Clock::never)
+        return;
+    m_serviceLostAt = now;
+    m_serviceDue = m_afterFailure;
 }
 
 void Watcher::keepUp(Clock::Time now)
@@ -72,13 +83,13 @@ void Watcher::keepUp(Clock::Time now)
     if (areLevels)
         m_lastLevels = now;
     takeDueRetries(now, noted);
-    if (noted.isEmpty())
+    if (noted.isEmpty() && !m_isServiceDoubted)
         return;
     read(noted);
     publishRead();
 }
 
-worker::Clock::Time Watcher::nextDue() const
+worker::Clock::Time Watcher::nextDue() const noexcept
 {
     if (m_afterFailure != Clock::never)
         return m_afterFailure;
@@ -103,7 +114,7 @@ Result<Snapshot> Watcher::refresh(Depth depth)
     if (depth == Depth::everything)
         noted.isEverything = true;
     takeDueRetries(Clock::never, noted);
-    if (noted.isEmpty())
+    if (noted.isEmpty() && !m_isServiceDoubted)
         return m_latest;
     read(noted);
     publishRead();
@@ -118,13 +129,22 @@ void Watcher::read(const Noted& noted)
         for (const Noted::OfEndpoint& each : noted.endpoints)
         {
             noteCause(each);
-            if (const std::optional<std::size_t> index = m_endpoints.find(each.id))
-                judgeReading(*index, m_endpoints[*index].content.problems);
-            else
+            if (m_enumerator.get() != nullptr && !m_endpoints.find(each.id))
                 judgeAbsence(each);
         }
-        return;
     }
+    else
+    {
+        readParts(noted);
+    }
+    if (m_enumerator.get() != nullptr && std::exchange(m_isServiceDoubted, false))
+        static_cast<void>(readNewOnes());
+    if (m_enumerator.get() != nullptr && std::exchange(m_isComputerRead, false))
+        judgeComputer();
+}
+
+void Watcher::readParts(const Noted& noted)
+{
     const auto changesList = [this](const Noted::OfEndpoint& each)
     {
         const bool isKnown = m_endpoints.find(each.id).has_value();
@@ -147,8 +167,6 @@ void Watcher::read(const Noted& noted)
     for (std::size_t flow = 0; flow < flows.size(); ++flow)
         flows[flow] = flows[flow] || noted.defaults[flow];
     readWaveIds(flows);
-    if (std::exchange(m_isServiceDoubted, false))
-        static_cast<void>(readNewOnes());
 }
 
 /// The numbers follow the active endpoints and the defaults.
@@ -160,18 +178,26 @@ void Watcher::readWaveIds(const std::array<bool, 2>& flows)
             continue;
         m_waveIds[static_cast<std::size_t>(flow)] = reading::readWaveIds(flow);
         m_isRegrouping = true;
+        m_isComputerRead = true;
     }
 }
 
 void Watcher::readEverything()
 {
-    if (!readList())
+    if (!registerForEvents() || !readList())
         return;
+    m_service = Service::running;
+    m_serviceProblem.reset();
+    m_serviceDue = Clock::never;
+    m_isServiceDoubted = false;
+    m_watches.distrust();
     for (std::size_t index = 0; index < m_endpoints.size(); ++index)
     {
         if (m_latest.generation() > 0)
             m_worker->letChangesPass(); // they leave the list as it is
+        const std::vector<EndpointProblem> former = m_endpoints[index].content.problems;
         m_endpoints.read(index);
+        judgeReading(index, former);
     }
     if (readDefaults())
         readWaveIds({true, true});
@@ -183,14 +209,32 @@ std::optional<std::vector<EndpointId>> Watcher::readList()
     reading::Listing listing = reading::listEndpoints(*m_enumerator);
     if (isServiceLost(listing.problems))
         return std::nullopt;
-    const bool isRetried = m_retries.count(EndpointId()) > 0;
-    if (!listing.problems.empty() && (isRetried || listing.problems != m_listProblems))
-        retryLater(EndpointId());
-    else
-        m_retries.erase(EndpointId());
+    if (!listing.problems.empty())
+        keepUnlisted(listing.endpoints);
     m_listProblems = std::move(listing.problems);
     m_isRegrouping = true;
+    m_isComputerRead = true;
     return m_endpoints.replace(std::move(listing.endpoints));
+}
+
+/// A list that cannot be read to its end says nothing of the endpoints that it lacks: those that can be opened stay,
+/// behind those that they came after.
+void Watcher::keepUnlisted(std::vector<reading::EndpointReading>& listed) const
+{
+    auto place = listed.begin();
+    for (const reading::EndpointReading& former : m_endpoints.readings())
+    {
+        const auto isMeant = [&](const reading::EndpointReading& each) { return each.content.id == former.content.id; };
+        const auto found = std::find_if(listed.begin(), listed.end(), isMeant);
+        if (found != listed.end())
+        {
+            place = found + 1;
+            continue;
+        }
+        Result<reading::EndpointReading> opened = reading::openEndpoint(*m_enumerator, former.content.id);
+        if (opened)
+            place = listed.insert(place, *std::move(opened)) + 1;
+    }
 }
 
 /// @return false if the service has gone
@@ -274,6 +318,7 @@ bool Watcher::readDefaults()
     if (isServiceLost(defaults.problems))
         return false;
     m_defaults = std::move(defaults);
+    m_isComputerRead = true;
     return true;
 }
 }

@@ -145,15 +145,15 @@ void Watcher::tellCauses(std::vector<Event>& events) const
 
 void Watcher::publishChange(const EndpointId& endpoint, ChangeToken token)
 {
-    if (token != 0)
-    {
-        // What another program did meanwhile is in the reading as well.
-        note(m_changesByUs, endpoint, Cause{Origin::own, {token}, false});
-        if (m_inbox->isChangedByOther(endpoint))
-            note(m_changesByUs, endpoint, Cause{Origin::other, {}, false});
-        m_publishedChanges[endpoint] = token;
-    }
+    if (token == 0)
+        return publish(patched({endpoint}));
+    // What another program did meanwhile is in the reading as well.
+    note(m_changesByUs, endpoint, Cause{Origin::own, {token}, false});
+    if (m_inbox->isChangedByOther(endpoint))
+        note(m_changesByUs, endpoint, Cause{Origin::other, {}, false});
+    ChangeToken& published = m_publishedChanges[endpoint];
     publish(patched({endpoint}));
+    published = token;
 }
 
 void Watcher::publishHardwareChange(const CardId& card, ChangeToken token)

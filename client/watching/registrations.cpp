@@ -1,5 +1,7 @@
 #include "client/watching/registrations.h"
 
+#include "client/reading/handle.h"
+
 #include <atomic>
 #include <utility>
 
@@ -8,19 +10,6 @@ namespace sonavit::watching
 namespace
 {
 std::atomic<std::size_t> kept{0};
-
-/// What a Release throws tells nothing that could be acted on: the reference is gone.
-void release(IUnknown& object) noexcept
-{
-    try
-    {
-        object.Release();
-    }
-    catch (...)
-    {
-        return;
-    }
-}
 }
 
 std::size_t keptListeners() noexcept
@@ -42,13 +31,13 @@ Registration<Source, Target>::Registration(Source& source, Target* listener, Ope
     catch (...)
     {
         ++kept; // it is not known how far the registration has come
-        release(source);
+        reading::release(&source);
         throw;
     }
     if (SUCCEEDED(m_result))
         return;
     std::exchange(m_listener, nullptr)->Release();
-    release(*std::exchange(m_source, nullptr));
+    reading::release(std::exchange(m_source, nullptr));
 }
 
 template<class Source, class Target>
@@ -95,7 +84,7 @@ void Registration<Source, Target>::end() noexcept
         listener->Release();
     else
         ++kept;
-    release(*source);
+    reading::release(source);
 }
 
 template<class Source, class Target>

@@ -21,7 +21,9 @@ void Watcher::takeDueRetries(Clock::Time now, Noted& noted)
         if (retry.due > now)
             continue;
         retry.due = Clock::never;
-        if (id.isEmpty())
+        if (id.isEmpty() && m_listProblems.empty() && !m_registrationProblem)
+            noted.defaults = {true, true};
+        else if (id.isEmpty())
             noted.isEverything = true;
         else
             noted.endpoints.push_back({id, announcedAll & ~announcedRemoval, Cause()});
@@ -43,7 +45,8 @@ void Watcher::judgeReading(std::size_t index, const std::vector<EndpointProblem>
     const auto isNew = [&](const EndpointProblem& problem)
     { return std::find(former.begin(), former.end(), problem) == former.end(); };
     m_isServiceDoubted =
-        m_isServiceDoubted || std::any_of(content.problems.begin(), content.problems.end(), isOfService);
+        m_isServiceDoubted || std::any_of(content.problems.begin(), content.problems.end(),
+                                          [](const auto& problem) { return isOfService(problem.problem); });
     const bool isRetried = m_retries.count(content.id) > 0 && !content.problems.empty();
     if (isRetried || std::any_of(content.problems.begin(), content.problems.end(), isNew))
         retryLater(content.id);
@@ -51,7 +54,24 @@ void Watcher::judgeReading(std::size_t index, const std::vector<EndpointProblem>
         m_retries.erase(content.id);
 }
 
-/// @param id empty for the list
+/// The same of the list, the defaults, the device numbers and the registration.
+void Watcher::judgeComputer()
+{
+    std::vector<Problem> problems = m_listProblems;
+    problems.insert(problems.end(), m_defaults.problems.begin(), m_defaults.problems.end());
+    for (const reading::WaveIds& waveIds : m_waveIds)
+        problems.insert(problems.end(), waveIds.problems.begin(), waveIds.problems.end());
+    if (m_registrationProblem)
+        problems.push_back(*m_registrationProblem);
+    const bool isRetried = m_retries.count(EndpointId()) > 0;
+    if (!problems.empty() && (isRetried || problems != m_computerProblems))
+        retryLater(EndpointId());
+    else
+        m_retries.erase(EndpointId());
+    m_computerProblems = std::move(problems);
+}
+
+/// @param id empty for the computer as a whole
 void Watcher::retryLater(const EndpointId& id)
 {
     Retry& retry = m_retries[id];

@@ -16,7 +16,7 @@ constexpr auto laterInterval = 5s;
 constexpr auto later = 1min;
 
 /// What the platform's objects answer when the process of the audio service has stopped or died.
-bool isOfService(const Problem& problem)
+bool isOfService(const Problem& problem) noexcept
 {
     constexpr std::array<std::uint32_t, 8> codes = {
         0x88890010, // AUDCLNT_E_SERVICE_NOT_RUNNING
@@ -32,15 +32,34 @@ bool isOfService(const Problem& problem)
 }
 }
 
-bool Watcher::isOfService(const EndpointProblem& problem)
+bool Watcher::isOfService(const Problem& problem) noexcept
 {
-    return watching::isOfService(problem.problem);
+    return watching::isOfService(problem);
 }
 
-/// Makes a new enumerator and registers with it; without success, m_serviceProblem says why.
+void Watcher::judge(const Problem& problem) noexcept
+{
+    if (isOfService(problem))
+        doubtService();
+}
+
+void Watcher::judge(const std::vector<Problem>& problems) noexcept
+{
+    for (const Problem& problem : problems)
+        judge(problem);
+}
+
+/// Nothing announces the end of the service: the next turn of the worker reads the list, which tells.
+void Watcher::doubtService() noexcept
+{
+    m_isServiceDoubted = true;
+    std::unique_lock<std::mutex> lock(m_worker->alarm()->mutex);
+    m_worker->alarm()->ring(std::move(lock));
+}
+
+/// Makes a new enumerator; without success, m_serviceProblem says why.
 void Watcher::connect()
 {
-    m_registrationProblem.reset();
     const std::optional<Problem>& startProblem = m_worker->startProblem();
     const Result<reading::Enumerator> enumerator =
         startProblem ? Result<reading::Enumerator>(*startProblem) : reading::createEnumerator();
@@ -50,17 +69,20 @@ void Watcher::connect()
         return;
     }
     m_enumerator = *enumerator;
+}
+
+/// Registers with the enumerator, unless that has been done. @return false if the service has gone
+bool Watcher::registerForEvents()
+{
+    if (m_registration)
+        return true;
+    m_registrationProblem.reset();
     m_registration = registerForDevices(*m_enumerator, m_inbox);
-    if (!m_registration)
-    {
-        m_registrationProblem =
-            Problem::ofCall("IMMDeviceEnumerator::RegisterEndpointNotificationCallback", "", m_registration.result());
-        if (isServiceLost({*m_registrationProblem}))
-            return;
-    }
-    m_service = Service::running;
-    m_serviceProblem.reset();
-    m_serviceDue = Clock::never;
+    if (m_registration)
+        return true;
+    m_registrationProblem =
+        Problem::ofCall("IMMDeviceEnumerator::RegisterEndpointNotificationCallback", "", m_registration.result());
+    return !isServiceLost({*m_registrationProblem});
 }
 
 /// Tries to find the service again. Without success it tries later.
@@ -70,7 +92,7 @@ void Watcher::lookForService()
     if (m_enumerator.get() != nullptr)
     {
         static_cast<void>(m_inbox->take(true)); // it is older than what is read now
-        readEverything();
+        read(allNoted());
     }
     publishRead();
 }
@@ -95,6 +117,9 @@ void Watcher::loseService(const Problem& problem)
     m_serviceProblem = problem;
     m_service = watching::isOfService(problem) ? Service::stopped : Service::running;
     m_retries.clear();
-    dropEverything();
+    m_isServiceDoubted = false;
+    m_registrationProblem.reset();
+    dropObjects();
+    m_enumerator = nullptr;
 }
 }

@@ -71,7 +71,7 @@ void System::State::end() noexcept
         return;
     try
     {
-        const auto end = [used, ended = std::move(ended)]() -> Result<Done>
+        const auto end = [used, ended]() -> Result<Done>
         {
             ended->end();
             return Done();
@@ -83,7 +83,7 @@ void System::State::end() noexcept
     }
     catch (const std::bad_alloc&)
     {
-        static_cast<void>(0); // the worker keeps what it has; its thread ends nevertheless
+        ended->endSoon();
     }
     used->leave(deadline);
 }

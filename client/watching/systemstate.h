@@ -48,10 +48,26 @@ struct System::State
             return endedProblem(operation);
         return worker::ask<T>(*worker, urgency, deadline, operation, object,
                               [kept = watcher, task = std::move(task)]() mutable -> Result<T>
-                              {
-                                  kept->start();
-                                  return task(*kept);
-                              });
+                              { return answerOf<T>(*kept, task); });
+    }
+
+    /// On the worker: the answer of @p task. What went wrong in it keeps nothing from being read later.
+    template<class T, class Task>
+    static Result<T> answerOf(watching::Watcher& watcher, Task& task)
+    {
+        try
+        {
+            watcher.start();
+            Result<T> answer = task(watcher);
+            if (!answer)
+                watcher.judge(answer.problem());
+            return answer;
+        }
+        catch (...)
+        {
+            watcher.startAgainLater();
+            throw;
+        }
     }
 
     /// Ends subscriptions, watches and the part of the worker, and waits for that until the patience is over.

@@ -29,7 +29,7 @@ Watcher::~Watcher() noexcept = default;
 
 void Watcher::start()
 {
-    if (m_isStarted)
+    if (m_isStarted || m_isToEnd)
         return;
     m_worker->add(shared_from_this());
     m_isStarted = true;
@@ -37,7 +37,7 @@ void Watcher::start()
     {
         connect();
         if (m_enumerator.get() != nullptr)
-            readEverything();
+            read(allNoted());
         publishRead();
     }
     catch (...)
@@ -47,8 +47,10 @@ void Watcher::start()
     }
 }
 
+/// In the order in which it was acquired, backwards, with the held formats in between: they need the enumerator.
 void Watcher::end() noexcept
 {
+    dropObjects();
     for (auto action = m_actions.rbegin(); action != m_actions.rend(); ++action)
     {
         try
@@ -61,25 +63,24 @@ void Watcher::end() noexcept
         }
     }
     m_actions.clear();
-    dropEverything();
+    m_enumerator = nullptr;
     m_worker->remove(*this);
 }
 
-/// In the order in which it was acquired, backwards: no callback comes after this.
-void Watcher::dropEverything() noexcept
+void Watcher::endSoon() noexcept
+{
+    m_isToEnd = true;
+    std::unique_lock<std::mutex> lock(m_worker->alarm()->mutex);
+    m_worker->alarm()->ring(std::move(lock));
+}
+
+/// No callback comes after this.
+void Watcher::dropObjects() noexcept
 {
     m_recentWalk.release();
     m_watches.release();
     m_endpoints.clear();
     m_registration.end();
-    try
-    {
-        m_enumerator = nullptr;
-    }
-    catch (...)
-    {
-        return; // out of Release; the reference is gone
-    }
 }
 
 Result<reading::EndpointReading*> Watcher::endpoint(const std::string& operation, const EndpointId& id)
@@ -103,7 +104,10 @@ Result<std::shared_ptr<reading::HardwareWalk>> Watcher::walk(const std::string& 
     if (m_enumerator.get() == nullptr)
         return m_serviceProblem.value_or(
             Problem(Problem::Kind::platform, operation, "", "the audio service does not answer"));
-    return std::make_shared<reading::HardwareWalk>(*m_enumerator, cards);
+    auto made = std::make_shared<reading::HardwareWalk>(*m_enumerator, cards);
+    if (made->hasProblems(&isOfService))
+        doubtService();
+    return made;
 }
 
 Result<std::shared_ptr<reading::HardwareWalk>> Watcher::recentWalk(const std::string& operation, const Card& card)
@@ -130,16 +134,31 @@ Result<std::uint64_t> Watcher::watch(const CardId& id)
     if (!meant)
         return meant.problem();
     const std::uint64_t number = m_watches.begin(id);
-    if (m_enumerator.get() != nullptr)
-        m_watches.follow(*m_enumerator, m_latest.cards());
-    publish(patched({}));
+    try
+    {
+        if (m_enumerator.get() != nullptr)
+            m_watches.follow(*m_enumerator, m_latest.cards());
+        publish(patched({}));
+    }
+    catch (...)
+    {
+        m_watches.end(number); // nobody has it
+        throw;
+    }
     return number;
 }
 
-void Watcher::unwatch(std::uint64_t number)
+void Watcher::unwatch(std::uint64_t number) noexcept
 {
     m_watches.end(number);
-    publish(patched({}));
+    try
+    {
+        publish(patched({}));
+    }
+    catch (...)
+    {
+        startAgainLater();
+    }
 }
 
 std::uint64_t Watcher::atEnd(std::function<void()> action)

@@ -16,6 +16,7 @@
 #include "sonavit/system.h"
 
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <functional>
@@ -47,6 +48,13 @@ public:
     /// Runs the actions of atEnd(), ends all registrations and releases everything. Nothing else may be called then.
     void end() noexcept;
     Clock::Time step(Clock::Time now) noexcept override;
+    /// The same as end(), at the next turn of the worker: any thread may call it, and it needs no memory.
+    void endSoon() noexcept;
+    /// After an exception it is not known how far a reading or a change has come: everything is read soon.
+    void startAgainLater() noexcept;
+    /// Looks soon whether the audio service is still there, if @p problem is one that the service has when it ends.
+    void judge(const Problem& problem) noexcept;
+    void judge(const std::vector<Problem>& problems) noexcept;
 
     /// Reads what has been noted, or everything, and publishes it. @return the newest state
     Result<Snapshot> refresh(Depth depth);
@@ -81,7 +89,7 @@ public:
 
     /// Watches the hardware of a card, and publishes it. @return the number of the watch
     Result<std::uint64_t> watch(const CardId& card);
-    void unwatch(std::uint64_t number);
+    void unwatch(std::uint64_t number) noexcept;
 
     /// Runs @p action at the end of the System, in reverse order of the calls. @return a number for cancelAtEnd()
     std::uint64_t atEnd(std::function<void()> action);
@@ -95,32 +103,36 @@ private:
     };
 
     // watcher.cpp
-    void dropEverything() noexcept;
+    void dropObjects() noexcept;
 
     // keepingup.cpp: what is read when
     void keepUp(Clock::Time now);
-    void startAgainLater() noexcept;
-    Clock::Time nextDue() const;
+    Clock::Time nextDue() const noexcept;
     void takeDueRetries(Clock::Time now, Noted& noted);
     void read(const Noted& noted);
+    void readParts(const Noted& noted);
     void noteCause(const Noted::OfEndpoint& noted);
     void readHardware(const Noted::OfHardware& noted);
     std::vector<EndpointId> readVolumesOf(const CardId& card, const Cause& cause);
     void readEverything();
     std::optional<std::vector<EndpointId>> readList();
+    void keepUnlisted(std::vector<reading::EndpointReading>& listed) const;
     bool readNewOnes();
     std::optional<Flow> readNoted(const Noted::OfEndpoint& noted);
     void readWaveIds(const std::array<bool, 2>& flows);
     bool readDefaults();
     void judgeAbsence(const Noted::OfEndpoint& noted);
+    void judgeComputer();
     void judgeReading(std::size_t index, const std::vector<EndpointProblem>& former);
     void retryLater(const EndpointId& id);
 
     // service.cpp: the audio service
     void connect();
+    bool registerForEvents();
     void lookForService();
     bool isServiceLost(const std::vector<Problem>& problems);
-    static bool isOfService(const EndpointProblem& problem);
+    void doubtService() noexcept;
+    static bool isOfService(const Problem& problem) noexcept;
     void loseService(const Problem& problem);
 
     // publishing.cpp
@@ -142,11 +154,14 @@ private:
     Watches m_watches;
     RecentWalk m_recentWalk;
     std::vector<Problem> m_listProblems;
+    std::vector<Problem> m_computerProblems; ///< those of the list, the defaults and the numbers at their last reading
+    bool m_isComputerRead = false;           ///< the reading that runs has read one of them
     reading::Defaults m_defaults;
     std::array<reading::WaveIds, 2> m_waveIds; ///< by flow
     reading::Parents m_parents;
     Snapshot m_latest;
     bool m_isStarted = false;
+    std::atomic<bool> m_isToEnd{false};
 
     // What the reading that runs has changed.
     std::vector<EndpointId> m_changed;         ///< endpoints that were read, for a publication that keeps the grouping

@@ -54,7 +54,7 @@ void Watches::follow(IMMDeviceEnumerator& enumerator, const std::vector<Card>& c
         const auto card = std::find_if(cards.begin(), cards.end(), isMeant);
         if (card == cards.end())
             watched.release();
-        else if (watched.walk == nullptr || watched.endpoints != endpointsOf(*card))
+        else if (watched.walk == nullptr || !watched.isTrusted || watched.endpoints != endpointsOf(*card))
             walk(enumerator, *card, watched);
     }
 }
@@ -62,23 +62,35 @@ void Watches::follow(IMMDeviceEnumerator& enumerator, const std::vector<Card>& c
 /// Registers first and reads then, so that no change falls between the two.
 void Watches::walk(IMMDeviceEnumerator& enumerator, const Card& card, Watched& watched)
 {
-    watched.release();
     auto walk = std::make_unique<reading::HardwareWalk>(enumerator, std::vector<Card>{card});
+    std::vector<ControlRegistration> registrations;
     std::vector<Problem> problems;
     for (const auto& control : walk->changingControls(card.id()))
     {
         ControlRegistration registration = registerForControl(*control.part, m_inbox, watched.key, control.control);
         if (registration)
-            watched.registrations.push_back(std::move(registration));
+            registrations.push_back(std::move(registration));
         else
             problems.push_back(
                 Problem::ofCall("IPart::RegisterControlChangeCallback", card.id().text(), registration.result()));
     }
-    watched.hardware = walk->hardware(card.id());
-    watched.hardware->problems.insert(watched.hardware->problems.end(), problems.begin(), problems.end());
+    Hardware hardware = walk->hardware(card.id());
+    hardware.problems.insert(hardware.problems.end(), problems.begin(), problems.end());
+    std::string endpoints = endpointsOf(card);
+    // Nothing below fails.
+    watched.release();
+    watched.hardware = std::move(hardware);
     watched.registrationProblems = std::move(problems);
+    watched.registrations = std::move(registrations);
     watched.walk = std::move(walk);
-    watched.endpoints = endpointsOf(card);
+    watched.endpoints = std::move(endpoints);
+    watched.isTrusted = true;
+}
+
+void Watches::distrust() noexcept
+{
+    for (auto& [id, watched] : m_cards)
+        watched.isTrusted = false;
 }
 
 std::optional<CardId> Watches::read(std::uint32_t key)

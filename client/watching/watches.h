@@ -28,6 +28,8 @@ public:
 
     /// Walks through the cards that are new or whose endpoints have changed, and forgets those that are not there now.
     void follow(IMMDeviceEnumerator& enumerator, const std::vector<Card>& cards);
+    /// Lets follow() walk through all of them again.
+    void distrust() noexcept;
     /// Reads the hardware of one card anew. @return the card; no value if it is not watched or not there
     std::optional<CardId> read(std::uint32_t key);
     std::optional<std::uint32_t> keyOf(const CardId& card) const;
@@ -41,7 +43,8 @@ private:
     {
         std::uint32_t key = 0; ///< in the inbox
         std::vector<std::uint64_t> numbers;
-        std::string endpoints; ///< those of the walk, with their states
+        std::string endpoints;  ///< those of the walk, with their states
+        bool isTrusted = false; ///< the walk is that of the last reading of everything
         std::unique_ptr<reading::HardwareWalk> walk;
         std::vector<ControlRegistration> registrations;
         std::vector<Problem> registrationProblems;

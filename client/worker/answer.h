@@ -53,7 +53,14 @@ public:
         }
         catch (...)
         {
-            fail(std::make_exception_ptr(std::bad_alloc())); // nothing is known of it, not even what it is
+            try
+            {
+                set(Problem(Problem::Kind::internal, operation, "", "an exception that is no std::exception"));
+            }
+            catch (...)
+            {
+                fail(std::current_exception());
+            }
         }
     }
 

@@ -32,9 +32,10 @@ std::shared_ptr<Worker> Worker::join(const std::function<void()>& onStart)
     if (registry().current == nullptr)
     {
         watchForks();
-        auto started = std::make_shared<Worker>(currentClock(), onStart, std::move(registry().previous));
+        auto started = std::make_shared<Worker>(currentClock(), onStart, registry().previous);
         started->m_thread = startThread([started] { run(started); });
         registry().current = std::move(started);
+        registry().previous = nullptr;
     }
     ++registry().current->m_systems;
     return registry().current;
@@ -218,10 +219,12 @@ bool Worker::takeTurn()
 void Worker::stepMembers()
 {
     Clock::Time due = Clock::never;
-    for (std::size_t index = 0; index < m_members.size(); ++index)
+    for (std::size_t index = 0; index < m_members.size();)
     {
         const std::shared_ptr<Member> member = m_members[index]; // the list may change
         due = std::min(due, member->step(m_clock->now()));
+        if (index < m_members.size() && m_members[index] == member)
+            ++index;
     }
     const std::lock_guard<std::mutex> lock(m_alarm->mutex);
     m_due = due;

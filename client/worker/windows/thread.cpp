@@ -36,29 +36,33 @@ DWORD WINAPI run(LPVOID argument)
 class ModuleThread final : public Thread
 {
 public:
-    explicit ModuleThread(HANDLE handle) : m_handle(handle) {}
-    ~ModuleThread() override { CloseHandle(m_handle); }
+    ModuleThread() = default;
+    ~ModuleThread() override
+    {
+        if (m_handle != nullptr)
+            CloseHandle(m_handle);
+    }
     ModuleThread(const ModuleThread&) = delete;
     ModuleThread& operator=(const ModuleThread&) = delete;
 
     void join() override { WaitForSingleObject(m_handle, INFINITE); }
     void detach() noexcept override {}
 
-private:
-    HANDLE m_handle;
+    HANDLE m_handle = nullptr;
 };
 }
 
 std::unique_ptr<Thread> startThread(std::function<void()> work)
 {
+    auto thread = std::make_unique<ModuleThread>(); // before it runs: nothing fails after that
     auto start = std::make_unique<Start>();
     start->work = std::move(work);
     const auto here = reinterpret_cast<LPCWSTR>(reinterpret_cast<void*>(&run));
     if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, here, &start->module))
         raise("GetModuleHandleExW");
     const HMODULE module = start->module;
-    const HANDLE handle = CreateThread(nullptr, 0, &run, start.get(), 0, nullptr);
-    if (handle == nullptr)
+    thread->m_handle = CreateThread(nullptr, 0, &run, start.get(), 0, nullptr);
+    if (thread->m_handle == nullptr)
     {
         const DWORD error = GetLastError();
         FreeLibrary(module);
@@ -66,14 +70,6 @@ std::unique_ptr<Thread> startThread(std::function<void()> work)
         raise("CreateThread");
     }
     start.release(); // the thread has it now
-    try
-    {
-        return std::make_unique<ModuleThread>(handle);
-    }
-    catch (...)
-    {
-        CloseHandle(handle); // the thread runs and ends by itself
-        throw;
-    }
+    return thread;
 }
 }

@@ -46,7 +46,7 @@ protected:
 
     Result<Done> change(const LevelChange& change)
     {
-        const COMPtr<IAudioVolumeLevel>::pointer level = simulation().volumeLevel(m_control.id.text());
+        const sonavit::reading::Handle<IAudioVolumeLevel> level(simulation().volumeLevel(m_control.id.text()));
         return changeControl(m_control, *level, change, context);
     }
 
@@ -315,7 +315,7 @@ class ChangeControlMute : public ChangeControl
 protected:
     Result<Done> change(bool isMuted)
     {
-        const COMPtr<IAudioMute>::pointer mute = simulation().mute(m_control.id.text());
+        const sonavit::reading::Handle<IAudioMute> mute(simulation().mute(m_control.id.text()));
         return changeControlMute(m_control, *mute, isMuted, context);
     }
 };
@@ -382,7 +382,7 @@ protected:
         SelectorInput input;
         input.number = number;
         input.name = "Line In";
-        const COMPtr<IAudioInputSelector>::pointer selector = simulation().inputSelector(m_selector.id.text());
+        const sonavit::reading::Handle<IAudioInputSelector> selector(simulation().inputSelector(m_selector.id.text()));
         return choose(m_selector, *selector, input, context);
     }
 

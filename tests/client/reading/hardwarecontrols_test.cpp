@@ -242,8 +242,8 @@ TEST_F(HardwareWalkObjects, AreThoseOfTheControls)
     const sonavit::Control control = walk.controls(sonavit::EndpointId(speaker.id())).at(0);
     const sonavit::Control muteless = walk.controls(sonavit::EndpointId(bare.id())).at(0);
 
-    const COMPtr<IAudioVolumeLevel>::pointer level = walk.level(control.id);
-    const COMPtr<IAudioMute>::pointer mute = walk.mute(control.id);
+    const sonavit::reading::Handle<IAudioVolumeLevel> level = walk.level(control.id);
+    const sonavit::reading::Handle<IAudioMute> mute = walk.mute(control.id);
 
     ASSERT_NE(nullptr, level.get());
     ASSERT_NE(nullptr, mute.get());
@@ -272,10 +272,10 @@ TEST_F(HardwareWalkObjects, ThatChangeAreLevelsMutesAndSelectorsOfTheCardOnce)
     const std::vector<sonavit::Card> all = cards();
     const reading::HardwareWalk walk(enumerator(), all);
 
-    const std::vector<COMPtr<IPart>::pointer> parts = walk.changingParts(cardOf(speaker.id()).id());
+    const std::vector<sonavit::reading::Handle<IPart>> parts = walk.changingParts(cardOf(speaker.id()).id());
 
     std::vector<UINT> numbers;
-    for (const COMPtr<IPart>::pointer& part : parts)
+    for (const sonavit::reading::Handle<IPart>& part : parts)
         part->GetLocalId(&numbers.emplace_back());
     const std::vector<sim::Subunit>& nodes = card.adapter().topology->subunits;
     EXPECT_THAT(numbers, ElementsAre(nodes[0].localId, nodes[1].localId, nodes[2].localId));

@@ -70,7 +70,7 @@ TEST_F(HardwareWalkSelectors, HaveTheSelectionOfNow)
     start(mixer.builder.build());
     const sonavit::Card card = cardOf(mixer.endpoint.id());
     const reading::HardwareWalk walk(enumerator(), {card});
-    const COMPtr<IAudioInputSelector>::pointer selector = walk.selector(sonavit::SelectorId(mixer.selector));
+    const sonavit::reading::Handle<IAudioInputSelector> selector = walk.selector(sonavit::SelectorId(mixer.selector));
     ASSERT_NE(nullptr, selector.get());
 
     ASSERT_EQ(S_OK, selector->SetSelection(mixer.numberOf(mixer.gains[0]), nullptr));

@@ -1,9 +1,11 @@
 #include "client/watching/registrations.h"
+#include "platform/coreaudio.h"
 #include "tests/client/watching/watchtest.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <fstream>
 #include <string>
 
 using namespace sonavit;
@@ -11,6 +13,41 @@ using namespace std::chrono_literals;
 
 namespace
 {
+/// What the process holds of the operating system.
+struct Holdings
+{
+    unsigned long count = 0;     ///< of threads; on Windows of handles
+    unsigned long kilobytes = 0; ///< of resident memory; on Windows 0
+};
+
+#if defined(_WIN32)
+Holdings holdings()
+{
+    DWORD count = 0;
+    EXPECT_TRUE(GetProcessHandleCount(GetCurrentProcess(), &count));
+    return {count, 0};
+}
+#else
+unsigned long statusValue(const std::string& name)
+{
+    std::ifstream status("/proc/self/status");
+    std::string word;
+    unsigned long value = 0;
+    while (status >> word)
+    {
+        if (word == name && status >> value)
+            return value;
+    }
+    ADD_FAILURE() << name;
+    return 0;
+}
+
+Holdings holdings()
+{
+    return {statusValue("Threads:"), statusValue("VmRSS:")};
+}
+#endif
+
 class SystemGrowth : public support::WatchTest
 {
 protected:
@@ -27,7 +64,10 @@ protected:
         const Subscription heard = audio().subscribe([](const Change&) {});
         simulation().events().setVolume(id, -static_cast<float>(round % 50));
         simulation().events().driverUpdate(id);
-        const Result<Watch> watch = audio().watch(audio().snapshot().cardOf(EndpointId(id))->id());
+        const CardId card = audio().snapshot().cardOf(EndpointId(id))->id();
+        const Result<Watch> watch = audio().watch(card);
+        EXPECT_TRUE(audio().graph(card));
+        EXPECT_TRUE(audio().controls(EndpointId(id)));
         static_cast<void>(audio().setMute(EndpointId(id), round % 2 == 0));
         static_cast<void>(audio().refresh(round % 10 == 0 ? Depth::everything : Depth::noted));
         audio().poll();
@@ -38,8 +78,10 @@ protected:
 TEST_F(SystemGrowth, IsNothingHoweverMuchHappens)
 {
     watch("desktop");
-    doAll(1);
+    for (unsigned round = 20; round > 0; --round) // until the allocator has what it needs
+        doAll(round);
     static_cast<void>(audio().refresh());
+    const Holdings held = holdings();
     const sim::Census before = simulation().census();
     const std::size_t kept = watching::keptListeners();
 
@@ -49,5 +91,12 @@ TEST_F(SystemGrowth, IsNothingHoweverMuchHappens)
 
     EXPECT_EQ(before, simulation().census()) << simulation().census() - before;
     EXPECT_EQ(kept, watching::keptListeners());
+    const Holdings now = holdings();
+    EXPECT_LE(now.count, held.count);
+    EXPECT_LT(now.kilobytes, held.kilobytes + 2048);
+    RecordProperty("kilobytesBefore", std::to_string(held.kilobytes));
+    RecordProperty("kilobytesAfter", std::to_string(now.kilobytes));
+    RecordProperty("countBefore", std::to_string(held.count));
+    RecordProperty("countAfter", std::to_string(now.count));
 }
 }

@@ -1,5 +1,5 @@
 #include "simulator/machine/file/machinefile.h"
-#include "tests/support/clienttest.h"
+#include "tests/client/watching/watchtest.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -111,24 +111,6 @@ protected:
     std::atomic<std::size_t> m_endpoints{0};
 };
 
-/// The snapshot without the past, which a System that begins later does not know.
-Snapshot withoutPast(const Snapshot& snapshot)
-{
-    Snapshot::Content content = snapshot.content();
-    for (Card& card : content.cards)
-    {
-        Card::Content changed = card.content();
-        for (Endpoint& endpoint : changed.endpoints)
-        {
-            Endpoint::Content each = endpoint.content();
-            each.incarnation = 0;
-            endpoint = Endpoint(std::move(each));
-        }
-        card = Card(std::move(changed));
-    }
-    return Snapshot(std::move(content));
-}
-
 TEST_F(SystemInAStorm, EndsWithTheTruthAndHasToldAllOfIt)
 {
     play("desktop");
@@ -173,7 +155,7 @@ TEST_F(SystemInAStorm, EndsWithTheTruthAndHasToldAllOfIt)
     EXPECT_LT(0u, m_calls.load());
     EXPECT_LT(0u, m_endpoints.load());
     const System fresh(options());
-    EXPECT_EQ(withoutPast(fresh.snapshot()), withoutPast(last));
+    EXPECT_EQ(support::withoutPast(fresh.snapshot()), support::withoutPast(last));
     EXPECT_THAT(simulation().violations(), testing::IsEmpty());
 }
 }

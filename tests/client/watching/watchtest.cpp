@@ -67,6 +67,23 @@ std::size_t WatchTest::callsSince()
     return calls;
 }
 
+sonavit::Snapshot withoutPast(const sonavit::Snapshot& snapshot)
+{
+    sonavit::Snapshot::Content content = snapshot.content();
+    for (sonavit::Card& card : content.cards)
+    {
+        sonavit::Card::Content changed = card.content();
+        for (sonavit::Endpoint& endpoint : changed.endpoints)
+        {
+            sonavit::Endpoint::Content each = endpoint.content();
+            each.incarnation = 0;
+            endpoint = sonavit::Endpoint(std::move(each));
+        }
+        card = sonavit::Card(std::move(changed));
+    }
+    return sonavit::Snapshot(std::move(content));
+}
+
 Receiver::Receiver(sonavit::System& audio)
     : m_audio(audio),
       m_subscription(audio.subscribe([this](const sonavit::Change& change) { m_changes.push_back(change); }))

@@ -44,6 +44,9 @@ private:
     std::unique_ptr<sonavit::System> m_audio;
 };
 
+/// The snapshot without the past, which a System that begins later does not know.
+sonavit::Snapshot withoutPast(const sonavit::Snapshot& snapshot);
+
 /// A subscriber that keeps its changes.
 class Receiver
 {
