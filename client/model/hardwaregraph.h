@@ -44,10 +44,10 @@ private:
     void addDevice(const AudioDevice& device, Graph::Device description);
     std::size_t addPart(const AudioPart& part, std::size_t device);
     std::size_t addConnector(const AudioComponent<IConnector>& connector, std::size_t device);
-    void followConnector(std::size_t part);
+    void followConnector(std::size_t index);
     std::size_t deviceIndex(const std::string& id);
     std::size_t peerIndex(const AudioComponent<IConnector>& peer, std::size_t farDevice);
-    void addWires(std::size_t part);
+    void addWires(std::size_t index);
     void addPaths(std::size_t device);
     void addEdge(Graph::Edge::Kind kind, std::size_t from, std::size_t to);
     void readControls(Graph::Part& description, const AudioPart& part) const;
