@@ -3,6 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <string>
+#include <string_view>
+#include <vector>
+
 using sonavit::matching::Matching;
 using sonavit::matching::none;
 using sonavit::matching::occurrences;
@@ -15,14 +19,14 @@ namespace
 using Ids = std::vector<std::string_view>;
 
 /// The ids of @p after that move.
-Ids moved(const Ids& before, const Ids& after)
+std::vector<std::string> moved(const Ids& before, const Ids& after)
 {
     const Matching matching(before, after);
-    Ids result;
+    std::vector<std::string> result;
     for (std::size_t i = 0; i < after.size(); ++i)
     {
         if (matching.isMoved(i))
-            result.push_back(after[i]);
+            result.emplace_back(after[i]);
     }
     return result;
 }
