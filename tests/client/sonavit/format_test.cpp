@@ -67,7 +67,7 @@ TEST(Format, IsEqualIfEachMemberIs)
 
 TEST(Format, HasKeysForItsEncodings)
 {
-    EXPECT_STREQ("integer", keyOf(Format::Encoding::integer));
+    EXPECT_STREQ("pcm", keyOf(Format::Encoding::integer));
     EXPECT_STREQ("float", keyOf(Format::Encoding::floatingPoint));
     EXPECT_STREQ("other", keyOf(Format::Encoding::other));
     EXPECT_STREQ("other", keyOf(static_cast<Format::Encoding>(99)));
@@ -78,7 +78,7 @@ TEST(Format, IsPrintedWithAllItsMembers)
     std::ostringstream out;
     out << Format::integer(16, 48000, 2);
 
-    EXPECT_EQ("Format(rate: 48000, bits: 16, validBits: 16, channels: 2, encoding: integer, speakers: 0x00000003, "
+    EXPECT_EQ("Format(rate: 48000, bits: 16, validBits: 16, channels: 2, encoding: pcm, speakers: 0x00000003, "
               "subFormat: {00000001-0000-0010-8000-00AA00389B71})",
               out.str());
 }
