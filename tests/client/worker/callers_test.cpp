@@ -119,7 +119,9 @@ TEST_F(SystemCallers, NeedAnAdministratorForNoReadingAndNoLevel)
     {
         EXPECT_TRUE(audio.controls(endpoint.id()));
         if (endpoint.volume())
+        {
             EXPECT_TRUE(audio.setMute(endpoint.id(), true)) << endpoint;
+        }
     }
     EXPECT_TRUE(audio.graph());
     EXPECT_TRUE(audio.refresh(Depth::everything));
