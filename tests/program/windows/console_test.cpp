@@ -21,7 +21,7 @@ TEST(ProgramConsole, ShowsCharactersThatAreNotASCII)
     support::PseudoConsole console(program("--machine desktop list"), 100);
 
     EXPECT_EQ(0u, console.end());
-    EXPECT_THAT(console.screen(), HasSubstr("\xE2\x94\x9C\xE2\x94\x80 * Speakers"));
+    EXPECT_THAT(console.screen(), HasSubstr("\xE2\x94\x9C\xE2\x94\x80 *m Speakers"));
     EXPECT_THAT(console.screen(), Not(HasSubstr("\xEF\xBF\xBD")));
 }
 
