@@ -339,7 +339,8 @@ TEST_F(SystemRestoreOfDesk, GivesAllChannelsOfAControlTheHighestLevelIfThereAreO
     const RestoreReport report = system.restore(settings).value();
 
     EXPECT_EQ(report.settings[4].outcome, Outcome::restored);
-    for (const ControlChannel& channel : *system.controls(m_microphone)->front().channels)
+    const std::vector<Control> controls = system.controls(m_microphone).value();
+    for (const ControlChannel& channel : *controls.front().channels)
         EXPECT_EQ(channel.level.decibels, Decibels(10));
 }
 
