@@ -7,6 +7,9 @@
 
 namespace
 {
+/// Set in a process whose Release throws: what its owner had still to free is lost then.
+bool isReleaseThrown = false;
+
 /// The small machine, on which the @p release -th Release throws.
 sim::Machine throwingMachine(std::uint32_t release)
 {
@@ -23,6 +26,7 @@ sim::Machine throwingMachine(std::uint32_t release)
 /// can see.
 [[noreturn]] void runProgram(std::vector<std::string> words, std::uint32_t release)
 {
+    isReleaseThrown = true;
     sonavit::program::Environment environment{std::cerr, std::cerr};
     environment.findMachine = [release](const std::string&) { return throwingMachine(release); };
     words.insert(words.end(), {"--machine", "throwing"});
@@ -40,6 +44,20 @@ testing::Matcher<const std::string&> saysWhatWasThrown()
 class ProgramLastWords : public testing::TestWithParam<std::uint32_t>
 {
 };
+}
+
+extern "C"
+{
+    int __lsan_is_turned_off()
+    {
+        return isReleaseThrown ? 1 : 0;
+    }
+
+    /// A listener whose registration cannot be ended is kept on purpose and counted: the platform may still call it.
+    const char* __lsan_default_suppressions()
+    {
+        return "leak:sonavit::watching::registerFor";
+    }
 }
 
 TEST_P(ProgramLastWords, AreOneSentenceAndExitCode1)
@@ -72,9 +90,8 @@ bool endedInOrder(int status)
 /// The client layer goes on without the object whose Release throws, where that is possible.
 TEST_P(ProgramLastWords, AreTheAnswerOrOneSentenceOfTheClientLayer)
 {
-    const testing::Matcher<const std::string&> isAnswerOrSentence =
-        testing::AnyOf(testing::HasSubstr("\nSpeakers (Analog Audio): 72% (-18.00 dB)\n"),
-                       testing::ContainsRegex("\nsonavit: .+\n$"));
+    const testing::Matcher<const std::string&> isAnswerOrSentence = testing::AnyOf(
+        testing::HasSubstr("\nSpeakers (Analog Audio): 72% (-18.00 dB)\n"), testing::ContainsRegex("\nsonavit: .+\n$"));
 
     EXPECT_EXIT(runProgram({"get-volume", "Speakers"}, GetParam()), endedInOrder, isAnswerOrSentence);
 }
