@@ -163,7 +163,8 @@ void Hub::putBack(Subscriber& subscriber, Subscriber::Waiting waiting) noexcept
 }
 
 /// Destroys the function of a subscription that ended during its call. What the function owns may use the System, so
-/// the mutex is not held meanwhile; and nobody is told before that the call is over, as its code may go away then.
+/// the mutex is not held meanwhile; and no thread that waits for the end of the call continues before that, as it may
+/// unload the code.
 void Hub::letGo(Subscriber& subscriber, std::unique_lock<std::mutex>& lock)
 {
     lock.unlock();

@@ -11,7 +11,7 @@
 
 namespace
 {
-/// A raw pointer: a System must not end as a static object of a DLL, and this one stays if nobody ends it.
+/// A raw pointer: a System must not end as a static object of a DLL, and this one stays if the host does not end it.
 sonavit::System* kept = nullptr;
 sonavit::Subscription* heard = nullptr;
 

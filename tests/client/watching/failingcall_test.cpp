@@ -30,7 +30,7 @@ struct Call
     std::uint32_t number;
 };
 
-/// Whether nobody has to be told: the bus of a card is known if one of its endpoints has told it.
+/// Whether the failure is no problem of the card: its bus is known if another of its endpoints reports it.
 bool mayStaySilent(const Call& call)
 {
     return call.argument == "enumeratorName";

@@ -173,7 +173,7 @@ protected:
         return answer.get();
     }
 
-    /// Lets the worker hang in a reading of everything that nobody waits for any more.
+    /// Lets the worker hang in a reading of everything for which no caller waits any more.
     void hang(System& audio)
     {
         hangIn("IMMDevice::GetState");
