@@ -287,12 +287,14 @@ TEST_F(HangingDriver, StillGetsAChangeThatNobodyWaitsForAnyMore)
 TEST_F(HangingDriver, IsNotWaitedForWithoutPatience)
 {
     play("desktop");
+    hangIn("IMMDevice::GetState");
     System::Options given = options();
     given.patience = 0ms;
     std::shared_ptr<worker::Worker> former;
     {
         System audio(given);
         EXPECT_THAT(audio.snapshot().cards(), IsEmpty());
+        m_goOn.set_value();
         while (audio.snapshot().cards().empty())
             std::this_thread::yield();
         former = worker::Worker::current();
