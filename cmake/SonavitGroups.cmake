@@ -18,6 +18,8 @@ function(sonavit_file_level_names result source)
   foreach(line IN LISTS lines)
     if(line MATCHES "^\n(TEST|TYPED_TEST|INSTANTIATE_|static_assert|namespace|using namespace|using [^=]*$|void PrintTo)")
       continue()
+    elseif(line MATCHES "^\n[^(]*::~?[A-Za-z0-9_]+ *[(]|operator") # of a class, or of its types: not of this file alone
+      continue()
     elseif(line MATCHES "^\n(class|struct|enum class|enum|union|using) +([A-Za-z0-9_]+)")
       list(APPEND names "${CMAKE_MATCH_2}")
     elseif(line MATCHES "([A-Za-z0-9_]+) *[(={,]")
@@ -83,7 +85,7 @@ endfunction()
 # The libraries of the product. An executable may replace single functions of the simulated platform by its own, which
 # takes an object file for each.
 function(sonavit_compile_products_in_groups)
-  foreach(target IN ITEMS SonavitCommon Sonavit SonavitClientObjects SonavitMachine SonavitSimulator sonavit-commands)
+  foreach(target IN ITEMS SonavitCommon Sonavit SonavitClientObjects SonavitModel SonavitMachine SonavitSimulator sonavit-commands)
     if(TARGET ${target})
       sonavit_compile_in_groups(${target} EXCEPT portable windows)
     endif()

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -62,7 +63,8 @@ bool waitsForTheLock(Operation operation)
             held = true;
             while (!announced)
                 std::this_thread::yield();
-            for (int i = 0; i < 20000 && !ended; ++i) // time for an operation that does not wait
+            const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(20);
+            while (std::chrono::steady_clock::now() < end && !ended) // time for an operation that does not wait
                 std::this_thread::yield();
             waited = !ended;
         });
