@@ -18,7 +18,7 @@ function(sonavit_file_level_names result source)
   foreach(line IN LISTS lines)
     if(line MATCHES "^\n(TEST|TYPED_TEST|INSTANTIATE_|static_assert|namespace|using namespace|using [^=]*$|void PrintTo)")
       continue()
-    elseif(line MATCHES "^\n[^(]*::~?[A-Za-z0-9_]+ *[(]|operator") # of a class, or of its types: not of this file alone
+    elseif(line MATCHES "^\n[^(=\"]*(::~?[A-Za-z0-9_]+ *[(]|operator[^A-Za-z0-9_])") # of a class, or of its types
       continue()
     elseif(line MATCHES "^\n(class|struct|enum class|enum|union|using) +([A-Za-z0-9_]+)")
       list(APPEND names "${CMAKE_MATCH_2}")
