@@ -9,7 +9,7 @@ namespace support
 {
 namespace
 {
-constexpr std::uint32_t nowhere = 0xFFFFFFFF;
+constexpr std::uint32_t noPlace = 0xFFFFFFFF;
 
 bool contains(const std::vector<std::string>& texts, const std::string& text)
 {
@@ -113,7 +113,7 @@ std::uint32_t ReferenceCard::find(const std::string& connectorId) const
         if (sim::equalNoCase(m_nodes[node], connectorId))
             return static_cast<std::uint32_t>(node);
     }
-    return nowhere;
+    return noPlace;
 }
 
 void ReferenceCard::enter(const sim::Device& device)
@@ -122,7 +122,7 @@ void ReferenceCard::enter(const sim::Device& device)
         return;
     for (const sim::Connector& connector : device.topology->connectors)
     {
-        if (find(connector.id) != nowhere)
+        if (find(connector.id) != noPlace)
             continue;
         m_nodes.push_back(connector.id);
         m_links.emplace_back();
