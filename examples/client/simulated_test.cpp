@@ -33,6 +33,22 @@ bool isMuted(const sonavit::Snapshot& now, const std::string& name)
     return now.endpointNamed(name)->volume()->isMuted.value();
 }
 
+TEST(Mixer, ShowsTheVolumeThatTheUserTurns)
+{
+    sim::MachineBuilder builder;
+    const sim::EndpointBuilder speakers = builder.card("Board").speaker().level(-12.0f);
+    SimulatedMachine machine(builder.build()); // examples/client/simulatedmachine.h
+    sonavit::System audio;
+    static_cast<void>(audio.snapshot());
+
+    machine.simulation().events().setVolume(speakers.id(), -6.0f); // as another program does
+    machine.simulation().events().waitForClients();
+
+    const sonavit::Result<sonavit::Snapshot> now = audio.refresh();
+    ASSERT_TRUE(now);
+    EXPECT_EQ(91u, now->endpointNamed("Speakers")->volume()->master.percent->rounded());
+}
+
 TEST(MuteAllInputs, MutesWhatIsActiveAndRestoresTheRest)
 {
     SimulatedMachine machine(desk());
