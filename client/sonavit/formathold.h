@@ -15,7 +15,7 @@ inline namespace v1
 {
 /// Holds a device format that System::holdFormat() has set, and puts the former one back at its end or at the end of
 /// its System, whichever is first, unless the format is another one by then. One that was moved from can only be
-/// assigned, ended or destroyed.
+/// assigned, ended or destroyed. Any thread may use it, but only one at a time may move it.
 class SONAVIT_CLIENT_API FormatHold
 {
 public:
@@ -28,8 +28,10 @@ public:
     const Format& former() const noexcept;
     const Format& held() const noexcept; ///< as the platform reported it afterwards
 
-    /// Puts the former format back and waits for it. A second call, or one after the end of the System, does nothing.
-    /// @return a Problem if the platform refuses, or if the format is no longer the held one
+    /// Puts the former format back and waits for it, at most Options::patience. A second call, or one after the end of
+    /// the System, does nothing.
+    /// @return a Problem with the call that the platform refuses; Kind::notThere if the format is no longer the held
+    /// one; Kind::noAnswer if the platform has not answered: the worker puts the format back when it can
     Result<Done> end();
 
 private:

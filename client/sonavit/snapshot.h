@@ -123,7 +123,8 @@ public:
     Result<Card> cardNamed(std::string_view text) const;
 
     /// All endpoints that @p id identifies: an endpoint id, a number of the wave functions, a DirectSound GUID, an
-    /// instance id or path, a container, a card id. Only whole ids count; upper and lower case are alike.
+    /// instance id or path, a container, a card id, the parent of a card. Only whole ids count; upper and lower case
+    /// are alike.
     std::vector<Match> find(std::string_view id) const;
 
     Service service() const noexcept { return m_content->service; }

@@ -58,7 +58,7 @@ public:
 
     /// The state that the first Change has as its before(): what the subscriber knows without any call.
     Snapshot initial() const;
-    /// Ends the subscription without waiting: no call begins after this has returned.
+    /// Ends the subscription without waiting: no call begins after this has returned, and what waits is dropped.
     void stop() noexcept;
     /// Whether calls may still come.
     bool isActive() const noexcept;
@@ -74,16 +74,18 @@ private:
 };
 
 /// Keeps the hardware of a card in the snapshots, so that subscribers learn of its changes. Movable; an empty one does
-/// nothing. It may outlive its System, and continues when the card goes and comes back.
+/// nothing. It may outlive its System, and continues when the card goes and comes back. Any thread may use it, but only
+/// one at a time may end or move it.
 class SONAVIT_CLIENT_API Watch
 {
 public:
     Watch() noexcept;
     Watch(Watch&& other) noexcept;
     Watch& operator=(Watch&& other) noexcept;
-    /// Ends it without waiting.
+    /// Calls stop().
     ~Watch();
 
+    /// Ends it without waiting; the worker unregisters from the hardware afterwards. A second call does nothing.
     void stop() noexcept;
 
 private:
@@ -200,6 +202,7 @@ public:
 
     /// Without a channel, a new level is that of each channel; a step keeps the differences between them, and ends
     /// where the first of them reaches an end of its range.
+    /// Problem::Kind::outOfRange as for setVolume(); Kind::notSupported for setControlMute() of a control without mute.
     /// @param control its ControlId, the name of its node or of its connector, or a part of one that no other has
     Result<Control> setControl(const EndpointId& endpoint, std::string_view control, LevelChange change);
     Result<Control> setControl(const EndpointId& endpoint, const ControlId& control, LevelChange change);
@@ -213,7 +216,8 @@ public:
     Result<Selector> select(std::string_view selector, std::string_view input);
 
     /// Sets a device format for as long as the result lives. Only administrators may; Problem::code() is E_ACCESSDENIED
-    /// otherwise. The platform does not say whether the device can do it. A format that cannot be read is not changed.
+    /// otherwise. The platform does not say whether the device can do it. A format that cannot be read is not changed:
+    /// Problem::Kind::notSupported. Kind::outOfRange for a format that no device can have.
     Result<FormatHold> holdFormat(const EndpointId& endpoint, const Format& format);
 
     /// All levels, mutes, hardware controls and selections now.
