@@ -7,7 +7,8 @@
 ///             std::cout << card.title() << " / " << endpoint.title() << "\n";
 ///
 /// A System observes the computer's sound hardware and changes it. What it reports are plain values: they hold no
-/// object of the platform, can be copied, compared, printed and used on any thread, and stay as they are.
+/// object of the platform, can be copied, compared, printed and used on any thread, and stay as they are. To look into
+/// them calls no platform and waits for nothing.
 #pragma once
 
 #include "sonavit/card.h"
