@@ -4,6 +4,7 @@
 #include "platform/propertykeys.h"
 #include "playedmachine.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <functional>
@@ -70,6 +71,14 @@ std::size_t limitOfAddition(PlayedMachine& played)
     return static_cast<std::size_t>(2.1 * static_cast<double>(endpoints) + smallRefresh);
 }
 
+/// The number of each is asked for with two calls, as numbers shift.
+std::size_t activeEndpoints(PlayedMachine& played)
+{
+    const std::vector<sim::Endpoint> all = played.simulation().machine().endpoints;
+    return static_cast<std::size_t>(std::count_if(
+        all.begin(), all.end(), [](const sim::Endpoint& endpoint) { return endpoint.state == DEVICE_STATE_ACTIVE; }));
+}
+
 bool printRefreshes(PlayedMachine& played)
 {
     sonavit::System audio(played.options());
@@ -121,7 +130,7 @@ Growing callsOn(const std::string& machine)
     static_cast<void>(refreshes.after([&](sim::Events& events) { events.remove(id); }));
     const std::size_t addition = refreshes.after([&](sim::Events& events) { events.add(id); });
     return {{first, hardware.controls - hardware.signalPaths, hardware.graph, volume, addition, hardware.signalPaths},
-            volume <= smallRefresh && addition <= limitOfAddition(played)};
+            volume <= smallRefresh && addition <= limitOfAddition(played) + 2 * activeEndpoints(played)};
 }
 
 /// How much faster calls grow from the second size to the third than from the first to the second; the sizes double,
