@@ -62,6 +62,8 @@ void Client::list(EDataFlow flow)
     result = collection->GetCount(&count);
     if (FAILED(result))
         m_problems.push_back({"IMMDeviceCollection::GetCount", "", result});
+    m_endpoints.reserve(m_endpoints.size() + count);
+    m_sources.reserve(m_sources.size() + count);
     for (UINT index = 0; index < count; ++index)
     {
         Source source;

@@ -8,13 +8,15 @@ namespace plain
 {
 std::string utf8(const WCHAR* text)
 {
-    std::string result;
     if (text == nullptr)
-        return result;
+        return {};
     const WCHAR* end = text;
+    while (*end != 0 && *end < 0x80)
+        ++end;
+    std::string result(text, end); // most strings are ASCII throughout
+    text = end;
     while (*end != 0)
         ++end;
-    result.reserve(static_cast<std::size_t>(end - text));
     while (text != end)
     {
         std::uint32_t character = *text++;

@@ -1,14 +1,11 @@
 #include "COM/interfacequery.h"
 #include "COM/tasktext.h"
 #include "client/reading/endpointreading.h"
+#include "client/reading/idindex.h"
 #include "client/reading/judge.h"
 #include "client/reading/text.h"
-#include "qor/string.h"
-#include "sonavit/idmap.h"
 
-#include <deque>
-#include <string_view>
-#include <unordered_set>
+#include <array>
 #include <utility>
 
 namespace sonavit::reading
@@ -32,13 +29,11 @@ const char* nameOf(Flow flow)
     return flow == Flow::output ? "eRender" : "eCapture";
 }
 
-EndpointReading newReading(EndpointId id, Flow flow, Handle<IMMDevice> device)
+void begin(EndpointReading& reading, EndpointId id, Flow flow, Handle<IMMDevice> device)
 {
-    EndpointReading reading;
     reading.content.id = std::move(id);
     reading.content.flow = flow;
     reading.device = std::move(device);
-    return reading;
 }
 
 /// Lists the endpoints of one flow after the other.
@@ -55,7 +50,7 @@ public:
             listFlow(flow);
         m_listing.endpoints.reserve(m_items.size());
         for (Item& item : m_items)
-            m_listing.endpoints.push_back(newReading(std::move(item.id), item.flow, std::move(item.device)));
+            begin(m_listing.endpoints.emplace_back(), std::move(item.id), item.flow, std::move(item.device));
         return std::move(m_listing);
     }
 
@@ -97,7 +92,8 @@ private:
         if (!m_judge.gives(device->GetId(text.put()), *text.put(), {"IMMDevice::GetId"}))
             return false;
         m_items.push_back({EndpointId(utf8(text.get())), flow, std::move(device)});
-        if (!m_items.back().id.isEmpty() && m_known.insert(m_items.back().id.text()).second)
+        const auto idAt = [this](std::size_t place) -> const EndpointId& { return m_items[place].id; };
+        if (!m_items.back().id.isEmpty() && m_places.add(m_items.size() - 1, idAt))
             return true;
         m_items.pop_back(); // an endpoint without id, or a second one with the same id
         m_judge.fails(invalidData, {"IMMDevice::GetId"});
@@ -107,8 +103,8 @@ private:
     IMMDeviceEnumerator& m_enumerator;
     Listing m_listing;
     Judge m_judge;
-    std::deque<Item> m_items; ///< they stay in their places
-    std::unordered_set<std::string_view, IdHash, IdEqual> m_known;
+    std::vector<Item> m_items;
+    IdIndex m_places; ///< of the items
 };
 
 /// A failure to open an endpoint. Codes that say that there is no such endpoint are Problem::Kind::notThere.
@@ -171,8 +167,7 @@ Listing listEndpoints(IMMDeviceEnumerator& enumerator)
 Result<EndpointReading> openEndpoint(IMMDeviceEnumerator& enumerator, const EndpointId& id)
 {
     IMMDevice* device = nullptr;
-    const qor::String text = qor::String::fromUtf8(id.text());
-    const HRESULT result = enumerator.GetDevice(platform::wide(text.getUCS2Buffer()), &device);
+    const HRESULT result = enumerator.GetDevice(wide(id.text()).data(), &device);
     if (FAILED(result))
         return openingFailure({"IMMDeviceEnumerator::GetDevice"}, id, result, E_INVALIDARG);
     if (device == nullptr)
@@ -181,7 +176,9 @@ Result<EndpointReading> openEndpoint(IMMDeviceEnumerator& enumerator, const Endp
     const Result<Flow> flow = readFlow(*device, id);
     if (!flow)
         return flow.problem();
-    return newReading(id, *flow, std::move(holder));
+    EndpointReading reading;
+    begin(reading, id, *flow, std::move(holder));
+    return reading;
 }
 
 Defaults readDefaults(IMMDeviceEnumerator& enumerator)

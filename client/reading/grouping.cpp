@@ -2,6 +2,8 @@
 
 #include "OSWindows/configmanager.h"
 #include "client/reading/content.h"
+#include "client/reading/text.h"
+#include "platform/text.h"
 #include "qor/string.h"
 #include "sonavit/text.h"
 
@@ -20,6 +22,7 @@ struct Group
 {
     std::string id;
     bool hasPath = false;
+    std::size_t size = 0;
     std::vector<const EndpointReading*> members;
 };
 
@@ -39,6 +42,8 @@ public:
                     places[index] = placeOf(readings[index]);
             }
         }
+        for (Group& group : m_all)
+            group.members.reserve(group.size);
         for (const Flow flow : allFlows)
         {
             for (std::size_t index = 0; index < readings.size(); ++index)
@@ -73,9 +78,10 @@ private:
 
     std::size_t placeOf(Known& known, std::string_view key, const std::string& id, bool isPath)
     {
-        const auto [place, isNew] = known.emplace(key, m_all.size());
+        const auto [place, isNew] = known.try_emplace(key, m_all.size());
         if (isNew)
-            m_all.push_back({id, isPath, {}});
+            m_all.push_back({id, isPath, 0, {}});
+        ++m_all[place->second].size;
         return place->second;
     }
 
@@ -111,8 +117,9 @@ const std::optional<std::string>& parentOf(const std::string& instanceId, Parent
     if (isNew)
     {
         qor::String parent;
-        if (libOSWindows::ConfigManager::getParentDeviceInstanceId(qor::String::fromUtf8(instanceId), parent))
-            place->second = parent.toUtf8();
+        const qor::String id(platform::ucs2(wide(instanceId).data()));
+        if (libOSWindows::ConfigManager::getParentDeviceInstanceId(id, parent))
+            place->second = utf8(platform::wide(parent.getUCS2Buffer()));
     }
     return place->second;
 }
@@ -201,6 +208,7 @@ std::vector<Card> groupIntoCards(const std::vector<EndpointReading>& readings, c
         formerCards.emplace(card.id(), &card);
     std::vector<Card> cards;
     Groups groups(readings);
+    cards.reserve(groups.all().size());
     for (Group& group : groups.all())
     {
         Card::Content content = describe(group, parents);

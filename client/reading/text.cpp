@@ -1,10 +1,12 @@
 #include "client/reading/text.h"
 
+#include "platform/text.h"
+#include "qor/string.h"
+#include "sonavit/guidtext.h"
+
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <iterator>
-#include <string_view>
 
 namespace sonavit::reading
 {
@@ -69,13 +71,28 @@ bool isPlain(WCHAR unit)
     return static_cast<std::uint16_t>(unit - 1) < 0x7F;
 }
 
-/// UTF-8 of the string between @p text and @p end, which begins with @p plain units that are the same there.
-std::string converted(const WCHAR* text, std::size_t plain, const WCHAR* end)
+/// The first unit that is not plain. Four are looked at in each round, which takes fewer instructions.
+const WCHAR* skipPlain(const WCHAR* text)
 {
-    std::string bytes(plain, '\0');
-    std::transform(text, text + plain, bytes.begin(), [](WCHAR unit) { return static_cast<char>(unit); });
-    for (const WCHAR* place = text + plain; place != end;)
-        append(bytes, nextCharacter(place, end));
+    for (;; text += 4)
+    {
+        if (!isPlain(text[0]))
+            return text;
+        if (!isPlain(text[1]))
+            return text + 1;
+        if (!isPlain(text[2]))
+            return text + 2;
+        if (!isPlain(text[3]))
+            return text + 3;
+    }
+}
+
+/// UTF-8 of the string between @p text and @p end, of which the units before @p special are the same there.
+std::string converted(const WCHAR* text, const WCHAR* special, const WCHAR* end)
+{
+    std::string bytes(text, special);
+    while (special != end)
+        append(bytes, nextCharacter(special, end));
     return bytes;
 }
 }
@@ -85,33 +102,46 @@ std::string utf8(const WCHAR* text)
 {
     if (text == nullptr)
         return {};
-    std::size_t plain = 0;
-    while (isPlain(text[plain]))
-        ++plain;
-    const WCHAR* end = text + plain;
+    const WCHAR* const special = skipPlain(text);
+    const WCHAR* end = special;
     while (*end != 0)
         ++end;
-    return converted(text, plain, end);
+    return converted(text, special, end);
 }
 
 std::string utf8(const WCHAR* text, std::size_t length)
 {
     const WCHAR* const end = text + length;
-    const WCHAR* const special = std::find_if_not(text, end, isPlain);
-    return converted(text, static_cast<std::size_t>(special - text), end);
+    return converted(text, std::find_if_not(text, end, isPlain), end);
+}
+
+std::vector<WCHAR> wide(const std::string& utf8)
+{
+    std::vector<WCHAR> text;
+    const auto isAscii = [](char character) { return static_cast<unsigned char>(character) < 0x80; };
+    if (std::all_of(utf8.begin(), utf8.end(), isAscii))
+    {
+        text.reserve(utf8.size() + 1);
+        text.assign(utf8.begin(), utf8.end());
+    }
+    else
+    {
+        const qor::String units = qor::String::fromUtf8(utf8);
+        const WCHAR* const first = platform::wide(units.getUCS2Buffer());
+        text.assign(first, first + units.size());
+    }
+    text.push_back(0);
+    return text;
 }
 
 std::optional<Guid> writtenGuid(const WCHAR* text)
 {
-    std::array<char, 38> characters = {}; // no GUID is longer
-    std::size_t length = 0;
-    for (; text[length] != 0; ++length)
-    {
-        if (length == characters.size() || text[length] >= 0x80)
-            return std::nullopt;
-        characters[length] = static_cast<char>(text[length]);
-    }
-    return Guid::parse(std::string_view(characters.data(), length));
+    const bool hasBraces = *text == '{';
+    GuidReader<WCHAR> reader(hasBraces ? text + 1 : text);
+    const std::optional<Guid> guid = reader.read();
+    if (!guid || (hasBraces && *reader.end() != '}'))
+        return std::nullopt;
+    return reader.end()[hasBraces ? 1 : 0] == 0 ? guid : std::nullopt;
 }
 
 Guid guidOf(const GUID& guid) noexcept

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace sonavit::reading
 {
@@ -15,6 +16,9 @@ namespace sonavit::reading
 std::string utf8(const WCHAR* text);
 /// Converts @p length units.
 std::string utf8(const WCHAR* text, std::size_t length);
+
+/// The reverse: UTF-16 with a final zero. Each malformed byte becomes U+FFFD.
+std::vector<WCHAR> wide(const std::string& utf8);
 
 /// The GUID that a zero-terminated string contains in the form of Guid::parse(); no value for any other text.
 std::optional<Guid> writtenGuid(const WCHAR* text);

@@ -83,7 +83,9 @@ std::vector<Role> Roles::list() const
 
 Endpoint::Endpoint() : Endpoint(Content()) {}
 
-Endpoint::Endpoint(Content content) : m_content(std::make_shared<const Content>(std::move(content))) {}
+Endpoint::Endpoint(const Content& content) : m_content(std::make_shared<const Content>(content)) {}
+
+Endpoint::Endpoint(Content&& content) : m_content(std::make_shared<const Content>(std::move(content))) {}
 
 std::string Endpoint::title() const
 {

@@ -129,7 +129,8 @@ public:
 
     /// An output without id and name.
     Endpoint();
-    explicit Endpoint(Content content);
+    explicit Endpoint(const Content& content);
+    explicit Endpoint(Content&& content);
     const Content& content() const& noexcept { return *m_content; }
     Content content() && { return *m_content; }
 

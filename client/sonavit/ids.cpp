@@ -1,5 +1,6 @@
 #include "sonavit/ids.h"
 
+#include "sonavit/guidtext.h"
 #include "sonavit/text.h"
 
 #include <algorithm>
@@ -16,26 +17,6 @@ namespace
 constexpr const char* digits = "0123456789ABCDEF";
 constexpr std::string_view pattern = "XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX";
 
-constexpr std::uint8_t noDigit = 0xFF;
-
-/// The values of all characters as hexadecimal digits.
-constexpr std::array<std::uint8_t, 256> makeDigitValues()
-{
-    std::array<std::uint8_t, 256> values = {};
-    for (std::uint8_t& value : values)
-        value = noDigit;
-    for (std::uint8_t digit = 0; digit < 10; ++digit)
-        values['0' + digit] = digit;
-    for (std::uint8_t letter = 0; letter < 6; ++letter)
-    {
-        values['A' + letter] = static_cast<std::uint8_t>(10 + letter);
-        values['a' + letter] = static_cast<std::uint8_t>(10 + letter);
-    }
-    return values;
-}
-
-constexpr std::array<std::uint8_t, 256> digitValues = makeDigitValues();
-
 std::string_view withoutBraces(std::string_view text)
 {
     const bool hasBraces = text.size() >= 2 && text.front() == '{' && text.back() == '}';
@@ -44,23 +25,6 @@ std::string_view withoutBraces(std::string_view text)
 
 /// The 16 bytes of a GUID in the order of its text.
 using Bytes = std::array<std::uint8_t, 16>;
-
-std::optional<Bytes> bytesOf(std::string_view text)
-{
-    static constexpr std::array<std::size_t, 16> places = {0, 2, 4, 6, 9, 11, 14, 16, 19, 21, 24, 26, 28, 30, 32, 34};
-    if (text.size() != pattern.size() || text[8] != '-' || text[13] != '-' || text[18] != '-' || text[23] != '-')
-        return std::nullopt;
-    Bytes bytes = {};
-    unsigned all = 0; // a value above 0xF if one of them is none
-    for (std::size_t i = 0; i < bytes.size(); ++i)
-    {
-        const unsigned high = digitValues[static_cast<unsigned char>(text[places[i]])];
-        const unsigned low = digitValues[static_cast<unsigned char>(text[places[i] + 1])];
-        bytes[i] = static_cast<std::uint8_t>(high << 4 | low);
-        all |= high | low;
-    }
-    return all > 0xF ? std::nullopt : std::optional<Bytes>(bytes);
-}
 
 Bytes bytesOf(const Guid& guid)
 {
@@ -105,31 +69,31 @@ std::size_t hashId(std::string_view text) noexcept
         hash = (hash ^ (word | caseBits)) * 0x9E3779B97F4A7C15;
         hash ^= hash >> 32;
     };
-    std::uint64_t word = 0;
-    for (; text.size() >= sizeof word; text.remove_prefix(sizeof word))
+    const auto wordAt = [&](std::size_t place)
     {
-        std::memcpy(&word, text.data(), sizeof word);
+        std::uint64_t word = 0;
+        std::memcpy(&word, text.data() + place, sizeof word);
+        return word;
+    };
+    constexpr std::size_t length = sizeof(std::uint64_t);
+    if (text.size() < length)
+    {
+        std::uint64_t word = 0;
+        if (!text.empty())
+            std::memcpy(&word, text.data(), text.size());
         mix(word);
+        return static_cast<std::size_t>(hash);
     }
-    word = 0;
-    if (!text.empty())
-        std::memcpy(&word, text.data(), text.size());
-    mix(word);
+    for (std::size_t place = 0; place + length < text.size(); place += length)
+        mix(wordAt(place));
+    mix(wordAt(text.size() - length)); // may overlap the one before
     return static_cast<std::size_t>(hash);
 }
 
 std::optional<Guid> Guid::parse(std::string_view text)
 {
-    const std::optional<Bytes> bytes = bytesOf(withoutBraces(text));
-    if (!bytes)
-        return std::nullopt;
-    Guid guid;
-    for (std::size_t i = 0; i < 4; ++i)
-        guid.data1 = guid.data1 << 8 | (*bytes)[i];
-    guid.data2 = static_cast<std::uint16_t>((*bytes)[4] << 8 | (*bytes)[5]);
-    guid.data3 = static_cast<std::uint16_t>((*bytes)[6] << 8 | (*bytes)[7]);
-    std::copy(bytes->begin() + 8, bytes->end(), guid.data4.begin());
-    return guid;
+    const std::string_view inner = withoutBraces(text);
+    return inner.size() == pattern.size() ? GuidReader<char>(inner.data()).read() : std::nullopt;
 }
 
 std::string Guid::text() const

@@ -16,41 +16,45 @@ bool isThere(const reading::EndpointReading& reading) noexcept
 {
     return reading.content.state && reading.content.state != State::notPresent;
 }
+
+auto idsOf(const std::vector<reading::EndpointReading>& readings)
+{
+    return [&readings](std::size_t place) -> const EndpointId& { return readings[place].content.id; };
+}
 }
 
 EndpointList::EndpointList(std::shared_ptr<Inbox> inbox) : m_inbox(std::move(inbox)) {}
 
 std::optional<std::size_t> EndpointList::find(const EndpointId& id) const
 {
-    const auto found = m_places.find(id);
-    return found == m_places.end() ? std::nullopt : std::optional<std::size_t>(found->second);
+    return m_places.find(id, idsOf(m_readings));
 }
 
-std::vector<EndpointId> EndpointList::replace(std::vector<reading::EndpointReading> listing)
+std::vector<std::size_t> EndpointList::replace(std::vector<reading::EndpointReading> listing)
 {
-    std::vector<EndpointId> added;
+    const auto idAt = idsOf(listing);
+    std::vector<std::size_t> added;
     std::vector<VolumeRegistration> registrations(listing.size());
-    std::unordered_map<EndpointId, std::size_t> places(listing.size());
-    for (std::size_t index = 0; index < listing.size(); ++index)
+    reading::IdIndex places(listing.size());
+    for (std::size_t place = 0; place < listing.size(); ++place)
     {
-        const EndpointId& id = listing[index].content.id;
-        places.emplace(id, index);
-        if (m_places.count(id) == 0)
-            added.push_back(id);
+        places.add(place, idAt);
+        if (!find(listing[place].content.id))
+            added.push_back(place);
     }
-    for (const auto& [id, place] : m_places)
+    for (const reading::EndpointReading& reading : m_readings)
     {
-        if (places.count(id) == 0 && isThere(m_readings[place]))
-            noteAbsence(id);
+        if (isThere(reading) && !places.find(reading.content.id, idAt))
+            noteAbsence(reading.content.id);
     }
     // Nothing below fails.
-    for (const auto& [id, place] : m_places)
+    for (std::size_t former = 0; former < m_readings.size(); ++former)
     {
-        const auto index = places.find(id);
-        if (index == places.end())
+        const std::optional<std::size_t> place = places.find(m_readings[former].content.id, idAt);
+        if (!place)
             continue;
-        std::swap(listing[index->second], m_readings[place]);
-        registrations[index->second] = std::move(m_registrations[place]);
+        std::swap(listing[*place], m_readings[former]);
+        registrations[*place] = std::move(m_registrations[former]);
     }
     m_readings = std::move(listing);
     m_registrations = std::move(registrations);
@@ -141,7 +145,7 @@ void EndpointList::clear() noexcept
         registration.end();
     m_registrations.clear();
     m_readings.clear();
-    m_places.clear();
+    m_places = reading::IdIndex();
 }
 
 void EndpointList::readState(std::size_t index)
@@ -182,6 +186,8 @@ void EndpointList::noteAbsence(const EndpointId& id)
 
 void EndpointList::notePresence(std::size_t index)
 {
+    if (m_past.empty())
+        return;
     Endpoint::Content& content = m_readings[index].content;
     const auto past = m_past.find(content.id);
     if (past == m_past.end())
@@ -195,6 +201,6 @@ void EndpointList::notePresence(std::size_t index)
 void EndpointList::forgetThoseThatWent()
 {
     for (auto each = m_past.begin(); each != m_past.end();)
-        each = m_places.count(each->first) == 0 ? m_past.erase(each) : std::next(each);
+        each = find(each->first) ? std::next(each) : m_past.erase(each);
 }
 }

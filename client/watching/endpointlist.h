@@ -3,6 +3,7 @@
 #pragma once
 
 #include "client/reading/endpointreading.h"
+#include "client/reading/idindex.h"
 #include "client/watching/inbox.h"
 #include "client/watching/registrations.h"
 
@@ -28,8 +29,8 @@ public:
     std::optional<std::size_t> find(const EndpointId& id) const;
 
     /// Replaces the list. Readings and registrations of endpoints that stay go on; new ones are opened and not read.
-    /// @return the ids of the new ones
-    std::vector<EndpointId> replace(std::vector<reading::EndpointReading> listing);
+    /// @return where the new ones are
+    std::vector<std::size_t> replace(std::vector<reading::EndpointReading> listing);
     /// Reads all of an endpoint.
     void read(std::size_t index);
     /// Reads what was announced of an endpoint, and what follows from that; opens it anew if it was away.
@@ -57,7 +58,7 @@ private:
     const std::shared_ptr<Inbox> m_inbox;
     std::vector<reading::EndpointReading> m_readings;
     std::vector<VolumeRegistration> m_registrations; ///< of the same positions
-    std::unordered_map<EndpointId, std::size_t> m_places;
+    reading::IdIndex m_places;                       ///< of the readings
     std::unordered_map<EndpointId, Past> m_past;
 };
 }

@@ -203,8 +203,8 @@ void Watcher::readEverything()
         readWaveIds({true, true});
 }
 
-/// Reads which endpoints there are. @return the new ones, which are opened; no value if the service has gone
-std::optional<std::vector<EndpointId>> Watcher::readList()
+/// Reads which endpoints there are. @return where the new ones are, which are opened; no value if the service has gone
+std::optional<std::vector<std::size_t>> Watcher::readList()
 {
     reading::Listing listing = reading::listEndpoints(*m_enumerator);
     if (isServiceLost(listing.problems))
@@ -240,12 +240,11 @@ void Watcher::keepUnlisted(std::vector<reading::EndpointReading>& listed) const
 /// @return false if the service has gone
 bool Watcher::readNewOnes()
 {
-    const std::optional<std::vector<EndpointId>> added = readList();
+    const std::optional<std::vector<std::size_t>> added = readList();
     if (!added)
         return false;
-    for (const EndpointId& id : *added)
+    for (const std::size_t index : *added)
     {
-        const std::size_t index = *m_endpoints.find(id);
         m_endpoints.read(index);
         judgeReading(index, {});
     }

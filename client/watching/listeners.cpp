@@ -1,7 +1,6 @@
 #include "client/watching/listeners.h"
 
-#include "platform/text.h"
-#include "qor/string.h"
+#include "client/reading/text.h"
 
 #include <utility>
 
@@ -46,13 +45,9 @@ HRESULT STDMETHODCALLTYPE DeviceListener::OnPropertyValueChanged(LPCWSTR deviceI
 
 VolumeListener::VolumeListener(std::shared_ptr<Inbox> inbox, const EndpointId& endpoint)
     : Listener(IID_IAudioEndpointVolumeCallback),
-      m_inbox(std::move(inbox))
+      m_inbox(std::move(inbox)),
+      m_endpoint(reading::wide(endpoint.text()))
 {
-    const qor::String text = qor::String::fromUtf8(endpoint.text());
-    const WCHAR* const first = platform::wide(text.getUCS2Buffer());
-    for (const WCHAR* unit = first; unit != nullptr && *unit != 0; ++unit)
-        m_endpoint.push_back(*unit);
-    m_endpoint.push_back(0);
 }
 
 HRESULT STDMETHODCALLTYPE VolumeListener::OnNotify(AUDIO_VOLUME_NOTIFICATION_DATA* data)

@@ -115,7 +115,7 @@ private:
     void readHardware(const Noted::OfHardware& noted);
     std::vector<EndpointId> readVolumesOf(const CardId& card, const Cause& cause);
     void readEverything();
-    std::optional<std::vector<EndpointId>> readList();
+    std::optional<std::vector<std::size_t>> readList();
     void keepUnlisted(std::vector<reading::EndpointReading>& listed) const;
     bool readNewOnes();
     std::optional<Flow> readNoted(const Noted::OfEndpoint& noted);

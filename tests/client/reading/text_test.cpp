@@ -49,6 +49,24 @@ TEST(ReadingText, EndsAtTheGivenLength)
     EXPECT_EQ("", reading::utf8(text.data(), 0));
 }
 
+std::vector<WCHAR> units(std::initializer_list<unsigned> text)
+{
+    return {text.begin(), text.end()};
+}
+
+TEST(ReadingWide, EndsWithAZero)
+{
+    EXPECT_EQ(units({0}), reading::wide(""));
+    EXPECT_EQ(units({'a', 0x7F, 0}), reading::wide("a\x7F"));
+}
+
+TEST(ReadingWide, BecomesUtf16)
+{
+    EXPECT_EQ(units({'a', 0xE4, 0x20AC, 0xD83D, 0xDD0A, 'z', 0}),
+              reading::wide("a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x94\x8Az"));
+    EXPECT_EQ(units({0xFFFD, 'z', 0}), reading::wide("\xFFz"));
+}
+
 std::optional<sonavit::Guid> writtenGuid(const std::string& text)
 {
     std::vector<WCHAR> units;
@@ -72,5 +90,36 @@ TEST(ReadingWrittenGuid, OfAnyOtherTextIsNone)
     EXPECT_FALSE(writtenGuid("{8C7ED206-3F8A-4827-B3AB-AE9E1FAEFC6C} "));
     EXPECT_FALSE(writtenGuid("{8C7ED206-3F8A-4827-B3AB-AE9E1FAEFC6\xC3}"));
     EXPECT_FALSE(writtenGuid(std::string(100000, '{')));
+    EXPECT_FALSE(writtenGuid("{8C7ED206-3F8A-4827-B3AB-AE9E1FAEFC6C"));
+    EXPECT_FALSE(writtenGuid("8C7ED206-3F8A-4827-B3AB-AE9E1FAEFC6C}"));
+}
+
+/// The text ends where its memory ends, which a sanitizer watches.
+TEST(ReadingWrittenGuid, OfATextThatBreaksOffIsNone)
+{
+    const std::string whole = "{8C7ED206-3F8A-4827-B3AB-AE9E1FAEFC6C}";
+    for (std::size_t length = 0; length < whole.size(); ++length)
+        EXPECT_FALSE(writtenGuid(whole.substr(0, length))) << length;
+}
+
+TEST(ReadingWrittenGuid, OfATextWithOneOtherCharacterIsNone)
+{
+    const std::string whole = "{8C7ED206-3F8A-4827-B3AB-AE9E1FAEFC6C}";
+    for (std::size_t place = 0; place < whole.size(); ++place)
+    {
+        std::string text = whole;
+        text[place] = 'g';
+        EXPECT_FALSE(writtenGuid(text)) << text;
+    }
+}
+
+TEST(ReadingWrittenGuid, OfUnitsBeyondAsciiIsNone)
+{
+    const std::string whole = "8C7ED206-3F8A-4827-B3AB-AE9E1FAEFC6C";
+    std::vector<WCHAR> text(whole.begin(), whole.end());
+    text.push_back(0);
+    text[0] = 0x0138; // '8' in its lower byte
+
+    EXPECT_FALSE(reading::writtenGuid(text.data()));
 }
 }

@@ -1,5 +1,6 @@
 #include "client/watching/inbox.h"
 
+#include "tests/foundation/supportallocations.h"
 #include "tests/support/manualclock.h"
 
 #include <gmock/gmock.h>
@@ -73,5 +74,20 @@ TEST_F(InboxTake, ReturnsEverythingIfMoreEndpointsWereAnnouncedThanThereIsSpaceF
 
     EXPECT_TRUE(m_inbox.take(true).isEverything);
     EXPECT_TRUE(m_inbox.take(true).isEmpty());
+}
+
+/// The platform calls while it holds locks, maybe without memory.
+TEST_F(InboxTake, IsPreparedByNotificationsThatAllocateNothing)
+{
+    const std::string text = idOf(1);
+    std::vector<WCHAR> id(text.begin(), text.end());
+    id.push_back(0);
+    const support::AllocationProbe probe;
+
+    m_inbox.noteVolume(id.data(), nullptr);
+    m_inbox.noteEndpoint(id.data(), watching::announcedProperty);
+    m_inbox.noteDefaults(eRender);
+
+    EXPECT_EQ(0u, probe.count());
 }
 }
