@@ -29,7 +29,8 @@ public:
     const Format& held() const noexcept; ///< as the platform reported it afterwards
 
     /// Puts the former format back and waits for it. A second call, or one after the end of the System, does nothing.
-    /// @return a Problem if the platform refuses, or if the format is no longer the held one
+    /// @return a Problem if the platform refuses, or if the format is no longer the held one. The token of the result
+    /// is in the events that follow.
     Result<Done> end();
 
 private:
