@@ -19,8 +19,15 @@ public:
     /// Whether a setter was called: a change to what is there already calls none.
     bool isUsed() const noexcept { return m_isUsed; }
 
+    /// What is read after the setters is what was read before them, as if the device has rounded a level to the step
+    /// that it was at.
+    void noteNoEffect() noexcept { m_hasEffect = false; }
+    /// Whether a setter was called and something is different after it.
+    bool hasChanged() const noexcept { return m_isUsed && m_hasEffect; }
+
 private:
     GUID m_id;
     bool m_isUsed = false;
+    bool m_hasEffect = true;
 };
 }

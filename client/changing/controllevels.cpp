@@ -76,9 +76,16 @@ std::optional<Problem> ControlLevels::set(const std::vector<std::optional<Decibe
     UINT count = 0;
     if (std::optional<Problem> problem = judge("IAudioVolumeLevel::GetChannelCount", m_level.GetChannelCount(&count)))
         return problem;
-    if (count != levels.size())
-        return apply(*highest);
     const std::vector<Present> channels = presentOf(count);
+    std::optional<Problem> problem = count == levels.size() ? setEach(levels, channels) : apply(*highest);
+    if (m_context.isUsed() && isWhere(channels))
+        m_context.noteNoEffect();
+    return problem;
+}
+
+std::optional<Problem> ControlLevels::setEach(const std::vector<std::optional<Decibels>>& levels,
+                                              const std::vector<Present>& channels)
+{
     std::vector<float> targets;
     for (std::size_t channel = 0; channel < channels.size(); ++channel)
     {
@@ -155,6 +162,18 @@ Result<std::vector<float>> ControlLevels::afterStep(const LevelChange& change,
     return levels;
 }
 
+/// Whether the levels are still those of @p channels.
+bool ControlLevels::isWhere(const std::vector<Present>& channels) const
+{
+    for (unsigned channel = 0; channel < channels.size(); ++channel)
+    {
+        const Result<float> now = levelOf(channel);
+        if (!now || !isAt(channels[channel], *now))
+            return false;
+    }
+    return true;
+}
+
 Present ControlLevels::present(unsigned channel) const
 {
     const char* const rangeCall = "IAudioVolumeLevel::GetLevelRange";
@@ -162,11 +181,15 @@ Present ControlLevels::present(unsigned channel) const
     float maximum = 0;
     float step = 0;
     const std::optional<Problem> noRange = judge(rangeCall, m_level.GetLevelRange(channel, &minimum, &maximum, &step));
+    return {levelOf(channel), noRange ? *noRange : finite(m_subject, rangeCall, minimum, maximum, step)};
+}
+
+Result<float> ControlLevels::levelOf(unsigned channel) const
+{
     const char* const call = "IAudioVolumeLevel::GetLevel";
     float level = 0;
-    const std::optional<Problem> noLevel = judge(call, m_level.GetLevel(channel, &level));
-    return {noLevel ? *noLevel : finite(m_subject, call, level),
-            noRange ? *noRange : finite(m_subject, rangeCall, minimum, maximum, step)};
+    const std::optional<Problem> problem = judge(call, m_level.GetLevel(channel, &level));
+    return problem ? Result<float>(*problem) : finite(m_subject, call, level);
 }
 
 std::optional<Problem> ControlLevels::judge(const char* call, HRESULT result) const

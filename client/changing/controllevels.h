@@ -28,12 +28,17 @@ public:
     std::optional<Problem> apply(const LevelChange& change);
 
     /// Gives each channel its level; one without a value keeps its own. If there are more or fewer channels than
-    /// levels, all channels get the highest of the levels.
+    /// levels, all channels get the highest of the levels. The context learns whether any level is different
+    /// afterwards.
     std::optional<Problem> set(const std::vector<std::optional<Decibels>>& levels);
 
 private:
     std::vector<Present> presentOf(unsigned count) const;
     Present present(unsigned channel) const;
+    Result<float> levelOf(unsigned channel) const;
+    bool isWhere(const std::vector<Present>& channels) const;
+    std::optional<Problem> setEach(const std::vector<std::optional<Decibels>>& levels,
+                                   const std::vector<Present>& channels);
     std::optional<Problem> changeOne(const LevelChange& change, unsigned channel);
     std::optional<Problem> changeAll(const LevelChange& change, unsigned count);
     /// Where a step leads each channel.

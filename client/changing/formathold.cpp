@@ -84,8 +84,8 @@ void publishFormat(Watcher& watcher, const EndpointId& id, ChangeToken token)
     watcher.publishChange(id, token);
 }
 
-/// On the worker: puts the format back, once, and calls @p afterwards before it wakes the caller of FormatHold::end().
-/// After an exception the end of the System tries it again.
+/// On the worker: puts the format back, once, and calls @p afterwards, which returns the token of the change, before it
+/// wakes the caller of FormatHold::end(). After an exception the end of the System tries it again.
 template<class Function>
 void endHold(Watcher& watcher, Hold& hold, const Function& afterwards)
 {
@@ -96,7 +96,7 @@ void endHold(Watcher& watcher, Hold& hold, const Function& afterwards)
     {
         outcome = hold.putBack(watcher);
         if (outcome && hold.format.isWritten())
-            afterwards();
+            outcome = Result<Done>(Done(), afterwards());
     }
     catch (const std::exception& failure)
     {
@@ -110,7 +110,13 @@ void endHold(Watcher& watcher, Hold& hold, const Function& afterwards)
 /// While the System lives.
 void endHold(Watcher& watcher, Hold& hold)
 {
-    endHold(watcher, hold, [&] { publishFormat(watcher, hold.format.endpoint(), watcher.newToken()); });
+    const auto publish = [&]
+    {
+        const ChangeToken token = watcher.newToken();
+        publishFormat(watcher, hold.format.endpoint(), token);
+        return token;
+    };
+    endHold(watcher, hold, publish);
     if (hold.isDone)
         watcher.cancelAtEnd(hold.atEnd);
 }
@@ -248,7 +254,8 @@ Result<FormatHold> System::holdFormat(const EndpointId& endpoint, const Format& 
         if (!held)
             return held.problem();
         auto state = std::make_shared<FormatHold::State>(worker, weak, patience, *held);
-        state->hold->atEnd = watcher.atEnd([&watcher, hold = state->hold] { endHold(watcher, *hold, [] {}); });
+        state->hold->atEnd =
+            watcher.atEnd([&watcher, hold = state->hold] { endHold(watcher, *hold, [] { return ChangeToken(0); }); });
         const ChangeToken token = held->isWritten() ? watcher.newToken() : 0;
         if (held->isWritten())
             publishFormat(watcher, endpoint, token);

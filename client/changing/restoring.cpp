@@ -3,6 +3,8 @@
 #include "sonavit/text.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
 
 namespace sonavit::changing
 {
@@ -15,20 +17,10 @@ Problem notThere(const std::string& object, const std::string& sentence)
     return {Problem::Kind::notThere, operation, object, sentence};
 }
 
-/// The endpoint that a reference means, if it is certain enough.
-Result<CardEndpoint> resolved(const Snapshot& snapshot, const Settings::EndpointSetting& setting)
+template<class Setting>
+const std::string& nameOrId(const Setting& setting)
 {
-    const Result<Reference> reference = Reference::parse(setting.reference);
-    if (!reference)
-        return reference.problem();
-    const Resolution resolution = resolve(snapshot, *reference);
-    const bool isCertain = resolution.kind == Resolution::Kind::exact || resolution.kind == Resolution::Kind::likely;
-    std::optional<CardEndpoint> best = isCertain ? resolution.best() : std::nullopt;
-    if (best)
-        return *std::move(best);
-    const bool isNone = resolution.kind == Resolution::Kind::none;
-    return Problem(isNone ? Problem::Kind::notThere : Problem::Kind::ambiguous, operation, setting.name,
-                   resolution.sentence());
+    return setting.name.empty() ? setting.id : setting.name;
 }
 
 /// The only one of @p all that @p isMeant; Problem::Kind::notThere or Kind::ambiguous.
@@ -99,23 +91,25 @@ Restoring::Restoring(watching::Watcher& watcher, ChangeToken token)
 
 RestoreReport Restoring::restore(const Settings& settings)
 {
-    find(settings);
+    m_places = placesOf(settings, m_snapshot);
     walkHardware();
+    // The hardware comes first: where a control implements the volume of an endpoint, that volume decides. The report
+    // has the order of the file nevertheless.
+    std::vector<std::vector<RestoredSetting>> hardware;
     for (const Place& place : m_places)
     {
-        restoreVolume(place);
         restoreControls(place);
         restoreSelectors(place);
+        hardware.push_back(std::exchange(m_report.settings, {}));
     }
     for (const CardId& card : m_changedCards)
         m_watcher.publishHardwareChange(card, m_token);
+    for (std::size_t i = 0; i < m_places.size(); ++i)
+    {
+        restoreVolume(m_places[i]);
+        std::move(hardware[i].begin(), hardware[i].end(), std::back_inserter(m_report.settings));
+    }
     return std::move(m_report);
-}
-
-void Restoring::find(const Settings& settings)
-{
-    for (const EndpointSetting& setting : settings.endpoints)
-        m_places.push_back({&setting, resolved(m_snapshot, setting)});
 }
 
 /// One walk through the cards whose hardware the settings concern.
@@ -150,7 +144,7 @@ void Restoring::restoreVolume(const Place& place)
     {
         ChangeContext context = newContext();
         note(place, what, reading ? setter(**reading, context) : Result<Volume>(reading.problem()), context);
-        isChanged = isChanged || context.isUsed();
+        isChanged = isChanged || context.hasChanged();
     };
     if (!levels.isEmpty())
         change("volume", [&](auto& now, ChangeContext& context) { return putBack(now, levels, context); });
@@ -181,10 +175,11 @@ void Restoring::restoreControl(const Place& place, const ControlSetting& setting
         const Result<Done> result =
             !control ? Result<Done>(control.problem())
             : object.get() == nullptr
-                ? Result<Done>(notThere(setting.id, "the control " + text::quoted(setting.name) + " has no " + what))
+                ? Result<Done>(
+                      notThere(setting.id, "the control " + text::quoted(nameOrId(setting)) + " has no " + what))
                 : setter(*object, context);
-        note(place, what == "mute" ? setting.name + ", mute" : setting.name, result, context);
-        if (context.isUsed())
+        note(place, what == "mute" ? nameOrId(setting) + ", mute" : nameOrId(setting), result, context);
+        if (context.hasChanged())
             m_changedCards.insert(place.now->card.id());
     };
     if (hasLevel(setting))
@@ -222,8 +217,8 @@ void Restoring::restoreSelectors(const Place& place)
                 return notThere(setting.id, "the selector cannot be opened");
             return choose(*found, *platform, *input, context);
         };
-        note(place, setting.name, restored(), context);
-        if (context.isUsed())
+        note(place, nameOrId(setting), restored(), context);
+        if (context.hasChanged())
             m_changedCards.insert(place.now->card.id());
     }
 }
@@ -261,16 +256,19 @@ Result<Selector> Restoring::selector(const Place& place, const SelectorSetting& 
 template<class T>
 void Restoring::note(const Place& place, const std::string& what, const Result<T>& result, const ChangeContext& context)
 {
-    m_isChanged = m_isChanged || context.isUsed();
+    m_isChanged = m_isChanged || context.hasChanged();
     RestoredSetting setting;
-    setting.what = place.setting->name + ": " + what;
+    setting.what = place.name + ": " + what;
     if (result)
-        setting.outcome = context.isUsed() ? RestoredSetting::Outcome::restored : RestoredSetting::Outcome::unchanged;
+        setting.outcome =
+            context.hasChanged() ? RestoredSetting::Outcome::restored : RestoredSetting::Outcome::unchanged;
     else
     {
         setting.outcome = outcomeOf(result.problem());
         setting.problem = result.problem();
     }
+    if (place.now)
+        setting.recognition = place.recognition;
     m_report.settings.push_back(std::move(setting));
 }
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "client/changing/changecontext.h"
+#include "client/changing/settingplaces.h"
 #include "client/changing/volumechange.h"
 #include "client/reading/hardwarewalk.h"
 #include "client/watching/watcher.h"
@@ -30,19 +31,11 @@ public:
     bool isChanged() const noexcept { return m_isChanged; }
 
 private:
-    using EndpointSetting = Settings::EndpointSetting;
     using ControlSetting = Settings::ControlSetting;
     using SelectorSetting = Settings::SelectorSetting;
+    using Place = SettingPlace;
     using Walk = std::shared_ptr<reading::HardwareWalk>;
 
-    /// An endpoint of the file, and what it is on this computer.
-    struct Place
-    {
-        const EndpointSetting* setting;
-        Result<CardEndpoint> now;
-    };
-
-    void find(const Settings& settings);
     void walkHardware();
     void restoreVolume(const Place& place);
     void restoreControls(const Place& place);

@@ -88,9 +88,34 @@ std::optional<Problem> setChannels(IAudioEndpointVolume& volume, const Subject& 
     return first;
 }
 
+/// The levels of the master and of each channel; no value for those that cannot be read.
+std::vector<std::optional<float>> levelsOf(IAudioEndpointVolume& volume, unsigned channels)
+{
+    std::vector<std::optional<float>> levels;
+    float level = 0;
+    const auto add = [&](HRESULT result)
+    { levels.push_back(SUCCEEDED(result) ? std::optional<float>(level) : std::nullopt); };
+    add(volume.GetMasterVolumeLevel(&level));
+    for (unsigned channel = 0; channel < channels; ++channel)
+        add(volume.GetChannelVolumeLevel(channel, &level));
+    return levels;
+}
+
+bool areSame(const std::vector<std::optional<float>>& before, const std::vector<std::optional<float>>& after)
+{
+    return before == after && std::find(after.begin(), after.end(), std::nullopt) == after.end();
+}
+
 std::optional<Decibels> highest(const std::vector<std::optional<Decibels>>& levels)
 {
     return levels.empty() ? std::nullopt : *std::max_element(levels.begin(), levels.end());
+}
+
+std::optional<Problem> setMaster(IAudioEndpointVolume& volume, const Subject& subject, const FormerLevels& levels,
+                                 ChangeContext& context)
+{
+    const std::optional<Decibels> master = levels.master ? levels.master : highest(levels.channels);
+    return EndpointLevel(volume, subject, context, std::nullopt).apply(*master);
 }
 }
 
@@ -126,9 +151,12 @@ Result<Volume> putBack(reading::EndpointReading& reading, const FormerLevels& le
     const HRESULT counted = volume.GetChannelCount(&count);
     if (FAILED(counted))
         return Problem::ofCall("IAudioEndpointVolume::GetChannelCount", subject.object, counted);
-    if (count == levels.channels.size() && highest(levels.channels))
-        return readAgain(reading, subject, setChannels(volume, subject, levels, context));
-    const std::optional<Decibels> master = levels.master ? levels.master : highest(levels.channels);
-    return readAgain(reading, subject, EndpointLevel(volume, subject, context, std::nullopt).apply(*master));
+    const std::vector<std::optional<float>> before = levelsOf(volume, count);
+    std::optional<Problem> problem = count == levels.channels.size() && highest(levels.channels)
+                                         ? setChannels(volume, subject, levels, context)
+                                         : setMaster(volume, subject, levels, context);
+    if (context.isUsed() && areSame(before, levelsOf(volume, count)))
+        context.noteNoEffect();
+    return readAgain(reading, subject, problem);
 }
 }

@@ -42,7 +42,8 @@ struct FormerLevels
 };
 
 /// Puts levels back, of which there is at least one: channel by channel; one without a value is left as it is. If there
-/// are more or fewer channels now, the master or the highest of the channels decides. It goes on after a failure.
+/// are more or fewer channels now, the master or the highest of the channels decides. It goes on after a failure. The
+/// context learns whether any level is different afterwards.
 /// @return the first problem
 Result<Volume> putBack(reading::EndpointReading& reading, const FormerLevels& levels, ChangeContext& context);
 Result<Done> putBack(const Control& control, IAudioVolumeLevel& level, const FormerLevels& levels,

@@ -26,6 +26,11 @@ std::string base64urlOf(std::string_view bytes)
     return text;
 }
 
+bool isBase64url(std::string_view text) noexcept
+{
+    return text.find_first_not_of(alphabet) == std::string_view::npos;
+}
+
 std::optional<std::string> bytesInBase64url(std::string_view text)
 {
     if (text.size() % 4 == 1)

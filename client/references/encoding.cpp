@@ -143,6 +143,8 @@ Result<Traits> traitsIn(std::string_view text)
     if (text.size() > textLimit)
         return unreadable("a reference has at most 512 characters");
     const std::optional<std::string> decoded = bytesInBase64url(text.substr(prefix.size()));
+    if (!decoded && isBase64url(text.substr(prefix.size())))
+        return unreadable("the reference is incomplete or was changed");
     if (!decoded)
         return unreadable("after \"snv1:\" a reference has the characters A-Z, a-z, 0-9, - and _ alone");
     if (decoded->size() < checksumSize)

@@ -42,12 +42,15 @@ bool isOtherModel(const Traits& kept, const Traits& found) noexcept
     return isOtherText(kept.vendor, found.vendor) || isOtherText(kept.product, found.product);
 }
 
-/// Jacks are known by their type, without one by the form factor; endpoints without either have the same one.
+/// Jacks are known by their type. It may be unknown of an endpoint that is disabled or not present: then they are known
+/// by the form factor. Endpoints of which neither is known have the same jack.
 bool isSameJack(const Traits& kept, const Traits& found) noexcept
 {
-    if (!kept.jackType.empty() || !found.jackType.empty())
+    if (!kept.jackType.empty() && !found.jackType.empty())
         return kept.jackType == found.jackType;
-    return kept.formFactor == found.formFactor;
+    if (!kept.formFactor.empty() || !found.formFactor.empty())
+        return kept.formFactor == found.formFactor;
+    return kept.jackType.empty() && found.jackType.empty();
 }
 
 bool isSameName(const Traits& kept, const Traits& found) noexcept

@@ -30,8 +30,9 @@ public:
 
     /// Puts the former format back and waits for it, at most Options::patience. A second call, or one after the end of
     /// the System, does nothing.
-    /// @return a Problem with the call that the platform refuses; Kind::notThere if the format is no longer the held
-    /// one; Kind::noAnswer if the platform has not answered: the worker puts the format back when it can
+    /// @return Done, with the token of the events that follow; a Problem with the call that the platform refuses;
+    /// Kind::notThere if the format is no longer the held one; Kind::noAnswer if the platform has not answered: the
+    /// worker puts the format back when it can
     Result<Done> end();
 
 private:

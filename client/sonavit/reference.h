@@ -52,7 +52,7 @@ SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Reference& 
 struct Candidate
 {
     /// By what it was recognised, the most certain first. The flow is always equal, and what is not known is equal to
-    /// nothing. Two devices whose serial numbers differ are never taken for each other.
+    /// nothing. Two devices of one model whose serial numbers differ are never taken for each other.
     enum class Evidence : int
     {
         endpointId,

@@ -33,9 +33,9 @@ bool operator==(const Settings::SelectorSetting& left, const Settings::SelectorS
 
 bool operator==(const Settings::EndpointSetting& left, const Settings::EndpointSetting& right)
 {
-    return left.name == right.name && left.reference == right.reference && left.channels == right.channels &&
-           left.master == right.master && left.isMuted == right.isMuted && left.controls == right.controls &&
-           left.selectors == right.selectors;
+    return left.name == right.name && left.flow == right.flow && left.reference == right.reference &&
+           left.channels == right.channels && left.master == right.master && left.isMuted == right.isMuted &&
+           left.controls == right.controls && left.selectors == right.selectors;
 }
 
 bool operator==(const Settings& left, const Settings& right)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "sonavit/control.h"
+#include "sonavit/endpoint.h"
 #include "sonavit/export.h"
 #include "sonavit/problem.h"
 #include "sonavit/reference.h"
@@ -30,7 +31,7 @@ public:
     struct ControlSetting
     {
         std::string id;   ///< ControlId
-        std::string name; ///< Control::title(), by which it is found if there is no such id any more
+        std::string name; ///< Control::title(), by which it is found if the endpoint has no control with that id now
         std::vector<std::optional<Decibels>> channels;
         std::optional<bool> isMuted;
     };
@@ -40,29 +41,36 @@ public:
         std::string id; ///< SelectorId
         std::string name;
         std::optional<std::uint32_t> input;
-        std::string inputName; ///< by which the input is found if there is no such number any more
+        /// The input is the one with this name and that number; if there is none, the one with this name; if there is
+        /// none, the one with that number.
+        std::string inputName;
     };
 
     struct EndpointSetting
     {
-        std::string name;      ///< for the reader of the file
-        std::string reference; ///< Reference::text(), by which the endpoint is found
+        std::string name;         ///< for the reader of the file
+        std::optional<Flow> flow; ///< for the reader of the file, and for programs that restore only some endpoints
+        std::string reference;    ///< Reference::text(), by which the endpoint is found
         std::vector<std::optional<Decibels>> channels;
-        std::optional<Decibels> master; ///< used if there is no channel
+        std::optional<Decibels> master; ///< used if there is no channel, or if there are more or fewer channels now
         std::optional<bool> isMuted;
+        /// A control that acts on several endpoints is saved once, at the one to whose jack it is nearest. Where a
+        /// control implements the volume of the endpoint, restore() leaves it at that volume.
         std::vector<ControlSetting> controls;
         std::vector<SelectorSetting> selectors; ///< of its card, at the first endpoint of each card
     };
 
     std::vector<EndpointSetting> endpoints;
 
-    /// Reads what text() writes, so that parse(text()) == *this. Members that this version does not know are ignored,
-    /// and so is a byte order mark. A member that is null has no value.
-    /// @return Problem::Kind::unreadable with line and reason if @p text is none, is larger than 16 MiB, has more than
-    /// 200,000 values, or nests lists and objects deeper than 64 levels; Problem::object() is empty
+    /// Reads what text() writes, so that parse(text()) == *this if all references can be read. Members that this
+    /// version does not know are ignored, unless the name of one is nearly that of a known member; a byte order mark is
+    /// ignored, too. A member that is null has no value.
+    /// @return Problem::Kind::unreadable with line and reason if @p text is none or contains a reference that is none,
+    /// is larger than 16 MiB, has more than 200,000 values, or nests lists and objects deeper than 64 levels;
+    /// Problem::object() is empty
     static Result<Settings> parse(std::string_view text);
-    /// JSON that a person can read and change, one setting a line, levels in decibels. Levels that are not finite are
-    /// left out, and ill-formed UTF-8 becomes U+FFFD.
+    /// JSON that a person can read and change, with a comment on how: one setting a line, levels in decibels, ids last.
+    /// Levels that are not finite are left out, and ill-formed UTF-8 becomes U+FFFD.
     std::string text() const;
 };
 
@@ -80,15 +88,17 @@ struct RestoredSetting
 {
     enum class Outcome : int
     {
-        restored,
-        unchanged, ///< it was so already
-        notFound,  ///< there is no such endpoint, control, selector or input now, or it is ambiguous
-        failed     ///< the platform refused
+        restored,  ///< as near as the steps of the hardware allow
+        unchanged, ///< it was so already, or is no nearer now: no level is another one than before
+        notFound,  ///< there is no such endpoint, control, selector or input now, it is ambiguous, or it has no level
+        failed     ///< the platform refused, or the level is outside the range
     };
 
     std::string what; ///< "Speakers (Analog Audio): volume"
     Outcome outcome = Outcome::restored;
-    std::optional<Problem> problem; ///< of notFound and failed
+    std::optional<Problem> problem = {}; ///< of notFound and failed
+    /// Candidate::reason if the endpoint was not recognised by its id: "same device in another USB port"; else empty.
+    std::string recognition = {};
 };
 
 /// What System::restore() has done.

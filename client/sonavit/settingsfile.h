@@ -3,18 +3,20 @@
 ///
 ///     {
 ///       "settingsVersion": 1,
+///       "comment": "...",
 ///       "unit": "dB",
 ///       "endpoints": [
 ///         {
 ///           "name": "Speakers (Analog Audio)",
-///           "reference": "snv1:...",
-///           "volume": {"muted": false, "master": -18.5, "channels": [-18.5, -18.5]},
+///           "flow": "render",
+///           "volume": {"muted": false, "channels": [-18.5, -18.5]},
 ///           "controls": [
-///             {"name": "Mic Boost", "id": "...", "muted": false, "channels": [0, 0]}
+///             {"name": "Mic Boost", "muted": false, "channels": [0, 0], "id": "..."}
 ///           ],
 ///           "selectors": [
-///             {"name": "Input", "id": "...", "input": 2, "inputName": "Line In"}
-///           ]
+///             {"name": "Input", "inputName": "Line In", "input": 2, "id": "..."}
+///           ],
+///           "reference": "snv1:..."
 ///         }
 ///       ]
 ///     }
@@ -30,6 +32,8 @@ namespace sonavit::settingsfile
 {
 inline constexpr int version = 1;
 inline constexpr const char* unit = "dB";
+inline constexpr const char* comment =
+    "Levels are in dB. Change them, muted and inputName; what you remove is left as it is. Keep reference and id.";
 
 inline constexpr std::size_t largestText = 16U * 1024 * 1024;
 inline constexpr std::size_t mostValues = 200000;

@@ -48,9 +48,9 @@ std::string lineOf(const Settings::ControlSetting& control)
 {
     Line line;
     line.add("name", json::quoted(control.name));
-    line.add("id", json::quoted(control.id));
     addMute(line, control.isMuted);
     addChannels(line, control.channels);
+    line.add("id", json::quoted(control.id));
     return line.text();
 }
 
@@ -58,11 +58,11 @@ std::string lineOf(const Settings::SelectorSetting& selector)
 {
     Line line;
     line.add("name", json::quoted(selector.name));
-    line.add("id", json::quoted(selector.id));
-    if (selector.input)
-        line.add("input", std::to_string(*selector.input));
     if (!selector.inputName.empty())
         line.add("inputName", json::quoted(selector.inputName));
+    if (selector.input)
+        line.add("input", std::to_string(*selector.input));
+    line.add("id", json::quoted(selector.id));
     return line.text();
 }
 
@@ -78,8 +78,9 @@ std::string linesOf(const char* name, const std::vector<Setting>& settings)
 
 std::string textOf(const Settings::EndpointSetting& endpoint)
 {
-    std::string text = "    {\n      \"name\": " + json::quoted(endpoint.name) +
-                       ",\n      \"reference\": " + json::quoted(endpoint.reference);
+    std::string text = "    {\n      \"name\": " + json::quoted(endpoint.name);
+    if (endpoint.flow)
+        text += ",\n      \"flow\": " + json::quoted(keyOf(*endpoint.flow));
     Line volume;
     addMute(volume, endpoint.isMuted);
     if (endpoint.master)
@@ -87,7 +88,8 @@ std::string textOf(const Settings::EndpointSetting& endpoint)
     addChannels(volume, endpoint.channels);
     if (!volume.isEmpty())
         text += ",\n      \"volume\": " + volume.text();
-    return text + linesOf("controls", endpoint.controls) + linesOf("selectors", endpoint.selectors) + "\n    }";
+    return text + linesOf("controls", endpoint.controls) + linesOf("selectors", endpoint.selectors) +
+           ",\n      \"reference\": " + json::quoted(endpoint.reference) + "\n    }";
 }
 }
 
@@ -98,7 +100,7 @@ std::string write(const Settings& settings)
         endpoints += (endpoints.empty() ? "\n" : ",\n") + textOf(endpoint);
     if (!endpoints.empty())
         endpoints += "\n  ";
-    return "{\n  \"settingsVersion\": " + std::to_string(version) + ",\n  \"unit\": \"" + unit +
-           "\",\n  \"endpoints\": [" + endpoints + "]\n}\n";
+    return "{\n  \"settingsVersion\": " + std::to_string(version) + ",\n  \"comment\": " + json::quoted(comment) +
+           ",\n  \"unit\": \"" + unit + "\",\n  \"endpoints\": [" + endpoints + "]\n}\n";
 }
 }

@@ -12,7 +12,6 @@ namespace
 {
 constexpr const char* replacement = "\xEF\xBF\xBD";
 constexpr const char* ellipsis = "\xE2\x80\xA6";
-constexpr std::size_t longestQuote = 100;
 
 struct Range
 {
@@ -97,18 +96,6 @@ std::size_t widthOf(const Character& character)
     if (isIn(combiningCharacters, *character.value))
         return 0;
     return isIn(wideCharacters, *character.value) ? 2 : 1;
-}
-
-std::size_t widthOf(std::string_view text)
-{
-    std::size_t width = 0;
-    for (std::size_t position = 0; position < text.size();)
-    {
-        const Character character = characterAt(text, position);
-        width += widthOf(character);
-        position += character.bytes.size();
-    }
-    return width;
 }
 
 std::string hexDigits(std::uint32_t number, std::size_t digits)
@@ -197,14 +184,33 @@ std::string printable(std::string_view text)
     return withReplacements(text, [](const Character&) { return replacement; });
 }
 
+std::string escaped(std::string_view text)
+{
+    return withReplacements(text, escapeOf);
+}
+
 std::string quoted(std::string_view text)
 {
-    return "\"" + shortened(withReplacements(text, escapeOf), longestQuote) + "\"";
+    return "\"" + shortened(escaped(text), longestQuote) + "\"";
+}
+
+std::size_t displayWidth(std::string_view text)
+{
+    const auto isAscii = [](char byte) { return static_cast<unsigned char>(byte) < 0x80; };
+    const auto start = std::find_if_not(text.begin(), text.end(), isAscii); // each byte before it takes one column
+    auto width = static_cast<std::size_t>(start - text.begin());
+    for (std::size_t position = width; position < text.size();)
+    {
+        const Character character = characterAt(text, position);
+        width += widthOf(character);
+        position += character.bytes.size();
+    }
+    return width;
 }
 
 std::string shortened(const std::string& text, std::size_t width)
 {
-    if (widthOf(text) <= width)
+    if (displayWidth(text) <= width)
         return text;
     if (width == 0)
         return {};

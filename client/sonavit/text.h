@@ -37,9 +37,18 @@ std::string enumeration(const std::vector<std::string>& texts);
 /// direction of text, so that a name can neither break a line nor control a terminal.
 std::string printable(std::string_view text);
 
-/// @p text between quotation marks, with an escape sequence (\n, \x1B, \u202E) for what printable() replaces; cut after
-/// 100 columns: for messages that repeat what the caller wrote.
+/// @p text with an escape sequence (\n, \x1B, \u202E) for what printable() replaces. A backslash in @p text stays as it
+/// is.
+std::string escaped(std::string_view text);
+
+/// Columns that quoted() gives a string at most.
+inline constexpr std::size_t longestQuote = 100;
+
+/// escaped() between quotation marks, cut after longestQuote columns: for messages that repeat what the caller wrote.
 std::string quoted(std::string_view text);
+
+/// The columns that @p text takes on a terminal: two for wide East Asian characters, none for combining ones.
+std::size_t displayWidth(std::string_view text);
 
 /// @p text if it fits into @p width columns of a terminal, otherwise its beginning and an ellipsis.
 std::string shortened(const std::string& text, std::size_t width);

@@ -1,10 +1,9 @@
 #include "simulator/machine/file/machinefile.h"
 #include "tests/client/changing/supportchanges.h"
+#include "tests/client/changing/supportsettings.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <functional>
-#include <memory>
 
 namespace
 {
@@ -13,105 +12,8 @@ using support::setters;
 using testing::Each;
 using testing::IsEmpty;
 using Outcome = RestoredSetting::Outcome;
-
-/// Saves the settings of a machine, and restores them.
-class SystemRestore : public support::ClientTest
-{
-protected:
-    void TearDown() override
-    {
-        m_system.reset();
-        ClientTest::TearDown();
-    }
-
-    System& start(sim::Machine machine)
-    {
-        play(std::move(machine));
-        m_system = std::make_unique<System>(options());
-        return *m_system;
-    }
-
-    /// Restores on another machine, as after a restart.
-    RestoreReport restoreAfter(const Settings& settings, const std::function<void(sim::Machine&)>& change)
-    {
-        m_system.reset();
-        simulation().change(change);
-        m_system = std::make_unique<System>(options());
-        return m_system->restore(settings).value();
-    }
-
-    static std::vector<Outcome> outcomes(const RestoreReport& report)
-    {
-        std::vector<Outcome> result;
-        for (const RestoredSetting& setting : report.settings)
-            result.push_back(setting.outcome);
-        return result;
-    }
-
-    static std::string described(const RestoreReport& report)
-    {
-        std::string text;
-        for (const RestoredSetting& setting : report.settings)
-            text += setting.what + " " + keyOf(setting.outcome) +
-                    (setting.problem ? " (" + setting.problem->sentence() + ")\n" : "\n");
-        return text;
-    }
-
-    /// Another level, mute and selection everywhere.
-    static void disturb(sim::Machine& machine)
-    {
-        for (sim::Endpoint& endpoint : machine.endpoints)
-        {
-            if (!endpoint.volume)
-                continue;
-            endpoint.volume->muted = !endpoint.volume->muted;
-            for (float& level : endpoint.volume->channels)
-                level = level == endpoint.volume->minimum ? endpoint.volume->maximum : endpoint.volume->minimum;
-        }
-        for (sim::Adapter& adapter : machine.adapters)
-        {
-            if (!adapter.topology)
-                continue;
-            for (sim::Subunit& part : adapter.topology->subunits)
-                disturb(part);
-        }
-    }
-
-    static void disturb(sim::Part& part)
-    {
-        if (part.mute)
-            part.mute->muted = !part.mute->muted;
-        if (part.selector)
-            part.selector->selection = 0;
-        if (!part.volume)
-            return;
-        for (sim::ChannelLevel& channel : part.volume->channels)
-            channel.level = channel.level == channel.minimum ? channel.maximum : channel.minimum;
-    }
-
-    std::unique_ptr<System> m_system;
-};
-
-/// Speakers with a hardware level and a microphone, both at levels of their own.
-class SystemRestoreOfDesk : public SystemRestore
-{
-protected:
-    System& startDesk()
-    {
-        sim::MachineBuilder builder;
-        sim::CardBuilder card = builder.card("Analog Audio");
-        sim::EndpointBuilder speakers = card.speaker();
-        speakers.volume(support::volumeOf(-60.0f, 0.0f, 1.0f, {-30.0f, -20.0f}));
-        sim::EndpointBuilder microphone = card.microphone();
-        microphone.level(-10.5f).muted().hardwareVolume({0.0f, 30.0f, 10.0f, 20.0f}).hardwareMute();
-        m_speakers = EndpointId(speakers.id());
-        m_microphone = EndpointId(microphone.id());
-        return start(builder.build());
-    }
-
-    EndpointId m_speakers;
-    EndpointId m_microphone;
-};
+using SystemRestore = support::SettingsTest;
+using SystemRestoreOfDesk = support::SettingsOfDeskTest;
 
 /// The shipped machines with hardware of many kinds.
 class SystemRestoreOfMachine : public SystemRestore, public testing::WithParamInterface<const char*>
@@ -172,7 +74,6 @@ TEST_F(SystemRestoreOfDesk, SavesChannelsMutesAndControls)
     const Settings::EndpointSetting& speakers = settings.endpoints[0];
     EXPECT_EQ(speakers.name, "Speakers (Analog Audio)");
     EXPECT_THAT(speakers.channels, testing::ElementsAre(Decibels(-30), Decibels(-20)));
-    EXPECT_EQ(speakers.master, Decibels(-20));
     EXPECT_EQ(speakers.isMuted, false);
     const Settings::EndpointSetting& microphone = settings.endpoints[1];
     EXPECT_EQ(microphone.isMuted, true);
@@ -203,11 +104,11 @@ TEST_F(SystemRestoreOfDesk, GoesOnAfterEachCallThatIsRefused)
 {
     System& system = startDesk();
     const Settings settings = system.settings().value();
-    // A control's channels are counted once by the search for it.
+    // A control's channels are counted once by the search for it, and those of both endpoints once after the controls.
     for (const auto& [operation, call] :
          std::vector<std::pair<std::string, unsigned>>{{"IAudioEndpointVolume::SetChannelVolumeLevel", 1},
                                                        {"IAudioEndpointVolume::SetMute", 1},
-                                                       {"IAudioEndpointVolume::GetChannelCount", 1},
+                                                       {"IAudioEndpointVolume::GetChannelCount", 3},
                                                        {"IAudioVolumeLevel::SetLevelAllChannels", 1},
                                                        {"IAudioVolumeLevel::GetChannelCount", 2},
                                                        {"IAudioMute::SetMute", 1}})
@@ -393,6 +294,25 @@ TEST_F(SystemRestore, FindsASelectorAndAnInputByTheirNames)
         for (const Selector& selector : system.selectors(card.id()).value())
             EXPECT_NE(selector.selected(), nullptr) << selector.title();
     }
+}
+
+/// A driver may number its inputs anew, and a person changes the name.
+TEST_F(SystemRestore, FindsAnInputByItsNameBeforeItsNumber)
+{
+    System& system = start(sim::findMachine("studio"));
+    const Selector before = system.select("Auxiliary Source", "Combo 3").value();
+    Settings settings = system.settings().value();
+    for (Settings::EndpointSetting& endpoint : settings.endpoints)
+    {
+        for (Settings::SelectorSetting& selector : endpoint.selectors)
+            selector.inputName = before.inputs.at(1).title();
+    }
+    ASSERT_NE(before.inputs.at(1).number, before.selection);
+
+    const RestoreReport report = system.restore(settings).value();
+
+    EXPECT_TRUE(report.isComplete()) << described(report);
+    EXPECT_EQ(system.selectors(system.snapshot().cards().at(0).id())->at(0).selection, before.inputs.at(1).number);
 }
 
 TEST_F(SystemRestore, LeavesASelectorAloneThatHadNoInput)

@@ -108,6 +108,20 @@ TEST(ReferenceText, HasAtMost512Characters)
     EXPECT_EQ(resolve(snapshot, reference).kind, Resolution::Kind::exact);
 }
 
+TEST(ReferenceText, HasExactly512CharactersAtTheLongest)
+{
+    const auto withBytes = [](std::size_t count) // of all fields
+    {
+        std::string fields = outputField + field(2, "b.id") + field(98, std::string(200, 'x'));
+        return textWith(fields + field(99, std::string(count - fields.size() - 2, 'y')));
+    };
+
+    EXPECT_EQ(withBytes(376).size(), 512u);
+    EXPECT_EQ(refusalOf(withBytes(376)), "accepted");
+    EXPECT_EQ(withBytes(377).size(), 513u);
+    EXPECT_EQ(refusalOf(withBytes(377)), "a reference has at most 512 characters");
+}
+
 TEST(ReferenceText, DistinguishesLongIdsThatDifferAtTheirEnd)
 {
     const auto with = [](const std::string& end)
@@ -152,6 +166,8 @@ TEST(ReferenceText, IsRefusedWithAReason)
     EXPECT_THAT(refusalOf("snv1:AA+/"), HasSubstr("A-Z, a-z, 0-9, - and _"));
     EXPECT_THAT(refusalOf("snv1:A A"), HasSubstr("A-Z, a-z, 0-9, - and _"));
     EXPECT_EQ(refusalOf("snv1:AAAAAAAA"), "the reference is incomplete or was changed");
+    EXPECT_EQ(refusalOf("snv1:AAAAA"), "the reference is incomplete or was changed"); // the last character is missing
+    EXPECT_EQ(refusalOf("snv1:AAAAAB"), "the reference is incomplete or was changed");
     EXPECT_EQ(refusalOf("snv1:" + std::string(508, 'A')), "a reference has at most 512 characters");
     EXPECT_EQ(refusalOf("snv1:" + std::string(10000000, 'A')), "a reference has at most 512 characters");
 }

@@ -69,6 +69,20 @@ TEST(ClientTextQuoted, EscapesAndCuts)
     EXPECT_EQ("\"" + std::string(99, 'x') + "\xE2\x80\xA6\"", text::quoted(std::string(101, 'x')));
 }
 
+TEST(ClientTextEscaped, IsNeitherCutNorQuoted)
+{
+    EXPECT_EQ("a\\n\\x7F\\u2028" + std::string(200, 'x'), text::escaped("a\n\x7F\xE2\x80\xA8" + std::string(200, 'x')));
+}
+
+TEST(ClientTextDisplayWidth, IsThatOfATerminal)
+{
+    EXPECT_EQ(0u, text::displayWidth(""));
+    EXPECT_EQ(3u, text::displayWidth("abc"));
+    EXPECT_EQ(5u, text::displayWidth("a\xE9\x9F\xB3\xE9\x9F\xB3")); // two columns each
+    EXPECT_EQ(1u, text::displayWidth("e\xCC\x81"));                 // combined
+    EXPECT_EQ(2u, text::displayWidth("a\xFF"));                     // no UTF-8
+}
+
 TEST(ClientTextShortened, CountsTheColumnsOfATerminal)
 {
     EXPECT_EQ("abc", text::shortened("abc", 3));

@@ -1,7 +1,9 @@
-/// Strings as the program shows them: UTF-8, one line each, and numbers with their units.
+/// Strings as the program shows them: UTF-8, one line each, and numbers with their units. What the client layer's
+/// messages need too is that layer's.
 #pragma once
 
 #include "qor/string.h"
+#include "sonavit/text.h"
 
 #include <cstddef>
 #include <optional>
@@ -11,31 +13,22 @@
 
 namespace sonavit::program
 {
-/// Shown in place of a value that cannot be read.
-inline constexpr const char* nothing = "-";
-
-/// Columns that inQuotes() gives a string at most.
-inline constexpr std::size_t longestQuote = 100;
+using text::counted;
+using text::displayWidth;
+using text::enumeration;
+using text::equalNoCase;
+using text::escaped;
+using text::longestQuote;
+using text::lowerCase;
+using text::nothing;
+using text::printable;
+using text::shortened;
 
 /// No value for the empty string, which is what the library keeps if the platform has no such string.
 std::optional<std::string> textOrNothing(const qor::String& text);
 
-/// @p text with U+FFFD for each byte that is not UTF-8 and for each control character, so that a name can neither break
-/// a line nor control a terminal.
-std::string printable(std::string_view text);
-
-/// @p text with an escape sequence (\n, \x1B, \u202E) for what printable() replaces. A backslash in @p text stays as it
-/// is.
-std::string escaped(std::string_view text);
-
-/// escaped() between quotation marks, cut after longestQuote columns: for messages that repeat what the user wrote.
+/// text::quoted(), under the name that sets it apart from the quotation marks of JSON.
 std::string inQuotes(std::string_view text);
-
-/// The columns that @p text takes on a terminal: two for wide East Asian characters, none for combining ones.
-std::size_t displayWidth(std::string_view text);
-
-/// @p text if it fits into @p width columns, otherwise its beginning and an ellipsis.
-std::string shortened(const std::string& text, std::size_t width);
 
 /// @p text in lines of at most @p width columns, broken at blanks; a longer word gets a line of its own. 0 for no
 /// limit.
@@ -45,9 +38,7 @@ std::vector<std::string> wrapped(const std::string& text, std::size_t width);
 std::string padded(const std::string& text, std::size_t width);
 std::string paddedLeft(const std::string& text, std::size_t width);
 
-/// These fold the letters A to Z alone, as the platform does with ids.
-std::string lowerCase(std::string_view text);
-bool equalNoCase(std::string_view left, std::string_view right);
+/// Folds the letters A to Z alone, as the platform does with ids.
 bool containsNoCase(std::string_view text, std::string_view piece);
 
 /// "72%", "-18.00 dB", or "-".
@@ -56,10 +47,4 @@ std::string decibelText(const std::optional<float>& decibels);
 
 /// "-18.00", and never "-0.00".
 std::string decimalText(float value, int decimals);
-
-/// "1 card", "3 cards".
-std::string counted(std::size_t count, const std::string& noun);
-
-/// "a, b and c".
-std::string enumeration(const std::vector<std::string>& texts);
 }
