@@ -18,9 +18,10 @@ namespace
 struct Step
 {
     template<class Action>
-    Step(Action does, std::size_t shows = 1, std::string text = {}) : action(does),
-                                                                      lines(shows),
-                                                                      text(std::move(text))
+    Step(Action does, std::size_t shows = 1, std::string shown = {})
+        : action(does),
+          lines(shows),
+          text(std::move(shown))
     {
     }
 
