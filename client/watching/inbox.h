@@ -36,18 +36,21 @@ struct Noted
     {
         EndpointId id;
         unsigned announced = announcedNothing;
-        Cause cause; ///< of the change of volume
+        Cause cause;          ///< of the change of volume
+        bool isRetry = false; ///< it was announced earlier, and could not be read then
     };
     struct OfHardware
     {
         std::uint32_t watch = 0;
         Cause cause;
+        bool isRetry = false;
     };
 
     std::vector<OfEndpoint> endpoints;
     std::vector<OfHardware> hardware;
     std::array<bool, 2> defaults = {}; ///< by flow: a default changed
     bool isEverything = false;         ///< more was announced than can be noted
+    bool isRetryOfComputer = false;    ///< the list, the defaults or the numbers could not be read earlier
 
     bool isEmpty() const noexcept
     {

@@ -15,7 +15,6 @@ void append(std::vector<Problem>& all, const std::vector<Problem>& more)
 {
     all.insert(all.end(), more.begin(), more.end());
 }
-
 }
 
 /// Publishes what the reading has changed.
@@ -24,11 +23,12 @@ void Watcher::publishRead()
     const std::vector<EndpointId> changed = std::exchange(m_changed, {});
     const bool isRegrouping = std::exchange(m_isRegrouping, false);
     if (m_enumerator.get() == nullptr)
-        publish(withoutService());
+        publish(withoutService(), m_authors);
     else if (isRegrouping)
-        publish(regrouped());
+        publish(regrouped(), m_authors);
     else
-        publish(patched(changed));
+        publish(patched(changed), m_authors);
+    m_authors = Authors();
 }
 
 Snapshot::Content Watcher::withoutService() const
@@ -96,24 +96,23 @@ void Watcher::patch(Snapshot::Content& content, const EndpointId& changed) const
 }
 
 /// Publishes @p content as the next state if it differs from the newest one.
-void Watcher::publish(Snapshot::Content content)
+void Watcher::publish(Snapshot::Content content, const Authors& authors)
 {
+    judgeHardware();
+    ring(); // a reading that was asked for may have found what has to be tried again, or that the service has gone
     const bool isFirst = m_latest.generation() == 0;
     content.generation = m_latest.generation() + 1;
     content.time = std::chrono::system_clock::now();
     Snapshot next(std::move(content));
     std::vector<Event> events = isFirst ? std::vector<Event>() : difference(m_latest, next);
-    tellCauses(events);
-    m_causes.clear();
-    m_changesByUs.clear();
-    m_hardwareCauses.clear();
+    tellCauses(events, authors);
     if (!isFirst && events.empty())
         return;
     m_hub->publish(next, events);
     m_latest = std::move(next);
 }
 
-void Watcher::tellCauses(std::vector<Event>& events) const
+void Watcher::tellCauses(std::vector<Event>& events, const Authors& authors)
 {
     const auto isOfService = [](const Event& event) { return event.kind == Event::Kind::serviceChanged; };
     const bool isByService = std::any_of(events.begin(), events.end(), isOfService);
@@ -127,17 +126,17 @@ void Watcher::tellCauses(std::vector<Event>& events) const
         };
         if (event.kind == Event::Kind::endpointChanged && event.after)
         {
-            const auto byUs = m_changesByUs.find(event.after->id());
-            const auto cause = m_causes.find(event.after->id());
-            if (byUs != m_changesByUs.end())
+            const auto byUs = authors.endpoints.find(event.after->id());
+            const auto cause = authors.volumes.find(event.after->id());
+            if (byUs != authors.endpoints.end())
                 tell(byUs->second);
-            else if (event.field == EndpointField::volume && cause != m_causes.end())
+            else if (event.field == EndpointField::volume && cause != authors.volumes.end())
                 tell(cause->second);
         }
         if (event.kind == Event::Kind::hardwareChanged)
         {
-            const auto cause = m_hardwareCauses.find(event.card);
-            if (cause != m_hardwareCauses.end())
+            const auto cause = authors.hardware.find(event.card);
+            if (cause != authors.hardware.end())
                 tell(cause->second);
         }
     }
@@ -145,27 +144,34 @@ void Watcher::tellCauses(std::vector<Event>& events) const
 
 void Watcher::publishChange(const EndpointId& endpoint, ChangeToken token)
 {
+    Authors authors;
+    const auto noted = m_authors.volumes.find(endpoint); // by a reading in the middle of which this comes
+    if (noted != m_authors.volumes.end())
+        authors.volumes.insert(*noted);
     if (token == 0)
-        return publish(patched({endpoint}));
+        return publish(patched({endpoint}), authors);
     // What another program did meanwhile is in the reading as well.
-    note(m_changesByUs, endpoint, Cause{Origin::own, {token}, false});
+    note(authors.endpoints, endpoint, Cause{Origin::own, {token}, false});
     if (m_inbox->isChangedByOther(endpoint))
-        note(m_changesByUs, endpoint, Cause{Origin::other, {}, false});
+        note(authors.endpoints, endpoint, Cause{Origin::other, {}, false});
+    if (noted != m_authors.volumes.end())
+        note(authors.endpoints, endpoint, noted->second);
     ChangeToken& published = m_publishedChanges[endpoint];
-    publish(patched({endpoint}));
+    publish(patched({endpoint}), authors);
     published = token;
 }
 
 void Watcher::publishHardwareChange(const CardId& card, ChangeToken token)
 {
     const Cause cause = token == 0 ? Cause() : Cause{Origin::own, {token}, false};
-    const std::vector<EndpointId> changed = readVolumesOf(card, cause);
+    Authors authors;
+    const std::vector<EndpointId> changed = readVolumesOf(card, cause, authors);
     if (const std::optional<std::uint32_t> key = m_watches.keyOf(card))
     {
         m_watches.read(*key);
-        note(m_hardwareCauses, card, cause);
+        note(authors.hardware, card, cause);
         if (m_inbox->isChangedByOther(*key))
-            note(m_hardwareCauses, card, Cause{Origin::other, {}, false});
+            note(authors.hardware, card, Cause{Origin::other, {}, false});
     }
     if (token != 0)
     {
@@ -173,6 +179,6 @@ void Watcher::publishHardwareChange(const CardId& card, ChangeToken token)
         for (const EndpointId& endpoint : changed)
             m_publishedChanges[endpoint] = token;
     }
-    publish(patched(changed));
+    publish(patched(changed), authors);
 }
 }

@@ -53,8 +53,7 @@ void Watcher::judge(const std::vector<Problem>& problems) noexcept
 void Watcher::doubtService() noexcept
 {
     m_isServiceDoubted = true;
-    std::unique_lock<std::mutex> lock(m_worker->alarm()->mutex);
-    m_worker->alarm()->ring(std::move(lock));
+    ring();
 }
 
 /// Makes a new enumerator; without success, m_serviceProblem says why.
@@ -117,6 +116,7 @@ void Watcher::loseService(const Problem& problem)
     m_serviceProblem = problem;
     m_service = watching::isOfService(problem) ? Service::stopped : Service::running;
     m_retries.clear();
+    m_hardwareRetries.clear();
     m_isServiceDoubted = false;
     m_registrationProblem.reset();
     dropObjects();

@@ -70,6 +70,11 @@ void Watcher::end() noexcept
 void Watcher::endSoon() noexcept
 {
     m_isToEnd = true;
+    ring();
+}
+
+void Watcher::ring() const noexcept
+{
     std::unique_lock<std::mutex> lock(m_worker->alarm()->mutex);
     m_worker->alarm()->ring(std::move(lock));
 }
@@ -123,8 +128,7 @@ Result<std::shared_ptr<reading::HardwareWalk>> Watcher::recentWalk(const std::st
     if (!made)
         return made;
     m_recentWalk.keep(card, *made, now);
-    std::unique_lock<std::mutex> lock(m_worker->alarm()->mutex);
-    m_worker->alarm()->ring(std::move(lock)); // step() learns when it has to be released
+    ring(); // step() tells the worker when it has to be released
     return made;
 }
 
@@ -138,7 +142,7 @@ Result<std::uint64_t> Watcher::watch(const CardId& id)
     {
         if (m_enumerator.get() != nullptr)
             m_watches.follow(*m_enumerator, m_latest.cards());
-        publish(patched({}));
+        publish(patched({}), {});
     }
     catch (...)
     {
@@ -153,7 +157,7 @@ void Watcher::unwatch(std::uint64_t number) noexcept
     m_watches.end(number);
     try
     {
-        publish(patched({}));
+        publish(patched({}), {});
     }
     catch (...)
     {

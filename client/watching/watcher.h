@@ -9,6 +9,7 @@
 #include "client/watching/inbox.h"
 #include "client/watching/recentwalk.h"
 #include "client/watching/registrations.h"
+#include "client/watching/retries.h"
 #include "client/watching/watches.h"
 #include "client/worker/worker.h"
 #include "sonavit/result.h"
@@ -96,24 +97,30 @@ public:
     void cancelAtEnd(std::uint64_t number);
 
 private:
-    struct Retry
+    /// Who caused what a publication tells.
+    struct Authors
     {
-        std::size_t attempts = 0;
-        Clock::Time due = Clock::never;
+        std::map<EndpointId, Cause> volumes;   ///< of changes of volume
+        std::map<EndpointId, Cause> endpoints; ///< of all changes of an endpoint that this System has changed
+        std::map<CardId, Cause> hardware;
     };
 
     // watcher.cpp
     void dropObjects() noexcept;
+    void ring() const noexcept; ///< lets the worker call step(), whose result may have changed
 
-    // keepingup.cpp: what is read when
+    // keepingup.cpp: when something is read
     void keepUp(Clock::Time now);
     Clock::Time nextDue() const noexcept;
-    void takeDueRetries(Clock::Time now, Noted& noted);
+    void noteRetries(Clock::Time now, bool areAll, Noted& noted);
+
+    // noted.cpp: what is read
     void read(const Noted& noted);
     void readParts(const Noted& noted);
+    void letChangesPass();
     void noteCause(const Noted::OfEndpoint& noted);
     void readHardware(const Noted::OfHardware& noted);
-    std::vector<EndpointId> readVolumesOf(const CardId& card, const Cause& cause);
+    std::vector<EndpointId> readVolumesOf(const CardId& card, const Cause& cause, Authors& authors);
     void readEverything();
     std::optional<std::vector<std::size_t>> readList();
     void keepUnlisted(std::vector<reading::EndpointReading>& listed) const;
@@ -121,10 +128,13 @@ private:
     std::optional<Flow> readNoted(const Noted::OfEndpoint& noted);
     void readWaveIds(const std::array<bool, 2>& flows);
     bool readDefaults();
+
+    // judging.cpp: what has to be tried again
     void judgeAbsence(const Noted::OfEndpoint& noted);
-    void judgeComputer();
-    void judgeReading(std::size_t index, const std::vector<EndpointProblem>& former);
-    void retryLater(const EndpointId& id);
+    void judgeComputer(const Noted& noted);
+    void judgeReading(std::size_t index, const std::vector<EndpointProblem>& former,
+                      unsigned announced = announcedNothing);
+    void judgeHardware();
 
     // service.cpp: the audio service
     void connect();
@@ -141,8 +151,8 @@ private:
     Snapshot::Content patched(const std::vector<EndpointId>& changed) const;
     void patch(Snapshot::Content& content, const EndpointId& changed) const;
     Snapshot::Content withoutService() const;
-    void publish(Snapshot::Content content);
-    void tellCauses(std::vector<Event>& events) const;
+    void publish(Snapshot::Content content, const Authors& authors);
+    static void tellCauses(std::vector<Event>& events, const Authors& authors);
 
     const std::shared_ptr<worker::Worker> m_worker;
     const std::shared_ptr<Hub> m_hub;
@@ -164,16 +174,15 @@ private:
     std::atomic<bool> m_isToEnd{false};
 
     // What the reading that runs has changed.
-    std::vector<EndpointId> m_changed;         ///< endpoints that were read, for a publication that keeps the grouping
-    bool m_isRegrouping = false;               ///< the cards have to be put together anew
-    std::map<EndpointId, Cause> m_causes;      ///< of changes of volume
-    std::map<EndpointId, Cause> m_changesByUs; ///< of all changes of an endpoint that this System has changed
-    std::map<CardId, Cause> m_hardwareCauses;
+    std::vector<EndpointId> m_changed; ///< endpoints that were read, for a publication that keeps the grouping
+    bool m_isRegrouping = false;       ///< the cards have to be put together anew
+    Authors m_authors;
     std::map<EndpointId, ChangeToken> m_publishedChanges; ///< the last change by us that was published, by endpoint
     std::map<CardId, ChangeToken> m_publishedHardwareChanges;
 
     Clock::Time m_lastLevels{};
-    std::map<EndpointId, Retry> m_retries;
+    Retries<EndpointId> m_retries; ///< that of the empty id is for the computer as a whole
+    Retries<CardId> m_hardwareRetries;
     Service m_service = Service::running;
     std::optional<Problem> m_serviceProblem;
     bool m_isServiceDoubted = false; ///< an endpoint has answered as it does without the service

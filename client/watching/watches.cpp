@@ -19,6 +19,24 @@ std::string endpointsOf(const Card& card)
     }
     return text;
 }
+
+void append(std::vector<Problem>& all, const std::vector<Problem>& more)
+{
+    all.insert(all.end(), more.begin(), more.end());
+}
+
+std::vector<Problem> problemsOf(const Hardware& hardware)
+{
+    std::vector<Problem> problems = hardware.problems;
+    for (const Hardware::EndpointControls& endpoint : hardware.controls)
+    {
+        for (const Control& control : endpoint.controls)
+            append(problems, control.problems);
+    }
+    for (const Selector& selector : hardware.selectors)
+        append(problems, selector.problems);
+    return problems;
+}
 }
 
 Watches::Watches(std::shared_ptr<Inbox> inbox) : m_inbox(std::move(inbox)) {}
@@ -75,10 +93,13 @@ void Watches::walk(IMMDeviceEnumerator& enumerator, const Card& card, Watched& w
                 Problem::ofCall("IPart::RegisterControlChangeCallback", card.id().text(), registration.result()));
     }
     Hardware hardware = walk->hardware(card.id());
-    hardware.problems.insert(hardware.problems.end(), problems.begin(), problems.end());
+    append(hardware.problems, problems);
+    Reading reading = readingOf(card.id(), hardware, watched.reading);
     std::string endpoints = endpointsOf(card);
     // Nothing below fails.
     watched.release();
+    watched.reading = std::move(reading);
+    watched.isReadingNew = true;
     watched.hardware = std::move(hardware);
     watched.registrationProblems = std::move(problems);
     watched.registrations = std::move(registrations);
@@ -93,17 +114,63 @@ void Watches::distrust() noexcept
         watched.isTrusted = false;
 }
 
-std::optional<CardId> Watches::read(std::uint32_t key)
+Watches::Cards::iterator Watches::find(std::uint32_t key)
 {
     const auto isMeant = [key](const auto& card) { return card.second.key == key; };
-    const auto found = std::find_if(m_cards.begin(), m_cards.end(), isMeant);
+    return std::find_if(m_cards.begin(), m_cards.end(), isMeant);
+}
+
+std::optional<CardId> Watches::read(std::uint32_t key)
+{
+    const auto found = find(key);
     if (found == m_cards.end() || found->second.walk == nullptr)
         return std::nullopt;
     Watched& watched = found->second;
-    watched.hardware = watched.walk->hardware(found->first);
-    watched.hardware->problems.insert(watched.hardware->problems.end(), watched.registrationProblems.begin(),
-                                      watched.registrationProblems.end());
+    Hardware hardware = watched.walk->hardware(found->first);
+    append(hardware.problems, watched.registrationProblems);
+    watched.reading = readingOf(found->first, hardware, watched.reading);
+    watched.isReadingNew = true;
+    watched.hardware = std::move(hardware);
     return found->first;
+}
+
+std::optional<CardId> Watches::readAgain(std::uint32_t key, IMMDeviceEnumerator& enumerator,
+                                         const std::vector<Card>& cards)
+{
+    const auto found = find(key);
+    if (found == m_cards.end())
+        return std::nullopt;
+    Watched& watched = found->second;
+    if (watched.walk != nullptr && !watched.walk->hasFailures() && watched.registrationProblems.empty())
+        return read(key);
+    const auto isMeant = [&](const Card& card) { return card.id() == found->first; };
+    const auto card = std::find_if(cards.begin(), cards.end(), isMeant);
+    if (card == cards.end())
+        return std::nullopt;
+    walk(enumerator, *card, watched);
+    return found->first;
+}
+
+Watches::Reading Watches::readingOf(const CardId& card, const Hardware& hardware, const Reading& former)
+{
+    Reading reading{card, problemsOf(hardware), false};
+    const auto isNew = [&](const Problem& problem)
+    { return std::find(former.problems.begin(), former.problems.end(), problem) == former.problems.end(); };
+    reading.areNew = std::any_of(reading.problems.begin(), reading.problems.end(), isNew);
+    return reading;
+}
+
+std::vector<Watches::Reading> Watches::takeReadings()
+{
+    std::vector<Reading> readings;
+    for (auto& [id, watched] : m_cards)
+    {
+        if (watched.isReadingNew)
+            readings.push_back(watched.reading);
+    }
+    for (auto& [id, watched] : m_cards)
+        watched.isReadingNew = false;
+    return readings;
 }
 
 std::optional<std::uint32_t> Watches::keyOf(const CardId& card) const
@@ -137,5 +204,7 @@ void Watches::Watched::release() noexcept
     registrations.clear();
     walk.reset();
     hardware.reset();
+    reading.problems.clear();
+    isReadingNew = false;
 }
 }

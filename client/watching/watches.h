@@ -32,6 +32,18 @@ public:
     void distrust() noexcept;
     /// Reads the hardware of one card anew. @return the card; no value if it is not watched or not there
     std::optional<CardId> read(std::uint32_t key);
+    /// The same after a reading that has failed, with a new walk if the last one or a registration was incomplete.
+    std::optional<CardId> readAgain(std::uint32_t key, IMMDeviceEnumerator& enumerator, const std::vector<Card>& cards);
+    /// What could not be read of a card.
+    struct Reading
+    {
+        CardId card;
+        std::vector<Problem> problems;
+        bool areNew = false; ///< the reading before did not have all of them
+    };
+
+    /// The last reading of each card that was read since the last question.
+    std::vector<Reading> takeReadings();
     std::optional<std::uint32_t> keyOf(const CardId& card) const;
     /// What was read last, in the order of @p cards.
     std::vector<Hardware> hardware(const std::vector<Card>& cards) const;
@@ -49,14 +61,20 @@ private:
         std::vector<ControlRegistration> registrations;
         std::vector<Problem> registrationProblems;
         std::optional<Hardware> hardware;
+        Reading reading;           ///< of hardware
+        bool isReadingNew = false; ///< takeReadings() has not returned it yet
 
         void release() noexcept;
     };
 
+    using Cards = std::map<CardId, Watched>;
+
+    Cards::iterator find(std::uint32_t key);
+    static Reading readingOf(const CardId& card, const Hardware& hardware, const Reading& former);
     void walk(IMMDeviceEnumerator& enumerator, const Card& card, Watched& watched);
 
     const std::shared_ptr<Inbox> m_inbox;
-    std::map<CardId, Watched> m_cards;
+    Cards m_cards;
     std::uint64_t m_lastNumber = 0;
     std::uint32_t m_lastKey = 0;
 };

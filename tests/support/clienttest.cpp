@@ -3,6 +3,7 @@
 #include "client/reading/endpointreading.h"
 #include "simulator/machine/file/machinefile.h"
 
+#include <chrono>
 #include <utility>
 
 namespace support
@@ -66,6 +67,7 @@ sim::Simulation& ClientTest::play(sim::Machine machine)
 sonavit::System::Options ClientTest::options()
 {
     sonavit::System::Options options;
+    options.patience = std::chrono::minutes(10); // a busy computer must not change what a test sees
     options.onWorkerStart = [this] { static_cast<void>(m_simulation->registerOnThisThread()); };
     return options;
 }

@@ -50,7 +50,8 @@ protected:
     sim::Simulation& play(sim::Machine machine);
     sim::Simulation& simulation() { return *m_simulation; }
 
-    /// Options with which the worker meets the machine on Windows, too. Each System of a test begins with them.
+    /// Options with which the worker meets the machine on Windows, too, and which wait long. Each System of a test
+    /// begins with them.
     sonavit::System::Options options();
 
 private:

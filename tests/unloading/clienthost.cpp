@@ -62,6 +62,9 @@ public:
     {
         const auto answerLate = [this]
         {
+            if (m_asker == nullptr)
+                DuplicateHandle(GetCurrentProcess(), GetCurrentThread(), GetCurrentProcess(), &m_asker, SYNCHRONIZE,
+                                FALSE, 0);
             SetEvent(m_isAsked);
             WaitForSingleObject(m_answers, INFINITE);
         };
@@ -71,6 +74,10 @@ public:
     }
 
     void answer() { SetEvent(m_answers); }
+
+    /// Waits for the end of the thread that was not answered. It ends after its library, and would end the process if
+    /// it had to return into that.
+    void waitForTheEndOfTheAsker() const { WaitForSingleObject(m_asker, INFINITE); }
 
 private:
     [[noreturn]] void makeEvents()
@@ -84,6 +91,7 @@ private:
     }
 
     sim::Simulation& m_simulation;
+    HANDLE m_asker = nullptr;
     HANDLE m_isAsked = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     HANDLE m_answers = CreateEventW(nullptr, TRUE, FALSE, nullptr);
 };
@@ -180,6 +188,7 @@ void endBy(const std::string& machine, const std::string& end, Platform& platfor
     {
         platform.answer();
         waitForTheEndOfTheLibrary();
+        platform.waitForTheEndOfTheAsker();
     }
 }
 }

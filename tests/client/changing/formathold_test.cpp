@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <future>
 #include <memory>
 #include <optional>
 #include <thread>
@@ -71,6 +72,8 @@ TEST_F(FormatHoldEnd, DoesNothingTheSecondTime)
 {
     Result<FormatHold> hold = m_system->holdFormat(m_id, wanted);
     ASSERT_TRUE(hold->end());
+    simulation().events().waitForClients();
+    ASSERT_TRUE(m_system->refresh()); // what was announced is read before
     simulation().journal().clear();
 
     EXPECT_TRUE(hold->end());
@@ -185,12 +188,15 @@ TEST_F(FormatHoldEnd, LeavesNothingHeldIfTheCallerHasStoppedWaiting)
     m_system.reset();
     System::Options impatient = options();
     impatient.patience = std::chrono::milliseconds(0);
+    std::promise<void> goOn;
+    simulation().faults().run("CoCreateInstance", [&] { goOn.get_future().wait(); }).at(1);
     {
         System system(impatient);
 
         const Result<FormatHold> hold = system.holdFormat(m_id, wanted);
 
         EXPECT_EQ(hold.problem().kind(), Problem::Kind::noAnswer);
+        goOn.set_value();
         while (simulation().journal().count("IPropertyStore::Commit") < 2)
             std::this_thread::yield();
         EXPECT_EQ(stored(), before);

@@ -114,6 +114,8 @@ TEST_F(SystemRestoreOfDesk, GoesOnAfterEachCallThatIsRefused)
                                                        {"IAudioMute::SetMute", 1}})
     {
         SCOPED_TRACE(operation);
+        simulation().events().waitForClients();
+        ASSERT_TRUE(system.refresh()); // so that no reading of what was announced meets the fault
         simulation().change([](sim::Machine& machine) { disturb(machine); });
         simulation().faults().fail(operation, E_ACCESSDENIED).at(call);
 

@@ -283,6 +283,94 @@ TEST_F(SystemSubscribe, GivesUpAfterTheLastTry)
     EXPECT_EQ(7u, fault.fired());
 }
 
+TEST_F(SystemSubscribe, TriesAgainWhatARefreshCouldNotRead)
+{
+    watch("desktop");
+    const EndpointId id(endpoint());
+    simulation().faults().fail("IMMDevice::GetState", E_NOTFOUND).on(id.text());
+    ASSERT_TRUE(audio().refresh(Depth::everything));
+    ASSERT_FALSE(audio().endpoint(id)->problems().empty());
+    simulation().faults().clear();
+
+    advance(250ms);
+
+    EXPECT_THAT(audio().endpoint(id)->problems(), IsEmpty());
+}
+
+TEST_F(SystemSubscribe, SpendsNoTryOnARefresh)
+{
+    watch("desktop");
+    const std::string id = endpoint();
+    sim::PlannedFault fault = simulation().faults().fail("IMMDevice::GetState", E_NOTFOUND).on(id);
+    simulation().events().setState(id, DEVICE_STATE_DISABLED);
+    advance(50ms);
+
+    for (int count = 0; count < 20; ++count)
+        ASSERT_TRUE(audio().refresh());
+    EXPECT_EQ(21u, fault.fired());
+    for (const auto pause : {250ms, 500ms, 1000ms, 2000ms, 4000ms})
+        advance(pause);
+    EXPECT_EQ(26u, fault.fired());
+    simulation().faults().clear();
+    advance(8s);
+
+    EXPECT_EQ(State::disabled, audio().endpoint(EndpointId(id))->state());
+}
+
+TEST_F(SystemSubscribe, TriesForItsWholeTimeAfterTheLastOfManyAnnouncements)
+{
+    watch("desktop");
+    const std::string id = endpoint();
+    simulation().faults().fail("IMMDevice::GetState", E_NOTFOUND).on(id);
+    simulation().events().setState(id, DEVICE_STATE_DISABLED);
+    advance(50ms);
+
+    for (int count = 0; count < 20; ++count)
+    {
+        simulation().events().announceProperty(id, PKEY_Device_DeviceDesc);
+        advance(50ms);
+    }
+    for (const auto pause : {250ms, 500ms, 1000ms, 2000ms, 4000ms})
+        advance(pause);
+    simulation().faults().clear();
+    advance(8s);
+
+    EXPECT_EQ(State::disabled, audio().endpoint(EndpointId(id))->state());
+}
+
+TEST_F(SystemSubscribe, TriesAgainWhatIsAnnouncedOnceMoreAfterTheLastTry)
+{
+    watch("desktop");
+    const std::string id = endpoint();
+    simulation().faults().fail("IMMDevice::GetState", E_NOTFOUND).on(id);
+    simulation().events().setState(id, DEVICE_STATE_DISABLED);
+    for (int count = 0; count < 20; ++count)
+        advance(10s);
+
+    simulation().events().announceState(id, DEVICE_STATE_DISABLED);
+    advance(50ms);
+    simulation().faults().clear();
+    advance(250ms);
+
+    EXPECT_EQ(State::disabled, audio().endpoint(EndpointId(id))->state());
+}
+
+TEST_F(SystemSubscribe, MakesNoTryForAnEndpointThatWasRemoved)
+{
+    watch("desktop");
+    const std::string id = endpoint();
+    simulation().faults().fail("IMMDevice::GetState", E_NOTFOUND).on(id);
+    simulation().events().setState(id, DEVICE_STATE_DISABLED);
+    advance(50ms);
+    simulation().events().remove(id);
+    advance(50ms);
+    callsSince();
+
+    advance(20s);
+
+    EXPECT_EQ(0u, callsSince());
+}
+
 TEST_F(SystemSubscribe, MakesNoCallToThePlatformInACallback)
 {
     watch("desktop");

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <future>
 #include <string>
 #include <vector>
 
@@ -90,6 +91,38 @@ TEST_F(EventOrigin, IsOtherIfTheOwnChangeWasToldBefore)
     ASSERT_EQ(1u, events.size());
     EXPECT_EQ(Origin::other, events[0].origin);
     EXPECT_THAT(events[0].tokens, IsEmpty());
+}
+
+/// Two other programs' changes are read in one go; in the middle of that this System changes a third endpoint.
+TEST_F(EventOrigin, StaysWithWhatIsReadAroundAnOwnChange)
+{
+    std::vector<EndpointId> ids;
+    for (const Endpoint& endpoint : audio().snapshot().endpoints())
+    {
+        if (endpoint.isActive() && endpoint.volume())
+            ids.push_back(endpoint.id());
+    }
+    ASSERT_LE(3u, ids.size());
+    simulation().events().setVolume(ids[0].text(), -19.0F);
+    settle(); // the next levels are read together, 20 ms later
+    support::Receiver received(audio());
+    std::future<Result<Volume>> changed;
+    simulation()
+        .faults()
+        .run("IAudioEndpointVolume::GetMute", [&] { changed = begin([&] { return audio().toggleMute(ids[2]); }); })
+        .on(ids[0].text())
+        .at(1);
+
+    simulation().events().setVolume(ids[0].text(), -20.0F);
+    simulation().events().setVolume(ids[1].text(), -21.0F);
+    advance(20ms);
+
+    ASSERT_TRUE(changed.valid());
+    ASSERT_TRUE(changed.get());
+    const std::vector<Event> events = received.events();
+    ASSERT_EQ(3u, events.size());
+    for (const Event& event : events)
+        EXPECT_EQ(event.after->id() == ids[2] ? Origin::own : Origin::other, event.origin) << event;
 }
 
 TEST_F(EventOrigin, IsUnknownWhereThePlatformDoesNotSay)

@@ -72,6 +72,19 @@ TEST_F(SystemService, IsLookedForEverySecond)
     }
 }
 
+TEST_F(SystemService, IsLookedForIfARefreshFindsThatItHasStopped)
+{
+    watch("desktop");
+    simulation().faults().fail("IMMDeviceEnumerator::EnumAudioEndpoints", noServer);
+    ASSERT_TRUE(audio().refresh(Depth::everything));
+    ASSERT_EQ(Service::stopped, audio().snapshot().service());
+    startService();
+
+    advance(1s);
+
+    EXPECT_EQ(Service::running, audio().snapshot().service());
+}
+
 TEST_F(SystemService, IsLookedForEvery5SecondsAfterAMinute)
 {
     watch("desktop");

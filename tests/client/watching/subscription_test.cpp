@@ -98,6 +98,7 @@ TEST_F(SubscriptionCalls, EndBeforeTheSubscriptionIsDestroyed)
 {
     System& audio = start();
     std::promise<void> entered;
+    std::atomic<bool> isEnding{false};
     std::atomic<bool> hasLeft{false};
     {
         const Subscription heard = audio.subscribe(
@@ -106,11 +107,15 @@ TEST_F(SubscriptionCalls, EndBeforeTheSubscriptionIsDestroyed)
                 if (!std::exchange(isFirst, false))
                     return;
                 entered.set_value();
-                std::this_thread::yield();
+                while (!isEnding)
+                    std::this_thread::yield();
+                for (int turn = 0; turn < 20; ++turn) // the destructor goes on meanwhile, unless it waits
+                    std::this_thread::yield();
                 hasLeft = true;
             });
         changeSomething();
         entered.get_future().wait();
+        isEnding = true;
     }
 
     EXPECT_TRUE(hasLeft.load());

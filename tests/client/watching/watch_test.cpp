@@ -44,6 +44,30 @@ protected:
         platform->Release();
     }
 
+    std::vector<Control> hardwareControls()
+    {
+        const Hardware hardware = audio().snapshot().hardware(m_card).value();
+        for (const Hardware::EndpointControls& each : hardware.controls)
+        {
+            if (each.endpoint == m_endpoint)
+                return each.controls;
+        }
+        return {};
+    }
+
+    /// What could not be read of the watched card.
+    std::vector<Problem> problems()
+    {
+        const Hardware hardware = audio().snapshot().hardware(m_card).value();
+        std::vector<Problem> all = hardware.problems;
+        for (const Hardware::EndpointControls& each : hardware.controls)
+        {
+            for (const Control& control : each.controls)
+                all.insert(all.end(), control.problems.begin(), control.problems.end());
+        }
+        return all;
+    }
+
     CardId m_card;
     EndpointId m_endpoint;
     ControlId m_control;
@@ -91,6 +115,114 @@ TEST_F(SystemWatch, TellsOfOwnChangesWithTheirToken)
     ASSERT_NE(events.end(), found);
     EXPECT_EQ(Origin::own, found->origin);
     EXPECT_THAT(found->tokens, ElementsAre(changed.token()));
+}
+
+TEST_F(SystemWatch, IsWhatEventsOfTheHardwareNeed)
+{
+    support::Receiver received(audio());
+
+    moveControl(-6);
+    advance(250ms);
+
+    EXPECT_THAT(received.events(), IsEmpty());
+    EXPECT_EQ(0, simulation().census().clients["IControlChangeNotify"]);
+}
+
+TEST_F(SystemWatch, TriesAgainWhatWasAnnouncedAndCannotBeReadYet)
+{
+    const Result<Watch> watch = audio().watch(m_card);
+    ASSERT_THAT(problems(), IsEmpty());
+    const sim::PlannedFault fault = simulation().faults().fail("IAudioVolumeLevel::GetLevel", E_NOTFOUND);
+
+    moveControl(-6);
+    settle();
+
+    EXPECT_THAT(problems(), Not(IsEmpty()));
+    for (const auto pause : {250ms, 500ms, 1000ms, 2000ms, 4000ms})
+    {
+        const auto before = fault.fired();
+        advance(pause - 1ms);
+        EXPECT_EQ(before, fault.fired());
+        advance(1ms);
+        EXPECT_LT(before, fault.fired());
+    }
+    simulation().faults().clear();
+    advance(8s);
+    EXPECT_THAT(problems(), IsEmpty());
+    EXPECT_EQ(*audio().controls(m_endpoint), hardwareControls());
+}
+
+TEST_F(SystemWatch, GivesUpAfterTheLastTry)
+{
+    const Result<Watch> watch = audio().watch(m_card);
+    const sim::PlannedFault fault = simulation().faults().fail("IAudioVolumeLevel::GetLevel", E_NOTFOUND);
+    moveControl(-6);
+    settle();
+    const auto atFirst = fault.fired();
+
+    for (int count = 0; count < 20; ++count)
+        advance(10s);
+
+    EXPECT_EQ(7 * atFirst, fault.fired());
+}
+
+TEST_F(SystemWatch, WalksAgainThroughHardwareThatCannotBeReadYet)
+{
+    simulation().faults().fail("IDeviceTopology::GetConnector", E_NOTFOUND);
+    const Result<Watch> watch = audio().watch(m_card);
+    ASSERT_TRUE(watch);
+    EXPECT_THAT(problems(), Not(IsEmpty()));
+
+    simulation().faults().clear();
+    advance(250ms);
+
+    EXPECT_THAT(problems(), IsEmpty());
+    EXPECT_EQ(*audio().controls(m_endpoint), hardwareControls());
+}
+
+TEST_F(SystemWatch, RegistersAgainIfThatHasFailed)
+{
+    simulation().faults().fail("IPart::RegisterControlChangeCallback", E_OUTOFMEMORY);
+    const Result<Watch> watch = audio().watch(m_card);
+    EXPECT_THAT(problems(), Not(IsEmpty()));
+    simulation().faults().clear();
+    advance(250ms);
+    EXPECT_THAT(problems(), IsEmpty());
+    support::Receiver received(audio());
+
+    moveControl(-6);
+    settle();
+
+    EXPECT_THAT(received.events(), Not(IsEmpty()));
+}
+
+TEST_F(SystemWatch, MakesNoTryAfterItsEnd)
+{
+    Result<Watch> watch = audio().watch(m_card);
+    simulation().faults().fail("IAudioVolumeLevel::GetLevel", E_NOTFOUND);
+    moveControl(-6);
+    settle();
+    watch->stop();
+    settle();
+    callsSince();
+
+    advance(20s);
+
+    EXPECT_EQ(0u, callsSince());
+}
+
+TEST_F(SystemWatch, NoticesTheEndOfTheService)
+{
+    const Result<Watch> watch = audio().watch(m_card);
+    constexpr HRESULT noServer = static_cast<HRESULT>(0x800706BAU);
+    for (const char* const operation :
+         {"CoCreateInstance", "IMMDeviceEnumerator::EnumAudioEndpoints", "IAudioVolumeLevel::GetLevel"})
+        simulation().faults().fail(operation, noServer);
+
+    moveControl(-6);
+    settle();
+
+    EXPECT_EQ(Service::stopped, audio().snapshot().service());
 }
 
 TEST_F(SystemWatch, EndsWithItsLastHolder)

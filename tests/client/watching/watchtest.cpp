@@ -2,6 +2,7 @@
 
 #include "simulator/machine/file/machinefile.h"
 
+#include <mutex>
 #include <utility>
 
 namespace support
@@ -50,6 +51,13 @@ void WatchTest::advance(std::chrono::milliseconds duration)
 {
     clock->advance(duration);
     settle();
+}
+
+bool WatchTest::isChangeWaiting()
+{
+    const auto worker = sonavit::worker::Worker::current();
+    const std::lock_guard<std::mutex> lock(worker->m_alarm->mutex);
+    return !worker->m_changes.empty();
 }
 
 std::size_t WatchTest::callsSince()

@@ -8,9 +8,12 @@
 #include "tests/support/manualclock.h"
 
 #include <chrono>
+#include <future>
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 namespace support
@@ -38,9 +41,22 @@ protected:
     /// Calls of the platform since the last question, without those that only free memory.
     std::size_t callsSince();
 
+    /// Asks for a change on a thread of its own, and returns when it waits for the worker; to be called on the worker,
+    /// in the middle of a reading.
+    template<class Change>
+    static auto begin(Change change)
+    {
+        auto answer = std::async(std::launch::async, std::move(change));
+        while (!isChangeWaiting())
+            std::this_thread::yield();
+        return answer;
+    }
+
     std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
 
 private:
+    static bool isChangeWaiting();
+
     std::unique_ptr<sonavit::System> m_audio;
 };
 

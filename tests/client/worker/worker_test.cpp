@@ -250,6 +250,31 @@ TEST_F(HangingDriver, DoesNotHoldUpTheEndOfTheSystem)
     EXPECT_TRUE(simulation().census().empty()) << simulation().census();
 }
 
+TEST_F(HangingDriver, DoesNotHoldUpASystemThatBeginsAfterTheEndOfTheOneThatWaits)
+{
+    play("desktop");
+    auto audio = std::make_unique<System>(options());
+    const Snapshot whole = audio->snapshot();
+    hang(*audio);
+    const std::shared_ptr<worker::Worker> former = worker::Worker::current();
+    outlast(
+        [&]
+        {
+            audio.reset();
+            return true;
+        });
+
+    {
+        System later(options());
+        EXPECT_EQ(whole, later.snapshot());
+        EXPECT_TRUE(later.refresh(Depth::everything));
+    }
+
+    EXPECT_FALSE(former->m_hasEnded);
+    m_goOn.set_value();
+    former->settle(); // it ends by itself
+}
+
 TEST_F(HangingDriver, GetsNoReadingThatNobodyWaitsForAnyMore)
 {
     play("desktop");

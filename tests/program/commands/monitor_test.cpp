@@ -14,17 +14,20 @@ using testing::IsEmpty;
 
 namespace
 {
-/// Something that happens while the monitor listens, and how many lines it shows at least.
+/// Something that happens while the monitor listens, how many lines it shows at least, and a text in them.
 struct Step
 {
     template<class Action>
-    Step(Action does, std::size_t shows = 1) : action(does),
-                                               lines(shows)
+    Step(Action does, std::size_t shows = 1, std::string shown = {})
+        : action(does),
+          lines(shows),
+          text(std::move(shown))
     {
     }
 
     std::function<void(sim::Events&)> action;
     std::size_t lines;
+    std::string text;
 };
 
 /// The monitor's pauses are where things happen here: each step comes after the lines of the one before, the end comes
@@ -40,12 +43,14 @@ protected:
         support::Observer observer(simulation());
         std::size_t next = 0;
         std::size_t expected = 0;
+        std::string text;
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
         own.pause = [&](std::chrono::milliseconds longest)
         {
             const std::string shown = out.str();
             const auto lines = static_cast<std::size_t>(std::count(shown.begin(), shown.end(), '\n'));
-            if (lines < expected && std::chrono::steady_clock::now() < deadline)
+            const bool isShown = lines >= expected && shown.find(text) != std::string::npos;
+            if (!isShown && std::chrono::steady_clock::now() < deadline)
             {
                 observer.wait(longest);
                 return false;
@@ -54,6 +59,7 @@ protected:
                 return true;
             steps[next].action(simulation().events());
             simulation().events().waitForClients();
+            text = steps[next].text;
             expected += steps[next++].lines;
             return false;
         };
@@ -289,13 +295,16 @@ TEST_F(ProgramMonitor, HearsTheMachinesNotificationThread)
     sim::Simulation& simulation = run(support::smallMachine());
     simulation.deliverAtOnce(false);
 
-    const support::Answer answer = listen({[](sim::Events& events) { events.plug(support::headphonesId()); },
-                                           [](sim::Events& events)
-                                           {
-                                               for (int i = 1; i <= 20; ++i)
-                                                   events.setVolume(support::headphonesId(), static_cast<float>(-i));
-                                           },
-                                           [](sim::Events& events) { events.unplug(support::headphonesId()); }});
+    const support::Answer answer =
+        listen({[](sim::Events& events) { events.plug(support::headphonesId()); },
+                Step(
+                    [](sim::Events& events)
+                    {
+                        for (int i = 1; i <= 20; ++i)
+                            events.setVolume(support::headphonesId(), static_cast<float>(-i));
+                    },
+                    1, "69% (-20.00 dB)"),
+                [](sim::Events& events) { events.unplug(support::headphonesId()); }});
 
     const std::vector<std::string> lines = told(answer);
     ASSERT_LE(3u, lines.size()) << answer.out;
