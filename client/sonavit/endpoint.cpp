@@ -101,7 +101,9 @@ std::optional<Problem> Endpoint::problemWith(EndpointField field) const
         if (one.field == field)
             return one.problem;
     }
-    return std::nullopt;
+    // Of an endpoint whose state is not known, what only some states have was not asked for.
+    const bool needsState = field == EndpointField::jacks || (field == EndpointField::volume && !volume());
+    return needsState && !state() ? problemWith(EndpointField::state) : std::nullopt;
 }
 
 bool operator==(const EndpointProblem& left, const EndpointProblem& right)

@@ -190,7 +190,8 @@ public:
     const std::vector<EndpointProblem>& problems() const& noexcept { return m_content->problems; }
     std::vector<EndpointProblem> problems() && { return m_content->problems; }
     /// Why @p field has no value, or lacks a part of it: the first of its problems. No value if it was read or if the
-    /// endpoint has no such thing. See problems() for the others.
+    /// endpoint has no such thing. Volume and jacks of an endpoint whose state cannot be read are not asked for: they
+    /// have the problem with the state. See problems() for all of them.
     std::optional<Problem> problemWith(EndpointField field) const;
 
 private:

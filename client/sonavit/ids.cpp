@@ -75,28 +75,6 @@ Bytes bytesOf(const Guid& guid)
     std::copy(guid.data4.begin(), guid.data4.end(), bytes.begin() + 8);
     return bytes;
 }
-
-/// A hash of eight bytes at a time, in each of which @p setBits are set.
-inline std::size_t hashBytes(std::string_view text, std::uint64_t setBits) noexcept
-{
-    std::uint64_t hash = text.size();
-    const auto mix = [&](std::uint64_t word)
-    {
-        hash = (hash ^ (word | setBits)) * 0x9E3779B97F4A7C15;
-        hash ^= hash >> 32;
-    };
-    std::uint64_t word = 0;
-    for (; text.size() >= sizeof word; text.remove_prefix(sizeof word))
-    {
-        std::memcpy(&word, text.data(), sizeof word);
-        mix(word);
-    }
-    word = 0;
-    if (!text.empty())
-        std::memcpy(&word, text.data(), text.size());
-    mix(word);
-    return static_cast<std::size_t>(hash);
-}
 }
 
 int compareIds(std::string_view left, std::string_view right) noexcept
@@ -116,11 +94,28 @@ int compareIds(std::string_view left, std::string_view right) noexcept
     return left.size() < right.size() ? -1 : 1;
 }
 
-/// The bit in which upper and lower case differ is set in all characters: that makes some others equal, too, which
-/// costs nothing but a rare collision.
+/// Eight characters at a time. The bit in which upper and lower case differ is set in all characters: that makes some
+/// others equal, too, which costs nothing but a rare collision.
 std::size_t hashId(std::string_view text) noexcept
 {
-    return hashBytes(text, 0x2020202020202020);
+    constexpr std::uint64_t caseBits = 0x2020202020202020;
+    std::uint64_t hash = text.size();
+    const auto mix = [&](std::uint64_t word)
+    {
+        hash = (hash ^ (word | caseBits)) * 0x9E3779B97F4A7C15;
+        hash ^= hash >> 32;
+    };
+    std::uint64_t word = 0;
+    for (; text.size() >= sizeof word; text.remove_prefix(sizeof word))
+    {
+        std::memcpy(&word, text.data(), sizeof word);
+        mix(word);
+    }
+    word = 0;
+    if (!text.empty())
+        std::memcpy(&word, text.data(), text.size());
+    mix(word);
+    return static_cast<std::size_t>(hash);
 }
 
 std::optional<Guid> Guid::parse(std::string_view text)
@@ -158,9 +153,9 @@ bool Guid::isNull() const noexcept
 
 std::size_t hashGuid(const Guid& guid) noexcept
 {
-    std::array<char, sizeof(Guid)> bytes = {};
+    std::array<char, sizeof guid> bytes = {};
     std::memcpy(bytes.data(), static_cast<const void*>(&guid), bytes.size());
-    return hashBytes({bytes.data(), bytes.size()}, 0);
+    return std::hash<std::string_view>()({bytes.data(), bytes.size()});
 }
 
 bool operator==(const Guid& left, const Guid& right) noexcept

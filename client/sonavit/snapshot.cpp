@@ -127,7 +127,8 @@ std::ostream& operator<<(std::ostream& out, const Hardware& hardware)
 {
     text::Fields fields(out, "Hardware");
     fields.add("card", hardware.card.text());
-    fields.add("controls", hardware.controls);
+    for (const Hardware::EndpointControls& one : hardware.controls)
+        fields.add("endpoint", one.endpoint.text()).add("controls", one.controls);
     fields.add("selectors", hardware.selectors).add("problems", hardware.problems);
     return out;
 }
