@@ -45,7 +45,7 @@ public:
     Problem(Kind kind, std::string operation, std::string object, std::string sentence);
 
     Kind kind() const noexcept { return m_kind; }
-    /// The platform call that failed, "IMMDevice::OpenPropertyStore", with an argument if that tells it from others:
+    /// The platform call that failed, "IMMDevice::OpenPropertyStore", with an argument that distinguishes it:
     /// "IPropertyStore::GetValue(deviceFormat)"; otherwise the operation of the layer, "setVolume".
     const std::string& operation() const noexcept { return m_operation; }
     /// The id of the endpoint, card, device or part that it was called on; empty for the computer as a whole.
