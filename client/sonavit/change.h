@@ -16,7 +16,7 @@ namespace sonavit
 {
 inline namespace v1
 {
-/// Who caused a change. The platform says it of volumes, mutes, hardware controls and selectors alone.
+/// Who caused a change. The platform says it of volumes, mutes and hardware controls, but not of names and states.
 enum class Origin : int
 {
     unknown, ///< the platform does not say
