@@ -124,25 +124,39 @@ const std::optional<std::string>& parentOf(const std::string& instanceId, Parent
     return place->second;
 }
 
-/// The name of the card's device, as its endpoints give it.
+/// The name of the card's device, as its endpoints report it, and as Card::title() has it.
 std::string titleOf(const Group& group)
 {
     for (const EndpointReading* const member : group.members)
     {
         if (member->content.interfaceName)
-            return *member->content.interfaceName;
+            return text::printable(*member->content.interfaceName);
     }
     return "Unnamed card";
 }
 
-/// The container, if all endpoints have the same.
+/// Whether the container of the endpoint is known, and be it that there is none.
+bool isContainerRead(const EndpointReading& reading)
+{
+    const std::vector<EndpointProblem>& problems = reading.propertyProblems;
+    return std::none_of(problems.begin(), problems.end(),
+                        [](const EndpointProblem& problem) { return problem.field == EndpointField::container; });
+}
+
+/// The container, if all endpoints whose container is known have the same.
 std::optional<Guid> containerOf(const Group& group)
 {
-    const std::optional<Guid>& first = group.members.front()->content.container;
-    const bool isShared =
-        std::all_of(group.members.begin(), group.members.end(),
-                    [&](const EndpointReading* member) { return member->content.container == first; });
-    return isShared ? first : std::nullopt;
+    const std::optional<Guid>* first = nullptr;
+    for (const EndpointReading* const member : group.members)
+    {
+        if (!isContainerRead(*member))
+            continue;
+        if (first == nullptr)
+            first = &member->content.container;
+        else if (*first != member->content.container)
+            return std::nullopt;
+    }
+    return first == nullptr ? std::nullopt : *first;
 }
 
 void addBus(const Group& group, Card::Content& card)

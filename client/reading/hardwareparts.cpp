@@ -186,22 +186,6 @@ void HardwareReader::addWires()
     }
 }
 
-/// Takes the topology of a device that cannot be opened from one of its connectors.
-void HardwareReader::openThroughPeer(std::size_t device)
-{
-    const std::vector<std::size_t> peers = m_map.devices[device].facts.parts;
-    for (const std::size_t peer : peers)
-    {
-        IDeviceTopology* topology = nullptr;
-        const HRESULT result = m_map.parts[peer].part->GetTopologyObject(&topology);
-        if (!judgeOfPart(peer).gives(result, topology, {"IPart::GetTopologyObject"}))
-            continue;
-        m_map.devices[device].topology = Handle<IDeviceTopology>(topology);
-        readComponents(device, Place::surroundings);
-        return;
-    }
-}
-
 void HardwareReader::readSurroundings()
 {
     for (std::size_t device = 0; device < m_map.devices.size(); ++device)

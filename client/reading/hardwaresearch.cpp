@@ -61,10 +61,16 @@ std::vector<std::size_t> neighbours(const HardwareMap& map, std::size_t part, co
 }
 }
 
-std::size_t muteNextTo(HardwareMap& map, std::size_t volume)
+std::size_t muteNodeNextTo(const HardwareMap& map, std::size_t volume)
 {
     const std::vector<std::size_t> mutes = neighbours(map, volume, KSNODETYPE_MUTE);
-    return mutes.empty() || map.mute(mutes.front()) == nullptr ? HardwarePart::none : mutes.front();
+    return mutes.empty() ? HardwarePart::none : mutes.front();
+}
+
+std::size_t muteNextTo(HardwareMap& map, std::size_t volume)
+{
+    const std::size_t mute = muteNodeNextTo(map, volume);
+    return mute == HardwarePart::none || map.mute(mute) == nullptr ? HardwarePart::none : mute;
 }
 
 std::vector<ControlPlace> controlsOf(HardwareMap& map, const EndpointId& endpoint)

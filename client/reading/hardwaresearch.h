@@ -24,7 +24,9 @@ struct SelectorPlace
     std::size_t device = HardwarePart::none;
 };
 
-/// The mute next to a volume node; HardwarePart::none if there is none.
+/// The first mute node next to a volume node; HardwarePart::none if there is none.
+std::size_t muteNodeNextTo(const HardwareMap& map, std::size_t volume);
+/// The same, or HardwarePart::none if it gives no mute.
 std::size_t muteNextTo(HardwareMap& map, std::size_t volume);
 
 /// The controls that act on an endpoint, in the order of a walk through the connectors that breadth-first follows joins

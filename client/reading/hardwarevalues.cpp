@@ -17,6 +17,13 @@ bool concernsNames(const Problem& problem)
     return problem.operation() == "IPart::GetName" || problem.operation() == "IPart::GetSubType";
 }
 
+/// Whether the platform has failed to report the type of a part.
+bool isTypeUnknown(const HardwarePart& part)
+{
+    return std::any_of(part.problems.begin(), part.problems.end(),
+                       [](const Problem& problem) { return problem.operation() == "IPart::GetSubType"; });
+}
+
 void append(std::vector<Problem>& all, const std::vector<Problem>& problems)
 {
     all.insert(all.end(), problems.begin(), problems.end());
@@ -49,6 +56,26 @@ std::vector<Control> HardwareValues::controls(const EndpointId& endpoint)
     return controls;
 }
 
+/// Adds the problems with the mute node next to a level, such as why it gives no mute. Without such a node, those with
+/// the parts there whose type cannot be read: one of them may be it.
+void HardwareValues::tellOfMute(std::size_t level, std::vector<Problem>& problems)
+{
+    const std::size_t mute = muteNodeNextTo(m_map, level);
+    if (mute != HardwarePart::none)
+    {
+        tell(mute, problems);
+        return;
+    }
+    for (const HardwarePart::Side* const side : {&m_map.parts[level].incoming, &m_map.parts[level].outgoing})
+    {
+        for (const std::size_t part : side->parts)
+        {
+            if (isTypeUnknown(m_map.parts[part]))
+                tell(part, problems);
+        }
+    }
+}
+
 Control HardwareValues::control(const ControlPlace& place)
 {
     Control control;
@@ -61,11 +88,10 @@ Control HardwareValues::control(const ControlPlace& place)
     tell(place.level, control.problems);
     const Judge levelJudge(m_map.objectOf(place.level), control.problems);
     control.channels = readChannels(*m_map.level(place.level), levelJudge);
+    tellOfMute(place.level, control.problems);
     control.hasMute = place.mute != HardwarePart::none;
-    if (!control.hasMute)
-        return control;
-    tell(place.mute, control.problems);
-    control.isMuted = readMute(*m_map.mute(place.mute), {m_map.objectOf(place.mute), control.problems});
+    if (control.hasMute)
+        control.isMuted = readMute(*m_map.mute(place.mute), {m_map.objectOf(place.mute), control.problems});
     return control;
 }
 

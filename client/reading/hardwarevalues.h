@@ -41,6 +41,7 @@ private:
     std::vector<Graph::Edge> paths();
     /// Adds the walk's problems with a part.
     void tell(std::size_t part, std::vector<Problem>& problems);
+    void tellOfMute(std::size_t level, std::vector<Problem>& problems);
 
     HardwareMap& m_map;
     std::unordered_set<std::size_t> m_told; ///< the parts whose problems the values contain

@@ -123,16 +123,4 @@ std::vector<HardwareWalk::ChangingControl> HardwareWalk::changingControls(const 
         add(selector.part, IID_IAudioInputSelector);
     return parts;
 }
-
-std::vector<Handle<IPart>> HardwareWalk::changingParts(const CardId& card) const
-{
-    std::vector<Handle<IPart>> parts;
-    for (const ChangingControl& control : changingControls(card))
-    {
-        const auto isSame = [&](const auto& part) { return part.get() == control.part.get(); };
-        if (std::none_of(parts.begin(), parts.end(), isSame))
-            parts.push_back(control.part);
-    }
-    return parts;
-}
 }

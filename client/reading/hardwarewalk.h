@@ -56,8 +56,6 @@ public:
 
     /// For IPart::RegisterControlChangeCallback: the levels, the mutes next to them, and the selectors.
     std::vector<ChangingControl> changingControls(const CardId& card) const;
-    /// Their parts, each once.
-    std::vector<Handle<IPart>> changingParts(const CardId& card) const;
 
 private:
     struct State;

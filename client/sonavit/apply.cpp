@@ -1,3 +1,4 @@
+#include "sonavit/carddraft.h"
 #include "sonavit/change.h"
 #include "sonavit/contentfields.h"
 #include "sonavit/matching.h"
@@ -12,15 +13,14 @@ inline namespace v1
 {
 namespace
 {
+using drafts::arranged;
+using drafts::CardDraft;
+using drafts::Draft;
+using drafts::Placed;
+using drafts::require;
 using matching::idsOf;
 using matching::none;
 using matching::Places;
-
-void require(bool fits, const char* reason)
-{
-    if (!fits)
-        throw std::invalid_argument(std::string("sonavit::apply: ") + reason);
-}
 
 /// A member of an event, which its kind must have.
 template<class T>
@@ -29,140 +29,6 @@ const T& memberOf(const std::optional<T>& member)
     require(member.has_value(), "an event has no value for a member that its kind must have");
     return *member;
 }
-
-/// What goes to a place of a list of its own.
-template<class Thing>
-using Placed = std::vector<std::pair<std::size_t, Thing>>;
-
-/// The list with @p placed in their places and @p kept, in their order, in the others.
-template<class Thing>
-std::vector<Thing> arranged(std::vector<Thing> kept, Placed<Thing> placed)
-{
-    if (placed.empty())
-        return kept;
-    std::vector<std::optional<Thing>> slots(kept.size() + placed.size());
-    for (auto& [position, thing] : placed)
-    {
-        require(position < slots.size() && !slots[position], "a position is not in the list or taken twice");
-        slots[position] = std::move(thing);
-    }
-    std::vector<Thing> result;
-    result.reserve(slots.size());
-    auto next = kept.begin();
-    for (std::optional<Thing>& slot : slots)
-        result.push_back(slot ? std::move(*slot) : std::move(*next++));
-    return result;
-}
-
-/// A thing with those of its members that differ from now on.
-template<class Thing>
-class Draft
-{
-public:
-    explicit Draft(Thing thing) : m_thing(std::move(thing)) {}
-
-    const Thing& former() const { return m_thing; }
-    typename Thing::Content& content()
-    {
-        if (!m_content)
-            m_content = m_thing.content();
-        return *m_content;
-    }
-    Thing take() { return m_content ? Thing(std::move(*m_content)) : std::move(m_thing); }
-
-private:
-    Thing m_thing;
-    std::optional<typename Thing::Content> m_content;
-};
-
-/// A card while events are applied to it.
-class CardDraft
-{
-public:
-    explicit CardDraft(const Card& card) : m_card(card) {}
-
-    const Card& former() const { return m_card.former(); }
-
-    /// Takes an endpoint out of the list as it was before.
-    Endpoint take(const matching::Key& key)
-    {
-        const std::vector<Endpoint>& endpoints = former().endpoints();
-        if (!m_placesBefore)
-            m_placesBefore.emplace(idsOf(endpoints));
-        m_isTaken.resize(endpoints.size(), false);
-        const std::size_t place = m_placesBefore->of(key);
-        require(place != none && !m_isTaken[place], "an endpoint is not there");
-        m_isTaken[place] = true;
-        ++m_taken;
-        return endpoints[place];
-    }
-
-    void put(std::size_t position, Endpoint endpoint) { m_placed.emplace_back(position, std::move(endpoint)); }
-
-    bool isEmpty() const { return m_taken == former().endpoints().size(); }
-
-    Card::Content& content() { return m_card.content(); }
-
-    /// An endpoint of the list as it is after all were taken and put.
-    Draft<Endpoint>& endpoint(const matching::Key& key)
-    {
-        arrange();
-        if (!m_placesAfter)
-            m_placesAfter.emplace(afterIds());
-        const std::size_t place = m_placesAfter->of(key);
-        require(place != none, "an endpoint is not there");
-        return (*m_endpoints)[place];
-    }
-
-    /// The card with all changes; the same one if there are none.
-    Card finished()
-    {
-        if (m_taken > 0 || !m_placed.empty())
-            arrange();
-        if (m_endpoints)
-        {
-            std::vector<Endpoint> endpoints;
-            endpoints.reserve(m_endpoints->size());
-            for (Draft<Endpoint>& endpoint : *m_endpoints)
-                endpoints.push_back(endpoint.take());
-            content().endpoints = std::move(endpoints);
-        }
-        return m_card.take();
-    }
-
-private:
-    void arrange()
-    {
-        if (m_endpoints)
-            return;
-        std::vector<Endpoint> kept;
-        const std::vector<Endpoint>& endpoints = former().endpoints();
-        for (std::size_t i = 0; i < endpoints.size(); ++i)
-        {
-            if (m_isTaken.empty() || !m_isTaken[i])
-                kept.push_back(endpoints[i]);
-        }
-        m_endpoints.emplace();
-        for (Endpoint& endpoint : arranged(std::move(kept), std::move(m_placed)))
-            m_endpoints->emplace_back(std::move(endpoint));
-    }
-
-    std::vector<std::string_view> afterIds() const
-    {
-        std::vector<std::string_view> ids;
-        for (const Draft<Endpoint>& endpoint : *m_endpoints)
-            ids.emplace_back(endpoint.former().id().text());
-        return ids;
-    }
-
-    Draft<Card> m_card;
-    std::optional<Places> m_placesBefore;
-    std::vector<bool> m_isTaken;
-    std::size_t m_taken = 0;
-    Placed<Endpoint> m_placed;
-    std::optional<std::vector<Draft<Endpoint>>> m_endpoints; ///< of the list after
-    std::optional<Places> m_placesAfter;
-};
 
 /// Applies events. What is removed, or moves, is named by where it was; all else by where it is at the end: so the
 /// lists are arranged first.

@@ -2,6 +2,7 @@
 
 #include "sonavit/text.h"
 
+#include <algorithm>
 #include <ostream>
 #include <utility>
 
@@ -13,8 +14,11 @@ namespace
 {
 Card::Content withTitle(Card::Content content)
 {
+    const auto isPlain = [](char character) { return character >= ' ' && character <= '~'; };
     if (content.title.empty())
         content.title = "Unnamed card";
+    else if (!std::all_of(content.title.begin(), content.title.end(), isPlain))
+        content.title = text::printable(content.title);
     return content;
 }
 }

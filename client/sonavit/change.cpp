@@ -1,5 +1,7 @@
 #include "sonavit/change.h"
 
+#include "sonavit/enumnames.h"
+
 #include <array>
 #include <ostream>
 #include <utility>
@@ -15,17 +17,13 @@ constexpr std::array<const char*, 13> kindKeys = {
     "endpointMoved",   "endpointReappeared", "cardChanged",    "endpointChanged", "defaultChanged",
     "hardwareChanged", "serviceChanged",     "problemsChanged"};
 constexpr std::array<const char*, 4> originKeys = {"unknown", "own", "other", "both"};
-constexpr std::array<const char*, 7> cardFieldKeys = {"instancePath", "instanceId", "parent",  "container",
-                                                      "bus",          "title",      "problems"};
-constexpr std::array<const char*, 7> cardFieldWords = {"instance path", "instance id", "parent",  "container",
-                                                       "bus",           "title",       "problems"};
-
-template<std::size_t Size, class Enum>
-const char* nameIn(const std::array<const char*, Size>& names, Enum value) noexcept
-{
-    const auto number = static_cast<unsigned>(value);
-    return number < Size ? names[number] : "unknown";
-}
+constexpr std::array<EnumName, 7> cardFields = {{{"instancePath", "instance path"},
+                                                 {"instanceId", "instance id"},
+                                                 {"parent", "parent"},
+                                                 {"container", "container"},
+                                                 {"bus", "bus"},
+                                                 {"title", "title"},
+                                                 {"problems", "problems"}}};
 }
 
 bool operator==(const Event& left, const Event& right)
@@ -42,22 +40,37 @@ bool operator==(const Event& left, const Event& right)
 
 const char* keyOf(Event::Kind kind) noexcept
 {
-    return nameIn(kindKeys, kind);
+    return nameOf(kindKeys, kind, unknownKey);
 }
 
 const char* keyOf(Origin origin) noexcept
 {
-    return nameIn(originKeys, origin);
+    return nameOf(originKeys, origin, unknownKey);
 }
 
 const char* keyOf(CardField field) noexcept
 {
-    return nameIn(cardFieldKeys, field);
+    return nameOf(cardFields, field, unknownName).key;
 }
 
 const char* wordsOf(CardField field) noexcept
 {
-    return nameIn(cardFieldWords, field);
+    return nameOf(cardFields, field, unknownName).words;
+}
+
+std::ostream& operator<<(std::ostream& out, Event::Kind kind)
+{
+    return out << keyOf(kind);
+}
+
+std::ostream& operator<<(std::ostream& out, Origin origin)
+{
+    return out << keyOf(origin);
+}
+
+std::ostream& operator<<(std::ostream& out, CardField field)
+{
+    return out << wordsOf(field);
 }
 
 std::ostream& operator<<(std::ostream& out, const Event& event)
@@ -77,6 +90,16 @@ Change::Change(Snapshot before, Snapshot after, std::vector<Event> events)
       m_after(std::move(after)),
       m_events(std::move(events))
 {
+}
+
+bool operator==(const Change& left, const Change& right)
+{
+    return left.before() == right.before() && left.after() == right.after() && left.events() == right.events();
+}
+
+std::ostream& operator<<(std::ostream& out, const Change& change)
+{
+    return out << change.events();
 }
 }
 }

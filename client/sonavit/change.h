@@ -16,7 +16,7 @@ namespace sonavit
 {
 inline namespace v1
 {
-/// Who caused a change.
+/// Who caused a change. The platform says it of volumes, mutes and hardware controls, but not of names and states.
 enum class Origin : int
 {
     unknown, ///< the platform does not say
@@ -37,7 +37,7 @@ enum class CardField : int
     problems
 };
 
-/// One thing that changed. Which members have a value depends on the kind.
+/// One thing that changed. Which members have a value depends on the kind. A value; any thread may use it.
 struct Event
 {
     enum class Kind : int
@@ -98,17 +98,26 @@ inline bool operator!=(const Event& left, const Event& right)
 {
     return !(left == right);
 }
+/// "endpointChanged", "own", "instancePath": as in JSON.
 SONAVIT_CLIENT_API const char* keyOf(Event::Kind kind) noexcept;
 SONAVIT_CLIENT_API const char* keyOf(Origin origin) noexcept;
 SONAVIT_CLIENT_API const char* keyOf(CardField field) noexcept;
 /// "instance path" and the like, for people.
 SONAVIT_CLIENT_API const char* wordsOf(CardField field) noexcept;
+/// Its key.
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, Event::Kind kind);
+/// Its key.
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, Origin origin);
+/// Its words.
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, CardField field);
+/// Its sentence.
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Event& event);
 /// One sentence on each line.
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const std::vector<Event>& events);
 
 /// What a subscriber receives: the state that it knew, the state now, and what lies between them.
-/// events() == difference(before(), after()), and apply(before(), events()) == after().
+/// events() == difference(before(), after()), and apply(before(), events()) == after(). A value; any thread may use it,
+/// after the callback as well.
 class SONAVIT_CLIENT_API Change
 {
 public:
@@ -125,8 +134,18 @@ private:
     std::vector<Event> m_events;
 };
 
+/// Equal if both states and the events are.
+SONAVIT_CLIENT_API bool operator==(const Change& left, const Change& right);
+inline bool operator!=(const Change& left, const Change& right)
+{
+    return !(left == right);
+}
+/// Its events.
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Change& change);
+
 /// What leads from @p before to @p after, in this order: what was removed; what was added, with positions; what moved;
-/// what changed, field by field; defaults; watched hardware; the service; problems. Empty if they are equal.
+/// what changed, field by field; defaults; watched hardware; the service; problems. Empty if they are equal. Cards that
+/// both snapshots share cost a comparison of two pointers. Any thread may call it, and apply(), too.
 SONAVIT_CLIENT_API std::vector<Event> difference(const Snapshot& before, const Snapshot& after);
 
 /// @p before after @p events; generation and time stay. Throws std::invalid_argument if an event does not fit, such as

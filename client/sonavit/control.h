@@ -18,14 +18,16 @@ namespace sonavit
 {
 inline namespace v1
 {
-/// One channel of a hardware control. What the platform fails to report has no value.
+/// One channel of a hardware control, as IAudioVolumeLevel reports it. What the platform fails to report has no value;
+/// there is no percent without a finite range.
 struct ControlChannel
 {
     Level level;
     std::optional<LevelRange> range;
 };
 
-/// A level in a card's hardware that acts on an endpoint, with the mute next to it.
+/// A level in a card's hardware that acts on an endpoint, with the mute next to it. A value that stays as it was read;
+/// any thread may use it.
 struct Control
 {
     ControlId id;
@@ -36,9 +38,10 @@ struct Control
     std::optional<Guid> ownerType; ///< kind of that connector, see kindOf()
     /// No value if their number cannot be read.
     std::optional<std::vector<ControlChannel>> channels;
+    /// Whether a mute node is next to the level that can be switched. If that cannot be read, problems say why.
     bool hasMute = false;
-    std::optional<bool> isMuted; ///< no value without a mute, too
-    std::vector<Problem> problems;
+    std::optional<bool> isMuted;   ///< no value without a mute, too
+    std::vector<Problem> problems; ///< what could not be read of it
 
     /// For a person, never empty: the owner's name and the node's, as far as they say something.
     SONAVIT_CLIENT_API std::string title() const;
@@ -57,7 +60,8 @@ struct SelectorInput
     SONAVIT_CLIENT_API std::string title() const;
 };
 
-/// A switch in a card's hardware that chooses one of several inputs.
+/// A switch in a card's hardware that chooses one of several inputs (IAudioInputSelector). A value that stays as it was
+/// read; any thread may use it.
 struct Selector
 {
     SelectorId id;
@@ -67,7 +71,7 @@ struct Selector
     std::vector<SelectorInput> inputs;
     /// The number of the chosen input; it may be that of no input.
     std::optional<std::uint32_t> selection;
-    std::vector<Problem> problems;
+    std::vector<Problem> problems; ///< what could not be read of it
 
     /// The chosen input; null if the selection is that of no input, or unknown. It belongs to this selector.
     SONAVIT_CLIENT_API const SelectorInput* selected() const noexcept;

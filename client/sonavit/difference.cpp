@@ -1,6 +1,6 @@
 #include "sonavit/change.h"
 #include "sonavit/contentfields.h"
-#include "sonavit/idmap.h"
+#include "sonavit/endpointpairs.h"
 #include "sonavit/matching.h"
 
 #include <algorithm>
@@ -13,6 +13,9 @@ inline namespace v1
 {
 namespace
 {
+using matching::at;
+using matching::EndpointPair;
+using matching::EndpointPairs;
 using matching::idsOf;
 using matching::Matching;
 using matching::none;
@@ -44,22 +47,6 @@ std::optional<Endpoint> endpointOrId(const std::vector<Card>& cards, const Endpo
     return Endpoint(std::move(content));
 }
 
-/// Where an endpoint is: the places of its card and of itself.
-struct Place
-{
-    std::size_t card = none;
-    std::size_t endpoint = none;
-};
-
-/// An endpoint before and after. One that was removed has no place after, one that was added none before.
-struct Pair
-{
-    Place before;
-    Place after;
-    std::size_t occurrence = 0; ///< in the card after; of one that was removed, before
-    bool isMoved = false;
-};
-
 /// Finds what lies between two snapshots.
 class Comparison
 {
@@ -67,14 +54,13 @@ public:
     Comparison(const Snapshot& before, const Snapshot& after)
         : m_before(before.content()),
           m_after(after.content()),
-          m_cards(idsOf(m_before.cards), idsOf(m_after.cards))
+          m_cards(idsOf(m_before.cards), idsOf(m_after.cards)),
+          m_endpoints(m_before.cards, m_after.cards, m_cards)
     {
     }
 
     std::vector<Event> events()
     {
-        matchEndpoints();
-        matchAcrossCards();
         addRemovals();
         addAdditions();
         addMoves();
@@ -87,17 +73,12 @@ public:
     }
 
 private:
-    void matchEndpoints();
-    void matchEndpoints(std::size_t before, std::size_t after);
-    void matchAcrossCards();
-    bool isIdentifiable(const Pair& removed) const;
-
     void addRemovals();
     void addAdditions();
     void addMoves();
     void addCardChanges();
     void addEndpointChanges();
-    void addEndpointChanges(const Pair& pair);
+    void addEndpointChanges(const EndpointPair& pair);
     void addDefaults();
     void addDefault(Flow flow, Role role);
     void addHardware();
@@ -105,97 +86,20 @@ private:
 
     Event& add(Event::Kind kind);
     Event& addOfCard(Event::Kind kind, std::size_t before, std::size_t after);
-    Event& addOfEndpoint(Event::Kind kind, const Pair& pair);
-    const Endpoint& endpointBefore(const Pair& pair) const;
-    const Endpoint& endpointAfter(const Pair& pair) const;
+    Event& addOfEndpoint(Event::Kind kind, const EndpointPair& pair);
+    const Endpoint& endpointBefore(const EndpointPair& pair) const { return at(m_before.cards, pair.before); }
+    const Endpoint& endpointAfter(const EndpointPair& pair) const { return at(m_after.cards, pair.after); }
 
     const Snapshot::Content& m_before;
     const Snapshot::Content& m_after;
     Matching m_cards;
-    std::vector<Pair> m_removed;
-    std::vector<Pair> m_added;       ///< in the order of the snapshot after, as the next two
-    std::vector<Pair> m_kept;        ///< of cards of both snapshots; some of them moved inside their cards
-    std::vector<Pair> m_transferred; ///< from one card to another
+    EndpointPairs m_endpoints;
     std::vector<Event> m_events;
 };
 
-/// Cards that both snapshots share are equal: their endpoints are not looked at.
-void Comparison::matchEndpoints()
-{
-    for (std::size_t before = 0; before < m_before.cards.size(); ++before)
-    {
-        if (m_cards.toAfter(before) == none)
-            matchEndpoints(before, none);
-    }
-    for (std::size_t after = 0; after < m_after.cards.size(); ++after)
-    {
-        const std::size_t before = m_cards.toBefore(after);
-        const bool isShared = before != none && &m_before.cards[before].content() == &m_after.cards[after].content();
-        if (!isShared)
-            matchEndpoints(before, after);
-    }
-}
-
-/// Takes the places of one card in both snapshots; one of them may be none.
-void Comparison::matchEndpoints(std::size_t before, std::size_t after)
-{
-    static const std::vector<Endpoint> noEndpoints;
-    const std::vector<Endpoint>& were = before == none ? noEndpoints : m_before.cards[before].endpoints();
-    const std::vector<Endpoint>& are = after == none ? noEndpoints : m_after.cards[after].endpoints();
-    const Matching endpoints(idsOf(were), idsOf(are));
-    for (std::size_t i = 0; i < were.size(); ++i)
-    {
-        if (endpoints.toAfter(i) == none)
-            m_removed.push_back({{before, i}, {}, endpoints.occurrenceBefore(i), false});
-    }
-    for (std::size_t i = 0; i < are.size(); ++i)
-    {
-        const std::size_t origin = endpoints.toBefore(i);
-        const Pair pair = {{before, origin}, {after, i}, endpoints.occurrenceAfter(i), endpoints.isMoved(i)};
-        (origin == none ? m_added : m_kept).push_back(pair);
-    }
-}
-
-/// An endpoint that left one card and one with its id that is new on another are the same.
-void Comparison::matchAcrossCards()
-{
-    if (m_removed.empty() || m_added.empty())
-        return;
-    IdMap<std::size_t> removed; // the first of each id
-    for (std::size_t i = 0; i < m_removed.size(); ++i)
-    {
-        if (isIdentifiable(m_removed[i]))
-            removed.emplace(endpointBefore(m_removed[i]).id().text(), i);
-    }
-    std::vector<Pair> added;
-    for (Pair& pair : m_added)
-    {
-        const auto found = removed.find(endpointAfter(pair).id().text());
-        if (found == removed.end())
-        {
-            added.push_back(pair);
-            continue;
-        }
-        Pair& origin = m_removed[found->second];
-        pair.before = std::exchange(origin.before, Place());
-        m_transferred.push_back(pair);
-        removed.erase(found);
-    }
-    m_added = std::move(added);
-    const auto isGone = [](const Pair& pair) { return pair.before.endpoint == none; };
-    m_removed.erase(std::remove_if(m_removed.begin(), m_removed.end(), isGone), m_removed.end());
-}
-
-/// Whether the event of a transfer can say where the endpoint came from.
-bool Comparison::isIdentifiable(const Pair& removed) const
-{
-    return !endpointBefore(removed).id().isEmpty() && removed.occurrence == 0 &&
-           m_cards.occurrenceBefore(removed.before.card) == 0;
-}
-
 void Comparison::addRemovals()
 {
-    for (const Pair& pair : m_removed)
+    for (const EndpointPair& pair : m_endpoints.removed())
         addOfEndpoint(Event::Kind::endpointRemoved, pair).before = endpointBefore(pair);
     for (std::size_t before = 0; before < m_before.cards.size(); ++before)
     {
@@ -214,7 +118,7 @@ void Comparison::addAdditions()
         event.cardAfter = withoutEndpoints(m_after.cards[after]);
         event.position = after;
     }
-    for (const Pair& pair : m_added)
+    for (const EndpointPair& pair : m_endpoints.added())
     {
         Event& event = addOfEndpoint(Event::Kind::endpointAdded, pair);
         event.after = endpointAfter(pair);
@@ -232,7 +136,7 @@ void Comparison::addMoves()
         event.cardAfter = m_after.cards[after];
         event.position = after;
     }
-    for (const Pair& pair : m_kept)
+    for (const EndpointPair& pair : m_endpoints.kept())
     {
         if (!pair.isMoved)
             continue;
@@ -240,7 +144,7 @@ void Comparison::addMoves()
         event.after = endpointAfter(pair);
         event.position = pair.after.endpoint;
     }
-    for (const Pair& pair : m_transferred)
+    for (const EndpointPair& pair : m_endpoints.transferred())
     {
         Event& event = addOfEndpoint(Event::Kind::endpointMoved, pair);
         event.after = endpointAfter(pair);
@@ -274,7 +178,7 @@ void Comparison::addCardChanges()
 
 void Comparison::addEndpointChanges()
 {
-    const auto firstReappeared = [&](const Pair& pair)
+    const auto firstReappeared = [&](const EndpointPair& pair)
     {
         if (endpointBefore(pair).incarnation() >= endpointAfter(pair).incarnation())
             return;
@@ -282,16 +186,16 @@ void Comparison::addEndpointChanges()
         event.before = endpointBefore(pair);
         event.after = endpointAfter(pair);
     };
-    for (const std::vector<Pair>* pairs : {&m_kept, &m_transferred})
+    for (const std::vector<EndpointPair>* pairs : {&m_endpoints.kept(), &m_endpoints.transferred()})
         std::for_each(pairs->begin(), pairs->end(), firstReappeared);
-    for (const std::vector<Pair>* pairs : {&m_kept, &m_transferred})
+    for (const std::vector<EndpointPair>* pairs : {&m_endpoints.kept(), &m_endpoints.transferred()})
     {
-        for (const Pair& pair : *pairs)
+        for (const EndpointPair& pair : *pairs)
             addEndpointChanges(pair);
     }
 }
 
-void Comparison::addEndpointChanges(const Pair& pair)
+void Comparison::addEndpointChanges(const EndpointPair& pair)
 {
     const Endpoint& was = endpointBefore(pair);
     const Endpoint& is = endpointAfter(pair);
@@ -387,22 +291,12 @@ Event& Comparison::addOfCard(Event::Kind kind, std::size_t before, std::size_t a
     return event;
 }
 
-Event& Comparison::addOfEndpoint(Event::Kind kind, const Pair& pair)
+Event& Comparison::addOfEndpoint(Event::Kind kind, const EndpointPair& pair)
 {
     const bool isThere = pair.after.card != none;
     Event& event = addOfCard(kind, isThere ? none : pair.before.card, isThere ? pair.after.card : none);
     event.occurrence = pair.occurrence;
     return event;
-}
-
-const Endpoint& Comparison::endpointBefore(const Pair& pair) const
-{
-    return m_before.cards[pair.before.card].endpoints()[pair.before.endpoint];
-}
-
-const Endpoint& Comparison::endpointAfter(const Pair& pair) const
-{
-    return m_after.cards[pair.after.card].endpoints()[pair.after.endpoint];
 }
 }
 

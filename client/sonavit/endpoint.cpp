@@ -1,5 +1,6 @@
 #include "sonavit/endpoint.h"
 
+#include "sonavit/enumnames.h"
 #include "sonavit/text.h"
 
 #include <ostream>
@@ -11,45 +12,30 @@ inline namespace v1
 {
 namespace
 {
-struct Names
-{
-    const char* key;
-    const char* words;
-};
-
-constexpr Names unnamed = {"unknown", "unknown"};
-constexpr std::array<Names, 2> flows = {{{"render", "output"}, {"capture", "input"}}};
-constexpr std::array<Names, 4> states = {
+constexpr std::array<EnumName, 2> flows = {{{"render", "output"}, {"capture", "input"}}};
+constexpr std::array<EnumName, 4> states = {
     {{"active", "active"}, {"disabled", "disabled"}, {"notPresent", "not present"}, {"unplugged", "unplugged"}}};
-constexpr std::array<Names, 3> roleNames = {
+constexpr std::array<EnumName, 3> roleNames = {
     {{"console", "console"}, {"multimedia", "multimedia"}, {"communications", "communications"}}};
-constexpr std::array<Names, 17> fields = {{{"id", "id"},
-                                           {"description", "description"},
-                                           {"interfaceName", "interface name"},
-                                           {"flow", "flow"},
-                                           {"state", "state"},
-                                           {"roles", "roles"},
-                                           {"jacks", "jacks"},
-                                           {"volume", "volume"},
-                                           {"format", "format"},
-                                           {"speakers", "speakers"},
-                                           {"waveId", "wave id"},
-                                           {"directSoundId", "DirectSound id"},
-                                           {"driverNode", "driver node"},
-                                           {"container", "container"},
-                                           {"instancePath", "instance path"},
-                                           {"incarnation", "incarnation"},
-                                           {"problems", "problems"}}};
+constexpr std::array<EnumName, 17> fields = {{{"id", "id"},
+                                              {"description", "description"},
+                                              {"interfaceName", "interface name"},
+                                              {"flow", "flow"},
+                                              {"state", "state"},
+                                              {"roles", "roles"},
+                                              {"jacks", "jacks"},
+                                              {"volume", "volume"},
+                                              {"format", "format"},
+                                              {"speakers", "speakers"},
+                                              {"waveId", "wave id"},
+                                              {"directSoundId", "DirectSound id"},
+                                              {"driverNode", "driver node"},
+                                              {"container", "container"},
+                                              {"instancePath", "instance path"},
+                                              {"incarnation", "incarnation"},
+                                              {"problems", "problems"}}};
 
 constexpr Guid internalContainer = {0, 0, 0, {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}};
-
-/// The names of the enumerator at that place of its enumeration, or of a number without a name.
-template<std::size_t Size, class Enum>
-const Names& namesOf(const std::array<Names, Size>& table, Enum value) noexcept
-{
-    const auto number = static_cast<unsigned>(value);
-    return number < Size ? table[number] : unnamed;
-}
 
 /// No bit for a number without a name.
 unsigned bitOf(Role role) noexcept
@@ -117,7 +103,9 @@ std::optional<Problem> Endpoint::problemWith(EndpointField field) const
         if (one.field == field)
             return one.problem;
     }
-    return std::nullopt;
+    // Of an endpoint whose state is not known, what only some states have was not asked for.
+    const bool needsState = field == EndpointField::jacks || (field == EndpointField::volume && !volume());
+    return needsState && !state() ? problemWith(EndpointField::state) : std::nullopt;
 }
 
 bool operator==(const EndpointProblem& left, const EndpointProblem& right)
@@ -139,42 +127,42 @@ bool operator==(const Endpoint& left, const Endpoint& right)
 
 const char* keyOf(Flow flow) noexcept
 {
-    return namesOf(flows, flow).key;
+    return nameOf(flows, flow, unknownName).key;
 }
 
 const char* keyOf(State state) noexcept
 {
-    return namesOf(states, state).key;
+    return nameOf(states, state, unknownName).key;
 }
 
 const char* keyOf(Role role) noexcept
 {
-    return namesOf(roleNames, role).key;
+    return nameOf(roleNames, role, unknownName).key;
 }
 
 const char* keyOf(EndpointField field) noexcept
 {
-    return namesOf(fields, field).key;
+    return nameOf(fields, field, unknownName).key;
 }
 
 const char* wordsOf(Flow flow) noexcept
 {
-    return namesOf(flows, flow).words;
+    return nameOf(flows, flow, unknownName).words;
 }
 
 const char* wordsOf(State state) noexcept
 {
-    return namesOf(states, state).words;
+    return nameOf(states, state, unknownName).words;
 }
 
 const char* wordsOf(Role role) noexcept
 {
-    return namesOf(roleNames, role).words;
+    return nameOf(roleNames, role, unknownName).words;
 }
 
 const char* wordsOf(EndpointField field) noexcept
 {
-    return namesOf(fields, field).words;
+    return nameOf(fields, field, unknownName).words;
 }
 
 bool isInternalContainer(const Guid& container) noexcept

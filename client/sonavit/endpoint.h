@@ -23,12 +23,14 @@ namespace sonavit
 {
 inline namespace v1
 {
+/// Which way the sound goes.
 enum class Flow : int
 {
     output, ///< the platform calls it render
     input   ///< the platform calls it capture
 };
 
+/// Whether an endpoint can be used, as IMMDevice::GetState reports it.
 enum class State : int
 {
     active,     ///< can be used now
@@ -97,11 +99,13 @@ struct EndpointProblem
 /// One endpoint, as it was when it was read last.
 ///
 /// A small value that shares its content with its copies; it never changes. References that its operations return are
-/// valid as long as a copy of the endpoint is: keep the endpoint in a variable before you loop over its jacks.
+/// valid as long as a copy of the endpoint is: keep the endpoint in a variable before you loop over its jacks. What was
+/// moved from can be assigned to and destroyed, and nothing else.
 ///
 /// What an endpoint does not have, or what could not be read, has no value; problemWith() distinguishes the two. What
-/// an endpoint of that state cannot have, such as the volume of one that is not present, is no problem. Any thread may
-/// use it.
+/// an endpoint of that state cannot have, such as the volume of one that is not present, is no problem. Roles and wave
+/// ids are read for the computer as a whole: what fails there is in Snapshot::problems(). Any thread may use it; no
+/// operation calls the platform.
 class SONAVIT_CLIENT_API Endpoint
 {
 public:
@@ -135,20 +139,22 @@ public:
     Content content() && { return *m_content; }
 
     const EndpointId& id() const noexcept { return m_content->id; }
-    /// For a person, never empty: name(), or "unnamed output" with the id.
+    /// For a person, never empty, on one line: name(), or "unnamed output" with the id. Characters that control a
+    /// terminal are replaced.
     std::string title() const;
     /// "Speakers (Analog Audio)", as the system's own dialogs show it: description and interface name, or the one that
     /// there is.
     std::optional<std::string> name() const;
-    /// "Speakers"; the user can change it.
+    /// PKEY_Device_DeviceDesc: "Speakers"; the user can change it.
     const std::optional<std::string>& description() const noexcept { return m_content->description; }
-    /// Name of the device that the endpoint belongs to: "Analog Audio".
+    /// Name of the device that the endpoint belongs to, "Analog Audio": the property that the system's own dialogs
+    /// show.
     const std::optional<std::string>& interfaceName() const noexcept { return m_content->interfaceName; }
     Flow flow() const noexcept { return m_content->flow; }
     /// No value for a state that the platform fails to report, or that is none of the four.
     std::optional<State> state() const noexcept { return m_content->state; }
     bool isActive() const noexcept { return m_content->state == State::active; }
-    /// The roles for which it is the default of its flow.
+    /// The roles for which it is the default of its flow, see Snapshot::defaultEndpoint().
     Roles roles() const noexcept { return m_content->roles; }
     /// The jacks behind it, at least one if the kind or the form factor is known. Several belong to one output with
     /// many channels.
@@ -156,30 +162,37 @@ public:
     std::vector<Jack> jacks() && { return m_content->jacks; }
     /// The kind of its first jack; no value if it is not known.
     std::optional<NodeKind> jackKind() const noexcept;
-    /// No value without a volume control, as on endpoints that are neither active nor unplugged.
+    /// What IAudioEndpointVolume reports. No value without a volume control, as on endpoints that are neither active
+    /// nor unplugged.
     const std::optional<Volume>& volume() const& noexcept { return m_content->volume; }
     std::optional<Volume> volume() && { return m_content->volume; }
-    /// The format that applications share.
+    /// PKEY_AudioEngine_DeviceFormat, the format in which the engine plays or records what applications share.
     const std::optional<Format>& format() const noexcept { return m_content->format; }
-    /// The physical speakers that the user has set up, a mask as Format::speakers; see speakerWords().
+    /// PKEY_AudioEndpoint_PhysicalSpeakers, those that the user has set up, a mask as Format::speakers; see
+    /// speakerWords().
     std::optional<std::uint32_t> speakers() const noexcept { return m_content->speakers; }
-    /// The device number of the old wave functions: of waveOut for outputs, of waveIn for inputs.
+    /// The device number of the old wave functions: of waveOut for outputs, of waveIn for inputs. No value if none of
+    /// the numbers is that of this endpoint, as waveOutMessage(DRV_QUERYFUNCTIONINSTANCEID) reports it.
     std::optional<std::uint32_t> waveId() const noexcept { return m_content->waveId; }
-    /// The GUID under which DirectSound lists it.
+    /// PKEY_AudioEndpoint_GUID, under which DirectSound lists it.
     const std::optional<Guid>& directSoundId() const noexcept { return m_content->directSoundId; }
     /// The strong name of its driver node.
     const std::optional<std::string>& driverNode() const noexcept { return m_content->driverNode; }
-    /// What belongs to one thing, such as a headset, has one container; isInternalContainer() is that of the computer.
+    /// PKEY_Device_ContainerId: what belongs to one thing, such as a headset, has one container; isInternalContainer()
+    /// is that of the computer.
     const std::optional<Guid>& container() const noexcept { return m_content->container; }
     /// The instance path of its device: "{1}.USB\VID_1235&PID_8210\000001".
     const std::optional<std::string>& instancePath() const noexcept { return m_content->instancePath; }
-    /// How often it has vanished and come back while its System watched.
+    /// How often it has vanished and come back since its System has begun to watch, which it does with its first
+    /// snapshot.
     std::uint32_t incarnation() const noexcept { return m_content->incarnation; }
 
     /// All that could not be read.
     const std::vector<EndpointProblem>& problems() const& noexcept { return m_content->problems; }
     std::vector<EndpointProblem> problems() && { return m_content->problems; }
-    /// Why @p field has no value; no value if it was read or if the endpoint has no such thing.
+    /// Why @p field has no value, or lacks a part of it: the first of its problems. No value if it was read or if the
+    /// endpoint has no such thing. Volume and jacks of an endpoint whose state cannot be read are not asked for: they
+    /// have the problem with the state. See problems() for all of them.
     std::optional<Problem> problemWith(EndpointField field) const;
 
 private:

@@ -91,7 +91,7 @@ std::ostream& operator<<(std::ostream& out, const Format& format)
 {
     text::Fields fields(out, "Format");
     fields.add("rate", format.rate).add("bits", format.bits).add("validBits", format.validBits);
-    fields.add("channels", format.channels).add("encoding", keyOf(format.encoding));
+    fields.add("channels", format.channels).add("encoding", format.encoding);
     if (format.speakers)
         fields.add("speakers", text::hexCode(*format.speakers).c_str());
     fields.add("subFormat", format.subFormat);
@@ -110,6 +110,11 @@ const char* keyOf(Format::Encoding encoding) noexcept
         break;
     }
     return "other";
+}
+
+std::ostream& operator<<(std::ostream& out, Format::Encoding encoding)
+{
+    return out << keyOf(encoding);
 }
 
 std::vector<std::string> speakerNames(std::uint32_t mask)

@@ -1,8 +1,10 @@
 #include "sonavit/graph.h"
 
+#include "sonavit/enumnames.h"
 #include "sonavit/text.h"
 
 #include <algorithm>
+#include <array>
 #include <ostream>
 
 namespace sonavit
@@ -12,6 +14,10 @@ inline namespace v1
 namespace
 {
 constexpr std::size_t none = static_cast<std::size_t>(-1);
+
+constexpr std::array<const char*, 3> deviceKinds = {"endpoint", "adapter", "closed"};
+constexpr std::array<const char*, 3> edgeKinds = {"wire", "signalPath", "join"};
+constexpr std::array<const char*, 2> directions = {"in", "out"};
 
 /// The parts that follow each part on the way between an endpoint and the software: along the wires (against them for
 /// an output) and across joins, but not into another endpoint. Edges to parts that the graph does not have count for
@@ -208,9 +214,7 @@ std::ostream& operator<<(std::ostream& out, const Graph::Part& part)
     text::Fields fields(out, part.isConnector ? "Connector" : "Node");
     fields.add("device", part.device).add("id", part.id).add("number", part.number).add("name", part.name);
     fields.add("type", part.type);
-    if (part.direction)
-        fields.add("direction", keyOf(*part.direction));
-    fields.add("isJoined", part.isJoined);
+    fields.add("direction", part.direction).add("isJoined", part.isJoined);
     if (part.channels)
         fields.add("channels", *part.channels);
     fields.add("isMuted", part.isMuted).add("selection", part.selection);
@@ -253,42 +257,32 @@ std::ostream& operator<<(std::ostream& out, const Graph& graph)
 
 const char* keyOf(Graph::Device::Kind kind) noexcept
 {
-    switch (kind)
-    {
-    case Graph::Device::Kind::endpoint:
-        return "endpoint";
-    case Graph::Device::Kind::adapter:
-        return "adapter";
-    case Graph::Device::Kind::closed:
-        return "closed";
-    }
-    return "unknown";
+    return nameOf(deviceKinds, kind, unknownKey);
 }
 
 const char* keyOf(Graph::Edge::Kind kind) noexcept
 {
-    switch (kind)
-    {
-    case Graph::Edge::Kind::wire:
-        return "wire";
-    case Graph::Edge::Kind::path:
-        return "signalPath";
-    case Graph::Edge::Kind::join:
-        return "join";
-    }
-    return "unknown";
+    return nameOf(edgeKinds, kind, unknownKey);
 }
 
 const char* keyOf(Graph::Direction direction) noexcept
 {
-    switch (direction)
-    {
-    case Graph::Direction::in:
-        return "in";
-    case Graph::Direction::out:
-        return "out";
-    }
-    return "unknown";
+    return nameOf(directions, direction, unknownKey);
+}
+
+std::ostream& operator<<(std::ostream& out, Graph::Device::Kind kind)
+{
+    return out << keyOf(kind);
+}
+
+std::ostream& operator<<(std::ostream& out, Graph::Edge::Kind kind)
+{
+    return out << keyOf(kind);
+}
+
+std::ostream& operator<<(std::ostream& out, Graph::Direction direction)
+{
+    return out << keyOf(direction);
 }
 }
 }

@@ -115,6 +115,13 @@ bool Guid::isNull() const noexcept
     return *this == Guid();
 }
 
+std::size_t hashGuid(const Guid& guid) noexcept
+{
+    std::array<char, sizeof guid> bytes = {};
+    std::memcpy(bytes.data(), static_cast<const void*>(&guid), bytes.size());
+    return std::hash<std::string_view>()({bytes.data(), bytes.size()});
+}
+
 bool operator==(const Guid& left, const Guid& right) noexcept
 {
     return left.data1 == right.data1 && left.data2 == right.data2 && left.data3 == right.data3 &&

@@ -32,7 +32,8 @@ SONAVIT_CLIENT_API std::wstring wideText(std::string_view utf8);
 SONAVIT_CLIENT_API std::string utf8Text(std::wstring_view wide);
 
 /// A string that identifies one kind of object. Two are equal if they differ in the case of A to Z alone; text() keeps
-/// the spelling. Different kinds cannot be mixed up, and nothing converts to an id by itself.
+/// the spelling. Different kinds cannot be mixed up, and nothing converts to an id by itself. A value, ordered, and
+/// with a hash; any thread may use it.
 template<class Kind>
 class Id
 {
@@ -94,6 +95,7 @@ struct Guid
     SONAVIT_CLIENT_API bool isNull() const noexcept;
 };
 
+SONAVIT_CLIENT_API std::size_t hashGuid(const Guid& guid) noexcept;
 SONAVIT_CLIENT_API bool operator==(const Guid& left, const Guid& right) noexcept;
 SONAVIT_CLIENT_API bool operator<(const Guid& left, const Guid& right) noexcept;
 inline bool operator!=(const Guid& left, const Guid& right) noexcept
@@ -108,4 +110,10 @@ template<class Kind>
 struct std::hash<sonavit::Id<Kind>>
 {
     std::size_t operator()(const sonavit::Id<Kind>& id) const noexcept { return sonavit::hashId(id.text()); }
+};
+
+template<>
+struct std::hash<sonavit::Guid>
+{
+    std::size_t operator()(const sonavit::Guid& guid) const noexcept { return sonavit::hashGuid(guid); }
 };

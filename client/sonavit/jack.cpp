@@ -1,5 +1,6 @@
 #include "sonavit/jack.h"
 
+#include "sonavit/enumnames.h"
 #include "sonavit/text.h"
 
 #include <array>
@@ -12,75 +13,56 @@ inline namespace v1
 {
 namespace
 {
-struct Names
-{
-    int value;
-    const char* key;
-    const char* words;
-};
+constexpr std::array<EnumName, 11> formFactors = {{{"remoteNetworkDevice", "remote network device"},
+                                                   {"speakers", "speakers"},
+                                                   {"lineLevel", "line level"},
+                                                   {"headphones", "headphones"},
+                                                   {"microphone", "microphone"},
+                                                   {"headset", "headset"},
+                                                   {"handset", "handset"},
+                                                   {"digitalPassthrough", "digital passthrough"},
+                                                   {"spdif", "S/PDIF"},
+                                                   {"digitalDisplay", "digital display"},
+                                                   {"unknown", "unknown"}}};
 
-constexpr Names unnamed = {-1, "unknown", "unknown"};
+constexpr std::array<EnumName, 4> places = {
+    {{"primaryBox", "primary box"}, {"internal", "internal"}, {"separate", "separate box"}, {"other", "other"}}};
 
-constexpr std::array<Names, 11> formFactors = {{{0, "remoteNetworkDevice", "remote network device"},
-                                                {1, "speakers", "speakers"},
-                                                {2, "lineLevel", "line level"},
-                                                {3, "headphones", "headphones"},
-                                                {4, "microphone", "microphone"},
-                                                {5, "headset", "headset"},
-                                                {6, "handset", "handset"},
-                                                {7, "digitalPassthrough", "digital passthrough"},
-                                                {8, "spdif", "S/PDIF"},
-                                                {9, "digitalDisplay", "digital display"},
-                                                {10, "unknown", "unknown"}}};
+constexpr std::array<EnumName, 14> geometries = {{{"rear", "rear"},
+                                                  {"front", "front"},
+                                                  {"left", "left"},
+                                                  {"right", "right"},
+                                                  {"top", "top"},
+                                                  {"bottom", "bottom"},
+                                                  {"rearPanel", "rear panel"},
+                                                  {"riser", "riser"},
+                                                  {"insideMobileLid", "inside of the lid"},
+                                                  {"driveBay", "drive bay"},
+                                                  {"hdmi", "HDMI"},
+                                                  {"outsideMobileLid", "outside of the lid"},
+                                                  {"atapi", "ATAPI"},
+                                                  {"notApplicable", "not applicable"}}};
 
-constexpr std::array<Names, 4> places = {{{0, "primaryBox", "primary box"},
-                                          {1, "internal", "internal"},
-                                          {2, "separate", "separate box"},
-                                          {3, "other", "other"}}};
+constexpr std::array<EnumName, 12> connections = {{{"unknown", "unknown"},
+                                                   {"miniJack", "3.5 mm jack"},
+                                                   {"quarterInch", "quarter inch jack"},
+                                                   {"atapiInternal", "ATAPI internal"},
+                                                   {"rca", "RCA"},
+                                                   {"optical", "optical"},
+                                                   {"otherDigital", "other digital"},
+                                                   {"otherAnalog", "other analog"},
+                                                   {"multichannelDin", "multichannel DIN"},
+                                                   {"xlr", "XLR"},
+                                                   {"rj11Modem", "RJ11 modem"},
+                                                   {"combination", "combination"}}};
 
-constexpr std::array<Names, 14> geometries = {{{1, "rear", "rear"},
-                                               {2, "front", "front"},
-                                               {3, "left", "left"},
-                                               {4, "right", "right"},
-                                               {5, "top", "top"},
-                                               {6, "bottom", "bottom"},
-                                               {7, "rearPanel", "rear panel"},
-                                               {8, "riser", "riser"},
-                                               {9, "insideMobileLid", "inside of the lid"},
-                                               {10, "driveBay", "drive bay"},
-                                               {11, "hdmi", "HDMI"},
-                                               {12, "outsideMobileLid", "outside of the lid"},
-                                               {13, "atapi", "ATAPI"},
-                                               {14, "notApplicable", "not applicable"}}};
+constexpr std::array<EnumName, 4> ports = {{{"jack", "jack"},
+                                            {"integratedDevice", "integrated device"},
+                                            {"both", "jack and integrated device"},
+                                            {"unknown", "unknown"}}};
 
-constexpr std::array<Names, 12> connections = {{{0, "unknown", "unknown"},
-                                                {1, "miniJack", "3.5 mm jack"},
-                                                {2, "quarterInch", "quarter inch jack"},
-                                                {3, "atapiInternal", "ATAPI internal"},
-                                                {4, "rca", "RCA"},
-                                                {5, "optical", "optical"},
-                                                {6, "otherDigital", "other digital"},
-                                                {7, "otherAnalog", "other analog"},
-                                                {8, "multichannelDin", "multichannel DIN"},
-                                                {9, "xlr", "XLR"},
-                                                {10, "rj11Modem", "RJ11 modem"},
-                                                {11, "combination", "combination"}}};
-
-constexpr std::array<Names, 4> ports = {{{0, "jack", "jack"},
-                                         {1, "integratedDevice", "integrated device"},
-                                         {2, "both", "jack and integrated device"},
-                                         {3, "unknown", "unknown"}}};
-
-template<std::size_t Size, class Enum>
-const Names& namesOf(const std::array<Names, Size>& table, Enum value)
-{
-    for (const Names& names : table)
-    {
-        if (names.value == static_cast<int>(value))
-            return names;
-    }
-    return unnamed;
-}
+/// The geometry alone has no name for 0.
+constexpr int firstGeometry = 1;
 
 struct ColourName
 {
@@ -108,7 +90,7 @@ template<class Enum>
 std::string named(Enum value)
 {
     const std::string_view key = keyOf(value);
-    return std::string(key) + (key == unnamed.key ? " " + std::to_string(static_cast<int>(value)) : "");
+    return std::string(key) + (key == unknownKey ? " " + std::to_string(static_cast<int>(value)) : "");
 }
 
 /// What the jack is for: its kind, or else the kind of endpoint.
@@ -116,7 +98,7 @@ std::string purposeOf(const Jack& jack)
 {
     if (jack.kind() != NodeKind::other)
         return wordsOf(jack.kind());
-    if (!jack.formFactor || namesOf(formFactors, *jack.formFactor).key == std::string_view("unknown"))
+    if (!jack.formFactor || keyOf(*jack.formFactor) == std::string_view(unknownKey))
         return "Jack";
     std::string words = wordsOf(*jack.formFactor);
     if (words[0] >= 'a' && words[0] <= 'z')
@@ -147,7 +129,7 @@ std::string Jack::sentence() const
     if (colour && numberOf(*colour) != 0)
         result += ", " + colour->name();
     const bool isPlaced = geometry && *geometry != JackGeometry::notApplicable;
-    if (isPlaced && &namesOf(geometries, *geometry) != &unnamed)
+    if (isPlaced && keyOf(*geometry) != std::string_view(unknownKey))
         result += std::string(", ") + wordsOf(*geometry);
     if (isConnected == std::optional<bool>(false))
         result += ", nothing plugged in";
@@ -164,6 +146,11 @@ bool operator==(const Jack& left, const Jack& right) noexcept
     return left.type == right.type && left.formFactor == right.formFactor && left.channels == right.channels &&
            left.colour == right.colour && left.place == right.place && left.geometry == right.geometry &&
            left.connection == right.connection && left.port == right.port && left.isConnected == right.isConnected;
+}
+
+std::ostream& operator<<(std::ostream& out, const Colour& colour)
+{
+    return out << colour.name();
 }
 
 std::ostream& operator<<(std::ostream& out, const Jack& jack)
@@ -189,52 +176,77 @@ std::ostream& operator<<(std::ostream& out, const Jack& jack)
 
 const char* keyOf(FormFactor value) noexcept
 {
-    return namesOf(formFactors, value).key;
+    return nameOf(formFactors, value, unknownName).key;
 }
 
 const char* keyOf(JackPlace value) noexcept
 {
-    return namesOf(places, value).key;
+    return nameOf(places, value, unknownName).key;
 }
 
 const char* keyOf(JackGeometry value) noexcept
 {
-    return namesOf(geometries, value).key;
+    return nameOf(geometries, value, unknownName, firstGeometry).key;
 }
 
 const char* keyOf(JackConnection value) noexcept
 {
-    return namesOf(connections, value).key;
+    return nameOf(connections, value, unknownName).key;
 }
 
 const char* keyOf(JackPort value) noexcept
 {
-    return namesOf(ports, value).key;
+    return nameOf(ports, value, unknownName).key;
 }
 
 const char* wordsOf(FormFactor value) noexcept
 {
-    return namesOf(formFactors, value).words;
+    return nameOf(formFactors, value, unknownName).words;
 }
 
 const char* wordsOf(JackPlace value) noexcept
 {
-    return namesOf(places, value).words;
+    return nameOf(places, value, unknownName).words;
 }
 
 const char* wordsOf(JackGeometry value) noexcept
 {
-    return namesOf(geometries, value).words;
+    return nameOf(geometries, value, unknownName, firstGeometry).words;
 }
 
 const char* wordsOf(JackConnection value) noexcept
 {
-    return namesOf(connections, value).words;
+    return nameOf(connections, value, unknownName).words;
 }
 
 const char* wordsOf(JackPort value) noexcept
 {
-    return namesOf(ports, value).words;
+    return nameOf(ports, value, unknownName).words;
+}
+
+std::ostream& operator<<(std::ostream& out, FormFactor value)
+{
+    return out << wordsOf(value);
+}
+
+std::ostream& operator<<(std::ostream& out, JackPlace value)
+{
+    return out << wordsOf(value);
+}
+
+std::ostream& operator<<(std::ostream& out, JackGeometry value)
+{
+    return out << wordsOf(value);
+}
+
+std::ostream& operator<<(std::ostream& out, JackConnection value)
+{
+    return out << wordsOf(value);
+}
+
+std::ostream& operator<<(std::ostream& out, JackPort value)
+{
+    return out << wordsOf(value);
 }
 }
 }

@@ -31,7 +31,7 @@ enum class FormFactor : int
     unknown = 10
 };
 
-/// Colour of a jack; black stands for no colour in the platform's descriptions, too.
+/// Colour of a jack, each part from 0 to 255; black stands for no colour in the platform's descriptions, too.
 struct Colour
 {
     std::uint8_t red = 0;
@@ -96,7 +96,9 @@ enum class JackPort : int
     unknown = 3
 };
 
-/// One jack. All members but the first two come from the driver's description of its jacks, which many do not have.
+/// One jack. The first member comes from IPart::GetSubType of the adapter's connector or, without such a connector,
+/// from the endpoint's properties, the second one from these. All others come from IKsJackDescription, which many
+/// drivers do not have. What cannot be read has no value, and Endpoint::problemWith(EndpointField::jacks) says why.
 struct Jack
 {
     std::optional<Guid> type;              ///< of the connector that the endpoint is joined to
@@ -107,7 +109,7 @@ struct Jack
     std::optional<JackGeometry> geometry;
     std::optional<JackConnection> connection;
     std::optional<JackPort> port;
-    /// Whether something is plugged in, when the endpoint was read last.
+    /// Whether something is plugged in, when the endpoint was read last. A jack that cannot sense it reports true.
     std::optional<bool> isConnected;
 
     /// The kind of type; NodeKind::other without one.
@@ -126,6 +128,9 @@ inline bool operator!=(const Jack& left, const Jack& right) noexcept
 {
     return !(left == right);
 }
+/// Its name.
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Colour& colour);
+/// All members with a value, on one line.
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Jack& jack);
 
 /// "digitalDisplay" and the like, as in JSON; "unknown" for a number without a name.
@@ -134,11 +139,16 @@ SONAVIT_CLIENT_API const char* keyOf(JackPlace value) noexcept;
 SONAVIT_CLIENT_API const char* keyOf(JackGeometry value) noexcept;
 SONAVIT_CLIENT_API const char* keyOf(JackConnection value) noexcept;
 SONAVIT_CLIENT_API const char* keyOf(JackPort value) noexcept;
-/// "rear panel" and the like, for people.
+/// "rear panel" and the like, for people. Streams write these.
 SONAVIT_CLIENT_API const char* wordsOf(FormFactor value) noexcept;
 SONAVIT_CLIENT_API const char* wordsOf(JackPlace value) noexcept;
 SONAVIT_CLIENT_API const char* wordsOf(JackGeometry value) noexcept;
 SONAVIT_CLIENT_API const char* wordsOf(JackConnection value) noexcept;
 SONAVIT_CLIENT_API const char* wordsOf(JackPort value) noexcept;
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, FormFactor value);
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, JackPlace value);
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, JackGeometry value);
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, JackConnection value);
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, JackPort value);
 }
 }

@@ -4,6 +4,7 @@
 
 #include "sonavit/volume.h"
 
+#include <iosfwd>
 #include <optional>
 #include <variant>
 
@@ -11,10 +12,14 @@ namespace sonavit
 {
 inline namespace v1
 {
-/// The device's own steps, as its keys for louder and softer use them; of a hardware control, steps of its range.
+/// The device's own steps, as its keys for louder and softer use them (IAudioEndpointVolume::VolumeStepUp); of a
+/// hardware control, steps of its range.
 struct Steps
 {
     unsigned count = 1;
+
+    friend constexpr bool operator==(Steps left, Steps right) noexcept { return left.count == right.count; }
+    friend constexpr bool operator!=(Steps left, Steps right) noexcept { return left.count != right.count; }
 };
 
 /// A new level, or a step from the present one, for all channels or one of them.
@@ -22,6 +27,8 @@ struct Steps
 ///     audio.setVolume(id, Percent(40));
 ///     audio.setVolume(id, LevelChange::up(Decibels(3)));
 ///     audio.setVolume(id, LevelChange(Decibels(-12)).onChannel(1));
+///
+/// A value; any thread may use it.
 class SONAVIT_CLIENT_API LevelChange
 {
 public:
@@ -38,7 +45,8 @@ public:
     LevelChange(Decibels level);
     // NOLINTEND(google-explicit-constructor)
 
-    /// Louder or softer by that much. The result stops at the ends of the range.
+    /// Louder or softer by that much. The result stops at the ends of the range. A negative difference in decibels
+    /// reverses the direction.
     static LevelChange up(Percent difference);
     static LevelChange up(Decibels difference);
     static LevelChange up(Steps steps = Steps());
@@ -61,5 +69,13 @@ private:
     std::variant<Percent, Decibels, Steps> m_amount;
     std::optional<unsigned> m_channel;
 };
+
+SONAVIT_CLIENT_API bool operator==(const LevelChange& left, const LevelChange& right);
+inline bool operator!=(const LevelChange& left, const LevelChange& right)
+{
+    return !(left == right);
+}
+/// "to 40%", "up 3.00 dB", "down 2 steps, channel 1".
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const LevelChange& change);
 }
 }

@@ -12,7 +12,8 @@ namespace sonavit
 {
 inline namespace v1
 {
-/// The kinds that have names. A jack or a node has the GUID of its kind, see kindOf().
+/// The kinds that have names. A jack or a node has the GUID of its kind, a KSNODETYPE_ constant of the platform, see
+/// kindOf().
 enum class NodeKind : int
 {
     other, ///< any kind that is not in this list
@@ -63,7 +64,7 @@ enum class NodeKind : int
     peakMeter
 };
 
-/// The kind that a node type of the platform stands for.
+/// The kind that a node type of the platform stands for; NodeKind::other for an unknown one.
 SONAVIT_CLIENT_API NodeKind kindOf(const Guid& type) noexcept;
 /// The GUID of a kind; the null GUID for NodeKind::other.
 SONAVIT_CLIENT_API Guid guidOf(NodeKind kind) noexcept;

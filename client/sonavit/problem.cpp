@@ -1,5 +1,6 @@
 #include "sonavit/problem.h"
 
+#include "sonavit/enumnames.h"
 #include "sonavit/text.h"
 
 #include <array>
@@ -12,6 +13,9 @@ inline namespace v1
 {
 namespace
 {
+constexpr std::array<const char*, 10> kindKeys = {"platform",   "notThere", "ambiguous", "notSupported", "outOfRange",
+                                                  "unreadable", "noAnswer", "wouldWait", "ended",        "internal"};
+
 struct KnownCode
 {
     std::uint32_t code;
@@ -68,6 +72,16 @@ bool operator==(const Problem& left, const Problem& right) noexcept
 std::ostream& operator<<(std::ostream& out, const Problem& problem)
 {
     return out << problem.sentence();
+}
+
+const char* keyOf(Problem::Kind kind) noexcept
+{
+    return nameOf(kindKeys, kind, unknownKey);
+}
+
+std::ostream& operator<<(std::ostream& out, Problem::Kind kind)
+{
+    return out << keyOf(kind);
 }
 
 std::string reasonText(std::int32_t code)

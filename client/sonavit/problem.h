@@ -13,7 +13,7 @@ namespace sonavit
 inline namespace v1
 {
 /// Something that could not be read or done: what was tried on which object, and the platform's code. A value; any
-/// thread may use it.
+/// thread may use it. What was moved from has unspecified strings.
 class SONAVIT_CLIENT_API Problem
 {
 public:
@@ -45,9 +45,14 @@ public:
     Problem(Kind kind, std::string operation, std::string object, std::string sentence);
 
     Kind kind() const noexcept { return m_kind; }
+    /// The platform call that failed, "IMMDevice::OpenPropertyStore", with an argument that distinguishes it:
+    /// "IPropertyStore::GetValue(deviceFormat)"; otherwise the operation of the layer, "setVolume".
     const std::string& operation() const noexcept { return m_operation; }
+    /// The id of the endpoint, card, device or part that it was called on; empty for the computer as a whole.
     const std::string& object() const noexcept { return m_object; }
-    /// The platform's code; 0 if no platform call failed.
+    /// The HRESULT, or the MMRESULT of a wave function; 0 if no platform call failed. A call that succeeds and stores
+    /// null in place of an object has E_POINTER (0x80004003), one that stores what cannot be has 0x8007000D, and one
+    /// that stores a value of another type has 0x80020005.
     std::int32_t code() const noexcept { return m_code; }
     /// "0x80070005", or empty if no platform call failed.
     std::string codeText() const;
@@ -69,7 +74,11 @@ inline bool operator!=(const Problem& left, const Problem& right) noexcept
 {
     return !(left == right);
 }
+/// Its sentence.
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Problem& problem);
+/// "notThere" and the like, for logs and JSON. Streams write these.
+SONAVIT_CLIENT_API const char* keyOf(Problem::Kind kind) noexcept;
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, Problem::Kind kind);
 
 /// What an HRESULT means: "0x80070005, access denied"; the number alone if there are no words for it.
 SONAVIT_CLIENT_API std::string reasonText(std::int32_t code);

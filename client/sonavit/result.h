@@ -17,6 +17,14 @@ inline namespace v1
 using ChangeToken = std::uint64_t;
 
 /// A value, or a Problem. Asking for the one that is not there throws std::logic_error.
+///
+///     if (const sonavit::Result<sonavit::Volume> volume = audio.setVolume(id, sonavit::Percent(40)))
+///         std::cout << volume->sentence();
+///     else
+///         std::cout << volume.problem().sentence();
+///
+/// What was moved from still has the value or the problem, in its moved-from state. Threads may read it at the same
+/// time.
 template<class T>
 class [[nodiscard]] Result
 {

@@ -1,5 +1,6 @@
 #include "sonavit/snapshot.h"
 
+#include "sonavit/enumnames.h"
 #include "sonavit/text.h"
 
 #include <algorithm>
@@ -12,10 +13,14 @@ inline namespace v1
 {
 namespace
 {
-constexpr std::array<const char*, 7> idKindKeys = {"endpointId", "waveId",    "directSoundId", "cardId",
-                                                   "instanceId", "container", "parent"};
-constexpr std::array<const char*, 7> idKindWords = {"endpoint id", "wave id",   "DirectSound id", "card id",
-                                                    "instance id", "container", "parent"};
+constexpr std::array<EnumName, 2> services = {{{"running", "running"}, {"stopped", "stopped"}}};
+constexpr std::array<EnumName, 7> idKinds = {{{"endpointId", "endpoint id"},
+                                              {"waveId", "wave id"},
+                                              {"directSoundId", "DirectSound id"},
+                                              {"cardId", "card id"},
+                                              {"instanceId", "instance id"},
+                                              {"container", "container"},
+                                              {"parent", "parent"}}};
 
 /// The card and the endpoint with that id; no value if there is none, nor for the id of nothing.
 std::optional<CardEndpoint> placeOf(const std::vector<Card>& cards, const EndpointId& id)
@@ -102,6 +107,22 @@ bool operator==(const Snapshot& left, const Snapshot& right)
                         a.hardware == b.hardware && a.problems == b.problems);
 }
 
+std::ostream& operator<<(std::ostream& out, const Match& match)
+{
+    return out << match.by << ": " << match.place;
+}
+
+std::ostream& operator<<(std::ostream& out, const CardEndpoint& place)
+{
+    return out << place.card.title() << " / " << place.endpoint.title();
+}
+
+std::ostream& operator<<(std::ostream& out, const Hardware::EndpointControls& controls)
+{
+    text::Fields(out, "EndpointControls").add("endpoint", controls.endpoint.text()).add("controls", controls.controls);
+    return out;
+}
+
 std::ostream& operator<<(std::ostream& out, const Hardware& hardware)
 {
     text::Fields fields(out, "Hardware");
@@ -136,26 +157,32 @@ std::ostream& operator<<(std::ostream& out, const Snapshot& snapshot)
 
 const char* keyOf(Service service) noexcept
 {
-    switch (service)
-    {
-    case Service::running:
-        return "running";
-    case Service::stopped:
-        return "stopped";
-    }
-    return "unknown";
+    return nameOf(services, service, unknownName).key;
 }
 
 const char* keyOf(IdKind kind) noexcept
 {
-    const auto number = static_cast<unsigned>(kind);
-    return number < idKindKeys.size() ? idKindKeys[number] : "unknown";
+    return nameOf(idKinds, kind, unknownName).key;
+}
+
+const char* wordsOf(Service service) noexcept
+{
+    return nameOf(services, service, unknownName).words;
 }
 
 const char* wordsOf(IdKind kind) noexcept
 {
-    const auto number = static_cast<unsigned>(kind);
-    return number < idKindWords.size() ? idKindWords[number] : "unknown";
+    return nameOf(idKinds, kind, unknownName).words;
+}
+
+std::ostream& operator<<(std::ostream& out, Service service)
+{
+    return out << wordsOf(service);
+}
+
+std::ostream& operator<<(std::ostream& out, IdKind kind)
+{
+    return out << wordsOf(kind);
 }
 }
 }

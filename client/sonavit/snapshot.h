@@ -31,19 +31,20 @@ enum class Service : int
     stopped
 };
 
-/// What is read of a card only while it is watched, see System::watch().
+/// What is read of a card only while it is watched, see System::watch(). A value; any thread may use it.
 struct Hardware
 {
     /// The controls that act on one endpoint.
     struct EndpointControls
     {
         EndpointId endpoint;
-        std::vector<Control> controls;
+        std::vector<Control> controls; ///< as System::controls() returns them
     };
 
     CardId card;
     std::vector<EndpointControls> controls; ///< in the order of the card's endpoints
-    std::vector<Selector> selectors;
+    std::vector<Selector> selectors;        ///< as System::selectors() returns them
+    /// What could not be read, apart from the problems of the controls and selectors themselves.
     std::vector<Problem> problems;
 };
 
@@ -58,12 +59,12 @@ struct CardEndpoint
 enum class IdKind : int
 {
     endpointId,
-    waveId,
-    directSoundId,
+    waveId,        ///< Endpoint::waveId()
+    directSoundId, ///< Endpoint::directSoundId()
     cardId,
-    instanceId,
-    container,
-    parent
+    instanceId, ///< Card::instanceId(), or an instance path
+    container,  ///< Endpoint::container()
+    parent      ///< Card::parent()
 };
 
 /// One endpoint that find() has found, and by what.
@@ -77,10 +78,12 @@ struct Match
 ///
 /// A small value that shares its content with its copies; it never changes, and cards that did not change are shared
 /// between snapshots. References that its operations return are valid as long as a copy of the snapshot is. Any thread
-/// may use it.
+/// may use it. No operation calls the platform; a search compares with each endpoint. What was moved from can be
+/// assigned to and destroyed, and nothing else.
 class SONAVIT_CLIENT_API Snapshot
 {
 public:
+    /// All that a snapshot consists of, for code that makes snapshots, such as tests.
     struct Content
     {
         std::vector<Card> cards;
@@ -106,32 +109,43 @@ public:
     /// All endpoints of all cards, in their order; a list of its own.
     std::vector<Endpoint> endpoints() const;
 
-    // Each of these has no value if there is no such thing.
+    // Each of these has no value if there is no such thing. An empty id is that of nothing.
+
     std::optional<Endpoint> endpoint(const EndpointId& id) const;
     std::optional<Card> card(const CardId& id) const;
+    /// The card that the endpoint belongs to.
     std::optional<Card> cardOf(const EndpointId& id) const;
+    /// The endpoint that the user, or Windows, has chosen: IMMDeviceEnumerator::GetDefaultAudioEndpoint. If the
+    /// platform fails to report it, problems() says why.
     std::optional<Endpoint> defaultEndpoint(Flow flow, Role role = Role::console) const;
     /// The controls and selectors of a card that is watched.
     std::optional<Hardware> hardware(const CardId& card) const;
 
     /// The endpoint that a person means by @p text: its whole id, its whole name or description, or a part of one of
-    /// them that no other endpoint has; upper and lower case are alike.
+    /// them that no other endpoint has; the letters A to Z are equal in both cases. The spelling that is exactly
+    /// @p text goes first, then a whole name, then a part.
+    /// @param flow considers the endpoints of this flow alone, as many a device has the same name for its output and
+    /// its input
     /// @return Problem::Kind::notThere if there is none, Kind::ambiguous with the candidates if there are several,
     /// Kind::platform if it may be one whose names cannot be read
-    Result<Endpoint> endpointNamed(std::string_view text) const;
+    Result<Endpoint> endpointNamed(std::string_view text, std::optional<Flow> flow = std::nullopt) const;
     /// As endpointNamed(): by the card's id, its instance id, its title, or a part of one of them.
     Result<Card> cardNamed(std::string_view text) const;
 
-    /// All endpoints that @p id identifies: an endpoint id, a number of the wave functions, a DirectSound GUID, an
-    /// instance id or path, a container, a card id, the parent of a card. Only whole ids count; upper and lower case
-    /// are alike.
+    /// All endpoints that @p id identifies, in the order of endpoints(): an endpoint id, a number of the wave functions
+    /// in decimal digits, a DirectSound GUID, a card id, an instance id or path, a container, a parent. The same number
+    /// of the wave functions is that of an output and of an input. An endpoint that @p id identifies in several ways is
+    /// there once, by the first of them in the order of IdKind. Only whole ids count; the letters A to Z are equal in
+    /// both cases. Empty if there is none.
     std::vector<Match> find(std::string_view id) const;
 
+    /// Without the audio service there are no cards, and problems() says why.
     Service service() const noexcept { return m_content->service; }
-    /// What could not be read of the computer as a whole, such as the list of its inputs.
+    /// What could not be read of the computer as a whole: a list of endpoints, an entry of it, a default, a number of
+    /// the wave functions, the registration for events.
     const std::vector<Problem>& problems() const& noexcept { return m_content->problems; }
     std::vector<Problem> problems() && { return m_content->problems; }
-    /// Rises by one with each published change.
+    /// Rises by one with each published change of its System; 0 before the first reading.
     std::uint64_t generation() const noexcept { return m_content->generation; }
     /// When it was published.
     std::chrono::system_clock::time_point time() const noexcept { return m_content->time; }
@@ -160,6 +174,10 @@ SONAVIT_CLIENT_API bool operator==(const Hardware::EndpointControls& left, const
 SONAVIT_CLIENT_API bool operator==(const Hardware& left, const Hardware& right);
 /// Compares all but generation and time.
 SONAVIT_CLIENT_API bool operator==(const Snapshot& left, const Snapshot& right);
+inline bool operator!=(const Hardware::EndpointControls& left, const Hardware::EndpointControls& right)
+{
+    return !(left == right);
+}
 inline bool operator!=(const Hardware& left, const Hardware& right)
 {
     return !(left == right);
@@ -168,11 +186,22 @@ inline bool operator!=(const Snapshot& left, const Snapshot& right)
 {
     return !(left == right);
 }
+/// "endpoint id: " and the endpoint.
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Match& match);
+/// The titles of both.
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const CardEndpoint& place);
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Hardware::EndpointControls& controls);
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Hardware& hardware);
+/// All fields with a value, on one line.
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Snapshot& snapshot);
 
+/// "running", "directSoundId": as in JSON.
 SONAVIT_CLIENT_API const char* keyOf(Service service) noexcept;
 SONAVIT_CLIENT_API const char* keyOf(IdKind kind) noexcept;
+/// "running", "DirectSound id": for people. Streams write these.
+SONAVIT_CLIENT_API const char* wordsOf(Service service) noexcept;
 SONAVIT_CLIENT_API const char* wordsOf(IdKind kind) noexcept;
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, Service service);
+SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, IdKind kind);
 }
 }

@@ -116,9 +116,12 @@ private:
 };
 }
 
-Result<Endpoint> Snapshot::endpointNamed(std::string_view text) const
+Result<Endpoint> Snapshot::endpointNamed(std::string_view text, std::optional<Flow> flow) const
 {
-    return found(endpoints(), NameSearch("endpointNamed", "endpoint", text));
+    std::vector<Endpoint> candidates = endpoints();
+    const auto isOther = [&](const Endpoint& endpoint) { return flow && endpoint.flow() != *flow; };
+    candidates.erase(std::remove_if(candidates.begin(), candidates.end(), isOther), candidates.end());
+    return found(candidates, NameSearch("endpointNamed", flow ? wordsOf(*flow) : "endpoint", text));
 }
 
 Result<Card> Snapshot::cardNamed(std::string_view text) const

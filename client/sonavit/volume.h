@@ -15,8 +15,8 @@ inline namespace v1
 {
 /// A level or a difference of levels in percent, 0 to 100.
 ///
-/// Of an endpoint it is the platform's scalar times 100, of a hardware control the share of its decibel range. The
-/// level after set(get()) is the same.
+/// Of an endpoint it is the platform's scalar times 100, of a hardware control the share of its decibel range: two
+/// different scales. Who sets the percent that was read changes no level.
 class SONAVIT_CLIENT_API Percent
 {
 public:
@@ -31,16 +31,19 @@ public:
     friend bool operator==(Percent left, Percent right) noexcept { return left.m_value == right.m_value; }
     friend bool operator!=(Percent left, Percent right) noexcept { return left.m_value != right.m_value; }
     friend bool operator<(Percent left, Percent right) noexcept { return left.m_value < right.m_value; }
+    friend bool operator>(Percent left, Percent right) noexcept { return left.m_value > right.m_value; }
+    friend bool operator<=(Percent left, Percent right) noexcept { return left.m_value <= right.m_value; }
+    friend bool operator>=(Percent left, Percent right) noexcept { return left.m_value >= right.m_value; }
 
 private:
     double m_value;
 };
 
-/// A level or a difference of levels in decibels.
+/// A level or a difference of levels in decibels. 0 is the level at which the sound is passed unchanged.
 class SONAVIT_CLIENT_API Decibels
 {
 public:
-    /// Throws std::invalid_argument, a std::logic_error, if @p value is not a number.
+    /// Throws std::invalid_argument, a std::logic_error, if @p value is not a number; it may be infinite.
     explicit Decibels(double value);
 
     double value() const noexcept { return m_value; }
@@ -48,6 +51,9 @@ public:
     friend bool operator==(Decibels left, Decibels right) noexcept { return left.m_value == right.m_value; }
     friend bool operator!=(Decibels left, Decibels right) noexcept { return left.m_value != right.m_value; }
     friend bool operator<(Decibels left, Decibels right) noexcept { return left.m_value < right.m_value; }
+    friend bool operator>(Decibels left, Decibels right) noexcept { return left.m_value > right.m_value; }
+    friend bool operator<=(Decibels left, Decibels right) noexcept { return left.m_value <= right.m_value; }
+    friend bool operator>=(Decibels left, Decibels right) noexcept { return left.m_value >= right.m_value; }
 
 private:
     double m_value;
@@ -57,7 +63,8 @@ SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, Percent percent);
 SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, Decibels decibels); ///< "-12.50 dB"
 
 /// What levels a device can have, in decibels: minimum, minimum + step, and so on to maximum. 0 is the level at which
-/// the sound is passed unchanged; many maxima are above it. A step of 0 means that the device reports none.
+/// the sound is passed unchanged; many maxima are above it. A step of 0 means that the device reports none. The limits
+/// of a hardware control may be infinite.
 struct LevelRange
 {
     double minimum = 0;
@@ -75,16 +82,18 @@ struct Level
     SONAVIT_CLIENT_API std::string sentence() const;
 };
 
-/// The volume of an endpoint. What the platform fails to report has no value.
+/// The volume of an endpoint, as IAudioEndpointVolume reports it. What the platform fails to report has no value, and
+/// Endpoint::problemWith(EndpointField::volume) says why.
 struct Volume
 {
     Level master;
     std::optional<LevelRange> range;
-    std::optional<std::vector<Level>> channels; ///< by channel number, from 0
+    std::optional<std::vector<Level>> channels; ///< by channel number, from 0; no value if there is no count of them
     std::optional<bool> isMuted;
-    std::optional<bool> isInHardware; ///< whether the device itself attenuates
+    /// Whether the device itself attenuates, and not Windows.
+    std::optional<bool> isInHardware;
 
-    /// "40% (-18.00 dB)", and ", muted".
+    /// "40% (-18.00 dB)" of the master, and ", muted" if it is.
     SONAVIT_CLIENT_API std::string sentence() const;
 };
 

@@ -154,7 +154,7 @@ void EndpointList::readState(std::size_t index)
     reading::readState(m_readings[index]);
     if (isThere(m_readings[index]))
         notePresence(index);
-    else if (wasThere)
+    else if (wasThere && m_readings[index].content.state) // a failure to read the state is no absence
         noteAbsence(m_readings[index].content.id);
 }
 

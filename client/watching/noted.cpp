@@ -155,10 +155,9 @@ bool Watcher::readNewOnes()
     const std::optional<std::vector<std::size_t>> added = readList();
     if (!added)
         return false;
-    for (const EndpointId& id : *added)
+    for (const std::size_t index : *added)
     {
-        letChangesPass();
-        const std::size_t index = *m_endpoints.find(id);
+        letChangesPass(); // they leave the list as it is
         m_endpoints.read(index);
         judgeReading(index, {});
     }

@@ -83,8 +83,6 @@ void forgetProblems(Answers& answers)
         [](OfEndpoint& endpoint)
         {
             endpoint.content.problems.clear();
-            for (Control& control : endpoint.controls.value_or(std::vector<Control>()))
-                control.problems.clear();
             if (endpoint.controls)
                 std::for_each(endpoint.controls->begin(), endpoint.controls->end(),
                               [](Control& control) { control.problems.clear(); });

@@ -270,4 +270,19 @@ TEST_F(ReadingState, ThatIsNoneOfFourIsAProblem)
                     ElementsAre(IsFailureOf("IMMDevice::GetState", invalidData)));
     }
 }
+
+/// It may be an endpoint that cannot have them, so it is not asked for them.
+TEST_F(ReadingState, ThatCannotBeReadIsTheProblemOfVolumeAndJacks)
+{
+    run();
+    simulation().faults().fail("IMMDevice::GetState", E_ACCESSDENIED);
+
+    const sonavit::Endpoint endpoint(read(m_speaker).content);
+
+    EXPECT_FALSE(endpoint.volume());
+    for (const sonavit::EndpointField field :
+         {sonavit::EndpointField::state, sonavit::EndpointField::volume, sonavit::EndpointField::jacks})
+        EXPECT_THAT(endpoint.problemWith(field), testing::Optional(IsFailureOf("IMMDevice::GetState", E_ACCESSDENIED)));
+    EXPECT_THAT(endpoint.problems(), testing::SizeIs(1));
+}
 }

@@ -183,6 +183,36 @@ TEST_F(Grouping, TakesTheBusFromAnyEndpointAndSaysWhyThereIsNone)
     EXPECT_EQ(failing.busProblems, one.problems());
 }
 
+/// A failing property of one endpoint takes nothing from the card.
+TEST_F(Grouping, HasTheContainerOfTheEndpointsWhoseContainerCanBeRead)
+{
+    reading::EndpointReading unread = endpoint("out", Flow::output, "{1}.A");
+    unread.propertyProblems.push_back(
+        {sonavit::EndpointField::container,
+         sonavit::Problem::ofCall("IPropertyStore::GetValue(containerId)", "out", static_cast<std::int32_t>(E_ABORT))});
+    reading::EndpointReading one = endpoint("in", Flow::input, "{1}.A");
+    one.content.container = headset;
+    const reading::EndpointReading without = endpoint("other", Flow::input, "{1}.A");
+
+    EXPECT_EQ(headset, group({unread, one}).at(0).container());
+    EXPECT_EQ(std::nullopt, group({unread}).at(0).container());
+    EXPECT_EQ(std::nullopt, group({unread, one, without}).at(0).container());
+}
+
+TEST_F(Grouping, SharesACardWhoseTitleContainsControlCharacters)
+{
+    reading::EndpointReading one = endpoint("out", Flow::output, "{1}.A");
+    one.content.interfaceName = "Evil\nCard";
+    const std::vector<Card> before = group({one});
+
+    const std::vector<Card> after = group({one}, before);
+
+    EXPECT_EQ("Evil\xEF\xBF\xBD"
+              "Card",
+              after.at(0).title());
+    EXPECT_EQ(&before.at(0).content(), &after.at(0).content());
+}
+
 TEST_F(Grouping, SharesWhatDidNotChange)
 {
     start("desktop");

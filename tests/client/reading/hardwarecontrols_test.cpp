@@ -1,3 +1,4 @@
+#include "client/reading/text.h"
 #include "tests/client/reading/hardwaretest.h"
 
 #include <limits>
@@ -207,6 +208,21 @@ TEST_F(HardwareWalkControls, HaveNoValueForWhatCannotBeRead)
                                                IsFailureOf("IAudioMute::GetMute", E_ACCESSDENIED)));
 }
 
+/// Whether there is a mute is not known then, and the control says so.
+TEST_F(HardwareWalkControls, SayWhyTheirMuteCannotBeReached)
+{
+    sim::MachineBuilder builder;
+    const sim::EndpointBuilder speaker = builder.card("Codec").speaker().hardwareVolume({}).hardwareMute();
+    sim::Simulation& simulation = start(builder.build());
+    simulation.faults().fail("IPart::Activate", E_ACCESSDENIED).with("IAudioMute");
+
+    const std::vector<sonavit::Control> found = controls(speaker.id());
+
+    ASSERT_THAT(found, SizeIs(1));
+    EXPECT_FALSE(found[0].hasMute);
+    EXPECT_THAT(found[0].problems, ElementsAre(IsFailureOf("IPart::Activate(IAudioMute)", E_ACCESSDENIED)));
+}
+
 TEST_F(HardwareWalkControls, AreNoneWhereTheVolumeNodeHasNoLevel)
 {
     sim::MachineBuilder builder;
@@ -272,12 +288,19 @@ TEST_F(HardwareWalkObjects, ThatChangeAreLevelsMutesAndSelectorsOfTheCardOnce)
     const std::vector<sonavit::Card> all = cards();
     const reading::HardwareWalk walk(enumerator(), all);
 
-    const std::vector<sonavit::reading::Handle<IPart>> parts = walk.changingParts(cardOf(speaker.id()).id());
+    const std::vector<reading::HardwareWalk::ChangingControl> changing =
+        walk.changingControls(cardOf(speaker.id()).id());
 
     std::vector<UINT> numbers;
-    for (const sonavit::reading::Handle<IPart>& part : parts)
-        part->GetLocalId(&numbers.emplace_back());
+    std::vector<sonavit::Guid> interfaces;
+    for (const reading::HardwareWalk::ChangingControl& each : changing)
+    {
+        each.part->GetLocalId(&numbers.emplace_back());
+        interfaces.push_back(reading::guidOf(each.control));
+    }
     const std::vector<sim::Subunit>& nodes = card.adapter().topology->subunits;
     EXPECT_THAT(numbers, ElementsAre(nodes[0].localId, nodes[1].localId, nodes[2].localId));
+    EXPECT_THAT(interfaces, ElementsAre(reading::guidOf(IID_IAudioVolumeLevel), reading::guidOf(IID_IAudioMute),
+                                        reading::guidOf(IID_IAudioInputSelector)));
 }
 }

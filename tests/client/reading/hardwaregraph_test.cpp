@@ -44,6 +44,19 @@ TEST_F(HardwareWalkGraph, HasTheDevicesPartsAndEdgesOfACard)
     EXPECT_EQ(sonavit::Percent(75), partNamed(graph, "Volume").channels->at(0).level.percent);
 }
 
+/// Windows opens stores for writing to administrators alone; the walk reads the names of adapters from theirs.
+TEST_F(HardwareWalkGraph, OpensEachStoreForReadingAlone)
+{
+    start("studio");
+    simulation().journal().clear();
+
+    static_cast<void>(walkAll().graph());
+
+    const std::vector<std::string> calls = simulation().journal().of("IMMDevice::OpenPropertyStore").calls();
+    EXPECT_THAT(calls, testing::Not(testing::IsEmpty()));
+    EXPECT_THAT(calls, testing::Each("IMMDevice::OpenPropertyStore(0)"));
+}
+
 TEST_F(HardwareWalkGraph, HasTheLevelsAndMutesOfNow)
 {
     sim::MachineBuilder builder;

@@ -17,6 +17,30 @@ TEST(CardTitle, IsNeverEmpty)
     EXPECT_EQ("Unnamed card", Card(Card::Content()).title());
 }
 
+TEST(CardTitle, IsOnOneLineAndControlsNoTerminal)
+{
+    Card::Content content;
+    content.title = "Evil\x1B[2J\nCard \xC3\xA9";
+
+    EXPECT_EQ("Evil\xEF\xBF\xBD[2J\xEF\xBF\xBD"
+              "Card \xC3\xA9",
+              Card(content).title());
+}
+
+TEST(Card, CanBeAssignedToAndDestroyedAfterItWasMovedFrom)
+{
+    Card::Content content;
+    content.title = "Board";
+    Card card(content);
+    Card moved = std::move(card);
+    Card forgotten(content);
+    static_cast<void>(Card(std::move(forgotten)));
+
+    card = moved;
+
+    EXPECT_EQ(moved, card);
+}
+
 TEST(Card, SharesItsContentWithItsCopies)
 {
     const Card card;

@@ -446,3 +446,28 @@ TEST(Change, KeepsBothStatesAndTheEvents)
     EXPECT_EQ(Snapshot(), change.after());
     EXPECT_THAT(kindsOf(change.events()), ElementsAre("cardRemoved"));
 }
+
+TEST(Change, IsEqualIfBothStatesAndTheEventsAreAndIsPrintedWithItsEvents)
+{
+    Snapshot::Content content;
+    content.service = Service::stopped;
+    const Snapshot stopped(content);
+    const Change change(Snapshot(), stopped, difference(Snapshot(), stopped));
+    std::ostringstream out;
+    out << change;
+
+    EXPECT_EQ(change, Change(Snapshot(), stopped, difference(Snapshot(), stopped)));
+    EXPECT_NE(change, Change(Snapshot(), stopped, {}));
+    EXPECT_NE(change, Change(stopped, stopped, change.events()));
+    EXPECT_NE(change, Change(Snapshot(), Snapshot(), change.events()));
+    EXPECT_EQ("audio service: stopped\n", out.str());
+}
+
+TEST(EventEnumerations, ArePrinted)
+{
+    std::ostringstream out;
+    out << Event::Kind::endpointMoved << ' ' << Origin::both << ' ' << CardField::instancePath << ' '
+        << static_cast<Origin>(4);
+
+    EXPECT_EQ("endpointMoved both instance path unknown", out.str());
+}

@@ -92,6 +92,26 @@ TEST(EndpointProblems, AreFoundByTheirField)
     EXPECT_EQ(2u, endpoint.problems().size());
 }
 
+/// The platform is not asked for the volume of an endpoint that may be absent.
+TEST(EndpointProblems, AreThatOfTheStateForWhatOnlySomeStatesHave)
+{
+    const Problem unreadable = Problem::ofCall("IMMDevice::GetState", "{id}", 1);
+    Endpoint::Content content;
+    content.problems.push_back({EndpointField::state, unreadable});
+    const Endpoint unknown(content);
+    content.volume.emplace();
+    const Endpoint withVolume(content);
+    content.state = State::disabled;
+    content.volume.reset();
+    const Endpoint known(content);
+
+    EXPECT_EQ(unreadable, unknown.problemWith(EndpointField::volume));
+    EXPECT_EQ(unreadable, unknown.problemWith(EndpointField::jacks));
+    EXPECT_EQ(std::nullopt, unknown.problemWith(EndpointField::format));
+    EXPECT_EQ(std::nullopt, withVolume.problemWith(EndpointField::volume));
+    EXPECT_EQ(std::nullopt, known.problemWith(EndpointField::volume));
+}
+
 TEST(Endpoint, IsEqualIfEachFieldIs)
 {
     support::SnapshotGenerator generator(3);
@@ -204,4 +224,18 @@ TEST(Endpoint, IsPrintedWithTheNameOfEachField)
         }
     }
     EXPECT_THAT(missing, IsEmpty());
+}
+
+TEST(Endpoint, CanBeAssignedToAndDestroyedAfterItWasMovedFrom)
+{
+    Endpoint::Content content;
+    content.description = "Speakers";
+    Endpoint endpoint(content);
+    const Endpoint moved = std::move(endpoint);
+    Endpoint forgotten(content);
+    static_cast<void>(Endpoint(std::move(forgotten)));
+
+    endpoint = moved;
+
+    EXPECT_EQ(moved, endpoint);
 }

@@ -105,3 +105,12 @@ TEST(SpeakerWords, AreThoseOfTheUsualMasksOrTheSpeakersOneByOne)
     EXPECT_EQ("front left, front right and front center", speakerWords(0x7));
     EXPECT_EQ("0x80000000", speakerWords(0x80000000));
 }
+
+TEST(Format, HasEncodingsThatArePrintedAsTheirKeys)
+{
+    std::ostringstream out;
+    out << Format::Encoding::integer << ' ' << Format::Encoding::floatingPoint << ' '
+        << static_cast<Format::Encoding>(3);
+
+    EXPECT_EQ("pcm float other", out.str());
+}

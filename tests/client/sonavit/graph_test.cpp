@@ -236,6 +236,12 @@ TEST(Graph, IsEqualIfEachMemberIs)
     EXPECT_TRUE(differs([](Graph& graph) { graph.edges[0].to.reset(); }));
     EXPECT_TRUE(differs([](Graph& graph) { graph.edges[0].toDevice = 0; }));
     EXPECT_TRUE(differs([](Graph& graph) { graph.problems.emplace_back(Problem::Kind::internal, "", "", ""); }));
+    const Graph graph = cardGraph();
+    EXPECT_NE(graph.devices[0], Graph::Device());
+    EXPECT_NE(graph.parts[0], Graph::Part());
+    EXPECT_NE(graph.edges[0], graph.edges[1]);
+    EXPECT_FALSE(graph.devices[0] != graph.devices[0] || graph.parts[0] != graph.parts[0] ||
+                 graph.edges[0] != graph.edges[0]);
 }
 
 TEST(Graph, IsPrintedWithDevicesPartsAndEdges)
@@ -268,4 +274,13 @@ TEST(GraphEnumerations, HaveKeys)
     EXPECT_STREQ("in", keyOf(Graph::Direction::in));
     EXPECT_STREQ("out", keyOf(Graph::Direction::out));
     EXPECT_STREQ("unknown", keyOf(static_cast<Graph::Direction>(2)));
+}
+
+TEST(GraphEnumerations, ArePrintedAsTheirKeys)
+{
+    std::ostringstream out;
+    out << Graph::Device::Kind::closed << ' ' << Graph::Edge::Kind::path << ' ' << Graph::Direction::out << ' '
+        << static_cast<Graph::Direction>(2);
+
+    EXPECT_EQ("closed signalPath out unknown", out.str());
 }

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <unordered_map>
 #include <unordered_set>
 
 using namespace sonavit;
@@ -106,4 +107,15 @@ TEST(Guid, IsOrderedByItsMembers)
     EXPECT_LT(second, third);
     EXPECT_FALSE(third < third);
     EXPECT_NE(second, third);
+}
+
+TEST(Guid, IsAKeyOfHashTables)
+{
+    const Guid one = *Guid::parse("{8C7ED206-3F8A-4827-B3AB-AE9E1FAEFC6C}");
+    const Guid other = *Guid::parse("{8C7ED206-3F8A-4827-B3AB-AE9E1FAEFC6D}");
+    const std::unordered_map<Guid, int> numbers = {{one, 1}, {other, 2}};
+
+    EXPECT_EQ(1, numbers.at(*Guid::parse("8c7ed206-3f8a-4827-b3ab-ae9e1faefc6c")));
+    EXPECT_EQ(2, numbers.at(other));
+    EXPECT_NE(std::hash<Guid>()(one), std::hash<Guid>()(other));
 }

@@ -142,3 +142,15 @@ TEST(Jack, IsPrintedWithAllThatIsKnown)
 
     EXPECT_EQ("Jack(formFactor: unknown 99, channels: 3, colour: black, place: internal, isConnected: no)", out.str());
 }
+
+TEST(JackNames, ArePrintedInWords)
+{
+    std::ostringstream out;
+    out << FormFactor::lineLevel << ", " << JackPlace::primaryBox << ", " << JackGeometry::insideMobileLid << ", "
+        << JackConnection::miniJack << ", " << JackPort::both << ", " << static_cast<JackGeometry>(0) << ", "
+        << Colour{0x32, 0xCD, 0x32};
+
+    EXPECT_EQ(
+        "line level, primary box, inside of the lid, 3.5 mm jack, jack and integrated device, unknown, lime green",
+        out.str());
+}

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 using namespace sonavit;
 
 TEST(LevelChange, IsANewLevelByItself)
@@ -37,4 +39,26 @@ TEST(LevelChange, IsForAllChannelsOrForOne)
     EXPECT_EQ(1u, one.channel());
     EXPECT_EQ(LevelChange::Direction::up, one.direction());
     EXPECT_EQ(Decibels(3), std::get<Decibels>(one.amount()));
+}
+
+TEST(LevelChange, IsEqualIfDirectionAmountAndChannelAre)
+{
+    const LevelChange change = LevelChange::up(Decibels(3));
+
+    EXPECT_EQ(change, LevelChange::up(Decibels(3)));
+    EXPECT_NE(change, LevelChange::down(Decibels(3)));
+    EXPECT_NE(change, LevelChange::up(Percent(3)));
+    EXPECT_NE(change, LevelChange::up(Decibels(4)));
+    EXPECT_NE(change, change.onChannel(0));
+    EXPECT_EQ(Steps{2}, Steps{2});
+    EXPECT_NE(Steps{2}, Steps{1});
+}
+
+TEST(LevelChange, IsPrintedInWords)
+{
+    std::ostringstream out;
+    out << LevelChange(Percent(40)) << "; " << LevelChange::up(Decibels(3)) << "; "
+        << LevelChange::down(Steps{2}).onChannel(1234) << "; " << LevelChange::up();
+
+    EXPECT_EQ("to 40%; up 3.00 dB; down 2 steps, channel 1234; up 1 step", out.str());
 }

@@ -106,3 +106,15 @@ TEST(Result, ThrowsIfItIsAskedForWhatItDoesNotHave)
         EXPECT_STREQ("sonavit::Result: there is none", error.what());
     }
 }
+
+TEST(ProblemKind, HasAKeyThatIsPrinted)
+{
+    std::ostringstream out;
+    for (int kind = 0; kind <= 10; ++kind)
+        out << static_cast<Problem::Kind>(kind) << ' ';
+
+    EXPECT_EQ(
+        "platform notThere ambiguous notSupported outOfRange unreadable noAnswer wouldWait ended internal unknown ",
+        out.str());
+    EXPECT_STREQ("unknown", keyOf(static_cast<Problem::Kind>(-1)));
+}

@@ -139,7 +139,7 @@ TEST(Hardware, IsEqualIfEachMemberIs)
         differs([](Hardware& hardware) { hardware.problems.emplace_back(Problem::Kind::internal, "", "", ""); }));
     Hardware::EndpointControls controls;
     controls.controls.resize(1);
-    EXPECT_FALSE(controls == Hardware::EndpointControls());
+    EXPECT_NE(controls, Hardware::EndpointControls());
 }
 
 TEST(Snapshot, IsPrintedWithAllThatItHas)
@@ -169,4 +169,44 @@ TEST(SnapshotEnumerations, HaveKeysAndWords)
     EXPECT_STREQ("DirectSound id", wordsOf(IdKind::directSoundId));
     EXPECT_STREQ("unknown", keyOf(static_cast<IdKind>(7)));
     EXPECT_STREQ("unknown", wordsOf(static_cast<IdKind>(-1)));
+}
+
+TEST(Match, IsPrintedWithTheKindOfItsIdAndTheTitles)
+{
+    std::ostringstream out;
+    out << Match{{card("one", {}), endpoint("{a}")}, IdKind::directSoundId};
+
+    EXPECT_EQ("DirectSound id: Unnamed card / unnamed output {a}", out.str());
+}
+
+TEST(Hardware, HasControlsThatArePrintedWithTheirEndpoint)
+{
+    Hardware::EndpointControls controls;
+    controls.endpoint = EndpointId("{a}");
+    controls.controls.resize(1);
+    std::ostringstream out;
+    out << controls;
+
+    EXPECT_EQ("EndpointControls(endpoint: \"{a}\", controls: [Control(id: \"\", hasMute: no)])", out.str());
+}
+
+TEST(SnapshotEnumerations, ArePrintedInWords)
+{
+    std::ostringstream out;
+    out << Service::stopped << ' ' << IdKind::instanceId << ' ' << static_cast<IdKind>(7) << static_cast<Service>(-1);
+
+    EXPECT_EQ("stopped instance id unknownunknown", out.str());
+}
+
+/// The documented operations of a value that was moved from.
+TEST(Snapshot, CanBeAssignedToAndDestroyedAfterItWasMovedFrom)
+{
+    Snapshot snapshot(someContent());
+    const Snapshot moved = std::move(snapshot);
+    Snapshot forgotten(someContent());
+    static_cast<void>(Snapshot(std::move(forgotten)));
+
+    snapshot = moved;
+
+    EXPECT_EQ(moved, snapshot);
 }

@@ -118,6 +118,23 @@ TEST_F(SnapshotSearch, CutsLongNamesOfCandidates)
               found("xxxx"));
 }
 
+TEST_F(SnapshotSearch, ConsidersOneFlowAloneIfAskedTo)
+{
+    add("{0.0.0.00000000}.{eeeeeeee-0000}", "Headphones", "USB Headset");
+    const auto found = [this](const char* name, std::optional<Flow> flow)
+    {
+        const Result<Endpoint> result = snapshot().endpointNamed(name, flow);
+        return result ? result->description().value_or("") : result.problem().sentence();
+    };
+
+    EXPECT_THAT(found("usb headset", std::nullopt), HasSubstr("matches 3 endpoints: "));
+    EXPECT_EQ("Headphones", found("usb headset", Flow::output));
+    EXPECT_THAT(found("usb headset", Flow::input), HasSubstr("matches 2 inputs: "));
+    EXPECT_EQ("there is no input \"Rear\"", found("Rear", Flow::input));
+    EXPECT_EQ("there is no output \"{0.0.1.00000000}.{dddddddd-0000}\"",
+              found("{0.0.1.00000000}.{dddddddd-0000}", Flow::output));
+}
+
 TEST_F(SnapshotSearch, RefusesWhatNamesNothing)
 {
     EXPECT_EQ(Problem::Kind::notThere, problemKind("Trumpet"));

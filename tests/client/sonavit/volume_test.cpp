@@ -67,6 +67,14 @@ TEST(Percent, IsComparedByItsValue)
     EXPECT_NE(Percent(1), Percent(1.1));
     EXPECT_LT(Decibels(-2), Decibels(-1));
     EXPECT_NE(Decibels(-2), Decibels(-1));
+    EXPECT_GT(Percent(2), Percent(1));
+    EXPECT_LE(Percent(2), Percent(2));
+    EXPECT_GE(Percent(2), Percent(2));
+    EXPECT_FALSE(Percent(2) <= Percent(1) || Percent(1) >= Percent(2) || Percent(2) > Percent(2));
+    EXPECT_GT(Decibels(-1), Decibels(-2));
+    EXPECT_LE(Decibels(-1), Decibels(-1));
+    EXPECT_GE(Decibels(-1), Decibels(-1));
+    EXPECT_FALSE(Decibels(2) <= Decibels(1) || Decibels(1) >= Decibels(2) || Decibels(2) > Decibels(2));
 }
 
 TEST(Percent, IsPrintedAsAWholeNumber)
