@@ -37,7 +37,7 @@ ChangeToken restoreOthers(System& system)
     return system.restore(settings).token();
 }
 
-const Setter setters[] = {
+const Setter kindsOfSetter[] = {
     {"setVolume",
      [](System& system, auto&) { return system.setVolume(endpoint(system, "Main Monitors"), Decibels(-33)).token(); }},
     {"setMute", [](System& system, auto&) { return system.setMute(endpoint(system, "Main Monitors"), true).token(); }},
@@ -116,7 +116,7 @@ class EachSetter : public ChangeTokens, public testing::WithParamInterface<Sette
 {
 };
 
-INSTANTIATE_TEST_SUITE_P(Of, EachSetter, testing::ValuesIn(setters),
+INSTANTIATE_TEST_SUITE_P(Of, EachSetter, testing::ValuesIn(kindsOfSetter),
                          [](const testing::TestParamInfo<Setter>& test) { return std::string(test.param.name); });
 
 TEST_P(EachSetter, ShowsItsEffectWhenItReturnsAndGivesItsTokenToTheEvents)
