@@ -42,8 +42,8 @@ Result<T> onlyOne(const std::vector<T>& all, const std::string& what, const Ques
     return *found;
 }
 
-/// The input with the number and the name of the setting; failing that, the one with the name, then the one with the
-/// number: numbers change with drivers, names with languages.
+/// The input with the number and the name of the setting; failing that, the one with the name. Numbers change with
+/// drivers. Names change with languages: if the selector has another name, too, the number decides.
 Result<SelectorInput> inputOf(const Selector& selector, const Settings::SelectorSetting& setting)
 {
     const auto hasNumber = [&](const SelectorInput& input) { return input.number && input.number == setting.input; };
@@ -54,7 +54,8 @@ Result<SelectorInput> inputOf(const Selector& selector, const Settings::Selector
         return *both;
     const std::string name = setting.inputName.empty() ? std::to_string(setting.input.value_or(0)) : setting.inputName;
     Result<SelectorInput> byName = onlyOne(selector.inputs, name, hasName);
-    if (byName)
+    const bool isSameLanguage = selector.title() == setting.name;
+    if (byName || (isSameLanguage && !setting.inputName.empty()))
         return byName;
     const auto byNumber = std::find_if(selector.inputs.begin(), selector.inputs.end(), hasNumber);
     return byNumber == selector.inputs.end() ? byName : Result<SelectorInput>(*byNumber);

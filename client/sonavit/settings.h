@@ -41,8 +41,8 @@ public:
         std::string id; ///< SelectorId
         std::string name;
         std::optional<std::uint32_t> input;
-        /// The input is the one with this name and that number; if there is none, the one with this name; if there is
-        /// none, the one with that number.
+        /// The input is the one with this name and that number; if there is none, the one with this name. The number
+        /// alone decides if there is no name here, or if the selector has another name now, as in another language.
         std::string inputName;
     };
 

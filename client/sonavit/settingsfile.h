@@ -32,8 +32,8 @@ namespace sonavit::settingsfile
 {
 inline constexpr int version = 1;
 inline constexpr const char* unit = "dB";
-inline constexpr const char* comment =
-    "Levels are in dB. Change them, muted and inputName; what you remove is left as it is. Keep reference and id.";
+inline constexpr const char* comment = "Levels are in dB, such as -20.5. Change them, muted and inputName; what you "
+                                       "remove is left as it is. Keep reference and id.";
 
 inline constexpr std::size_t largestText = 16U * 1024 * 1024;
 inline constexpr std::size_t mostValues = 200000;

@@ -1,4 +1,6 @@
-#include "tests/support/clienttest.h"
+#include "tests/client/watching/watchtest.h"
+
+#include <gmock/gmock.h>
 
 #include <functional>
 #include <optional>
@@ -37,7 +39,7 @@ ChangeToken restoreOthers(System& system)
     return system.restore(settings).token();
 }
 
-const Setter kindsOfSetter[] = {
+const Setter everySetter[] = {
     {"setVolume",
      [](System& system, auto&) { return system.setVolume(endpoint(system, "Main Monitors"), Decibels(-33)).token(); }},
     {"setMute", [](System& system, auto&) { return system.setMute(endpoint(system, "Main Monitors"), true).token(); }},
@@ -60,55 +62,47 @@ const Setter kindsOfSetter[] = {
      }},
 };
 
-class ChangeTokens : public support::ClientTest
+/// All cards are watched. The clock stands still, so that a snapshot shows what a setter has published itself.
+class ChangeTokens : public support::WatchTest
 {
 protected:
-    /// A System whose subscriber is called by poll(), and which watches all cards.
     System& start()
     {
-        play("studio");
-        System::Options polled = options();
-        polled.delivery = Delivery::poll;
-        m_system.emplace(polled);
-        for (const Card& card : m_system->snapshot().cards())
-            m_watches.push_back(m_system->watch(card.id()).value());
-        m_subscription =
-            m_system->subscribe([this](const Change& change)
-                                { m_events.insert(m_events.end(), change.events().begin(), change.events().end()); });
-        return *m_system;
+        System& system = watch("studio");
+        for (const Card& card : system.snapshot().cards())
+            m_watches.push_back(system.watch(card.id()).value());
+        m_receiver.emplace(system);
+        return system;
     }
 
     void TearDown() override
     {
         m_hold.reset();
-        m_subscription = Subscription();
+        m_receiver.reset();
         m_watches.clear();
-        m_system.reset();
-        ClientTest::TearDown();
+        WatchTest::TearDown();
     }
 
-    /// Calls the subscriber with all that the platform has announced.
-    void deliver()
+    /// What the subscriber has got after all that the platform has announced.
+    std::vector<Event> events()
     {
         simulation().events().waitForClients();
-        ASSERT_TRUE(m_system->refresh());
-        m_system->poll();
+        advance(std::chrono::seconds(1));
+        return m_receiver->events();
     }
 
-    void expectOwnEvents(ChangeToken token)
+    static void expectOwn(const std::vector<Event>& events, ChangeToken token)
     {
-        EXPECT_FALSE(m_events.empty());
-        for (const Event& event : m_events)
+        EXPECT_FALSE(events.empty());
+        for (const Event& event : events)
         {
             EXPECT_EQ(event.origin, Origin::own) << event;
             EXPECT_THAT(event.tokens, ElementsAre(token)) << event;
         }
     }
 
-    std::optional<System> m_system;
     std::vector<Watch> m_watches;
-    Subscription m_subscription;
-    std::vector<Event> m_events;
+    std::optional<support::Receiver> m_receiver;
     std::optional<FormatHold> m_hold;
 };
 
@@ -116,7 +110,7 @@ class EachSetter : public ChangeTokens, public testing::WithParamInterface<Sette
 {
 };
 
-INSTANTIATE_TEST_SUITE_P(Of, EachSetter, testing::ValuesIn(kindsOfSetter),
+INSTANTIATE_TEST_SUITE_P(Of, EachSetter, testing::ValuesIn(everySetter),
                          [](const testing::TestParamInfo<Setter>& test) { return std::string(test.param.name); });
 
 TEST_P(EachSetter, ShowsItsEffectWhenItReturnsAndGivesItsTokenToTheEvents)
@@ -126,12 +120,11 @@ TEST_P(EachSetter, ShowsItsEffectWhenItReturnsAndGivesItsTokenToTheEvents)
 
     const ChangeToken token = GetParam().change(system, m_hold);
     const Snapshot after = system.snapshot();
-    deliver();
 
     EXPECT_NE(token, 0u);
     EXPECT_NE(after, before);
+    expectOwn(events(), token);
     EXPECT_EQ(system.snapshot(), after); // nothing of it came later
-    expectOwnEvents(token);
 }
 
 TEST_F(ChangeTokens, OfTheEndOfAHoldAreInItsEvents)
@@ -139,15 +132,13 @@ TEST_F(ChangeTokens, OfTheEndOfAHoldAreInItsEvents)
     System& system = start();
     const Snapshot before = system.snapshot();
     Result<FormatHold> hold = system.holdFormat(endpoint(system, "Main Monitors"), Format::integer(16, 44100, 2));
-    deliver();
-    m_events.clear();
+    events();
 
     const Result<Done> end = hold->end();
     const Snapshot after = system.snapshot();
-    deliver();
 
     EXPECT_NE(end.token(), 0u);
     EXPECT_EQ(after, before);
-    expectOwnEvents(end.token());
+    expectOwn(events(), end.token());
 }
 }

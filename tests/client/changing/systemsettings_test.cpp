@@ -317,6 +317,36 @@ TEST_F(SystemRestore, FindsAnInputByItsNameBeforeItsNumber)
     EXPECT_EQ(system.selectors(system.snapshot().cards().at(0).id())->at(0).selection, before.inputs.at(1).number);
 }
 
+/// A person who misspells the name must not get the input of before.
+TEST_F(SystemRestore, ReportsAnInputWhoseNameIsNotThereThoughItsNumberIs)
+{
+    System& system = start(sim::findMachine("studio"));
+    Settings settings = system.settings().value();
+    settings.endpoints.resize(1);
+    settings.endpoints[0].selectors.at(0).inputName = "Combo 33";
+
+    const RestoreReport report = system.restore(settings).value();
+
+    EXPECT_EQ(report.settings.back().outcome, Outcome::notFound) << described(report);
+    EXPECT_EQ(report.settings.back().problem->sentence(), "there is no \"Combo 33\" now");
+}
+
+TEST_F(SystemRestore, FindsAnInputByItsNumberOnASystemInAnotherLanguage)
+{
+    System& system = start(sim::findMachine("studio"));
+    const Selector before = system.select("Auxiliary Source", "Combo 3").value();
+    Settings settings = system.settings().value();
+    settings.endpoints.resize(1);
+    settings.endpoints[0].selectors.at(0).name = "Zusatzquelle";
+    settings.endpoints[0].selectors.at(0).inputName = "Kombibuchse 3";
+    ASSERT_TRUE(system.select("Auxiliary Source", before.inputs.at(1).title()));
+
+    const RestoreReport report = system.restore(settings).value();
+
+    EXPECT_EQ(report.settings.back().outcome, Outcome::restored) << described(report);
+    EXPECT_EQ(system.selectors(system.snapshot().cards().at(0).id())->at(0).selection, before.selection);
+}
+
 TEST_F(SystemRestore, LeavesASelectorAloneThatHadNoInput)
 {
     sim::Machine machine = sim::findMachine("studio");

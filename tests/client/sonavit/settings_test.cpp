@@ -42,7 +42,7 @@ Settings studio()
 
 constexpr const char* studioText = R"json({
   "settingsVersion": 1,
-  "comment": "Levels are in dB. Change them, muted and inputName; what you remove is left as it is. Keep reference and id.",
+  "comment": "Levels are in dB, such as -20.5. Change them, muted and inputName; what you remove is left as it is. Keep reference and id.",
   "unit": "dB",
   "endpoints": [
     {
