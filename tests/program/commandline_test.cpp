@@ -203,6 +203,9 @@ TEST(ProgramCommandLine, ReadsThatAGraphIsOfOnePathAlone)
 TEST(ProgramCommandLine, SaysInOneLineWhatIsWrong)
 {
     EXPECT_EQ("unknown command \"frobnicate\"; see sonavit --help", complaint({"frobnicate"}));
+    EXPECT_EQ("unknown command \"lst\" (did you mean \"list\"?); see sonavit --help", complaint({"lst"}));
+    EXPECT_EQ("unknown command \"selector\" (did you mean \"selectors\"?); see sonavit --help",
+              complaint({"help", "selector"}));
     EXPECT_EQ("unknown option \"--frob\"; see sonavit list --help", complaint({"list", "--frob"}));
     EXPECT_EQ("unknown option \"-x\"; see sonavit --help", complaint({"-x"}));
     EXPECT_EQ("unknown option \"--acount\" (did you mean \"--account\"?); see sonavit list --help",

@@ -162,7 +162,7 @@ TEST(ProgramReadControlChange, TakesZeroAndOneForLevels)
 TEST(ProgramReadControlChange, RefusesWhatIsNeither)
 {
     for (const char* const text : {"loud", "toggle", ""})
-        EXPECT_EQ("\"" + std::string(text) + "\" is not a volume: write 50%, -12.5dB, 5%+ or 5%-",
+        EXPECT_EQ("\"" + std::string(text) + "\" is not a volume: write 50%, -12.5dB, 5%+ or 5%-, or on or off",
                   complaint(readControlChange, text));
 }
 

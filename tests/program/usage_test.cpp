@@ -386,3 +386,8 @@ TEST_F(ProgramUsage, SaysOneLineAboutAnExceptionOfSeveral)
     EXPECT_EQ(1, std::count(sentence.begin(), sentence.end(), '\n'));
     EXPECT_LT(sentence.size(), 1100u);
 }
+
+TEST_F(ProgramUsage, SaysHowToGetTheHelpOfACommand)
+{
+    EXPECT_THAT(call({"--help"}).out, HasSubstr("\nsonavit help COMMAND describes a command.\n"));
+}

@@ -126,11 +126,24 @@ void raiseNotThere(const Snapshot& snapshot, const std::string& sentence)
     throw NotThere(sentence + "; sonavit list shows what there is");
 }
 
-void raiseOfHardware(const Problem& problem, const std::vector<Problem>& unread)
+void raiseOfHardware(const Problem& problem, const std::vector<Problem>& unread, const std::string& list)
 {
-    if (problem.kind() == Problem::Kind::notThere && !unread.empty())
+    if (problem.kind() != Problem::Kind::notThere)
+        raise(problem);
+    if (!unread.empty())
         throw OperationFailure(problem.sentence() + " in the hardware that can be read: " + unread.front().sentence());
-    raise(problem);
+    throw NotThere(problem.sentence() + "; " + list + " shows what there is");
+}
+
+void requireChannel(const LevelChange& change, std::size_t channels, const std::string& intention)
+{
+    const std::optional<unsigned> channel = change.channel();
+    if (!channel || *channel < channels)
+        return;
+    const std::string known = channels == 0   ? "it has none"
+                              : channels == 1 ? "the only one is 1"
+                                              : "they are 1 to " + std::to_string(channels);
+    throw OperationFailure(intention + ": there is no channel " + std::to_string(*channel + 1) + ", " + known);
 }
 
 CardEndpoint endpointNamed(const Snapshot& snapshot, const std::string& name)

@@ -1,9 +1,11 @@
 /// What the user names, among what there is.
 #pragma once
 
+#include "sonavit/levelchange.h"
 #include "sonavit/snapshot.h"
 #include "tools/sonavit/commands/commands.h"
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -17,8 +19,15 @@ inline constexpr const char* defaultInputName = "@DEFAULT_INPUT@";
 [[noreturn]] void raiseNotThere(const Snapshot& snapshot, const std::string& sentence);
 
 /// Throws what @p problem with a control or a selector means for the user. If it is not there, it may be one that could
-/// not be read: that is an OperationFailure. @param unread what could not be read of the hardware
-[[noreturn]] void raiseOfHardware(const Problem& problem, const std::vector<Problem>& unread);
+/// not be read: that is an OperationFailure.
+/// @param unread what could not be read of the hardware
+/// @param list the command that shows what there is
+[[noreturn]] void raiseOfHardware(const Problem& problem, const std::vector<Problem>& unread, const std::string& list);
+
+/// Throws OperationFailure if @p change is about a channel that does not exist. The sentence counts channels from 1.
+/// @param channels their number
+/// @param intention begins the sentence: "the volume of Speakers cannot be set"
+void requireChannel(const LevelChange& change, std::size_t channels, const std::string& intention);
 
 /// The endpoint that @p name names: by its whole id, by its whole name or description, by a part of one of them, or as
 /// a default. Upper and lower case are alike. Throws NotThere if there is none, UsageError, which lists the candidates,

@@ -22,7 +22,7 @@ bool isNegativeNumber(const std::string& word)
     return word.size() > 1 && word[0] == '-' && std::string("0123456789.").find(word[1]) != std::string::npos;
 }
 
-CommandLineGrammar::CommandLineGrammar()
+CommandLineGrammar::CommandLineGrammar(const std::vector<std::string>& words)
 {
     m_app.require_subcommand(0, 1);
     m_app.fallthrough();
@@ -32,9 +32,17 @@ CommandLineGrammar::CommandLineGrammar()
     m_app.get_formatter()->label("SUBCOMMAND", "COMMAND");
     m_app.get_formatter()->label("Positionals", "Arguments");
     addGlobalOptions();
-    addQuestions();
-    addChanges();
-    m_app.footer(std::string(help::endpointNames) + help::examples);
+    const auto isWord = [&](const std::string& word)
+    { return std::find(words.begin(), words.end(), word) != words.end(); };
+    const auto isNamed = [&](const Row& row) { return isWord(row.name); };
+    const bool isForHelp = isWord("help") || isWord("--help") || isWord("-h");
+    const bool hasAll = isForHelp || std::none_of(rows().begin(), rows().end(), isNamed);
+    for (const Row& row : rows())
+    {
+        if (hasAll || isNamed(row))
+            addVerb(row);
+    }
+    m_app.footer(std::string(help::moreHelp) + help::endpointNames + help::examples);
 }
 
 /// The parser takes the words from the back. Of the verbs that take a level every word with one dash may
@@ -134,6 +142,14 @@ std::vector<std::string> CommandLineGrammar::optionNames() const
                 names.push_back("--" + name);
         }
     }
+    return names;
+}
+
+std::vector<std::string> CommandLineGrammar::verbNames()
+{
+    std::vector<std::string> names;
+    for (const Row& row : rows())
+        names.emplace_back(row.name);
     return names;
 }
 

@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -16,11 +17,13 @@ namespace sonavit::program
 /// "-12.5dB" and "-.5dB" look like options; no option of ours begins with a digit or a point.
 bool isNegativeNumber(const std::string& word);
 
-/// The library's parser with all verbs and options. One object reads one command line.
+/// The library's parser with the verbs and options that a command line can mean. One object reads one command line.
 class CommandLineGrammar
 {
 public:
-    CommandLineGrammar();
+    /// Making a verb with its options takes longer than most commands: if @p words name verbs and ask for no help,
+    /// those are the only ones.
+    explicit CommandLineGrammar(const std::vector<std::string>& words);
     CommandLineGrammar(const CommandLineGrammar&) = delete;
     CommandLineGrammar& operator=(const CommandLineGrammar&) = delete;
 
@@ -52,17 +55,28 @@ public:
     /// "--account" and so on: the options of the chosen verb, and those of all.
     std::vector<std::string> optionNames() const;
 
+    /// Of all verbs.
+    static std::vector<std::string> verbNames();
+
     /// The help of the chosen verb, or of the program.
     std::string helpText() const;
 
 private:
+    struct Row;
+    static const std::vector<Row>& rows();
+
     void addGlobalOptions();
-    void addQuestions();
-    void addChanges();
-    CLI::App& verb(const std::string& name, Verb verb, const std::string& description, const std::string& footer = {});
-    CLI::App& verbOnEndpoint(const std::string& name, Verb verb, const std::string& description,
-                             const std::string& footer = {});
-    CLI::App& verbWithSource(CLI::App& verb);
+    void addVerb(const Row& row);
+    void addToList(CLI::App& verb);
+    void addToGraph(CLI::App& verb);
+    void addToMonitor(CLI::App& verb);
+    void addToSetControl(CLI::App& verb);
+    void addToFormat(CLI::App& verb);
+    void addEndpoint(CLI::App& verb);
+    void addEndpointAndVia(CLI::App& verb);
+    void addVia(CLI::App& verb);
+    void addCard(CLI::App& verb);
+    void addChannel(CLI::App& verb);
     static void addPositional(CLI::App& verb, const std::string& name, std::optional<std::string>& word,
                               const std::string& description, bool isRequired);
     static void addOption(CLI::App& verb, const std::string& name, std::optional<std::string>& word,
@@ -71,5 +85,15 @@ private:
     CLI::App m_app{"Lists the sound cards of this machine and controls their endpoints.", "sonavit"};
     std::map<const CLI::App*, Verb> m_verbs;
     CommandWords m_words;
+};
+
+/// A verb, as help lists it.
+struct CommandLineGrammar::Row
+{
+    const char* name;
+    Verb verb;
+    const char* description;
+    std::vector<const char*> footers;                        ///< paragraphs below its options
+    std::function<void(CommandLineGrammar&, CLI::App&)> add; ///< its arguments and options
 };
 }

@@ -31,6 +31,9 @@ const char* const eventKinds = "Only these kinds, with commas: added, removed,\n
 const char* const via = "Read with the client layer (layer, the default) or\n"
                         "with the object model (model)";
 
+const char* const moreHelp = "\n"
+                             "sonavit help COMMAND describes a command.\n";
+
 const char* const endpointNames = "\n"
                                   "ENDPOINT is the id or name of an endpoint, a part that no other id or name\n"
                                   "contains, @DEFAULT_OUTPUT@, or @DEFAULT_INPUT@.\n";
@@ -56,13 +59,16 @@ const char* const examples = "\n"
                              "  sonavit mute \"Headset Microphone\" on\n"
                              "  sonavit graph \"Analog Audio\" | dot -Tsvg -o graph.svg\n"
                              "  sonavit --machine studio --json controls \"Main Monitors\"\n"
+                             "  sonavit save levels.json; sonavit restore levels.json\n"
                              "\n"
                              "Exit codes: 0 success, 1 operation failed, 2 usage error, 3 not there.\n";
 
 const char* const list = "\n"
                          "The list marks default endpoints with *, and those of single roles with m\n"
                          "(multimedia) and c (communications). It marks cards with a line or a digital\n"
-                         "jack with [line] and [digital]. In a narrow terminal it leaves columns out.\n";
+                         "jack with [line] and [digital]. In a narrow terminal it leaves columns out.\n"
+                         "The columns of --short are id, flow, state, default roles, percent, decibels,\n"
+                         "mute, jack, card and name; what is not known is empty.\n";
 
 const char* const selectors = "\n"
                               "The list marks the selected input with *.\n";
@@ -100,9 +106,11 @@ const char* const restore = "\n"
                             "listed, and everything else is put back.\n";
 
 const char* const setControl = "\n"
-                               "LEVEL is a volume such as 50%, -12.5dB, 3dB+ or 5%-, or on or off, which mutes\n"
-                               "and unmutes.\n";
+                               "CONTROL is a name or a part that no other one contains, as controls shows it, or\n"
+                               "an id, as controls --json does. LEVEL is a volume such as 50%, -12.5dB, 3dB+ or\n"
+                               "5%-, or on or off, which mutes and unmutes.\n";
 
 const char* const select = "\n"
-                           "SELECTOR and INPUT are names, ids, or parts that no other one contains.\n";
+                           "SELECTOR and INPUT are names or parts that no other one contains, as selectors\n"
+                           "shows them, or ids, as selectors --json does.\n";
 }

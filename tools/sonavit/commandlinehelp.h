@@ -17,6 +17,7 @@ extern const char* const eventKinds;
 extern const char* const via;
 
 // Paragraphs below the list of options; each begins with an empty line.
+extern const char* const moreHelp;
 extern const char* const endpointNames;
 extern const char* const volumeForms;
 extern const char* const globalOptions;

@@ -2,8 +2,6 @@
 
 #include "tools/sonavit/commandlinegrammar.h"
 #include "tools/sonavit/commandlinerefusal.h"
-#include "tools/sonavit/failure.h"
-#include "tools/sonavit/output/text.h"
 
 #include <cstddef>
 
@@ -19,7 +17,7 @@ void replaceHelpCommand(const CommandLineGrammar& grammar, std::vector<std::stri
         return;
     const bool namesCommand = position + 1 < words.size() && words[position + 1].compare(0, 1, "-") != 0;
     if (namesCommand && grammar.verbNamed(words[position + 1]) == nullptr)
-        throw UsageError("unknown command " + inQuotes(words[position + 1]) + "; see sonavit --help");
+        refuseVerb(words[position + 1]);
     words.erase(words.begin() + static_cast<std::ptrdiff_t>(position));
     words.emplace_back("--help");
 }
@@ -27,7 +25,7 @@ void replaceHelpCommand(const CommandLineGrammar& grammar, std::vector<std::stri
 
 CommandWords parseCommandLine(std::vector<std::string> words)
 {
-    CommandLineGrammar grammar;
+    CommandLineGrammar grammar(words);
     refuseFlagValues(words);
     refuseEmptyValues(grammar, words);
     replaceHelpCommand(grammar, words);

@@ -6,6 +6,8 @@
 #include "tools/sonavit/output/text.h"
 
 #include <algorithm>
+#include <string>
+#include <vector>
 
 namespace sonavit::program
 {
@@ -28,11 +30,11 @@ void refuseMissingValues(const CommandLineGrammar& grammar, const std::vector<st
     }
 }
 
-/// ` (did you mean "--account"?)` if the chosen verb has an option like @p word; otherwise empty.
-std::string nearestOption(const CommandLineGrammar& grammar, const std::string& word)
+/// ` (did you mean "--account"?)` if one of @p names is like @p word; otherwise empty.
+std::string nearest(const std::string& word, const std::vector<std::string>& names)
 {
-    const std::string nearest = sim::nearestName(word.substr(0, word.find('=')), grammar.optionNames());
-    return nearest.empty() ? "" : " (did you mean " + inQuotes(nearest) + "?)";
+    const std::string name = sim::nearestName(word, names);
+    return name.empty() ? "" : " (did you mean " + inQuotes(name) + "?)";
 }
 
 void refuseExtras(const CommandLineGrammar& grammar)
@@ -43,10 +45,11 @@ void refuseExtras(const CommandLineGrammar& grammar)
     const std::string& first = extras.front();
     const std::string command = grammar.hasVerb() ? " " + grammar.chosen().get_name() : "";
     if (first.compare(0, 1, "-") == 0 && !isNegativeNumber(first))
-        throw UsageError("unknown option " + inQuotes(first) + nearestOption(grammar, first) + "; see sonavit" +
-                         command + " --help");
+        throw UsageError("unknown option " + inQuotes(first) +
+                         nearest(first.substr(0, first.find('=')), grammar.optionNames()) + "; see sonavit" + command +
+                         " --help");
     if (!grammar.hasVerb())
-        throw UsageError("unknown command " + inQuotes(first) + "; see sonavit --help");
+        refuseVerb(first);
     throw UsageError("unexpected argument " + inQuotes(first) + "; see sonavit" + command + " --help");
 }
 
@@ -91,6 +94,12 @@ void refuseEmptyValues(const CommandLineGrammar& grammar, const std::vector<std:
         if (option != nullptr)
             refuseMissingValue(name, *option);
     }
+}
+
+void refuseVerb(const std::string& word)
+{
+    throw UsageError("unknown command " + inQuotes(word) + nearest(word, CommandLineGrammar::verbNames()) +
+                     "; see sonavit --help");
 }
 
 void refuseCommandLine(const CommandLineGrammar& grammar, const std::vector<std::string>& words)

@@ -14,6 +14,9 @@ void refuseFlagValues(const std::vector<std::string>& words);
 /// Refuses "--account=": the parser would take the next word for the value.
 void refuseEmptyValues(const CommandLineGrammar& grammar, const std::vector<std::string>& words);
 
+/// Refuses a word that names no command.
+[[noreturn]] void refuseVerb(const std::string& word);
+
 /// Says what is wrong with @p words, which @p grammar has failed to parse.
 [[noreturn]] void refuseCommandLine(const CommandLineGrammar& grammar, const std::vector<std::string>& words);
 }

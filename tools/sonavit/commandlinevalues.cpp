@@ -18,6 +18,7 @@ namespace
 {
 constexpr double longestSeconds = 1e6;
 constexpr double wholeVolume = 100.0;
+constexpr const char* volumeForms = "write 50%, -12.5dB, 5%+ or 5%-";
 constexpr std::uint32_t bitsOfAByte = 8;
 constexpr std::uint32_t mostBits = 32;
 constexpr std::uint32_t lowestRate = 1000;
@@ -152,6 +153,33 @@ int takeSign(std::string& text, bool isAtFront)
     return sign == '+' ? 1 : -1;
 }
 
+/// @param forms what the user may write, for the sentence that refuses @p text
+LevelChange levelChange(const std::string& text, const std::string& forms)
+{
+    constexpr std::size_t mostCharacters = 12;
+    std::string rest = text;
+    const int signAtEnd = takeSign(rest, false);
+    const bool isPercent = takeEnd(rest, "%");
+    const bool isDecibels = !isPercent && takeEnd(rest, "dB");
+    const int signAtFront = takeSign(rest, true);
+    if (!isNumber(rest) || rest.size() > mostCharacters || (signAtEnd != 0 && signAtFront != 0))
+        refuseVolume(text, forms);
+    if (signAtFront != 0 && !isPercent && !isDecibels)
+        refuseVolume(text, "add the unit, as in " + text + "dB or " + text + "%");
+
+    const double amount = std::strtod(rest.c_str(), nullptr);
+    const int sign = signAtEnd + signAtFront; // one of them is 0
+    const bool isStep = signAtEnd != 0 || (signAtFront != 0 && isPercent);
+    if (!isDecibels && amount > wholeVolume)
+        refuseVolume(text, "percentages range from 0 to 100");
+    if (isDecibels && isStep)
+        return sign < 0 ? LevelChange::down(Decibels(amount)) : LevelChange::up(Decibels(amount));
+    if (isDecibels)
+        return Decibels(sign < 0 ? -amount : amount);
+    if (isStep)
+        return sign < 0 ? LevelChange::down(Percent(amount)) : LevelChange::up(Percent(amount));
+    return Percent(amount);
+}
 }
 
 sim::Account readAccount(const std::string& word)
@@ -232,30 +260,7 @@ sim::DeviceFormat readFormatRequest(const std::string& text)
 
 LevelChange readLevelChange(const std::string& text)
 {
-    constexpr std::size_t mostCharacters = 12;
-    constexpr const char* forms = "write 50%, -12.5dB, 5%+ or 5%-";
-    std::string rest = text;
-    const int signAtEnd = takeSign(rest, false);
-    const bool isPercent = takeEnd(rest, "%");
-    const bool isDecibels = !isPercent && takeEnd(rest, "dB");
-    const int signAtFront = takeSign(rest, true);
-    if (!isNumber(rest) || rest.size() > mostCharacters || (signAtEnd != 0 && signAtFront != 0))
-        refuseVolume(text, forms);
-    if (signAtFront != 0 && !isPercent && !isDecibels)
-        refuseVolume(text, "add the unit, as in " + text + "dB or " + text + "%");
-
-    const double amount = std::strtod(rest.c_str(), nullptr);
-    const int sign = signAtEnd + signAtFront; // one of them is 0
-    const bool isStep = signAtEnd != 0 || (signAtFront != 0 && isPercent);
-    if (!isDecibels && amount > wholeVolume)
-        refuseVolume(text, "percentages range from 0 to 100");
-    if (isDecibels && isStep)
-        return sign < 0 ? LevelChange::down(Decibels(amount)) : LevelChange::up(Decibels(amount));
-    if (isDecibels)
-        return Decibels(sign < 0 ? -amount : amount);
-    if (isStep)
-        return sign < 0 ? LevelChange::down(Percent(amount)) : LevelChange::up(Percent(amount));
-    return Percent(amount);
+    return levelChange(text, volumeForms);
 }
 
 std::variant<LevelChange, MuteChange> readControlChange(const std::string& text)
@@ -265,6 +270,6 @@ std::variant<LevelChange, MuteChange> readControlChange(const std::string& text)
     const bool isNumber = text == "0" || text == "1"; // a level
     if (mute != muteChanges.end() && !isNumber && mute->change != MuteChange::toggle)
         return mute->change;
-    return readLevelChange(text);
+    return levelChange(text, std::string(volumeForms) + ", or on or off");
 }
 }

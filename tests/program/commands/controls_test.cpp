@@ -288,3 +288,72 @@ TEST_F(ProgramSetControl, SaysThatAControlHasNoMute)
     EXPECT_EQ(1, answer.code);
     EXPECT_THAT(answer.err, HasSubstr("mute"));
 }
+
+namespace
+{
+/// The small machine; the node and the connector of the speaker's volume in the hardware have these names.
+sim::Machine withNames(const std::string& node, const std::string& connector)
+{
+    sim::Machine machine = support::smallMachine();
+    for (sim::Adapter& adapter : machine.adapters)
+    {
+        for (sim::Connector& known : adapter.topology->connectors)
+        {
+            if (known.name == "Speakers")
+                known.name = connector;
+        }
+        for (sim::Subunit& subunit : adapter.topology->subunits)
+        {
+            if (subunit.name == "Volume")
+                subunit.name = node;
+        }
+    }
+    return machine;
+}
+}
+
+TEST_F(ProgramControls, ShowTheNameOfTheNodeWhereTheConnectorHasNone)
+{
+    run(withNames("Front Gain", ""));
+
+    EXPECT_THAT(call({"controls", "Speakers"}).lines()[3], testing::StartsWith("Front Gain "));
+}
+
+TEST_F(ProgramControls, LeaveColumnsOutBeforeTheyCutANameThatTheUserHasToWrite)
+{
+    run(withNames("Main Playback Level", "Main Monitors Bridge"));
+    width = 80;
+
+    EXPECT_THAT(call({"controls", "Speakers"}).lines(),
+                testing::Contains(HasSubstr("Main Monitors Bridge, Main Playback Level Speaker ")));
+}
+
+TEST_F(ProgramSetControl, TakesTheNameThatControlsShows)
+{
+    run(withNames("Main Playback Level", "Main Monitors Bridge"));
+
+    const support::Answer answer =
+        call({"set-control", "Speakers", "main monitors bridge, Main Playback Level", "-12dB"});
+
+    EXPECT_EQ(0, answer.code) << answer.err;
+    EXPECT_THAT(levels(), ElementsAre(-12, -12));
+}
+
+TEST_F(ProgramSetControl, SaysWhichChannelsThereAre)
+{
+    run(support::smallMachine());
+
+    const support::Answer answer = call({"set-control", "Speakers", "Volume", "-12dB", "--channel", "3"});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_EQ("sonavit: the control \"Speakers\" cannot be set: there is no channel 3, they are 1 to 2\n", answer.err);
+    EXPECT_THAT(levels(), ElementsAre(-6, -6));
+}
+
+TEST_F(ProgramSetControl, SaysWhereToLookForTheControls)
+{
+    run(support::smallMachine());
+
+    EXPECT_EQ("sonavit: there is no control \"endpoint\"; sonavit controls ENDPOINT shows what there is\n",
+              call({"set-control", "Speakers", "endpoint", "50%"}).err);
+}

@@ -386,5 +386,13 @@ TEST_F(ProgramGraph, ExplainsItsShapes)
 {
     run(support::smallMachine());
 
-    EXPECT_THAT(call({"graph"}).out, HasSubstr("legend"));
+    const std::string text = call({"graph"}).out;
+    const std::string marked = call({"graph", "--endpoint", "Speakers"}).out;
+
+    for (const char* const meaning :
+         {"connector", "volume and its level", "mute", "selector and its chosen input", "other node", "endpoint",
+          "wire within a device", "wire of the chosen input", "join between devices", "signal path within a device"})
+        EXPECT_THAT(text, HasSubstr("label=\"" + std::string(meaning) + "\"")) << meaning;
+    EXPECT_THAT(text, testing::Not(HasSubstr("path of the marked endpoint")));
+    EXPECT_THAT(marked, HasSubstr("path of the marked endpoint"));
 }

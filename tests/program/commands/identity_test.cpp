@@ -185,7 +185,7 @@ TEST_F(ProgramResolve, EndsWithExitCode3IfTheReferenceMeansNothingHere)
     const Answer answer = call({"resolve", speakers});
 
     EXPECT_EQ(3, answer.code);
-    EXPECT_EQ("sonavit: no endpoint fits\n", answer.err);
+    EXPECT_EQ("sonavit: no endpoint fits the reference; sonavit list shows what there is\n", answer.err);
     EXPECT_EQ("", answer.out);
 }
 
@@ -199,4 +199,18 @@ TEST_F(ProgramResolve, RefusesWhatIsNoReference)
         EXPECT_EQ(2, answer.code) << text;
         EXPECT_THAT(answer.err, StartsWith("sonavit: ")) << text;
     }
+}
+
+TEST_F(ProgramResolve, TakesNoEndpointThatCannotBeListedForAMissingOne)
+{
+    run(support::smallMachine());
+    const std::string speakers = referenceTo("Speakers");
+    simulation().faults().fail("IMMDeviceEnumerator::EnumAudioEndpoints").with("eRender");
+
+    const Answer answer = call({"resolve", speakers});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_THAT(answer.err,
+                HasSubstr("no endpoint fits the reference among those that can be read, as the system cannot "
+                          "list its outputs: "));
 }

@@ -101,3 +101,18 @@ TEST_F(ProgramListOptions, PrintNothingForWhatIsNotKnown)
     EXPECT_THAT(call({"list", "--short"}).out,
                 testing::EndsWith("\toutput\tnotPresent\t\t\t\t\t\tCard\tGone (Card)\n"));
 }
+
+TEST_F(ProgramListOptions, ShowIdsThatEndpointsThatAreLeftOutDoNotHaveEither)
+{
+    sim::MachineBuilder builder;
+    builder.card("Board").speaker("Speakers");
+    builder.usbCard("Headset").headphones("Earphones");
+    sim::Machine alike = builder.build();
+    std::string id = alike.endpoints[0].id; // the other one's but for its last digit
+    char& lastDigit = id[id.size() - 2];
+    lastDigit = lastDigit == '0' ? '1' : '0';
+    alike.endpoints[1].id = id;
+    run(alike);
+
+    EXPECT_THAT(call({"list", "--card", "Headset"}).out, testing::HasSubstr("  " + id + "\n"));
+}

@@ -198,3 +198,13 @@ TEST_F(ProgramSelectors, SayWhatCouldNotBeReadOnTheWay)
     ASSERT_FALSE(problems.empty());
     EXPECT_EQ("0x80004005", problems[0]["code"]);
 }
+
+TEST_F(ProgramSelect, SaysWhereToLookForSelectorsAndInputs)
+{
+    run(builder.build());
+
+    EXPECT_EQ("sonavit: there is no selector \"Trumpet\"; sonavit selectors shows what there is\n",
+              call({"select", "Trumpet", "Microphone"}).err);
+    EXPECT_EQ("sonavit: there is no input \"Trumpet\"; sonavit selectors shows what there is\n",
+              call({"select", "Source", "Trumpet"}).err);
+}

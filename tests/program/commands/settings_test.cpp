@@ -193,3 +193,26 @@ TEST_F(ProgramRestore, SaysThatAChangeOfASimulatedMachineDoesNotLast)
     EXPECT_EQ(0, answer.code) << answer.out;
     EXPECT_THAT(answer.err, EndsWith("\nThe machine is simulated: the change lasts until sonavit ends.\n"));
 }
+
+TEST_F(ProgramRestore, SaysThatAFolderCannotBeRead)
+{
+    const std::string folder = std::filesystem::temp_directory_path().u8string();
+
+    const Answer answer = call({"restore", folder, "--machine", "empty"});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_THAT(answer.err, EndsWith("sonavit: the file \"" + folder + "\" cannot be read\n"));
+}
+
+TEST_F(ProgramRestore, RefusesAFileThatIsTooLargeForSettings)
+{
+    const std::filesystem::path path = std::filesystem::temp_directory_path() / "sonavit-large-settings.json";
+    std::ofstream(path) << "{}";
+    std::filesystem::resize_file(path, (std::uintmax_t{64} << 20) + 1);
+
+    const Answer answer = call({"restore", path.u8string(), "--machine", "empty"});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_THAT(answer.err, EndsWith(" is larger than 64 MiB\n"));
+    std::filesystem::remove(path);
+}

@@ -100,3 +100,16 @@ TEST_F(ProgramShow, ShowsNoRoleWhereTheSystemReportsNoDefault)
     EXPECT_EQ(0, answer.code);
     EXPECT_THAT(answer.lines(), Contains("  default for  -"));
 }
+
+TEST_F(ProgramShow, ContinuesALongValueBelowItsBeginningInANarrowTerminal)
+{
+    run(support::smallMachine());
+    simulation().faults().fail("IAudioEndpointVolume::GetMute");
+    width = 60;
+
+    const std::vector<std::string> lines = call({"show", "Speakers"}).lines();
+
+    EXPECT_THAT(lines, Contains("  not read     volume: IAudioEndpointVolume::GetMute failed:"));
+    EXPECT_THAT(lines, Contains("               0x80004005, unspecified error"));
+    EXPECT_THAT(lines, Contains("  endpoint id  " + support::speakerId())) << "an id is not broken";
+}

@@ -4,6 +4,7 @@
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/output/modeljson.h"
 #include "tools/sonavit/output/table.h"
+#include "tools/sonavit/output/tableprinter.h"
 #include "tools/sonavit/output/text.h"
 
 #include <algorithm>
@@ -69,8 +70,7 @@ void runAsk(Context& context)
     add("digital output", answers.digitalOut);
     add("line input", answers.lineIn);
     add("microphone input", answers.microphoneIn);
-    for (const std::string& line : table.lines(0, environment.hasColours))
-        environment.out << line << "\n";
+    printTable(environment, table);
     if (!isKnownCard)
     {
         environment.out << "No card has this instance id.\n";

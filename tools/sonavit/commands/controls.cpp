@@ -4,12 +4,14 @@
 #include "tools/sonavit/output/modeljson.h"
 #include "tools/sonavit/output/modelwords.h"
 #include "tools/sonavit/output/table.h"
+#include "tools/sonavit/output/tableprinter.h"
 #include "tools/sonavit/output/text.h"
 #include "tools/sonavit/problemnote.h"
 #include "tools/sonavit/simulationnote.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 
 namespace sonavit::program
 {
@@ -56,8 +58,10 @@ std::string stepWords(const std::optional<LevelRange>& range)
 /// The owner's name, and that of the node where it says more than that it is a volume.
 std::string nameWords(const Control& control)
 {
-    const std::string owner = printable(control.ownerName.value_or(nothing));
     const std::string own = printable(control.name.value_or(""));
+    if (!control.ownerName)
+        return own.empty() ? nothing : own;
+    const std::string owner = printable(*control.ownerName);
     const bool beginsWithOwner = equalNoCase(own.substr(0, owner.size() + 1), owner + " ");
     const std::string rest = beginsWithOwner ? own.substr(owner.size() + 1) : own;
     const bool saysMore =
@@ -101,7 +105,7 @@ void addRows(Table& table, const Control& control)
 
 void showTable(const Environment& environment, const Volume& own, const std::vector<Control>& controls)
 {
-    Table table({{Align::left, 0, 0, 12, 6, ""},
+    Table table({{Align::left, 0, 0, 0, 6, ""},
                  {Align::left, 2, 2, 0, 0, "jack"},
                  {Align::right, 2, 0, 0, 0, ""},
                  {Align::right, 2, 0, 0, 0, ""},
@@ -119,10 +123,7 @@ void showTable(const Environment& environment, const Volume& own, const std::vec
     table.add(row);
     for (const Control& control : controls)
         addRows(table, control);
-    for (const std::string& line : table.lines(environment.width, environment.hasColours))
-        environment.out << line << "\n";
-    for (const std::string& line : leftOutNote(table.leftOut(environment.width), environment.width))
-        environment.out << painted(line, Paint::dim, environment.hasColours) << "\n";
+    printTable(environment, table);
 }
 
 /// "-12.00 dB", of each channel where they differ.
@@ -140,14 +141,39 @@ std::string levelsWords(const Control& control)
     return words;
 }
 
-Result<Control> change(const Context& context, const Endpoint& endpoint)
+/// The id of the control that `controls` shows under the name that the user wrote; if there is none, or several, what
+/// the user wrote.
+std::string requestedControl(const Context& context, const std::vector<Control>& controls)
+{
+    const std::string& name = context.arguments.control;
+    const auto isThat = [&](const Control& control) { return equalNoCase(nameWords(control), name); };
+    const auto found = std::find_if(controls.begin(), controls.end(), isThat);
+    const bool isOnly = found != controls.end() && std::none_of(std::next(found), controls.end(), isThat);
+    return isOnly ? found->id.text() : name;
+}
+
+Result<Control> change(const Context& context, const Endpoint& endpoint, const std::string& control)
 {
     const Arguments& arguments = context.arguments;
     System& audio = context.session.audio();
     if (const LevelChange* const level = std::get_if<LevelChange>(&arguments.controlChange))
-        return audio.setControl(endpoint.id(), arguments.control, *level);
+        return audio.setControl(endpoint.id(), control, *level);
     const bool isMuted = std::get<MuteChange>(arguments.controlChange) == MuteChange::on;
-    return audio.setControlMute(endpoint.id(), arguments.control, isMuted);
+    return audio.setControlMute(endpoint.id(), control, isMuted);
+}
+
+/// Throws NotThere, OperationFailure or UsageError, whose sentence counts channels from 1.
+[[noreturn]] void raiseOfControl(const Context& context, const Problem& problem, const Found<Control>& known)
+{
+    const LevelChange* const level = std::get_if<LevelChange>(&context.arguments.controlChange);
+    const ControlId id(problem.object());
+    const auto control = std::find_if(known.things.begin(), known.things.end(),
+                                      [&](const Control& candidate) { return candidate.id == id; });
+    const bool isOutside = problem.kind() == Problem::Kind::outOfRange && control != known.things.end();
+    if (level != nullptr && isOutside && control->channels)
+        requireChannel(*level, control->channels->size(),
+                       "the control " + inQuotes(nameWords(*control)) + " cannot be set");
+    raiseOfHardware(problem, known.problems, "sonavit controls ENDPOINT");
 }
 
 /// The control as it was before it became @p after; no value if it was not there.
@@ -194,9 +220,9 @@ void runSetControl(Context& context)
     const CardEndpoint place = requestedEndpoint(context, snapshot);
     const Endpoint& endpoint = place.endpoint;
     const Found<Control> known = readControls(context, place);
-    const Result<Control> after = change(context, endpoint);
+    const Result<Control> after = change(context, endpoint, requestedControl(context, known.things));
     if (!after)
-        raiseOfHardware(after.problem(), known.problems);
+        raiseOfControl(context, after.problem(), known);
     announceTemporaryChange(context);
     const std::optional<Control> former = before(known.things, *after);
     if (context.arguments.isJson)

@@ -1,28 +1,20 @@
 #include "tools/sonavit/choice.h"
 #include "tools/sonavit/commands/commands.h"
 #include "tools/sonavit/failure.h"
+#include "tools/sonavit/output/fieldlist.h"
 #include "tools/sonavit/output/modeljson.h"
 #include "tools/sonavit/output/modelwords.h"
 #include "tools/sonavit/output/table.h"
+#include "tools/sonavit/output/tableprinter.h"
 #include "tools/sonavit/output/text.h"
 
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace sonavit::program
 {
 namespace
 {
-void showRows(const Environment& environment, const std::vector<std::pair<std::string, std::string>>& rows)
-{
-    Table table({{Table::Column::Align::left, 0, 0, 0}, {}});
-    for (const auto& [key, value] : rows)
-        table.add({{"  " + key, Paint::dim}, {value, Paint::none}});
-    for (const std::string& line : table.lines(0, environment.hasColours))
-        environment.out << line << "\n";
-}
-
 /// All ids of an endpoint.
 void showIds(const Environment& environment, const Match& match)
 {
@@ -30,16 +22,16 @@ void showIds(const Environment& environment, const Match& match)
     const Card& card = match.place.card;
     environment.out << painted(titleWords(endpoint), Paint::bold, environment.hasColours) << ", by its "
                     << wordsOf(match.by) << "\n";
-    showRows(environment, {{"flow", wordsOf(endpoint.flow())},
-                           {"state", stateWords(endpoint.state())},
-                           {"endpoint id", endpoint.id().isEmpty() ? nothing : printable(endpoint.id().text())},
-                           {"wave id", endpoint.waveId() ? std::to_string(*endpoint.waveId()) : nothing},
-                           {"DirectSound", orNothing(endpoint.directSoundId())},
-                           {"container", orNothing(endpoint.container())},
-                           {"card", printable(card.title())},
-                           {"card id", printable(card.id().text())},
-                           {"instance id", orNothing(card.instanceId())},
-                           {"parent", orNothing(card.parent())}});
+    showFields(environment, {{"flow", wordsOf(endpoint.flow())},
+                             {"state", stateWords(endpoint.state())},
+                             {"endpoint id", endpoint.id().isEmpty() ? nothing : printable(endpoint.id().text())},
+                             {"wave id", endpoint.waveId() ? std::to_string(*endpoint.waveId()) : nothing},
+                             {"DirectSound", orNothing(endpoint.directSoundId())},
+                             {"container", orNothing(endpoint.container())},
+                             {"card", printable(card.title())},
+                             {"card id", printable(card.id().text())},
+                             {"instance id", orNothing(card.instanceId())},
+                             {"parent", orNothing(card.parent())}});
 }
 
 Json matchJson(const Match& match)
@@ -111,7 +103,7 @@ void runResolve(Context& context)
     reportDenied(context, snapshot.cards());
     const Resolution resolution = resolve(snapshot, reference);
     if (resolution.candidates.empty())
-        throw NotThere(resolution.sentence());
+        raiseNotThere(snapshot, "no endpoint fits the reference");
     if (context.arguments.isJson)
     {
         Json candidates = Json::array();
@@ -135,7 +127,6 @@ void runResolve(Context& context)
                    {printable(candidate.reason), Paint::none},
                    {printable(endpoint.id().text()), Paint::dim}});
     }
-    for (const std::string& line : table.lines(0, environment.hasColours))
-        environment.out << line << "\n";
+    printTable(environment, table);
 }
 }

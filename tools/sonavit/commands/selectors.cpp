@@ -4,6 +4,7 @@
 #include "tools/sonavit/output/modeljson.h"
 #include "tools/sonavit/output/modelwords.h"
 #include "tools/sonavit/output/table.h"
+#include "tools/sonavit/output/tableprinter.h"
 #include "tools/sonavit/output/text.h"
 #include "tools/sonavit/problemnote.h"
 #include "tools/sonavit/simulationnote.h"
@@ -62,10 +63,7 @@ void showSelector(const Environment& environment, const Card& card, const Select
                    {kindWords(input.connectorType), paint},
                    {input.name ? "through " + printable(*input.name) : "", Paint::dim}});
     }
-    for (const std::string& line : table.lines(environment.width, environment.hasColours))
-        environment.out << line << "\n";
-    for (const std::string& line : leftOutNote(table.leftOut(environment.width), environment.width))
-        environment.out << painted(line, Paint::dim, environment.hasColours) << "\n";
+    printTable(environment, table);
     if (selector.selected() == nullptr)
         environment.out << "  selection " << (selector.selection ? std::to_string(*selector.selection) : nothing)
                         << "\n";
@@ -132,7 +130,7 @@ void runSelect(Context& context)
                                        ? audio.select(arguments.selector, arguments.input)
                                        : audio.select(cards.front().id(), arguments.selector, arguments.input);
     if (!after)
-        raiseOfHardware(after.problem(), known.problems);
+        raiseOfHardware(after.problem(), known.problems, "sonavit selectors");
     announceTemporaryChange(context);
     const std::optional<CardSelector> former = before(known.things, *after);
     const Card card = former ? former->card : Card();

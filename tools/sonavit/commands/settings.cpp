@@ -3,6 +3,7 @@
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/output/modeljson.h"
 #include "tools/sonavit/output/table.h"
+#include "tools/sonavit/output/tableprinter.h"
 #include "tools/sonavit/output/text.h"
 #include "tools/sonavit/simulationnote.h"
 #include "tools/sonavit/textfile.h"
@@ -53,8 +54,7 @@ void show(const Environment& environment, const RestoreReport& report)
                        {wordsOf(setting.outcome), paintOf(setting.outcome)},
                        {setting.problem ? printable(setting.problem->sentence()) : "", Paint::none}});
     }
-    for (const std::string& line : table.lines(0, environment.hasColours))
-        environment.out << line << "\n";
+    printTable(environment, table);
     environment.out << report.sentence() << "\n";
 }
 

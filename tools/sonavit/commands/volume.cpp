@@ -82,7 +82,12 @@ void runSetVolume(Context& context)
     const LevelChange& change = *context.arguments.level;
     const Result<Volume> after = context.session.audio().setVolume(endpoint.id(), change);
     if (!after)
-        raise(after.problem(), "the volume of " + shortTitleWords(endpoint) + " cannot be set");
+    {
+        const std::string intention = "the volume of " + shortTitleWords(endpoint) + " cannot be set";
+        if (after.problem().kind() == Problem::Kind::outOfRange && before.channels)
+            requireChannel(change, before.channels->size(), intention);
+        raise(after.problem(), intention);
+    }
 
     announceTemporaryChange(context);
     if (context.arguments.isJson)

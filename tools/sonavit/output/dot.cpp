@@ -12,7 +12,7 @@ namespace sonavit::program
 namespace
 {
 constexpr const char* pathColour = "#D9480F";
-constexpr const char* endpointFill = "#E6FCF5";
+constexpr const char* chosenStyle = "label=\"chosen\", arrowhead=\"dot\"";
 
 /// How a kind of node looks.
 struct Look
@@ -21,20 +21,27 @@ struct Look
     const char* fill;
 };
 
+constexpr Look connectorLook = {"box", "#FFFFFF"};
+constexpr Look volumeLook = {"invtrapezium", "#BFDBFE"};
+constexpr Look muteLook = {"octagon", "#FECACA"};
+constexpr Look selectorLook = {"house", "#FDE68A"};
+constexpr Look otherLook = {"ellipse", "#F1F3F5"};
+constexpr Look endpointLook = {"box", "#E6FCF5"};
+
 Look lookOf(const Graph::Part& part)
 {
     if (part.isConnector)
-        return {"box", "#FFFFFF"};
+        return connectorLook;
     switch (part.type ? kindOf(*part.type) : NodeKind::other)
     {
     case NodeKind::volume:
-        return {"invtrapezium", "#BFDBFE"};
+        return volumeLook;
     case NodeKind::mute:
-        return {"octagon", "#FECACA"};
+        return muteLook;
     case NodeKind::selector:
-        return {"house", "#FDE68A"};
+        return selectorLook;
     default:
-        return {"ellipse", "#F1F3F5"};
+        return otherLook;
     }
 }
 
@@ -113,13 +120,13 @@ void writeNode(std::ostream& out, const GraphView& view, std::size_t index)
 }
 
 /// Endpoints are filled, devices that cannot be opened are dashed, and so are endpoints that are not listed.
-const char* clusterStyle(const Graph::Device& device)
+std::string clusterStyle(const Graph::Device& device)
 {
     if (device.kind == Graph::Device::Kind::closed)
         return "style=\"rounded,dashed\"";
     if (device.kind != Graph::Device::Kind::endpoint)
         return "style=\"rounded\"";
-    return device.isListed ? "style=\"rounded,filled\", fillcolor=\"#E6FCF5\""
+    return device.isListed ? "style=\"rounded,filled\", fillcolor=" + dotQuoted(endpointLook.fill)
                            : "style=\"rounded,filled,dashed\", fillcolor=\"#F8F9FA\"";
 }
 
@@ -177,18 +184,21 @@ void writeDevice(std::ostream& out, const GraphView& view, std::size_t index)
     out << "  }\n";
 }
 
-const char* edgeStyle(Graph::Edge::Kind kind)
+/// How an edge looks: what it is by its line, whether it is on the marked path by its colour.
+std::string edgeStyle(Graph::Edge::Kind kind, bool isOnPath)
 {
+    const std::string path = std::string("color=") + dotQuoted(pathColour) + ", penwidth=\"3\"";
     switch (kind)
     {
     case Graph::Edge::Kind::join:
-        return "arrowhead=\"none\", penwidth=\"2\", tooltip=\"join\"";
+        return (isOnPath ? path : "penwidth=\"2\"") + ", arrowhead=\"none\", tooltip=\"join\"";
     case Graph::Edge::Kind::path:
-        return "style=\"dashed\", color=\"#868E96\", arrowhead=\"none\", constraint=\"false\", tooltip=\"signal path\"";
+        return (isOnPath ? path : "color=\"#868E96\"") +
+               ", style=\"dashed\", arrowhead=\"none\", tooltip=\"signal path\"";
     case Graph::Edge::Kind::wire:
         break;
     }
-    return "tooltip=\"wire\"";
+    return (isOnPath ? path + ", " : "") + "tooltip=\"wire\"";
 }
 
 /// Whether the edge leads from the chosen input into its selector.
@@ -203,18 +213,18 @@ bool isChosen(const Graph& graph, const Graph::Edge& edge)
 void writeEdge(std::ostream& out, const GraphView& view, const Graph::Edge& edge)
 {
     const std::string to = edge.to ? nodeName(*edge.to) : deviceNodeName(edge.toDevice.value_or(0));
-    out << "  " << nodeName(edge.from) << " -> " << to << " [" << edgeStyle(edge.kind);
+    out << "  " << nodeName(edge.from) << " -> " << to << " [" << edgeStyle(edge.kind, view.isOnPath(edge));
+    if (edge.kind == Graph::Edge::Kind::path) // wires alone decide where nodes are
+        out << ", constraint=\"false\"";
     if (isChosen(view.graph, edge))
-        out << ", label=\"chosen\", arrowhead=\"dot\"";
-    if (view.isOnPath(edge))
-        out << ", color=" << dotQuoted(pathColour) << ", penwidth=\"3\"";
+        out << ", " << chosenStyle;
     out << "];\n";
 }
 
-void writeSample(std::ostream& out, const char* name, const char* shape, const char* fill)
+void writeSample(std::ostream& out, const char* name, const Look& look)
 {
     out << "    " << dotQuoted(std::string("legend ") + name) << " [label=" << dotQuoted(name)
-        << ", shape=" << dotQuoted(shape) << ", fillcolor=" << dotQuoted(fill) << "];\n";
+        << ", shape=" << dotQuoted(look.shape) << ", fillcolor=" << dotQuoted(look.fill) << "];\n";
 }
 
 /// A line between two points, with its meaning on it.
@@ -223,24 +233,25 @@ void writeSample(std::ostream& out, const char* name, const std::string& style)
     const std::string from = dotQuoted(std::string("legend from ") + name);
     const std::string to = dotQuoted(std::string("legend to ") + name);
     out << "    " << from << " [shape=\"point\"];\n    " << to << " [shape=\"point\"];\n    " << from << " -> " << to
-        << " [label=" << dotQuoted(name) << ", " << style << "];\n";
+        << " [" << style << ", label=" << dotQuoted(name) << "];\n";
 }
 
 /// What the shapes and lines mean, as a cluster of its own.
 void writeLegend(std::ostream& out, const GraphView& view)
 {
     out << "  subgraph \"clusterLegend\" {\n    graph [label=\"legend\", style=\"dotted\"];\n";
-    writeSample(out, "connector", "box", "#FFFFFF");
-    writeSample(out, "volume and its level", "invtrapezium", "#BFDBFE");
-    writeSample(out, "mute", "octagon", "#FECACA");
-    writeSample(out, "selector and its chosen input", "house", "#FDE68A");
-    writeSample(out, "other node", "ellipse", "#F1F3F5");
-    writeSample(out, "endpoint", "box", endpointFill);
-    writeSample(out, "wire within a device", edgeStyle(Graph::Edge::Kind::wire));
-    writeSample(out, "join between devices", edgeStyle(Graph::Edge::Kind::join));
-    writeSample(out, "signal path within a device", edgeStyle(Graph::Edge::Kind::path));
+    writeSample(out, "connector", connectorLook);
+    writeSample(out, "volume and its level", volumeLook);
+    writeSample(out, "mute", muteLook);
+    writeSample(out, "selector and its chosen input", selectorLook);
+    writeSample(out, "other node", otherLook);
+    writeSample(out, "endpoint", endpointLook);
+    writeSample(out, "wire within a device", edgeStyle(Graph::Edge::Kind::wire, false));
+    writeSample(out, "wire of the chosen input", edgeStyle(Graph::Edge::Kind::wire, false) + ", arrowhead=\"dot\"");
+    writeSample(out, "join between devices", edgeStyle(Graph::Edge::Kind::join, false));
+    writeSample(out, "signal path within a device", edgeStyle(Graph::Edge::Kind::path, false));
     if (!view.path.empty())
-        writeSample(out, "path of the chosen endpoint", "color=" + dotQuoted(pathColour));
+        writeSample(out, "path of the marked endpoint", edgeStyle(Graph::Edge::Kind::wire, true));
     out << "  }\n";
 }
 }

@@ -42,7 +42,8 @@ std::string defaultWords(const Event& event)
 {
     const std::string what = std::string("default ") + wordsOf(event.flow.value_or(Flow::output)) + " for " +
                              wordsOf(event.role.value_or(Role::console));
-    return event.after ? what : "no " + what + " any more";
+    const std::string former = event.before ? ", formerly " + titleWords(*event.before) : "";
+    return (event.after ? what : "no " + what + " any more") + former;
 }
 
 std::string fieldWords(const Event& event)
