@@ -12,10 +12,10 @@
 
 namespace sonavit
 {
-/// Finds where in a list an id stands: a hash table with open addresses that holds positions and copies no id.
+/// Finds the position of an id in a list: a hash table with open addresses that holds positions and copies no id.
 ///
-/// Each operation takes @p idAt, which gives the id at a position of the list as a std::string_view. What stands at a
-/// position that was added may be replaced by what has the same id. Upper and lower case are alike.
+/// Each operation takes @p idAt, which gives the id at a position of the list as a std::string_view. The list may
+/// replace what it has at a position that was added by something with the same id. Upper and lower case are alike.
 class IdIndex
 {
 public:
@@ -28,7 +28,7 @@ public:
         m_slots.resize(count);
     }
 
-    /// @return where the id stands: @p position, or an earlier one that was added with the same id, and nothing changes
+    /// @return the position of the id: @p position, or an earlier one that was added with the same id, and nothing changes
     template<class IdAt>
     std::size_t add(std::size_t position, const IdAt& idAt)
     {
