@@ -1,11 +1,12 @@
 #include "COM/interfacequery.h"
 #include "COM/tasktext.h"
 #include "client/reading/endpointreading.h"
-#include "client/reading/idindex.h"
 #include "client/reading/judge.h"
 #include "client/reading/text.h"
+#include "sonavit/idindex.h"
 
 #include <array>
+#include <string_view>
 #include <utility>
 
 namespace sonavit::reading
@@ -92,8 +93,8 @@ private:
         if (!m_judge.gives(device->GetId(text.put()), *text.put(), {"IMMDevice::GetId"}))
             return false;
         m_items.push_back({EndpointId(utf8(text.get())), flow, std::move(device)});
-        const auto idAt = [this](std::size_t place) -> const EndpointId& { return m_items[place].id; };
-        if (!m_items.back().id.isEmpty() && m_places.add(m_items.size() - 1, idAt))
+        const auto idAt = [this](std::size_t place) -> std::string_view { return m_items[place].id.text(); };
+        if (!m_items.back().id.isEmpty() && m_places.add(m_items.size() - 1, idAt) == m_items.size() - 1)
             return true;
         m_items.pop_back(); // an endpoint without id, or a second one with the same id
         m_judge.fails(invalidData, {"IMMDevice::GetId"});

@@ -32,12 +32,42 @@ void EndpointPairs::pairWithinCards()
     }
 }
 
+/// If both lists have the same ids at the same places, as after a change of a value, only what differs is a pair.
+/// @return false if they have not, or if more differ than are worth comparing with all before them
+bool EndpointPairs::pairInPlace(std::size_t before, std::size_t after, const std::vector<Endpoint>& were,
+                                const std::vector<Endpoint>& are)
+{
+    constexpr std::size_t few = 4;
+    const auto isSame = [](const Endpoint& left, const Endpoint& right)
+    { return &left.content() == &right.content() || left.id() == right.id(); };
+    if (!std::equal(were.begin(), were.end(), are.begin(), are.end(), isSame))
+        return false;
+    const std::size_t kept = m_kept.size();
+    for (std::size_t i = 0; i < are.size(); ++i)
+    {
+        if (&were[i].content() == &are[i].content())
+            continue;
+        if (m_kept.size() == kept + few)
+        {
+            m_kept.resize(kept);
+            return false;
+        }
+        const auto end = are.begin() + static_cast<std::ptrdiff_t>(i);
+        const auto isAlike = [&](const Endpoint& other) { return other.id() == are[i].id(); };
+        const auto occurrence = static_cast<std::size_t>(std::count_if(are.begin(), end, isAlike));
+        m_kept.push_back({{before, i}, {after, i}, occurrence, false});
+    }
+    return true;
+}
+
 /// Takes the places of one card in both snapshots; one of them may be none.
 void EndpointPairs::pairWithinCard(std::size_t before, std::size_t after)
 {
     static const std::vector<Endpoint> noEndpoints;
     const std::vector<Endpoint>& were = before == none ? noEndpoints : m_before[before].endpoints();
     const std::vector<Endpoint>& are = after == none ? noEndpoints : m_after[after].endpoints();
+    if (pairInPlace(before, after, were, are))
+        return;
     const Matching endpoints(idsOf(were), idsOf(are));
     for (std::size_t i = 0; i < were.size(); ++i)
     {

@@ -42,7 +42,7 @@ public:
     const std::vector<EndpointPair>& removed() const noexcept { return m_removed; }
     /// In the order of the snapshot after, as the next two.
     const std::vector<EndpointPair>& added() const noexcept { return m_added; }
-    /// Of cards of both snapshots; some of them moved inside their cards.
+    /// Of cards of both snapshots; some of them moved inside their cards. Some that are the same are left out.
     const std::vector<EndpointPair>& kept() const noexcept { return m_kept; }
     /// From one card to another.
     const std::vector<EndpointPair>& transferred() const noexcept { return m_transferred; }
@@ -50,6 +50,8 @@ public:
 private:
     void pairWithinCards();
     void pairWithinCard(std::size_t before, std::size_t after);
+    bool pairInPlace(std::size_t before, std::size_t after, const std::vector<Endpoint>& were,
+                     const std::vector<Endpoint>& are);
     void pairAcrossCards();
     bool isIdentifiable(const EndpointPair& removed) const;
 

@@ -12,14 +12,14 @@
 
 namespace sonavit
 {
-/// Reads "XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX" unit by unit, and nothing behind the first unit that does not fit.
+/// Reads "XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX" unit by unit, and nothing after the first unit that does not fit.
 template<class Unit>
 class GuidReader
 {
 public:
     explicit GuidReader(const Unit* text) noexcept : m_text(text) {}
 
-    /// No value for any other text. What stands behind the 36 units does not matter.
+    /// No value for any other text. What follows the 36 units does not matter.
     std::optional<Guid> read() noexcept
     {
         Guid guid;
@@ -29,7 +29,7 @@ public:
         return isRead ? std::optional<Guid>(guid) : std::nullopt;
     }
 
-    const Unit* end() const noexcept { return m_text; } ///< behind what was read
+    const Unit* end() const noexcept { return m_text; } ///< after what was read
 
 private:
     static constexpr std::uint8_t noDigit = 0xFF;

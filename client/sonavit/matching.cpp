@@ -1,13 +1,31 @@
 #include "sonavit/matching.h"
 
-#include "sonavit/idmap.h"
+#include "sonavit/idindex.h"
 
 #include <algorithm>
+#include <array>
 
 namespace sonavit::matching
 {
 namespace
 {
+/// In so many a comparison of each with all before takes less than a table.
+constexpr std::size_t few = 16;
+
+/// The same as occurrences().
+std::vector<std::size_t> occurrencesOfFew(const std::vector<std::string_view>& ids)
+{
+    std::array<std::size_t, few> hashes = {};
+    std::vector<std::size_t> result(ids.size(), 0);
+    for (std::size_t i = 0; i < ids.size(); ++i)
+    {
+        hashes[i] = hashId(ids[i]);
+        for (std::size_t j = 0; j < i; ++j)
+            result[i] += hashes[j] == hashes[i] && compareIds(ids[j], ids[i]) == 0 ? 1 : 0;
+    }
+    return result;
+}
+
 /// The members of one of the longest rising subsequences of @p numbers.
 std::vector<bool> risingMembers(const std::vector<std::size_t>& numbers)
 {
@@ -48,12 +66,15 @@ std::size_t Places::of(const Key& key) const
 
 std::vector<std::size_t> occurrences(const std::vector<std::string_view>& ids)
 {
+    if (ids.size() <= few)
+        return occurrencesOfFew(ids);
+    const auto idAt = [&](std::size_t place) { return ids[place]; };
+    IdIndex firsts(ids.size());
+    std::vector<std::size_t> counts(ids.size(), 0); // of the id of the thing there, if it is the first with that id
     std::vector<std::size_t> result;
     result.reserve(ids.size());
-    IdMap<std::size_t> counts;
-    counts.reserve(ids.size());
-    for (const std::string_view id : ids)
-        result.push_back(counts[id]++);
+    for (std::size_t place = 0; place < ids.size(); ++place)
+        result.push_back(counts[firsts.add(place, idAt)]++);
     return result;
 }
 

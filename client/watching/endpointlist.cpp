@@ -3,6 +3,7 @@
 #include "client/reading/steps.h"
 
 #include <iterator>
+#include <string_view>
 #include <utility>
 
 namespace sonavit::watching
@@ -19,7 +20,7 @@ bool isThere(const reading::EndpointReading& reading) noexcept
 
 auto idsOf(const std::vector<reading::EndpointReading>& readings)
 {
-    return [&readings](std::size_t place) -> const EndpointId& { return readings[place].content.id; };
+    return [&readings](std::size_t place) -> std::string_view { return readings[place].content.id.text(); };
 }
 }
 
@@ -27,7 +28,7 @@ EndpointList::EndpointList(std::shared_ptr<Inbox> inbox) : m_inbox(std::move(inb
 
 std::optional<std::size_t> EndpointList::find(const EndpointId& id) const
 {
-    return m_places.find(id, idsOf(m_readings));
+    return m_places.find(id.text(), idsOf(m_readings));
 }
 
 std::vector<std::size_t> EndpointList::replace(std::vector<reading::EndpointReading> listing)
@@ -35,7 +36,7 @@ std::vector<std::size_t> EndpointList::replace(std::vector<reading::EndpointRead
     const auto idAt = idsOf(listing);
     std::vector<std::size_t> added;
     std::vector<VolumeRegistration> registrations(listing.size());
-    reading::IdIndex places(listing.size());
+    IdIndex places(listing.size());
     for (std::size_t place = 0; place < listing.size(); ++place)
     {
         places.add(place, idAt);
@@ -44,13 +45,13 @@ std::vector<std::size_t> EndpointList::replace(std::vector<reading::EndpointRead
     }
     for (const reading::EndpointReading& reading : m_readings)
     {
-        if (isThere(reading) && !places.find(reading.content.id, idAt))
+        if (isThere(reading) && !places.find(reading.content.id.text(), idAt))
             noteAbsence(reading.content.id);
     }
     // Nothing below fails.
     for (std::size_t former = 0; former < m_readings.size(); ++former)
     {
-        const std::optional<std::size_t> place = places.find(m_readings[former].content.id, idAt);
+        const std::optional<std::size_t> place = places.find(m_readings[former].content.id.text(), idAt);
         if (!place)
             continue;
         std::swap(listing[*place], m_readings[former]);
@@ -145,7 +146,7 @@ void EndpointList::clear() noexcept
         registration.end();
     m_registrations.clear();
     m_readings.clear();
-    m_places = reading::IdIndex();
+    m_places = IdIndex();
 }
 
 void EndpointList::readState(std::size_t index)

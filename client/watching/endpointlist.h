@@ -3,9 +3,9 @@
 #pragma once
 
 #include "client/reading/endpointreading.h"
-#include "client/reading/idindex.h"
 #include "client/watching/inbox.h"
 #include "client/watching/registrations.h"
+#include "sonavit/idindex.h"
 
 #include <array>
 #include <cstddef>
@@ -58,7 +58,7 @@ private:
     const std::shared_ptr<Inbox> m_inbox;
     std::vector<reading::EndpointReading> m_readings;
     std::vector<VolumeRegistration> m_registrations; ///< of the same positions
-    reading::IdIndex m_places;                       ///< of the readings
+    IdIndex m_places;                                ///< of the readings
     std::unordered_map<EndpointId, Past> m_past;
 };
 }

@@ -164,10 +164,16 @@ void Inbox::markRest(Clock::Time now) noexcept
 Noted Inbox::take(bool isAll)
 {
     std::vector<Slot> taken;
-    taken.reserve(capacity); // before anything is taken out
     Noted noted;
     {
-        const std::lock_guard<std::mutex> lock(m_alarm->mutex);
+        std::unique_lock<std::mutex> lock(m_alarm->mutex);
+        while (taken.capacity() < m_slots.size()) // before anything is taken out, and without the lock
+        {
+            const std::size_t count = m_slots.size();
+            lock.unlock();
+            taken.reserve(count);
+            lock.lock();
+        }
         for (Slot& slot : m_slots)
         {
             Slot part = slot;
@@ -179,8 +185,8 @@ Noted Inbox::take(bool isAll)
             if (part.announced != announcedNothing)
                 taken.push_back(part);
         }
-        const auto isEmpty = [](const Slot& slot) { return slot.announced == announcedNothing; };
-        m_slots.erase(std::remove_if(m_slots.begin(), m_slots.end(), isEmpty), m_slots.end());
+        const auto isTaken = [](const Slot& slot) { return slot.announced == announcedNothing; };
+        m_slots.erase(std::remove_if(m_slots.begin(), m_slots.end(), isTaken), m_slots.end());
         findBuckets();
         m_firstLevel = Clock::never;
         if (isAll)

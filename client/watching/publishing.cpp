@@ -108,7 +108,7 @@ void Watcher::publish(Snapshot::Content content, const Authors& authors)
     tellCauses(events, authors);
     if (!isFirst && events.empty())
         return;
-    m_hub->publish(next, events);
+    m_hub->publish(next, std::move(events));
     m_latest = std::move(next);
 }
 

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,6 +37,22 @@ TEST(Occurrences, CountEqualIdsInAnyCase)
 {
     EXPECT_THAT(occurrences({"a", "", "A", "b", "", "a"}), ElementsAre(0, 0, 1, 0, 1, 2));
     EXPECT_THAT(occurrences({}), IsEmpty());
+}
+
+TEST(Occurrences, CountEqualIdsHoweverManyThereAre)
+{
+    const std::vector<std::string> texts = {"first id", "SECOND ID", "", "First Id", "second id"};
+    Ids ids;
+    std::vector<std::size_t> expected;
+    for (std::size_t i = 0; i < 100; ++i)
+    {
+        ids.push_back(texts[i % texts.size()]);
+        const std::size_t former = 2 * (i / texts.size()); // of ids that two of the texts make
+        const std::size_t place = i % texts.size();
+        expected.push_back(place == 2 ? i / texts.size() : former + (place > 2 ? 1 : 0));
+    }
+
+    EXPECT_EQ(expected, occurrences(ids));
 }
 
 TEST(Places, AreFoundByIdAndOccurrence)

@@ -149,6 +149,32 @@ TEST_F(SystemRefreshCost, OfTheFirstSnapshotIsLimited)
     EXPECT_LE(callsSince(), 2289u);
 }
 
+TEST_F(SystemRefreshCost, OfTheFirstSnapshotIsThatOfOneQuestionEach)
+{
+    endSystem();
+    callsSince();
+
+    System fresh(polledOptions());
+    const Snapshot snapshot = fresh.snapshot();
+    settle();
+
+    std::size_t present = 0; // those that can have a volume and jacks
+    std::size_t volumes = 0;
+    for (const Endpoint& endpoint : snapshot.endpoints())
+    {
+        present += endpoint.state() == State::active || endpoint.state() == State::unplugged ? 1 : 0;
+        volumes += endpoint.volume() ? 1 : 0;
+    }
+    const sim::Journal& journal = simulation().journal();
+    EXPECT_EQ(6u, journal.count("IMMDeviceEnumerator::GetDefaultAudioEndpoint"));
+    EXPECT_EQ(1u, journal.count("waveOutGetNumDevs"));
+    EXPECT_EQ(1u, journal.count("waveInGetNumDevs"));
+    EXPECT_EQ(snapshot.endpoints().size(), journal.count("IMMDevice::OpenPropertyStore"));
+    EXPECT_EQ(2 * present, journal.count("IMMDevice::Activate"));
+    EXPECT_EQ(volumes, journal.count("IAudioEndpointVolume::RegisterControlChangeNotify"));
+    EXPECT_LT(present, snapshot.endpoints().size());
+}
+
 TEST_F(SystemRefreshCost, OfTheControlsOfAllEndpointsIsLimited)
 {
     std::size_t controls = 0;

@@ -1,20 +1,21 @@
 /// @file
-/// Positions by id, for lists that hold the ids.
+/// Positions by id, for lists that hold the ids. Not a public header.
 #pragma once
 
 #include "sonavit/ids.h"
 
 #include <cstddef>
 #include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
-namespace sonavit::reading
+namespace sonavit
 {
-/// Finds where in a list an id stands: a hash table with open addresses that holds positions and copies no id.
+/// Finds the position of an id in a list: a hash table with open addresses that holds positions and copies no id.
 ///
-/// Each operation takes @p idAt, which gives the id at a position of the list. What stands at a position that was added
-/// may be replaced by what has the same id.
+/// Each operation takes @p idAt, which gives the id at a position of the list as a std::string_view. The list may
+/// replace what it has at a position that was added by something with the same id. Upper and lower case are alike.
 class IdIndex
 {
 public:
@@ -27,28 +28,28 @@ public:
         m_slots.resize(count);
     }
 
-    /// @return false, and nothing is added, if a position with the same id was added before
+    /// @return the position of the id: @p position, or an earlier one that was added with the same id, and nothing changes
     template<class IdAt>
-    bool add(std::size_t position, const IdAt& idAt)
+    std::size_t add(std::size_t position, const IdAt& idAt)
     {
         if (2 * (m_count + 1) > m_slots.size())
             grow();
-        const EndpointId& id = idAt(position);
-        const Slot slot{hashId(id.text()), position};
+        const std::string_view id = idAt(position);
+        const Slot slot{hashId(id), position};
         Slot& place = m_slots[placeOf(slot.hash, id, idAt)];
         if (place.position != none)
-            return false;
+            return place.position;
         place = slot;
         ++m_count;
-        return true;
+        return position;
     }
 
     template<class IdAt>
-    std::optional<std::size_t> find(const EndpointId& id, const IdAt& idAt) const noexcept
+    std::optional<std::size_t> find(std::string_view id, const IdAt& idAt) const noexcept
     {
         if (m_count == 0)
             return std::nullopt;
-        const std::size_t position = m_slots[placeOf(hashId(id.text()), id, idAt)].position;
+        const std::size_t position = m_slots[placeOf(hashId(id), id, idAt)].position;
         return position == none ? std::nullopt : std::optional<std::size_t>(position);
     }
 
@@ -64,11 +65,12 @@ private:
 
     /// Where the id is, or the empty slot where it belongs. At least half of the slots are empty.
     template<class IdAt>
-    std::size_t placeOf(std::size_t hash, const EndpointId& id, const IdAt& idAt) const noexcept
+    std::size_t placeOf(std::size_t hash, std::string_view id, const IdAt& idAt) const noexcept
     {
         const std::size_t mask = m_slots.size() - 1;
         std::size_t place = hash & mask;
-        while (m_slots[place].position != none && (m_slots[place].hash != hash || idAt(m_slots[place].position) != id))
+        while (m_slots[place].position != none &&
+               (m_slots[place].hash != hash || compareIds(idAt(m_slots[place].position), id) != 0))
             place = (place + 1) & mask;
         return place;
     }
