@@ -28,7 +28,8 @@ public:
         m_slots.resize(count);
     }
 
-    /// @return the position of the id: @p position, or an earlier one that was added with the same id, and nothing changes
+    /// @return the position of the id: @p position, or an earlier one that was added with the same id, and nothing
+    /// changes
     template<class IdAt>
     std::size_t add(std::size_t position, const IdAt& idAt)
     {
