@@ -484,21 +484,3 @@ TEST_F(ProgramMonitor, EndsWithExitCode3IfAnEndpointIsNotThere)
     EXPECT_EQ(3, answer.code);
     EXPECT_EQ("sonavit: there is no endpoint \"Trumpet\"; sonavit list shows what there is\n", answer.err);
 }
-
-TEST_F(ProgramMonitor, ShowsNothingAfterItHasEnded)
-{
-    run(support::smallMachine());
-    std::ostringstream out;
-    std::ostringstream err;
-    sonavit::program::Environment own = environment(out, err);
-    own.pause = [](std::chrono::milliseconds) { return true; };
-    ASSERT_EQ(0, sonavit::program::run({"monitor"}, own));
-    support::Observer observer(simulation());
-
-    simulation().events().setState(support::headphonesId(), sim::stateActive);
-    simulation().events().setVolume(support::speakerId(), -3.0f);
-    simulation().events().waitForClients();
-    observer.wait(std::chrono::seconds(10));
-
-    EXPECT_EQ("", out.str());
-}
