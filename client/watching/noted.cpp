@@ -96,6 +96,7 @@ void Watcher::readEverything()
     m_serviceDue = Clock::never;
     m_isServiceDoubted = false;
     m_watches.distrust();
+    m_parents.clear(); // a device may be in another port, and what failed may work
     for (std::size_t index = 0; index < m_endpoints.size(); ++index)
     {
         letChangesPass();

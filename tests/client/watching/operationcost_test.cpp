@@ -58,7 +58,7 @@ protected:
     {
         return {{"snapshot", 0, 0, [this] { return !audio().snapshot().cards().empty(); }},
                 {"refresh", 0, 0, [this] { return bool(audio().refresh()); }},
-                {"refreshEverything", 306, 2040, [this] { return bool(audio().refresh(Depth::everything)); }},
+                {"refreshEverything", 309, 2052, [this] { return bool(audio().refresh(Depth::everything)); }},
                 {"find", 0, 0, [this] { return !audio().find("0").empty(); }},
                 {"refer", 0, 0, [this] { return bool(audio().refer(output)); }},
                 {"controls", 423, 758, [this] { return bool(audio().controls(output)); }},
@@ -70,7 +70,7 @@ protected:
 
     std::vector<Row> changes()
     {
-        return {{"restoreWhatIsThere", 959, 2109, [this] { return audio().restore(saved)->isComplete(); }},
+        return {{"restoreWhatIsThere", 970, 2148, [this] { return audio().restore(saved)->isComplete(); }},
                 {"setVolumePercent", 22, 22, [this] { return bool(audio().setVolume(output, Percent(40))); }},
                 {"setVolumeDecibels", 23, 23, [this] { return bool(audio().setVolume(output, Decibels(-20))); }},
                 {"setVolumeStep", 22, 22, [this] { return bool(audio().setVolume(output, LevelChange::up())); }},
@@ -84,7 +84,7 @@ protected:
                      Result<FormatHold> hold = audio().holdFormat(output, Format::integer(16, 44100, 2));
                      return hold && hold->end();
                  }},
-                {"restoreWhatChanged", 1023, 2213, [this] { return audio().restore(saved)->isComplete(); }}};
+                {"restoreWhatChanged", 1038, 2256, [this] { return audio().restore(saved)->isComplete(); }}};
     }
 
     EndpointId output;
