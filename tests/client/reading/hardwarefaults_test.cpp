@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <set>
+#include <string>
 
 namespace
 {
@@ -71,17 +72,18 @@ protected:
         return result;
     }
 
-    /// The calls of the walk. Of the questions of a large machine, all of which are alike, it takes a part.
+    /// The calls of the walk. Of the questions of larger machines, which are alike, it takes a part.
     static std::vector<Call> callsOf(const sim::JournalEntries& entries)
     {
-        constexpr std::uint32_t all = 25;
-        constexpr std::uint32_t distance = 37;
+        const bool isSmall = GetParam() == std::string("desktop");
+        constexpr std::uint32_t first = 6;
+        constexpr std::uint32_t distance = 97;
         std::map<std::string, std::uint32_t> numbers;
         std::vector<Call> calls;
         for (const sim::JournalEntry& entry : entries)
         {
             const std::uint32_t number = ++numbers[entry.operation];
-            const bool isTaken = number <= all || number % distance == 0;
+            const bool isTaken = isSmall || number <= first || number % distance == 0;
             if (entry.operation != "CoTaskMemFree" && entry.operation != "PropVariantClear" && isTaken)
                 calls.push_back({entry, number});
         }
