@@ -62,8 +62,9 @@ public:
         {
             std::vector<Control>& controls = m_controls[endpoint.id()];
             controls = walk.controls(endpoint.id());
+            const std::vector<std::size_t> distances = walk.distances(endpoint.id());
             for (std::size_t place = 0; place < controls.size(); ++place)
-                add(controls[place].id, Owner{place, endpoint.id()});
+                add(controls[place].id, Owner{{place, distances[place]}, endpoint.id()});
         }
     }
 
@@ -79,7 +80,8 @@ public:
 private:
     struct Owner
     {
-        std::size_t place; ///< among the controls of the endpoint, those next to its jack first
+        /// Among the controls of the endpoint, those next to its jack first, and the distance from the endpoint.
+        std::pair<std::size_t, std::size_t> place;
         EndpointId endpoint;
     };
 

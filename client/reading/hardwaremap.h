@@ -90,7 +90,7 @@ public:
     std::deque<HardwarePart> parts;
     std::vector<std::size_t> graphParts; ///< the parts of the graph, in its order
     std::vector<Graph::Edge> edges;      ///< joins and wires; the parts are positions in HardwareMap::parts
-    std::vector<bool> hasVolumes;        ///< of an island: whether a volume node is next to one of its connectors
+    std::vector<bool> hasVolumes; ///< of an island: whether a volume node is next to a connector, or between connectors
     std::unordered_map<EndpointId, std::size_t> deviceIndexes;
     std::unordered_map<PartId, std::size_t> partIndexes; ///< by partId()
 

@@ -1,5 +1,6 @@
 #include "COM/tasktext.h"
 #include "client/reading/hardwarereader.h"
+#include "client/reading/hardwaresearch.h"
 #include "client/reading/text.h"
 
 #include <algorithm>
@@ -236,11 +237,18 @@ void HardwareReader::findIslands()
     for (std::size_t device = 0; device < m_map.devices.size(); ++device)
         m_map.devices[device].island = islands.of(device);
     m_map.hasVolumes.assign(m_map.devices.size(), false);
-    for (const HardwarePart& part : m_map.parts)
+    std::vector<std::size_t> connectors;
+    for (std::size_t i = 0; i < m_map.parts.size(); ++i)
     {
-        if (part.isConnector && isNextToVolume(part))
+        const HardwarePart& part = m_map.parts[i];
+        if (!part.isConnector)
+            continue;
+        connectors.push_back(i);
+        if (isNextToVolume(part))
             m_map.hasVolumes[m_map.devices[part.device].island] = true;
     }
+    for (const VolumeBetween& volume : volumesBetween(m_map, connectors))
+        m_map.hasVolumes[m_map.devices[m_map.parts[volume.part].device].island] = true;
 }
 
 HardwareMap walkHardware(IMMDeviceEnumerator& enumerator, const std::vector<Card>& cards)

@@ -29,7 +29,7 @@ public:
     void addWires();
     /// What only the controls need: the parts next to all connectors and next to the volume nodes among them.
     void readSurroundings();
-    /// Finds the islands, and those with volume nodes next to a connector.
+    /// Finds the islands, and those with volume nodes next to a connector or between connectors.
     void findIslands();
 
 private:

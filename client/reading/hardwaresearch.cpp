@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace sonavit::reading
@@ -59,12 +60,112 @@ std::vector<std::size_t> neighbours(const HardwareMap& map, std::size_t part, co
     const std::vector<std::size_t> incoming = ofType(map, map.parts[part].incoming.parts, type);
     return incoming.empty() ? ofType(map, map.parts[part].outgoing.parts, type) : incoming;
 }
+
+/// The parts of a type that wires connect with @p part, those that feed it first.
+std::vector<std::size_t> wiredTo(const HardwareMap& map, std::size_t part, const GUID& type)
+{
+    std::vector<std::size_t> wired = ofType(map, map.parts[part].sources, type);
+    const std::vector<std::size_t> fed = ofType(map, map.parts[part].outgoing.parts, type);
+    wired.insert(wired.end(), fed.begin(), fed.end());
+    return wired;
+}
+
+/// The walk reads both sides of the volume nodes next to connectors, and of no other subunit.
+bool isNextToConnector(const HardwarePart& volume)
+{
+    return volume.incoming.isRead;
+}
+
+/// The mute node of a volume node next to a connector.
+std::size_t firstMute(const HardwareMap& map, std::size_t volume)
+{
+    const std::vector<std::size_t> mutes = neighbours(map, volume, KSNODETYPE_MUTE);
+    return mutes.empty() ? HardwarePart::none : mutes.front();
+}
+
+/// Whether neither side of the volume node reports a connector as its neighbour.
+bool isBetweenNodes(const HardwareMap& map, std::size_t volume)
+{
+    const auto isConnector = [&](std::size_t part) { return map.parts[part].isConnector; };
+    const HardwarePart& known = map.parts[volume];
+    return !isNextToConnector(known) && std::none_of(known.sources.begin(), known.sources.end(), isConnector) &&
+           std::none_of(known.outgoing.parts.begin(), known.outgoing.parts.end(), isConnector);
+}
+
+/// Whether the mute node is that of @p volume, which is between two nodes, and not that of another one next to it.
+bool isMuteOf(const HardwareMap& map, std::size_t mute, std::size_t volume)
+{
+    const std::vector<std::size_t> volumes = wiredTo(map, mute, KSNODETYPE_VOLUME);
+    const auto isNextToOne = [&](std::size_t each) { return isNextToConnector(map.parts[each]); };
+    const auto hasIt = [&](std::size_t each) { return isNextToOne(each) && firstMute(map, each) == mute; };
+    if (std::any_of(volumes.begin(), volumes.end(), hasIt))
+        return false;
+    const auto owner = std::find_if_not(volumes.begin(), volumes.end(), isNextToOne);
+    return owner != volumes.end() && *owner == volume;
+}
+
+/// Parts that wires lead to, or come from, with the position of the first connector from which they do.
+using Distances = std::unordered_map<std::size_t, std::size_t>;
+
+template<class Next>
+Distances distancesFrom(const std::vector<std::size_t>& connectors, const Next& next)
+{
+    Distances distances;
+    std::vector<std::size_t> reached;
+    for (std::size_t position = 0; position < connectors.size(); ++position)
+    {
+        const auto add = [&](std::size_t part)
+        {
+            if (distances.emplace(part, position).second)
+                reached.push_back(part);
+        };
+        const std::size_t first = reached.size();
+        add(connectors[position]);
+        for (std::size_t i = first; i < reached.size(); ++i)
+        {
+            for (const std::size_t part : next(reached[i]))
+                add(part);
+        }
+    }
+    return distances;
+}
+}
+
+std::vector<VolumeBetween> volumesBetween(const HardwareMap& map, const std::vector<std::size_t>& connectors)
+{
+    using Parts = const std::vector<std::size_t>&;
+    const Distances fed =
+        distancesFrom(connectors, [&](std::size_t part) -> Parts { return map.parts[part].outgoing.parts; });
+    const Distances feeding =
+        distancesFrom(connectors, [&](std::size_t part) -> Parts { return map.parts[part].sources; });
+    Queue devices;
+    for (const std::size_t connector : connectors)
+        devices.add(map.parts[connector].device);
+    std::vector<VolumeBetween> volumes;
+    for (const std::size_t device : devices.positions())
+    {
+        for (const std::size_t part : ofType(map, map.devices[device].facts.parts, KSNODETYPE_VOLUME))
+        {
+            const auto from = fed.find(part);
+            const auto to = feeding.find(part);
+            if (from != fed.end() && to != feeding.end() && isBetweenNodes(map, part))
+                volumes.push_back({part, std::min(from->second, to->second)});
+        }
+    }
+    std::stable_sort(volumes.begin(), volumes.end(),
+                     [](const VolumeBetween& left, const VolumeBetween& right)
+                     { return left.distance < right.distance; });
+    return volumes;
 }
 
 std::size_t muteNodeNextTo(const HardwareMap& map, std::size_t volume)
 {
-    const std::vector<std::size_t> mutes = neighbours(map, volume, KSNODETYPE_MUTE);
-    return mutes.empty() ? HardwarePart::none : mutes.front();
+    if (isNextToConnector(map.parts[volume]))
+        return firstMute(map, volume);
+    const std::vector<std::size_t> mutes = wiredTo(map, volume, KSNODETYPE_MUTE);
+    const auto own =
+        std::find_if(mutes.begin(), mutes.end(), [&](std::size_t mute) { return isMuteOf(map, mute, volume); });
+    return own == mutes.end() ? HardwarePart::none : *own;
 }
 
 std::size_t muteNextTo(HardwareMap& map, std::size_t volume)
@@ -89,10 +190,15 @@ std::vector<ControlPlace> controlsOf(HardwareMap& map, const EndpointId& endpoin
         for (const std::size_t volume : neighbours(map, connector, KSNODETYPE_VOLUME))
         {
             if (volumes.add(volume) && map.level(volume) != nullptr)
-                controls.push_back({volume, muteNextTo(map, volume), connector});
+                controls.push_back({volume, muteNextTo(map, volume), connector, i});
         }
         connectors.add(map.parts[connector].peer);
         addLinked(map, connector, connectors);
+    }
+    for (const auto& [volume, distance] : volumesBetween(map, connectors.positions()))
+    {
+        if (map.level(volume) != nullptr)
+            controls.push_back({volume, muteNextTo(map, volume), HardwarePart::none, distance});
     }
     return controls;
 }

@@ -66,9 +66,11 @@ void HardwareValues::tellOfMute(std::size_t level, std::vector<Problem>& problem
         tell(mute, problems);
         return;
     }
-    for (const HardwarePart::Side* const side : {&m_map.parts[level].incoming, &m_map.parts[level].outgoing})
+    const HardwarePart& known = m_map.parts[level];
+    const std::vector<std::size_t>& feeding = known.incoming.isRead ? known.incoming.parts : known.sources;
+    for (const std::vector<std::size_t>* const side : {&feeding, &known.outgoing.parts})
     {
-        for (const std::size_t part : side->parts)
+        for (const std::size_t part : *side)
         {
             if (isTypeUnknown(m_map.parts[part]))
                 tell(part, problems);
@@ -81,10 +83,13 @@ Control HardwareValues::control(const ControlPlace& place)
     Control control;
     control.id = ControlId(m_map.partId(place.level).text());
     control.name = m_map.parts[place.level].name;
-    const HardwarePart& owner = m_map.parts[place.owner];
-    control.ownerName = owner.name;
-    control.ownerType = owner.type;
-    std::copy_if(owner.problems.begin(), owner.problems.end(), std::back_inserter(control.problems), concernsNames);
+    if (place.owner != HardwarePart::none)
+    {
+        const HardwarePart& owner = m_map.parts[place.owner];
+        control.ownerName = owner.name;
+        control.ownerType = owner.type;
+        std::copy_if(owner.problems.begin(), owner.problems.end(), std::back_inserter(control.problems), concernsNames);
+    }
     tell(place.level, control.problems);
     const Judge levelJudge(m_map.objectOf(place.level), control.problems);
     control.channels = readChannels(*m_map.level(place.level), levelJudge);

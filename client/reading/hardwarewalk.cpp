@@ -48,6 +48,14 @@ std::vector<Control> HardwareWalk::controls(const EndpointId& endpoint) const
     return HardwareValues(m_state->map).controls(endpoint);
 }
 
+std::vector<std::size_t> HardwareWalk::distances(const EndpointId& endpoint) const
+{
+    std::vector<std::size_t> distances;
+    for (const ControlPlace& control : controlsOf(m_state->map, endpoint))
+        distances.push_back(control.distance);
+    return distances;
+}
+
 std::vector<Selector> HardwareWalk::selectors(const CardId& card) const
 {
     return HardwareValues(m_state->map).selectors(m_state->endpointsOf(card));

@@ -10,6 +10,7 @@
 #include "sonavit/graph.h"
 #include "sonavit/snapshot.h"
 
+#include <cstddef>
 #include <memory>
 #include <vector>
 
@@ -34,8 +35,10 @@ public:
 
     /// With the levels, mutes and selections that the parts have now.
     Graph graph() const;
-    /// The controls that act on one of the endpoints, those next to its jack first.
+    /// The controls that act on one of the endpoints, those next to its jack first, those between two nodes last.
     std::vector<Control> controls(const EndpointId& endpoint) const;
+    /// Of each of these controls how many connectors a walk from the endpoint meets before one that leads to it.
+    std::vector<std::size_t> distances(const EndpointId& endpoint) const;
     std::vector<Selector> selectors(const CardId& card) const;
     Hardware hardware(const CardId& card) const;
     /// Whether a platform call has failed so far, but for those that read levels, mutes and selections.

@@ -26,19 +26,21 @@ struct ControlChannel
     std::optional<LevelRange> range;
 };
 
-/// A level in a card's hardware that acts on an endpoint, with the mute next to it. A value that stays as it was read;
-/// any thread may use it.
+/// A level in a card's hardware that acts on an endpoint, with the mute next to it. It is next to a connector, or
+/// between two other nodes on a way from one connector to another, as a microphone boost often is. A value that stays
+/// as it was read; any thread may use it.
 struct Control
 {
     ControlId id;
     /// Of the node itself: "Mic Boost"; many drivers call all of them "Volume".
     std::optional<std::string> name;
-    /// Of the connector next to it: "Line Out 1/2".
+    /// Of the connector next to it: "Line Out 1/2". No value for a level between two nodes.
     std::optional<std::string> ownerName;
-    std::optional<Guid> ownerType; ///< kind of that connector, see kindOf()
+    std::optional<Guid> ownerType; ///< kind of that connector, see kindOf(); likewise
     /// No value if their number cannot be read.
     std::optional<std::vector<ControlChannel>> channels;
-    /// Whether a mute node is next to the level that can be switched. If that cannot be read, problems say why.
+    /// Whether a mute node is next to the level that can be switched. If that cannot be read, problems say why. A mute
+    /// node next to several levels is that of the one next to a connector; between two nodes, of the one that feeds it.
     bool hasMute = false;
     std::optional<bool> isMuted;   ///< no value without a mute, too
     std::vector<Problem> problems; ///< what could not be read of it

@@ -83,9 +83,39 @@ TEST_F(SavedSettings, ContainEachControlOnceWhereItIsNearestToTheJack)
     EXPECT_EQ(counts.size(), all);
     for (const auto& [id, count] : counts)
         EXPECT_EQ(count, 1u) << id;
-    EXPECT_THAT(controlNames(settingOf(settings, "Microphone 3 (Studio Interface)")), ElementsAre("Combo 3: Preamp 3"));
-    EXPECT_THAT(controlNames(settingOf(settings, "Microphone 4 (Studio Interface)")), ElementsAre("Combo 4: Preamp 4"));
+    EXPECT_THAT(controlNames(settingOf(settings, "Microphone 3 (Studio Interface)")),
+                ElementsAre("Combo 3: Preamp 3", "Trim 3"));
+    EXPECT_THAT(controlNames(settingOf(settings, "Microphone 4 (Studio Interface)")),
+                ElementsAre("Combo 4: Preamp 4", "Trim 4"));
     EXPECT_THAT(controlNames(settingOf(settings, "Line 3/4 (Studio Interface)")),
                 ElementsAre("Line In 3/4: Line Trim 3/4"));
+}
+
+/// The line input is first in the list, and the boost of the microphone is the only level that acts on either of them.
+TEST_F(SavedSettings, ContainALevelBetweenNodesWhereTheWayFromTheJackLeadsToIt)
+{
+    sim::MachineBuilder builder;
+    sim::CardBuilder card = builder.card("Codec");
+    sim::EndpointBuilder lineIn = card.lineIn();
+    sim::EndpointBuilder microphone = card.microphone();
+    sim::Subunit node;
+    node.subType = KSNODETYPE_SUM;
+    microphone.node(node);
+    sim::Subunit boost;
+    boost.name = sim::OptionalString("Boost");
+    boost.subType = KSNODETYPE_VOLUME;
+    boost.volume = sim::VolumeControl{{sim::ChannelLevel{0, 30, 10, 20}}};
+    microphone.node(boost);
+    microphone.node(node);
+    const std::string last = card.adapter().topology->subunits[2].id;
+    builder.machine().part(lineIn.jackId())->outgoing.push_back(last);
+    card.adapter().topology->signalPaths.push_back({lineIn.jackId(), microphone.streamId(), {}, false});
+    System& system = start(builder.build());
+    ASSERT_EQ(system.controls(EndpointId(lineIn.id()))->size(), 1u);
+
+    const Settings settings = system.settings().value();
+
+    EXPECT_THAT(controlNames(settingOf(settings, "Microphone (Codec)")), ElementsAre("Boost"));
+    EXPECT_THAT(controlNames(settingOf(settings, "Line In (Codec)")), testing::IsEmpty());
 }
 }

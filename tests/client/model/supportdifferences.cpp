@@ -148,6 +148,41 @@ void settleAbsentVolumes(Answers&, Answers& model, const sim::Machine&)
     forEachContent(model, settle);
 }
 
+/// The ids of the graph's parts that wires connect with a connector.
+std::set<std::string> partsNextToConnectors(const Graph& graph)
+{
+    std::set<std::string> ids;
+    for (const Graph::Edge& edge : graph.edges)
+    {
+        if (edge.kind != Graph::Edge::Kind::wire || !edge.to)
+            continue;
+        const Graph::Part& from = graph.parts[edge.from];
+        const Graph::Part& to = graph.parts[*edge.to];
+        if (from.isConnector)
+            ids.insert(to.id);
+        if (to.isConnector)
+            ids.insert(from.id);
+    }
+    return ids;
+}
+
+void settleLevelsBetweenNodes(Answers& client, Answers&, const sim::Machine&)
+{
+    for (Answers::OfCard& card : client.cards)
+    {
+        const std::set<std::string> nextToConnectors = partsNextToConnectors(card.graph);
+        const auto isBetweenNodes = [&](const Control& control)
+        { return !control.ownerName && !control.ownerType && nextToConnectors.count(control.id.text()) == 0; };
+        for (OfEndpoint& endpoint : card.endpoints)
+        {
+            if (endpoint.controls)
+                endpoint.controls->erase(
+                    std::remove_if(endpoint.controls->begin(), endpoint.controls->end(), isBetweenNodes),
+                    endpoint.controls->end());
+        }
+    }
+}
+
 void settleControlNames(Answers& client, Answers&, const sim::Machine&)
 {
     const auto settle = [](OfEndpoint& endpoint)
@@ -451,6 +486,8 @@ const std::vector<Difference>& wantedDifferences()
         {"volume in hardware", "the object model does not ask for it", settleHardwareVolumes},
         {"volume of endpoints that are not there",
          "the client does not ask endpoints that are neither active nor unplugged", settleAbsentVolumes},
+        {"levels between two nodes", "the object model's records are those of the levels next to a connector",
+         settleLevelsBetweenNodes},
         {"names of controls", "the object model's records name the connector next to the level", settleControlNames},
         {"formats", "the object model reads the long form alone, and takes a rate of 0 as none", settleFormats},
         {"case of the default's id", "the object model compares ids with regard to case", settleDefaultCase},
