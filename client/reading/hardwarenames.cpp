@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <optional>
 #include <string>
+#include <type_traits>
+#include <unordered_map>
 #include <vector>
 
 namespace sonavit::reading
@@ -27,15 +29,28 @@ void add(Names& names, const std::optional<std::string>& name)
         names.whole.push_back(*name);
 }
 
-/// A title for a sentence that lists candidates; titles may be equal, ids are not.
-std::string candidate(const std::string& title, const std::string& id)
+/// Adds their ids, which are the first of their names, to the titles that several things have.
+void tellApart(std::vector<Names>& things)
 {
-    return text::shortened(title, NameSearch::longestCandidate) + " " + text::printable(id);
+    std::unordered_map<std::string, unsigned> counts;
+    for (const Names& names : things)
+        ++counts[names.title];
+    for (Names& names : things)
+    {
+        if (counts[names.title] > 1)
+            names.title += " " + text::printable(names.whole.front());
+    }
+}
+
+/// A title for a sentence that lists candidates.
+std::string shortTitle(const std::string& title)
+{
+    return text::shortened(title, NameSearch::longestCandidate);
 }
 
 Names namesOf(const Control& control)
 {
-    Names names{{control.id.text(), control.title()}, candidate(control.title(), control.id.text()), std::nullopt};
+    Names names{{control.id.text(), control.title()}, shortTitle(control.title()), std::nullopt};
     add(names, control.name);
     add(names, control.ownerName);
     names.failure = nameProblem(control.problems);
@@ -44,7 +59,7 @@ Names namesOf(const Control& control)
 
 Names namesOf(const Selector& selector)
 {
-    Names names{{selector.id.text(), selector.title()}, candidate(selector.title(), selector.id.text()), std::nullopt};
+    Names names{{selector.id.text(), selector.title()}, shortTitle(selector.title()), std::nullopt};
     add(names, selector.name);
     names.failure = nameProblem(selector.problems);
     return names;
@@ -52,7 +67,7 @@ Names namesOf(const Selector& selector)
 
 Names namesOf(const SelectorInput& input)
 {
-    Names names{{input.title()}, text::shortened(input.title(), NameSearch::longestCandidate), std::nullopt};
+    Names names{{input.title()}, shortTitle(input.title()), std::nullopt};
     add(names, input.name);
     add(names, input.connectorName);
     if (input.number)
@@ -67,6 +82,8 @@ Result<Thing> named(const std::vector<Thing>& things, const NameSearch& search)
     names.reserve(things.size());
     for (const Thing& thing : things)
         names.push_back(namesOf(thing));
+    if constexpr (!std::is_same_v<Thing, SelectorInput>)
+        tellApart(names);
     const Result<std::size_t> position = search.in(names);
     if (!position)
         return position.problem();

@@ -56,8 +56,16 @@ TEST(ControlNamed, IsAmbiguousWithTheCandidates)
     const Problem problem = sonavit::reading::controlNamed(theControls(), "volume").problem();
 
     EXPECT_EQ(Problem::Kind::ambiguous, problem.kind());
-    EXPECT_EQ("\"volume\" matches 2 controls: Line Out {2}.card/00020000 and Headphones {2}.card/00020001",
-              problem.sentence());
+    EXPECT_EQ("\"volume\" matches 2 controls: Line Out and Headphones", problem.sentence());
+}
+
+TEST(ControlNamed, IsAmbiguousWithTheIdsOfCandidatesThatHaveOneTitle)
+{
+    const std::vector<Control> controls = {control("{2}.card/00020000", "Volume", "Line Out"),
+                                           control("{2}.card/00020001", "Volume", "Line Out")};
+
+    EXPECT_EQ("\"line\" matches 2 controls: Line Out {2}.card/00020000 and Line Out {2}.card/00020001",
+              sonavit::reading::controlNamed(controls, "line").problem().sentence());
 }
 
 TEST(ControlNamed, IsNotThere)
