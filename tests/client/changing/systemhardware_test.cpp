@@ -1,5 +1,6 @@
 #include "tests/support/clienttest.h"
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -49,6 +50,25 @@ TEST_F(SystemHardware, SetsAControlByTheNameOfItsConnector)
     EXPECT_THAT(levels(*control), testing::Each(-12.0));
     EXPECT_NE(control.token(), 0u);
     EXPECT_EQ(system.controls(endpoint("Main Monitors"))->front(), control.value());
+}
+
+TEST_F(SystemHardware, SetsALevelBetweenTwoNodesAndNoOther)
+{
+    System& system = start("desktop");
+    const EndpointId microphone = endpoint("Microphone (Analog Audio)");
+    const std::vector<Control> before = system.controls(microphone).value();
+    ASSERT_NE(levels(before.back()).front(), 10.0);
+
+    const Result<Control> control = system.setControl(microphone, "Microphone Boost", Decibels(10));
+
+    ASSERT_TRUE(control) << control.problem().sentence();
+    EXPECT_THAT(levels(*control), testing::Each(10.0));
+    const std::vector<Control> after = system.controls(microphone).value();
+    ASSERT_EQ(after.size(), before.size());
+    EXPECT_EQ(after.back(), control.value());
+    EXPECT_TRUE(std::equal(before.begin(), before.end() - 1, after.begin()));
+    EXPECT_EQ(system.setControlMute(microphone, "Microphone Boost", true).problem().kind(),
+              Problem::Kind::notSupported);
 }
 
 TEST_F(SystemHardware, SetsAControlByItsIdAndOneChannelOfIt)

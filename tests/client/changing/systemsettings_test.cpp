@@ -66,6 +66,21 @@ TEST_P(SystemRestoreOfMachine, ReadsTheFileThatItHasWritten)
     EXPECT_EQ(read.value(), settings);
 }
 
+TEST_F(SystemRestore, PutsALevelBetweenTwoNodesBack)
+{
+    System& system = start(sim::findMachine("desktop"));
+    const EndpointId microphone = system.snapshot().endpointNamed("Microphone (Analog Audio)")->id();
+    const std::vector<Control> before = system.controls(microphone).value();
+    const Settings settings = system.settings().value();
+    ASSERT_NE(system.setControl(microphone, "Microphone Boost", Decibels(10)).token(), 0u);
+
+    const RestoreReport report = system.restore(settings).value();
+
+    EXPECT_TRUE(report.isComplete()) << described(report);
+    EXPECT_THAT(names(report), testing::Contains("Microphone (Analog Audio): Microphone Boost"));
+    EXPECT_EQ(system.controls(microphone).value(), before);
+}
+
 TEST_F(SystemRestoreOfDesk, SavesChannelsMutesAndControls)
 {
     const Settings settings = startDesk().settings().value();

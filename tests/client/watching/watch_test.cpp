@@ -100,6 +100,35 @@ TEST_F(SystemWatch, TellsOfChangesInTheHardware)
     EXPECT_EQ(Origin::other, std::find_if(events.begin(), events.end(), isOfHardware)->origin);
 }
 
+TEST_F(SystemWatch, TellsOfChangesOfALevelBetweenTwoNodes)
+{
+    for (const Endpoint& endpoint : audio().snapshot().card(m_card)->endpoints())
+    {
+        for (const Control& control : audio().controls(endpoint.id()).value())
+        {
+            if (control.name != "Trim 3")
+                continue;
+            m_endpoint = endpoint.id();
+            m_control = control.id;
+        }
+    }
+    const Result<Watch> watch = audio().watch(m_card);
+    support::Receiver received(audio());
+
+    moveControl(-6);
+    settle();
+
+    const std::vector<Event> events = received.events();
+    ASSERT_EQ(1, std::count_if(events.begin(), events.end(),
+                               [](const Event& event) { return event.kind == Event::Kind::hardwareChanged; }));
+    EXPECT_EQ(*audio().controls(m_endpoint), hardwareControls());
+    const std::vector<Control> now = hardwareControls();
+    const auto trim = std::find_if(now.begin(), now.end(), [&](const Control& each) { return each.id == m_control; });
+    ASSERT_NE(now.end(), trim);
+    EXPECT_EQ("Trim 3", trim->title());
+    EXPECT_EQ(Decibels(-6), trim->channels->at(0).level.decibels);
+}
+
 TEST_F(SystemWatch, TellsOfOwnChangesWithTheirToken)
 {
     const Result<Watch> watch = audio().watch(m_card);
