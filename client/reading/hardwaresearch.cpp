@@ -61,13 +61,13 @@ std::vector<std::size_t> neighbours(const HardwareMap& map, std::size_t part, co
     return incoming.empty() ? ofType(map, map.parts[part].outgoing.parts, type) : incoming;
 }
 
-/// The parts of a type that wires connect with @p part, those that feed it first.
-std::vector<std::size_t> wiredTo(const HardwareMap& map, std::size_t part, const GUID& type)
+/// The parts that wires connect with @p part, those that feed it first.
+std::vector<std::size_t> wired(const HardwareMap& map, std::size_t part)
 {
-    std::vector<std::size_t> wired = ofType(map, map.parts[part].sources, type);
-    const std::vector<std::size_t> fed = ofType(map, map.parts[part].outgoing.parts, type);
-    wired.insert(wired.end(), fed.begin(), fed.end());
-    return wired;
+    std::vector<std::size_t> parts = map.parts[part].sources;
+    const std::vector<std::size_t>& fed = map.parts[part].outgoing.parts;
+    parts.insert(parts.end(), fed.begin(), fed.end());
+    return parts;
 }
 
 /// The walk reads both sides of the volume nodes next to connectors, and of no other subunit.
@@ -95,7 +95,11 @@ bool isBetweenNodes(const HardwareMap& map, std::size_t volume)
 /// Whether the mute node is that of @p volume, which is between two nodes, and not that of another one next to it.
 bool isMuteOf(const HardwareMap& map, std::size_t mute, std::size_t volume)
 {
-    const std::vector<std::size_t> volumes = wiredTo(map, mute, KSNODETYPE_VOLUME);
+    const std::vector<std::size_t> around = wired(map, mute);
+    const auto mayBeVolume = [&](std::size_t part) { return isTypeUnknown(map.parts[part]); };
+    if (std::any_of(around.begin(), around.end(), mayBeVolume))
+        return false;
+    const std::vector<std::size_t> volumes = ofType(map, around, KSNODETYPE_VOLUME);
     const auto isNextToOne = [&](std::size_t each) { return isNextToConnector(map.parts[each]); };
     const auto hasIt = [&](std::size_t each) { return isNextToOne(each) && firstMute(map, each) == mute; };
     if (std::any_of(volumes.begin(), volumes.end(), hasIt))
@@ -158,11 +162,35 @@ std::vector<VolumeBetween> volumesBetween(const HardwareMap& map, const std::vec
     return volumes;
 }
 
+bool isTypeUnknown(const HardwarePart& part)
+{
+    return std::any_of(part.problems.begin(), part.problems.end(),
+                       [](const Problem& problem) { return problem.operation() == "IPart::GetSubType"; });
+}
+
+std::vector<std::size_t> possibleMuteParts(const HardwareMap& map, std::size_t volume)
+{
+    const HardwarePart& known = map.parts[volume];
+    Queue parts;
+    for (const std::size_t part : isNextToConnector(known) ? known.incoming.parts : known.sources)
+        parts.add(part);
+    for (const std::size_t part : known.outgoing.parts)
+        parts.add(part);
+    if (isNextToConnector(known))
+        return parts.positions();
+    for (const std::size_t mute : ofType(map, parts.positions(), KSNODETYPE_MUTE))
+    {
+        for (const std::size_t part : wired(map, mute))
+            parts.add(part);
+    }
+    return parts.positions();
+}
+
 std::size_t muteNodeNextTo(const HardwareMap& map, std::size_t volume)
 {
     if (isNextToConnector(map.parts[volume]))
         return firstMute(map, volume);
-    const std::vector<std::size_t> mutes = wiredTo(map, volume, KSNODETYPE_MUTE);
+    const std::vector<std::size_t> mutes = ofType(map, wired(map, volume), KSNODETYPE_MUTE);
     const auto own =
         std::find_if(mutes.begin(), mutes.end(), [&](std::size_t mute) { return isMuteOf(map, mute, volume); });
     return own == mutes.end() ? HardwarePart::none : *own;

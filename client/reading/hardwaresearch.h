@@ -26,9 +26,16 @@ struct SelectorPlace
     std::size_t device = HardwarePart::none;
 };
 
+/// Whether the platform has failed to report the type of a part.
+bool isTypeUnknown(const HardwarePart& part);
+
+/// The parts on whose types it depends which mute node a volume node has.
+std::vector<std::size_t> possibleMuteParts(const HardwareMap& map, std::size_t volume);
+
 /// The mute node of a volume node; HardwarePart::none if there is none. Next to a connector it is the first mute node
 /// next to it, those that feed it first. Between two nodes it is the first of them that no other volume node has: a
-/// volume node next to a connector goes first, then the one that feeds the mute node.
+/// volume node next to a connector goes first, then the one that feeds the mute node. A part of unknown type may be
+/// such a volume node.
 std::size_t muteNodeNextTo(const HardwareMap& map, std::size_t volume);
 /// The same, or HardwarePart::none if it gives no mute.
 std::size_t muteNextTo(HardwareMap& map, std::size_t volume);

@@ -17,13 +17,6 @@ bool concernsNames(const Problem& problem)
     return problem.operation() == "IPart::GetName" || problem.operation() == "IPart::GetSubType";
 }
 
-/// Whether the platform has failed to report the type of a part.
-bool isTypeUnknown(const HardwarePart& part)
-{
-    return std::any_of(part.problems.begin(), part.problems.end(),
-                       [](const Problem& problem) { return problem.operation() == "IPart::GetSubType"; });
-}
-
 void append(std::vector<Problem>& all, const std::vector<Problem>& problems)
 {
     all.insert(all.end(), problems.begin(), problems.end());
@@ -57,7 +50,7 @@ std::vector<Control> HardwareValues::controls(const EndpointId& endpoint)
 }
 
 /// Adds the problems with the mute node next to a level, such as why it gives no mute. Without such a node, those with
-/// the parts there whose type cannot be read: one of them may be it.
+/// the parts whose type cannot be read and on which it depends: one of them may be it, or another level that has it.
 void HardwareValues::tellOfMute(std::size_t level, std::vector<Problem>& problems)
 {
     const std::size_t mute = muteNodeNextTo(m_map, level);
@@ -66,15 +59,10 @@ void HardwareValues::tellOfMute(std::size_t level, std::vector<Problem>& problem
         tell(mute, problems);
         return;
     }
-    const HardwarePart& known = m_map.parts[level];
-    const std::vector<std::size_t>& feeding = known.incoming.isRead ? known.incoming.parts : known.sources;
-    for (const std::vector<std::size_t>* const side : {&feeding, &known.outgoing.parts})
+    for (const std::size_t part : possibleMuteParts(m_map, level))
     {
-        for (const std::size_t part : *side)
-        {
-            if (isTypeUnknown(m_map.parts[part]))
-                tell(part, problems);
-        }
+        if (isTypeUnknown(m_map.parts[part]))
+            tell(part, problems);
     }
 }
 
