@@ -151,8 +151,14 @@ json withoutOwner(json control)
     return control;
 }
 
+/// Whether a control has the name or the kind of the connector next to it; a level between two nodes has neither.
+bool isNextToConnector(const json& control)
+{
+    return !control["ownerName"].is_null() || !control["ownerType"].is_null();
+}
+
 /// What both libraries answer to `controls` of an endpoint in that state. The object model's list has a control once
-/// for each connector next to it, and the volume of an endpoint that cannot have hardware, too.
+/// for each connector next to it and none between two nodes, and the volume of an endpoint that cannot have hardware.
 void leaveCommonPartOfControls(json& layer, json& model, bool canHaveHardware)
 {
     json met = json::array();
@@ -164,6 +170,13 @@ void leaveCommonPartOfControls(json& layer, json& model, bool canHaveHardware)
         met.push_back(withoutOwner(control));
     }
     model["controls"] = once;
+    json comparable = json::array();
+    for (const json& control : layer["controls"])
+    {
+        if (isNextToConnector(control) || contains(once, control))
+            comparable.push_back(control);
+    }
+    layer["controls"] = comparable;
     if (!canHaveHardware)
     {
         model["volume"] = layer["volume"];

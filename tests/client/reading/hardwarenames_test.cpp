@@ -61,8 +61,8 @@ TEST(ControlNamed, IsAmbiguousWithTheCandidates)
 
 TEST(ControlNamed, IsAmbiguousWithTheIdsOfCandidatesThatHaveOneTitle)
 {
-    const std::vector<Control> controls = {control("{2}.card/00020000", "Volume", "Line Out"),
-                                           control("{2}.card/00020001", "Volume", "Line Out")};
+    const std::vector<sonavit::Control> controls = {control("{2}.card/00020000", "Volume", "Line Out"),
+                                                    control("{2}.card/00020001", "Volume", "Line Out")};
 
     EXPECT_EQ("\"line\" matches 2 controls: Line Out {2}.card/00020000 and Line Out {2}.card/00020001",
               sonavit::reading::controlNamed(controls, "line").problem().sentence());

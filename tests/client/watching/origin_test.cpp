@@ -69,6 +69,7 @@ TEST_F(EventOrigin, IsBothIfOneChangeContainsBoth)
     support::Receiver received(audio());
 
     const Result<Volume> changed = audio().setVolume(m_id, Decibels(-12));
+    settle(); // what is announced of it is read before the other change is there
     simulation().events().setVolume(m_id.text(), -20.0F);
     advance(20ms);
 
@@ -83,6 +84,7 @@ TEST_F(EventOrigin, IsOtherIfTheOwnChangeWasToldBefore)
     support::Receiver received(audio());
     ASSERT_TRUE(audio().setVolume(m_id, Decibels(-12)));
     EXPECT_EQ(1u, received.events().size());
+    settle(); // what is announced of it is read before the other change is there
 
     simulation().events().setVolume(m_id.text(), -20.0F);
     advance(20ms);

@@ -210,6 +210,17 @@ TEST_F(ProgramSetControl, SetsTheLevelOfOneChannel)
     EXPECT_THAT(levels(), ElementsAre(-6, -12));
 }
 
+TEST_F(ProgramSetControl, SetsALevelBetweenTwoNodes)
+{
+    run(sim::findMachine("desktop"));
+
+    const support::Answer answer = call({"set-control", "Microphone", "Microphone Boost", "10dB"});
+
+    EXPECT_EQ(0, answer.code) << answer.err;
+    EXPECT_THAT(answer.out, HasSubstr("Microphone Boost"));
+    EXPECT_THAT(call({"controls", "Microphone"}).out, HasSubstr("10.00 dB"));
+}
+
 TEST_F(ProgramSetControl, TakesTheIdAndTheNameOfTheConnectorAndAStep)
 {
     run(support::smallMachine());
