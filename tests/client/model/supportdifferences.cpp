@@ -1,6 +1,7 @@
 #include "tests/client/model/supportdifferences.h"
 
 #include "simulator/machine/propertykeys.h"
+#include "tests/client/model/supporthardwaredifferences.h"
 
 #include <algorithm>
 #include <cmath>
@@ -21,29 +22,6 @@ using sonavit::LevelRange;
 using sonavit::Percent;
 using sonavit::State;
 using OfEndpoint = Answers::OfEndpoint;
-
-/// Changes the contents of all endpoints in one of the answers.
-template<class Action>
-void forEachContent(Answers& answers, const Action& action)
-{
-    answers.forEach([&](OfEndpoint& endpoint) { action(endpoint.content); });
-}
-
-/// Calls @p action with each endpoint of the client and that of the object model with the same id.
-template<class Action>
-void forEachPair(Answers& client, Answers& model, const Action& action)
-{
-    client.forEach(
-        [&](OfEndpoint& clients)
-        {
-            model.forEach(
-                [&](OfEndpoint& models)
-                {
-                    if (clients.content.id == models.content.id)
-                        action(clients, models);
-                });
-        });
-}
 
 bool canHaveHardware(const Endpoint::Content& content)
 {
@@ -146,56 +124,6 @@ void settleAbsentVolumes(Answers&, Answers& model, const sim::Machine&)
             content.volume.reset();
     };
     forEachContent(model, settle);
-}
-
-/// The ids of the graph's parts that wires connect with a connector.
-std::set<std::string> partsNextToConnectors(const Graph& graph)
-{
-    std::set<std::string> ids;
-    for (const Graph::Edge& edge : graph.edges)
-    {
-        if (edge.kind != Graph::Edge::Kind::wire || !edge.to)
-            continue;
-        const Graph::Part& from = graph.parts[edge.from];
-        const Graph::Part& to = graph.parts[*edge.to];
-        if (from.isConnector)
-            ids.insert(to.id);
-        if (to.isConnector)
-            ids.insert(from.id);
-    }
-    return ids;
-}
-
-void settleLevelsBetweenNodes(Answers& client, Answers&, const sim::Machine&)
-{
-    for (Answers::OfCard& card : client.cards)
-    {
-        const std::set<std::string> nextToConnectors = partsNextToConnectors(card.graph);
-        const auto isBetweenNodes = [&](const Control& control)
-        { return !control.ownerName && !control.ownerType && nextToConnectors.count(control.id.text()) == 0; };
-        for (OfEndpoint& endpoint : card.endpoints)
-        {
-            if (endpoint.controls)
-                endpoint.controls->erase(
-                    std::remove_if(endpoint.controls->begin(), endpoint.controls->end(), isBetweenNodes),
-                    endpoint.controls->end());
-        }
-    }
-}
-
-void settleControlNames(Answers& client, Answers&, const sim::Machine&)
-{
-    const auto settle = [](OfEndpoint& endpoint)
-    {
-        if (!endpoint.controls)
-            return;
-        for (Control& control : *endpoint.controls)
-        {
-            control.id = {};
-            control.name.reset();
-        }
-    };
-    client.forEach(settle);
 }
 
 /// Replaces a percent by the whole number that the object model has, unless it is another level.
@@ -306,34 +234,6 @@ void settlePathless(Answers& client, Answers& model, const sim::Machine&)
     gatherPathless(model, pathless == 1);
 }
 
-/// What a control is apart from the connector next to it.
-bool isSameControl(const Control& left, const Control& right)
-{
-    return left.channels == right.channels && left.hasMute == right.hasMute && left.isMuted == right.isMuted;
-}
-
-/// Removes each control of the object model that the client does not have at that place, if an earlier one is the same
-/// but for its owner.
-void settleTwiceMetControls(Answers& client, Answers& model, const sim::Machine&)
-{
-    const auto settle = [](OfEndpoint& clients, OfEndpoint& models)
-    {
-        if (!clients.controls || !models.controls)
-            return;
-        std::vector<Control> kept;
-        for (const Control& control : *models.controls)
-        {
-            const bool isExpected =
-                kept.size() < clients.controls->size() && (*clients.controls)[kept.size()] == control;
-            const auto isSame = [&](const Control& earlier) { return isSameControl(earlier, control); };
-            if (isExpected || std::none_of(kept.begin(), kept.end(), isSame))
-                kept.push_back(control);
-        }
-        models.controls = std::move(kept);
-    };
-    forEachPair(client, model, settle);
-}
-
 void settleDefaultCase(Answers&, Answers& model, const sim::Machine&)
 {
     const auto settle = [&](Endpoint::Content& content)
@@ -395,48 +295,6 @@ void settleGuidBraces(Answers& client, Answers&, const sim::Machine& machine)
     forEachContent(client, settle);
 }
 
-void settleSelectorsOfEndpoints(Answers&, Answers& model, const sim::Machine& machine)
-{
-    for (Answers::OfCard& card : model.cards)
-    {
-        const auto isOfEndpoint = [&](const sonavit::Selector& selector)
-        { return selector.deviceId && machine.endpoint(*selector.deviceId) != nullptr; };
-        std::vector<sonavit::Selector>& all = card.selectors;
-        all.erase(std::remove_if(all.begin(), all.end(), isOfEndpoint), all.end());
-    }
-}
-
-/// Whether the ids of two connectors differ in case alone.
-bool hasTwinConnectors(const sim::Machine& machine)
-{
-    std::set<sonavit::EndpointId> known;
-    bool hasTwins = false;
-    const auto collect = [&](const sim::Device& device)
-    {
-        for (const sim::Connector& connector : device.topology.value_or(sim::Topology()).connectors)
-            hasTwins = !known.insert(sonavit::EndpointId(connector.id)).second || hasTwins;
-    };
-    std::for_each(machine.endpoints.begin(), machine.endpoints.end(), collect);
-    std::for_each(machine.adapters.begin(), machine.adapters.end(), collect);
-    return hasTwins;
-}
-
-/// Nothing of the hardware of such machines can be compared.
-void settleTwinConnectors(Answers& client, Answers& model, const sim::Machine& machine)
-{
-    if (!hasTwinConnectors(machine))
-        return;
-    for (Answers* const answers : {&client, &model})
-    {
-        answers->forEach([](OfEndpoint& endpoint) { endpoint.controls.reset(); });
-        for (Answers::OfCard& card : answers->cards)
-        {
-            card.graph = {};
-            card.selectors.clear();
-        }
-    }
-}
-
 /// The short form of formats, and formats of rate 0.
 void settleFormats(Answers& client, Answers& model, const sim::Machine&)
 {
@@ -449,31 +307,6 @@ void settleFormats(Answers& client, Answers& model, const sim::Machine&)
     forEachPair(client, model, settle);
 }
 
-/// Whether the card's walk passes a device that cannot be opened: its connector is known, and so is what it leads to.
-bool passesClosedDevice(const Answers::OfCard& card)
-{
-    return std::any_of(card.graph.devices.begin(), card.graph.devices.end(),
-                       [](const Graph::Device& device)
-                       { return device.kind == Graph::Device::Kind::closed && !device.parts.empty(); });
-}
-
-void settleUnreachableHardware(Answers& client, Answers& model, const sim::Machine&)
-{
-    const auto settle = [](OfEndpoint& clients, OfEndpoint& models)
-    {
-        if (!models.controls)
-            clients.controls.reset();
-    };
-    forEachPair(client, model, settle);
-    for (Answers* const answers : {&client, &model})
-    {
-        for (Answers::OfCard& card : answers->cards)
-        {
-            if (passesClosedDevice(card))
-                card.selectors.clear();
-        }
-    }
-}
 }
 
 const std::vector<Difference>& wantedDifferences()
