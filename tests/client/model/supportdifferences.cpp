@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
-#include <set>
 #include <utility>
 
 namespace support
@@ -22,6 +21,13 @@ using sonavit::LevelRange;
 using sonavit::Percent;
 using sonavit::State;
 using OfEndpoint = Answers::OfEndpoint;
+
+/// Changes the contents of all endpoints in one of the answers.
+template<class Action>
+void forEachContent(Answers& answers, const Action& action)
+{
+    answers.forEach([&](OfEndpoint& endpoint) { action(endpoint.content); });
+}
 
 bool canHaveHardware(const Endpoint::Content& content)
 {

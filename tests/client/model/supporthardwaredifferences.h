@@ -2,19 +2,11 @@
 /// In what the two readers differ about the hardware behind endpoints.
 #pragma once
 
-
 #include "simulator/machine/machine.h"
 #include "tests/client/model/supportanswers.h"
 
 namespace support
 {
-/// Changes the contents of all endpoints in one of the answers.
-template<class Action>
-void forEachContent(Answers& answers, const Action& action)
-{
-    answers.forEach([&](Answers::OfEndpoint& endpoint) { action(endpoint.content); });
-}
-
 /// Calls @p action with each endpoint of the client and that of the object model with the same id.
 template<class Action>
 void forEachPair(Answers& client, Answers& model, const Action& action)
