@@ -105,6 +105,7 @@ std::vector<SettingPlace> placesOf(const Settings& settings, const Snapshot& sna
     for (const auto& [id, all] : rivals)
         settle(all);
     std::vector<SettingPlace> places;
+    places.reserve(claims.size());
     for (Claim& claim : claims)
         places.push_back(std::move(claim.place));
     return places;

@@ -154,6 +154,7 @@ Hardware HardwareValues::hardware(const CardId& card, const std::vector<Endpoint
     Hardware hardware;
     hardware.card = card;
     std::vector<std::vector<ControlPlace>> controlPlaces;
+    controlPlaces.reserve(endpoints.size());
     for (const EndpointId& endpoint : endpoints)
         controlPlaces.push_back(controlsOf(m_map, endpoint));
     const std::vector<SelectorPlace> selectorPlaces = selectorsOf(m_map, endpoints);

@@ -35,7 +35,7 @@ inline constexpr const char* unit = "dB";
 inline constexpr const char* comment = "Levels are in dB, such as -20.5. Change them, muted and inputName; what you "
                                        "remove is left as it is. Keep reference and id.";
 
-inline constexpr std::size_t largestText = 16U * 1024 * 1024;
+inline constexpr std::size_t largestText = std::size_t{16} * 1024 * 1024;
 inline constexpr std::size_t mostValues = 200000;
 inline constexpr std::size_t deepestNesting = 64;
 

@@ -42,7 +42,7 @@ System::~System()
 {
     // In these two cases locks may be held for ever, so what there is stays as it is.
     if (worker::isForked() || worker::isEnding())
-        new std::shared_ptr<State>(std::move(m_state)); // NOLINT(bugprone-unused-raii)
+        m_state->keptForGood = m_state;
     else
         m_state->end();
 }

@@ -26,7 +26,7 @@ Problem endedProblem(const std::string& operation);
 /// Any thread may call all operations, except those that say otherwise.
 struct System::State
 {
-    explicit State(Options options);
+    explicit State(Options given);
     ~State();
     State(const State&) = delete;
     State& operator=(const State&) = delete;
@@ -83,6 +83,8 @@ struct System::State
     // Set at the start, and constant after it.
     std::shared_ptr<worker::Worker> worker;
     std::shared_ptr<watching::Watcher> watcher; ///< used and destroyed on the worker alone
+
+    std::shared_ptr<State> keptForGood; ///< this one, where nothing must be released any more
 };
 
 struct Subscription::State

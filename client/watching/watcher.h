@@ -89,7 +89,7 @@ public:
     void publishHardwareChange(const CardId& card, ChangeToken token);
 
     /// Watches the hardware of a card, and publishes it. @return the number of the watch
-    Result<std::uint64_t> watch(const CardId& card);
+    Result<std::uint64_t> watch(const CardId& id);
     void unwatch(std::uint64_t number) noexcept;
 
     /// Runs @p action at the end of the System, in reverse order of the calls. @return a number for cancelAtEnd()
@@ -120,7 +120,7 @@ private:
     void letChangesPass();
     void noteCause(const Noted::OfEndpoint& noted);
     void readHardware(const Noted::OfHardware& noted);
-    std::vector<EndpointId> readVolumesOf(const CardId& card, const Cause& cause, Authors& authors);
+    std::vector<EndpointId> readVolumesOf(const CardId& id, const Cause& cause, Authors& authors);
     void readEverything();
     std::optional<std::vector<std::size_t>> readList();
     void keepUnlisted(std::vector<reading::EndpointReading>& listed) const;
