@@ -45,7 +45,8 @@ constexpr std::size_t largestText = []
     // Tag and length of each field, and its bytes: the flow; two ids; vendor and product; function; serial number and
     // two names; two GUIDs; form factor; place of the jack; driver.
     constexpr std::size_t bytes = (2 + 1) + 2 * (2 + idLimit) + 2 * (2 + numberLimit) + (2 + functionLimit) +
-                                  3 * (2 + nameLimit) + std::size_t{2} * (2 + 16) + (2 + 2) + (2 + 6) + (2 + 8) + checksumSize;
+                                  3 * (2 + nameLimit) + std::size_t{2} * (2 + 16) + (2 + 2) + (2 + 6) + (2 + 8) +
+                                  checksumSize;
     return prefix.size() + (bytes * 8 + 5) / 6;
 }();
 static_assert(largestText <= textLimit);

@@ -162,9 +162,9 @@ public:
     Result<Reference> refer(const EndpointId& endpoint) const;
     Resolution resolve(const Reference& reference) const;
 
-    // These ask the hardware and wait for it. Problem::Kind::notThere for an endpoint or a card that does not exist. What
-    // a failing call hides from the walk is missing in both lists; the problems of graph() and of a watched card name
-    // that call.
+    // These ask the hardware and wait for it. Problem::Kind::notThere for an endpoint or a card that does not exist.
+    // What a failing call hides from the walk is missing in both lists; the problems of graph() and of a watched card
+    // name that call.
 
     /// The levels in the hardware that act on an endpoint, those next to its jack first.
     Result<std::vector<Control>> controls(const EndpointId& endpoint) const;
