@@ -65,7 +65,7 @@ public:
             keys.push_back(key);
         return keys;
     }
-    /// Everything is due at @p time at the latest, also what take() has returned and nobody has tried.
+    /// Everything that is due later becomes due at @p time, also what take() has returned and nobody has tried.
     void hurry(Time time) noexcept
     {
         for (auto& [key, plan] : m_plans)
