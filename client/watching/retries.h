@@ -65,7 +65,7 @@ public:
             keys.push_back(key);
         return keys;
     }
-    /// Everything that is due later becomes due at @p time, also what take() has returned and nobody has tried.
+    /// Moves every try that is due after @p time to @p time, and those that take() has returned and that still run.
     void hurry(Time time) noexcept
     {
         for (auto& [key, plan] : m_plans)
