@@ -11,9 +11,11 @@
 /// them calls no platform and waits for nothing.
 #pragma once
 
+#include "sonavit/capture.h"
 #include "sonavit/card.h"
 #include "sonavit/change.h"
 #include "sonavit/control.h"
+#include "sonavit/diagnosis.h"
 #include "sonavit/endpoint.h"
 #include "sonavit/format.h"
 #include "sonavit/formathold.h"

@@ -230,6 +230,7 @@ public:
     Result<RestoreReport> restore(const Settings& settings);
 
 private:
+    friend struct SystemAccess;
     struct State;
     std::shared_ptr<State> m_state;
 };

@@ -28,6 +28,7 @@ struct Device
     bool openable = true; ///< false: the enumerator does not find it by id, though connectors may refer to it
     std::uint32_t state = stateActive;
     Properties properties;
+    Properties unlistedProperties;    ///< the store returns them, but GetCount and GetAt do not list them
     std::optional<Topology> topology; ///< none: Activate(IDeviceTopology) fails
     bool hasAudioClient = false;      ///< Activate(IAudioClient) succeeds
     bool hasBaseFilter = false;       ///< Activate(IBaseFilter) succeeds
@@ -37,8 +38,16 @@ struct Device
 /// How the scalar level of an endpoint volume depends on decibels; 0 at the minimum and 1 at the maximum in any case.
 enum class Taper
 {
-    linear, ///< linear in decibels
-    audio   ///< as on Windows: the amplitude is about the scalar level to the power of 1.75
+    linear,  ///< linear in decibels
+    audio,   ///< as on Windows: the amplitude is about the scalar level to the power of 1.75
+    measured ///< through the points of EndpointVolume::taperPoints, linear in decibels between them
+};
+
+/// A level as both scales have it.
+struct TaperPoint
+{
+    float level = 0.0f; ///< decibels
+    float scalar = 0.0f;
 };
 
 /// The parts that implement an endpoint volume, by id; empty: none does.
@@ -50,7 +59,8 @@ struct HardwareControls
 
 /// IAudioEndpointVolume: one range for all channels and a level for each, all in decibels.
 ///
-/// The master level is that of the loudest channel; setting it changes all channels by the same difference.
+/// The master level is that of the loudest channel, unless the machine says otherwise; setting it changes all channels
+/// by the same difference.
 struct EndpointVolume
 {
     float minimum = -65.25f;
@@ -62,6 +72,9 @@ struct EndpointVolume
         0; ///< bits of QueryHardwareSupport: 1 volume, 2 mute, 4 meter; those of @ref hardware are added
     std::vector<std::string> refused; ///< names of operations that return E_NOTIMPL, such as "SetMute"
     Taper taper = Taper::linear;
+    std::vector<TaperPoint> taperPoints = {}; ///< with Taper::measured, in rising order
+    std::optional<float> master = {}; ///< the master level until a level is set; none: that of the loudest channel
+    std::optional<std::uint32_t> steps = {}; ///< what GetVolumeStepInfo counts; none: as range and step say
     HardwareControls hardware = {};
 };
 
@@ -76,11 +89,12 @@ struct DevicePeriods
 struct Endpoint : Device
 {
     EDataFlow flow = eRender;
-    bool installed = true;                ///< false: no collection contains it before an event adds it
-    std::optional<EndpointVolume> volume; ///< none: Activate(IAudioEndpointVolume) fails
-    std::vector<ERole> defaultFor;        ///< roles in which the user has chosen it as the default of its flow
-    std::optional<DevicePeriods> periods; ///< none: 10 ms in whole bursts of 32 frames, and 3 ms
-    std::optional<MixFormat> mixFormat;   ///< none: 32-bit floating point at the device format's rate and channels
+    bool installed = true;                    ///< false: no collection contains it before an event adds it
+    std::optional<EndpointVolume> volume;     ///< none: Activate(IAudioEndpointVolume) fails
+    std::vector<ERole> defaultFor;            ///< roles in which the user has chosen it as the default of its flow
+    std::optional<DevicePeriods> periods;     ///< none: 10 ms in whole bursts of 32 frames, and 3 ms
+    std::optional<MixFormat> mixFormat;       ///< none: 32-bit floating point at the device format's rate and channels
+    std::vector<std::uint8_t> mixFormatBytes; ///< a mix format that MixFormat cannot express; empty: there is none
 };
 
 /// A device on the adapter side: it has a topology, but it is not an endpoint and no collection contains it.
@@ -168,6 +182,13 @@ enum class CallbackThread
     bare, ///< it has not, as a thread of a pool may not have
 };
 
+/// Whether the platform adds properties to those of the machine, see simulator/README.md.
+enum class Composition
+{
+    usual, ///< what the machine does not mention is composed
+    none   ///< the stores contain what the machine says and nothing else, as after a capture
+};
+
 /// The user's choice whether programs may record.
 enum class CaptureAccess
 {
@@ -184,6 +205,7 @@ struct Machine
     RemovedEndpoints removedEndpoints = RemovedEndpoints::open;
     CallbackThread callbackThread = CallbackThread::com;
     NotPresentNames notPresentNames = NotPresentNames::readable;
+    Composition composition = Composition::usual;
     CaptureAccess captureAccess = CaptureAccess::allowed;
     std::vector<Endpoint> endpoints; ///< in the order in which the platform enumerates them
     std::vector<Adapter> adapters;

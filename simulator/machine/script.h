@@ -70,7 +70,8 @@ struct FaultRule
     std::string operation;    ///< "IMMDevice::Activate", "CoCreateInstance"; bare "Release": that of every interface
     std::string object = "*"; ///< a device id (its store, topology and volume too) or a part's global id; "*": any
     std::string argument;     ///< the first argument as the journal writes it; empty: any
-    std::uint32_t call = 0;   ///< the n-th matching call, counted from 1; 0: every call
+    std::vector<std::string> arguments = {}; ///< the first arguments as the journal writes them, in place of `argument`
+    std::uint32_t call = 0;                  ///< the n-th matching call, counted from 1; 0: every call
     Outcome outcome = Outcome::result;
     HRESULT result = E_FAIL;
     std::uint32_t forMilliseconds = 0;           ///< how long the rule holds, from `after` on; 0: to the end

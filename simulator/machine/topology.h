@@ -42,6 +42,13 @@ struct SelectorControl
     std::uint32_t selection = 0; ///< local id of the selected incoming part; 0: none
 };
 
+/// A control that a part lists and that the machine does not answer for: Activate returns E_NOINTERFACE.
+struct FurtherControl
+{
+    GUID interfaceId = {};
+    OptionalString name; ///< what IControlInterface::GetName returns
+};
+
 /// The common data of connectors and subunits of a topology.
 struct Part
 {
@@ -55,6 +62,7 @@ struct Part
     std::optional<VolumeControl> volume;
     std::optional<MuteControl> mute;
     std::optional<SelectorControl> selector;
+    std::vector<FurtherControl> furtherControls; ///< listed after the others
 };
 
 /// IKsJackDescription and IKsJackDescription2 of one jack.

@@ -1,0 +1,16 @@
+/// @file
+/// Takes out of a machine what identifies its owner.
+#pragma once
+
+#include "simulator/machine/machine.h"
+
+#include <string>
+#include <vector>
+
+namespace sonavit::capturing
+{
+/// Replaces serial numbers of devices, container ids, and @p names wherever they occur, in texts, ids, blobs and
+/// faults, regardless of case; equal ones by equal ones of the same length and form, so that what belonged together
+/// does so still.
+void makeAnonymous(sim::Machine& machine, const std::vector<std::string>& names);
+}

@@ -1,0 +1,94 @@
+/// @file
+/// What is wrong with the sound hardware of a computer, and why an endpoint is as it is.
+#pragma once
+
+#include "sonavit/export.h"
+#include "sonavit/ids.h"
+#include "sonavit/problem.h"
+#include "sonavit/result.h"
+#include "sonavit/system.h"
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace sonavit
+{
+inline namespace v1
+{
+/// Something that is wrong, or odd.
+struct SONAVIT_CLIENT_API Finding
+{
+    enum class Kind : int
+    {
+        failure, ///< a platform call failed; @ref problem names it
+        data,    ///< a call succeeded and returned what cannot be right
+        oddity   ///< no error, but often the reason why users see what they do not expect
+    };
+
+    Kind kind = Kind::failure;
+    /// What it concerns; none: the whole computer.
+    std::optional<EndpointId> endpoint;
+    /// Its title, as people know it; "this computer" without an endpoint.
+    std::string subject;
+    /// A name for programs that does not change, such as "property-unreadable" or "two-endpoints-one-name".
+    std::string rule;
+    /// What is wrong, as a sentence.
+    std::string sentence;
+    /// What is missing or different because of it, as a sentence; empty if nothing is.
+    std::string effect;
+    /// What usually causes it, as a sentence.
+    std::string cause;
+    /// The call that failed, for Kind::failure.
+    std::optional<Problem> problem;
+
+    friend SONAVIT_CLIENT_API bool operator==(const Finding& left, const Finding& right);
+    friend SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& stream, const Finding& finding);
+};
+
+/// A fact about an endpoint, and the platform call that gave it.
+struct SONAVIT_CLIENT_API Fact
+{
+    std::string sentence;
+    std::string call;   ///< "IPropertyStore::GetValue(instancePath)"; empty for what follows from the facts before it
+    std::string object; ///< id of what it was called on; empty for a function
+
+    friend SONAVIT_CLIENT_API bool operator==(const Fact& left, const Fact& right);
+    friend SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& stream, const Fact& fact);
+};
+
+/// The answer to one question about an endpoint: facts, each of which leads to the next.
+struct SONAVIT_CLIENT_API Reason
+{
+    enum class Question : int
+    {
+        card,     ///< why it is in this card
+        jacks,    ///< why it has these jacks
+        controls, ///< why these controls act on it and no others
+        isDefault ///< why it is the default, or why it is not
+    };
+
+    Question question = Question::card;
+    std::string title; ///< the question as a sentence
+    std::vector<Fact> facts;
+
+    friend SONAVIT_CLIENT_API bool operator==(const Reason& left, const Reason& right);
+    friend SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& stream, const Reason& reason);
+};
+
+/// Looks for everything that is wrong with the sound hardware of this computer: the computer's findings first, then
+/// those of each endpoint in the order of the snapshot. Empty if nothing is.
+///
+/// It reads all that capture() reads and waits for it in the same way. Nothing is changed. Problem::Kind::noAnswer,
+/// wouldWait, ended.
+SONAVIT_CLIENT_API Result<std::vector<Finding>> diagnose(System& system);
+/// The findings that concern one endpoint, with those of the hardware that it reaches. Problem::Kind::notThere for one
+/// that does not exist.
+SONAVIT_CLIENT_API Result<std::vector<Finding>> diagnose(System& system, const EndpointId& endpoint);
+
+/// Why an endpoint is in its card, has its jacks and its controls, and is the default or not: one Reason for each
+/// question, in their order. Problem::Kind::notThere for an endpoint that does not exist; otherwise as diagnose().
+SONAVIT_CLIENT_API Result<std::vector<Reason>> explain(System& system, const EndpointId& endpoint);
+}
+}
