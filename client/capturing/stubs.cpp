@@ -1,4 +1,3 @@
-#include "client/capturing/anonymity.h"
 #include "client/capturing/hardware.h"
 
 namespace sonavit::capturing
@@ -13,5 +12,4 @@ void surveyDefaults(IMMDeviceEnumerator&, sim::Machine&, Recorder&) {}
 void surveyWaveDevices(sim::Machine&, Recorder&) {}
 void surveyDeviceInstances(sim::Machine&) {}
 void surveyHardware(IMMDeviceEnumerator&, const std::vector<OpenEndpoint>&, sim::Machine&, Recorder&, const Pause&) {}
-void makeAnonymous(sim::Machine&, const std::vector<std::string>&) {}
 }

@@ -1,0 +1,1 @@
+#include "tests/program/programtest.h"
