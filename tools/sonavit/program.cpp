@@ -44,6 +44,8 @@ Command commandOf(Verb verb)
         return runSave;
     case Verb::restore:
         return runRestore;
+    case Verb::capture:
+        return runCapture;
     case Verb::find:
         return runFind;
     case Verb::refer:

@@ -53,7 +53,10 @@ std::vector<std::uint8_t> asciiBytes(const std::string& text)
 std::vector<std::uint8_t> wideBytes(const std::string& text)
 {
     const std::u32string characters = sonavit::capturing::charactersOf(text);
-    std::vector<std::uint8_t> bytes(2 * characters.size());
+    std::size_t units = 0;
+    for (const char32_t character : characters)
+        units += character < 0x10000 ? 1 : 2;
+    std::vector<std::uint8_t> bytes(2 * units);
     sonavit::capturing::storeWide(characters, bytes, 0);
     return bytes;
 }

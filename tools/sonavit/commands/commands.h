@@ -27,6 +27,7 @@ void runSetControl(Context& context);
 void runSelect(Context& context);
 void runSave(Context& context);
 void runRestore(Context& context);
+void runCapture(Context& context);
 void runFind(Context& context);
 void runRefer(Context& context);
 void runResolve(Context& context);
