@@ -15,11 +15,15 @@ namespace sonavit::capturing
 std::u32string charactersOf(std::string_view text);
 std::string ofCharacters(const std::u32string& characters);
 
+/// @p characters of ISO 8859-1 as charactersOf() has them if their bytes are no UTF-8; empty if it has not all of them.
+std::u32string asBytes(std::u32string characters);
+
 /// The characters of UTF-16, little-endian, in @p bytes from @p start on; an odd byte at the end is left out.
 std::u32string wideCharactersIn(const std::vector<std::uint8_t>& bytes, std::size_t start);
 void storeWide(const std::u32string& characters, std::vector<std::uint8_t>& bytes, std::size_t start);
 
-/// Letters of the Latin, Greek and Cyrillic alphabets in lower case; other characters as they are. The size of a
+/// Letters of the Latin, Greek and Cyrillic alphabets in lower case, also bytes that are letters of ISO 8859-1; other
+/// characters as they are. The size of a
 /// character is the same in either case.
 char32_t folded(char32_t character);
 std::u32string folded(std::u32string characters);

@@ -126,7 +126,7 @@ void Walk::value(sim::PropertyValue& value)
     m_visitor.bytes(value.bytes);
     if (value.tag == VT_CLSID)
         m_visitor.guid(value.guid);
-    if (value.tag == VT_UI8)
+    if (value.tag == VT_UI8 || value.tag == VT_I8)
         m_visitor.number(value.number);
 }
 
