@@ -164,6 +164,8 @@ Rules rulesFor(const Texts& texts, const std::vector<Secret>& secrets)
         if (!replacement)
             continue;
         rules.add({secret.text, *replacement, secret.extent});
+        if (asBytes(secret.text) != secret.text && !asBytes(secret.text).empty())
+            rules.add({asBytes(secret.text), asBytes(*replacement), secret.extent});
         if (secret.kind == Secret::Kind::address)
             addAddress(rules, secret.text, *replacement);
         if (secret.kind == Secret::Kind::container)

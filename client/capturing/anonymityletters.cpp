@@ -16,10 +16,14 @@ struct Alphabet
     char32_t distance;
 };
 
-constexpr Alphabet alphabets[] = {{U'A', U'Z', 0x20},   {0xC0, 0xD6, 0x20},   // Latin-1
-                                  {0xD8, 0xDE, 0x20},   {0x391, 0x3A9, 0x20}, // Greek
-                                  {0x410, 0x42F, 0x20},                       // Cyrillic
-                                  {0x400, 0x40F, 0x50}};                      // Cyrillic, further letters
+constexpr Alphabet alphabets[] = {{U'A', U'Z', 0x20},
+                                  {0xC0, 0xD6, 0x20}, // Latin-1
+                                  {0xD8, 0xDE, 0x20},
+                                  {0x391, 0x3A9, 0x20}, // Greek
+                                  {0x410, 0x42F, 0x20}, // Cyrillic
+                                  {0x400, 0x40F, 0x50}, // Cyrillic, further letters
+                                  {brokenByte + 0xC0, brokenByte + 0xD6, 0x20},
+                                  {brokenByte + 0xD8, brokenByte + 0xDE, 0x20}};
 
 /// Latin letters with further marks: each capital letter is followed by its small one.
 constexpr Alphabet pairs[] = {{0x100, 0x137, 1}, {0x139, 0x148, 1}, {0x14A, 0x177, 1}, {0x179, 0x17E, 1}};
@@ -71,6 +75,18 @@ std::string ofCharacters(const std::u32string& characters)
     for (const char32_t character : characters)
         append(text, character);
     return text;
+}
+
+std::u32string asBytes(std::u32string characters)
+{
+    for (char32_t& character : characters)
+    {
+        if (character > 0xFF)
+            return {};
+        if (character >= 0x80)
+            character += brokenByte;
+    }
+    return characters;
 }
 
 std::u32string wideCharactersIn(const std::vector<std::uint8_t>& bytes, std::size_t start)
