@@ -79,7 +79,8 @@ inline constexpr Names<EPxcPortConnection, 4> portConnectionNames = {{{"jack", e
                                                                       {"both", ePortConnBothIntegratedAndJack},
                                                                       {"unknown", ePortConnUnknown}}};
 
-inline constexpr Names<Taper, 2> taperNames = {{{"linear", Taper::linear}, {"audio", Taper::audio}}};
+inline constexpr Names<Taper, 3> taperNames = {
+    {{"linear", Taper::linear}, {"audio", Taper::audio}, {"measured", Taper::measured}}};
 
 inline constexpr Names<std::uint32_t, 3> hardwareSupportNames = {{{"volume", 1}, {"mute", 2}, {"meter", 4}}};
 

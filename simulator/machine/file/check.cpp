@@ -132,6 +132,9 @@ void MachineCheck::endpointVolume(const EndpointVolume& volume, const FilePlace&
 {
     range(volume.minimum, volume.maximum, volume.step, place);
     requireName(taperNames, volume.taper, FilePlace(place, "taper"));
+    taperPoints(volume, place);
+    if (volume.master && !std::isfinite(*volume.master))
+        report(FilePlace(place, "master"), "a number of decibels", decimal(*volume.master));
     channelCount(volume.channels.size(), FilePlace(place, "channels"));
     for (std::size_t index = 0; index < volume.channels.size(); ++index)
         level(volume.channels[index], volume.minimum, volume.maximum, FilePlace(place, "channels", index));
@@ -142,6 +145,22 @@ void MachineCheck::endpointVolume(const EndpointVolume& volume, const FilePlace&
         if (!isEndpointVolumeOperation(volume.refused[index]))
             report(FilePlace(place, "refused", index), "an operation of IAudioEndpointVolume",
                    inQuotes(volume.refused[index]));
+    }
+}
+
+void MachineCheck::taperPoints(const EndpointVolume& volume, const FilePlace& place)
+{
+    const std::vector<TaperPoint>& points = volume.taperPoints;
+    if (!points.empty() && volume.taper != Taper::measured)
+        report(FilePlace(place, "taperPoints"), "no points, or the taper \"measured\"", std::to_string(points.size()));
+    for (std::size_t index = 0; index < points.size(); ++index)
+    {
+        const TaperPoint& point = points[index];
+        const auto found = [&] { return decimal(point.level) + " at " + decimal(point.scalar); };
+        if (!std::isfinite(point.level) || !std::isfinite(point.scalar))
+            report(FilePlace(place, "taperPoints", index), "two numbers", found());
+        else if (index > 0 && (point.level <= points[index - 1].level || point.scalar < points[index - 1].scalar))
+            report(FilePlace(place, "taperPoints", index), "a higher level than before, at no lower scalar", found());
     }
 }
 

@@ -95,6 +95,7 @@ private:
     void propertyValue(const PropertyValue& value, const FilePlace& place);
     void periods(const DevicePeriods& periods, const FilePlace& place);
     void endpointVolume(const EndpointVolume& volume, const FilePlace& place);
+    void taperPoints(const EndpointVolume& volume, const FilePlace& place);
     void hardwareControls();
     void hardwareVolume(const EndpointVolume& volume, const FilePlace& place);
     void hardwareMute(const EndpointVolume& volume, const FilePlace& place);

@@ -164,8 +164,9 @@ std::vector<ObjectRule> objectRules()
     std::vector<ObjectRule> rules;
     append<Machine, Endpoint, Adapter>(rules);
     append(rules, propertyValueForms());
-    append<EndpointVolume, HardwareControls, DevicePeriods, Topology, Connector, Jack, Subunit, VolumeControl,
-           ChannelLevel, MuteControl, SelectorControl, SignalPath, Join, DeviceInstance, WaveDevice>(rules);
+    append<EndpointVolume, TaperPoint, HardwareControls, DevicePeriods, Topology, Connector, Jack, Subunit,
+           VolumeControl, ChannelLevel, MuteControl, SelectorControl, SignalPath, Join, DeviceInstance, WaveDevice>(
+        rules);
     append(rules, eventForms());
     append<FaultRule, LatencyRule>(rules);
     return rules;

@@ -97,10 +97,16 @@ auto membersOf(sim::HardwareControls& value)
     return std::tie(volume, mute);
 }
 
+auto membersOf(sim::TaperPoint& value)
+{
+    auto& [level, scalar] = value;
+    return std::tie(level, scalar);
+}
+
 auto membersOf(sim::EndpointVolume& value)
 {
-    auto& [minimum, maximum, step, channels, muted, hardwareSupport, refused, taper, hardware] = value;
-    return std::tie(minimum, maximum, step, channels, muted, hardwareSupport, refused, taper, hardware);
+    auto& [minimum, maximum, step, channels, muted, support, refused, taper, points, master, steps, hardware] = value;
+    return std::tie(minimum, maximum, step, channels, muted, support, refused, taper, points, master, steps, hardware);
 }
 
 auto membersOf(sim::DevicePeriods& value)
@@ -273,11 +279,12 @@ protected:
     }
 };
 
-using AllTypes = testing::Types<sim::PropertyValue, sim::Property, sim::ChannelLevel, sim::VolumeControl,
-                                sim::MuteControl, sim::SelectorControl, sim::Jack, sim::Connector, sim::Subunit,
-                                sim::SignalPath, sim::Topology, sim::HardwareControls, sim::EndpointVolume,
-                                sim::DevicePeriods, sim::Endpoint, sim::Adapter, sim::Join, sim::DeviceInstance,
-                                sim::WaveDevice, sim::ScriptEvent, sim::FaultRule, sim::LatencyRule, sim::Machine>;
+using AllTypes =
+    testing::Types<sim::PropertyValue, sim::Property, sim::ChannelLevel, sim::VolumeControl, sim::MuteControl,
+                   sim::SelectorControl, sim::Jack, sim::Connector, sim::Subunit, sim::SignalPath, sim::Topology,
+                   sim::HardwareControls, sim::TaperPoint, sim::EndpointVolume, sim::DevicePeriods, sim::Endpoint,
+                   sim::Adapter, sim::Join, sim::DeviceInstance, sim::WaveDevice, sim::ScriptEvent, sim::FaultRule,
+                   sim::LatencyRule, sim::Machine>;
 TYPED_TEST_SUITE(MachineEquality, AllTypes);
 
 TYPED_TEST(MachineEquality, ComparesEachMember)

@@ -107,7 +107,8 @@ inline std::vector<sim::Endpoint> endpoints()
     input.flow = eCapture;
     input.state = 5;
     input.volume = sim::EndpointVolume{
-        -96.0f, 12.0f, 1.5f, {-0.1f}, true, 4, {}, sim::Taper::audio, {codec + "/jack", codec + "/jack"}};
+        -96.0f, 12.0f, 1.5f, {-0.1f}, true, 4, {}, sim::Taper::measured, {{-50.0f, 0.25f}, {-0.1f, 0.9f}}, -3.5f, 51};
+    input.volume->hardware = {codec + "/jack", codec + "/jack"};
     input.defaultFor = {eConsole};
     return {output, input};
 }
