@@ -79,8 +79,6 @@ void MachineCheck::devices()
 void MachineCheck::device(const Device& device, const FilePlace& place)
 {
     requireNewId(m_devices, device, place);
-    if ((device.state & ~allStates) != 0)
-        report(FilePlace(place, "state"), stateRange, std::to_string(device.state));
     properties(device.properties, FilePlace(place, "properties"));
     unlistedProperties(device, FilePlace(place, "unlistedProperties"));
     if (device.topology)
@@ -111,11 +109,8 @@ void MachineCheck::unlistedProperties(const Device& device, const FilePlace& pla
 
 void MachineCheck::propertyValue(const PropertyValue& value, const FilePlace& place)
 {
-    const bool isKnown = hasName(numberTagNames, value.tag) || value.tag == VT_EMPTY || value.tag == VT_LPWSTR ||
-                         value.tag == VT_BLOB || value.tag == VT_R4 || value.tag == VT_CLSID;
-    if (!isKnown)
-        report(place, "an empty value, a string, a number, a GUID or a blob", "the tag " + std::to_string(value.tag));
-    if (value.tag != VT_UI8 && value.number > UINT32_MAX)
+    const bool isLarge = value.tag == VT_UI8 || value.tag == VT_I8 || value.tag == VT_FILETIME;
+    if (!isLarge && value.number > UINT32_MAX)
         report(place, "a number of 32 bits, or the tag VT_UI8", std::to_string(value.number));
 }
 

@@ -96,8 +96,9 @@ void addNamesAndNumbers(JsonValue& definitions)
     addNames(definitions, flowCodec);
     addNames(definitions, roleCodec);
     addNames(definitions, stateNameCodec);
-    definitions.add(definition::state, described("A state, or a sum of states as the platform counts them.")
-                                           .add("oneOf", JsonValue::array({stateNameCodec.schema(), integer("15")})));
+    definitions.add(definition::state,
+                    described("A state, or a number: a sum of states as the platform counts them, or any other.")
+                        .add("oneOf", JsonValue::array({stateNameCodec.schema(), reference(definition::number)})));
     addNames(definitions, directionCodec);
     addNames(definitions, connectorTypeCodec);
     addNames(definitions, notPresentNamesCodec);

@@ -16,8 +16,8 @@ namespace
 
 auto membersOf(sim::PropertyValue& value)
 {
-    auto& [tag, text, number, real, guid, bytes] = value;
-    return std::tie(tag, text, number, real, guid, bytes);
+    auto& [tag, text, number, real, guid, bytes, longReal] = value;
+    return std::tie(tag, text, number, real, guid, bytes, longReal);
 }
 
 auto membersOf(sim::Property& value)
@@ -208,6 +208,11 @@ void change(bool& value)
 void change(float& value)
 {
     value = std::nextafter(value, 1000.0f);
+}
+
+void change(double& value)
+{
+    value = std::nextafter(value, 1000.0);
 }
 
 void change(std::string& value)
