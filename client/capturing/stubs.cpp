@@ -1,5 +1,5 @@
 #include "client/capturing/anonymity.h"
-#include "client/capturing/hardware.h"
+#include "client/capturing/devices.h"
 
 namespace sonavit::capturing
 {
@@ -12,6 +12,5 @@ void surveyDevice(IMMDevice&, sim::Device&, Recorder&) {}
 void surveyDefaults(IMMDeviceEnumerator&, sim::Machine&, Recorder&) {}
 void surveyWaveDevices(sim::Machine&, Recorder&) {}
 void surveyDeviceInstances(sim::Machine&) {}
-void surveyHardware(IMMDeviceEnumerator&, const std::vector<OpenEndpoint>&, sim::Machine&, Recorder&, const Pause&) {}
 void makeAnonymous(sim::Machine&, const std::vector<std::string>&) {}
 }
