@@ -166,8 +166,7 @@ void Events::setVolume(const std::string& endpointId, std::optional<float> level
 void Events::setProperty(const std::string& endpointId, const PROPERTYKEY& key, const PropertyValue& value)
 {
     change(
-        Kind::propertyChanged, endpointId,
-        [&](Hardware&, Endpoint& endpoint) { changeProperty(endpoint.properties, key, value); },
+        Kind::propertyChanged, endpointId, [&](Hardware&, Endpoint& endpoint) { changeProperty(endpoint, key, value); },
         [&] { notifyPropertyChanged(m_state, endpointId, key); });
 }
 

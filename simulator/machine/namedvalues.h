@@ -35,6 +35,9 @@ inline constexpr Names<ConnectorType, 6> connectorTypeNames = {{{"unknown", Unkn
 inline constexpr Names<NotPresentNames, 2> notPresentNamesNames = {
     {{"readable", NotPresentNames::readable}, {"failing", NotPresentNames::failing}}};
 
+inline constexpr Names<Composition, 2> compositionNames = {
+    {{"usual", Composition::usual}, {"none", Composition::none}}};
+
 inline constexpr Names<EPcxConnectionType, 12> jackConnectionNames = {
     {{"unknown", eConnTypeUnknown},
      {"3.5mm jack", eConnType3Point5mm},

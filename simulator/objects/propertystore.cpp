@@ -82,7 +82,7 @@ public:
                 {
                     if (isName(key) && hidesNames(hardware, device))
                         return noSuchInstance;
-                    if (const PropertyValue* const found = findProperty(device.properties, key))
+                    if (const PropertyValue* const found = findProperty(device, key))
                         return store(*found, *value);
                     return store(composedProperty(hardware, device, key), *value);
                 });
@@ -102,7 +102,7 @@ public:
             const HRESULT result = onDevice(*state(), name(),
                                             [&](Device& device)
                                             {
-                                                changeProperty(device.properties, key, *copy);
+                                                changeProperty(device, key, *copy);
                                                 return S_OK;
                                             });
             if (SUCCEEDED(result))

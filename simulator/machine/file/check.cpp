@@ -45,6 +45,7 @@ std::vector<MachineProblem> MachineCheck::run()
     requireName(callbackThreadNames, m_machine.callbackThread, FilePlace(m_file, "callbackThread"));
     requireName(latencyPresetNames, m_machine.latencyPreset, FilePlace(m_file, "latencyPreset"));
     requireName(notPresentNamesNames, m_machine.notPresentNames, FilePlace(m_file, "notPresentNames"));
+    requireName(compositionNames, m_machine.composition, FilePlace(m_file, "composition"));
     requireName(captureAccessNames, m_machine.captureAccess, FilePlace(m_file, "captureAccess"));
     devices();
     hardwareControls();
@@ -81,6 +82,7 @@ void MachineCheck::device(const Device& device, const FilePlace& place)
     if ((device.state & ~allStates) != 0)
         report(FilePlace(place, "state"), stateRange, std::to_string(device.state));
     properties(device.properties, FilePlace(place, "properties"));
+    unlistedProperties(device, FilePlace(place, "unlistedProperties"));
     if (device.topology)
         topology(*device.topology, FilePlace(place, "topology"));
 }
@@ -93,6 +95,17 @@ void MachineCheck::properties(const Properties& properties, const FilePlace& pla
         if (!keys.insert(property.key).second)
             report(place, "each property once", "duplicate " + inQuotes(keyText(property.key)));
         propertyValue(property.value, FilePlace(place, property.key));
+    }
+}
+
+void MachineCheck::unlistedProperties(const Device& device, const FilePlace& place)
+{
+    properties(device.unlistedProperties, place);
+    for (const Property& property : device.unlistedProperties)
+    {
+        if (findProperty(device.properties, property.key) != nullptr)
+            report(FilePlace(place, property.key), "a property that is not in \"properties\"",
+                   "duplicate " + inQuotes(keyText(property.key)));
     }
 }
 

@@ -128,6 +128,7 @@ inline constexpr auto stateNameCodec = nameCodec(stateNames, "stateName");
 inline constexpr auto directionCodec = nameCodec(directionNames, "direction");
 inline constexpr auto connectorTypeCodec = nameCodec(connectorTypeNames, "connectorType");
 inline constexpr auto notPresentNamesCodec = nameCodec(notPresentNamesNames, "notPresentNames");
+inline constexpr auto compositionCodec = nameCodec(compositionNames, "composition");
 inline constexpr auto jackConnectionCodec = nameCodec(jackConnectionNames, "jackConnection");
 inline constexpr auto geometricLocationCodec = nameCodec(geometricLocationNames, "geometricLocation");
 inline constexpr auto generalLocationCodec = nameCodec(generalLocationNames, "generalLocation");

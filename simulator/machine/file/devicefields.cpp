@@ -37,6 +37,14 @@ void addState(FieldTable<AnyDevice>& table)
                   "false: the enumerator does not find the device by its id.");
 }
 
+template<class AnyDevice>
+void addProperties(FieldTable<AnyDevice>& table)
+{
+    table.optional("properties", &Device::properties, PropertiesCodec())
+        .optional("unlistedProperties", &Device::unlistedProperties, PropertiesCodec(),
+                  "GetValue returns them, but GetCount and GetAt do not list them.");
+}
+
 /// The list of the interfaces that a device activates, of which each is a member of the data.
 template<class AnyDevice>
 void addInterfaces(FieldTable<AnyDevice>& table)
@@ -101,7 +109,7 @@ FieldTable<Adapter> adapterTable()
     table.required("id", &Device::id, StringCodec{definition::id});
     addState(table);
     addInterfaces(table);
-    table.optional("properties", &Device::properties, PropertiesCodec());
+    addProperties(table);
     addTopology(table);
     return table;
 }
@@ -118,8 +126,8 @@ FieldTable<Endpoint> endpointTable()
                   "platform elects another.");
     addState(table);
     addInterfaces(table);
-    table.optional("properties", &Device::properties, PropertiesCodec())
-        .optional("volume", &Endpoint::volume, optionalCodec(ObjectCodec<EndpointVolume>()))
+    addProperties(table);
+    table.optional("volume", &Endpoint::volume, optionalCodec(ObjectCodec<EndpointVolume>()))
         .optional("periods", &Endpoint::periods, optionalCodec(ObjectCodec<DevicePeriods>()))
         .optional("mixFormat", &Endpoint::mixFormat, optionalCodec(MixFormatCodec()),
                   "The format of the shared engine: bits/rate/channels, with 32f for floating point. If it is missing: "

@@ -91,6 +91,7 @@ private:
     void devices();
     void device(const Device& device, const FilePlace& place);
     void properties(const Properties& properties, const FilePlace& place);
+    void unlistedProperties(const Device& device, const FilePlace& place);
     void propertyValue(const PropertyValue& value, const FilePlace& place);
     void periods(const DevicePeriods& periods, const FilePlace& place);
     void endpointVolume(const EndpointVolume& volume, const FilePlace& place);
@@ -116,6 +117,10 @@ private:
     void event(const ScriptEvent& event, const FilePlace& place);
     void volumeEvent(const ScriptEvent& event, const Endpoint& endpoint, const FilePlace& place);
     void faults();
+    /// Whether the machine has an object that fault rules call @p name.
+    bool isObject(const std::string& name) const;
+    bool isListOfParts(const std::string& name) const;
+    bool isControl(const std::string& name) const;
     void latency();
 
     void range(float minimum, float maximum, float step, const FilePlace& place);

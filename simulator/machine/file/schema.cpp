@@ -101,6 +101,7 @@ void addNamesAndNumbers(JsonValue& definitions)
     addNames(definitions, directionCodec);
     addNames(definitions, connectorTypeCodec);
     addNames(definitions, notPresentNamesCodec);
+    addNames(definitions, compositionCodec);
     addNames(definitions, jackConnectionCodec);
     addNames(definitions, geometricLocationCodec);
     addNames(definitions, generalLocationCodec);

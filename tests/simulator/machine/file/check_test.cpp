@@ -107,6 +107,7 @@ TEST(MachineCheck, FindsOptionsWithoutAName)
         machine.callbackThread = static_cast<sim::CallbackThread>(3);
         machine.latencyPreset = static_cast<sim::LatencyPreset>(4);
         machine.captureAccess = static_cast<sim::CaptureAccess>(4);
+        machine.composition = static_cast<sim::Composition>(2);
         machine.notPresentNames = static_cast<sim::NotPresentNames>(2);
         machine.endpoints[1].volume->taper = static_cast<sim::Taper>(2);
     };
@@ -116,6 +117,7 @@ TEST(MachineCheck, FindsOptionsWithoutAName)
                             "/callbackThread: expected \"com\" or \"bare\", found 3",
                             "/latencyPreset: expected \"none\" or \"windows\", found 4",
                             "/notPresentNames: expected \"readable\" or \"failing\", found 2",
+                            "/composition: expected \"usual\" or \"none\", found 2",
                             "/captureAccess: expected \"allowed\" or \"denied\", found 4",
                             "/endpoints/1/volume/taper: expected \"linear\" or \"audio\", found 2"));
 }
@@ -168,5 +170,44 @@ TEST(MachineCheck, FindsAFaultAfterAnEventWithoutAName)
     EXPECT_THAT(
         problemsAfter([](sim::Machine& machine) { machine.faults[0].after = static_cast<sim::ScriptEvent::Kind>(99); }),
         ElementsAre("/faults/0/after: expected " + sim::oneOf(sim::eventNames) + ", found 99"));
+}
+
+TEST(MachineCheck, KnowsTheObjectsOfFaults)
+{
+    const std::string jack = sample::codec + "/jack";
+    const std::string stream = sample::codec + "/stream";
+    const auto isKnown = [](const std::string& object)
+    { return problemsAfter([&](sim::Machine& machine) { machine.faults[0].object = object; }).empty(); };
+
+    for (const std::string& object :
+         {std::string("*"), std::string("enumerator"), std::string("endpoints(eAll, 15)"),
+          std::string("endpoints(eRender, 1)"), std::string("endpoints(eCapture, 4294967295)"), sample::codec,
+          sample::speakers, jack, jack + " incoming", stream + " outgoing", stream + " to " + jack, jack + " control 0",
+          jack + " control 2"})
+        EXPECT_TRUE(isKnown(object)) << object;
+    for (const std::string& object :
+         {std::string(""), std::string("enumerators"), std::string("endpoints(eAll, )"),
+          std::string("endpoints(eAll, 15"), std::string("endpoints(all, 15)"), std::string("endpoints(eAll, 1)5)"),
+          sample::codec + " incoming", jack + " incomings", std::string(" incoming"), jack + " to", jack + " to x",
+          "x to " + jack, jack + " control 3", jack + " control 00", jack + " control ", std::string("x control 0"),
+          stream + " control 0"})
+        EXPECT_FALSE(isKnown(object)) << object;
+}
+
+TEST(MachineCheck, KnowsTheListOfAPathWhoseEndsContainTheWordBetweenThem)
+{
+    const auto change = [](sim::Machine& machine)
+    {
+        sim::Topology& topology = machine.adapters[0].topology.emplace();
+        topology.connectors.resize(2);
+        topology.connectors[0].id = "a to b";
+        topology.connectors[1].id = "c to d";
+        topology.connectors[1].localId = 1;
+        machine.joins.clear();
+        machine.endpoints[1].volume->hardware = {};
+        machine.faults = {{"IPartsList::GetCount", "a to b to c to d", ""}};
+    };
+
+    EXPECT_THAT(problemsAfter(change), testing::IsEmpty());
 }
 }

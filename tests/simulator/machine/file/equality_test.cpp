@@ -87,8 +87,8 @@ auto membersOf(sim::Topology& value)
 
 auto membersOf(sim::Device& value)
 {
-    auto& [id, openable, state, properties, topology, hasAudioClient, hasBaseFilter, hasMeter] = value;
-    return std::tie(id, openable, state, properties, topology, hasAudioClient, hasBaseFilter, hasMeter);
+    auto& [id, openable, state, properties, unlisted, topology, hasAudioClient, hasBaseFilter, hasMeter] = value;
+    return std::tie(id, openable, state, properties, unlisted, topology, hasAudioClient, hasBaseFilter, hasMeter);
 }
 
 auto membersOf(sim::HardwareControls& value)
@@ -147,8 +147,8 @@ auto membersOf(sim::ScriptEvent& value)
 
 auto membersOf(sim::FaultRule& value)
 {
-    auto& [operation, object, argument, call, outcome, result, forMilliseconds, after] = value;
-    return std::tie(operation, object, argument, call, outcome, result, forMilliseconds, after);
+    auto& [operation, object, argument, call, outcome, result, forMilliseconds, after, arguments] = value;
+    return std::tie(operation, object, argument, call, outcome, result, forMilliseconds, after, arguments);
 }
 
 auto membersOf(sim::LatencyRule& value)
@@ -159,10 +159,10 @@ auto membersOf(sim::LatencyRule& value)
 
 auto membersOf(sim::Machine& value)
 {
-    auto& [name, description, account, removed, thread, absentNames, captureAccess, endpoints, adapters, joins,
-           instances, waveOut, waveIn, script, faults, latencyPreset, latency] = value;
-    return std::tie(name, description, account, removed, thread, absentNames, captureAccess, endpoints, adapters, joins,
-                    instances, waveOut, waveIn, script, faults, latencyPreset, latency);
+    auto& [name, description, account, removed, thread, absentNames, composition, captureAccess, endpoints, adapters,
+           joins, instances, waveOut, waveIn, script, faults, latencyPreset, latency] = value;
+    return std::tie(name, description, account, removed, thread, absentNames, composition, captureAccess, endpoints,
+                    adapters, joins, instances, waveOut, waveIn, script, faults, latencyPreset, latency);
 }
 
 // A structured binding cannot name the members of a derived type; their number is found by initialising it.

@@ -17,9 +17,10 @@ struct Broken
 };
 
 /// The keys of a machine, as an error lists them.
-const std::string machineKeys = "$schema, name, description, account, removedEndpoints, "
-                                "callbackThread, notPresentNames, captureAccess, endpoints, adapters, joins, "
-                                "deviceInstances, waveOut, waveIn, script, faults, latencyPreset, latency";
+const std::string machineKeys =
+    "$schema, name, description, account, removedEndpoints, "
+    "callbackThread, notPresentNames, composition, captureAccess, endpoints, adapters, joins, "
+    "deviceInstances, waveOut, waveIn, script, faults, latencyPreset, latency";
 
 std::ostream& operator<<(std::ostream& stream, const Broken& broken)
 {
@@ -266,6 +267,18 @@ const Broken wrongPlans[] = {
      "(did you mean \"IPart::GetName\"?)"},
     {"AFaultOfAnUnknownObject", with(R"("faults": [{"operation": "IPart::GetName", "object": "X", "result": "null"}])"),
      "m.json:2: /faults/0/object: expected \"*\" or the id of a device or part, found \"X\""},
+    {"AFaultOnTheListOfAnUnknownPart",
+     with(R"("faults": [{"operation": "Release", "object": "X incoming", "result": "null"}])"),
+     "m.json:2: /faults/0/object: expected \"*\" or the id of a device or part, found \"X incoming\""},
+    {"AFaultWithOneAndSeveralArguments",
+     with(R"("faults": [{"operation": "Release", "argument": "a", "arguments": ["b"], "result": "null"}])"),
+     "m.json:2: /faults/0/arguments: expected a fault without \"argument\", found \"a\""},
+    {"AnUnlistedPropertyThatIsListed",
+     endpointWith(R"("properties": {"fullName": "a"}, "unlistedProperties": {"fullName": "b"})"),
+     "m.json:3: /endpoints/0/unlistedProperties/fullName: expected a property that is not in \"properties\", found "
+     "duplicate \"fullName\""},
+    {"AnUnknownComposition", with(R"("composition": "some")"),
+     "m.json:2: /composition: expected \"usual\" or \"none\", found \"some\""},
     {"ALatencyTwice",
      with(R"("latency": [{"operation": "*", "microseconds": 1}, {"operation": "*", "microseconds": 2}])"),
      "m.json:2: /latency/1/operation: expected each operation once, found duplicate \"*\""},

@@ -156,6 +156,7 @@ inline sim::Machine machine()
     adapter.openable = false;
     adapter.hasBaseFilter = true;
     adapter.properties = allKindsOfProperties();
+    adapter.unlistedProperties = {{sim::keys::association, sim::PropertyValue::ofText("unlisted")}};
     adapter.topology = graph();
 
     sim::Machine result;
@@ -166,6 +167,7 @@ inline sim::Machine machine()
     result.removedEndpoints = sim::RemovedEndpoints::unknown;
     result.callbackThread = sim::CallbackThread::bare;
     result.captureAccess = sim::CaptureAccess::denied;
+    result.composition = sim::Composition::none;
     result.endpoints = endpoints();
     result.adapters = {adapter};
     result.joins = {{speakers + "/plug", codec + "/jack", "{2}.elsewhere", false},
@@ -178,7 +180,16 @@ inline sim::Machine machine()
                      {"IPart::GetName", codec + "/jack", "", 0, sim::FaultRule::Outcome::nullSuccess, E_FAIL},
                      {"Release", "*", "", 1, sim::FaultRule::Outcome::thrown, E_FAIL},
                      {"IMMDeviceEnumerator::GetDevice", "*", "", 0, sim::FaultRule::Outcome::result, E_NOTFOUND, 8000,
-                      sim::ScriptEvent::Kind::plugged}};
+                      sim::ScriptEvent::Kind::plugged},
+                     {"IPartsList::GetPart",
+                      codec + "/jack outgoing",
+                      "",
+                      0,
+                      sim::FaultRule::Outcome::result,
+                      E_FAIL,
+                      0,
+                      std::nullopt,
+                      {"1", "second"}}};
     result.latencyPreset = sim::LatencyPreset::windows;
     result.latency = {{"*", 5}, {"IMMDevice::Activate", 1200}, {"IMMDevice::Activate", 4000000, "IAudioClient"}};
     return result;

@@ -144,6 +144,7 @@ TEST_F(MachineSchema, HasTheReadersWords)
     EXPECT_EQ(namesOf(sim::interfaceNames), wordsOf("interface"));
     EXPECT_EQ(namesOf(sim::numberTagNames), wordsOf("numberTag"));
     EXPECT_EQ(namesOf(sim::nodeTypeNames), wordsOf("nodeTypeName"));
+    EXPECT_EQ(namesOf(sim::compositionNames), wordsOf("composition"));
     EXPECT_EQ(namesOf(sim::removedEndpointsNames), wordsOf("removedEndpoints"));
     EXPECT_EQ(namesOf(sim::callbackThreadNames), wordsOf("callbackThread"));
     EXPECT_EQ(namesOf(sim::latencyPresetNames), wordsOf("latencyPreset"));
@@ -233,6 +234,14 @@ TEST_F(MachineSchema, AgreesWithTheReaderOnWhatMayStandInOnePlace)
         {endpoint(R"("volume": {"minimum": -1, "maximum": 0, "step": 0.5, "channels": [0, -1e0]})"), true},
         {R"({"name": "m", "faults": [{"operation": "IPart::GetName", "result": "0x80004005"}]})", true},
         {R"({"name": "m", "faults": [{"operation": "IPart::GetName", "result": "80004005"}]})", false},
+        {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "arguments": ["a", "b"]}]})", true},
+        {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "arguments": []}]})", true},
+        {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "arguments": "a"}]})", false},
+        {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "arguments": [1]}]})", false},
+        {R"({"name": "m", "composition": "none"})", true},
+        {R"({"name": "m", "composition": true})", false},
+        {endpoint(R"("properties": {"fullName": "a"}, "unlistedProperties": {"formFactor": 1})"), true},
+        {endpoint(R"("unlistedProperties": {"FormFactor": 1})"), false},
         {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "forMilliseconds": 8000}]})", true},
         {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "forMilliseconds": -1}]})", false},
         {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "after": "start"}]})", true},
