@@ -32,6 +32,7 @@ enum class Verb
     find,
     refer,
     resolve,
+    doctor,
     monitor,
     format
 };
@@ -77,7 +78,8 @@ struct Arguments
 
     Via via = Via::layer;
 
-    std::string endpoint;   ///< as the user names it; for `graph` the one whose path is highlighted, or empty
+    std::string endpoint;   ///< as the user names it; for `graph` the one whose path is highlighted, or empty;
+                            ///< for `doctor` empty for all
     std::string card;       ///< as the user names it; empty for all
     std::string instanceId; ///< for `ask`
     std::string outputFile; ///< for `graph`; empty for standard output
