@@ -100,6 +100,11 @@ const char* const refer = "\n"
 const char* const resolve = "\n"
                             "Prints what the reference means here, and why. Exit code 3 if it means nothing.\n";
 
+const char* const doctor = "\n"
+                           "Each finding has what is wrong, what is missing or different because of it, and\n"
+                           "what usually causes it: calls that failed, answers that cannot be right, and what\n"
+                           "is odd. Nothing is changed. Exit code 0 if there is no finding, otherwise 1.\n";
+
 const char* const save = "\n"
                          "Saves the volumes and mutes of all endpoints, their hardware controls and the\n"
                          "inputs of selectors, as JSON that can be read and edited; see restore.\n";

@@ -35,6 +35,7 @@ extern const char* const format;
 extern const char* const find;
 extern const char* const refer;
 extern const char* const resolve;
+extern const char* const doctor;
 extern const char* const save;
 extern const char* const restore;
 extern const char* const capture;

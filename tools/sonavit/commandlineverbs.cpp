@@ -236,7 +236,12 @@ const std::vector<CommandLineGrammar::Row>& CommandLineGrammar::rows()
          Verb::resolve,
          "Find the endpoint that a reference means",
          {help::resolve},
-         positional("REFERENCE", &CommandWords::reference, "What refer has printed", true)}};
+         positional("REFERENCE", &CommandWords::reference, "What refer has printed", true)},
+        {"doctor",
+         Verb::doctor,
+         "Report what is wrong with the sound hardware",
+         {help::endpointNames, help::doctor},
+         positional("ENDPOINT", &CommandWords::endpoint, "Only this endpoint (default: all)", false)}};
     return all;
 }
 }

@@ -52,6 +52,8 @@ Command commandOf(Verb verb)
         return runRefer;
     case Verb::resolve:
         return runResolve;
+    case Verb::doctor:
+        return runDoctor;
     case Verb::monitor:
         return runMonitor;
     case Verb::format:

@@ -31,6 +31,7 @@ void runCapture(Context& context);
 void runFind(Context& context);
 void runRefer(Context& context);
 void runResolve(Context& context);
+void runDoctor(Context& context);
 void runMonitor(Context& context);
 void runFormat(Context& context);
 }
