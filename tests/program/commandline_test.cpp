@@ -321,7 +321,7 @@ TEST(ProgramCommandLine, AnswersHelpAndVersion)
     const std::string helpOfVerb = readCommandLine({"set-volume", "--help"}).answer;
 
     for (const char* const verb :
-         {"list",       "show",    "controls",    "selectors", "graph",     "ask",     "get-volume",
+         {"list",       "show",    "explain",     "controls",    "selectors", "graph",     "ask",     "get-volume",
           "set-volume", "mute",    "set-control", "select",    "save",      "restore", "find",
           "refer",      "resolve", "monitor",     "format",    "--machine", "--json",  "--log"})
         EXPECT_THAT(help, HasSubstr(std::string("  ") + verb));
@@ -335,7 +335,7 @@ TEST(ProgramCommandLine, AnswersHelpAndVersion)
 TEST(ProgramCommandLine, KeepsItsHelpWithin80Columns)
 {
     for (const char* const verb :
-         {"", "list", "show", "controls", "selectors", "graph", "ask", "get-volume", "set-volume", "mute",
+         {"", "list", "show", "explain", "controls", "selectors", "graph", "ask", "get-volume", "set-volume", "mute",
           "set-control", "select", "save", "restore", "find", "refer", "resolve", "monitor", "format"})
     {
         const std::string word = verb;
