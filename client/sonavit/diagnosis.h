@@ -8,6 +8,7 @@
 #include "sonavit/result.h"
 #include "sonavit/system.h"
 
+#include <cstdint>
 #include <iosfwd>
 #include <optional>
 #include <string>
@@ -56,14 +57,15 @@ SONAVIT_CLIENT_API const char* keyOf(Finding::Kind kind) noexcept;
 struct SONAVIT_CLIENT_API Fact
 {
     std::string sentence;
-    std::string call;   ///< "IPropertyStore::GetValue(instancePath)"; empty for what follows from the facts before it
-    std::string object; ///< id of what it was called on; empty for a function
+    std::string call;      ///< "IPropertyStore::GetValue(instancePath)"; empty for what follows from other facts
+    std::string object;    ///< id of what it was called on; empty for a function, or if it was called on several
+    std::int32_t code = 0; ///< of a call that failed, as Problem::code(); otherwise 0
 
     friend SONAVIT_CLIENT_API bool operator==(const Fact& left, const Fact& right);
-    friend SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& stream, const Fact& fact);
+    friend SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Fact& fact);
 };
 
-/// The answer to one question about an endpoint: facts, each of which leads to the next.
+/// The answer to one question about an endpoint.
 struct SONAVIT_CLIENT_API Reason
 {
     enum class Question : int
@@ -76,10 +78,12 @@ struct SONAVIT_CLIENT_API Reason
 
     Question question = Question::card;
     std::string title; ///< the question as a sentence
-    std::vector<Fact> facts;
+    std::vector<Fact> facts; ///< each leads to the next
+    std::string conclusion;  ///< the answer as a sentence
 
     friend SONAVIT_CLIENT_API bool operator==(const Reason& left, const Reason& right);
-    friend SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& stream, const Reason& reason);
+    /// Question, facts and conclusion, a line each.
+    friend SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& out, const Reason& reason);
 };
 
 /// Looks for everything that is wrong with the sound hardware of this computer: the computer's findings first, then
@@ -96,6 +100,11 @@ SONAVIT_CLIENT_API Result<std::vector<Finding>> diagnose(System& system, const E
 
 /// Why an endpoint is in its card, has its jacks and its controls, and is the default or not: one Reason for each
 /// question, in their order. Problem::Kind::notThere for an endpoint that does not exist; otherwise as diagnose().
+///
+/// The sentences are for people and may change. A call that failed is one of the facts, with its code.
 SONAVIT_CLIENT_API Result<std::vector<Reason>> explain(System& system, const EndpointId& endpoint);
+
+/// "card", "jacks", "controls", "default": as in JSON.
+SONAVIT_CLIENT_API const char* keyOf(Reason::Question question) noexcept;
 }
 }

@@ -18,6 +18,7 @@ enum class Verb
 {
     list,
     show,
+    explain,
     controls,
     selectors,
     graph,

@@ -90,6 +90,10 @@ const char* const format = "\n"
                            "Windows lets only administrators set a format. It is put back after --hold\n"
                            "seconds, or at Ctrl-C.\n";
 
+const char* const explain = "\n"
+                            "Each answer is a chain of facts, each with the call that gave it. Nothing is\n"
+                            "changed.\n";
+
 const char* const find = "\n"
                          "Prints each endpoint that the id belongs to, with all of its ids.\n";
 

@@ -32,6 +32,7 @@ extern const char* const graph;
 extern const char* const ask;
 extern const char* const monitor;
 extern const char* const format;
+extern const char* const explain;
 extern const char* const find;
 extern const char* const refer;
 extern const char* const resolve;

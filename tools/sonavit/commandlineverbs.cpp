@@ -140,6 +140,11 @@ const std::vector<CommandLineGrammar::Row>& CommandLineGrammar::rows()
     static const std::vector<Row> all = {
         {"list", Verb::list, "List the sound cards and their endpoints (default)", {help::list}, &Grammar::addToList},
         {"show", Verb::show, "Show all properties of an endpoint", {help::endpointNames}, &Grammar::addEndpointAndVia},
+        {"explain",
+         Verb::explain,
+         "Explain card, jacks, controls and roles of an endpoint",
+         {help::endpointNames, help::explain},
+         &Grammar::addEndpoint},
         {"controls",
          Verb::controls,
          "List the hardware volume controls of an endpoint",

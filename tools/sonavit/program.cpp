@@ -22,6 +22,8 @@ Command commandOf(Verb verb)
         return runList;
     case Verb::show:
         return runShow;
+    case Verb::explain:
+        return runExplain;
     case Verb::controls:
         return runControls;
     case Verb::selectors:

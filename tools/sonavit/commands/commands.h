@@ -16,6 +16,7 @@ struct Context
 
 void runList(Context& context);
 void runShow(Context& context);
+void runExplain(Context& context);
 void runControls(Context& context);
 void runSelectors(Context& context);
 void runGraph(Context& context);
