@@ -1,8 +1,0 @@
-#include "client/capturing/anonymity.h"
-#include "client/capturing/hardware.h"
-
-namespace sonavit::capturing
-{
-void surveyHardware(IMMDeviceEnumerator&, const std::vector<OpenEndpoint>&, sim::Machine&, Recorder&, const Pause&) {}
-void makeAnonymous(sim::Machine&, const std::vector<std::string>&) {}
-}
