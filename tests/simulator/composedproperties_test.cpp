@@ -333,7 +333,7 @@ TEST_F(UnlistedProperties, StayUnlistedWhenTheyChange)
     EXPECT_EQ("19 5", shown(speakerId, foreign));
     EXPECT_FALSE(lists(speakerId, foreign));
 
-    simulation.events().changeProperty(speakerId, foreign, PropertyValue());
+    simulation.events().setProperty(speakerId, foreign, PropertyValue());
     EXPECT_EQ(std::to_string(VT_EMPTY), shown(speakerId, foreign));
     EXPECT_TRUE(simulation.machine().endpoint(speakerId)->unlistedProperties.empty());
 }

@@ -77,7 +77,7 @@ struct DecibelsCodec
     JsonValue schema() const;
 };
 
-/// A state by name, or a sum of states as a number.
+/// A state by name, or a sum of states or anything else as a number.
 struct StateCodec
 {
     std::uint32_t read(const JsonCursor& cursor) const;

@@ -8,6 +8,12 @@ namespace sim
 {
 namespace
 {
+/// A level from 0 to 1.
+struct ScalarCodec : DecibelsCodec
+{
+    float read(const JsonCursor& cursor) const { return cursor.real(); }
+};
+
 /// A mix format, written as MixFormat::text().
 struct MixFormatCodec
 {
@@ -151,8 +157,25 @@ const FieldTable<EndpointVolume>& fieldsOf<EndpointVolume>()
             .optional("refused", &EndpointVolume::refused, listCodec(StringCodec()),
                       "Operations that return E_NOTIMPL, such as SetMute.")
             .optional("taper", &EndpointVolume::taper, taperCodec,
-                      "How scalar levels depend on decibels: linearly, or as on Windows.")
+                      "How scalar levels depend on decibels: linearly, as on Windows, or as taperPoints say.")
+            .optional("taperPoints", &EndpointVolume::taperPoints, listCodec(ObjectCodec<TaperPoint>()),
+                      "With the taper measured: levels in rising order. Between two points scalar levels are linear in "
+                      "decibels.")
+            .optional("master", &EndpointVolume::master, optionalCodec(DecibelsCodec()),
+                      "The master level until a level is set. If it is missing: that of the loudest channel.")
+            .optional("steps", &EndpointVolume::steps, optionalCodec(NumberCodec()),
+                      "What GetVolumeStepInfo counts. If it is missing: the steps that the range contains.")
             .optional("hardware", &EndpointVolume::hardware, ObjectCodec<HardwareControls>()));
+    return table;
+}
+
+template<>
+const FieldTable<TaperPoint>& fieldsOf<TaperPoint>()
+{
+    static const auto& table = *new FieldTable<TaperPoint>(
+        FieldTable<TaperPoint>("taperPoint", "A level as both scales have it.")
+            .required("level", &TaperPoint::level, DecibelsCodec(), "In decibels.")
+            .required("scalar", &TaperPoint::scalar, ScalarCodec(), "The scalar level, usually from 0 to 1."));
     return table;
 }
 

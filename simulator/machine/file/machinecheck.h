@@ -17,9 +17,6 @@
 
 namespace sim
 {
-inline constexpr std::uint32_t allStates = stateActive | stateDisabled | stateNotPresent | stateUnplugged;
-inline constexpr const char* stateRange = "a state or a sum of states, 0 to 15";
-
 /// A place in a machine's file: the whole file, or what @p field of an outer place leads to. It refers to the outer
 /// place, which must outlive it, and becomes a JSON pointer only when there is a problem to report.
 class FilePlace
@@ -95,6 +92,7 @@ private:
     void propertyValue(const PropertyValue& value, const FilePlace& place);
     void periods(const DevicePeriods& periods, const FilePlace& place);
     void endpointVolume(const EndpointVolume& volume, const FilePlace& place);
+    void taperPoints(const EndpointVolume& volume, const FilePlace& place);
     void hardwareControls();
     void hardwareVolume(const EndpointVolume& volume, const FilePlace& place);
     void hardwareMute(const EndpointVolume& volume, const FilePlace& place);

@@ -65,8 +65,6 @@ void MachineCheck::event(const ScriptEvent& event, const FilePlace& place)
     }
     if (isDefault && endpoint != nullptr && endpoint->flow != event.flow)
         report(FilePlace(place, "flow"), "the flow of the endpoint", inQuotes(nameOf(flowNames, event.flow)));
-    if ((event.state & ~allStates) != 0)
-        report(FilePlace(place, "state"), stateRange, std::to_string(event.state));
     propertyValue(event.value, FilePlace(place, "value"));
     if (event.kind == ScriptEvent::Kind::volumeChanged && endpoint != nullptr)
         volumeEvent(event, *endpoint, place);

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <limits>
 
 namespace
 {
@@ -80,6 +81,39 @@ TEST(MachineCheck, TakesALevelBetweenTwoStepsOfThePart)
                 testing::IsEmpty());
 }
 
+TEST(MachineCheck, FindsMeasuredPointsThatDoNotRise)
+{
+    const auto after = [](const std::vector<sim::TaperPoint>& points)
+    { return problemsAfter([&](sim::Machine& machine) { machine.endpoints[1].volume->taperPoints = points; }); };
+    const std::string second = "/endpoints/1/volume/taperPoints/1: expected a higher level than before, at no lower "
+                               "scalar, found ";
+
+    EXPECT_THAT(after({{-97.0f, -0.5f}, {-20.0f, 0.5f}, {-10.0f, 0.5f}, {13.0f, 1.5f}}), testing::IsEmpty());
+    EXPECT_THAT(after({{-10.0f, 0.5f}, {-10.0f, 0.75f}}), ElementsAre(second + "-10 at 0.75"));
+    EXPECT_THAT(after({{-10.0f, 0.5f}, {-20.0f, 0.75f}}), ElementsAre(second + "-20 at 0.75"));
+    EXPECT_THAT(after({{-10.0f, 0.5f}, {-5.0f, 0.25f}}), ElementsAre(second + "-5 at 0.25"));
+}
+
+TEST(MachineCheck, FindsMeasuredPointsOfAnotherTaper)
+{
+    EXPECT_THAT(problemsAfter([](sim::Machine& machine) { machine.endpoints[1].volume->taper = sim::Taper::audio; }),
+                ElementsAre("/endpoints/1/volume/taperPoints: expected no points, or the taper \"measured\", found 2"));
+}
+
+TEST(MachineCheck, FindsAMasterLevelAndAMeasuredPointThatAreNoNumbers)
+{
+    const float infinite = std::numeric_limits<float>::infinity();
+    const auto change = [&](sim::Machine& machine)
+    {
+        machine.endpoints[1].volume->taperPoints = {{-10.0f, infinite}};
+        machine.endpoints[1].volume->master = infinite;
+    };
+
+    EXPECT_THAT(problemsAfter(change),
+                ElementsAre("/endpoints/1/volume/taperPoints/0: expected two numbers, found -10 at inf",
+                            "/endpoints/1/volume/master: expected a number of decibels, found inf"));
+}
+
 TEST(MachineCheck, FindsPeriodsThatNoStreamCouldHave)
 {
     const auto after = [](std::uint32_t usual, std::uint32_t minimum)
@@ -109,7 +143,8 @@ TEST(MachineCheck, FindsOptionsWithoutAName)
         machine.captureAccess = static_cast<sim::CaptureAccess>(4);
         machine.composition = static_cast<sim::Composition>(2);
         machine.notPresentNames = static_cast<sim::NotPresentNames>(2);
-        machine.endpoints[1].volume->taper = static_cast<sim::Taper>(2);
+        machine.endpoints[1].volume->taper = static_cast<sim::Taper>(3);
+        machine.endpoints[1].volume->taperPoints.clear();
     };
 
     EXPECT_THAT(problemsAfter(change),
@@ -119,7 +154,7 @@ TEST(MachineCheck, FindsOptionsWithoutAName)
                             "/notPresentNames: expected \"readable\" or \"failing\", found 2",
                             "/composition: expected \"usual\" or \"none\", found 2",
                             "/captureAccess: expected \"allowed\" or \"denied\", found 4",
-                            "/endpoints/1/volume/taper: expected \"linear\" or \"audio\", found 2"));
+                            "/endpoints/1/volume/taper: expected \"linear\", \"audio\" or \"measured\", found 3"));
 }
 
 TEST(MachineCheck, FindsAJackThatNoFileCanDescribe)

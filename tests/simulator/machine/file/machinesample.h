@@ -28,6 +28,11 @@ inline sim::Properties allKindsOfProperties()
     sim::setProperty(properties, {otherFormat, 1}, sim::PropertyValue::ofNumber(0xFEDCBA9876543210u, VT_UI8));
     sim::setProperty(properties, {otherFormat, 2}, sim::PropertyValue::ofBoolean(true));
     sim::setProperty(properties, {otherFormat, 3}, sim::PropertyValue::ofReal(1.5f));
+    sim::setProperty(properties, {otherFormat, 4}, sim::PropertyValue::ofNumber(0xFEDCBA9876543210u, VT_I8));
+    sim::setProperty(properties, {otherFormat, 5}, sim::PropertyValue::ofNumber(1, VT_FILETIME));
+    sim::setProperty(properties, {otherFormat, 6}, sim::PropertyValue::ofLongReal(0.1));
+    sim::setProperty(properties, {otherFormat, 7}, sim::PropertyValue::ofNarrowText("caf\xE9"));
+    sim::setProperty(properties, {otherFormat, 8}, sim::PropertyValue::ofTag(VT_VECTOR | VT_LPWSTR));
     sim::setProperty(properties, {otherFormat, 4294967295u}, sim::PropertyValue::ofBytes({0x00, 0xFF, 0x5A}));
     return properties;
 }
@@ -107,7 +112,8 @@ inline std::vector<sim::Endpoint> endpoints()
     input.flow = eCapture;
     input.state = 5;
     input.volume = sim::EndpointVolume{
-        -96.0f, 12.0f, 1.5f, {-0.1f}, true, 4, {}, sim::Taper::audio, {codec + "/jack", codec + "/jack"}};
+        -96.0f, 12.0f, 1.5f, {-0.1f}, true, 4, {}, sim::Taper::measured, {{-50.0f, 0.25f}, {-0.1f, 0.9f}}, -3.5f, 51};
+    input.volume->hardware = {codec + "/jack", codec + "/jack"};
     input.defaultFor = {eConsole};
     return {output, input};
 }
