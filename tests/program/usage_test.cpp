@@ -19,6 +19,7 @@ protected:
     {
         return {{"list"},
                 {"show", "Speakers"},
+                {"explain", "Speakers"},
                 {"controls", "Speakers"},
                 {"selectors"},
                 {"graph"},
@@ -29,6 +30,7 @@ protected:
                 {"set-control", "Speakers", "Rear Green Jack", "-6dB"},
                 {"select", "Recording Source", "Rear Blue Jack"},
                 {"save"},
+                {"capture"},
                 {"find", "0"},
                 {"refer", "Speakers"},
                 {"format", "Speakers"},
@@ -84,8 +86,8 @@ TEST_F(ProgramUsage, NamesTheMachineInJson)
         const support::Answer answer = callOnDesktop(words);
 
         EXPECT_EQ("", answer.err) << words[0];
-        if (words[0] == "monitor" || words[0] == "save")
-            continue; // one answers an object for each event, the other what restore reads
+        if (words[0] == "monitor" || words[0] == "save" || words[0] == "capture")
+            continue; // they answer an object for each event, what restore reads, and a machine file
         EXPECT_EQ("desktop", json::parse(answer.out)["machine"]) << words[0];
     }
 }
@@ -139,6 +141,7 @@ TEST_F(ProgramUsage, EndsWithExitCode3IfWhatTheUserNamesIsNotThere)
         {"list", "--card", "Trumpet"},
         {"show", "Trumpet"},
         {"show", "a\xFF\x1B[2J\nb"},
+        {"explain", "Trumpet"},
         {"controls", "Trumpet"},
         {"selectors", "Trumpet"},
         {"graph", "Trumpet"},

@@ -22,6 +22,8 @@ Command commandOf(Verb verb)
         return runList;
     case Verb::show:
         return runShow;
+    case Verb::explain:
+        return runExplain;
     case Verb::controls:
         return runControls;
     case Verb::selectors:
@@ -44,12 +46,16 @@ Command commandOf(Verb verb)
         return runSave;
     case Verb::restore:
         return runRestore;
+    case Verb::capture:
+        return runCapture;
     case Verb::find:
         return runFind;
     case Verb::refer:
         return runRefer;
     case Verb::resolve:
         return runResolve;
+    case Verb::doctor:
+        return runDoctor;
     case Verb::monitor:
         return runMonitor;
     case Verb::format:
