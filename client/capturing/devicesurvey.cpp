@@ -1,7 +1,6 @@
+#include "COM/interfacequery.h"
 #include "client/capturing/devicesteps.h"
 #include "client/capturing/volumeanswers.h"
-
-#include "COM/interfacequery.h"
 
 #include <utility>
 

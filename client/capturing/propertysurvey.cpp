@@ -1,6 +1,5 @@
 #include "client/capturing/devicesteps.h"
 #include "client/capturing/variant.h"
-
 #include "simulator/machine/propertykeys.h"
 
 #include <algorithm>
@@ -68,13 +67,15 @@ private:
             m_recorder.note("The property store of " + m_record.id + " does not give the keys that it counts.");
     }
 
+    /// A failure is noted at the place that the key has in the record, which may contain fewer keys than the store.
     bool listKey(DWORD index)
     {
         PROPERTYKEY key = {};
-        if (!m_recorder.passes(m_store.GetAt(index, &key), {"IPropertyStore::GetAt", m_record.id, {argument(index)}}))
+        const std::size_t place = m_record.properties.size();
+        if (!m_recorder.passes(m_store.GetAt(index, &key), {"IPropertyStore::GetAt", m_record.id, {argument(place)}}))
         {
-            m_gaps.push_back(m_record.properties.size());
-            m_record.properties.push_back({inventedKey(index), placeholder()});
+            m_gaps.push_back(place);
+            m_record.properties.push_back({inventedKey(place), placeholder()});
             return false;
         }
         if (sim::findProperty(m_record.properties, key) != nullptr)

@@ -4,6 +4,14 @@
 
 namespace sonavit::capturing
 {
+namespace
+{
+std::string keyOf(const FailedCall& failure)
+{
+    return failure.call() + "\n" + failure.object;
+}
+}
+
 void Recorder::fails(HRESULT code, const Call& call, Codes implied)
 {
     if (std::find(implied.begin(), implied.end(), code) == implied.end())
@@ -19,6 +27,11 @@ void Recorder::note(const std::string& sentence)
 {
     if (m_known.insert(sentence).second)
         m_survey.notes.push_back(sentence);
+}
+
+bool Recorder::hasFailed(const Call& call) const
+{
+    return m_known.count(keyOf({call.operation, call.object, call.arguments})) != 0;
 }
 
 void Recorder::opensForWriting(const std::string& device, HRESULT result)
@@ -44,7 +57,7 @@ sim::Account Recorder::account()
 /// A call that is made twice fails with its first code.
 void Recorder::add(FailedCall failure)
 {
-    if (m_known.insert(failure.call() + "\n" + failure.object).second)
+    if (m_known.insert(keyOf(failure)).second)
         m_survey.failures.push_back(std::move(failure));
 }
 }

@@ -59,6 +59,9 @@ public:
     /// Notes, once, what no machine can express.
     void note(const std::string& sentence);
 
+    /// Whether the call has failed, or given null, in a way that is noted.
+    bool hasFailed(const Call& call) const;
+
     /// Keeps what became of opening the properties of @p device for writing; account() judges it.
     void opensForWriting(const std::string& device, HRESULT result);
     /// The account that all of them show. What it does not explain has failed.

@@ -1,4 +1,5 @@
 #include "client/capturing/devicesteps.h"
+#include "simulator/machine/propertykeys.h"
 
 #include <algorithm>
 #include <cstring>
@@ -60,10 +61,22 @@ std::optional<sim::MixFormat> mixFormatOf(const std::vector<std::uint8_t>& bytes
     return std::nullopt;
 }
 
+bool hasDeviceFormat(const sim::Endpoint& endpoint)
+{
+    return sim::findProperty(endpoint.properties, sim::keys::deviceFormat) != nullptr ||
+           sim::findProperty(endpoint.unlistedProperties, sim::keys::deviceFormat) != nullptr;
+}
+
+/// Without a mix format a machine has that of the device format; without both the call fails.
 void surveyMixFormat(IAudioClient& client, sim::Endpoint& endpoint, Recorder& recorder)
 {
     TaskFormat format;
-    if (!recorder.gives(client.GetMixFormat(format.put()), *format.put(), {"IAudioClient::GetMixFormat", endpoint.id}))
+    const Call call = {"IAudioClient::GetMixFormat", endpoint.id};
+    const HRESULT result = client.GetMixFormat(format.put());
+    const bool isGiven = hasDeviceFormat(endpoint)
+                             ? recorder.gives(result, *format.put(), call)
+                             : recorder.gives(result, *format.put(), call, {AUDCLNT_E_UNSUPPORTED_FORMAT});
+    if (!isGiven)
         return;
     std::vector<std::uint8_t> bytes = format.bytes();
     endpoint.mixFormat = mixFormatOf(bytes);

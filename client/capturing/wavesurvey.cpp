@@ -63,15 +63,32 @@ public:
     }
 
 private:
-    /// With the size of the longest id if the right one is not known.
+    /// With room for the longest id if the right size is not known.
     void askId(sim::WaveDevice& device, DWORD_PTR size)
     {
         const DWORD_PTR room = size == 0 || size > longestId ? longestId : size;
         std::vector<WCHAR> text((room + 1) / sizeof(WCHAR)); // a driver may report success and write nothing
         device.idResult = send(DRV_QUERYFUNCTIONINSTANCEID, text.data(), room);
         const auto end = std::find(text.begin(), text.end(), WCHAR{0});
-        if (device.idResult == MMSYSERR_NOERROR)
-            device.endpointId = reading::utf8(text.data(), static_cast<std::size_t>(end - text.begin()));
+        const auto length = static_cast<std::size_t>(end - text.begin());
+        const bool isWritten = device.idResult == MMSYSERR_NOERROR && (length > 0 || size <= sizeof(WCHAR));
+        if (device.idResult == MMSYSERR_NOERROR && !isWritten)
+            m_recorder.givesNull(call(DRV_QUERYFUNCTIONINSTANCEID));
+        device.endpointId = isWritten ? reading::utf8(text.data(), length) : unknownId(size);
+        noteSize(size, isWritten ? length : device.endpointId.size());
+    }
+
+    /// In place of an id that could not be read: one with the size that was reported.
+    static std::string unknownId(DWORD_PTR size)
+    {
+        return size > longestId || size < sizeof(WCHAR) ? "" : std::string(size / sizeof(WCHAR) - 1, '?');
+    }
+
+    void noteSize(DWORD_PTR size, std::size_t length)
+    {
+        if (size != 0 && size != (length + 1) * sizeof(WCHAR))
+            m_recorder.note(call(DRV_QUERYFUNCTIONINSTANCEIDSIZE).operation + (" reports " + argument(size)) +
+                            " bytes for the id of device " + argument(m_number) + ", which is not the size of its id.");
     }
 
     MMRESULT send(UINT message, void* place, DWORD_PTR bytes) const

@@ -19,6 +19,7 @@ protected:
     {
         return {{"list"},
                 {"show", "Speakers"},
+                {"explain", "Speakers"},
                 {"controls", "Speakers"},
                 {"selectors"},
                 {"graph"},
@@ -140,6 +141,7 @@ TEST_F(ProgramUsage, EndsWithExitCode3IfWhatTheUserNamesIsNotThere)
         {"list", "--card", "Trumpet"},
         {"show", "Trumpet"},
         {"show", "a\xFF\x1B[2J\nb"},
+        {"explain", "Trumpet"},
         {"controls", "Trumpet"},
         {"selectors", "Trumpet"},
         {"graph", "Trumpet"},

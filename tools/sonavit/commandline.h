@@ -18,6 +18,7 @@ enum class Verb
 {
     list,
     show,
+    explain,
     controls,
     selectors,
     graph,
@@ -33,6 +34,7 @@ enum class Verb
     find,
     refer,
     resolve,
+    doctor,
     monitor,
     format
 };
@@ -78,7 +80,8 @@ struct Arguments
 
     Via via = Via::layer;
 
-    std::string endpoint;   ///< as the user names it; for `graph` the one whose path is highlighted, or empty
+    std::string endpoint;   ///< as the user names it; for `graph` the one whose path is highlighted, or empty;
+                            ///< for `doctor` empty for all
     std::string card;       ///< as the user names it; empty for all
     std::string instanceId; ///< for `ask`
     std::string outputFile; ///< for `graph` and `capture`; empty for standard output

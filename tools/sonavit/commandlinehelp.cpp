@@ -90,6 +90,10 @@ const char* const format = "\n"
                            "Windows lets only administrators set a format. It is put back after --hold\n"
                            "seconds, or at Ctrl-C.\n";
 
+const char* const explain = "\n"
+                            "Each answer is a chain of facts, each with the call that gave it. Nothing is\n"
+                            "changed.\n";
+
 const char* const find = "\n"
                          "Prints each endpoint that the id belongs to, with all of its ids.\n";
 
@@ -99,6 +103,11 @@ const char* const refer = "\n"
 
 const char* const resolve = "\n"
                             "Prints what the reference means here, and why. Exit code 3 if it means nothing.\n";
+
+const char* const doctor = "\n"
+                           "Each finding has what is wrong, what is missing or different because of it, and\n"
+                           "what usually causes it: calls that failed, answers that cannot be right, and what\n"
+                           "is odd. Nothing is changed. Exit code 0 if there is no finding, otherwise 1.\n";
 
 const char* const save = "\n"
                          "Saves the volumes and mutes of all endpoints, their hardware controls and the\n"

@@ -140,6 +140,11 @@ const std::vector<CommandLineGrammar::Row>& CommandLineGrammar::rows()
     static const std::vector<Row> all = {
         {"list", Verb::list, "List the sound cards and their endpoints (default)", {help::list}, &Grammar::addToList},
         {"show", Verb::show, "Show all properties of an endpoint", {help::endpointNames}, &Grammar::addEndpointAndVia},
+        {"explain",
+         Verb::explain,
+         "Explain card, jacks, controls and roles of an endpoint",
+         {help::endpointNames, help::explain},
+         &Grammar::addEndpoint},
         {"controls",
          Verb::controls,
          "List the hardware volume controls of an endpoint",
@@ -236,7 +241,12 @@ const std::vector<CommandLineGrammar::Row>& CommandLineGrammar::rows()
          Verb::resolve,
          "Find the endpoint that a reference means",
          {help::resolve},
-         positional("REFERENCE", &CommandWords::reference, "What refer has printed", true)}};
+         positional("REFERENCE", &CommandWords::reference, "What refer has printed", true)},
+        {"doctor",
+         Verb::doctor,
+         "Report what is wrong with the sound hardware",
+         {help::endpointNames, help::doctor},
+         positional("ENDPOINT", &CommandWords::endpoint, "Only this endpoint (default: all)", false)}};
     return all;
 }
 }

@@ -22,6 +22,8 @@ Command commandOf(Verb verb)
         return runList;
     case Verb::show:
         return runShow;
+    case Verb::explain:
+        return runExplain;
     case Verb::controls:
         return runControls;
     case Verb::selectors:
@@ -52,6 +54,8 @@ Command commandOf(Verb verb)
         return runRefer;
     case Verb::resolve:
         return runResolve;
+    case Verb::doctor:
+        return runDoctor;
     case Verb::monitor:
         return runMonitor;
     case Verb::format:

@@ -16,6 +16,7 @@ struct Context
 
 void runList(Context& context);
 void runShow(Context& context);
+void runExplain(Context& context);
 void runControls(Context& context);
 void runSelectors(Context& context);
 void runGraph(Context& context);
@@ -31,6 +32,7 @@ void runCapture(Context& context);
 void runFind(Context& context);
 void runRefer(Context& context);
 void runResolve(Context& context);
+void runDoctor(Context& context);
 void runMonitor(Context& context);
 void runFormat(Context& context);
 }
