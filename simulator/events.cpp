@@ -3,6 +3,7 @@
 #include "simulator/core/happening.h"
 #include "simulator/core/notifications.h"
 #include "simulator/core/state.h"
+#include "simulator/core/volumemath.h"
 
 #include <algorithm>
 #include <chrono>
@@ -155,7 +156,7 @@ void Events::setVolume(const std::string& endpointId, std::optional<float> level
             const LevelWatch watch(hardware, endpoint);
             EndpointVolume wanted = shownVolume(hardware, endpoint);
             if (level)
-                std::fill(wanted.channels.begin(), wanted.channels.end(), *level);
+                setAllLevels(wanted, *level);
             wanted.muted = muted.value_or(wanted.muted);
             changeVolume(hardware, endpoint, wanted);
             changes = watch.changes(hardware);
@@ -166,8 +167,7 @@ void Events::setVolume(const std::string& endpointId, std::optional<float> level
 void Events::setProperty(const std::string& endpointId, const PROPERTYKEY& key, const PropertyValue& value)
 {
     change(
-        Kind::propertyChanged, endpointId,
-        [&](Hardware&, Endpoint& endpoint) { changeProperty(endpoint.properties, key, value); },
+        Kind::propertyChanged, endpointId, [&](Hardware&, Endpoint& endpoint) { changeProperty(endpoint, key, value); },
         [&] { notifyPropertyChanged(m_state, endpointId, key); });
 }
 

@@ -1,5 +1,6 @@
 #include "simulator/faultplan.h"
 
+#include "simulator/journal.h"
 #include "simulator/machine/namedvalues.h"
 
 #include <algorithm>
@@ -43,18 +44,42 @@ struct PlannedFault::Shared
         return time->now() < *begin + std::chrono::milliseconds(rule.forMilliseconds);
     }
 
-    bool fits(const std::string& operation, const std::string& object, const std::vector<std::string>& arguments) const
+    bool fits(const std::string& operation, const std::string& object, const std::vector<std::string>& arguments,
+              const std::string& finerObject) const
     {
-        if (rule.object != "*" && rule.object != object)
+        const bool isFinerObject = !finerObject.empty() && rule.object == finerObject;
+        if (rule.object != "*" && rule.object != object && !isFinerObject)
             return false;
-        if (!rule.argument.empty() && (arguments.empty() || arguments.front() != rule.argument))
+        if (!beginsAsRuled(arguments))
             return false;
         if (rule.operation == operation)
             return true;
         const std::size_t colons = operation.rfind("::");
         return colons != std::string::npos && operation.compare(colons + 2, std::string::npos, rule.operation) == 0;
     }
+
+    bool beginsAsRuled(const std::vector<std::string>& arguments) const
+    {
+        if (rule.arguments.empty())
+            return rule.argument.empty() || (!arguments.empty() && arguments.front() == rule.argument);
+        return rule.arguments.size() <= arguments.size() &&
+               std::equal(rule.arguments.begin(), rule.arguments.end(), arguments.begin());
+    }
 };
+
+namespace
+{
+/// "IMMDevice::Activate(IAudioClient)"
+std::string callOf(const FaultRule& rule)
+{
+    JournalEntry call;
+    call.operation = rule.operation;
+    call.arguments = rule.arguments;
+    if (call.arguments.empty() && !rule.argument.empty())
+        call.arguments = {rule.argument};
+    return call.arguments.empty() ? call.operation : call.call();
+}
+}
 
 InjectedException::InjectedException(const std::string& operation) : std::runtime_error("planned: " + operation) {}
 
@@ -71,7 +96,21 @@ PlannedFault& PlannedFault::with(const std::string& firstArgument)
 {
     const std::lock_guard<Mutex> lock(m_shared->mutex);
     m_shared->rule.argument = firstArgument;
+    m_shared->rule.arguments.clear();
     return *this;
+}
+
+PlannedFault& PlannedFault::with(std::vector<std::string> firstArguments)
+{
+    const std::lock_guard<Mutex> lock(m_shared->mutex);
+    m_shared->rule.argument.clear();
+    m_shared->rule.arguments = std::move(firstArguments);
+    return *this;
+}
+
+PlannedFault& PlannedFault::with(std::initializer_list<const char*> firstArguments)
+{
+    return with(std::vector<std::string>(firstArguments.begin(), firstArguments.end()));
 }
 
 PlannedFault& PlannedFault::at(std::uint32_t call)
@@ -210,9 +249,7 @@ std::vector<std::string> FaultPlan::unmet() const
         if (fault.fired() > 0)
             continue;
         const FaultRule rule = fault.rule();
-        std::string line = rule.operation;
-        if (!rule.argument.empty())
-            line.append("(").append(rule.argument).append(")");
+        std::string line = callOf(rule);
         line.append(" on ").append(rule.object);
         if (rule.call != 0)
             line.append(", call ").append(std::to_string(rule.call));
@@ -231,14 +268,14 @@ bool FaultPlan::isEmpty() const
 }
 
 FaultPlan::Verdict FaultPlan::judge(const std::string& operation, const std::string& object,
-                                    const std::vector<std::string>& arguments)
+                                    const std::vector<std::string>& arguments, const std::string& finerObject)
 {
     Verdict verdict;
     const std::lock_guard<Mutex> lock(m_mutex);
     for (const auto& shared : m_rules)
     {
         const std::lock_guard<Mutex> ruleLock(shared->mutex);
-        if (!shared->fits(operation, object, arguments) || !shared->holds())
+        if (!shared->fits(operation, object, arguments, finerObject) || !shared->holds())
             continue;
         ++shared->met;
         if (shared->rule.call != 0 && shared->rule.call != shared->met)

@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -27,15 +28,21 @@ public:
 
 /// One rule of a plan: a handle whose copies share the rule. It may outlive the plan.
 ///
-/// A rule meets a call if operation, object and first argument match, and if it holds at that time. It fires at the
+/// A rule meets a call if operation, object and first arguments match, and if it holds at that time. It fires at the
 /// n-th call that it meets, or at each of them.
 class PlannedFault
 {
 public:
-    /// Only on this object: a device id, the global id of a part, or another object name of the journal.
+    /// Only on this object: a device id, the global id of a part, or another object name of the journal. Of objects
+    /// that have the journal's name in common, one has a name of its own, too: "PART incoming" and "PART outgoing" are
+    /// the lists of a part's neighbours, "PART to PART" is the list of a signal path, "PART control INDEX" describes
+    /// one control of a part.
     PlannedFault& on(const std::string& object);
     /// Only with this first argument, as the journal records it.
     PlannedFault& with(const std::string& firstArgument);
+    /// Only with these first arguments, as the journal records them; without any: with all arguments.
+    PlannedFault& with(std::vector<std::string> firstArguments);
+    PlannedFault& with(std::initializer_list<const char*> firstArguments);
     /// Only at the n-th call that matches, counted from now on; the next one is 1.
     PlannedFault& at(std::uint32_t call);
     /// Only for @p duration, counted from now on; after after(), from the event on. At least 1 ms and at most 2^32 - 1
@@ -104,9 +111,11 @@ public:
         HRESULT result = S_OK;
     };
 
-    /// For the platform's objects: whether there is no rule; the decision for a call, which is counted.
+    /// For the platform's objects: whether there is no rule; the decision for a call, which is counted. The object's
+    /// finer name is empty if it has none.
     bool isEmpty() const;
-    Verdict judge(const std::string& operation, const std::string& object, const std::vector<std::string>& arguments);
+    Verdict judge(const std::string& operation, const std::string& object, const std::vector<std::string>& arguments,
+                  const std::string& finerObject = {});
     /// For the machine's events: rules that hold after @p event begin to hold.
     void happened(ScriptEvent::Kind event);
 

@@ -59,11 +59,20 @@ public:
     /// Notes, once, what no machine can express.
     void note(const std::string& sentence);
 
+    /// Whether the call has failed, or given null, in a way that is noted.
+    bool hasFailed(const Call& call) const;
+
+    /// Keeps what became of opening the properties of @p device for writing; account() judges it.
+    void opensForWriting(const std::string& device, HRESULT result);
+    /// The account that all of them show. What it does not explain has failed.
+    sim::Account account();
+
 private:
     void add(FailedCall failure);
 
     Survey& m_survey;
     std::unordered_set<std::string> m_known; ///< failures and notes
+    std::vector<std::pair<std::string, HRESULT>> m_openings;
 };
 
 /// A number as a call's argument.

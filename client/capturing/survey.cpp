@@ -40,6 +40,7 @@ Survey surveyPlatform(const Pause& pause)
         const std::vector<OpenEndpoint> endpoints = surveyEndpoints(*enumerator, survey.machine, recorder, pause);
         surveyHardware(*enumerator, endpoints, survey.machine, recorder, pause);
         surveyDefaults(*enumerator, survey.machine, recorder);
+        survey.machine.account = recorder.account();
     }
     surveyWaveDevices(survey.machine, recorder);
     surveyDeviceInstances(survey.machine);

@@ -28,7 +28,7 @@ struct CaptureOptions
 /// A captured machine.
 struct Capture
 {
-    /// The content of a machine file, which sim::readMachine() reads and `sonavit --machine FILE` runs.
+    /// The content of a machine file, which tests read and `sonavit --machine FILE` runs.
     std::string text;
     /// The calls that failed; in the file each is a fault, so that it fails again.
     std::vector<Problem> problems;

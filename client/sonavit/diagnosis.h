@@ -29,17 +29,19 @@ struct SONAVIT_CLIENT_API Finding
     };
 
     Kind kind = Kind::failure;
-    /// What it concerns; none: the whole computer.
+    /// What it concerns; none: a card, or the whole computer.
     std::optional<EndpointId> endpoint;
-    /// Its title, as people know it; "this computer" without an endpoint.
+    /// The card of the endpoint; without an endpoint the card whose hardware it concerns. None: the whole computer.
+    std::optional<CardId> card;
+    /// The title of the endpoint or the card, as people know it; "this computer" without them.
     std::string subject;
     /// A name for programs that does not change, such as "property-unreadable" or "two-endpoints-one-name".
     std::string rule;
-    /// What is wrong, as a sentence.
+    /// What is wrong, as a sentence with a full stop, on one line.
     std::string sentence;
     /// What is missing or different because of it, as a sentence; empty if nothing is.
     std::string effect;
-    /// What usually causes it, as a sentence.
+    /// What usually causes it, as one sentence or two; empty if nothing in particular does.
     std::string cause;
     /// The call that failed, for Kind::failure.
     std::optional<Problem> problem;
@@ -47,6 +49,9 @@ struct SONAVIT_CLIENT_API Finding
     friend SONAVIT_CLIENT_API bool operator==(const Finding& left, const Finding& right);
     friend SONAVIT_CLIENT_API std::ostream& operator<<(std::ostream& stream, const Finding& finding);
 };
+
+/// "failure", "data" or "oddity".
+SONAVIT_CLIENT_API const char* keyOf(Finding::Kind kind) noexcept;
 
 /// A fact about an endpoint, and the platform call that gave it.
 struct SONAVIT_CLIENT_API Fact
@@ -82,12 +87,14 @@ struct SONAVIT_CLIENT_API Reason
 };
 
 /// Looks for everything that is wrong with the sound hardware of this computer: the computer's findings first, then
-/// those of each endpoint in the order of the snapshot. Empty if nothing is.
+/// card by card in the order of the snapshot those of hardware that several endpoints share and those of each endpoint.
+/// Empty if nothing is. What an endpoint of its state cannot have is not missed.
 ///
 /// It reads all that capture() reads and waits for it in the same way. Nothing is changed. Problem::Kind::noAnswer,
 /// wouldWait, ended.
 SONAVIT_CLIENT_API Result<std::vector<Finding>> diagnose(System& system);
-/// The findings that concern one endpoint, with those of the hardware that it reaches. Problem::Kind::notThere for one
+/// The findings that concern one endpoint, with those of the hardware that it reaches, which it may share with others.
+/// Problem::Kind::notThere for one
 /// that does not exist.
 SONAVIT_CLIENT_API Result<std::vector<Finding>> diagnose(System& system, const EndpointId& endpoint);
 

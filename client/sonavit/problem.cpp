@@ -1,5 +1,6 @@
 #include "sonavit/problem.h"
 
+#include "sonavit/codes.h"
 #include "sonavit/enumnames.h"
 #include "sonavit/text.h"
 
@@ -15,30 +16,6 @@ namespace
 {
 constexpr std::array<const char*, 10> kindKeys = {"platform",   "notThere", "ambiguous", "notSupported", "outOfRange",
                                                   "unreadable", "noAnswer", "wouldWait", "ended",        "internal"};
-
-struct KnownCode
-{
-    std::uint32_t code;
-    const char* words;
-};
-
-constexpr std::array<KnownCode, 17> knownCodes = {{{0x80004001, "not implemented"},
-                                                   {0x80004002, "no such interface"},
-                                                   {0x80004003, "success without a result"},
-                                                   {0x80004005, "unspecified error"},
-                                                   {0x8000FFFF, "unexpected failure"},
-                                                   {0x800401F0, "COM is not initialized"},
-                                                   {0x80040154, "class not registered"},
-                                                   {0x80020005, "a value of another type"},
-                                                   {0x80070005, "access denied"},
-                                                   {0x8007000D, "invalid data"},
-                                                   {0x8007000E, "out of memory"},
-                                                   {0x80070057, "invalid argument"},
-                                                   {0x80070490, "not found"},
-                                                   {0x800706BA, "the audio service is not available"},
-                                                   {0x88890004, "the device is no longer present"},
-                                                   {0x88890010, "the audio service is not running"},
-                                                   {0xE000020B, "no such device instance"}}};
 }
 
 Problem Problem::ofCall(std::string operation, std::string object, std::int32_t code, std::string sentence)
@@ -87,12 +64,10 @@ std::ostream& operator<<(std::ostream& out, Problem::Kind kind)
 std::string reasonText(std::int32_t code)
 {
     const auto number = static_cast<std::uint32_t>(code);
-    for (const KnownCode& known : knownCodes)
-    {
-        if (known.code == number)
-            return text::hexCode(number) + ", " + known.words;
-    }
-    return text::hexCode(number);
+    const KnownCode* const known = knownCode(number);
+    // A small number may mean anything; the wave functions have their own.
+    return known == nullptr || number <= lastWaveCode ? text::hexCode(number)
+                                                      : text::hexCode(number) + ", " + known->words;
 }
 }
 }

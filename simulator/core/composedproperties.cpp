@@ -15,7 +15,7 @@ namespace
 /// The string of a property of the machine; empty if there is none.
 std::string textOf(const Device& device, const PROPERTYKEY& key)
 {
-    const PropertyValue* const value = findProperty(device.properties, key);
+    const PropertyValue* const value = findProperty(device, key);
     return value == nullptr ? std::string() : value->text.value_or("");
 }
 
@@ -122,6 +122,8 @@ constexpr Composed composed[] = {{keys::fullName, fullName},           {keys::in
 
 PropertyValue composedProperty(const Hardware& hardware, const Device& device, const PROPERTYKEY& key)
 {
+    if (hardware.machine().composition == Composition::none)
+        return {};
     for (const Composed& each : composed)
     {
         if (sameKey(each.key, key))
@@ -138,10 +140,12 @@ std::vector<PROPERTYKEY> shownKeys(const Hardware& hardware, const Device& devic
         if (property.value.tag != VT_EMPTY)
             result.push_back(property.key);
     }
+    if (hardware.machine().composition == Composition::none)
+        return result;
     const Sources sources(hardware, device);
     for (const Composed& each : composed)
     {
-        if (findProperty(device.properties, each.key) == nullptr && each.compose(sources).tag != VT_EMPTY)
+        if (findProperty(device, each.key) == nullptr && each.compose(sources).tag != VT_EMPTY)
             result.push_back(each.key);
     }
     return result;

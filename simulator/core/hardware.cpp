@@ -9,8 +9,10 @@
 
 namespace sim
 {
-void changeProperty(Properties& properties, const PROPERTYKEY& key, const PropertyValue& value)
+void changeProperty(Device& device, const PROPERTYKEY& key, const PropertyValue& value)
 {
+    const bool isUnlisted = findProperty(device.unlistedProperties, key) != nullptr;
+    Properties& properties = isUnlisted ? device.unlistedProperties : device.properties;
     if (value.tag == VT_EMPTY && !isComposed(key))
         removeProperty(properties, key);
     else
@@ -155,7 +157,7 @@ std::vector<Endpoint*> Hardware::endpointsOfDevice(const std::string& endpointId
 {
     const auto pathOf = [](const Endpoint& endpoint)
     {
-        const PropertyValue* const path = findProperty(endpoint.properties, keys::instancePath);
+        const PropertyValue* const path = findProperty(endpoint, keys::instancePath);
         return path == nullptr ? std::string() : path->text.value_or("");
     };
     Endpoint* const first = anyEndpoint(endpointId);

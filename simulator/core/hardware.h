@@ -12,8 +12,9 @@
 
 namespace sim
 {
-/// Sets the property to @p value; VT_EMPTY removes it, or suppresses it if the platform composes it.
-void changeProperty(Properties& properties, const PROPERTYKEY& key, const PropertyValue& value);
+/// Sets the property to @p value; VT_EMPTY removes it, or suppresses it if the platform composes it. An unlisted
+/// property stays unlisted.
+void changeProperty(Device& device, const PROPERTYKEY& key, const PropertyValue& value);
 
 /// A machine and its indexes. Not thread-safe: State locks it.
 class Hardware

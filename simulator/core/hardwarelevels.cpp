@@ -2,6 +2,8 @@
 
 #include "simulator/core/volumemath.h"
 
+#include <algorithm>
+
 namespace sim
 {
 namespace
@@ -31,6 +33,14 @@ Subunit controlsOnly(const Part& part)
     controls.volume = part.volume;
     controls.mute = part.mute;
     return controls;
+}
+
+/// Whether clients read the same: a master level may be a number of its own or that of the loudest channel.
+bool areReadAlike(EndpointVolume left, EndpointVolume right)
+{
+    left.master = masterLevel(left);
+    right.master = masterLevel(right);
+    return left == right;
 }
 }
 
@@ -70,6 +80,7 @@ void changeVolume(const Hardware& hardware, Endpoint& endpoint, const EndpointVo
     if (Part* const part = mutePart(hardware, wanted))
         part->mute->muted = wanted.muted;
     endpoint.volume->channels = wanted.channels;
+    endpoint.volume->master = wanted.master;
     endpoint.volume->muted = wanted.muted;
 }
 
@@ -114,14 +125,18 @@ LevelChanges LevelWatch::changes(const Hardware& hardware) const
     for (const auto& [endpoint, before] : m_volumes)
     {
         const Part* const part = levelPart(hardware, *endpoint->volume);
-        if (part != nullptr && part->id == m_changedPart && !result.levels.empty())
+        const bool hasNewLevel =
+            part != nullptr && std::count(result.levels.begin(), result.levels.end(), part->id) != 0;
+        if (hasNewLevel)
+            endpoint->volume->master.reset();
+        if (hasNewLevel && part->id == m_changedPart)
         {
             for (std::size_t index = 0; index < before.channels.size(); ++index)
                 endpoint->volume->channels[index] = part->volume->channels[index].level;
         }
         const EndpointVolume after = shownVolume(hardware, *endpoint);
         endpoint->volume->muted = after.muted;
-        if (!(after == before))
+        if (!areReadAlike(after, before))
             result.endpoints.push_back(endpoint->id);
     }
     return result;

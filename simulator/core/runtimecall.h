@@ -18,7 +18,7 @@ HRESULT runtimeCall(const char* function, const Outputs<Values...>& outputs, con
     const std::shared_ptr<State> state = currentState();
     if (state != nullptr)
         return watchedCall(
-            *state, function, {}, outputs, [&] { return body(state); }, arguments...);
+            *state, function, {}, nullptr, outputs, [&] { return body(state); }, arguments...);
     if (!outputs.areThere())
         return E_POINTER;
     outputs.clear(false);

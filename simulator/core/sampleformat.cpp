@@ -79,7 +79,7 @@ std::optional<SampleFormat> sampleFormat(const WAVEFORMATEX& format)
 
 std::optional<SampleFormat> deviceFormatOf(const Endpoint& endpoint)
 {
-    const PropertyValue* const value = findProperty(endpoint.properties, keys::deviceFormat);
+    const PropertyValue* const value = findProperty(endpoint, keys::deviceFormat);
     if (value == nullptr || value->tag != VT_BLOB || value->bytes.size() < sizeof(WAVEFORMATEX))
         return std::nullopt;
     WAVEFORMATEXTENSIBLE stored = {};

@@ -139,7 +139,7 @@ ULONG SimulatedObject::watchedRelease()
     const std::shared_ptr<State> machine = m_state;
     const std::string objectName = m_name;
     const std::string name = operation("Release");
-    WatchedCall watched(*machine, name.c_str(), objectName, WatchedCall::Kind::reference);
+    WatchedCall watched(*machine, name.c_str(), objectName, WatchedCall::Kind::reference, this);
     watched.begin();
     const ULONG count = dropReference(&watched);
     if (watched.planned() == FaultRule::Outcome::thrown)

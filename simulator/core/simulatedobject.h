@@ -23,7 +23,7 @@ namespace sim
 {
 /// Is in the list of live objects from construction to destruction. The list is never destroyed: objects that users
 /// forget to release stay reachable, and the census reports them.
-class SimulatedObject
+class SimulatedObject : public FinelyNamed
 {
 public:
     SimulatedObject(const SimulatedObject&) = delete;
@@ -61,7 +61,7 @@ protected:
     template<class Outputs, class Body, class... Arguments>
     HRESULT call(const char* operation, const Outputs& outputs, const Body& body, const Arguments&... arguments)
     {
-        return watchedCall(*m_state, operation, m_name, outputs, body, arguments...);
+        return watchedCall(*m_state, operation, m_name, this, outputs, body, arguments...);
     }
 
     /// Stores a copy of @p text in task memory; a null pointer if @p text has no value.
@@ -155,7 +155,7 @@ HRESULT SimulatedObject::query(REFIID iid, void** object, const Find& find)
         return object == nullptr ? E_POINTER : answer();
 
     const std::string name = operation("QueryInterface");
-    WatchedCall watched(*m_state, name.c_str(), m_name, WatchedCall::Kind::reference);
+    WatchedCall watched(*m_state, name.c_str(), m_name, WatchedCall::Kind::reference, this);
     watched.setArguments({argumentText(iid)});
     return answerCall(watched, outputs(object), answer);
 }

@@ -20,10 +20,12 @@ bool concernsClients(const char* operation)
 }
 }
 
-WatchedCall::WatchedCall(State& state, const char* operation, const std::string& object, Kind kind)
+WatchedCall::WatchedCall(State& state, const char* operation, const std::string& object, Kind kind,
+                         const FinelyNamed* finer)
     : m_state(state),
       m_operation(operation),
       m_object(object),
+      m_finer(finer),
       m_isRecorded(state.journal.recording() && (kind == Kind::work || state.journal.recordingReferences())),
       m_concernsClients(kind == Kind::work && concernsClients(operation))
 {
@@ -43,7 +45,8 @@ void WatchedCall::begin()
 {
     if (!m_state.faults.isEmpty())
     {
-        m_verdict = m_state.faults.judge(m_operation, m_object, m_arguments);
+        m_verdict = m_state.faults.judge(m_operation, m_object, m_arguments,
+                                         m_finer == nullptr ? std::string() : m_finer->finerName());
         for (const auto& action : m_verdict.actions)
             action();
     }

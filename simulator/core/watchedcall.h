@@ -125,6 +125,17 @@ Outputs<Parameters...> optionalOutputs(Parameters... parameters)
     return Outputs<Parameters...>(Outputs<Parameters...>::Needed::any, parameters...);
 }
 
+/// An object of which fault rules know a finer name than the journal's, which it has in common with other objects.
+class FinelyNamed
+{
+public:
+    /// Empty: there is no such name.
+    virtual std::string finerName() const { return {}; }
+
+protected:
+    ~FinelyNamed() = default;
+};
+
 /// One call from its beginning to its end. The caller keeps the strings that it passes alive for that long.
 class WatchedCall
 {
@@ -135,7 +146,9 @@ public:
         reference, ///< an operation of IUnknown: recorded only when asked for
     };
 
-    WatchedCall(State& state, const char* operation, const std::string& object, Kind kind = Kind::work);
+    /// @param finer the object itself, if it may have a finer name; it is asked for it only if there is a fault rule
+    WatchedCall(State& state, const char* operation, const std::string& object, Kind kind = Kind::work,
+                const FinelyNamed* finer = nullptr);
 
     /// Whether journal or fault plan need the arguments.
     bool wantsArguments() const;
@@ -164,6 +177,7 @@ private:
     State& m_state;
     const char* const m_operation;
     const std::string& m_object;
+    const FinelyNamed* const m_finer;
     const bool m_isRecorded;
     const bool m_concernsClients; ///< it registers or unregisters one
     std::vector<std::string> m_arguments;
@@ -205,13 +219,13 @@ std::string firstArgumentText(const First& first, const Others&...)
     return argumentText(first);
 }
 
-/// One call of an operation of @p object (functions: an empty name).
+/// One call of an operation of @p object (functions: an empty name), which may have a finer name.
 template<class... Parameters, class Body, class... Arguments>
-HRESULT watchedCall(State& state, const char* operation, const std::string& object,
+HRESULT watchedCall(State& state, const char* operation, const std::string& object, const FinelyNamed* finer,
                     const Outputs<Parameters...>& outputs, const Body& body, const Arguments&... arguments)
 {
     state.latency.spend(operation, [&] { return firstArgumentText(arguments...); });
-    WatchedCall watched(state, operation, object);
+    WatchedCall watched(state, operation, object, WatchedCall::Kind::work, finer);
     if (watched.wantsArguments())
         watched.setArguments({argumentText(arguments)...});
     return answerCall(watched, outputs, body);

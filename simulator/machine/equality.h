@@ -18,6 +18,7 @@ struct Subunit;
 struct SignalPath;
 struct Topology;
 struct HardwareControls;
+struct TaperPoint;
 struct EndpointVolume;
 struct DevicePeriods;
 struct Endpoint;
@@ -36,8 +37,8 @@ inline constexpr bool isOneOf = (std::is_same_v<Object, Types> || ...);
 template<class Object>
 inline constexpr bool isMachineData =
     isOneOf<Object, PropertyValue, Property, ChannelLevel, VolumeControl, MuteControl, SelectorControl, Jack, Connector,
-            Subunit, SignalPath, Topology, HardwareControls, EndpointVolume, DevicePeriods, Endpoint, Adapter, Join,
-            DeviceInstance, WaveDevice, ScriptEvent, FaultRule, LatencyRule, Machine>;
+            Subunit, SignalPath, Topology, HardwareControls, TaperPoint, EndpointVolume, DevicePeriods, Endpoint,
+            Adapter, Join, DeviceInstance, WaveDevice, ScriptEvent, FaultRule, LatencyRule, Machine>;
 
 template<class Object, class = std::enable_if_t<isMachineData<Object>>>
 bool operator==(const Object& left, const Object& right);

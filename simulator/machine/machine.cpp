@@ -52,6 +52,12 @@ OptionalString deviceOf(const Machine& machine, const std::string& connector)
 }
 }
 
+const PropertyValue* findProperty(const Device& device, const PROPERTYKEY& key)
+{
+    const PropertyValue* const listed = findProperty(device.properties, key);
+    return listed != nullptr ? listed : findProperty(device.unlistedProperties, key);
+}
+
 const Endpoint* Machine::endpoint(const std::string& id) const
 {
     return withId(endpoints, id);

@@ -35,6 +35,10 @@ struct Device
     bool hasMeter = false;            ///< Activate(IAudioMeterInformation) succeeds
 };
 
+/// The value that the store of @p device has for @p key, listed or not; null if it has none. The pointer is valid until
+/// the properties change.
+const PropertyValue* findProperty(const Device& device, const PROPERTYKEY& key);
+
 /// How the scalar level of an endpoint volume depends on decibels; 0 at the minimum and 1 at the maximum in any case.
 enum class Taper
 {

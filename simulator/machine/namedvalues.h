@@ -35,6 +35,9 @@ inline constexpr Names<ConnectorType, 6> connectorTypeNames = {{{"unknown", Unkn
 inline constexpr Names<NotPresentNames, 2> notPresentNamesNames = {
     {{"readable", NotPresentNames::readable}, {"failing", NotPresentNames::failing}}};
 
+inline constexpr Names<Composition, 2> compositionNames = {
+    {{"usual", Composition::usual}, {"none", Composition::none}}};
+
 inline constexpr Names<EPcxConnectionType, 12> jackConnectionNames = {
     {{"unknown", eConnTypeUnknown},
      {"3.5mm jack", eConnType3Point5mm},
@@ -76,7 +79,8 @@ inline constexpr Names<EPxcPortConnection, 4> portConnectionNames = {{{"jack", e
                                                                       {"both", ePortConnBothIntegratedAndJack},
                                                                       {"unknown", ePortConnUnknown}}};
 
-inline constexpr Names<Taper, 2> taperNames = {{{"linear", Taper::linear}, {"audio", Taper::audio}}};
+inline constexpr Names<Taper, 3> taperNames = {
+    {{"linear", Taper::linear}, {"audio", Taper::audio}, {"measured", Taper::measured}}};
 
 inline constexpr Names<std::uint32_t, 3> hardwareSupportNames = {{{"volume", 1}, {"mute", 2}, {"meter", 4}}};
 
@@ -114,8 +118,8 @@ inline constexpr Names<CallbackThread, 2> callbackThreadNames = {
 inline constexpr Names<LatencyPreset, 2> latencyPresetNames = {
     {{"none", LatencyPreset::none}, {"windows", LatencyPreset::windows}}};
 
-/// The tags of a property value that is a whole number: all that a property store of the simulated platform takes.
-inline constexpr Names<VARTYPE, 10> numberTagNames = {{{"VT_I2", VT_I2},
+/// The tags of a property value that is a whole number. A property store of the simulated platform takes all of them.
+inline constexpr Names<VARTYPE, 12> numberTagNames = {{{"VT_I2", VT_I2},
                                                        {"VT_I4", VT_I4},
                                                        {"VT_BOOL", VT_BOOL},
                                                        {"VT_I1", VT_I1},
@@ -124,5 +128,7 @@ inline constexpr Names<VARTYPE, 10> numberTagNames = {{{"VT_I2", VT_I2},
                                                        {"VT_UI4", VT_UI4},
                                                        {"VT_UI8", VT_UI8},
                                                        {"VT_INT", VT_INT},
-                                                       {"VT_UINT", VT_UINT}}};
+                                                       {"VT_UINT", VT_UINT},
+                                                       {"VT_I8", VT_I8},
+                                                       {"VT_FILETIME", VT_FILETIME}}};
 }

@@ -13,6 +13,13 @@ PropertyValue PropertyValue::ofText(OptionalString value)
     return result;
 }
 
+PropertyValue PropertyValue::ofNarrowText(OptionalString value)
+{
+    PropertyValue result = ofText(std::move(value));
+    result.tag = VT_LPSTR;
+    return result;
+}
+
 PropertyValue PropertyValue::ofNumber(std::uint64_t value, VARTYPE tag)
 {
     PropertyValue result;
@@ -34,6 +41,14 @@ PropertyValue PropertyValue::ofReal(float value)
     return result;
 }
 
+PropertyValue PropertyValue::ofLongReal(double value)
+{
+    PropertyValue result;
+    result.tag = VT_R8;
+    result.longReal = value;
+    return result;
+}
+
 PropertyValue PropertyValue::ofGuid(const GUID& value)
 {
     PropertyValue result;
@@ -47,6 +62,13 @@ PropertyValue PropertyValue::ofBytes(std::vector<std::uint8_t> value)
     PropertyValue result;
     result.tag = VT_BLOB;
     result.bytes = std::move(value);
+    return result;
+}
+
+PropertyValue PropertyValue::ofTag(VARTYPE tag)
+{
+    PropertyValue result;
+    result.tag = tag;
     return result;
 }
 

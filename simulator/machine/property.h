@@ -21,23 +21,32 @@ inline constexpr std::uint32_t variantTrue = 0xFFFF;
 
 /// One value of a property store and the tag with which the store returns it.
 ///
-/// A mistyped property is a value with a tag that its reader does not expect.
+/// A mistyped property is a value with a tag that its reader does not expect. With a tag that none of the members
+/// names, the store returns zeros: a null pointer, no elements.
 struct PropertyValue
 {
     VARTYPE tag = VT_EMPTY;
-    OptionalString text;             ///< VT_LPWSTR; no value: the store returns the tag and a null pointer
-    std::uint64_t number = 0;        ///< VT_UI4 and the other tags of whole numbers; more than 32 bits for VT_UI8 only
-    float real = 0.0f;               ///< VT_R4
-    GUID guid = {};                  ///< VT_CLSID
+    OptionalString text;      ///< VT_LPWSTR, and the bytes of a VT_LPSTR, which need not be UTF-8; no value: the store
+                              ///< returns the tag and a null pointer
+    std::uint64_t number = 0; ///< VT_UI4 and the other tags of whole numbers, VT_FILETIME; the bits of negative ones;
+                              ///< more than 32 bits for VT_UI8, VT_I8 and VT_FILETIME only
+    float real = 0.0f;        ///< VT_R4
+    GUID guid = {};           ///< VT_CLSID
     std::vector<std::uint8_t> bytes; ///< VT_BLOB
+    double longReal = 0.0;           ///< VT_R8
 
     static PropertyValue ofText(OptionalString value);
+    /// VT_LPSTR, whose bytes are in no particular encoding.
+    static PropertyValue ofNarrowText(OptionalString value);
     static PropertyValue ofNumber(std::uint64_t value, VARTYPE tag = VT_UI4);
     /// VT_BOOL, whose number is 0xFFFF for true: VARIANT_TRUE.
     static PropertyValue ofBoolean(bool value);
     static PropertyValue ofReal(float value);
+    static PropertyValue ofLongReal(double value);
     static PropertyValue ofGuid(const GUID& value);
     static PropertyValue ofBytes(std::vector<std::uint8_t> value);
+    /// Any other tag, with zeros.
+    static PropertyValue ofTag(VARTYPE tag);
 };
 
 struct Property

@@ -68,14 +68,15 @@ struct FaultRule
     };
 
     std::string operation;    ///< "IMMDevice::Activate", "CoCreateInstance"; bare "Release": that of every interface
-    std::string object = "*"; ///< a device id (its store, topology and volume too) or a part's global id; "*": any
+    std::string object = "*"; ///< a device id (its store, topology and volume too) or a part's global id; "*":
+                              ///< any; PlannedFault::on() says which names are finer
     std::string argument;     ///< the first argument as the journal writes it; empty: any
-    std::vector<std::string> arguments = {}; ///< the first arguments as the journal writes them, in place of `argument`
-    std::uint32_t call = 0;                  ///< the n-th matching call, counted from 1; 0: every call
+    std::uint32_t call = 0;   ///< the n-th matching call, counted from 1; 0: every call
     Outcome outcome = Outcome::result;
     HRESULT result = E_FAIL;
     std::uint32_t forMilliseconds = 0;           ///< how long the rule holds, from `after` on; 0: to the end
     std::optional<ScriptEvent::Kind> after = {}; ///< holds after each event of this kind; no value: from the start
+    std::vector<std::string> arguments = {}; ///< the first arguments as the journal writes them, in place of `argument`
 };
 
 /// How long a call of an operation takes.

@@ -29,21 +29,43 @@ void writeHex(std::string& text, std::size_t at, std::size_t digits, std::uint32
 
 /// Where the bytes of GUID::Data4 begin in the text of a GUID.
 constexpr std::array<std::size_t, 8> lastBytes = {20, 22, 25, 27, 29, 31, 33, 35};
-}
 
-std::string decimal(float value)
+template<class Real>
+std::string shortestDecimal(Real value)
 {
     char text[32] = {};
     return std::string(text, std::to_chars(text, text + sizeof text, value).ptr);
 }
 
-std::optional<float> fromDecimal(const std::string& text)
+template<class Real>
+std::optional<Real> realFromDecimal(const std::string& text)
 {
-    float value = 0.0f;
+    Real value = 0;
     const char* const end = text.data() + text.size();
     const std::from_chars_result result = std::from_chars(text.data(), end, value);
     const bool isNumber = result.ec == std::errc() && result.ptr == end && std::isfinite(value);
-    return isNumber ? std::optional<float>(value) : std::nullopt;
+    return isNumber ? std::optional<Real>(value) : std::nullopt;
+}
+}
+
+std::string decimal(float value)
+{
+    return shortestDecimal(value);
+}
+
+std::optional<float> fromDecimal(const std::string& text)
+{
+    return realFromDecimal<float>(text);
+}
+
+std::string longDecimal(double value)
+{
+    return shortestDecimal(value);
+}
+
+std::optional<double> doubleFromDecimal(const std::string& text)
+{
+    return realFromDecimal<double>(text);
 }
 
 int hexDigit(char character)
@@ -101,12 +123,30 @@ std::optional<std::uint32_t> numberFromText(const std::string& text)
                                          : std::nullopt;
 }
 
-std::optional<HRESULT> resultFromText(const std::string& text)
+std::optional<std::uint64_t> fromHexText(const std::string& text, std::size_t digits)
 {
-    const bool hasForm = text.size() == 10 && text.compare(0, 2, "0x") == 0;
+    const bool hasForm = text.size() == 2 + digits && text.compare(0, 2, "0x") == 0;
     if (!hasForm || !std::all_of(text.begin() + 2, text.end(), [](char unit) { return hexDigit(unit) >= 0; }))
         return std::nullopt;
-    return static_cast<HRESULT>(hexNumber(text, 2, 8));
+    std::uint64_t value = 0;
+    for (std::size_t index = 2; index < text.size(); ++index)
+        value = value << 4 | static_cast<std::uint64_t>(hexDigit(text[index]));
+    return value;
+}
+
+std::string hexText(std::uint64_t value, std::size_t digits)
+{
+    std::string text(2 + digits, '0');
+    text[1] = 'x';
+    for (std::size_t index = text.size(); index > 2; value >>= 4)
+        text[--index] = "0123456789ABCDEF"[value & 0xF];
+    return text;
+}
+
+std::optional<HRESULT> resultFromText(const std::string& text)
+{
+    const std::optional<std::uint64_t> value = fromHexText(text, 8);
+    return value ? std::optional(static_cast<HRESULT>(static_cast<std::uint32_t>(*value))) : std::nullopt;
 }
 
 std::string resultText(HRESULT result)

@@ -4,6 +4,7 @@
 
 #include "platform/coreaudio.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -15,6 +16,10 @@ std::string decimal(float value);
 
 /// The value of such a string; no value for any other string, and if the number is too large.
 std::optional<float> fromDecimal(const std::string& text);
+
+/// The same for double precision.
+std::string longDecimal(double value);
+std::optional<double> doubleFromDecimal(const std::string& text);
 
 /// The value of a hexadecimal digit in either case; -1 for any other character.
 int hexDigit(char character);
@@ -31,6 +36,10 @@ std::optional<std::uint32_t> numberFromText(const std::string& text);
 
 /// The same for 64 bits.
 std::optional<std::uint64_t> largeNumberFromText(const std::string& text);
+
+/// The value of "0x" and @p digits hexadecimal digits in either case, at most 16; no value for any other string.
+std::optional<std::uint64_t> fromHexText(const std::string& text, std::size_t digits);
+std::string hexText(std::uint64_t value, std::size_t digits);
 
 /// The value of "0x80004005", eight digits; no value for any other string.
 std::optional<HRESULT> resultFromText(const std::string& text);

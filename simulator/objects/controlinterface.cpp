@@ -9,13 +9,16 @@ namespace
 class ControlInterfaceObject final : public ComObject<IControlInterface>
 {
 public:
-    ControlInterfaceObject(const std::shared_ptr<State>& state, std::string partId, const IID& iid,
+    ControlInterfaceObject(const std::shared_ptr<State>& state, std::string partId, UINT index, const IID& iid,
                            std::string interfaceName)
         : ComObject(state, std::move(partId)),
+          m_index(index),
           m_iid(iid),
           m_interfaceName(std::move(interfaceName))
     {
     }
+
+    std::string finerName() const override { return name() + " control " + std::to_string(m_index); }
 
     HRESULT STDMETHODCALLTYPE GetName(LPWSTR* name) override
     {
@@ -34,14 +37,15 @@ public:
     }
 
 private:
+    const UINT m_index;
     const IID m_iid;
     const std::string m_interfaceName;
 };
 }
 
-IControlInterface* makeControlInterface(const std::shared_ptr<State>& state, std::string partId, IID iid,
+IControlInterface* makeControlInterface(const std::shared_ptr<State>& state, std::string partId, UINT index, IID iid,
                                         std::string interfaceName)
 {
-    return new ControlInterfaceObject(state, std::move(partId), iid, std::move(interfaceName));
+    return new ControlInterfaceObject(state, std::move(partId), index, iid, std::move(interfaceName));
 }
 }

@@ -95,7 +95,7 @@ public:
         {
             if (channel >= volume.channels.size() || !isInRange(volume, level))
                 return E_INVALIDARG;
-            volume.channels[channel] = level;
+            setChannelLevel(volume, channel, level);
             return S_OK;
         };
         return change("IAudioEndpointVolume::SetChannelVolumeLevel", context, set, channel, level, context);
@@ -107,7 +107,7 @@ public:
         {
             if (channel >= volume.channels.size() || !isScalar(level))
                 return E_INVALIDARG;
-            volume.channels[channel] = decibelLevel(volume, level);
+            setChannelLevel(volume, channel, decibelLevel(volume, level));
             return S_OK;
         };
         return change("IAudioEndpointVolume::SetChannelVolumeLevelScalar", context, set, channel, level, context);

@@ -34,14 +34,24 @@ IBaseFilter* makeBaseFilter(const std::shared_ptr<State>& state, std::string dev
 IPart* makePart(const std::shared_ptr<State>& state, const std::string& partId);
 IConnector* makeConnector(const std::shared_ptr<State>& state, const std::string& partId);
 ISubunit* makeSubunit(const std::shared_ptr<State>& state, const std::string& partId);
-/// The parts with these ids in this order; @p name is the id of the part that listed them.
-IPartsList* makePartsList(const std::shared_ptr<State>& state, std::string name, std::vector<std::string> partIds);
+/// What a list of parts contains, which fault rules tell apart: the neighbours on one side of a part, or the parts of a
+/// signal path.
+enum class ListedParts
+{
+    incoming,
+    outgoing,
+    path
+};
+
+/// The parts with these ids in this order; @p name is the id of the part that listed them, or at which the path begins.
+IPartsList* makePartsList(const std::shared_ptr<State>& state, std::string name, ListedParts listed,
+                          std::vector<std::string> partIds);
 IAudioVolumeLevel* makeVolumeLevel(const std::shared_ptr<State>& state, std::string partId);
 IAudioMute* makeMute(const std::shared_ptr<State>& state, std::string partId);
 IAudioInputSelector* makeInputSelector(const std::shared_ptr<State>& state, std::string partId);
 IKsJackDescription* makeJackDescription(const std::shared_ptr<State>& state, std::string partId);
 IKsJackDescription2* makeJackDescription2(const std::shared_ptr<State>& state, std::string partId);
-/// Describes the control @p interfaceName of @p partId.
-IControlInterface* makeControlInterface(const std::shared_ptr<State>& state, std::string partId, IID iid,
+/// Describes the control @p interfaceName of @p partId, which has @p index among the part's controls.
+IControlInterface* makeControlInterface(const std::shared_ptr<State>& state, std::string partId, UINT index, IID iid,
                                         std::string interfaceName);
 }

@@ -115,7 +115,7 @@ public:
                         return E_INVALIDARG;
                     const ControlOfPart& control = controls[index];
                     *description =
-                        makeControlInterface(this->state(), this->name(), control.iid, control.interfaceName);
+                        makeControlInterface(this->state(), this->name(), index, control.iid, control.interfaceName);
                     return S_OK;
                 });
         };
@@ -124,12 +124,14 @@ public:
 
     HRESULT STDMETHODCALLTYPE EnumPartsIncoming(IPartsList** parts) override
     {
-        return this->call("IPart::EnumPartsIncoming", outputs(parts), [&] { return list(&Part::incoming, parts); });
+        return this->call("IPart::EnumPartsIncoming", outputs(parts),
+                          [&] { return list(ListedParts::incoming, parts); });
     }
 
     HRESULT STDMETHODCALLTYPE EnumPartsOutgoing(IPartsList** parts) override
     {
-        return this->call("IPart::EnumPartsOutgoing", outputs(parts), [&] { return list(&Part::outgoing, parts); });
+        return this->call("IPart::EnumPartsOutgoing", outputs(parts),
+                          [&] { return list(ListedParts::outgoing, parts); });
     }
 
     HRESULT STDMETHODCALLTYPE GetTopologyObject(IDeviceTopology** topology) override
@@ -263,17 +265,17 @@ private:
             });
     }
 
-    HRESULT list(std::vector<std::string> Part::*neighbours, IPartsList** parts) const
+    HRESULT list(ListedParts neighbours, IPartsList** parts) const
     {
         std::vector<std::string> ids;
         const HRESULT result = read(
             [&](const Part& part)
             {
-                ids = part.*neighbours;
+                ids = neighbours == ListedParts::incoming ? part.incoming : part.outgoing;
                 return ids.empty() ? E_NOTFOUND : S_OK;
             });
         if (SUCCEEDED(result))
-            *parts = makePartsList(this->state(), this->name(), std::move(ids));
+            *parts = makePartsList(this->state(), this->name(), neighbours, std::move(ids));
         return result;
     }
 };

@@ -9,10 +9,20 @@ namespace
 class PartsListObject final : public ComObject<IPartsList>
 {
 public:
-    PartsListObject(const std::shared_ptr<State>& state, std::string name, std::vector<std::string> partIds)
+    PartsListObject(const std::shared_ptr<State>& state, std::string name, ListedParts listed,
+                    std::vector<std::string> partIds)
         : ComObject(state, std::move(name)),
+          m_listed(listed),
           m_partIds(std::move(partIds))
     {
+    }
+
+    /// A path is a list that ends where the signal begins.
+    std::string finerName() const override
+    {
+        if (m_listed == ListedParts::path)
+            return name() + " to " + m_partIds.front();
+        return name() + (m_listed == ListedParts::incoming ? " incoming" : " outgoing");
     }
 
     HRESULT STDMETHODCALLTYPE GetCount(UINT* count) override
@@ -38,12 +48,14 @@ public:
     }
 
 private:
+    const ListedParts m_listed;
     const std::vector<std::string> m_partIds;
 };
 }
 
-IPartsList* makePartsList(const std::shared_ptr<State>& state, std::string name, std::vector<std::string> partIds)
+IPartsList* makePartsList(const std::shared_ptr<State>& state, std::string name, ListedParts listed,
+                          std::vector<std::string> partIds)
 {
-    return new PartsListObject(state, std::move(name), std::move(partIds));
+    return new PartsListObject(state, std::move(name), listed, std::move(partIds));
 }
 }

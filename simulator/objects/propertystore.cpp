@@ -1,6 +1,7 @@
 #include "simulator/core/composedproperties.h"
 #include "simulator/core/notifications.h"
 #include "simulator/core/simulatedobject.h"
+#include "simulator/machine/namedvalues.h"
 #include "simulator/machine/propertykeys.h"
 #include "simulator/objects/lookup.h"
 #include "simulator/objects/objects.h"
@@ -82,7 +83,7 @@ public:
                 {
                     if (isName(key) && hidesNames(hardware, device))
                         return noSuchInstance;
-                    if (const PropertyValue* const found = findProperty(device.properties, key))
+                    if (const PropertyValue* const found = findProperty(device, key))
                         return store(*found, *value);
                     return store(composedProperty(hardware, device, key), *value);
                 });
@@ -102,7 +103,7 @@ public:
             const HRESULT result = onDevice(*state(), name(),
                                             [&](Device& device)
                                             {
-                                                changeProperty(device.properties, key, *copy);
+                                                changeProperty(device, key, *copy);
                                                 return S_OK;
                                             });
             if (SUCCEEDED(result))
@@ -137,6 +138,7 @@ private:
             });
     }
 
+    /// @p variant is empty. With a tag that has no value here it keeps its zeros.
     HRESULT store(const PropertyValue& value, PROPVARIANT& variant) const
     {
         variant.vt = value.tag;
@@ -144,6 +146,8 @@ private:
         {
         case VT_LPWSTR:
             return storeText("IPropertyStore::GetValue", value.text, &variant.pwszVal);
+        case VT_LPSTR:
+            return value.text ? storeBytes(value.text->c_str(), value.text->size() + 1, variant, variant.pszVal) : S_OK;
         case VT_CLSID:
             return storeBytes(&value.guid, sizeof value.guid, variant, variant.puuid);
         case VT_BLOB:
@@ -152,8 +156,16 @@ private:
         case VT_R4:
             variant.fltVal = value.real;
             return S_OK;
+        case VT_R8:
+            variant.dblVal = value.longReal;
+            return S_OK;
+        case VT_FILETIME:
+            variant.filetime.dwLowDateTime = static_cast<DWORD>(value.number & 0xFFFFFFFF);
+            variant.filetime.dwHighDateTime = static_cast<DWORD>(value.number >> 32);
+            return S_OK;
         default:
-            variant.uhVal.QuadPart = value.number;
+            if (hasName(numberTagNames, value.tag))
+                variant.uhVal.QuadPart = value.number;
             return S_OK;
         }
     }

@@ -12,6 +12,8 @@ std::optional<PropertyValue> readVariant(const PROPVARIANT& variant)
         return PropertyValue();
     case VT_LPWSTR:
         return PropertyValue::ofText(variant.pwszVal == nullptr ? Text() : Text(utf8(variant.pwszVal)));
+    case VT_LPSTR:
+        return PropertyValue::ofNarrowText(variant.pszVal == nullptr ? Text() : Text(variant.pszVal));
     case VT_BLOB:
     {
         const BYTE* const bytes = variant.blob.pBlobData;
@@ -32,9 +34,15 @@ std::optional<PropertyValue> readVariant(const PROPVARIANT& variant)
     case VT_UINT:
         return PropertyValue::ofNumber(static_cast<std::uint32_t>(variant.ulVal), variant.vt);
     case VT_UI8:
-        return PropertyValue::ofNumber(variant.uhVal.QuadPart, VT_UI8);
+    case VT_I8:
+        return PropertyValue::ofNumber(variant.uhVal.QuadPart, variant.vt);
+    case VT_FILETIME:
+        return PropertyValue::ofNumber(
+            std::uint64_t{variant.filetime.dwHighDateTime} << 32 | variant.filetime.dwLowDateTime, VT_FILETIME);
     case VT_R4:
         return PropertyValue::ofReal(variant.fltVal);
+    case VT_R8:
+        return PropertyValue::ofLongReal(variant.dblVal);
     case VT_CLSID:
         return variant.puuid == nullptr ? std::nullopt : std::optional(PropertyValue::ofGuid(*variant.puuid));
     default:

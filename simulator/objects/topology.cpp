@@ -139,7 +139,7 @@ public:
                     return S_OK;
                 });
             if (SUCCEEDED(result))
-                *parts = makePartsList(state(), first->name(), std::move(ids));
+                *parts = makePartsList(state(), first->name(), ListedParts::path, std::move(ids));
             return result;
         };
         return call("IDeviceTopology::GetSignalPath", outputs(parts), answer, PartArgument{from, first},

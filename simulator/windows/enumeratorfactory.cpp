@@ -53,8 +53,8 @@ HRESULT createCurrentEnumerator(IUnknown* outer, DWORD context, REFIID iid, void
             return REGDB_E_CLASSNOTREG;
         return outer != nullptr ? CLASS_E_NOAGGREGATION : createEnumerator(state, iid, object);
     };
-    return watchedCall(*state, "CoCreateInstance", {}, outputs(object), answer, __uuidof(MMDeviceEnumerator), context,
-                       iid);
+    return watchedCall(*state, "CoCreateInstance", {}, nullptr, outputs(object), answer, __uuidof(MMDeviceEnumerator),
+                       context, iid);
 }
 
 bool threadHasCom()

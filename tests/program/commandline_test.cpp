@@ -321,9 +321,9 @@ TEST(ProgramCommandLine, AnswersHelpAndVersion)
     const std::string helpOfVerb = readCommandLine({"set-volume", "--help"}).answer;
 
     for (const char* const verb :
-         {"list",       "show",    "explain",     "controls",  "selectors", "graph",   "ask",  "get-volume",
-          "set-volume", "mute",    "set-control", "select",    "save",      "restore", "find", "refer",
-          "resolve",    "monitor", "format",      "--machine", "--json",    "--log"})
+         {"list",       "show",  "explain",     "controls", "selectors", "graph",     "ask",    "get-volume",
+          "set-volume", "mute",  "set-control", "select",   "save",      "capture",   "doctor", "restore",
+          "find",       "refer", "resolve",     "monitor",  "format",    "--machine", "--json", "--log"})
         EXPECT_THAT(help, HasSubstr(std::string("  ") + verb));
     EXPECT_THAT(helpOfVerb, HasSubstr("Usage: sonavit set-volume [OPTIONS] ENDPOINT VOLUME"));
     EXPECT_THAT(helpOfVerb, HasSubstr("On a simulated machine the change lasts until sonavit ends."));
@@ -335,9 +335,9 @@ TEST(ProgramCommandLine, AnswersHelpAndVersion)
 TEST(ProgramCommandLine, KeepsItsHelpWithin80Columns)
 {
     for (const char* const verb :
-         {"",        "list",       "show",       "explain", "controls",    "selectors", "graph",
-          "ask",     "get-volume", "set-volume", "mute",    "set-control", "select",    "save",
-          "restore", "find",       "refer",      "resolve", "monitor",     "format"})
+         {"",           "list",       "show",  "explain",     "controls", "selectors", "graph",   "ask",
+          "get-volume", "set-volume", "mute",  "set-control", "select",   "save",      "capture", "doctor",
+          "restore",    "find",       "refer", "resolve",     "monitor",  "format"})
     {
         const std::string word = verb;
         const CommandLine line = word.empty() ? readCommandLine({"--help"}) : readCommandLine({word, "--help"});

@@ -120,6 +120,14 @@ if(NOT output STREQUAL lines)
   fail("a machine is not found by its file:" "${output}" "${errors}")
 endif()
 
+# What sonavit captures is a machine for other programs.
+wine("${PROGRAM}" capture --machine studio -o "Z:${PREFIX}/customer.json")
+behind("Z:${PREFIX}/customer.json" list)
+expected(lines studio)
+if(code OR NOT output STREQUAL lines)
+  fail("the client (${code}) does not list the machine that was captured:" "${output}" "expected:" "${lines}" "${errors}")
+endif()
+
 # A client that asks the wave functions meets the system's wave devices, the same before and after.
 behind(desktop waves)
 string(REGEX MATCHALL "[0-9]+ wave devices" waves "${output}")

@@ -67,12 +67,34 @@ protected:
             });
     }
 
+    void setUnlisted(const std::string& endpointId, const PROPERTYKEY& key, const PropertyValue& value)
+    {
+        simulation.change([&](sim::Machine& machine)
+                          { sim::setProperty(machine.endpoint(endpointId)->unlistedProperties, key, value); });
+    }
+
+    void composeNothing()
+    {
+        simulation.change([](sim::Machine& machine) { machine.composition = sim::Composition::none; });
+    }
+
+    DWORD countOf(const std::string& deviceId)
+    {
+        DWORD count = 0;
+        EXPECT_EQ(S_OK, storeOf(deviceId)->GetCount(&count));
+        return count;
+    }
+
+    static constexpr PROPERTYKEY foreign = {{0x12345678, 0x1234, 0x1234, {1, 2, 3, 4, 5, 6, 7, 8}}, 9};
+
     static std::string text(const std::string& value) { return "31 " + value; }
 };
 
 using ComposedPropertiesOfAnAdapter = ComposedProperties;
 using ComposedPropertiesOfAnEndpoint = ComposedProperties;
 using PropertiesOfAnAbsentEndpoint = ComposedProperties;
+using PropertiesWithoutComposition = ComposedProperties;
+using UnlistedProperties = ComposedProperties;
 
 // NAudio issue 508; cubeb reads it for its groups of devices.
 TEST_F(ComposedPropertiesOfAnAdapter, HaveTheInstanceIdThatItsIdContains)
@@ -233,5 +255,86 @@ TEST_F(PropertiesOfAnAbsentEndpoint, HaveNoNamesOnSomeMachines)
     }
     EXPECT_EQ("19 3", shown(speakerId, keys::speakerConfig));
     EXPECT_EQ(text("Line In"), shown(lineInId, keys::deviceDescription)) << "it is present";
+}
+
+TEST_F(PropertiesWithoutComposition, AreThoseOfTheMachineAlone)
+{
+    const auto own = static_cast<DWORD>(simulation.machine().endpoint(speakerId)->properties.size());
+    EXPECT_LT(own, countOf(speakerId));
+
+    composeNothing();
+
+    EXPECT_EQ(own, countOf(speakerId));
+    for (const PROPERTYKEY& key : {keys::fullName, keys::containerId, keys::formFactor})
+    {
+        EXPECT_EQ(std::to_string(VT_EMPTY), shown(speakerId, key));
+        EXPECT_FALSE(lists(speakerId, key));
+    }
+    EXPECT_EQ(std::to_string(VT_EMPTY), shown(codecId, keys::instanceId));
+}
+
+TEST_F(PropertiesWithoutComposition, AreListedOnlyIfTheyAreNotEmpty)
+{
+    composeNothing();
+    set(speakerId, keys::fullName, PropertyValue::ofText("Full"));
+    set(speakerId, keys::formFactor, PropertyValue());
+
+    EXPECT_EQ(text("Full"), shown(speakerId, keys::fullName));
+    EXPECT_TRUE(lists(speakerId, keys::fullName));
+    EXPECT_FALSE(lists(speakerId, keys::formFactor));
+}
+
+TEST_F(UnlistedProperties, AreReturnedAndNotListed)
+{
+    setUnlisted(speakerId, foreign, PropertyValue::ofText("secret"));
+    const DWORD count = countOf(speakerId);
+    EXPECT_EQ(text("secret"), shown(speakerId, foreign));
+    EXPECT_FALSE(lists(speakerId, foreign));
+
+    set(speakerId, {foreign.fmtid, 10}, PropertyValue::ofText("listed"));
+
+    EXPECT_EQ(count + 1, countOf(speakerId));
+}
+
+TEST_F(UnlistedProperties, StandForComposedOnes)
+{
+    setUnlisted(speakerId, keys::formFactor, PropertyValue::ofNumber(77));
+    setUnlisted(speakerId, keys::fullName, PropertyValue());
+
+    EXPECT_EQ("19 77", shown(speakerId, keys::formFactor));
+    EXPECT_FALSE(lists(speakerId, keys::formFactor));
+    EXPECT_EQ(std::to_string(VT_EMPTY), shown(speakerId, keys::fullName));
+    EXPECT_FALSE(lists(speakerId, keys::fullName));
+}
+
+TEST_F(UnlistedProperties, AreWhatOthersAreComposedFrom)
+{
+    simulation.change(
+        [&](sim::Machine& machine)
+        {
+            sim::Endpoint& endpoint = *machine.endpoint(speakerId);
+            endpoint.unlistedProperties.swap(endpoint.properties);
+        });
+
+    EXPECT_EQ(text("HDAUDIO"), shown(speakerId, keys::enumeratorName));
+    EXPECT_TRUE(lists(speakerId, keys::enumeratorName));
+    EXPECT_FALSE(lists(speakerId, keys::instancePath));
+}
+
+TEST_F(UnlistedProperties, StayUnlistedWhenTheyChange)
+{
+    setUnlisted(speakerId, foreign, PropertyValue::ofText("old"));
+    PROPVARIANT number;
+    PropVariantInit(&number);
+    number.vt = VT_UI4;
+    number.ulVal = 5;
+
+    EXPECT_EQ(S_OK, storeOf(speakerId)->SetValue(foreign, number));
+    EXPECT_EQ("19 5", shown(speakerId, foreign));
+    EXPECT_FALSE(lists(speakerId, foreign));
+
+    simulation.events().setProperty(speakerId, foreign, PropertyValue());
+    EXPECT_EQ(std::to_string(VT_EMPTY), shown(speakerId, foreign));
+    EXPECT_TRUE(simulation.machine().endpoint(speakerId)->unlistedProperties.empty());
 }
 }

@@ -156,6 +156,62 @@ TEST_F(SimulatedPropertyStoreRead, GivesEveryNumberInTheMemberOfItsTag)
     EXPECT_EQ(-2, stored(0xFFFFFFFE, VT_INT).intVal);
     EXPECT_EQ(0xFFFFFFFEu, stored(0xFFFFFFFE, VT_UINT).uintVal);
     EXPECT_EQ(0xFEDCBA9876543210u, stored(0xFEDCBA9876543210u, VT_UI8).uhVal.QuadPart);
+    EXPECT_EQ(-2, stored(0xFFFFFFFFFFFFFFFEu, VT_I8).hVal.QuadPart);
+    EXPECT_EQ(0x76543210u, stored(0xFEDCBA9876543210u, VT_FILETIME).filetime.dwLowDateTime);
+    EXPECT_EQ(0xFEDCBA98u, stored(0xFEDCBA9876543210u, VT_FILETIME).filetime.dwHighDateTime);
+}
+
+TEST_F(SimulatedPropertyStoreRead, GivesLongRealsAndNarrowTexts)
+{
+    const Held<IPropertyStore> store = opened(STGM_READ);
+    const auto give = [&](const sim::PropertyValue& value, PROPVARIANT* variant)
+    {
+        set(foreignKey, value);
+        return store->GetValue(foreignKey, variant);
+    };
+    Variant real;
+    Variant text;
+    Variant empty;
+    Variant null;
+
+    ASSERT_EQ(S_OK, give(sim::PropertyValue::ofLongReal(0.1), &real));
+    ASSERT_EQ(S_OK, give(sim::PropertyValue::ofNarrowText("caf\xE9"), &text));
+    ASSERT_EQ(S_OK, give(sim::PropertyValue::ofNarrowText(""), &empty));
+    ASSERT_EQ(S_OK, give(sim::PropertyValue::ofNarrowText(std::nullopt), &null));
+
+    EXPECT_EQ(VT_R8, real->vt);
+    EXPECT_EQ(0.1, real->dblVal);
+    EXPECT_EQ(VT_LPSTR, text->vt);
+    EXPECT_STREQ("caf\xE9", text->pszVal);
+    EXPECT_STREQ("", empty->pszVal);
+    EXPECT_EQ(VT_LPSTR, null->vt);
+    EXPECT_EQ(nullptr, null->pszVal);
+}
+
+TEST_F(SimulatedPropertyStoreRead, GivesAnyOtherTagWithZerosThatCanBeCleared)
+{
+    const Held<IPropertyStore> store = opened(STGM_READ);
+    for (DWORD tag = 1; tag <= 0xFFFF; ++tag)
+    {
+        sim::PropertyValue value = sim::PropertyValue::ofTag(static_cast<VARTYPE>(tag));
+        if (tag == VT_VECTOR || tag == VT_VECTOR + VT_LPWSTR)
+            value.number = 0xDEAD; // of no use with these tags
+        set(foreignKey, value);
+        PROPVARIANT variant;
+        std::memset(&variant, 0xFF, sizeof variant);
+        ASSERT_EQ(S_OK, store->GetValue(foreignKey, &variant)) << tag;
+
+        ASSERT_EQ(tag, variant.vt);
+        if (tag != VT_CLSID)
+        {
+            PROPVARIANT zeros;
+            std::memset(&zeros, 0, sizeof zeros);
+            zeros.vt = variant.vt;
+            ASSERT_EQ(0, std::memcmp(&zeros, &variant, sizeof zeros)) << tag;
+        }
+        PropVariantClear(&variant);
+        ASSERT_EQ(VT_EMPTY, variant.vt);
+    }
 }
 
 TEST_F(SimulatedPropertyStoreRead, GivesARealNumber)
@@ -365,6 +421,40 @@ TEST_F(SimulatedPropertyStoreWrite, TakesLargeNumbersRealNumbersAndGuids)
     EXPECT_EQ(sim::PropertyValue::ofGuid(guid), taken(identifier));
 }
 
+TEST_F(SimulatedPropertyStoreWrite, TakesSignedLargeNumbersTimesLongRealsAndNarrowTexts)
+{
+    const Held<IPropertyStore> store = opened(STGM_READWRITE);
+    const auto taken = [&](const PROPVARIANT& value)
+    {
+        EXPECT_EQ(S_OK, store->SetValue(foreignKey, value));
+        return *sim::findProperty(simulation.machine().endpoint(speakerId)->properties, foreignKey);
+    };
+    PROPVARIANT number;
+    PropVariantInit(&number);
+    number.vt = VT_I8;
+    number.hVal.QuadPart = -2;
+    PROPVARIANT time;
+    PropVariantInit(&time);
+    time.vt = VT_FILETIME;
+    time.filetime.dwLowDateTime = 0x76543210;
+    time.filetime.dwHighDateTime = 0xFEDCBA98;
+    PROPVARIANT real;
+    PropVariantInit(&real);
+    real.vt = VT_R8;
+    real.dblVal = -0.1;
+    char bytes[] = "caf\xE9";
+    PROPVARIANT text;
+    PropVariantInit(&text);
+    text.vt = VT_LPSTR;
+
+    EXPECT_EQ(sim::PropertyValue::ofNumber(0xFFFFFFFFFFFFFFFEu, VT_I8), taken(number));
+    EXPECT_EQ(sim::PropertyValue::ofNumber(0xFEDCBA9876543210u, VT_FILETIME), taken(time));
+    EXPECT_EQ(sim::PropertyValue::ofLongReal(-0.1), taken(real));
+    EXPECT_EQ(sim::PropertyValue::ofNarrowText(std::nullopt), taken(text));
+    text.pszVal = bytes;
+    EXPECT_EQ(sim::PropertyValue::ofNarrowText("caf\xE9"), taken(text));
+}
+
 TEST_F(SimulatedPropertyStoreWrite, TakesAnEmptyBlobAndANullText)
 {
     const Held<IPropertyStore> store = opened(STGM_READWRITE);
@@ -419,13 +509,13 @@ TEST_F(SimulatedPropertyStoreWrite, TakesTextsAndNumbersButNotEveryTag)
     PropVariantInit(&number);
     number.vt = VT_UI4;
     number.ulVal = 63;
-    PROPVARIANT time;
-    PropVariantInit(&time);
-    time.vt = VT_FILETIME;
+    PROPVARIANT list;
+    PropVariantInit(&list);
+    list.vt = VT_VECTOR | VT_UI1;
 
     EXPECT_EQ(S_OK, store->SetValue(keys::friendlyName, text));
     EXPECT_EQ(S_OK, store->SetValue(keys::speakerConfig, number));
-    EXPECT_EQ(E_INVALIDARG, store->SetValue(foreignKey, time));
+    EXPECT_EQ(E_INVALIDARG, store->SetValue(foreignKey, list));
     EXPECT_EQ(S_OK, store->Commit());
 
     const sim::Properties properties = simulation.machine().endpoint(speakerId)->properties;

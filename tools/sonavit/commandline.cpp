@@ -59,6 +59,7 @@ Arguments argumentsOf(const CommandWords& words)
     result.isOnlyInputs = words.isOnlyInputs;
     result.isShort = words.isShort;
     result.isOnlyPath = words.isOnlyPath;
+    result.isAnonymous = words.isAnonymous;
     if (result.isOnlyOutputs && result.isOnlyInputs)
         throw UsageError("--outputs and --inputs exclude each other");
     if (result.isOnlyPath && result.endpoint.empty())

@@ -30,9 +30,11 @@ enum class Verb
     select,
     save,
     restore,
+    capture,
     find,
     refer,
     resolve,
+    doctor,
     monitor,
     format
 };
@@ -78,10 +80,11 @@ struct Arguments
 
     Via via = Via::layer;
 
-    std::string endpoint;   ///< as the user names it; for `graph` the one whose path is highlighted, or empty
+    std::string endpoint;   ///< as the user names it; for `graph` the one whose path is highlighted, or empty;
+                            ///< for `doctor` empty for all
     std::string card;       ///< as the user names it; empty for all
     std::string instanceId; ///< for `ask`
-    std::string outputFile; ///< for `graph`; empty for standard output
+    std::string outputFile; ///< for `graph` and `capture`; empty for standard output
 
     // For `list`.
     bool isOnlyActive = false;
@@ -89,7 +92,8 @@ struct Arguments
     bool isOnlyInputs = false;
     bool isShort = false;
 
-    bool isOnlyPath = false; ///< for `graph`: nothing but the path of `endpoint`
+    bool isOnlyPath = false;  ///< for `graph`: nothing but the path of `endpoint`
+    bool isAnonymous = false; ///< for `capture`
 
     std::optional<LevelChange> level; ///< for `set-volume`, on the channel that the user names
     MuteChange mute = MuteChange::toggle;

@@ -70,12 +70,14 @@ private:
     void addToList(CLI::App& verb);
     void addToGraph(CLI::App& verb);
     void addToMonitor(CLI::App& verb);
+    void addToCapture(CLI::App& verb);
     void addToSetControl(CLI::App& verb);
     void addToFormat(CLI::App& verb);
     void addEndpoint(CLI::App& verb);
     void addEndpointAndVia(CLI::App& verb);
     void addVia(CLI::App& verb);
     void addCard(CLI::App& verb);
+    void addOutputFile(CLI::App& verb);
     void addChannel(CLI::App& verb);
     static void addPositional(CLI::App& verb, const std::string& name, std::optional<std::string>& word,
                               const std::string& description, bool isRequired);

@@ -31,6 +31,8 @@ const char* const eventKinds = "Only these kinds, with commas: added, removed,\n
 const char* const via = "Read with the client layer (layer, the default) or\n"
                         "with the object model (model)";
 
+const char* const anonymous = "Replace serial numbers, containers and names";
+
 const char* const moreHelp = "\n"
                              "sonavit help COMMAND describes a command.\n";
 
@@ -60,6 +62,7 @@ const char* const examples = "\n"
                              "  sonavit graph \"Analog Audio\" | dot -Tsvg -o graph.svg\n"
                              "  sonavit --machine studio --json controls \"Main Monitors\"\n"
                              "  sonavit save levels.json; sonavit restore levels.json\n"
+                             "  sonavit capture --anonymous -o computer.json\n"
                              "\n"
                              "Exit codes: 0 success, 1 operation failed, 2 usage error, 3 not there.\n";
 
@@ -101,6 +104,11 @@ const char* const refer = "\n"
 const char* const resolve = "\n"
                             "Prints what the reference means here, and why. Exit code 3 if it means nothing.\n";
 
+const char* const doctor = "\n"
+                           "Each finding has what is wrong, what is missing or different because of it, and\n"
+                           "what usually causes it: calls that failed, answers that cannot be right, and what\n"
+                           "is odd. Nothing is changed. Exit code 0 if there is no finding, otherwise 1.\n";
+
 const char* const save = "\n"
                          "Saves the volumes and mutes of all endpoints, their hardware controls and the\n"
                          "inputs of selectors, as JSON that can be read and edited; see restore.\n";
@@ -108,6 +116,13 @@ const char* const save = "\n"
 const char* const restore = "\n"
                             "Endpoints are found again as resolve finds them. What cannot be put back is\n"
                             "listed, and everything else is put back.\n";
+
+const char* const capture = "\n"
+                            "The file is a simulated machine that answers as this computer does, for\n"
+                            "--machine FILE and for tests. Calls that fail become faults in the file, and\n"
+                            "standard error has a line for each. --anonymous replaces serial numbers of\n"
+                            "devices, container ids, the names of the account and of the computer, and names\n"
+                            "as in \"Anna's Headset\"; look through the file before you send it.\n";
 
 const char* const setControl = "\n"
                                "CONTROL is a name or a part that no other one contains, as controls shows it, or\n"

@@ -15,6 +15,7 @@ extern const char* const card;
 extern const char* const anyId;
 extern const char* const eventKinds;
 extern const char* const via;
+extern const char* const anonymous;
 
 // Paragraphs below the list of options; each begins with an empty line.
 extern const char* const moreHelp;
@@ -35,8 +36,10 @@ extern const char* const explain;
 extern const char* const find;
 extern const char* const refer;
 extern const char* const resolve;
+extern const char* const doctor;
 extern const char* const save;
 extern const char* const restore;
+extern const char* const capture;
 extern const char* const setControl;
 extern const char* const select;
 }

@@ -33,6 +33,7 @@ struct CommandWords
     bool isOnlyInputs = false;
     bool isShort = false;
     bool isOnlyPath = false;
+    bool isAnonymous = false;
     std::optional<std::string> channel;
     std::optional<std::string> control;
     std::optional<std::string> controlChange;

@@ -67,6 +67,11 @@ void CommandLineGrammar::addCard(CLI::App& verb)
     addPositional(verb, "CARD", m_words.card, help::card, false);
 }
 
+void CommandLineGrammar::addOutputFile(CLI::App& verb)
+{
+    addOption(verb, "-o,--output", m_words.outputFile, "FILE", "Write to FILE instead of standard output");
+}
+
 void CommandLineGrammar::addChannel(CLI::App& verb)
 {
     addOption(verb, "--channel", m_words.channel, "NUMBER", "Change this channel alone; the first one is 1");
@@ -86,7 +91,7 @@ void CommandLineGrammar::addToGraph(CLI::App& verb)
 {
     addVia(verb);
     addCard(verb);
-    addOption(verb, "-o,--output", m_words.outputFile, "FILE", "Write to FILE instead of standard output");
+    addOutputFile(verb);
     addOption(verb, "--endpoint", m_words.endpoint, "ENDPOINT", "Highlight the signal path of one endpoint");
     verb.add_flag("--only", m_words.isOnlyPath, "Nothing but the signal path of --endpoint");
 }
@@ -99,6 +104,12 @@ void CommandLineGrammar::addToMonitor(CLI::App& verb)
         ->type_name("");
     addOption(verb, "--for", m_words.duration, "SECONDS", "Stop after SECONDS");
     addOption(verb, "--only", m_words.eventKinds, "KINDS", help::eventKinds);
+}
+
+void CommandLineGrammar::addToCapture(CLI::App& verb)
+{
+    addOutputFile(verb);
+    verb.add_flag("--anonymous", m_words.isAnonymous, help::anonymous);
 }
 
 void CommandLineGrammar::addToSetControl(CLI::App& verb)
@@ -211,6 +222,11 @@ const std::vector<CommandLineGrammar::Row>& CommandLineGrammar::rows()
          "Put back what save has saved",
          {help::restore, help::temporaryChanges},
          positional("FILE", &CommandWords::file, "Read FILE instead of standard input", false)},
+        {"capture",
+         Verb::capture,
+         "Write the sound hardware as a machine file",
+         {help::capture},
+         &Grammar::addToCapture},
         {"find",
          Verb::find,
          "Find endpoints by any of their ids",
@@ -225,7 +241,12 @@ const std::vector<CommandLineGrammar::Row>& CommandLineGrammar::rows()
          Verb::resolve,
          "Find the endpoint that a reference means",
          {help::resolve},
-         positional("REFERENCE", &CommandWords::reference, "What refer has printed", true)}};
+         positional("REFERENCE", &CommandWords::reference, "What refer has printed", true)},
+        {"doctor",
+         Verb::doctor,
+         "Report what is wrong with the sound hardware",
+         {help::endpointNames, help::doctor},
+         positional("ENDPOINT", &CommandWords::endpoint, "Only this endpoint (default: all)", false)}};
     return all;
 }
 }

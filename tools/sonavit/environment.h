@@ -8,6 +8,7 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <vector>
 
 namespace sonavit::program
 {
@@ -19,6 +20,9 @@ struct Environment
 
     /// The whole of standard input.
     std::function<std::string()> readInput = [] { return std::string(); };
+
+    /// What names the user and the computer; see ownerNames().
+    std::function<std::vector<std::string>()> ownerNames = [] { return std::vector<std::string>(); };
 
     bool isTerminal = false; ///< whether `out` is a terminal, so that a person reads it
     bool hasColours = false; ///< whether `out` shows colours

@@ -2,6 +2,7 @@
 #include "tools/sonavit/failure.h"
 #include "tools/sonavit/interruption.h"
 #include "tools/sonavit/output/terminal.h"
+#include "tools/sonavit/ownernames.h"
 #include "tools/sonavit/program.h"
 
 #include <iostream>
@@ -17,6 +18,7 @@ int runOnTerminal(const std::vector<std::string>& words)
     sonavit::program::Environment environment{terminal.out(), terminal.err()};
     environment.readInput = []
     { return std::string(std::istreambuf_iterator<char>(std::cin), std::istreambuf_iterator<char>()); };
+    environment.ownerNames = sonavit::program::ownerNames;
     environment.isTerminal = terminal.isTerminal();
     environment.hasColours = terminal.hasColours();
     environment.width = terminal.width();

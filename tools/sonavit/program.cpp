@@ -46,12 +46,16 @@ Command commandOf(Verb verb)
         return runSave;
     case Verb::restore:
         return runRestore;
+    case Verb::capture:
+        return runCapture;
     case Verb::find:
         return runFind;
     case Verb::refer:
         return runRefer;
     case Verb::resolve:
         return runResolve;
+    case Verb::doctor:
+        return runDoctor;
     case Verb::monitor:
         return runMonitor;
     case Verb::format:

@@ -16,6 +16,8 @@ namespace
 {
 /// Long enough for many slow devices; a user who has less of it ends the program.
 constexpr std::chrono::minutes patience(1);
+/// Reading everything is one question.
+constexpr std::chrono::minutes capturePatience(5);
 
 sim::Machine openMachine(const Environment& environment, const std::string& name)
 {
@@ -39,6 +41,7 @@ Session::Session(const Environment& environment, const Arguments& arguments)
     : m_onWorkerStart(environment.onWorkerStart),
       m_redirection(reinterpret_cast<const void*>(&enumerateSoundCards)),
       m_layerRedirection(reinterpret_cast<const void*>(&compareIds)),
+      m_patience(arguments.verb == Verb::capture ? capturePatience : patience),
       m_via(arguments.via)
 {
     const std::optional<std::string>& name = arguments.machine ? arguments.machine : environment.defaultMachine;
@@ -92,7 +95,7 @@ System& Session::audio()
     {
         System::Options options;
         options.delivery = Delivery::poll;
-        options.patience = patience;
+        options.patience = m_patience;
         options.onWorkerStart = [this]
         {
             if (m_simulation)

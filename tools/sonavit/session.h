@@ -6,6 +6,7 @@
 #include "tools/sonavit/environment.h"
 #include "tools/sonavit/source.h"
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -51,6 +52,7 @@ private:
     sim::Redirection m_redirection;        ///< of the object model's library
     sim::Redirection m_layerRedirection;   ///< of the client layer's
     std::unique_ptr<sim::Simulation> m_simulation;
+    std::chrono::minutes m_patience; ///< with the client layer
     Via m_via;
     std::unique_ptr<System> m_audio;
     std::unique_ptr<Source> m_source;

@@ -45,6 +45,7 @@ std::vector<MachineProblem> MachineCheck::run()
     requireName(callbackThreadNames, m_machine.callbackThread, FilePlace(m_file, "callbackThread"));
     requireName(latencyPresetNames, m_machine.latencyPreset, FilePlace(m_file, "latencyPreset"));
     requireName(notPresentNamesNames, m_machine.notPresentNames, FilePlace(m_file, "notPresentNames"));
+    requireName(compositionNames, m_machine.composition, FilePlace(m_file, "composition"));
     requireName(captureAccessNames, m_machine.captureAccess, FilePlace(m_file, "captureAccess"));
     devices();
     hardwareControls();
@@ -78,9 +79,8 @@ void MachineCheck::devices()
 void MachineCheck::device(const Device& device, const FilePlace& place)
 {
     requireNewId(m_devices, device, place);
-    if ((device.state & ~allStates) != 0)
-        report(FilePlace(place, "state"), stateRange, std::to_string(device.state));
     properties(device.properties, FilePlace(place, "properties"));
+    unlistedProperties(device, FilePlace(place, "unlistedProperties"));
     if (device.topology)
         topology(*device.topology, FilePlace(place, "topology"));
 }
@@ -96,13 +96,21 @@ void MachineCheck::properties(const Properties& properties, const FilePlace& pla
     }
 }
 
+void MachineCheck::unlistedProperties(const Device& device, const FilePlace& place)
+{
+    properties(device.unlistedProperties, place);
+    for (const Property& property : device.unlistedProperties)
+    {
+        if (findProperty(device.properties, property.key) != nullptr)
+            report(FilePlace(place, property.key), "a property that is not in \"properties\"",
+                   "duplicate " + inQuotes(keyText(property.key)));
+    }
+}
+
 void MachineCheck::propertyValue(const PropertyValue& value, const FilePlace& place)
 {
-    const bool isKnown = hasName(numberTagNames, value.tag) || value.tag == VT_EMPTY || value.tag == VT_LPWSTR ||
-                         value.tag == VT_BLOB || value.tag == VT_R4 || value.tag == VT_CLSID;
-    if (!isKnown)
-        report(place, "an empty value, a string, a number, a GUID or a blob", "the tag " + std::to_string(value.tag));
-    if (value.tag != VT_UI8 && value.number > UINT32_MAX)
+    const bool isLarge = value.tag == VT_UI8 || value.tag == VT_I8 || value.tag == VT_FILETIME;
+    if (!isLarge && value.number > UINT32_MAX)
         report(place, "a number of 32 bits, or the tag VT_UI8", std::to_string(value.number));
 }
 
@@ -119,6 +127,9 @@ void MachineCheck::endpointVolume(const EndpointVolume& volume, const FilePlace&
 {
     range(volume.minimum, volume.maximum, volume.step, place);
     requireName(taperNames, volume.taper, FilePlace(place, "taper"));
+    taperPoints(volume, place);
+    if (volume.master && !std::isfinite(*volume.master))
+        report(FilePlace(place, "master"), "a number of decibels", decimal(*volume.master));
     channelCount(volume.channels.size(), FilePlace(place, "channels"));
     for (std::size_t index = 0; index < volume.channels.size(); ++index)
         level(volume.channels[index], volume.minimum, volume.maximum, FilePlace(place, "channels", index));
@@ -129,6 +140,22 @@ void MachineCheck::endpointVolume(const EndpointVolume& volume, const FilePlace&
         if (!isEndpointVolumeOperation(volume.refused[index]))
             report(FilePlace(place, "refused", index), "an operation of IAudioEndpointVolume",
                    inQuotes(volume.refused[index]));
+    }
+}
+
+void MachineCheck::taperPoints(const EndpointVolume& volume, const FilePlace& place)
+{
+    const std::vector<TaperPoint>& points = volume.taperPoints;
+    if (!points.empty() && volume.taper != Taper::measured)
+        report(FilePlace(place, "taperPoints"), "no points, or the taper \"measured\"", std::to_string(points.size()));
+    for (std::size_t index = 0; index < points.size(); ++index)
+    {
+        const TaperPoint& point = points[index];
+        const auto found = [&] { return decimal(point.level) + " at " + decimal(point.scalar); };
+        if (!std::isfinite(point.level) || !std::isfinite(point.scalar))
+            report(FilePlace(place, "taperPoints", index), "two numbers", found());
+        else if (index > 0 && (point.level <= points[index - 1].level || point.scalar < points[index - 1].scalar))
+            report(FilePlace(place, "taperPoints", index), "a higher level than before, at no lower scalar", found());
     }
 }
 

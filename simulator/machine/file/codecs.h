@@ -77,7 +77,7 @@ struct DecibelsCodec
     JsonValue schema() const;
 };
 
-/// A state by name, or a sum of states as a number.
+/// A state by name, or a sum of states or anything else as a number.
 struct StateCodec
 {
     std::uint32_t read(const JsonCursor& cursor) const;
@@ -128,6 +128,7 @@ inline constexpr auto stateNameCodec = nameCodec(stateNames, "stateName");
 inline constexpr auto directionCodec = nameCodec(directionNames, "direction");
 inline constexpr auto connectorTypeCodec = nameCodec(connectorTypeNames, "connectorType");
 inline constexpr auto notPresentNamesCodec = nameCodec(notPresentNamesNames, "notPresentNames");
+inline constexpr auto compositionCodec = nameCodec(compositionNames, "composition");
 inline constexpr auto jackConnectionCodec = nameCodec(jackConnectionNames, "jackConnection");
 inline constexpr auto geometricLocationCodec = nameCodec(geometricLocationNames, "geometricLocation");
 inline constexpr auto generalLocationCodec = nameCodec(generalLocationNames, "generalLocation");

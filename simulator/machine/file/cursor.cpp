@@ -6,6 +6,7 @@
 #include "simulator/machine/valuetext.h"
 
 #include <algorithm>
+#include <charconv>
 
 namespace sim
 {
@@ -141,11 +142,34 @@ std::uint64_t JsonCursor::largeNumber() const
     return *value;
 }
 
+bool JsonCursor::isNegative() const
+{
+    return isNumber() && m_value->text.front() == '-';
+}
+
+std::int64_t JsonCursor::negativeNumber(std::int64_t least) const
+{
+    const std::string& text = m_value->text;
+    std::int64_t value = 0;
+    const std::from_chars_result result = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (!isNegative() || result.ec != std::errc() || result.ptr != text.data() + text.size() || value < least)
+        fail("a whole number from " + std::to_string(least));
+    return value;
+}
+
 float JsonCursor::real() const
 {
     const std::optional<float> value = isNumber() ? fromDecimal(m_value->text) : std::nullopt;
     if (!value)
         fail("a number in the range of single precision");
+    return *value;
+}
+
+double JsonCursor::longReal() const
+{
+    const std::optional<double> value = isNumber() ? doubleFromDecimal(m_value->text) : std::nullopt;
+    if (!value)
+        fail("a number in the range of double precision");
     return *value;
 }
 

@@ -45,7 +45,11 @@ public:
     bool boolean() const;
     std::uint32_t number() const;
     std::uint64_t largeNumber() const;
+    /// Whether it is a number with a minus; the value of such a whole number, at least @p least.
+    bool isNegative() const;
+    std::int64_t negativeNumber(std::int64_t least) const;
     float real() const;
+    double longReal() const;
     GUID guid() const;
     float decibels() const;
     GUID nodeType() const;

@@ -8,6 +8,12 @@ namespace sim
 {
 namespace
 {
+/// A level from 0 to 1.
+struct ScalarCodec : DecibelsCodec
+{
+    float read(const JsonCursor& cursor) const { return cursor.real(); }
+};
+
 /// A mix format, written as MixFormat::text().
 struct MixFormatCodec
 {
@@ -35,6 +41,14 @@ void addState(FieldTable<AnyDevice>& table)
     table.optional("state", &Device::state, StateCodec())
         .optional("openable", &Device::openable, BooleanCodec(),
                   "false: the enumerator does not find the device by its id.");
+}
+
+template<class AnyDevice>
+void addProperties(FieldTable<AnyDevice>& table)
+{
+    table.optional("properties", &Device::properties, PropertiesCodec())
+        .optional("unlistedProperties", &Device::unlistedProperties, PropertiesCodec(),
+                  "GetValue returns them, but GetCount and GetAt do not list them.");
 }
 
 /// The list of the interfaces that a device activates, of which each is a member of the data.
@@ -101,7 +115,7 @@ FieldTable<Adapter> adapterTable()
     table.required("id", &Device::id, StringCodec{definition::id});
     addState(table);
     addInterfaces(table);
-    table.optional("properties", &Device::properties, PropertiesCodec());
+    addProperties(table);
     addTopology(table);
     return table;
 }
@@ -118,8 +132,8 @@ FieldTable<Endpoint> endpointTable()
                   "platform elects another.");
     addState(table);
     addInterfaces(table);
-    table.optional("properties", &Device::properties, PropertiesCodec())
-        .optional("volume", &Endpoint::volume, optionalCodec(ObjectCodec<EndpointVolume>()))
+    addProperties(table);
+    table.optional("volume", &Endpoint::volume, optionalCodec(ObjectCodec<EndpointVolume>()))
         .optional("periods", &Endpoint::periods, optionalCodec(ObjectCodec<DevicePeriods>()))
         .optional("mixFormat", &Endpoint::mixFormat, optionalCodec(MixFormatCodec()),
                   "The format of the shared engine: bits/rate/channels, with 32f for floating point. If it is missing: "
@@ -143,8 +157,25 @@ const FieldTable<EndpointVolume>& fieldsOf<EndpointVolume>()
             .optional("refused", &EndpointVolume::refused, listCodec(StringCodec()),
                       "Operations that return E_NOTIMPL, such as SetMute.")
             .optional("taper", &EndpointVolume::taper, taperCodec,
-                      "How scalar levels depend on decibels: linearly, or as on Windows.")
+                      "How scalar levels depend on decibels: linearly, as on Windows, or as taperPoints say.")
+            .optional("taperPoints", &EndpointVolume::taperPoints, listCodec(ObjectCodec<TaperPoint>()),
+                      "With the taper measured: levels in rising order. Between two points scalar levels are linear in "
+                      "decibels.")
+            .optional("master", &EndpointVolume::master, optionalCodec(DecibelsCodec()),
+                      "The master level until a level is set. If it is missing: that of the loudest channel.")
+            .optional("steps", &EndpointVolume::steps, optionalCodec(NumberCodec()),
+                      "What GetVolumeStepInfo counts. If it is missing: the steps that the range contains.")
             .optional("hardware", &EndpointVolume::hardware, ObjectCodec<HardwareControls>()));
+    return table;
+}
+
+template<>
+const FieldTable<TaperPoint>& fieldsOf<TaperPoint>()
+{
+    static const auto& table = *new FieldTable<TaperPoint>(
+        FieldTable<TaperPoint>("taperPoint", "A level as both scales have it.")
+            .required("level", &TaperPoint::level, DecibelsCodec(), "In decibels.")
+            .required("scalar", &TaperPoint::scalar, ScalarCodec(), "The scalar level, usually from 0 to 1."));
     return table;
 }
 

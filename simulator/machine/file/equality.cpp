@@ -56,6 +56,7 @@ template bool operator==(const Subunit& left, const Subunit& right);
 template bool operator==(const SignalPath& left, const SignalPath& right);
 template bool operator==(const Topology& left, const Topology& right);
 template bool operator==(const HardwareControls& left, const HardwareControls& right);
+template bool operator==(const TaperPoint& left, const TaperPoint& right);
 template bool operator==(const EndpointVolume& left, const EndpointVolume& right);
 template bool operator==(const DevicePeriods& left, const DevicePeriods& right);
 template bool operator==(const Endpoint& left, const Endpoint& right);

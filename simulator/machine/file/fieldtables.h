@@ -34,6 +34,8 @@ const FieldTable<Topology>& fieldsOf<Topology>();
 template<>
 const FieldTable<HardwareControls>& fieldsOf<HardwareControls>();
 template<>
+const FieldTable<TaperPoint>& fieldsOf<TaperPoint>();
+template<>
 const FieldTable<EndpointVolume>& fieldsOf<EndpointVolume>();
 template<>
 const FieldTable<DevicePeriods>& fieldsOf<DevicePeriods>();

@@ -17,9 +17,6 @@
 
 namespace sim
 {
-inline constexpr std::uint32_t allStates = stateActive | stateDisabled | stateNotPresent | stateUnplugged;
-inline constexpr const char* stateRange = "a state or a sum of states, 0 to 15";
-
 /// A place in a machine's file: the whole file, or what @p field of an outer place leads to. It refers to the outer
 /// place, which must outlive it, and becomes a JSON pointer only when there is a problem to report.
 class FilePlace
@@ -91,9 +88,11 @@ private:
     void devices();
     void device(const Device& device, const FilePlace& place);
     void properties(const Properties& properties, const FilePlace& place);
+    void unlistedProperties(const Device& device, const FilePlace& place);
     void propertyValue(const PropertyValue& value, const FilePlace& place);
     void periods(const DevicePeriods& periods, const FilePlace& place);
     void endpointVolume(const EndpointVolume& volume, const FilePlace& place);
+    void taperPoints(const EndpointVolume& volume, const FilePlace& place);
     void hardwareControls();
     void hardwareVolume(const EndpointVolume& volume, const FilePlace& place);
     void hardwareMute(const EndpointVolume& volume, const FilePlace& place);
@@ -116,6 +115,10 @@ private:
     void event(const ScriptEvent& event, const FilePlace& place);
     void volumeEvent(const ScriptEvent& event, const Endpoint& endpoint, const FilePlace& place);
     void faults();
+    /// Whether the machine has an object that fault rules call @p name.
+    bool isObject(const std::string& name) const;
+    bool isListOfParts(const std::string& name) const;
+    bool isControl(const std::string& name) const;
     void latency();
 
     void range(float minimum, float maximum, float step, const FilePlace& place);

@@ -72,6 +72,8 @@ FieldTable<Machine> machineTable()
                   "bare: the thread that notifies clients has not initialised COM.")
         .optional("notPresentNames", &Machine::notPresentNames, notPresentNamesCodec,
                   "Whether the names of an endpoint that is not present can be read; failing: 0xE000020B.")
+        .optional("composition", &Machine::composition, compositionCodec,
+                  "none: the property stores contain what the file says and nothing else.")
         .optional("captureAccess", &Machine::captureAccess, captureAccessCodec,
                   "denied: IAudioClient::Initialize returns E_ACCESSDENIED on capture endpoints.")
         .optional("endpoints", &Machine::endpoints, listCodec(ObjectCodec<Endpoint>()),

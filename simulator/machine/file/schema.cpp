@@ -96,11 +96,13 @@ void addNamesAndNumbers(JsonValue& definitions)
     addNames(definitions, flowCodec);
     addNames(definitions, roleCodec);
     addNames(definitions, stateNameCodec);
-    definitions.add(definition::state, described("A state, or a sum of states as the platform counts them.")
-                                           .add("oneOf", JsonValue::array({stateNameCodec.schema(), integer("15")})));
+    definitions.add(definition::state,
+                    described("A state, or a number: a sum of states as the platform counts them, or any other.")
+                        .add("oneOf", JsonValue::array({stateNameCodec.schema(), reference(definition::number)})));
     addNames(definitions, directionCodec);
     addNames(definitions, connectorTypeCodec);
     addNames(definitions, notPresentNamesCodec);
+    addNames(definitions, compositionCodec);
     addNames(definitions, jackConnectionCodec);
     addNames(definitions, geometricLocationCodec);
     addNames(definitions, generalLocationCodec);
@@ -163,8 +165,9 @@ std::vector<ObjectRule> objectRules()
     std::vector<ObjectRule> rules;
     append<Machine, Endpoint, Adapter>(rules);
     append(rules, propertyValueForms());
-    append<EndpointVolume, HardwareControls, DevicePeriods, Topology, Connector, Jack, Subunit, VolumeControl,
-           ChannelLevel, MuteControl, SelectorControl, SignalPath, Join, DeviceInstance, WaveDevice>(rules);
+    append<EndpointVolume, TaperPoint, HardwareControls, DevicePeriods, Topology, Connector, Jack, Subunit,
+           VolumeControl, ChannelLevel, MuteControl, SelectorControl, SignalPath, Join, DeviceInstance, WaveDevice>(
+        rules);
     append(rules, eventForms());
     append<FaultRule, LatencyRule>(rules);
     return rules;

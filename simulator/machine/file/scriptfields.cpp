@@ -214,9 +214,14 @@ FieldTable<FaultRule> faultTable()
     table
         .required("operation", &FaultRule::operation, StringCodec(),
                   "IMMDevice::Activate, CoCreateInstance; a bare Release: that of every interface.")
-        .optional("object", &FaultRule::object, StringCodec(), "Id of a device or part; *: any.")
+        .optional(
+            "object", &FaultRule::object, StringCodec(),
+            "Id of a device or part, or another object name of the journal; *: any. PART incoming, PART outgoing, "
+            "PART to PART, PART control INDEX: one list of parts, or one description of a control.")
         .optional("argument", &FaultRule::argument, StringCodec(),
                   "The first argument as the journal writes it, such as IAudioClient.")
+        .optional("arguments", &FaultRule::arguments, listCodec(StringCodec()),
+                  "The first arguments as the journal writes them; not together with argument.")
         .optional("call", &FaultRule::call, NumberCodec(), "The n-th matching call; 0: every call.")
         .optional("forMilliseconds", &FaultRule::forMilliseconds, NumberCodec(),
                   "How long the fault holds, from the event in after; 0: to the end.")

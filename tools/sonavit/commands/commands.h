@@ -28,9 +28,11 @@ void runSetControl(Context& context);
 void runSelect(Context& context);
 void runSave(Context& context);
 void runRestore(Context& context);
+void runCapture(Context& context);
 void runFind(Context& context);
 void runRefer(Context& context);
 void runResolve(Context& context);
+void runDoctor(Context& context);
 void runMonitor(Context& context);
 void runFormat(Context& context);
 }

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <limits>
 
 namespace
 {
@@ -80,6 +81,39 @@ TEST(MachineCheck, TakesALevelBetweenTwoStepsOfThePart)
                 testing::IsEmpty());
 }
 
+TEST(MachineCheck, FindsMeasuredPointsThatDoNotRise)
+{
+    const auto after = [](const std::vector<sim::TaperPoint>& points)
+    { return problemsAfter([&](sim::Machine& machine) { machine.endpoints[1].volume->taperPoints = points; }); };
+    const std::string second = "/endpoints/1/volume/taperPoints/1: expected a higher level than before, at no lower "
+                               "scalar, found ";
+
+    EXPECT_THAT(after({{-97.0f, -0.5f}, {-20.0f, 0.5f}, {-10.0f, 0.5f}, {13.0f, 1.5f}}), testing::IsEmpty());
+    EXPECT_THAT(after({{-10.0f, 0.5f}, {-10.0f, 0.75f}}), ElementsAre(second + "-10 at 0.75"));
+    EXPECT_THAT(after({{-10.0f, 0.5f}, {-20.0f, 0.75f}}), ElementsAre(second + "-20 at 0.75"));
+    EXPECT_THAT(after({{-10.0f, 0.5f}, {-5.0f, 0.25f}}), ElementsAre(second + "-5 at 0.25"));
+}
+
+TEST(MachineCheck, FindsMeasuredPointsOfAnotherTaper)
+{
+    EXPECT_THAT(problemsAfter([](sim::Machine& machine) { machine.endpoints[1].volume->taper = sim::Taper::audio; }),
+                ElementsAre("/endpoints/1/volume/taperPoints: expected no points, or the taper \"measured\", found 2"));
+}
+
+TEST(MachineCheck, FindsAMasterLevelAndAMeasuredPointThatAreNoNumbers)
+{
+    const float infinite = std::numeric_limits<float>::infinity();
+    const auto change = [&](sim::Machine& machine)
+    {
+        machine.endpoints[1].volume->taperPoints = {{-10.0f, infinite}};
+        machine.endpoints[1].volume->master = infinite;
+    };
+
+    EXPECT_THAT(problemsAfter(change),
+                ElementsAre("/endpoints/1/volume/taperPoints/0: expected two numbers, found -10 at inf",
+                            "/endpoints/1/volume/master: expected a number of decibels, found inf"));
+}
+
 TEST(MachineCheck, FindsPeriodsThatNoStreamCouldHave)
 {
     const auto after = [](std::uint32_t usual, std::uint32_t minimum)
@@ -107,8 +141,10 @@ TEST(MachineCheck, FindsOptionsWithoutAName)
         machine.callbackThread = static_cast<sim::CallbackThread>(3);
         machine.latencyPreset = static_cast<sim::LatencyPreset>(4);
         machine.captureAccess = static_cast<sim::CaptureAccess>(4);
+        machine.composition = static_cast<sim::Composition>(2);
         machine.notPresentNames = static_cast<sim::NotPresentNames>(2);
-        machine.endpoints[1].volume->taper = static_cast<sim::Taper>(2);
+        machine.endpoints[1].volume->taper = static_cast<sim::Taper>(3);
+        machine.endpoints[1].volume->taperPoints.clear();
     };
 
     EXPECT_THAT(problemsAfter(change),
@@ -116,8 +152,9 @@ TEST(MachineCheck, FindsOptionsWithoutAName)
                             "/callbackThread: expected \"com\" or \"bare\", found 3",
                             "/latencyPreset: expected \"none\" or \"windows\", found 4",
                             "/notPresentNames: expected \"readable\" or \"failing\", found 2",
+                            "/composition: expected \"usual\" or \"none\", found 2",
                             "/captureAccess: expected \"allowed\" or \"denied\", found 4",
-                            "/endpoints/1/volume/taper: expected \"linear\" or \"audio\", found 2"));
+                            "/endpoints/1/volume/taper: expected \"linear\", \"audio\" or \"measured\", found 3"));
 }
 
 TEST(MachineCheck, FindsAJackThatNoFileCanDescribe)
@@ -168,5 +205,44 @@ TEST(MachineCheck, FindsAFaultAfterAnEventWithoutAName)
     EXPECT_THAT(
         problemsAfter([](sim::Machine& machine) { machine.faults[0].after = static_cast<sim::ScriptEvent::Kind>(99); }),
         ElementsAre("/faults/0/after: expected " + sim::oneOf(sim::eventNames) + ", found 99"));
+}
+
+TEST(MachineCheck, KnowsTheObjectsOfFaults)
+{
+    const std::string jack = sample::codec + "/jack";
+    const std::string stream = sample::codec + "/stream";
+    const auto isKnown = [](const std::string& object)
+    { return problemsAfter([&](sim::Machine& machine) { machine.faults[0].object = object; }).empty(); };
+
+    for (const std::string& object :
+         {std::string("*"), std::string("enumerator"), std::string("endpoints(eAll, 15)"),
+          std::string("endpoints(eRender, 1)"), std::string("endpoints(eCapture, 4294967295)"), sample::codec,
+          sample::speakers, jack, jack + " incoming", stream + " outgoing", stream + " to " + jack, jack + " control 0",
+          jack + " control 2"})
+        EXPECT_TRUE(isKnown(object)) << object;
+    for (const std::string& object :
+         {std::string(""), std::string("enumerators"), std::string("endpoints(eAll, )"),
+          std::string("endpoints(eAll, 15"), std::string("endpoints(all, 15)"), std::string("endpoints(eAll, 1)5)"),
+          sample::codec + " incoming", jack + " incomings", std::string(" incoming"), jack + " to", jack + " to x",
+          "x to " + jack, jack + " control 3", jack + " control 00", jack + " control ", std::string("x control 0"),
+          stream + " control 0"})
+        EXPECT_FALSE(isKnown(object)) << object;
+}
+
+TEST(MachineCheck, KnowsTheListOfAPathWhoseEndsContainTheWordBetweenThem)
+{
+    const auto change = [](sim::Machine& machine)
+    {
+        sim::Topology& topology = machine.adapters[0].topology.emplace();
+        topology.connectors.resize(2);
+        topology.connectors[0].id = "a to b";
+        topology.connectors[1].id = "c to d";
+        topology.connectors[1].localId = 1;
+        machine.joins.clear();
+        machine.endpoints[1].volume->hardware = {};
+        machine.faults = {{"IPartsList::GetCount", "a to b to c to d", ""}};
+    };
+
+    EXPECT_THAT(problemsAfter(change), testing::IsEmpty());
 }
 }

@@ -16,8 +16,8 @@ namespace
 
 auto membersOf(sim::PropertyValue& value)
 {
-    auto& [tag, text, number, real, guid, bytes] = value;
-    return std::tie(tag, text, number, real, guid, bytes);
+    auto& [tag, text, number, real, guid, bytes, longReal] = value;
+    return std::tie(tag, text, number, real, guid, bytes, longReal);
 }
 
 auto membersOf(sim::Property& value)
@@ -87,8 +87,8 @@ auto membersOf(sim::Topology& value)
 
 auto membersOf(sim::Device& value)
 {
-    auto& [id, openable, state, properties, topology, hasAudioClient, hasBaseFilter, hasMeter] = value;
-    return std::tie(id, openable, state, properties, topology, hasAudioClient, hasBaseFilter, hasMeter);
+    auto& [id, openable, state, properties, unlisted, topology, hasAudioClient, hasBaseFilter, hasMeter] = value;
+    return std::tie(id, openable, state, properties, unlisted, topology, hasAudioClient, hasBaseFilter, hasMeter);
 }
 
 auto membersOf(sim::HardwareControls& value)
@@ -97,10 +97,16 @@ auto membersOf(sim::HardwareControls& value)
     return std::tie(volume, mute);
 }
 
+auto membersOf(sim::TaperPoint& value)
+{
+    auto& [level, scalar] = value;
+    return std::tie(level, scalar);
+}
+
 auto membersOf(sim::EndpointVolume& value)
 {
-    auto& [minimum, maximum, step, channels, muted, hardwareSupport, refused, taper, hardware] = value;
-    return std::tie(minimum, maximum, step, channels, muted, hardwareSupport, refused, taper, hardware);
+    auto& [minimum, maximum, step, channels, muted, support, refused, taper, points, master, steps, hardware] = value;
+    return std::tie(minimum, maximum, step, channels, muted, support, refused, taper, points, master, steps, hardware);
 }
 
 auto membersOf(sim::DevicePeriods& value)
@@ -147,8 +153,8 @@ auto membersOf(sim::ScriptEvent& value)
 
 auto membersOf(sim::FaultRule& value)
 {
-    auto& [operation, object, argument, call, outcome, result, forMilliseconds, after] = value;
-    return std::tie(operation, object, argument, call, outcome, result, forMilliseconds, after);
+    auto& [operation, object, argument, call, outcome, result, forMilliseconds, after, arguments] = value;
+    return std::tie(operation, object, argument, call, outcome, result, forMilliseconds, after, arguments);
 }
 
 auto membersOf(sim::LatencyRule& value)
@@ -159,10 +165,10 @@ auto membersOf(sim::LatencyRule& value)
 
 auto membersOf(sim::Machine& value)
 {
-    auto& [name, description, account, removed, thread, absentNames, captureAccess, endpoints, adapters, joins,
-           instances, waveOut, waveIn, script, faults, latencyPreset, latency] = value;
-    return std::tie(name, description, account, removed, thread, absentNames, captureAccess, endpoints, adapters, joins,
-                    instances, waveOut, waveIn, script, faults, latencyPreset, latency);
+    auto& [name, description, account, removed, thread, absentNames, composition, captureAccess, endpoints, adapters,
+           joins, instances, waveOut, waveIn, script, faults, latencyPreset, latency] = value;
+    return std::tie(name, description, account, removed, thread, absentNames, composition, captureAccess, endpoints,
+                    adapters, joins, instances, waveOut, waveIn, script, faults, latencyPreset, latency);
 }
 
 // A structured binding cannot name the members of a derived type; their number is found by initialising it.
@@ -202,6 +208,11 @@ void change(bool& value)
 void change(float& value)
 {
     value = std::nextafter(value, 1000.0f);
+}
+
+void change(double& value)
+{
+    value = std::nextafter(value, 1000.0);
 }
 
 void change(std::string& value)
@@ -273,11 +284,12 @@ protected:
     }
 };
 
-using AllTypes = testing::Types<sim::PropertyValue, sim::Property, sim::ChannelLevel, sim::VolumeControl,
-                                sim::MuteControl, sim::SelectorControl, sim::Jack, sim::Connector, sim::Subunit,
-                                sim::SignalPath, sim::Topology, sim::HardwareControls, sim::EndpointVolume,
-                                sim::DevicePeriods, sim::Endpoint, sim::Adapter, sim::Join, sim::DeviceInstance,
-                                sim::WaveDevice, sim::ScriptEvent, sim::FaultRule, sim::LatencyRule, sim::Machine>;
+using AllTypes =
+    testing::Types<sim::PropertyValue, sim::Property, sim::ChannelLevel, sim::VolumeControl, sim::MuteControl,
+                   sim::SelectorControl, sim::Jack, sim::Connector, sim::Subunit, sim::SignalPath, sim::Topology,
+                   sim::HardwareControls, sim::TaperPoint, sim::EndpointVolume, sim::DevicePeriods, sim::Endpoint,
+                   sim::Adapter, sim::Join, sim::DeviceInstance, sim::WaveDevice, sim::ScriptEvent, sim::FaultRule,
+                   sim::LatencyRule, sim::Machine>;
 TYPED_TEST_SUITE(MachineEquality, AllTypes);
 
 TYPED_TEST(MachineEquality, ComparesEachMember)

@@ -17,9 +17,10 @@ struct Broken
 };
 
 /// The keys of a machine, as an error lists them.
-const std::string machineKeys = "$schema, name, description, account, removedEndpoints, "
-                                "callbackThread, notPresentNames, captureAccess, endpoints, adapters, joins, "
-                                "deviceInstances, waveOut, waveIn, script, faults, latencyPreset, latency";
+const std::string machineKeys =
+    "$schema, name, description, account, removedEndpoints, "
+    "callbackThread, notPresentNames, composition, captureAccess, endpoints, adapters, joins, "
+    "deviceInstances, waveOut, waveIn, script, faults, latencyPreset, latency";
 
 std::ostream& operator<<(std::ostream& stream, const Broken& broken)
 {
@@ -121,8 +122,8 @@ const Broken wrongKinds[] = {
     {"AnUnknownState", endpointWith(R"("state": "asleep")"),
      "m.json:3: /endpoints/0/state: expected \"active\", \"disabled\", \"notPresent\" or \"unplugged\", found "
      "\"asleep\""},
-    {"ATooLargeState", endpointWith(R"("state": 16)"),
-     "m.json:3: /endpoints/0/state: expected a state or a sum of states, 0 to 15, found 16"},
+    {"ATooLargeState", endpointWith(R"("state": 4294967296)"),
+     "m.json:3: /endpoints/0/state: expected a whole number from 0 to 4294967295, found 4294967296"},
     {"ATextAsTruth", endpointWith(R"("openable": "no")"),
      "m.json:3: /endpoints/0/openable: expected true or false, found \"no\""},
     {"AnUnknownInterface", endpointWith(R"("interfaces": ["IAudioClient", "IFoo"])"),
@@ -178,7 +179,8 @@ const Broken wrongProperties[] = {
      "m.json:3: /endpoints/0/properties/friendlyName: expected the key \"tag\", found an object without it"},
     {"AnUnknownTag", endpointWith(R"("properties": {"friendlyName": {"number": 3, "tag": "VT_BLOB"}})"),
      "m.json:3: /endpoints/0/properties/friendlyName/tag: expected \"VT_I2\", \"VT_I4\", \"VT_BOOL\", \"VT_I1\", "
-     "\"VT_UI1\", \"VT_UI2\", \"VT_UI4\", \"VT_UI8\", \"VT_INT\" or \"VT_UINT\", found \"VT_BLOB\""},
+     "\"VT_UI1\", \"VT_UI2\", \"VT_UI4\", \"VT_UI8\", \"VT_INT\", \"VT_UINT\", \"VT_I8\" or \"VT_FILETIME\", "
+     "found \"VT_BLOB\""},
     {"AGuidThatIsNone", endpointWith(R"("properties": {"containerId": {"guid": "{0}"}})"),
      "m.json:3: /endpoints/0/properties/containerId/guid: expected a GUID like "
      "\"{01234567-89AB-CDEF-0123-456789ABCDEF}\", found \"{0}\""},
@@ -188,6 +190,39 @@ const Broken wrongProperties[] = {
     {"ALargeNumberUnderASmallTag",
      endpointWith(R"("properties": {"formFactor": {"number": 4294967296, "tag": "VT_I4"}})"),
      "m.json:3: /endpoints/0/properties/formFactor: expected a number of 32 bits, or the tag VT_UI8, found 4294967296"},
+    {"ANegativeNumberUnderATagWithoutSign",
+     endpointWith(R"("properties": {"formFactor": {"number": -1, "tag": "VT_UI8"}})"),
+     "m.json:3: /endpoints/0/properties/formFactor/number: expected a whole number from 0 to 18446744073709551615, "
+     "found -1"},
+    {"ATooLowNumberUnderASmallTag", endpointWith(R"("properties": {"formFactor": {"number": -32769, "tag": "VT_I2"}})"),
+     "m.json:3: /endpoints/0/properties/formFactor/number: expected a whole number from -32768, found -32769"},
+    {"ANegativeFraction", endpointWith(R"("properties": {"formFactor": {"number": -1.5, "tag": "VT_I4"}})"),
+     "m.json:3: /endpoints/0/properties/formFactor/number: expected a whole number from -2147483648, found -1.5"},
+    {"ANumberBeyond63BitsUnderATagWithSign",
+     endpointWith(R"("properties": {"formFactor": {"number": 9223372036854775808, "tag": "VT_I8"}})"),
+     "m.json:3: /endpoints/0/properties/formFactor/number: expected a whole number from -9223372036854775808 to "
+     "9223372036854775807, found 9223372036854775808"},
+    {"ALongRealThatIsTooLarge", endpointWith(R"("properties": {"formFactor": {"longReal": 1e309}})"),
+     "m.json:3: /endpoints/0/properties/formFactor/longReal: expected a number in the range of double precision, found "
+     "1e309"},
+    {"ALongRealWithTheBitsOfARealNumber", endpointWith(R"("properties": {"formFactor": {"longReal": "0x7FC00000"}})"),
+     "m.json:3: /endpoints/0/properties/formFactor/longReal: expected a number in the range of double precision, found "
+     "\"0x7FC00000\""},
+    {"ANarrowTextWithAWideCharacter", endpointWith(R"("properties": {"formFactor": {"narrowText": "a\u0100"}})"),
+     "m.json:3: /endpoints/0/properties/formFactor/narrowText: expected characters from U+0001 to U+00FF, one for each "
+     "byte, found \"a\xC4\x80\""},
+    {"ATagAloneThatHasAForm", endpointWith(R"("properties": {"formFactor": {"tag": "0x001F"}})"),
+     "m.json:3: /endpoints/0/properties/formFactor/tag: expected a tag like \"0x1003\" that no other form of value "
+     "has, "
+     "found \"0x001F\""},
+    {"ATagOfFiveDigits", endpointWith(R"("properties": {"formFactor": {"tag": "0x01003"}})"),
+     "m.json:3: /endpoints/0/properties/formFactor/tag: expected a tag like \"0x1003\" that no other form of value "
+     "has, "
+     "found \"0x01003\""},
+    {"ATagWithBothForms", endpointWith(R"("properties": {"formFactor": {"number": 1, "tag": "0x1003"}})"),
+     "m.json:3: /endpoints/0/properties/formFactor/tag: expected \"VT_I2\", \"VT_I4\", \"VT_BOOL\", \"VT_I1\", "
+     "\"VT_UI1\", \"VT_UI2\", \"VT_UI4\", \"VT_UI8\", \"VT_INT\", \"VT_UINT\", \"VT_I8\" or \"VT_FILETIME\", "
+     "found \"0x1003\""},
     {"ANumberBeyond64Bits",
      endpointWith(R"("properties": {"formFactor": {"number": 18446744073709551616, "tag": "VT_UI8"}})"),
      "m.json:3: /endpoints/0/properties/formFactor/number: expected a whole number from 0 to 18446744073709551615, "
@@ -266,6 +301,18 @@ const Broken wrongPlans[] = {
      "(did you mean \"IPart::GetName\"?)"},
     {"AFaultOfAnUnknownObject", with(R"("faults": [{"operation": "IPart::GetName", "object": "X", "result": "null"}])"),
      "m.json:2: /faults/0/object: expected \"*\" or the id of a device or part, found \"X\""},
+    {"AFaultOnTheListOfAnUnknownPart",
+     with(R"("faults": [{"operation": "Release", "object": "X incoming", "result": "null"}])"),
+     "m.json:2: /faults/0/object: expected \"*\" or the id of a device or part, found \"X incoming\""},
+    {"AFaultWithOneAndSeveralArguments",
+     with(R"("faults": [{"operation": "Release", "argument": "a", "arguments": ["b"], "result": "null"}])"),
+     "m.json:2: /faults/0/arguments: expected a fault without \"argument\", found \"a\""},
+    {"AnUnlistedPropertyThatIsListed",
+     endpointWith(R"("properties": {"fullName": "a"}, "unlistedProperties": {"fullName": "b"})"),
+     "m.json:3: /endpoints/0/unlistedProperties/fullName: expected a property that is not in \"properties\", found "
+     "duplicate \"fullName\""},
+    {"AnUnknownComposition", with(R"("composition": "some")"),
+     "m.json:2: /composition: expected \"usual\" or \"none\", found \"some\""},
     {"ALatencyTwice",
      with(R"("latency": [{"operation": "*", "microseconds": 1}, {"operation": "*", "microseconds": 2}])"),
      "m.json:2: /latency/1/operation: expected each operation once, found duplicate \"*\""},

@@ -28,6 +28,11 @@ inline sim::Properties allKindsOfProperties()
     sim::setProperty(properties, {otherFormat, 1}, sim::PropertyValue::ofNumber(0xFEDCBA9876543210u, VT_UI8));
     sim::setProperty(properties, {otherFormat, 2}, sim::PropertyValue::ofBoolean(true));
     sim::setProperty(properties, {otherFormat, 3}, sim::PropertyValue::ofReal(1.5f));
+    sim::setProperty(properties, {otherFormat, 4}, sim::PropertyValue::ofNumber(0xFEDCBA9876543210u, VT_I8));
+    sim::setProperty(properties, {otherFormat, 5}, sim::PropertyValue::ofNumber(1, VT_FILETIME));
+    sim::setProperty(properties, {otherFormat, 6}, sim::PropertyValue::ofLongReal(0.1));
+    sim::setProperty(properties, {otherFormat, 7}, sim::PropertyValue::ofNarrowText("caf\xE9"));
+    sim::setProperty(properties, {otherFormat, 8}, sim::PropertyValue::ofTag(VT_VECTOR | VT_LPWSTR));
     sim::setProperty(properties, {otherFormat, 4294967295u}, sim::PropertyValue::ofBytes({0x00, 0xFF, 0x5A}));
     return properties;
 }
@@ -107,7 +112,8 @@ inline std::vector<sim::Endpoint> endpoints()
     input.flow = eCapture;
     input.state = 5;
     input.volume = sim::EndpointVolume{
-        -96.0f, 12.0f, 1.5f, {-0.1f}, true, 4, {}, sim::Taper::audio, {codec + "/jack", codec + "/jack"}};
+        -96.0f, 12.0f, 1.5f, {-0.1f}, true, 4, {}, sim::Taper::measured, {{-50.0f, 0.25f}, {-0.1f, 0.9f}}, -3.5f, 51};
+    input.volume->hardware = {codec + "/jack", codec + "/jack"};
     input.defaultFor = {eConsole};
     return {output, input};
 }
@@ -156,6 +162,7 @@ inline sim::Machine machine()
     adapter.openable = false;
     adapter.hasBaseFilter = true;
     adapter.properties = allKindsOfProperties();
+    adapter.unlistedProperties = {{sim::keys::association, sim::PropertyValue::ofText("unlisted")}};
     adapter.topology = graph();
 
     sim::Machine result;
@@ -166,6 +173,7 @@ inline sim::Machine machine()
     result.removedEndpoints = sim::RemovedEndpoints::unknown;
     result.callbackThread = sim::CallbackThread::bare;
     result.captureAccess = sim::CaptureAccess::denied;
+    result.composition = sim::Composition::none;
     result.endpoints = endpoints();
     result.adapters = {adapter};
     result.joins = {{speakers + "/plug", codec + "/jack", "{2}.elsewhere", false},
@@ -178,7 +186,16 @@ inline sim::Machine machine()
                      {"IPart::GetName", codec + "/jack", "", 0, sim::FaultRule::Outcome::nullSuccess, E_FAIL},
                      {"Release", "*", "", 1, sim::FaultRule::Outcome::thrown, E_FAIL},
                      {"IMMDeviceEnumerator::GetDevice", "*", "", 0, sim::FaultRule::Outcome::result, E_NOTFOUND, 8000,
-                      sim::ScriptEvent::Kind::plugged}};
+                      sim::ScriptEvent::Kind::plugged},
+                     {"IPartsList::GetPart",
+                      codec + "/jack outgoing",
+                      "",
+                      0,
+                      sim::FaultRule::Outcome::result,
+                      E_FAIL,
+                      0,
+                      std::nullopt,
+                      {"1", "second"}}};
     result.latencyPreset = sim::LatencyPreset::windows;
     result.latency = {{"*", 5}, {"IMMDevice::Activate", 1200}, {"IMMDevice::Activate", 4000000, "IAudioClient"}};
     return result;

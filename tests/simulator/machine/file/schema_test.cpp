@@ -144,6 +144,7 @@ TEST_F(MachineSchema, HasTheReadersWords)
     EXPECT_EQ(namesOf(sim::interfaceNames), wordsOf("interface"));
     EXPECT_EQ(namesOf(sim::numberTagNames), wordsOf("numberTag"));
     EXPECT_EQ(namesOf(sim::nodeTypeNames), wordsOf("nodeTypeName"));
+    EXPECT_EQ(namesOf(sim::compositionNames), wordsOf("composition"));
     EXPECT_EQ(namesOf(sim::removedEndpointsNames), wordsOf("removedEndpoints"));
     EXPECT_EQ(namesOf(sim::callbackThreadNames), wordsOf("callbackThread"));
     EXPECT_EQ(namesOf(sim::latencyPresetNames), wordsOf("latencyPreset"));
@@ -207,7 +208,10 @@ TEST_F(MachineSchema, AgreesWithTheReaderOnWhatMayStandInOnePlace)
         {R"({"name": 1})", false},
         {endpoint(R"("state": "disabled")"), true},
         {endpoint(R"("state": 0)"), true},
-        {endpoint(R"("state": 16)"), false},
+        {endpoint(R"("state": 16)"), true},
+        {endpoint(R"("state": 4294967295)"), true},
+        {endpoint(R"("state": 4294967296)"), false},
+        {endpoint(R"("state": -1)"), false},
         {endpoint(R"("state": "broken")"), false},
         {endpoint(R"("colour": "red")"), false},
         {endpoint(R"("properties": {"friendlyName": null, "speakerConfig": 4294967295})"), true},
@@ -224,6 +228,19 @@ TEST_F(MachineSchema, AgreesWithTheReaderOnWhatMayStandInOnePlace)
         {endpoint(R"("properties": {"deviceFormat": {"format": "16/048000/2"}})"), false},
         {endpoint(R"("properties": {"deviceFormat": {"number": 1, "tag": "VT_UI1"}})"), true},
         {endpoint(R"("properties": {"deviceFormat": {"number": 1, "tag": "VT_LPWSTR"}})"), false},
+        {endpoint(R"("properties": {"deviceFormat": {"number": -1, "tag": "VT_I8"}})"), true},
+        {endpoint(R"("properties": {"deviceFormat": {"number": -9223372036854780000, "tag": "VT_I8"}})"), false},
+        {endpoint(R"("properties": {"deviceFormat": {"longReal": 1e308}})"), true},
+        {endpoint(R"("properties": {"deviceFormat": {"longReal": "0x7FF8000000000000"}})"), true},
+        {endpoint(R"("properties": {"deviceFormat": {"longReal": "0x7FF800000000000"}})"), false},
+        {endpoint(R"("properties": {"deviceFormat": {"real": "0x7FC00000"}})"), true},
+        {endpoint(R"("properties": {"deviceFormat": {"real": "NaN"}})"), false},
+        {endpoint(R"("properties": {"deviceFormat": {"narrowText": "caf\u00e9"}})"), true},
+        {endpoint(R"("properties": {"deviceFormat": {"narrowText": null}})"), true},
+        {endpoint(R"("properties": {"deviceFormat": {"narrowText": 1}})"), false},
+        {endpoint(R"("properties": {"deviceFormat": {"tag": "0x1003"}})"), true},
+        {endpoint(R"("properties": {"deviceFormat": {"tag": "0xe00"}})"), false},
+        {endpoint(R"("properties": {"deviceFormat": {"tag": "VT_UI1"}})"), false},
         {endpoint(R"("topology": {"connectors": [{"id": "/a", "type": "headset"}]})"), true},
         {endpoint(R"("topology": {"connectors": [{"id": "", "type": "headset"}]})"), false},
         {endpoint(R"("topology": {"connectors": [{"id": "/a", "type": "Headset"}]})"), false},
@@ -233,6 +250,14 @@ TEST_F(MachineSchema, AgreesWithTheReaderOnWhatMayStandInOnePlace)
         {endpoint(R"("volume": {"minimum": -1, "maximum": 0, "step": 0.5, "channels": [0, -1e0]})"), true},
         {R"({"name": "m", "faults": [{"operation": "IPart::GetName", "result": "0x80004005"}]})", true},
         {R"({"name": "m", "faults": [{"operation": "IPart::GetName", "result": "80004005"}]})", false},
+        {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "arguments": ["a", "b"]}]})", true},
+        {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "arguments": []}]})", true},
+        {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "arguments": "a"}]})", false},
+        {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "arguments": [1]}]})", false},
+        {R"({"name": "m", "composition": "none"})", true},
+        {R"({"name": "m", "composition": true})", false},
+        {endpoint(R"("properties": {"fullName": "a"}, "unlistedProperties": {"formFactor": 1})"), true},
+        {endpoint(R"("unlistedProperties": {"FormFactor": 1})"), false},
         {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "forMilliseconds": 8000}]})", true},
         {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "forMilliseconds": -1}]})", false},
         {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "after": "start"}]})", true},
