@@ -114,10 +114,10 @@ private:
         {
             if (next.from != stop || next.by != Road::By::join)
                 continue;
-            const Wiring::Node& far = m_wiring[next.connector];
-            m_facts.add(start + " is joined to " + connectorWords(far) + " of " + deviceWords(*far.device) + ".",
+            const Wiring::Node& other = m_wiring[next.connector];
+            m_facts.add(start + " is joined to " + connectorWords(other) + " of " + deviceWords(*other.device) + ".",
                         "IConnector::GetConnectedTo", idAt(stop));
-            addClosed(*far.device);
+            addClosed(*other.device);
         }
         if (node.peer != Wiring::none)
             return;

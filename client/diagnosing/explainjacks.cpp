@@ -94,8 +94,8 @@ private:
                 "IConnector::GetConnectedTo", m_wiring.idOf(connector));
             return;
         }
-        const Wiring::Node& far = m_wiring[own.peer];
-        m_facts.add("Its first connector is joined to " + connectorWords(far) + " of " + deviceWords(*far.device) +
+        const Wiring::Node& jack = m_wiring[own.peer];
+        m_facts.add("Its first connector is joined to " + connectorWords(jack) + " of " + deviceWords(*jack.device) +
                         ". That is its jack.",
                     "IConnector::GetConnectedTo", m_wiring.idOf(connector));
         addKind(own.peer);

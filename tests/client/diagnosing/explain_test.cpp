@@ -1,5 +1,6 @@
 #include "client/diagnosing/explain.h"
 
+#include "simulator/machine/builder/machinebuilder.h"
 #include "simulator/machine/file/machinefile.h"
 #include "tests/support/clienttest.h"
 #include "tests/support/randommachine.h"
@@ -22,14 +23,6 @@ using testing::Not;
 
 namespace
 {
-/// A machine as a survey without failures has it.
-sonavit::capturing::Survey surveyWithoutFailures(sim::Machine machine)
-{
-    sonavit::capturing::Survey survey;
-    survey.machine = std::move(machine);
-    return survey;
-}
-
 /// What the explanation finds, to be compared with what the client layer reports.
 struct Explained
 {
@@ -94,37 +87,33 @@ protected:
     using Check = std::function<void(const diagnosing::Subject& subject)>;
 
     /// Plays the machine, and hands each endpoint over with what explains it.
-    void forEachEndpoint(const sim::Machine& machine, const Check& check,
-                         std::vector<sonavit::capturing::FailedCall> failures = {})
+    void forEachEndpoint(const sim::Machine& machine, const Check& check)
     {
         play(machine);
         sonavit::System system(options());
         const sonavit::Snapshot snapshot = system.snapshot();
-        sonavit::capturing::Survey survey = surveyWithoutFailures(machine);
-        survey.failures = std::move(failures);
+        const auto survey = sonavit::capturing::survey(system, "test");
+        ASSERT_TRUE(survey);
         for (const sonavit::Card& card : snapshot.cards())
         {
             for (const sonavit::Endpoint& endpoint : card.endpoints())
             {
                 const auto controls = system.controls(endpoint.id());
-                check(diagnosing::Subject{survey, snapshot, {card, endpoint}, controls});
+                check(diagnosing::Subject{*survey, snapshot, {card, endpoint}, controls});
             }
         }
     }
 
     /// The reasons of the endpoint with that description.
-    std::vector<Reason> reasonsOf(const sim::Machine& machine, const std::string& description,
-                                  std::vector<sonavit::capturing::FailedCall> failures = {})
+    std::vector<Reason> reasonsOf(const sim::Machine& machine, const std::string& description)
     {
         std::vector<Reason> reasons;
-        forEachEndpoint(
-            machine,
-            [&](const diagnosing::Subject& subject)
-            {
-                if (reasons.empty() && subject.endpoint().description() == description)
-                    reasons = diagnosing::explainEndpoint(subject);
-            },
-            std::move(failures));
+        forEachEndpoint(machine,
+                        [&](const diagnosing::Subject& subject)
+                        {
+                            if (reasons.empty() && subject.endpoint().description() == description)
+                                reasons = diagnosing::explainEndpoint(subject);
+                        });
         EXPECT_EQ(4U, reasons.size()) << description;
         reasons.resize(4);
         return reasons;
@@ -298,17 +287,17 @@ TEST_F(DiagnosingExplain, SaysThatAVolumeNodeWithoutLevelIsNoControl)
 
 TEST_F(DiagnosingExplain, ReportsFailedCallsOfTheHardwareOnTheWay)
 {
-    const sim::Machine machine = sim::findMachine("desktop");
-    const sim::Adapter& adapter = machine.adapters.front();
-    sonavit::capturing::FailedCall onTheWay;
-    onTheWay.operation = "IDeviceTopology::GetSubunit";
-    onTheWay.object = adapter.id;
-    onTheWay.arguments = {"3"};
-    onTheWay.code = E_ACCESSDENIED;
-    sonavit::capturing::FailedCall elsewhere = onTheWay;
-    elsewhere.object = machine.adapters.back().id;
+    sim::Machine machine = sim::findMachine("desktop");
+    sim::FaultRule rule;
+    rule.operation = "IDeviceTopology::GetSubunit";
+    rule.object = machine.adapters.front().id;
+    rule.arguments = {"3"};
+    rule.result = E_ACCESSDENIED;
+    machine.faults.push_back(rule);
+    rule.object = machine.adapters.back().id;
+    machine.faults.push_back(rule);
 
-    const Reason controls = reasonsOf(machine, "Speakers", {onTheWay, elsewhere})[2];
+    const Reason controls = reasonsOf(machine, "Speakers")[2];
 
     EXPECT_EQ(1, std::count_if(controls.facts.begin(), controls.facts.end(),
                                [](const sonavit::Fact& fact) { return fact.code != 0; }));
