@@ -57,14 +57,25 @@ protected:
         return calls;
     }
 
-    void failOnce(sim::Simulation& simulation, const NthCall& call)
+    /// The survey of a machine at which one call fails.
+    capturing::Survey surveyWithout(const sim::Machine& machine, const NthCall& call)
+    {
+        std::optional<sim::PlannedFault> fault;
+        const capturing::Survey found =
+            surveyOf(machine, [&](sim::Simulation& simulation) { fault = failOnce(simulation, call); });
+        EXPECT_EQ(1u, fault->fired());
+        return found;
+    }
+
+private:
+    static sim::PlannedFault failOnce(sim::Simulation& simulation, const NthCall& call)
     {
         sim::FaultRule rule;
         rule.operation = call.operation;
         rule.call = call.number;
         rule.outcome = std::get<1>(GetParam());
         rule.result = planned;
-        simulation.faults().add(rule);
+        return simulation.faults().add(rule);
     }
 };
 
@@ -77,8 +88,7 @@ TEST_P(SurveyPlatformWithAFailingCall, FindsAMachineThatIsSurveyedWithTheSameRes
     {
         SCOPED_TRACE(call.text);
 
-        const capturing::Survey found =
-            surveyOf(machine, [&](sim::Simulation& simulation) { failOnce(simulation, call); });
+        const capturing::Survey found = surveyWithout(machine, call);
 
         expectSame(found, replay(found));
         ASSERT_FALSE(HasFailure());
