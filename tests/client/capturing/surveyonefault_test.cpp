@@ -19,11 +19,11 @@ struct NthCall
     std::string text;
 };
 
-/// Calls that only free memory.
-bool onlyFrees(const std::string& operation)
+/// Calls that only count references or free memory.
+bool onlyCountsOrFrees(const std::string& operation)
 {
     return operation == "CoTaskMemFree" || operation == "PropVariantClear" ||
-           operation.find("::Release") != std::string::npos;
+           operation.find("::Release") != std::string::npos || operation.find("::AddRef") != std::string::npos;
 }
 
 std::vector<NthCall> callsOf(sim::Journal& journal)
@@ -32,7 +32,7 @@ std::vector<NthCall> callsOf(sim::Journal& journal)
     std::map<std::string, std::uint32_t> counts;
     for (const sim::JournalEntry& entry : journal.entries())
     {
-        if (!onlyFrees(entry.operation))
+        if (!onlyCountsOrFrees(entry.operation))
             calls.push_back({entry.operation, ++counts[entry.operation], entry.line()});
     }
     return calls;
