@@ -3,7 +3,6 @@
 #include "tests/client/capturing/surveytest.h"
 
 #include <map>
-#include <set>
 #include <tuple>
 
 namespace
@@ -19,22 +18,12 @@ struct NthCall
     std::string text;
 };
 
-/// Calls that only count references or free memory.
-bool onlyCountsOrFrees(const std::string& operation)
-{
-    return operation == "CoTaskMemFree" || operation == "PropVariantClear" ||
-           operation.find("::Release") != std::string::npos || operation.find("::AddRef") != std::string::npos;
-}
-
-std::vector<NthCall> callsOf(sim::Journal& journal)
+std::vector<NthCall> numbered(const std::vector<sim::JournalEntry>& entries)
 {
     std::vector<NthCall> calls;
     std::map<std::string, std::uint32_t> counts;
-    for (const sim::JournalEntry& entry : journal.entries())
-    {
-        if (!onlyCountsOrFrees(entry.operation))
-            calls.push_back({entry.operation, ++counts[entry.operation], entry.line()});
-    }
+    for (const sim::JournalEntry& entry : entries)
+        calls.push_back({entry.operation, ++counts[entry.operation], entry.line()});
     return calls;
 }
 
@@ -43,20 +32,6 @@ using MachineAndOutcome = std::tuple<const char*, sim::FaultRule::Outcome>;
 class SurveyPlatformWithAFailingCall : public SurveyTest, public testing::WithParamInterface<MachineAndOutcome>
 {
 protected:
-    /// The calls of a survey without failures, QueryInterface included.
-    std::vector<NthCall> callsOfASurvey(const sim::Machine& machine)
-    {
-        std::vector<NthCall> calls;
-        surveyOf(machine,
-                 [&](sim::Simulation& simulation)
-                 {
-                     simulation.journal().recordReferences(true);
-                     survey();
-                     calls = callsOf(simulation.journal());
-                 });
-        return calls;
-    }
-
     /// The survey of a machine at which one call fails.
     capturing::Survey surveyWithout(const sim::Machine& machine, const NthCall& call)
     {
@@ -82,7 +57,7 @@ private:
 TEST_P(SurveyPlatformWithAFailingCall, FindsAMachineThatIsSurveyedWithTheSameResult)
 {
     const sim::Machine machine = machineWithoutHardware(std::get<0>(GetParam()));
-    const std::vector<NthCall> calls = callsOfASurvey(machine);
+    const std::vector<NthCall> calls = numbered(callsOfASurvey(machine));
     ASSERT_LT(40u, calls.size());
     for (const NthCall& call : calls)
     {
