@@ -382,8 +382,10 @@ TEST(MachineFileWrite, KeepsEveryCharacterButZero)
         if (code < 0xD800 || code > 0xDFFF)
             machine.description += characterOf(code);
     }
-    for (std::uint32_t code = 1; code <= 0x2100; ++code)
+    for (std::uint32_t code = 1; code <= 0x200; ++code)
     {
+        if (code == '/') // no id of a part begins with it
+            continue;
         const std::string text = characterOf(code);
         sim::Endpoint& endpoint = machine.endpoints.emplace_back();
         endpoint.id = text;
