@@ -1,4 +1,4 @@
-#include "simulator/core/volumemath.h"
+#include "simulator/machine/volumemath.h"
 
 #include <gtest/gtest.h>
 
