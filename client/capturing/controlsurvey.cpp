@@ -215,12 +215,7 @@ void ControlSurvey::askConnector(IConnector& connector)
 {
     ConnectorType type = m_record.type;
     if (m_failures.passes(connector.GetType(&type), {"IConnector::GetType"}))
-    {
-        if (sim::hasName(sim::connectorTypeNames, type))
-            m_record.type = type;
-        else
-            m_recorder.note("A connector has a type that a machine file cannot contain.");
-    }
+        m_record.type = type;
     DataFlow direction = m_record.direction;
     if (m_failures.passes(connector.GetDataFlow(&direction), {"IConnector::GetDataFlow"}))
     {
