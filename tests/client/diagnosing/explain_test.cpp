@@ -45,10 +45,12 @@ protected:
 TEST_F(ExplainTest, Prints)
 {
     const char* name = std::getenv("MACHINE");
-    forEachEndpoint(sim::findMachine(name), [](const diagnosing::Subject& subject) {
-        std::cout << "\n##### " << subject.endpoint().title() << "\n";
-        for (const sonavit::Reason& reason : diagnosing::explainEndpoint(subject))
-            std::cout << reason;
-    });
+    forEachEndpoint(sim::findMachine(name),
+                    [](const diagnosing::Subject& subject)
+                    {
+                        std::cout << "\n##### " << subject.endpoint().title() << "\n";
+                        for (const sonavit::Reason& reason : diagnosing::explainEndpoint(subject))
+                            std::cout << reason;
+                    });
 }
 }
