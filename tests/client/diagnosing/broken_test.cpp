@@ -49,6 +49,7 @@ const std::vector<BrokenRow>& brokenRows()
         {{nameless, "part without id"}, "part-without-id", ""},
         {{nameless, "jack without name"}, "jack-without-name", ""},
         {{"Mistyped", "another type of deviceFormat"}, "property-of-another-type", ""},
+        {{"Mistyped", "mix format without device format"}, "mix-format-unreadable", ""},
         {{"Mistyped", "another type of driverNodeStrongName"}, "property-of-another-type", ""},
         {{"Mistyped", "another type of friendlyName"}, "property-of-another-type", ""},
         {{"Mistyped", "another type of speakerConfig"}, "property-of-another-type", ""},
@@ -160,7 +161,11 @@ private:
         const VARTYPE usual = key == "deviceFormat" ? VT_BLOB : key == "speakerConfig" ? VT_UI4 : VT_LPWSTR;
         if (value->tag != usual)
             add(name, "another type of " + key);
-        else if (usual == VT_LPWSTR && !value->text)
+        if (value->tag != usual && key == "deviceFormat")
+            add(name, "mix format without device format"); // the engine's format comes from that of the device
+        if (value->tag != usual)
+            return;
+        if (usual == VT_LPWSTR && !value->text)
             add(name, "null " + key);
         else if (key == "endpointGuid" && value->text->size() != 38)
             add(name, "no GUID");
@@ -188,10 +193,10 @@ private:
     void judge(const sim::Join& join)
     {
         const std::string owner = nameOf(*m_machine.part(join.from).device);
-        const sim::PartPlace far = m_machine.part(join.to);
-        if (!far)
+        const sim::PartPlace peer = m_machine.part(join.to);
+        if (!peer)
             add(owner, "joined to no device");
-        else if (!far.device->openable)
+        else if (!peer.device->openable)
             add(owner, "joined to a closed device");
         if (!join.bothWays)
             add(owner, "joined one way");
