@@ -1,5 +1,7 @@
 #include "client/diagnosing/explainwiring.h"
 
+#include "sonavit/text.h"
+
 #include <algorithm>
 #include <set>
 
@@ -40,7 +42,8 @@ void Wiring::addDevice(const sim::Device& device)
     m_devices.push_back(&device);
     const auto add = [&](const sim::Part& part, const sim::Connector* connector, std::size_t position)
     {
-        m_places.emplace(part.id, m_nodes.size());
+        if (!m_places.emplace(text::lowerCase(part.id), m_nodes.size()).second)
+            return;
         Node node;
         node.device = &device;
         node.part = &part;
@@ -72,7 +75,7 @@ void Wiring::connect(const capturing::Survey& survey)
         {
             const std::size_t from = find(path.from);
             const std::size_t to = find(path.to);
-            if (!path.mixed && from != none && to != none)
+            if (!path.mixed && isNamed(from, path.from) && isNamed(to, path.to))
                 m_paths.insert(pathOf(from, to));
         }
     }
@@ -113,7 +116,7 @@ void Wiring::addSources()
 
 std::size_t Wiring::find(const std::string& id) const
 {
-    const auto found = m_places.find(id);
+    const auto found = m_places.find(text::lowerCase(id));
     return found == m_places.end() ? none : found->second;
 }
 
@@ -127,6 +130,12 @@ std::vector<std::size_t> Wiring::find(const std::vector<std::string>& ids) const
             nodes.push_back(node);
     }
     return nodes;
+}
+
+/// Paths are those of the first part with an id.
+bool Wiring::isNamed(std::size_t node, const std::string& id) const
+{
+    return node != none && m_nodes[node].part->id == id;
 }
 
 std::uint64_t Wiring::pathOf(std::size_t from, std::size_t to)

@@ -14,7 +14,8 @@
 
 namespace sonavit::diagnosing
 {
-/// The hardware of a survey as the search for controls sees it. The survey must outlive it.
+/// The hardware of a survey as the search for controls sees it: parts whose ids differ in case alone are one, the first
+/// of them. The survey must outlive it.
 class Wiring
 {
 public:
@@ -58,6 +59,7 @@ private:
     void addSources();
     std::size_t find(const std::string& id) const;
     std::vector<std::size_t> find(const std::vector<std::string>& ids) const;
+    bool isNamed(std::size_t node, const std::string& id) const;
     static std::uint64_t pathOf(std::size_t from, std::size_t to);
 
     std::vector<Node> m_nodes;

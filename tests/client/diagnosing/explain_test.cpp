@@ -2,6 +2,7 @@
 
 #include "simulator/machine/builder/machinebuilder.h"
 #include "simulator/machine/file/machinefile.h"
+#include "simulator/machine/propertykeys.h"
 #include "tests/support/clienttest.h"
 #include "tests/support/randommachine.h"
 
@@ -173,7 +174,7 @@ TEST_P(DiagnosingExplainRandom, FindsTheCardAndTheControlsThatTheLayerReports)
     forEachEndpoint(support::randomMachine(GetParam()), expectAgreement);
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, DiagnosingExplainRandom, testing::Range(1U, 51U));
+INSTANTIATE_TEST_SUITE_P(Seeds, DiagnosingExplainRandom, testing::Range(1U, 301U));
 
 TEST_F(DiagnosingExplain, NamesTheCallOfEachFactAboutTheCard)
 {
