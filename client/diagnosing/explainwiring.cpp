@@ -34,6 +34,7 @@ Wiring::Wiring(const capturing::Survey& survey)
     forEachTopology(survey.machine.endpoints, add);
     forEachTopology(survey.machine.adapters, add);
     connect(survey);
+    forgetUnseenJoins();
     addSources();
 }
 
@@ -87,13 +88,40 @@ void Wiring::connect(const capturing::Survey& survey)
     }
 }
 
+/// The joins of a device that cannot be opened are known at those of its connectors to which a known join leads.
+void Wiring::forgetUnseenJoins()
+{
+    std::vector<std::size_t> seen;
+    std::vector<bool> isSeen(m_nodes.size(), false);
+    const auto see = [&](std::size_t node)
+    {
+        if (node == none || isSeen[node])
+            return;
+        isSeen[node] = true;
+        seen.push_back(node);
+    };
+    for (std::size_t node = 0; node < m_nodes.size(); ++node)
+    {
+        if (m_nodes[node].device->openable)
+            see(node);
+    }
+    for (std::size_t i = 0; i < seen.size(); ++i) // grows meanwhile
+        see(m_nodes[seen[i]].peer);
+    for (std::size_t node = 0; node < m_nodes.size(); ++node)
+    {
+        if (!isSeen[node])
+            m_nodes[node].peer = none;
+    }
+}
+
 /// The wires of a device that cannot be opened are known at its connectors alone.
 void Wiring::addSources()
 {
-    for (const Node& node : m_nodes)
+    for (Node& node : m_nodes)
     {
         if (node.connector == nullptr)
             continue;
+        node.isNextToConnector = true; // it is never between two nodes
         for (const std::size_t next : node.incoming)
             m_nodes[next].isNextToConnector = true;
         for (const std::size_t next : node.outgoing)

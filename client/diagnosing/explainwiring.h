@@ -29,7 +29,7 @@ public:
         const sim::Connector* connector = nullptr; ///< null for a subunit
         std::size_t position = none;               ///< of a connector: among those of its device
         std::size_t peer = none;                   ///< of a connector: that on the far side
-        bool isNextToConnector = false;            ///< a connector lists it
+        bool isNextToConnector = false;            ///< a connector lists it, or it is one
         bool isTypeKnown = true;
         std::vector<std::size_t> incoming; ///< those that feed this part, as it lists them
         std::vector<std::size_t> outgoing; ///< those that it feeds, as it lists them
@@ -56,6 +56,7 @@ public:
 private:
     void addDevice(const sim::Device& device);
     void connect(const capturing::Survey& survey);
+    void forgetUnseenJoins();
     void addSources();
     std::size_t find(const std::string& id) const;
     std::vector<std::size_t> find(const std::vector<std::string>& ids) const;
