@@ -245,9 +245,9 @@ private:
         for (const Control& control : *m_subject.controls)
             reported.push_back(control.id);
         if (found != reported)
-            m_facts.add(
-                "A second search a moment later has found other controls than this one: the hardware has changed, "
-                "or a call failed in one of them alone. The second one counts.");
+            m_facts.add("A second search a moment later has found other controls than this one: the hardware has "
+                        "changed, a call failed in one of them alone, or something is behind two adapters that cannot "
+                        "be opened. The second one counts.");
     }
 
     std::string conclusion() const
