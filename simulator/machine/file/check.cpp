@@ -128,11 +128,11 @@ void MachineCheck::endpointVolume(const EndpointVolume& volume, const FilePlace&
     range(volume.minimum, volume.maximum, volume.step, place);
     requireName(taperNames, volume.taper, FilePlace(place, "taper"));
     taperPoints(volume, place);
-    if (volume.master && !std::isfinite(*volume.master))
-        report(FilePlace(place, "master"), "a number of decibels", decimal(*volume.master));
+    if (volume.master)
+        decibels(*volume.master, FilePlace(place, "master"));
     channelCount(volume.channels.size(), FilePlace(place, "channels"));
     for (std::size_t index = 0; index < volume.channels.size(); ++index)
-        level(volume.channels[index], volume.minimum, volume.maximum, FilePlace(place, "channels", index));
+        decibels(volume.channels[index], FilePlace(place, "channels", index));
     if ((volume.hardwareSupport & ~allHardwareSupport) != 0)
         report(FilePlace(place, "hardwareSupport"), "a sum of 1, 2 and 4", std::to_string(volume.hardwareSupport));
     for (std::size_t index = 0; index < volume.refused.size(); ++index)
@@ -208,12 +208,18 @@ void MachineCheck::deviceInstances()
 
 void MachineCheck::range(float minimum, float maximum, float step, const FilePlace& place)
 {
-    const bool isRange = std::isfinite(minimum) && std::isfinite(maximum) && minimum < maximum;
+    const bool isRange = std::isfinite(minimum) && std::isfinite(maximum) && minimum <= maximum;
     if (!isRange)
-        report(place, "a minimum below the maximum", decimal(minimum) + " to " + decimal(maximum));
-    const bool isStep = step > 0.0f && step <= maximum - minimum;
+        report(place, "a minimum not above the maximum", decimal(minimum) + " to " + decimal(maximum));
+    const bool isStep = std::isfinite(step) && step >= 0.0f;
     if (!isStep)
-        report(FilePlace(place, "step"), "a step above 0 that fits into the range", decimal(step));
+        report(FilePlace(place, "step"), "a step of 0 or more", decimal(step));
+}
+
+void MachineCheck::decibels(float level, const FilePlace& place)
+{
+    if (!std::isfinite(level))
+        report(place, "a number of decibels", decimal(level));
 }
 
 void MachineCheck::level(float level, float minimum, float maximum, const FilePlace& place)
@@ -225,8 +231,8 @@ void MachineCheck::level(float level, float minimum, float maximum, const FilePl
 
 void MachineCheck::channelCount(std::size_t count, const FilePlace& place)
 {
-    if (count < 1 || count > maximumChannels)
-        report(place, "1 to " + std::to_string(maximumChannels) + " channels", std::to_string(count));
+    if (count > maximumChannels)
+        report(place, "at most " + std::to_string(maximumChannels) + " channels", std::to_string(count));
 }
 
 std::vector<MachineProblem> checkMachine(const Machine& machine)

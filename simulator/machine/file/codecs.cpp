@@ -94,7 +94,7 @@ JsonValue DecibelsCodec::write(float value) const
 JsonValue DecibelsCodec::schema() const
 {
     JsonValue result = typeSchema("number");
-    return isPositive ? result.add("exclusiveMinimum", JsonValue::ofNumber("0")) : result;
+    return isDistance ? result.add("minimum", JsonValue::ofNumber("0")) : result;
 }
 
 std::uint32_t StateCodec::read(const JsonCursor& cursor) const

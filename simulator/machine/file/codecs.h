@@ -67,10 +67,10 @@ struct NumberCodec
 /// A number of decibels. A value that is not finite is written as null, which no reader accepts.
 struct DecibelsCodec
 {
-    bool isPositive = false;
+    bool isDistance = false;
 
-    /// A number above 0, as the schema says; checkMachine() checks it.
-    static DecibelsCodec positive() { return {true}; }
+    /// A number not below 0, as the schema says; checkMachine() checks it.
+    static DecibelsCodec distance() { return {true}; }
 
     float read(const JsonCursor& cursor) const;
     JsonValue write(float value) const;

@@ -122,6 +122,8 @@ private:
     void latency();
 
     void range(float minimum, float maximum, float step, const FilePlace& place);
+    /// A driver may report a level outside its range, but only a number.
+    void decibels(float level, const FilePlace& place);
     void level(float level, float minimum, float maximum, const FilePlace& place);
     void channelCount(std::size_t count, const FilePlace& place);
 

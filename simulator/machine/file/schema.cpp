@@ -190,8 +190,8 @@ std::string machineSchema()
                 "description",
                 string("What the simulated platform answers: endpoints, adapters, the connections between them, and "
                        "what happens to them. Ids refer to parts and devices exactly, case included. The reader checks "
-                       "more than a schema can: that ids are unique, that references lead somewhere, and that levels "
-                       "are within their ranges."))
+                       "more than a schema can: that ids are unique, that references lead somewhere, and that no "
+                       "minimum is above its maximum."))
             .add("$ref", string("#/$defs/machine"))
             .add("$defs", definitions));
 }

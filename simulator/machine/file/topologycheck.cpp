@@ -82,7 +82,7 @@ void MachineCheck::levels(const std::vector<ChannelLevel>& channels, const FileP
         const ChannelLevel& channel = channels[index];
         const FilePlace channelPlace(place, "channels", index);
         range(channel.minimum, channel.maximum, channel.step, channelPlace);
-        level(channel.level, channel.minimum, channel.maximum, FilePlace(channelPlace, "level"));
+        decibels(channel.level, FilePlace(channelPlace, "level"));
     }
 }
 

@@ -140,7 +140,7 @@ const FieldTable<VolumeControl>& fieldsOf<VolumeControl>()
     static const auto& table =
         *new FieldTable<VolumeControl>(FieldTable<VolumeControl>("volumeControl", "IAudioVolumeLevel.")
                                            .required("channels", &VolumeControl::channels,
-                                                     listCodec(ObjectCodec<ChannelLevel>(), 1, maximumChannels)));
+                                                     listCodec(ObjectCodec<ChannelLevel>(), 0, maximumChannels)));
     return table;
 }
 
@@ -151,7 +151,7 @@ const FieldTable<ChannelLevel>& fieldsOf<ChannelLevel>()
         *new FieldTable<ChannelLevel>(FieldTable<ChannelLevel>("channelLevel", "In decibels.")
                                           .required("minimum", &ChannelLevel::minimum, DecibelsCodec())
                                           .required("maximum", &ChannelLevel::maximum, DecibelsCodec())
-                                          .required("step", &ChannelLevel::step, DecibelsCodec::positive())
+                                          .required("step", &ChannelLevel::step, DecibelsCodec::distance())
                                           .required("level", &ChannelLevel::level, DecibelsCodec()));
     return table;
 }

@@ -81,6 +81,45 @@ TEST(MachineCheck, TakesALevelBetweenTwoStepsOfThePart)
                 testing::IsEmpty());
 }
 
+TEST(MachineCheck, TakesRangesStepsAndLevelsAsDriversReportThem)
+{
+    const auto change = [](sim::Machine& machine)
+    {
+        sim::EndpointVolume& volume = *machine.endpoints[0].volume;
+        volume.minimum = volume.maximum = -3.0f;
+        volume.step = 0.0f;
+        volume.channels = {7.0f};
+        sim::VolumeControl& node = *machine.adapters[0].topology->subunits[0].volume;
+        node.channels = {{-3.0f, -3.0f, 5.0f, -4.0f}};
+    };
+
+    EXPECT_THAT(problemsAfter(change), testing::IsEmpty());
+    EXPECT_THAT(problemsAfter([](sim::Machine& machine) { machine.endpoints[0].volume->channels.clear(); }),
+                testing::IsEmpty());
+}
+
+TEST(MachineCheck, FindsRangesStepsAndLevelsThatAreNoNumbers)
+{
+    const float infinite = std::numeric_limits<float>::infinity();
+    const auto change = [&](sim::Machine& machine)
+    {
+        sim::EndpointVolume& volume = *machine.endpoints[0].volume;
+        volume.minimum = -infinite;
+        volume.step = infinite;
+        volume.channels = {-infinite};
+        sim::VolumeControl& node = *machine.adapters[0].topology->subunits[0].volume;
+        node.channels = {{-3.0f, infinite, 0.0f, infinite}};
+    };
+    const std::string node = "/adapters/0/topology/subunits/0/volume/channels/0";
+
+    EXPECT_THAT(problemsAfter(change),
+                ElementsAre("/endpoints/0/volume: expected a minimum not above the maximum, found -inf to 6",
+                            "/endpoints/0/volume/step: expected a step of 0 or more, found inf",
+                            "/endpoints/0/volume/channels/0: expected a number of decibels, found -inf",
+                            node + ": expected a minimum not above the maximum, found -3 to inf",
+                            node + "/level: expected a number of decibels, found inf"));
+}
+
 TEST(MachineCheck, FindsMeasuredPointsThatDoNotRise)
 {
     const auto after = [](const std::vector<sim::TaperPoint>& points)
