@@ -1,6 +1,6 @@
 #include "tests/simulator/bench.h"
 
-// The master level of an endpoint that differs from its loudest channel until somebody sets a level.
+// A master level that is not that of the loudest channel, as long as no level is set.
 namespace
 {
 using bench::Held;

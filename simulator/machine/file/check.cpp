@@ -6,7 +6,9 @@
 #include "simulator/machine/propertykeys.h"
 #include "simulator/machine/valuetext.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <set>
 #include <utility>
 
@@ -69,6 +71,7 @@ void MachineCheck::devices()
         requireName(flowNames, endpoint.flow, FilePlace(place, "flow"));
         if (endpoint.volume)
             endpointVolume(*endpoint.volume, FilePlace(place, "volume"));
+        mixFormat(endpoint, FilePlace(place, "mixFormat"));
         if (endpoint.periods)
             periods(*endpoint.periods, FilePlace(place, "periods"));
     }
@@ -116,11 +119,31 @@ void MachineCheck::propertyValue(const PropertyValue& value, const FilePlace& pl
 
 void MachineCheck::periods(const DevicePeriods& periods, const FilePlace& place)
 {
-    if (periods.usual == 0 || periods.usual > longestPeriod)
-        report(FilePlace(place, "default"), "a period from 1 to " + std::to_string(longestPeriod),
-               std::to_string(periods.usual));
-    if (periods.minimum == 0 || periods.minimum > periods.usual)
-        report(FilePlace(place, "minimum"), "a period from 1 to the default", std::to_string(periods.minimum));
+    const auto check = [&](std::uint32_t period, const char* field)
+    {
+        if (period > longestPeriod)
+            report(FilePlace(place, field), "a period of at most " + std::to_string(longestPeriod),
+                   std::to_string(period));
+    };
+    check(periods.usual, "default");
+    check(periods.minimum, "minimum");
+}
+
+void MachineCheck::mixFormat(const Endpoint& endpoint, const FilePlace& place)
+{
+    const std::vector<std::uint8_t>& bytes = endpoint.mixFormatBytes;
+    if (bytes.empty())
+        return;
+    WAVEFORMATEX format = {};
+    std::memcpy(&format, bytes.data(), std::min(bytes.size(), sizeof format));
+    if (bytes.size() < sizeof format)
+        report(place, "the " + std::to_string(sizeof format) + " bytes of a WAVEFORMATEX or more",
+               std::to_string(bytes.size()));
+    else if (bytes.size() != sizeof format + format.cbSize)
+        report(place, std::to_string(sizeof format + format.cbSize) + " bytes, as the format says",
+               std::to_string(bytes.size()));
+    if (endpoint.mixFormat)
+        report(place, "one mix format", "another as bytes");
 }
 
 void MachineCheck::endpointVolume(const EndpointVolume& volume, const FilePlace& place)

@@ -128,6 +128,27 @@ JsonValue NodeTypeCodec::schema() const
     return reference(definition::nodeType);
 }
 
+GUID ControlInterfaceCodec::read(const JsonCursor& cursor) const
+{
+    const std::string text = cursor.string();
+    const std::optional<GUID> named = valueOf(controlInterfaceNames, text);
+    const std::optional<GUID> value = named ? named : guidFromText(text);
+    if (!value)
+        cursor.fail("the name of a control's interface, or a GUID like \"{01234567-89AB-CDEF-0123-456789ABCDEF}\"");
+    return *value;
+}
+
+JsonValue ControlInterfaceCodec::write(const GUID& value) const
+{
+    const std::string name = nameOf(controlInterfaceNames, value);
+    return JsonValue::ofString(name.empty() ? guidText(value) : name);
+}
+
+JsonValue ControlInterfaceCodec::schema() const
+{
+    return reference(definition::controlInterface);
+}
+
 std::uint32_t HardwareSupportCodec::read(const JsonCursor& cursor) const
 {
     std::uint32_t bits = 0;

@@ -116,6 +116,10 @@ void addNamesAndNumbers(JsonValue& definitions)
     addNames(definitions, removedEndpointsCodec);
     addNames(definitions, callbackThreadCodec);
     addNames(definitions, latencyPresetCodec);
+    addNames(definitions, controlInterfaceNameCodec);
+    definitions.add(definition::controlInterface,
+                    described("The interface of a control.")
+                        .add("oneOf", JsonValue::array({controlInterfaceNameCodec.schema(), pattern(guidPattern)})));
     definitions.add(definition::nodeType,
                     described("Kind of a jack or node. If it is missing: the zero GUID.")
                         .add("oneOf", JsonValue::array({nodeTypeNameCodec.schema(), pattern(guidPattern)})));
@@ -166,8 +170,8 @@ std::vector<ObjectRule> objectRules()
     append<Machine, Endpoint, Adapter>(rules);
     append(rules, propertyValueForms());
     append<EndpointVolume, TaperPoint, HardwareControls, DevicePeriods, Topology, Connector, Jack, Subunit,
-           VolumeControl, ChannelLevel, MuteControl, SelectorControl, SignalPath, Join, DeviceInstance, WaveDevice>(
-        rules);
+           VolumeControl, ChannelLevel, MuteControl, SelectorControl, FurtherControl, SignalPath, Join, DeviceInstance,
+           WaveDevice>(rules);
     append(rules, eventForms());
     append<FaultRule, LatencyRule>(rules);
     return rules;
