@@ -91,6 +91,7 @@ TEST(MachineCheck, TakesRangesStepsAndLevelsAsDriversReportThem)
         volume.channels = {7.0f};
         sim::VolumeControl& node = *machine.adapters[0].topology->subunits[0].volume;
         node.channels = {{-3.0f, -3.0f, 5.0f, -4.0f}};
+        machine.script[6].level = -3.0f;
     };
 
     EXPECT_THAT(problemsAfter(change), testing::IsEmpty());
@@ -275,13 +276,13 @@ TEST(MachineCheck, KnowsTheObjectsOfFaults)
          {std::string("*"), std::string("enumerator"), std::string("endpoints(eAll, 15)"),
           std::string("endpoints(eRender, 1)"), std::string("endpoints(eCapture, 4294967295)"), sample::codec,
           sample::speakers, jack, jack + " incoming", stream + " outgoing", stream + " to " + jack, jack + " control 0",
-          jack + " control 2"})
+          jack + " control 4"})
         EXPECT_TRUE(isKnown(object)) << object;
     for (const std::string& object :
          {std::string(""), std::string("enumerators"), std::string("endpoints(eAll, )"),
           std::string("endpoints(eAll, 15"), std::string("endpoints(all, 15)"), std::string("endpoints(eAll, 1)5)"),
           sample::codec + " incoming", jack + " incomings", std::string(" incoming"), jack + " to", jack + " to x",
-          "x to " + jack, jack + " control 3", jack + " control 00", jack + " control ", std::string("x control 0"),
+          "x to " + jack, jack + " control 5", jack + " control 00", jack + " control ", std::string("x control 0"),
           stream + " control 0"})
         EXPECT_FALSE(isKnown(object)) << object;
 }
