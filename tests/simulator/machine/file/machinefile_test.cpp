@@ -399,6 +399,8 @@ TEST(MachineFileWrite, KeepsEveryCharacterButZero)
     const std::string text = sim::writeMachine(machine);
 
     EXPECT_TRUE(machine == sim::readMachine(text, "characters.json"));
+}
+
 TEST(MachineFileWrite, KeepsTheNumbersOfJacksAndConnectorsThatHaveNoName)
 {
     for (const std::uint32_t number : {99u, 0x80000000u, 0xFFFFFFFFu})
