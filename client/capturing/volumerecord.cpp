@@ -1,5 +1,5 @@
 #include "client/capturing/volumeanswers.h"
-#include "simulator/core/volumemath.h"
+#include "simulator/machine/volumemath.h"
 
 #include <algorithm>
 #include <cmath>

@@ -95,10 +95,13 @@ private:
     {
         UINT step = 0;
         UINT count = 0;
-        if (!m_recorder.passes(m_volume.GetVolumeStepInfo(&step, &count),
-                               {"IAudioEndpointVolume::GetVolumeStepInfo", m_id}))
+        const Call call = {"IAudioEndpointVolume::GetVolumeStepInfo", m_id};
+        if (!m_recorder.passes(m_volume.GetVolumeStepInfo(&step, &count), call))
             return std::nullopt;
-        return StepAnswers{step, count};
+        if (count > 0)
+            return StepAnswers{step, count};
+        m_recorder.givesNull(call); // every volume has a step at least
+        return std::nullopt;
     }
 
     /// The nearest finite number; no value for what is no number.

@@ -42,7 +42,7 @@ public:
         if (!device.endpointId.empty() && m_places.isListed(device.endpointId))
             return;
         const std::string target =
-            device.endpointId.empty() ? "an empty id" : text::quoted(device.endpointId) + ", which is not listed";
+            device.endpointId.empty() ? "an empty id" : inFull(device.endpointId) + ", which is not listed";
         m_findings.addOfComputer({Finding::Kind::data, "wave-id-of-no-endpoint",
                                   subject + "names an endpoint that does not exist: " + target + ".",
                                   "Programs that use the old wave functions open something that lists do not show.",
@@ -104,7 +104,7 @@ void judgeStates(const Places& places, Findings& findings)
                                     "Its state is " + std::to_string(endpoint.state) +
                                         ", which is none of active, disabled, not present and unplugged.",
                                     "Whether it can be used is not known; its volume and its jack are not looked for.",
-                                    "An error in Windows or in a program that stands between it and the driver.",
+                                    "Windows has an error, or a program that stands between it and the driver.",
                                     std::nullopt});
     }
 }
@@ -118,7 +118,7 @@ void judgeDefaults(const Places& places, Findings& findings)
             if (id.isEmpty() || places.isListed(id.text()))
                 continue;
             findings.addOfComputer({Finding::Kind::data, "default-not-listed",
-                                    "A default endpoint is " + text::quoted(id.text()) + ", which is not listed.",
+                                    "A default endpoint is " + inFull(id.text()) + ", which is not listed.",
                                     "Programs that use the default open something that lists do not show.",
                                     "Windows has not yet noticed that the device went away. Choose a default in the "
                                     "sound settings.",
@@ -139,7 +139,7 @@ void judgeParents(const Places& places, Findings& findings)
             std::none_of(card.endpoints().begin(), card.endpoints().end(), isThere))
             continue;
         findings.addOfCard(card, {Finding::Kind::data, "parent-unknown",
-                                  "Windows does not know to what its device " + text::quoted(*card.instanceId()) +
+                                  "Windows does not know to what its device " + inFull(*card.instanceId()) +
                                       " is attached: CM_Get_Parent finds no parent.",
                                   "A headset cannot be recognised in another USB port, and the parts of one USB device "
                                   "cannot be put together.",

@@ -99,7 +99,7 @@ private:
         std::string sentence = wordsFor(call.operation, firstArgument(call)).what;
         const sim::Part* const part = partOf(call.object);
         if (const std::size_t place = sentence.find('@'); place != std::string::npos)
-            sentence.replace(place, 1, part == nullptr ? text::quoted(call.object) : m_places.nameOf(*part));
+            sentence.replace(place, 1, part == nullptr ? inFull(call.object) : m_places.nameOf(*part));
         sentence += ": " + text::printable(report(call)) + ".";
         if (count > 1)
             sentence += " So do " + text::counted(count - 1, "further call") + " of this kind.";

@@ -24,6 +24,9 @@ struct PartOf
 /// The endpoints that own or reach a thing, by the spelling of the survey, in its order.
 using Owners = std::vector<std::string>;
 
+/// An id between quotation marks, never cut, so that it can be searched for.
+std::string inFull(const std::string& id);
+
 /// Looks up the things of a survey. Survey and snapshot must outlive it.
 class Places
 {
@@ -55,6 +58,8 @@ public:
     /// "Speakers (Analog Audio)"; with the card where the name does not contain it.
     std::string titleOf(const std::string& endpoint) const;
     std::optional<Card> cardOf(const std::string& endpoint) const;
+    /// The card of most of them.
+    std::optional<Card> cardOf(const Owners& owners) const;
     /// The name of a part between quotation marks, or how its id ends.
     std::string nameOf(const sim::Part& part) const;
 

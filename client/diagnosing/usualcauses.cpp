@@ -17,8 +17,9 @@ constexpr const char* deviceGone = "The device was unplugged, or its driver was 
                                    "asked. Look again; if it stays so, plug the device in anew.";
 constexpr const char* noDriver = "The device that it belonged to is no longer installed. Windows still remembers the "
                                  "endpoint; installing the driver again brings the device back.";
-constexpr const char* driverSilent = "An error in the driver: it reports success and gives nothing. A newer driver may "
-                                     "be better.";
+constexpr const char* driverSilent =
+    "The driver has an error: it reports success and gives nothing. A newer driver may "
+    "be better.";
 constexpr const char* driverFails = "The driver does not say why. Restarting the device or installing a newer driver "
                                     "often helps.";
 constexpr const char* driverRefuses = "The driver does not implement it. Only another driver can.";

@@ -8,7 +8,7 @@ namespace sonavit::diagnosing
 {
 namespace
 {
-constexpr const char* badDriver = "An error in the driver. A newer one may be better.";
+constexpr const char* badDriver = "The driver has an error. A newer one may be better.";
 /// Decibels; drivers store levels rounded.
 constexpr float tolerance = 0.01F;
 
@@ -122,8 +122,8 @@ void findVolumeFaults(const Places& places, Findings& findings)
                                     "volume-missing",
                                     "It is active and has no volume.",
                                     "Programs can neither change how loud it is nor silence it.",
-                                    "A driver that leaves the volume to the device, as with some digital outputs, or "
-                                    "that fails to offer one.",
+                                    "Some drivers leave the volume to the device, as with digital outputs; others fail "
+                                    "to offer one.",
                                     {}});
     }
 }

@@ -5,6 +5,9 @@
 #include "simulator/machine/file/cursor.h"
 #include "simulator/machine/property.h"
 
+#include <cstdint>
+#include <vector>
+
 namespace sim
 {
 /// A property's name, or its key as keyText() writes it.
@@ -20,6 +23,14 @@ struct PropertyValueCodec
 {
     PropertyValue read(const JsonCursor& cursor) const;
     JsonValue write(const PropertyValue& value) const;
+    JsonValue schema() const;
+};
+
+/// Bytes in an object, as pairs of hexadecimal digits: {"blob": "00FF"}.
+struct BlobCodec
+{
+    std::vector<std::uint8_t> read(const JsonCursor& cursor) const;
+    JsonValue write(const std::vector<std::uint8_t>& bytes) const;
     JsonValue schema() const;
 };
 

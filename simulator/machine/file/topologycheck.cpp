@@ -47,21 +47,9 @@ void MachineCheck::partList(const std::vector<AnyPart>& parts, std::unordered_se
             report(FilePlace(partPlace, "localId"), "a local id that is unique in the topology",
                    "duplicate " + std::to_string(anyPart.localId));
         if constexpr (std::is_same_v<AnyPart, Connector>)
-        {
-            requireName(connectorTypeNames, parts[index].type, FilePlace(partPlace, "kind"));
-            for (std::size_t jack = 0; jack < parts[index].jacks.size(); ++jack)
-                jackNames(parts[index].jacks[jack], FilePlace(partPlace, "jacks", jack));
-        }
+            requireName(directionNames, parts[index].direction, FilePlace(partPlace, "direction"));
         part(anyPart, known, partPlace);
     }
-}
-
-void MachineCheck::jackNames(const Jack& jack, const FilePlace& place)
-{
-    requireName(jackConnectionNames, jack.connection, FilePlace(place, "connection"));
-    requireName(geometricLocationNames, jack.geometricLocation, FilePlace(place, "geometricLocation"));
-    requireName(generalLocationNames, jack.generalLocation, FilePlace(place, "generalLocation"));
-    requireName(portConnectionNames, jack.portConnection, FilePlace(place, "portConnection"));
 }
 
 void MachineCheck::part(const Part& part, const PartsById& known, const FilePlace& place)
@@ -82,7 +70,7 @@ void MachineCheck::levels(const std::vector<ChannelLevel>& channels, const FileP
         const ChannelLevel& channel = channels[index];
         const FilePlace channelPlace(place, "channels", index);
         range(channel.minimum, channel.maximum, channel.step, channelPlace);
-        level(channel.level, channel.minimum, channel.maximum, FilePlace(channelPlace, "level"));
+        decibels(channel.level, FilePlace(channelPlace, "level"));
     }
 }
 

@@ -15,10 +15,9 @@ TEST_F(SurveyEndpoints, RecordsThemInTheOrderOfTheMachine)
 
     const capturing::Survey found = survey();
 
-    ASSERT_EQ(machine.endpoints.size(), found.machine.endpoints.size());
+    std::vector<std::string> ids;
     for (std::size_t index = 0; index < machine.endpoints.size(); ++index)
         EXPECT_EQ(machine.endpoints[index].id, found.machine.endpoints[index].id);
     EXPECT_THAT(found.failures, testing::IsEmpty());
-    std::cout << sim::writeMachine(found.machine);
 }
 }

@@ -401,6 +401,47 @@ TEST(MachineFileWrite, KeepsEveryCharacterButZero)
     EXPECT_TRUE(machine == sim::readMachine(text, "characters.json"));
 }
 
+TEST(MachineFileWrite, KeepsTheNumbersOfJacksAndConnectorsThatHaveNoName)
+{
+    for (const std::uint32_t number : {99u, 0x80000000u, 0xFFFFFFFFu})
+    {
+        sim::Machine machine = sample::machine();
+        sim::Connector& connector = machine.adapters.front().topology->connectors.front();
+        connector.type = static_cast<ConnectorType>(number);
+        connector.jacks.front().connection = static_cast<EPcxConnectionType>(number);
+        connector.jacks.front().geometricLocation = static_cast<EPcxGeoLocation>(number);
+        connector.jacks.front().generalLocation = static_cast<EPcxGenLocation>(number);
+        connector.jacks.front().portConnection = static_cast<EPxcPortConnection>(number);
+
+        const std::string text = sim::writeMachine(machine);
+
+        EXPECT_TRUE(machine == sim::readMachine(text, "n.json")) << text;
+        EXPECT_THAT(text, AllOf(HasSubstr("\"kind\": " + std::to_string(number)),
+                                HasSubstr("\"connection\": " + std::to_string(number)),
+                                HasSubstr("\"portConnection\": " + std::to_string(number))));
+    }
+}
+
+TEST(MachineFileWrite, NamesTheInterfacesOfFurtherControlsThatItKnows)
+{
+    const std::string text = sim::writeMachine(sample::machine());
+
+    EXPECT_THAT(text, AllOf(HasSubstr("{\"interface\": \"IAudioAutoGainControl\", \"name\": \"Automatic Gain\"}"),
+                            HasSubstr("{\"interface\": \"{AAAAAAAA-0001-0002-0304-05060708090A}\"}")));
+}
+
+TEST(MachineFileRead, RefusesAMixFormatOfNoBytes)
+{
+    EXPECT_THAT(errorOf(
+                    []
+                    {
+                        sim::readMachine(
+                            R"({"name": "n", "endpoints": [{"id": "E", "flow": "render", "mixFormat": {"blob": ""}}]})",
+                            "n.json");
+                    }),
+                HasSubstr("/endpoints/0/mixFormat: expected the bytes of a WAVEFORMATEX"));
+}
+
 TEST(MachineFileWrite, GivesEachMachineThatShipsBack)
 {
     ASSERT_THAT(sim::machineNames(),
