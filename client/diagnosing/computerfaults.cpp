@@ -77,8 +77,9 @@ private:
 void judgeIds(const Places& places, Findings& findings)
 {
     std::map<std::string, std::string> known;
-    for (const sim::Endpoint& endpoint : places.machine().endpoints)
+    for (const sim::Endpoint* const listed : places.listed())
     {
+        const sim::Endpoint& endpoint = *listed;
         const auto [place, isNew] = known.emplace(text::lowerCase(endpoint.id), endpoint.id);
         if (!isNew)
             findings.addOfEndpoint(endpoint.id,
@@ -93,8 +94,9 @@ void judgeIds(const Places& places, Findings& findings)
 
 void judgeStates(const Places& places, Findings& findings)
 {
-    for (const sim::Endpoint& endpoint : places.machine().endpoints)
+    for (const sim::Endpoint* const listed : places.listed())
     {
+        const sim::Endpoint& endpoint = *listed;
         constexpr std::array<std::uint32_t, 4> states = {sim::stateActive, sim::stateDisabled, sim::stateNotPresent,
                                                          sim::stateUnplugged};
         const bool isKnown = std::find(states.begin(), states.end(), endpoint.state) != states.end();

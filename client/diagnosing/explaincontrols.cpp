@@ -78,7 +78,7 @@ private:
         {
             if (level.stop == stop)
                 addLevel(level,
-                         std::string("Next to ") + (isOwn(stop) ? "its connector" : nameOf(nodeAt(stop))) + " is ",
+                         std::string("Next to ") + (isOnlyOwn(stop) ? "its connector" : nameOf(nodeAt(stop))) + " is ",
                          level.isFed ? "IPart::EnumPartsIncoming" : "IPart::EnumPartsOutgoing", idAt(stop));
         }
     }
@@ -88,28 +88,27 @@ private:
         return m_subject.survey.machine.adapter(nodeAt(stop).device->id) != nullptr;
     }
 
+    bool isOnlyOwn(std::size_t stop) const { return isOwn(stop) && m_surveyed->topology->connectors.size() == 1; }
     bool isOwn(std::size_t stop) const { return m_road.stops[stop].by == Road::By::start; }
 
     void addLevel(const Road::Level& level, const std::string& place, const std::string& call,
                   const std::string& object)
     {
-        std::string sentence = place + "the volume node " + nameOf(m_wiring[level.volume]);
+        std::string sentence = place + "the volume node " + labelOf(m_wiring[level.volume]);
         if (!level.isControl)
         {
             m_facts.add(sentence + ", but it offers no IAudioVolumeLevel: no control.",
                         "IPart::Activate(IAudioVolumeLevel)", m_wiring.idOf(level.volume));
             return;
         }
-        sentence += level.mute == Wiring::none ? ", without a mute" : " with the mute " + nameOf(m_wiring[level.mute]);
+        sentence += level.mute == Wiring::none ? ", without a mute" : " with the mute " + labelOf(m_wiring[level.mute]);
         m_facts.add(sentence + ": a control.", call, object);
     }
 
     void addJoin(std::size_t stop)
     {
         const Wiring::Node& node = nodeAt(stop);
-        const std::string start =
-            (isOwn(stop) && m_surveyed->topology->connectors.size() == 1 ? "Its connector"
-                                                                         : sentenceFrom(nameOf(node)));
+        const std::string start = (isOnlyOwn(stop) ? "Its connector" : sentenceFrom(nameOf(node)));
         for (const Road::Stop& next : m_road.stops)
         {
             if (next.from != stop || next.by != Road::By::join)
@@ -124,10 +123,10 @@ private:
         const std::optional<sim::Peer> peer = m_subject.survey.machine.peer(node.part->id);
         if (peer && peer->device)
             m_facts.add(start + " leads to the device " + text::printable(*peer->device) +
-                            ", but to none of its connectors. The search ends there.",
+                            ", but to none of its connectors. This way ends there.",
                         "IConnector::GetDeviceIdConnectedTo", idAt(stop));
         else if (isOwn(stop))
-            m_facts.add(start + " is joined to nothing. The search ends there.", "IConnector::GetConnectedTo",
+            m_facts.add(start + " is joined to nothing. This way ends there.", "IConnector::GetConnectedTo",
                         idAt(stop));
     }
 
@@ -246,9 +245,9 @@ private:
         for (const Control& control : *m_subject.controls)
             reported.push_back(control.id);
         if (found != reported)
-            m_facts.add(
-                "A second search a moment later has found other controls than this one: the hardware has changed, "
-                "or a call failed in one of them alone. The second one counts.");
+            m_facts.add("A second search a moment later has found other controls than this one: the hardware has "
+                        "changed, a call failed in one of them alone, or something is behind two adapters that cannot "
+                        "be opened. The second one counts.");
     }
 
     std::string conclusion() const

@@ -68,18 +68,21 @@ std::string kindWords(const GUID& type)
     return kind == NodeKind::other ? guid.text() : wordsOf(kind);
 }
 
-std::string nameOf(const Wiring::Node& node)
+std::string labelOf(const Wiring::Node& node)
 {
     const sim::OptionalString& name = node.part->name;
-    if (name && !name->empty())
-        return named(*name);
-    return (node.connector == nullptr ? "the node " : "the connector ") + text::hexCode(node.part->localId);
+    return name && !name->empty() ? named(*name) : text::hexCode(node.part->localId);
+}
+
+std::string nameOf(const Wiring::Node& node)
+{
+    const std::string label = labelOf(node);
+    return label.front() == '"' ? label : (node.connector == nullptr ? "the node " : "the connector ") + label;
 }
 
 std::string connectorWords(const Wiring::Node& node)
 {
-    const std::string name = nameOf(node);
-    return name.front() == '"' ? "the connector " + name : name;
+    return "the connector " + labelOf(node);
 }
 
 std::string sentenceFrom(std::string text)

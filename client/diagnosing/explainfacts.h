@@ -43,7 +43,9 @@ std::string named(const std::string& name);
 /// "Microphone", or the GUID of a kind without a name.
 std::string kindWords(const GUID& type);
 
-/// Its name in quotation marks; without one its number: "the connector 0x00010000".
+/// Its name in quotation marks; without one its number: "0x00010000".
+std::string labelOf(const Wiring::Node& node);
+/// The same with what it is before a number: "the connector 0x00010000".
 std::string nameOf(const Wiring::Node& node);
 /// The same with "the connector" before a name, too.
 std::string connectorWords(const Wiring::Node& node);

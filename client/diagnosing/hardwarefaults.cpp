@@ -28,20 +28,21 @@ public:
         const std::optional<sim::Peer> peer = m_places.machine().peer(connector.id);
         if (!peer || fails("GetDeviceIdConnectedTo", connector) || fails("GetConnectedTo", connector))
             return;
-        const PartOf far = m_places.part(peer->connector);
+        const PartOf behind = m_places.part(peer->connector);
         if (!peer->device)
             add(connector, "joined-device-unnamed", " to a device that has no id.", noJack, badDriver);
         else if (!isOpenable(*peer->device))
-            judgeClosed(connector, *peer->device, far);
-        else if (far.part == nullptr)
+            judgeClosed(connector, *peer->device, behind);
+        else if (behind.part == nullptr)
             judgeMissing(connector, *peer->device);
-        else if (far.device->id != *peer->device)
+        else if (behind.device->id != *peer->device)
             add(connector, "joined-to-two",
-                " to " + inFull(*peer->device) + " by its id and to " + inFull(far.device->id) + " by its connector.",
+                " to " + inFull(*peer->device) + " by its id and to " + inFull(behind.device->id) +
+                    " by its connector.",
                 "Which hardware belongs to it is not certain.", badDriver);
         else if (!m_places.machine().peer(peer->connector))
             add(connector, "join-one-way",
-                " to " + m_places.nameOf(*far.part) + ", which says that nothing is connected to it.",
+                " to " + m_places.nameOf(*behind.part) + ", which says that nothing is connected to it.",
                 "Programs that start from the hardware do not find the way back to it.", badDriver);
     }
 
@@ -57,12 +58,12 @@ private:
         return device != nullptr && device->openable;
     }
 
-    void judgeClosed(const sim::Connector& connector, const std::string& device, const PartOf& far)
+    void judgeClosed(const sim::Connector& connector, const std::string& device, const PartOf& behind)
     {
         if (m_places.hasFailure("IMMDeviceEnumerator::GetDevice", "enumerator", device))
             return;
         const std::string target = " to " + inFull(device) + ", ";
-        if (far.part != nullptr)
+        if (behind.part != nullptr)
             add(connector, "joined-device-closed", target + "which Windows cannot open by that id.",
                 "Programs that open the card by its id find neither the jack nor its controls.", oldJoin);
         else
@@ -200,8 +201,9 @@ void findHardwareFaults(const Places& places, Findings& findings)
         for (const sim::Subunit& subunit : device.topology->subunits)
             judgePart(places, findings, subunit);
     };
-    for (const sim::Endpoint& endpoint : places.machine().endpoints)
+    for (const sim::Endpoint* const listed : places.listed())
     {
+        const sim::Endpoint& endpoint = *listed;
         judgeEndpoint(places, findings, endpoint);
         judgeParts(endpoint);
     }

@@ -157,7 +157,7 @@ void findOddities(const Places& places, Findings& findings)
     judgeTitles(places, findings);
     for (const Endpoint& endpoint : places.snapshot().endpoints())
         judgeJack(findings, endpoint);
-    for (const sim::Endpoint& endpoint : places.machine().endpoints)
-        judgeHardwareVolume(places, findings, endpoint);
+    for (const sim::Endpoint* const endpoint : places.listed())
+        judgeHardwareVolume(places, findings, *endpoint);
 }
 }

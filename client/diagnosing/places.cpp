@@ -42,8 +42,10 @@ Places::Places(const capturing::Survey& survey, const Snapshot& snapshot) : m_su
     for (const sim::Endpoint& endpoint : machine().endpoints)
     {
         index(endpoint);
-        if (endpoint.installed)
-            m_listed[text::lowerCase(endpoint.id)] = true;
+        if (!endpoint.installed)
+            continue;
+        m_listed.push_back(&endpoint);
+        m_listedIds.insert(text::lowerCase(endpoint.id));
     }
     for (const sim::Adapter& adapter : machine().adapters)
         index(adapter);
@@ -134,7 +136,7 @@ PartOf Places::part(const std::string& id) const
 
 bool Places::isListed(const std::string& id) const
 {
-    return m_listed.count(text::lowerCase(id)) > 0;
+    return m_listedIds.count(text::lowerCase(id)) > 0;
 }
 
 /// The part or device that the object's name begins with; empty if there is none.

@@ -225,8 +225,9 @@ private:
 
 void findPropertyFaults(const Places& places, Findings& findings)
 {
-    for (const sim::Endpoint& endpoint : places.machine().endpoints)
+    for (const sim::Endpoint* const listed : places.listed())
     {
+        const sim::Endpoint& endpoint = *listed;
         PropertyJudge judge(places, findings, endpoint);
         judge.judgeNames();
         judge.judgePath();

@@ -45,6 +45,8 @@ constexpr const char* miscounted =
 constexpr const char* staleObject =
     "The driver or the audio service was restarted since the program opened it. Start the program again.";
 constexpr const char* inUse = "Another program uses the device for itself alone. Close it.";
+constexpr const char* badFormat = "Windows has kept a format that the device cannot have. Setting another one in the "
+                                  "sound settings may help.";
 constexpr const char* wrongForm = "The driver's setup (INF) file has written it in another form. A newer driver may be "
                                   "better.";
 
@@ -57,7 +59,7 @@ struct CauseOf
 };
 
 // The first row that fits counts.
-constexpr std::array<CauseOf, 60> causes = {{
+constexpr std::array<CauseOf, 61> causes = {{
     {2, "wave", "", waveGone},
     {6, "wave", "", waveGone},
     {7, "wave", "", noMemory},
@@ -116,6 +118,7 @@ constexpr std::array<CauseOf, 60> causes = {{
     {0x800401FD, "", "", staleObject},
     {0x80040154, "", "", notInstalled},
     {0x80040155, "", "", notInstalled},
+    {0x88890008, "", "", badFormat},
     {0x8007000E, "", "", noMemory},
     {0x800705AA, "", "", noMemory},
 }};

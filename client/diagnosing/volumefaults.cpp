@@ -111,8 +111,9 @@ private:
 
 void findVolumeFaults(const Places& places, Findings& findings)
 {
-    for (const sim::Endpoint& endpoint : places.machine().endpoints)
+    for (const sim::Endpoint* const listed : places.listed())
     {
+        const sim::Endpoint& endpoint = *listed;
         if (endpoint.volume)
             VolumeJudge(places, findings, endpoint).judge();
         else if (endpoint.state == sim::stateActive &&

@@ -2,6 +2,7 @@
 #include "simulator/machine/file/check.h"
 #include "simulator/machine/file/codecs.h"
 #include "simulator/machine/file/propertycodecs.h"
+#include "simulator/machine/file/propertyforms.h"
 #include "simulator/machine/file/shortids.h"
 
 namespace sim

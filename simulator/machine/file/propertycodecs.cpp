@@ -73,21 +73,6 @@ JsonValue PropertyValueCodec::schema() const
     return reference(definition::propertyValue);
 }
 
-std::vector<std::uint8_t> BlobCodec::read(const JsonCursor& cursor) const
-{
-    return readAs(blobForm(), VT_BLOB, cursor).bytes;
-}
-
-JsonValue BlobCodec::write(const std::vector<std::uint8_t>& bytes) const
-{
-    return blobForm().write(PropertyValue::ofBytes(bytes));
-}
-
-JsonValue BlobCodec::schema() const
-{
-    return reference(blobForm().name());
-}
-
 Properties PropertiesCodec::read(const JsonCursor& cursor) const
 {
     const std::vector<JsonCursor::Member> members = cursor.members();

@@ -26,14 +26,6 @@ struct PropertyValueCodec
     JsonValue schema() const;
 };
 
-/// Bytes in an object, as pairs of hexadecimal digits: {"blob": "00FF"}.
-struct BlobCodec
-{
-    std::vector<std::uint8_t> read(const JsonCursor& cursor) const;
-    JsonValue write(const std::vector<std::uint8_t>& bytes) const;
-    JsonValue schema() const;
-};
-
 /// An object whose keys are the properties' keys.
 struct PropertiesCodec
 {

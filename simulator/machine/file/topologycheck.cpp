@@ -2,7 +2,7 @@
 #include "simulator/machine/file/machinecheck.h"
 
 #include <algorithm>
-#include <set>
+#include <map>
 #include <type_traits>
 #include <utility>
 
@@ -99,9 +99,10 @@ void MachineCheck::partId(const std::string& id, const PartsById& known, const F
         report(place, "the id of a part of this topology", inQuotes(id));
 }
 
+/// Behind a mixed path there may be another one, for callers that reject mixed ones.
 void MachineCheck::signalPaths(const Topology& topology, const PartsById& known, const FilePlace& place)
 {
-    std::set<std::pair<std::string_view, std::string_view>> taken;
+    std::map<std::pair<std::string_view, std::string_view>, bool> taken; // whether the path is mixed
     for (std::size_t index = 0; index < topology.signalPaths.size(); ++index)
     {
         const SignalPath& path = topology.signalPaths[index];
@@ -109,7 +110,10 @@ void MachineCheck::signalPaths(const Topology& topology, const PartsById& known,
         partId(path.from, known, FilePlace(pathPlace, "from"));
         partId(path.to, known, FilePlace(pathPlace, "to"));
         partIds(path.through, known, pathPlace, "through");
-        if (!taken.insert({path.from, path.to}).second)
+        const auto [other, isNew] = taken.insert({{path.from, path.to}, path.mixed});
+        const bool isOtherWay = other->second && !path.mixed;
+        other->second = path.mixed;
+        if (!isNew && !isOtherWay)
             report(pathPlace, "each pair of parts once",
                    "duplicate " + inQuotes(path.from) + " to " + inQuotes(path.to));
     }

@@ -11,8 +11,6 @@
 namespace
 {
 using namespace sonavit;
-using testing::Contains;
-using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 

@@ -1,6 +1,5 @@
 // A capture of a machine answers as the machine itself: examiner against examiner, journal against journal.
 #include "simulator/machine/file/machinefile.h"
-#include "simulator/machine/valuetext.h"
 #include "tests/client/capturing/capturetest.h"
 #include "tests/support/randommachine.h"
 

@@ -112,8 +112,7 @@ private:
             for (const sim::Connector& connector : device->topology->connectors)
             {
                 const std::optional<sim::Peer> peer = m_machine.peer(connector.id);
-                const sim::Device* const named =
-                    peer && peer->device ? m_machine.openDevice(*peer->device) : nullptr;
+                const sim::Device* const named = peer && peer->device ? m_machine.openDevice(*peer->device) : nullptr;
                 if (named != nullptr)
                     add(named->id);
                 if (peer && !peer->connector.empty())
@@ -139,8 +138,7 @@ private:
     {
         part.id = idOf(part.id);
         for (std::vector<std::string>* const list : {&part.incoming, &part.outgoing})
-            std::transform(list->begin(), list->end(), list->begin(),
-                           [&](const std::string& id) { return idOf(id); });
+            std::transform(list->begin(), list->end(), list->begin(), [&](const std::string& id) { return idOf(id); });
     }
 
     /// The topology as a survey should have it.
@@ -201,7 +199,8 @@ private:
             comparePeers(m_machine.peer(connector.id), m_surveyed.peer(idOf(connector.id)), connector.id);
     }
 
-    void comparePeers(std::optional<sim::Peer> expectedPeer, const std::optional<sim::Peer>& peer, const std::string& id)
+    void comparePeers(std::optional<sim::Peer> expectedPeer, const std::optional<sim::Peer>& peer,
+                      const std::string& id)
     {
         if (expectedPeer)
             expectedPeer->connector = idOf(expectedPeer->connector);

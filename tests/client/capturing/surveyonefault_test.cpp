@@ -3,7 +3,6 @@
 #include "tests/client/capturing/surveytest.h"
 
 #include <map>
-#include <set>
 #include <tuple>
 
 namespace
@@ -19,22 +18,12 @@ struct NthCall
     std::string text;
 };
 
-/// Calls that only free memory.
-bool onlyFrees(const std::string& operation)
-{
-    return operation == "CoTaskMemFree" || operation == "PropVariantClear" ||
-           operation.find("::Release") != std::string::npos;
-}
-
-std::vector<NthCall> callsOf(sim::Journal& journal)
+std::vector<NthCall> numbered(const std::vector<sim::JournalEntry>& entries)
 {
     std::vector<NthCall> calls;
     std::map<std::string, std::uint32_t> counts;
-    for (const sim::JournalEntry& entry : journal.entries())
-    {
-        if (!onlyFrees(entry.operation))
-            calls.push_back({entry.operation, ++counts[entry.operation], entry.line()});
-    }
+    for (const sim::JournalEntry& entry : entries)
+        calls.push_back({entry.operation, ++counts[entry.operation], entry.line()});
     return calls;
 }
 
@@ -43,42 +32,38 @@ using MachineAndOutcome = std::tuple<const char*, sim::FaultRule::Outcome>;
 class SurveyPlatformWithAFailingCall : public SurveyTest, public testing::WithParamInterface<MachineAndOutcome>
 {
 protected:
-    /// The calls of a survey without failures, QueryInterface included.
-    std::vector<NthCall> callsOfASurvey(const sim::Machine& machine)
+    /// The survey of a machine at which one call fails.
+    capturing::Survey surveyWithout(const sim::Machine& machine, const NthCall& call)
     {
-        std::vector<NthCall> calls;
-        surveyOf(machine,
-                 [&](sim::Simulation& simulation)
-                 {
-                     simulation.journal().recordReferences(true);
-                     survey();
-                     calls = callsOf(simulation.journal());
-                 });
-        return calls;
+        std::optional<sim::PlannedFault> fault;
+        const capturing::Survey found =
+            surveyOf(machine, [&](sim::Simulation& simulation) { fault = failOnce(simulation, call); });
+        EXPECT_EQ(1u, fault->fired());
+        return found;
     }
 
-    void failOnce(sim::Simulation& simulation, const NthCall& call)
+private:
+    static sim::PlannedFault failOnce(sim::Simulation& simulation, const NthCall& call)
     {
         sim::FaultRule rule;
         rule.operation = call.operation;
         rule.call = call.number;
         rule.outcome = std::get<1>(GetParam());
         rule.result = planned;
-        simulation.faults().add(rule);
+        return simulation.faults().add(rule);
     }
 };
 
 TEST_P(SurveyPlatformWithAFailingCall, FindsAMachineThatIsSurveyedWithTheSameResult)
 {
     const sim::Machine machine = machineWithoutHardware(std::get<0>(GetParam()));
-    const std::vector<NthCall> calls = callsOfASurvey(machine);
+    const std::vector<NthCall> calls = numbered(callsOfASurvey(machine));
     ASSERT_LT(40u, calls.size());
     for (const NthCall& call : calls)
     {
         SCOPED_TRACE(call.text);
 
-        const capturing::Survey found =
-            surveyOf(machine, [&](sim::Simulation& simulation) { failOnce(simulation, call); });
+        const capturing::Survey found = surveyWithout(machine, call);
 
         expectSame(found, replay(found));
         ASSERT_FALSE(HasFailure());

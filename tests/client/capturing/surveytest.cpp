@@ -6,6 +6,16 @@
 
 #include <utility>
 
+namespace
+{
+/// Calls that only count references or free memory.
+bool onlyCountsOrFrees(const std::string& operation)
+{
+    return operation == "CoTaskMemFree" || operation == "PropVariantClear" ||
+           operation.find("::Release") != std::string::npos || operation.find("::AddRef") != std::string::npos;
+}
+}
+
 void SurveyTest::TearDown()
 {
     m_com.reset();
@@ -41,6 +51,23 @@ capturing::Survey SurveyTest::replay(const capturing::Survey& found)
     sim::Machine machine = found.machine;
     machine.faults = capturing::faultRules(found.failures);
     return surveyOf(throughFile(machine));
+}
+
+std::vector<sim::JournalEntry> SurveyTest::callsOfASurvey(const sim::Machine& machine)
+{
+    std::vector<sim::JournalEntry> calls;
+    const auto record = [&](sim::Simulation& simulation)
+    {
+        simulation.journal().recordReferences(true);
+        survey();
+        for (const sim::JournalEntry& entry : simulation.journal().entries())
+        {
+            if (!onlyCountsOrFrees(entry.operation))
+                calls.push_back(entry);
+        }
+    };
+    surveyOf(machine, record);
+    return calls;
 }
 
 void SurveyTest::enterCom()

@@ -35,6 +35,9 @@ protected:
     /// Surveys a machine that is as @p found says.
     capturing::Survey replay(const capturing::Survey& found);
 
+    /// The calls of a survey of @p machine that can fail, QueryInterface included.
+    std::vector<sim::JournalEntry> callsOfASurvey(const sim::Machine& machine);
+
 private:
     void enterCom();
 

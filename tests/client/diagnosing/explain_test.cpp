@@ -2,6 +2,7 @@
 
 #include "simulator/machine/builder/machinebuilder.h"
 #include "simulator/machine/file/machinefile.h"
+#include "simulator/machine/propertykeys.h"
 #include "tests/support/clienttest.h"
 #include "tests/support/randommachine.h"
 

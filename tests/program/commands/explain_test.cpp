@@ -38,15 +38,18 @@ TEST_F(ProgramExplain, AnswersTheFourQuestionsWithTheCallOfEachFact)
     EXPECT_THAT(answer.lines(), Contains("  So it is the default output for console, multimedia and communications."));
 }
 
-TEST_F(ProgramExplain, NamesTheObjectOfACallOnAnotherThanTheEndpoint)
+TEST_F(ProgramExplain, NamesTheObjectOfACallOnAnotherThanTheEndpointByTheEndOfItsId)
 {
     const sim::Machine machine = support::smallMachine();
+    const std::string jack = machine.peer(machine.endpoints[0].topology->connectors[0].id)->connector;
     run(machine);
 
     const support::Answer answer = call({"explain", "Speakers"});
+    const json facts = json::parse(call({"explain", "Speakers", "--json"}).out)["reasons"][1]["facts"];
 
-    EXPECT_THAT(answer.lines(), Contains("       IPart::GetSubType on " +
-                                         machine.peer(machine.endpoints[0].topology->connectors[0].id)->connector));
+    EXPECT_THAT(answer.lines(), Contains("       IPart::GetSubType on …" + jack.substr(jack.rfind('}') + 1)));
+    EXPECT_EQ("IPart::GetSubType", facts[2]["call"]);
+    EXPECT_EQ(jack, facts[2]["object"]);
 }
 
 TEST_F(ProgramExplain, FitsIntoATerminal)

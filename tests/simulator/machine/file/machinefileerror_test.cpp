@@ -202,9 +202,9 @@ const Broken wrongProperties[] = {
      endpointWith(R"("properties": {"formFactor": {"number": 9223372036854775808, "tag": "VT_I8"}})"),
      "m.json:3: /endpoints/0/properties/formFactor/number: expected a whole number from -9223372036854775808 to "
      "9223372036854775807, found 9223372036854775808"},
-    {"ALongRealThatIsTooLarge", endpointWith(R"("properties": {"formFactor": {"longReal": 1e309}})"),
+    {"ALongRealThatIsTooLarge", endpointWith(R"("properties": {"formFactor": {"longReal": "1e309"}})"),
      "m.json:3: /endpoints/0/properties/formFactor/longReal: expected a number in the range of double precision, found "
-     "1e309"},
+     "\"1e309\""},
     {"ALongRealWithTheBitsOfARealNumber", endpointWith(R"("properties": {"formFactor": {"longReal": "0x7FC00000"}})"),
      "m.json:3: /endpoints/0/properties/formFactor/longReal: expected a number in the range of double precision, found "
      "\"0x7FC00000\""},
@@ -308,9 +308,9 @@ const Broken wrongPlans[] = {
      with(R"("faults": [{"operation": "Release", "argument": "a", "arguments": ["b"], "result": "null"}])"),
      "m.json:2: /faults/0/arguments: expected a fault without \"argument\", found \"a\""},
     {"AnUnlistedPropertyThatIsListed",
-     endpointWith(R"("properties": {"fullName": "a"}, "unlistedProperties": {"fullName": "b"})"),
-     "m.json:3: /endpoints/0/unlistedProperties/fullName: expected a property that is not in \"properties\", found "
-     "duplicate \"fullName\""},
+     endpointWith(R"("properties": {"formFactor": 1}, "unlistedProperties": {"formFactor": 2})"),
+     "m.json:3: /endpoints/0/unlistedProperties/formFactor: expected a property that is not in \"properties\", found "
+     "duplicate \"formFactor\""},
     {"AnUnknownComposition", with(R"("composition": "some")"),
      "m.json:2: /composition: expected \"usual\" or \"none\", found \"some\""},
     {"ALatencyTwice",

@@ -102,6 +102,7 @@ inline std::vector<sim::Endpoint> endpoints()
     output.periods = sim::DevicePeriods{101587, 29025};
     output.mixFormat = sim::MixFormat{{24, 44100, 6}, false};
     output.properties = allKindsOfProperties();
+    output.unlistedProperties = {{sim::keys::association, sim::PropertyValue::ofText("unlisted")}};
     output.volume =
         sim::EndpointVolume{-60.0f, 6.0f, 0.25f, {-12.34f, -60.0f, 6.0f}, true, 5, {"SetMute", "GetVolumeRange"}};
     output.defaultFor = {eMultimedia, eCommunications};

@@ -283,7 +283,7 @@ TEST_F(MachineSchema, AgreesWithTheReaderOnWhatMayStandInOnePlace)
         {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "arguments": [1]}]})", false},
         {R"({"name": "m", "composition": "none"})", true},
         {R"({"name": "m", "composition": true})", false},
-        {endpoint(R"("properties": {"fullName": "a"}, "unlistedProperties": {"formFactor": 1})"), true},
+        {endpoint(R"("properties": {"jackSubType": "a"}, "unlistedProperties": {"formFactor": 1})"), true},
         {endpoint(R"("unlistedProperties": {"FormFactor": 1})"), false},
         {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "forMilliseconds": 8000}]})", true},
         {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "forMilliseconds": -1}]})", false},
