@@ -3,7 +3,7 @@
 #include "simulator/core/happening.h"
 #include "simulator/core/notifications.h"
 #include "simulator/core/state.h"
-#include "simulator/core/volumemath.h"
+#include "simulator/machine/volumemath.h"
 
 #include <algorithm>
 #include <chrono>

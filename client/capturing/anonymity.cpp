@@ -51,7 +51,7 @@ private:
 };
 
 /// Invents what replaces the secrets of a machine. It depends on their order and form and on nothing else, so that
-/// nobody can find an original by trying all of them.
+/// an original cannot be found by trying all of them.
 class Invention
 {
 public:
@@ -124,6 +124,15 @@ std::vector<std::uint8_t> bytesOf(const std::u32string& digits)
     return bytes;
 }
 
+std::uint64_t numberOf(const std::vector<std::uint8_t>& bytes)
+{
+    std::uint64_t number = 0;
+    for (const std::uint8_t byte : bytes)
+        number = number << 8 | byte;
+    return number;
+}
+
+/// Further forms of an address: with separators, as bytes in either order, and as a number.
 void addAddress(Rules& rules, const std::u32string& original, const std::u32string& replacement)
 {
     for (const char32_t separator : {U':', U'-'})
@@ -131,6 +140,7 @@ void addAddress(Rules& rules, const std::u32string& original, const std::u32stri
     std::vector<std::uint8_t> from = bytesOf(original);
     std::vector<std::uint8_t> to = bytesOf(replacement);
     rules.addBytes(from, to);
+    rules.addNumber(numberOf(from), numberOf(to));
     std::reverse(from.begin(), from.end());
     std::reverse(to.begin(), to.end());
     rules.addBytes(from, to);

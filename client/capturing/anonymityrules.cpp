@@ -4,8 +4,6 @@
 #include "simulator/machine/valuetext.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <iterator>
 #include <optional>
 #include <string_view>
@@ -78,6 +76,11 @@ void Rules::addBytes(const std::vector<std::uint8_t>& original, const std::vecto
     m_bytes.push_back({original, replacement});
 }
 
+void Rules::addNumber(std::uint64_t original, std::uint64_t replacement)
+{
+    m_numbers.emplace(original, replacement);
+}
+
 bool Rules::replaceIn(std::u32string& characters) const
 {
     const std::u32string text = folded(characters);
@@ -133,6 +136,13 @@ void Rules::replaceIn(std::vector<std::uint8_t>& bytes) const
     }
 }
 
+void Rules::replaceIn(std::uint64_t& number) const
+{
+    const auto found = m_numbers.find(number);
+    if (found != m_numbers.end())
+        number = found->second;
+}
+
 /// A GUID has the form of its string: hexadecimal digits are replaced by such digits.
 void Replacing::guid(GUID& guid)
 {
@@ -140,18 +150,5 @@ void Replacing::guid(GUID& guid)
     m_rules.replaceIn(text);
     if (const std::optional<GUID> other = sim::guidFromText(text))
         guid = *other;
-}
-
-/// The address of a Bluetooth device may be a number of 48 bits.
-void Replacing::number(std::uint64_t& number)
-{
-    if (number >> 48 != 0)
-        return;
-    char digits[13] = {};
-    std::snprintf(digits, sizeof digits, "%012llx", static_cast<unsigned long long>(number));
-    std::string text = digits;
-    m_rules.replaceIn(text);
-    if (text != digits)
-        number = std::strtoull(text.c_str(), nullptr, 16);
 }
 }

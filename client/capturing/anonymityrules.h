@@ -35,12 +35,14 @@ public:
     void add(Rule rule);
     /// Bytes of blobs that are no string.
     void addBytes(const std::vector<std::uint8_t>& original, const std::vector<std::uint8_t>& replacement);
+    void addNumber(std::uint64_t original, std::uint64_t replacement);
 
     /// Whether something was replaced.
     bool replaceIn(std::u32string& characters) const;
     void replaceIn(std::string& text) const;
     /// Bytes, strings in UTF-8 or another code that contains ASCII, and strings in UTF-16.
     void replaceIn(std::vector<std::uint8_t>& bytes) const;
+    void replaceIn(std::uint64_t& number) const;
 
 private:
     struct Bytes
@@ -51,6 +53,7 @@ private:
 
     std::unordered_map<char32_t, std::vector<Rule>> m_rules; ///< by the first character, long ones first
     std::vector<Bytes> m_bytes;
+    std::unordered_map<std::uint64_t, std::uint64_t> m_numbers;
 };
 
 /// Whether @p original, in lower case, is at @p position of @p text, in lower case, with the extent that counts.
@@ -64,7 +67,7 @@ public:
 
     void text(std::string& text) override { m_rules.replaceIn(text); }
     void guid(GUID& guid) override;
-    void number(std::uint64_t& number) override;
+    void number(std::uint64_t& number) override { m_rules.replaceIn(number); }
     void bytes(std::vector<std::uint8_t>& bytes) override { m_rules.replaceIn(bytes); }
 
 private:

@@ -142,7 +142,6 @@ Handle<I> ControlSurvey::activated(const IID& iid, const char* name)
     return Handle<I>(isThere ? static_cast<I*>(object) : nullptr);
 }
 
-/// A volume without a channel gets one.
 bool ControlSurvey::askVolume()
 {
     const auto level = activated<IAudioVolumeLevel>(IID_IAudioVolumeLevel, "IAudioVolumeLevel");
@@ -150,17 +149,14 @@ bool ControlSurvey::askVolume()
         return false;
     std::vector<sim::ChannelLevel>& channels = m_record.volume.emplace().channels;
     UINT count = 0;
-    if (m_failures.passes(level->GetChannelCount(&count), {"IAudioVolumeLevel::GetChannelCount"}))
-    {
-        if (count == 0 || count > sim::maximumChannels)
-            m_recorder.note("A level has " + argument(count) + " channels; a machine file contains 1 to " +
-                            argument(sim::maximumChannels) + ".");
-        const UINT last = static_cast<UINT>(std::min(std::size_t{count}, sim::maximumChannels));
-        for (UINT channel = 0; channel < last; ++channel)
-            channels.push_back(channelLevel(*level, channel));
-    }
-    if (channels.empty())
-        channels.emplace_back();
+    if (!m_failures.passes(level->GetChannelCount(&count), {"IAudioVolumeLevel::GetChannelCount"}))
+        count = 0;
+    if (count > sim::maximumChannels)
+        m_recorder.note("A level has " + argument(count) + " channels; a machine file contains at most " +
+                        argument(sim::maximumChannels) + ".");
+    const UINT last = static_cast<UINT>(std::min(std::size_t{count}, sim::maximumChannels));
+    for (UINT channel = 0; channel < last; ++channel)
+        channels.push_back(channelLevel(*level, channel));
     return true;
 }
 
@@ -168,46 +164,26 @@ bool ControlSurvey::askVolume()
 sim::ChannelLevel ControlSurvey::channelLevel(IAudioVolumeLevel& level, UINT channel)
 {
     sim::ChannelLevel record;
-    const bool hasRange = askRange(level, channel, record);
-    float decibels = 0;
-    bool hasLevel =
-        m_failures.passes(level.GetLevel(channel, &decibels), {"IAudioVolumeLevel::GetLevel", {argument(channel)}});
-    if (hasLevel && !std::isfinite(decibels))
-    {
-        hasLevel = false;
-        m_recorder.note("A level is no finite number; a machine file has another one.");
-    }
-    if (hasLevel && !hasRange)
-    {
-        record.minimum = std::min(record.minimum, decibels);
-        record.maximum = std::max(record.maximum, decibels);
-    }
-    record.level = std::clamp(hasLevel ? decibels : record.level, record.minimum, record.maximum);
-    if (hasLevel && record.level != decibels)
-        m_recorder.note("A level is outside its range; a machine file has the nearest one inside.");
-    return record;
-}
-
-bool ControlSurvey::askRange(IAudioVolumeLevel& level, UINT channel, sim::ChannelLevel& record)
-{
     sim::ChannelLevel found;
-    const HRESULT result = level.GetLevelRange(channel, &found.minimum, &found.maximum, &found.step);
-    if (!m_failures.passes(result, {"IAudioVolumeLevel::GetLevelRange", {argument(channel)}}))
-        return false;
-    const float span = found.maximum - found.minimum;
-    if (!std::isfinite(span) || !(span > 0))
+    const HRESULT rangeResult = level.GetLevelRange(channel, &found.minimum, &found.maximum, &found.step);
+    if (m_failures.passes(rangeResult, {"IAudioVolumeLevel::GetLevelRange", {argument(channel)}}))
     {
-        m_recorder.note("A level has no range of finite numbers; a machine file has another one.");
-        return false;
+        const bool isRange = std::isfinite(found.minimum) && std::isfinite(found.maximum) &&
+                             std::isfinite(found.step) && found.minimum <= found.maximum && found.step >= 0;
+        if (isRange)
+            record = found;
+        else
+            m_recorder.note("A level has a range that is none; a machine file has another one.");
     }
-    record = found;
-    if (!(found.step > 0 && found.step <= span))
-    {
-        m_recorder.note("A step does not fit into the range of its level; a machine file has the whole range.");
-        record.step = span;
-    }
-    record.level = 0;
-    return true;
+    found.level = record.level;
+    const HRESULT result = level.GetLevel(channel, &found.level);
+    if (!m_failures.passes(result, {"IAudioVolumeLevel::GetLevel", {argument(channel)}}))
+        return record;
+    if (std::isfinite(found.level))
+        record.level = found.level;
+    else
+        m_recorder.note("A level is no finite number; a machine file has another one.");
+    return record;
 }
 
 bool ControlSurvey::askMute()
@@ -239,12 +215,7 @@ void ControlSurvey::askConnector(IConnector& connector)
 {
     ConnectorType type = m_record.type;
     if (m_failures.passes(connector.GetType(&type), {"IConnector::GetType"}))
-    {
-        if (sim::hasName(sim::connectorTypeNames, type))
-            m_record.type = type;
-        else
-            m_recorder.note("A connector has a type that a machine file cannot contain.");
-    }
+        m_record.type = type;
     DataFlow direction = m_record.direction;
     if (m_failures.passes(connector.GetDataFlow(&direction), {"IConnector::GetDataFlow"}))
     {

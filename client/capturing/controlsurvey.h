@@ -62,7 +62,6 @@ private:
     bool askMute();
     bool askSelector();
     sim::ChannelLevel channelLevel(IAudioVolumeLevel& level, UINT channel);
-    bool askRange(IAudioVolumeLevel& level, UINT channel, sim::ChannelLevel& record);
 
     IPart& m_part;
     sim::Connector& m_record;

@@ -48,9 +48,7 @@ bool surveyState(IMMDevice& device, sim::Device& record, Recorder& recorder)
     DWORD state = 0;
     if (!recorder.passes(device.GetState(&state), {"IMMDevice::GetState", record.id}))
         return false;
-    record.state = state & allStates;
-    if (record.state != state)
-        recorder.note("The state of " + record.id + " is " + argument(state) + ", which has bits that no state has.");
+    record.state = static_cast<std::uint32_t>(state);
     return true;
 }
 

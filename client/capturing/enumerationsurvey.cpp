@@ -95,7 +95,7 @@ private:
             endpoint.flow = listedFlow(endpoint);
         if (!surveyState(device, endpoint, m_recorder))
             endpoint.state = listedState(endpoint);
-        else if (endpoint.state == 0)
+        else if ((endpoint.state & DEVICE_STATEMASK_ALL) == 0)
         {
             m_recorder.givesNull({"IMMDevice::GetState", endpoint.id}); // no list would contain it
             endpoint.state = listedState(endpoint);

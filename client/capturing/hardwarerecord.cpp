@@ -237,37 +237,38 @@ std::vector<std::string> HardwareRecord::idsOf(const std::vector<std::size_t>& p
 /// Whether two connectors report each other and each other's device.
 bool HardwareRecord::isMutual(std::size_t part) const
 {
-    const FoundPart& near = m_parts[part];
-    const FoundPart& far = m_parts[near.farSide.part];
+    const FoundPart& nearEnd = m_parts[part];
+    const FoundPart& farEnd = m_parts[nearEnd.farSide.part];
     const auto names = [&](const FarSide& side, std::size_t device)
     { return !side.device || *side.device == m_devices[device].id; };
-    return far.farSide.part == part && names(near.farSide, far.device) && names(far.farSide, near.device);
+    return farEnd.farSide.part == part && names(nearEnd.farSide, farEnd.device) &&
+           names(farEnd.farSide, nearEnd.device);
 }
 
 void HardwareRecord::writeJoin(std::size_t part)
 {
-    const FoundPart& near = m_parts[part];
-    if (!near.farSide.isJoined)
+    const FoundPart& nearEnd = m_parts[part];
+    if (!nearEnd.farSide.isJoined)
         return;
     sim::Join join;
-    join.from = near.record.id;
+    join.from = nearEnd.record.id;
     join.bothWays = false;
-    if (near.farSide.part == part)
-        m_recorder.note(near.record.id + " is joined to itself; a machine file contains only the device's id.");
-    if (near.farSide.part == none || near.farSide.part == part)
+    if (nearEnd.farSide.part == part)
+        m_recorder.note(nearEnd.record.id + " is joined to itself; a machine file contains only the device's id.");
+    if (nearEnd.farSide.part == none || nearEnd.farSide.part == part)
     {
-        join.toDevice = near.farSide.device.value_or("");
+        join.toDevice = nearEnd.farSide.device.value_or("");
         m_machine.joins.push_back(std::move(join));
         return;
     }
-    const FoundPart& far = m_parts[near.farSide.part];
-    join.to = far.record.id;
+    const FoundPart& farEnd = m_parts[nearEnd.farSide.part];
+    join.to = farEnd.record.id;
     join.bothWays = isMutual(part);
-    if (near.farSide.device && *near.farSide.device != m_devices[far.device].id)
-        join.toDevice = near.farSide.device;
-    const bool isTold = join.bothWays && m_told.count(part) != 0; // by the join of the far connector
+    if (nearEnd.farSide.device && *nearEnd.farSide.device != m_devices[farEnd.device].id)
+        join.toDevice = nearEnd.farSide.device;
+    const bool isTold = join.bothWays && m_told.count(part) != 0; // by the join of the farEnd connector
     if (join.bothWays)
-        m_told.insert(near.farSide.part);
+        m_told.insert(nearEnd.farSide.part);
     if (!isTold)
         m_machine.joins.push_back(std::move(join));
 }

@@ -107,7 +107,7 @@ private:
 
     // Joins.
     void followConnector(std::size_t part);
-    FarAnswers farAnswers(FoundPart& near);
+    FarAnswers farAnswers(FoundPart& nearEnd);
     std::size_t farPart(FarAnswers& answers);
     std::size_t ownerOf(const reading::Handle<IPart>& part, Identity& identity, const FarAnswers& answers);
     OwnTopology topologyOf(IPart& part, Identity& identity);
@@ -116,7 +116,7 @@ private:
     std::size_t stubNamed(const std::vector<sim::OptionalString>& ids);
     std::size_t namedConnector(const FarAnswers& answers);
     bool hasGap(std::size_t device) const;
-    void judgeFarSide(FoundPart& near, const FarAnswers& answers);
+    void judgeFarSide(FoundPart& nearEnd, const FarAnswers& answers);
 
     // Signal paths.
     bool askPaths(std::size_t device);

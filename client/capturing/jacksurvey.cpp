@@ -1,7 +1,6 @@
 // The descriptions of a connector's jacks.
 #include "client/capturing/controlsurvey.h"
 #include "client/capturing/listitems.h"
-#include "simulator/machine/namedvalues.h"
 
 #include <algorithm>
 
@@ -88,20 +87,10 @@ private:
         jack.channels = static_cast<std::uint32_t>(description.ChannelMapping);
         jack.colour = static_cast<std::uint32_t>(description.Color);
         jack.connected = description.IsConnected != FALSE;
-        take(sim::jackConnectionNames, description.ConnectionType, jack.connection);
-        take(sim::geometricLocationNames, description.GeoLocation, jack.geometricLocation);
-        take(sim::generalLocationNames, description.GenLocation, jack.generalLocation);
-        take(sim::portConnectionNames, description.PortConnection, jack.portConnection);
-    }
-
-    template<class Table, class Value>
-    void take(const Table& names, Value found, Value& value)
-    {
-        if (sim::hasName(names, found))
-            value = found;
-        else
-            m_recorder.note("The description of a jack has the value " + argument(static_cast<int>(found)) +
-                            ", which a machine file cannot contain.");
+        jack.connection = description.ConnectionType;
+        jack.geometricLocation = description.GeoLocation;
+        jack.generalLocation = description.GenLocation;
+        jack.portConnection = description.PortConnection;
     }
 
     void addCapabilities(IKsJackDescription2& descriptions, UINT index)

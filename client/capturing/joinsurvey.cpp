@@ -11,11 +11,12 @@ using reading::Handle;
 
 void HardwareSurvey::followConnector(std::size_t part)
 {
-    FoundPart& near = m_parts[part];
-    near.isFollowed = true;
+    FoundPart& nearEnd = m_parts[part];
+    nearEnd.isFollowed = true;
     BOOL isConnected = FALSE;
-    const bool isTold = near.failures.passes(near.connector->IsConnected(&isConnected), {"IConnector::IsConnected"});
-    FarAnswers answers = farAnswers(near);
+    const bool isTold =
+        nearEnd.failures.passes(nearEnd.connector->IsConnected(&isConnected), {"IConnector::IsConnected"});
+    FarAnswers answers = farAnswers(nearEnd);
     std::size_t peer = answers.connector.get() == nullptr ? none : farPart(answers);
     if (peer == none)
         peer = namedConnector(answers);
@@ -24,16 +25,16 @@ void HardwareSurvey::followConnector(std::size_t part)
         m_parts[peer].nearName = *answers.connectorId;
         m_partsByNearName.emplace(*answers.connectorId, peer);
     }
-    near.farSide = {peer != none || answers.deviceId || isConnected != FALSE, peer, answers.deviceId};
-    if (isTold && near.farSide.isJoined != (isConnected != FALSE))
-        m_recorder.note("A connector reports what is on its far side, and that it is not connected.");
-    judgeFarSide(near, answers);
+    nearEnd.farSide = {peer != none || answers.deviceId || isConnected != FALSE, peer, answers.deviceId};
+    if (isTold && nearEnd.farSide.isJoined != (isConnected != FALSE))
+        m_recorder.note("A connector reports what is on its farEnd side, and that it is not connected.");
+    judgeFarSide(nearEnd, answers);
 }
 
-HardwareSurvey::FarAnswers HardwareSurvey::farAnswers(FoundPart& near)
+HardwareSurvey::FarAnswers HardwareSurvey::farAnswers(FoundPart& nearEnd)
 {
     FarAnswers answers;
-    IConnector& connector = *near.connector;
+    IConnector& connector = *nearEnd.connector;
     IConnector* object = nullptr;
     answers.connectorResult = connector.GetConnectedTo(&object);
     if (SUCCEEDED(answers.connectorResult))
@@ -48,19 +49,19 @@ HardwareSurvey::FarAnswers HardwareSurvey::farAnswers(FoundPart& near)
 }
 
 /// Keeps the failures that the join does not show by itself.
-void HardwareSurvey::judgeFarSide(FoundPart& near, const FarAnswers& answers)
+void HardwareSurvey::judgeFarSide(FoundPart& nearEnd, const FarAnswers& answers)
 {
-    const HRESULT withoutPart = near.farSide.part == none ? E_NOTFOUND : S_OK;
-    const HRESULT withoutJoin = near.farSide.isJoined ? S_OK : E_NOTFOUND;
+    const HRESULT withoutPart = nearEnd.farSide.part == none ? E_NOTFOUND : S_OK;
+    const HRESULT withoutJoin = nearEnd.farSide.isJoined ? S_OK : E_NOTFOUND;
     const bool isThere = SUCCEEDED(answers.connectorResult);
     const IConnector* const connector = answers.connector.get();
-    if (near.failures.passes(answers.connectorResult, {"IConnector::GetConnectedTo"}, {withoutPart}) && isThere &&
+    if (nearEnd.failures.passes(answers.connectorResult, {"IConnector::GetConnectedTo"}, {withoutPart}) && isThere &&
         connector == nullptr)
-        near.failures.givesNull({"IConnector::GetConnectedTo"});
+        nearEnd.failures.givesNull({"IConnector::GetConnectedTo"});
     const auto judge = [&](HRESULT result, const std::optional<std::string>& text, const char* operation, HRESULT code)
     {
-        if (near.failures.passes(result, {operation}, {code}) && !text)
-            near.failures.givesNull({operation});
+        if (nearEnd.failures.passes(result, {operation}, {code}) && !text)
+            nearEnd.failures.givesNull({operation});
     };
     judge(answers.connectorIdResult, answers.connectorId, "IConnector::GetConnectorIdConnectedTo", withoutPart);
     judge(answers.deviceIdResult, answers.deviceId, "IConnector::GetDeviceIdConnectedTo", withoutJoin);

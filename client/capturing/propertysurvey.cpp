@@ -139,12 +139,12 @@ private:
             return {};
         }
         const VARTYPE tag = variant.get().vt;
-        std::optional<sim::PropertyValue> value = tag == VT_EMPTY ? sim::PropertyValue() : valueOf(variant.get());
-        if (!value)
-            m_recorder.note("The property " + sim::keyText(key) + " of " + m_record.id + " has a value with the tag " +
-                            argument(tag) + ", which no machine can have.");
+        RecordedValue value = recorded(variant.get());
+        if (!value.isWhole)
+            m_recorder.note("Of the property " + sim::keyText(key) + " of " + m_record.id + " the tag alone, " +
+                            argument(tag) + ", is recorded.");
         m_recorder.passes(variant.clear(), {"PropVariantClear", "", {argument(tag)}});
-        return value ? *value : placeholder();
+        return std::move(value.value);
     }
 
     IPropertyStore& m_store;

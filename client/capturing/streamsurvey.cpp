@@ -83,20 +83,28 @@ void surveyMixFormat(IAudioClient& client, sim::Endpoint& endpoint, Recorder& re
     if (!endpoint.mixFormat)
         endpoint.mixFormatBytes = std::move(bytes);
 }
-}
 
-void surveyStreams(IAudioClient& client, sim::Endpoint& endpoint, Recorder& recorder)
+void surveyPeriods(IAudioClient& client, sim::Endpoint& endpoint, Recorder& recorder)
 {
-    surveyMixFormat(client, endpoint, recorder);
+    const Call call = {"IAudioClient::GetDevicePeriod", endpoint.id};
     REFERENCE_TIME usual = 0;
     REFERENCE_TIME minimum = 0;
-    if (!recorder.passes(client.GetDevicePeriod(&usual, &minimum), {"IAudioClient::GetDevicePeriod", endpoint.id}))
+    if (!recorder.passes(client.GetDevicePeriod(&usual, &minimum), call))
         return;
+    if (usual == 0 && minimum == 0)
+        return recorder.givesNull(call);
     const REFERENCE_TIME possibleUsual = std::clamp<REFERENCE_TIME>(usual, 1, longestPeriod);
     const REFERENCE_TIME possibleMinimum = std::clamp<REFERENCE_TIME>(minimum, 1, possibleUsual);
     endpoint.periods = {static_cast<std::uint32_t>(possibleUsual), static_cast<std::uint32_t>(possibleMinimum)};
     if (possibleUsual != usual || possibleMinimum != minimum)
         recorder.note("The periods of " + endpoint.id + " are " + argument(usual) + " and " + argument(minimum) +
                       ", which no machine has.");
+}
+}
+
+void surveyStreams(IAudioClient& client, sim::Endpoint& endpoint, Recorder& recorder)
+{
+    surveyMixFormat(client, endpoint, recorder);
+    surveyPeriods(client, endpoint, recorder);
 }
 }

@@ -4,8 +4,6 @@
 
 #include "client/capturing/recorder.h"
 
-#include <optional>
-
 namespace sonavit::capturing
 {
 /// A value that the platform stores; clear() frees it, and the destructor does so if nothing else has.
@@ -33,6 +31,12 @@ private:
     PROPVARIANT m_value;
 };
 
-/// The value as a machine has it; no value if a machine cannot have it.
-std::optional<sim::PropertyValue> valueOf(const PROPVARIANT& variant);
+/// A value as a machine has it.
+struct RecordedValue
+{
+    sim::PropertyValue value;
+    bool isWhole = true; ///< false: a machine can have the tag alone
+};
+
+RecordedValue recorded(const PROPVARIANT& variant);
 }

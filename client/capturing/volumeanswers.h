@@ -25,6 +25,12 @@ struct RangeAnswers
     float step = 0;
 };
 
+struct StepAnswers
+{
+    std::uint32_t step = 0;
+    std::uint32_t count = 0;
+};
+
 struct VolumeAnswers
 {
     std::string endpoint; ///< id
@@ -32,14 +38,14 @@ struct VolumeAnswers
     std::vector<LevelAnswers> channels;
     LevelAnswers master;
     bool muted = false;
-    std::optional<std::uint32_t> steps;
+    std::optional<StepAnswers> steps;
     std::uint32_t hardwareSupport = 0;
 };
 
 /// Asks the endpoint for all of it; no value if it gives no volume.
 std::optional<VolumeAnswers> askVolume(IMMDevice& device, const std::string& endpointId, Recorder& recorder);
 
-/// The taper that the levels show; no value if they do not tell, because all are at an end of the range.
+/// The taper that the levels show; no value if they do not say it, as all are at an end of the range.
 std::optional<sim::Taper> shownTaper(const VolumeAnswers& answers);
 
 /// The volume that answers so.

@@ -1,17 +1,16 @@
 #include "client/capturing/volumeanswers.h"
-
-#include "simulator/core/volumemath.h"
+#include "simulator/machine/volumemath.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace sonavit::capturing
 {
 namespace
 {
 constexpr std::uint32_t allHardwareSupport = 1 | 2 | 4;
-constexpr float infinity = std::numeric_limits<float>::infinity();
 
 std::vector<LevelAnswers> allLevels(const VolumeAnswers& answers)
 {
@@ -20,7 +19,7 @@ std::vector<LevelAnswers> allLevels(const VolumeAnswers& answers)
     return all;
 }
 
-/// The range in place of one that could not be read: the usual one, so far as the levels fit into it.
+/// The range in place of one that could not be read: the usual one, or wider if the levels do not fit into it.
 RangeAnswers assumedRange(const VolumeAnswers& answers)
 {
     const sim::EndpointVolume usual;
@@ -33,43 +32,25 @@ RangeAnswers assumedRange(const VolumeAnswers& answers)
     return range;
 }
 
-/// The nearest range that a machine can have: it is not empty, and a step is not longer than the range.
-RangeAnswers possibleRange(const RangeAnswers& range)
-{
-    RangeAnswers possible = range;
-    if (!(range.minimum < range.maximum))
-        possible.maximum = std::nextafter(range.minimum, infinity);
-    const float length = possible.maximum - possible.minimum;
-    if (!(range.step > 0.0f))
-        possible.step = std::min(length, std::numeric_limits<float>::min());
-    possible.step = std::min(possible.step, length);
-    return possible;
-}
-
-bool isSame(const RangeAnswers& left, const RangeAnswers& right)
-{
-    return left.minimum == right.minimum && left.maximum == right.maximum && left.step == right.step;
-}
-
-/// The range as a volume without levels.
+/// The range as a volume without levels. The nearest that a machine can have: its end is not below its beginning.
 sim::EndpointVolume withRange(const VolumeAnswers& answers)
 {
-    const RangeAnswers range = possibleRange(answers.range ? *answers.range : assumedRange(answers));
+    const RangeAnswers range = answers.range ? *answers.range : assumedRange(answers);
     sim::EndpointVolume volume;
+    volume.channels.clear();
     volume.minimum = range.minimum;
-    volume.maximum = range.maximum;
-    volume.step = range.step;
+    volume.maximum = std::max(range.minimum, range.maximum);
+    volume.step = std::max(range.step, 0.0f);
     return volume;
 }
 
-/// The levels within the range of @p volume that are known in both scales and are at none of its ends, where all tapers
-/// are the same; in rising order, each level once.
-std::vector<sim::TaperPoint> tellingPoints(const VolumeAnswers& answers, const sim::EndpointVolume& volume)
+/// The levels that are known in both scales, in rising order, each once.
+std::vector<sim::TaperPoint> knownPoints(const VolumeAnswers& answers)
 {
     std::vector<sim::TaperPoint> points;
     for (const LevelAnswers& each : allLevels(answers))
     {
-        if (each.level && each.scalar && *each.level > volume.minimum && *each.level < volume.maximum)
+        if (each.level && each.scalar)
             points.push_back({*each.level, *each.scalar});
     }
     const auto isLower = [](const sim::TaperPoint& left, const sim::TaperPoint& right)
@@ -81,6 +62,18 @@ std::vector<sim::TaperPoint> tellingPoints(const VolumeAnswers& answers, const s
     return points;
 }
 
+/// Without those whose scalar is lower than one before, which a machine cannot have.
+std::vector<sim::TaperPoint> risingPoints(const VolumeAnswers& answers)
+{
+    std::vector<sim::TaperPoint> rising;
+    for (const sim::TaperPoint& point : knownPoints(answers))
+    {
+        if (rising.empty() || point.scalar >= rising.back().scalar)
+            rising.push_back(point);
+    }
+    return rising;
+}
+
 bool fits(const std::vector<sim::TaperPoint>& points, sim::EndpointVolume volume, sim::Taper taper)
 {
     volume.taper = taper;
@@ -89,70 +82,109 @@ bool fits(const std::vector<sim::TaperPoint>& points, sim::EndpointVolume volume
                        { return sim::scalarLevel(volume, point.level) == point.scalar; });
 }
 
-/// Within the range, which a machine requires.
-float possibleLevel(float level, const sim::EndpointVolume& volume, const VolumeAnswers& answers, Recorder& recorder)
+/// The level nearest to that of @p scalar whose scalar is exactly that.
+float levelOf(const sim::EndpointVolume& volume, float scalar)
 {
-    const float possible = std::clamp(level, volume.minimum, volume.maximum);
-    if (possible != level)
-        recorder.note("A volume level of " + answers.endpoint + " is outside its range.");
-    return possible;
+    constexpr int mostRoundings = 64;
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    const float level = sim::decibelLevel(volume, std::clamp(scalar, 0.0f, 1.0f));
+    float lower = level;
+    float higher = level;
+    for (int step = 0; step < mostRoundings; ++step)
+    {
+        for (const float candidate : {lower, higher})
+        {
+            if (sim::scalarLevel(volume, candidate) == scalar)
+                return candidate;
+        }
+        lower = std::nextafter(lower, -infinity);
+        higher = std::nextafter(higher, infinity);
+    }
+    return level;
 }
 
-/// The level of a channel that could not be read comes from its scalar level, or is the master level.
-float channelLevel(const LevelAnswers& channel, const sim::EndpointVolume& volume, const VolumeAnswers& answers,
-                   Recorder& recorder)
+/// What could not be read in decibels comes from the other scale; no value if neither could be read.
+std::optional<float> levelOf(const sim::EndpointVolume& volume, const LevelAnswers& answers)
 {
-    if (channel.level)
-        return possibleLevel(*channel.level, volume, answers, recorder);
-    if (channel.scalar)
-        return sim::decibelLevel(volume, std::clamp(*channel.scalar, 0.0f, 1.0f));
-    return std::clamp(answers.master.level.value_or(volume.maximum), volume.minimum, volume.maximum);
+    if (answers.level || !answers.scalar)
+        return answers.level;
+    return levelOf(volume, *answers.scalar);
 }
 
-void setLevels(sim::EndpointVolume& volume, const VolumeAnswers& answers, Recorder& recorder)
+void setLevels(sim::EndpointVolume& volume, const VolumeAnswers& answers)
 {
-    volume.channels.clear();
+    const float usual = levelOf(volume, answers.master).value_or(volume.maximum);
     for (const LevelAnswers& channel : answers.channels)
-        volume.channels.push_back(channelLevel(channel, volume, answers, recorder));
-    if (volume.channels.empty())
-        volume.channels.push_back(channelLevel(answers.master, volume, answers, recorder));
-    if (!answers.master.level)
+        volume.channels.push_back(levelOf(volume, channel).value_or(usual));
+    const bool isShown = answers.master.level
+                             ? *answers.master.level == sim::masterLevel(volume)
+                             : !answers.master.scalar || sim::scalarLevel(volume, usual) ==
+                                                             sim::scalarLevel(volume, sim::masterLevel(volume));
+    if (!isShown)
+        volume.master = usual;
+}
+
+bool hasSteps(const sim::EndpointVolume& volume, const StepAnswers& steps)
+{
+    return sim::stepCount(volume) == steps.count && sim::stepOf(volume, sim::masterLevel(volume)) == steps.step;
+}
+
+/// A number of steps of its own changes which step a level is, too.
+void setSteps(sim::EndpointVolume& volume, const StepAnswers& steps, const std::string& endpoint, Recorder& recorder)
+{
+    if (hasSteps(volume, steps))
         return;
-    const float master = possibleLevel(*answers.master.level, volume, answers, recorder);
-    if (master != sim::masterLevel(volume))
-        volume.master = master;
+    sim::EndpointVolume withOwn = volume;
+    withOwn.steps = steps.count;
+    const bool isShown = hasSteps(withOwn, steps);
+    if (!isShown)
+        recorder.note("GetVolumeStepInfo of " + endpoint + " stores step " + argument(steps.step) + " of " +
+                      argument(steps.count) + ", which does not follow from its level.");
+    if (isShown || sim::stepCount(volume) != steps.count)
+        volume.steps = steps.count;
+}
+
+void noteWhatDiffers(const sim::EndpointVolume& volume, const VolumeAnswers& answers, Recorder& recorder)
+{
+    const bool hasRange =
+        !answers.range || (answers.range->maximum == volume.maximum && answers.range->step == volume.step);
+    if (!hasRange)
+        recorder.note("The volume range of " + answers.endpoint + " ends below its beginning, or has a step below 0.");
+    if (volume.hardwareSupport != answers.hardwareSupport)
+        recorder.note("QueryHardwareSupport of " + answers.endpoint + " stores bits without meaning.");
+    for (const LevelAnswers& each : allLevels(answers))
+    {
+        if (each.level && each.scalar && sim::scalarLevel(volume, *each.level) != *each.scalar)
+            recorder.note("The volume levels of " + answers.endpoint + " fall while their scalars rise.");
+    }
 }
 }
 
 std::optional<sim::Taper> shownTaper(const VolumeAnswers& answers)
 {
     const sim::EndpointVolume volume = withRange(answers);
-    const std::vector<sim::TaperPoint> points = tellingPoints(answers, volume);
-    if (points.empty())
+    const std::vector<sim::TaperPoint> points = knownPoints(answers);
+    const bool isLinear = fits(points, volume, sim::Taper::linear);
+    const bool isAudio = fits(points, volume, sim::Taper::audio);
+    if (isLinear && isAudio)
         return std::nullopt;
-    for (const sim::Taper taper : {sim::Taper::linear, sim::Taper::audio})
-    {
-        if (fits(points, volume, taper))
-            return taper;
-    }
-    return sim::Taper::measured;
+    if (isLinear)
+        return sim::Taper::linear;
+    return isAudio ? sim::Taper::audio : sim::Taper::measured;
 }
 
 sim::EndpointVolume volumeOf(const VolumeAnswers& answers, sim::Taper taper, Recorder& recorder)
 {
     sim::EndpointVolume volume = withRange(answers);
-    if (answers.range && !isSame(*answers.range, {volume.minimum, volume.maximum, volume.step}))
-        recorder.note("The volume range of " + answers.endpoint + " is empty, or its step does not fit into it.");
     volume.taper = taper;
     if (taper == sim::Taper::measured)
-        volume.taperPoints = tellingPoints(answers, volume);
-    setLevels(volume, answers, recorder);
+        volume.taperPoints = risingPoints(answers);
+    setLevels(volume, answers);
     volume.muted = answers.muted;
-    if (answers.steps && *answers.steps != sim::stepCount(volume))
-        volume.steps = answers.steps;
+    if (answers.steps)
+        setSteps(volume, *answers.steps, answers.endpoint, recorder);
     volume.hardwareSupport = answers.hardwareSupport & allHardwareSupport;
-    if (volume.hardwareSupport != answers.hardwareSupport)
-        recorder.note("QueryHardwareSupport of " + answers.endpoint + " stored bits that have no meaning.");
+    noteWhatDiffers(volume, answers, recorder);
     return volume;
 }
 }

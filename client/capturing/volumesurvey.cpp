@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace sonavit::capturing
 {
@@ -57,15 +58,11 @@ private:
         return std::nullopt;
     }
 
-    /// A volume without channels answers as one whose channels are not counted.
     UINT channelCount()
     {
         UINT count = 0;
-        const Call call = {"IAudioEndpointVolume::GetChannelCount", m_id};
-        if (!m_recorder.passes(m_volume.GetChannelCount(&count), call))
+        if (!m_recorder.passes(m_volume.GetChannelCount(&count), {"IAudioEndpointVolume::GetChannelCount", m_id}))
             return 0;
-        if (count == 0)
-            m_recorder.givesNull(call);
         if (count > mostChannels)
             m_recorder.note("The volume of " + m_id + " has " + argument(count) + " channels; the first " +
                             argument(mostChannels) + " are recorded.");
@@ -94,23 +91,30 @@ private:
         return answer;
     }
 
-    std::optional<std::uint32_t> steps()
+    std::optional<StepAnswers> steps()
     {
         UINT step = 0;
         UINT count = 0;
-        const bool isRead = m_recorder.passes(m_volume.GetVolumeStepInfo(&step, &count),
-                                              {"IAudioEndpointVolume::GetVolumeStepInfo", m_id});
-        return isRead ? std::optional<std::uint32_t>(count) : std::nullopt;
+        const Call call = {"IAudioEndpointVolume::GetVolumeStepInfo", m_id};
+        if (!m_recorder.passes(m_volume.GetVolumeStepInfo(&step, &count), call))
+            return std::nullopt;
+        if (count > 0)
+            return StepAnswers{step, count};
+        m_recorder.givesNull(call); // every volume has a step at least
+        return std::nullopt;
     }
 
+    /// The nearest finite number; no value for what is no number.
     std::optional<float> finite(HRESULT result, const float& number, const Call& call)
     {
         if (!m_recorder.passes(result, call))
             return std::nullopt;
-        if (std::isfinite(number))
-            return number;
-        m_recorder.note(std::string(call.operation) + " of " + m_id + " stored what is no finite number.");
-        return std::nullopt;
+        if (!std::isfinite(number))
+            m_recorder.note(std::string(call.operation) + " of " + m_id + " stores what is no finite number.");
+        if (std::isnan(number))
+            return std::nullopt;
+        constexpr float largest = std::numeric_limits<float>::max();
+        return std::clamp(number, -largest, largest);
     }
 
     IAudioEndpointVolume& m_volume;

@@ -42,7 +42,7 @@ public:
         if (!device.endpointId.empty() && m_places.isListed(device.endpointId))
             return;
         const std::string target =
-            device.endpointId.empty() ? "an empty id" : text::quoted(device.endpointId) + ", which is not listed";
+            device.endpointId.empty() ? "an empty id" : inFull(device.endpointId) + ", which is not listed";
         m_findings.addOfComputer({Finding::Kind::data, "wave-id-of-no-endpoint",
                                   subject + "names an endpoint that does not exist: " + target + ".",
                                   "Programs that use the old wave functions open something that lists do not show.",
@@ -77,8 +77,9 @@ private:
 void judgeIds(const Places& places, Findings& findings)
 {
     std::map<std::string, std::string> known;
-    for (const sim::Endpoint& endpoint : places.machine().endpoints)
+    for (const sim::Endpoint* const listed : places.listed())
     {
+        const sim::Endpoint& endpoint = *listed;
         const auto [place, isNew] = known.emplace(text::lowerCase(endpoint.id), endpoint.id);
         if (!isNew)
             findings.addOfEndpoint(endpoint.id,
@@ -93,8 +94,9 @@ void judgeIds(const Places& places, Findings& findings)
 
 void judgeStates(const Places& places, Findings& findings)
 {
-    for (const sim::Endpoint& endpoint : places.machine().endpoints)
+    for (const sim::Endpoint* const listed : places.listed())
     {
+        const sim::Endpoint& endpoint = *listed;
         constexpr std::array<std::uint32_t, 4> states = {sim::stateActive, sim::stateDisabled, sim::stateNotPresent,
                                                          sim::stateUnplugged};
         const bool isKnown = std::find(states.begin(), states.end(), endpoint.state) != states.end();
@@ -104,7 +106,7 @@ void judgeStates(const Places& places, Findings& findings)
                                     "Its state is " + std::to_string(endpoint.state) +
                                         ", which is none of active, disabled, not present and unplugged.",
                                     "Whether it can be used is not known; its volume and its jack are not looked for.",
-                                    "An error in Windows or in a program that stands between it and the driver.",
+                                    "Windows has an error, or a program that stands between it and the driver.",
                                     std::nullopt});
     }
 }
@@ -118,7 +120,7 @@ void judgeDefaults(const Places& places, Findings& findings)
             if (id.isEmpty() || places.isListed(id.text()))
                 continue;
             findings.addOfComputer({Finding::Kind::data, "default-not-listed",
-                                    "A default endpoint is " + text::quoted(id.text()) + ", which is not listed.",
+                                    "A default endpoint is " + inFull(id.text()) + ", which is not listed.",
                                     "Programs that use the default open something that lists do not show.",
                                     "Windows has not yet noticed that the device went away. Choose a default in the "
                                     "sound settings.",
@@ -139,7 +141,7 @@ void judgeParents(const Places& places, Findings& findings)
             std::none_of(card.endpoints().begin(), card.endpoints().end(), isThere))
             continue;
         findings.addOfCard(card, {Finding::Kind::data, "parent-unknown",
-                                  "Windows does not know to what its device " + text::quoted(*card.instanceId()) +
+                                  "Windows does not know to what its device " + inFull(*card.instanceId()) +
                                       " is attached: CM_Get_Parent finds no parent.",
                                   "A headset cannot be recognised in another USB port, and the parts of one USB device "
                                   "cannot be put together.",

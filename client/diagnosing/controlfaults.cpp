@@ -7,7 +7,7 @@ namespace sonavit::diagnosing
 {
 namespace
 {
-constexpr const char* badDriver = "An error in the driver. A newer one may be better.";
+constexpr const char* badDriver = "The driver has an error. A newer one may be better.";
 /// Decibels; drivers store levels rounded.
 constexpr float tolerance = 0.01F;
 

@@ -124,8 +124,8 @@ private:
         if (names.empty())
             m_facts.add("No other endpoint has " + what + ".", call, {});
         else
-            m_facts.add(text::counted(names.size(), "other endpoint") + (names.size() == 1 ? " has " : " have ") + what +
-                            ": " + listed(names) + ".",
+            m_facts.add(text::counted(names.size(), "other endpoint") + (names.size() == 1 ? " has " : " have ") +
+                            what + ": " + listed(names) + ".",
                         call, {});
     }
 
@@ -181,12 +181,16 @@ private:
             return card && card->id() != m_subject.place.card.id();
         };
         const auto hasPathButForCase = [&](const Endpoint& other)
-        { return path && other.instancePath() && *path != *other.instancePath() && text::equalNoCase(*path, *other.instancePath()); };
+        {
+            return path && other.instancePath() && *path != *other.instancePath() &&
+                   text::equalNoCase(*path, *other.instancePath());
+        };
         addElsewhere(namesOf(hasPathButForCase),
                      "the same path but for the case of letters. Paths are compared exactly, so", "another card",
                      pathCall);
         addElsewhere(namesOf(
-                         [&](const Endpoint& other) {
+                         [&](const Endpoint& other)
+                         {
                              return isElsewhere(other) && !hasPathButForCase(other) && groups(m_endpoint.container()) &&
                                     other.container() == m_endpoint.container();
                          }),
@@ -194,7 +198,8 @@ private:
                          ". A container counts only if neither has an instance path, so",
                      "another card", containerCall);
         addElsewhere(namesOf(
-                         [&](const Endpoint& other) {
+                         [&](const Endpoint& other)
+                         {
                              return isElsewhere(other) && !hasPathButForCase(other) && m_endpoint.interfaceName() &&
                                     other.interfaceName() == m_endpoint.interfaceName() &&
                                     (other.container() != m_endpoint.container() || !groups(m_endpoint.container()));
@@ -210,7 +215,9 @@ private:
         if (names.empty())
             return;
         const bool isOne = names.size() == 1;
-        m_facts.add(listed(names) + (isOne ? " has " : " have ") + what + (isOne ? " it is in " : " they are in ") + where + ".", call, {});
+        m_facts.add(listed(names) + (isOne ? " has " : " have ") + what + (isOne ? " it is in " : " they are in ") +
+                        where + ".",
+                    call, {});
     }
 
     std::string conclusion() const

@@ -65,9 +65,10 @@ private:
     void addStart()
     {
         const std::size_t count = m_surveyed->topology->connectors.size();
-        m_facts.add(count == 0   ? "Its hardware graph has no connector, so no wire leads to a control."
-                    : count == 1 ? "It has one connector. The search for controls begins there."
-                                 : "It has " + std::to_string(count) + " connectors. The search for controls begins there.",
+        m_facts.add(count == 0 ? "Its hardware graph has no connector, so no wire leads to a control."
+                    : count == 1
+                        ? "It has one connector. The search for controls begins there."
+                        : "It has " + std::to_string(count) + " connectors. The search for controls begins there.",
                     "IDeviceTopology::GetConnectorCount", m_subject.endpoint().id().text());
     }
 
@@ -76,48 +77,56 @@ private:
         for (const Road::Level& level : m_road.levels)
         {
             if (level.stop == stop)
-                addLevel(level, std::string("Next to ") + (isOwn(stop) ? "its connector" : nameOf(nodeAt(stop))) + " is ",
+                addLevel(level,
+                         std::string("Next to ") + (isOnlyOwn(stop) ? "its connector" : nameOf(nodeAt(stop))) + " is ",
                          level.isFed ? "IPart::EnumPartsIncoming" : "IPart::EnumPartsOutgoing", idAt(stop));
         }
     }
 
+    bool isOnAdapter(std::size_t stop) const
+    {
+        return m_subject.survey.machine.adapter(nodeAt(stop).device->id) != nullptr;
+    }
+
+    bool isOnlyOwn(std::size_t stop) const { return isOwn(stop) && m_surveyed->topology->connectors.size() == 1; }
     bool isOwn(std::size_t stop) const { return m_road.stops[stop].by == Road::By::start; }
 
-    void addLevel(const Road::Level& level, const std::string& place, const std::string& call, const std::string& object)
+    void addLevel(const Road::Level& level, const std::string& place, const std::string& call,
+                  const std::string& object)
     {
-        std::string sentence = place + "the volume node " + nameOf(m_wiring[level.volume]);
+        std::string sentence = place + "the volume node " + labelOf(m_wiring[level.volume]);
         if (!level.isControl)
         {
             m_facts.add(sentence + ", but it offers no IAudioVolumeLevel: no control.",
                         "IPart::Activate(IAudioVolumeLevel)", m_wiring.idOf(level.volume));
             return;
         }
-        sentence += level.mute == Wiring::none ? ", without a mute" : " with the mute " + nameOf(m_wiring[level.mute]);
+        sentence += level.mute == Wiring::none ? ", without a mute" : " with the mute " + labelOf(m_wiring[level.mute]);
         m_facts.add(sentence + ": a control.", call, object);
     }
 
     void addJoin(std::size_t stop)
     {
         const Wiring::Node& node = nodeAt(stop);
-        const std::string start = (isOwn(stop) && m_surveyed->topology->connectors.size() == 1 ? "Its connector" : nameOf(node));
+        const std::string start = (isOnlyOwn(stop) ? "Its connector" : sentenceFrom(nameOf(node)));
         for (const Road::Stop& next : m_road.stops)
         {
             if (next.from != stop || next.by != Road::By::join)
                 continue;
-            const Wiring::Node& far = m_wiring[next.connector];
-            m_facts.add(start + " is joined to the connector " + nameOf(far) + " of " + deviceWords(*far.device) + ".",
+            const Wiring::Node& other = m_wiring[next.connector];
+            m_facts.add(start + " is joined to " + connectorWords(other) + " of " + deviceWords(*other.device) + ".",
                         "IConnector::GetConnectedTo", idAt(stop));
-            addClosed(*far.device);
+            addClosed(*other.device);
         }
         if (node.peer != Wiring::none)
             return;
         const std::optional<sim::Peer> peer = m_subject.survey.machine.peer(node.part->id);
         if (peer && peer->device)
             m_facts.add(start + " leads to the device " + text::printable(*peer->device) +
-                            ", but to none of its connectors. The search ends there.",
+                            ", but to none of its connectors. This way ends there.",
                         "IConnector::GetDeviceIdConnectedTo", idAt(stop));
         else if (isOwn(stop))
-            m_facts.add(start + " is joined to nothing. The search ends there.", "IConnector::GetConnectedTo",
+            m_facts.add(start + " is joined to nothing. This way ends there.", "IConnector::GetConnectedTo",
                         idAt(stop));
     }
 
@@ -140,10 +149,9 @@ private:
         if (names.empty())
             return;
         const std::string start = nameOf(nodeAt(stop));
-        m_facts.add(names.size() == 1
-                        ? "A signal path connects " + start + " with " + names.front() + "."
-                        : "Signal paths connect " + start + " with " + std::to_string(names.size()) +
-                              " connectors: " + listed(names) + ".",
+        m_facts.add(names.size() == 1 ? "A signal path connects " + start + " with " + names.front() + "."
+                                      : "Signal paths connect " + start + " with " + std::to_string(names.size()) +
+                                            " connectors: " + listed(names) + ".",
                     "IDeviceTopology::GetSignalPath", nodeAt(stop).device->id);
     }
 
@@ -154,11 +162,14 @@ private:
         {
             const bool hasLevel = std::any_of(m_road.levels.begin(), m_road.levels.end(),
                                               [&](const Road::Level& level) { return level.stop == stop; });
-            if (!hasLevel && !isOwn(stop))
-                names.push_back(nameOf(nodeAt(stop)));
+            const std::string name = nameOf(nodeAt(stop));
+            if (!hasLevel && isOnAdapter(stop) && std::find(names.begin(), names.end(), name) == names.end())
+                names.push_back(name);
         }
         if (!names.empty())
-            m_facts.add("No further volume node is next to " + listed(names) + ".", "IPart::EnumPartsIncoming", {});
+            m_facts.add("No further volume node is next to a connector that the search reaches; " + listed(names) +
+                            (names.size() == 1 ? " has none." : " have none."),
+                        "IPart::EnumPartsIncoming", {});
     }
 
     void addLevelsBetween()
@@ -201,15 +212,18 @@ private:
 
     static bool concernsHardware(const capturing::FailedCall& failure)
     {
-        static const std::vector<std::string> others = {"IPropertyStore::", "IAudioEndpointVolume::", "IAudioClient",
-                                                        "IKsJackDescription", "IPart::GetName", "IMMDevice::OpenPropertyStore", "IMMDevice::GetState"};
+        static const std::vector<std::string> others = {
+            "IPropertyStore::", "IAudioEndpointVolume::",       "IAudioClient",       "IKsJackDescription",
+            "IPart::GetName",   "IMMDevice::OpenPropertyStore", "IMMDevice::GetState"};
         if (failure.operation == "IMMDevice::Activate")
             return !failure.arguments.empty() && failure.arguments.front() == "IDeviceTopology";
         if (failure.operation == "IPart::Activate")
             return !failure.arguments.empty() &&
-                   std::any_of(failure.arguments.begin(), failure.arguments.end(), [](const std::string& argument)
+                   std::any_of(failure.arguments.begin(), failure.arguments.end(),
+                               [](const std::string& argument)
                                { return argument == "IAudioVolumeLevel" || argument == "IAudioMute"; });
-        return std::none_of(others.begin(), others.end(), [&](const std::string& other)
+        return std::none_of(others.begin(), others.end(),
+                            [&](const std::string& other)
                             { return failure.operation.compare(0, other.size(), other) == 0; });
     }
 
@@ -231,8 +245,9 @@ private:
         for (const Control& control : *m_subject.controls)
             reported.push_back(control.id);
         if (found != reported)
-            m_facts.add("A second search a moment later has found other controls than this one: the hardware has changed, "
-                        "or a call failed in one of them alone. The second one counts.");
+            m_facts.add("A second search a moment later has found other controls than this one: the hardware has "
+                        "changed, a call failed in one of them alone, or something is behind two adapters that cannot "
+                        "be opened. The second one counts.");
     }
 
     std::string conclusion() const

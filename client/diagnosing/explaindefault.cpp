@@ -91,14 +91,16 @@ private:
                         "IPropertyStore::GetValue(formFactor)", m_endpoint.id().text());
         const std::vector<std::string> rivals = activeRivals();
         if (rivals.empty())
-            m_facts.add(std::string("No other ") + wordsOf(m_endpoint.flow()) + " is active.", "IMMDevice::GetState", {});
+            m_facts.add(std::string("No other ") + wordsOf(m_endpoint.flow()) + " is active.", "IMMDevice::GetState",
+                        {});
         else
         {
             m_facts.add(text::counted(rivals.size(), std::string("other ") + wordsOf(m_endpoint.flow())) +
                             (rivals.size() == 1 ? " is active: " : " are active: ") + listed(rivals) + ".",
                         "IMMDevice::GetState", {});
-            m_facts.add("Windows takes the active endpoint that the user has chosen, for each role; without a choice it "
-                        "goes by the form of the jack. It does not report which of the two it was.");
+            m_facts.add(
+                "Windows takes the active endpoint that the user has chosen, for each role; without a choice it "
+                "goes by the form of the jack. It does not report which of the two it was.");
         }
     }
 

@@ -5,10 +5,17 @@
 #include "sonavit/nodekind.h"
 #include "sonavit/text.h"
 
+#include <string_view>
 #include <utility>
 
 namespace sonavit::diagnosing
 {
+namespace
+{
+/// How the ids of endpoints begin, and of no adapter.
+constexpr std::string_view endpointIdStart = "{0.0.";
+}
+
 FactList::FactList(Reason::Question question, std::string title)
 {
     m_reason.question = question;
@@ -61,18 +68,38 @@ std::string kindWords(const GUID& type)
     return kind == NodeKind::other ? guid.text() : wordsOf(kind);
 }
 
-std::string nameOf(const Wiring::Node& node)
+std::string labelOf(const Wiring::Node& node)
 {
     const sim::OptionalString& name = node.part->name;
-    return name && !name->empty() ? named(*name) : "part " + text::hexCode(node.part->localId);
+    return name && !name->empty() ? named(*name) : text::hexCode(node.part->localId);
+}
+
+std::string nameOf(const Wiring::Node& node)
+{
+    const std::string label = labelOf(node);
+    return label.front() == '"' ? label : (node.connector == nullptr ? "the node " : "the connector ") + label;
+}
+
+std::string connectorWords(const Wiring::Node& node)
+{
+    return "the connector " + labelOf(node);
+}
+
+std::string sentenceFrom(std::string text)
+{
+    if (!text.empty() && text.front() >= 'a' && text.front() <= 'z')
+        text.front() = static_cast<char>(text.front() - 'a' + 'A');
+    return text;
 }
 
 std::string deviceWords(const sim::Device& device)
 {
-    if (device.id.compare(0, 4, "{0.0") == 0)
-        return "an endpoint";
-    const sim::PropertyValue* const name = sim::findProperty(device.properties, sim::keys::friendlyName);
+    // An endpoint's own name is its description; that of its device is the friendly name.
+    const bool isEndpoint = device.id.compare(0, endpointIdStart.size(), endpointIdStart) == 0;
+    const sim::PropertyValue* const name =
+        sim::findProperty(device.properties, isEndpoint ? sim::keys::deviceDescription : sim::keys::friendlyName);
     const bool isNamed = name != nullptr && name->tag == VT_LPWSTR && name->text && !name->text->empty();
-    return isNamed ? "the adapter " + named(*name->text) : "an adapter without a name";
+    const std::string words = isEndpoint ? "endpoint" : "adapter";
+    return isNamed ? "the " + words + " " + named(*name->text) : "an " + words + " without a name";
 }
 }

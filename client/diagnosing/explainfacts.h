@@ -43,9 +43,16 @@ std::string named(const std::string& name);
 /// "Microphone", or the GUID of a kind without a name.
 std::string kindWords(const GUID& type);
 
-/// The name in quotation marks, or "part 0x00010000" without one.
+/// Its name in quotation marks; without one its number: "0x00010000".
+std::string labelOf(const Wiring::Node& node);
+/// The same with what it is before a number: "the connector 0x00010000".
 std::string nameOf(const Wiring::Node& node);
+/// The same with "the connector" before a name, too.
+std::string connectorWords(const Wiring::Node& node);
 
-/// Its friendly name with "the adapter", or "an endpoint".
+/// @p text with a capital at its beginning.
+std::string sentenceFrom(std::string text);
+
+/// Its name with "the adapter" or "the endpoint" before it.
 std::string deviceWords(const sim::Device& device);
 }

@@ -56,7 +56,8 @@ private:
         const std::string& id = m_endpoint.id().text();
         if (!state)
         {
-            m_facts.add("Its state is not known, so its hardware is not asked for its jacks.", "IMMDevice::GetState", id);
+            m_facts.add("Its state is not known, so its hardware is not asked for its jacks.", "IMMDevice::GetState",
+                        id);
             return false;
         }
         const std::string words = std::string("Its state is ") + wordsOf(*state);
@@ -88,12 +89,13 @@ private:
                         "IDeviceTopology::GetConnector(0)", m_endpoint.id().text());
         if (own.peer == Wiring::none)
         {
-            m_facts.add("Its first connector is joined to no connector, so the kind of the jack is not known from there.",
-                        "IConnector::GetConnectedTo", m_wiring.idOf(connector));
+            m_facts.add(
+                "Its first connector is joined to no connector, so the kind of the jack is not known from there.",
+                "IConnector::GetConnectedTo", m_wiring.idOf(connector));
             return;
         }
-        const Wiring::Node& far = m_wiring[own.peer];
-        m_facts.add("Its first connector is joined to the connector " + nameOf(far) + " of " + deviceWords(*far.device) +
+        const Wiring::Node& jack = m_wiring[own.peer];
+        m_facts.add("Its first connector is joined to " + connectorWords(jack) + " of " + deviceWords(*jack.device) +
                         ". That is its jack.",
                     "IConnector::GetConnectedTo", m_wiring.idOf(connector));
         addKind(own.peer);
@@ -123,7 +125,8 @@ private:
                         "IPart::Activate(IKsJackDescription)", id);
             return;
         }
-        m_facts.add("It describes " + text::counted(found.size(), "jack") + ".", "IKsJackDescription::GetJackCount", id);
+        m_facts.add("It describes " + text::counted(found.size(), "jack") + ".", "IKsJackDescription::GetJackCount",
+                    id);
         for (std::size_t i = 0; i < std::min(found.size(), jacks.size()); ++i)
             addDescription(i, jacks[i], id);
     }
@@ -131,9 +134,11 @@ private:
     void addDescription(std::size_t index, const Jack& jack, const std::string& id)
     {
         const std::string words = description(jack);
-        std::string sentence = "Jack " + std::to_string(index + 1) + (words.empty() ? " has no colour and no place" : ": " + words);
+        std::string sentence =
+            "Jack " + std::to_string(index + 1) + (words.empty() ? " has no colour and no place" : ": " + words);
         if (jack.isConnected)
-            sentence += *jack.isConnected ? "; something is plugged in, or it cannot sense that" : "; nothing is plugged in";
+            sentence +=
+                *jack.isConnected ? "; something is plugged in, or it cannot sense that" : "; nothing is plugged in";
         m_facts.add(sentence + ".", "IKsJackDescription::GetJackDescription(" + std::to_string(index) + ")", id);
     }
 

@@ -49,13 +49,15 @@ public:
     void explain()
     {
         addMixedPaths();
-        addFact(Why::otherConnector, "next to a connector that the search does not reach", "IDeviceTopology::GetSignalPath");
-        addFact(Why::leadsAway, "on a wire that leads away: from these connectors to it, but not on to another of them",
+        addFact(Why::otherConnector, {"is next to a connector", "are next to connectors"},
+                " that the search does not reach, as no signal path leads there", "IDeviceTopology::GetSignalPath");
+        addFact(Why::leadsAway, {"gets", "get"}, " the sound of these connectors and passes it on to none of them",
                 "IPart::EnumPartsOutgoing");
-        addFact(Why::leadsHere, "on a wire that only ends here: from it to these connectors, but not from another of them",
+        addFact(Why::leadsHere, {"passes", "pass"}, " sound to these connectors without getting it from any of them",
                 "IPart::EnumPartsOutgoing");
-        addFact(Why::apart, "on no wire from or to these connectors", "IPart::EnumPartsOutgoing");
-        addFact(Why::otherKind, "part of a node of another kind; only volume nodes count", "IPart::GetSubType");
+        addFact(Why::apart, {"has", "have"}, " no wire from or to these connectors", "IPart::EnumPartsOutgoing");
+        addFact(Why::otherKind, {"belongs", "belong"}, " to a node of another kind, and only volume nodes count",
+                "IPart::GetSubType");
     }
 
 private:
@@ -93,14 +95,15 @@ private:
         }
         if (!names.empty())
             m_facts.add(text::counted(names.size(), "more signal path") + (names.size() == 1 ? " passes" : " pass") +
-                            " a sum, which mixes several sounds, and is not followed: " + listed(names) + ".",
+                            " a sum, which mixes several sounds. The search does not follow that: " + listed(names) +
+                            ".",
                         "IDeviceTopology::GetSignalPath", device);
     }
 
     bool isOnRoad(const std::string& connector) const
     {
-        return std::any_of(m_road.stops.begin(), m_road.stops.end(), [&](const Road::Stop& stop)
-                           { return m_wiring[stop.connector].part->id == connector; });
+        return std::any_of(m_road.stops.begin(), m_road.stops.end(),
+                           [&](const Road::Stop& stop) { return m_wiring[stop.connector].part->id == connector; });
     }
 
     std::string nameOf(const std::string& connector) const
@@ -111,7 +114,14 @@ private:
         return found == nodes.end() ? "-" : diagnosing::nameOf(*found);
     }
 
-    void addFact(Why why, const std::string& place, const std::string& call)
+    /// A verb for one thing and for several.
+    struct Verb
+    {
+        const char* one;
+        const char* several;
+    };
+
+    void addFact(Why why, const Verb& verb, const std::string& what, const std::string& call)
     {
         const std::vector<std::size_t>& levels = m_levels[static_cast<std::size_t>(why)];
         if (levels.empty())
@@ -123,8 +133,8 @@ private:
             names.push_back(diagnosing::nameOf(m_wiring[level]) + ownersOf(level));
             devices.insert(m_wiring[level].device->id);
         }
-        m_facts.add(text::counted(levels.size(), "other level") + (levels.size() == 1 ? " is " : " are ") + place + ": " +
-                        listed(names) + ".",
+        m_facts.add(text::counted(levels.size(), "other level") + " " + (levels.size() == 1 ? verb.one : verb.several) +
+                        what + ": " + listed(names) + ".",
                     call, devices.size() == 1 ? *devices.begin() : std::string());
     }
 

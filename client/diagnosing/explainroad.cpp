@@ -48,8 +48,7 @@ private:
     std::size_t between(std::size_t volume) const
     {
         const Nodes mutes = ofType(m_wiring, m_wiring.wired(volume), KSNODETYPE_MUTE);
-        const auto own =
-            std::find_if(mutes.begin(), mutes.end(), [&](std::size_t mute) { return isOf(mute, volume); });
+        const auto own = std::find_if(mutes.begin(), mutes.end(), [&](std::size_t mute) { return isOf(mute, volume); });
         return own == mutes.end() ? Wiring::none : *own;
     }
 
@@ -182,13 +181,14 @@ private:
             {
                 const auto from = fed.find(node);
                 const auto to = feeding.find(node);
-                if (m_wiring[node].device == device && m_wiring[node].isOfType(KSNODETYPE_VOLUME) && from != fed.end() &&
-                    to != feeding.end() && isBetweenNodes(m_wiring, node))
+                if (m_wiring[node].device == device && m_wiring[node].isOfType(KSNODETYPE_VOLUME) &&
+                    from != fed.end() && to != feeding.end() && isBetweenNodes(m_wiring, node))
                     levels.push_back({node, m_mutes.of(node), Wiring::none, false, offersLevel(node),
                                       std::min(from->second, to->second)});
             }
         }
-        std::stable_sort(levels.begin(), levels.end(), [](const Road::Level& left, const Road::Level& right)
+        std::stable_sort(levels.begin(), levels.end(),
+                         [](const Road::Level& left, const Road::Level& right)
                          { return left.distance < right.distance; });
         m_road.levels.insert(m_road.levels.end(), levels.begin(), levels.end());
     }

@@ -40,8 +40,8 @@ struct Road
     };
 
     std::vector<Stop> stops;
-    std::vector<Level> levels; ///< in the order of System::controls(), with volume nodes that offer no level
-    std::unordered_set<std::size_t> fed;     ///< the parts to which wires lead from its connectors
+    std::vector<Level> levels;           ///< in the order of System::controls(), with volume nodes that offer no level
+    std::unordered_set<std::size_t> fed; ///< the parts to which wires lead from its connectors
     std::unordered_set<std::size_t> feeding; ///< the parts from which wires lead to its connectors
 
     bool reaches(std::size_t connector) const;

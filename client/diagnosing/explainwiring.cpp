@@ -1,5 +1,7 @@
 #include "client/diagnosing/explainwiring.h"
 
+#include "sonavit/text.h"
+
 #include <algorithm>
 #include <set>
 
@@ -32,6 +34,7 @@ Wiring::Wiring(const capturing::Survey& survey)
     forEachTopology(survey.machine.endpoints, add);
     forEachTopology(survey.machine.adapters, add);
     connect(survey);
+    forgetUnseenJoins();
     addSources();
 }
 
@@ -40,7 +43,8 @@ void Wiring::addDevice(const sim::Device& device)
     m_devices.push_back(&device);
     const auto add = [&](const sim::Part& part, const sim::Connector* connector, std::size_t position)
     {
-        m_places.emplace(part.id, m_nodes.size());
+        if (!m_places.emplace(text::lowerCase(part.id), m_nodes.size()).second)
+            return;
         Node node;
         node.device = &device;
         node.part = &part;
@@ -72,7 +76,7 @@ void Wiring::connect(const capturing::Survey& survey)
         {
             const std::size_t from = find(path.from);
             const std::size_t to = find(path.to);
-            if (!path.mixed && from != none && to != none)
+            if (!path.mixed && isNamed(from, path.from) && isNamed(to, path.to))
                 m_paths.insert(pathOf(from, to));
         }
     }
@@ -84,13 +88,40 @@ void Wiring::connect(const capturing::Survey& survey)
     }
 }
 
+/// The joins of a device that cannot be opened are known at those of its connectors to which a known join leads.
+void Wiring::forgetUnseenJoins()
+{
+    std::vector<std::size_t> seen;
+    std::vector<bool> isSeen(m_nodes.size(), false);
+    const auto see = [&](std::size_t node)
+    {
+        if (node == none || isSeen[node])
+            return;
+        isSeen[node] = true;
+        seen.push_back(node);
+    };
+    for (std::size_t node = 0; node < m_nodes.size(); ++node)
+    {
+        if (m_nodes[node].device->openable)
+            see(node);
+    }
+    for (std::size_t i = 0; i < seen.size(); ++i) // grows meanwhile
+        see(m_nodes[seen[i]].peer);
+    for (std::size_t node = 0; node < m_nodes.size(); ++node)
+    {
+        if (!isSeen[node])
+            m_nodes[node].peer = none;
+    }
+}
+
 /// The wires of a device that cannot be opened are known at its connectors alone.
 void Wiring::addSources()
 {
-    for (const Node& node : m_nodes)
+    for (Node& node : m_nodes)
     {
         if (node.connector == nullptr)
             continue;
+        node.isNextToConnector = true; // it is never between two nodes
         for (const std::size_t next : node.incoming)
             m_nodes[next].isNextToConnector = true;
         for (const std::size_t next : node.outgoing)
@@ -113,7 +144,7 @@ void Wiring::addSources()
 
 std::size_t Wiring::find(const std::string& id) const
 {
-    const auto found = m_places.find(id);
+    const auto found = m_places.find(text::lowerCase(id));
     return found == m_places.end() ? none : found->second;
 }
 
@@ -127,6 +158,12 @@ std::vector<std::size_t> Wiring::find(const std::vector<std::string>& ids) const
             nodes.push_back(node);
     }
     return nodes;
+}
+
+/// Paths are those of the first part with an id.
+bool Wiring::isNamed(std::size_t node, const std::string& id) const
+{
+    return node != none && m_nodes[node].part->id == id;
 }
 
 std::uint64_t Wiring::pathOf(std::size_t from, std::size_t to)

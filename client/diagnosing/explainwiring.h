@@ -14,7 +14,8 @@
 
 namespace sonavit::diagnosing
 {
-/// The hardware of a survey as the search for controls sees it. The survey must outlive it.
+/// The hardware of a survey as the search for controls sees it: parts whose ids differ in case alone are one, the first
+/// of them. The survey must outlive it.
 class Wiring
 {
 public:
@@ -28,7 +29,7 @@ public:
         const sim::Connector* connector = nullptr; ///< null for a subunit
         std::size_t position = none;               ///< of a connector: among those of its device
         std::size_t peer = none;                   ///< of a connector: that on the far side
-        bool isNextToConnector = false;            ///< a connector lists it
+        bool isNextToConnector = false;            ///< a connector lists it, or it is one
         bool isTypeKnown = true;
         std::vector<std::size_t> incoming; ///< those that feed this part, as it lists them
         std::vector<std::size_t> outgoing; ///< those that it feeds, as it lists them
@@ -55,9 +56,11 @@ public:
 private:
     void addDevice(const sim::Device& device);
     void connect(const capturing::Survey& survey);
+    void forgetUnseenJoins();
     void addSources();
     std::size_t find(const std::string& id) const;
     std::vector<std::size_t> find(const std::vector<std::string>& ids) const;
+    bool isNamed(std::size_t node, const std::string& id) const;
     static std::uint64_t pathOf(std::size_t from, std::size_t to);
 
     std::vector<Node> m_nodes;

@@ -26,9 +26,8 @@ const std::string& firstArgument(const FailedCall& call)
 
 /// Whether nothing else is to be expected of an endpoint in that state: the device behind one that is not active need
 /// not answer, and an endpoint or a part need not have each interface.
-bool isNatural(const FailedCall& call, const sim::Device* device)
+bool isNatural(const FailedCall& call, bool isActive)
 {
-    const bool isActive = device == nullptr || device->state == sim::stateActive;
     if (call.outcome == FailedCall::Outcome::nullSuccess)
         return false;
     if (call.operation == "IMMDevice::Activate" && call.code == E_NOINTERFACE)
@@ -61,7 +60,7 @@ public:
         {
             const auto isSame = [&](const FailedCall& other) { return isRepetition(calls[index], other); };
             const auto here = calls.begin() + static_cast<std::ptrdiff_t>(index);
-            if (!isNatural(calls[index], deviceOf(calls[index])) && std::none_of(calls.begin(), here, isSame))
+            if (!isNatural(calls[index], isActive(calls[index])) && std::none_of(calls.begin(), here, isSame))
                 add(calls[index], static_cast<std::size_t>(std::count_if(here, calls.end(), isSame)));
         }
     }
@@ -85,6 +84,13 @@ private:
         return m_places.part(call.object).device;
     }
 
+    bool isActive(const FailedCall& call) const
+    {
+        const sim::Device* const device = deviceOf(call);
+        const sim::Endpoint* const endpoint = device == nullptr ? nullptr : m_places.endpoint(device->id);
+        return device == nullptr || (device->state == sim::stateActive && (endpoint == nullptr || endpoint->installed));
+    }
+
     /// The endpoints behind the object, or behind the device that the call asks for.
     Owners ownersOf(const FailedCall& call) const
     {
@@ -99,7 +105,7 @@ private:
         std::string sentence = wordsFor(call.operation, firstArgument(call)).what;
         const sim::Part* const part = partOf(call.object);
         if (const std::size_t place = sentence.find('@'); place != std::string::npos)
-            sentence.replace(place, 1, part == nullptr ? text::quoted(call.object) : m_places.nameOf(*part));
+            sentence.replace(place, 1, part == nullptr ? inFull(call.object) : m_places.nameOf(*part));
         sentence += ": " + text::printable(report(call)) + ".";
         if (count > 1)
             sentence += " So do " + text::counted(count - 1, "further call") + " of this kind.";

@@ -78,7 +78,7 @@ Finding Findings::finished(Draft draft, const Owners& owners) const
     finding.subject = "this computer";
     if (owners.empty())
         return finding;
-    const std::optional<Card> card = m_places.cardOf(owners.front());
+    const std::optional<Card> card = m_places.cardOf(owners);
     if (card)
         finding.card = card->id();
     if (owners.size() > 1 && card)

@@ -38,7 +38,7 @@ public:
 
     void addOfComputer(Draft draft) { add(std::move(draft), Owners()); }
     void addOfEndpoint(const std::string& endpoint, Draft draft) { add(std::move(draft), Owners{endpoint}); }
-    /// Of whoever reaches the device or the part.
+    /// Of the endpoints that reach the device or the part.
     void addOf(const std::string& object, Draft draft) { add(std::move(draft), m_places.ownersOf(object)); }
     void addOfCard(const Card& card, Draft draft);
     /// Of the computer, and of each of these endpoints if one of them is asked for alone.

@@ -8,7 +8,7 @@ namespace sonavit::diagnosing
 namespace
 {
 constexpr const char* noJack = "Its jack and its hardware controls are not known.";
-constexpr const char* badDriver = "An error in the driver. A newer one may be better.";
+constexpr const char* badDriver = "The driver has an error. A newer one may be better.";
 constexpr const char* oldJoin = "The driver was removed, replaced or stopped, and Windows keeps the connection; "
                                 "restarting the computer or installing the driver again makes it anew.";
 
@@ -28,21 +28,21 @@ public:
         const std::optional<sim::Peer> peer = m_places.machine().peer(connector.id);
         if (!peer || fails("GetDeviceIdConnectedTo", connector) || fails("GetConnectedTo", connector))
             return;
-        const PartOf far = m_places.part(peer->connector);
+        const PartOf behind = m_places.part(peer->connector);
         if (!peer->device)
             add(connector, "joined-device-unnamed", " to a device that has no id.", noJack, badDriver);
         else if (!isOpenable(*peer->device))
-            judgeClosed(connector, *peer->device, far);
-        else if (far.part == nullptr)
+            judgeClosed(connector, *peer->device, behind);
+        else if (behind.part == nullptr)
             judgeMissing(connector, *peer->device);
-        else if (far.device->id != *peer->device)
+        else if (behind.device->id != *peer->device)
             add(connector, "joined-to-two",
-                " to " + text::quoted(*peer->device) + " by its id and to " + text::quoted(far.device->id) +
+                " to " + inFull(*peer->device) + " by its id and to " + inFull(behind.device->id) +
                     " by its connector.",
                 "Which hardware belongs to it is not certain.", badDriver);
         else if (!m_places.machine().peer(peer->connector))
             add(connector, "join-one-way",
-                " to " + m_places.nameOf(*far.part) + ", which says that nothing is connected to it.",
+                " to " + m_places.nameOf(*behind.part) + ", which says that nothing is connected to it.",
                 "Programs that start from the hardware do not find the way back to it.", badDriver);
     }
 
@@ -58,12 +58,12 @@ private:
         return device != nullptr && device->openable;
     }
 
-    void judgeClosed(const sim::Connector& connector, const std::string& device, const PartOf& far)
+    void judgeClosed(const sim::Connector& connector, const std::string& device, const PartOf& behind)
     {
         if (m_places.hasFailure("IMMDeviceEnumerator::GetDevice", "enumerator", device))
             return;
-        const std::string target = " to " + text::quoted(device) + ", ";
-        if (far.part != nullptr)
+        const std::string target = " to " + inFull(device) + ", ";
+        if (behind.part != nullptr)
             add(connector, "joined-device-closed", target + "which Windows cannot open by that id.",
                 "Programs that open the card by its id find neither the jack nor its controls.", oldJoin);
         else
@@ -77,11 +77,11 @@ private:
             record != nullptr &&
             (!record->topology || (record->topology->connectors.empty() && record->topology->subunits.empty()));
         if (isEmpty && !m_places.hasFailure("IMMDevice::Activate", device, "IDeviceTopology"))
-            add(connector, "graph-empty", " to " + text::quoted(device) + ", which has no hardware graph.", noJack,
+            add(connector, "graph-empty", " to " + inFull(device) + ", which has no hardware graph.", noJack,
                 badDriver);
         else if (!isEmpty)
-            add(connector, "joined-connector-missing",
-                " to " + text::quoted(device) + ", and not to one of its connectors.", noJack, badDriver);
+            add(connector, "joined-connector-missing", " to " + inFull(device) + ", and not to one of its connectors.",
+                noJack, badDriver);
     }
 
     void add(const sim::Connector& connector, const char* rule, const std::string& target, std::string effect,
@@ -99,18 +99,30 @@ private:
     const sim::Device& m_device;
 };
 
-/// Whether an endpoint of the same card has a hardware graph, so that one is to be expected.
-bool hasCardGraph(const Places& places, const std::string& endpoint)
+bool isJoined(const Places& places, const sim::Endpoint& endpoint)
+{
+    const std::vector<sim::Connector>& connectors = endpoint.topology->connectors;
+    const auto hasPeer = [&](const sim::Connector& connector)
+    {
+        return places.machine().peer(connector.id).has_value() ||
+               places.hasFailure("IConnector::GetConnectedTo", connector.id) ||
+               places.hasFailure("IConnector::GetDeviceIdConnectedTo", connector.id);
+    };
+    return std::any_of(connectors.begin(), connectors.end(), hasPeer);
+}
+
+/// Whether another endpoint of the same card is joined to its hardware, so that the same is to be expected of this one.
+bool isExpectedToBeJoined(const Places& places, const std::string& endpoint)
 {
     const std::optional<Card> card = places.cardOf(endpoint);
     if (!card)
         return false;
-    const auto hasGraph = [&](const Endpoint& other)
+    const auto leadsToHardware = [&](const Endpoint& other)
     {
         const sim::Endpoint* const record = places.endpoint(other.id().text());
-        return record != nullptr && record->topology && !record->topology->connectors.empty();
+        return record != nullptr && record->id != endpoint && record->topology && isJoined(places, *record);
     };
-    return std::any_of(card->endpoints().begin(), card->endpoints().end(), hasGraph);
+    return std::any_of(card->endpoints().begin(), card->endpoints().end(), leadsToHardware);
 }
 
 /// An endpoint without a way into the hardware.
@@ -120,11 +132,11 @@ void judgeEndpoint(const Places& places, Findings& findings, const sim::Endpoint
         findings.addOfEndpoint(endpoint.id, {Finding::Kind::data, rule, sentence, noJack, cause, {}});
     };
     if (!hasHardware(endpoint) || places.hasFailure("IMMDevice::Activate", endpoint.id, "IDeviceTopology") ||
-        !hasCardGraph(places, endpoint.id))
+        !isExpectedToBeJoined(places, endpoint.id))
         return;
     if (!endpoint.topology)
         return add("graph-missing", "It has no hardware graph, although other endpoints of its card have one.",
-                   "A driver that describes only a part of its hardware, or an endpoint that a program has added.");
+                   "The driver describes only a part of its hardware, or a program has added the endpoint.");
     const std::vector<sim::Connector>& connectors = endpoint.topology->connectors;
     if (connectors.empty())
     {
@@ -133,15 +145,9 @@ void judgeEndpoint(const Places& places, Findings& findings, const sim::Endpoint
             add("graph-without-connectors", "Its hardware graph has no connector.", badDriver);
         return;
     }
-    const auto isJoined = [&](const sim::Connector& connector)
-    {
-        return places.machine().peer(connector.id).has_value() ||
-               places.hasFailure("IConnector::GetConnectedTo", connector.id) ||
-               places.hasFailure("IConnector::GetDeviceIdConnectedTo", connector.id);
-    };
-    if (std::none_of(connectors.begin(), connectors.end(), isJoined))
+    if (!isJoined(places, endpoint))
         add("connector-leads-nowhere", "Its connector is joined to nothing.",
-            "A driver that describes only a part of its hardware, or that stopped while Windows was asking it.");
+            "The driver describes only a part of its hardware, or it stopped while Windows was asking it.");
 }
 
 void judgePart(const Places& places, Findings& findings, const sim::Part& part)
@@ -160,7 +166,7 @@ void judgePart(const Places& places, Findings& findings, const sim::Part& part)
         {
             if (places.part(neighbour).part == nullptr)
                 add("part-unknown",
-                    "The part " + name + " of the hardware is connected to " + text::quoted(neighbour) +
+                    "The part " + name + " of the hardware is connected to " + inFull(neighbour) +
                         ", which its device does not have.",
                     "Controls behind it may be missing from the list of hardware controls.");
         }
@@ -195,8 +201,9 @@ void findHardwareFaults(const Places& places, Findings& findings)
         for (const sim::Subunit& subunit : device.topology->subunits)
             judgePart(places, findings, subunit);
     };
-    for (const sim::Endpoint& endpoint : places.machine().endpoints)
+    for (const sim::Endpoint* const listed : places.listed())
     {
+        const sim::Endpoint& endpoint = *listed;
         judgeEndpoint(places, findings, endpoint);
         judgeParts(endpoint);
     }

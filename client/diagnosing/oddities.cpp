@@ -89,8 +89,8 @@ void judgeJack(Findings& findings, const Endpoint& endpoint)
                                 "Its driver gives it a jack of the kind \"" + std::string(wordsOf(jack.kind())) +
                                     "\" and the form \"" + wordsOf(*jack.formFactor) + "\".",
                                 "Windows shows the picture of the one and lists name the other.",
-                                "A driver's setup (INF) file made for another model, or a jack that the user has "
-                                "assigned to something else in the program of the manufacturer.",
+                                "The driver's setup (INF) file is made for another model, or the user has assigned the "
+                                "jack to something else in the manufacturer's program.",
                                 std::nullopt});
         return;
     }
@@ -116,7 +116,7 @@ void judgeTitles(const Places& places, Findings& findings)
                             text::counted(endpoints.size(), "active " + std::string(wordsOf(name.first))) +
                                 " have the same name, \"" + endpoints.front().title() + "\".",
                             "People cannot tell them apart, and a program that remembers names may take the wrong one.",
-                            "Two devices of one model. Each can be renamed in the sound settings of Windows.",
+                            "There are two devices of one model. Each can be renamed in the sound settings of Windows.",
                             std::nullopt});
     }
 }
@@ -135,8 +135,8 @@ void judgeHardwareVolume(const Places& places, Findings& findings, const sim::En
                                {Finding::Kind::oddity, "hardware-volume-without-control",
                                 "Its driver announces a volume in hardware, and its hardware path has none.",
                                 "Moving its volume may change nothing that can be heard.",
-                                "A driver that announces more than its hardware has; another volume, such as that of "
-                                "the device itself, may still work.",
+                                "The driver announces more than its hardware has. Another volume, such as that of the "
+                                "device itself, may still work.",
                                 std::nullopt});
 }
 
@@ -147,7 +147,7 @@ void judgeAccount(const Places& places, Findings& findings)
             {Finding::Kind::oddity, "ordinary-account", "This program runs under an ordinary account.",
              "It can read formats and cannot change them, as Windows lets only administrators do "
              "that. Volumes can be changed.",
-             "As usual on Windows. To change a format, run the program as an administrator.", std::nullopt});
+             "This is usual on Windows. To change a format, run the program as an administrator.", std::nullopt});
 }
 }
 
@@ -157,7 +157,7 @@ void findOddities(const Places& places, Findings& findings)
     judgeTitles(places, findings);
     for (const Endpoint& endpoint : places.snapshot().endpoints())
         judgeJack(findings, endpoint);
-    for (const sim::Endpoint& endpoint : places.machine().endpoints)
-        judgeHardwareVolume(places, findings, endpoint);
+    for (const sim::Endpoint* const endpoint : places.listed())
+        judgeHardwareVolume(places, findings, *endpoint);
 }
 }

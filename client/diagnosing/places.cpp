@@ -32,13 +32,20 @@ std::string titleIn(const sim::Endpoint& record)
 }
 }
 
+std::string inFull(const std::string& id)
+{
+    return "\"" + text::escaped(id) + "\"";
+}
+
 Places::Places(const capturing::Survey& survey, const Snapshot& snapshot) : m_survey(survey), m_snapshot(snapshot)
 {
     for (const sim::Endpoint& endpoint : machine().endpoints)
     {
         index(endpoint);
-        if (endpoint.installed)
-            m_listed[text::lowerCase(endpoint.id)] = true;
+        if (!endpoint.installed)
+            continue;
+        m_listed.push_back(&endpoint);
+        m_listedIds.insert(text::lowerCase(endpoint.id));
     }
     for (const sim::Adapter& adapter : machine().adapters)
         index(adapter);
@@ -129,7 +136,7 @@ PartOf Places::part(const std::string& id) const
 
 bool Places::isListed(const std::string& id) const
 {
-    return m_listed.count(text::lowerCase(id)) > 0;
+    return m_listedIds.count(text::lowerCase(id)) > 0;
 }
 
 /// The part or device that the object's name begins with; empty if there is none.
@@ -182,6 +189,22 @@ std::optional<Card> Places::cardOf(const std::string& endpoint) const
     return m_snapshot.cardOf(EndpointId(endpoint));
 }
 
+std::optional<Card> Places::cardOf(const Owners& owners) const
+{
+    std::map<CardId, std::size_t> counts;
+    std::optional<Card> best;
+    std::size_t most = 0;
+    for (const std::string& owner : owners)
+    {
+        const std::optional<Card> card = cardOf(owner);
+        if (!card || ++counts[card->id()] <= most)
+            continue;
+        most = counts[card->id()];
+        best = card;
+    }
+    return best;
+}
+
 std::string Places::titleOf(const std::string& endpoint) const
 {
     const std::optional<Endpoint> read = m_snapshot.endpoint(EndpointId(endpoint));
@@ -189,8 +212,8 @@ std::string Places::titleOf(const std::string& endpoint) const
     const bool isRead = read && read->id().text() == endpoint;
     const std::string title = !isRead && record != nullptr ? titleIn(*record) : read ? read->title() : endpoint;
     const std::optional<Card> card = cardOf(endpoint);
-    const bool hasCard = card && !card->title().empty() && title.find(card->title()) == std::string::npos;
-    return hasCard ? title + " on " + card->title() : text::printable(title);
+    const bool isNamed = card && card->title() != Card().title();
+    return isNamed && title.find(card->title()) == std::string::npos ? title + " on " + card->title() : title;
 }
 
 std::string Places::nameOf(const sim::Part& part) const

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace sonavit::diagnosing
@@ -24,6 +25,9 @@ struct PartOf
 /// The endpoints that own or reach a thing, by the spelling of the survey, in its order.
 using Owners = std::vector<std::string>;
 
+/// An id between quotation marks, never cut, so that it can be searched for.
+std::string inFull(const std::string& id);
+
 /// Looks up the things of a survey. Survey and snapshot must outlive it.
 class Places
 {
@@ -36,6 +40,8 @@ public:
     const sim::Machine& machine() const noexcept { return m_survey.machine; }
     const Snapshot& snapshot() const noexcept { return m_snapshot; }
 
+    /// The endpoints that Windows lists. A connector may lead to another one, whose device is not there.
+    const std::vector<const sim::Endpoint*>& listed() const noexcept { return m_listed; }
     /// Null if there is none.
     const sim::Endpoint* endpoint(const std::string& id) const;
     const sim::Device* device(const std::string& id) const;
@@ -55,6 +61,8 @@ public:
     /// "Speakers (Analog Audio)"; with the card where the name does not contain it.
     std::string titleOf(const std::string& endpoint) const;
     std::optional<Card> cardOf(const std::string& endpoint) const;
+    /// The card of most of them.
+    std::optional<Card> cardOf(const Owners& owners) const;
     /// The name of a part between quotation marks, or how its id ends.
     std::string nameOf(const sim::Part& part) const;
 
@@ -71,6 +79,7 @@ private:
     std::unordered_map<std::string, const sim::Device*> m_devices;
     std::unordered_map<std::string, Owners> m_owners; ///< of devices and parts
     std::unordered_map<std::string, std::vector<PartOf>> m_behind;
-    std::unordered_map<std::string, bool> m_listed; ///< in lower case
+    std::vector<const sim::Endpoint*> m_listed;
+    std::unordered_set<std::string> m_listedIds; ///< in lower case
 };
 }

@@ -128,13 +128,12 @@ public:
             return;
         constexpr const char* alone = "It is not listed with the other endpoints of its card, and nothing is known "
                                       "about its device in Windows.";
-        if (value == nullptr)
+        if (value == nullptr && !isRemote())
             add("no-card", "It names no device, so it belongs to no card.", alone,
-                "An endpoint of a remote session, or a driver that makes endpoints without a device.",
-                Finding::Kind::oddity);
-        else if (value->text->empty())
+                "A driver or a program makes endpoints without a device.", Finding::Kind::oddity);
+        else if (value != nullptr && value->text->empty())
             add("path-empty", "The path of its device is empty.", alone, fromSetup);
-        else if (value->text->find("}.") == std::string::npos)
+        else if (value != nullptr && value->text->find("}.") == std::string::npos)
             add("path-malformed",
                 "The path of its device is " + text::quoted(*value->text) +
                     ", which does not have the form \"{1}.BUS\\DEVICE\\INSTANCE\".",
@@ -150,6 +149,14 @@ public:
     }
 
 private:
+    /// Whether it stands for a device of another computer, as in a remote session: that one has no device here.
+    bool isRemote() const
+    {
+        const sim::PropertyValue* const form = valueIn(m_device, sim::keys::formFactor);
+        return form != nullptr && form->tag == VT_UI4 &&
+               form->number == static_cast<std::uint64_t>(FormFactor::remoteNetworkDevice);
+    }
+
     /// Whether the survey knows what the property is.
     bool isAsked(const PROPERTYKEY& key) const
     {
@@ -189,8 +196,7 @@ private:
 
     void judgeBytes(const std::string& noun, const std::vector<std::uint8_t>& bytes, const std::string& effect)
     {
-        constexpr const char* unchecked =
-            "An older driver, or a program that has written the format without checking it.";
+        constexpr const char* unchecked = "An older driver has written the format, or a program that did not check it.";
         const std::optional<Format> format = reading::formatOf(bytes.data(), bytes.size());
         if (!format)
             add("property-malformed",
@@ -219,8 +225,9 @@ private:
 
 void findPropertyFaults(const Places& places, Findings& findings)
 {
-    for (const sim::Endpoint& endpoint : places.machine().endpoints)
+    for (const sim::Endpoint* const listed : places.listed())
     {
+        const sim::Endpoint& endpoint = *listed;
         PropertyJudge judge(places, findings, endpoint);
         judge.judgeNames();
         judge.judgePath();

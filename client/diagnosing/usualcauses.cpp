@@ -17,8 +17,9 @@ constexpr const char* deviceGone = "The device was unplugged, or its driver was 
                                    "asked. Look again; if it stays so, plug the device in anew.";
 constexpr const char* noDriver = "The device that it belonged to is no longer installed. Windows still remembers the "
                                  "endpoint; installing the driver again brings the device back.";
-constexpr const char* driverSilent = "An error in the driver: it reports success and gives nothing. A newer driver may "
-                                     "be better.";
+constexpr const char* driverSilent =
+    "The driver has an error: it reports success and gives nothing. A newer driver may "
+    "be better.";
 constexpr const char* driverFails = "The driver does not say why. Restarting the device or installing a newer driver "
                                     "often helps.";
 constexpr const char* driverRefuses = "The driver does not implement it. Only another driver can.";
@@ -44,6 +45,8 @@ constexpr const char* miscounted =
 constexpr const char* staleObject =
     "The driver or the audio service was restarted since the program opened it. Start the program again.";
 constexpr const char* inUse = "Another program uses the device for itself alone. Close it.";
+constexpr const char* badFormat = "Windows has kept a format that the device cannot have. Setting another one in the "
+                                  "sound settings may help.";
 constexpr const char* wrongForm = "The driver's setup (INF) file has written it in another form. A newer driver may be "
                                   "better.";
 
@@ -56,7 +59,7 @@ struct CauseOf
 };
 
 // The first row that fits counts.
-constexpr std::array<CauseOf, 60> causes = {{
+constexpr std::array<CauseOf, 61> causes = {{
     {2, "wave", "", waveGone},
     {6, "wave", "", waveGone},
     {7, "wave", "", noMemory},
@@ -115,6 +118,7 @@ constexpr std::array<CauseOf, 60> causes = {{
     {0x800401FD, "", "", staleObject},
     {0x80040154, "", "", notInstalled},
     {0x80040155, "", "", notInstalled},
+    {0x88890008, "", "", badFormat},
     {0x8007000E, "", "", noMemory},
     {0x800705AA, "", "", noMemory},
 }};

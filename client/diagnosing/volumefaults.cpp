@@ -8,7 +8,7 @@ namespace sonavit::diagnosing
 {
 namespace
 {
-constexpr const char* badDriver = "An error in the driver. A newer one may be better.";
+constexpr const char* badDriver = "The driver has an error. A newer one may be better.";
 /// Decibels; drivers store levels rounded.
 constexpr float tolerance = 0.01F;
 
@@ -111,8 +111,9 @@ private:
 
 void findVolumeFaults(const Places& places, Findings& findings)
 {
-    for (const sim::Endpoint& endpoint : places.machine().endpoints)
+    for (const sim::Endpoint* const listed : places.listed())
     {
+        const sim::Endpoint& endpoint = *listed;
         if (endpoint.volume)
             VolumeJudge(places, findings, endpoint).judge();
         else if (endpoint.state == sim::stateActive &&
@@ -122,8 +123,8 @@ void findVolumeFaults(const Places& places, Findings& findings)
                                     "volume-missing",
                                     "It is active and has no volume.",
                                     "Programs can neither change how loud it is nor silence it.",
-                                    "A driver that leaves the volume to the device, as with some digital outputs, or "
-                                    "that fails to offer one.",
+                                    "Some drivers leave the volume to the device, as with digital outputs; others fail "
+                                    "to offer one.",
                                     {}});
     }
 }

@@ -77,7 +77,7 @@ struct SONAVIT_CLIENT_API Reason
     };
 
     Question question = Question::card;
-    std::string title; ///< the question as a sentence
+    std::string title;       ///< the question as a sentence
     std::vector<Fact> facts; ///< each leads to the next
     std::string conclusion;  ///< the answer as a sentence
 

@@ -1,6 +1,6 @@
 #include "simulator/core/hardwarelevels.h"
 
-#include "simulator/core/volumemath.h"
+#include "simulator/machine/volumemath.h"
 
 #include <algorithm>
 

@@ -3,7 +3,7 @@
 #include "simulator/core/argumenttext.h"
 #include "simulator/core/interfaces.h"
 #include "simulator/core/utf16.h"
-#include "simulator/core/volumemath.h"
+#include "simulator/machine/volumemath.h"
 
 #include <cstddef>
 #include <cstring>

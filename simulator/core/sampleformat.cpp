@@ -77,26 +77,50 @@ std::optional<SampleFormat> sampleFormat(const WAVEFORMATEX& format)
     return isWhole && fits ? std::optional<SampleFormat>(result) : std::nullopt;
 }
 
-std::optional<SampleFormat> deviceFormatOf(const Endpoint& endpoint)
+namespace
 {
-    const PropertyValue* const value = findProperty(endpoint, keys::deviceFormat);
-    if (value == nullptr || value->tag != VT_BLOB || value->bytes.size() < sizeof(WAVEFORMATEX))
+/// The format in these bytes, which may be too few for what they say.
+std::optional<SampleFormat> samplesOf(const std::vector<std::uint8_t>& bytes)
+{
+    if (bytes.size() < sizeof(WAVEFORMATEX))
         return std::nullopt;
     WAVEFORMATEXTENSIBLE stored = {};
-    std::memcpy(&stored, value->bytes.data(), std::min(value->bytes.size(), sizeof stored));
-    if (value->bytes.size() < sizeof(WAVEFORMATEX) + stored.Format.cbSize)
+    std::memcpy(&stored, bytes.data(), std::min(bytes.size(), sizeof stored));
+    if (bytes.size() < sizeof(WAVEFORMATEX) + stored.Format.cbSize)
         return std::nullopt;
     return sampleFormat(stored.Format);
 }
 
-std::optional<WAVEFORMATEXTENSIBLE> mixFormatOf(const Endpoint& endpoint)
+std::vector<std::uint8_t> bytesOf(const MixFormat& format)
 {
+    const WAVEFORMATEXTENSIBLE whole = format.waveFormat();
+    std::vector<std::uint8_t> bytes(sizeof whole);
+    std::memcpy(bytes.data(), &whole, sizeof whole);
+    return bytes;
+}
+}
+
+std::optional<SampleFormat> deviceFormatOf(const Endpoint& endpoint)
+{
+    const PropertyValue* const value = findProperty(endpoint.properties, keys::deviceFormat);
+    return value != nullptr && value->tag == VT_BLOB ? samplesOf(value->bytes) : std::nullopt;
+}
+
+std::vector<std::uint8_t> mixFormatOf(const Endpoint& endpoint)
+{
+    if (!endpoint.mixFormatBytes.empty())
+        return endpoint.mixFormatBytes;
     if (endpoint.mixFormat)
-        return endpoint.mixFormat->waveFormat();
+        return bytesOf(*endpoint.mixFormat);
     const std::optional<SampleFormat> device = deviceFormatOf(endpoint);
     if (!device)
-        return std::nullopt;
-    return MixFormat{{32, device->rate, device->channels}, true}.waveFormat();
+        return {};
+    return bytesOf(MixFormat{{32, device->rate, device->channels}, true});
+}
+
+std::optional<SampleFormat> mixSamplesOf(const Endpoint& endpoint)
+{
+    return samplesOf(mixFormatOf(endpoint));
 }
 
 DevicePeriods periodsOf(const Endpoint& endpoint)
@@ -104,10 +128,10 @@ DevicePeriods periodsOf(const Endpoint& endpoint)
     if (endpoint.periods)
         return *endpoint.periods;
     DevicePeriods periods;
-    const std::optional<WAVEFORMATEXTENSIBLE> mix = mixFormatOf(endpoint);
+    const std::optional<SampleFormat> mix = mixSamplesOf(endpoint);
     if (!mix)
         return periods;
-    const std::uint64_t rate = mix->Format.nSamplesPerSec;
+    const std::uint64_t rate = mix->rate;
     const std::uint64_t frames = (rate * periods.usual + unitsPerSecond - 1) / unitsPerSecond;
     const std::uint64_t whole = (frames + burstFrames - 1) / burstFrames * burstFrames;
     periods.usual = static_cast<std::uint32_t>((whole * unitsPerSecond + rate / 2) / rate);
@@ -116,8 +140,8 @@ DevicePeriods periodsOf(const Endpoint& endpoint)
 
 bool sharedEngineTakes(const Endpoint& endpoint, const SampleFormat& format)
 {
-    const std::optional<WAVEFORMATEXTENSIBLE> mix = mixFormatOf(endpoint);
-    return mix && format.rate == mix->Format.nSamplesPerSec && format.channels == mix->Format.nChannels;
+    const std::optional<SampleFormat> mix = mixSamplesOf(endpoint);
+    return mix && format.rate == mix->rate && format.channels == mix->channels;
 }
 
 bool deviceTakes(const Endpoint& endpoint, const SampleFormat& format)

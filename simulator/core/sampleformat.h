@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace sim
 {
@@ -30,9 +31,13 @@ bool operator==(const SampleFormat& left, const SampleFormat& right);
 /// The format that @p format describes; no value if its samples are not linear or its members contradict each other.
 std::optional<SampleFormat> sampleFormat(const WAVEFORMATEX& format);
 
-/// The format of the shared engine and that of the device itself. No value if the endpoint has no readable device
-/// format and, for the mix format, the machine does not name one.
-std::optional<WAVEFORMATEXTENSIBLE> mixFormatOf(const Endpoint& endpoint);
+/// The format of the shared engine: a WAVEFORMATEX and its further bytes. Nothing if the endpoint has no readable
+/// device format and the machine does not name a mix format.
+std::vector<std::uint8_t> mixFormatOf(const Endpoint& endpoint);
+
+/// What streams can use of the mix format, and the format of the device itself; no value if there is none or its
+/// samples are not linear.
+std::optional<SampleFormat> mixSamplesOf(const Endpoint& endpoint);
 std::optional<SampleFormat> deviceFormatOf(const Endpoint& endpoint);
 
 /// The periods of the endpoint. Without figures of its own: 10 ms rounded up to a multiple of 32 frames, the 128 bytes

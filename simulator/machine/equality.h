@@ -12,6 +12,7 @@ struct ChannelLevel;
 struct VolumeControl;
 struct MuteControl;
 struct SelectorControl;
+struct FurtherControl;
 struct Jack;
 struct Connector;
 struct Subunit;
@@ -36,9 +37,9 @@ inline constexpr bool isOneOf = (std::is_same_v<Object, Types> || ...);
 
 template<class Object>
 inline constexpr bool isMachineData =
-    isOneOf<Object, PropertyValue, Property, ChannelLevel, VolumeControl, MuteControl, SelectorControl, Jack, Connector,
-            Subunit, SignalPath, Topology, HardwareControls, TaperPoint, EndpointVolume, DevicePeriods, Endpoint,
-            Adapter, Join, DeviceInstance, WaveDevice, ScriptEvent, FaultRule, LatencyRule, Machine>;
+    isOneOf<Object, PropertyValue, Property, ChannelLevel, VolumeControl, MuteControl, SelectorControl, FurtherControl,
+            Jack, Connector, Subunit, SignalPath, Topology, HardwareControls, TaperPoint, EndpointVolume, DevicePeriods,
+            Endpoint, Adapter, Join, DeviceInstance, WaveDevice, ScriptEvent, FaultRule, LatencyRule, Machine>;
 
 template<class Object, class = std::enable_if_t<isMachineData<Object>>>
 bool operator==(const Object& left, const Object& right);

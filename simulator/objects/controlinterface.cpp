@@ -10,11 +10,11 @@ class ControlInterfaceObject final : public ComObject<IControlInterface>
 {
 public:
     ControlInterfaceObject(const std::shared_ptr<State>& state, std::string partId, UINT index, const IID& iid,
-                           std::string interfaceName)
+                           OptionalString controlName)
         : ComObject(state, std::move(partId)),
           m_index(index),
           m_iid(iid),
-          m_interfaceName(std::move(interfaceName))
+          m_controlName(std::move(controlName))
     {
     }
 
@@ -23,7 +23,7 @@ public:
     HRESULT STDMETHODCALLTYPE GetName(LPWSTR* name) override
     {
         return call("IControlInterface::GetName", outputs(name),
-                    [&] { return storeText("IControlInterface::GetName", m_interfaceName, name); });
+                    [&] { return storeText("IControlInterface::GetName", m_controlName, name); });
     }
 
     HRESULT STDMETHODCALLTYPE GetIID(GUID* iid) override
@@ -39,13 +39,13 @@ public:
 private:
     const UINT m_index;
     const IID m_iid;
-    const std::string m_interfaceName;
+    const OptionalString m_controlName;
 };
 }
 
 IControlInterface* makeControlInterface(const std::shared_ptr<State>& state, std::string partId, UINT index, IID iid,
-                                        std::string interfaceName)
+                                        OptionalString controlName)
 {
-    return new ControlInterfaceObject(state, std::move(partId), index, iid, std::move(interfaceName));
+    return new ControlInterfaceObject(state, std::move(partId), index, iid, std::move(controlName));
 }
 }

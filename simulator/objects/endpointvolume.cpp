@@ -1,7 +1,7 @@
 #include "simulator/core/notifications.h"
 #include "simulator/core/simulatedobject.h"
 #include "simulator/core/unregistration.h"
-#include "simulator/core/volumemath.h"
+#include "simulator/machine/volumemath.h"
 #include "simulator/objects/objects.h"
 
 #include <algorithm>

@@ -4,6 +4,8 @@
 #include "simulator/objects/stream/onendpoint.h"
 
 #include <algorithm>
+#include <cstring>
+#include <vector>
 
 namespace sim
 {
@@ -64,8 +66,11 @@ public:
 private:
     static UINT channels(const Endpoint& endpoint)
     {
-        const std::optional<WAVEFORMATEXTENSIBLE> mix = mixFormatOf(endpoint);
-        return mix ? mix->Format.nChannels : 0;
+        const std::vector<std::uint8_t> mix = mixFormatOf(endpoint);
+        WAVEFORMATEX format = {};
+        if (mix.size() >= sizeof format)
+            std::memcpy(&format, mix.data(), sizeof format);
+        return format.nChannels;
     }
 
     template<class Outputs, class Action, class... Arguments>

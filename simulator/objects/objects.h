@@ -51,7 +51,8 @@ IAudioMute* makeMute(const std::shared_ptr<State>& state, std::string partId);
 IAudioInputSelector* makeInputSelector(const std::shared_ptr<State>& state, std::string partId);
 IKsJackDescription* makeJackDescription(const std::shared_ptr<State>& state, std::string partId);
 IKsJackDescription2* makeJackDescription2(const std::shared_ptr<State>& state, std::string partId);
-/// Describes the control @p interfaceName of @p partId, which has @p index among the part's controls.
+/// Describes the control @p iid with the name @p controlName of @p partId, which has @p index among the part's
+/// controls.
 IControlInterface* makeControlInterface(const std::shared_ptr<State>& state, std::string partId, UINT index, IID iid,
-                                        std::string interfaceName);
+                                        OptionalString controlName);
 }

@@ -8,7 +8,7 @@ std::vector<ControlOfPart> controlsOf(const Part& part)
     const auto add = [&](auto* tag)
     {
         using Interface = std::remove_pointer_t<decltype(tag)>;
-        controls.push_back({InterfaceTraits<Interface>::iid(), InterfaceTraits<Interface>::name});
+        controls.push_back({InterfaceTraits<Interface>::iid(), std::string(InterfaceTraits<Interface>::name), true});
     };
     if (part.volume)
         add(static_cast<IAudioVolumeLevel*>(nullptr));
@@ -16,6 +16,8 @@ std::vector<ControlOfPart> controlsOf(const Part& part)
         add(static_cast<IAudioMute*>(nullptr));
     if (part.selector)
         add(static_cast<IAudioInputSelector*>(nullptr));
+    for (const FurtherControl& control : part.furtherControls)
+        controls.push_back({control.interfaceId, control.name, false});
     return controls;
 }
 

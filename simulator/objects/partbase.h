@@ -11,11 +11,12 @@
 
 namespace sim
 {
-/// A control of a part: its interface.
+/// A control of a part.
 struct ControlOfPart
 {
     IID iid;
-    const char* interfaceName;
+    OptionalString name;
+    bool isKnown = true; ///< false: the machine only lists it
 };
 
 /// The controls of @p part in the order in which it lists them.
@@ -114,8 +115,7 @@ public:
                     if (index >= controls.size())
                         return E_INVALIDARG;
                     const ControlOfPart& control = controls[index];
-                    *description =
-                        makeControlInterface(this->state(), this->name(), index, control.iid, control.interfaceName);
+                    *description = makeControlInterface(this->state(), this->name(), index, control.iid, control.name);
                     return S_OK;
                 });
         };
@@ -254,13 +254,14 @@ private:
         return SUCCEEDED(result) ? action(controls) : result;
     }
 
-    /// E_NOINTERFACE if the part has no such control.
+    /// E_NOINTERFACE if the part has no such control, or only lists it.
     HRESULT findControl(REFIID iid) const
     {
         return readControls(
             [&](const std::vector<ControlOfPart>& controls)
             {
-                const auto isMeant = [&](const ControlOfPart& control) { return IsEqualGUID(control.iid, iid); };
+                const auto isMeant = [&](const ControlOfPart& control)
+                { return control.isKnown && IsEqualGUID(control.iid, iid); };
                 return std::any_of(controls.begin(), controls.end(), isMeant) ? S_OK : E_NOINTERFACE;
             });
     }

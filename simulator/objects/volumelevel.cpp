@@ -1,6 +1,6 @@
 #include "simulator/core/notifications.h"
 #include "simulator/core/simulatedobject.h"
-#include "simulator/core/volumemath.h"
+#include "simulator/machine/volumemath.h"
 #include "simulator/objects/lookup.h"
 #include "simulator/objects/objects.h"
 

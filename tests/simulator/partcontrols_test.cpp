@@ -35,6 +35,68 @@ using SimulatedMute = SimulatedPartControl;
 using SimulatedInputSelector = SimulatedPartControl;
 using SimulatedControlCallback = SimulatedPartControl;
 
+class SimulatedFurtherControl : public SimulatedPartControl
+{
+protected:
+    SimulatedFurtherControl()
+    {
+        simulation.change(
+            [&](sim::Machine& machine) {
+                machine.part(volumeId)->furtherControls = {{gain, "Automatic Gain"}, {idOf<IAudioMute>(), {}}};
+            });
+    }
+
+    Held<IControlInterface> control(UINT index)
+    {
+        Held<IControlInterface> result;
+        EXPECT_EQ(S_OK, node->GetControlInterface(index, result.put()));
+        return result;
+    }
+
+    const GUID gain = {0x85401FD4, 0x6DE4, 0x4B9D, {0x98, 0x69, 0x2D, 0x67, 0x53, 0xA8, 0x2F, 0x3C}};
+    Held<IPart> node = part(volumeId);
+};
+
+TEST_F(SimulatedFurtherControl, IsListedAfterTheOthersWithItsNameAndInterface)
+{
+    UINT count = 0;
+    EXPECT_EQ(S_OK, node->GetControlInterfaceCount(&count));
+    EXPECT_EQ(3u, count);
+    Held<IControlInterface> second = control(1);
+    GUID iid = {};
+    LPWSTR name = nullptr;
+    EXPECT_EQ(S_OK, second->GetIID(&iid));
+    EXPECT_EQ(S_OK, second->GetName(&name));
+    EXPECT_TRUE(IsEqualGUID(gain, iid));
+    EXPECT_EQ("Automatic Gain", sim::utf8(name));
+    CoTaskMemFree(name);
+
+    EXPECT_EQ(S_OK, control(2)->GetName(&name));
+
+    EXPECT_EQ(nullptr, name);
+    Held<IControlInterface> none;
+    EXPECT_EQ(E_INVALIDARG, node->GetControlInterface(3, none.put()));
+}
+
+TEST_F(SimulatedFurtherControl, CannotBeActivatedOrListenedToEvenIfItsInterfaceIsKnown)
+{
+    bench::ControlListener listener;
+    for (const GUID& iid : {gain, idOf<IAudioMute>()})
+    {
+        void* object = this;
+        EXPECT_EQ(E_NOINTERFACE, node->Activate(CLSCTX_INPROC_SERVER, iid, &object));
+        EXPECT_EQ(nullptr, object);
+        EXPECT_EQ(E_NOINTERFACE, node->RegisterControlChangeCallback(iid, &listener));
+    }
+}
+
+TEST_F(SimulatedFurtherControl, LeavesTheControlsOfTheMachineUsable)
+{
+    Held<IAudioVolumeLevel> level;
+
+    EXPECT_EQ(S_OK, node->Activate(CLSCTX_INPROC_SERVER, idOf<IAudioVolumeLevel>(), level.putVoid()));
+}
+
 TEST_F(SimulatedVolumeLevel, TellsChannelsRangeAndLevel)
 {
     UINT channels = 0;

@@ -15,7 +15,7 @@ namespace support
 /// Equal seeds give equal machines on every system. Every machine can be written to a file and read again.
 sim::Machine randomMachine(std::uint32_t seed);
 
-/// Gives some levels of @p machine an empty range, and some of its volumes no channel. Drivers can report that, but no
+/// Gives some levels of @p machine an empty range, and some of its volumes no channel. Drivers can report that, and a
 /// machine file may contain it.
 sim::Machine withOddLevels(sim::Machine machine, std::uint32_t seed);
 }

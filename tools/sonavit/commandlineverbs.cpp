@@ -142,7 +142,7 @@ const std::vector<CommandLineGrammar::Row>& CommandLineGrammar::rows()
         {"show", Verb::show, "Show all properties of an endpoint", {help::endpointNames}, &Grammar::addEndpointAndVia},
         {"explain",
          Verb::explain,
-         "Explain card, jacks, controls and roles of an endpoint",
+         "Explain why an endpoint is as it is",
          {help::endpointNames, help::explain},
          &Grammar::addEndpoint},
         {"controls",

@@ -6,7 +6,9 @@
 #include "simulator/machine/propertykeys.h"
 #include "simulator/machine/valuetext.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <set>
 #include <utility>
 
@@ -69,6 +71,7 @@ void MachineCheck::devices()
         requireName(flowNames, endpoint.flow, FilePlace(place, "flow"));
         if (endpoint.volume)
             endpointVolume(*endpoint.volume, FilePlace(place, "volume"));
+        mixFormat(endpoint, FilePlace(place, "mixFormat"));
         if (endpoint.periods)
             periods(*endpoint.periods, FilePlace(place, "periods"));
     }
@@ -116,11 +119,31 @@ void MachineCheck::propertyValue(const PropertyValue& value, const FilePlace& pl
 
 void MachineCheck::periods(const DevicePeriods& periods, const FilePlace& place)
 {
-    if (periods.usual == 0 || periods.usual > longestPeriod)
-        report(FilePlace(place, "default"), "a period from 1 to " + std::to_string(longestPeriod),
-               std::to_string(periods.usual));
-    if (periods.minimum == 0 || periods.minimum > periods.usual)
-        report(FilePlace(place, "minimum"), "a period from 1 to the default", std::to_string(periods.minimum));
+    const auto check = [&](std::uint32_t period, const char* field)
+    {
+        if (period > longestPeriod)
+            report(FilePlace(place, field), "a period of at most " + std::to_string(longestPeriod),
+                   std::to_string(period));
+    };
+    check(periods.usual, "default");
+    check(periods.minimum, "minimum");
+}
+
+void MachineCheck::mixFormat(const Endpoint& endpoint, const FilePlace& place)
+{
+    const std::vector<std::uint8_t>& bytes = endpoint.mixFormatBytes;
+    if (bytes.empty())
+        return;
+    WAVEFORMATEX format = {};
+    std::memcpy(&format, bytes.data(), std::min(bytes.size(), sizeof format));
+    if (bytes.size() < sizeof format)
+        report(place, "the " + std::to_string(sizeof format) + " bytes of a WAVEFORMATEX or more",
+               std::to_string(bytes.size()));
+    else if (bytes.size() != sizeof format + format.cbSize)
+        report(place, std::to_string(sizeof format + format.cbSize) + " bytes, as the format says",
+               std::to_string(bytes.size()));
+    if (endpoint.mixFormat)
+        report(place, "one mix format", "another as bytes");
 }
 
 void MachineCheck::endpointVolume(const EndpointVolume& volume, const FilePlace& place)
@@ -128,11 +151,11 @@ void MachineCheck::endpointVolume(const EndpointVolume& volume, const FilePlace&
     range(volume.minimum, volume.maximum, volume.step, place);
     requireName(taperNames, volume.taper, FilePlace(place, "taper"));
     taperPoints(volume, place);
-    if (volume.master && !std::isfinite(*volume.master))
-        report(FilePlace(place, "master"), "a number of decibels", decimal(*volume.master));
+    if (volume.master)
+        decibels(*volume.master, FilePlace(place, "master"));
     channelCount(volume.channels.size(), FilePlace(place, "channels"));
     for (std::size_t index = 0; index < volume.channels.size(); ++index)
-        level(volume.channels[index], volume.minimum, volume.maximum, FilePlace(place, "channels", index));
+        decibels(volume.channels[index], FilePlace(place, "channels", index));
     if ((volume.hardwareSupport & ~allHardwareSupport) != 0)
         report(FilePlace(place, "hardwareSupport"), "a sum of 1, 2 and 4", std::to_string(volume.hardwareSupport));
     for (std::size_t index = 0; index < volume.refused.size(); ++index)
@@ -208,12 +231,18 @@ void MachineCheck::deviceInstances()
 
 void MachineCheck::range(float minimum, float maximum, float step, const FilePlace& place)
 {
-    const bool isRange = std::isfinite(minimum) && std::isfinite(maximum) && minimum < maximum;
+    const bool isRange = std::isfinite(minimum) && std::isfinite(maximum) && minimum <= maximum;
     if (!isRange)
-        report(place, "a minimum below the maximum", decimal(minimum) + " to " + decimal(maximum));
-    const bool isStep = step > 0.0f && step <= maximum - minimum;
+        report(place, "a minimum not above the maximum", decimal(minimum) + " to " + decimal(maximum));
+    const bool isStep = std::isfinite(step) && step >= 0.0f;
     if (!isStep)
-        report(FilePlace(place, "step"), "a step above 0 that fits into the range", decimal(step));
+        report(FilePlace(place, "step"), "a step of 0 or more", decimal(step));
+}
+
+void MachineCheck::decibels(float level, const FilePlace& place)
+{
+    if (!std::isfinite(level))
+        report(place, "a number of decibels", decimal(level));
 }
 
 void MachineCheck::level(float level, float minimum, float maximum, const FilePlace& place)
@@ -225,8 +254,8 @@ void MachineCheck::level(float level, float minimum, float maximum, const FilePl
 
 void MachineCheck::channelCount(std::size_t count, const FilePlace& place)
 {
-    if (count < 1 || count > maximumChannels)
-        report(place, "1 to " + std::to_string(maximumChannels) + " channels", std::to_string(count));
+    if (count > maximumChannels)
+        report(place, "at most " + std::to_string(maximumChannels) + " channels", std::to_string(count));
 }
 
 std::vector<MachineProblem> checkMachine(const Machine& machine)

@@ -21,8 +21,8 @@ struct MachineProblem
     std::string found;    ///< what the machine contains
 };
 
-/// Finds duplicate ids, references to nothing, levels outside of their range and the like, in the order of a machine's
-/// file. A machine that is built in code need not pass: tests build machines that no file may contain, for example a
-/// control without channels.
+/// Finds duplicate ids, references to nothing, ranges whose ends are the wrong way round and the like, in the order of
+/// a machine's file. What drivers report is no problem: empty ranges, steps of 0, levels outside their range, volumes
+/// without channels. A machine that is built in code need not pass: tests build machines that no file may contain.
 std::vector<MachineProblem> checkMachine(const Machine& machine);
 }

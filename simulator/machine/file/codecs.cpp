@@ -94,7 +94,7 @@ JsonValue DecibelsCodec::write(float value) const
 JsonValue DecibelsCodec::schema() const
 {
     JsonValue result = typeSchema("number");
-    return isPositive ? result.add("exclusiveMinimum", JsonValue::ofNumber("0")) : result;
+    return isDistance ? result.add("minimum", JsonValue::ofNumber("0")) : result;
 }
 
 std::uint32_t StateCodec::read(const JsonCursor& cursor) const
@@ -126,6 +126,27 @@ JsonValue NodeTypeCodec::write(const GUID& value) const
 JsonValue NodeTypeCodec::schema() const
 {
     return reference(definition::nodeType);
+}
+
+GUID ControlInterfaceCodec::read(const JsonCursor& cursor) const
+{
+    const std::string text = cursor.string();
+    const std::optional<GUID> named = valueOf(controlInterfaceNames, text);
+    const std::optional<GUID> value = named ? named : guidFromText(text);
+    if (!value)
+        cursor.fail("the name of a control's interface, or a GUID like \"{01234567-89AB-CDEF-0123-456789ABCDEF}\"");
+    return *value;
+}
+
+JsonValue ControlInterfaceCodec::write(const GUID& value) const
+{
+    const std::string name = nameOf(controlInterfaceNames, value);
+    return JsonValue::ofString(name.empty() ? guidText(value) : name);
+}
+
+JsonValue ControlInterfaceCodec::schema() const
+{
+    return reference(definition::controlInterface);
 }
 
 std::uint32_t HardwareSupportCodec::read(const JsonCursor& cursor) const

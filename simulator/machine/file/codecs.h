@@ -23,6 +23,7 @@ inline constexpr const char* partIds = "partIds";
 inline constexpr const char* number = "number";
 inline constexpr const char* state = "state";
 inline constexpr const char* nodeType = "nodeType";
+inline constexpr const char* controlInterface = "controlInterface";
 inline constexpr const char* propertyName = "propertyName";
 inline constexpr const char* propertyValue = "propertyValue";
 inline constexpr const char* properties = "properties";
@@ -67,10 +68,10 @@ struct NumberCodec
 /// A number of decibels. A value that is not finite is written as null, which no reader accepts.
 struct DecibelsCodec
 {
-    bool isPositive = false;
+    bool isDistance = false;
 
-    /// A number above 0, as the schema says; checkMachine() checks it.
-    static DecibelsCodec positive() { return {true}; }
+    /// A number not below 0, as the schema says; checkMachine() checks it.
+    static DecibelsCodec distance() { return {true}; }
 
     float read(const JsonCursor& cursor) const;
     JsonValue write(float value) const;
@@ -87,6 +88,14 @@ struct StateCodec
 
 /// A kind of jack or node by name, or as a GUID.
 struct NodeTypeCodec
+{
+    GUID read(const JsonCursor& cursor) const;
+    JsonValue write(const GUID& value) const;
+    JsonValue schema() const;
+};
+
+/// The interface of a control by name, or as a GUID.
+struct ControlInterfaceCodec
 {
     GUID read(const JsonCursor& cursor) const;
     JsonValue write(const GUID& value) const;
@@ -121,6 +130,35 @@ constexpr NameCodec<Value, Size> nameCodec(const Names<Value, Size>& names, cons
     return {&names, definition};
 }
 
+/// A name of a table, or the number of a value that has no name: drivers report such values.
+template<class Value, std::size_t Size>
+struct NameOrNumberCodec
+{
+    NameCodec<Value, Size> names;
+
+    Value read(const JsonCursor& cursor) const
+    {
+        return cursor.isNumber() ? static_cast<Value>(cursor.number()) : names.read(cursor);
+    }
+
+    JsonValue write(const Value& value) const
+    {
+        return hasName(*names.names, value) ? names.write(value)
+                                            : NumberCodec().write(static_cast<std::uint32_t>(value));
+    }
+
+    JsonValue schema() const
+    {
+        return JsonValue::object().add("oneOf", JsonValue::array({names.schema(), NumberCodec().schema()}));
+    }
+};
+
+template<class Value, std::size_t Size>
+constexpr NameOrNumberCodec<Value, Size> nameOrNumber(const NameCodec<Value, Size>& names)
+{
+    return {names};
+}
+
 inline constexpr auto accountCodec = nameCodec(accountNames, "account");
 inline constexpr auto flowCodec = nameCodec(flowNames, "flow");
 inline constexpr auto roleCodec = nameCodec(roleNames, "role");
@@ -141,6 +179,7 @@ inline constexpr auto numberTagCodec = nameCodec(numberTagNames, "numberTag");
 inline constexpr auto latencyPresetCodec = nameCodec(latencyPresetNames, "latencyPreset");
 inline constexpr auto removedEndpointsCodec = nameCodec(removedEndpointsNames, "removedEndpoints");
 inline constexpr auto callbackThreadCodec = nameCodec(callbackThreadNames, "callbackThread");
+inline constexpr auto controlInterfaceNameCodec = nameCodec(controlInterfaceNames, "controlInterfaceName");
 inline constexpr auto nodeTypeNameCodec = nameCodec(nodeTypeNames, "nodeTypeName");
 
 /// A value that may be missing.

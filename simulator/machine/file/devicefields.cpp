@@ -2,6 +2,7 @@
 #include "simulator/machine/file/check.h"
 #include "simulator/machine/file/codecs.h"
 #include "simulator/machine/file/propertycodecs.h"
+#include "simulator/machine/file/propertyforms.h"
 #include "simulator/machine/file/shortids.h"
 
 namespace sim
@@ -82,6 +83,35 @@ void addInterfaces(FieldTable<AnyDevice>& table)
     table.add({"interfaces", false, schema}, read, write, isEqual);
 }
 
+/// The mix format: in the form of people, or the bytes of any other.
+void addMixFormat(FieldTable<Endpoint>& table)
+{
+    const auto read = [](const JsonCursor& cursor, Endpoint& endpoint)
+    {
+        if (!cursor.isObject())
+            endpoint.mixFormat = MixFormatCodec().read(cursor);
+        else if (endpoint.mixFormatBytes = BlobCodec().read(cursor); endpoint.mixFormatBytes.empty())
+            cursor.fail("the bytes of a WAVEFORMATEX");
+    };
+    const auto write = [](const Endpoint& endpoint)
+    {
+        return endpoint.mixFormat ? MixFormatCodec().write(*endpoint.mixFormat)
+                                  : BlobCodec().write(endpoint.mixFormatBytes);
+    };
+    const auto isEqual = [](const Endpoint& left, const Endpoint& right)
+    { return left.mixFormat == right.mixFormat && left.mixFormatBytes == right.mixFormatBytes; };
+    const auto schema = []
+    {
+        const JsonValue forms = JsonValue::array({MixFormatCodec().schema(), BlobCodec().schema()});
+        return annotated(JsonValue::object().add("oneOf", forms),
+                         "The format of the shared engine: bits/rate/channels, with 32f for floating point; as a blob "
+                         "the bytes of a WAVEFORMATEX. If it is missing: 32f at the rate and with the channels of the "
+                         "device format.",
+                         {});
+    };
+    table.add({"mixFormat", false, schema}, read, write, isEqual);
+}
+
 Topology newTopology(const std::string& deviceId)
 {
     Topology topology;
@@ -134,10 +164,8 @@ FieldTable<Endpoint> endpointTable()
     addInterfaces(table);
     addProperties(table);
     table.optional("volume", &Endpoint::volume, optionalCodec(ObjectCodec<EndpointVolume>()))
-        .optional("periods", &Endpoint::periods, optionalCodec(ObjectCodec<DevicePeriods>()))
-        .optional("mixFormat", &Endpoint::mixFormat, optionalCodec(MixFormatCodec()),
-                  "The format of the shared engine: bits/rate/channels, with 32f for floating point. If it is missing: "
-                  "32f at the rate and with the channels of the device format.");
+        .optional("periods", &Endpoint::periods, optionalCodec(ObjectCodec<DevicePeriods>()));
+    addMixFormat(table);
     addTopology(table);
     return table;
 }
@@ -150,8 +178,8 @@ const FieldTable<EndpointVolume>& fieldsOf<EndpointVolume>()
         FieldTable<EndpointVolume>("endpointVolume", "IAudioEndpointVolume, in decibels.")
             .required("minimum", &EndpointVolume::minimum, DecibelsCodec())
             .required("maximum", &EndpointVolume::maximum, DecibelsCodec())
-            .required("step", &EndpointVolume::step, DecibelsCodec::positive())
-            .required("channels", &EndpointVolume::channels, listCodec(DecibelsCodec(), 1, maximumChannels))
+            .required("step", &EndpointVolume::step, DecibelsCodec::distance())
+            .required("channels", &EndpointVolume::channels, listCodec(DecibelsCodec(), 0, maximumChannels))
             .optional("muted", &EndpointVolume::muted, BooleanCodec())
             .optional("hardwareSupport", &EndpointVolume::hardwareSupport, HardwareSupportCodec())
             .optional("refused", &EndpointVolume::refused, listCodec(StringCodec()),

@@ -50,6 +50,7 @@ template bool operator==(const ChannelLevel& left, const ChannelLevel& right);
 template bool operator==(const VolumeControl& left, const VolumeControl& right);
 template bool operator==(const MuteControl& left, const MuteControl& right);
 template bool operator==(const SelectorControl& left, const SelectorControl& right);
+template bool operator==(const FurtherControl& left, const FurtherControl& right);
 template bool operator==(const Jack& left, const Jack& right);
 template bool operator==(const Connector& left, const Connector& right);
 template bool operator==(const Subunit& left, const Subunit& right);

@@ -22,6 +22,8 @@ const FieldTable<MuteControl>& fieldsOf<MuteControl>();
 template<>
 const FieldTable<SelectorControl>& fieldsOf<SelectorControl>();
 template<>
+const FieldTable<FurtherControl>& fieldsOf<FurtherControl>();
+template<>
 const FieldTable<Jack>& fieldsOf<Jack>();
 template<>
 const FieldTable<Connector>& fieldsOf<Connector>();

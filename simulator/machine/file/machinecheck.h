@@ -91,6 +91,7 @@ private:
     void unlistedProperties(const Device& device, const FilePlace& place);
     void propertyValue(const PropertyValue& value, const FilePlace& place);
     void periods(const DevicePeriods& periods, const FilePlace& place);
+    void mixFormat(const Endpoint& endpoint, const FilePlace& place);
     void endpointVolume(const EndpointVolume& volume, const FilePlace& place);
     void taperPoints(const EndpointVolume& volume, const FilePlace& place);
     void hardwareControls();
@@ -100,7 +101,6 @@ private:
     template<class AnyPart>
     void partList(const std::vector<AnyPart>& parts, std::unordered_set<std::uint32_t>& localIds,
                   const PartsById& known, const FilePlace& place, const char* list);
-    void jackNames(const Jack& jack, const FilePlace& place);
     void part(const Part& part, const PartsById& known, const FilePlace& place);
     void levels(const std::vector<ChannelLevel>& channels, const FilePlace& place);
     void selection(const Part& part, const PartsById& known, const FilePlace& place);
@@ -122,6 +122,8 @@ private:
     void latency();
 
     void range(float minimum, float maximum, float step, const FilePlace& place);
+    /// A driver may report a level outside its range, but only a number.
+    void decibels(float level, const FilePlace& place);
     void level(float level, float minimum, float maximum, const FilePlace& place);
     void channelCount(std::size_t count, const FilePlace& place);
 

@@ -309,4 +309,19 @@ JsonValue writePropertyForm(const PropertyValue& value)
         return (hasOwnForm(value.tag) ? numberForm() : tagForm()).write(value);
     }
 }
+
+std::vector<std::uint8_t> BlobCodec::read(const JsonCursor& cursor) const
+{
+    return readAs(blobForm(), VT_BLOB, cursor).bytes;
+}
+
+JsonValue BlobCodec::write(const std::vector<std::uint8_t>& bytes) const
+{
+    return blobForm().write(PropertyValue::ofBytes(bytes));
+}
+
+JsonValue BlobCodec::schema() const
+{
+    return reference(blobForm().name());
+}
 }

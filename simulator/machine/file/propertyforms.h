@@ -5,6 +5,9 @@
 #include "simulator/machine/file/cursor.h"
 #include "simulator/machine/property.h"
 
+#include <cstdint>
+#include <vector>
+
 namespace sim
 {
 /// The value of the object at @p cursor, whose keys say which form it has. Throws MachineFileError.
@@ -12,4 +15,12 @@ PropertyValue readPropertyForm(const JsonCursor& cursor);
 
 /// @p value as an object, for any tag but VT_EMPTY and VT_UI4.
 JsonValue writePropertyForm(const PropertyValue& value);
+
+/// Bytes in an object, as pairs of hexadecimal digits: {"blob": "00FF"}.
+struct BlobCodec
+{
+    std::vector<std::uint8_t> read(const JsonCursor& cursor) const;
+    JsonValue write(const std::vector<std::uint8_t>& bytes) const;
+    JsonValue schema() const;
+};
 }

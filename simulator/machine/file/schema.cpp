@@ -116,6 +116,10 @@ void addNamesAndNumbers(JsonValue& definitions)
     addNames(definitions, removedEndpointsCodec);
     addNames(definitions, callbackThreadCodec);
     addNames(definitions, latencyPresetCodec);
+    addNames(definitions, controlInterfaceNameCodec);
+    definitions.add(definition::controlInterface,
+                    described("The interface of a control.")
+                        .add("oneOf", JsonValue::array({controlInterfaceNameCodec.schema(), pattern(guidPattern)})));
     definitions.add(definition::nodeType,
                     described("Kind of a jack or node. If it is missing: the zero GUID.")
                         .add("oneOf", JsonValue::array({nodeTypeNameCodec.schema(), pattern(guidPattern)})));
@@ -166,8 +170,8 @@ std::vector<ObjectRule> objectRules()
     append<Machine, Endpoint, Adapter>(rules);
     append(rules, propertyValueForms());
     append<EndpointVolume, TaperPoint, HardwareControls, DevicePeriods, Topology, Connector, Jack, Subunit,
-           VolumeControl, ChannelLevel, MuteControl, SelectorControl, SignalPath, Join, DeviceInstance, WaveDevice>(
-        rules);
+           VolumeControl, ChannelLevel, MuteControl, SelectorControl, FurtherControl, SignalPath, Join, DeviceInstance,
+           WaveDevice>(rules);
     append(rules, eventForms());
     append<FaultRule, LatencyRule>(rules);
     return rules;
@@ -190,8 +194,8 @@ std::string machineSchema()
                 "description",
                 string("What the simulated platform answers: endpoints, adapters, the connections between them, and "
                        "what happens to them. Ids refer to parts and devices exactly, case included. The reader checks "
-                       "more than a schema can: that ids are unique, that references lead somewhere, and that levels "
-                       "are within their ranges."))
+                       "more than a schema can: that ids are unique, that references lead somewhere, and that no "
+                       "minimum is above its maximum."))
             .add("$ref", string("#/$defs/machine"))
             .add("$defs", definitions));
 }

@@ -2,7 +2,7 @@
 #include "simulator/machine/file/machinecheck.h"
 
 #include <algorithm>
-#include <set>
+#include <map>
 #include <type_traits>
 #include <utility>
 
@@ -47,21 +47,9 @@ void MachineCheck::partList(const std::vector<AnyPart>& parts, std::unordered_se
             report(FilePlace(partPlace, "localId"), "a local id that is unique in the topology",
                    "duplicate " + std::to_string(anyPart.localId));
         if constexpr (std::is_same_v<AnyPart, Connector>)
-        {
-            requireName(connectorTypeNames, parts[index].type, FilePlace(partPlace, "kind"));
-            for (std::size_t jack = 0; jack < parts[index].jacks.size(); ++jack)
-                jackNames(parts[index].jacks[jack], FilePlace(partPlace, "jacks", jack));
-        }
+            requireName(directionNames, parts[index].direction, FilePlace(partPlace, "direction"));
         part(anyPart, known, partPlace);
     }
-}
-
-void MachineCheck::jackNames(const Jack& jack, const FilePlace& place)
-{
-    requireName(jackConnectionNames, jack.connection, FilePlace(place, "connection"));
-    requireName(geometricLocationNames, jack.geometricLocation, FilePlace(place, "geometricLocation"));
-    requireName(generalLocationNames, jack.generalLocation, FilePlace(place, "generalLocation"));
-    requireName(portConnectionNames, jack.portConnection, FilePlace(place, "portConnection"));
 }
 
 void MachineCheck::part(const Part& part, const PartsById& known, const FilePlace& place)
@@ -82,7 +70,7 @@ void MachineCheck::levels(const std::vector<ChannelLevel>& channels, const FileP
         const ChannelLevel& channel = channels[index];
         const FilePlace channelPlace(place, "channels", index);
         range(channel.minimum, channel.maximum, channel.step, channelPlace);
-        level(channel.level, channel.minimum, channel.maximum, FilePlace(channelPlace, "level"));
+        decibels(channel.level, FilePlace(channelPlace, "level"));
     }
 }
 
@@ -111,9 +99,10 @@ void MachineCheck::partId(const std::string& id, const PartsById& known, const F
         report(place, "the id of a part of this topology", inQuotes(id));
 }
 
+/// Behind a mixed path there may be another one, for callers that reject mixed ones.
 void MachineCheck::signalPaths(const Topology& topology, const PartsById& known, const FilePlace& place)
 {
-    std::set<std::pair<std::string_view, std::string_view>> taken;
+    std::map<std::pair<std::string_view, std::string_view>, bool> taken; // whether the path is mixed
     for (std::size_t index = 0; index < topology.signalPaths.size(); ++index)
     {
         const SignalPath& path = topology.signalPaths[index];
@@ -121,7 +110,10 @@ void MachineCheck::signalPaths(const Topology& topology, const PartsById& known,
         partId(path.from, known, FilePlace(pathPlace, "from"));
         partId(path.to, known, FilePlace(pathPlace, "to"));
         partIds(path.through, known, pathPlace, "through");
-        if (!taken.insert({path.from, path.to}).second)
+        const auto [other, isNew] = taken.insert({{path.from, path.to}, path.mixed});
+        const bool isOtherWay = other->second && !path.mixed;
+        other->second = path.mixed;
+        if (!isNew && !isOtherWay)
             report(pathPlace, "each pair of parts once",
                    "duplicate " + inQuotes(path.from) + " to " + inQuotes(path.to));
     }

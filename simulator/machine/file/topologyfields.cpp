@@ -62,7 +62,9 @@ void addNeighboursAndControls(FieldTable<AnyPart>& table)
         .optional("outgoing", &Part::outgoing, PartIdsCodec())
         .optional("volume", &Part::volume, optionalCodec(ObjectCodec<VolumeControl>()))
         .optional("mute", &Part::mute, optionalCodec(ObjectCodec<MuteControl>()))
-        .optional("selector", &Part::selector, optionalCodec(ObjectCodec<SelectorControl>()));
+        .optional("selector", &Part::selector, optionalCodec(ObjectCodec<SelectorControl>()))
+        .optional("furtherControls", &Part::furtherControls, listCodec(ObjectCodec<FurtherControl>()),
+                  "Controls that the part lists after the others and that cannot be activated.");
 }
 
 FieldTable<Subunit> subunitTable()
@@ -77,7 +79,7 @@ FieldTable<Connector> connectorTable()
 {
     FieldTable<Connector> table("connector");
     addIdentity(table);
-    table.optional("kind", &Connector::type, connectorTypeCodec)
+    table.optional("kind", &Connector::type, nameOrNumber(connectorTypeCodec))
         .optional("direction", &Connector::direction, directionCodec)
         .optional("jacks", &Connector::jacks, listCodec(ObjectCodec<Jack>()),
                   "The descriptions that IKsJackDescription returns.");
@@ -113,10 +115,10 @@ const FieldTable<Jack>& fieldsOf<Jack>()
         FieldTable<Jack>("jack", "A description of a jack.")
             .optional("channels", &Jack::channels, NumberCodec(), "Mask of the speakers that it carries.")
             .optional("colour", &Jack::colour, NumberCodec(), "Red, green and blue: 65280 is green.")
-            .optional("connection", &Jack::connection, jackConnectionCodec)
-            .optional("geometricLocation", &Jack::geometricLocation, geometricLocationCodec)
-            .optional("generalLocation", &Jack::generalLocation, generalLocationCodec)
-            .optional("portConnection", &Jack::portConnection, portConnectionCodec)
+            .optional("connection", &Jack::connection, nameOrNumber(jackConnectionCodec))
+            .optional("geometricLocation", &Jack::geometricLocation, nameOrNumber(geometricLocationCodec))
+            .optional("generalLocation", &Jack::generalLocation, nameOrNumber(generalLocationCodec))
+            .optional("portConnection", &Jack::portConnection, nameOrNumber(portConnectionCodec))
             .optional("detectsPresence", &Jack::detectsPresence, BooleanCodec(),
                       "Whether the hardware knows that something is plugged in.")
             .optional("changesFormat", &Jack::changesFormat, BooleanCodec(),
@@ -140,7 +142,7 @@ const FieldTable<VolumeControl>& fieldsOf<VolumeControl>()
     static const auto& table =
         *new FieldTable<VolumeControl>(FieldTable<VolumeControl>("volumeControl", "IAudioVolumeLevel.")
                                            .required("channels", &VolumeControl::channels,
-                                                     listCodec(ObjectCodec<ChannelLevel>(), 1, maximumChannels)));
+                                                     listCodec(ObjectCodec<ChannelLevel>(), 0, maximumChannels)));
     return table;
 }
 
@@ -151,7 +153,7 @@ const FieldTable<ChannelLevel>& fieldsOf<ChannelLevel>()
         *new FieldTable<ChannelLevel>(FieldTable<ChannelLevel>("channelLevel", "In decibels.")
                                           .required("minimum", &ChannelLevel::minimum, DecibelsCodec())
                                           .required("maximum", &ChannelLevel::maximum, DecibelsCodec())
-                                          .required("step", &ChannelLevel::step, DecibelsCodec::positive())
+                                          .required("step", &ChannelLevel::step, DecibelsCodec::distance())
                                           .required("level", &ChannelLevel::level, DecibelsCodec()));
     return table;
 }
@@ -171,6 +173,16 @@ const FieldTable<SelectorControl>& fieldsOf<SelectorControl>()
         *new FieldTable<SelectorControl>(FieldTable<SelectorControl>("selectorControl", "IAudioInputSelector.")
                                              .required("selection", &SelectorControl::selection, NumberCodec(),
                                                        "Local id of an incoming part; 0: none."));
+    return table;
+}
+
+template<>
+const FieldTable<FurtherControl>& fieldsOf<FurtherControl>()
+{
+    static const auto& table = *new FieldTable<FurtherControl>(
+        FieldTable<FurtherControl>("furtherControl", "A control of which only interface and name are known.")
+            .required("interface", &FurtherControl::interfaceId, ControlInterfaceCodec())
+            .optional("name", &FurtherControl::name, NullableStringCodec(), "null or missing: GetName stores null."));
     return table;
 }
 

@@ -90,7 +90,7 @@ HRESULT agreeOnPeriodBuffer(const DevicePeriods& periods, const StreamRequest& r
         return AUDCLNT_E_BUFDURATION_PERIOD_NOT_EQUAL;
     if (request.duration < REFERENCE_TIME{periods.minimum} || request.duration > longestPullBuffer)
         return AUDCLNT_E_BUFFER_SIZE_ERROR;
-    plan.bufferFrames = roundedFrames(request.duration, plan.format.rate);
+    plan.bufferFrames = std::max(roundedFrames(request.duration, plan.format.rate), 1u);
     const std::uint32_t requested = plan.bufferFrames;
     while (std::uint64_t{plan.bufferFrames} * plan.format.frameBytes() % packetBytes != 0)
         ++plan.bufferFrames;

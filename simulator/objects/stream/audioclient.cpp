@@ -10,6 +10,7 @@
 #include <mutex>
 #include <new>
 #include <utility>
+#include <vector>
 
 namespace sim
 {
@@ -226,17 +227,18 @@ public:
     {
         const auto answer = [&]() -> HRESULT
         {
-            std::optional<WAVEFORMATEXTENSIBLE> mix;
+            std::vector<std::uint8_t> mix;
             std::uint32_t frames = 0;
             const auto read = [&](const Machine&, const Endpoint& endpoint)
             {
+                const std::optional<SampleFormat> samples = mixSamplesOf(endpoint);
                 mix = mixFormatOf(endpoint);
-                frames = mix ? enginePeriod(endpoint, mix->Format.nSamplesPerSec) : 0;
-                return mix ? S_OK : AUDCLNT_E_UNSUPPORTED_FORMAT;
+                frames = samples ? enginePeriod(endpoint, samples->rate) : 0;
+                return samples ? S_OK : AUDCLNT_E_UNSUPPORTED_FORMAT;
             };
             HRESULT result = onActiveEndpoint(*state(), name(), read);
             if (SUCCEEDED(result))
-                result = storeFormat("IAudioClient3::GetCurrentSharedModeEnginePeriod", *mix, format);
+                result = storeFormat("IAudioClient3::GetCurrentSharedModeEnginePeriod", mix, format);
             if (SUCCEEDED(result))
                 *period = frames;
             return result;
@@ -281,7 +283,7 @@ private:
         return S_OK;
     }
 
-    /// In shared mode the engine converts nothing; the closest format to any linear one is its own.
+    /// In shared mode the engine converts nothing; the closest format to any linear one is its own, if that is linear.
     HRESULT isFormatSupported(AUDCLNT_SHAREMODE mode, const WAVEFORMATEX* format, WAVEFORMATEX** closestMatch)
     {
         const bool isShared = mode == AUDCLNT_SHAREMODE_SHARED;
@@ -291,9 +293,11 @@ private:
             return E_INVALIDARG;
         const std::optional<SampleFormat> samples = sampleFormat(*format);
         bool isTaken = false;
+        bool isLinear = false;
         const HRESULT result = onActiveEndpoint(*state(), name(),
                                                 [&](const Machine&, const Endpoint& endpoint)
                                                 {
+                                                    isLinear = mixSamplesOf(endpoint).has_value();
                                                     isTaken =
                                                         samples && (isShared ? sharedEngineTakes(endpoint, *samples)
                                                                              : deviceTakes(endpoint, *samples));
@@ -301,7 +305,7 @@ private:
                                                 });
         if (FAILED(result) || isTaken)
             return result;
-        if (!isShared || !samples)
+        if (!isShared || !samples || !isLinear)
             return AUDCLNT_E_UNSUPPORTED_FORMAT;
         const HRESULT stored = storeMixFormat("IAudioClient::IsFormatSupported", closestMatch);
         return FAILED(stored) ? stored : S_FALSE;
@@ -309,23 +313,23 @@ private:
 
     HRESULT storeMixFormat(const char* operation, WAVEFORMATEX** format) const
     {
-        std::optional<WAVEFORMATEXTENSIBLE> mix;
+        std::vector<std::uint8_t> mix;
         const HRESULT result = onActiveEndpoint(*state(), name(),
                                                 [&](const Machine&, const Endpoint& endpoint)
                                                 {
                                                     mix = mixFormatOf(endpoint);
-                                                    return mix ? S_OK : AUDCLNT_E_UNSUPPORTED_FORMAT;
+                                                    return mix.empty() ? AUDCLNT_E_UNSUPPORTED_FORMAT : S_OK;
                                                 });
-        return FAILED(result) ? result : storeFormat(operation, *mix, format);
+        return FAILED(result) ? result : storeFormat(operation, mix, format);
     }
 
     /// Stores a copy in task memory.
-    HRESULT storeFormat(const char* operation, const WAVEFORMATEXTENSIBLE& stored, WAVEFORMATEX** format) const
+    HRESULT storeFormat(const char* operation, const std::vector<std::uint8_t>& stored, WAVEFORMATEX** format) const
     {
-        void* const memory = allocate(operation, sizeof stored);
+        void* const memory = allocate(operation, stored.size());
         if (memory == nullptr)
             return E_OUTOFMEMORY;
-        std::memcpy(memory, &stored, sizeof stored);
+        std::memcpy(memory, stored.data(), stored.size());
         *format = static_cast<WAVEFORMATEX*>(memory);
         return S_OK;
     }

@@ -7,6 +7,9 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <set>
+#include <sstream>
+#include <utility>
 
 using nlohmann::json;
 using support::Answer;
@@ -51,6 +54,12 @@ class ProgramCapture : public support::ProgramTest
 {
 protected:
     static sim::Machine machineIn(const std::string& text) { return sim::readMachine(text, "captured.json"); }
+
+    /// Whether @p line of standard error says that a failure is in the file.
+    static bool isReplayed(const std::string& line)
+    {
+        return line.find("could not read ") == 0 && line.find(": the file replays the failure") != std::string::npos;
+    }
 
     /// The trees of a machine and of its capture.
     std::pair<std::string, std::string> trees(const std::string& machine)
@@ -173,6 +182,31 @@ TEST_F(ProgramCapture, SaysWhichCallFailsAndSucceeds)
     ASSERT_EQ(3u, faults.size());
     EXPECT_EQ("IAudioEndpointVolume::GetMute", faults[0].operation);
     EXPECT_EQ(E_ACCESSDENIED, faults[0].result);
+}
+
+TEST_F(ProgramCapture, SucceedsWhateverCallFailsAndSaysWhich)
+{
+    run(support::smallMachine());
+    call({"capture"});
+    const std::vector<std::string> all = simulation().journal().operations();
+    const std::set<std::string> operations(all.begin(), all.end());
+    ASSERT_GT(operations.size(), 20u);
+
+    for (const std::string& operation : operations)
+    {
+        SCOPED_TRACE(operation);
+        simulation().faults().clear();
+        simulation().faults().fail(operation, E_FAIL).at(1);
+
+        const Answer answer = call({"capture"});
+
+        EXPECT_EQ(0, answer.code) << answer.err;
+        std::size_t failures = 0;
+        std::istringstream lines(answer.err);
+        for (std::string line; std::getline(lines, line);)
+            failures += isReplayed(line) ? 1 : 0;
+        EXPECT_EQ(machineIn(answer.out).faults.size(), failures) << answer.err;
+    }
 }
 
 TEST_F(ProgramCapture, ReplacesTheNamesOfTheOwnerIfTheUserWants)

@@ -1,3 +1,4 @@
+#include "simulator/machine/file/machinefile.h"
 #include "tests/simulator/bench.h"
 
 namespace
@@ -51,6 +52,43 @@ TEST_F(RuntimeWave, TellsTheSizeInBytesAndThenTheId)
     std::vector<WCHAR> id(size / sizeof(WCHAR), 7);
     EXPECT_EQ(MMSYSERR_NOERROR, waveOutMessage(out(0), DRV_QUERYFUNCTIONINSTANCEID, address(id.data()), size));
     EXPECT_EQ(speakerId, sim::utf8(id.data()));
+}
+
+TEST_F(RuntimeWave, ReturnsThePlannedCodeToOneQuestionOfOneDevice)
+{
+    const auto sizeOf = [](std::uintptr_t id)
+    {
+        DWORD_PTR size = 0;
+        return waveOutMessage(out(id), DRV_QUERYFUNCTIONINSTANCEIDSIZE, address(&size), 0);
+    };
+    simulation.faults()
+        .fail("waveOutMessage", static_cast<HRESULT>(MMSYSERR_INVALPARAM))
+        .with(std::vector<std::string>{"0", std::to_string(DRV_QUERYFUNCTIONINSTANCEIDSIZE)});
+
+    EXPECT_EQ(MMSYSERR_INVALPARAM, sizeOf(0));
+    EXPECT_EQ(MMSYSERR_NOERROR, sizeOf(2));
+}
+
+TEST_F(RuntimeWave, CountsAsPlanned)
+{
+    simulation.faults().fail("waveOutGetNumDevs", HRESULT{7});
+    simulation.faults().fail("waveInGetNumDevs", static_cast<HRESULT>(0xFFFFFFFF));
+
+    EXPECT_EQ(7u, waveOutGetNumDevs());
+    EXPECT_EQ(0xFFFFFFFFu, waveInGetNumDevs());
+}
+
+TEST_F(RuntimeWave, CountsAndAnswersAsAMachineFileSays)
+{
+    const sim::Simulation other(sim::readMachine(R"({"name": "m", "waveOut": ["a", "b", "c"], "faults": [
+        {"operation": "waveOutGetNumDevs", "result": "0x00000002"},
+        {"operation": "waveOutMessage", "arguments": ["1"], "result": "0x0000000B"}]})",
+                                                 "m.json"));
+    DWORD_PTR size = 0;
+
+    EXPECT_EQ(2u, waveOutGetNumDevs());
+    EXPECT_EQ(MMSYSERR_NOERROR, waveOutMessage(out(0), DRV_QUERYFUNCTIONINSTANCEIDSIZE, address(&size), 0));
+    EXPECT_EQ(MMSYSERR_INVALPARAM, waveOutMessage(out(1), DRV_QUERYFUNCTIONINSTANCEIDSIZE, address(&size), 0));
 }
 
 TEST_F(RuntimeWave, HasInputsOfTheirOwn)

@@ -8,7 +8,6 @@
 #include "tools/sonavit/output/text.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -58,11 +57,18 @@ void showText(const Environment& environment, const std::string& before, std::si
     }
 }
 
+/// Adapters have long ids, of which the end tells their filters and parts apart: "…\\topo/00010000".
+std::string shortObject(const std::string& object)
+{
+    const std::size_t brace = object.rfind('}');
+    return brace == std::string::npos || brace + 1 == object.size() ? object : "…" + object.substr(brace + 1);
+}
+
 /// The call, and on what it was made unless that is the endpoint.
 std::string source(const Fact& fact, const Endpoint& endpoint)
 {
     const bool isElsewhere = !fact.object.empty() && EndpointId(fact.object) != endpoint.id();
-    return isElsewhere ? fact.call + " on " + fact.object : fact.call;
+    return isElsewhere ? fact.call + " on " + shortObject(fact.object) : fact.call;
 }
 
 void showReason(const Environment& environment, const Reason& reason, const Endpoint& endpoint)
@@ -109,5 +115,7 @@ void runExplain(Context& context)
                     << painted(printable(place.endpoint.id().text()), Paint::dim, environment.hasColours) << "\n";
     for (const Reason& reason : *reasons)
         showReason(environment, reason, place.endpoint);
+    environment.out << "\n";
+    showText(environment, {}, 0, "Ids are shortened at their beginnings; --json has all of them.", Paint::dim);
 }
 }

@@ -50,10 +50,16 @@ auto membersOf(sim::SelectorControl& value)
     return std::tie(selection);
 }
 
+auto membersOf(sim::FurtherControl& value)
+{
+    auto& [interfaceId, name] = value;
+    return std::tie(interfaceId, name);
+}
+
 auto membersOf(sim::Part& value)
 {
-    auto& [id, localId, reportsId, name, subType, incoming, outgoing, volume, mute, selector] = value;
-    return std::tie(id, localId, reportsId, name, subType, incoming, outgoing, volume, mute, selector);
+    auto& [id, localId, reportsId, name, subType, incoming, outgoing, volume, mute, selector, further] = value;
+    return std::tie(id, localId, reportsId, name, subType, incoming, outgoing, volume, mute, selector, further);
 }
 
 auto membersOf(sim::Jack& value)
@@ -117,9 +123,9 @@ auto membersOf(sim::DevicePeriods& value)
 
 auto membersOf(sim::Endpoint& value)
 {
-    return std::tuple_cat(
-        membersOf(static_cast<sim::Device&>(value)),
-        std::tie(value.flow, value.installed, value.volume, value.defaultFor, value.periods, value.mixFormat));
+    return std::tuple_cat(membersOf(static_cast<sim::Device&>(value)),
+                          std::tie(value.flow, value.installed, value.volume, value.defaultFor, value.periods,
+                                   value.mixFormat, value.mixFormatBytes));
 }
 
 auto membersOf(sim::Adapter& value)
@@ -193,9 +199,10 @@ constexpr bool hasExactly =
 static_assert(hasExactly<sim::Connector, sim::Part, ConnectorType, DataFlow, std::vector<sim::Jack>>,
               "membersOf() knows all members");
 static_assert(hasExactly<sim::Subunit, sim::Part>, "membersOf() knows all members");
-static_assert(hasExactly<sim::Endpoint, sim::Device, EDataFlow, bool, std::optional<sim::EndpointVolume>,
-                         std::vector<ERole>, std::optional<sim::DevicePeriods>, std::optional<sim::MixFormat>>,
-              "membersOf() knows all members");
+static_assert(
+    hasExactly<sim::Endpoint, sim::Device, EDataFlow, bool, std::optional<sim::EndpointVolume>, std::vector<ERole>,
+               std::optional<sim::DevicePeriods>, std::optional<sim::MixFormat>, std::vector<std::uint8_t>>,
+    "membersOf() knows all members");
 static_assert(hasExactly<sim::Adapter, sim::Device>, "membersOf() knows all members");
 
 // Any change of a value.
@@ -286,10 +293,10 @@ protected:
 
 using AllTypes =
     testing::Types<sim::PropertyValue, sim::Property, sim::ChannelLevel, sim::VolumeControl, sim::MuteControl,
-                   sim::SelectorControl, sim::Jack, sim::Connector, sim::Subunit, sim::SignalPath, sim::Topology,
-                   sim::HardwareControls, sim::TaperPoint, sim::EndpointVolume, sim::DevicePeriods, sim::Endpoint,
-                   sim::Adapter, sim::Join, sim::DeviceInstance, sim::WaveDevice, sim::ScriptEvent, sim::FaultRule,
-                   sim::LatencyRule, sim::Machine>;
+                   sim::SelectorControl, sim::FurtherControl, sim::Jack, sim::Connector, sim::Subunit, sim::SignalPath,
+                   sim::Topology, sim::HardwareControls, sim::TaperPoint, sim::EndpointVolume, sim::DevicePeriods,
+                   sim::Endpoint, sim::Adapter, sim::Join, sim::DeviceInstance, sim::WaveDevice, sim::ScriptEvent,
+                   sim::FaultRule, sim::LatencyRule, sim::Machine>;
 TYPED_TEST_SUITE(MachineEquality, AllTypes);
 
 TYPED_TEST(MachineEquality, ComparesEachMember)

@@ -3,6 +3,7 @@
 
 #include "simulator/machine/deviceformat.h"
 #include "simulator/machine/machine.h"
+#include "simulator/machine/namedvalues.h"
 #include "simulator/machine/nodetypes.h"
 #include "simulator/machine/propertykeys.h"
 
@@ -54,6 +55,8 @@ inline sim::Connector jack()
     connector.volume = sim::VolumeControl{{{-96.0f, 12.0f, 1.5f, -0.1f}}};
     connector.mute = sim::MuteControl{true};
     connector.selector = sim::SelectorControl{9};
+    connector.furtherControls = {{sim::controlInterfaceNames[0].value, "Automatic Gain"},
+                                 {{0xAAAAAAAA, 1, 2, {3, 4, 5, 6, 7, 8, 9, 10}}, {}}};
     return connector;
 }
 
@@ -62,6 +65,7 @@ inline sim::Topology graph()
     sim::Connector stream;
     stream.id = codec + "/stream";
     stream.localId = 0x00010001;
+    stream.type = static_cast<ConnectorType>(77);
     stream.subType = {0xAAAAAAAA, 1, 2, {3, 4, 5, 6, 7, 8, 9, 10}};
 
     sim::Subunit node;
@@ -75,6 +79,7 @@ inline sim::Topology graph()
     node.volume = sim::VolumeControl{{{-34.5f, 0.0f, 0.5f, -10.0f}, {-30.0f, 6.0f, 0.75f, 1e-3f}}};
     node.mute = sim::MuteControl{false};
     node.selector = sim::SelectorControl{0x00010001};
+    node.furtherControls = {{sim::controlInterfaceNames[8].value, ""}};
 
     sim::Topology topology;
     topology.deviceId = std::nullopt;
@@ -97,6 +102,7 @@ inline std::vector<sim::Endpoint> endpoints()
     output.periods = sim::DevicePeriods{101587, 29025};
     output.mixFormat = sim::MixFormat{{24, 44100, 6}, false};
     output.properties = allKindsOfProperties();
+    output.unlistedProperties = {{sim::keys::association, sim::PropertyValue::ofText("unlisted")}};
     output.volume =
         sim::EndpointVolume{-60.0f, 6.0f, 0.25f, {-12.34f, -60.0f, 6.0f}, true, 5, {"SetMute", "GetVolumeRange"}};
     output.defaultFor = {eMultimedia, eCommunications};
@@ -115,6 +121,7 @@ inline std::vector<sim::Endpoint> endpoints()
         -96.0f, 12.0f, 1.5f, {-0.1f}, true, 4, {}, sim::Taper::measured, {{-50.0f, 0.25f}, {-0.1f, 0.9f}}, -3.5f, 51};
     input.volume->hardware = {codec + "/jack", codec + "/jack"};
     input.defaultFor = {eConsole};
+    input.mixFormatBytes = {0x55, 0, 2, 0, 0x80, 0xBB, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 2, 0, 0xAB, 0xCD};
     return {output, input};
 }
 

@@ -144,6 +144,7 @@ TEST_F(MachineSchema, HasTheReadersWords)
     EXPECT_EQ(namesOf(sim::interfaceNames), wordsOf("interface"));
     EXPECT_EQ(namesOf(sim::numberTagNames), wordsOf("numberTag"));
     EXPECT_EQ(namesOf(sim::nodeTypeNames), wordsOf("nodeTypeName"));
+    EXPECT_EQ(namesOf(sim::controlInterfaceNames), wordsOf("controlInterfaceName"));
     EXPECT_EQ(namesOf(sim::compositionNames), wordsOf("composition"));
     EXPECT_EQ(namesOf(sim::removedEndpointsNames), wordsOf("removedEndpoints"));
     EXPECT_EQ(namesOf(sim::callbackThreadNames), wordsOf("callbackThread"));
@@ -245,8 +246,34 @@ TEST_F(MachineSchema, AgreesWithTheReaderOnWhatMayStandInOnePlace)
         {endpoint(R"("topology": {"connectors": [{"id": "", "type": "headset"}]})"), false},
         {endpoint(R"("topology": {"connectors": [{"id": "/a", "type": "Headset"}]})"), false},
         {endpoint(R"("topology": {"connectors": [{"id": "/a", "kind": "usb"}]})"), false},
+        {endpoint(R"("topology": {"connectors": [{"id": "/a", "kind": 77}]})"), true},
+        {endpoint(R"("topology": {"connectors": [{"id": "/a", "kind": -1}]})"), false},
+        {endpoint(R"("topology": {"connectors": [{"id": "/a", "direction": 2}]})"), false},
+        {endpoint(R"("topology": {"connectors": [{"id": "/a", "jacks": [{"connection": 99, "portConnection": 9}]}]})"),
+         true},
+        {endpoint(R"("topology": {"connectors": [{"id": "/a", "jacks": [{"connection": "mini"}]}]})"), false},
+        {endpoint(R"("topology": {"subunits": [{"id": "/a", "furtherControls": [{"interface": "IAudioBass"}]}]})"),
+         true},
+        {endpoint(R"("topology": {"subunits": [{"id": "/a", "furtherControls":
+            [{"interface": "{01234567-89ab-cdef-0123-456789abcdef}", "name": "Bass"}]}]})"),
+         true},
+        {endpoint(R"("topology": {"subunits": [{"id": "/a", "furtherControls": [{"interface": "IBass"}]}]})"), false},
+        {endpoint(R"("topology": {"subunits": [{"id": "/a", "furtherControls": [{"name": "Bass"}]}]})"), false},
+        {endpoint(R"("mixFormat": "32f/48000/2")"), true},
+        {endpoint(R"("mixFormat": {"blob": "550002000000000000000000000000000000"})"), true},
+        {endpoint(R"("mixFormat": {"blob": "5"})"), false},
+        {endpoint(R"("mixFormat": {"format": "16/48000/2"})"), false},
         {endpoint(R"("topology": {"subunits": [{"id": "/a", "direction": "in"}]})"), false},
-        {endpoint(R"("volume": {"minimum": -1, "maximum": 0, "step": 0.5, "channels": []})"), false},
+        {endpoint(R"("volume": {"minimum": -1, "maximum": 0, "step": 0.5, "channels": []})"), true},
+        {endpoint(R"("volume": {"minimum": 0, "maximum": 0, "step": 0, "channels": [3]})"), true},
+        {endpoint(R"("volume": {"minimum": -1, "maximum": 0, "step": -0.5, "channels": [0]})"), false},
+        {endpoint(R"("volume": {"minimum": -1, "maximum": 0, "step": 1, "channels": [0], "steps": -1})"), false},
+        {endpoint(R"("volume": {"minimum": -1, "maximum": 0, "step": 1, "channels": [0], "taper": "measured",
+            "taperPoints": [{"level": -0.5, "scalar": 0.75}], "master": -0.5, "steps": 51})"),
+         true},
+        {endpoint(R"("volume": {"minimum": -1, "maximum": 0, "step": 1, "channels": [0], "taper": "measured",
+            "taperPoints": [{"level": -0.5}]})"),
+         false},
         {endpoint(R"("volume": {"minimum": -1, "maximum": 0, "step": 0.5, "channels": [0, -1e0]})"), true},
         {R"({"name": "m", "faults": [{"operation": "IPart::GetName", "result": "0x80004005"}]})", true},
         {R"({"name": "m", "faults": [{"operation": "IPart::GetName", "result": "80004005"}]})", false},
@@ -256,7 +283,7 @@ TEST_F(MachineSchema, AgreesWithTheReaderOnWhatMayStandInOnePlace)
         {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "arguments": [1]}]})", false},
         {R"({"name": "m", "composition": "none"})", true},
         {R"({"name": "m", "composition": true})", false},
-        {endpoint(R"("properties": {"fullName": "a"}, "unlistedProperties": {"formFactor": 1})"), true},
+        {endpoint(R"("properties": {"jackSubType": "a"}, "unlistedProperties": {"formFactor": 1})"), true},
         {endpoint(R"("unlistedProperties": {"FormFactor": 1})"), false},
         {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "forMilliseconds": 8000}]})", true},
         {R"({"name": "m", "faults": [{"operation": "Release", "result": "throw", "forMilliseconds": -1}]})", false},

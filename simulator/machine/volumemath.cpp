@@ -1,4 +1,4 @@
-#include "simulator/core/volumemath.h"
+#include "simulator/machine/volumemath.h"
 
 #include <algorithm>
 #include <cmath>
@@ -224,6 +224,6 @@ float nearestStep(const ChannelLevel& channel, float decibels)
     const double minimum = channel.minimum;
     const double step = channel.step;
     const double snapped = minimum + std::round((within - minimum) / step) * step;
-    return std::min(static_cast<float>(snapped), channel.maximum);
+    return static_cast<float>(std::min(snapped, static_cast<double>(channel.maximum)));
 }
 }

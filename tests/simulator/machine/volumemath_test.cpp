@@ -1,9 +1,10 @@
-#include "simulator/core/volumemath.h"
+#include "simulator/machine/volumemath.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
+#include <utility>
 #include <vector>
 
 namespace
@@ -104,6 +105,109 @@ TEST(MeasuredTaper, HasStepsAtEqualDistancesOfTheScalarLevel)
     EXPECT_EQ(60u, sim::stepOf(volume, -20.0f));
     EXPECT_NEAR(-20.0f + 20.0f / 60.0f, sim::neighbouringStep(volume, -20.0f, 1), 1e-5f);
     EXPECT_NEAR(-20.0f - 40.0f / 60.0f, sim::neighbouringStep(volume, -20.0f, -1), 1e-5f);
+}
+
+/// A volume as an odd driver reports it, with each taper.
+std::vector<sim::EndpointVolume> withEachTaper(float minimum, float maximum, float step)
+{
+    std::vector<sim::EndpointVolume> result;
+    for (const sim::Taper taper : {sim::Taper::linear, sim::Taper::audio, sim::Taper::measured})
+    {
+        sim::EndpointVolume volume;
+        volume.minimum = minimum;
+        volume.maximum = maximum;
+        volume.step = step;
+        volume.taper = taper;
+        result.push_back(volume);
+    }
+    return result;
+}
+
+TEST(OddVolume, WithAnEmptyRangeIsAtItsMaximumAndStaysThere)
+{
+    for (const float step : {0.0f, 0.75f})
+    {
+        for (const sim::EndpointVolume& volume : withEachTaper(-6.0f, -6.0f, step))
+        {
+            EXPECT_EQ(1.0f, sim::scalarLevel(volume, -6.0f));
+            EXPECT_EQ(-6.0f, sim::decibelLevel(volume, 0.0f));
+            EXPECT_EQ(-6.0f, sim::decibelLevel(volume, 1.0f));
+            EXPECT_EQ(1u, sim::stepCount(volume));
+            EXPECT_EQ(0u, sim::stepOf(volume, -6.0f));
+            EXPECT_EQ(-6.0f, sim::neighbouringStep(volume, -6.0f, 1));
+        }
+    }
+}
+
+TEST(OddVolume, WithoutStepsHasOneAndDoesNotMove)
+{
+    for (const sim::EndpointVolume& volume : withEachTaper(-10.0f, 0.0f, 0.0f))
+    {
+        EXPECT_EQ(1u, sim::stepCount(volume));
+        EXPECT_EQ(0u, sim::stepOf(volume, 0.0f));
+        EXPECT_EQ(-4.0f, sim::neighbouringStep(volume, -4.0f, 1));
+        EXPECT_EQ(-4.0f, sim::neighbouringStep(volume, -4.0f, -1));
+    }
+}
+
+TEST(OddVolume, WithAStepLargerThanItsRangeMovesFromEndToEnd)
+{
+    for (const sim::EndpointVolume& volume : withEachTaper(-10.0f, 0.0f, 15.0f))
+    {
+        EXPECT_EQ(2u, sim::stepCount(volume));
+        EXPECT_EQ(1u, sim::stepOf(volume, 0.0f));
+        EXPECT_EQ(0.0f, sim::neighbouringStep(volume, -10.0f, 1));
+        EXPECT_EQ(-10.0f, sim::neighbouringStep(volume, 0.0f, -1));
+    }
+}
+
+TEST(OddVolume, WithALevelOutsideItsRangeIsAtTheNearestEnd)
+{
+    for (const sim::EndpointVolume& volume : withEachTaper(-10.0f, 0.0f, 0.5f))
+    {
+        EXPECT_EQ(0.0f, sim::scalarLevel(volume, -12.0f));
+        EXPECT_EQ(1.0f, sim::scalarLevel(volume, 3.0f));
+        EXPECT_EQ(0u, sim::stepOf(volume, -12.0f));
+        EXPECT_EQ(20u, sim::stepOf(volume, 3.0f));
+        EXPECT_EQ(0.0f, sim::neighbouringStep(volume, 3.0f, 1));
+        EXPECT_LE(-10.0f, sim::neighbouringStep(volume, -12.0f, -1));
+    }
+}
+
+TEST(OddVolume, HasNumbersForRangesOfAnySize)
+{
+    constexpr float most = std::numeric_limits<float>::max();
+    constexpr float least = std::numeric_limits<float>::denorm_min();
+    const std::pair<float, float> ranges[] = {{-most, most}, {0.0f, least}, {-1.0f, std::nextafter(-1.0f, 0.0f)}};
+    for (const auto& [minimum, maximum] : ranges)
+    {
+        for (const float step : {0.0f, least, 1.0f, most})
+        {
+            for (sim::EndpointVolume volume : withEachTaper(minimum, maximum, step))
+            {
+                for (const float level : {minimum, maximum})
+                {
+                    const float scalar = sim::scalarLevel(volume, level);
+                    EXPECT_TRUE(scalar >= 0.0f && scalar <= 1.0f) << scalar;
+                    const float back = sim::decibelLevel(volume, scalar);
+                    EXPECT_TRUE(back >= minimum && back <= maximum) << back;
+                    EXPECT_LT(sim::stepOf(volume, level), sim::stepCount(volume));
+                    EXPECT_TRUE(std::isfinite(sim::neighbouringStep(volume, level, 1)));
+                    sim::setMasterLevel(volume, level);
+                    EXPECT_TRUE(std::isfinite(sim::masterLevel(volume)));
+                    EXPECT_TRUE(std::isfinite(sim::nearestStep({minimum, maximum, step, minimum}, level)));
+                }
+            }
+        }
+    }
+}
+
+TEST(NearestStep, StaysInARangeThatIsEmptyOrSmallerThanAStep)
+{
+    EXPECT_EQ(-6.0f, sim::nearestStep({-6.0f, -6.0f, 0.0f, -6.0f}, 0.0f));
+    EXPECT_EQ(-6.0f, sim::nearestStep({-6.0f, -6.0f, 1.5f, -6.0f}, -20.0f));
+    EXPECT_EQ(0.0f, sim::nearestStep({-10.0f, 0.0f, 15.0f, -10.0f}, -1.0f));
+    EXPECT_EQ(-10.0f, sim::nearestStep({-10.0f, 0.0f, 25.0f, -10.0f}, -1.0f));
 }
 
 TEST(EndpointVolumeSteps, AreThoseOfTheVolumeAndFollowTheScalarLevel)

@@ -1,0 +1,98 @@
+// Surveys of hardware while calls fail.
+#include "client/capturing/hardware.h"
+#include "simulator/machine/file/machinefile.h"
+#include "tests/client/capturing/supporthardware.h"
+#include "tests/support/clienttest.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace
+{
+using namespace sonavit;
+using testing::IsEmpty;
+using testing::Not;
+
+constexpr HRESULT plannedCode = static_cast<HRESULT>(0x8889000A); // a code that no missing thing has
+
+class SurveyHardwareWithFaults : public support::ClientTest
+{
+protected:
+    capturing::Survey surveyWith(const sim::FaultRule& rule)
+    {
+        simulation().faults().clear();
+        fault = simulation().faults().add(rule);
+        return support::surveyedHardware();
+    }
+
+    /// The operations of hardware that a survey calls, with their numbers of calls.
+    std::map<std::string, std::uint32_t> hardwareCalls()
+    {
+        simulation().journal().clear();
+        simulation().journal().recordReferences(true);
+        support::surveyedHardware();
+        simulation().journal().recordReferences(false);
+        std::map<std::string, std::uint32_t> calls;
+        for (const sim::JournalEntry& entry : simulation().journal().entries())
+        {
+            if (isOfHardware(entry))
+                ++calls[entry.operation];
+        }
+        return calls;
+    }
+
+    std::optional<sim::PlannedFault> fault;
+
+private:
+    static bool isOfHardware(const sim::JournalEntry& entry)
+    {
+        const std::string& operation = entry.operation;
+        const bool isTopology = !entry.arguments.empty() && entry.arguments.front() == "IDeviceTopology";
+        if (operation == "IMMDevice::Activate" && isTopology)
+            return true;
+        for (const char* const interfaceName :
+             {"IDeviceTopology::", "IPart::", "IConnector::", "ISubunit::", "IPartsList::", "IControlInterface::",
+              "IAudioVolumeLevel::", "IAudioMute::", "IAudioInputSelector::", "IKsJackDescription"})
+        {
+            if (operation.rfind(interfaceName, 0) == 0)
+                return operation.find("::Release") == std::string::npos &&
+                       operation.find("::AddRef") == std::string::npos;
+        }
+        return operation == "IMMDeviceEnumerator::GetDevice";
+    }
+};
+
+/// Whatever fails: the machine of the survey, with the failures as faults, is surveyed with the same result.
+TEST_F(SurveyHardwareWithFaults, AnyCallThatFailsOnceIsReplayed)
+{
+    play("laptop");
+    simulation().faults().clear();
+    const auto com = support::comOnThisThread();
+    const std::map<std::string, std::uint32_t> calls = hardwareCalls();
+    simulation().journal().record(false);
+    ASSERT_LT(25u, calls.size());
+    for (const auto& [operation, count] : calls)
+    {
+        for (std::uint32_t number = 1; number <= count; ++number)
+        {
+            SCOPED_TRACE(operation + ", call " + std::to_string(number));
+            sim::FaultRule rule;
+            rule.operation = operation;
+            rule.call = number;
+            rule.result = plannedCode;
+
+            const capturing::Survey survey = surveyWith(rule);
+            const capturing::Survey again = support::surveyedHardwareOf(support::replayOf(survey));
+
+            EXPECT_EQ(1u, fault->fired());
+            EXPECT_THAT(survey.failures, Not(IsEmpty()));
+            EXPECT_TRUE(survey.machine == again.machine);
+            EXPECT_EQ(support::textsOf(survey.failures), support::textsOf(again.failures));
+            EXPECT_TRUE(survey.failures == again.failures);
+            EXPECT_NO_THROW(sim::readMachine(sim::writeMachine(support::replayOf(survey)), "survey"));
+            ASSERT_FALSE(HasFailure());
+        }
+    }
+}
+}
