@@ -40,7 +40,7 @@ bool HardwareSurvey::askPaths(std::size_t device)
     {
         for (const std::size_t to : connectors)
         {
-            if (from == to || found.paths.count({from, to}) != 0)
+            if (found.paths.count({from, to}) != 0)
                 continue;
             isNew = true;
             FoundPath path = askPath(device, from, to);

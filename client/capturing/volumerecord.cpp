@@ -19,15 +19,20 @@ std::vector<LevelAnswers> allLevels(const VolumeAnswers& answers)
     return all;
 }
 
-/// The range in place of one that could not be read: the usual one, or wider if the levels do not fit into it.
+/// The range in place of one that could not be read: the usual one, or wider if the levels do not fit into it. Only
+/// levels whose scalars are 0 or 1 are at its ends.
 RangeAnswers assumedRange(const VolumeAnswers& answers)
 {
     const sim::EndpointVolume usual;
     RangeAnswers range = {usual.minimum, usual.maximum, usual.step};
     for (const LevelAnswers& each : allLevels(answers))
     {
-        range.minimum = std::min(range.minimum, each.level.value_or(range.minimum));
-        range.maximum = std::max(range.maximum, each.level.value_or(range.maximum));
+        if (!each.level)
+            continue;
+        const float below = each.scalar.value_or(0.0f) > 0.0f ? 1.0f : 0.0f;
+        const float above = each.scalar.value_or(1.0f) < 1.0f ? 1.0f : 0.0f;
+        range.minimum = std::min(range.minimum, *each.level - below);
+        range.maximum = std::max(range.maximum, *each.level + above);
     }
     return range;
 }

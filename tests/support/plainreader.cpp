@@ -199,8 +199,8 @@ private:
         text = nullptr;
         const HRESULT joined = connector.GetConnectorIdConnectedTo(&text);
         heldText(joined, text);
-        bench::Held<IConnector> far;
-        connector.GetConnectedTo(far.put());
+        bench::Held<IConnector> peer;
+        connector.GetConnectedTo(peer.put());
     }
 
     static void readPart(IPart& part)

@@ -61,7 +61,8 @@ std::vector<IID> askDescriptions(Notes& notes, const std::string& name, IPart& p
 void askLevel(Notes& notes, const std::string& name, IAudioVolumeLevel& level)
 {
     UINT count = 0;
-    notes.add("IAudioVolumeLevel::GetChannelCount", name, level.GetChannelCount(&count), count);
+    if (!notes.add("IAudioVolumeLevel::GetChannelCount", name, level.GetChannelCount(&count), count))
+        return; // channels that are not counted are not listed
     for (UINT channel = 0; channel <= believable(count); ++channel)
     {
         float values[3] = {};
@@ -77,7 +78,8 @@ void askLevel(Notes& notes, const std::string& name, IAudioVolumeLevel& level)
 void askJacks(Notes& notes, const std::string& name, IKsJackDescription& jacks)
 {
     UINT count = 0;
-    notes.add("IKsJackDescription::GetJackCount", name, jacks.GetJackCount(&count), count);
+    if (!notes.add("IKsJackDescription::GetJackCount", name, jacks.GetJackCount(&count), count))
+        return;
     for (UINT jack = 0; jack <= believable(count); ++jack)
     {
         KSJACK_DESCRIPTION description = {};
@@ -89,7 +91,8 @@ void askJacks(Notes& notes, const std::string& name, IKsJackDescription& jacks)
 void askJacks(Notes& notes, const std::string& name, IKsJackDescription2& jacks)
 {
     UINT count = 0;
-    notes.add("IKsJackDescription2::GetJackCount", name, jacks.GetJackCount(&count), count);
+    if (!notes.add("IKsJackDescription2::GetJackCount", name, jacks.GetJackCount(&count), count))
+        return;
     for (UINT jack = 0; jack <= believable(count); ++jack)
     {
         KSJACK_DESCRIPTION2 description = {};

@@ -48,13 +48,13 @@ void askFlow(Notes& notes, const std::string& name, IMMDevice& device)
 void askStores(Notes& notes, const std::string& name, IMMDevice& device, std::set<std::string>& instances)
 {
     bool isRead = false;
-    for (const DWORD access : {DWORD(STGM_READ), DWORD(STGM_WRITE), DWORD(STGM_READWRITE), DWORD(STGM_READWRITE) + 1})
+    for (const DWORD access : {DWORD(STGM_READ), DWORD(STGM_READWRITE), DWORD(STGM_WRITE), DWORD(STGM_READWRITE) + 1})
     {
         bench::Held<IPropertyStore> store;
         const HRESULT result = device.OpenPropertyStore(access, store.put());
         const bool isOpen =
             notes.addObject(callText("IMMDevice::OpenPropertyStore", answerText(access)), name, result, store);
-        if (isOpen && !isRead)
+        if (isOpen && !isRead && access != STGM_WRITE)
             askStore(notes, name, *store.get(), instances);
         isRead = isRead || isOpen;
     }

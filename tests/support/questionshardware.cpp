@@ -126,7 +126,7 @@ void askConnector(Notes& notes, const std::string& name, IConnector& connector, 
     DataFlow flow = In;
     BOOL isConnected = FALSE;
     LPWSTR text = nullptr;
-    bench::Held<IConnector> far;
+    bench::Held<IConnector> peer;
     notes.add("IConnector::GetType", name, connector.GetType(&type), type);
     notes.add("IConnector::GetDataFlow", name, connector.GetDataFlow(&flow), flow);
     notes.add("IConnector::IsConnected", name, connector.IsConnected(&isConnected), isConnected);
@@ -136,8 +136,8 @@ void askConnector(Notes& notes, const std::string& name, IConnector& connector, 
     const HRESULT deviceNamed = connector.GetDeviceIdConnectedTo(&text);
     if (const auto id = notes.addText("IConnector::GetDeviceIdConnectedTo", name, deviceNamed, text))
         elsewhere.deviceIds.push_back(*id);
-    const HRESULT connected = connector.GetConnectedTo(far.put());
-    bench::Held<IPart> part = far.get() == nullptr ? bench::Held<IPart>() : far.as<IPart>();
+    const HRESULT connected = connector.GetConnectedTo(peer.put());
+    bench::Held<IPart> part = peer.get() == nullptr ? bench::Held<IPart>() : peer.as<IPart>();
     notes.add("IConnector::GetConnectedTo", name, connected, describedPart(part.get()));
     const std::string id = part.get() == nullptr ? std::string() : idOf(*part.get());
     if (!id.empty())

@@ -129,7 +129,8 @@ void askValue(Notes& notes, const char* call, const std::string& name, Object& o
 void askChannels(Notes& notes, const std::string& name, IAudioEndpointVolume& volume)
 {
     UINT count = 0;
-    notes.add("IAudioEndpointVolume::GetChannelCount", name, volume.GetChannelCount(&count), count);
+    if (!notes.add("IAudioEndpointVolume::GetChannelCount", name, volume.GetChannelCount(&count), count))
+        return; // channels that are not counted are not listed
     for (UINT channel = 0; channel <= believable(count); ++channel)
     {
         float level = 0;

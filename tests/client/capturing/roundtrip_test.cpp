@@ -79,6 +79,63 @@ private:
     std::map<std::string, std::size_t> m_numbers;
 };
 
+/// What a fault shows that a capture does not ask: the lines of a transcript, or of a journal, that it explains.
+///
+/// A fault without arguments, and a getter that an endpoint refuses, also meet calls with arguments that are invalid,
+/// such as the channel after the last one, and the third way to open a store, for writing alone. And a capture that may
+/// not open the store of a device does not know the format of its exclusive streams, which is a property.
+class UnseenFailures
+{
+public:
+    explicit UnseenFailures(const sim::Machine& machine)
+    {
+        for (const sim::FaultRule& rule : machine.faults)
+        {
+            if (rule.argument.empty() && rule.arguments.empty())
+                m_broad.insert(rule.operation + " on " + rule.object);
+        }
+        for (const sim::Endpoint& endpoint : machine.endpoints)
+        {
+            if (!endpoint.volume)
+                continue;
+            for (const std::string& getter : endpoint.volume->refused)
+                m_broad.insert("IAudioEndpointVolume::" + getter + " on " + endpoint.id);
+        }
+    }
+
+    /// Takes over those answers of the replay that the failures explain.
+    void settle(support::Transcript& original, const support::Transcript& replay) const
+    {
+        std::map<std::string, std::string> answers;
+        for (const std::string& line : replay)
+            answers.emplace(questionOf(line), line);
+        for (std::string& line : original)
+        {
+            const auto found = answers.find(questionOf(line));
+            if (found != answers.end() && explains(line, found->second))
+                line = found->second;
+        }
+    }
+
+private:
+    static std::string questionOf(const std::string& line) { return line.substr(0, line.find(" -> ")); }
+    static bool begins(const std::string& line, const std::string& with) { return line.rfind(with, 0) == 0; }
+
+    bool explains(const std::string& line, const std::string& replayed) const
+    {
+        const std::string question = questionOf(line);
+        const std::string object = question.substr(question.rfind(" on ") + 4);
+        const std::string operation = question.substr(0, question.find('('));
+        const auto isBroad = [&](const std::string& each) { return m_broad.count(each + " on " + object) > 0; };
+        const bool isInvalid = replayed.find(" -> 0x80070057") != std::string::npos;
+        if (isBroad(operation) && (isInvalid || begins(line, "IMMDevice::OpenPropertyStore(1)")))
+            return true;
+        return isBroad("IMMDevice::OpenPropertyStore") && begins(line, "IAudioClient::IsFormatSupported(1, ");
+    }
+
+    std::set<std::string> m_broad; ///< "operation on object"
+};
+
 /// Operations that change something or register a client.
 bool isChange(const sim::JournalEntry& entry)
 {
@@ -96,9 +153,14 @@ protected:
     {
         const support::Examination original = examined(machine);
         const support::Examination repeated = examined(replay);
-        EXPECT_EQ("", support::firstDifference(original.transcript, repeated.transcript));
-        EXPECT_EQ("", support::firstDifference(ComparableJournal(machine).lines(original.journal),
-                                               ComparableJournal(replay).lines(repeated.journal)));
+        const UnseenFailures unseen(machine);
+        support::Transcript expected = original.transcript;
+        std::vector<std::string> expectedCalls = ComparableJournal(machine).lines(original.journal);
+        const std::vector<std::string> calls = ComparableJournal(replay).lines(repeated.journal);
+        unseen.settle(expected, repeated.transcript);
+        unseen.settle(expectedCalls, calls);
+        EXPECT_EQ("", support::firstDifference(expected, repeated.transcript));
+        EXPECT_EQ("", support::firstDifference(expectedCalls, calls));
     }
 
     static void expectHarmless(const Captured& captured)
