@@ -6,6 +6,7 @@
 #include "simulator/machine/file/machinefile.h"
 
 #include <utility>
+#include <vector>
 
 namespace sonavit
 {
@@ -24,8 +25,11 @@ Result<Capture> capture(System& system, const CaptureOptions& options)
         capturing::makeAnonymous(machine, options.names);
     Capture result;
     result.text = sim::writeMachine(machine);
-    for (const capturing::FailedCall& failure : survey->failures)
-        result.problems.push_back(failure.problem());
+    for (const std::vector<capturing::FailedCall>* const failures : {&survey->failures, &survey->recorded})
+    {
+        for (const capturing::FailedCall& failure : *failures)
+            result.problems.push_back(failure.problem());
+    }
     result.notes = std::move(survey->notes);
     return result;
 }

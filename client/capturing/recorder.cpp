@@ -23,6 +23,11 @@ void Recorder::givesNull(const Call& call)
     add({call.operation, call.object, call.arguments, FailedCall::Outcome::nullSuccess, E_POINTER});
 }
 
+void Recorder::keeps(HRESULT code, const Call& call)
+{
+    m_survey.recorded.push_back({call.operation, call.object, call.arguments, FailedCall::Outcome::code, code});
+}
+
 void Recorder::note(const std::string& sentence)
 {
     if (m_known.insert(sentence).second)

@@ -56,6 +56,8 @@ public:
     void fails(HRESULT code, const Call& call, Codes implied = {});
     /// The call succeeded and stored null.
     void givesNull(const Call& call);
+    /// Notes a failure whose code the machine has among its data.
+    void keeps(HRESULT code, const Call& call);
     /// Notes, once, what no machine can express.
     void note(const std::string& sentence);
 

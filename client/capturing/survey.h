@@ -44,6 +44,7 @@ struct Survey
     /// name.
     sim::Machine machine;
     std::vector<FailedCall> failures; ///< each once, in the order of the walk
+    std::vector<FailedCall> recorded; ///< further ones, whose codes are data of the machine
     /// What was answered and no machine can express, a sentence each.
     std::vector<std::string> notes;
 };

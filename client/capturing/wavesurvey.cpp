@@ -91,9 +91,12 @@ private:
                             " bytes for the id of device " + argument(m_number) + ", which is not the size of its id.");
     }
 
-    MMRESULT send(UINT message, void* place, DWORD_PTR bytes) const
+    MMRESULT send(UINT message, void* place, DWORD_PTR bytes)
     {
-        return m_wave.message(m_number, message, reinterpret_cast<DWORD_PTR>(place), bytes);
+        const MMRESULT result = m_wave.message(m_number, message, reinterpret_cast<DWORD_PTR>(place), bytes);
+        if (result != MMSYSERR_NOERROR)
+            m_recorder.keeps(static_cast<HRESULT>(result), call(message));
+        return result;
     }
 
     Call call(UINT message) const { return {m_wave.messageName, "", {argument(m_number), argument(message)}}; }

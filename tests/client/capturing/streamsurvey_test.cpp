@@ -10,9 +10,9 @@ using testing::IsEmpty;
 class SurveyStreams : public SurveyTest
 {
 protected:
-    const sim::Endpoint& surveyOne(const sim::Machine& machine)
+    const sim::Endpoint& surveyOne(const sim::Machine& described)
     {
-        start(machine);
+        start(described);
         found = survey();
         expectSame(found, replay(found));
         return found.machine.endpoints[0];

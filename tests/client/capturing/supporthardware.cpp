@@ -167,7 +167,7 @@ private:
             {
                 for (sim::SignalPath& path : topology.signalPaths)
                 {
-                    if (idOf(path.from) != from.id || idOf(path.to) != to.id || path.from == path.to)
+                    if (idOf(path.from) != from.id || idOf(path.to) != to.id)
                         continue;
                     path.from = from.id;
                     path.to = to.id;
