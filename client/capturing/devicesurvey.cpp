@@ -23,17 +23,17 @@ Call activation(const char* interfaceName, const sim::Device& record)
     return {"IMMDevice::Activate", record.id, {interfaceName, argument(DWORD{CLSCTX_ALL})}};
 }
 
-/// Activates an interface of the device's streams and stores whether it has it. A device that is not active has no
-/// streams, whatever it has otherwise.
+/// Activates an interface of the device's streams and stores whether it has it. An endpoint that is not installed or
+/// not active has no streams, whatever it has otherwise.
 template<class I>
 reading::Handle<I> surveyStream(IMMDevice& device, const IID& interfaceId, const char* name, sim::Device& record,
-                                bool sim::Device::*has, Recorder& recorder)
+                                bool sim::Device::*has, bool isInstalled, Recorder& recorder)
 {
     HRESULT result = S_OK;
     reading::Handle<I> object = activated<I>(device, interfaceId, result);
     const Call call = activation(name, record);
-    const bool isActive = (record.state & DEVICE_STATE_ACTIVE) != 0;
-    if (result == AUDCLNT_E_DEVICE_INVALIDATED && !isActive)
+    const bool hasStreams = isInstalled && (record.state & DEVICE_STATE_ACTIVE) != 0;
+    if (result == AUDCLNT_E_DEVICE_INVALIDATED && !hasStreams)
         record.*has = true;
     else if (recorder.gives(result, object.get(), call, {E_NOINTERFACE}))
         record.*has = true;
@@ -52,15 +52,16 @@ bool surveyState(IMMDevice& device, sim::Device& record, Recorder& recorder)
     return true;
 }
 
-reading::Handle<IAudioClient> surveyInterfaces(IMMDevice& device, sim::Device& record, Recorder& recorder)
+reading::Handle<IAudioClient> surveyInterfaces(IMMDevice& device, sim::Device& record, bool isInstalled,
+                                               Recorder& recorder)
 {
-    reading::Handle<IAudioClient> client = surveyStream<IAudioClient>(device, IID_IAudioClient, "IAudioClient", record,
-                                                                      &sim::Device::hasAudioClient, recorder);
+    reading::Handle<IAudioClient> client = surveyStream<IAudioClient>(
+        device, IID_IAudioClient, "IAudioClient", record, &sim::Device::hasAudioClient, isInstalled, recorder);
     HRESULT result = S_OK;
     const reading::Handle<IBaseFilter> filter = activated<IBaseFilter>(device, IID_IBaseFilter, result);
     record.hasBaseFilter = recorder.gives(result, filter.get(), activation("IBaseFilter", record), {E_NOINTERFACE});
     surveyStream<IAudioMeterInformation>(device, IID_IAudioMeterInformation, "IAudioMeterInformation", record,
-                                         &sim::Device::hasMeter, recorder);
+                                         &sim::Device::hasMeter, isInstalled, recorder);
     return client;
 }
 
@@ -87,15 +88,17 @@ void surveyDevice(IMMDevice& device, sim::Device& record, Recorder& recorder)
 {
     surveyState(device, record, recorder);
     surveyProperties(device, record, recorder);
-    surveyInterfaces(device, record, recorder);
+    surveyInterfaces(device, record, true, recorder);
 }
 
 /// In the machine an endpoint that is not installed has no streams; so they are not asked for.
 void surveyUnlistedEndpoint(IMMDevice& device, sim::Endpoint& endpoint, Recorder& recorder)
 {
     surveyFlow(device, endpoint, recorder);
-    surveyDevice(device, endpoint, recorder);
+    surveyState(device, endpoint, recorder);
     endpoint.installed = (endpoint.state & allStates) == 0;
+    surveyProperties(device, endpoint, recorder);
+    surveyInterfaces(device, endpoint, endpoint.installed, recorder);
     if (const std::optional<VolumeAnswers> answers = askVolume(device, endpoint.id, recorder))
         endpoint.volume = volumeOf(*answers, shownTaper(*answers).value_or(sim::Taper::audio), recorder);
 }

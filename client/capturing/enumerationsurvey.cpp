@@ -101,7 +101,7 @@ private:
             endpoint.state = listedState(endpoint);
         }
         surveyProperties(device, endpoint, m_recorder);
-        const reading::Handle<IAudioClient> client = surveyInterfaces(device, endpoint, m_recorder);
+        const reading::Handle<IAudioClient> client = surveyInterfaces(device, endpoint, true, m_recorder);
         if (client.get() != nullptr)
             surveyStreams(*client, endpoint, m_recorder);
         if (std::optional<VolumeAnswers> answers = askVolume(device, endpoint.id, m_recorder))

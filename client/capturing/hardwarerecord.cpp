@@ -266,7 +266,7 @@ void HardwareRecord::writeJoin(std::size_t part)
     join.bothWays = isMutual(part);
     if (nearEnd.farSide.device && *nearEnd.farSide.device != m_devices[farEnd.device].id)
         join.toDevice = nearEnd.farSide.device;
-    const bool isTold = join.bothWays && m_told.count(part) != 0; // by the join of the farEnd connector
+    const bool isTold = join.bothWays && m_told.count(part) != 0; // by the join of the far connector
     if (join.bothWays)
         m_told.insert(nearEnd.farSide.part);
     if (!isTold)

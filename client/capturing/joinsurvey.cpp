@@ -27,7 +27,7 @@ void HardwareSurvey::followConnector(std::size_t part)
     }
     nearEnd.farSide = {peer != none || answers.deviceId || isConnected != FALSE, peer, answers.deviceId};
     if (isTold && nearEnd.farSide.isJoined != (isConnected != FALSE))
-        m_recorder.note("A connector reports what is on its farEnd side, and that it is not connected.");
+        m_recorder.note("A connector reports what is on its far side, and that it is not connected.");
     judgeFarSide(nearEnd, answers);
 }
 

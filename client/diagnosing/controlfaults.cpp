@@ -46,9 +46,11 @@ private:
                 "It is listed, and its level can be neither seen nor changed.");
         if (m_places.hasFailure("IAudioVolumeLevel::GetLevelRange", m_part.id))
             return;
-        const auto wrong = std::find_if(volume.channels.begin(), volume.channels.end(),
-                                        [this](const sim::ChannelLevel& channel) { return judgeChannel(channel); });
-        static_cast<void>(wrong); // the first channel that is wrong speaks for the others
+        for (const sim::ChannelLevel& channel : volume.channels)
+        {
+            if (judgeChannel(channel))
+                return; // the first channel that is wrong speaks for the others
+        }
     }
 
     /// Whether something is wrong.

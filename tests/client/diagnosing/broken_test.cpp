@@ -23,6 +23,10 @@ struct Wrong
     {
         return std::tie(left.owner, left.thing) < std::tie(right.owner, right.thing);
     }
+    friend bool operator==(const Wrong& left, const Wrong& right)
+    {
+        return left.owner == right.owner && left.thing == right.thing;
+    }
     friend std::ostream& operator<<(std::ostream& out, const Wrong& wrong)
     {
         return out << wrong.owner << ": " << wrong.thing;
