@@ -69,6 +69,9 @@ private:
 
     std::string nameOf(const std::string& object)
     {
+        const std::size_t blank = object.find(' ');
+        if (blank != std::string::npos && m_silent.count(object.substr(blank + 1)) > 0) // the origin of memory
+            return object.substr(0, blank + 1) + nameOf(object.substr(blank + 1));
         if (m_silent.count(object) == 0)
             return object;
         const std::size_t number = m_numbers.emplace(object, m_numbers.size() + 1).first->second;
@@ -130,7 +133,8 @@ private:
         const bool isInvalid = replayed.find(" -> 0x80070057") != std::string::npos;
         if (isBroad(operation) && (isInvalid || begins(line, "IMMDevice::OpenPropertyStore(1)")))
             return true;
-        return isBroad("IMMDevice::OpenPropertyStore") && begins(line, "IAudioClient::IsFormatSupported(1, ");
+        return isBroad("IMMDevice::OpenPropertyStore") && (begins(line, "IAudioClient::IsFormatSupported(1, ") ||
+                                                           begins(line, "IAudioClient::IsFormatSupported(exclusive"));
     }
 
     std::set<std::string> m_broad; ///< "operation on object"
