@@ -5,9 +5,6 @@
 #include "simulator/machine/file/cursor.h"
 #include "simulator/machine/property.h"
 
-#include <cstdint>
-#include <vector>
-
 namespace sim
 {
 /// A property's name, or its key as keyText() writes it.

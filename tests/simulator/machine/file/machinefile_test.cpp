@@ -308,116 +308,117 @@ TEST(MachineFileWrite, KeepsEveryCharacterButZero)
     const std::string text = sim::writeMachine(machine);
 
     EXPECT_TRUE(machine == sim::readMachine(text, "characters.json"));
-    TEST(MachineFileWrite, KeepsTheNumbersOfJacksAndConnectorsThatHaveNoName)
+}
+
+TEST(MachineFileWrite, KeepsTheNumbersOfJacksAndConnectorsThatHaveNoName)
+{
+    for (const std::uint32_t number : {99u, 0x80000000u, 0xFFFFFFFFu})
     {
-        for (const std::uint32_t number : {99u, 0x80000000u, 0xFFFFFFFFu})
-        {
-            sim::Machine machine = sample::machine();
-            sim::Connector& connector = machine.adapters.front().topology->connectors.front();
-            connector.type = static_cast<ConnectorType>(number);
-            connector.jacks.front().connection = static_cast<EPcxConnectionType>(number);
-            connector.jacks.front().geometricLocation = static_cast<EPcxGeoLocation>(number);
-            connector.jacks.front().generalLocation = static_cast<EPcxGenLocation>(number);
-            connector.jacks.front().portConnection = static_cast<EPxcPortConnection>(number);
+        sim::Machine machine = sample::machine();
+        sim::Connector& connector = machine.adapters.front().topology->connectors.front();
+        connector.type = static_cast<ConnectorType>(number);
+        connector.jacks.front().connection = static_cast<EPcxConnectionType>(number);
+        connector.jacks.front().geometricLocation = static_cast<EPcxGeoLocation>(number);
+        connector.jacks.front().generalLocation = static_cast<EPcxGenLocation>(number);
+        connector.jacks.front().portConnection = static_cast<EPxcPortConnection>(number);
 
-            const std::string text = sim::writeMachine(machine);
+        const std::string text = sim::writeMachine(machine);
 
-            EXPECT_TRUE(machine == sim::readMachine(text, "n.json")) << text;
-            EXPECT_THAT(text, AllOf(HasSubstr("\"kind\": " + std::to_string(number)),
-                                    HasSubstr("\"connection\": " + std::to_string(number)),
-                                    HasSubstr("\"portConnection\": " + std::to_string(number))));
-        }
+        EXPECT_TRUE(machine == sim::readMachine(text, "n.json")) << text;
+        EXPECT_THAT(text, AllOf(HasSubstr("\"kind\": " + std::to_string(number)),
+                                HasSubstr("\"connection\": " + std::to_string(number)),
+                                HasSubstr("\"portConnection\": " + std::to_string(number))));
     }
+}
 
-    TEST(MachineFileWrite, NamesTheInterfacesOfFurtherControlsThatItKnows)
+TEST(MachineFileWrite, NamesTheInterfacesOfFurtherControlsThatItKnows)
+{
+    const std::string text = sim::writeMachine(sample::machine());
+
+    EXPECT_THAT(text, AllOf(HasSubstr("{\"interface\": \"IAudioAutoGainControl\", \"name\": \"Automatic Gain\"}"),
+                            HasSubstr("{\"interface\": \"{AAAAAAAA-0001-0002-0304-05060708090A}\"}")));
+}
+
+TEST(MachineFileRead, RefusesAMixFormatOfNoBytes)
+{
+    EXPECT_THAT(errorOf(
+                    []
+                    {
+                        sim::readMachine(
+                            R"({"name": "n", "endpoints": [{"id": "E", "flow": "render", "mixFormat": {"blob": ""}}]})",
+                            "n.json");
+                    }),
+                HasSubstr("/endpoints/0/mixFormat: expected the bytes of a WAVEFORMATEX"));
+}
+
+TEST(MachineFileWrite, GivesEachMachineThatShipsBack)
+{
+    ASSERT_THAT(sim::machineNames(),
+                ElementsAre("bluetooth", "broken", "crowded", "desktop", "empty", "laptop", "laptop-user", "published",
+                            "remote-desktop", "studio", "virtual", "waking"));
+    for (const std::string& name : sim::machineNames())
     {
-        const std::string text = sim::writeMachine(sample::machine());
+        const sim::Machine machine = sim::findMachine(name);
 
-        EXPECT_THAT(text, AllOf(HasSubstr("{\"interface\": \"IAudioAutoGainControl\", \"name\": \"Automatic Gain\"}"),
-                                HasSubstr("{\"interface\": \"{AAAAAAAA-0001-0002-0304-05060708090A}\"}")));
+        const std::string text = sim::writeMachine(machine);
+
+        EXPECT_TRUE(machine == sim::readMachine(text, name)) << name;
+        EXPECT_EQ(text, sim::writeMachine(sim::readMachine(text, name))) << name;
     }
+}
 
-    TEST(MachineFileRead, RefusesAMixFormatOfNoBytes)
-    {
-        EXPECT_THAT(
-            errorOf(
-                []
-                {
-                    sim::readMachine(
-                        R"({"name": "n", "endpoints": [{"id": "E", "flow": "render", "mixFormat": {"blob": ""}}]})",
-                        "n.json");
-                }),
-            HasSubstr("/endpoints/0/mixFormat: expected the bytes of a WAVEFORMATEX"));
-    }
+TEST(MachineFileFind, LooksIntoTheChosenFolder)
+{
+    const TemporaryFolder folder;
+    folder.write("second.json", R"({"name": "the second"})");
+    folder.write("first.json", R"({"name": "the first"})");
+    folder.write("machine.schema.json", "{}");
+    folder.write("readme.txt", "");
+    const ChosenFolder chosen(folder.path());
 
-    TEST(MachineFileWrite, GivesEachMachineThatShipsBack)
-    {
-        ASSERT_THAT(sim::machineNames(),
-                    ElementsAre("bluetooth", "broken", "crowded", "desktop", "empty", "laptop", "laptop-user",
-                                "published", "remote-desktop", "studio", "virtual", "waking"));
-        for (const std::string& name : sim::machineNames())
-        {
-            const sim::Machine machine = sim::findMachine(name);
+    EXPECT_THAT(sim::machineNames(), ElementsAre("first", "second"));
+    EXPECT_EQ("the second", sim::findMachine("second").name);
+}
 
-            const std::string text = sim::writeMachine(machine);
+TEST(MachineFileFind, TakesAPathAsItIs)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.write("mine.json", R"({"name": "mine"})");
+    const ChosenFolder chosen(folder.path() + "/none");
 
-            EXPECT_TRUE(machine == sim::readMachine(text, name)) << name;
-            EXPECT_EQ(text, sim::writeMachine(sim::readMachine(text, name))) << name;
-        }
-    }
+    EXPECT_EQ("mine", sim::findMachine(path).name);
+}
 
-    TEST(MachineFileFind, LooksIntoTheChosenFolder)
-    {
-        const TemporaryFolder folder;
-        folder.write("second.json", R"({"name": "the second"})");
-        folder.write("first.json", R"({"name": "the first"})");
-        folder.write("machine.schema.json", "{}");
-        folder.write("readme.txt", "");
-        const ChosenFolder chosen(folder.path());
+TEST(MachineFileFind, ListsTheKnownNamesWhenItKnowsNoSuchMachine)
+{
+    const TemporaryFolder folder;
+    folder.write("b.json", "{}");
+    folder.write("a.json", "{}");
+    const ChosenFolder chosen(folder.path());
 
-        EXPECT_THAT(sim::machineNames(), ElementsAre("first", "second"));
-        EXPECT_EQ("the second", sim::findMachine("second").name);
-    }
+    EXPECT_EQ("\"c\": expected the name of a machine (a, b) or of a file, found no such name",
+              errorOf([] { sim::findMachine("c"); }));
+    EXPECT_THAT(errorOf([] { sim::findMachine(""); }), HasSubstr("(a, b)"));
+    EXPECT_THROW(sim::findMachine("c"), sim::UnknownMachine);
+}
 
-    TEST(MachineFileFind, TakesAPathAsItIs)
-    {
-        const TemporaryFolder folder;
-        const std::string path = folder.write("mine.json", R"({"name": "mine"})");
-        const ChosenFolder chosen(folder.path() + "/none");
+TEST(MachineFileFind, ShowsAnyNameOnOneShortLine)
+{
+    const TemporaryFolder folder;
+    const ChosenFolder chosen(folder.path());
 
-        EXPECT_EQ("mine", sim::findMachine(path).name);
-    }
+    EXPECT_THAT(errorOf([] { sim::findMachine("a\nb\xC3"); }), StartsWith("\"a\\nb\\xC3\": expected"));
+    EXPECT_THAT(errorOf([] { sim::findMachine("folder/\xC3.json"); }),
+                AllOf(StartsWith("folder/\\xC3.json: expected"), HasSubstr("a file that cannot be opened")));
+    EXPECT_LT(errorOf([] { sim::findMachine(std::string(100000, 'x')); }).size(), 300u);
+}
 
-    TEST(MachineFileFind, ListsTheKnownNamesWhenItKnowsNoSuchMachine)
-    {
-        const TemporaryFolder folder;
-        folder.write("b.json", "{}");
-        folder.write("a.json", "{}");
-        const ChosenFolder chosen(folder.path());
+TEST(MachineFileFind, SaysWhenThereIsNoMachineAtAll)
+{
+    const TemporaryFolder folder;
+    const ChosenFolder chosen(folder.path());
 
-        EXPECT_EQ("\"c\": expected the name of a machine (a, b) or of a file, found no such name",
-                  errorOf([] { sim::findMachine("c"); }));
-        EXPECT_THAT(errorOf([] { sim::findMachine(""); }), HasSubstr("(a, b)"));
-        EXPECT_THROW(sim::findMachine("c"), sim::UnknownMachine);
-    }
-
-    TEST(MachineFileFind, ShowsAnyNameOnOneShortLine)
-    {
-        const TemporaryFolder folder;
-        const ChosenFolder chosen(folder.path());
-
-        EXPECT_THAT(errorOf([] { sim::findMachine("a\nb\xC3"); }), StartsWith("\"a\\nb\\xC3\": expected"));
-        EXPECT_THAT(errorOf([] { sim::findMachine("folder/\xC3.json"); }),
-                    AllOf(StartsWith("folder/\\xC3.json: expected"), HasSubstr("a file that cannot be opened")));
-        EXPECT_LT(errorOf([] { sim::findMachine(std::string(100000, 'x')); }).size(), 300u);
-    }
-
-    TEST(MachineFileFind, SaysWhenThereIsNoMachineAtAll)
-    {
-        const TemporaryFolder folder;
-        const ChosenFolder chosen(folder.path());
-
-        EXPECT_THAT(sim::machineNames(), IsEmpty());
-        EXPECT_THAT(errorOf([] { sim::findMachine("desktop"); }), HasSubstr("(none found)"));
-    }
+    EXPECT_THAT(sim::machineNames(), IsEmpty());
+    EXPECT_THAT(errorOf([] { sim::findMachine("desktop"); }), HasSubstr("(none found)"));
+}
 }
