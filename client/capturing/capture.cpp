@@ -5,6 +5,8 @@
 #include "client/capturing/survey.h"
 #include "simulator/machine/file/machinefile.h"
 
+#include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -12,6 +14,34 @@ namespace sonavit
 {
 inline namespace v1
 {
+namespace
+{
+/// Why the text is no machine file; no value if it is one.
+std::optional<Problem> problemOf(const std::string& text)
+{
+    try
+    {
+        sim::readMachine(text, "the captured file");
+        return std::nullopt;
+    }
+    catch (const sim::MachineFileError& error)
+    {
+        return Problem(Problem::Kind::unreadable, "capture", "", error.what());
+    }
+}
+
+std::vector<Problem> problemsOf(const capturing::Survey& survey)
+{
+    std::vector<Problem> problems;
+    for (const std::vector<capturing::FailedCall>* const failures : {&survey.failures, &survey.recorded})
+    {
+        for (const capturing::FailedCall& failure : *failures)
+            problems.push_back(failure.problem());
+    }
+    return problems;
+}
+}
+
 Result<Capture> capture(System& system, const CaptureOptions& options)
 {
     Result<capturing::Survey> survey = capturing::survey(system, "capture");
@@ -25,11 +55,9 @@ Result<Capture> capture(System& system, const CaptureOptions& options)
         capturing::makeAnonymous(machine, options.names);
     Capture result;
     result.text = sim::writeMachine(machine);
-    for (const std::vector<capturing::FailedCall>* const failures : {&survey->failures, &survey->recorded})
-    {
-        for (const capturing::FailedCall& failure : *failures)
-            result.problems.push_back(failure.problem());
-    }
+    if (std::optional<Problem> problem = problemOf(result.text))
+        return std::move(*problem);
+    result.problems = problemsOf(*survey);
     result.notes = std::move(survey->notes);
     return result;
 }
