@@ -28,6 +28,6 @@ bool isPowerOfTwo(std::uint32_t number)
 bool CallSample::contains(const sim::JournalEntry& entry)
 {
     const std::uint32_t number = ++m_counts[kindOf(entry)];
-    return isWhole() || number == 1 || (m_extent == Extent::several && isPowerOfTwo(number));
+    return isWhole() || m_extent == Extent::all || number == 1 || (m_extent == Extent::several && isPowerOfTwo(number));
 }
 }

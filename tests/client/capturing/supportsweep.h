@@ -18,8 +18,9 @@ class CallSample
 public:
     enum class Extent
     {
-        first,  ///< the first call of each kind
-        several ///< and the second, the fourth, the eighth and so on
+        first,   ///< the first call of each kind
+        several, ///< and the second, the fourth, the eighth and so on
+        all
     };
 
     explicit CallSample(Extent extent) : m_extent(extent) {}
