@@ -108,7 +108,8 @@ private:
             sentence.replace(place, 1, part == nullptr ? inFull(call.object) : m_places.nameOf(*part));
         sentence += ": " + text::printable(report(call)) + ".";
         if (count > 1)
-            sentence += " So do " + text::counted(count - 1, "further call") + " of this kind.";
+            sentence +=
+                (count == 2 ? " So does " : " So do ") + text::counted(count - 1, "further call") + " of this kind.";
         return sentence;
     }
 

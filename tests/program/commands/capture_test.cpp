@@ -229,6 +229,20 @@ TEST_F(ProgramCapture, ReplacesTheNamesOfTheOwnerIfTheUserWants)
     EXPECT_EQ(named.out.size(), anonymous.out.size());
 }
 
+TEST_F(ProgramCapture, DoesNotNameTheOwnersDevicesInWhatItReports)
+{
+    run(sim::findMachine("bluetooth"));
+    simulation().faults().fail("IDeviceTopology::GetSubunitCount", E_FAIL);
+
+    const Answer named = call({"capture"});
+    const Answer anonymous = call({"capture", "--anonymous"});
+
+    EXPECT_THAT(named.err, HasSubstr("28e14ca0b1f7"));
+    EXPECT_THAT(anonymous.err, HasSubstr("could not read IDeviceTopology::GetSubunitCount of {2}."));
+    EXPECT_THAT(anonymous.err, Not(HasSubstr("28e14ca0b1f7")));
+    EXPECT_EQ(named.err.size(), anonymous.err.size());
+}
+
 TEST_F(ProgramCapture, FailsIfNothingCanBeAsked)
 {
     run(support::smallMachine());
