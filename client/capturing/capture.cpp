@@ -5,6 +5,7 @@
 #include "client/capturing/survey.h"
 #include "simulator/machine/file/machinefile.h"
 
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -42,6 +43,31 @@ std::vector<std::string*> reportsOf(capturing::Survey& survey)
         texts.push_back(&note);
     return texts;
 }
+
+/// Why the text is no machine file; no value if it is one.
+std::optional<Problem> problemOf(const std::string& text)
+{
+    try
+    {
+        sim::readMachine(text, "the captured file");
+        return std::nullopt;
+    }
+    catch (const sim::MachineFileError& error)
+    {
+        return Problem(Problem::Kind::unreadable, "capture", "", error.what());
+    }
+}
+
+std::vector<Problem> problemsOf(const capturing::Survey& survey)
+{
+    std::vector<Problem> problems;
+    for (const std::vector<capturing::FailedCall>* const failures : {&survey.failures, &survey.recorded})
+    {
+        for (const capturing::FailedCall& failure : *failures)
+            problems.push_back(failure.problem());
+    }
+    return problems;
+}
 }
 
 Result<Capture> capture(System& system, const CaptureOptions& options)
@@ -57,11 +83,9 @@ Result<Capture> capture(System& system, const CaptureOptions& options)
         capturing::makeAnonymous(machine, options.names, reportsOf(*survey));
     Capture result;
     result.text = sim::writeMachine(machine);
-    for (const std::vector<capturing::FailedCall>* const failures : {&survey->failures, &survey->recorded})
-    {
-        for (const capturing::FailedCall& failure : *failures)
-            result.problems.push_back(failure.problem());
-    }
+    if (std::optional<Problem> problem = problemOf(result.text))
+        return std::move(*problem);
+    result.problems = problemsOf(*survey);
     result.notes = std::move(survey->notes);
     return result;
 }
