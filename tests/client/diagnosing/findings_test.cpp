@@ -354,6 +354,7 @@ TEST_F(DiagnosingFindings, SeeAGraphWithoutConnectors)
 TEST_F(DiagnosingFindings, SeeADefaultThatIsNotListed)
 {
     speaker().installed = false;
+    machine().waveOut.clear();
 
     EXPECT_THAT(find(), ElementsAre(AllOf(Field(&Finding::rule, "default-not-listed"),
                                           Field(&Finding::subject, "this computer"),
