@@ -16,6 +16,34 @@ inline namespace v1
 {
 namespace
 {
+bool isId(const std::string& text)
+{
+    return text.find_first_of("\\{") != std::string::npos;
+}
+
+/// The ids in reports of failures, and the notes.
+std::vector<std::string*> reportsOf(capturing::Survey& survey)
+{
+    std::vector<std::string*> texts;
+    const auto addId = [&](std::string& text)
+    {
+        if (isId(text))
+            texts.push_back(&text);
+    };
+    for (std::vector<capturing::FailedCall>* const failures : {&survey.failures, &survey.recorded})
+    {
+        for (capturing::FailedCall& failure : *failures)
+        {
+            addId(failure.object);
+            for (std::string& argument : failure.arguments)
+                addId(argument);
+        }
+    }
+    for (std::string& note : survey.notes)
+        texts.push_back(&note);
+    return texts;
+}
+
 /// Why the text is no machine file; no value if it is one.
 std::optional<Problem> problemOf(const std::string& text)
 {
@@ -52,7 +80,7 @@ Result<Capture> capture(System& system, const CaptureOptions& options)
     machine.description = "Captured by sonavit.";
     machine.faults = capturing::faultRules(survey->failures);
     if (options.isAnonymous)
-        capturing::makeAnonymous(machine, options.names);
+        capturing::makeAnonymous(machine, options.names, reportsOf(*survey));
     Capture result;
     result.text = sim::writeMachine(machine);
     if (std::optional<Problem> problem = problemOf(result.text))

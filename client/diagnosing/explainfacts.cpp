@@ -97,7 +97,7 @@ std::string deviceWords(const sim::Device& device)
     // An endpoint's own name is its description; that of its device is the friendly name.
     const bool isEndpoint = device.id.compare(0, endpointIdStart.size(), endpointIdStart) == 0;
     const sim::PropertyValue* const name =
-        sim::findProperty(device.properties, isEndpoint ? sim::keys::deviceDescription : sim::keys::friendlyName);
+        sim::findProperty(device, isEndpoint ? sim::keys::deviceDescription : sim::keys::friendlyName);
     const bool isNamed = name != nullptr && name->tag == VT_LPWSTR && name->text && !name->text->empty();
     const std::string words = isEndpoint ? "endpoint" : "adapter";
     return isNamed ? "the " + words + " " + named(*name->text) : "an " + words + " without a name";

@@ -5,6 +5,7 @@
 #include "sonavit/text.h"
 
 #include <algorithm>
+#include <array>
 #include <string_view>
 
 namespace sonavit::diagnosing
@@ -24,17 +25,58 @@ const std::string& firstArgument(const FailedCall& call)
     return call.arguments.empty() ? none : call.arguments.front();
 }
 
-/// Whether nothing else is to be expected of an endpoint in that state: the device behind one that is not active need
-/// not answer, and an endpoint or a part need not have each interface.
-bool isNatural(const FailedCall& call, bool isActive)
+bool begins(const std::string& text, std::string_view beginning)
 {
+    return std::string_view(text).substr(0, beginning.size()) == beginning;
+}
+
+/// Whether the code says that the device is not there.
+bool saysGone(const FailedCall& call)
+{
+    constexpr std::array<std::uint32_t, 10> codes = {0x88890004, 0x80070490, 0x80070002, 0x8007048F, 0xE000020B,
+                                                     0x800F020B, 0xE0000225, 0x800F0225, 0xE0000204, 0xE0000209};
+    return call.outcome == FailedCall::Outcome::code &&
+           std::find(codes.begin(), codes.end(), static_cast<std::uint32_t>(call.code)) != codes.end();
+}
+
+/// Whether the code says that the driver does not have what the call asks for.
+bool saysNotImplemented(const FailedCall& call)
+{
+    constexpr std::array<std::uint32_t, 5> codes = {0x80004001, 0x80004002, 0x80070032, 0x80070490, 0x80070492};
+    return call.outcome == FailedCall::Outcome::code &&
+           std::find(codes.begin(), codes.end(), static_cast<std::uint32_t>(call.code)) != codes.end();
+}
+
+/// Whether the call asks for the description of a jack, which drivers need not have.
+bool isAboutJacks(const FailedCall& call)
+{
+    return begins(call.operation, "IKsJackDescription") ||
+           (call.operation == "IPart::Activate" && begins(firstArgument(call), "IKsJackDescription"));
+}
+
+bool isOfStreams(const FailedCall& call)
+{
+    return text::lowerCase(call.operation).find("audioclient") != std::string::npos;
+}
+
+bool isOfProperties(const FailedCall& call)
+{
+    return begins(call.operation, "IPropertyStore::") || call.operation == "IMMDevice::OpenPropertyStore";
+}
+
+/// Whether nothing else is to be expected: an endpoint or a part need not have each interface, the device behind an
+/// endpoint that is not active need not answer, and one that is away or disabled is joined to nothing.
+bool isNatural(const FailedCall& call, bool isActive, bool isPresent)
+{
+    if (isAboutJacks(call) && saysNotImplemented(call))
+        return true;
     if (call.outcome == FailedCall::Outcome::nullSuccess)
         return false;
     if (call.operation == "IMMDevice::Activate" && call.code == E_NOINTERFACE)
         return true;
-    return !isActive &&
-           (isActivation(call) || text::lowerCase(call.operation).find("audioclient") != std::string::npos) &&
-           (call.code == AUDCLNT_E_DEVICE_INVALIDATED || call.code == E_NOTFOUND || call.code == E_NOINTERFACE);
+    if (!isActive && (isActivation(call) || isOfStreams(call)))
+        return saysGone(call) || call.code == E_NOINTERFACE;
+    return !isPresent && begins(call.operation, "IConnector::") && saysGone(call);
 }
 
 /// "IPropertyStore::GetValue(friendlyName) returns 0x80070005 (E_ACCESSDENIED), access denied".
@@ -58,11 +100,16 @@ public:
         const std::vector<FailedCall>& calls = m_places.survey().failures;
         for (std::size_t index = 0; index < calls.size(); ++index)
         {
-            const auto isSame = [&](const FailedCall& other) { return isRepetition(calls[index], other); };
+            const FailedCall& call = calls[index];
+            const auto isSame = [&](const FailedCall& other) { return isRepetition(call, other); };
             const auto here = calls.begin() + static_cast<std::ptrdiff_t>(index);
-            if (!isNatural(calls[index], isActive(calls[index])) && std::none_of(calls.begin(), here, isSame))
-                add(calls[index], static_cast<std::size_t>(std::count_if(here, calls.end(), isSame)));
+            if (isForgotten(call))
+                m_forgotten.push_back(call);
+            else if (!isNatural(call, isActive(call), isPresent(call)) && std::none_of(calls.begin(), here, isSame))
+                add(call, static_cast<std::size_t>(std::count_if(here, calls.end(), isSame)));
         }
+        if (!m_forgotten.empty())
+            addForgotten();
     }
 
 private:
@@ -91,6 +138,44 @@ private:
         return device == nullptr || (device->state == sim::stateActive && (endpoint == nullptr || endpoint->installed));
     }
 
+    /// Whether the hardware is there, as far as the state of its device says.
+    bool isPresent(const FailedCall& call) const
+    {
+        const sim::Device* const device = deviceOf(call);
+        return device == nullptr || hasHardware(*device);
+    }
+
+    /// Whether Windows does not know any more what an endpoint without its device is called, as on many computers.
+    bool isForgotten(const FailedCall& call) const
+    {
+        const sim::Endpoint* const endpoint = m_places.endpoint(call.object);
+        return endpoint != nullptr && endpoint->state == sim::stateNotPresent && isOfProperties(call) && saysGone(call);
+    }
+
+    /// One finding for all of them: there may be many such endpoints, and none of them can be used.
+    void addForgotten()
+    {
+        const FailedCall& first = m_forgotten.front();
+        Owners owners;
+        for (const FailedCall& call : m_forgotten)
+        {
+            if (std::find(owners.begin(), owners.end(), call.object) == owners.end())
+                owners.push_back(call.object);
+        }
+        const bool isOne = owners.size() == 1;
+        Draft draft = draftOf(first);
+        draft.rule = "not-present-unreadable";
+        draft.sentence = "Properties of " + text::counted(owners.size(), "endpoint") +
+                         (isOne ? " that is" : " that are") +
+                         " not present cannot be read: " + text::printable(report(first)) + "." +
+                         furtherCalls(m_forgotten.size() - 1);
+        draft.effect = "Where a name is among them, lists show an id.";
+        if (isOne)
+            m_findings.add(std::move(draft), std::move(owners));
+        else
+            m_findings.addShared(std::move(owners), std::move(draft));
+    }
+
     /// The endpoints behind the object, or behind the device that the call asks for.
     Owners ownersOf(const FailedCall& call) const
     {
@@ -106,10 +191,13 @@ private:
         const sim::Part* const part = partOf(call.object);
         if (const std::size_t place = sentence.find('@'); place != std::string::npos)
             sentence.replace(place, 1, part == nullptr ? inFull(call.object) : m_places.nameOf(*part));
-        sentence += ": " + text::printable(report(call)) + ".";
-        if (count > 1)
-            sentence += " So do " + text::counted(count - 1, "further call") + " of this kind.";
-        return sentence;
+        return sentence + ": " + text::printable(report(call)) + "." + furtherCalls(count - 1);
+    }
+
+    static std::string furtherCalls(std::size_t count)
+    {
+        const std::string calls = text::counted(count, "further call") + " of this kind.";
+        return count == 0 ? "" : (count == 1 ? " So does " : " So do ") + calls;
     }
 
     /// The part of which an object is, which may be one of its lists or controls.
@@ -126,20 +214,27 @@ private:
     void add(const FailedCall& call, std::size_t count)
     {
         const FailureWords& words = wordsFor(call.operation, firstArgument(call));
-        const sim::Device* const device = deviceOf(call);
-        const bool isPresent = device == nullptr || hasHardware(*device);
-        Draft draft;
-        draft.kind = Finding::Kind::failure;
+        Draft draft = draftOf(call);
         draft.rule = words.rule;
         draft.sentence = sentenceOf(call, count);
         draft.effect = words.effect;
-        draft.cause = usualCause(static_cast<std::uint32_t>(call.code), call.operation, firstArgument(call), isPresent);
-        draft.problem = call.problem();
         m_findings.add(std::move(draft), ownersOf(call));
+    }
+
+    /// With what the call itself says.
+    Draft draftOf(const FailedCall& call) const
+    {
+        Draft draft;
+        draft.kind = Finding::Kind::failure;
+        draft.cause =
+            usualCause(static_cast<std::uint32_t>(call.code), call.operation, firstArgument(call), isPresent(call));
+        draft.problem = call.problem();
+        return draft;
     }
 
     const Places& m_places;
     Findings& m_findings;
+    std::vector<FailedCall> m_forgotten;
 };
 }
 

@@ -14,7 +14,7 @@ constexpr const char* controlPath = "Controls behind it may be missing from the 
 constexpr const char* noWave = "Programs that use the old wave functions cannot be matched with an endpoint.";
 
 // The first row that fits counts.
-constexpr std::array<FailureWords, 88> allWords = {{
+constexpr std::array<FailureWords, 89> allWords = {{
     {"CoCreateInstance", "", "platform-unreachable", "Windows Core Audio cannot be reached",
      "No sound device can be listed or controlled."},
     {"IMMDeviceEnumerator::EnumAudioEndpoints", "", "list-unreadable", "The list of endpoints cannot be read",
@@ -59,6 +59,8 @@ constexpr std::array<FailureWords, 88> allWords = {{
      "Lists show it by the name of its device alone, or by its id."},
     {"IPropertyStore::GetValue", "friendlyName", "property-unreadable", "The name of its device cannot be read",
      "Lists show it without the name of its card."},
+    {"IPropertyStore::GetValue", "{A45C254E-DF1C-4EFD-8020-67D146A850E0}/14", "property-unreadable",
+     "Its full name cannot be read", "Programs that show names in full have none for it."},
     {"IPropertyStore::GetValue", "instancePath", "property-unreadable", "The path of its device cannot be read",
      "It is not listed with the other endpoints of its card."},
     {"IPropertyStore::GetValue", "deviceFormat", "property-unreadable", "Its format cannot be read",

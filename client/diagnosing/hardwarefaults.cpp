@@ -29,7 +29,7 @@ public:
         if (!peer || fails("GetDeviceIdConnectedTo", connector) || fails("GetConnectedTo", connector))
             return;
         const PartOf behind = m_places.part(peer->connector);
-        if (!peer->device)
+        if (!peer->device || peer->device->empty())
             add(connector, "joined-device-unnamed", " to a device that has no id.", noJack, badDriver);
         else if (!isOpenable(*peer->device))
             judgeClosed(connector, *peer->device, behind);
@@ -87,7 +87,7 @@ private:
     void add(const sim::Connector& connector, const char* rule, const std::string& target, std::string effect,
              std::string cause)
     {
-        const std::string subject = hasHardware(m_device) && m_places.endpoint(m_device.id) != nullptr
+        const std::string subject = m_places.endpoint(m_device.id) != nullptr
                                         ? "Its connector is joined"
                                         : "The connector " + m_places.nameOf(connector) + " of the hardware is joined";
         m_findings.addOf(connector.id,
@@ -150,6 +150,13 @@ void judgeEndpoint(const Places& places, Findings& findings, const sim::Endpoint
             "The driver describes only a part of its hardware, or it stopped while Windows was asking it.");
 }
 
+/// Whether what its connectors lead to has to be there. Windows remembers the adapter of an endpoint whose device is
+/// away.
+bool isToBeJoined(const Places& places, const sim::Device& device)
+{
+    return hasHardware(device) || places.endpoint(device.id) == nullptr;
+}
+
 void judgePart(const Places& places, Findings& findings, const sim::Part& part)
 {
     const auto add = [&](const char* rule, std::string sentence, const char* effect) {
@@ -195,7 +202,8 @@ void findHardwareFaults(const Places& places, Findings& findings)
         JoinJudge joins(places, findings, device);
         for (const sim::Connector& connector : device.topology->connectors)
         {
-            joins.judge(connector);
+            if (isToBeJoined(places, device))
+                joins.judge(connector);
             judgePart(places, findings, connector);
         }
         for (const sim::Subunit& subunit : device.topology->subunits)

@@ -12,7 +12,7 @@ namespace
 {
 std::string textOf(const sim::Endpoint& endpoint, const PROPERTYKEY& key)
 {
-    const sim::PropertyValue* const value = sim::findProperty(endpoint.properties, key);
+    const sim::PropertyValue* const value = sim::findProperty(endpoint, key);
     return value != nullptr && value->tag == VT_LPWSTR ? value->text.value_or("") : "";
 }
 

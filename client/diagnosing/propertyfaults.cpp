@@ -79,9 +79,7 @@ std::string valueText(const sim::PropertyValue& value)
 
 const sim::PropertyValue* valueIn(const sim::Device& device, const PROPERTYKEY& key)
 {
-    const sim::PropertyValue* value = sim::findProperty(device.properties, key);
-    if (value == nullptr)
-        value = sim::findProperty(device.unlistedProperties, key);
+    const sim::PropertyValue* const value = sim::findProperty(device, key);
     return value == nullptr || value->tag == VT_EMPTY ? nullptr : value;
 }
 

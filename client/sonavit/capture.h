@@ -18,7 +18,8 @@ struct CaptureOptions
 {
     /// The machine's name in the file, UTF-8.
     std::string name = "captured machine";
-    /// Replaces serial numbers, user names and container ids, each by the same other one throughout.
+    /// Replaces serial numbers, Bluetooth addresses, container ids and names of owners in everything that is returned,
+    /// each by the same other one throughout.
     bool isAnonymous = false;
     /// With isAnonymous: further names to replace wherever they occur, such as those of the user and of the computer,
     /// UTF-8.

@@ -102,7 +102,7 @@ std::vector<std::uint8_t> bytesOf(const MixFormat& format)
 
 std::optional<SampleFormat> deviceFormatOf(const Endpoint& endpoint)
 {
-    const PropertyValue* const value = findProperty(endpoint.properties, keys::deviceFormat);
+    const PropertyValue* const value = findProperty(endpoint, keys::deviceFormat);
     return value != nullptr && value->tag == VT_BLOB ? samplesOf(value->bytes) : std::nullopt;
 }
 

@@ -153,7 +153,7 @@ std::int64_t JsonCursor::negativeNumber(std::int64_t least) const
     std::int64_t value = 0;
     const std::from_chars_result result = std::from_chars(text.data(), text.data() + text.size(), value);
     if (!isNegative() || result.ec != std::errc() || result.ptr != text.data() + text.size() || value < least)
-        fail("a whole number from " + std::to_string(least));
+        fail("a whole number of at least " + std::to_string(least));
     return value;
 }
 

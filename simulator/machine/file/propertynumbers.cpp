@@ -88,6 +88,8 @@ void addRealMember(FieldTable<PropertyValue>& table, const char* key, Real Prope
     {
         const std::optional<std::uint64_t> bits =
             cursor.isString() ? fromHexText(cursor.string(), digits) : std::nullopt;
+        if (cursor.isString() && !bits && cursor.string().compare(0, 2, "0x") == 0)
+            cursor.fail(std::to_string(digits) + " hexadecimal digits behind \"0x\"");
         value.*member = bits ? sameBytes<Real>(static_cast<Bits>(*bits)) : readReal(cursor, Real());
     };
     const auto write = [=](const PropertyValue& value)

@@ -1,8 +1,9 @@
 // The examiner itself: what it does not see, no comparison of transcripts shows.
+#include "tests/support/questions.h"
+
 #include "simulator/machine/file/machinefile.h"
 #include "simulator/machine/propertykeys.h"
 #include "tests/support/clienttest.h"
-#include "tests/support/questions.h"
 
 #include <algorithm>
 #include <functional>

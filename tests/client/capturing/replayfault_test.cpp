@@ -117,22 +117,36 @@ protected:
         return found;
     }
 
-    /// The calls of a capture that this share of the test lets fail.
+    /// The calls of a capture that this share of the test lets fail: the first of each operation, and some others. Not
+    /// those that fail in this machine already.
     static std::vector<CallOfCapture> calls(const sim::Machine& machine)
     {
         const Case& each = std::get<Case>(GetParam());
         const std::uint32_t stride = (isSlow ? each.slowStride : each.stride) * shares;
-        std::vector<CallOfCapture> all;
+        const Captured whole = captured(machine);
+        std::vector<CallOfCapture> chosen;
         std::map<std::string, std::uint32_t> numbers;
         support::CallSample sample(each.extent);
         std::uint32_t position = std::get<Share>(GetParam()) * (stride / shares);
-        for (const sim::JournalEntry& entry : captured(machine).journal)
+        for (const sim::JournalEntry& entry : whole.journal)
         {
             const std::uint32_t number = ++numbers[entry.operation];
-            if (!isWithoutCode(entry.operation) && sample.contains(entry) && position++ % stride == 0)
-                all.push_back({entry, number});
+            if (!isWithoutCode(entry.operation) && !fails(whole, entry) && sample.contains(entry) &&
+                position++ % stride == 0)
+                chosen.push_back({entry, number});
         }
-        return all;
+        return chosen;
+    }
+
+    static bool fails(const Captured& whole, const sim::JournalEntry& entry)
+    {
+        const std::vector<sonavit::Problem>& problems = whole.capture.problems;
+        return std::any_of(problems.begin(), problems.end(),
+                           [&](const sonavit::Problem& problem)
+                           {
+                               return problem.operation().substr(0, problem.operation().find('(')) == entry.operation &&
+                                      problem.object() == entry.object;
+                           });
     }
 
     /// The capture with the failure, judged by itself; then the capture of its replay, which must be the same.

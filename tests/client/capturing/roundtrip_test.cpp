@@ -1,6 +1,7 @@
 // A capture of a machine answers as the machine itself: examiner against examiner, journal against journal.
 #include "simulator/machine/file/machinefile.h"
 #include "tests/client/capturing/capturetest.h"
+#include "tests/simulator/machine/file/machinesample.h"
 #include "tests/support/randommachine.h"
 
 #include <algorithm>
@@ -201,6 +202,14 @@ TEST_F(CaptureRoundTrip, OfEachShippedMachineAnswersAlike)
 {
     for (const std::string& name : sim::machineNames())
         expectRoundTrip(sim::findMachine(name));
+}
+
+TEST_F(CaptureRoundTrip, OfAMachineWithEveryFieldAnswersAlike)
+{
+    sim::Machine machine = sample::machine();
+    machine.faults.clear(); // its rules are of all forms, whatever they mean
+
+    expectRoundTrip(machine);
 }
 
 TEST_P(CaptureRoundTripAtRandom, AnswersAlike)

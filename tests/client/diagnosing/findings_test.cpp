@@ -127,13 +127,98 @@ TEST_F(DiagnosingFindings, MissTheVolumeOfAnActiveEndpoint)
     EXPECT_THAT(rules(), ElementsAre("volume-unreadable"));
 }
 
+TEST_F(DiagnosingFindings, MissNothingThatANotPresentEndpointNeedNotHave)
+{
+    speaker().state = sim::stateNotPresent;
+    const std::string connector = speaker().topology.value().connectors.at(0).id;
+    fails("IMMDevice::Activate", speaker().id, {"IAudioEndpointVolume", "23"}, static_cast<HRESULT>(0x80070002));
+    fails("IConnector::GetConnectedTo", connector, {}, E_NOTFOUND);
+    fails("IConnector::GetDeviceIdConnectedTo", connector, {}, E_NOTFOUND);
+
+    EXPECT_THAT(rules(), IsEmpty());
+}
+
+TEST_F(DiagnosingFindings, MissTheHardwareOfAnActiveEndpoint)
+{
+    fails("IConnector::GetConnectedTo", speaker().topology.value().connectors.at(0).id, {}, E_NOTFOUND);
+
+    EXPECT_THAT(rules(), ElementsAre("join-unreadable"));
+}
+
+TEST_F(DiagnosingFindings, AllowTheAdapterOfADeviceThatIsAwayToBeClosed)
+{
+    for (sim::Endpoint& endpoint : machine().endpoints)
+        endpoint.state = sim::stateNotPresent;
+    machine().adapters.clear();
+
+    EXPECT_THAT(rules(), IsEmpty());
+}
+
+TEST_F(DiagnosingFindings, AreOneForAllEndpointsThatAreNotPresentAndHaveNoNames)
+{
+    for (sim::Endpoint* const endpoint : {&speaker(), &headphones()})
+    {
+        endpoint->state = sim::stateNotPresent;
+        for (const char* const name : {"deviceDescription", "friendlyName"})
+            fails("IPropertyStore::GetValue", endpoint->id, {name}, static_cast<HRESULT>(0xE000020B));
+    }
+
+    EXPECT_THAT(find(), ElementsAre(AllOf(
+                            Field(&Finding::rule, "not-present-unreadable"), Field(&Finding::endpoint, std::nullopt),
+                            Field(&Finding::sentence, HasSubstr("of 2 endpoints that are not present cannot be read")),
+                            Field(&Finding::sentence, HasSubstr("So do 3 further calls of this kind.")))));
+}
+
+TEST_F(DiagnosingFindings, NameTheOnlyEndpointThatIsNotPresentAndHasNoName)
+{
+    speaker().state = sim::stateNotPresent;
+    fails("IPropertyStore::GetValue", speaker().id, {"friendlyName"}, static_cast<HRESULT>(0xE000020B));
+
+    EXPECT_THAT(find(), ElementsAre(AllOf(Field(&Finding::rule, "not-present-unreadable"),
+                                          Field(&Finding::endpoint, sonavit::EndpointId(speaker().id)),
+                                          Field(&Finding::sentence, HasSubstr("of 1 endpoint that is not present")))));
+}
+
+TEST_F(DiagnosingFindings, MissTheNameOfANotPresentEndpointThatIsRefused)
+{
+    speaker().state = sim::stateNotPresent;
+    fails("IPropertyStore::GetValue", speaker().id, {"friendlyName"}, E_ACCESSDENIED);
+
+    EXPECT_THAT(rules(), ElementsAre("property-unreadable"));
+}
+
+TEST_F(DiagnosingFindings, MissNoDescriptionOfAJackThatTheDriverDoesNotHave)
+{
+    const std::string jack = adapter().topology.value().connectors.at(0).id;
+    fails("IKsJackDescription::GetJackCount", jack, {}, static_cast<HRESULT>(0x80070492));
+    fails("IPart::Activate", jack, {"IKsJackDescription2", "1"}, E_NOTFOUND);
+
+    EXPECT_THAT(rules(), IsEmpty());
+}
+
+TEST_F(DiagnosingFindings, MissADescriptionOfAJackThatFails)
+{
+    fails("IKsJackDescription::GetJackDescription", adapter().topology.value().connectors.at(0).id, {"0"}, E_FAIL);
+
+    EXPECT_THAT(rules(), ElementsAre("jack-unreadable"));
+}
+
 TEST_F(DiagnosingFindings, CountRepeatedCallsOnce)
 {
     for (const char* const channel : {"0", "1", "2"})
         fails("IAudioVolumeLevel::GetLevel", volumeNode().id, {channel}, E_FAIL);
 
-    EXPECT_THAT(find(), ElementsAre(AllOf(Field(&Finding::rule, "control-unreadable"),
-                                          Field(&Finding::sentence, HasSubstr("So do 2 further calls")))));
+    EXPECT_THAT(find(),
+                ElementsAre(AllOf(Field(&Finding::rule, "control-unreadable"),
+                                  Field(&Finding::sentence, HasSubstr("So do 2 further calls of this kind.")))));
+}
+
+TEST_F(DiagnosingFindings, CountASingleRepetition)
+{
+    for (const char* const channel : {"0", "1"})
+        fails("IAudioVolumeLevel::GetLevel", volumeNode().id, {channel}, E_FAIL);
+
+    EXPECT_THAT(find(), ElementsAre(Field(&Finding::sentence, HasSubstr(" So does 1 further call of this kind."))));
 }
 
 TEST_F(DiagnosingFindings, BelongToTheEndpointThatReachesAPart)
@@ -225,6 +310,63 @@ TEST_F(DiagnosingFindings, SeeAJoinThatEndsInAnEmptyGraph)
     machine().joins.at(1).toDevice = "other";
 
     EXPECT_THAT(rules(), ElementsAre("graph-empty"));
+}
+
+TEST_F(DiagnosingFindings, SeeAJoinToOneDeviceByIdAndToAnotherByConnector)
+{
+    sim::Adapter other;
+    other.id = "other";
+    machine().adapters.push_back(other);
+    machine().joins.at(1).toDevice = "other";
+
+    EXPECT_THAT(find(), ElementsAre(AllOf(Field(&Finding::rule, "joined-to-two"),
+                                          Field(&Finding::endpoint, sonavit::EndpointId(headphones().id)),
+                                          Field(&Finding::sentence, HasSubstr("to \"other\" by its id")))));
+}
+
+TEST_F(DiagnosingFindings, SeeAJoinToADeviceThatHasNotThatConnector)
+{
+    machine().joins.at(1).to.clear();
+    machine().joins.at(1).toDevice = adapter().id;
+
+    EXPECT_THAT(rules(), ElementsAre("joined-connector-missing"));
+}
+
+TEST_F(DiagnosingFindings, SeeAJoinToADeviceWithoutAnId)
+{
+    machine().joins.at(1).to.clear();
+    machine().joins.at(1).toDevice = "";
+
+    EXPECT_THAT(find(),
+                ElementsAre(AllOf(Field(&Finding::rule, "joined-device-unnamed"),
+                                  Field(&Finding::sentence, "Its connector is joined to a device that has no id."))));
+}
+
+TEST_F(DiagnosingFindings, SeeAGraphWithoutConnectors)
+{
+    headphones().topology.value().connectors.clear();
+    machine().joins.erase(machine().joins.begin() + 1);
+
+    EXPECT_THAT(find(), ElementsAre(AllOf(Field(&Finding::rule, "graph-without-connectors"),
+                                          Field(&Finding::endpoint, sonavit::EndpointId(headphones().id)))));
+}
+
+TEST_F(DiagnosingFindings, SeeADefaultThatIsNotListed)
+{
+    speaker().installed = false;
+    machine().waveOut.clear();
+
+    EXPECT_THAT(find(), ElementsAre(AllOf(Field(&Finding::rule, "default-not-listed"),
+                                          Field(&Finding::subject, "this computer"),
+                                          Field(&Finding::sentence, HasSubstr(speaker().id)))));
+}
+
+TEST_F(DiagnosingFindings, SeeStepsThatCannotBe)
+{
+    speaker().volume->step = 0;
+    headphones().volume->step = 2 * (headphones().volume->maximum - headphones().volume->minimum);
+
+    EXPECT_THAT(rules(), ElementsAre("step-wrong", "step-wrong"));
 }
 
 TEST_F(DiagnosingFindings, SeeAHardwareVolumeThatNoPartImplements)

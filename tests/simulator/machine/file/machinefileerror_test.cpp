@@ -195,9 +195,10 @@ const Broken wrongProperties[] = {
      "m.json:3: /endpoints/0/properties/formFactor/number: expected a whole number from 0 to 18446744073709551615, "
      "found -1"},
     {"ATooLowNumberUnderASmallTag", endpointWith(R"("properties": {"formFactor": {"number": -32769, "tag": "VT_I2"}})"),
-     "m.json:3: /endpoints/0/properties/formFactor/number: expected a whole number from -32768, found -32769"},
+     "m.json:3: /endpoints/0/properties/formFactor/number: expected a whole number of at least -32768, found -32769"},
     {"ANegativeFraction", endpointWith(R"("properties": {"formFactor": {"number": -1.5, "tag": "VT_I4"}})"),
-     "m.json:3: /endpoints/0/properties/formFactor/number: expected a whole number from -2147483648, found -1.5"},
+     "m.json:3: /endpoints/0/properties/formFactor/number: expected a whole number of at least -2147483648, found "
+     "-1.5"},
     {"ANumberBeyond63BitsUnderATagWithSign",
      endpointWith(R"("properties": {"formFactor": {"number": 9223372036854775808, "tag": "VT_I8"}})"),
      "m.json:3: /endpoints/0/properties/formFactor/number: expected a whole number from -9223372036854775808 to "
@@ -206,7 +207,7 @@ const Broken wrongProperties[] = {
      "m.json:3: /endpoints/0/properties/formFactor/longReal: expected a number in the range of double precision, found "
      "\"1e309\""},
     {"ALongRealWithTheBitsOfARealNumber", endpointWith(R"("properties": {"formFactor": {"longReal": "0x7FC00000"}})"),
-     "m.json:3: /endpoints/0/properties/formFactor/longReal: expected a number in the range of double precision, found "
+     "m.json:3: /endpoints/0/properties/formFactor/longReal: expected 16 hexadecimal digits behind \"0x\", found "
      "\"0x7FC00000\""},
     {"ANarrowTextWithAWideCharacter", endpointWith(R"("properties": {"formFactor": {"narrowText": "a\u0100"}})"),
      "m.json:3: /endpoints/0/properties/formFactor/narrowText: expected characters from U+0001 to U+00FF, one for each "

@@ -1,3 +1,4 @@
+#include "simulator/machine/propertykeys.h"
 #include "tests/simulator/objects/stream/streamtest.h"
 
 #include <cstring>
@@ -118,5 +119,23 @@ TEST_F(OwnMixFormat, MayComeWithPeriodsOfZero)
 
     EXPECT_EQ(S_OK, speaker->GetBufferSize(&frames));
     EXPECT_EQ(2u, frames);
+}
+
+TEST_F(OwnMixFormat, ComesFromADeviceFormatThatIsNotListed)
+{
+    const Bytes listed = reported();
+    simulation.change(
+        [&](sim::Machine& machine)
+        {
+            sim::Endpoint& endpoint = *machine.endpoint(speakerId);
+            const sim::PropertyValue format = *sim::findProperty(endpoint, sim::keys::deviceFormat);
+            sim::removeProperty(endpoint.properties, sim::keys::deviceFormat);
+            sim::setProperty(endpoint.unlistedProperties, sim::keys::deviceFormat, format);
+        });
+
+    const Bytes unlisted = reported();
+
+    EXPECT_FALSE(listed.empty());
+    EXPECT_EQ(listed, unlisted);
 }
 }
