@@ -185,7 +185,8 @@ Rules rulesFor(const Texts& texts, const std::vector<Secret>& secrets)
 }
 }
 
-void makeAnonymous(sim::Machine& machine, const std::vector<std::string>& names)
+void makeAnonymous(sim::Machine& machine, const std::vector<std::string>& names,
+                   const std::vector<std::string*>& reports)
 {
     const std::vector<Secret> secrets = secretsOf(machine, names);
     Texts texts;
@@ -193,5 +194,7 @@ void makeAnonymous(sim::Machine& machine, const std::vector<std::string>& names)
     const Rules rules = rulesFor(texts, secrets);
     Replacing replacing(rules);
     visitPlaces(machine, replacing);
+    for (std::string* const report : reports)
+        replacing.text(*report);
 }
 }

@@ -27,12 +27,13 @@ constexpr std::u32string_view buses[] = {U"acpi",    U"bthenum", U"bthhfenum", U
                                          U"display", U"hdaudio", U"hid",       U"htree", U"intelaudio",
                                          U"pci",     U"root",    U"swd",       U"usb"};
 
-/// "USB" in "USB\VID_C0DE&PID_0001\0123" and in paths that contain such an id is a word of the platform, even if a
-/// computer has that name.
+/// "USB" in "USB\VID_C0DE&PID_0001\0123", in paths that contain such an id, and as the name of an enumerator is a word
+/// of the platform, even if a computer or an account has that name.
 bool isBus(const std::u32string& text, std::size_t begin, std::size_t end)
 {
-    const bool isWhole = end < text.size() && (text[end] == U'\\' || text[end] == U'#') &&
-                         (begin == 0 || text[begin - 1] == U'.' || text[begin - 1] == U'\\');
+    const bool isAll = begin == 0 && end == text.size();
+    const bool isWhole = isAll || (end < text.size() && (text[end] == U'\\' || text[end] == U'#') &&
+                                   (begin == 0 || text[begin - 1] == U'.' || text[begin - 1] == U'\\'));
     const std::u32string_view word = std::u32string_view(text).substr(begin, end - begin);
     return isWhole && std::find(std::begin(buses), std::end(buses), word) != std::end(buses);
 }

@@ -46,6 +46,7 @@ public:
 
     void fails(HRESULT code, const Question& question, Codes implied = {});
     void givesNull(const Question& question);
+    bool isEmpty() const { return m_failures.empty(); }
     /// Adds those of @p others behind its own.
     void append(const Failures& others);
 

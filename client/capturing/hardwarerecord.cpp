@@ -1,5 +1,6 @@
 #include "client/capturing/hardwarerecord.h"
 
+#include "client/capturing/hardwaresurvey.h"
 #include "simulator/machine/identity.h"
 
 #include <algorithm>
@@ -143,19 +144,22 @@ void HardwareRecord::giveIds()
     }
 }
 
+/// An id that no other part has, and that is not taken for a short one.
 std::string HardwareRecord::unusedId(std::string id) const
 {
+    if (!isUsableId(id))
+        id.insert(0, "'");
     while (m_ids.count(id) != 0)
         id += "'";
     return id;
 }
 
-/// A device that cannot be opened is there for the sake of its parts.
+/// A device that cannot be opened is there for the sake of its parts, or of calls that have failed.
 void HardwareRecord::writeDevice(std::size_t device)
 {
     FoundDevice& found = m_devices[device];
     const bool hasTopology = found.topology.get() != nullptr || found.isStub;
-    if (found.isStub && m_orders[device].all().empty())
+    if (found.isStub && m_orders[device].all().empty() && found.failures.isEmpty())
         return;
     if (found.endpoint == none)
         m_machine.adapters.push_back(std::move(found.adapter));

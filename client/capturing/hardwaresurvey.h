@@ -108,6 +108,7 @@ private:
     // Joins.
     void followConnector(std::size_t part);
     FarAnswers farAnswers(FoundPart& nearEnd);
+    std::size_t peerOf(FarAnswers& answers);
     std::size_t farPart(FarAnswers& answers);
     std::size_t ownerOf(const reading::Handle<IPart>& part, Identity& identity, const FarAnswers& answers);
     OwnTopology topologyOf(IPart& part, Identity& identity);

@@ -17,14 +17,7 @@ void HardwareSurvey::followConnector(std::size_t part)
     const bool isTold =
         nearEnd.failures.passes(nearEnd.connector->IsConnected(&isConnected), {"IConnector::IsConnected"});
     FarAnswers answers = farAnswers(nearEnd);
-    std::size_t peer = answers.connector.get() == nullptr ? none : farPart(answers);
-    if (peer == none)
-        peer = namedConnector(answers);
-    else if (isUsableId(answers.connectorId) && m_parts[peer].nearName.empty())
-    {
-        m_parts[peer].nearName = *answers.connectorId;
-        m_partsByNearName.emplace(*answers.connectorId, peer);
-    }
+    const std::size_t peer = peerOf(answers);
     nearEnd.farSide = {peer != none || answers.deviceId || isConnected != FALSE, peer, answers.deviceId};
     if (isTold && nearEnd.farSide.isJoined != (isConnected != FALSE))
         m_recorder.note("A connector reports what is on its far side, and that it is not connected.");
@@ -46,6 +39,23 @@ HardwareSurvey::FarAnswers HardwareSurvey::farAnswers(FoundPart& nearEnd)
     if (answers.deviceId)
         answers.device = deviceNamed(*answers.deviceId);
     return answers;
+}
+
+/// The far connector; none if there is none, or if it cannot be had.
+std::size_t HardwareSurvey::peerOf(FarAnswers& answers)
+{
+    std::size_t peer = answers.connector.get() == nullptr ? none : farPart(answers);
+    if (peer == none)
+        peer = namedConnector(answers);
+    else if (isUsableId(answers.connectorId) && m_parts[peer].nearName.empty())
+    {
+        m_parts[peer].nearName = *answers.connectorId;
+        m_partsByNearName.emplace(*answers.connectorId, peer);
+    }
+    if (peer == none || m_parts[peer].isConnector)
+        return peer;
+    m_recorder.note("A connector is joined to what is none; a machine file contains only the device's id.");
+    return none;
 }
 
 /// Keeps the failures that the join does not show by itself.

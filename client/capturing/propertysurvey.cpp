@@ -30,10 +30,13 @@ sim::PropertyValue placeholder()
     return sim::PropertyValue::ofText(std::nullopt);
 }
 
-/// In place of a key that could not be read: one that no device has.
-PROPERTYKEY inventedKey(std::size_t place)
+/// In place of a key that could not be read: one that is not among the properties before @p place.
+PROPERTYKEY inventedKey(const sim::Properties& properties, std::size_t place)
 {
-    return {GUID{}, static_cast<DWORD>(place)};
+    PROPERTYKEY key = {GUID{}, static_cast<DWORD>(place)};
+    while (sim::findProperty(properties, key) != nullptr)
+        ++key.pid;
+    return key;
 }
 
 /// Records the content of one store.
@@ -75,7 +78,7 @@ private:
         if (!m_recorder.passes(m_store.GetAt(index, &key), {"IPropertyStore::GetAt", m_record.id, {argument(place)}}))
         {
             m_gaps.push_back(place);
-            m_record.properties.push_back({inventedKey(place), placeholder()});
+            m_record.properties.push_back({inventedKey(m_record.properties, place), placeholder()});
             return false;
         }
         if (sim::findProperty(m_record.properties, key) != nullptr)

@@ -26,12 +26,19 @@ public:
 
     WAVEFORMATEX** put() noexcept { return &m_format; }
 
-    /// The structure with what follows it; plain samples have nothing behind it.
+    /// Whether it says that something follows it, although plain samples have nothing behind them.
+    bool promisesTooMuch() const { return m_format->wFormatTag == WAVE_FORMAT_PCM && m_format->cbSize != 0; }
+
+    /// The structure with what follows it.
     std::vector<std::uint8_t> bytes() const
     {
-        const std::size_t following = m_format->wFormatTag == WAVE_FORMAT_PCM ? 0 : m_format->cbSize;
-        std::vector<std::uint8_t> copy(sizeof(WAVEFORMATEX) + following);
+        WAVEFORMATEX format = {};
+        std::memcpy(&format, m_format, sizeof format);
+        if (promisesTooMuch())
+            format.cbSize = 0;
+        std::vector<std::uint8_t> copy(sizeof format + format.cbSize);
         std::memcpy(copy.data(), m_format, copy.size());
+        std::memcpy(copy.data(), &format, sizeof format);
         return copy;
     }
 
@@ -78,6 +85,8 @@ void surveyMixFormat(IAudioClient& client, sim::Endpoint& endpoint, Recorder& re
                              : recorder.gives(result, *format.put(), call, {AUDCLNT_E_UNSUPPORTED_FORMAT});
     if (!isGiven)
         return;
+    if (format.promisesTooMuch())
+        recorder.note("The mix format of " + endpoint.id + " is of plain samples and says that more follows it.");
     std::vector<std::uint8_t> bytes = format.bytes();
     endpoint.mixFormat = mixFormatOf(bytes);
     if (!endpoint.mixFormat)

@@ -62,9 +62,11 @@ std::size_t HardwareSurvey::addDevice(FoundDevice device)
     return m_devices.size() - 1;
 }
 
-/// The device with that id, which is opened unless it is known; none if it cannot be opened.
+/// The device with that id, which is opened unless it is known; none if it cannot be opened, or has no id.
 std::size_t HardwareSurvey::deviceNamed(const std::string& id)
 {
+    if (id.empty())
+        return none;
     const auto known = m_devicesById.find(id);
     if (known != m_devicesById.end())
         return known->second;

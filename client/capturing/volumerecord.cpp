@@ -99,7 +99,7 @@ float levelOf(const sim::EndpointVolume& volume, float scalar)
     {
         for (const float candidate : {lower, higher})
         {
-            if (sim::scalarLevel(volume, candidate) == scalar)
+            if (std::isfinite(candidate) && sim::scalarLevel(volume, candidate) == scalar)
                 return candidate;
         }
         lower = std::nextafter(lower, -infinity);

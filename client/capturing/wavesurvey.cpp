@@ -1,6 +1,7 @@
 #include "client/capturing/devices.h"
 
 #include "client/reading/text.h"
+#include "client/reading/wavefunctions.h"
 
 #include <algorithm>
 
@@ -8,41 +9,11 @@ namespace sonavit::capturing
 {
 namespace
 {
-/// No computer has more wave devices.
-constexpr UINT mostNumbers = 4096;
-/// Bytes; no endpoint has a longer id.
-constexpr DWORD_PTR longestId = 0x10000;
-
-/// The functions of one flow.
-struct WaveFunctions
-{
-    UINT (*count)();
-    const char* countName;
-    MMRESULT (*message)(UINT number, UINT message, DWORD_PTR first, DWORD_PTR second);
-    const char* messageName;
-};
-
-/// A device number is passed in place of a handle.
-template<class Handle>
-Handle handleOf(UINT number)
-{
-    return reinterpret_cast<Handle>(static_cast<DWORD_PTR>(number));
-}
-
-constexpr WaveFunctions outputs = {[]() -> UINT { return waveOutGetNumDevs(); }, "waveOutGetNumDevs",
-                                   [](UINT number, UINT message, DWORD_PTR first, DWORD_PTR second) -> MMRESULT
-                                   { return waveOutMessage(handleOf<HWAVEOUT>(number), message, first, second); },
-                                   "waveOutMessage"};
-constexpr WaveFunctions inputs = {[]() -> UINT { return waveInGetNumDevs(); }, "waveInGetNumDevs",
-                                  [](UINT number, UINT message, DWORD_PTR first, DWORD_PTR second) -> MMRESULT
-                                  { return waveInMessage(handleOf<HWAVEIN>(number), message, first, second); },
-                                  "waveInMessage"};
-
 /// Asks one wave device for the size of its id and for the id.
 class WaveDeviceSurvey
 {
 public:
-    WaveDeviceSurvey(const WaveFunctions& wave, UINT number, Recorder& recorder)
+    WaveDeviceSurvey(const reading::WaveFunctions& wave, UINT number, Recorder& recorder)
         : m_wave(wave),
           m_number(number),
           m_recorder(recorder)
@@ -66,7 +37,7 @@ private:
     /// With room for the longest id if the right size is not known.
     void askId(sim::WaveDevice& device, DWORD_PTR size)
     {
-        const DWORD_PTR room = size == 0 || size > longestId ? longestId : size;
+        const DWORD_PTR room = size == 0 || size > reading::longestWaveId ? reading::longestWaveId : size;
         std::vector<WCHAR> text((room + 1) / sizeof(WCHAR)); // a driver may report success and write nothing
         device.idResult = send(DRV_QUERYFUNCTIONINSTANCEID, text.data(), room);
         const auto end = std::find(text.begin(), text.end(), WCHAR{0});
@@ -81,7 +52,7 @@ private:
     /// In place of an id that could not be read: one with the size that was reported.
     static std::string unknownId(DWORD_PTR size)
     {
-        return size > longestId || size < sizeof(WCHAR) ? "" : std::string(size / sizeof(WCHAR) - 1, '?');
+        return size > reading::longestWaveId || size < sizeof(WCHAR) ? "" : std::string(size / sizeof(WCHAR) - 1, '?');
     }
 
     void noteSize(DWORD_PTR size, std::size_t length)
@@ -101,18 +72,18 @@ private:
 
     Call call(UINT message) const { return {m_wave.messageName, "", {argument(m_number), argument(message)}}; }
 
-    const WaveFunctions& m_wave;
+    const reading::WaveFunctions& m_wave;
     const UINT m_number;
     Recorder& m_recorder;
 };
 
-std::vector<sim::WaveDevice> surveyFlow(const WaveFunctions& wave, Recorder& recorder)
+std::vector<sim::WaveDevice> surveyFlow(const reading::WaveFunctions& wave, Recorder& recorder)
 {
     std::vector<sim::WaveDevice> devices;
     const UINT count = wave.count();
-    if (count > mostNumbers)
+    if (count > reading::mostWaveNumbers)
         recorder.fails(static_cast<HRESULT>(count), {wave.countName, ""});
-    for (UINT number = 0; count <= mostNumbers && number < count; ++number)
+    for (UINT number = 0; count <= reading::mostWaveNumbers && number < count; ++number)
         devices.push_back(WaveDeviceSurvey(wave, number, recorder).run());
     return devices;
 }
@@ -120,7 +91,7 @@ std::vector<sim::WaveDevice> surveyFlow(const WaveFunctions& wave, Recorder& rec
 
 void surveyWaveDevices(sim::Machine& machine, Recorder& recorder)
 {
-    machine.waveOut = surveyFlow(outputs, recorder);
-    machine.waveIn = surveyFlow(inputs, recorder);
+    machine.waveOut = surveyFlow(reading::waveFunctions(Flow::output), recorder);
+    machine.waveIn = surveyFlow(reading::waveFunctions(Flow::input), recorder);
 }
 }

@@ -1,6 +1,7 @@
 #include "client/reading/endpointreading.h"
 #include "client/reading/judge.h"
 #include "client/reading/text.h"
+#include "client/reading/wavefunctions.h"
 
 #include <algorithm>
 #include <utility>
@@ -9,37 +10,6 @@ namespace sonavit::reading
 {
 namespace
 {
-/// No computer has more wave devices.
-constexpr UINT mostNumbers = 4096;
-/// Bytes; no endpoint has a longer id.
-constexpr DWORD_PTR longestId = 0x10000;
-
-/// The functions of one flow.
-struct WaveFunctions
-{
-    UINT (*count)();
-    const char* countName;
-    MMRESULT (*message)(UINT number, UINT message, DWORD_PTR first, DWORD_PTR second);
-    const char* messageName;
-};
-
-/// A device number is passed in place of a handle.
-template<class Handle>
-Handle handleOf(UINT number)
-{
-    return reinterpret_cast<Handle>(static_cast<DWORD_PTR>(number));
-}
-
-constexpr std::array<WaveFunctions, 2> functions = {
-    {{[]() -> UINT { return waveOutGetNumDevs(); }, "waveOutGetNumDevs",
-      [](UINT number, UINT message, DWORD_PTR first, DWORD_PTR second) -> MMRESULT
-      { return waveOutMessage(handleOf<HWAVEOUT>(number), message, first, second); },
-      "waveOutMessage"},
-     {[]() -> UINT { return waveInGetNumDevs(); }, "waveInGetNumDevs",
-      [](UINT number, UINT message, DWORD_PTR first, DWORD_PTR second) -> MMRESULT
-      { return waveInMessage(handleOf<HWAVEIN>(number), message, first, second); },
-      "waveInMessage"}}};
-
 /// Asks for the size of the id, then for the id; empty if one of them fails.
 EndpointId readId(const WaveFunctions& wave, UINT number, std::vector<Problem>& problems)
 {
@@ -53,7 +23,7 @@ EndpointId readId(const WaveFunctions& wave, UINT number, std::vector<Problem>& 
     DWORD_PTR size = 0;
     if (!send(DRV_QUERYFUNCTIONINSTANCEIDSIZE, &size, 0))
         return {};
-    if (size == 0 || size > longestId)
+    if (size == 0 || size > longestWaveId)
     {
         problems.push_back(failure({wave.messageName, nullptr, number}, {}, invalidData));
         return {};
@@ -69,9 +39,9 @@ EndpointId readId(const WaveFunctions& wave, UINT number, std::vector<Problem>& 
 WaveIds readWaveIds(Flow flow)
 {
     WaveIds all;
-    const WaveFunctions& wave = functions[static_cast<std::size_t>(flow)];
+    const WaveFunctions& wave = waveFunctions(flow);
     const UINT count = wave.count();
-    if (count > mostNumbers)
+    if (count > mostWaveNumbers)
     {
         all.problems.push_back(failure({wave.countName}, {}, invalidData));
         return all;

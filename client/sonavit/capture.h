@@ -18,7 +18,8 @@ struct CaptureOptions
 {
     /// The machine's name in the file, UTF-8.
     std::string name = "captured machine";
-    /// Replaces serial numbers, user names and container ids, each by the same other one throughout.
+    /// Replaces serial numbers, Bluetooth addresses, container ids and names of owners in everything that is returned,
+    /// each by the same other one throughout.
     bool isAnonymous = false;
     /// With isAnonymous: further names to replace wherever they occur, such as those of the user and of the computer,
     /// UTF-8.
@@ -40,7 +41,8 @@ struct Capture
 /// volumes, the hardware graphs behind them, the defaults, the wave ids, and the devices to which they belong.
 ///
 /// Nothing is changed, and no client is registered. It waits for the platform as System::graph() does; on a computer
-/// with slow devices give the System more patience. Problem::Kind::noAnswer, wouldWait, ended. What cannot be read is
+/// with slow devices give the System more patience. Problem::Kind::noAnswer, wouldWait, ended; unreadable if the
+/// text could not be read as a machine file again, say because of a name with a zero character. What cannot be read is
 /// in Capture::problems and keeps nothing else from being captured. Throws std::bad_alloc, and std::system_error if
 /// there can be no thread.
 SONAVIT_CLIENT_API Result<Capture> capture(System& system, const CaptureOptions& options = {});

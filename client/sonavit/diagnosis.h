@@ -35,7 +35,7 @@ struct SONAVIT_CLIENT_API Finding
     std::optional<CardId> card;
     /// The title of the endpoint or the card, as people know it; "this computer" without them.
     std::string subject;
-    /// A name for programs that does not change, such as "property-unreadable" or "two-endpoints-one-name".
+    /// A name for programs that does not change, such as "property-unreadable" or "endpoints-with-one-name".
     std::string rule;
     /// What is wrong, as a sentence with a full stop, on one line.
     std::string sentence;
@@ -94,8 +94,7 @@ struct SONAVIT_CLIENT_API Reason
 /// wouldWait, ended.
 SONAVIT_CLIENT_API Result<std::vector<Finding>> diagnose(System& system);
 /// The findings that concern one endpoint, with those of the hardware that it reaches, which it may share with others.
-/// Problem::Kind::notThere for one
-/// that does not exist.
+/// Problem::Kind::notThere for one that does not exist.
 SONAVIT_CLIENT_API Result<std::vector<Finding>> diagnose(System& system, const EndpointId& endpoint);
 
 /// Why an endpoint is in its card, has its jacks and its controls, and is the default or not: one Reason for each

@@ -24,7 +24,7 @@ public:
         ambiguous,    ///< a name fits several things; sentence() lists them
         notSupported, ///< the thing is there but cannot do that: an endpoint without volume, a control without mute
         outOfRange,   ///< decibels outside the range, a channel that does not exist; sentence() names the range
-        unreadable,   ///< a text that is no reference or no settings file; sentence() names the place
+        unreadable,   ///< a text that is no reference, settings or machine file; sentence() names the place
         noAnswer,     ///< the platform has not answered within Options::patience; the operation may still happen
         wouldWait,    ///< the operation waits for the layer's worker and was called on it
         ended,        ///< the process was forked, or the System is ending

@@ -97,8 +97,7 @@ float scalarLevel(const EndpointVolume& volume, float decibels)
         return measuredScalar(volume, decibels);
     if (volume.maximum <= volume.minimum)
         return 1.0f;
-    const float within = std::clamp(decibels, volume.minimum, volume.maximum);
-    return followsAmplitude(volume) ? audioScalar(volume, within) : linearScalar(volume, within);
+    return followsAmplitude(volume) ? audioScalar(volume, decibels) : linearScalar(volume, decibels);
 }
 
 float decibelLevel(const EndpointVolume& volume, float scalar)

@@ -8,8 +8,8 @@
 
 namespace sim
 {
-/// 0 at the minimum, 1 at the maximum; 1 if minimum and maximum are equal. A level outside the range has the scalar of
-/// the nearest end. In between as the volume's taper says:
+/// 0 at the minimum, 1 at the maximum; 1 if minimum and maximum are equal. Otherwise as the volume's taper says, which
+/// goes on outside the range:
 ///
 /// linear: linear in decibels. audio: a power law of the amplitude a, which is 1 at the maximum and m at the minimum:
 /// scalar = (a^(1/1.75) - m^(1/1.75)) / (1 - m^(1/1.75)). Windows uses that power for its fades, and on a range from

@@ -4,6 +4,7 @@
 #include "simulator/machine/propertykeys.h"
 
 #include <algorithm>
+#include <set>
 #include <thread>
 #include <utility>
 
@@ -68,7 +69,7 @@ void ProgramTest::TearDown()
     {
         kept.partsLists = static_cast<long>(succeededHere("IPart::EnumPartsIncoming").size() +
                                             succeededHere("IPart::EnumPartsOutgoing").size());
-        kept.directSoundTexts = directSoundTexts();
+        kept.directSoundTexts = directSoundTexts() + unfreedValues();
     }
     LibraryTest::TearDown();
 }
@@ -87,6 +88,17 @@ long ProgramTest::directSoundTexts()
         count += isThere && call.arguments.front() == key ? 1 : 0;
     }
     return count;
+}
+
+/// The values with memory of their own that the platform has failed to free.
+long ProgramTest::unfreedValues()
+{
+    const std::set<std::string> withMemory = {std::to_string(VT_LPSTR), std::to_string(VT_LPWSTR),
+                                              std::to_string(VT_BLOB), std::to_string(VT_CLSID)};
+    const sim::JournalEntries calls = simulation().journal().of("PropVariantClear");
+    const auto isKept = [&](const sim::JournalEntry& call)
+    { return FAILED(call.result) && withMemory.count(call.arguments.front()) != 0; };
+    return static_cast<long>(std::count_if(calls.begin(), calls.end(), isKept));
 }
 
 std::vector<sim::JournalEntry> ProgramTest::succeededHere(const std::string& operation)

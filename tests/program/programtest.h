@@ -78,6 +78,7 @@ protected:
 
 private:
     long directSoundTexts();
+    long unfreedValues();
     std::vector<sim::JournalEntry> succeededHere(const std::string& operation);
 
     bool m_isRunning = false;

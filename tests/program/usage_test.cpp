@@ -371,6 +371,18 @@ TEST_F(ProgramUsage, FailsWhereTheAnswerInJsonCannotBeWritten)
     EXPECT_EQ("sonavit: the answer cannot be written\n", err.str());
 }
 
+TEST_F(ProgramUsage, FailsWhereAnAnswerThatIsNoSuccessCannotBeWritten)
+{
+    std::ostringstream out;
+    std::ostringstream err;
+    out.setstate(std::ios::badbit);
+
+    const int code = sonavit::program::run({"doctor", "--machine", "laptop-user"}, environment(out, err));
+
+    EXPECT_EQ(1, code);
+    EXPECT_THAT(err.str(), testing::EndsWith("\nsonavit: the answer cannot be written\n"));
+}
+
 TEST_F(ProgramUsage, SaysThatMemoryIsExhausted)
 {
     run(support::smallMachine());

@@ -31,7 +31,8 @@ const char* const eventKinds = "Only these kinds, with commas: added, removed,\n
 const char* const via = "Read with the client layer (layer, the default) or\n"
                         "with the object model (model)";
 
-const char* const anonymous = "Replace serial numbers, containers and names";
+const char* const anonymous = "Replace serial numbers, addresses, container ids\n"
+                              "and names";
 
 const char* const moreHelp = "\n"
                              "sonavit help COMMAND describes a command.\n";
@@ -91,8 +92,9 @@ const char* const format = "\n"
                            "seconds, or at Ctrl-C.\n";
 
 const char* const explain = "\n"
-                            "Each answer is a chain of facts, each with the call that gave it. Nothing is\n"
-                            "changed.\n";
+                            "Says why the endpoint is in its card, why it has its jacks, why these hardware\n"
+                            "controls and no others, and why it is a default or not. Each answer is a chain\n"
+                            "of facts, each with the call that gave it. Nothing is changed.\n";
 
 const char* const find = "\n"
                          "Prints each endpoint that the id belongs to, with all of its ids.\n";
@@ -105,9 +107,9 @@ const char* const resolve = "\n"
                             "Prints what the reference means here, and why. Exit code 3 if it means nothing.\n";
 
 const char* const doctor = "\n"
-                           "Each finding has what is wrong, what is missing or different because of it, and\n"
-                           "what usually causes it: calls that failed, answers that cannot be right, and what\n"
-                           "is odd. Nothing is changed. Exit code 0 if there is no finding, otherwise 1.\n";
+                           "Finds calls that fail, answers that cannot be right, and what is odd: each with\n"
+                           "its effect and its usual cause. Nothing is changed. Exit code 0 if there is no\n"
+                           "finding, otherwise 1.\n";
 
 const char* const save = "\n"
                          "Saves the volumes and mutes of all endpoints, their hardware controls and the\n"
@@ -120,9 +122,10 @@ const char* const restore = "\n"
 const char* const capture = "\n"
                             "The file is a simulated machine that answers as this computer does, for\n"
                             "--machine FILE and for tests. Calls that fail become faults in the file, and\n"
-                            "standard error has a line for each. --anonymous replaces serial numbers of\n"
-                            "devices, container ids, the names of the account and of the computer, and names\n"
-                            "as in \"Anna's Headset\"; look through the file before you send it.\n";
+                            "standard error has a line for each. Nothing is changed. --anonymous replaces\n"
+                            "serial numbers and Bluetooth addresses of devices, container ids, the names of\n"
+                            "the account and of the computer, and names as in \"Anna's Headset\"; look through\n"
+                            "the file before you send it.\n";
 
 const char* const setControl = "\n"
                                "CONTROL is a name or a part that no other one contains, as controls shows it, or\n"

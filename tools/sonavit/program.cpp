@@ -114,6 +114,22 @@ void finish(const Environment& environment, HeldOutput& output)
     if (!environment.out)
         throw OperationFailure("the answer cannot be written");
 }
+
+/// The exit code of a command that answers. One that says what is missing must have said it, like any other.
+ExitCode answer(const std::vector<std::string>& words, const Environment& environment, HeldOutput& output)
+{
+    ExitCode code = exitDone;
+    try
+    {
+        runCommand(words, environment, output);
+    }
+    catch (const Answered& answered)
+    {
+        code = answered.code();
+    }
+    finish(environment, output);
+    return code;
+}
 }
 
 int run(const std::vector<std::string>& words, const Environment& environment)
@@ -122,21 +138,13 @@ int run(const std::vector<std::string>& words, const Environment& environment)
     const LastWords lastWords([&] { complain(words, environment, output, currentFailure()); });
     try
     {
-        runCommand(words, environment, output);
-        finish(environment, output);
-        return exitDone;
+        return answer(words, environment, output);
     }
     catch (const Interrupted&)
     {
         output.release();
         environment.out.flush();
         return exitInterrupted;
-    }
-    catch (const Answered& answered)
-    {
-        output.release();
-        environment.out.flush();
-        return answered.code();
     }
     catch (...)
     {

@@ -17,7 +17,12 @@ namespace
 /// Long enough for many slow devices; a user who has less of it ends the program.
 constexpr std::chrono::minutes patience(1);
 /// Reading everything is one question.
-constexpr std::chrono::minutes capturePatience(5);
+constexpr std::chrono::minutes patienceForAll(5);
+
+bool readsEverything(Verb verb)
+{
+    return verb == Verb::capture || verb == Verb::doctor || verb == Verb::explain;
+}
 
 sim::Machine openMachine(const Environment& environment, const std::string& name)
 {
@@ -41,7 +46,7 @@ Session::Session(const Environment& environment, const Arguments& arguments)
     : m_onWorkerStart(environment.onWorkerStart),
       m_redirection(reinterpret_cast<const void*>(&enumerateSoundCards)),
       m_layerRedirection(reinterpret_cast<const void*>(&compareIds)),
-      m_patience(arguments.verb == Verb::capture ? capturePatience : patience),
+      m_patience(readsEverything(arguments.verb) ? patienceForAll : patience),
       m_via(arguments.via)
 {
     const std::optional<std::string>& name = arguments.machine ? arguments.machine : environment.defaultMachine;

@@ -20,6 +20,16 @@ JsonValue reference(const std::string& definition)
     return JsonValue::object().add("$ref", JsonValue::ofString("#/$defs/" + definition));
 }
 
+std::string realText(float value)
+{
+    return value == 0 && std::signbit(value) ? "-0.0" : decimal(value);
+}
+
+std::string realText(double value)
+{
+    return value == 0 && std::signbit(value) ? "-0.0" : longDecimal(value);
+}
+
 std::string StringCodec::read(const JsonCursor& cursor) const
 {
     return cursor.string();
@@ -88,7 +98,7 @@ float DecibelsCodec::read(const JsonCursor& cursor) const
 
 JsonValue DecibelsCodec::write(float value) const
 {
-    return std::isfinite(value) ? JsonValue::ofNumber(decimal(value)) : JsonValue();
+    return std::isfinite(value) ? JsonValue::ofNumber(realText(value)) : JsonValue();
 }
 
 JsonValue DecibelsCodec::schema() const

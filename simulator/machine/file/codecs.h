@@ -65,6 +65,10 @@ struct NumberCodec
     JsonValue schema() const;
 };
 
+/// A finite number as a file has it. A minus before 0 needs the point: a whole number has no such zero.
+std::string realText(float value);
+std::string realText(double value);
+
 /// A number of decibels. A value that is not finite is written as null, which no reader accepts.
 struct DecibelsCodec
 {

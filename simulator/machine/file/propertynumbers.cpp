@@ -1,5 +1,6 @@
 #include "simulator/machine/file/propertynumbers.h"
 
+#include "simulator/machine/file/codecs.h"
 #include "simulator/machine/valuetext.h"
 
 #include <cmath>
@@ -76,17 +77,6 @@ double readReal(const JsonCursor& cursor, const double&)
 float readReal(const JsonCursor& cursor, const float&)
 {
     return cursor.real();
-}
-
-/// A minus before 0 needs the point: a whole number has no such zero.
-std::string realText(double value)
-{
-    return value == 0 && std::signbit(value) ? "-0.0" : longDecimal(value);
-}
-
-std::string realText(float value)
-{
-    return decimal(value);
 }
 
 /// A number of floating point; as its bits if it is infinite or no number.

@@ -359,6 +359,32 @@ TEST(MakeAnonymous, LeavesTheWordsOfThePlatformAlone)
     EXPECT_THAT(machine.deviceInstances[3].id, testing::StartsWith("BTHENUM\\{0000110B"));
 }
 
+TEST(MakeAnonymous, LeavesTheNamesOfEnumeratorsAlone)
+{
+    sim::Machine machine;
+    machine.endpoints = {ownedEndpoint(1, "ROOT\\MEDIA\\0000", "Cable of root")};
+    sim::Properties& properties = machine.endpoints[0].properties;
+    sim::setProperty(properties, sim::keys::enumeratorName, sim::PropertyValue::ofText("ROOT"));
+
+    makeAnonymous(machine, {"root"});
+
+    EXPECT_EQ("ROOT", sim::findProperty(properties, sim::keys::enumeratorName)->text);
+    const std::string name = *sim::findProperty(properties, sim::keys::friendlyName)->text;
+    EXPECT_THAT(name, testing::StartsWith("Cable of "));
+    EXPECT_THAT(name, Not(HasSubstr("root")));
+}
+
+TEST(MakeAnonymous, ReplacesTheSameInReports)
+{
+    sim::Machine machine = ownedMachine();
+    std::string report = "The topology of " + machine.adapters[0].id + " lists a part twice.";
+
+    makeAnonymous(machine, namesOfOwner, {&report});
+
+    EXPECT_EQ("The topology of " + machine.adapters[0].id + " lists a part twice.", report);
+    EXPECT_THAT(report, Not(HasSubstr("y8h3kq2p")));
+}
+
 TEST(MakeAnonymous, LeavesNoTraceOfTheOriginalInItsReplacement)
 {
     sim::Machine other = ownedMachine();

@@ -37,6 +37,16 @@ void CaptureTest::TearDown()
     CoUninitialize();
 }
 
+sonavit::Result<sonavit::Capture> CaptureTest::resultOf(sim::Simulation& simulation,
+                                                        const sonavit::CaptureOptions& captureOptions)
+{
+    sonavit::System::Options options;
+    options.patience = std::chrono::minutes(10); // a busy computer must not change what a test sees
+    options.onWorkerStart = [&] { static_cast<void>(simulation.registerOnThisThread()); };
+    sonavit::System system(options);
+    return sonavit::capture(system, captureOptions);
+}
+
 Captured CaptureTest::captured(const sim::Machine& machine, const Preparation& prepare)
 {
     sim::Simulation simulation(machine);
@@ -45,17 +55,11 @@ Captured CaptureTest::captured(const sim::Machine& machine, const Preparation& p
     if (prepare)
         prepare(simulation);
     Captured result;
-    {
-        sonavit::System::Options options;
-        options.patience = std::chrono::minutes(10); // a busy computer must not change what a test sees
-        options.onWorkerStart = [&] { static_cast<void>(simulation.registerOnThisThread()); };
-        sonavit::System system(options);
-        sonavit::Result<sonavit::Capture> capture = sonavit::capture(system);
-        if (capture)
-            result.capture = std::move(*capture);
-        else
-            ADD_FAILURE() << capture.problem();
-    }
+    sonavit::Result<sonavit::Capture> capture = resultOf(simulation);
+    if (capture)
+        result.capture = std::move(*capture);
+    else
+        ADD_FAILURE() << capture.problem();
     result.journal = simulation.journal().entries();
     result.left = simulation.census();
     return result;

@@ -46,6 +46,9 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
+    /// The result of a capture of a running machine.
+    static sonavit::Result<sonavit::Capture> resultOf(sim::Simulation& simulation,
+                                                      const sonavit::CaptureOptions& options = {});
     static Captured captured(const sim::Machine& machine, const Preparation& prepare = {});
     static support::Examination examined(const sim::Machine& machine);
     /// The machine of a capture; a failure of the test and an empty machine if it cannot be read.

@@ -1,6 +1,7 @@
 // A capture during which one call fails: the file says so, and its machine fails in the same way.
 #include "simulator/machine/file/machinefile.h"
 #include "tests/client/capturing/capturetest.h"
+#include "tests/client/capturing/supportsweep.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -91,12 +92,12 @@ bool hasWaveCode(const sim::Machine& machine, HRESULT code)
            std::any_of(machine.waveIn.begin(), machine.waveIn.end(), returnsCode);
 }
 
-/// A machine, and every how many calls one fails; 1: each.
+/// A machine, and which of its calls fail.
 struct Case
 {
     const char* machine;
-    std::uint32_t stride;
-    std::uint32_t slowStride;
+    support::CallSample::Extent extent;
+    std::uint32_t slowStride; ///< where there is time for few cases only, every how many of these
 };
 
 /// A part of the calls, so that several processes share the work.
@@ -118,19 +119,17 @@ protected:
     static std::vector<CallOfCapture> calls(const sim::Machine& machine)
     {
         const Case& each = std::get<Case>(GetParam());
-        const std::uint32_t stride = isSlow ? each.slowStride : each.stride;
+        const std::uint32_t stride = (isSlow ? each.slowStride : 1) * shares;
         const Captured whole = captured(machine);
         std::vector<CallOfCapture> chosen;
         std::map<std::string, std::uint32_t> numbers;
-        std::uint32_t position = 0;
-        std::uint32_t candidates = 0;
+        support::CallSample sample(each.extent);
+        std::uint32_t position = std::get<Share>(GetParam()) * (stride / shares);
         for (const sim::JournalEntry& entry : whole.journal)
         {
             const std::uint32_t number = ++numbers[entry.operation];
-            if (isWithoutCode(entry.operation) || fails(whole, entry))
-                continue;
-            const bool isChosen = number == 1 || position++ % stride == 0;
-            if (isChosen && candidates++ % shares == std::get<Share>(GetParam()))
+            if (!isWithoutCode(entry.operation) && !fails(whole, entry) && sample.contains(entry) &&
+                position++ % stride == 0)
                 chosen.push_back({entry, number});
         }
         return chosen;
@@ -226,8 +225,10 @@ std::string caseName(const testing::TestParamInfo<std::tuple<Case, Share>>& info
 }
 
 INSTANTIATE_TEST_SUITE_P(Machines, CaptureWithAFailingCall,
-                         testing::Combine(testing::Values(Case{"virtual", 1, 10}, Case{"laptop", 13, 97},
-                                                          Case{"bluetooth", 29, 149}, Case{"broken", 199, 499}),
+                         testing::Combine(testing::Values(Case{"virtual", support::CallSample::Extent::several, 2},
+                                                          Case{"laptop", support::CallSample::Extent::several, 10},
+                                                          Case{"bluetooth", support::CallSample::Extent::first, 10},
+                                                          Case{"broken", support::CallSample::Extent::first, 10}),
                                           testing::Range(Share{0}, shares)),
                          caseName);
 }

