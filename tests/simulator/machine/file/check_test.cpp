@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <functional>
 #include <limits>
 
@@ -203,10 +204,12 @@ TEST(MachineCheck, TakesAJackAndAKindOfConnectorWithoutNames)
         sim::Connector& connector = machine.adapters[0].topology->connectors[0];
         connector.type = static_cast<ConnectorType>(7);
         sim::Jack& jack = connector.jacks[0];
-        jack.connection = static_cast<EPcxConnectionType>(12);
-        jack.geometricLocation = static_cast<EPcxGeoLocation>(0);
-        jack.generalLocation = static_cast<EPcxGenLocation>(7);
-        jack.portConnection = static_cast<EPxcPortConnection>(5);
+        // Drivers report numbers that the types of the platform do not name.
+        const auto report = [](auto& value, int number) { std::memcpy(&value, &number, sizeof value); };
+        report(jack.connection, 12);
+        report(jack.geometricLocation, 0);
+        report(jack.generalLocation, 7);
+        report(jack.portConnection, 5);
     };
 
     EXPECT_THAT(problemsAfter(change), testing::IsEmpty());

@@ -65,7 +65,7 @@ inline sim::Topology graph()
     sim::Connector stream;
     stream.id = codec + "/stream";
     stream.localId = 0x00010001;
-    stream.type = static_cast<ConnectorType>(77);
+    stream.type = static_cast<ConnectorType>(7);
     stream.subType = {0xAAAAAAAA, 1, 2, {3, 4, 5, 6, 7, 8, 9, 10}};
 
     sim::Subunit node;
