@@ -1,6 +1,6 @@
 #include "sonavit/capture.h"
 
-#include "client/capturing/anonymity.h"
+#include "client/anonymity/anonymity.h"
 #include "client/capturing/faults.h"
 #include "client/capturing/survey.h"
 #include "simulator/machine/file/machinefile.h"
@@ -80,7 +80,7 @@ Result<Capture> capture(System& system, const CaptureOptions& options)
     machine.description = "Captured by sonavit.";
     machine.faults = capturing::faultRules(survey->failures);
     if (options.isAnonymous)
-        capturing::makeAnonymous(machine, options.names, reportsOf(*survey));
+        anonymity::makeAnonymous(machine, options.names, reportsOf(*survey));
     Capture result;
     result.text = sim::writeMachine(machine);
     if (std::optional<Problem> problem = problemOf(result.text))

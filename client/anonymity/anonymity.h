@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace sonavit::capturing
+namespace sonavit::anonymity
 {
 /// Replaces serial numbers of devices, container ids, and @p names wherever they occur, in texts, ids, blobs and
 /// faults, regardless of case; equal ones by equal ones of the same length and form, so that what belonged together

@@ -1,8 +1,8 @@
-#include "client/capturing/anonymityletters.h"
+#include "client/anonymity/letters.h"
 
 #include "simulator/machine/utf8.h"
 
-namespace sonavit::capturing
+namespace sonavit::anonymity
 {
 namespace
 {

@@ -1,10 +1,10 @@
-#include "client/capturing/anonymityplaces.h"
+#include "client/anonymity/places.h"
 
 #include "simulator/machine/propertykeys.h"
 
 #include <algorithm>
 
-namespace sonavit::capturing
+namespace sonavit::anonymity
 {
 namespace
 {

@@ -2,13 +2,13 @@
 /// What in a machine identifies its owner.
 #pragma once
 
-#include "client/capturing/anonymityrules.h"
+#include "client/anonymity/rules.h"
 
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace sonavit::capturing
+namespace sonavit::anonymity
 {
 /// A string that identifies the owner, in lower case.
 struct Secret

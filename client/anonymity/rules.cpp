@@ -1,6 +1,6 @@
-#include "client/capturing/anonymityrules.h"
+#include "client/anonymity/rules.h"
 
-#include "client/capturing/anonymityletters.h"
+#include "client/anonymity/letters.h"
 #include "simulator/machine/valuetext.h"
 
 #include <algorithm>
@@ -9,7 +9,7 @@
 #include <string_view>
 #include <utility>
 
-namespace sonavit::capturing
+namespace sonavit::anonymity
 {
 namespace
 {

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace sonavit::capturing
+namespace sonavit::anonymity
 {
 /// What is done at these places.
 class PlaceVisitor

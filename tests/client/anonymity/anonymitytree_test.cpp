@@ -1,4 +1,4 @@
-#include "client/capturing/anonymity.h"
+#include "client/anonymity/anonymity.h"
 #include "simulator/machine/file/check.h"
 #include "simulator/machine/file/machinefile.h"
 #include "simulator/simulation.h"
@@ -19,7 +19,7 @@ namespace
 {
 sim::Machine anonymousMachine(sim::Machine machine, const std::vector<std::string>& names)
 {
-    sonavit::capturing::makeAnonymous(machine, names);
+    sonavit::anonymity::makeAnonymous(machine, names);
     return machine;
 }
 

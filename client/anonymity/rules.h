@@ -2,7 +2,7 @@
 /// What is replaced by what.
 #pragma once
 
-#include "client/capturing/anonymityplaces.h"
+#include "client/anonymity/places.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -10,7 +10,7 @@
 #include <unordered_map>
 #include <vector>
 
-namespace sonavit::capturing
+namespace sonavit::anonymity
 {
 /// Where a string counts.
 enum class Extent

@@ -1,6 +1,6 @@
-#include "client/capturing/anonymity.h"
+#include "client/anonymity/anonymity.h"
 
-#include "client/capturing/anonymityletters.h"
+#include "client/anonymity/letters.h"
 #include "simulator/machine/casefolding.h"
 #include "simulator/machine/file/check.h"
 #include "simulator/machine/file/machinefile.h"
@@ -17,7 +17,7 @@
 
 namespace
 {
-using sonavit::capturing::makeAnonymous;
+using sonavit::anonymity::makeAnonymous;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::MatchesRegex;
@@ -47,12 +47,12 @@ std::vector<std::uint8_t> asciiBytes(const std::string& text)
 
 std::vector<std::uint8_t> wideBytes(const std::string& text)
 {
-    const std::u32string characters = sonavit::capturing::charactersOf(text);
+    const std::u32string characters = sonavit::anonymity::charactersOf(text);
     std::size_t units = 0;
     for (const char32_t character : characters)
         units += character < 0x10000 ? 1 : 2;
     std::vector<std::uint8_t> bytes(2 * units);
-    sonavit::capturing::storeWide(characters, bytes, 0);
+    sonavit::anonymity::storeWide(characters, bytes, 0);
     return bytes;
 }
 
@@ -80,7 +80,7 @@ std::string hexOf(const std::vector<std::uint8_t>& bytes)
 
 std::string foldedText(const std::string& text)
 {
-    return sonavit::capturing::ofCharacters(sonavit::capturing::folded(sonavit::capturing::charactersOf(text)));
+    return sonavit::anonymity::ofCharacters(sonavit::anonymity::folded(sonavit::anonymity::charactersOf(text)));
 }
 
 sim::Endpoint ownedEndpoint(int number, const std::string& instance, const std::string& name)

@@ -1,7 +1,7 @@
-#include "client/capturing/anonymity.h"
+#include "client/anonymity/anonymity.h"
 
-#include "client/capturing/anonymityletters.h"
-#include "client/capturing/anonymitysecrets.h"
+#include "client/anonymity/letters.h"
+#include "client/anonymity/secrets.h"
 #include "simulator/machine/valuetext.h"
 
 #include <algorithm>
@@ -9,7 +9,7 @@
 #include <optional>
 #include <utility>
 
-namespace sonavit::capturing
+namespace sonavit::anonymity
 {
 namespace
 {

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-namespace sonavit::capturing
+namespace sonavit::anonymity
 {
 /// The characters of @p text. A byte that is not UTF-8 becomes a character of its own. ofCharacters() gives the same
 /// bytes again.

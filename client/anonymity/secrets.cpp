@@ -1,6 +1,6 @@
-#include "client/capturing/anonymitysecrets.h"
+#include "client/anonymity/secrets.h"
 
-#include "client/capturing/anonymityletters.h"
+#include "client/anonymity/letters.h"
 #include "client/references/deviceidentity.h"
 #include "simulator/machine/identity.h"
 #include "simulator/machine/propertykeys.h"
@@ -10,7 +10,7 @@
 #include <set>
 #include <utility>
 
-namespace sonavit::capturing
+namespace sonavit::anonymity
 {
 namespace
 {
