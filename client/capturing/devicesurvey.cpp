@@ -18,7 +18,7 @@ reading::Handle<I> activated(IMMDevice& device, const IID& interfaceId, HRESULT&
     return reading::Handle<I>(SUCCEEDED(result) ? static_cast<I*>(place) : nullptr);
 }
 
-Call activation(const char* interfaceName, const sim::Device& record)
+Call activationOf(const char* interfaceName, const sim::Device& record)
 {
     return {"IMMDevice::Activate", record.id, {interfaceName, argument(DWORD{CLSCTX_ALL})}};
 }
@@ -31,7 +31,7 @@ reading::Handle<I> surveyStream(IMMDevice& device, const IID& interfaceId, const
 {
     HRESULT result = S_OK;
     reading::Handle<I> object = activated<I>(device, interfaceId, result);
-    const Call call = activation(name, record);
+    const Call call = activationOf(name, record);
     const bool hasStreams = isInstalled && (record.state & DEVICE_STATE_ACTIVE) != 0;
     if (result == AUDCLNT_E_DEVICE_INVALIDATED && !hasStreams)
         record.*has = true;
@@ -59,7 +59,7 @@ reading::Handle<IAudioClient> surveyInterfaces(IMMDevice& device, sim::Device& r
         device, IID_IAudioClient, "IAudioClient", record, &sim::Device::hasAudioClient, isInstalled, recorder);
     HRESULT result = S_OK;
     const reading::Handle<IBaseFilter> filter = activated<IBaseFilter>(device, IID_IBaseFilter, result);
-    record.hasBaseFilter = recorder.gives(result, filter.get(), activation("IBaseFilter", record), {E_NOINTERFACE});
+    record.hasBaseFilter = recorder.gives(result, filter.get(), activationOf("IBaseFilter", record), {E_NOINTERFACE});
     surveyStream<IAudioMeterInformation>(device, IID_IAudioMeterInformation, "IAudioMeterInformation", record,
                                          &sim::Device::hasMeter, isInstalled, recorder);
     return client;
