@@ -10,7 +10,7 @@ using testing::Not;
 
 namespace
 {
-std::wstring program(const std::string& words)
+std::wstring programWith(const std::string& words)
 {
     return sonavit::program::utf16("\"" SONAVIT_PROGRAM_PATH "\" " + words);
 }
@@ -18,7 +18,7 @@ std::wstring program(const std::string& words)
 
 TEST(ProgramConsole, ShowsCharactersThatAreNotASCII)
 {
-    support::PseudoConsole console(program("--machine desktop list"), 100);
+    support::PseudoConsole console(programWith("--machine desktop list"), 100);
 
     EXPECT_EQ(0u, console.end());
     EXPECT_THAT(console.screen(), HasSubstr("\xE2\x94\x9C\xE2\x94\x80 *m Speakers"));
@@ -27,7 +27,7 @@ TEST(ProgramConsole, ShowsCharactersThatAreNotASCII)
 
 TEST(ProgramConsole, ShowsNoEscapeSequenceAsText)
 {
-    support::PseudoConsole console(program("--machine desktop list"), 80);
+    support::PseudoConsole console(programWith("--machine desktop list"), 80);
 
     EXPECT_EQ(0u, console.end());
     EXPECT_THAT(console.screen(), HasSubstr("3 cards, 10 endpoints"));
