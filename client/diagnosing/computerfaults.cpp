@@ -130,9 +130,12 @@ void judgeDefaults(const Places& places, Findings& findings)
     }
 }
 
-/// Cards whose device the configuration manager does not know, although an endpoint of theirs is there.
+/// Cards whose device the configuration manager does not know, although an endpoint of theirs is there. One that knows
+/// no device at all is not that of these endpoints, as on Windows with a simulated machine.
 void judgeParents(const Places& places, Findings& findings)
 {
+    if (places.machine().deviceInstances.empty())
+        return;
     for (const Card& card : places.snapshot().cards())
     {
         const auto isThere = [](const Endpoint& endpoint)

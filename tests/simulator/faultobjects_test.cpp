@@ -210,6 +210,7 @@ TEST_F(FaultPlanFinerNames, AreNeverEmpty)
     EXPECT_EQ(0u, fault.met());
 }
 
+#if !defined(_WIN32) // there the strings of the standard library come from its own DLL, which the probe does not see
 TEST_F(FaultPlanFinerNames, AreNotMadeUnlessThereIsARule)
 {
     const Held<IPartsList> list = incoming(volumeId);
@@ -226,4 +227,5 @@ TEST_F(FaultPlanFinerNames, AreNotMadeUnlessThereIsARule)
     EXPECT_LT(0u, allocationsOfACall());
     simulation.faults().clear();
 }
+#endif
 }

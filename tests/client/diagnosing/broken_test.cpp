@@ -33,6 +33,12 @@ struct Wrong
     }
 };
 
+#if defined(_WIN32)
+constexpr const char* unknownParent = nullptr; // the configuration manager is that of Windows
+#else
+constexpr const char* unknownParent = "parent-unknown";
+#endif
+
 /// A row of the table: what is wrong, and the rule that says so.
 struct BrokenRow
 {
@@ -90,7 +96,7 @@ const std::vector<BrokenRow>& brokenRows()
         {{"No Answer Mute", "fault of IPart::Activate"}, "control-refused", "No Answer"},
         {{"Half a Topology", "fault of IPart::GetName"}, "jack-without-name", ""},
         {{"Failing Audio", "fault of IDeviceTopology::GetConnector"}, "hardware-unreadable", ""},
-        {{"USB\\VID_C692&PID_6BBC&MI_00\\7&58C758C&0&0000", "no parent"}, "parent-unknown", "Nowhere Audio"},
+        {{"USB\\VID_C692&PID_6BBC&MI_00\\7&58C758C&0&0000", "no parent"}, unknownParent, "Nowhere Audio"},
         {{theComputer, "wave output 1"}, "wave-id-unreadable", ""},
         {{theComputer, "wave output 2"}, "wave-id-unreadable", ""},
     };
