@@ -140,8 +140,10 @@ void judgeParents(const Places& places, Findings& findings)
     {
         const auto isThere = [](const Endpoint& endpoint)
         { return endpoint.state() == State::active || endpoint.state() == State::unplugged; };
-        if (!card.instanceId() || card.parent() ||
-            std::none_of(card.endpoints().begin(), card.endpoints().end(), isThere))
+        if (!card.instanceId() || std::none_of(card.endpoints().begin(), card.endpoints().end(), isThere))
+            continue;
+        const sim::DeviceInstance* const instance = places.machine().deviceInstance(*card.instanceId());
+        if (instance != nullptr && instance->parent)
             continue;
         findings.addOfCard(card, {Finding::Kind::data, "parent-unknown",
                                   "Windows does not know to what its device " + inFull(*card.instanceId()) +
