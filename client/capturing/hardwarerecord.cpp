@@ -184,8 +184,8 @@ sim::Topology HardwareRecord::topologyOf(std::size_t device)
     for (const std::size_t part : m_orders[device].subunits)
     {
         refer(part);
-        topology.subunits.emplace_back();
-        static_cast<sim::Part&>(topology.subunits.back()) = m_parts[part].record;
+        const sim::Part& record = m_parts[part].record;
+        static_cast<sim::Part&>(topology.subunits.emplace_back()) = record;
     }
     topology.signalPaths = signalPaths(device);
     return topology;
@@ -319,7 +319,9 @@ void HardwareRecord::report(std::size_t device)
             const std::string& fromId = m_parts[from].record.id;
             const std::string& toId = m_parts[to].record.id;
             path->second.calls.report(found.id, m_recorder, {fromId, toId});
-            path->second.list.report(fromId + " to " + toId, m_recorder);
+            std::string list = fromId;
+            list.append(" to ").append(toId);
+            path->second.list.report(list, m_recorder);
         }
     }
 }

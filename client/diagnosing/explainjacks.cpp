@@ -175,6 +175,7 @@ private:
         if (jacks.empty())
             return "So no jack of it is known.";
         std::vector<std::string> words;
+        words.reserve(jacks.size());
         for (const Jack& jack : jacks)
             words.push_back(named(jack.sentence()));
         return "So it has " + text::counted(jacks.size(), "jack") + ": " + listed(words) + ".";
