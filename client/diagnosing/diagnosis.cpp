@@ -19,7 +19,11 @@ Result<std::vector<diagnosing::Entry>> entriesOf(System& system)
     const Result<capturing::Survey> survey = capturing::survey(system, "diagnose");
     if (!survey)
         return survey.problem();
-    return diagnosing::findingsOf(*survey, system.snapshot());
+    // A snapshot that is only late would look like a computer without endpoints.
+    const Result<Snapshot> snapshot = system.refresh();
+    if (!snapshot && snapshot.problem().kind() == Problem::Kind::noAnswer)
+        return snapshot.problem();
+    return diagnosing::findingsOf(*survey, snapshot ? *snapshot : system.snapshot());
 }
 
 bool concerns(const diagnosing::Entry& entry, const EndpointId& endpoint)
