@@ -120,19 +120,13 @@ inline void setMixFormat(sim::Machine& machine, std::vector<std::uint8_t> bytes)
     }
 }
 
-inline sim::EndpointVolume ranging(float minimum, float maximum, float step, std::vector<float> channels)
+inline void setRange(sim::Machine& machine, float minimum, float maximum, float step, std::vector<float> channels)
 {
-    sim::EndpointVolume volume;
+    sim::EndpointVolume& volume = volumeIn(machine) = {};
     volume.minimum = minimum;
     volume.maximum = maximum;
     volume.step = step;
     volume.channels = std::move(channels);
-    return volume;
-}
-
-inline void setRange(sim::Machine& machine, float minimum, float maximum, float step, std::vector<float> channels)
-{
-    volumeIn(machine) = ranging(minimum, maximum, step, std::move(channels));
 }
 
 inline PROPERTYKEY keyOf(unsigned long family, DWORD number)

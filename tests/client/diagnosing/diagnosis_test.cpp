@@ -1,4 +1,5 @@
 #include "sonavit/diagnosis.h"
+
 #include "tests/support/clienttest.h"
 
 #include <chrono>
