@@ -7,12 +7,12 @@
 #include "qor/serializable.h"
 #include "qor/string.h"
 
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <functional>
-#include <memory>
 #include <new>
 #include <type_traits>
+#include <utility>
 
 namespace qor
 {
@@ -55,6 +55,18 @@ public:
     /// @exception NullPointer if the array must grow and there is no memory; it is unchanged then
     void append(const T& value);
     void append(T& value) { append(static_cast<const T&>(value)); }
+
+    /// Appends an element that is built in its place from @p arguments, which may refer to elements of this array. A
+    /// full array grows: the new element is built first in the new block, then the others are copied. If an exception
+    /// leaves the constructor or a copy, the array is unchanged.
+    /// @return the new element, valid until the array grows or is cleared, assigned or destroyed
+    /// @exception NullPointer if the array must grow and there is no memory; it is unchanged then
+    template<class... Arguments>
+    T& emplace(Arguments&&... arguments);
+
+    /// Exchanges the elements and capacities of two arrays: no element is copied, moved or destroyed, and references to
+    /// elements stay valid.
+    void swap(Array& other) noexcept { std::swap(m_block, other.m_block); }
 
     /// Destroys all elements and makes a new block of capacity 8. @exception NullPointer without memory for it
     void clear();
@@ -101,6 +113,9 @@ private:
     /// Destroys an unfinished block with its elements if copying an element throws.
     class BlockGuard;
 
+    /// Destroys an element that is in no block's count yet if copying another one throws.
+    class ElementGuard;
+
     /// Stores a grown block after the old one is freed, even if one of its elements threw.
     class StoringGuard;
 
@@ -122,7 +137,10 @@ private:
     T* element(unsigned int index) { return places(m_block) + index; }
     const T* element(unsigned int index) const { return places(m_block) + index; }
 
+    unsigned int ownIndex(const T& value) const;
     void appendGrown(const T& value);
+    template<class... Arguments>
+    T& emplaceGrown(Arguments&&... arguments);
     IndexOutOfBounds outOfBounds(unsigned int index) const;
     unsigned int checked(unsigned int index) const;
     void destroyBlock();

@@ -29,6 +29,31 @@ private:
 };
 
 template<class T>
+class Array<T>::ElementGuard
+{
+public:
+    explicit ElementGuard(T* element) : m_element(element) {}
+    ElementGuard(const ElementGuard&) = delete;
+    ElementGuard& operator=(const ElementGuard&) = delete;
+
+    ~ElementGuard()
+    {
+        if (m_element != nullptr)
+            m_element->~T();
+    }
+
+    T& release()
+    {
+        T* const element = m_element;
+        m_element = nullptr;
+        return *element;
+    }
+
+private:
+    T* m_element;
+};
+
+template<class T>
 class Array<T>::StoringGuard
 {
 public:
@@ -114,19 +139,57 @@ inline void Array<T>::append(const T& value)
     m_block->count = count + 1;
 }
 
+template<class T>
+template<class... Arguments>
+inline T& Array<T>::emplace(Arguments&&... arguments)
+{
+    const unsigned int count = size();
+    if (count == capacity())
+        return emplaceGrown(std::forward<Arguments>(arguments)...);
+    T* const added = ::new (static_cast<void*>(places(m_block) + count)) T(std::forward<Arguments>(arguments)...);
+    m_block->count = count + 1;
+    return *added;
+}
+
 /// append() to a full block.
 template<class T>
 void Array<T>::appendGrown(const T& value)
 {
     const unsigned int count = size();
-    const T* source = std::addressof(value);
-    const T* const first = m_block == nullptr ? nullptr : places(m_block);
-    const bool ownElement = std::less_equal<const T*>()(first, source) && std::less<const T*>()(source, first + count);
+    const unsigned int own = ownIndex(value);
     ensureCapacity(count + 1);
-    if (ownElement)
-        source = places(m_block) + (source - first); // the element in the new block
-    ::new (static_cast<void*>(places(m_block) + count)) T(*source);
+    const T& source = own < count ? places(m_block)[own] : value; // the element in the new block
+    ::new (static_cast<void*>(places(m_block) + count)) T(source);
     m_block->count = count + 1;
+}
+
+/// emplace() to a full block. The old block stays until the new element is built, as the arguments may refer to it.
+template<class T>
+template<class... Arguments>
+T& Array<T>::emplaceGrown(Arguments&&... arguments)
+{
+    const unsigned int count = size();
+    BlockGuard grown(allocate(count + 1, count + 1));
+    void* const place = places(grown.block()) + count;
+    ElementGuard added(::new (place) T(std::forward<Arguments>(arguments)...));
+    if (m_block != nullptr)
+        copyElements(m_block, grown.block());
+    grown.block()->count = count + 1;
+    T& element = added.release();
+    const StoringGuard storing(m_block, grown);
+    destroyBlock(m_block);
+    return element;
+}
+
+/// The index of the element that @p value is; size() or more if it is none. The addresses are compared as numbers, as
+/// pointers into different blocks have no order.
+template<class T>
+unsigned int Array<T>::ownIndex(const T& value) const
+{
+    const std::uintptr_t address = reinterpret_cast<std::uintptr_t>(&reinterpret_cast<const volatile char&>(value));
+    const std::uintptr_t first = reinterpret_cast<std::uintptr_t>(m_block == nullptr ? nullptr : places(m_block));
+    const std::uintptr_t offset = address - first; // a large number for an address before the block
+    return offset < std::uintptr_t{size()} * sizeof(T) ? static_cast<unsigned int>(offset / sizeof(T)) : size();
 }
 
 template<class T>

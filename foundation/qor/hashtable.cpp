@@ -1,21 +1,9 @@
 #include "qor/hashtable.h"
 
-#include <cstdint>
-#include <cstring>
+#include "qor/unitword.h"
 
 namespace qor
 {
-namespace
-{
-constexpr std::uint64_t multiplier = 0x9E3779B97F4A7C15ULL; // odd, with bits well spread: 2^64 over the golden ratio
-
-std::uint64_t mixed(std::uint64_t state, std::uint64_t word)
-{
-    state = (state ^ word) * multiplier;
-    return state ^ (state >> 32);
-}
-}
-
 _BucketBase::~_BucketBase() noexcept(false) = default;
 
 _HashTableRep::_HashTableRep(unsigned int bucketCount) : m_heads(bucketCount == 0 ? 1 : bucketCount, nullptr) {}
@@ -131,23 +119,9 @@ void _HashTableIteratorBase::skipEmptyHeads()
     m_current = m_head == m_last ? nullptr : *m_head;
 }
 
-/// Four units at a time: the keys are device paths of some hundred units.
 unsigned int HashFunc<String>::hash(const String& text)
 {
-    const unsigned short* const units = text.getUCS2Buffer();
-    const std::size_t size = text.size();
-    std::uint64_t state = size;
-    std::size_t i = 0;
-    for (; i + 4 <= size; i += 4)
-    {
-        std::uint64_t word = 0;
-        std::memcpy(&word, units + i, sizeof(word));
-        state = mixed(state, word);
-    }
-    std::uint64_t rest = 0;
-    std::memcpy(&rest, units + i, (size - i) * sizeof(unsigned short));
-    state = mixed(state, rest);
-    return static_cast<unsigned int>((state * multiplier) >> 32); // the upper half, which every unit has reached
+    return hashOfUnits(text.getUCS2Buffer(), text.size(), 0);
 }
 
 String cutClassName(const String& name)

@@ -1,6 +1,7 @@
 #include "qor/string.h"
 
 #include "qor/array.h"
+#include "qor/unitword.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -36,28 +37,10 @@ unsigned short folded(unsigned short unit)
     return unit >= 'A' && unit <= 'Z' ? static_cast<unsigned short>(unit + ('a' - 'A')) : unit;
 }
 
-/// Four adjacent units are compared as one word.
-constexpr unsigned int unitsOfWord = 4;
+/// The only bit in which two letters differ that compareNoCase() takes for equal.
+constexpr unsigned short caseBit = 'a' ^ 'A';
 
-std::uint64_t wordAt(const unsigned short* units)
-{
-    std::uint64_t word = 0;
-    std::memcpy(&word, units, sizeof(word));
-    return word;
-}
-
-/// folded() for each of the four units: bit 15 of a sum is set if its unit is at least A, or greater than Z.
-std::uint64_t foldedWord(std::uint64_t word)
-{
-    constexpr std::uint64_t each = 0x0001000100010001ULL;
-    const std::uint64_t low = word & (0x7FFF * each);
-    const std::uint64_t fromA = low + (0x8000 - 'A') * each;
-    const std::uint64_t beyondZ = low + (0x8000 - 'Z' - 1) * each;
-    const std::uint64_t capitals = fromA & ~beyondZ & ~word & (0x8000 * each);
-    return word | (capitals >> 10); // from bit 15 to bit 5, the difference of a and A
-}
-
-bool sameButForCase(std::uint64_t left, std::uint64_t right)
+bool sameButForCase(UnitWord left, UnitWord right)
 {
     return left == right || foldedWord(left) == foldedWord(right);
 }
@@ -220,6 +203,11 @@ int String::compareNoCase(const String& left, const String& right) noexcept
     if (left.size() == right.size())
         return 0;
     return left.size() < right.size() ? -1 : 1;
+}
+
+unsigned int String::hashNoCase(const String& text) noexcept
+{
+    return hashOfUnits(text.getUCS2Buffer(), text.size(), caseBit * eachUnit);
 }
 
 String String::subString(unsigned int start, unsigned int length) const
