@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <new>
+#include <utility>
 
 namespace qor
 {
@@ -100,6 +101,9 @@ public:
             return *this;
         }
     }
+
+    /// Exchanges the pointers: nothing is copied or released.
+    void swap(CopiedResource& other) noexcept { std::swap(m_value, other.m_value); }
 
     Element* get() const noexcept { return m_value; }
     Element* operator->() const noexcept { return m_value; }

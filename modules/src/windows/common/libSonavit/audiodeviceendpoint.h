@@ -65,6 +65,12 @@ public:
     AudioDevice(const AudioDevice& other);
     AudioDevice& operator=(const AudioDevice& other);
 
+    class LastUse;
+
+    /// For the library's own lists: a copy of a device that is destroyed next. It takes the topology instead of copying
+    /// it.
+    explicit AudioDevice(const LastUse& source);
+
     /// Adopts the caller's reference on @p device, reads id, topology and properties and creates the volume controller,
     /// even if the properties cannot be read. Topology and property store of an earlier initialize() are kept.
     /// @return the result of refreshDeviceInformation(); false, without a message, if @p device is null

@@ -7,6 +7,12 @@
 #include "qor/array.h"
 #include "qor/string.h"
 
+namespace topologyreading
+{
+template<class Connector, class Subunit>
+struct Snapshot;
+}
+
 /// Snapshot of one device's hardware graph: its connectors, its subunits and the id of the device.
 ///
 /// A value: it holds one counted reference on the platform's topology (IDeviceTopology) and owns its lists, so copies
@@ -75,11 +81,9 @@ public:
     bool connectorsAreLinked(const AudioComponent<IConnector>& from, const AudioComponent<IConnector>& to) const;
 
 private:
-    void clear();
-    bool initialize(const COMPtr<IPart>::pointer& part);
+    friend class TopologyView;
 
-    template<class Interface>
-    bool initializeHelper(const typename COMPtr<Interface>::pointer& obj);
+    topologyreading::Snapshot<AudioComponent<IConnector>, AudioComponent<ISubunit>> snapshot() noexcept;
 
     COMPtr<IDeviceTopology>::pointer m_topology;
     qor::String m_deviceOwner;

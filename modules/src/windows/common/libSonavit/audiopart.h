@@ -78,8 +78,15 @@ public:
     COMPtr<IDeviceTopology>::pointer topology() const;
 
 private:
+    friend class PartView;
+
     void initialize();
-    unsigned int storePartsList(IPartsList* list, qor::Array<AudioPart>& parts);
+    static unsigned int storePartsList(IPartsList* list, qor::Array<AudioPart>& parts);
+    static bool enumerateIncomingParts(IPart& part, IPartsList*& list);
+    static bool enumerateOutgoingParts(IPart& part, IPartsList*& list);
+    static bool isIn(const qor::Array<AudioPart>& list, const AudioPart& part);
+    static unsigned int copyCache(const AudioPart& owner, const qor::Array<AudioPart>& cache,
+                                  qor::Array<AudioPart>& list);
 
     COMPtr<IPart>::pointer m_part;
     GUID m_subType;
@@ -139,6 +146,8 @@ public:
     qor::String deviceOwner() const;
 
 private:
+    friend class PartView;
+
     typename COMPtr<I>::pointer m_component;
     AudioPart m_part;
 };

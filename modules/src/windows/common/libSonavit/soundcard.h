@@ -28,6 +28,14 @@ public:
     /// A connector and the nodes that are joined to it.
     struct ConnectorNode
     {
+        /// A node without links.
+        explicit ConnectorNode(const AudioComponent<IConnector>& nodeConnector) : connector(nodeConnector) {}
+        ConnectorNode(const AudioComponent<IConnector>& nodeConnector, const qor::Array<unsigned int>& nodeLinks)
+            : connector(nodeConnector),
+              links(nodeLinks)
+        {
+        }
+
         AudioComponent<IConnector> connector;
         qor::Array<unsigned int> links; ///< indexes into the card's map; 0xFFFFFFFF means a connector outside it
     };
@@ -142,6 +150,7 @@ public:
 private:
     static void enumerateSystemSoundDevices(const AudioDevice& audioDevice, EDataFlow dataFlow,
                                             qor::OrderedHashTable<qor::String, SoundCard>& deviceTable);
+    static qor::Array<SoundCard> withTheirMaps(qor::Array<SoundCard>& cards);
 
     bool isDeviceAlreadyInTheCard(const qor::String& id);
     bool addDevice(qor::Array<AudioDevice>& deviceTable, const AudioDevice& device);
@@ -156,15 +165,16 @@ private:
     unsigned int findEndpoint(qor::Array<AudioDevice>& searchFrom, const GUID& deviceType,
                               qor::Array<AudioInterfacePtr>& result);
 
+    class ConnectorGraph;
+
     void initializeConnectorMap();
-    void registerConnectors(const qor::Array<AudioDevice>& deviceList);
-    void registerConnectors(const AudioDeviceTopology& deviceTopology);
-    void followConnector(unsigned int index, qor::Array<qor::String>& knownDevices);
-    void registerFarDevice(const AudioDevice& farDevice, const qor::String& farId, unsigned int index,
-                           qor::Array<qor::String>& knownDevices);
-    void linkToPeer(unsigned int index);
+    void registerConnectors(const qor::Array<AudioDevice>& deviceList, ConnectorGraph& graph);
+    void registerConnectors(const AudioDeviceTopology& deviceTopology, ConnectorGraph& graph);
+    void followConnector(unsigned int index, ConnectorGraph& graph);
+    void registerFarDevice(AudioDevice& farDevice, const qor::String& farId, unsigned int index, ConnectorGraph& graph);
+    void linkToPeer(unsigned int index, const ConnectorGraph& graph);
     void linkWithinTopology(unsigned int index);
-    unsigned int nodeIndex(const AudioComponent<IConnector>& connector) const;
+    unsigned int nodeIndex(const qor::String& id) const;
 
     bool volumeControllerFromConnector(const AudioComponent<IConnector>& connector,
                                        qor::Array<VolumeController>& result) const;

@@ -3,7 +3,9 @@
 #include "COM/interfacequery.h"
 #include "COM/resultcode.h"
 #include "COM/tasktext.h"
+#include "libSonavit/audiodeviceendpoint/lastuse.h"
 #include "libSonavit/audiodeviceendpoint/log.h"
+#include "libSonavit/audiodevicetopology/topologyview.h"
 #include "libSonavit/endpointdeviceenumerator.h"
 
 AudioDevice::AudioDevice() = default;
@@ -19,6 +21,17 @@ AudioDevice::AudioDevice(const qor::String& deviceId)
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::AudioDevice(qor::String const& deviceId)");
     initialize(deviceId);
+}
+
+AudioDevice::AudioDevice(const LastUse& source)
+    : AudioDeviceInterface(source.device()),
+      m_device(source.device().m_device),
+      m_propertyStore(source.device().m_propertyStore),
+      m_volumeControl(source.device().m_volumeControl),
+      m_properties(source.device().m_properties),
+      m_savedProperties(source.device().m_savedProperties)
+{
+    TopologyView::swap(m_topology, source.device().m_topology);
 }
 
 AudioDevice::AudioDevice(const AudioDevice& other) = default;
@@ -144,7 +157,8 @@ void AudioDevice::deviceTopology(AudioDeviceTopology& topo) const
 unsigned int AudioDevice::connector(qor::Array<AudioComponent<IConnector>>& connectorList)
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::connector(qor::Array<AudioConnector>& connectorList)");
-    connectorList = m_topology.connector();
+    qor::Array<AudioComponent<IConnector>> connectors = m_topology.connector();
+    connectorList.swap(connectors);
     return connectorList.size();
 }
 

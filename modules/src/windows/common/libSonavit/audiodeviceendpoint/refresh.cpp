@@ -4,6 +4,8 @@
 #include "COM/resultcode.h"
 #include "libSonavit/audiodeviceendpoint/log.h"
 #include "libSonavit/audiodeviceendpoint/propertystore.h"
+#include "libSonavit/audiopart/partview.h"
+#include "libSonavit/audiopart/passingcomponent.h"
 
 #include <cstring>
 
@@ -129,12 +131,12 @@ void AudioDevice::readJackType()
     qor::Array<AudioComponent<IConnector>> connectors;
     if (connector(connectors) == 0)
         return;
-    const COMPtr<IConnector>::pointer first = connectors[0].component();
-    if (first.get() == nullptr)
+    IConnector* const first = PartView::component(connectors[0]);
+    if (first == nullptr)
         return;
     IConnector* farConnector = nullptr;
     if (FAILED(first->GetConnectedTo(&farConnector)))
         return; // a pointer along with the failure code is ignored
-    const AudioComponent<IConnector> jack(farConnector);
+    const PassingComponent<IConnector, partsnapshot::DroppedTexts> jack(farConnector);
     m_properties.subType = jack.subType();
 }

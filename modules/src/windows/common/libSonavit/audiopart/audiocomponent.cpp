@@ -58,7 +58,7 @@ unsigned int AudioComponent<I>::outgoingPartsList(qor::Array<AudioPart>& list)
 template<class I>
 bool AudioComponent<I>::operator==(const AudioComponent& other) const
 {
-    return qor::String::compareNoCase(id(), other.id()) == 0;
+    return m_part == other.m_part;
 }
 
 template<class I>

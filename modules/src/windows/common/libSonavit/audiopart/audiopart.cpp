@@ -1,21 +1,26 @@
 #include "libSonavit/audiopart.h"
 
-#include "COM/interfacequery.h"
-#include "COM/tasktext.h"
 #include "libSonavit/audiopart/log.h"
+#include "libSonavit/audiopart/partsnapshot.h"
 #include "libSonavit/precondition.h"
+
+#include <algorithm>
 
 namespace
 {
-/// Copies the parts of the latest walk into the caller's list, by way of a copy of their own: in
-/// `parts[0].incomingPartsList(parts)` the list holds the part that is asked, and the assignment destroys that part,
-/// with its cache, before it copies anything.
-unsigned int copyCache(const qor::Array<AudioPart>& cache, qor::Array<AudioPart>& list)
+/// Room that is made at once for as many parts as the platform announces. A larger number may be wrong, and the list
+/// grows as far as parts arrive.
+constexpr UINT largestRoom = 1024;
+
+/// Where the texts of a part's snapshot go.
+struct PartTexts
 {
-    const qor::Array<AudioPart> copy(cache); // NOLINT(performance-unnecessary-copy-initialization): see above
-    list = copy;
-    return list.size();
-}
+    void globalIdIs(LPCWSTR text) const { globalId = platform::ucs2(text); }
+    void nameIs(LPCWSTR text) const { name = platform::ucs2(text); }
+
+    qor::String& globalId;
+    qor::String& name;
+};
 }
 
 AudioPart::AudioPart() : m_subType() {}
@@ -33,14 +38,12 @@ AudioPart::AudioPart(const COMPtr<IPart>::pointer& part) : m_part(part), m_subTy
 }
 
 template<class I, class>
-AudioPart::AudioPart(I* component) : m_subType()
+AudioPart::AudioPart(I* component)
+    : m_part(component == nullptr ? nullptr : partsnapshot::partOf(*component)),
+      m_subType()
 {
-    if (component == nullptr)
-        return;
-    IPart* part = nullptr;
-    if (SUCCEEDED(interfacequery::query(*component, part)))
-        m_part = part; // a pointer along with a failure code is ignored
-    initialize();
+    if (component != nullptr)
+        initialize();
 }
 
 template AudioPart::AudioPart(IConnector* component);
@@ -53,15 +56,14 @@ AudioPart& AudioPart::operator=(const AudioPart& other)
 {
     if (this == &other)
         return *this;
-    // One of the lists that are replaced may contain the other part.
-    const qor::Array<AudioPart> incoming(other.m_incomingParts);
-    const qor::Array<AudioPart> outgoing(other.m_outgoingParts);
+    if (isIn(m_incomingParts, other) || isIn(m_outgoingParts, other))
+        return *this = AudioPart(other); // the lists that are replaced hold the other part
     m_part = other.m_part;
     m_subType = other.m_subType;
     m_globalId = other.m_globalId;
     m_name = other.m_name;
-    m_incomingParts = incoming;
-    m_outgoingParts = outgoing;
+    m_incomingParts = other.m_incomingParts;
+    m_outgoingParts = other.m_outgoingParts;
     return *this;
 }
 
@@ -85,31 +87,25 @@ unsigned int AudioPart::incomingPartsList(qor::Array<AudioPart>& list)
 {
     SONAVIT_TRACE(partlog, "AudioPart::incomingPartsList");
     IPartsList* parts = nullptr;
-    if (FAILED(m_part->EnumPartsIncoming(&parts)))
-    {
-        SONAVIT_LOG(partlog, LOG_ERROR, out.append("Unable to enumerate incoming parts"));
+    if (!enumerateIncomingParts(*m_part, parts))
         return 0;
-    }
     storePartsList(parts, m_incomingParts);
-    return copyCache(m_incomingParts, list);
+    return copyCache(*this, m_incomingParts, list);
 }
 
 unsigned int AudioPart::outgoingPartsList(qor::Array<AudioPart>& list)
 {
     SONAVIT_TRACE(partlog, "AudioPart::outgoingPartsList");
     IPartsList* parts = nullptr;
-    if (FAILED(m_part->EnumPartsOutgoing(&parts)))
-    {
-        SONAVIT_LOG(partlog, LOG_ERROR, out.append("Unable to enumerate outgoing parts"));
+    if (!enumerateOutgoingParts(*m_part, parts))
         return 0;
-    }
     storePartsList(parts, m_outgoingParts);
-    return copyCache(m_outgoingParts, list);
+    return copyCache(*this, m_outgoingParts, list);
 }
 
 bool AudioPart::operator==(const AudioPart& other) const
 {
-    return qor::String::compareNoCase(globalId(), other.globalId()) == 0;
+    return qor::String::compareNoCase(m_globalId, other.m_globalId) == 0;
 }
 
 COMPtr<IPart>::pointer AudioPart::part() const
@@ -145,24 +141,27 @@ COMPtr<IDeviceTopology>::pointer AudioPart::topology() const
     return topology;
 }
 
-/// Reads the snapshot. All three HRESULTs are ignored on purpose: only what a call stores counts. Without an id from
-/// the platform the id becomes empty, whereas without a name the old name stays.
 void AudioPart::initialize()
 {
-    SONAVIT_TRACE(partlog, "AudioPart::initialize()");
-    if (m_part.get() == nullptr)
-        return;
-    m_part->GetSubType(&m_subType);
+    partsnapshot::read(m_part, m_subType, PartTexts{m_globalId, m_name});
+}
 
-    {
-        TaskText globalId;
-        m_part->GetGlobalId(globalId.put());
-        m_globalId = platform::ucs2(globalId.get());
-    }
-    TaskText name(TaskText::NullText::skipped);
-    m_part->GetName(name.put());
-    if (name.get() != nullptr)
-        m_name = platform::ucs2(name.get());
+/// Stores the platform's list of the parts that feed @p part. @return false, with a message, if the platform fails
+bool AudioPart::enumerateIncomingParts(IPart& part, IPartsList*& list)
+{
+    if (SUCCEEDED(part.EnumPartsIncoming(&list)))
+        return true;
+    SONAVIT_LOG(partlog, LOG_ERROR, out.append("Unable to enumerate incoming parts"));
+    return false;
+}
+
+/// As enumerateIncomingParts(), for the parts that @p part feeds.
+bool AudioPart::enumerateOutgoingParts(IPart& part, IPartsList*& list)
+{
+    if (SUCCEEDED(part.EnumPartsOutgoing(&list)))
+        return true;
+    SONAVIT_LOG(partlog, LOG_ERROR, out.append("Unable to enumerate outgoing parts"));
+    return false;
 }
 
 /// Replaces @p parts by the parts of the platform's list, which stays unreleased: see incomingPartsList().
@@ -173,12 +172,41 @@ unsigned int AudioPart::storePartsList(IPartsList* list, qor::Array<AudioPart>& 
     parts.clear();
     UINT count = 0;
     list->GetCount(&count);
+    parts.ensureCapacity(std::min(count, largestRoom));
     for (UINT index = 0; index < count; ++index)
     {
         IPart* part = nullptr;
         if (FAILED(list->GetPart(index, &part)))
             continue;
-        parts.append(AudioPart(part));
+        parts.emplace(part);
     }
     return parts.size();
+}
+
+/// Copies the cache of @p owner into the caller's list. In `parts[0].incomingPartsList(parts)` that list holds the
+/// owner, and the assignment destroys the owner, with its cache, before it copies anything: the cache is copied first
+/// then.
+unsigned int AudioPart::copyCache(const AudioPart& owner, const qor::Array<AudioPart>& cache,
+                                  qor::Array<AudioPart>& list)
+{
+    if (isIn(list, owner))
+    {
+        qor::Array<AudioPart> copy(cache);
+        list.swap(copy);
+    }
+    else
+        list = cache;
+    return list.size();
+}
+
+/// Whether @p part is an element of @p list or of a list of its elements.
+bool AudioPart::isIn(const qor::Array<AudioPart>& list, const AudioPart& part)
+{
+    for (unsigned int i = 0; i < list.size(); ++i)
+    {
+        const AudioPart& element = list[i];
+        if (&element == &part || isIn(element.m_incomingParts, part) || isIn(element.m_outgoingParts, part))
+            return true;
+    }
+    return false;
 }

@@ -3,6 +3,7 @@
 
 #include "COM/comptr.h"
 #include "libSonavit/audiodeviceendpoint.h"
+#include "libSonavit/audiodeviceendpoint/lastuse.h"
 #include "qor/array.h"
 
 namespace endpointlisting
@@ -33,7 +34,8 @@ inline void append(const COMPtr<IMMDeviceCollection>::pointer& collection, UINT 
     {
         IMMDevice* device = nullptr;
         collection->Item(index, &device);
-        devices.append(AudioDevice(device));
+        AudioDevice temporary(device);
+        AudioDevice::LastUse(temporary).appendTo(devices);
     }
 }
 }

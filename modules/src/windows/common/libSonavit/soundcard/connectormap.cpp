@@ -1,35 +1,33 @@
 #include "libSonavit/soundcard.h"
 
 #include "COM/tasktext.h"
+#include "libSonavit/audiodeviceendpoint/lastuse.h"
+#include "libSonavit/audiodevicetopology/passingtopology.h"
+#include "libSonavit/audiodevicetopology/topologyview.h"
+#include "libSonavit/audiopart/partview.h"
+#include "libSonavit/audiopart/passingcomponent.h"
+#include "libSonavit/soundcard/connectorgraph.h"
 #include "libSonavit/soundcard/listsearch.h"
 #include "libSonavit/soundcard/log.h"
-#include "libSonavit/soundcard/pendingreference.h"
 
 namespace
 {
-void appendIds(const qor::Array<AudioDevice>& devices, qor::Array<qor::String>& ids)
-{
-    for (unsigned int i = 0; i < devices.size(); ++i)
-        ids.append(devices[i].deviceProperty().deviceId);
-}
-
 /// Id of the device on the far side; empty if the platform reports none, or if there is no connector to ask.
-qor::String farDeviceId(const COMPtr<IConnector>::pointer& connector)
+qor::String farDeviceId(IConnector* connector)
 {
     TaskText id;
-    if (connector.get() != nullptr)
+    if (connector != nullptr)
         connector->GetDeviceIdConnectedTo(id.put()); // the HRESULT is ignored on purpose: null means that there is none
     return qor::String(platform::ucs2(id.get()));
 }
 
-/// Stores the connector on the far side of @p component in @p peer, or nothing.
-void findPeer(const AudioComponent<IConnector>& component, PendingReference<IConnector>& peer)
+/// The connector on the far side of @p connector, with a reference that the caller owns, or null.
+IConnector* farConnector(IConnector* connector)
 {
-    const COMPtr<IConnector>::pointer connector = component.component();
     IConnector* found = nullptr;
-    if (connector.get() != nullptr)
+    if (connector != nullptr)
         connector->GetConnectedTo(&found); // the HRESULT is ignored on purpose: null means that there is none
-    peer.adopt(found);
+    return found;
 }
 }
 
@@ -39,36 +37,39 @@ void SoundCard::initializeConnectorMap()
     // Only the map starts anew. The devices on the adapter side stay, because copies of the card share them. A second
     // build treats them as known and omits their connectors, so discovery builds each map once.
     m_connectorMap.clear();
-    registerConnectors(*m_playbackDevices);
-    registerConnectors(*m_recordDevices);
-    qor::Array<qor::String> knownDevices;
-    appendIds(*m_playbackDevices, knownDevices);
-    appendIds(*m_recordDevices, knownDevices);
+    ConnectorGraph graph(*m_internalDevices);
+    registerConnectors(*m_playbackDevices, graph);
+    registerConnectors(*m_recordDevices, graph);
+    graph.addKnownDevices(*m_playbackDevices);
+    graph.addKnownDevices(*m_recordDevices);
     for (unsigned int i = 0; i < m_connectorMap.size(); ++i) // the map grows during this pass
-        followConnector(i, knownDevices);
+        followConnector(i, graph);
     for (unsigned int i = 0; i < m_connectorMap.size(); ++i)
         linkWithinTopology(i);
 }
 
-void SoundCard::registerConnectors(const qor::Array<AudioDevice>& deviceList)
+void SoundCard::registerConnectors(const qor::Array<AudioDevice>& deviceList, ConnectorGraph& graph)
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::registerConnectors(const Array<AudioDevice>& deviceList)");
     for (unsigned int i = 0; i < deviceList.size(); ++i)
     {
         AudioDeviceTopology deviceTopology;
         deviceList[i].deviceTopology(deviceTopology);
-        registerConnectors(deviceTopology);
+        registerConnectors(deviceTopology, graph);
     }
 }
 
-void SoundCard::registerConnectors(const AudioDeviceTopology& deviceTopology)
+void SoundCard::registerConnectors(const AudioDeviceTopology& deviceTopology, ConnectorGraph& graph)
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::registerConnectors(const AudioDeviceTopology& deviceTopology)");
-    const qor::Array<AudioComponent<IConnector>> connectors = deviceTopology.connector();
+    const qor::Array<AudioComponent<IConnector>>& connectors = TopologyView::connectors(deviceTopology);
     for (unsigned int i = 0; i < connectors.size(); ++i)
     {
-        if (!listsearch::isHit(nodeIndex(connectors[i])))
-            m_connectorMap.append(ConnectorNode{connectors[i], qor::Array<unsigned int>()});
+        const qor::String& id = PartView::id(connectors[i]);
+        if (listsearch::isHit(graph.nodeIndex(id)))
+            continue;
+        m_connectorMap.emplace(connectors[i]);
+        graph.addNode(id, m_connectorMap.size() - 1);
     }
 }
 
@@ -77,68 +78,66 @@ void SoundCard::registerConnectors(const AudioDeviceTopology& deviceTopology)
 /// Required behaviour: the far device is always opened, even if it is known already. Ids count as known only if they
 /// are equal in case, whereas devices are compared without regard to case: an endpoint of the card that a connector
 /// names in another case becomes an internal device, too. Callers rely on the graphs that follow from this.
-void SoundCard::followConnector(unsigned int index, qor::Array<qor::String>& knownDevices)
+void SoundCard::followConnector(unsigned int index, ConnectorGraph& graph)
 {
-    qor::String farId;
-    {
-        const COMPtr<IConnector>::pointer nearSide = m_connectorMap[index].connector.component();
-        farId = farDeviceId(nearSide);
-    }
-    const AudioDevice farDevice(farId);
-    if (!knownDevices.contains(farId) && !listsearch::isHit(listsearch::indexOf(*m_internalDevices, farDevice)))
-        registerFarDevice(farDevice, farId, index, knownDevices);
-    linkToPeer(index);
+    const qor::String farId = farDeviceId(PartView::component(m_connectorMap[index].connector));
+    AudioDevice farDevice(farId);
+    if (!graph.isKnownDevice(farId) && !graph.isInternalDevice(farDevice.deviceProperty().deviceId))
+        registerFarDevice(farDevice, farId, index, graph);
+    linkToPeer(index, graph);
 }
 
 /// If the far device cannot be opened, registers the topology on this side of the connector instead; the far side stays
 /// unknown.
-void SoundCard::registerFarDevice(const AudioDevice& farDevice, const qor::String& farId, unsigned int index,
-                                  qor::Array<qor::String>& knownDevices)
+void SoundCard::registerFarDevice(AudioDevice& farDevice, const qor::String& farId, unsigned int index,
+                                  ConnectorGraph& graph)
 {
     if (farDevice.isInitialized())
     {
-        m_internalDevices->append(farDevice);
-        knownDevices.append(farId);
-        registerConnectors(*m_internalDevices); // the whole list again; connectors in the map are skipped
+        graph.addInternalDevice(farDevice.deviceProperty().deviceId);
+        AudioDevice::LastUse(farDevice).appendTo(*m_internalDevices);
+        graph.addKnownDevice(farId);
+        registerConnectors(*m_internalDevices, graph); // the whole list again; connectors in the map are skipped
         return;
     }
     const AudioDeviceTopology nearTopology(m_connectorMap[index].connector);
     const qor::String owner = nearTopology.deviceOwner();
-    if (knownDevices.contains(owner))
+    if (graph.isKnownDevice(owner))
         return;
-    registerConnectors(nearTopology);
-    knownDevices.append(owner);
+    registerConnectors(nearTopology, graph);
+    graph.addKnownDevice(owner);
 }
 
 /// Records the join to the connector on the far side. Required behaviour: a connector that is not in the map is
 /// recorded as 0xFFFFFFFF, so that a walk of the map raises an exception at the gap.
-void SoundCard::linkToPeer(unsigned int index)
+void SoundCard::linkToPeer(unsigned int index, const ConnectorGraph& graph)
 {
-    PendingReference<IConnector> peer;
-    findPeer(m_connectorMap[index].connector, peer);
-    if (peer.get() == nullptr)
+    IConnector* const peer = farConnector(PartView::component(m_connectorMap[index].connector));
+    if (peer == nullptr)
         return;
-    const AudioComponent<IConnector> peerConnector(peer.take());
-    m_connectorMap[index].links.append(nodeIndex(peerConnector));
+    const PassingComponent<IConnector, partsnapshot::KeptTexts> peerConnector(peer);
+    m_connectorMap[index].links.append(graph.nodeIndex(peerConnector.texts().globalId));
 }
 
 /// Records the signal paths between the connector of a node and those of all later nodes, in both directions. Pairs of
 /// different devices are tested, too: the platform decides whether a path leaves a device.
 void SoundCard::linkWithinTopology(unsigned int index)
 {
-    const AudioDeviceTopology topology(m_connectorMap[index].connector);
+    ConnectorNode& node = m_connectorMap[index];
+    const PassingTopology<partsnapshot::DroppedTexts> topology(node.connector);
     for (unsigned int other = index + 1; other < m_connectorMap.size(); ++other)
     {
-        if (!topology.connectorsAreLinked(m_connectorMap[index].connector, m_connectorMap[other].connector))
+        ConnectorNode& otherNode = m_connectorMap[other];
+        if (!topology.connectorsAreLinked(node.connector, otherNode.connector))
             continue;
-        m_connectorMap[index].links.append(other);
-        m_connectorMap[other].links.append(index);
+        node.links.append(other);
+        otherNode.links.append(index);
     }
 }
 
-/// Index of the first node whose connector equals @p connector, or listsearch::notFound.
-unsigned int SoundCard::nodeIndex(const AudioComponent<IConnector>& connector) const
+/// Index of the first node whose connector has the id @p id, or listsearch::notFound.
+unsigned int SoundCard::nodeIndex(const qor::String& id) const
 {
-    return listsearch::indexWhere(m_connectorMap,
-                                  [&connector](const ConnectorNode& node) { return node.connector == connector; });
+    return listsearch::indexWhere(m_connectorMap, [&id](const ConnectorNode& node)
+                                  { return qor::String::compareNoCase(PartView::id(node.connector), id) == 0; });
 }

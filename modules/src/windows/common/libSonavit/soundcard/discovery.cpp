@@ -5,6 +5,7 @@
 #include "libSonavit/soundcard/log.h"
 
 #include <memory>
+#include <vector>
 
 void enumerateSoundCards(qor::Array<BorrowedPointer<SoundCardInterface>>& cards)
 {
@@ -40,7 +41,19 @@ qor::Array<SoundCard> SoundCard::enumerateSystemSoundDevices()
     // Not earlier: the map of a card needs the endpoints of both flows.
     for (unsigned int i = 0; i < deviceTable.size(); ++i)
         deviceTable.values()[i].initializeConnectorMap();
-    return deviceTable.values();
+    return withTheirMaps(deviceTable.values());
+}
+
+/// Copies of @p cards, each of which takes the map of its original: the originals end next.
+qor::Array<SoundCard> SoundCard::withTheirMaps(qor::Array<SoundCard>& cards)
+{
+    std::vector<qor::Array<ConnectorNode>> maps(cards.size());
+    for (unsigned int i = 0; i < cards.size(); ++i)
+        maps[i].swap(cards[i].m_connectorMap);
+    qor::Array<SoundCard> copies(cards);
+    for (unsigned int i = 0; i < copies.size(); ++i)
+        copies[i].m_connectorMap.swap(maps[i]);
+    return copies;
 }
 
 /// Adds an endpoint to its card, and creates the card for the first endpoint of an instance path. Paths are compared

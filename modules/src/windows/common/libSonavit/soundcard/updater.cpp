@@ -2,6 +2,7 @@
 
 #include "COM/identifiers.h"
 #include "COM/resultcode.h"
+#include "libSonavit/audiodeviceendpoint/lastuse.h"
 #include "libSonavit/soundcard/listsearch.h"
 #include "libSonavit/soundcard/log.h"
 #include "platform/interlocked.h"
@@ -151,11 +152,12 @@ HRESULT SoundCard::SoundCardDeviceUpdater::OnDeviceStateChanged(LPCWSTR deviceId
 HRESULT SoundCard::SoundCardDeviceUpdater::OnDeviceAdded(LPCWSTR deviceId)
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::SoundCardDeviceUpdater::OnDeviceAdded");
-    const AudioDevice device(idText(deviceId));
+    AudioDevice device(idText(deviceId));
     const DeviceList devices = selectDeviceList(device);
     const ObserverList observers = selectObserver(device);
     if (devices.get() != nullptr)
-        devices->append(device); // even a duplicate: required behaviour, and a removal removes the first
+        AudioDevice::LastUse(device).appendTo(
+            *devices); // even a duplicate: required behaviour, and a removal removes the first
     notify(observers, &SoundCardObserver::onDeviceAdded);
     return S_OK;
 }

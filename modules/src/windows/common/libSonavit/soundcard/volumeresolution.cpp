@@ -1,38 +1,66 @@
 #include "libSonavit/soundcard.h"
 
 #include "COM/identifiers.h"
+#include "libSonavit/audiodevicetopology/passingtopology.h"
+#include "libSonavit/audiopart/partview.h"
 #include "libSonavit/soundcard/listsearch.h"
 #include "libSonavit/soundcard/log.h"
-#include "libSonavit/soundcard/pendingreference.h"
+
+#include <vector>
 
 namespace
 {
-typedef unsigned int (AudioPart::*Side)(qor::Array<AudioPart>& list);
+typedef void (*Walk)(IPart& part, qor::Array<AudioPart>& list);
 
-/// Fills the empty @p list with the parts next to @p part on one side. An empty part, which is that of a connector
-/// without an IPart, leaves the list empty.
-void readNeighbours(const AudioPart& part, Side side, qor::Array<AudioPart>& list)
+/// Fills the empty @p list with the parts next to @p connector on one side. A connector without an IPart leaves the
+/// list empty.
+void readNeighbours(const AudioComponent<IConnector>& connector, Walk walk, qor::Array<AudioPart>& list)
 {
-    if (part.part().get() == nullptr)
-        return;
-    AudioPart walked(part); // the walk stores its result in the part, too
-    (walked.*side)(list);
+    IPart* const part = PartView::platformPart(PartView::part(connector));
+    if (part != nullptr)
+        walk(*part, list);
 }
 
 /// The control of the part, or nil if the part has none. A pointer along with a failure code is ignored.
 /// @tparam I the interface of the control
 template<class I>
-typename COMPtr<I>::pointer activate(const AudioPart& audioPart, const IID& iid)
+typename COMPtr<I>::pointer activate(IPart& part, const IID& iid)
 {
-    PendingReference<I> control;
-    {
-        const COMPtr<IPart>::pointer part = audioPart.part();
-        void* object = nullptr;
-        if (SUCCEEDED(part->Activate(CLSCTX_ALL, iid, &object)))
-            control.adopt(static_cast<I*>(object));
-    }
-    return control.take();
+    void* object = nullptr;
+    if (FAILED(part.Activate(CLSCTX_ALL, iid, &object)))
+        return nullptr;
+    return static_cast<I*>(object);
 }
+
+/// The nodes that a walk of a connector map visits, in the order of the visits, each once.
+class VisitQueue
+{
+public:
+    explicit VisitQueue(unsigned int numNodes) : m_isQueued(numNodes, false) {}
+
+    unsigned int size() const noexcept { return static_cast<unsigned int>(m_nodes.size()); }
+    unsigned int operator[](unsigned int position) const { return m_nodes[position]; }
+
+    /// Appends @p node, even if it is there.
+    void append(unsigned int node)
+    {
+        m_nodes.push_back(node);
+        if (node < m_isQueued.size())
+            m_isQueued[node] = true;
+    }
+
+    /// Appends @p node unless it is there. A walk ends at the first index that is outside the map, so it does not
+    /// matter how often such a one is there.
+    void appendOnce(unsigned int node)
+    {
+        if (node >= m_isQueued.size() || !m_isQueued[node])
+            append(node);
+    }
+
+private:
+    std::vector<unsigned int> m_nodes;
+    std::vector<bool> m_isQueued; // by node
+};
 }
 
 // Required behaviour: the label names another class; readers of the log match it.
@@ -40,14 +68,13 @@ unsigned int SoundCard::volumeController(const AudioDevice& endpoint, qor::Array
 {
     SONAVIT_TRACE(soundcardlog, "EndpointDeviceEnumeratorCommon::volumeController(const AudioDevice& endpoint)");
     COMPtr<IDeviceTopology>::pointer handle = endpoint.deviceTopology();
-    const AudioDeviceTopology topology(handle);
+    const PassingTopology<partsnapshot::KeptTexts> topology(handle);
     handle = nullptr; // released by a statement of its own: if Release throws, the snapshot is released, too
-    const qor::Array<AudioComponent<IConnector>> connectors = topology.connector();
     result.clear();
-    qor::Array<unsigned int> queue; // nothing is removed from it, so it is the set of visited nodes, too
-    for (unsigned int position = 0; position < connectors.size(); ++position)
+    VisitQueue queue(m_connectorMap.size());
+    for (unsigned int position = 0; position < topology.connectors().size(); ++position)
     {
-        const unsigned int index = nodeIndex(connectors[position]);
+        const unsigned int index = nodeIndex(topology.connectors()[position].texts().globalId);
         // Required behaviour: the test is on the position, not on the index. A connector that is not in the map is
         // queued like the others, and the walk below raises IndexOutOfBounds for it. Callers rely on that exception for
         // an endpoint that arrived by hot plug.
@@ -62,10 +89,7 @@ unsigned int SoundCard::volumeController(const AudioDevice& endpoint, qor::Array
         volumeControllerFromConnector(node.connector, result);
         const unsigned int numLinks = node.links.size();
         for (unsigned int link = 0; link < numLinks; ++link)
-        {
-            if (!queue.contains(node.links[link]))
-                queue.append(node.links[link]);
-        }
+            queue.appendOnce(node.links[link]);
     }
     return result.size();
 }
@@ -84,8 +108,8 @@ bool SoundCard::volumeControllerFromConnector(const AudioComponent<IConnector>& 
 {
     qor::Array<AudioPart> incoming;
     qor::Array<AudioPart> outgoing;
-    readNeighbours(connector.part(), &AudioPart::incomingPartsList, incoming);
-    readNeighbours(connector.part(), &AudioPart::outgoingPartsList, outgoing);
+    readNeighbours(connector, &PartView::readIncomingParts, incoming);
+    readNeighbours(connector, &PartView::readOutgoingParts, outgoing);
     if (volumeControllerFromList(incoming, connector, result))
         return true;
     return volumeControllerFromList(outgoing, connector, result);
@@ -107,7 +131,8 @@ bool SoundCard::volumeControllerFromList(const qor::Array<AudioPart>& parts,
     for (unsigned int i = 0; i < volumeParts.size(); ++i)
     {
         VolumeController controller;
-        controller.volumeLevel = activate<IAudioVolumeLevel>(volumeParts[i], IID_IAudioVolumeLevel);
+        IPart& volumePart = *PartView::platformPart(volumeParts[i]);
+        controller.volumeLevel = activate<IAudioVolumeLevel>(volumePart, IID_IAudioVolumeLevel);
         if (controller.volumeLevel.get() == nullptr)
             continue;
         controller.ownerType = connector.subType();
@@ -115,11 +140,12 @@ bool SoundCard::volumeControllerFromList(const qor::Array<AudioPart>& parts,
 
         qor::Array<AudioPart> incoming;
         qor::Array<AudioPart> outgoing;
-        volumeParts[i].incomingPartsList(incoming);
-        volumeParts[i].outgoingPartsList(outgoing);
+        PartView::readIncomingParts(volumePart, incoming);
+        PartView::readOutgoingParts(volumePart, outgoing);
         qor::Array<AudioPart> muteParts;
         if (partFromList(incoming, KSNODETYPE_MUTE, muteParts) || partFromList(outgoing, KSNODETYPE_MUTE, muteParts))
-            controller.mute = activate<IAudioMute>(muteParts[0], IID_IAudioMute); // only the first of several
+            controller.mute = activate<IAudioMute>(*PartView::platformPart(muteParts[0]),
+                                                   IID_IAudioMute); // only the first of several
         result.append(controller);
     }
     return true;

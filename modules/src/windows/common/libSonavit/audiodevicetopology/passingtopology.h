@@ -1,0 +1,57 @@
+/// Topologies that are read in passing; included by the library's source files only.
+#pragma once
+
+#include "libSonavit/audiodevicetopology/topologyreading.h"
+#include "libSonavit/audiopart/partview.h"
+
+/// The graph of one device that an operation reads to learn one thing of it: who owns it, which connectors it has, or
+/// whether a signal path joins two of them.
+///
+/// It makes the calls of an AudioDeviceTopology in the same order, leaves the same records, and owns the same
+/// references for the same time; its connectors and subunits are PassingComponents.
+/// @tparam Texts partsnapshot::KeptTexts or partsnapshot::DroppedTexts
+template<class Texts>
+class PassingTopology
+{
+public:
+    using Connector = PassingComponent<IConnector, Texts>;
+
+    explicit PassingTopology(const COMPtr<IDeviceTopology>::pointer& topology)
+    {
+        SONAVIT_TRACE(topologylog, "AudioDeviceTopology::AudioDeviceTopology(IDeviceTopology* deviceTopology)");
+        topologyreading::initialize(snapshot(), topology);
+    }
+
+    explicit PassingTopology(const AudioComponent<IConnector>& connector)
+    {
+        SONAVIT_TRACE(topologylog, "AudioDeviceTopology::AudioDeviceTopology(IConnector* connector)");
+        topologyreading::initializeHelper(snapshot(), PartView::component(connector));
+    }
+
+    PassingTopology(const PassingTopology&) = delete;
+    PassingTopology& operator=(const PassingTopology&) = delete;
+
+    const qor::String& deviceOwner() const noexcept { return m_deviceOwner; }
+
+    /// In the platform's order.
+    const qor::Array<Connector>& connectors() const noexcept { return m_connectors; }
+
+    /// As AudioDeviceTopology::connectorsAreLinked().
+    bool connectorsAreLinked(const AudioComponent<IConnector>& from, const AudioComponent<IConnector>& to) const
+    {
+        return topologyreading::connectorsAreLinked(m_topology.get(), from, to);
+    }
+
+private:
+    using Subunit = PassingComponent<ISubunit, Texts>;
+
+    topologyreading::Snapshot<Connector, Subunit> snapshot() noexcept
+    {
+        return {m_topology, m_deviceOwner, m_connectors, m_subunits};
+    }
+
+    COMPtr<IDeviceTopology>::pointer m_topology;
+    qor::String m_deviceOwner;
+    qor::Array<Connector> m_connectors;
+    qor::Array<Subunit> m_subunits;
+};

@@ -1,0 +1,32 @@
+/// Topologies without the copies that their public operations hand out; included by the library's source files only.
+#pragma once
+
+#include "libSonavit/audiodevicetopology.h"
+
+#include <utility>
+
+/// What the library itself reads of topologies.
+class TopologyView
+{
+public:
+    /// The connectors of @p topology, as connector(), by reference.
+    static const qor::Array<AudioComponent<IConnector>>& connectors(const AudioDeviceTopology& topology)
+    {
+        return topology.m_connectors;
+    }
+
+    /// The subunits of @p topology, as subunit(), by reference.
+    static const qor::Array<AudioComponent<ISubunit>>& subunits(const AudioDeviceTopology& topology)
+    {
+        return topology.m_subunits;
+    }
+
+    /// Exchanges what the two hold: no reference is added or released, and nothing is copied.
+    static void swap(AudioDeviceTopology& left, AudioDeviceTopology& right) noexcept
+    {
+        left.m_topology.swap(right.m_topology);
+        std::swap(left.m_deviceOwner, right.m_deviceOwner);
+        left.m_connectors.swap(right.m_connectors);
+        left.m_subunits.swap(right.m_subunits);
+    }
+};

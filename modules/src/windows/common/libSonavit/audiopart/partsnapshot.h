@@ -1,0 +1,59 @@
+/// What the platform reports about a part once; included by the library's source files only.
+#pragma once
+
+#include "COM/comptr.h"
+#include "COM/interfacequery.h"
+#include "COM/tasktext.h"
+#include "libSonavit/audiopart/log.h"
+#include "platform/coreaudio.h"
+#include "qor/string.h"
+
+namespace partsnapshot
+{
+/// The texts of a snapshot.
+struct KeptTexts
+{
+    void globalIdIs(LPCWSTR text) { globalId = platform::ucs2(text); }
+    void nameIs(LPCWSTR text) { name = platform::ucs2(text); }
+
+    qor::String globalId;
+    qor::String name;
+};
+
+/// Texts that nobody reads: the platform is asked for them, and they are freed.
+struct DroppedTexts
+{
+    static void globalIdIs(LPCWSTR) noexcept {}
+    static void nameIs(LPCWSTR) noexcept {}
+};
+
+/// Reads the snapshot. All three HRESULTs are ignored on purpose: only what a call stores counts. Without an id from
+/// the platform the id becomes empty, whereas without a name the old name stays. A nil @p part changes nothing.
+template<class Texts>
+void read(const COMPtr<IPart>::pointer& part, GUID& subType, Texts&& texts)
+{
+    SONAVIT_TRACE(partlog, "AudioPart::initialize()");
+    if (part.get() == nullptr)
+        return;
+    part->GetSubType(&subType);
+
+    {
+        TaskText globalId;
+        part->GetGlobalId(globalId.put());
+        texts.globalIdIs(globalId.get());
+    }
+    TaskText name(TaskText::NullText::skipped);
+    part->GetName(name.put());
+    if (name.get() != nullptr)
+        texts.nameIs(name.get());
+}
+
+/// The part of @p component, with a reference that the caller owns, or null. A pointer along with a failure code is
+/// ignored.
+template<class I>
+IPart* partOf(I& component)
+{
+    IPart* part = nullptr;
+    return SUCCEEDED(interfacequery::query(component, part)) ? part : nullptr;
+}
+}

@@ -1,0 +1,57 @@
+/// Parts and components without the copies that their public operations hand out; included by the library's source
+/// files only.
+#pragma once
+
+#include "libSonavit/audiopart.h"
+#include "libSonavit/audiopart/log.h"
+
+/// What the library itself reads of parts and components. What a public operation traces is traced here, too: readers
+/// of the log see no difference.
+class PartView
+{
+public:
+    /// The id of @p component, as id(); valid while @p component lives.
+    template<class I>
+    static const qor::String& id(const AudioComponent<I>& component)
+    {
+        return component.m_part.m_globalId;
+    }
+
+    /// The part of @p component, as part(), by reference.
+    template<class I>
+    static const AudioPart& part(const AudioComponent<I>& component)
+    {
+        SONAVIT_TRACE(partlog, "AudioComponent::part()");
+        return component.m_part;
+    }
+
+    /// The interface of @p component, as component(), without a reference of the caller's; may be null.
+    template<class I>
+    static I* component(const AudioComponent<I>& component)
+    {
+        SONAVIT_TRACE(partlog, "AudioComponent::component()");
+        return component.m_component.get();
+    }
+
+    /// The platform's part, as AudioPart::part(), without a reference of the caller's; may be null.
+    static IPart* platformPart(const AudioPart& part) { return part.m_part.get(); }
+
+    /// As incomingPartsList() of an AudioPart that has @p part, but straight into @p list: there is no cache, and so no
+    /// copy of it.
+    static void readIncomingParts(IPart& part, qor::Array<AudioPart>& list)
+    {
+        SONAVIT_TRACE(partlog, "AudioPart::incomingPartsList");
+        IPartsList* parts = nullptr;
+        if (AudioPart::enumerateIncomingParts(part, parts))
+            AudioPart::storePartsList(parts, list);
+    }
+
+    /// As outgoingPartsList(), likewise.
+    static void readOutgoingParts(IPart& part, qor::Array<AudioPart>& list)
+    {
+        SONAVIT_TRACE(partlog, "AudioPart::outgoingPartsList");
+        IPartsList* parts = nullptr;
+        if (AudioPart::enumerateOutgoingParts(part, parts))
+            AudioPart::storePartsList(parts, list);
+    }
+};
