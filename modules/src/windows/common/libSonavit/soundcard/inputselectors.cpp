@@ -2,9 +2,8 @@
 
 #include "COM/identifiers.h"
 #include "COM/resultcode.h"
-#include "libSonavit/audiodevicetopology/topologyview.h"
-#include "libSonavit/audiopart/partview.h"
 #include "libSonavit/soundcard/log.h"
+#include "libSonavit/soundcard/pendingreference.h"
 
 namespace
 {
@@ -12,11 +11,16 @@ namespace
 /// ask, nor has one that does not implement IPart.
 COMPtr<IAudioInputSelector>::pointer activateSelector(const AudioComponent<ISubunit>& subunit)
 {
-    IPart* const part = PartView::platformPart(PartView::part(subunit));
-    void* object = nullptr;
-    if (part != nullptr)
-        part->Activate(CLSCTX_ALL, IID_IAudioInputSelector, &object); // HRESULT ignored on purpose: null means none
-    return static_cast<IAudioInputSelector*>(object);
+    PendingReference<IAudioInputSelector> selector;
+    {
+        const AudioPart audioPart = subunit.part();
+        const COMPtr<IPart>::pointer part = audioPart.part();
+        void* object = nullptr;
+        if (part.get() != nullptr)
+            part->Activate(CLSCTX_ALL, IID_IAudioInputSelector, &object); // HRESULT ignored on purpose: null means none
+        selector.adopt(static_cast<IAudioInputSelector*>(object));
+    }
+    return selector.take();
 }
 }
 
@@ -29,7 +33,7 @@ unsigned int SoundCard::recordingMux(qor::Array<COMPtr<IAudioInputSelector>::poi
     {
         AudioDeviceTopology topology;
         devices[i].deviceTopology(topology);
-        const qor::Array<AudioComponent<ISubunit>>& subunits = TopologyView::subunits(topology);
+        const qor::Array<AudioComponent<ISubunit>> subunits = topology.subunit();
         for (unsigned int j = 0; j < subunits.size(); ++j)
         {
             const COMPtr<IAudioInputSelector>::pointer selector = activateSelector(subunits[j]);
