@@ -1,0 +1,25 @@
+#include "measured.h"
+
+// In a file of their own, so that the compiler cannot put them into their callers.
+namespace bench
+{
+void measureLibraryDiscovery()
+{
+    const qor::Array<SoundCard> cards = SoundCard::enumerateSystemSoundDevices();
+}
+
+void measureLibraryLists()
+{
+    const EndpointDeviceEnumeratorCommon render(eRender);
+    const EndpointDeviceEnumeratorCommon capture(eCapture);
+}
+
+void measureLibraryControls(const std::vector<LibraryEndpoint>& endpoints)
+{
+    for (const LibraryEndpoint& endpoint : endpoints)
+    {
+        qor::Array<SoundCard::VolumeController> controls;
+        endpoint.card->volumeController(endpoint.device, controls);
+    }
+}
+}
