@@ -205,6 +205,17 @@ int String::compareNoCase(const String& left, const String& right) noexcept
     return left.size() < right.size() ? -1 : 1;
 }
 
+bool String::equalNoCase(const String& left, const String& right) noexcept
+{
+    if (left.size() != right.size())
+        return false;
+    if (left.size() < unitsOfWord)
+        return compareNoCase(left, right) == 0;
+    const unsigned int last = left.size() - static_cast<unsigned int>(unitsOfWord);
+    return sameButForCase(wordAt(left.getUCS2Buffer() + last), wordAt(right.getUCS2Buffer() + last)) &&
+           compareNoCase(left, right) == 0;
+}
+
 unsigned int String::hashNoCase(const String& text) noexcept
 {
     return hashOfUnits(text.getUCS2Buffer(), text.size(), caseBit * eachUnit);

@@ -8,6 +8,14 @@
 
 #include <type_traits>
 
+namespace partsnapshot
+{
+struct KeptTexts;
+}
+
+template<class I, class Texts>
+class PassingComponent;
+
 /// One part of a device's hardware graph: a connector on its outside or a subunit inside.
 ///
 /// A value that holds a counted reference on the platform's part (IPart), and a snapshot of its subtype, global id and
@@ -79,6 +87,11 @@ public:
 
 private:
     friend class PartView;
+    template<class I>
+    friend class AudioComponent;
+
+    AudioPart(const COMPtr<IPart>::pointer& part, const GUID& subType, const qor::String& globalId,
+              const qor::String& name);
 
     void initialize();
     static unsigned int storePartsList(IPartsList* list, qor::Array<AudioPart>& parts);
@@ -113,6 +126,10 @@ public:
 
     /// Adds a reference on @p component, which may be nil, and one on its IPart.
     AudioComponent(const typename COMPtr<I>::pointer& component);
+
+    /// For the library's own lists: a copy of what was read in passing. Calls no platform
+    /// function but AddRef, and traces nothing.
+    explicit AudioComponent(const PassingComponent<I, partsnapshot::KeptTexts>& source);
 
     /// Asks @p part for the component by QueryInterface; adds a reference on each interface. Empty, without a message,
     /// if @p part is nil or a component of the other kind.

@@ -30,6 +30,9 @@ public:
     {
         /// A node without links.
         explicit ConnectorNode(const AudioComponent<IConnector>& nodeConnector) : connector(nodeConnector) {}
+        explicit ConnectorNode(const PassingComponent<IConnector, partsnapshot::KeptTexts>& source) : connector(source)
+        {
+        }
         ConnectorNode(const AudioComponent<IConnector>& nodeConnector, const qor::Array<unsigned int>& nodeLinks)
             : connector(nodeConnector),
               links(nodeLinks)
@@ -170,6 +173,8 @@ private:
     void initializeConnectorMap();
     void registerConnectors(const qor::Array<AudioDevice>& deviceList, ConnectorGraph& graph);
     void registerConnectors(const AudioDeviceTopology& deviceTopology, ConnectorGraph& graph);
+    template<class Connector>
+    void registerEach(const qor::Array<Connector>& connectors, ConnectorGraph& graph);
     void followConnector(unsigned int index, ConnectorGraph& graph);
     void registerFarDevice(AudioDevice& farDevice, const qor::String& farId, unsigned int index, ConnectorGraph& graph);
     void linkToPeer(unsigned int index, const ConnectorGraph& graph);

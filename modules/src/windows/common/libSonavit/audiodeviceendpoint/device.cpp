@@ -129,7 +129,7 @@ bool AudioDevice::isEndpoint() const
 
 bool AudioDevice::operator==(const AudioDevice& other) const
 {
-    return qor::String::compareNoCase(m_properties.deviceId, other.m_properties.deviceId) == 0;
+    return qor::String::equalNoCase(m_properties.deviceId, other.m_properties.deviceId);
 }
 
 const AudioDeviceInterface::Properties& AudioDevice::deviceProperty() const

@@ -3,6 +3,7 @@
 #include "COM/interfacequery.h"
 #include "libSonavit/audiodevicetopology.h"
 #include "libSonavit/audiopart/log.h"
+#include "libSonavit/audiopart/passingcomponent.h"
 
 template<class I>
 AudioComponent<I>::AudioComponent(I* component) : m_component(component),
@@ -17,6 +18,13 @@ AudioComponent<I>::AudioComponent(const typename COMPtr<I>::pointer& component)
       m_part(component.get())
 {
     SONAVIT_TRACE(partlog, "AudioComponent::AudioComponent");
+}
+
+template<class I>
+AudioComponent<I>::AudioComponent(const PassingComponent<I, partsnapshot::KeptTexts>& source)
+    : m_component(source.component()),
+      m_part(source.part(), source.subType(), source.texts().globalId, source.texts().name)
+{
 }
 
 // Required behaviour: the label names a connector even for a subunit; readers of the log match it.

@@ -49,6 +49,15 @@ AudioPart::AudioPart(I* component)
 template AudioPart::AudioPart(IConnector* component);
 template AudioPart::AudioPart(ISubunit* component);
 
+AudioPart::AudioPart(const COMPtr<IPart>::pointer& part, const GUID& subType, const qor::String& globalId,
+                     const qor::String& name)
+    : m_part(part),
+      m_subType(subType),
+      m_globalId(globalId),
+      m_name(name)
+{
+}
+
 AudioPart::AudioPart(const AudioPart& other) = default;
 AudioPart::~AudioPart() = default;
 
@@ -105,7 +114,7 @@ unsigned int AudioPart::outgoingPartsList(qor::Array<AudioPart>& list)
 
 bool AudioPart::operator==(const AudioPart& other) const
 {
-    return qor::String::compareNoCase(m_globalId, other.m_globalId) == 0;
+    return qor::String::equalNoCase(m_globalId, other.m_globalId);
 }
 
 COMPtr<IPart>::pointer AudioPart::part() const

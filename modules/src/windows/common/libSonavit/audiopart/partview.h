@@ -4,6 +4,7 @@
 
 #include "libSonavit/audiopart.h"
 #include "libSonavit/audiopart/log.h"
+#include "libSonavit/audiopart/passingcomponent.h"
 
 /// What the library itself reads of parts and components. What a public operation traces is traced here, too: readers
 /// of the log see no difference.
@@ -15,6 +16,12 @@ public:
     static const qor::String& id(const AudioComponent<I>& component)
     {
         return component.m_part.m_globalId;
+    }
+
+    template<class I>
+    static const qor::String& id(const PassingComponent<I, partsnapshot::KeptTexts>& component)
+    {
+        return component.texts().globalId;
     }
 
     /// The part of @p component, as part(), by reference.

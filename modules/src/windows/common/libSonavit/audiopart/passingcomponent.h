@@ -27,6 +27,8 @@ public:
         SONAVIT_TRACE(partlog, "AudioComponent::AudioComponent");
     }
 
+    const typename COMPtr<I>::pointer& component() const noexcept { return m_component; }
+    const COMPtr<IPart>::pointer& part() const noexcept { return m_part; }
     const GUID& subType() const noexcept { return m_subType; }
     const Texts& texts() const noexcept { return m_texts; }
 

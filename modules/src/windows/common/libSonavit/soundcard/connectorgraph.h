@@ -64,7 +64,7 @@ private:
     {
         bool operator()(const qor::String& left, const qor::String& right) const
         {
-            return qor::String::compareNoCase(left, right) == 0;
+            return qor::String::equalNoCase(left, right);
         }
     };
 

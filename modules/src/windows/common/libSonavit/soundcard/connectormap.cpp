@@ -61,8 +61,15 @@ void SoundCard::registerConnectors(const qor::Array<AudioDevice>& deviceList, Co
 
 void SoundCard::registerConnectors(const AudioDeviceTopology& deviceTopology, ConnectorGraph& graph)
 {
+    registerEach(TopologyView::connectors(deviceTopology), graph);
+}
+
+/// Appends a node for each connector of a topology that is not in the map yet.
+/// @tparam Connector AudioComponent<IConnector>, or a PassingComponent with its texts
+template<class Connector>
+void SoundCard::registerEach(const qor::Array<Connector>& connectors, ConnectorGraph& graph)
+{
     SONAVIT_TRACE(soundcardlog, "SoundCard::registerConnectors(const AudioDeviceTopology& deviceTopology)");
-    const qor::Array<AudioComponent<IConnector>>& connectors = TopologyView::connectors(deviceTopology);
     for (unsigned int i = 0; i < connectors.size(); ++i)
     {
         const qor::String& id = PartView::id(connectors[i]);
@@ -100,11 +107,11 @@ void SoundCard::registerFarDevice(AudioDevice& farDevice, const qor::String& far
         registerConnectors(*m_internalDevices, graph); // the whole list again; connectors in the map are skipped
         return;
     }
-    const AudioDeviceTopology nearTopology(m_connectorMap[index].connector);
-    const qor::String owner = nearTopology.deviceOwner();
+    const PassingTopology<partsnapshot::KeptTexts> nearTopology(m_connectorMap[index].connector);
+    const qor::String& owner = nearTopology.deviceOwner();
     if (graph.isKnownDevice(owner))
         return;
-    registerConnectors(nearTopology, graph);
+    registerEach(nearTopology.connectors(), graph);
     graph.addKnownDevice(owner);
 }
 
@@ -139,5 +146,5 @@ void SoundCard::linkWithinTopology(unsigned int index)
 unsigned int SoundCard::nodeIndex(const qor::String& id) const
 {
     return listsearch::indexWhere(m_connectorMap, [&id](const ConnectorNode& node)
-                                  { return qor::String::compareNoCase(PartView::id(node.connector), id) == 0; });
+                                  { return qor::String::equalNoCase(PartView::id(node.connector), id); });
 }

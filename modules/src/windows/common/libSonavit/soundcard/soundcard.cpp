@@ -84,7 +84,7 @@ bool SoundCard::isDeviceAlreadyInTheCard(const qor::String& id)
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::isDeviceAlreadyInTheCard");
     const auto hasThatId = [&id](const AudioDevice& device)
-    { return qor::String::compareNoCase(id, device.deviceProperty().deviceId) == 0; };
+    { return qor::String::equalNoCase(id, device.deviceProperty().deviceId); };
     return listsearch::isHit(listsearch::indexWhere(*m_playbackDevices, hasThatId)) ||
            listsearch::isHit(listsearch::indexWhere(*m_recordDevices, hasThatId));
 }
