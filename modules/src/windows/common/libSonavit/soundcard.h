@@ -171,10 +171,10 @@ private:
     class ConnectorGraph;
 
     void initializeConnectorMap();
-    void registerConnectors(const qor::Array<AudioDevice>& deviceList, ConnectorGraph& graph);
-    void registerConnectors(const AudioDeviceTopology& deviceTopology, ConnectorGraph& graph);
+    void registerConnectors(const qor::Array<AudioDevice>& deviceList, unsigned int numRegistered,
+                            ConnectorGraph& graph);
     template<class Connector>
-    void registerEach(const qor::Array<Connector>& connectors, ConnectorGraph& graph);
+    void registerConnectors(const qor::Array<Connector>& connectors, bool areRegistered, ConnectorGraph& graph);
     void followConnector(unsigned int index, ConnectorGraph& graph);
     void registerFarDevice(AudioDevice& farDevice, const qor::String& farId, unsigned int index, ConnectorGraph& graph);
     void linkToPeer(unsigned int index, const ConnectorGraph& graph);

@@ -49,6 +49,10 @@ public:
     bool isInternalDevice(const qor::String& id) const { return m_internalDevices.count(id) > 0; }
     void addInternalDevice(const qor::String& id) { m_internalDevices.insert(id); }
 
+    /// So many of the internal devices have all their connectors in the map. None at first: those of an earlier run
+    /// have none in the new map.
+    unsigned int numRegisteredInternalDevices = 0;
+
 private:
     struct ExactHash
     {

@@ -38,8 +38,8 @@ void SoundCard::initializeConnectorMap()
     // build treats them as known and omits their connectors, so discovery builds each map once.
     m_connectorMap.clear();
     ConnectorGraph graph(*m_internalDevices);
-    registerConnectors(*m_playbackDevices, graph);
-    registerConnectors(*m_recordDevices, graph);
+    registerConnectors(*m_playbackDevices, 0u, graph);
+    registerConnectors(*m_recordDevices, 0u, graph);
     graph.addKnownDevices(*m_playbackDevices);
     graph.addKnownDevices(*m_recordDevices);
     for (unsigned int i = 0; i < m_connectorMap.size(); ++i) // the map grows during this pass
@@ -48,28 +48,29 @@ void SoundCard::initializeConnectorMap()
         linkWithinTopology(i);
 }
 
-void SoundCard::registerConnectors(const qor::Array<AudioDevice>& deviceList, ConnectorGraph& graph)
+/// @param numRegistered so many devices at the front of the list have all their connectors in the map, so that these
+/// need not be searched for
+void SoundCard::registerConnectors(const qor::Array<AudioDevice>& deviceList, unsigned int numRegistered,
+                                   ConnectorGraph& graph)
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::registerConnectors(const Array<AudioDevice>& deviceList)");
     for (unsigned int i = 0; i < deviceList.size(); ++i)
     {
         AudioDeviceTopology deviceTopology;
         deviceList[i].deviceTopology(deviceTopology);
-        registerConnectors(deviceTopology, graph);
+        registerConnectors(TopologyView::connectors(deviceTopology), i < numRegistered, graph);
     }
 }
 
-void SoundCard::registerConnectors(const AudioDeviceTopology& deviceTopology, ConnectorGraph& graph)
-{
-    registerEach(TopologyView::connectors(deviceTopology), graph);
-}
-
 /// Appends a node for each connector of a topology that is not in the map yet.
+/// @param areRegistered whether the map contains all of them
 /// @tparam Connector AudioComponent<IConnector>, or a PassingComponent with its texts
 template<class Connector>
-void SoundCard::registerEach(const qor::Array<Connector>& connectors, ConnectorGraph& graph)
+void SoundCard::registerConnectors(const qor::Array<Connector>& connectors, bool areRegistered, ConnectorGraph& graph)
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::registerConnectors(const AudioDeviceTopology& deviceTopology)");
+    if (areRegistered)
+        return;
     for (unsigned int i = 0; i < connectors.size(); ++i)
     {
         const qor::String& id = PartView::id(connectors[i]);
@@ -104,14 +105,16 @@ void SoundCard::registerFarDevice(AudioDevice& farDevice, const qor::String& far
         graph.addInternalDevice(farDevice.deviceProperty().deviceId);
         AudioDevice::LastUse(farDevice).appendTo(*m_internalDevices);
         graph.addKnownDevice(farId);
-        registerConnectors(*m_internalDevices, graph); // the whole list again; connectors in the map are skipped
+        // Required behaviour: the whole list again, with a copy of each topology.
+        registerConnectors(*m_internalDevices, graph.numRegisteredInternalDevices, graph);
+        graph.numRegisteredInternalDevices = m_internalDevices->size();
         return;
     }
     const PassingTopology<partsnapshot::KeptTexts> nearTopology(m_connectorMap[index].connector);
     const qor::String& owner = nearTopology.deviceOwner();
     if (graph.isKnownDevice(owner))
         return;
-    registerEach(nearTopology.connectors(), graph);
+    registerConnectors(nearTopology.connectors(), false, graph);
     graph.addKnownDevice(owner);
 }
 
