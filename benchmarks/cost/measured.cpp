@@ -22,4 +22,23 @@ void measureLibraryControls(const std::vector<LibraryEndpoint>& endpoints)
         endpoint.card->volumeController(endpoint.device, controls);
     }
 }
+
+void measureDirectDiscovery(direct::Client& client)
+{
+    const std::vector<direct::Card> cards = direct::Card::findAll(client);
+}
+
+void measureDirectLists()
+{
+    const direct::StateLists render = direct::readStateLists(eRender);
+    const direct::StateLists capture = direct::readStateLists(eCapture);
+}
+
+void measureDirectControls(const std::vector<DirectEndpoint>& endpoints)
+{
+    for (const DirectEndpoint& endpoint : endpoints)
+    {
+        const std::vector<direct::Control> controls = endpoint.card->controlsOf(endpoint.device);
+    }
+}
 }

@@ -3,6 +3,7 @@
 /// measured in the client's own OnDeviceStateChanged.
 #pragma once
 
+#include "direct/card.h"
 #include "libSonavit/libsonavit.h"
 
 #include <vector>
@@ -16,9 +17,20 @@ struct LibraryEndpoint
     AudioDevice device;
 };
 
+struct DirectEndpoint
+{
+    const direct::Card* card;
+    direct::Device device;
+};
+
 // The time to destroy the result is in each of them.
 void measureLibraryDiscovery();
 void measureLibraryLists();
 /// Finds the controls of each endpoint.
 void measureLibraryControls(const std::vector<LibraryEndpoint>& endpoints);
+
+// The same without the library.
+void measureDirectDiscovery(direct::Client& client);
+void measureDirectLists();
+void measureDirectControls(const std::vector<DirectEndpoint>& endpoints);
 }

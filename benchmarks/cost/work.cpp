@@ -49,6 +49,35 @@ Operation event(std::shared_ptr<const void> cards, sim::Simulation& simulation)
     { simulation.events().announceState(id, state); };
 }
 
+/// The same without the library. The client outlives the cards.
+struct DirectCards
+{
+    direct::Client client;
+    std::vector<direct::Card> cards = direct::Card::findAll(client);
+    std::vector<DirectEndpoint> endpoints;
+};
+
+void addEndpoints(DirectCards& found, EDataFlow flow)
+{
+    const direct::ComPtr<IMMDeviceEnumerator> enumerator = direct::createEnumerator();
+    for (const direct::Device& device : direct::readEndpoints(*enumerator.get(), flow, DEVICE_STATEMASK_ALL))
+    {
+        for (const direct::Card& card : found.cards)
+        {
+            if (card.data().instancePath == device.properties.instancePath)
+                found.endpoints.push_back({&card, device});
+        }
+    }
+}
+
+Operation directControls()
+{
+    const auto found = std::make_shared<DirectCards>();
+    addEndpoints(*found, eRender);
+    addEndpoints(*found, eCapture);
+    return [found] { measureDirectControls(found->endpoints); };
+}
+
 Operation libraryOperation(const std::string& work, sim::Simulation& simulation)
 {
     if (work == "discovery")
@@ -61,12 +90,27 @@ Operation libraryOperation(const std::string& work, sim::Simulation& simulation)
         return event(std::make_shared<LibraryCards>(), simulation);
     throw std::invalid_argument("no such work: " + work);
 }
+
+Operation directOperation(const std::string& work, sim::Simulation& simulation)
+{
+    if (work == "discovery")
+        return [client = std::make_shared<direct::Client>()] { measureDirectDiscovery(*client); };
+    if (work == "lists")
+        return measureDirectLists;
+    if (work == "controls")
+        return directControls();
+    if (work == "event")
+        return event(std::make_shared<DirectCards>(), simulation);
+    throw std::invalid_argument("no such work: " + work);
+}
 }
 
 Operation prepareOperation(const std::string& side, const std::string& work, sim::Simulation& simulation)
 {
     if (side == "library")
         return libraryOperation(work, simulation);
+    if (side == "direct")
+        return directOperation(work, simulation);
     throw std::invalid_argument("no such side: " + side);
 }
 }
