@@ -168,6 +168,8 @@ public:
     ~AudioDevice() noexcept(false) override;
 
 private:
+    friend class DeviceView;
+
     template<class T>
     typename COMPtr<T>::pointer activateDeviceInterface();
 

@@ -99,7 +99,13 @@ qor::Array<AudioComponent<ISubunit>> AudioDeviceTopology::subunit() const
 bool AudioDeviceTopology::connectorsAreLinked(const AudioComponent<IConnector>& from,
                                               const AudioComponent<IConnector>& to) const
 {
-    return topologyreading::connectorsAreLinked(m_topology.get(), from, to);
+    SONAVIT_TRACE(topologylog, "AudioDeviceTopology::connectorsAreLinked");
+    if (from == to)
+    {
+        SONAVIT_LOG(topologylog, LOG_WARNING, out.append("Function treats the same connectors as unlinked"));
+        return false;
+    }
+    return topologyreading::haveSignalPath(m_topology.get(), from, to);
 }
 
 /// The fields, for the reading that this class shares with PassingTopology.
@@ -108,15 +114,9 @@ topologyreading::Snapshot<AudioComponent<IConnector>, AudioComponent<ISubunit>> 
     return {m_topology, m_deviceOwner, m_connectors, m_subunits};
 }
 
-bool topologyreading::connectorsAreLinked(IDeviceTopology* topology, const AudioComponent<IConnector>& from,
-                                          const AudioComponent<IConnector>& to)
+bool topologyreading::haveSignalPath(IDeviceTopology* topology, const AudioComponent<IConnector>& from,
+                                     const AudioComponent<IConnector>& to)
 {
-    SONAVIT_TRACE(topologylog, "AudioDeviceTopology::connectorsAreLinked");
-    if (from == to)
-    {
-        SONAVIT_LOG(topologylog, LOG_WARNING, out.append("Function treats the same connectors as unlinked"));
-        return false;
-    }
     IPart* const fromPart = PartView::platformPart(PartView::part(from));
     IPart* const toPart = fromPart == nullptr ? nullptr : PartView::platformPart(PartView::part(to));
     if (toPart == nullptr)

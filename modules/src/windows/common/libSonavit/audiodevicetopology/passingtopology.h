@@ -36,10 +36,11 @@ public:
     /// In the platform's order.
     const qor::Array<Connector>& connectors() const noexcept { return m_connectors; }
 
-    /// As AudioDeviceTopology::connectorsAreLinked().
-    bool connectorsAreLinked(const AudioComponent<IConnector>& from, const AudioComponent<IConnector>& to) const
+    /// As AudioDeviceTopology::connectorsAreLinked(), for two nodes of a connector map: their ids differ.
+    bool nodesAreLinked(const AudioComponent<IConnector>& from, const AudioComponent<IConnector>& to) const
     {
-        return topologyreading::connectorsAreLinked(m_topology.get(), from, to);
+        SONAVIT_TRACE(topologylog, "AudioDeviceTopology::connectorsAreLinked");
+        return topologyreading::haveSignalPath(m_topology.get(), from, to);
     }
 
 private:

@@ -199,8 +199,8 @@ bool initializeHelper(const Snapshot<Connector, Subunit>& snapshot, Interface* c
     return initialize(snapshot, COMPtr<IPart>::pointer(part));
 }
 
-/// Whether a signal path of @p topology joins two connectors, as AudioDeviceTopology::connectorsAreLinked() documents.
-/// @p topology may be null.
-bool connectorsAreLinked(IDeviceTopology* topology, const AudioComponent<IConnector>& from,
-                         const AudioComponent<IConnector>& to);
+/// Whether a signal path of @p topology, which may be null, joins two connectors of different ids: the part of
+/// AudioDeviceTopology::connectorsAreLinked() that asks the platform.
+bool haveSignalPath(IDeviceTopology* topology, const AudioComponent<IConnector>& from,
+                    const AudioComponent<IConnector>& to);
 }

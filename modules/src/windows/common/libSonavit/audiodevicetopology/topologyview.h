@@ -9,6 +9,12 @@
 class TopologyView
 {
 public:
+    /// The platform's topology, as topology(), by reference; may be nil.
+    static const COMPtr<IDeviceTopology>::pointer& handle(const AudioDeviceTopology& topology)
+    {
+        return topology.m_topology;
+    }
+
     /// The connectors of @p topology, as connector(), by reference.
     static const qor::Array<AudioComponent<IConnector>>& connectors(const AudioDeviceTopology& topology)
     {

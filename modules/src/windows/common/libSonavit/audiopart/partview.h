@@ -40,6 +40,18 @@ public:
         return component.m_component.get();
     }
 
+    /// The two handles of @p component, by reference and without a trace.
+    template<class I>
+    static const typename COMPtr<I>::pointer& componentHandle(const AudioComponent<I>& component)
+    {
+        return component.m_component;
+    }
+    template<class I>
+    static const COMPtr<IPart>::pointer& partHandle(const AudioComponent<I>& component)
+    {
+        return component.m_part.m_part;
+    }
+
     /// The platform's part, as AudioPart::part(), without a reference of the caller's; may be null.
     static IPart* platformPart(const AudioPart& part) { return part.m_part.get(); }
 

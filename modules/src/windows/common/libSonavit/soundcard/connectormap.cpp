@@ -1,8 +1,10 @@
 #include "libSonavit/soundcard.h"
 
 #include "COM/tasktext.h"
+#include "libSonavit/audiodeviceendpoint/deviceview.h"
 #include "libSonavit/audiodeviceendpoint/lastuse.h"
 #include "libSonavit/audiodevicetopology/passingtopology.h"
+#include "libSonavit/audiodevicetopology/topologyreferences.h"
 #include "libSonavit/audiodevicetopology/topologyview.h"
 #include "libSonavit/audiopart/partview.h"
 #include "libSonavit/audiopart/passingcomponent.h"
@@ -56,9 +58,9 @@ void SoundCard::registerConnectors(const qor::Array<AudioDevice>& deviceList, un
     SONAVIT_TRACE(soundcardlog, "SoundCard::registerConnectors(const Array<AudioDevice>& deviceList)");
     for (unsigned int i = 0; i < deviceList.size(); ++i)
     {
-        AudioDeviceTopology deviceTopology;
-        deviceList[i].deviceTopology(deviceTopology);
-        registerConnectors(TopologyView::connectors(deviceTopology), i < numRegistered, graph);
+        const AudioDeviceTopology& topology = DeviceView::topology(deviceList[i]);
+        const TopologyReferences references(topology);
+        registerConnectors(TopologyView::connectors(topology), i < numRegistered, graph);
     }
 }
 
@@ -105,7 +107,7 @@ void SoundCard::registerFarDevice(AudioDevice& farDevice, const qor::String& far
         graph.addInternalDevice(farDevice.deviceProperty().deviceId);
         AudioDevice::LastUse(farDevice).appendTo(*m_internalDevices);
         graph.addKnownDevice(farId);
-        // Required behaviour: the whole list again, with a copy of each topology.
+        // Required behaviour: the whole list again, with references on all that it contains.
         registerConnectors(*m_internalDevices, graph.numRegisteredInternalDevices, graph);
         graph.numRegisteredInternalDevices = m_internalDevices->size();
         return;
@@ -138,7 +140,7 @@ void SoundCard::linkWithinTopology(unsigned int index)
     for (unsigned int other = index + 1; other < m_connectorMap.size(); ++other)
     {
         ConnectorNode& otherNode = m_connectorMap[other];
-        if (!topology.connectorsAreLinked(node.connector, otherNode.connector))
+        if (!topology.nodesAreLinked(node.connector, otherNode.connector))
             continue;
         node.links.append(other);
         otherNode.links.append(index);

@@ -1,0 +1,17 @@
+/// Devices without the copies that their public operations hand out; included by the library's source files only.
+#pragma once
+
+#include "libSonavit/audiodeviceendpoint.h"
+#include "libSonavit/audiodeviceendpoint/log.h"
+
+/// What the library itself reads of devices.
+class DeviceView
+{
+public:
+    /// The topology of @p device, as deviceTopology(AudioDeviceTopology&), by reference. It is traced like that one.
+    static const AudioDeviceTopology& topology(const AudioDevice& device)
+    {
+        SONAVIT_TRACE(endpointlog, "AudioDevice::deviceTopology(AudioDeviceTopology& topo)");
+        return device.m_topology;
+    }
+};
