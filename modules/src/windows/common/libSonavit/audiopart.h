@@ -95,6 +95,8 @@ private:
 
     void initialize();
     static unsigned int storePartsList(IPartsList* list, qor::Array<AudioPart>& parts);
+    static void storeInNewList(IPartsList* list, qor::Array<AudioPart>& parts);
+    static void appendParts(IPartsList& list, qor::Array<AudioPart>& parts);
     static bool enumerateIncomingParts(IPart& part, IPartsList*& list);
     static bool enumerateOutgoingParts(IPart& part, IPartsList*& list);
     static bool isIn(const qor::Array<AudioPart>& list, const AudioPart& part);

@@ -2,8 +2,10 @@
 
 #include "COM/identifiers.h"
 #include "COM/resultcode.h"
+#include "libSonavit/audiodeviceendpoint/deviceview.h"
 #include "libSonavit/audiodeviceendpoint/log.h"
 #include "libSonavit/audiodeviceendpoint/propertystore.h"
+#include "libSonavit/audiopart/componentreferences.h"
 #include "libSonavit/audiopart/partview.h"
 #include "libSonavit/audiopart/passingcomponent.h"
 
@@ -128,8 +130,9 @@ void AudioDevice::readDirectSoundGuid()
 /// Only the first connector is used; if it leads nowhere, the jack type keeps its value.
 void AudioDevice::readJackType()
 {
-    qor::Array<AudioComponent<IConnector>> connectors;
-    if (connector(connectors) == 0)
+    const qor::Array<AudioComponent<IConnector>>& connectors = DeviceView::connectors(*this);
+    const ComponentReferences<IConnector> references(connectors);
+    if (connectors.size() == 0)
         return;
     IConnector* const first = PartView::component(connectors[0]);
     if (first == nullptr)

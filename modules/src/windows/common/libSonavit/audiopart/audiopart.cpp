@@ -179,17 +179,30 @@ unsigned int AudioPart::storePartsList(IPartsList* list, qor::Array<AudioPart>& 
     SONAVIT_TRACE(partlog, "AudioPart::storePartsList");
     precondition::check(list != nullptr, __FILE__, __LINE__, "partlist != NULL");
     parts.clear();
+    appendParts(*list, parts);
+    return parts.size();
+}
+
+/// As storePartsList(), for a list that is new: it has an empty block already.
+void AudioPart::storeInNewList(IPartsList* list, qor::Array<AudioPart>& parts)
+{
+    SONAVIT_TRACE(partlog, "AudioPart::storePartsList");
+    precondition::check(list != nullptr, __FILE__, __LINE__, "partlist != NULL");
+    appendParts(*list, parts);
+}
+
+void AudioPart::appendParts(IPartsList& list, qor::Array<AudioPart>& parts)
+{
     UINT count = 0;
-    list->GetCount(&count);
+    list.GetCount(&count);
     parts.ensureCapacity(std::min(count, largestRoom));
     for (UINT index = 0; index < count; ++index)
     {
         IPart* part = nullptr;
-        if (FAILED(list->GetPart(index, &part)))
+        if (FAILED(list.GetPart(index, &part)))
             continue;
         parts.emplace(part);
     }
-    return parts.size();
 }
 
 /// Copies the cache of @p owner into the caller's list. In `parts[0].incomingPartsList(parts)` that list holds the

@@ -55,14 +55,14 @@ public:
     /// The platform's part, as AudioPart::part(), without a reference of the caller's; may be null.
     static IPart* platformPart(const AudioPart& part) { return part.m_part.get(); }
 
-    /// As incomingPartsList() of an AudioPart that has @p part, but straight into @p list: there is no cache, and so no
-    /// copy of it.
+    /// As incomingPartsList() of an AudioPart that has @p part, but straight into @p list, which is new: there is no
+    /// cache, and so no copy of it.
     static void readIncomingParts(IPart& part, qor::Array<AudioPart>& list)
     {
         SONAVIT_TRACE(partlog, "AudioPart::incomingPartsList");
         IPartsList* parts = nullptr;
         if (AudioPart::enumerateIncomingParts(part, parts))
-            AudioPart::storePartsList(parts, list);
+            AudioPart::storeInNewList(parts, list);
     }
 
     /// As outgoingPartsList(), likewise.
@@ -71,6 +71,6 @@ public:
         SONAVIT_TRACE(partlog, "AudioPart::outgoingPartsList");
         IPartsList* parts = nullptr;
         if (AudioPart::enumerateOutgoingParts(part, parts))
-            AudioPart::storePartsList(parts, list);
+            AudioPart::storeInNewList(parts, list);
     }
 };

@@ -36,7 +36,7 @@ typename COMPtr<I>::pointer activate(IPart& part, const IID& iid)
 class VisitQueue
 {
 public:
-    explicit VisitQueue(unsigned int numNodes) : m_isQueued(numNodes, false) {}
+    explicit VisitQueue(unsigned int numNodes) : m_isQueued(numNodes, false) { m_nodes.reserve(numNodes); }
 
     unsigned int size() const noexcept { return static_cast<unsigned int>(m_nodes.size()); }
     unsigned int operator[](unsigned int position) const { return m_nodes[position]; }
@@ -156,7 +156,8 @@ bool SoundCard::partFromList(const qor::Array<AudioPart>& parts, const GUID& par
                              qor::Array<AudioPart>& result) const
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::partFromList");
-    result.clear();
+    if (result.size() > 0)
+        result.clear();
     for (unsigned int i = 0; i < parts.size(); ++i)
     {
         if (parts[i].subType() == partType)
