@@ -188,6 +188,23 @@ TEST_F(CopiedResource, IsNilAsACopyOfANilHandle)
     EXPECT_THAT(Counted::events, IsEmpty());
 }
 
+TEST_F(CopiedResource, SwapsItsPointerWithoutACopyOrARelease)
+{
+    Counted first("first");
+    Counted second("second");
+    Handle handle(&first);
+    Handle other(&second);
+    Handle nil;
+
+    handle.swap(other);
+    other.swap(nil);
+
+    EXPECT_THAT(Counted::events, IsEmpty());
+    EXPECT_EQ(&second, handle.get());
+    EXPECT_EQ(nullptr, other.get());
+    EXPECT_EQ(&first, nil.get());
+}
+
 TEST_F(CopiedResource, GivesAccessToThePointee)
 {
     Counted object;

@@ -204,6 +204,27 @@ TEST_F(AudioPartAssignment, OfAPartOfItsOwnListIsSafe)
     EXPECT_EQ(1, references(stream));
 }
 
+TEST_F(AudioPartAssignment, OfAPartInAListOfItsOwnListIsSafe)
+{
+    kept.partsLists = 2;
+    start();
+    AudioPart part(this->part(mute));
+    qor::Array<AudioPart> list;
+    part.incomingPartsList(list);
+    part.m_incomingParts[0].incomingPartsList(list);
+    list.clear();
+    ASSERT_EQ(volume, part.m_incomingParts[0].globalId().toUtf8());
+    ASSERT_EQ(stream, part.m_incomingParts[0].m_incomingParts[0].globalId().toUtf8());
+
+    part = part.m_incomingParts[0].m_incomingParts[0];
+
+    EXPECT_EQ(stream, part.globalId().toUtf8());
+    EXPECT_EQ(0u, part.m_incomingParts.size());
+    EXPECT_EQ(0, references(mute));
+    EXPECT_EQ(0, references(volume));
+    EXPECT_EQ(1, references(stream));
+}
+
 TEST_F(AudioPartAssignment, LeavesTheOtherPartsListsAlone)
 {
     kept.partsLists = 1;

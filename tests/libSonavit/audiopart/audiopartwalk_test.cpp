@@ -361,6 +361,22 @@ TEST_P(AudioPartList, MayHoldThePartThatIsAskedForIt)
     EXPECT_EQ(3, neighbourReferences());
 }
 
+TEST_P(AudioPartList, MayHoldThePartThatIsAskedForItInAListOfOneOfItsParts)
+{
+    kept.partsLists = 1;
+    start();
+    qor::Array<AudioPart> list;
+    list.append(AudioPart(this->part(stream)));
+    list[0].m_outgoingParts.append(AudioPart(this->part(mixer)));
+
+    const unsigned int count = walk(list[0].m_outgoingParts[0], list);
+
+    EXPECT_EQ(3u, count);
+    EXPECT_EQ(neighbours(), idsOf(list));
+    EXPECT_EQ(0, references(mixer));
+    EXPECT_EQ(3, neighbourReferences());
+}
+
 TEST_F(AudioPartStorePartsList, ReplacesTheGivenListAndAnswersItsSize)
 {
     kept.partsLists = 1;
