@@ -35,6 +35,16 @@ public:
     /// Copies each element in order; the capacity is that of @p other. @exception NullPointer without memory
     Array(const Array& other) : Serializable(other), m_block(copyOf(other.m_block)) {}
 
+    /// Says that an array is taken from another one, see below.
+    struct Taken
+    {
+    };
+
+    /// Takes the block of @p other, whose elements stay where they are. Afterwards @p other has no block, size and
+    /// capacity 0, and may only be destroyed, cleared or assigned. There is no move constructor: a copy that is made
+    /// without such a word is a copy.
+    Array(Array& other, Taken) noexcept : m_block(other.m_block) { other.m_block = nullptr; }
+
     ~Array() noexcept(false) override { destroyBlock(); }
 
     /// Does nothing if both arrays have the same block. Otherwise destroys its own elements before it copies the

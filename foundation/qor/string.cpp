@@ -209,11 +209,20 @@ bool String::equalNoCase(const String& left, const String& right) noexcept
 {
     if (left.size() != right.size())
         return false;
-    if (left.size() < unitsOfWord)
-        return compareNoCase(left, right) == 0;
-    const unsigned int last = left.size() - static_cast<unsigned int>(unitsOfWord);
-    return sameButForCase(wordAt(left.getUCS2Buffer() + last), wordAt(right.getUCS2Buffer() + last)) &&
-           compareNoCase(left, right) == 0;
+    const unsigned short* const a = left.getUCS2Buffer();
+    const unsigned short* const b = right.getUCS2Buffer();
+    std::size_t rest = left.size();
+    for (; rest >= unitsOfWord; rest -= unitsOfWord)
+    {
+        if (!sameButForCase(wordAt(a + rest - unitsOfWord), wordAt(b + rest - unitsOfWord)))
+            return false;
+    }
+    for (; rest > 0; --rest)
+    {
+        if (folded(a[rest - 1]) != folded(b[rest - 1]))
+            return false;
+    }
+    return true;
 }
 
 unsigned int String::hashNoCase(const String& text) noexcept

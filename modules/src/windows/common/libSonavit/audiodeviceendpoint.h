@@ -20,6 +20,14 @@ enum class StoreAccess
     writeElseRead ///< with STGM_READWRITE; after E_ACCESSDENIED, and no other failure, once more with STGM_READ
 };
 
+namespace partsnapshot
+{
+struct DroppedTexts;
+}
+
+template<class Texts>
+class PassingTopology;
+
 /// One Core Audio device: an endpoint or an adapter device.
 ///
 /// Windows lets a process open a store for writing only if it runs as administrator (IMMDevice::OpenPropertyStore). A
@@ -66,6 +74,7 @@ public:
     AudioDevice& operator=(const AudioDevice& other);
 
     class LastUse;
+    class InPassing;
 
     /// For the library's own lists: a copy of a device that is destroyed next. It takes the topology instead of copying
     /// it.
@@ -182,10 +191,16 @@ private:
     template<class DataType>
     bool getPropVariantValue(const PROPVARIANT& variant, DataType& value);
 
+    AudioDevice(const qor::String& deviceId, PassingTopology<partsnapshot::DroppedTexts>& topology);
+
+    bool initialize(const qor::String& deviceId, PassingTopology<partsnapshot::DroppedTexts>* passing);
+    bool initialize(IMMDevice* device, PassingTopology<partsnapshot::DroppedTexts>* passing);
     void initializeAdopted();
-    bool readDevice();
+    bool readDevice(PassingTopology<partsnapshot::DroppedTexts>* passing);
+    bool readInformation(const PassingTopology<partsnapshot::DroppedTexts>* passing);
     void readDirectSoundGuid();
-    void readJackType();
+    void readJackType(const PassingTopology<partsnapshot::DroppedTexts>* passing);
+    IConnector* firstConnector(const PassingTopology<partsnapshot::DroppedTexts>* passing) const;
     COMPtr<IAudioEndpointVolume>::pointer volumeController();
     bool createVolumeControl();
     void printReferenceCount();

@@ -3,6 +3,8 @@
 #include "libSonavit/audiodevicetopology/topologyreading.h"
 #include "libSonavit/audiopart/partview.h"
 
+#include <utility>
+
 namespace
 {
 /// Whether a signal path runs from one connector to the other. Its list is released; what comes along with a failure is
@@ -43,6 +45,15 @@ AudioDeviceTopology::AudioDeviceTopology(const AudioComponent<IConnector>& conne
 {
     SONAVIT_TRACE(topologylog, "AudioDeviceTopology::AudioDeviceTopology(IConnector* connector)");
     topologyreading::initializeHelper(snapshot(), PartView::component(connector));
+}
+
+/// Takes what @p other holds: no reference is added or released, and nothing is copied. @p other is destroyed next.
+AudioDeviceTopology::AudioDeviceTopology(AudioDeviceTopology& other, Taken) noexcept
+    : m_deviceOwner(std::move(other.m_deviceOwner)),
+      m_connectors(other.m_connectors, {}),
+      m_subunits(other.m_subunits, {})
+{
+    m_topology.swap(other.m_topology);
 }
 
 AudioDeviceTopology::AudioDeviceTopology(const AudioDeviceTopology& other) = default;

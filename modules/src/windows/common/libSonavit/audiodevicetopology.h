@@ -83,6 +83,11 @@ public:
 private:
     friend class TopologyView;
 
+    struct Taken
+    {
+    };
+    AudioDeviceTopology(AudioDeviceTopology& other, Taken) noexcept;
+
     topologyreading::Snapshot<AudioComponent<IConnector>, AudioComponent<ISubunit>> snapshot() noexcept;
 
     COMPtr<IDeviceTopology>::pointer m_topology;

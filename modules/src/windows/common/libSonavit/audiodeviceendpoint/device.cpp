@@ -5,6 +5,7 @@
 #include "COM/tasktext.h"
 #include "libSonavit/audiodeviceendpoint/lastuse.h"
 #include "libSonavit/audiodeviceendpoint/log.h"
+#include "libSonavit/audiodevicetopology/passingtopology.h"
 #include "libSonavit/audiodevicetopology/topologyview.h"
 #include "libSonavit/endpointdeviceenumerator.h"
 
@@ -23,15 +24,22 @@ AudioDevice::AudioDevice(const qor::String& deviceId)
     initialize(deviceId);
 }
 
+/// As above, for AudioDevice::InPassing: the topology is read into @p topology.
+AudioDevice::AudioDevice(const qor::String& deviceId, PassingTopology<partsnapshot::DroppedTexts>& topology)
+{
+    SONAVIT_TRACE(endpointlog, "AudioDevice::AudioDevice(qor::String const& deviceId)");
+    initialize(deviceId, &topology);
+}
+
 AudioDevice::AudioDevice(const LastUse& source)
     : AudioDeviceInterface(source.device()),
       m_device(source.device().m_device),
       m_propertyStore(source.device().m_propertyStore),
       m_volumeControl(source.device().m_volumeControl),
+      m_topology(TopologyView::take(source.device().m_topology)),
       m_properties(source.device().m_properties),
       m_savedProperties(source.device().m_savedProperties)
 {
-    TopologyView::swap(m_topology, source.device().m_topology);
 }
 
 AudioDevice::AudioDevice(const AudioDevice& other) = default;
@@ -39,14 +47,26 @@ AudioDevice& AudioDevice::operator=(const AudioDevice& other) = default;
 
 bool AudioDevice::initialize(IMMDevice* device)
 {
+    return initialize(device, nullptr);
+}
+
+bool AudioDevice::initialize(const qor::String& deviceId)
+{
+    return initialize(deviceId, nullptr);
+}
+
+/// @param passing as for readDevice()
+bool AudioDevice::initialize(IMMDevice* device, PassingTopology<partsnapshot::DroppedTexts>* passing)
+{
     COMPtr<IMMDevice>::pointer owned(device); // before the trace record, which allocates and may throw
     SONAVIT_TRACE(endpointlog, "AudioDevice::initialize(IMMDevice* device)");
     m_device = owned;
     owned = nullptr; // so that it does not raise the reference count that readDevice() logs
-    return readDevice();
+    return readDevice(passing);
 }
 
-bool AudioDevice::initialize(const qor::String& deviceId)
+/// @param passing as for readDevice()
+bool AudioDevice::initialize(const qor::String& deviceId, PassingTopology<partsnapshot::DroppedTexts>* passing)
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::initialize(qor::String const& deviceId)");
     const OwnedPointer<libSonavit::AudioDeviceEnumerator>& shared =
@@ -66,22 +86,23 @@ bool AudioDevice::initialize(const qor::String& deviceId)
         SONAVIT_LOG(endpointlog, LOG_ERROR, out.append("IMMDeviceEnumerator::GetDevice returns ").append(hexText(result)));
         return false;
     }
-    return initialize(device);
+    return initialize(device, passing);
 }
 
 /// As initialize(IMMDevice*), for the device that the constructor has adopted.
 void AudioDevice::initializeAdopted()
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::initialize(IMMDevice* device)");
-    readDevice();
+    readDevice(nullptr);
 }
 
 /// Reads everything from the device that m_device holds.
 ///
 /// The topology precedes the properties, so a message about a failing activation shows the names that an earlier
 /// initialize() read, or empty ones.
+/// @param passing where the topology of a device that is given up is read, instead of m_topology; null otherwise
 /// @return as initialize(IMMDevice*)
-bool AudioDevice::readDevice()
+bool AudioDevice::readDevice(PassingTopology<partsnapshot::DroppedTexts>* passing)
 {
     if (m_device.get() == nullptr)
         return false;
@@ -92,9 +113,11 @@ bool AudioDevice::readDevice()
     }
     printReferenceCount();
 
-    if (!m_topology.isInitialized())
+    if (passing != nullptr)
+        passing->read(activateDeviceInterface<IDeviceTopology>());
+    else if (!m_topology.isInitialized())
         m_topology = activateDeviceInterface<IDeviceTopology>();
-    const bool refreshed = refreshDeviceInformation();
+    const bool refreshed = passing != nullptr ? readInformation(passing) : refreshDeviceInformation();
     if (refreshed)
         m_savedProperties = m_properties;
     createVolumeControl();

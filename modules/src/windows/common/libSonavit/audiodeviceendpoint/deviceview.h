@@ -3,7 +3,6 @@
 
 #include "libSonavit/audiodeviceendpoint.h"
 #include "libSonavit/audiodeviceendpoint/log.h"
-#include "libSonavit/audiodevicetopology/topologyview.h"
 
 /// What the library itself reads of devices.
 class DeviceView
@@ -14,12 +13,5 @@ public:
     {
         SONAVIT_TRACE(endpointlog, "AudioDevice::deviceTopology(AudioDeviceTopology& topo)");
         return device.m_topology;
-    }
-
-    /// The connectors of @p device, as connector(), by reference. It is traced like that one.
-    static const qor::Array<AudioComponent<IConnector>>& connectors(const AudioDevice& device)
-    {
-        SONAVIT_TRACE(endpointlog, "AudioDevice::connector(qor::Array<AudioConnector>& connectorList)");
-        return TopologyView::connectors(device.m_topology);
     }
 };

@@ -2,10 +2,10 @@
 
 #include "COM/identifiers.h"
 #include "COM/resultcode.h"
-#include "libSonavit/audiodeviceendpoint/deviceview.h"
 #include "libSonavit/audiodeviceendpoint/log.h"
 #include "libSonavit/audiodeviceendpoint/propertystore.h"
-#include "libSonavit/audiopart/componentreferences.h"
+#include "libSonavit/audiodevicetopology/passingtopology.h"
+#include "libSonavit/audiodevicetopology/topologyview.h"
 #include "libSonavit/audiopart/partview.h"
 #include "libSonavit/audiopart/passingcomponent.h"
 
@@ -25,6 +25,12 @@ public:
 private:
     PROPVARIANT& m_variant;
 };
+
+template<class Component>
+IConnector* firstOf(const qor::Array<Component>& connectors)
+{
+    return connectors.size() == 0 ? nullptr : PartView::component(connectors[0]);
+}
 }
 
 const PROPERTYKEY AudioDevice::m_friendlyName = propertykeys::friendlyName;
@@ -35,6 +41,12 @@ const PROPERTYKEY AudioDevice::m_directSoundGUID = propertykeys::directSoundGuid
 const PROPERTYKEY AudioDevice::m_deviceFormat = propertykeys::deviceFormat;
 
 bool AudioDevice::refreshDeviceInformation()
+{
+    return readInformation(nullptr);
+}
+
+/// @param passing as for readDevice()
+bool AudioDevice::readInformation(const PassingTopology<partsnapshot::DroppedTexts>* passing)
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::refreshDeviceInformation()");
     if (m_propertyStore.get() == nullptr)
@@ -63,7 +75,7 @@ bool AudioDevice::refreshDeviceInformation()
     readDirectSoundGuid();
     refreshDeviceState();
     if (isEndpoint())
-        readJackType();
+        readJackType(passing);
     m_properties.logPropertyInfo();
     return true;
 }
@@ -128,13 +140,10 @@ void AudioDevice::readDirectSoundGuid()
 }
 
 /// Only the first connector is used; if it leads nowhere, the jack type keeps its value.
-void AudioDevice::readJackType()
+/// @param passing as for readDevice()
+void AudioDevice::readJackType(const PassingTopology<partsnapshot::DroppedTexts>* passing)
 {
-    const qor::Array<AudioComponent<IConnector>>& connectors = DeviceView::connectors(*this);
-    const ComponentReferences<IConnector> references(connectors);
-    if (connectors.size() == 0)
-        return;
-    IConnector* const first = PartView::component(connectors[0]);
+    IConnector* const first = firstConnector(passing);
     if (first == nullptr)
         return;
     IConnector* farConnector = nullptr;
@@ -142,4 +151,15 @@ void AudioDevice::readJackType()
         return; // a pointer along with the failure code is ignored
     const PassingComponent<IConnector, partsnapshot::DroppedTexts> jack(farConnector);
     m_properties.subType = jack.subType();
+}
+
+/// The first connector of the topology, which owns the reference; null if there is none.
+IConnector* AudioDevice::firstConnector(const PassingTopology<partsnapshot::DroppedTexts>* passing) const
+{
+    {
+        SONAVIT_TRACE(endpointlog, "AudioDevice::connector(qor::Array<AudioConnector>& connectorList)");
+    }
+    if (passing != nullptr)
+        return firstOf(passing->connectors());
+    return firstOf(TopologyView::connectors(m_topology));
 }

@@ -16,6 +16,9 @@ class PassingTopology
 public:
     using Connector = PassingComponent<IConnector, Texts>;
 
+    /// An empty object.
+    PassingTopology() = default;
+
     explicit PassingTopology(const COMPtr<IDeviceTopology>::pointer& topology)
     {
         SONAVIT_TRACE(topologylog, "AudioDeviceTopology::AudioDeviceTopology(IDeviceTopology* deviceTopology)");
@@ -30,6 +33,13 @@ public:
 
     PassingTopology(const PassingTopology&) = delete;
     PassingTopology& operator=(const PassingTopology&) = delete;
+
+    /// As the assignment of @p topology to an AudioDeviceTopology.
+    void read(const COMPtr<IDeviceTopology>::pointer& topology)
+    {
+        SONAVIT_TRACE(topologylog, "AudioDeviceTopology::operator=(const COMPtr<IDeviceTopology>::pointer& topology)");
+        topologyreading::initialize(snapshot(), topology);
+    }
 
     const qor::String& deviceOwner() const noexcept { return m_deviceOwner; }
 

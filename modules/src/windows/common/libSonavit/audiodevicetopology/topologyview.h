@@ -3,8 +3,6 @@
 
 #include "libSonavit/audiodevicetopology.h"
 
-#include <utility>
-
 /// What the library itself reads of topologies.
 class TopologyView
 {
@@ -27,12 +25,9 @@ public:
         return topology.m_subunits;
     }
 
-    /// Exchanges what the two hold: no reference is added or released, and nothing is copied.
-    static void swap(AudioDeviceTopology& left, AudioDeviceTopology& right) noexcept
+    /// What @p topology holds: no reference is added or released, and nothing is copied. @p topology is destroyed next.
+    static AudioDeviceTopology take(AudioDeviceTopology& topology) noexcept
     {
-        left.m_topology.swap(right.m_topology);
-        std::swap(left.m_deviceOwner, right.m_deviceOwner);
-        left.m_connectors.swap(right.m_connectors);
-        left.m_subunits.swap(right.m_subunits);
+        return AudioDeviceTopology(topology, AudioDeviceTopology::Taken());
     }
 };

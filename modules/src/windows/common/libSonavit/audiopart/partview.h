@@ -40,6 +40,13 @@ public:
         return component.m_component.get();
     }
 
+    template<class I, class Texts>
+    static I* component(const PassingComponent<I, Texts>& component)
+    {
+        SONAVIT_TRACE(partlog, "AudioComponent::component()");
+        return component.component().get();
+    }
+
     /// The two handles of @p component, by reference and without a trace.
     template<class I>
     static const typename COMPtr<I>::pointer& componentHandle(const AudioComponent<I>& component)

@@ -33,8 +33,9 @@ public:
         return found == m_nodes.end() ? listsearch::notFound : found->second;
     }
 
-    /// The map has grown by a node at @p index.
-    void addNode(const qor::String& id, unsigned int index) { m_nodes.emplace(id, index); }
+    /// Notes that the map has a node at @p index, unless it has one whose connector has the same id.
+    /// @return whether there was none
+    bool addNode(const qor::String& id, unsigned int index) { return m_nodes.emplace(id, index).second; }
 
     /// Whether the device @p id is known, compared exactly, case included.
     bool isKnownDevice(const qor::String& id) const { return m_knownDevices.count(id) > 0; }

@@ -2,6 +2,7 @@
 
 #include "COM/tasktext.h"
 #include "libSonavit/audiodeviceendpoint/deviceview.h"
+#include "libSonavit/audiodeviceendpoint/inpassing.h"
 #include "libSonavit/audiodeviceendpoint/lastuse.h"
 #include "libSonavit/audiodevicetopology/passingtopology.h"
 #include "libSonavit/audiodevicetopology/topologyreferences.h"
@@ -75,11 +76,8 @@ void SoundCard::registerConnectors(const qor::Array<Connector>& connectors, bool
         return;
     for (unsigned int i = 0; i < connectors.size(); ++i)
     {
-        const qor::String& id = PartView::id(connectors[i]);
-        if (listsearch::isHit(graph.nodeIndex(id)))
-            continue;
-        m_connectorMap.emplace(connectors[i]);
-        graph.addNode(id, m_connectorMap.size() - 1);
+        if (graph.addNode(PartView::id(connectors[i]), m_connectorMap.size()))
+            m_connectorMap.emplace(connectors[i]);
     }
 }
 
@@ -91,8 +89,14 @@ void SoundCard::registerConnectors(const qor::Array<Connector>& connectors, bool
 void SoundCard::followConnector(unsigned int index, ConnectorGraph& graph)
 {
     const qor::String farId = farDeviceId(PartView::component(m_connectorMap[index].connector));
+    if (graph.isKnownDevice(farId))
+    {
+        const AudioDevice::InPassing farDevice(farId);
+        linkToPeer(index, graph);
+        return;
+    }
     AudioDevice farDevice(farId);
-    if (!graph.isKnownDevice(farId) && !graph.isInternalDevice(farDevice.deviceProperty().deviceId))
+    if (!graph.isInternalDevice(farDevice.deviceProperty().deviceId))
         registerFarDevice(farDevice, farId, index, graph);
     linkToPeer(index, graph);
 }
