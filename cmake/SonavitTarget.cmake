@@ -87,9 +87,29 @@ function(sonavit_configure_target target)
   endif()
 endfunction()
 
+# sonavit_bind_own_symbols(<target>): calls within a shared library go straight to the library's own functions. Only the
+# allocation operators of the standard library are meant to be replaced, and they are no functions of ours. Variables stay
+# as they are, so that there is one of each in a process.
+function(sonavit_bind_own_symbols target)
+  if(NOT BUILD_SHARED_LIBS OR WIN32 OR APPLE)
+    return()
+  endif()
+  include(CheckCXXCompilerFlag)
+  include(CheckLinkerFlag)
+  check_cxx_compiler_flag(-fno-semantic-interposition SONAVIT_HAS_NO_SEMANTIC_INTERPOSITION)
+  check_linker_flag(CXX -Wl,-Bsymbolic-functions SONAVIT_HAS_BSYMBOLIC_FUNCTIONS)
+  if(SONAVIT_HAS_NO_SEMANTIC_INTERPOSITION)
+    target_compile_options(${target} PRIVATE -fno-semantic-interposition)
+  endif()
+  if(SONAVIT_HAS_BSYMBOLIC_FUNCTIONS)
+    target_link_options(${target} PRIVATE -Wl,-Bsymbolic-functions)
+  endif()
+endfunction()
+
 # A library of the product: version, names of its files, and the definition that decides its exports.
 function(sonavit_configure_library target buildingDefinition)
   sonavit_configure_target(${target})
+  sonavit_bind_own_symbols(${target})
   set_target_properties(
     ${target}
     PROPERTIES VERSION "${PROJECT_VERSION}"
@@ -170,7 +190,7 @@ endfunction()
 # Precompiled headers for the products: those of the standard library if SONAVIT_PRECOMPILE is STANDARD, and the project's
 # own as well if it is ALL. A build of another preset does without the latter and finds missing includes of them.
 function(sonavit_precompile_products)
-  set(standard <algorithm> <atomic> <functional> <map> <memory> <mutex> <string> <vector>)
+  set(standard <algorithm> <atomic> <map> <memory> <mutex> <string> <vector>)
   set(object <libSonavit/libsonavit.h>)
   set(client <sonavit/client.h>)
   set(clientPlatform "${PROJECT_SOURCE_DIR}/platform/coreaudio.h"

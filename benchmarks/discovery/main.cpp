@@ -3,6 +3,7 @@
 #include "../median.h"
 
 #include "libSonavit/libsonavit.h"
+#include "qor/logging.h"
 #include "simulator/machine/file/machinefile.h"
 #include "simulator/simulation.h"
 

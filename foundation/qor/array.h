@@ -61,6 +61,13 @@ public:
     T& operator[](unsigned int index) { return *element(checked(index)); }
     const T& operator[](unsigned int index) const { return *element(checked(index)); }
 
+    /// The elements, for loops over all of them: end() - begin() is the size. Valid until the array grows or is
+    /// cleared, assigned or destroyed; both are null if there is no element to point to.
+    T* begin() noexcept { return m_block == nullptr ? nullptr : places(m_block); }
+    const T* begin() const noexcept { return m_block == nullptr ? nullptr : places(m_block); }
+    T* end() noexcept { return m_block == nullptr ? nullptr : places(m_block) + m_block->count; }
+    const T* end() const noexcept { return m_block == nullptr ? nullptr : places(m_block) + m_block->count; }
+
     /// Appends a copy of @p value, which may be an element of this array.
     /// @exception NullPointer if the array must grow and there is no memory; it is unchanged then
     void append(const T& value);
@@ -137,6 +144,7 @@ private:
 
     static unsigned int capacityFor(unsigned int required);
     static Block* allocate(unsigned int required, unsigned int reported);
+    static Block* allocatePlaces(unsigned int capacity, unsigned int reported);
     static Block* copyOf(const Block* source);
     static void copyElements(const Block* source, Block* target);
     static void destroyBlock(Block* block);
@@ -151,7 +159,6 @@ private:
     void appendGrown(const T& value);
     template<class... Arguments>
     T& emplaceGrown(Arguments&&... arguments);
-    IndexOutOfBounds outOfBounds(unsigned int index) const;
     unsigned int checked(unsigned int index) const;
     void destroyBlock();
 

@@ -226,7 +226,7 @@ template<class T>
 void Array<T>::remove(unsigned int index)
 {
     if (index > size())
-        throw outOfBounds(index);
+        IndexOutOfBounds::throwOfArray(size(), index);
     if (index == size())
         return;
     const GapGuard gap(m_block, index);
@@ -266,15 +266,21 @@ unsigned int Array<T>::capacityFor(unsigned int required)
 template<class T>
 typename Array<T>::Block* Array<T>::allocate(unsigned int required, unsigned int reported)
 {
+    return allocatePlaces(capacityFor(required), reported);
+}
+
+/// The same for a capacity that the rule gives.
+template<class T>
+typename Array<T>::Block* Array<T>::allocatePlaces(unsigned int capacity, unsigned int reported)
+{
     static_assert(sizeof(Block) == 8, "elements follow two header words directly");
     static_assert(alignof(T) <= sizeof(Block), "elements start at offset 8 of the block");
-    const unsigned int capacity = capacityFor(required);
     const unsigned long long bytes = sizeof(Block) + static_cast<unsigned long long>(capacity) * sizeof(T);
     void* memory = nullptr;
     if (bytes < (1ULL << 32)) // the limit holds on 64-bit hosts too
         memory = ::operator new(static_cast<std::size_t>(bytes), std::nothrow);
     if (memory == nullptr)
-        throw NullPointer::ofArray(reported);
+        NullPointer::throwOfArray(reported);
     return ::new (memory) Block{0, capacity};
 }
 
@@ -284,13 +290,13 @@ typename Array<T>::Block* Array<T>::copyOf(const Block* source)
 {
     if (source == nullptr)
         return nullptr;
-    BlockGuard copy(allocate(source->capacity, source->capacity));
+    BlockGuard copy(allocatePlaces(source->capacity, source->capacity));
     copyElements(source, copy.block());
     return copy.release();
 }
 
 /// Counts each element as soon as it is made, so that the guard destroys exactly those if a copy throws. Trivially
-/// copyable elements are copied in one call.
+/// copyable elements are copied in one call; elements whose copying throws nothing are counted at the end.
 template<class T>
 void Array<T>::copyElements(const Block* source, Block* target)
 {
@@ -298,6 +304,14 @@ void Array<T>::copyElements(const Block* source, Block* target)
     {
         std::memcpy(static_cast<void*>(places(target)), static_cast<const void*>(places(source)),
                     source->count * sizeof(T));
+        target->count = source->count;
+    }
+    else if constexpr (std::is_nothrow_copy_constructible_v<T>)
+    {
+        T* place = places(target);
+        const T* const end = places(source) + source->count;
+        for (const T* element = places(source); element != end; ++element, ++place)
+            ::new (static_cast<void*>(place)) T(*element);
         target->count = source->count;
     }
     else
@@ -311,16 +325,10 @@ void Array<T>::copyElements(const Block* source, Block* target)
 }
 
 template<class T>
-IndexOutOfBounds Array<T>::outOfBounds(unsigned int index) const
-{
-    return IndexOutOfBounds(0, static_cast<int>(size()) - 1, static_cast<int>(index));
-}
-
-template<class T>
-unsigned int Array<T>::checked(unsigned int index) const
+inline unsigned int Array<T>::checked(unsigned int index) const
 {
     if (index >= size())
-        throw outOfBounds(index);
+        IndexOutOfBounds::throwOfArray(size(), index);
     return index;
 }
 
@@ -336,7 +344,17 @@ void Array<T>::destroyBlock(Block* block)
 {
     if (block == nullptr)
         return;
-    RestGuard rest(block);
-    rest.destroyElements(); // outside the guard's destructor, where an exception can reach the caller
+    if constexpr (std::is_nothrow_destructible_v<T>)
+    {
+        T* const end = places(block) + block->count;
+        for (T* element = places(block); element != end; ++element)
+            element->~T();
+        ::operator delete(block);
+    }
+    else
+    {
+        RestGuard rest(block);
+        rest.destroyElements(); // outside the guard's destructor, where an exception can reach the caller
+    }
 }
 }

@@ -132,12 +132,22 @@ NullPointer NullPointer::ofArray(unsigned int size) noexcept
     return NullPointer(size);
 }
 
+void NullPointer::throwOfArray(unsigned int size)
+{
+    throw ofArray(size);
+}
+
 IndexOutOfBounds::IndexOutOfBounds(int low, int high, int index) noexcept
     : Exception("index ", appendBounds, low, high, index)
 {
 }
 IndexOutOfBounds::IndexOutOfBounds(const IndexOutOfBounds& other) noexcept = default;
 IndexOutOfBounds::~IndexOutOfBounds() = default;
+
+void IndexOutOfBounds::throwOfArray(unsigned int size, unsigned int index)
+{
+    throw IndexOutOfBounds(0, static_cast<int>(size) - 1, static_cast<int>(index));
+}
 
 SerializationFailed::SerializationFailed(const String& message) noexcept : Exception(message) {}
 SerializationFailed::SerializationFailed(const SerializationFailed& other) noexcept = default;

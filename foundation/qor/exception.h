@@ -84,6 +84,9 @@ public:
     /// For the block of an array: "Asked for array of size: " followed by @p size. Needs no memory.
     static NullPointer ofArray(unsigned int size) noexcept;
 
+    /// Throws ofArray(). Apart, so that the code of each array that allocates stays small.
+    [[noreturn]] QOR_COLD static void throwOfArray(unsigned int size);
+
     NullPointer(const NullPointer& other) noexcept;
     ~NullPointer() override;
 
@@ -99,6 +102,10 @@ public:
     /// @param high largest valid index, -1 if there is none
     /// @param index the requested index; an unsigned one from 0x80000000 on is passed as a negative number
     IndexOutOfBounds(int low, int high, int index) noexcept;
+
+    /// Throws the exception of an array of @p size elements: from 0 to @p size - 1. Apart, so that the code of each
+    /// checked access stays small.
+    [[noreturn]] QOR_COLD static void throwOfArray(unsigned int size, unsigned int index);
     IndexOutOfBounds(const IndexOutOfBounds& other) noexcept;
     ~IndexOutOfBounds() override;
 

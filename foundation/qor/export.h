@@ -16,6 +16,13 @@
 #define QOR_API __attribute__((visibility("default")))
 #endif
 
+/// Mark of a function that hardly ever runs: compilers keep the way to it out of the code around its call.
+#if defined(__GNUC__) // clang and mingw-w64 too
+#define QOR_COLD __attribute__((cold))
+#else
+#define QOR_COLD
+#endif
+
 /// Mark of a class template whose instances cross module boundaries. A C++ runtime that compares types by address, such
 /// as libc++, then sees the same type in all modules. Runtimes that compare by name need no mark.
 #if defined(__clang__) && !defined(_WIN32)

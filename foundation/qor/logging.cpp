@@ -1,6 +1,6 @@
 #include "qor/logging.h"
 
-#include "qor/qorvalue.h"
+#include "qor/logstatement.h"
 
 #include <cstdio>
 #include <map>
@@ -18,8 +18,8 @@ struct Registry
 {
     std::mutex channelsMutex;
     std::map<std::string, std::unique_ptr<Logger>> channels;
-    std::recursive_mutex sinkMutex;               // recursive: a sink may log, or release an object that logs
-    std::shared_ptr<const LogFactory::Sink> sink; // null for the default
+    std::recursive_mutex sinkMutex; // recursive: a sink may log, or release an object that logs
+    LogSink sink;                   // empty for the default
 };
 
 Registry& registry()
@@ -61,16 +61,48 @@ void deliver(const LogRecord& record)
     Registry& log = registry();
     const std::lock_guard<std::recursive_mutex> lock(log.sinkMutex);
     // Stays alive during the call, even if the sink sets another one.
-    const std::shared_ptr<const LogFactory::Sink> sink = log.sink;
-    if (sink != nullptr)
-        (*sink)(record);
+    const LogSink sink = log.sink;
+    if (sink)
+        sink(record);
     else
         writeToStandardError(record);
 }
 
-String unsignedDecimal(unsigned __int64 value)
+void deliverEnter(const Logger& logger, const char* label, const char* file, int line)
 {
-    return String(std::to_string(value).c_str());
+    deliver({LogRecord::Kind::enter, LoggerPriority::LOG_DEBUG, logger.channel(), label, file, line});
+}
+
+// An exception out of a destructor would end the process, so a record that fails is dropped.
+void deliverLeave(const Logger& logger, const char* label, const char* file, int line) noexcept
+{
+    try
+    {
+        deliver({LogRecord::Kind::leave, LoggerPriority::LOG_DEBUG, logger.channel(), label, file, line});
+    }
+    catch (...) // exhausted memory, or whatever a sink throws
+    {
+    }
+}
+
+constexpr unsigned int usualMessage = 120; // code units; a longer message takes a second allocation
+
+/// Appends the digits of @p value, after a minus sign if it is @p negative.
+void appendDecimal(LoggerStream& stream, unsigned __int64 value, bool negative = false)
+{
+    char digits[24];
+    char* place = digits + sizeof(digits) - 1;
+    *place = '\0';
+    do
+    {
+        *--place = static_cast<char>('0' + value % 10);
+        value /= 10;
+    } while (value != 0);
+    if (negative)
+        *--place = '-';
+    if (stream.size() == 0)
+        stream.reserve(usualMessage);
+    stream.append(place);
 }
 }
 
@@ -81,19 +113,20 @@ LoggerStream::~LoggerStream() = default;
 
 LoggerStream& LoggerStream::operator+(int value)
 {
-    append(QORValue(value).toString(QORValue::nilValue));
+    const unsigned int bits = static_cast<unsigned int>(value);
+    appendDecimal(*this, value < 0 ? 0u - bits : bits, value < 0);
     return *this;
 }
 
 LoggerStream& LoggerStream::operator+(unsigned int value)
 {
-    append(QORValue(value).toString(QORValue::nilValue));
+    appendDecimal(*this, value);
     return *this;
 }
 
 LoggerStream& LoggerStream::operator+(unsigned __int64 value)
 {
-    append(unsignedDecimal(value));
+    appendDecimal(*this, value);
     return *this;
 }
 
@@ -128,10 +161,9 @@ Logger& LogFactory::logger(const char* channel)
 
 void LogFactory::setSink(Sink sink)
 {
-    std::shared_ptr<const Sink> next = sink ? std::make_shared<const Sink>(std::move(sink)) : nullptr;
     Registry& log = registry();
     const std::lock_guard<std::recursive_mutex> lock(log.sinkMutex);
-    log.sink.swap(next); // the old sink is destroyed after the lock is released
+    std::swap(log.sink, sink); // the old sink is destroyed after the lock is released
 }
 
 TraceLogger::TraceLogger(Logger* logger, const char* label, const char* file, int line)
@@ -141,20 +173,33 @@ TraceLogger::TraceLogger(Logger* logger, const char* label, const char* file, in
       m_line(line)
 {
     if (m_logger != nullptr)
-        deliver({LogRecord::Kind::enter, LoggerPriority::LOG_DEBUG, m_logger->channel(), m_label, m_file, m_line});
+        deliverEnter(*m_logger, m_label, m_file, m_line);
 }
 
-// An exception out of this destructor would end the process, so a record that fails is dropped.
 TraceLogger::~TraceLogger()
 {
-    if (m_logger == nullptr)
-        return;
-    try
-    {
-        deliver({LogRecord::Kind::leave, LoggerPriority::LOG_DEBUG, m_logger->channel(), m_label, m_file, m_line});
-    }
-    catch (...) // exhausted memory, or whatever a sink throws
-    {
-    }
+    if (m_logger != nullptr)
+        deliverLeave(*m_logger, m_label, m_file, m_line);
+}
+
+Logger* messageLogger(const char* channel, LoggerSlot& slot, LOGGER_PRIORITY priority)
+{
+    Logger& logger = slotLogger(channel, slot);
+    return logger.m_priority < priority ? &logger : nullptr;
+}
+
+const TraceSite* TraceScope::open(const TraceSite& site)
+{
+    Logger* const logger = traceLogger(site.channel, *site.slot);
+    if (logger == nullptr)
+        return nullptr;
+    deliverEnter(*logger, site.label, site.file, site.line);
+    return &site;
+}
+
+void TraceScope::close(const TraceSite& site) noexcept
+{
+    Logger* const logger = site.slot->load(std::memory_order_acquire); // the one of open(): a slot is filled once
+    deliverLeave(*logger, site.label, site.file, site.line);
 }
 }

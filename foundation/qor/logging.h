@@ -2,11 +2,11 @@
 
 #include "qor/export.h"
 #include "qor/integers.h"
+#include "qor/logsink.h"
 #include "qor/string.h"
 
 #include <atomic>
 #include <cstdint>
-#include <functional>
 
 namespace qor
 {
@@ -71,7 +71,7 @@ public:
 
     /// Passes one message to the sink without any test; the logging statement compares the priorities. Any thread. What
     /// the sink throws reaches the caller.
-    void log(LOGGER_PRIORITY priority, const LoggerStream& message);
+    QOR_COLD void log(LOGGER_PRIORITY priority, const LoggerStream& message);
 
     const char* channel() const noexcept { return m_channel.c_str(); }
 
@@ -87,14 +87,14 @@ private:
 class QOR_API LogFactory
 {
 public:
-    using Sink = std::function<void(const LogRecord&)>;
+    using Sink = LogSink;
 
     /// Process-wide minimum: messages of a lower priority are not built. LOG_ERROR by default.
     static LOGGER_PRIORITY getPriority() noexcept { return m_minimum.load(std::memory_order_relaxed); }
     static void setPriority(LOGGER_PRIORITY priority) noexcept;
 
     /// Stores the logger of @p channel in @p logger, made on first use. Racing threads get the same object.
-    static void createLogger(const char* channel, Logger*& logger);
+    QOR_COLD static void createLogger(const char* channel, Logger*& logger);
 
     /// The logger of @p channel, made on first use; lets a caller set its threshold before anything is logged.
     static Logger& logger(const char* channel);

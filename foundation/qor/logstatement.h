@@ -1,4 +1,4 @@
-/// The statements of the log. One that writes nothing costs a call and a comparison.
+/// The statements of the log. One that writes nothing costs a load and a comparison.
 ///
 /// Each module of the library declares its channel in a namespace:
 ///
@@ -30,7 +30,7 @@ inline Logger& slotLogger(const char* channel, LoggerSlot& slot)
     return *logger;
 }
 
-/// The logger of a trace scope, or null if nothing is to be traced.
+/// The logger of a TraceLogger, or null if nothing is to be traced.
 inline Logger* traceLogger(const char* channel, LoggerSlot& slot)
 {
     if (LogFactory::getPriority() > LoggerPriority::LOG_DEBUG)
@@ -38,27 +38,70 @@ inline Logger* traceLogger(const char* channel, LoggerSlot& slot)
     Logger& logger = slotLogger(channel, slot);
     return logger.m_priority < LoggerPriority::LOG_DEBUG ? &logger : nullptr;
 }
+
+/// The logger of a message, or null if the channel does not write messages of that priority. For a message that has
+/// passed the process-wide minimum.
+QOR_API QOR_COLD Logger* messageLogger(const char* channel, LoggerSlot& slot, LOGGER_PRIORITY priority);
+
+/// One SONAVIT_TRACE: what its records say, and the channel that they go to.
+struct TraceSite
+{
+    const char* channel;
+    LoggerSlot* slot;
+    const char* label;
+    const char* file;
+    int line;
+};
+
+/// A TraceLogger whose arguments are known when the program is compiled: with the gate closed, a load, a comparison and
+/// a test are all that is left of it.
+class QOR_API TraceScope
+{
+public:
+    explicit TraceScope(const TraceSite& site)
+        : m_open(LogFactory::getPriority() > LoggerPriority::LOG_DEBUG ? nullptr : open(site))
+    {
+    }
+
+    ~TraceScope()
+    {
+        if (m_open != nullptr)
+            close(*m_open);
+    }
+
+    TraceScope(const TraceScope&) = delete;
+    TraceScope& operator=(const TraceScope&) = delete;
+
+private:
+    // No address of this object leaves it, so compilers keep its field in a register or do without it.
+    QOR_COLD static const TraceSite* open(const TraceSite& site);
+    QOR_COLD static void close(const TraceSite& site) noexcept;
+
+    const TraceSite* m_open; // null if nothing is traced
+};
 }
 
 /// Writes one message. The statement after @p level appends to `out`, a LoggerStream that already contains the line
 /// number; it is evaluated only if the message is written. Required behaviour: a message whose priority equals the
 /// process-wide minimum passes, one whose priority equals the channel's threshold does not. Write each use on one
 /// source line: compilers number the lines of a longer statement differently.
-#define SONAVIT_LOG(module, level, ...)                                                \
-    do                                                                                 \
-    {                                                                                  \
-        if (qor::LogFactory::getPriority() > qor::LoggerPriority::level)               \
-            break;                                                                     \
-        qor::Logger& sonavitLogger = qor::slotLogger(module::channel, module::logger); \
-        if (sonavitLogger.m_priority >= qor::LoggerPriority::level)                    \
-            break;                                                                     \
-        qor::LoggerStream out;                                                         \
-        (out + __LINE__).append(" ");                                                  \
-        __VA_ARGS__;                                                                   \
-        sonavitLogger.log(qor::LoggerPriority::level, out);                            \
+#define SONAVIT_LOG(module, level, ...)                                                      \
+    do                                                                                       \
+    {                                                                                        \
+        if (qor::LogFactory::getPriority() > qor::LoggerPriority::level)                     \
+            break;                                                                           \
+        qor::Logger* const sonavitLogger =                                                   \
+            qor::messageLogger(module::channel, module::logger, qor::LoggerPriority::level); \
+        if (sonavitLogger == nullptr)                                                        \
+            break;                                                                           \
+        qor::LoggerStream out;                                                               \
+        (out + __LINE__).append(" ");                                                        \
+        __VA_ARGS__;                                                                         \
+        sonavitLogger->log(qor::LoggerPriority::level, out);                                 \
     } while (false)
 
 /// Opens a trace scope for the rest of the enclosing block. Required behaviour: labels are literals that readers of the
 /// log search for; several functions share a label, and some labels name another function.
-#define SONAVIT_TRACE(module, label) \
-    const qor::TraceLogger sonavitTrace(qor::traceLogger(module::channel, module::logger), label, __FILE__, __LINE__)
+#define SONAVIT_TRACE(module, label)                                                                             \
+    static constexpr qor::TraceSite sonavitSite = {module::channel, &module::logger, label, __FILE__, __LINE__}; \
+    const qor::TraceScope sonavitTrace(sonavitSite)

@@ -52,6 +52,10 @@ public:
     String& append(const String& text);
     String& operator+=(const String& text) { return append(text); }
 
+    /// Makes room for @p units code units in a buffer that no copy shares, so that appending up to that size allocates
+    /// nothing. A string that has such room is unchanged.
+    void reserve(unsigned int units);
+
     /// Makes this string empty; copies keep their content.
     void clear() noexcept;
 
@@ -106,10 +110,11 @@ private:
     static Buffer* widened(const char* text);
 
     unsigned short* extend(std::size_t units);
+    void replaceBuffer(std::size_t capacity);
 
     static const unsigned short emptyText[1];
 
-    Buffer* m_buffer; // null for the empty string
+    Buffer* m_buffer; // null for an empty string without room
 };
 
 /// New string: @p left followed by @p right.

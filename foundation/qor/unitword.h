@@ -20,6 +20,12 @@ inline UnitWord wordAt(const unsigned short* units) noexcept
     return word;
 }
 
+/// Bit 15 of each unit that is 0, and of some units from 0x8000 on: without such a bit no unit is 0.
+inline UnitWord zeroCandidates(UnitWord word) noexcept
+{
+    return (word - eachUnit) & (0x8000 * eachUnit);
+}
+
 /// @p word with the letters A to Z replaced by a to z: bit 15 of a sum is set if its unit is at least A, or greater
 /// than Z.
 inline UnitWord foldedWord(UnitWord word) noexcept

@@ -61,6 +61,19 @@ TEST(LoggerStreamPlus, ReturnsTheStreamItself)
     EXPECT_EQ(&stream, &(stream + static_cast<unsigned __int64>(1)));
 }
 
+TEST(LoggerStreamPlus, AsTheFirstOperationMakesRoomForAMessage)
+{
+    LoggerStream stream;
+
+    stream + 168;
+    const unsigned short* const buffer = stream.getUCS2Buffer();
+    for (int i = 0; i < 10; ++i)
+        (stream + 4294967295u).append(" ");
+
+    EXPECT_EQ(buffer, stream.getUCS2Buffer());
+    EXPECT_EQ(113u, stream.size());
+}
+
 TEST(LoggerStreamText, OffersEveryOperationOfATextDirectly)
 {
     const unsigned short ucs2[] = {'c', 0};

@@ -155,6 +155,35 @@ TEST(TraceLogger, LeavesUnderTheLoggerThatItEnteredWith)
     EXPECT_THAT(log.left(), ElementsAre("label"));
 }
 
+TEST(TraceLogger, RecordsNoEndOfAScopeThatBeganWhileNothingWasTraced)
+{
+    support::LogCapture log(LoggerPriority::LOG_INFO);
+
+    {
+        SONAVIT_TRACE(scopelog, "label");
+        qor::LogFactory::setPriority(LoggerPriority::LOG_DEBUG);
+    }
+
+    EXPECT_THAT(log.records(), IsEmpty());
+}
+
+TEST(TraceLogger, OfAStatementNamesItsFileAndLineInBothRecords)
+{
+    support::LogCapture log;
+
+    const int line = __LINE__ + 2;
+    {
+        SONAVIT_TRACE(scopelog, "label");
+    }
+
+    ASSERT_EQ(2u, log.records().size());
+    for (const support::LogCapture::Record& record : log.records())
+    {
+        EXPECT_EQ(line, record.line);
+        EXPECT_EQ(__FILE__, record.file);
+    }
+}
+
 TEST(TraceLogger, DropsTheRecordOfTheEndWithoutMemoryForIt)
 {
     support::LogCapture log;

@@ -1,9 +1,17 @@
 #include "COM/comptr.h"
 
 #include "COM/resultcode.h"
+#include "qor/logstatement.h"
 
 namespace
 {
+/// Log channel of the guard around Release and of COMInitializer.
+namespace comptrlog
+{
+constexpr const char* channel = "comptr";
+qor::LoggerSlot logger;
+}
+
 /// Undoes a successful CoInitialize of this thread unless forget() was called.
 class InitializationGuard
 {
@@ -23,6 +31,11 @@ public:
 private:
     bool m_initialized;
 };
+}
+
+void logExceptionOfRelease()
+{
+    SONAVIT_LOG(comptrlog, LOG_ERROR, out.append("COMPtr destructor caught an exception"));
 }
 
 COMInitializer::COMInitializer()

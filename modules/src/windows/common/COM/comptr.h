@@ -2,15 +2,12 @@
 
 #include "libModuleCommon/export.h"
 #include "platform/coreaudio.h"
-#include "qor/logstatement.h"
+#include "qor/export.h"
+#include "qor/logging.h" // for callers, which set the priority and the sink of the log
 #include "qor/resource.h"
 
-/// Log channel of the guard around Release and of COMInitializer.
-namespace comptrlog
-{
-inline constexpr const char* channel = "comptr";
-inline qor::LoggerSlot logger;
-}
+/// Logs (LOG_ERROR, channel "comptr") that an exception has come out of Release; the guard of ComPtrStorage calls it.
+SONAVIT_API QOR_COLD void logExceptionOfRelease();
 
 /// Storage policy of a handle that holds one counted reference to a COM object.
 template<class I>
@@ -42,7 +39,7 @@ struct ComPtrStorage
         }
         catch (...)
         {
-            SONAVIT_LOG(comptrlog, LOG_ERROR, out.append("COMPtr destructor caught an exception"));
+            logExceptionOfRelease();
             throw;
         }
     }
