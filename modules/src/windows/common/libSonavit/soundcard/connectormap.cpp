@@ -141,13 +141,14 @@ void SoundCard::linkWithinTopology(unsigned int index)
 {
     ConnectorNode& node = m_connectorMap[index];
     const PassingTopology<partsnapshot::DroppedTexts> topology(node.connector);
-    for (unsigned int other = index + 1; other < m_connectorMap.size(); ++other)
+    const unsigned int numLater = m_connectorMap.size() - index - 1;
+    ConnectorNode* const later = &node + 1; // the nodes of an array follow one another
+    for (unsigned int i = 0; i < numLater; ++i)
     {
-        ConnectorNode& otherNode = m_connectorMap[other];
-        if (!topology.nodesAreLinked(node.connector, otherNode.connector))
+        if (!topology.nodesAreLinked(node.connector, later[i].connector))
             continue;
-        node.links.append(other);
-        otherNode.links.append(index);
+        node.links.append(index + 1 + i);
+        later[i].links.append(index);
     }
 }
 
