@@ -185,6 +185,7 @@ private:
                                        qor::Array<VolumeController>& result) const;
     bool volumeControllerFromList(const qor::Array<AudioPart>& parts, const AudioComponent<IConnector>& connector,
                                   qor::Array<VolumeController>& result) const;
+    bool lacksPart(const qor::Array<AudioPart>& parts, const GUID& partType) const;
     bool partFromList(const qor::Array<AudioPart>& parts, const GUID& partType, qor::Array<AudioPart>& result) const;
 
     COMPtr<SoundCardDeviceUpdater>::pointer m_updater;

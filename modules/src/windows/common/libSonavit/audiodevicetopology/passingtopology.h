@@ -9,7 +9,7 @@
 ///
 /// It makes the calls of an AudioDeviceTopology in the same order, leaves the same records, and owns the same
 /// references for the same time; its connectors and subunits are PassingComponents.
-/// @tparam Texts partsnapshot::KeptTexts or partsnapshot::DroppedTexts
+/// @tparam Texts partsnapshot::KeptTexts, KeptId or DroppedTexts
 template<class Texts>
 class PassingTopology
 {

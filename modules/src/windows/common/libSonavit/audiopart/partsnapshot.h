@@ -20,6 +20,15 @@ struct KeptTexts
     qor::String name;
 };
 
+/// As KeptTexts, where nobody reads the name.
+struct KeptId
+{
+    void globalIdIs(LPCWSTR text) { globalId = platform::ucs2(text); }
+    static void nameIs(LPCWSTR) noexcept {}
+
+    qor::String globalId;
+};
+
 /// Texts that nobody reads: the platform is asked for them, and they are freed.
 struct DroppedTexts
 {

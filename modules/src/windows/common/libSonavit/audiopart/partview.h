@@ -59,6 +59,9 @@ public:
         return component.m_part.m_part;
     }
 
+    /// The kind of @p part, as AudioPart::subType(), by reference.
+    static const GUID& subType(const AudioPart& part) { return part.m_subType; }
+
     /// The platform's part, as AudioPart::part(), without a reference of the caller's; may be null.
     static IPart* platformPart(const AudioPart& part) { return part.m_part.get(); }
 

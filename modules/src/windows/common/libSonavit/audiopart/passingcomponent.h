@@ -11,7 +11,7 @@
 ///
 /// It makes the calls of an AudioComponent in the same order, leaves the same records, and owns the same references for
 /// the same time. It has no lists of neighbours: to make those of an AudioPart takes longer than all the rest.
-/// @tparam Texts partsnapshot::KeptTexts or partsnapshot::DroppedTexts
+/// @tparam Texts partsnapshot::KeptTexts, KeptId or DroppedTexts
 template<class I, class Texts>
 class PassingComponent
 {

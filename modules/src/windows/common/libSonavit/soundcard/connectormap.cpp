@@ -131,7 +131,7 @@ void SoundCard::linkToPeer(unsigned int index, const ConnectorGraph& graph)
     IConnector* const peer = farConnector(PartView::component(m_connectorMap[index].connector));
     if (peer == nullptr)
         return;
-    const PassingComponent<IConnector, partsnapshot::KeptTexts> peerConnector(peer);
+    const PassingComponent<IConnector, partsnapshot::KeptId> peerConnector(peer);
     m_connectorMap[index].links.append(graph.nodeIndex(peerConnector.texts().globalId));
 }
 

@@ -68,7 +68,7 @@ unsigned int SoundCard::volumeController(const AudioDevice& endpoint, qor::Array
 {
     SONAVIT_TRACE(soundcardlog, "EndpointDeviceEnumeratorCommon::volumeController(const AudioDevice& endpoint)");
     COMPtr<IDeviceTopology>::pointer handle = endpoint.deviceTopology();
-    const PassingTopology<partsnapshot::KeptTexts> topology(handle);
+    const PassingTopology<partsnapshot::KeptId> topology(handle);
     handle = nullptr; // released by a statement of its own: if Release throws, the snapshot is released, too
     result.clear();
     VisitQueue queue(m_connectorMap.size());
@@ -122,12 +122,13 @@ bool SoundCard::volumeControllerFromList(const qor::Array<AudioPart>& parts,
                                          qor::Array<VolumeController>& result) const
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::volumeControllerFromList");
-    qor::Array<AudioPart> volumeParts;
-    if (!partFromList(parts, KSNODETYPE_VOLUME, volumeParts))
+    if (lacksPart(parts, KSNODETYPE_VOLUME))
     {
         SONAVIT_LOG(soundcardlog, LOG_INFO, out.append("Supplied part list does not have a volume controller node"));
         return false;
     }
+    qor::Array<AudioPart> volumeParts;
+    partFromList(parts, KSNODETYPE_VOLUME, volumeParts);
     for (unsigned int i = 0; i < volumeParts.size(); ++i)
     {
         VolumeController controller;
@@ -151,6 +152,19 @@ bool SoundCard::volumeControllerFromList(const qor::Array<AudioPart>& parts,
     return true;
 }
 
+/// Whether @p parts has no part of type @p partType: partFromList() without a list for the parts that are found. Most
+/// lists have none, and then this leaves the records of partFromList(), which is not called.
+bool SoundCard::lacksPart(const qor::Array<AudioPart>& parts, const GUID& partType) const
+{
+    for (unsigned int i = 0; i < parts.size(); ++i)
+    {
+        if (PartView::subType(parts[i]) == partType)
+            return false;
+    }
+    SONAVIT_TRACE(soundcardlog, "SoundCard::partFromList");
+    return true;
+}
+
 /// Replaces @p result by the parts of type @p partType. @return whether there are any
 bool SoundCard::partFromList(const qor::Array<AudioPart>& parts, const GUID& partType,
                              qor::Array<AudioPart>& result) const
@@ -160,7 +174,7 @@ bool SoundCard::partFromList(const qor::Array<AudioPart>& parts, const GUID& par
         result.clear();
     for (unsigned int i = 0; i < parts.size(); ++i)
     {
-        if (parts[i].subType() == partType)
+        if (PartView::subType(parts[i]) == partType)
             result.append(parts[i]);
     }
     return result.size() > 0;
