@@ -111,6 +111,8 @@ void walkFrom(Transcript& transcript, const AudioPart& first)
     queue.append(first);
     for (unsigned int i = 0; i < queue.size() && i < fewParts; ++i)
     {
+        if (queue[i].m_part.get() == nullptr)
+            continue;
         qor::Array<AudioPart> neighbours;
         noteThrown(transcript, [&] { queue[i].incomingPartsList(neighbours); });
         noteParts(transcript, "incoming", neighbours);
