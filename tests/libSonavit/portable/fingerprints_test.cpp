@@ -41,7 +41,7 @@ const std::map<std::string, std::string>& knownFingerprints()
     return known;
 }
 
-/// Keeps transcripts and fingerprint in the folder that the environment names, if it names one.
+/// Keeps transcripts and fingerprints in the folder that the environment names, if it names one.
 class TranscriptFolder
 {
 public:
@@ -93,6 +93,37 @@ std::string nameOf(const testing::TestParamInfo<std::string>& machine)
 class Transcripts : public testing::TestWithParam<std::string>
 {
 };
+
+/// Each call of an operation fails once, and succeeds once without doing anything; of an operation with many calls,
+/// calls at equal distances do. All that then happens is one fingerprint.
+class TranscriptsWithFailures : public testing::TestWithParam<std::string>
+{
+protected:
+    static void addFailures(const Operation& operation, const sim::Machine& machine, const TranscriptFolder& folder,
+                            Fingerprint& fingerprint)
+    {
+        constexpr std::size_t enough = 40;
+        const std::vector<std::string> calls = support::callsIn(transcriptOf(operation, machine));
+        const std::size_t distance = calls.size() / enough + 1;
+        std::map<std::string, std::uint32_t> numbers;
+        for (std::size_t i = 0; i < calls.size(); ++i)
+        {
+            const std::string& call = calls[i];
+            const std::uint32_t number = ++numbers[call];
+            if (i % distance != 0)
+                continue;
+            for (const bool fails : {true, false})
+            {
+                const auto plan = [&](sim::FaultPlan& faults)
+                { (fails ? faults.fail(call) : faults.succeedWithNull(call)).at(number); };
+                const std::string text = "= " + std::string(fails ? "failing " : "without effect ") + call + " " +
+                                         std::to_string(number) + "\n" + transcriptOf(operation, machine, plan);
+                folder.keep(text);
+                fingerprint.add(text);
+            }
+        }
+    }
+};
 }
 
 TEST_P(Transcripts, HaveTheKnownFingerprints)
@@ -100,7 +131,7 @@ TEST_P(Transcripts, HaveTheKnownFingerprints)
     const sim::Machine machine = support::transcriptMachine(GetParam());
     for (const Operation& operation : support::operations())
     {
-        const std::string text = recordingOf(operation, machine).text;
+        const std::string text = transcriptOf(operation, machine);
 
         TranscriptFolder(operation.name, GetParam()).keep(text);
         Fingerprint fingerprint;
@@ -110,3 +141,17 @@ TEST_P(Transcripts, HaveTheKnownFingerprints)
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Transcripts, testing::ValuesIn(support::transcriptMachines()), nameOf);
+
+TEST_P(TranscriptsWithFailures, HaveTheKnownFingerprints)
+{
+    const sim::Machine machine = support::transcriptMachine(GetParam());
+    for (const Operation& operation : support::operations())
+    {
+        const std::string name = operation.name + "-with-failures";
+        Fingerprint fingerprint;
+        addFailures(operation, machine, TranscriptFolder(name, GetParam()), fingerprint);
+        expectKnown(name, GetParam(), fingerprint);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, TranscriptsWithFailures, testing::ValuesIn(support::smallMachines()), nameOf);

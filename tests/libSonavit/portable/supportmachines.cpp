@@ -144,14 +144,36 @@ sim::Machine twins()
     return machine;
 }
 
-/// One card with both flows, two controls and all four states.
-sim::Machine oneCard()
+/// An endpoint and an adapter with a volume and a mute.
+sim::Machine oneAdapter()
 {
-    sim::MachineBuilder builder("one-card");
-    sim::CardBuilder card = builder.card("Codec");
-    card.speaker().hardwareVolume({-96.0f, 0.0f, 1.5f, -30.0f}).hardwareMute();
-    card.microphone().unplugged();
-    return builder.build();
+    GraphMachine graph;
+    graph.endpoint("e");
+    graph.adapter("a", 2);
+    graph.volume("a", 10, -1.0f);
+    graph.mute("a", 11, true);
+    graph.feed("a/10", "a/1").feed("a/11", "a/10").path("a/1", "a/2").join("e/1", "a/1");
+    return graph.machine;
+}
+
+/// An endpoint whose far device cannot be opened.
+sim::Machine oneClosedAdapter()
+{
+    GraphMachine graph;
+    graph.endpoint("e", 2);
+    graph.adapter("closed", 1).openable = false;
+    graph.path("e/1", "e/2").join("e/1", "closed/1");
+    return graph.machine;
+}
+
+/// Two endpoints that are joined to each other.
+sim::Machine onePair()
+{
+    GraphMachine graph;
+    graph.endpoint("render");
+    graph.endpoint("capture", 1, eCapture);
+    graph.join("render/1", "capture/1");
+    return graph.machine;
 }
 
 const std::map<std::string, sim::Machine (*)()>& builtMachines()
@@ -166,7 +188,9 @@ const std::map<std::string, sim::Machine (*)()>& builtMachines()
         {"ids-in-other-case", otherCase},
         {"ids-missing", withoutIds},
         {"ids-twice", twins},
-        {"one-card", oneCard}};
+        {"one-adapter", oneAdapter},
+        {"one-closed-adapter", oneClosedAdapter},
+        {"one-pair", onePair}};
     return machines;
 }
 }
@@ -186,7 +210,7 @@ std::vector<std::string> transcriptMachines()
 
 std::vector<std::string> smallMachines()
 {
-    return {"adapters-closed", "chain-2", "one-card"};
+    return {"one-adapter", "one-closed-adapter", "one-pair"};
 }
 
 sim::Machine transcriptMachine(const std::string& name)

@@ -40,15 +40,9 @@ void walkParts(sim::Simulation& simulation, Transcript& transcript);
 
 const std::vector<Operation>& operations();
 
-/// What an operation does.
-struct Recording
-{
-    std::string text;               ///< the transcript
-    std::vector<std::string> calls; ///< the platform's operations that it calls, in their order
-};
-
 /// Performs the operation on a machine of its own, and ends the module. @param plan plans failures of the transcript's
 /// calls
-Recording recordingOf(const Operation& operation, const sim::Machine& machine,
-                      const std::function<void(sim::FaultPlan&)>& plan = {});
+/// @return the transcript's text
+std::string transcriptOf(const Operation& operation, const sim::Machine& machine,
+                         const std::function<void(sim::FaultPlan&)>& plan = {});
 }

@@ -13,8 +13,8 @@ void findControlsOf(Transcript& transcript, const SoundCard& card, const qor::Ar
         qor::Array<SoundCard::VolumeController> controls;
         noteThrown(transcript, [&] { transcript.note(std::to_string(card.volumeController(endpoints[i], controls))); });
         noteControls(transcript, controls);
-        transcript.noteCensus();
     }
+    transcript.noteCensus();
 }
 
 void noteFound(Transcript& transcript, const char* what, unsigned int count, const qor::Array<AudioDevice>& found)

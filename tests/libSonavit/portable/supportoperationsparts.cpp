@@ -40,14 +40,15 @@ void useDevice(Transcript& transcript, const qor::String& id)
     noteDevice(transcript, "device", device);
     if (!device.isInitialized())
         return;
-    transcript.note(std::string(device.isEndpoint() ? "endpoint" : "adapter") +
-                    (device.isDefaultEndpoint() ? " default" : "") + " wave " +
-                    std::to_string(device.waveLegacyDeviceID()));
-    transcript.note(std::string(device.audioClient().get() == nullptr ? "no " : "") + "client, " +
-                    (device.baseFilter() == nullptr ? "no " : "") + "filter");
+    // Each question in a statement of its own: compilers differ in the order of operands.
+    transcript.note(device.isEndpoint() ? "endpoint" : "adapter");
+    transcript.note(device.isDefaultEndpoint() ? "default" : "not the default");
+    transcript.note("wave " + std::to_string(device.waveLegacyDeviceID()));
+    transcript.note(device.audioClient().get() == nullptr ? "no client" : "client");
+    transcript.note(device.baseFilter() == nullptr ? "no filter" : "filter");
     AudioDevice copy(device);
-    transcript.note(std::to_string(copy.refreshDeviceState()) +
-                    (copy.refreshDeviceInformation() ? " read" : " closed"));
+    transcript.note("state " + std::to_string(copy.refreshDeviceState()));
+    transcript.note(copy.refreshDeviceInformation() ? "read" : "closed");
     AudioDevice assigned(id);
     assigned = copy;
     transcript.note(assigned == device ? "equal" : "different");
@@ -89,17 +90,17 @@ void useTopologiesOf(Transcript& transcript, const qor::String& id)
     device.deviceTopology(topology);
     noteTopology(transcript, topology);
     qor::Array<AudioComponent<IConnector>> connectors;
-    transcript.note(std::to_string(device.connector(connectors)) + " of " + std::to_string(connectors.capacity()));
+    transcript.note("connectors " + std::to_string(device.connector(connectors)));
+    transcript.note("room for " + std::to_string(connectors.capacity()));
     useTopologyOf(transcript, topology);
     AudioDeviceTopology copy(topology);
     copy = device.deviceTopology();
     noteTopology(transcript, copy);
     copy = topology;
     noteTopology(transcript, copy);
-    transcript.note(copy.connectorsAreLinked(AudioComponent<IConnector>(COMPtr<IConnector>::pointer()),
-                                             AudioComponent<IConnector>(COMPtr<IPart>::pointer()))
-                        ? "linked"
-                        : "not linked");
+    const AudioComponent<IConnector> noConnector{COMPtr<IConnector>::pointer()};
+    const AudioComponent<IConnector> noPart{COMPtr<IPart>::pointer()};
+    transcript.note(copy.connectorsAreLinked(noConnector, noPart) ? "linked" : "not linked");
     transcript.noteCensus();
     transcript.note("the topologies go");
 }
@@ -111,6 +112,8 @@ void walkFrom(Transcript& transcript, const AudioPart& first)
     queue.append(first);
     for (unsigned int i = 0; i < queue.size() && i < fewParts; ++i)
     {
+        if (queue[i].m_part.get() == nullptr)
+            continue;
         qor::Array<AudioPart> neighbours;
         noteThrown(transcript, [&] { queue[i].incomingPartsList(neighbours); });
         noteParts(transcript, "incoming", neighbours);
@@ -159,24 +162,28 @@ void useVolume(Transcript& transcript, VolumeControllerInterface& volume)
 {
     const auto note = [&](const char* what, const std::string& value) { transcript.note(what + (" " + value)); };
     const unsigned int channels = volume.numChannel();
-    note("owner", volume.ownerName().toUtf8() + " " + std::to_string(channels));
+    note("channels", std::to_string(channels));
+    note("owner", volume.ownerName().toUtf8());
     for (unsigned int i = 0; i < std::min(channels, 2u); ++i)
     {
         VolumeControllerInterface::DbVolumeRange range = {};
-        note("range",
-             volume.volumeRangeDecibel(i, range) ? textOf(range.minLevel) + " " + textOf(range.maxLevel) : "none");
-        note("level", std::to_string(volume.volumeLevelPercent(i)) + " " + textOf(volume.volumeLevelDecibel(i)));
-        note("percent", std::to_string(volume.setVolumeLevelPercent(i, 40)));
-        note("decibels", std::to_string(volume.setVolumeLevelDecibel(i, -6.0f)));
+        note("has range", std::to_string(volume.volumeRangeDecibel(i, range)));
+        note("range", textOf(range.minLevel) + " " + textOf(range.maxLevel));
+        note("percent", std::to_string(volume.volumeLevelPercent(i)));
+        note("decibels", textOf(volume.volumeLevelDecibel(i)));
+        note("set percent", std::to_string(volume.setVolumeLevelPercent(i, 40)));
+        note("set decibels", std::to_string(volume.setVolumeLevelDecibel(i, -6.0f)));
     }
     noteThrown(transcript, [&] { note("master", std::to_string(volume.masterVolumeLevelPercent())); });
     if (channels > 0)
         note("master decibels", textOf(volume.masterVolumeLevelDecibel()));
-    note("set master", std::to_string(volume.setMasterVolumeLevelPercent(30)) +
-                           std::to_string(volume.setMasterVolumeLevelDecibel(-9.0f)));
-    if (volume.hasMuteControl())
-        note("mute", std::to_string(volume.isMuted()) + std::to_string(volume.setMute(true)) +
-                         std::to_string(volume.setMute(false)));
+    note("set master", std::to_string(volume.setMasterVolumeLevelPercent(30)));
+    note("set master decibels", std::to_string(volume.setMasterVolumeLevelDecibel(-9.0f)));
+    if (!volume.hasMuteControl())
+        return;
+    note("muted", std::to_string(volume.isMuted()));
+    note("mute", std::to_string(volume.setMute(true)));
+    note("unmute", std::to_string(volume.setMute(false)));
 }
 
 /// The controller of the endpoint itself, if the endpoint has a volume.

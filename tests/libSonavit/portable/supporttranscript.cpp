@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
+#include <sstream>
 
 namespace support
 {
@@ -56,6 +58,8 @@ void Transcript::note(const std::string& text)
 
 void Transcript::noteCensus()
 {
+    if (!m_hasCensus)
+        return;
     const sim::Census census = m_simulation.census();
     for (const auto& [name, references] : census.byInterface)
         note("references " + name + " " + std::to_string(references));
@@ -94,10 +98,33 @@ void Transcript::add(const qor::LogRecord& record)
         add(lineOf(record));
 }
 
+std::vector<std::string> callsIn(const std::string& transcript)
+{
+    const std::string start = "call ";
+    std::vector<std::string> calls;
+    std::istringstream lines(transcript);
+    for (std::string line; std::getline(lines, line);)
+    {
+        if (line.compare(0, start.size(), start) == 0)
+            calls.push_back(line.substr(start.size(), line.find('(') - start.size()));
+    }
+    return calls;
+}
+
 void Fingerprint::add(const std::string& text)
 {
-    for (const char c : text)
-        hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211u;
+    const auto addWord = [this](std::uint64_t word)
+    {
+        hash = (hash ^ word) * 1099511628211u;
+        hash ^= hash >> 32; // or the upper half of a word would not reach the lower half of the hash
+    };
+    for (std::size_t i = 0; i < text.size(); i += sizeof(std::uint64_t))
+    {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text.data() + i, std::min(sizeof word, text.size() - i));
+        addWord(word);
+    }
+    addWord(text.size());
     lines += static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
 }
 

@@ -39,8 +39,10 @@ public:
     void begin();
 
     void note(const std::string& text);
-    /// Notes what is still referenced by interface, the blocks of task memory, and the clients.
+    /// Notes what is referenced at the moment: references by interface, blocks of task memory, clients.
     void noteCensus();
+    /// Makes noteCensus() note nothing. A census takes the longer the more the process has left with machines.
+    void leaveOutCensus() { m_hasCensus = false; }
 
     /// All lines, each with its end.
     std::string text() const;
@@ -59,16 +61,20 @@ private:
     const qor::LOGGER_PRIORITY m_oldMinimum;
     std::function<void()> m_atBegin;
     bool m_collects = false;
+    bool m_hasCensus = true;
     std::vector<Line> m_lines;
 };
+
+/// The platform's operations that a transcript calls, in their order.
+std::vector<std::string> callsIn(const std::string& transcript);
 
 /// What a table holds of a transcript.
 struct Fingerprint
 {
-    std::uint64_t hash = 14695981039346656037u; ///< FNV-1a of 64 bits
+    std::uint64_t hash = 14695981039346656037u; ///< like FNV-1a, with words of eight bytes
     std::size_t lines = 0;
 
-    /// The transcript's text, after what has been added before.
+    /// Adds a transcript to those before it. Bytes count in the order of a little-endian processor.
     void add(const std::string& text);
 };
 
