@@ -2,14 +2,14 @@
 
 #include "functionnames.h"
 
+#include <unwind.h>
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-
-#include <unwind.h>
 
 // The allocator itself, which the definitions below hide.
 extern "C"

@@ -181,6 +181,7 @@ private:
     qor::Array<SoundCard> m_cards;
 };
 
+template<direct::Registration registration>
 class ComparedDirect
 {
 public:
@@ -193,7 +194,7 @@ public:
     void findCards(CountingObserver& observer)
     {
         m_client = std::make_unique<direct::Client>();
-        m_cards = direct::Card::findAll(*m_client);
+        m_cards = direct::Card::findAll(*m_client, registration);
         for (direct::Card& card : m_cards)
         {
             card.data().playback.observers.push_back(&observer);
@@ -252,8 +253,14 @@ protected:
     static void expectTheLibrarysWork(const sim::Machine& machine)
     {
         const std::vector<ComparedStep> expected = ComparedRun<ComparedLibrary>(machine).perform();
-        const std::vector<ComparedStep> actual = ComparedRun<ComparedDirect>(machine).perform();
+        expectEqual(machine, expected, ComparedRun<ComparedDirect<direct::Registration::newDevice>>(machine).perform());
+        expectEqual(machine, expected, ComparedRun<ComparedDirect<direct::Registration::wholeList>>(machine).perform());
+    }
 
+private:
+    static void expectEqual(const sim::Machine& machine, const std::vector<ComparedStep>& expected,
+                            const std::vector<ComparedStep>& actual)
+    {
         ASSERT_EQ(expected.size(), actual.size());
         for (std::size_t index = 0; index < expected.size(); ++index)
         {
@@ -266,7 +273,6 @@ protected:
         EXPECT_FALSE(expected.front().journal.empty());
     }
 
-private:
     support::LogCapture m_log{qor::LoggerPriority::LOG_FATAL}; // or the failures of odd machines fill the output
 };
 
@@ -284,7 +290,7 @@ TEST_F(DirectClient, MakesTheLibrarysCallsAndKeepsItsDataOnAllShippedMachines)
 TEST_F(DirectClient, MakesTheLibrarysCallsAndKeepsItsDataOnMachinesOfAnySize)
 {
     for (const char* const name : {"cards:1", "cards:4", "endpoints:1", "endpoints:13", "connectors:2", "connectors:17",
-                                   "adapters:1", "adapters:2", "adapters:9"})
+                                   "adapters:1", "adapters:2", "adapters:9", "chain:1", "chain:2", "chain:9"})
         expectTheLibrarysWork(bench::machineOfSize(name));
 }
 
