@@ -11,12 +11,12 @@
 #include <cstdio>
 #include <cstring>
 
-// The allocator itself, which the definitions below hide.
+// The allocator of the C library, which the definitions below hide.
 extern "C"
 {
-    void* __libc_malloc(std::size_t size);                    // NOLINT(bugprone-reserved-identifier): of the C library
-    void* __libc_calloc(std::size_t count, std::size_t size); // NOLINT(bugprone-reserved-identifier)
-    void* __libc_realloc(void* block, std::size_t size);      // NOLINT(bugprone-reserved-identifier)
+    void* __libc_malloc(std::size_t size);
+    void* __libc_calloc(std::size_t count, std::size_t size);
+    void* __libc_realloc(void* block, std::size_t size);
 }
 
 namespace
