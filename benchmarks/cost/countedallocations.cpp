@@ -113,16 +113,16 @@ extern "C" void* malloc(std::size_t size)
     return __libc_malloc(size);
 }
 
-extern "C" void* calloc(std::size_t amount, std::size_t size)
+extern "C" void* calloc(std::size_t nmemb, std::size_t size)
 {
-    count(amount * size);
-    return __libc_calloc(amount, size);
+    count(nmemb * size);
+    return __libc_calloc(nmemb, size);
 }
 
-extern "C" void* realloc(void* block, std::size_t size)
+extern "C" void* realloc(void* ptr, std::size_t size)
 {
     count(size);
-    return __libc_realloc(block, size);
+    return __libc_realloc(ptr, size);
 }
 
 namespace bench

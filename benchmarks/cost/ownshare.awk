@@ -49,7 +49,7 @@ function countCall(name, calls) {
 /^[-+*0-9]/ { sum += $NF }
 END {
     if (counts)
-        printf "own=%d platform=%d addref=%d release=%d queryinterface=%d\n", sum, platform, addref, release, queryinterface
+        printf "own=%.0f platform=%d addref=%d release=%d queryinterface=%d\n", sum, platform, addref, release, queryinterface
     else
-        printf "%d\n", sum
+        printf "%.0f\n", sum
 }
