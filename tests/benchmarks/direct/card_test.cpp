@@ -73,6 +73,8 @@ public:
         return std::move(m_steps);
     }
 
+    sim::Census census() const { return m_simulation.census(); }
+
 private:
     template<class Step>
     void perform(const std::string& name, const Step& step)
@@ -257,6 +259,14 @@ protected:
         expectEqual(machine, expected, ComparedRun<ComparedDirect<direct::Registration::wholeList>>(machine).perform());
     }
 
+    template<class Client>
+    static sim::Census censusAfter(const sim::Machine& machine)
+    {
+        ComparedRun<Client> run(machine);
+        run.perform();
+        return run.census();
+    }
+
 private:
     static void expectEqual(const sim::Machine& machine, const std::vector<ComparedStep>& expected,
                             const std::vector<ComparedStep>& actual)
@@ -292,6 +302,19 @@ TEST_F(DirectClient, MakesTheLibrarysCallsAndKeepsItsDataOnMachinesOfAnySize)
     for (const char* const name : {"cards:1", "cards:4", "endpoints:1", "endpoints:13", "connectors:2", "connectors:17",
                                    "adapters:1", "adapters:2", "adapters:9", "chain:1", "chain:2", "chain:9"})
         expectTheLibrarysWork(bench::machineOfSize(name));
+}
+
+TEST_F(DirectClient, LeavesTheStringsOfDirectSoundGuidsAsTheLibraryDoesAndNothingElse)
+{
+    const sim::Machine machine = sim::findMachine("desktop");
+
+    const sim::Census library = censusAfter<ComparedLibrary>(machine);
+    const sim::Census client = censusAfter<ComparedDirect<direct::Registration::newDevice>>(machine);
+
+    EXPECT_NE(0, client.taskBlocks());
+    EXPECT_EQ(library.taskMemory, client.taskMemory);
+    EXPECT_EQ(0, client.references()) << client;
+    EXPECT_TRUE(client.clients.empty()) << client;
 }
 
 TEST_P(DirectClientOnRandomMachines, MakesTheLibrarysCallsAndKeepsItsData)
