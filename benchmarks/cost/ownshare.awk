@@ -4,8 +4,11 @@
 #   awk -v counts=1 -f ownshare.awk PROFILE        "own=… platform=… addref=… release=… queryinterface=…": the last four
 #                                                  are calls from outside of the machine into it
 
-# The platform's functions off Windows: the machine's classes and the runtime functions that it defines.
+# The platform's functions off Windows: the machine's classes and the runtime functions that it defines. A function of the
+# benchmark may have the machine among its parameters.
 function isSim(name) {
+    if (name ~ /bench::/)
+        return 0
     return name ~ /^(non-virtual thunk to |virtual thunk to )?sim::/ || name ~ /[^a-zA-Z_:]sim::/ ||
         name ~ /^libOSWindows::ConfigManager::/ ||
         name ~ /^(CoCreateInstance|CoInitialize(Ex)?|CoUninitialize|CoTaskMem(Alloc|Free)|PropVariantClear)$/ ||
@@ -29,7 +32,6 @@ function countCall(name, calls) {
         platform += calls
 }
 
-# A name may have its file's number or the number of a clone behind it: function'2 is a recursive call.
 /^fn=/ { from = substr($0, 4); next }
 /^cfn=/ { to = substr($0, 5); next }
 /^calls=/ {
@@ -47,7 +49,7 @@ function countCall(name, calls) {
 /^[-+*0-9]/ { sum += $NF }
 END {
     if (counts)
-        printf "own=%d platform=%d addref=%d release=%d queryinterface=%d\n", sum, platform, addref, release, queryinterface
+        printf "own=%.0f platform=%d addref=%d release=%d queryinterface=%d\n", sum, platform, addref, release, queryinterface
     else
-        printf "%d\n", sum
+        printf "%.0f\n", sum
 }
