@@ -16,6 +16,15 @@
 
 namespace qor
 {
+/// How an array that grows makes the copy of an element that it destroys next: from what of() returns. A class whose
+/// copies are expensive may specialize it, so that the copy takes what the element only destroys. Such a copy must not
+/// throw: the elements that come before it could no longer be used.
+template<class T>
+struct GrowthCopy
+{
+    static const T& of(T& element) noexcept { return element; }
+};
+
 /// Growable sequence with value semantics: a copy holds copies of all elements, and keeps the capacity of its source.
 ///
 /// Count, capacity and elements share one block; a new array has a block for 8 elements, and growth doubles it.
@@ -147,6 +156,7 @@ private:
     static Block* allocatePlaces(unsigned int capacity, unsigned int reported);
     static Block* copyOf(const Block* source);
     static void copyElements(const Block* source, Block* target);
+    static void copyGrownElements(Block* source, Block* target);
     static void destroyBlock(Block* block);
 
     static T* places(Block* block) { return reinterpret_cast<T*>(block + 1); }

@@ -173,7 +173,7 @@ T& Array<T>::emplaceGrown(Arguments&&... arguments)
     void* const place = places(grown.block()) + count;
     ElementGuard added(::new (place) T(std::forward<Arguments>(arguments)...));
     if (m_block != nullptr)
-        copyElements(m_block, grown.block());
+        copyGrownElements(m_block, grown.block());
     grown.block()->count = count + 1;
     T& element = added.release();
     const StoringGuard storing(m_block, grown);
@@ -217,7 +217,7 @@ void Array<T>::ensureCapacity(unsigned int required)
         return;
     BlockGuard grown(allocate(required, required));
     if (m_block != nullptr)
-        copyElements(m_block, grown.block());
+        copyGrownElements(m_block, grown.block());
     const StoringGuard storing(m_block, grown);
     destroyBlock(m_block);
 }
@@ -319,6 +319,23 @@ void Array<T>::copyElements(const Block* source, Block* target)
         while (target->count < source->count)
         {
             ::new (static_cast<void*>(places(target) + target->count)) T(places(source)[target->count]);
+            ++target->count;
+        }
+    }
+}
+
+/// As copyElements(), from a block that is destroyed next.
+template<class T>
+void Array<T>::copyGrownElements(Block* source, Block* target)
+{
+    if constexpr (std::is_trivially_copyable_v<T>)
+        copyElements(source, target);
+    else
+    {
+        while (target->count < source->count)
+        {
+            ::new (static_cast<void*>(places(target) + target->count))
+                T(GrowthCopy<T>::of(places(source)[target->count]));
             ++target->count;
         }
     }

@@ -76,8 +76,7 @@ public:
     class LastUse;
     class InPassing;
 
-    /// For the library's own lists: a copy of a device that is destroyed next. It takes the topology instead of copying
-    /// it.
+    /// A copy of a device that is destroyed next; see LastUse.
     explicit AudioDevice(const LastUse& source);
 
     /// Adopts the caller's reference on @p device, reads id, topology and properties and creates the volume controller,
@@ -221,6 +220,29 @@ private:
     Properties m_properties;
     Properties m_savedProperties; // as of the latest successful initialize(); has the format to restore
 };
+
+/// A device that is destroyed right after it is copied, as each element of an array that grows. The copy takes the
+/// device's topology, with all lists in it, instead of copying it, and allocates nothing; all else, and all that is
+/// traced, is as in a copy.
+class AudioDevice::LastUse
+{
+public:
+    explicit LastUse(AudioDevice& device) noexcept : m_device(device) {}
+
+    AudioDevice& device() const noexcept { return m_device; }
+
+private:
+    AudioDevice& m_device;
+};
+
+namespace qor
+{
+template<>
+struct GrowthCopy<AudioDevice>
+{
+    static AudioDevice::LastUse of(AudioDevice& element) noexcept { return AudioDevice::LastUse(element); }
+};
+}
 
 template<>
 SONAVIT_API bool AudioDevice::getPropVariantValue(const PROPVARIANT& variant, qor::String& value);

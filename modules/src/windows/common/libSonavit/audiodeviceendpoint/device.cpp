@@ -3,13 +3,10 @@
 #include "COM/interfacequery.h"
 #include "COM/resultcode.h"
 #include "COM/tasktext.h"
-#include "libSonavit/audiodeviceendpoint/lastuse.h"
 #include "libSonavit/audiodeviceendpoint/log.h"
 #include "libSonavit/audiodevicetopology/passingtopology.h"
 #include "libSonavit/audiodevicetopology/topologyview.h"
 #include "libSonavit/endpointdeviceenumerator.h"
-
-#include <utility>
 
 AudioDevice::AudioDevice() = default;
 
@@ -39,27 +36,9 @@ AudioDevice::AudioDevice(const LastUse& source)
       m_propertyStore(source.device().m_propertyStore),
       m_volumeControl(source.device().m_volumeControl),
       m_topology(TopologyView::take(source.device().m_topology)),
-      m_properties(LastUse::take(source.device().m_properties)),
-      m_savedProperties(LastUse::take(source.device().m_savedProperties))
+      m_properties(source.device().m_properties),
+      m_savedProperties(source.device().m_savedProperties)
 {
-}
-
-/// What @p properties contains, the texts taken out of it. The formats stay: the destructor of the device compares
-/// them.
-AudioDeviceInterface::Properties AudioDevice::LastUse::take(Properties& properties)
-{
-    Properties taken;
-    taken.speakerConfig = properties.speakerConfig;
-    taken.format = properties.format;
-    taken.deviceId = std::move(properties.deviceId);
-    taken.instancePath = std::move(properties.instancePath);
-    taken.driverNodeStrongName = std::move(properties.driverNodeStrongName);
-    taken.friendlyName = std::move(properties.friendlyName);
-    taken.endpointType = std::move(properties.endpointType);
-    taken.subType = properties.subType;
-    taken.directSoundGuid = properties.directSoundGuid;
-    taken.deviceState = properties.deviceState;
-    return taken;
 }
 
 AudioDevice::AudioDevice(const AudioDevice& other) = default;

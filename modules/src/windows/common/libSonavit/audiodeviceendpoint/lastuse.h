@@ -1,26 +1,15 @@
-/// Devices that go into a list and end; included by the library's source files only.
+/// Devices that end when a list has them; included by the library's source files only.
 #pragma once
 
 #include "libSonavit/audiodeviceendpoint.h"
 
-/// A device that is destroyed right after a list has taken a copy of it. The copy takes the device's topology, with its
-/// lists, and the texts of its properties instead of copying them; all else, and all that is traced, is as in a copy.
-class AudioDevice::LastUse
+namespace lastuse
 {
-public:
-    explicit LastUse(AudioDevice& device) noexcept : m_device(device) {}
-
-    AudioDevice& device() const noexcept { return m_device; }
-
-    static Properties take(Properties& properties);
-
-    /// Appends the copy to @p list. The elements that a full list copies as it grows come first, as in Array::append().
-    void appendTo(qor::Array<AudioDevice>& list) const
-    {
-        list.ensureCapacity(list.size() + 1);
-        list.emplace(*this);
-    }
-
-private:
-    AudioDevice& m_device;
-};
+/// Appends a copy of @p device, which is destroyed next, to @p list. The elements that a full list copies as it grows
+/// come first, as in Array::append().
+inline void append(AudioDevice& device, qor::Array<AudioDevice>& list)
+{
+    list.ensureCapacity(list.size() + 1);
+    list.emplace(AudioDevice::LastUse(device));
+}
+}

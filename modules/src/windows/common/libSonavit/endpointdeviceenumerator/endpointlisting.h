@@ -35,7 +35,7 @@ inline void append(const COMPtr<IMMDeviceCollection>::pointer& collection, UINT 
         IMMDevice* device = nullptr;
         collection->Item(index, &device);
         AudioDevice temporary(device);
-        AudioDevice::LastUse(temporary).appendTo(devices);
+        lastuse::append(temporary, devices);
     }
 }
 }

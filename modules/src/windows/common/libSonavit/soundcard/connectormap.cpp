@@ -109,7 +109,7 @@ void SoundCard::registerFarDevice(AudioDevice& farDevice, const qor::String& far
     if (farDevice.isInitialized())
     {
         graph.addInternalDevice(farDevice.deviceProperty().deviceId);
-        AudioDevice::LastUse(farDevice).appendTo(*m_internalDevices);
+        lastuse::append(farDevice, *m_internalDevices);
         graph.addKnownDevice(farId);
         // Required behaviour: the whole list again, with references on all that it contains.
         registerConnectors(*m_internalDevices, graph.numRegisteredInternalDevices, graph);

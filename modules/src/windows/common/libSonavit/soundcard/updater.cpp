@@ -156,8 +156,7 @@ HRESULT SoundCard::SoundCardDeviceUpdater::OnDeviceAdded(LPCWSTR deviceId)
     const DeviceList devices = selectDeviceList(device);
     const ObserverList observers = selectObserver(device);
     if (devices.get() != nullptr)
-        AudioDevice::LastUse(device).appendTo(
-            *devices); // even a duplicate: required behaviour, and a removal removes the first
+        lastuse::append(device, *devices); // even a duplicate: required behaviour, and a removal removes the first
     notify(observers, &SoundCardObserver::onDeviceAdded);
     return S_OK;
 }
