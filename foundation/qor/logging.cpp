@@ -188,17 +188,19 @@ Logger* messageLogger(const char* channel, LoggerSlot& slot, LOGGER_PRIORITY pri
     return logger.m_priority < priority ? &logger : nullptr;
 }
 
-const TraceSite* TraceScope::open(const TraceSite& site)
+TraceSiteFunction TraceScope::open(TraceSiteFunction siteOf)
 {
+    const TraceSite site = siteOf();
     Logger* const logger = traceLogger(site.channel, *site.slot);
     if (logger == nullptr)
         return nullptr;
     deliverEnter(*logger, site.label, site.file, site.line);
-    return &site;
+    return siteOf;
 }
 
-void TraceScope::close(const TraceSite& site) noexcept
+void TraceScope::close(TraceSiteFunction siteOf) noexcept
 {
+    const TraceSite site = siteOf();
     Logger* const logger = site.slot->load(std::memory_order_acquire); // the one of open(): a slot is filled once
     deliverLeave(*logger, site.label, site.file, site.line);
 }

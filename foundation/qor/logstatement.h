@@ -53,12 +53,16 @@ struct TraceSite
     int line;
 };
 
+/// Gives the site of a scope. A function, as a static variable of an inline function would keep the dynamic linker from
+/// unloading each module that has one.
+using TraceSiteFunction = TraceSite (*)();
+
 /// A TraceLogger whose arguments are known when the program is compiled: with the gate closed, a load, a comparison and
 /// a test are all that is left of it.
 class QOR_API TraceScope
 {
 public:
-    explicit TraceScope(const TraceSite& site)
+    explicit TraceScope(TraceSiteFunction site)
         : m_open(LogFactory::getPriority() > LoggerPriority::LOG_DEBUG ? nullptr : open(site))
     {
     }
@@ -66,7 +70,7 @@ public:
     ~TraceScope()
     {
         if (m_open != nullptr)
-            close(*m_open);
+            close(m_open);
     }
 
     TraceScope(const TraceScope&) = delete;
@@ -74,10 +78,10 @@ public:
 
 private:
     // No address of this object leaves it, so compilers keep its field in a register or do without it.
-    QOR_COLD static const TraceSite* open(const TraceSite& site);
-    QOR_COLD static void close(const TraceSite& site) noexcept;
+    QOR_COLD static TraceSiteFunction open(TraceSiteFunction site);
+    QOR_COLD static void close(TraceSiteFunction site) noexcept;
 
-    const TraceSite* m_open; // null if nothing is traced
+    TraceSiteFunction m_open; // null if nothing is traced
 };
 }
 
@@ -102,6 +106,8 @@ private:
 
 /// Opens a trace scope for the rest of the enclosing block. Required behaviour: labels are literals that readers of the
 /// log search for; several functions share a label, and some labels name another function.
-#define SONAVIT_TRACE(module, label)                                                                             \
-    static constexpr qor::TraceSite sonavitSite = {module::channel, &module::logger, label, __FILE__, __LINE__}; \
-    const qor::TraceScope sonavitTrace(sonavitSite)
+#define SONAVIT_TRACE(module, label)                                              \
+    const qor::TraceScope sonavitTrace(                                           \
+        []() noexcept -> qor::TraceSite {                                         \
+            return {module::channel, &module::logger, label, __FILE__, __LINE__}; \
+        })
