@@ -87,12 +87,14 @@ void deliverLeave(const Logger& logger, const char* label, const char* file, int
 
 constexpr unsigned int usualMessage = 120; // code units; a longer message takes a second allocation
 
-/// Appends the digits of @p value, after a minus sign if it is @p negative.
-void appendDecimal(LoggerStream& stream, unsigned __int64 value, bool negative = false)
+/// Appends the digits of @p value, after a minus sign if it is @p negative, and before @p end.
+void appendDecimal(LoggerStream& stream, unsigned __int64 value, bool negative = false, char end = '\0')
 {
     char digits[24];
     char* place = digits + sizeof(digits) - 1;
     *place = '\0';
+    if (end != '\0')
+        *--place = end;
     do
     {
         *--place = static_cast<char>('0' + value % 10);
@@ -104,17 +106,26 @@ void appendDecimal(LoggerStream& stream, unsigned __int64 value, bool negative =
         stream.reserve(usualMessage);
     stream.append(place);
 }
+
+void appendSigned(LoggerStream& stream, int value, char end = '\0')
+{
+    const unsigned int bits = static_cast<unsigned int>(value);
+    appendDecimal(stream, value < 0 ? 0u - bits : bits, value < 0, end);
+}
 }
 
 LoggerStream::LoggerStream() = default;
+LoggerStream::LoggerStream(int line)
+{
+    appendSigned(*this, line, ' ');
+}
 LoggerStream::LoggerStream(const LoggerStream& other) = default;
 LoggerStream& LoggerStream::operator=(const LoggerStream& other) = default;
 LoggerStream::~LoggerStream() = default;
 
 LoggerStream& LoggerStream::operator+(int value)
 {
-    const unsigned int bits = static_cast<unsigned int>(value);
-    appendDecimal(*this, value < 0 ? 0u - bits : bits, value < 0);
+    appendSigned(*this, value);
     return *this;
 }
 

@@ -30,6 +30,10 @@ class QOR_API LoggerStream : public String
 {
 public:
     LoggerStream();
+
+    /// Starts with the digits of @p line and a blank, as each message of the library does.
+    explicit LoggerStream(int line);
+
     LoggerStream(const LoggerStream& other);
     LoggerStream& operator=(const LoggerStream& other);
     ~LoggerStream();

@@ -98,8 +98,7 @@ private:
             qor::messageLogger(module::channel, module::logger, qor::LoggerPriority::level); \
         if (sonavitLogger == nullptr)                                                        \
             break;                                                                           \
-        qor::LoggerStream out;                                                               \
-        (out + __LINE__).append(" ");                                                        \
+        qor::LoggerStream out(__LINE__);                                                     \
         __VA_ARGS__;                                                                         \
         sonavitLogger->log(qor::LoggerPriority::level, out);                                 \
     } while (false)

@@ -61,6 +61,19 @@ TEST(LoggerStreamPlus, ReturnsTheStreamItself)
     EXPECT_EQ(&stream, &(stream + static_cast<unsigned __int64>(1)));
 }
 
+TEST(LoggerStreamOfALine, StartsWithTheLineAndABlankAndHasRoomForAMessage)
+{
+    LoggerStream stream(168);
+    const unsigned short* const buffer = stream.getUCS2Buffer();
+    EXPECT_EQ(String("168 "), stream);
+
+    stream.append(String("OpenPropertyStore returns ")).append("0x80070005");
+
+    EXPECT_EQ(String("168 OpenPropertyStore returns 0x80070005"), stream);
+    EXPECT_EQ(buffer, stream.getUCS2Buffer());
+    EXPECT_EQ(String("-2147483648 "), LoggerStream(std::numeric_limits<int>::min()));
+}
+
 TEST(LoggerStreamPlus, AsTheFirstOperationMakesRoomForAMessage)
 {
     LoggerStream stream;
