@@ -2,6 +2,7 @@
 
 #include "simulator/core/composedproperties.h"
 #include "simulator/machine/casefolding.h"
+#include "simulator/machine/defaults.h"
 #include "simulator/machine/propertykeys.h"
 
 #include <algorithm>
@@ -34,32 +35,72 @@ const Machine& Hardware::machine() const
     return m_machine;
 }
 
-/// Of two devices or parts with the same id the first in the machine's order counts, endpoints before adapters.
+std::size_t Hardware::HashNoCase::operator()(std::string_view text) const
+{
+    std::size_t value = 0xCBF29CE4;
+    for (const char character : text)
+        value = (value ^ static_cast<unsigned char>(lowerCase(character))) * 0x01000193;
+    return value;
+}
+
+bool Hardware::EqualNoCase::operator()(std::string_view left, std::string_view right) const
+{
+    return equalNoCase(left, right);
+}
+
 void Hardware::reindex()
+{
+    clearIndexes();
+    indexDevices();
+    indexJoins();
+    indexEndpointsAtConnectors();
+    for (const DeviceInstance& instance : m_machine.deviceInstances)
+        m_deviceInstances.emplace(instance.id, &instance);
+}
+
+void Hardware::clearIndexes()
 {
     m_endpoints.clear();
     m_endpointOf.clear();
     m_devices.clear();
     m_devicesNoCase.clear();
+    m_deviceInstances.clear();
     m_parts.clear();
     m_peers.clear();
+    m_endpointsAt.clear();
     m_pathsFrom.clear();
+}
 
-    const auto index = [this](Device& device)
-    {
-        m_devices.emplace(device.id, &device);
-        m_devicesNoCase[lowerCase(device.id)].push_back(&device);
-        indexParts(device);
-    };
+/// Of two devices or parts with the same id the first in the machine's order counts, endpoints before adapters.
+void Hardware::indexDevices()
+{
     for (Endpoint& endpoint : m_machine.endpoints)
     {
         m_endpoints.emplace(endpoint.id, &endpoint);
         m_endpointOf.emplace(&endpoint, &endpoint);
-        index(endpoint);
+        indexDevice(endpoint);
     }
     for (Adapter& adapter : m_machine.adapters)
-        index(adapter);
-    indexJoins();
+        indexDevice(adapter);
+}
+
+void Hardware::indexDevice(Device& device)
+{
+    m_devices.emplace(device.id, &device);
+    m_devicesNoCase[device.id].push_back(&device);
+    indexParts(device);
+}
+
+void Hardware::indexParts(Device& device)
+{
+    if (!device.topology)
+        return;
+    for (Connector& connector : device.topology->connectors)
+        m_parts.emplace(connector.id, ChangeablePartPlace{&device, &connector, &connector});
+    for (Subunit& subunit : device.topology->subunits)
+        m_parts.emplace(subunit.id, ChangeablePartPlace{&device, &subunit, nullptr});
+    for (const SignalPath& path : device.topology->signalPaths)
+        m_pathsFrom[path.from].push_back(&path);
 }
 
 /// As Machine::peer(), for all connectors at once.
@@ -78,16 +119,15 @@ void Hardware::indexJoins()
     }
 }
 
-void Hardware::indexParts(Device& device)
+void Hardware::indexEndpointsAtConnectors()
 {
-    if (!device.topology)
-        return;
-    for (Connector& connector : device.topology->connectors)
-        m_parts.emplace(connector.id, ChangeablePartPlace{&device, &connector, &connector});
-    for (Subunit& subunit : device.topology->subunits)
-        m_parts.emplace(subunit.id, ChangeablePartPlace{&device, &subunit, nullptr});
-    for (const SignalPath& path : device.topology->signalPaths)
-        m_pathsFrom[path.from].push_back(&path);
+    for (const Endpoint& endpoint : m_machine.endpoints)
+    {
+        if (!endpoint.topology || endpoint.topology->connectors.empty())
+            continue;
+        if (const Peer* const found = peer(endpoint.topology->connectors.front().id))
+            m_endpointsAt[found->connector].push_back(&endpoint);
+    }
 }
 
 bool Hardware::isGone(const Device& device) const
@@ -127,12 +167,12 @@ bool Hardware::hasDevice(const std::string& id) const
 
 bool Hardware::knows(const std::string& id) const
 {
-    return m_devicesNoCase.count(lowerCase(id)) > 0;
+    return m_devicesNoCase.count(id) > 0;
 }
 
 Device* Hardware::openDevice(const std::string& id)
 {
-    const auto found = m_devicesNoCase.find(lowerCase(id));
+    const auto found = m_devicesNoCase.find(id);
     if (found == m_devicesNoCase.end())
         return nullptr;
     Device* nearly = nullptr;
@@ -149,8 +189,20 @@ Device* Hardware::openDevice(const std::string& id)
 
 Text Hardware::defaultEndpoint(EDataFlow flow, ERole role) const
 {
-    const Endpoint* const elected = m_serviceRuns ? m_machine.defaultEndpoint(flow, role) : nullptr;
+    if (!m_serviceRuns)
+        return {};
+    const auto jack = [this](const Endpoint& endpoint) { return jackOf(endpoint); };
+    const Endpoint* const elected = electDefault(m_machine, flow, role, jack);
     return elected == nullptr ? Text() : Text(elected->id);
+}
+
+GUID Hardware::jackOf(const Endpoint& endpoint) const
+{
+    if (!endpoint.topology || endpoint.topology->connectors.empty())
+        return {};
+    const Peer* const found = peer(endpoint.topology->connectors.front().id);
+    const auto jack = found == nullptr ? m_parts.end() : m_parts.find(found->connector);
+    return jack == m_parts.end() ? GUID{} : jack->second.part->subType;
 }
 
 std::vector<Endpoint*> Hardware::endpointsOfDevice(const std::string& endpointId)
@@ -216,6 +268,12 @@ void Hardware::makeStoresStale(const std::string& deviceId)
     ++m_storeAges[deviceId];
 }
 
+const DeviceInstance* Hardware::deviceInstance(const std::string& id) const
+{
+    const auto found = m_deviceInstances.find(id);
+    return found == m_deviceInstances.end() ? nullptr : found->second;
+}
+
 const ChangeablePartPlace* Hardware::part(const std::string& id) const
 {
     const auto found = m_parts.find(id);
@@ -232,6 +290,13 @@ const Peer* Hardware::peer(const std::string& connectorId) const
 {
     const auto found = m_peers.find(connectorId);
     return found == m_peers.end() ? nullptr : &found->second;
+}
+
+const std::vector<const Endpoint*>& Hardware::endpointsAt(const std::string& connectorId) const
+{
+    static const std::vector<const Endpoint*> none;
+    const auto found = m_endpointsAt.find(connectorId);
+    return found == m_endpointsAt.end() ? none : found->second;
 }
 
 const SignalPath* Hardware::signalPath(const Device& device, const std::string& from, const std::string& to,

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -21,6 +22,8 @@ class Hardware
 {
 public:
     explicit Hardware(Machine machine);
+    Hardware(const Hardware&) = delete; // the indexes refer to the machine
+    Hardware& operator=(const Hardware&) = delete;
 
     /// The machine. After adding or removing list elements, or changing an id, a join or a path, call reindex().
     Machine& machine();
@@ -59,6 +62,9 @@ public:
     void makeStoresStale();
     void makeStoresStale(const std::string& deviceId);
 
+    /// As Machine::deviceInstance().
+    const DeviceInstance* deviceInstance(const std::string& id) const;
+
     /// Valid until the next reindex(); null if there is no such part, or if its endpoint is unknown.
     const ChangeablePartPlace* part(const std::string& id) const;
     /// The device with the id @p id, or that has the part with that id, in any condition; @p id itself if there is
@@ -66,6 +72,9 @@ public:
     const std::string& deviceOf(const std::string& id) const;
     /// As Machine::peer(). Valid until the next reindex(); null if there is none.
     const Peer* peer(const std::string& connectorId) const;
+    /// The endpoints whose first connector reports @p connectorId as its peer, in the machine's order, in any
+    /// condition. Valid until the next reindex().
+    const std::vector<const Endpoint*>& endpointsAt(const std::string& connectorId) const;
 
     /// A path from one part to another within the topology of @p device; null if there is none. With @p rejectMixed
     /// mixed paths do not count.
@@ -73,18 +82,41 @@ public:
                                  bool rejectMixed) const;
 
 private:
+    /// Regardless of the case of A to Z.
+    struct HashNoCase
+    {
+        std::size_t operator()(std::string_view text) const;
+    };
+    struct EqualNoCase
+    {
+        bool operator()(std::string_view left, std::string_view right) const;
+    };
+
+    /// Texts of the machine are the keys: an index costs no copies.
+    template<class Value>
+    using Index = std::unordered_map<std::string_view, Value>;
+    template<class Value>
+    using IndexNoCase = std::unordered_map<std::string_view, Value, HashNoCase, EqualNoCase>;
+
     bool isGone(const Device& device) const;
+    void clearIndexes();
+    void indexDevices();
+    void indexDevice(Device& device);
     void indexParts(Device& device);
     void indexJoins();
+    void indexEndpointsAtConnectors();
+    GUID jackOf(const Endpoint& endpoint) const;
 
     Machine m_machine;
-    std::unordered_map<std::string, Endpoint*> m_endpoints;
+    Index<Endpoint*> m_endpoints;
     std::unordered_map<const Device*, const Endpoint*> m_endpointOf;
-    std::unordered_map<std::string, Device*> m_devices;
-    std::unordered_map<std::string, std::vector<Device*>> m_devicesNoCase;
-    std::unordered_map<std::string, ChangeablePartPlace> m_parts;
-    std::unordered_map<std::string, Peer> m_peers;
-    std::unordered_map<std::string, std::vector<const SignalPath*>> m_pathsFrom;
+    Index<Device*> m_devices;
+    IndexNoCase<std::vector<Device*>> m_devicesNoCase;
+    IndexNoCase<const DeviceInstance*> m_deviceInstances;
+    Index<ChangeablePartPlace> m_parts;
+    Index<Peer> m_peers;
+    Index<std::vector<const Endpoint*>> m_endpointsAt;
+    Index<std::vector<const SignalPath*>> m_pathsFrom;
     std::unordered_map<std::string, std::uint32_t> m_statesBefore;
     std::unordered_map<std::string, std::uint64_t> m_storeAges;
     std::uint64_t m_allStoresAge = 0;
