@@ -5,10 +5,12 @@
 #include "simulator/machine/machine.h"
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace sim
@@ -45,9 +47,15 @@ public:
     /// The id of the default endpoint, see Machine::defaultEndpoint(); no value if there is none, as while the audio
     /// service is stopped.
     Text defaultEndpoint(EDataFlow flow, ERole role) const;
+    /// The named default of its flow in @p role, in place of any other; removes any.
+    void nameDefault(Endpoint& endpoint, ERole role);
+    void removeDefault(EDataFlow flow, ERole role);
     /// The endpoints of the same device, those with exactly its instance path, in the machine's order; the endpoint
     /// alone if it has no path. Empty if there is no such endpoint.
     std::vector<Endpoint*> endpointsOfDevice(const std::string& endpointId);
+
+    /// The endpoints whose volume or mute the part @p partId implements, in the machine's order.
+    const std::vector<Endpoint*>& endpointsInHardware(const std::string& partId) const;
 
     /// The endpoint becomes not present, or takes the state again that it had before; active if it had none.
     void leave(Endpoint& endpoint);
@@ -105,6 +113,8 @@ private:
     void indexParts(Device& device);
     void indexJoins();
     void indexEndpointsAtConnectors();
+    void indexDefaults();
+    void indexVolumesInHardware();
     GUID jackOf(const Endpoint& endpoint) const;
 
     Machine m_machine;
@@ -116,6 +126,8 @@ private:
     Index<ChangeablePartPlace> m_parts;
     Index<Peer> m_peers;
     Index<std::vector<const Endpoint*>> m_endpointsAt;
+    Index<std::vector<Endpoint*>> m_endpointsInHardware;
+    std::map<std::pair<EDataFlow, ERole>, std::vector<Endpoint*>> m_namedDefaults; ///< in the machine's order
     Index<std::vector<const SignalPath*>> m_pathsFrom;
     std::unordered_map<std::string, std::uint32_t> m_statesBefore;
     std::unordered_map<std::string, std::uint64_t> m_storeAges;

@@ -95,15 +95,17 @@ const Endpoint* Machine::namedDefault(EDataFlow flow, ERole role) const
 
 const Endpoint* Machine::defaultEndpoint(EDataFlow flow, ERole role) const
 {
-    return electDefault(*this, flow, role, [this](const Endpoint& endpoint) { return jackBehind(*this, endpoint); });
+    const Endpoint* const named = namedDefault(flow, role);
+    const auto jackOf = [this](const Endpoint& endpoint) { return jackBehind(*this, endpoint); };
+    return named == nullptr ? nullptr : electDefault(*this, *named, role, jackOf);
 }
 
-const Endpoint* electDefault(const Machine& machine, EDataFlow flow, ERole role,
+const Endpoint* electDefault(const Machine& machine, const Endpoint& named, ERole role,
                              const std::function<GUID(const Endpoint&)>& jackOf)
 {
-    const Endpoint* const named = machine.namedDefault(flow, role);
-    if (named == nullptr || isEligible(*named, flow))
-        return named;
+    const EDataFlow flow = named.flow;
+    if (isEligible(named, flow))
+        return &named;
 
     using Rank = std::pair<std::size_t, std::size_t>;
     const Endpoint* best = nullptr;
