@@ -4,6 +4,18 @@
 
 namespace sim
 {
+namespace
+{
+template<class Devices>
+std::size_t countParts(const Devices& devices)
+{
+    std::size_t count = 0;
+    for (const Device& device : devices)
+        count += device.topology ? device.topology->connectors.size() + device.topology->subunits.size() : 0;
+    return count;
+}
+}
+
 std::size_t Hardware::HashNoCase::operator()(std::string_view text) const
 {
     std::size_t value = 0xCBF29CE4;
@@ -29,6 +41,7 @@ void Hardware::reindex()
         m_deviceInstances.emplace(instance.id, &instance);
 }
 
+/// Empty, with room for what the machine has.
 void Hardware::clearIndexes()
 {
     m_endpoints.clear();
@@ -42,6 +55,17 @@ void Hardware::clearIndexes()
     m_endpointsInHardware.clear();
     m_namedDefaults.clear();
     m_pathsFrom.clear();
+
+    // An index that grows step by step moves its entries several times.
+    const std::size_t endpoints = m_machine.endpoints.size();
+    m_endpoints.reserve(endpoints);
+    m_endpointOf.reserve(endpoints);
+    m_endpointsAt.reserve(endpoints);
+    m_devices.reserve(endpoints + m_machine.adapters.size());
+    m_devicesNoCase.reserve(endpoints + m_machine.adapters.size());
+    m_deviceInstances.reserve(m_machine.deviceInstances.size());
+    m_parts.reserve(countParts(m_machine.endpoints) + countParts(m_machine.adapters));
+    m_peers.reserve(2 * m_machine.joins.size());
 }
 
 /// Of two devices or parts with the same id the first in the machine's order counts, endpoints before adapters.

@@ -69,6 +69,8 @@ std::vector<MachineProblem> MachineCheck::run()
 
 void MachineCheck::devices()
 {
+    m_endpoints.reserve(m_machine.endpoints.size());
+    m_devices.reserve(m_machine.endpoints.size() + m_machine.adapters.size());
     for (std::size_t index = 0; index < m_machine.endpoints.size(); ++index)
     {
         const Endpoint& endpoint = m_machine.endpoints[index];
