@@ -2,7 +2,6 @@
 #include "qor/string.h"
 
 #include <gtest/gtest.h>
-
 #include <sys/mman.h>
 #include <unistd.h>
 

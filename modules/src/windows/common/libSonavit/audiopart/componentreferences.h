@@ -1,4 +1,4 @@
-/// Copies of components that nobody reads; included by the library's source files only.
+/// What the platform sees of a copy of a list of components; included by the library's source files only.
 #pragma once
 
 #include "COM/comptr.h"

@@ -20,7 +20,7 @@ struct KeptTexts
     qor::String name;
 };
 
-/// As KeptTexts, where nobody reads the name.
+/// As KeptTexts, for an operation that does not use the name.
 struct KeptId
 {
     void globalIdIs(LPCWSTR text) { globalId = platform::ucs2(text); }
@@ -29,7 +29,7 @@ struct KeptId
     qor::String globalId;
 };
 
-/// Texts that nobody reads: the platform is asked for them, and they are freed.
+/// For an operation that uses no text: the platform is asked for both, and they are freed.
 struct DroppedTexts
 {
     static void globalIdIs(LPCWSTR) noexcept {}
