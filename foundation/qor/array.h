@@ -16,13 +16,16 @@
 
 namespace qor
 {
-/// How an array that grows makes the copy of an element that it destroys next: from what of() returns. A class whose
-/// copies are expensive may specialize it, so that the copy takes what the element only destroys. Such a copy must not
-/// throw: the elements that come before it could no longer be used.
+/// How an array that grows copies its elements, which it destroys next. A class whose copies are expensive may
+/// specialize this, so that a copy takes over what the element would only destroy:
+///
+///     static constexpr bool takes = true;
+///     static bool isPossible(const T* elements, unsigned int count) noexcept; // else all elements are copied as usual
+///     static Taker of(T& element) noexcept; // from which T is built; may not throw, as a half taken array is lost
 template<class T>
 struct GrowthCopy
 {
-    static const T& of(T& element) noexcept { return element; }
+    static constexpr bool takes = false;
 };
 
 /// Growable sequence with value semantics: a copy holds copies of all elements, and keeps the capacity of its source.

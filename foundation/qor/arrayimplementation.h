@@ -328,17 +328,20 @@ void Array<T>::copyElements(const Block* source, Block* target)
 template<class T>
 void Array<T>::copyGrownElements(Block* source, Block* target)
 {
-    if constexpr (std::is_trivially_copyable_v<T>)
-        copyElements(source, target);
-    else
+    if constexpr (GrowthCopy<T>::takes)
     {
-        while (target->count < source->count)
+        if (GrowthCopy<T>::isPossible(places(source), source->count))
         {
-            ::new (static_cast<void*>(places(target) + target->count))
-                T(GrowthCopy<T>::of(places(source)[target->count]));
-            ++target->count;
+            while (target->count < source->count)
+            {
+                T& element = places(source)[target->count];
+                ::new (static_cast<void*>(places(target) + target->count)) T(GrowthCopy<T>::of(element));
+                ++target->count;
+            }
+            return;
         }
     }
+    copyElements(source, target);
 }
 
 template<class T>

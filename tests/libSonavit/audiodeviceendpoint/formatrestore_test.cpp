@@ -26,6 +26,15 @@ protected:
 
     std::unique_ptr<AudioDevice> newDevice() { return std::make_unique<AudioDevice>(reference(speaker.id())); }
 
+    /// The operations in the journal.
+    std::vector<std::string> calls()
+    {
+        std::vector<std::string> operations;
+        for (const sim::JournalEntry& entry : simulation().journal().entries())
+            operations.push_back(entry.operation);
+        return operations;
+    }
+
     std::size_t writes() { return simulation().journal().count("IPropertyStore::SetValue"); }
 };
 
@@ -151,6 +160,27 @@ TEST_F(AudioDeviceRestore, IsDoneByTheElementThatAGrowingArrayDestroys)
         EXPECT_EQ(2u, writes());
     }
     EXPECT_EQ(3u, writes()); // the element in the new block
+}
+
+TEST_F(AudioDeviceRestore, ByAGrowingArrayMakesTheCallsOfAnyOther)
+{
+    kept.directSoundTexts = 7;
+    std::unique_ptr<AudioDevice> device = newDevice();
+    device->setFormat(waveFormat(better));
+    simulation().journal().clear();
+    device.reset();
+    const std::vector<std::string> expected = calls();
+    qor::Array<AudioDevice> devices;
+    devices.append(*newDevice());
+    while (devices.size() < devices.capacity())
+        devices.append(AudioDevice());
+    devices[0].setFormat(waveFormat(better));
+    simulation().journal().clear();
+
+    devices.append(AudioDevice());
+
+    EXPECT_EQ(expected, calls());
+    EXPECT_THAT(expected, testing::Contains("IConnector::GetConnectedTo"));
 }
 
 TEST_F(AudioDeviceRestore, IsOmittedWithoutAnOpenStore)

@@ -222,14 +222,17 @@ private:
 };
 
 /// A device that is destroyed right after it is copied, as each element of an array that grows. The copy takes the
-/// device's topology, with all lists in it, instead of copying it, and allocates nothing; all else, and all that is
-/// traced, is as in a copy.
-class AudioDevice::LastUse
+/// device's topology, with all lists in it, instead of copying it; all else, and all that is traced, is as in a copy. A
+/// device that restores its format at its end needs the topology for that: then the copy copies it.
+class SONAVIT_API AudioDevice::LastUse
 {
 public:
     explicit LastUse(AudioDevice& device) noexcept : m_device(device) {}
 
     AudioDevice& device() const noexcept { return m_device; }
+
+    /// Whether copies of all the devices take their topologies, which allocates nothing and throws nothing.
+    static bool takesTopologies(const AudioDevice* devices, unsigned int count) noexcept;
 
 private:
     AudioDevice& m_device;
@@ -240,6 +243,13 @@ namespace qor
 template<>
 struct GrowthCopy<AudioDevice>
 {
+    static constexpr bool takes = true;
+
+    static bool isPossible(const AudioDevice* elements, unsigned int count) noexcept
+    {
+        return AudioDevice::LastUse::takesTopologies(elements, count);
+    }
+
     static AudioDevice::LastUse of(AudioDevice& element) noexcept { return AudioDevice::LastUse(element); }
 };
 }

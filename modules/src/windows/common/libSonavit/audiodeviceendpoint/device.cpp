@@ -35,10 +35,21 @@ AudioDevice::AudioDevice(const LastUse& source)
       m_device(source.device().m_device),
       m_propertyStore(source.device().m_propertyStore),
       m_volumeControl(source.device().m_volumeControl),
-      m_topology(TopologyView::take(source.device().m_topology)),
+      m_topology(LastUse::takesTopologies(&source.device(), 1) ? TopologyView::take(source.device().m_topology)
+                                                               : AudioDeviceTopology(source.device().m_topology)),
       m_properties(source.device().m_properties),
       m_savedProperties(source.device().m_savedProperties)
 {
+}
+
+bool AudioDevice::LastUse::takesTopologies(const AudioDevice* devices, unsigned int count) noexcept
+{
+    for (unsigned int i = 0; i < count; ++i)
+    {
+        if (devices[i].m_savedProperties.format != devices[i].m_properties.format)
+            return false;
+    }
+    return true;
 }
 
 AudioDevice::AudioDevice(const AudioDevice& other) = default;
