@@ -239,10 +239,9 @@ int String::compareNoCase(const String& left, const String& right) noexcept
     return left.size() < right.size() ? -1 : 1;
 }
 
-bool String::equalNoCase(const String& left, const String& right) noexcept
+/// Whether two texts of one size differ at most in the case of letters.
+bool String::hasSameUnits(const String& left, const String& right) noexcept
 {
-    if (left.size() != right.size())
-        return false;
     const unsigned short* const a = left.getUCS2Buffer();
     const unsigned short* const b = right.getUCS2Buffer();
     std::size_t rest = left.size();

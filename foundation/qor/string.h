@@ -3,6 +3,8 @@
 #include "qor/export.h"
 
 #include <atomic>
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -76,8 +78,12 @@ public:
     /// @return 0 when equal, otherwise -1 or 1
     static int compareNoCase(const String& left, const String& right) noexcept;
 
-    /// Whether compareNoCase() is 0. Takes less time for texts that differ at their ends only, as ids do.
-    static bool equalNoCase(const String& left, const String& right) noexcept;
+    /// Whether compareNoCase() is 0. Takes less time for texts that differ in their sizes or near their ends, as ids
+    /// do.
+    static bool equalNoCase(const String& left, const String& right) noexcept
+    {
+        return left.size() == right.size() && mayHaveSameEnd(left, right) && hasSameUnits(left, right);
+    }
 
     /// A hash number for tables whose keys are equal by compareNoCase(): equal keys have equal numbers. The number is
     /// the same on all machines of one byte order, but may change from version to version.
@@ -101,6 +107,8 @@ private:
         unsigned short* text() noexcept { return reinterpret_cast<unsigned short*>(this + 1); }
     };
 
+    static inline bool mayHaveSameEnd(const String& left, const String& right) noexcept;
+    static bool hasSameUnits(const String& left, const String& right) noexcept;
     static inline void retain(Buffer* buffer) noexcept;
     static inline void release(Buffer* buffer) noexcept;
     static inline bool singleThreaded() noexcept;
@@ -151,6 +159,26 @@ inline void String::release(Buffer* buffer) noexcept
         buffer->count.store(count - 1, std::memory_order_relaxed);
     else if (buffer->count.fetch_sub(1, std::memory_order_acq_rel) == 1)
         deallocate(buffer);
+}
+
+/// False if the last twelve units of two texts of one size differ by more than case; they are read four at a time.
+inline bool String::mayHaveSameEnd(const String& left, const String& right) noexcept
+{
+    constexpr std::uint64_t caseBits = 0x0020002000200020ULL;
+    if (left.size() < 12)
+        return true;
+    const unsigned short* const leftEnd = left.getUCS2Buffer() + left.size();
+    const unsigned short* const rightEnd = right.getUCS2Buffer() + right.size();
+    for (int units = 4; units <= 12; units += 4)
+    {
+        std::uint64_t leftWord = 0;
+        std::uint64_t rightWord = 0;
+        std::memcpy(&leftWord, leftEnd - units, sizeof(leftWord));
+        std::memcpy(&rightWord, rightEnd - units, sizeof(rightWord));
+        if (((leftWord ^ rightWord) & ~caseBits) != 0)
+            return false;
+    }
+    return true;
 }
 
 inline String& String::operator=(const String& other) noexcept

@@ -19,10 +19,12 @@ inline bool isHit(unsigned int index)
 template<class T, class Condition>
 unsigned int indexWhere(const qor::Array<T>& list, const Condition& matches)
 {
-    for (unsigned int i = 0; i < list.size(); ++i)
+    unsigned int index = 0;
+    for (const T& element : list)
     {
-        if (matches(list[i]))
-            return i;
+        if (matches(element))
+            return index;
+        ++index;
     }
     return notFound;
 }

@@ -36,7 +36,7 @@ typename COMPtr<I>::pointer activate(IPart& part, const IID& iid)
 class VisitQueue
 {
 public:
-    explicit VisitQueue(unsigned int numNodes) : m_isQueued(numNodes, false) { m_nodes.reserve(numNodes); }
+    explicit VisitQueue(unsigned int numNodes) : m_isQueued(numNodes, false) { m_nodes.reserve(usualVisits); }
 
     unsigned int size() const noexcept { return static_cast<unsigned int>(m_nodes.size()); }
     unsigned int operator[](unsigned int position) const { return m_nodes[position]; }
@@ -58,6 +58,8 @@ public:
     }
 
 private:
+    static constexpr unsigned int usualVisits = 16;
+
     std::vector<unsigned int> m_nodes;
     std::vector<bool> m_isQueued; // by node
 };
