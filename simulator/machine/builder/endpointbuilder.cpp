@@ -130,7 +130,7 @@ EndpointBuilder& EndpointBuilder::volumeInHardware()
     EndpointVolume volume = endpoint().volume.value_or(EndpointVolume());
     for (const std::string& id : m_owner->m_wirings[m_wiring].wire)
     {
-        const ChangeablePartPlace part = m_owner->m_machine.part(id);
+        const ChangeablePartPlace part = m_owner->part(id);
         if (part->volume)
         {
             const ChannelLevel range = part->volume->channels.front();
@@ -211,7 +211,7 @@ Endpoint& EndpointBuilder::endpoint() const
 
 Part& EndpointBuilder::jack() const
 {
-    return *m_owner->m_machine.part(jackId()).part;
+    return *m_owner->part(jackId()).part;
 }
 
 std::vector<std::string> EndpointBuilder::signal() const

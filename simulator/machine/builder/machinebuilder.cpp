@@ -161,24 +161,30 @@ std::string CardBuilder::connector(OptionalString name, const GUID& type, DataFl
     connector.subType = type;
     connector.direction = direction;
     connector.type = kind;
-    topology.connectors.push_back(std::move(connector));
-    return topology.connectors.back().id;
+    return append(topology.connectors, std::move(connector));
 }
 
 std::string CardBuilder::subunit(Subunit subunit)
 {
     Topology& topology = *adapter().topology;
     giveIds(subunit, adapter().id, usualSubunitLocalId(topology.subunits.size()));
-    topology.subunits.push_back(std::move(subunit));
-    return topology.subunits.back().id;
+    return append(topology.subunits, std::move(subunit));
+}
+
+template<class AnyPart>
+std::string CardBuilder::append(std::vector<AnyPart>& list, AnyPart part)
+{
+    list.push_back(std::move(part));
+    m_owner->m_parts.insert({list.back().id, {m_owner->m_cards[m_index].adapter, list.size() - 1}});
+    return list.back().id;
 }
 
 CardBuilder& CardBuilder::chain(const std::vector<std::string>& parts)
 {
     for (std::size_t index = 1; index < parts.size(); ++index)
     {
-        m_owner->m_machine.part(parts[index - 1])->outgoing.push_back(parts[index]);
-        m_owner->m_machine.part(parts[index])->incoming.push_back(parts[index - 1]);
+        m_owner->part(parts[index - 1])->outgoing.push_back(parts[index]);
+        m_owner->part(parts[index])->incoming.push_back(parts[index - 1]);
     }
     if (parts.size() >= 2)
         adapter().topology->signalPaths.push_back(
@@ -190,8 +196,8 @@ void CardBuilder::unchain(const std::vector<std::string>& parts)
 {
     for (std::size_t index = 1; index < parts.size(); ++index)
     {
-        removeId(m_owner->m_machine.part(parts[index - 1])->outgoing, parts[index]);
-        removeId(m_owner->m_machine.part(parts[index])->incoming, parts[index - 1]);
+        removeId(m_owner->part(parts[index - 1])->outgoing, parts[index]);
+        removeId(m_owner->part(parts[index])->incoming, parts[index - 1]);
     }
     std::vector<SignalPath>& paths = adapter().topology->signalPaths;
     const auto isTheirs = [&](const SignalPath& path) { return path.from == parts.front() && path.to == parts.back(); };
@@ -278,6 +284,29 @@ MachineBuilder& MachineBuilder::callbackThread(CallbackThread thread)
 Machine& MachineBuilder::machine()
 {
     return m_machine;
+}
+
+ChangeablePartPlace MachineBuilder::part(const std::string& id)
+{
+    const auto known = m_parts.find(id);
+    const ChangeablePartPlace place = known == m_parts.end() ? ChangeablePartPlace() : partAt(known->second, id);
+    return place ? place : m_machine.part(id);
+}
+
+ChangeablePartPlace MachineBuilder::partAt(const PartPosition& position, const std::string& id)
+{
+    const bool isThere =
+        position.adapter < m_machine.adapters.size() && m_machine.adapters[position.adapter].topology.has_value();
+    if (!isThere)
+        return {};
+    Adapter& adapter = m_machine.adapters[position.adapter];
+    std::vector<Connector>& connectors = adapter.topology->connectors;
+    std::vector<Subunit>& subunits = adapter.topology->subunits;
+    if (position.index < connectors.size() && connectors[position.index].id == id)
+        return {&adapter, &connectors[position.index], &connectors[position.index]};
+    if (position.index < subunits.size() && subunits[position.index].id == id)
+        return {&adapter, &subunits[position.index], nullptr};
+    return {};
 }
 
 Machine MachineBuilder::build() const

@@ -14,7 +14,9 @@
 #include "simulator/machine/deviceformat.h"
 #include "simulator/machine/machine.h"
 
+#include <cstddef>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace sim
@@ -114,6 +116,9 @@ private:
     friend class EndpointBuilder;
     CardBuilder(MachineBuilder& owner, std::size_t index);
 
+    /// Appends the part to the list of the adapter's topology; returns its id.
+    template<class AnyPart>
+    std::string append(std::vector<AnyPart>& list, AnyPart part);
     /// Undoes chain().
     void unchain(const std::vector<std::string>& parts);
 
@@ -172,9 +177,22 @@ private:
         std::vector<std::string> wire; ///< of the adapter: the jack, the nodes, the stream
     };
 
+    /// Where a part of an adapter is.
+    struct PartPosition
+    {
+        std::size_t adapter;
+        std::size_t index; ///< in the list of connectors or of subunits
+    };
+
+    /// As Machine::part(). A part that a card has added is found at once.
+    ChangeablePartPlace part(const std::string& id);
+    /// The part at that position if it has still that id, otherwise an empty place.
+    ChangeablePartPlace partAt(const PartPosition& position, const std::string& id);
+
     Machine m_machine;
     std::vector<Card> m_cards;
     std::vector<Wiring> m_wirings;
+    std::unordered_map<std::string, PartPosition> m_parts; ///< of equal ids the first
     bool m_choosesDefaults = true;
     bool m_givesWaveIds = true;
 };
