@@ -1,6 +1,9 @@
 """Measures, prints tables, writes them and plots to a folder, and judges: ./bench builds and runs this.
 
-    python3 benchmarks/driver --build FOLDER [--results FOLDER] [--update-docs] [PART...] [-- OPTION...]
+    python3 benchmarks/driver --build FOLDER [--results FOLDER] [--update-docs] [PART...] [OPTION...]
+    python3 benchmarks/driver --build FOLDER cost SIDE WORK MACHINE
+
+Further options are those of Google Benchmark. The part "client-calls" is what of "client" needs no instrument.
 """
 
 import argparse
@@ -89,6 +92,8 @@ def arguments_of(words):
     parser.add_argument("--update-docs", action="store_true")
     parser.add_argument("parts", nargs="*")
     known, options = parser.parse_known_args(words)
+    if known.parts[:1] == ["cost"] and len(known.parts) == 4 and not options:
+        return known, options
     unknown = [each for each in known.parts if each not in (*PARTS, "client-calls")]
     unknown += [each for each in options if not each.startswith("--benchmark_")]
     if unknown:
@@ -100,6 +105,10 @@ def arguments_of(words):
 
 def main(words):
     known, options = arguments_of(words)
+    if known.parts[:1] == ["cost"]:
+        side, *operation = known.parts[1:]
+        print(library.cost_of(known.build / "bin", side, " ".join(operation)).text())
+        return 0
     folder = known.results or known.build / "results"
     folder.mkdir(parents=True, exist_ok=True)
     description = host.description(known.build)

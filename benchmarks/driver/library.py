@@ -67,6 +67,9 @@ class Cost:
     allocations: int
     bytes: int
 
+    def text(self):
+        return " ".join(f"{name}={value}" for name, value in vars(self).items())
+
     @property
     def per_call(self):
         return self.own / self.calls
@@ -130,19 +133,19 @@ def ratios(costs):
 
 
 def memory(costs):
-    table = Table("library-memory", "Allocations and bytes", ["library", "plain", "bytes", "bytes, plain", "limit"])
+    table = Table("library-memory", "Allocations", ["library", "plain", "limit", "library bytes", "plain bytes"])
     for name, operation in ROWS.items():
         ours, theirs = costs.library(operation), costs.plain(operation)
         limit = limits.ALLOCATIONS_OF_CROWDED if operation == "discovery crowded" else None
-        cells = [number(ours.allocations), number(theirs.allocations), number(ours.bytes), number(theirs.bytes),
-                 number(limit)]
+        cells = [number(ours.allocations), number(theirs.allocations), number(limit), number(ours.bytes),
+                 number(theirs.bytes)]
         table.add(name, cells, ours.allocations, limit)
     return table
 
 
 def references(costs):
     table = Table("library-references", "References",
-                  ["AddRef", "plain", "Release", "plain", "QueryInterface", "plain"])
+                  ["AddRef", "plain AddRef", "Release", "plain Release", "QueryInterface", "plain QueryInterface"])
     for name, operation in ROWS.items():
         ours, theirs = costs.library(operation), costs.plain(operation)
         table.add(name, [number(each) for each in (ours.addref, theirs.addref, ours.release, theirs.release, ours.query,
@@ -184,7 +187,26 @@ def table_of_traces(traced, untraced):
     return table
 
 
+def discovered(text):
+    """Endpoints, cards, calls and microseconds."""
+    found = re.fullmatch(r"(\d+) endpoints (\d+) cards (\d+) calls (\d+) us\n", text)
+    if not found:
+        raise ValueError(f'"{text.strip()}" is no discovery')
+    return [int(each) for each in found.groups()]
+
+
+def times(programs):
+    """Of the library with the simulated machine."""
+    table = Table("library-time", "Discovery, its result destroyed", ["endpoints", "cards", "calls", "us"])
+    for machine in ("desktop", "crowded"):
+        done = subprocess.run([str(programs / "sonavit-discovery"), machine], stdout=subprocess.PIPE, text=True,
+                              check=True)
+        table.add(machine, [number(each) for each in discovered(done.stdout)])
+    return table
+
+
 def tables(programs, costs):
+    yield times(programs)
     costs.measure(ROWS.values())
     yield ratios(costs)
     yield memory(costs)

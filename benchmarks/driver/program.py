@@ -2,6 +2,7 @@
 
 import re
 import subprocess
+from pathlib import Path
 
 import callgrind
 import limits

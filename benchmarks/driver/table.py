@@ -27,6 +27,10 @@ class Table:
     heads: list
     rows: list = field(default_factory=list)
 
+    def __post_init__(self):
+        if len(set(self.heads)) != len(self.heads):
+            raise ValueError(f"{self.title} has two heads of one name")
+
     def add(self, name, cells, value=None, limit=None, footnote=None):
         row = Row(name, list(cells), value, limit, footnote)
         if len(row.cells) != len(self.heads):
@@ -70,6 +74,7 @@ class Table:
             {
                 "name": row.name,
                 **dict(zip((each.rstrip("<") for each in self.heads), row.cells)),
+                "value": row.value,
                 "limit": row.limit,
                 "isBeyond": row.is_beyond,
                 "footnote": row.footnote,
