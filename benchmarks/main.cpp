@@ -10,6 +10,7 @@
 #include "suites.h"
 
 #include <cstdio>
+#include <cstring>
 #include <future>
 #include <string>
 #include <thread>
@@ -17,13 +18,15 @@
 
 namespace
 {
-/// Puts our defaults before the command line, so that its options override them.
+/// Puts our defaults for measuring times before the command line, so that its options override them.
 std::vector<char*> withDefaults(char** argv)
 {
     static char repetitions[] = "--benchmark_repetitions=15";
     static char time[] = "--benchmark_min_time=0.02";
     static char mixed[] = "--benchmark_enable_random_interleaving=true";
-    std::vector<char*> arguments = {argv[0], repetitions, time, mixed};
+    std::vector<char*> arguments = {argv[0]};
+    if (std::strcmp(argv[1], "count") != 0)
+        arguments.insert(arguments.end(), {repetitions, time, mixed});
     for (char** argument = argv + 2; *argument != nullptr; ++argument)
         arguments.push_back(*argument);
     return arguments;

@@ -25,12 +25,14 @@ def timed(program, threads, options):
 def counted(program):
     """Instructions of one repetition, likewise: those of many without those of few."""
     output, profiles = callgrind.dumps(program, "count")
+    lines = output.splitlines()
+    if len(profiles) != 4 * len(lines):
+        raise RuntimeError(f"{len(profiles)} counts for {len(lines)} rows")
     counts = {}
-    for line in output.splitlines():
-        name, peer, ours, theirs, repetitions = line.split("\t")
-        each = [(profiles[int(first)].total - profiles[int(first) - 1].total) / int(repetitions)
-                for first in (ours, theirs)]
-        counts[name, peer] = tuple(each)
+    for line in lines:
+        name, peer, *numbers, repetitions = line.split("\t")
+        few = [int(each) - 1 for each in numbers]
+        counts[name, peer] = tuple((profiles[each + 1].total - profiles[each].total) / int(repetitions) for each in few)
     return counts
 
 

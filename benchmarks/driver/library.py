@@ -15,7 +15,7 @@ EVENT = ["SoundCard::SoundCardDeviceUpdater::OnDeviceStateChanged*", "direct::*O
 ROWS = {
     "discovery of crowded, 120 endpoints": "discovery crowded",
     "discovery of 1,000 endpoints, 10 on each card": "discovery cards:100",
-    "discovery of 1 adapter with 500 connectors": "discovery connectors:500",
+    "discovery of 1 adapter with 200 connectors": "discovery connectors:200",
     "discovery of 1 card of 5 adapters": "discovery adapters:5",
     "discovery of 1 card of 20 adapters": "discovery adapters:20",
     "discovery of 1 card of 80 adapters": "discovery adapters:80",
@@ -47,7 +47,7 @@ class Growth:
 
 GROWTHS = (
     Growth("endpoints", "Discovery, 10 endpoints on each card", "endpoints", "discovery", "cards", (5, 10, 25, 50, 100), 10),
-    Growth("connectors", "Discovery of 1 adapter", "connectors", "discovery", "connectors", (50, 100, 200, 350, 500)),
+    Growth("connectors", "Discovery of 1 adapter", "connectors", "discovery", "connectors", (25, 50, 100, 150, 200)),
     Growth("adapters", "Discovery of 1 card", "adapters", "discovery", "adapters", (5, 10, 20, 40, 60, 80)),
     Growth("cards", "An event", "cards", "event", "cards", (5, 10, 25, 50, 100)),
     Growth("controls", "Controls of all endpoints of 1 card", "endpoints", "controls", "endpoints", (10, 25, 50, 75, 100)),
