@@ -2,6 +2,8 @@
 
 #include "functionnames.h"
 
+#include <unwind.h>
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -9,14 +11,12 @@
 #include <cstdio>
 #include <cstring>
 
-#include <unwind.h>
-
-// The allocator itself, which the definitions below hide.
+// The allocator of the C library, which the definitions below hide.
 extern "C"
 {
-    void* __libc_malloc(std::size_t size);                    // NOLINT(bugprone-reserved-identifier): of the C library
-    void* __libc_calloc(std::size_t count, std::size_t size); // NOLINT(bugprone-reserved-identifier)
-    void* __libc_realloc(void* block, std::size_t size);      // NOLINT(bugprone-reserved-identifier)
+    void* __libc_malloc(std::size_t size);
+    void* __libc_calloc(std::size_t count, std::size_t size);
+    void* __libc_realloc(void* block, std::size_t size);
 }
 
 namespace
@@ -51,7 +51,7 @@ bool contains(const char* text, const char* part)
     return std::strstr(text, part) != nullptr;
 }
 
-/// The same names as in ownshare.awk, but mangled.
+/// The same names as in driver/callgrind.py, but mangled.
 bool isOfMachine(const char* name)
 {
     constexpr std::array<const char*, 11> functions = {
@@ -113,16 +113,16 @@ extern "C" void* malloc(std::size_t size)
     return __libc_malloc(size);
 }
 
-extern "C" void* calloc(std::size_t amount, std::size_t size)
+extern "C" void* calloc(std::size_t nmemb, std::size_t size)
 {
-    count(amount * size);
-    return __libc_calloc(amount, size);
+    count(nmemb * size);
+    return __libc_calloc(nmemb, size);
 }
 
-extern "C" void* realloc(void* block, std::size_t size)
+extern "C" void* realloc(void* ptr, std::size_t size)
 {
     count(size);
-    return __libc_realloc(block, size);
+    return __libc_realloc(ptr, size);
 }
 
 namespace bench

@@ -1,5 +1,9 @@
 #include "functionnames.h"
 
+#include <dlfcn.h>
+#include <elf.h>
+#include <link.h>
+
 #include <algorithm>
 #include <cstring>
 #include <fstream>
@@ -8,10 +12,6 @@
 #include <string>
 #include <utility>
 #include <vector>
-
-#include <dlfcn.h>
-#include <elf.h>
-#include <link.h>
 
 namespace bench
 {

@@ -3,6 +3,7 @@
 #include "simulator/machine/builder/machinebuilder.h"
 #include "simulator/machine/file/machinefile.h"
 #include "simulator/machine/nodetypes.h"
+#include "simulator/machine/propertykeys.h"
 
 #include <cstddef>
 #include <stdexcept>
@@ -126,6 +127,19 @@ sim::Machine chain(std::size_t adapters)
     }
     return builder.build();
 }
+
+/// Adapters with one endpoint each, all of them on one card.
+sim::Machine adapters(std::size_t count)
+{
+    sim::MachineBuilder builder;
+    for (std::size_t index = 0; index < count; ++index)
+        addEndpoints(builder.card(numbered("Adapter", index)), 1);
+    std::vector<sim::Endpoint>& endpoints = builder.machine().endpoints;
+    const sim::PropertyValue path = *sim::findProperty(endpoints.front(), sim::keys::instancePath);
+    for (sim::Endpoint& endpoint : endpoints)
+        sim::setProperty(endpoint.properties, sim::keys::instancePath, path);
+    return builder.build();
+}
 }
 
 sim::Machine machineOfSize(const std::string& name)
@@ -135,6 +149,8 @@ sim::Machine machineOfSize(const std::string& name)
         return sim::findMachine(name);
     const std::string kind = name.substr(0, colon);
     const std::size_t count = std::stoul(name.substr(colon + 1));
+    if (count == 0)
+        throw std::invalid_argument("a machine of no size: " + name);
     if (kind == "cards")
         return cards(count, 10);
     if (kind == "endpoints")
@@ -142,6 +158,8 @@ sim::Machine machineOfSize(const std::string& name)
     if (kind == "connectors")
         return mixer(count);
     if (kind == "adapters")
+        return adapters(count);
+    if (kind == "chain")
         return chain(count);
     throw std::invalid_argument("no such kind of machine: " + kind);
 }

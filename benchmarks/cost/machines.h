@@ -16,10 +16,11 @@ namespace bench
 ///     adapter connectors:500    one card with an adapter of that many connectors, each a jack with an endpoint: from
 ///     each input
 ///                       a way leads to an output, as in a mixer
-///     adapters:80       one card with one output and one input. Both ways lead through that many adapters in turn,
+///     adapters:80       one card with that many adapters, each with one endpoint, a jack and a stream
+///     chain:80          one card with one output and one input. Both ways lead through that many adapters in turn,
 ///     each
 ///                       with four connectors
 ///
-/// @exception std::invalid_argument for any other kind, and for a number that is none
+/// @exception std::invalid_argument for any other kind, and for a number that is none or zero
 sim::Machine machineOfSize(const std::string& name);
 }

@@ -1,4 +1,4 @@
-/// Performs one operation on a simulated machine, for an instrument: benchmarks/cost/own counts with it.
+/// Performs one operation on a simulated machine, for an instrument: `./bench cost` counts with it.
 ///
 ///     sonavit-cost SIDE WORK MACHINE [COUNT]
 ///
@@ -8,11 +8,10 @@
 /// The process has a second thread all the time, as programs on Windows have: counters of references and locks of the C
 /// library take their short ways otherwise. The machine writes no journal, and the library no log.
 
+#include "libSonavit/libsonavit.h"
 #include "machines.h"
 #include "measurement.h"
 #include "work.h"
-
-#include "libSonavit/libsonavit.h"
 
 #include <condition_variable>
 #include <cstdio>
@@ -73,7 +72,9 @@ int main(int argc, char** argv)
 {
     if (argc < 4)
     {
-        std::fputs("usage: sonavit-cost library|direct discovery|lists|controls|event MACHINE [COUNT]\n", stderr);
+        std::fputs(
+            "usage: sonavit-cost library|direct|direct-wholelist discovery|lists|controls|event MACHINE [COUNT]\n",
+            stderr);
         return 2;
     }
     try

@@ -23,9 +23,9 @@ void measureLibraryControls(const std::vector<LibraryEndpoint>& endpoints)
     }
 }
 
-void measureDirectDiscovery(direct::Client& client)
+void measureDirectDiscovery(direct::Client& client, direct::Registration registration)
 {
-    const std::vector<direct::Card> cards = direct::Card::findAll(client);
+    const std::vector<direct::Card> cards = direct::Card::findAll(client, registration);
 }
 
 void measureDirectLists()

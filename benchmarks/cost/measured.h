@@ -30,7 +30,7 @@ void measureLibraryLists();
 void measureLibraryControls(const std::vector<LibraryEndpoint>& endpoints);
 
 // The same without the library.
-void measureDirectDiscovery(direct::Client& client);
+void measureDirectDiscovery(direct::Client& client, direct::Registration registration);
 void measureDirectLists();
 void measureDirectControls(const std::vector<DirectEndpoint>& endpoints);
 }

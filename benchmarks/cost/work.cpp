@@ -91,10 +91,16 @@ Operation libraryOperation(const std::string& work, sim::Simulation& simulation)
     throw std::invalid_argument("no such work: " + work);
 }
 
+Operation directDiscovery(direct::Registration registration)
+{
+    return [client = std::make_shared<direct::Client>(), registration]
+    { measureDirectDiscovery(*client, registration); };
+}
+
 Operation directOperation(const std::string& work, sim::Simulation& simulation)
 {
     if (work == "discovery")
-        return [client = std::make_shared<direct::Client>()] { measureDirectDiscovery(*client); };
+        return directDiscovery(direct::Registration::newDevice);
     if (work == "lists")
         return measureDirectLists;
     if (work == "controls")
@@ -111,6 +117,8 @@ Operation prepareOperation(const std::string& side, const std::string& work, sim
         return libraryOperation(work, simulation);
     if (side == "direct")
         return directOperation(work, simulation);
-    throw std::invalid_argument("no such side: " + side);
+    if (side == "direct-wholelist" && work == "discovery")
+        return directDiscovery(direct::Registration::wholeList);
+    throw std::invalid_argument("no such side, or no such work of that side: " + side);
 }
 }

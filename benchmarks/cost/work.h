@@ -13,7 +13,10 @@ namespace bench
 /// The measured operation, with what it needs: what the operation is about has been found before.
 using Operation = std::function<void()>;
 
-/// @param side "library" or "direct"
+/// @param side
+///     "library"           the library
+///     "direct"            the plain client
+///     "direct-wholelist"  the same, but it registers the connectors of all devices again for each new one
 /// @param work
 ///     "discovery"  all sound cards are found
 ///     "lists"      the four lists of each flow

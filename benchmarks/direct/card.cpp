@@ -4,7 +4,7 @@
 
 namespace direct
 {
-std::vector<Card> Card::findAll(Client& client)
+std::vector<Card> Card::findAll(Client& client, Registration registration)
 {
     std::vector<Card> cards;
     const ComPtr<IMMDeviceEnumerator> enumerator = createEnumerator();
@@ -22,7 +22,7 @@ std::vector<Card> Card::findAll(Client& client)
         }
     }
     for (Card& card : cards)
-        card.buildGraph(client);
+        card.buildGraph(client, registration);
     return cards;
 }
 
@@ -40,7 +40,7 @@ void Card::addEndpoint(EDataFlow flow, Device device)
     side.devices.push_back(std::move(device));
 }
 
-void Card::buildGraph(Client& client)
+void Card::buildGraph(Client& client, Registration registration)
 {
     for (const Side* side : {&m_data->playback, &m_data->record})
     {
@@ -51,7 +51,7 @@ void Card::buildGraph(Client& client)
         }
     }
     for (unsigned int index = 0; index < m_graph.size(); ++index) // the graph grows meanwhile
-        follow(index, client);
+        follow(index, client, registration);
     for (unsigned int index = 0; index < m_graph.size(); ++index)
         linkWithinTopology(index);
 }
@@ -66,7 +66,7 @@ void Card::addConnectors(const Topology& topology)
 }
 
 /// Opens the device on the far side of the connector, whether it is known or not, and notes the connector there.
-void Card::follow(unsigned int index, Client& client)
+void Card::follow(unsigned int index, Client& client, Registration registration)
 {
     std::u16string farId;
     {
@@ -77,21 +77,28 @@ void Card::follow(unsigned int index, Client& client)
     }
     Device farDevice = client.open(farId);
     if (m_knownDevices.count(farId) == 0 && m_adapterIds.count(farDevice.properties.deviceId) == 0)
-        addFarDevice(std::move(farDevice), farId, index);
+    {
+        if (farDevice.device)
+            addFarDevice(std::move(farDevice), farId, registration);
+        else
+            addNearDevice(index);
+    }
     linkToPeer(index);
 }
 
-/// A device that cannot be opened is unknown; instead the connectors next to that of @p index are added.
-void Card::addFarDevice(Device device, const std::u16string& id, unsigned int index)
+void Card::addFarDevice(Device device, const std::u16string& id, Registration registration)
 {
-    if (device.device)
-    {
-        m_knownDevices.insert(id);
-        m_adapterIds.insert(device.properties.deviceId);
-        addConnectors(device.topology);
-        m_adapters.push_back(std::move(device));
-        return;
-    }
+    m_knownDevices.insert(id);
+    m_adapterIds.insert(device.properties.deviceId);
+    m_adapters.push_back(std::move(device));
+    const std::size_t first = registration == Registration::wholeList ? 0 : m_adapters.size() - 1;
+    for (std::size_t adapter = first; adapter < m_adapters.size(); ++adapter)
+        addConnectors(m_adapters[adapter].topology);
+}
+
+/// A device that cannot be opened stays unknown; the connectors next to that of @p index take its place.
+void Card::addNearDevice(unsigned int index)
+{
     const Topology topology = readTopologyOf(m_graph[index].connector);
     if (m_knownDevices.insert(topology.deviceId).second)
         addConnectors(topology);

@@ -60,12 +60,19 @@ struct Control
     std::u16string ownerName;
 };
 
+/// What is added to the graph when a connector leads to a new device. The graph is the same in both cases.
+enum class Registration
+{
+    newDevice, ///< the connectors of that device
+    wholeList, ///< those of all devices that connectors have led to: those that are known are found again
+};
+
 class Card
 {
 public:
     /// All cards of the system, those with a record endpoint first. Each stays registered for events with @p client,
     /// which must outlive the events.
-    static std::vector<Card> findAll(Client& client);
+    static std::vector<Card> findAll(Client& client, Registration registration = Registration::newDevice);
 
     const SharedData& data() const { return *m_data; }
     SharedData& data() { return *m_data; }
@@ -80,10 +87,11 @@ private:
     Card(Client& client, const std::u16string& instancePath);
 
     void addEndpoint(EDataFlow flow, Device device);
-    void buildGraph(Client& client);
+    void buildGraph(Client& client, Registration registration);
     void addConnectors(const Topology& topology);
-    void follow(unsigned int index, Client& client);
-    void addFarDevice(Device device, const std::u16string& id, unsigned int index);
+    void follow(unsigned int index, Client& client, Registration registration);
+    void addFarDevice(Device device, const std::u16string& id, Registration registration);
+    void addNearDevice(unsigned int index);
     void linkToPeer(unsigned int index);
     void linkWithinTopology(unsigned int index);
     unsigned int indexOf(const std::u16string& connectorId) const;

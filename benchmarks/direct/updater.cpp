@@ -5,6 +5,7 @@
 
 // The base has no virtual destructor: its objects delete themselves.
 #if defined(__GNUC__)
+#pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
 #endif
 
@@ -35,7 +36,14 @@ private:
     Client& m_client;
     std::shared_ptr<SharedData> m_data;
 };
+}
 
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
+
+namespace direct
+{
 namespace
 {
 std::vector<Device>::iterator find(std::vector<Device>& devices, const Device& device)

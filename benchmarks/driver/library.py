@@ -27,6 +27,8 @@ ROWS = {
     "an event, 50 cards": "event cards:50",
 }
 
+WHOLE_LISTS = ("discovery crowded", "discovery adapters:5", "discovery adapters:20", "discovery adapters:80")
+
 
 @dataclass(frozen=True)
 class Growth:
@@ -170,6 +172,19 @@ def per_call(costs):
     return table
 
 
+def whole_lists(programs, costs):
+    """What registering the connectors of all devices again for each new one takes a plain client."""
+    table = Table("library-registration", "Registration of whole lists",
+                  ["plain", "with whole lists", "difference", "of the library's own, %"])
+    names = {operation: name for name, operation in ROWS.items()}
+    for operation in WHOLE_LISTS:
+        plain, ours = costs.plain(operation).own, costs.library(operation).own
+        whole = profile_of(programs, "direct-wholelist", operation).own
+        table.add(names[operation], [number(plain), number(whole), number(whole - plain),
+                                     number(100 * (whole - plain) / ours, 1)])
+    return table
+
+
 def traces(programs, costs):
     """The same program with a library that is compiled without trace scopes."""
     folder = programs.parent / "untraced"
@@ -212,4 +227,5 @@ def tables(programs, costs):
     yield memory(costs)
     yield references(costs)
     yield per_call(costs)
+    yield whole_lists(programs, costs)
     yield traces(programs, costs)

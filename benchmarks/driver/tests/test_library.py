@@ -64,6 +64,16 @@ class LibraryPerCall(unittest.TestCase):
         self.assertEqual(2, len(library.per_call(costs).beyond))
 
 
+class LibraryWholeLists(unittest.TestCase):
+    def test_shows_what_a_plain_client_pays_and_its_share_of_the_library(self):
+        costs = FakeCosts(discovery_crowded=replace(COST, own=2000))
+        with mock.patch("library.profile_of", return_value=mock.Mock(own=1100)) as profile:
+            table = library.whole_lists("bin", costs)
+
+        self.assertEqual(["1,000", "1,100", "100", "5.0"], table.rows[0].cells)
+        profile.assert_any_call("bin", "direct-wholelist", "discovery adapters:80")
+
+
 class LibraryTraces(unittest.TestCase):
     def test_a_hundredth_of_the_instructions_is_the_limit(self):
         self.assertEqual([], library.table_of_traces(1000, 990).beyond)
