@@ -54,7 +54,7 @@ bool Comparisons::time() const
 bool Comparisons::count() const
 {
     constexpr benchmark::IterationCount few = 10;
-    constexpr benchmark::IterationCount many = 30;
+    constexpr benchmark::IterationCount many = 110;
     int dumps = 0;
     const auto add = [](const std::string& name, const Work& work, benchmark::IterationCount iterations)
     {
@@ -68,13 +68,13 @@ bool Comparisons::count() const
     };
     for (const Pair& pair : m_pairs)
     {
-        std::printf("%s\t%s\t%d\t%d\t%d\n", pair.name.c_str(), pair.theirName.c_str(), dumps + 1, dumps + 3,
+        std::printf("%s\t%s\t%d\t%d\t%d\n", pair.name.c_str(), pair.theirName.c_str(), dumps + 2, dumps + 5,
                     static_cast<int>(many - few));
-        add(pair.ourBenchmark(), pair.ours, few);
-        add(pair.ourBenchmark(), pair.ours, many);
-        add(pair.theirBenchmark(), pair.theirs, few);
-        add(pair.theirBenchmark(), pair.theirs, many);
-        dumps += 4;
+        for (const benchmark::IterationCount iterations : {few, few, many})
+            add(pair.ourBenchmark(), pair.ours, iterations);
+        for (const benchmark::IterationCount iterations : {few, few, many})
+            add(pair.theirBenchmark(), pair.theirs, iterations);
+        dumps += 6;
     }
     Collector collector;
     benchmark::RunSpecifiedBenchmarks(&collector);

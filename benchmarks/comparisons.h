@@ -24,9 +24,9 @@ public:
     /// @return false, with a message on standard error, if a measurement failed
     bool time() const;
 
-    /// Performs each measurement twice, with few repetitions and with many, and lets callgrind write its counts after
-    /// each. The lines that it prints have the number of the count in the place of the times: the first of our two and
-    /// the first of theirs; and the repetitions between the two.
+    /// Lets callgrind write its counts for each measurement three times: with few repetitions, which what happens only
+    /// once is in, again with few, and with many. The lines that it prints have the number of the second of these
+    /// counts in the place of the times, and then how many repetitions the third has more than the second.
     /// @return false, with a message on standard error, if a measurement failed
     bool count() const;
 

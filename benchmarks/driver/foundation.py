@@ -26,7 +26,7 @@ def counted(program):
     """Instructions of one repetition, likewise: those of many without those of few."""
     output, profiles = callgrind.dumps(program, "count")
     lines = output.splitlines()
-    if len(profiles) != 4 * len(lines):
+    if len(profiles) != 6 * len(lines):
         raise RuntimeError(f"{len(profiles)} counts for {len(lines)} rows")
     counts = {}
     for line in lines:

@@ -34,18 +34,19 @@ class FoundationCounted(unittest.TestCase):
             return foundation.counted("benchmark")
 
     def test_many_repetitions_without_few_give_one(self):
-        lines = "text: copy\tstd::u16string\t1\t3\t20\n"
+        lines = "text: copy\tstd::u16string\t2\t5\t20\n"
 
-        self.assertEqual({COPY: (30, 60)}, self.counted(lines, 1300, 1900, 2600, 3800))
+        self.assertEqual({COPY: (30, 60)}, self.counted(lines, 9999, 1300, 1900, 8888, 2600, 3800))
 
     def test_each_row_has_counts_of_its_own(self):
-        lines = "text: copy\tstd::u16string\t1\t3\t10\narray of 8 numbers: visit\tstd::vector<unsigned>\t5\t7\t10\n"
+        lines = "text: copy\tstd::u16string\t2\t5\t10\narray of 8 numbers: visit\tstd::vector<unsigned>\t8\t11\t10\n"
 
-        self.assertEqual({COPY: (1, 2), VISIT: (3, 4)}, self.counted(lines, 10, 20, 10, 30, 10, 40, 10, 50))
+        self.assertEqual({COPY: (1, 2), VISIT: (3, 4)},
+                         self.counted(lines, 0, 10, 20, 0, 10, 30, 0, 10, 40, 0, 10, 50))
 
     def test_a_missing_count_is_an_error(self):
         with self.assertRaises(RuntimeError):
-            self.counted("text: copy\tstd::u16string\t1\t3\t20\n", 1300, 1900, 2600)
+            self.counted("text: copy\tstd::u16string\t2\t5\t20\n", 1300, 1900, 2600)
 
 
 class FoundationMeasuredAgain(FakePrograms):

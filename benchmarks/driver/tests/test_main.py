@@ -8,9 +8,9 @@ from unittest import mock
 from programs import FakePrograms
 from table import Table
 
-spec = importlib.util.spec_from_file_location("driver", Path(__file__).resolve().parents[1] / "__main__.py")
-driver = importlib.util.module_from_spec(spec)
-spec.loader.exec_module(driver)
+description = importlib.util.spec_from_file_location("driver", Path(__file__).resolve().parents[1] / "__main__.py")
+driver = importlib.util.module_from_spec(description)
+description.loader.exec_module(driver)
 
 
 def table_with(value, limit=10):

@@ -1,5 +1,8 @@
+import re
 import unittest
+from pathlib import Path
 
+import library
 import page
 
 TEXT = """# Run times
@@ -34,3 +37,16 @@ class PageUpdated(unittest.TestCase):
 
     def test_names_the_marks(self):
         self.assertEqual(["one", "two"], page.marks(TEXT))
+
+
+class PageOfThisProject(unittest.TestCase):
+    def test_has_a_block_for_each_table(self):
+        driver = Path(__file__).resolve().parents[1]
+        sources = "".join(each.read_text() for each in driver.glob("*.py"))
+        keys = set(re.findall(r'(?:\bTable|table_of)\("([\w-]+)"', sources))
+        keys |= {f"growth-{each.key}" for each in library.GROWTHS} | {"host"}
+
+        marks = page.marks((driver.parents[1] / "docs/performance.md").read_text(encoding="utf-8"))
+
+        self.assertEqual(keys, set(marks))
+        self.assertEqual(len(marks), len(set(marks)))
