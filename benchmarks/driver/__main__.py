@@ -76,8 +76,10 @@ def update_docs(docs, folder, description, tables):
     (docs / "performance.md").write_text(page.updated(text, texts), encoding="utf-8")
     drawn = docs / "performance"
     drawn.mkdir(exist_ok=True)
-    for plot in folder.glob("growth-*.svg"):
-        (drawn / plot.name).write_bytes(plot.read_bytes())
+    for table in tables:
+        plot = f"{table.key}.svg"
+        if (folder / plot).exists():
+            (drawn / plot).write_bytes((folder / plot).read_bytes())
 
 
 def conclusion(tables):
@@ -98,6 +100,8 @@ def arguments_of(words):
     unknown += [each for each in options if not each.startswith("--benchmark_")]
     if unknown:
         parser.error(f"unknown: {' '.join(unknown)}")
+    if known.update_docs and (known.parts or options):
+        parser.error("the documentation shows one run of all parts")
     if options and not known.parts:
         known.parts = ["foundation"]
     return known, options

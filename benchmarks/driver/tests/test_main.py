@@ -60,6 +60,19 @@ class DriverMain(FakePrograms):
         with self.assertRaises(SystemExit), contextlib.redirect_stderr(io.StringIO()):
             self.run_main([], "--quick")
 
+    def test_the_documentation_is_of_all_parts(self):
+        with self.assertRaises(SystemExit), contextlib.redirect_stderr(io.StringIO()):
+            self.run_main([], "--update-docs", "client")
+
+    def test_prints_the_cost_of_one_operation(self):
+        output = io.StringIO()
+        with mock.patch.object(driver.library, "cost_of", return_value=mock.Mock(**{"text.return_value": "own=5"})) as cost, \
+                contextlib.redirect_stdout(output):
+            code = driver.main(["--build", str(self.folder), "cost", "direct", "event", "cards:5"])
+
+        self.assertEqual((0, "own=5\n"), (code, output.getvalue()))
+        cost.assert_called_once_with(self.folder / "bin", "direct", "event cards:5")
+
     def test_writes_text_and_data(self):
         self.run_main([table_with(11)], "client")
 
@@ -75,7 +88,8 @@ class DriverUpdateDocs(FakePrograms):
         (self.folder / "performance.md").write_text(page)
         results = self.folder / "results"
         results.mkdir()
-        (results / "growth-cards.svg").write_text("<svg/>")
+        (results / "key.svg").write_text("<svg/>")
+        (results / "old.svg").write_text("<svg/>")
         driver.update_docs(self.folder, results, {"processor": "none"}, [table_with(3)])
         return (self.folder / "performance.md").read_text()
 
@@ -83,7 +97,7 @@ class DriverUpdateDocs(FakePrograms):
         page = self.update("<!-- bench: host -->\n```\n```\n<!-- bench: key -->\n```\n```\n")
 
         self.assertIn(table_with(3).text(), page)
-        self.assertEqual("<svg/>", (self.folder / "performance/growth-cards.svg").read_text())
+        self.assertEqual(["key.svg"], [each.name for each in (self.folder / "performance").iterdir()])
 
     def test_a_table_without_a_block_is_an_error(self):
         with self.assertRaisesRegex(RuntimeError, "no block for host, key"):
