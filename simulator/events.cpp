@@ -18,16 +18,6 @@ namespace
 {
     throw std::invalid_argument("the machine has no endpoint " + endpointId);
 }
-
-void removeDefault(Machine& machine, EDataFlow flow, ERole role)
-{
-    for (Endpoint& endpoint : machine.endpoints)
-    {
-        auto& roles = endpoint.defaultFor;
-        if (endpoint.flow == flow)
-            roles.erase(std::remove(roles.begin(), roles.end(), role), roles.end());
-    }
-}
 }
 
 Events::Events(std::shared_ptr<State> state) : m_state(std::move(state)) {}
@@ -129,19 +119,13 @@ void Events::setDefault(const std::string& endpointId, ERole role)
 {
     change(
         Kind::defaultChanged, endpointId,
-        [&](Hardware& hardware, Endpoint& endpoint)
-        {
-            removeDefault(hardware.machine(), endpoint.flow, role);
-            endpoint.defaultFor.push_back(role);
-        },
-        [] {});
+        [&](Hardware& hardware, Endpoint& endpoint) { hardware.nameDefault(endpoint, role); }, [] {});
 }
 
 void Events::clearDefault(EDataFlow flow, ERole role)
 {
     happen(
-        m_state, Kind::defaultChanged, [&](Hardware& hardware) { removeDefault(hardware.machine(), flow, role); },
-        [] {});
+        m_state, Kind::defaultChanged, [&](Hardware& hardware) { hardware.removeDefault(flow, role); }, [] {});
 }
 
 void Events::setVolume(const std::string& endpointId, std::optional<float> level, std::optional<bool> muted)

@@ -3,7 +3,8 @@
     python3 benchmarks/driver --build FOLDER [--results FOLDER] [--update-docs] [PART...] [OPTION...]
     python3 benchmarks/driver --build FOLDER cost SIDE WORK MACHINE
 
-Further options are those of Google Benchmark. The part "client-calls" is what of "client" needs no instrument.
+Further options are those of Google Benchmark. The parts "client-calls" and "program-growth" are those of "client" and of
+"program" that ctest runs: they take seconds, and measure no time.
 """
 
 import argparse
@@ -25,6 +26,7 @@ import program
 
 ROOT = Path(__file__).resolve().parents[2]
 PARTS = ("foundation", "library", "plots", "client", "program", "headers")
+TESTS = ("client-calls", "program-growth")
 
 
 def tables_of(part, build, folder, pool, costs, options):
@@ -39,6 +41,8 @@ def tables_of(part, build, folder, pool, costs, options):
         return client.tables(programs, pool)
     if part == "client-calls":
         return client.counted_tables(programs)
+    if part == "program-growth":
+        return [program.growth_of_files(programs, pool)]
     if part == "program":
         return program.tables(programs, folder, pool)
     return headers.tables(host.cached(build, "CMAKE_CXX_COMPILER"), ROOT)
@@ -96,7 +100,7 @@ def arguments_of(words):
     known, options = parser.parse_known_args(words)
     if known.parts[:1] == ["cost"] and len(known.parts) == 4 and not options:
         return known, options
-    unknown = [each for each in known.parts if each not in (*PARTS, "client-calls")]
+    unknown = [each for each in known.parts if each not in PARTS + TESTS]
     unknown += [each for each in options if not each.startswith("--benchmark_")]
     if unknown:
         parser.error(f"unknown: {' '.join(unknown)}")

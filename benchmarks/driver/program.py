@@ -2,6 +2,7 @@
 
 import re
 import subprocess
+import tempfile
 from pathlib import Path
 
 import callgrind
@@ -9,6 +10,8 @@ import limits
 from table import Table, number
 
 READING = r"^sim::findMachine\("
+KINDS = ("endpoints", "adapters", "connectors", "events", "chain")
+SMALL = 100
 LARGE = {"10,000 endpoints": "endpoints:10000", "a chain of 1,600 adapters": "chain:1600"}
 
 
@@ -48,6 +51,31 @@ def large_files(programs, folder):
     return table
 
 
+def growth_of_files(programs, pool):
+    """Own functions of sonavit-machinefile, on machines of one size and of four times that size."""
+    table = Table("program-growth", "Machine files grow: instructions", ["small", "large", "ratio", "limit"])
+    program = programs / "sonavit-machinefile"
+    with tempfile.TemporaryDirectory() as folder:
+        files = {}
+        for kind in KINDS:
+            for size in (SMALL, 4 * SMALL):
+                files[kind, size] = Path(folder) / f"{kind}-{size}.json"
+                subprocess.run([str(program), "write", f"{kind}:{size}", str(files[kind, size])], check=True)
+
+        def total(question):
+            function, kind, size = question
+            return callgrind.run(program, "measure", files[kind, size], 1, toggles=[function]).total
+
+        questions = [(function, kind) for kind in KINDS for function in ("readOnce", "simulateOnce")]
+        totals = list(pool.map(total, [(*each, size) for each in questions for size in (SMALL, 4 * SMALL)]))
+    for (function, kind), small, large in zip(questions, totals[::2], totals[1::2]):
+        name = f"{'read' if function == 'readOnce' else 'simulate'}, {kind}: {SMALL}, {4 * SMALL}"
+        table.add(name, [number(small), number(large), number(large / small, 2), number(limits.MACHINE_FILE_GROWTH, 2)],
+                  large / small, limits.MACHINE_FILE_GROWTH)
+    return table
+
+
 def tables(programs, folder, pool):
     yield start(programs, pool)
     yield large_files(programs, folder)
+    yield growth_of_files(programs, pool)

@@ -52,7 +52,7 @@ public:
 
     OptionalString parentOf(const std::string& instance) const
     {
-        const DeviceInstance* const found = m_hardware.machine().deviceInstance(instance);
+        const DeviceInstance* const found = m_hardware.deviceInstance(instance);
         return found == nullptr ? OptionalString() : found->parent;
     }
 

@@ -1,7 +1,7 @@
 #include "simulator/core/hardware.h"
 
 #include "simulator/core/composedproperties.h"
-#include "simulator/machine/casefolding.h"
+#include "simulator/machine/defaults.h"
 #include "simulator/machine/propertykeys.h"
 
 #include <algorithm>
@@ -32,62 +32,6 @@ Machine& Hardware::machine()
 const Machine& Hardware::machine() const
 {
     return m_machine;
-}
-
-/// Of two devices or parts with the same id the first in the machine's order counts, endpoints before adapters.
-void Hardware::reindex()
-{
-    m_endpoints.clear();
-    m_endpointOf.clear();
-    m_devices.clear();
-    m_devicesNoCase.clear();
-    m_parts.clear();
-    m_peers.clear();
-    m_pathsFrom.clear();
-
-    const auto index = [this](Device& device)
-    {
-        m_devices.emplace(device.id, &device);
-        m_devicesNoCase[lowerCase(device.id)].push_back(&device);
-        indexParts(device);
-    };
-    for (Endpoint& endpoint : m_machine.endpoints)
-    {
-        m_endpoints.emplace(endpoint.id, &endpoint);
-        m_endpointOf.emplace(&endpoint, &endpoint);
-        index(endpoint);
-    }
-    for (Adapter& adapter : m_machine.adapters)
-        index(adapter);
-    indexJoins();
-}
-
-/// As Machine::peer(), for all connectors at once.
-void Hardware::indexJoins()
-{
-    const auto owner = [this](const std::string& connector)
-    {
-        const auto found = m_parts.find(connector);
-        return found == m_parts.end() ? Text() : Text(found->second.device->id);
-    };
-    for (const Join& join : m_machine.joins)
-    {
-        m_peers.emplace(join.from, Peer{join.toDevice ? join.toDevice : owner(join.to), join.to});
-        if (join.bothWays && !join.to.empty())
-            m_peers.emplace(join.to, Peer{owner(join.from), join.from});
-    }
-}
-
-void Hardware::indexParts(Device& device)
-{
-    if (!device.topology)
-        return;
-    for (Connector& connector : device.topology->connectors)
-        m_parts.emplace(connector.id, ChangeablePartPlace{&device, &connector, &connector});
-    for (Subunit& subunit : device.topology->subunits)
-        m_parts.emplace(subunit.id, ChangeablePartPlace{&device, &subunit, nullptr});
-    for (const SignalPath& path : device.topology->signalPaths)
-        m_pathsFrom[path.from].push_back(&path);
 }
 
 bool Hardware::isGone(const Device& device) const
@@ -127,12 +71,12 @@ bool Hardware::hasDevice(const std::string& id) const
 
 bool Hardware::knows(const std::string& id) const
 {
-    return m_devicesNoCase.count(lowerCase(id)) > 0;
+    return m_devicesNoCase.count(id) > 0;
 }
 
 Device* Hardware::openDevice(const std::string& id)
 {
-    const auto found = m_devicesNoCase.find(lowerCase(id));
+    const auto found = m_devicesNoCase.find(id);
     if (found == m_devicesNoCase.end())
         return nullptr;
     Device* nearly = nullptr;
@@ -149,8 +93,43 @@ Device* Hardware::openDevice(const std::string& id)
 
 Text Hardware::defaultEndpoint(EDataFlow flow, ERole role) const
 {
-    const Endpoint* const elected = m_serviceRuns ? m_machine.defaultEndpoint(flow, role) : nullptr;
+    if (!m_serviceRuns)
+        return {};
+    const auto jack = [this](const Endpoint& endpoint) { return jackOf(endpoint); };
+    const auto named = m_namedDefaults.find({flow, role});
+    if (named == m_namedDefaults.end())
+        return {};
+    const Endpoint* const elected = electDefault(m_machine, *named->second.front(), role, jack);
     return elected == nullptr ? Text() : Text(elected->id);
+}
+
+void Hardware::nameDefault(Endpoint& endpoint, ERole role)
+{
+    removeDefault(endpoint.flow, role);
+    endpoint.defaultFor.push_back(role);
+    m_namedDefaults[{endpoint.flow, role}] = {&endpoint};
+}
+
+void Hardware::removeDefault(EDataFlow flow, ERole role)
+{
+    const auto named = m_namedDefaults.find({flow, role});
+    if (named == m_namedDefaults.end())
+        return;
+    for (Endpoint* const endpoint : named->second)
+    {
+        std::vector<ERole>& roles = endpoint->defaultFor;
+        roles.erase(std::remove(roles.begin(), roles.end(), role), roles.end());
+    }
+    m_namedDefaults.erase(named);
+}
+
+GUID Hardware::jackOf(const Endpoint& endpoint) const
+{
+    if (!endpoint.topology || endpoint.topology->connectors.empty())
+        return {};
+    const Peer* const found = peer(endpoint.topology->connectors.front().id);
+    const auto jack = found == nullptr ? m_parts.end() : m_parts.find(found->connector);
+    return jack == m_parts.end() ? GUID{} : jack->second.part->subType;
 }
 
 std::vector<Endpoint*> Hardware::endpointsOfDevice(const std::string& endpointId)
@@ -173,6 +152,13 @@ std::vector<Endpoint*> Hardware::endpointsOfDevice(const std::string& endpointId
             result.push_back(&candidate);
     }
     return result;
+}
+
+const std::vector<Endpoint*>& Hardware::endpointsInHardware(const std::string& partId) const
+{
+    static const std::vector<Endpoint*> none;
+    const auto found = m_endpointsInHardware.find(partId);
+    return found == m_endpointsInHardware.end() ? none : found->second;
 }
 
 void Hardware::leave(Endpoint& endpoint)
@@ -216,6 +202,12 @@ void Hardware::makeStoresStale(const std::string& deviceId)
     ++m_storeAges[deviceId];
 }
 
+const DeviceInstance* Hardware::deviceInstance(const std::string& id) const
+{
+    const auto found = m_deviceInstances.find(id);
+    return found == m_deviceInstances.end() ? nullptr : found->second;
+}
+
 const ChangeablePartPlace* Hardware::part(const std::string& id) const
 {
     const auto found = m_parts.find(id);
@@ -232,6 +224,13 @@ const Peer* Hardware::peer(const std::string& connectorId) const
 {
     const auto found = m_peers.find(connectorId);
     return found == m_peers.end() ? nullptr : &found->second;
+}
+
+const std::vector<const Endpoint*>& Hardware::endpointsAt(const std::string& connectorId) const
+{
+    static const std::vector<const Endpoint*> none;
+    const auto found = m_endpointsAt.find(connectorId);
+    return found == m_endpointsAt.end() ? none : found->second;
 }
 
 const SignalPath* Hardware::signalPath(const Device& device, const std::string& from, const std::string& to,

@@ -5,9 +5,12 @@
 #include "simulator/machine/machine.h"
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace sim
@@ -21,6 +24,8 @@ class Hardware
 {
 public:
     explicit Hardware(Machine machine);
+    Hardware(const Hardware&) = delete; // the indexes refer to the machine
+    Hardware& operator=(const Hardware&) = delete;
 
     /// The machine. After adding or removing list elements, or changing an id, a join or a path, call reindex().
     Machine& machine();
@@ -42,9 +47,15 @@ public:
     /// The id of the default endpoint, see Machine::defaultEndpoint(); no value if there is none, as while the audio
     /// service is stopped.
     Text defaultEndpoint(EDataFlow flow, ERole role) const;
+    /// The named default of its flow in @p role, in place of any other; removes any.
+    void nameDefault(Endpoint& endpoint, ERole role);
+    void removeDefault(EDataFlow flow, ERole role);
     /// The endpoints of the same device, those with exactly its instance path, in the machine's order; the endpoint
     /// alone if it has no path. Empty if there is no such endpoint.
     std::vector<Endpoint*> endpointsOfDevice(const std::string& endpointId);
+
+    /// The endpoints whose volume or mute the part @p partId implements, in the machine's order.
+    const std::vector<Endpoint*>& endpointsInHardware(const std::string& partId) const;
 
     /// The endpoint becomes not present, or takes the state again that it had before; active if it had none.
     void leave(Endpoint& endpoint);
@@ -59,6 +70,9 @@ public:
     void makeStoresStale();
     void makeStoresStale(const std::string& deviceId);
 
+    /// As Machine::deviceInstance().
+    const DeviceInstance* deviceInstance(const std::string& id) const;
+
     /// Valid until the next reindex(); null if there is no such part, or if its endpoint is unknown.
     const ChangeablePartPlace* part(const std::string& id) const;
     /// The device with the id @p id, or that has the part with that id, in any condition; @p id itself if there is
@@ -66,6 +80,9 @@ public:
     const std::string& deviceOf(const std::string& id) const;
     /// As Machine::peer(). Valid until the next reindex(); null if there is none.
     const Peer* peer(const std::string& connectorId) const;
+    /// The endpoints whose first connector reports @p connectorId as its peer, in the machine's order, in any
+    /// condition. Valid until the next reindex().
+    const std::vector<const Endpoint*>& endpointsAt(const std::string& connectorId) const;
 
     /// A path from one part to another within the topology of @p device; null if there is none. With @p rejectMixed
     /// mixed paths do not count.
@@ -73,18 +90,45 @@ public:
                                  bool rejectMixed) const;
 
 private:
+    /// Regardless of the case of A to Z.
+    struct HashNoCase
+    {
+        std::size_t operator()(std::string_view text) const;
+    };
+    struct EqualNoCase
+    {
+        bool operator()(std::string_view left, std::string_view right) const;
+    };
+
+    /// Texts of the machine are the keys: an index costs no copies.
+    template<class Value>
+    using Index = std::unordered_map<std::string_view, Value>;
+    template<class Value>
+    using IndexNoCase = std::unordered_map<std::string_view, Value, HashNoCase, EqualNoCase>;
+
     bool isGone(const Device& device) const;
+    void clearIndexes();
+    void indexDevices();
+    void indexDevice(Device& device);
     void indexParts(Device& device);
     void indexJoins();
+    void indexEndpointsAtConnectors();
+    void indexDefaults();
+    void indexVolumesInHardware();
+    GUID jackOf(const Endpoint& endpoint) const;
 
     Machine m_machine;
-    std::unordered_map<std::string, Endpoint*> m_endpoints;
+    Index<Endpoint*> m_endpoints;
     std::unordered_map<const Device*, const Endpoint*> m_endpointOf;
-    std::unordered_map<std::string, Device*> m_devices;
-    std::unordered_map<std::string, std::vector<Device*>> m_devicesNoCase;
-    std::unordered_map<std::string, ChangeablePartPlace> m_parts;
-    std::unordered_map<std::string, Peer> m_peers;
-    std::unordered_map<std::string, std::vector<const SignalPath*>> m_pathsFrom;
+    Index<Device*> m_devices;
+    IndexNoCase<std::vector<Device*>> m_devicesNoCase;
+    IndexNoCase<const DeviceInstance*> m_deviceInstances;
+    Index<ChangeablePartPlace> m_parts;
+    Index<Peer> m_peers;
+    Index<std::vector<const Endpoint*>> m_endpointsAt;
+    Index<std::vector<Endpoint*>> m_endpointsInHardware;
+    std::map<std::pair<EDataFlow, ERole>, std::vector<Endpoint*>> m_namedDefaults; ///< in the machine's order
+    Index<std::vector<const SignalPath*>> m_pathsFrom;
     std::unordered_map<std::string, std::uint32_t> m_statesBefore;
     std::unordered_map<std::string, std::uint64_t> m_storeAges;
     std::uint64_t m_allStoresAge = 0;

@@ -102,13 +102,8 @@ void LevelWatch::watch(Hardware& hardware, const std::string& partId)
     if (place == nullptr)
         return;
     m_parts.emplace(partId, controlsOnly(*place->part));
-    for (Endpoint& endpoint : hardware.machine().endpoints)
-    {
-        const bool isShared =
-            endpoint.volume && (endpoint.volume->hardware.volume == partId || endpoint.volume->hardware.mute == partId);
-        if (isShared)
-            m_volumes.emplace(&endpoint, shownVolume(hardware, endpoint));
-    }
+    for (Endpoint* const endpoint : hardware.endpointsInHardware(partId))
+        m_volumes.emplace(endpoint, shownVolume(hardware, *endpoint));
 }
 
 LevelChanges LevelWatch::changes(const Hardware& hardware) const

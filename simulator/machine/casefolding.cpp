@@ -11,11 +11,6 @@ std::string lowerCase(std::string text)
     return text;
 }
 
-char lowerCase(char character)
-{
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-}
-
 std::string upperCase(std::string text)
 {
     for (char& character : text)
@@ -23,7 +18,7 @@ std::string upperCase(std::string text)
     return text;
 }
 
-bool equalNoCase(const std::string& left, const std::string& right)
+bool equalNoCase(std::string_view left, std::string_view right)
 {
     const auto same = [](char first, char second) { return lowerCase(first) == lowerCase(second); };
     return std::equal(left.begin(), left.end(), right.begin(), right.end(), same);

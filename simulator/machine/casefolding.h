@@ -3,16 +3,21 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace sim
 {
 /// @p text with lower-case letters.
 std::string lowerCase(std::string text);
-char lowerCase(char character);
+
+constexpr char lowerCase(char character)
+{
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
+}
 
 /// @p text with upper-case letters.
 std::string upperCase(std::string text);
 
 /// Whether two strings are equal apart from case.
-bool equalNoCase(const std::string& left, const std::string& right);
+bool equalNoCase(std::string_view left, std::string_view right);
 }

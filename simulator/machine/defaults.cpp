@@ -5,8 +5,9 @@
 // none is left. Of the factors that make up the rank the machine knows the form of the endpoint and the kind of its
 // microphone. The rest (jack detection, bus, place of the jack, how often the user chose an endpoint) has weights that
 // are not published; the machine's order takes its place.
+#include "simulator/machine/defaults.h"
+
 #include "simulator/machine/formfactor.h"
-#include "simulator/machine/machine.h"
 
 #include <algorithm>
 #include <array>
@@ -66,7 +67,7 @@ std::size_t microphoneRank(const GUID& jack)
 }
 
 /// The kind of the jack behind the endpoint's first connector; zero if the endpoint has none.
-GUID jackOf(const Machine& machine, const Endpoint& endpoint)
+GUID jackBehind(const Machine& machine, const Endpoint& endpoint)
 {
     if (!endpoint.topology || endpoint.topology->connectors.empty())
         return {};
@@ -95,17 +96,25 @@ const Endpoint* Machine::namedDefault(EDataFlow flow, ERole role) const
 const Endpoint* Machine::defaultEndpoint(EDataFlow flow, ERole role) const
 {
     const Endpoint* const named = namedDefault(flow, role);
-    if (named == nullptr || isEligible(*named, flow))
-        return named;
+    const auto jackOf = [this](const Endpoint& endpoint) { return jackBehind(*this, endpoint); };
+    return named == nullptr ? nullptr : electDefault(*this, *named, role, jackOf);
+}
+
+const Endpoint* electDefault(const Machine& machine, const Endpoint& named, ERole role,
+                             const std::function<GUID(const Endpoint&)>& jackOf)
+{
+    const EDataFlow flow = named.flow;
+    if (isEligible(named, flow))
+        return &named;
 
     using Rank = std::pair<std::size_t, std::size_t>;
     const Endpoint* best = nullptr;
     Rank bestRank;
-    for (const Endpoint& candidate : endpoints)
+    for (const Endpoint& candidate : machine.endpoints)
     {
         if (!isEligible(candidate, flow))
             continue;
-        const GUID jack = jackOf(*this, candidate);
+        const GUID jack = jackOf(candidate);
         const Rank rank = {formRank(formFactorOf(jack), flow, role), microphoneRank(jack)};
         if (best != nullptr && !(rank < bestRank))
             continue;

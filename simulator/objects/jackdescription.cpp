@@ -1,6 +1,8 @@
 #include "simulator/core/simulatedobject.h"
 #include "simulator/objects/objects.h"
 
+#include <algorithm>
+
 namespace sim
 {
 namespace
@@ -12,19 +14,10 @@ constexpr DWORD changesFormat = 2;
 /// Whether the states of the endpoints at the connector say that something is plugged in.
 bool isPlugged(const Hardware& hardware, const std::string& connectorId)
 {
-    bool isPlugged = true;
-    for (const Endpoint& endpoint : hardware.machine().endpoints)
-    {
-        if (!endpoint.topology || endpoint.topology->connectors.empty())
-            continue;
-        const Peer* const peer = hardware.peer(endpoint.topology->connectors.front().id);
-        if (!peer || peer->connector != connectorId)
-            continue;
-        if (endpoint.installed && endpoint.state != stateUnplugged && endpoint.state != stateNotPresent)
-            return true;
-        isPlugged = false;
-    }
-    return isPlugged;
+    const std::vector<const Endpoint*>& endpoints = hardware.endpointsAt(connectorId);
+    const auto isThere = [](const Endpoint* endpoint)
+    { return endpoint->installed && endpoint->state != stateUnplugged && endpoint->state != stateNotPresent; };
+    return endpoints.empty() || std::any_of(endpoints.begin(), endpoints.end(), isThere);
 }
 
 /// What both interfaces have in common.

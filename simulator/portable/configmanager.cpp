@@ -17,7 +17,7 @@ bool ConfigManager::getParentDeviceInstanceId(const qor::String& childInstanceId
             parent = state->withHardware(
                 [&](const Hardware& hardware)
                 {
-                    const DeviceInstance* const instance = hardware.machine().deviceInstance(child);
+                    const DeviceInstance* const instance = hardware.deviceInstance(child);
                     return instance == nullptr ? Text() : instance->parent;
                 });
         }

@@ -36,7 +36,8 @@ CommandLineGrammar::CommandLineGrammar(const std::vector<std::string>& words)
     { return std::find(words.begin(), words.end(), word) != words.end(); };
     const auto isNamed = [&](const Row& row) { return isWord(row.name); };
     const bool isForHelp = isWord("help") || isWord("--help") || isWord("-h");
-    const bool hasAll = isForHelp || std::none_of(rows().begin(), rows().end(), isNamed);
+    const bool needsNone = words.empty() || words == std::vector<std::string>{"--version"};
+    const bool hasAll = isForHelp || (!needsNone && std::none_of(rows().begin(), rows().end(), isNamed));
     for (const Row& row : rows())
     {
         if (hasAll || isNamed(row))

@@ -43,3 +43,19 @@ class ProgramStart(unittest.TestCase):
     def test_a_profile_that_does_not_name_the_reading_is_an_error(self):
         with self.assertRaises(RuntimeError):
             self.start(80, 0)
+
+
+class ProgramGrowthOfFiles(FakePrograms):
+    def beyond(self, large):
+        def run(_, __, file, *___, toggles):
+            return mock.Mock(total=large if toggles == ["simulateOnce"] and "events-400" in file.name else 100)
+
+        self.program("sonavit-machinefile", 'echo "{}" >"$3"')
+        with mock.patch("callgrind.run", side_effect=run):
+            return [row.name for row in program.growth_of_files(self.folder, mock.Mock(map=map)).beyond]
+
+    def test_four_times_the_machine_may_take_five_times_the_instructions(self):
+        self.assertEqual([], self.beyond(500))
+
+    def test_what_grows_faster_is_beyond(self):
+        self.assertEqual(["simulate, events: 100, 400"], self.beyond(501))

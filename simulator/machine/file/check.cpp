@@ -21,7 +21,14 @@ constexpr std::uint32_t longestPeriod = 50000000; // 5 s in units of 100 ns: the
 
 struct KeyHash
 {
-    std::size_t operator()(const PROPERTYKEY& key) const { return key.fmtid.Data1 ^ std::size_t{key.pid} << 8; }
+    std::size_t operator()(const PROPERTYKEY& key) const
+    {
+        std::uint64_t end = 0;
+        std::memcpy(&end, key.fmtid.Data4, sizeof end);
+        const std::uint64_t start =
+            std::uint64_t{key.fmtid.Data1} << 32 ^ std::uint64_t{key.fmtid.Data2} << 16 ^ key.fmtid.Data3;
+        return static_cast<std::size_t>((start ^ end ^ key.pid) * 0x9E3779B97F4A7C15u >> 16);
+    }
 };
 
 using Keys = std::unordered_set<PROPERTYKEY, KeyHash, decltype(&sameKey)>;
@@ -62,6 +69,8 @@ std::vector<MachineProblem> MachineCheck::run()
 
 void MachineCheck::devices()
 {
+    m_endpoints.reserve(m_machine.endpoints.size());
+    m_devices.reserve(m_machine.endpoints.size() + m_machine.adapters.size());
     for (std::size_t index = 0; index < m_machine.endpoints.size(); ++index)
     {
         const Endpoint& endpoint = m_machine.endpoints[index];
@@ -101,10 +110,15 @@ void MachineCheck::properties(const Properties& properties, const FilePlace& pla
 
 void MachineCheck::unlistedProperties(const Device& device, const FilePlace& place)
 {
+    if (device.unlistedProperties.empty())
+        return;
     properties(device.unlistedProperties, place);
+    Keys listed(device.properties.size(), KeyHash(), &sameKey);
+    for (const Property& property : device.properties)
+        listed.insert(property.key);
     for (const Property& property : device.unlistedProperties)
     {
-        if (findProperty(device.properties, property.key) != nullptr)
+        if (listed.count(property.key) != 0)
             report(FilePlace(place, property.key), "a property that is not in \"properties\"",
                    "duplicate " + inQuotes(keyText(property.key)));
     }

@@ -20,9 +20,22 @@ std::string keyList(const ObjectRule& rule)
     return result;
 }
 
-bool hasKey(const ObjectRule& rule, const std::string& name)
+/// The position of the key @p name in @p rule; the number of keys if there is none. Begins at @p start and goes around:
+/// nearly all files have their keys in the order of the rules.
+std::size_t positionOf(const std::string& name, const ObjectRule& rule, std::size_t start)
 {
-    return std::any_of(rule.keys.begin(), rule.keys.end(), [&](const KeyRule* key) { return key->name == name; });
+    const std::size_t count = rule.keys.size();
+    for (std::size_t index = start; index < count; ++index)
+    {
+        if (rule.keys[index]->name == name)
+            return index;
+    }
+    for (std::size_t index = 0; index < start; ++index)
+    {
+        if (rule.keys[index]->name == name)
+            return index;
+    }
+    return count;
 }
 }
 
@@ -42,19 +55,31 @@ JsonCursor JsonCursor::at(const JsonValue& value) const
 
 void JsonCursor::requireKeys(const ObjectRule& rule) const
 {
+    static_cast<void>(members(rule));
+}
+
+JsonCursor::RuledMembers JsonCursor::members(const ObjectRule& rule) const
+{
     if (!isObject())
         fail("an object");
+    RuledMembers result = {};
+    std::size_t next = 0;
     for (std::size_t index = 0; index < m_value->keys.size(); ++index)
     {
         const std::string& key = m_value->keys[index];
-        if (!hasKey(rule, key))
+        const std::size_t position = positionOf(key, rule, next);
+        if (position == rule.keys.size())
             at(m_value->elements[index]).fail("one of the keys " + keyList(rule), "the key " + inQuotes(key));
+        result[position] = &m_value->elements[index];
+        next = position + 1;
     }
-    for (const KeyRule* key : rule.keys)
+    for (std::size_t position = 0; position < rule.keys.size(); ++position)
     {
-        if (key->isRequired && m_value->member(key->name) == nullptr)
-            fail("the key " + inQuotes(key->name), "an object without it");
+        const KeyRule& key = *rule.keys[position];
+        if (key.isRequired && result[position] == nullptr)
+            fail("the key " + inQuotes(key.name), "an object without it");
     }
+    return result;
 }
 
 std::optional<JsonCursor> JsonCursor::find(std::string_view key) const

@@ -7,6 +7,7 @@
 #include "simulator/machine/namedvalues.h"
 #include "simulator/machine/property.h"
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -23,12 +24,19 @@ class JsonCursor
 {
 public:
     struct Member;
+    /// Members of an object in the order of the keys of its rule; null for a key that the object does not have.
+    using RuledMembers = std::array<const JsonValue*, ObjectRule::mostKeys>;
 
     /// The position of the whole document.
     JsonCursor(const JsonValue& document, const std::string& file);
 
+    /// The position of @p value in the same document.
+    JsonCursor at(const JsonValue& value) const;
+
     /// Requires an object with all required keys of @p rule and without keys that it does not have.
     void requireKeys(const ObjectRule& rule) const;
+    /// The members of an object. Requires its keys as requireKeys() does.
+    RuledMembers members(const ObjectRule& rule) const;
     /// A member of an object.
     std::optional<JsonCursor> find(std::string_view key) const;
     std::vector<Member> members() const;
@@ -71,9 +79,6 @@ public:
     [[noreturn]] void fail(const std::string& expected, const std::string& found) const;
 
 private:
-    /// The position of @p value in the same document.
-    JsonCursor at(const JsonValue& value) const;
-
     const JsonValue* m_value;
     const JsonValue* m_document;
     const std::string* m_file;

@@ -6,8 +6,10 @@
 #include "simulator/machine/file/cursor.h"
 #include "simulator/machine/file/objectrule.h"
 
+#include <cstddef>
 #include <functional>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -135,11 +137,11 @@ public:
     /// The object that @p cursor describes; what it leaves out is as in @p start. Throws MachineFileError.
     Object read(const JsonCursor& cursor, Object start = Object()) const
     {
-        cursor.requireKeys(m_rule);
-        for (const auto& field : m_fields)
+        const JsonCursor::RuledMembers members = cursor.members(m_rule);
+        for (std::size_t position = 0; position < m_fields.size(); ++position)
         {
-            if (const auto value = cursor.find(field->key.name))
-                field->read(*value, start);
+            if (const JsonValue* const value = members[position])
+                m_fields[position]->read(cursor.at(*value), start);
         }
         return start;
     }
@@ -181,6 +183,8 @@ private:
 
     FieldTable& addField(const Field<Object>* field)
     {
+        if (m_fields.size() == ObjectRule::mostKeys)
+            throw std::logic_error(m_rule.name + " has too many keys");
         m_fields.push_back(std::shared_ptr<const Field<Object>>(field));
         m_rule.keys.push_back(&field->key);
         return *this;

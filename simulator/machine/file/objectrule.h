@@ -4,6 +4,7 @@
 
 #include "simulator/machine/file/json.h"
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
@@ -22,6 +23,8 @@ struct KeyRule
 /// One form of object. The keys are those of a table of fields and valid as long as the table.
 struct ObjectRule
 {
+    static constexpr std::size_t mostKeys = 32;
+
     std::string name;        ///< of its definition in the schema
     std::string description; ///< empty: the names of its keys suffice
     std::vector<const KeyRule*> keys;

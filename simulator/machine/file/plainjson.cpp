@@ -80,8 +80,15 @@ private:
 
     void skipSpace()
     {
-        for (; m_next != m_end && (*m_next == ' ' || *m_next == '\n' || *m_next == '\r' || *m_next == '\t'); ++m_next)
-            m_line += *m_next == '\n' ? 1 : 0;
+        const char* next = m_next;
+        for (; next != m_end && *next <= ' '; ++next)
+        {
+            if (*next == '\n')
+                ++m_line;
+            else if (*next != ' ' && *next != '\r' && *next != '\t')
+                break;
+        }
+        m_next = next;
     }
 
     /// Skips space, then @p character if it comes next.
@@ -159,6 +166,9 @@ private:
     {
         if (!skip('"'))
             return false;
+        const char* const end = std::find_if_not(m_next, m_end, isPlain);
+        text = std::string(m_next, end);
+        m_next = end;
         while (m_next != m_end && *m_next != '"')
         {
             const char* const first = m_next;

@@ -2,7 +2,7 @@
 #include "simulator/machine/file/machinecheck.h"
 
 #include <algorithm>
-#include <map>
+#include <functional>
 #include <type_traits>
 #include <utility>
 
@@ -10,9 +10,20 @@ namespace sim
 {
 namespace
 {
+using PartPair = std::pair<std::string_view, std::string_view>;
+
+struct PartPairHash
+{
+    std::size_t operator()(const PartPair& pair) const
+    {
+        const std::hash<std::string_view> hash;
+        return hash(pair.first) * 31 + hash(pair.second);
+    }
+};
+
 PartsById partsOf(const Topology& topology)
 {
-    PartsById parts;
+    PartsById parts(topology.connectors.size() + topology.subunits.size());
     for (const Connector& connector : topology.connectors)
         parts.emplace(connector.id, &connector);
     for (const Subunit& subunit : topology.subunits)
@@ -24,7 +35,7 @@ PartsById partsOf(const Topology& topology)
 void MachineCheck::topology(const Topology& topology, const FilePlace& place)
 {
     const PartsById known = partsOf(topology);
-    std::unordered_set<std::uint32_t> localIds;
+    std::unordered_set<std::uint32_t> localIds(known.size());
     for (const Connector& connector : topology.connectors)
         m_connectorIds.insert(connector.id);
     partList(topology.connectors, localIds, known, place, "connectors");
@@ -102,7 +113,7 @@ void MachineCheck::partId(const std::string& id, const PartsById& known, const F
 /// Behind a mixed path there may be another one, for callers that reject mixed ones.
 void MachineCheck::signalPaths(const Topology& topology, const PartsById& known, const FilePlace& place)
 {
-    std::map<std::pair<std::string_view, std::string_view>, bool> taken; // whether the path is mixed
+    std::unordered_map<PartPair, bool, PartPairHash> taken(topology.signalPaths.size()); // whether the path is mixed
     for (std::size_t index = 0; index < topology.signalPaths.size(); ++index)
     {
         const SignalPath& path = topology.signalPaths[index];

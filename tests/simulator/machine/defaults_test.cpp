@@ -1,3 +1,5 @@
+#include "simulator/machine/defaults.h"
+
 #include "simulator/machine/builder/machinebuilder.h"
 #include "simulator/machine/nodetypes.h"
 
@@ -119,5 +121,30 @@ TEST_F(MachineDefaultEndpoint, MayBeOneWithoutAJack)
     bare.endpoint().topology.reset();
 
     EXPECT_EQ(bare.id(), elected(eRender, eConsole));
+}
+
+/// How often the election of a default asks for a jack, on a machine whose named default is away.
+std::size_t jacksAsked(std::size_t candidates)
+{
+    sim::MachineBuilder bench;
+    sim::CardBuilder card = bench.card("Analog Audio");
+    card.speaker().isDefault().unplugged();
+    for (std::size_t index = 0; index < candidates; ++index)
+        card.lineOut("Line Out " + std::to_string(index));
+    const sim::Machine machine = bench.build();
+    std::size_t count = 0;
+    const auto jackOf = [&](const sim::Endpoint&)
+    {
+        ++count;
+        return sim::nodetypes::line;
+    };
+    sim::electDefault(machine, machine.endpoints.front(), eConsole, jackOf);
+    return count;
+}
+
+TEST(ElectDefault, AsksForTheJackOfEachCandidateOnce)
+{
+    EXPECT_EQ(10u, jacksAsked(10));
+    EXPECT_EQ(200u, jacksAsked(200));
 }
 }

@@ -315,4 +315,28 @@ TEST_F(MachineBuilderBuild, PassesTheCheckWithEveryKindOfJack)
 
     EXPECT_THAT(sim::checkMachine(bench.build()), IsEmpty());
 }
+
+TEST_F(EndpointBuilderNode, FindsTheJackAfterATestHasRenamedAndMovedParts)
+{
+    sim::EndpointBuilder speaker = codec.speaker();
+    std::vector<sim::Connector>& connectors = codec.adapter().topology->connectors;
+    sim::Connector other;
+    other.id = "other";
+    connectors.insert(connectors.begin(), other);
+
+    EXPECT_EQ(speaker.jackId(), speaker.jack().id);
+    EXPECT_EQ("Speakers", speaker.jack().name);
+}
+
+TEST_F(MachineBuilderCard, OfAnInstanceThatHasOneAlreadyConnectsThePartsOfTheFirst)
+{
+    sim::CardBuilder first = bench.card("First", "USB\\A");
+    sim::CardBuilder second = bench.card("Second", "USB\\A");
+    first.speaker();
+
+    second.speaker();
+
+    EXPECT_EQ(2u, first.adapter().topology->connectors.front().incoming.size());
+    EXPECT_TRUE(second.adapter().topology->connectors.front().incoming.empty());
+}
 }

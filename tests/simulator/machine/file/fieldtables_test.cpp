@@ -62,6 +62,26 @@ TEST_F(MachineFieldTables, AllOccurInTheSampleWithAllTheirKeys)
     }
 }
 
+TEST_F(MachineFieldTables, AreReadWithTheirKeysInAnyOrder)
+{
+    const std::vector<sim::ObjectRule> rules = sim::objectRules();
+    JsonValue copy = json;
+    std::size_t count = 0;
+    forEachObject(copy,
+                  [&](JsonValue& object)
+                  {
+                      const auto isForm = [&](const sim::ObjectRule& rule) { return mayBe(object, rule); };
+                      if (object.keys.size() < 2 || std::none_of(rules.begin(), rules.end(), isForm))
+                          return; // the order of properties is that of the store
+                      std::reverse(object.keys.begin(), object.keys.end());
+                      std::reverse(object.elements.begin(), object.elements.end());
+                      ++count;
+                  });
+
+    EXPECT_EQ(machine, sim::readMachine(sim::printJson(copy), "reversed.json"));
+    EXPECT_GT(count, 25u);
+}
+
 TEST_F(MachineFieldTables, HaveNoKeyThatTheReaderIgnores)
 {
     // Leaves each member of each object out, one at a time. The sample has no usual value anywhere.
