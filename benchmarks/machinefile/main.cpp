@@ -3,7 +3,6 @@
 /// simulateOnce().
 #include "../median.h"
 #include "largemachines.h"
-
 #include "simulator/machine/file/machinefile.h"
 #include "simulator/simulation.h"
 
