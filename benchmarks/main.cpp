@@ -22,7 +22,7 @@ namespace
 std::vector<char*> withDefaults(char** argv)
 {
     static char repetitions[] = "--benchmark_repetitions=15";
-    static char time[] = "--benchmark_min_time=0.02";
+    static char time[] = "--benchmark_min_time=0.01";
     static char mixed[] = "--benchmark_enable_random_interleaving=true";
     std::vector<char*> arguments = {argv[0]};
     if (std::strcmp(argv[1], "count") != 0)

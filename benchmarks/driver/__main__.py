@@ -88,7 +88,8 @@ def update_docs(docs, folder, description, tables):
 
 def conclusion(tables):
     """What is beyond its limit, a line for each row."""
-    return [f"{table.title}: {row.name} is beyond its limit" for table in tables for row in table.beyond]
+    return [f"{table.title}: {row.name}: {row.value:,.5g} is more than {row.limit:,.5g}"
+            for table in tables for row in table.beyond]
 
 
 def arguments_of(words):

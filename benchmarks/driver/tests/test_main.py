@@ -38,7 +38,7 @@ class DriverMain(FakePrograms):
         code, output = self.run_main([table_with(11)], "client")
 
         self.assertEqual(1, code)
-        self.assertIn("Title: row is beyond its limit", output)
+        self.assertIn("Title: row: 11 is more than 10", output)
 
     def test_without_parts_all_are_measured(self):
         self.run_main([])
