@@ -173,15 +173,17 @@ def per_call(costs):
 
 
 def whole_lists(programs, costs):
-    """What registering the connectors of all devices again for each new one takes a plain client."""
+    """The library registers the connectors of all devices again for each new one. So does a plain client here."""
     table = Table("library-registration", "Registration of whole lists",
-                  ["plain", "with whole lists", "difference", "of the library's own, %"])
+                  ["library", "plain", "plain, whole lists", "whole lists, % of own", "ratio", "limit"])
     names = {operation: name for name, operation in ROWS.items()}
     for operation in WHOLE_LISTS:
-        plain, ours = costs.plain(operation).own, costs.library(operation).own
+        ours, plain = costs.library(operation).own, costs.plain(operation).own
         whole = profile_of(programs, "direct-wholelist", operation).own
-        table.add(names[operation], [number(plain), number(whole), number(whole - plain),
-                                     number(100 * (whole - plain) / ours, 1)])
+        limit = limits.RATIOS_WITH_WHOLE_LISTS.get(operation)
+        cells = [number(ours), number(plain), number(whole), number(100 * (whole - plain) / ours, 1),
+                 number(ours / whole, 2), number(limit, 2)]
+        table.add(names[operation], cells, ours / whole, limit)
     return table
 
 

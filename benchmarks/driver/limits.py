@@ -20,11 +20,12 @@ FOOTNOTES = {}
 # The object model: own instructions of the library through those of the plain client, by operation and machine.
 RATIOS = {
     "discovery crowded": 1.0,
-    "discovery adapters:80": 1.0,
     "lists crowded": 1.5,
     "controls crowded": 1.4,
     "event cards:50": 1.1,
 }
+# The same through a plain client that registers whole lists of connectors, as the library has to.
+RATIOS_WITH_WHOLE_LISTS = {"discovery adapters:80": 1.0}
 ALLOCATIONS_OF_CROWDED = 45_000
 # Own instructions for each platform call, on a card of 80 adapters through those on a card of 5.
 PER_CALL_OF_ADAPTERS = 1.2

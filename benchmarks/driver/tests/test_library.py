@@ -65,13 +65,22 @@ class LibraryPerCall(unittest.TestCase):
 
 
 class LibraryWholeLists(unittest.TestCase):
-    def test_shows_what_a_plain_client_pays_and_its_share_of_the_library(self):
-        costs = FakeCosts(discovery_crowded=replace(COST, own=2000))
-        with mock.patch("library.profile_of", return_value=mock.Mock(own=1100)) as profile:
-            table = library.whole_lists("bin", costs)
+    def table(self, own, **costs):
+        with mock.patch("library.profile_of", return_value=mock.Mock(own=own)) as self.profile:
+            return library.whole_lists("bin", FakeCosts(**costs))
 
-        self.assertEqual(["1,000", "1,100", "100", "5.0"], table.rows[0].cells)
-        profile.assert_any_call("bin", "direct-wholelist", "discovery adapters:80")
+    def test_shows_what_a_plain_client_pays_and_its_share_of_the_library(self):
+        table = self.table(1100, discovery_crowded=replace(COST, own=2000))
+
+        self.assertEqual(["2,000", "1,000", "1,100", "5.0", "1.82", "-"], table.rows[0].cells)
+        self.profile.assert_any_call("bin", "direct-wholelist", "discovery adapters:80")
+
+    def test_the_largest_card_is_judged_by_a_plain_client_that_registers_whole_lists(self):
+        self.assertEqual([], self.table(1000).beyond)
+        self.assertEqual(["discovery of 1 card of 80 adapters"], beyond(self.table(999)))
+
+    def test_each_limit_is_of_a_row(self):
+        self.assertLessEqual(set(limits.RATIOS_WITH_WHOLE_LISTS), set(library.WHOLE_LISTS))
 
 
 class LibraryTraces(unittest.TestCase):
