@@ -17,7 +17,7 @@ set style line 2 linecolor rgb "#d07020" linewidth 2 pointtype 5 pointsize 0.6 d
 set ylabel "own instructions, millions"
 plot "{data}" using 1:2 with linespoints linestyle 1 title "library", \\
      "" using 1:3 with linespoints linestyle 2 title "plain client"
-set key bottom right
+unset key
 set ylabel "own instructions for each platform call"
 plot "{data}" using 1:4 with linespoints linestyle 1 title "library", \\
      "" using 1:5 with linespoints linestyle 2 title "plain client"
