@@ -93,7 +93,7 @@ def conclusion(tables):
 
 
 def arguments_of(words):
-    parser = argparse.ArgumentParser(prog="./bench", add_help=False)
+    parser = argparse.ArgumentParser(prog="./bench", add_help=False, usage="./bench [PART...] [OPTION...], see ./bench --help")
     parser.add_argument("--build", type=Path, required=True)
     parser.add_argument("--results", type=Path)
     parser.add_argument("--update-docs", action="store_true")
