@@ -50,6 +50,36 @@ Comparisons::Work appending(const std::vector<T>& values)
     };
 }
 
+template<class T>
+void makeRoom(qor::Array<T>& sequence, std::size_t size)
+{
+    sequence.ensureCapacity(static_cast<unsigned int>(size));
+}
+
+template<class T>
+void makeRoom(std::vector<T>& sequence, std::size_t size)
+{
+    sequence.reserve(size);
+}
+
+/// The same with room for all of them from the start.
+template<class Sequence, class T>
+Comparisons::Work appendingToRoom(const std::vector<T>& values)
+{
+    return [values](benchmark::State& state)
+    {
+        for (auto _ : state)
+        {
+            Sequence sequence;
+            makeRoom(sequence, values.size());
+            for (const T& value : values)
+                add(sequence, value);
+            benchmark::DoNotOptimize(&sequence[0]);
+            benchmark::ClobberMemory();
+        }
+    };
+}
+
 /// Visits all elements, as callers do. Not inlined, so that the compiler optimises both loops alike.
 template<class T>
 [[gnu::noinline]] unsigned int sumOf(const qor::Array<T>& sequence)
@@ -110,6 +140,10 @@ void addOperations(Comparisons& comparisons, const std::string& elements, const 
     { return "array of " + std::to_string(ours.size()) + " " + elements + ": " + operation; };
     comparisons.add(name("append"), appending<qor::Array<Ours>>(ours), theirName,
                     appending<std::vector<Theirs>>(theirs));
+    comparisons.add(name("append"), appending<qor::Array<Ours>>(ours), theirName + ", reserved",
+                    appendingToRoom<std::vector<Theirs>>(theirs));
+    comparisons.add(name("append to room"), appendingToRoom<qor::Array<Ours>>(ours), theirName + ", reserved",
+                    appendingToRoom<std::vector<Theirs>>(theirs));
     comparisons.add(name("visit"), iterating<qor::Array<Ours>>(ours), theirName,
                     iterating<std::vector<Theirs>>(theirs));
     comparisons.add(name("copy"), copying<qor::Array<Ours>>(ours), theirName, copying<std::vector<Theirs>>(theirs));

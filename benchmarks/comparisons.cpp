@@ -2,6 +2,8 @@
 
 #include "median.h"
 
+#include <valgrind/callgrind.h>
+
 #include <cstdio>
 #include <utility>
 
@@ -31,16 +33,13 @@ public:
     bool failed = false;
 };
 
-Comparisons::Comparisons(std::string circumstances) : m_circumstances(std::move(circumstances)) {}
-
 void Comparisons::add(const std::string& name, Work ours, const std::string& theirName, Work theirs)
 {
     m_pairs.push_back({name, theirName, std::move(ours), std::move(theirs)});
 }
 
-bool Comparisons::run() const
+bool Comparisons::time() const
 {
-    benchmark::ClearRegisteredBenchmarks();
     for (const Pair& pair : m_pairs)
     {
         benchmark::RegisterBenchmark(pair.ourBenchmark().c_str(), pair.ours);
@@ -52,20 +51,45 @@ bool Comparisons::run() const
     return !collector.failed;
 }
 
+bool Comparisons::count() const
+{
+    constexpr benchmark::IterationCount few = 10;
+    constexpr benchmark::IterationCount many = 110;
+    int dumps = 0;
+    const auto add = [](const std::string& name, const Work& work, benchmark::IterationCount iterations)
+    {
+        const auto counted = [work](benchmark::State& state)
+        {
+            CALLGRIND_ZERO_STATS;
+            work(state);
+            CALLGRIND_DUMP_STATS;
+        };
+        benchmark::RegisterBenchmark(name.c_str(), counted)->Iterations(iterations);
+    };
+    for (const Pair& pair : m_pairs)
+    {
+        std::printf("%s\t%s\t%d\t%d\t%d\n", pair.name.c_str(), pair.theirName.c_str(), dumps + 2, dumps + 5,
+                    static_cast<int>(many - few));
+        for (const benchmark::IterationCount iterations : {few, few, many})
+            add(pair.ourBenchmark(), pair.ours, iterations);
+        for (const benchmark::IterationCount iterations : {few, few, many})
+            add(pair.theirBenchmark(), pair.theirs, iterations);
+        dumps += 6;
+    }
+    Collector collector;
+    benchmark::RunSpecifiedBenchmarks(&collector);
+    return !collector.failed;
+}
+
 void Comparisons::print(Samples& samples) const
 {
-    std::printf("\n%s\n", m_circumstances.c_str());
-    std::printf("%-44s %10s %10s %7s   %s\n", "", "ours ns", "theirs ns", "ratio", "theirs");
     for (const Pair& pair : m_pairs)
     {
         std::vector<double>& ours = samples[pair.ourBenchmark()];
         std::vector<double>& theirs = samples[pair.theirBenchmark()];
-        if (ours.empty() || theirs.empty())
-            continue;
-        const double ourTime = median(ours);
-        const double theirTime = median(theirs);
-        std::printf("%-44s %10.2f %10.2f %7.2f   %s\n", pair.name.c_str(), ourTime, theirTime, ourTime / theirTime,
-                    pair.theirName.c_str());
+        if (!ours.empty() && !theirs.empty())
+            std::printf("%s\t%s\t%.3f\t%.3f\n", pair.name.c_str(), pair.theirName.c_str(), median(ours),
+                        median(theirs));
     }
 }
 

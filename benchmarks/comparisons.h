@@ -9,23 +9,26 @@
 
 namespace bench
 {
-/// Pairs of measurements that do the same work, once with this library and once with another one, and the table of
-/// their ratios.
+/// Pairs of measurements that do the same work, once with this library and once with another one.
 class Comparisons
 {
 public:
     using Work = std::function<void(benchmark::State&)>;
 
-    /// @param circumstances printed above the table, for example the number of threads
-    explicit Comparisons(std::string circumstances);
-
     /// Adds a pair. @param theirName names what the library is compared with
     void add(const std::string& name, Work ours, const std::string& theirName, Work theirs);
 
-    /// Measures all pairs in random order, so that a busy machine affects both sides equally, and prints the table to
-    /// standard output. Pairs that the command line filters out are not in the table.
+    /// Measures all pairs in random order, so that a busy machine affects both sides equally, and prints a line for
+    /// each to standard output: name, what it is compared with, our nanoseconds, theirs; with tabulators between them.
+    /// Pairs that the command line filters out are left out.
     /// @return false, with a message on standard error, if a measurement failed
-    bool run() const;
+    bool time() const;
+
+    /// Lets callgrind write its counts for each measurement three times: with few repetitions, which what happens only
+    /// once is in, again with few, and with many. The lines that it prints have the number of the second of these
+    /// counts in the place of the times, and then how many repetitions the third has more than the second.
+    /// @return false, with a message on standard error, if a measurement failed
+    bool count() const;
 
 private:
     struct Pair
@@ -46,7 +49,6 @@ private:
 
     void print(Samples& samples) const;
 
-    std::string m_circumstances;
     std::vector<Pair> m_pairs;
 };
 }

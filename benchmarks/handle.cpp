@@ -1,30 +1,60 @@
 #include "COM/comptr.h"
 #include "countedobject.h"
+#include "plainpointer.h"
 #include "suites.h"
 
-#include <memory>
+#include <utility>
 
 namespace bench
 {
 namespace
 {
 using Handle = COMPtr<IUnknown>::pointer;
+using Plain = PlainPointer<IUnknown>;
 
 /// Copies a handle, and releases the copy.
 template<class Pointer>
-Comparisons::Work copying(const Pointer& handle)
+void copyHandle(benchmark::State& state)
 {
-    return [handle](benchmark::State& state)
+    const Pointer handle(newCountedObject());
+    for (auto _ : state)
     {
-        for (auto _ : state)
-        {
-            const Pointer copy(handle);
-            benchmark::DoNotOptimize(copy.get());
-        }
-    };
+        const Pointer copy(handle);
+        benchmark::DoNotOptimize(copy.get());
+    }
 }
 
-/// What a handle does, written by hand.
+/// Assigns two handles in turn.
+template<class Pointer>
+void assignHandle(benchmark::State& state)
+{
+    const Pointer first(newCountedObject());
+    const Pointer second(newCountedObject());
+    Pointer target(first);
+    for (auto _ : state)
+    {
+        target = second;
+        benchmark::DoNotOptimize(target.get());
+        target = first;
+        benchmark::DoNotOptimize(target.get());
+    }
+}
+
+/// Hands a handle over to another one, and back.
+template<class Pointer>
+void moveHandle(benchmark::State& state)
+{
+    Pointer first(newCountedObject());
+    for (auto _ : state)
+    {
+        Pointer second(std::move(first));
+        benchmark::DoNotOptimize(second.get());
+        first = std::move(second);
+        benchmark::DoNotOptimize(first.get());
+    }
+}
+
+/// What a copy of a handle does, written by hand.
 void countByHand(benchmark::State& state)
 {
     IUnknown* const object = newCountedObject();
@@ -43,8 +73,10 @@ void countByHand(benchmark::State& state)
 
 void addHandles(Comparisons& comparisons)
 {
-    const Handle handle(newCountedObject());
-    comparisons.add("COM handle: copy, let go", copying(handle), "AddRef, Release", countByHand);
-    comparisons.add("COM handle: copy, let go", copying(handle), "std::shared_ptr", copying(newSharedObject()));
+    const char* const theirName = "a plain pointer class";
+    comparisons.add("COM handle: copy, let go", copyHandle<Handle>, "AddRef, Release", countByHand);
+    comparisons.add("COM handle: copy, let go", copyHandle<Handle>, theirName, copyHandle<Plain>);
+    comparisons.add("COM handle: assign twice", assignHandle<Handle>, theirName, assignHandle<Plain>);
+    comparisons.add("COM handle: move, move back", moveHandle<Handle>, theirName, moveHandle<Plain>);
 }
 }

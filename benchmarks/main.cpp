@@ -1,31 +1,41 @@
-/// Measures this library and the standard library in one run, and prints the ratios.
+/// Measures the foundation and the standard library in one run: a line for each pair, for ./bench.
+///
+///     sonavit-benchmark many|one|count [OPTION...]
+///
+/// many: while the process has a second thread, which sleeps, as every process of Windows has; one: those pairs that
+/// depend on it, in a process with one thread; count: all pairs with a second thread, for callgrind.
 ///
 /// Options are those of Google Benchmark: --benchmark_filter=text measures the pairs with "text" in their names,
 /// --benchmark_repetitions=51 measures more often.
-#include "hostdescription.h"
 #include "suites.h"
 
 #include <cstdio>
+#include <cstring>
 #include <future>
+#include <string>
 #include <thread>
 #include <vector>
 
 namespace
 {
-/// Puts our defaults before the command line, so that its options override them.
-std::vector<char*> withDefaults(int argc, char** argv)
+/// Puts our defaults for measuring times before the command line, so that its options override them.
+std::vector<char*> withDefaults(char** argv)
 {
-    static char repetitions[] = "--benchmark_repetitions=21";
-    static char time[] = "--benchmark_min_time=0.02";
+    static char repetitions[] = "--benchmark_repetitions=15";
+    static char time[] = "--benchmark_min_time=0.01";
     static char mixed[] = "--benchmark_enable_random_interleaving=true";
-    std::vector<char*> arguments = {argv[0], repetitions, time, mixed};
-    arguments.insert(arguments.end(), argv + 1, argv + argc);
+    std::vector<char*> arguments = {argv[0]};
+    if (std::strcmp(argv[1], "count") != 0)
+        arguments.insert(arguments.end(), {repetitions, time, mixed});
+    for (char** argument = argv + 2; *argument != nullptr; ++argument)
+        arguments.push_back(*argument);
     return arguments;
 }
 
-bool compareWithOneThread()
+bench::Comparisons allComparisons()
 {
-    bench::Comparisons comparisons("While the process has one thread");
+    bench::Comparisons comparisons;
+    bench::addTextMakings(comparisons);
     bench::addTextCopies(comparisons);
     bench::addTextComparisons(comparisons);
     bench::addNumberArrays(comparisons);
@@ -33,20 +43,28 @@ bool compareWithOneThread()
     bench::addTables(comparisons);
     bench::addHandles(comparisons);
     bench::addDisabledMessages(comparisons);
-    return comparisons.run();
+    return comparisons;
 }
 
-/// Reference counting, ours and that of the standard library, uses locked instructions once a second thread exists.
-bool compareWithTwoThreads()
+/// Those with strings that are copied: counting references takes locked instructions once a second thread exists. The
+/// library's and that of the C library, and its allocations.
+bench::Comparisons comparisonsOfThreads()
 {
-    std::promise<void> done;
-    std::thread second([&done] { done.get_future().wait(); });
-    bench::Comparisons comparisons("While the process has a second thread, which sleeps");
+    bench::Comparisons comparisons;
+    bench::addTextMakings(comparisons);
     bench::addTextCopies(comparisons);
     bench::addTextArrays(comparisons);
     bench::addTables(comparisons);
-    bench::addHandles(comparisons);
-    const bool good = comparisons.run();
+    return comparisons;
+}
+
+bool measure(const std::string& what)
+{
+    if (what == "one")
+        return comparisonsOfThreads().time();
+    std::promise<void> done;
+    std::thread second([&done] { done.get_future().wait(); });
+    const bool good = what == "many" ? allComparisons().time() : allComparisons().count();
     done.set_value();
     second.join();
     return good;
@@ -55,14 +73,16 @@ bool compareWithTwoThreads()
 
 int main(int argc, char** argv)
 {
-    std::vector<char*> arguments = withDefaults(argc, argv);
+    const std::string what = argc > 1 ? argv[1] : "";
+    if (what != "many" && what != "one" && what != "count")
+    {
+        std::fputs("usage: sonavit-benchmark many|one|count [OPTION...]\n", stderr);
+        return 2;
+    }
+    std::vector<char*> arguments = withDefaults(argv);
     int count = static_cast<int>(arguments.size());
     benchmark::Initialize(&count, arguments.data());
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data()))
         return 2;
-
-    std::puts(bench::hostAndBuild().c_str());
-    const bool one = compareWithOneThread();
-    const bool two = compareWithTwoThreads();
-    return one && two ? 0 : 1;
+    return measure(what) ? 0 : 1;
 }

@@ -61,6 +61,7 @@ std::shared_ptr<spdlog::logger> silentLogger()
     return logger;
 }
 
+/// The operands are evaluated behind the same question that the logger asks itself.
 void theirMessage(benchmark::State& state)
 {
     const std::shared_ptr<spdlog::logger> logger = silentLogger();
@@ -68,7 +69,8 @@ void theirMessage(benchmark::State& state)
     for (auto _ : state)
     {
         benchmark::DoNotOptimize(number);
-        SPDLOG_LOGGER_DEBUG(logger, "{} {}", operand(number), number);
+        if (logger->should_log(spdlog::level::debug))
+            SPDLOG_LOGGER_DEBUG(logger, "{} {}", operand(number), number);
     }
 }
 
@@ -90,7 +92,18 @@ void theirPlainMessage(benchmark::State& state)
     for (auto _ : state)
     {
         benchmark::DoNotOptimize(number);
-        SPDLOG_LOGGER_DEBUG(logger, "device {}", number);
+        if (logger->should_log(spdlog::level::debug))
+            SPDLOG_LOGGER_DEBUG(logger, "device {}", number);
+    }
+}
+
+void ourTrace(benchmark::State& state)
+{
+    unsigned int number = 1;
+    for (auto _ : state)
+    {
+        benchmark::DoNotOptimize(number);
+        SONAVIT_TRACE(benchmarklog, "ourTrace");
     }
 }
 }
@@ -99,7 +112,9 @@ void addDisabledMessages(Comparisons& comparisons)
 {
     comparisons.add("disabled message", ourMessage, "an empty loop", nothing);
     comparisons.add("disabled message", ourMessage, "a call and a compare", callAndCompare);
-    comparisons.add("disabled message", ourMessage, "spdlog", theirMessage);
-    comparisons.add("disabled message, plain operand", ourPlainMessage, "spdlog", theirPlainMessage);
+    comparisons.add("disabled message", ourMessage, "spdlog, should_log()", theirMessage);
+    comparisons.add("disabled message, plain operand", ourPlainMessage, "spdlog, should_log()", theirPlainMessage);
+    comparisons.add("disabled trace scope", ourTrace, "an empty loop", nothing);
+    comparisons.add("disabled trace scope", ourTrace, "spdlog, should_log()", theirPlainMessage);
 }
 }

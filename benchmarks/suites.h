@@ -5,6 +5,7 @@
 
 namespace bench
 {
+void addTextMakings(Comparisons& comparisons);
 void addTextCopies(Comparisons& comparisons);
 void addTextComparisons(Comparisons& comparisons);
 void addNumberArrays(Comparisons& comparisons);

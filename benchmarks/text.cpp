@@ -2,7 +2,9 @@
 #include "texts.h"
 
 #include <algorithm>
+#include <cstring>
 #include <string>
+#include <vector>
 
 namespace bench
 {
@@ -32,6 +34,24 @@ Comparisons::Work copying(const Text& text)
     };
 }
 
+/// Makes a string from zero-terminated units, and destroys it.
+template<class Text, class Unit>
+Comparisons::Work making(const std::u16string& text)
+{
+    std::vector<Unit> source(text.begin(), text.end());
+    source.push_back(0);
+    return [source](benchmark::State& state)
+    {
+        const Unit* begin = source.data();
+        for (auto _ : state)
+        {
+            benchmark::DoNotOptimize(begin);
+            const Text made(begin);
+            benchmark::DoNotOptimize(units(made));
+        }
+    };
+}
+
 /// Assigns two strings of the same length in turn.
 template<class Text>
 Comparisons::Work assigning(const Text& first, const Text& second)
@@ -53,6 +73,13 @@ template<class Text>
 bool areEqual(const Text& left, const Text& right)
 {
     return left == right;
+}
+
+/// Equal sizes are judged by the C library, which compares whole registers; the operator of std::u16string compares
+/// units.
+bool areEqualBytes(const std::u16string& left, const std::u16string& right)
+{
+    return left.size() == right.size() && std::memcmp(left.data(), right.data(), left.size() * sizeof(char16_t)) == 0;
 }
 
 int compareNoCase(const qor::String& left, const qor::String& right)
@@ -103,12 +130,26 @@ void addPair(Comparisons& comparisons, const std::string& difference, const std:
 {
     const qor::String ourLeft = ownText(left);
     const qor::String ourRight = ownText(right);
-    comparisons.add("text: ==, " + difference, comparing(areEqual<qor::String>, ourLeft, ourRight, equal),
-                    "std::u16string", comparing(areEqual<std::u16string>, left, right, equal));
+    const std::string operation = "text: ==, " + difference;
+    comparisons.add(operation, comparing(areEqual<qor::String>, ourLeft, ourRight, equal), "std::memcmp",
+                    comparing(areEqualBytes, left, right, equal));
+    comparisons.add(operation, comparing(areEqual<qor::String>, ourLeft, ourRight, equal), "std::u16string",
+                    comparing(areEqual<std::u16string>, left, right, equal));
     comparisons.add("text: without case, " + difference,
                     comparing<qor::String, int>(compareNoCase, ourLeft, ourRight, order), "loop over std::u16string",
                     comparing<std::u16string, int>(compareNoCase, left, right, order));
 }
+}
+
+void addTextMakings(Comparisons& comparisons)
+{
+    const auto add = [&](const std::string& text, const std::u16string& source)
+    {
+        comparisons.add("text: make from " + text, making<qor::String, unsigned short>(source), "std::u16string",
+                        making<std::u16string, char16_t>(source));
+    };
+    add("55 units", endpointId(1));
+    add("6 units", u"Line 1");
 }
 
 void addTextCopies(Comparisons& comparisons)

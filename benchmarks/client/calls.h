@@ -4,11 +4,12 @@
 
 namespace bench
 {
-/// Prints the rows of the table that are counted in calls. @return whether all are within their limits
-bool printCalls();
-/// Prints how calls grow with the machine. @return whether all grow linearly
-bool printGrowthOfCalls();
-/// Prints whether the client without the layer makes the same calls and reads the same values.
-/// @return whether it does
+/// Prints a line for each row of the table of calls on the machine "crowded": work and calls, with a tabulator between
+/// them.
+void printCalls();
+/// Prints how calls grow with the machine: three lines for each kind of machine.
+void printGrowthOfCalls();
+/// Prints how many calls the client without the layer makes, and a line for each difference between the two.
+/// @return whether it makes the same calls and reads the same values
 bool printComparison();
 }

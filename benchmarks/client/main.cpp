@@ -1,4 +1,4 @@
-/// What the client layer costs: benchmarks/clientcost prints the whole table.
+/// What the client layer costs: `./bench client` judges the numbers.
 ///
 ///     sonavit-clientcost calls                      the rows that are counted in calls of the platform
 ///     sonavit-clientcost growth                     how calls grow with the machine
@@ -27,10 +27,11 @@ public:
 int run(const std::string& what, const std::string& machine, const std::string& count)
 {
     const ComScope com;
-    if (what == "calls")
-        return bench::printCalls() ? 0 : 1;
-    if (what == "growth")
-        return bench::printGrowthOfCalls() ? 0 : 1;
+    if (what == "calls" || what == "growth")
+    {
+        what == "calls" ? bench::printCalls() : bench::printGrowthOfCalls();
+        return 0;
+    }
     if (what == "compare")
         return bench::printComparison() ? 0 : 1;
     if (bench::performStep(what, machine, std::stoul(count)))

@@ -51,7 +51,7 @@ bool contains(const char* text, const char* part)
     return std::strstr(text, part) != nullptr;
 }
 
-/// The same names as in ownshare.awk, but mangled.
+/// The same names as in driver/callgrind.py, but mangled.
 bool isOfMachine(const char* name)
 {
     constexpr std::array<const char*, 11> functions = {

@@ -1,4 +1,4 @@
-/// Performs one operation on a simulated machine, for an instrument: benchmarks/cost/own counts with it.
+/// Performs one operation on a simulated machine, for an instrument: `./bench cost` counts with it.
 ///
 ///     sonavit-cost SIDE WORK MACHINE [COUNT]
 ///
