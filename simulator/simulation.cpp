@@ -111,7 +111,15 @@ void Simulation::change(const std::function<void(Machine&)>& action)
     m_state->withHardware(
         [&](Hardware& hardware)
         {
-            action(hardware.machine());
+            try
+            {
+                action(hardware.machine());
+            }
+            catch (...)
+            {
+                hardware.reindex(); // for what the action changed before it threw
+                throw;
+            }
             hardware.reindex();
         });
 }

@@ -73,7 +73,9 @@ sim::Machine largeMachine(const std::string& name)
 {
     const std::size_t colon = name.find(':');
     const std::string kind = name.substr(0, colon);
-    const std::size_t count = colon == std::string::npos ? 0 : std::stoul(name.substr(colon + 1));
+    if (colon == std::string::npos)
+        throw std::invalid_argument("a machine needs a size, as in \"endpoints:100\": " + name);
+    const std::size_t count = std::stoul(name.substr(colon + 1));
     if (kind == "endpoints")
         return machineOfEndpoints(count);
     if (kind == "adapters")

@@ -21,7 +21,7 @@ namespace qor
 ///
 ///     static constexpr bool takes = true;
 ///     static bool isPossible(const T* elements, unsigned int count) noexcept; // else all elements are copied as usual
-///     static Taker of(T& element) noexcept; // from which T is built; may not throw, as a half taken array is lost
+///     static Taker of(T& element) noexcept; // from which T is built; must not throw: a half taken array is lost
 template<class T>
 struct GrowthCopy
 {
@@ -52,9 +52,8 @@ public:
     {
     };
 
-    /// Takes the block of @p other, whose elements stay where they are. Afterwards @p other has no block, size and
-    /// capacity 0, and may only be destroyed, cleared or assigned. There is no move constructor: a copy that is made
-    /// without such a word is a copy.
+    /// Takes the block of @p other, whose elements stay where they are. Afterwards @p other is empty, without a block:
+    /// its capacity is 0. There is no move constructor: a copy that is made without such a word is a copy.
     Array(Array& other, Taken) noexcept : m_block(other.m_block) { other.m_block = nullptr; }
 
     ~Array() noexcept(false) override { destroyBlock(); }
@@ -74,7 +73,7 @@ public:
     const T& operator[](unsigned int index) const { return *element(checked(index)); }
 
     /// The elements, for loops over all of them: end() - begin() is the size. Valid until the array grows or is
-    /// cleared, assigned or destroyed; both are null if there is no element to point to.
+    /// cleared, assigned or destroyed; both are null if there is no block.
     T* begin() noexcept { return m_block == nullptr ? nullptr : places(m_block); }
     const T* begin() const noexcept { return m_block == nullptr ? nullptr : places(m_block); }
     T* end() noexcept { return m_block == nullptr ? nullptr : places(m_block) + m_block->count; }
@@ -87,7 +86,9 @@ public:
 
     /// Appends an element that is built in its place from @p arguments, which may refer to elements of this array. A
     /// full array grows: the new element is built first in the new block, then the others are copied. If an exception
-    /// leaves the constructor or a copy, the array is unchanged.
+    /// leaves the constructor or a copy, the array is unchanged; one that leaves the destructor of an old element
+    /// leaves the array with the new element. Without memory the arguments are not used: an owner that is passed as a
+    /// plain pointer stays with the caller.
     /// @return the new element, valid until the array grows or is cleared, assigned or destroyed
     /// @exception NullPointer if the array must grow and there is no memory; it is unchanged then
     template<class... Arguments>
@@ -176,7 +177,7 @@ private:
     void destroyBlock();
 
     /// Null while operator= or clear() has destroyed the old block and has no new one yet, and stays null if that
-    /// operation fails. Null after destruction.
+    /// operation fails. Null after destruction, and in an array that another one has taken from.
     Block* m_block;
 };
 

@@ -22,6 +22,7 @@ public:
 
     /// @exception std::bad_alloc without memory for it, or what its copy throws
     template<class Callable, class = std::enable_if_t<std::is_invocable_v<std::decay_t<Callable>&, const LogRecord&> &&
+                                                      !std::is_member_pointer_v<std::decay_t<Callable>> &&
                                                       !std::is_same_v<std::decay_t<Callable>, LogSink>>>
     LogSink(Callable&& callable)
     {
@@ -33,6 +34,9 @@ public:
 
     /// Calls what this object holds, which must not be empty.
     void operator()(const LogRecord& record) const { m_target->call(record); }
+
+    friend bool operator==(const LogSink& sink, std::nullptr_t) noexcept { return !sink; }
+    friend bool operator!=(const LogSink& sink, std::nullptr_t) noexcept { return static_cast<bool>(sink); }
 
 private:
     class Target
@@ -54,20 +58,31 @@ private:
         {
         }
 
-        void call(const LogRecord& record) override { m_callable(record); }
+        void call(const LogRecord& record) override { static_cast<void>(m_callable(record)); }
 
     private:
         Callable m_callable;
     };
 
+    /// Whether a class says by a comparison with null that it may be empty, as std::function does. A lambda has such a
+    /// comparison only by way of a function pointer.
+    template<class Callable, class = void>
+    struct MayBeEmpty : std::false_type
+    {
+    };
+    template<class Callable>
+    struct MayBeEmpty<Callable, std::void_t<decltype(std::declval<const Callable&>() == nullptr)>>
+        : std::bool_constant<!std::is_convertible_v<const Callable&, void (*)(const LogRecord&)>>
+    {
+    };
+
     template<class Callable>
     static bool isCallable(const Callable& callable)
     {
-        // A function and a lambda are always callable; others know themselves.
-        if constexpr (std::is_function_v<Callable> || !std::is_constructible_v<bool, const Callable&>)
-            return true;
+        if constexpr (std::is_pointer_v<Callable> || MayBeEmpty<Callable>::value)
+            return !(callable == nullptr);
         else
-            return static_cast<bool>(callable);
+            return true;
     }
 
     std::shared_ptr<Target> m_target;

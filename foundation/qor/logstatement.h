@@ -1,4 +1,4 @@
-/// The statements of the log. One that writes nothing costs a load and a comparison.
+/// The statements of the log. One whose priority is below the process-wide minimum costs a load and a comparison.
 ///
 /// Each module of the library declares its channel in a namespace:
 ///
@@ -15,7 +15,8 @@
 
 namespace qor
 {
-/// Holds the logger of a channel; null until a message passes the process-wide minimum for the first time.
+/// Holds the logger of a channel; null until a message passes the process-wide minimum for the first time, and never
+/// set back.
 using LoggerSlot = std::atomic<Logger*>;
 
 /// The logger of a channel, made on first use; racing threads get the same object.

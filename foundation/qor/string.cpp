@@ -20,17 +20,18 @@ constexpr char32_t replacement = 0xFFFD;
 
 /// Whether whole words may be read around the end of a text. A word at an aligned address lies in one page, so the
 /// processor never refuses it; the sanitizers refuse it nevertheless.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool mayReadWords = false;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer) || __has_feature(memory_sanitizer)
-constexpr bool mayReadWords = false;
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_HWADDRESS__) || defined(__SANITIZE_THREAD__)
+#define QOR_READS_WORDS false
+#elif !defined(__has_feature)
+#define QOR_READS_WORDS true
+#elif __has_feature(address_sanitizer) || __has_feature(hwaddress_sanitizer) || __has_feature(thread_sanitizer) || \
+    __has_feature(memory_sanitizer)
+#define QOR_READS_WORDS false
 #else
-constexpr bool mayReadWords = true;
+#define QOR_READS_WORDS true
 #endif
-#else
-constexpr bool mayReadWords = true;
-#endif
+constexpr bool mayReadWords = QOR_READS_WORDS;
+#undef QOR_READS_WORDS
 
 std::size_t length(const unsigned short* text)
 {

@@ -82,7 +82,8 @@ public:
     /// do.
     static bool equalNoCase(const String& left, const String& right) noexcept
     {
-        return left.size() == right.size() && mayHaveSameEnd(left, right) && hasSameUnits(left, right);
+        return left.m_buffer == right.m_buffer ||
+               (left.size() == right.size() && mayHaveSameEnd(left, right) && hasSameUnits(left, right));
     }
 
     /// A hash number for tables whose keys are equal by compareNoCase(): equal keys have equal numbers. The number is

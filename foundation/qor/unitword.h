@@ -20,7 +20,7 @@ inline UnitWord wordAt(const unsigned short* units) noexcept
     return word;
 }
 
-/// Bit 15 of each unit that is 0, and of some units from 0x8000 on: without such a bit no unit is 0.
+/// Bit 15 of each unit that is 0, and of some others: without such a bit no unit is 0.
 inline UnitWord zeroCandidates(UnitWord word) noexcept
 {
     return (word - eachUnit) & (0x8000 * eachUnit);
@@ -52,8 +52,7 @@ inline unsigned int hashOfUnits(const unsigned short* units, std::size_t size, U
     for (; i + unitsOfWord <= size; i += unitsOfWord)
         state = mixed(state, wordAt(units + i) | ignored);
     UnitWord rest = 0;
-    for (; i < size; ++i)
-        rest = (rest << 16) | units[i];
+    std::memcpy(&rest, units + i, (size - i) * sizeof(*units));
     state = mixed(state, rest | ignored);
     return static_cast<unsigned int>((state * multiplier) >> 32); // the upper half, which every unit has reached
 }

@@ -156,7 +156,7 @@ std::vector<Endpoint*> Hardware::endpointsOfDevice(const std::string& endpointId
 
 const std::vector<Endpoint*>& Hardware::endpointsInHardware(const std::string& partId) const
 {
-    static const std::vector<Endpoint*> none;
+    static const std::vector<Endpoint*>& none = *new std::vector<Endpoint*>; // objects may outlive static ones
     const auto found = m_endpointsInHardware.find(partId);
     return found == m_endpointsInHardware.end() ? none : found->second;
 }
@@ -228,7 +228,7 @@ const Peer* Hardware::peer(const std::string& connectorId) const
 
 const std::vector<const Endpoint*>& Hardware::endpointsAt(const std::string& connectorId) const
 {
-    static const std::vector<const Endpoint*> none;
+    static const std::vector<const Endpoint*>& none = *new std::vector<const Endpoint*>; // as above
     const auto found = m_endpointsAt.find(connectorId);
     return found == m_endpointsAt.end() ? none : found->second;
 }

@@ -27,7 +27,9 @@ public:
     Hardware(const Hardware&) = delete; // the indexes refer to the machine
     Hardware& operator=(const Hardware&) = delete;
 
-    /// The machine. After adding or removing list elements, or changing an id, a join or a path, call reindex().
+    /// The machine. After adding or removing list elements, or changing an id, a join, a path, a flow, a default or
+    /// which part is an endpoint's volume in hardware, call reindex() before anything else: the indexes refer to the
+    /// machine's texts.
     Machine& machine();
     const Machine& machine() const;
     void reindex();
@@ -47,14 +49,16 @@ public:
     /// The id of the default endpoint, see Machine::defaultEndpoint(); no value if there is none, as while the audio
     /// service is stopped.
     Text defaultEndpoint(EDataFlow flow, ERole role) const;
-    /// The named default of its flow in @p role, in place of any other; removes any.
+    /// Makes @p endpoint the only named default of its flow in @p role.
     void nameDefault(Endpoint& endpoint, ERole role);
+    /// Removes the named default.
     void removeDefault(EDataFlow flow, ERole role);
     /// The endpoints of the same device, those with exactly its instance path, in the machine's order; the endpoint
     /// alone if it has no path. Empty if there is no such endpoint.
     std::vector<Endpoint*> endpointsOfDevice(const std::string& endpointId);
 
-    /// The endpoints whose volume or mute the part @p partId implements, in the machine's order.
+    /// The endpoints whose volume or mute the part @p partId implements, in the machine's order. Valid until the next
+    /// reindex().
     const std::vector<Endpoint*>& endpointsInHardware(const std::string& partId) const;
 
     /// The endpoint becomes not present, or takes the state again that it had before; active if it had none.
@@ -100,7 +104,7 @@ private:
         bool operator()(std::string_view left, std::string_view right) const;
     };
 
-    /// Texts of the machine are the keys: an index costs no copies.
+    /// Texts of the machine, or of m_peers, are the keys: an index costs no copies.
     template<class Value>
     using Index = std::unordered_map<std::string_view, Value>;
     template<class Value>

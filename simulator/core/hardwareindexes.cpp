@@ -50,8 +50,8 @@ void Hardware::clearIndexes()
     m_devicesNoCase.clear();
     m_deviceInstances.clear();
     m_parts.clear();
-    m_peers.clear();
     m_endpointsAt.clear();
+    m_peers.clear();
     m_endpointsInHardware.clear();
     m_namedDefaults.clear();
     m_pathsFrom.clear();

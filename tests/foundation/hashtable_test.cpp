@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <new>
 #include <set>
 #include <string>
@@ -53,6 +54,21 @@ namespace
 String numbered(unsigned int number)
 {
     return "key " + qor::QORValue(number).toString(qor::QORValue::nilValue);
+}
+
+// Tables are written in the order of these numbers.
+TEST(HashFuncOfString, GivesTheSameNumbersAsEver)
+{
+    const std::uint16_t firstByte = 1;
+    if (*reinterpret_cast<const unsigned char*>(&firstByte) != 1)
+        GTEST_SKIP() << "other numbers on a machine of the other byte order";
+
+    EXPECT_EQ(0u, qor::HashFunc<qor::String>::hash(""));
+    EXPECT_EQ(668021783u, qor::HashFunc<qor::String>::hash("a"));
+    EXPECT_EQ(1718878549u, qor::HashFunc<qor::String>::hash("ab"));
+    EXPECT_EQ(2234754833u, qor::HashFunc<qor::String>::hash("abc"));
+    EXPECT_EQ(574275523u, qor::HashFunc<qor::String>::hash("abcd"));
+    EXPECT_EQ(4259088855u, qor::HashFunc<qor::String>::hash("abcdef"));
 }
 
 TEST(HashTableLookup, FindsTheStoredValueOfAKey)

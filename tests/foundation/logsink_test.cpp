@@ -34,6 +34,34 @@ TEST(LogSinkValue, IsEmptyByDefaultAndFromNothing)
     EXPECT_FALSE(Sink(std::function<void(const LogRecord&)>()));
 }
 
+TEST(LogSinkValue, ComparesWithNull)
+{
+    EXPECT_TRUE(Sink() == nullptr);
+    EXPECT_FALSE(Sink() != nullptr);
+    EXPECT_TRUE(Sink(countCall) != nullptr);
+}
+
+/// A function object that is false, like a file that is not open, and returns what nobody needs.
+struct ClosedFile
+{
+    explicit operator bool() const { return false; }
+    operator int() const { return 0; }
+    [[nodiscard]] int operator()(const LogRecord&) const { return ++*calls; }
+
+    int* calls;
+};
+
+TEST(LogSinkValue, CallsAFunctionObjectThatConvertsToFalse)
+{
+    int calls = 0;
+    const Sink sink(ClosedFile{&calls});
+
+    ASSERT_TRUE(sink);
+    sink(anyRecord());
+
+    EXPECT_EQ(1, calls);
+}
+
 TEST(LogSinkValue, CallsAFunction)
 {
     callsOfFunction = 0;

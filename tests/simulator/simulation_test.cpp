@@ -104,6 +104,23 @@ TEST_F(SimulationObjects, AreNullWhereTheMachineHasThemNot)
     EXPECT_EQ(nullptr, simulation.inputSelector(volumeId));
 }
 
+TEST_F(SimulationObjects, ShowTheMachineAsAnActionThatThrowsHasLeftIt)
+{
+    const std::string renamed(300, 'x');
+
+    EXPECT_THROW(simulation.change(
+                     [&](sim::Machine& machine)
+                     {
+                         machine.endpoint(speakerId)->id = renamed;
+                         throw std::runtime_error("halfway");
+                     }),
+                 std::runtime_error);
+
+    EXPECT_EQ(nullptr, simulation.device(speakerId));
+    const Held<IMMDevice> device(simulation.device(renamed));
+    EXPECT_NE(nullptr, device.get());
+}
+
 TEST_F(SimulationObjects, ShowTheMachineAsItIsChanged)
 {
     simulation.change([&](sim::Machine& machine) { machine.endpoint(speakerId)->state = sim::stateDisabled; });

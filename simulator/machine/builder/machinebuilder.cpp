@@ -175,7 +175,10 @@ template<class AnyPart>
 std::string CardBuilder::append(std::vector<AnyPart>& list, AnyPart part)
 {
     list.push_back(std::move(part));
-    m_owner->m_parts.insert({list.back().id, {m_owner->m_cards[m_index].adapter, list.size() - 1}});
+    const MachineBuilder::PartPosition position = {m_owner->m_cards[m_index].adapter, list.size() - 1};
+    const auto [entry, isNew] = m_owner->m_parts.insert({list.back().id, position});
+    if (!isNew && position.adapter < entry->second.adapter)
+        entry->second = position; // two cards of one device instance: the first one in the machine counts
     return list.back().id;
 }
 

@@ -186,7 +186,7 @@ private:
 
     /// As Machine::part(). A part that a card has added is found at once.
     ChangeablePartPlace part(const std::string& id);
-    /// The part at that position if it has still that id, otherwise an empty place.
+    /// The part at that position if it still has that id, otherwise an empty place.
     ChangeablePartPlace partAt(const PartPosition& position, const std::string& id);
 
     Machine m_machine;

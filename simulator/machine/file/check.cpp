@@ -19,6 +19,7 @@ namespace
 constexpr std::uint32_t allHardwareSupport = 1 | 2 | 4;
 constexpr std::uint32_t longestPeriod = 50000000; // 5 s in units of 100 ns: the platform refuses longer ones
 
+/// Multiplies by 2^64 over the golden ratio, so that keys of one format, which differ in their numbers, spread.
 struct KeyHash
 {
     std::size_t operator()(const PROPERTYKEY& key) const

@@ -78,6 +78,7 @@ public:
 private:
     using Kind = JsonValue::Kind;
 
+    /// One test for each character: only a blank or less can be space.
     void skipSpace()
     {
         const char* next = m_next;
@@ -167,7 +168,7 @@ private:
         if (!skip('"'))
             return false;
         const char* const end = std::find_if_not(m_next, m_end, isPlain);
-        text = std::string(m_next, end);
+        text = std::string(m_next, end); // most texts are plain, and this allocates no more than they need
         m_next = end;
         while (m_next != m_end && *m_next != '"')
         {

@@ -225,6 +225,26 @@ TEST_F(AudioPartAssignment, OfAPartInAListOfItsOwnListIsSafe)
     EXPECT_EQ(1, references(stream));
 }
 
+TEST_F(AudioPartAssignment, OfThePartWhoseListHoldsItIsSafe)
+{
+    kept.partsLists = 1;
+    start();
+    AudioPart part(this->part(volume));
+    qor::Array<AudioPart> list;
+    part.incomingPartsList(list);
+    list.clear();
+    AudioPart& inner = part.m_incomingParts[0];
+
+    inner = part;
+
+    EXPECT_EQ(volume, inner.globalId().toUtf8());
+    ASSERT_EQ(1u, inner.m_incomingParts.size());
+    EXPECT_EQ(stream, inner.m_incomingParts[0].globalId().toUtf8());
+    EXPECT_EQ(8u, inner.m_incomingParts[0].m_incomingParts.capacity());
+    EXPECT_EQ(2, references(volume));
+    EXPECT_EQ(1, references(stream));
+}
+
 TEST_F(AudioPartAssignment, LeavesTheOtherPartsListsAlone)
 {
     kept.partsLists = 1;

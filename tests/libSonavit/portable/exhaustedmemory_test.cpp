@@ -6,6 +6,7 @@
 #include "libSonavit/soundcardupdater.h"
 #include "libSonavit/sysinfohelper.h"
 #include "qor/exception.h"
+#include "simulator/machine/nodetypes.h"
 #include "tests/foundation/supportallocations.h"
 #include "tests/libSonavit/endpointdeviceenumerator/supportcountedclient.h"
 #include "tests/libSonavit/endpointdeviceenumerator/supportendpoints.h"
@@ -242,4 +243,36 @@ TEST_F(ExhaustedMemory, PassesOutOfEnumerateSoundCardsAndLeavesNoCardBehind)
     EXPECT_EQ("Asked for array of size: 9", failingAtTheLastAllocation(enumerate));
 
     EXPECT_EQ(8u, cards.size());
+}
+
+TEST_F(ExhaustedMemory, LeavesNoReferenceOnAConnectorForWhichAListOfMoreThanThousandCannotGrow)
+{
+    sim::MachineBuilder builder;
+    sim::CardBuilder card = builder.card("Mixer", "mixer");
+    for (int i = 0; i < 1030; ++i)
+        card.connector("In", sim::nodetypes::stream, In);
+    run(builder.build());
+    simulation().journal().record(false);
+    qor::LogFactory::setPriority(LoggerPriority::LOG_FATAL);
+    const COMPtr<IDeviceTopology>::pointer topology = simulation().topology(card.adapter().id);
+    const sim::Census before = simulation().census();
+    unsigned int grown = 0;
+    // Four blocks for the two lists, one for 1,024 connectors, two for each of these and for the next one.
+    for (unsigned int room = 5 + 2 * 1024; room < 5 + 2 * 1026; ++room)
+    {
+        AllocationProbe probe;
+        probe.failNothrow(room);
+        try
+        {
+            const AudioDeviceTopology read(topology);
+        }
+        catch (const qor::NullPointer& exception)
+        {
+            probe.succeed();
+            grown += exception.message() == "Asked for array of size: 1025" ? 1 : 0;
+        }
+        probe.succeed();
+        EXPECT_EQ(before, simulation().census()) << room;
+    }
+    EXPECT_GT(grown, 0u);
 }

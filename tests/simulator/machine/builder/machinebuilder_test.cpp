@@ -339,4 +339,16 @@ TEST_F(MachineBuilderCard, OfAnInstanceThatHasOneAlreadyConnectsThePartsOfTheFir
     EXPECT_EQ(2u, first.adapter().topology->connectors.front().incoming.size());
     EXPECT_TRUE(second.adapter().topology->connectors.front().incoming.empty());
 }
+
+TEST_F(MachineBuilderCard, OfAnInstanceThatHasOneAlreadyConnectsThePartsOfTheFirstThatComesLater)
+{
+    sim::CardBuilder first = bench.card("First", "USB\\A");
+    sim::CardBuilder second = bench.card("Second", "USB\\A");
+    second.speaker();
+
+    first.speaker();
+
+    EXPECT_EQ(1u, first.adapter().topology->connectors.front().incoming.size());
+    EXPECT_EQ(1u, second.adapter().topology->connectors.front().incoming.size());
+}
 }

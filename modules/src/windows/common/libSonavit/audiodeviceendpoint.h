@@ -20,13 +20,10 @@ enum class StoreAccess
     writeElseRead ///< with STGM_READWRITE; after E_ACCESSDENIED, and no other failure, once more with STGM_READ
 };
 
-namespace partsnapshot
+namespace libSonavit
 {
-struct DroppedTexts;
+class DeviceView;
 }
-
-template<class Texts>
-class PassingTopology;
 
 /// One Core Audio device: an endpoint or an adapter device.
 ///
@@ -76,7 +73,7 @@ public:
     class LastUse;
     class InPassing;
 
-    /// A copy of a device that is destroyed next; see LastUse.
+    /// A copy of a device that nobody uses afterwards; see LastUse.
     explicit AudioDevice(const LastUse& source);
 
     /// Adopts the caller's reference on @p device, reads id, topology and properties and creates the volume controller,
@@ -176,7 +173,7 @@ public:
     ~AudioDevice() noexcept(false) override;
 
 private:
-    friend class DeviceView;
+    friend class libSonavit::DeviceView;
 
     template<class T>
     typename COMPtr<T>::pointer activateDeviceInterface();
@@ -190,16 +187,17 @@ private:
     template<class DataType>
     bool getPropVariantValue(const PROPVARIANT& variant, DataType& value);
 
-    AudioDevice(const qor::String& deviceId, PassingTopology<partsnapshot::DroppedTexts>& topology);
+    // Where a parameter `passing` is not null, the device is opened in passing: its topology goes there.
+    AudioDevice(const qor::String& deviceId, InPassing& passing);
 
-    bool initialize(const qor::String& deviceId, PassingTopology<partsnapshot::DroppedTexts>* passing);
-    bool initialize(IMMDevice* device, PassingTopology<partsnapshot::DroppedTexts>* passing);
+    bool initialize(const qor::String& deviceId, InPassing* passing);
+    bool initialize(IMMDevice* device, InPassing* passing);
     void initializeAdopted();
-    bool readDevice(PassingTopology<partsnapshot::DroppedTexts>* passing);
-    bool readInformation(const PassingTopology<partsnapshot::DroppedTexts>* passing);
+    bool readDevice(InPassing* passing);
+    bool readInformation(const InPassing* passing);
     void readDirectSoundGuid();
-    void readJackType(const PassingTopology<partsnapshot::DroppedTexts>* passing);
-    IConnector* firstConnector(const PassingTopology<partsnapshot::DroppedTexts>* passing) const;
+    void readJackType(const InPassing* passing);
+    IConnector* firstConnector(const InPassing* passing) const;
     COMPtr<IAudioEndpointVolume>::pointer volumeController();
     bool createVolumeControl();
     void printReferenceCount();
@@ -221,20 +219,23 @@ private:
     Properties m_savedProperties; // as of the latest successful initialize(); has the format to restore
 };
 
-/// A device that is destroyed right after it is copied, as each element of an array that grows. The copy takes the
-/// device's topology, with all lists in it, instead of copying it; all else, and all that is traced, is as in a copy. A
+/// A device that nobody uses after it is copied, such as an element of an array that grows. The copy takes the device's
+/// topology, with all lists in it, instead of copying it; all else, and all that is traced, is as in a copy. A
 /// device that restores its format at its end needs the topology for that: then the copy copies it.
 class SONAVIT_API AudioDevice::LastUse
 {
 public:
-    explicit LastUse(AudioDevice& device) noexcept : m_device(device) {}
-
     AudioDevice& device() const noexcept { return m_device; }
 
     /// Whether copies of all the devices take their topologies, which allocates nothing and throws nothing.
     static bool takesTopologies(const AudioDevice* devices, unsigned int count) noexcept;
 
 private:
+    friend class libSonavit::DeviceView;
+    friend struct qor::GrowthCopy<AudioDevice>;
+
+    explicit LastUse(AudioDevice& device) noexcept : m_device(device) {}
+
     AudioDevice& m_device;
 };
 

@@ -1,24 +1,14 @@
 #include "libSonavit/audiodevicetopology.h"
 
 #include "libSonavit/audiodevicetopology/topologyreading.h"
+#include "libSonavit/audiodevicetopology/topologyview.h"
 #include "libSonavit/audiopart/partview.h"
 
 #include <utility>
 
-namespace
-{
-/// Whether a signal path runs from one connector to the other. Its list is released; what comes along with a failure is
-/// ignored.
-bool hasSignalPath(IDeviceTopology& topology, IPart* from, IPart* to)
-{
-    IPartsList* path = nullptr;
-    if (FAILED(topology.GetSignalPath(from, to, TRUE, &path)))
-        return false;
-    if (path != nullptr)
-        path->Release();
-    return true;
-}
-}
+using libSonavit::PartView;
+using libSonavit::TopologyView;
+namespace topologyreading = libSonavit::topologyreading;
 
 AudioDeviceTopology::AudioDeviceTopology() = default;
 
@@ -44,7 +34,7 @@ AudioDeviceTopology::AudioDeviceTopology(const COMPtr<IConnector>::pointer& conn
 AudioDeviceTopology::AudioDeviceTopology(const AudioComponent<IConnector>& connector)
 {
     SONAVIT_TRACE(topologylog, "AudioDeviceTopology::AudioDeviceTopology(IConnector* connector)");
-    topologyreading::initializeHelper(snapshot(), PartView::component(connector));
+    topologyreading::initializeHelper(TopologyView::fields(*this), PartView::component(connector));
 }
 
 /// Takes what @p other holds: no reference is added or released, and nothing is copied. @p other is destroyed next.
@@ -69,17 +59,17 @@ AudioDeviceTopology& AudioDeviceTopology::operator=(const COMPtr<IDeviceTopology
 
 bool AudioDeviceTopology::initialize(const COMPtr<IDeviceTopology>::pointer& topology)
 {
-    return topologyreading::initialize(snapshot(), topology);
+    return topologyreading::initialize(TopologyView::fields(*this), topology);
 }
 
 bool AudioDeviceTopology::initialize(const COMPtr<IConnector>::pointer& connector)
 {
-    return topologyreading::initializeHelper(snapshot(), connector.get());
+    return initializeHelper<IConnector>(connector);
 }
 
 bool AudioDeviceTopology::initialize(const COMPtr<ISubunit>::pointer& subunit)
 {
-    return topologyreading::initializeHelper(snapshot(), subunit.get());
+    return initializeHelper<ISubunit>(subunit);
 }
 
 bool AudioDeviceTopology::isInitialized() const
@@ -119,31 +109,8 @@ bool AudioDeviceTopology::connectorsAreLinked(const AudioComponent<IConnector>& 
     return topologyreading::haveSignalPath(m_topology.get(), from, to);
 }
 
-/// The fields, for the reading that this class shares with PassingTopology.
-topologyreading::Snapshot<AudioComponent<IConnector>, AudioComponent<ISubunit>> AudioDeviceTopology::snapshot() noexcept
+template<class Interface>
+bool AudioDeviceTopology::initializeHelper(const typename COMPtr<Interface>::pointer& obj)
 {
-    return {m_topology, m_deviceOwner, m_connectors, m_subunits};
-}
-
-bool topologyreading::haveSignalPath(IDeviceTopology* topology, const AudioComponent<IConnector>& from,
-                                     const AudioComponent<IConnector>& to)
-{
-    IPart* const fromPart = PartView::platformPart(PartView::part(from));
-    IPart* const toPart = fromPart == nullptr ? nullptr : PartView::platformPart(PartView::part(to));
-    if (toPart == nullptr)
-    {
-        SONAVIT_LOG(topologylog, LOG_WARNING, out.append("One of the connectors is invalid"));
-        return false;
-    }
-    if (topology == nullptr)
-        return false; // without a message: an initialize() that failed has logged it, an object by default has no
-                      // topology
-
-    if (hasSignalPath(*topology, fromPart, toPart))
-        return true;
-    SONAVIT_LOG(topologylog, LOG_WARNING, out.append("No signal path from ").append(from.id()).append(" to ").append(to.id()));
-    if (hasSignalPath(*topology, toPart, fromPart))
-        return true;
-    SONAVIT_LOG(topologylog, LOG_WARNING, out.append("No signal path from ").append(to.id()).append(" to ").append(from.id()));
-    return false;
+    return topologyreading::initializeHelper(TopologyView::fields(*this), obj.get());
 }

@@ -7,10 +7,9 @@
 #include "qor/array.h"
 #include "qor/string.h"
 
-namespace topologyreading
+namespace libSonavit
 {
-template<class Connector, class Subunit>
-struct Snapshot;
+class TopologyView;
 }
 
 /// Snapshot of one device's hardware graph: its connectors, its subunits and the id of the device.
@@ -81,14 +80,15 @@ public:
     bool connectorsAreLinked(const AudioComponent<IConnector>& from, const AudioComponent<IConnector>& to) const;
 
 private:
-    friend class TopologyView;
+    friend class libSonavit::TopologyView;
+
+    template<class Interface>
+    bool initializeHelper(const typename COMPtr<Interface>::pointer& obj);
 
     struct Taken
     {
     };
     AudioDeviceTopology(AudioDeviceTopology& other, Taken) noexcept;
-
-    topologyreading::Snapshot<AudioComponent<IConnector>, AudioComponent<ISubunit>> snapshot() noexcept;
 
     COMPtr<IDeviceTopology>::pointer m_topology;
     qor::String m_deviceOwner;

@@ -8,13 +8,10 @@
 
 #include <type_traits>
 
-namespace partsnapshot
+namespace libSonavit
 {
-struct KeptTexts;
+class PartView;
 }
-
-template<class I, class Texts>
-class PassingComponent;
 
 /// One part of a device's hardware graph: a connector on its outside or a subunit inside.
 ///
@@ -86,15 +83,12 @@ public:
     COMPtr<IDeviceTopology>::pointer topology() const;
 
 private:
-    friend class PartView;
-    template<class I>
-    friend class AudioComponent;
-
+    friend class libSonavit::PartView;
     AudioPart(const COMPtr<IPart>::pointer& part, const GUID& subType, const qor::String& globalId,
               const qor::String& name);
 
     void initialize();
-    static unsigned int storePartsList(IPartsList* list, qor::Array<AudioPart>& parts);
+    unsigned int storePartsList(IPartsList* list, qor::Array<AudioPart>& parts);
     static void storeInNewList(IPartsList* list, qor::Array<AudioPart>& parts);
     static void appendParts(IPartsList& list, qor::Array<AudioPart>& parts);
     static bool enumerateIncomingParts(IPart& part, IPartsList*& list);
@@ -129,10 +123,6 @@ public:
     /// Adds a reference on @p component, which may be nil, and one on its IPart.
     AudioComponent(const typename COMPtr<I>::pointer& component);
 
-    /// For the library's own lists: a copy of what was read in passing. Calls no platform
-    /// function but AddRef, and traces nothing.
-    explicit AudioComponent(const PassingComponent<I, partsnapshot::KeptTexts>& source);
-
     /// Asks @p part for the component by QueryInterface; adds a reference on each interface. Empty, without a message,
     /// if @p part is nil or a component of the other kind.
     AudioComponent(const COMPtr<IPart>::pointer& part);
@@ -165,7 +155,9 @@ public:
     qor::String deviceOwner() const;
 
 private:
-    friend class PartView;
+    friend class libSonavit::PartView;
+
+    AudioComponent(const typename COMPtr<I>::pointer& component, const AudioPart& part);
 
     typename COMPtr<I>::pointer m_component;
     AudioPart m_part;

@@ -29,10 +29,7 @@ public:
     struct ConnectorNode
     {
         /// A node without links.
-        explicit ConnectorNode(const AudioComponent<IConnector>& nodeConnector) : connector(nodeConnector) {}
-        explicit ConnectorNode(const PassingComponent<IConnector, partsnapshot::KeptTexts>& source) : connector(source)
-        {
-        }
+        ConnectorNode(const AudioComponent<IConnector>& nodeConnector) : connector(nodeConnector) {}
         ConnectorNode(const AudioComponent<IConnector>& nodeConnector, const qor::Array<unsigned int>& nodeLinks)
             : connector(nodeConnector),
               links(nodeLinks)
@@ -129,6 +126,7 @@ public:
     /// @exception qor::IndexOutOfBounds if the walk leaves the card's graph: for an endpoint that arrived by hot plug
     /// or belongs to another card, and after a connector whose far device could not be opened. @p result then contains
     /// what the walk found before.
+    /// @exception qor::NullPointer or std::bad_alloc if memory runs out
     unsigned int volumeController(const AudioDevice& endpoint, qor::Array<VolumeController>& result) const;
 
     /// Required behaviour: finds nothing and leaves @p result unchanged. @return 0
@@ -153,7 +151,7 @@ public:
 private:
     static void enumerateSystemSoundDevices(const AudioDevice& audioDevice, EDataFlow dataFlow,
                                             qor::OrderedHashTable<qor::String, SoundCard>& deviceTable);
-    static qor::Array<SoundCard> withTheirMaps(qor::Array<SoundCard>& cards);
+    static void appendWithTheirMaps(qor::Array<SoundCard>& cards, qor::Array<SoundCard>& result);
 
     bool isDeviceAlreadyInTheCard(const qor::String& id);
     bool addDevice(qor::Array<AudioDevice>& deviceTable, const AudioDevice& device);
@@ -185,7 +183,6 @@ private:
                                        qor::Array<VolumeController>& result) const;
     bool volumeControllerFromList(const qor::Array<AudioPart>& parts, const AudioComponent<IConnector>& connector,
                                   qor::Array<VolumeController>& result) const;
-    bool lacksPart(const qor::Array<AudioPart>& parts, const GUID& partType) const;
     bool partFromList(const qor::Array<AudioPart>& parts, const GUID& partType, qor::Array<AudioPart>& result) const;
 
     COMPtr<SoundCardDeviceUpdater>::pointer m_updater;

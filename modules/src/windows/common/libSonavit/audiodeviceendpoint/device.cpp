@@ -3,8 +3,8 @@
 #include "COM/interfacequery.h"
 #include "COM/resultcode.h"
 #include "COM/tasktext.h"
+#include "libSonavit/audiodeviceendpoint/inpassing.h"
 #include "libSonavit/audiodeviceendpoint/log.h"
-#include "libSonavit/audiodevicetopology/passingtopology.h"
 #include "libSonavit/audiodevicetopology/topologyview.h"
 #include "libSonavit/endpointdeviceenumerator.h"
 
@@ -23,11 +23,10 @@ AudioDevice::AudioDevice(const qor::String& deviceId)
     initialize(deviceId);
 }
 
-/// As above, for AudioDevice::InPassing: the topology is read into @p topology.
-AudioDevice::AudioDevice(const qor::String& deviceId, PassingTopology<partsnapshot::DroppedTexts>& topology)
+AudioDevice::AudioDevice(const qor::String& deviceId, InPassing& passing)
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::AudioDevice(qor::String const& deviceId)");
-    initialize(deviceId, &topology);
+    initialize(deviceId, &passing);
 }
 
 AudioDevice::AudioDevice(const LastUse& source)
@@ -35,8 +34,9 @@ AudioDevice::AudioDevice(const LastUse& source)
       m_device(source.device().m_device),
       m_propertyStore(source.device().m_propertyStore),
       m_volumeControl(source.device().m_volumeControl),
-      m_topology(LastUse::takesTopologies(&source.device(), 1) ? TopologyView::take(source.device().m_topology)
-                                                               : AudioDeviceTopology(source.device().m_topology)),
+      m_topology(LastUse::takesTopologies(&source.device(), 1)
+                     ? libSonavit::TopologyView::take(source.device().m_topology)
+                     : AudioDeviceTopology(source.device().m_topology)),
       m_properties(source.device().m_properties),
       m_savedProperties(source.device().m_savedProperties)
 {
@@ -65,8 +65,7 @@ bool AudioDevice::initialize(const qor::String& deviceId)
     return initialize(deviceId, nullptr);
 }
 
-/// @param passing as for readDevice()
-bool AudioDevice::initialize(IMMDevice* device, PassingTopology<partsnapshot::DroppedTexts>* passing)
+bool AudioDevice::initialize(IMMDevice* device, InPassing* passing)
 {
     COMPtr<IMMDevice>::pointer owned(device); // before the trace record, which allocates and may throw
     SONAVIT_TRACE(endpointlog, "AudioDevice::initialize(IMMDevice* device)");
@@ -75,8 +74,7 @@ bool AudioDevice::initialize(IMMDevice* device, PassingTopology<partsnapshot::Dr
     return readDevice(passing);
 }
 
-/// @param passing as for readDevice()
-bool AudioDevice::initialize(const qor::String& deviceId, PassingTopology<partsnapshot::DroppedTexts>* passing)
+bool AudioDevice::initialize(const qor::String& deviceId, InPassing* passing)
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::initialize(qor::String const& deviceId)");
     const OwnedPointer<libSonavit::AudioDeviceEnumerator>& shared =
@@ -110,9 +108,8 @@ void AudioDevice::initializeAdopted()
 ///
 /// The topology precedes the properties, so a message about a failing activation shows the names that an earlier
 /// initialize() read, or empty ones.
-/// @param passing where the topology of a device that is given up is read, instead of m_topology; null otherwise
 /// @return as initialize(IMMDevice*)
-bool AudioDevice::readDevice(PassingTopology<partsnapshot::DroppedTexts>* passing)
+bool AudioDevice::readDevice(InPassing* passing)
 {
     if (m_device.get() == nullptr)
         return false;
@@ -124,7 +121,7 @@ bool AudioDevice::readDevice(PassingTopology<partsnapshot::DroppedTexts>* passin
     printReferenceCount();
 
     if (passing != nullptr)
-        passing->read(activateDeviceInterface<IDeviceTopology>());
+        passing->topology().read(activateDeviceInterface<IDeviceTopology>());
     else if (!m_topology.isInitialized())
         m_topology = activateDeviceInterface<IDeviceTopology>();
     const bool refreshed = passing != nullptr ? readInformation(passing) : refreshDeviceInformation();

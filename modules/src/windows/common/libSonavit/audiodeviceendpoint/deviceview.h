@@ -4,6 +4,8 @@
 #include "libSonavit/audiodeviceendpoint.h"
 #include "libSonavit/audiodeviceendpoint/log.h"
 
+namespace libSonavit
+{
 /// What the library itself reads of devices.
 class DeviceView
 {
@@ -14,4 +16,8 @@ public:
         SONAVIT_TRACE(endpointlog, "AudioDevice::deviceTopology(AudioDeviceTopology& topo)");
         return device.m_topology;
     }
+
+    /// @p device, for a copy after which nobody uses it.
+    static AudioDevice::LastUse lastUse(AudioDevice& device) noexcept { return AudioDevice::LastUse(device); }
 };
+}

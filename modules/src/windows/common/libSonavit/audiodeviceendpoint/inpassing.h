@@ -4,17 +4,21 @@
 #include "libSonavit/audiodeviceendpoint.h"
 #include "libSonavit/audiodevicetopology/passingtopology.h"
 
-/// A device that an operation opens by its id and gives up: nothing of it is read but what the platform and the log
-/// see. It makes the calls of an AudioDevice in the same order and leaves the same records; its topology is a
-/// PassingTopology, which ends after the device.
+/// A device that an operation opens by its id and does not use: only the platform and the log see that it was opened.
+///
+/// It makes the calls of an AudioDevice in the same order and leaves the same records. Its topology is a
+/// PassingTopology, which is released after the device's volume, and not before it.
 class AudioDevice::InPassing
 {
 public:
-    explicit InPassing(const qor::String& deviceId) : m_device(deviceId, m_topology) {}
+    explicit InPassing(const qor::String& deviceId) : m_device(deviceId, *this) {}
     InPassing(const InPassing&) = delete;
     InPassing& operator=(const InPassing&) = delete;
 
+    libSonavit::PassingTopology<libSonavit::DroppedTexts>& topology() noexcept { return m_topology; }
+    const libSonavit::PassingTopology<libSonavit::DroppedTexts>& topology() const noexcept { return m_topology; }
+
 private:
-    PassingTopology<partsnapshot::DroppedTexts> m_topology;
+    libSonavit::PassingTopology<libSonavit::DroppedTexts> m_topology; // complete before the device reads it
     AudioDevice m_device;
 };

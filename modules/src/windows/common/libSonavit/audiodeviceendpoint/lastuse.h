@@ -1,15 +1,16 @@
-/// Devices that end when a list has them; included by the library's source files only.
+/// Devices that are used for the last time when a list gets them; included by the library's source files only.
 #pragma once
 
 #include "libSonavit/audiodeviceendpoint.h"
+#include "libSonavit/audiodeviceendpoint/deviceview.h"
 
-namespace lastuse
+namespace libSonavit::lastuse
 {
-/// Appends a copy of @p device, which is destroyed next, to @p list. The elements that a full list copies as it grows
-/// come first, as in Array::append().
+/// Appends a copy of @p device, which nobody uses afterwards, to @p list. The elements that a full list copies as it
+/// grows come first, as in Array::append().
 inline void append(AudioDevice& device, qor::Array<AudioDevice>& list)
 {
     list.ensureCapacity(list.size() + 1);
-    list.emplace(AudioDevice::LastUse(device));
+    list.emplace(DeviceView::lastUse(device));
 }
 }

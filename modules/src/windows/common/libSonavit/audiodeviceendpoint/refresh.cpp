@@ -2,9 +2,9 @@
 
 #include "COM/identifiers.h"
 #include "COM/resultcode.h"
+#include "libSonavit/audiodeviceendpoint/inpassing.h"
 #include "libSonavit/audiodeviceendpoint/log.h"
 #include "libSonavit/audiodeviceendpoint/propertystore.h"
-#include "libSonavit/audiodevicetopology/passingtopology.h"
 #include "libSonavit/audiodevicetopology/topologyview.h"
 #include "libSonavit/audiopart/partview.h"
 #include "libSonavit/audiopart/passingcomponent.h"
@@ -29,7 +29,7 @@ private:
 template<class Component>
 IConnector* firstOf(const qor::Array<Component>& connectors)
 {
-    return connectors.size() == 0 ? nullptr : PartView::component(connectors[0]);
+    return connectors.size() == 0 ? nullptr : libSonavit::PartView::component(connectors[0]);
 }
 }
 
@@ -45,8 +45,7 @@ bool AudioDevice::refreshDeviceInformation()
     return readInformation(nullptr);
 }
 
-/// @param passing as for readDevice()
-bool AudioDevice::readInformation(const PassingTopology<partsnapshot::DroppedTexts>* passing)
+bool AudioDevice::readInformation(const InPassing* passing)
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::refreshDeviceInformation()");
     if (m_propertyStore.get() == nullptr)
@@ -140,8 +139,7 @@ void AudioDevice::readDirectSoundGuid()
 }
 
 /// Only the first connector is used; if it leads nowhere, the jack type keeps its value.
-/// @param passing as for readDevice()
-void AudioDevice::readJackType(const PassingTopology<partsnapshot::DroppedTexts>* passing)
+void AudioDevice::readJackType(const InPassing* passing)
 {
     IConnector* const first = firstConnector(passing);
     if (first == nullptr)
@@ -149,17 +147,17 @@ void AudioDevice::readJackType(const PassingTopology<partsnapshot::DroppedTexts>
     IConnector* farConnector = nullptr;
     if (FAILED(first->GetConnectedTo(&farConnector)))
         return; // a pointer along with the failure code is ignored
-    const PassingComponent<IConnector, partsnapshot::DroppedTexts> jack(farConnector);
+    const libSonavit::PassingComponent<IConnector, libSonavit::DroppedTexts> jack(farConnector);
     m_properties.subType = jack.subType();
 }
 
 /// The first connector of the topology, which owns the reference; null if there is none.
-IConnector* AudioDevice::firstConnector(const PassingTopology<partsnapshot::DroppedTexts>* passing) const
+IConnector* AudioDevice::firstConnector(const InPassing* passing) const
 {
-    {
+    { // stands for connector(), whose copy of the list is not made
         SONAVIT_TRACE(endpointlog, "AudioDevice::connector(qor::Array<AudioConnector>& connectorList)");
     }
     if (passing != nullptr)
-        return firstOf(passing->connectors());
-    return firstOf(TopologyView::connectors(m_topology));
+        return firstOf(passing->topology().connectors());
+    return firstOf(libSonavit::TopologyView::connectors(m_topology));
 }

@@ -4,12 +4,14 @@
 #include "libSonavit/audiodevicetopology/topologyreading.h"
 #include "libSonavit/audiopart/partview.h"
 
+namespace libSonavit
+{
 /// The graph of one device that an operation reads to learn one thing of it: who owns it, which connectors it has, or
 /// whether a signal path joins two of them.
 ///
 /// It makes the calls of an AudioDeviceTopology in the same order, leaves the same records, and owns the same
 /// references for the same time; its connectors and subunits are PassingComponents.
-/// @tparam Texts partsnapshot::KeptTexts, KeptId or DroppedTexts
+/// @tparam Texts KeptTexts, KeptId or DroppedTexts
 template<class Texts>
 class PassingTopology
 {
@@ -22,13 +24,13 @@ public:
     explicit PassingTopology(const COMPtr<IDeviceTopology>::pointer& topology)
     {
         SONAVIT_TRACE(topologylog, "AudioDeviceTopology::AudioDeviceTopology(IDeviceTopology* deviceTopology)");
-        topologyreading::initialize(snapshot(), topology);
+        topologyreading::initialize(fields(), topology);
     }
 
     explicit PassingTopology(const AudioComponent<IConnector>& connector)
     {
         SONAVIT_TRACE(topologylog, "AudioDeviceTopology::AudioDeviceTopology(IConnector* connector)");
-        topologyreading::initializeHelper(snapshot(), PartView::component(connector));
+        topologyreading::initializeHelper(fields(), PartView::component(connector));
     }
 
     PassingTopology(const PassingTopology&) = delete;
@@ -38,7 +40,7 @@ public:
     void read(const COMPtr<IDeviceTopology>::pointer& topology)
     {
         SONAVIT_TRACE(topologylog, "AudioDeviceTopology::operator=(const COMPtr<IDeviceTopology>::pointer& topology)");
-        topologyreading::initialize(snapshot(), topology);
+        topologyreading::initialize(fields(), topology);
     }
 
     const qor::String& deviceOwner() const noexcept { return m_deviceOwner; }
@@ -56,7 +58,7 @@ public:
 private:
     using Subunit = PassingComponent<ISubunit, Texts>;
 
-    topologyreading::Snapshot<Connector, Subunit> snapshot() noexcept
+    topologyreading::TopologyFields<Connector, Subunit> fields() noexcept
     {
         return {m_topology, m_deviceOwner, m_connectors, m_subunits};
     }
@@ -66,3 +68,4 @@ private:
     qor::Array<Connector> m_connectors;
     qor::Array<Subunit> m_subunits;
 };
+}

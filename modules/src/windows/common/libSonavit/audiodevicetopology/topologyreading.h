@@ -12,18 +12,12 @@
 #include "qor/array.h"
 #include "qor/string.h"
 
-#include <algorithm>
-
 /// One way of reading for both kinds of snapshots: AudioDeviceTopology, which callers keep, and PassingTopology.
-namespace topologyreading
+namespace libSonavit::topologyreading
 {
-/// Room that is made at once for as many components as the platform announces. A larger number may be wrong, and the
-/// list grows as far as components arrive.
-constexpr UINT largestRoom = 1024;
-
-/// Where a snapshot is stored.
+/// The fields of a topology, in which its snapshot is stored.
 template<class Connector, class Subunit>
-struct Snapshot
+struct TopologyFields
 {
     COMPtr<IDeviceTopology>::pointer& topology;
     qor::String& deviceOwner;
@@ -39,7 +33,7 @@ void removeAll(qor::Array<T>& list)
         list.remove(0);
 }
 
-/// Makes a list empty: one that is kept gets a block of its own anew, one that is read in passing keeps its block.
+/// Makes a list empty: one that is kept gets a new block, one that is read in passing keeps its block.
 template<class T>
 void clear(qor::Array<T>& list)
 {
@@ -60,32 +54,32 @@ template<class Connector, class Subunit>
 class EmptyOnExit
 {
 public:
-    explicit EmptyOnExit(const Snapshot<Connector, Subunit>& snapshot) noexcept : m_snapshot(snapshot) {}
+    explicit EmptyOnExit(const TopologyFields<Connector, Subunit>& fields) noexcept : m_fields(fields) {}
     EmptyOnExit(const EmptyOnExit&) = delete;
     EmptyOnExit& operator=(const EmptyOnExit&) = delete;
 
     ~EmptyOnExit()
     {
-        m_snapshot.deviceOwner.clear();
-        removeAll(m_snapshot.connectors);
-        removeAll(m_snapshot.subunits);
+        m_fields.deviceOwner.clear();
+        removeAll(m_fields.connectors);
+        removeAll(m_fields.subunits);
     }
 
 private:
-    const Snapshot<Connector, Subunit>& m_snapshot;
+    const TopologyFields<Connector, Subunit>& m_fields;
 };
 
 /// Releases the topology, then empties id and lists, in this order. The snapshot is empty afterwards even if a Release
 /// throws.
 template<class Connector, class Subunit>
-void clear(const Snapshot<Connector, Subunit>& snapshot)
+void clear(const TopologyFields<Connector, Subunit>& fields)
 {
     SONAVIT_TRACE(topologylog, "AudioDeviceTopology::clear()");
-    const EmptyOnExit<Connector, Subunit> rest(snapshot);
-    snapshot.topology = nullptr;
-    snapshot.deviceOwner.clear();
-    clear(snapshot.connectors);
-    clear(snapshot.subunits);
+    const EmptyOnExit<Connector, Subunit> rest(fields);
+    fields.topology = nullptr;
+    fields.deviceOwner.clear();
+    clear(fields.connectors);
+    clear(fields.subunits);
 }
 
 /// Reads the id of the device. A string that comes along with a failure code is used and freed like any other.
@@ -108,7 +102,7 @@ void readConnectors(IDeviceTopology& topology, qor::Array<Connector>& connectors
     UINT count = 0;
     topology.GetConnectorCount(&count);
     SONAVIT_LOG(topologylog, LOG_INFO, out.append("Num connector = ").append(decimalText(count)));
-    connectors.ensureCapacity(std::min(count, largestRoom));
+    partsnapshot::makeRoom(count, connectors);
     for (UINT index = 0; index < count; ++index)
     {
         IConnector* connector = nullptr;
@@ -118,7 +112,7 @@ void readConnectors(IDeviceTopology& topology, qor::Array<Connector>& connectors
             SONAVIT_LOG(topologylog, LOG_ERROR, out.append("Unable to retrieve connector index ").append(decimalText(index)).append(" ").append(hexText(result)));
             continue;
         }
-        connectors.emplace(connector);
+        partsnapshot::append(connector, connectors);
     }
 }
 
@@ -129,7 +123,7 @@ void readSubunits(IDeviceTopology& topology, qor::Array<Subunit>& subunits)
     UINT count = 0;
     topology.GetSubunitCount(&count);
     SONAVIT_LOG(topologylog, LOG_INFO, out.append("Subunit count = ").append(decimalText(count)));
-    subunits.ensureCapacity(std::min(count, largestRoom));
+    partsnapshot::makeRoom(count, subunits);
     for (UINT index = 0; index < count; ++index)
     {
         ISubunit* subunit = nullptr;
@@ -139,31 +133,31 @@ void readSubunits(IDeviceTopology& topology, qor::Array<Subunit>& subunits)
             SONAVIT_LOG(topologylog, LOG_ERROR, out.append("Unable to retrieve subunit index ").append(decimalText(index)).append(" ").append(hexText(result)));
             continue;
         }
-        subunits.emplace(subunit);
+        partsnapshot::append(subunit, subunits);
     }
 }
 
 /// Takes a new snapshot of @p topology, as AudioDeviceTopology::initialize() documents.
 template<class Connector, class Subunit>
-bool initialize(const Snapshot<Connector, Subunit>& snapshot, const COMPtr<IDeviceTopology>::pointer& topology)
+bool initialize(const TopologyFields<Connector, Subunit>& fields, const COMPtr<IDeviceTopology>::pointer& topology)
 {
     SONAVIT_TRACE(topologylog, "AudioDeviceTopology::initialize(IDeviceTopology* deviceTopology)");
-    clear(snapshot);
-    snapshot.topology = topology;
-    if (snapshot.topology.get() == nullptr)
+    clear(fields);
+    fields.topology = topology;
+    if (fields.topology.get() == nullptr)
     {
         SONAVIT_LOG(topologylog, LOG_ERROR, out.append("Using NULL deviceTopology invalidates this object"));
         return false;
     }
-    readDeviceOwner(*snapshot.topology, snapshot.deviceOwner);
-    readConnectors(*snapshot.topology, snapshot.connectors);
-    readSubunits(*snapshot.topology, snapshot.subunits);
+    readDeviceOwner(*fields.topology, fields.deviceOwner);
+    readConnectors(*fields.topology, fields.connectors);
+    readSubunits(*fields.topology, fields.subunits);
     return true;
 }
 
 /// Takes a new snapshot of the topology that contains @p part.
 template<class Connector, class Subunit>
-bool initialize(const Snapshot<Connector, Subunit>& snapshot, const COMPtr<IPart>::pointer& part)
+bool initialize(const TopologyFields<Connector, Subunit>& fields, const COMPtr<IPart>::pointer& part)
 {
     SONAVIT_TRACE(topologylog, "AudioDeviceTopology::initialize(COMPtr<IPart>::pointer& part)");
     if (part.get() == nullptr)
@@ -176,15 +170,15 @@ bool initialize(const Snapshot<Connector, Subunit>& snapshot, const COMPtr<IPart
     if (FAILED(result))
         SONAVIT_LOG(topologylog, LOG_ERROR, out.append("GetTopologyObject fails ").append(hexText(result)));
     // A pointer that comes along with the failure is adopted: the result does not end the operation.
-    return initialize(snapshot, COMPtr<IDeviceTopology>::pointer(topology)); // which logs a nil topology, too
+    return initialize(fields, COMPtr<IDeviceTopology>::pointer(topology)); // which logs a nil topology, too
 }
 
 /// Takes a new snapshot of the topology that contains the connector or subunit @p component, which may be null.
 template<class Connector, class Subunit, class Interface>
-bool initializeHelper(const Snapshot<Connector, Subunit>& snapshot, Interface* component)
+bool initializeHelper(const TopologyFields<Connector, Subunit>& fields, Interface* component)
 {
     SONAVIT_TRACE(topologylog, "template <class Interface> bool AudioDeviceTopology::initializeHelper(Interface* obj)");
-    clear(snapshot);
+    clear(fields);
     if (component == nullptr)
     {
         SONAVIT_LOG(topologylog, LOG_ERROR, out.append("Cannot use NULL as parameter"));
@@ -196,7 +190,7 @@ bool initializeHelper(const Snapshot<Connector, Subunit>& snapshot, Interface* c
         SONAVIT_LOG(topologylog, LOG_ERROR, out.append("No part interface found"));
         return false; // a pointer along with the failure code is ignored
     }
-    return initialize(snapshot, COMPtr<IPart>::pointer(part));
+    return initialize(fields, COMPtr<IPart>::pointer(part));
 }
 
 /// Whether a signal path of @p topology, which may be null, joins two connectors of different ids: the part of

@@ -5,7 +5,11 @@
 #include "libSonavit/audiodevicetopology/topologyview.h"
 #include "libSonavit/audiopart/componentreferences.h"
 
-/// The references that a copy of an AudioDeviceTopology holds, for as long as it lives; see ComponentReferences.
+namespace libSonavit
+{
+/// The references that the copy of AudioDevice::deviceTopology() holds, for as long as it lives; see
+/// ComponentReferences. The platform's objects see that copy, so it stays; the rest of it takes more time than all else
+/// in a large card.
 class TopologyReferences
 {
 public:
@@ -21,3 +25,4 @@ private:
     ComponentReferences<IConnector> m_connectors;
     ComponentReferences<ISubunit> m_subunits;
 };
+}

@@ -2,7 +2,10 @@
 #pragma once
 
 #include "libSonavit/audiodevicetopology.h"
+#include "libSonavit/audiodevicetopology/topologyreading.h"
 
+namespace libSonavit
+{
 /// What the library itself reads of topologies.
 class TopologyView
 {
@@ -25,9 +28,17 @@ public:
         return topology.m_subunits;
     }
 
+    /// Where @p topology stores what it reads.
+    static topologyreading::TopologyFields<AudioComponent<IConnector>, AudioComponent<ISubunit>> fields(
+        AudioDeviceTopology& topology) noexcept
+    {
+        return {topology.m_topology, topology.m_deviceOwner, topology.m_connectors, topology.m_subunits};
+    }
+
     /// What @p topology holds: no reference is added or released, and nothing is copied. @p topology is destroyed next.
     static AudioDeviceTopology take(AudioDeviceTopology& topology) noexcept
     {
         return AudioDeviceTopology(topology, AudioDeviceTopology::Taken());
     }
 };
+}

@@ -3,7 +3,6 @@
 #include "COM/interfacequery.h"
 #include "libSonavit/audiodevicetopology.h"
 #include "libSonavit/audiopart/log.h"
-#include "libSonavit/audiopart/passingcomponent.h"
 
 template<class I>
 AudioComponent<I>::AudioComponent(I* component) : m_component(component),
@@ -20,10 +19,11 @@ AudioComponent<I>::AudioComponent(const typename COMPtr<I>::pointer& component)
     SONAVIT_TRACE(partlog, "AudioComponent::AudioComponent");
 }
 
+/// For PartView: calls no platform function but AddRef, and traces nothing.
 template<class I>
-AudioComponent<I>::AudioComponent(const PassingComponent<I, partsnapshot::KeptTexts>& source)
-    : m_component(source.component()),
-      m_part(source.part(), source.subType(), source.texts().globalId, source.texts().name)
+AudioComponent<I>::AudioComponent(const typename COMPtr<I>::pointer& component, const AudioPart& part)
+    : m_component(component),
+      m_part(part)
 {
 }
 

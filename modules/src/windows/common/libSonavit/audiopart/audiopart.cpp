@@ -4,14 +4,8 @@
 #include "libSonavit/audiopart/partsnapshot.h"
 #include "libSonavit/precondition.h"
 
-#include <algorithm>
-
 namespace
 {
-/// Room that is made at once for as many parts as the platform announces. A larger number may be wrong, and the list
-/// grows as far as parts arrive.
-constexpr UINT largestRoom = 1024;
-
 /// Where the texts of a part's snapshot go.
 struct PartTexts
 {
@@ -39,7 +33,7 @@ AudioPart::AudioPart(const COMPtr<IPart>::pointer& part) : m_part(part), m_subTy
 
 template<class I, class>
 AudioPart::AudioPart(I* component)
-    : m_part(component == nullptr ? nullptr : partsnapshot::partOf(*component)),
+    : m_part(component == nullptr ? nullptr : libSonavit::partsnapshot::partOf(*component)),
       m_subType()
 {
     if (component != nullptr)
@@ -65,8 +59,10 @@ AudioPart& AudioPart::operator=(const AudioPart& other)
 {
     if (this == &other)
         return *this;
-    if (isIn(m_incomingParts, other) || isIn(m_outgoingParts, other))
-        return *this = AudioPart(other); // the lists that are replaced hold the other part
+    if (isIn(m_incomingParts, other) || isIn(m_outgoingParts, other) || isIn(other.m_incomingParts, *this) ||
+        isIn(other.m_outgoingParts, *this))
+        return *this =
+                   AudioPart(other); // a list that is replaced holds the other part, or a list that is copied this one
     m_part = other.m_part;
     m_subType = other.m_subType;
     m_globalId = other.m_globalId;
@@ -152,7 +148,7 @@ COMPtr<IDeviceTopology>::pointer AudioPart::topology() const
 
 void AudioPart::initialize()
 {
-    partsnapshot::read(m_part, m_subType, PartTexts{m_globalId, m_name});
+    libSonavit::partsnapshot::read(m_part, m_subType, PartTexts{m_globalId, m_name});
 }
 
 /// Stores the platform's list of the parts that feed @p part. @return false, with a message, if the platform fails
@@ -195,13 +191,13 @@ void AudioPart::appendParts(IPartsList& list, qor::Array<AudioPart>& parts)
 {
     UINT count = 0;
     list.GetCount(&count);
-    parts.ensureCapacity(std::min(count, largestRoom));
+    libSonavit::partsnapshot::makeRoom(count, parts);
     for (UINT index = 0; index < count; ++index)
     {
         IPart* part = nullptr;
         if (FAILED(list.GetPart(index, &part)))
             continue;
-        parts.emplace(part);
+        libSonavit::partsnapshot::append(part, parts);
     }
 }
 

@@ -5,6 +5,8 @@
 #include "libSonavit/audiopart/partview.h"
 #include "qor/array.h"
 
+namespace libSonavit
+{
 /// The references that a copy of a list of components holds, for as long as it lives: the platform's objects see the
 /// same AddRef and Release calls in the same order. The rest of a copy, with two lists for each part, is left out.
 template<class I>
@@ -36,3 +38,4 @@ private:
 
     qor::Array<Reference> m_references;
 };
+}

@@ -6,9 +6,12 @@
 #include "COM/tasktext.h"
 #include "libSonavit/audiopart/log.h"
 #include "platform/coreaudio.h"
+#include "qor/array.h"
 #include "qor/string.h"
 
-namespace partsnapshot
+#include <algorithm>
+
+namespace libSonavit
 {
 /// The texts of a snapshot.
 struct KeptTexts
@@ -36,6 +39,8 @@ struct DroppedTexts
     static void nameIs(LPCWSTR) noexcept {}
 };
 
+namespace partsnapshot
+{
 /// Reads the snapshot. All three HRESULTs are ignored on purpose: only what a call stores counts. Without an id from
 /// the platform the id becomes empty, whereas without a name the old name stays. A nil @p part changes nothing.
 template<class Texts>
@@ -64,5 +69,25 @@ IPart* partOf(I& component)
 {
     IPart* part = nullptr;
     return SUCCEEDED(interfacequery::query(component, part)) ? part : nullptr;
+}
+
+/// Makes room for as many elements as the platform announces. A number above 1,024 may be wrong: the list grows as far
+/// as elements arrive then.
+template<class T>
+void makeRoom(UINT announced, qor::Array<T>& list)
+{
+    list.ensureCapacity(std::min<UINT>(announced, 1024));
+}
+
+/// Appends an element that adopts the reference on @p object: in its place, or by way of a copy if the list has to
+/// grow. Without memory for that, the element that is copied has adopted the reference and releases it.
+template<class I, class T>
+void append(I* object, qor::Array<T>& list)
+{
+    if (list.size() < list.capacity())
+        list.emplace(object);
+    else
+        list.append(T(object));
+}
 }
 }

@@ -6,6 +6,8 @@
 #include "libSonavit/audiopart/log.h"
 #include "libSonavit/audiopart/passingcomponent.h"
 
+namespace libSonavit
+{
 /// What the library itself reads of parts and components. What a public operation traces is traced here, too: readers
 /// of the log see no difference.
 class PartView
@@ -19,9 +21,17 @@ public:
     }
 
     template<class I>
-    static const qor::String& id(const PassingComponent<I, partsnapshot::KeptTexts>& component)
+    static const qor::String& id(const PassingComponent<I, KeptTexts>& component)
     {
         return component.texts().globalId;
+    }
+
+    /// @p component as one that is kept. Calls no platform function but AddRef, and traces nothing.
+    static const AudioComponent<IConnector>& kept(const AudioComponent<IConnector>& component) { return component; }
+    static AudioComponent<IConnector> kept(const PassingComponent<IConnector, KeptTexts>& component)
+    {
+        const AudioPart part(component.part(), component.subType(), component.texts().globalId, component.texts().name);
+        return AudioComponent<IConnector>(component.component(), part);
     }
 
     /// The part of @p component, as part(), by reference.
@@ -84,3 +94,4 @@ public:
             AudioPart::storeInNewList(parts, list);
     }
 };
+}

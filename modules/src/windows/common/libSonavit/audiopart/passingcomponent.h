@@ -6,12 +6,14 @@
 #include "libSonavit/audiopart/partsnapshot.h"
 #include "platform/coreaudio.h"
 
+namespace libSonavit
+{
 /// A connector or a subunit that an operation reads to learn one thing of it: its kind of jack, its id, or only where
 /// it is.
 ///
 /// It makes the calls of an AudioComponent in the same order, leaves the same records, and owns the same references for
 /// the same time. It has no lists of neighbours: to make those of an AudioPart takes longer than all the rest.
-/// @tparam Texts partsnapshot::KeptTexts, KeptId or DroppedTexts
+/// @tparam Texts KeptTexts, KeptId or DroppedTexts
 template<class I, class Texts>
 class PassingComponent
 {
@@ -38,3 +40,4 @@ private:
     GUID m_subType;
     Texts m_texts;
 };
+}

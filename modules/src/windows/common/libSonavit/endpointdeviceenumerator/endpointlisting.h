@@ -35,7 +35,7 @@ inline void append(const COMPtr<IMMDeviceCollection>::pointer& collection, UINT 
         IMMDevice* device = nullptr;
         collection->Item(index, &device);
         AudioDevice temporary(device);
-        lastuse::append(temporary, devices);
+        libSonavit::lastuse::append(temporary, devices);
     }
 }
 }

@@ -50,8 +50,8 @@ public:
     bool isInternalDevice(const qor::String& id) const { return m_internalDevices.count(id) > 0; }
     void addInternalDevice(const qor::String& id) { m_internalDevices.insert(id); }
 
-    /// So many of the internal devices have all their connectors in the map. None at first: those of an earlier run
-    /// have none in the new map.
+    /// Number of devices at the front of the internal list whose connectors are all in the map. 0 at first: those of an
+    /// earlier run have no node in the new map.
     unsigned int numRegisteredInternalDevices = 0;
 
 private:

@@ -13,6 +13,16 @@
 #include "libSonavit/soundcard/listsearch.h"
 #include "libSonavit/soundcard/log.h"
 
+using libSonavit::DeviceView;
+using libSonavit::DroppedTexts;
+using libSonavit::KeptId;
+using libSonavit::KeptTexts;
+using libSonavit::PartView;
+using libSonavit::PassingComponent;
+using libSonavit::PassingTopology;
+using libSonavit::TopologyReferences;
+using libSonavit::TopologyView;
+
 namespace
 {
 /// Id of the device on the far side; empty if the platform reports none, or if there is no connector to ask.
@@ -77,7 +87,7 @@ void SoundCard::registerConnectors(const qor::Array<Connector>& connectors, bool
     for (unsigned int i = 0; i < connectors.size(); ++i)
     {
         if (graph.addNode(PartView::id(connectors[i]), m_connectorMap.size()))
-            m_connectorMap.emplace(connectors[i]);
+            m_connectorMap.emplace(PartView::kept(connectors[i]));
     }
 }
 
@@ -91,7 +101,7 @@ void SoundCard::followConnector(unsigned int index, ConnectorGraph& graph)
     const qor::String farId = farDeviceId(PartView::component(m_connectorMap[index].connector));
     if (graph.isKnownDevice(farId))
     {
-        const AudioDevice::InPassing farDevice(farId);
+        const AudioDevice::InPassing farDevice(farId); // nothing is done with it
         linkToPeer(index, graph);
         return;
     }
@@ -109,14 +119,14 @@ void SoundCard::registerFarDevice(AudioDevice& farDevice, const qor::String& far
     if (farDevice.isInitialized())
     {
         graph.addInternalDevice(farDevice.deviceProperty().deviceId);
-        lastuse::append(farDevice, *m_internalDevices);
+        libSonavit::lastuse::append(farDevice, *m_internalDevices);
         graph.addKnownDevice(farId);
-        // Required behaviour: the whole list again, with references on all that it contains.
+        // Required behaviour: the whole list again.
         registerConnectors(*m_internalDevices, graph.numRegisteredInternalDevices, graph);
         graph.numRegisteredInternalDevices = m_internalDevices->size();
         return;
     }
-    const PassingTopology<partsnapshot::KeptTexts> nearTopology(m_connectorMap[index].connector);
+    const PassingTopology<KeptTexts> nearTopology(m_connectorMap[index].connector);
     const qor::String& owner = nearTopology.deviceOwner();
     if (graph.isKnownDevice(owner))
         return;
@@ -131,7 +141,7 @@ void SoundCard::linkToPeer(unsigned int index, const ConnectorGraph& graph)
     IConnector* const peer = farConnector(PartView::component(m_connectorMap[index].connector));
     if (peer == nullptr)
         return;
-    const PassingComponent<IConnector, partsnapshot::KeptId> peerConnector(peer);
+    const PassingComponent<IConnector, KeptId> peerConnector(peer);
     m_connectorMap[index].links.append(graph.nodeIndex(peerConnector.texts().globalId));
 }
 
@@ -140,9 +150,9 @@ void SoundCard::linkToPeer(unsigned int index, const ConnectorGraph& graph)
 void SoundCard::linkWithinTopology(unsigned int index)
 {
     ConnectorNode& node = m_connectorMap[index];
-    const PassingTopology<partsnapshot::DroppedTexts> topology(node.connector);
+    const PassingTopology<DroppedTexts> topology(node.connector);
     const unsigned int numLater = m_connectorMap.size() - index - 1;
-    ConnectorNode* const later = &node + 1; // the nodes of an array follow one another
+    ConnectorNode* const later = m_connectorMap.begin() + index + 1;
     for (unsigned int i = 0; i < numLater; ++i)
     {
         if (!topology.nodesAreLinked(node.connector, later[i].connector))

@@ -5,7 +5,6 @@
 #include "libSonavit/soundcard/log.h"
 
 #include <memory>
-#include <vector>
 
 void enumerateSoundCards(qor::Array<BorrowedPointer<SoundCardInterface>>& cards)
 {
@@ -41,19 +40,22 @@ qor::Array<SoundCard> SoundCard::enumerateSystemSoundDevices()
     // Not earlier: the map of a card needs the endpoints of both flows.
     for (unsigned int i = 0; i < deviceTable.size(); ++i)
         deviceTable.values()[i].initializeConnectorMap();
-    return withTheirMaps(deviceTable.values());
+    qor::Array<SoundCard> cards;
+    appendWithTheirMaps(deviceTable.values(), cards);
+    return cards;
 }
 
-/// Copies of @p cards, each of which takes the map of its original: the originals end next.
-qor::Array<SoundCard> SoundCard::withTheirMaps(qor::Array<SoundCard>& cards)
+/// Appends copies of @p cards to the empty @p result. Each copy takes the map of its original, which ends next.
+void SoundCard::appendWithTheirMaps(qor::Array<SoundCard>& cards, qor::Array<SoundCard>& result)
 {
-    std::vector<qor::Array<ConnectorNode>> maps(cards.size());
-    for (unsigned int i = 0; i < cards.size(); ++i)
-        maps[i].swap(cards[i].m_connectorMap);
-    qor::Array<SoundCard> copies(cards);
-    for (unsigned int i = 0; i < copies.size(); ++i)
-        copies[i].m_connectorMap.swap(maps[i]);
-    return copies;
+    result.ensureCapacity(cards.capacity());
+    for (SoundCard& card : cards)
+    {
+        qor::Array<ConnectorNode> map;
+        map.swap(card.m_connectorMap);
+        result.append(card);
+        result[result.size() - 1].m_connectorMap.swap(map);
+    }
 }
 
 /// Adds an endpoint to its card, and creates the card for the first endpoint of an instance path. Paths are compared

@@ -156,7 +156,8 @@ HRESULT SoundCard::SoundCardDeviceUpdater::OnDeviceAdded(LPCWSTR deviceId)
     const DeviceList devices = selectDeviceList(device);
     const ObserverList observers = selectObserver(device);
     if (devices.get() != nullptr)
-        lastuse::append(device, *devices); // even a duplicate: required behaviour, and a removal removes the first
+        libSonavit::lastuse::append(device,
+                                    *devices); // even a duplicate: required behaviour, and a removal removes the first
     notify(observers, &SoundCardObserver::onDeviceAdded);
     return S_OK;
 }

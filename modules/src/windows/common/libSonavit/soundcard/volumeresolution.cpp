@@ -8,8 +8,25 @@
 
 #include <vector>
 
+using libSonavit::KeptId;
+using libSonavit::PartView;
+using libSonavit::PassingTopology;
+
 namespace
 {
+/// Whether @p parts has no part of type @p partType: SoundCard::partFromList() without a list for the parts that are
+/// found. Most lists have none, and then this leaves the records of that function, which is not called.
+bool lacksPart(const qor::Array<AudioPart>& parts, const GUID& partType)
+{
+    for (const AudioPart& part : parts)
+    {
+        if (PartView::subType(part) == partType)
+            return false;
+    }
+    SONAVIT_TRACE(soundcardlog, "SoundCard::partFromList");
+    return true;
+}
+
 typedef void (*Walk)(IPart& part, qor::Array<AudioPart>& list);
 
 /// Fills the empty @p list with the parts next to @p connector on one side. A connector without an IPart leaves the
@@ -70,7 +87,7 @@ unsigned int SoundCard::volumeController(const AudioDevice& endpoint, qor::Array
 {
     SONAVIT_TRACE(soundcardlog, "EndpointDeviceEnumeratorCommon::volumeController(const AudioDevice& endpoint)");
     COMPtr<IDeviceTopology>::pointer handle = endpoint.deviceTopology();
-    const PassingTopology<partsnapshot::KeptId> topology(handle);
+    const PassingTopology<KeptId> topology(handle);
     handle = nullptr; // released by a statement of its own: if Release throws, the snapshot is released, too
     result.clear();
     VisitQueue queue(m_connectorMap.size());
@@ -154,25 +171,12 @@ bool SoundCard::volumeControllerFromList(const qor::Array<AudioPart>& parts,
     return true;
 }
 
-/// Whether @p parts has no part of type @p partType: partFromList() without a list for the parts that are found. Most
-/// lists have none, and then this leaves the records of partFromList(), which is not called.
-bool SoundCard::lacksPart(const qor::Array<AudioPart>& parts, const GUID& partType) const
-{
-    for (unsigned int i = 0; i < parts.size(); ++i)
-    {
-        if (PartView::subType(parts[i]) == partType)
-            return false;
-    }
-    SONAVIT_TRACE(soundcardlog, "SoundCard::partFromList");
-    return true;
-}
-
 /// Replaces @p result by the parts of type @p partType. @return whether there are any
 bool SoundCard::partFromList(const qor::Array<AudioPart>& parts, const GUID& partType,
                              qor::Array<AudioPart>& result) const
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::partFromList");
-    if (result.size() > 0)
+    if (result.size() > 0) // clear() makes a new block
         result.clear();
     for (unsigned int i = 0; i < parts.size(); ++i)
     {
