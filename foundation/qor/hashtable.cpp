@@ -4,6 +4,15 @@
 
 namespace qor
 {
+namespace
+{
+/// hash % count, without a division for a power of two: tables of 32 heads, as most are, stay at such numbers.
+std::size_t placeOf(unsigned int hash, std::size_t count)
+{
+    return (count & (count - 1)) == 0 ? hash & (count - 1) : hash % count;
+}
+}
+
 _BucketBase::~_BucketBase() noexcept(false) = default;
 
 _HashTableRep::_HashTableRep(unsigned int bucketCount) : m_heads(bucketCount == 0 ? 1 : bucketCount, nullptr) {}
@@ -45,7 +54,7 @@ void _HashTableRep::clear()
 
 _BucketBase* _HashTableRep::lookup(unsigned int hash, const void* key)
 {
-    _BucketBase* bucket = m_heads[hash % m_heads.size()];
+    _BucketBase* bucket = m_heads[placeOf(hash, m_heads.size())];
     while (bucket != nullptr && !bucket->matches(key))
         bucket = bucket->next;
     return bucket;
@@ -77,7 +86,7 @@ void _HashTableRep::insertWithoutCheck(unsigned int hash, _BucketBase* bucket, c
 /// Adds to the end of the chain, so that lookup() finds the first of two equal keys.
 void _HashTableRep::link(const Entry& entry)
 {
-    _BucketBase** place = &m_heads[entry.hash % m_heads.size()];
+    _BucketBase** place = &m_heads[placeOf(entry.hash, m_heads.size())];
     while (*place != nullptr)
         place = &(*place)->next;
     *place = entry.bucket;

@@ -211,13 +211,6 @@ std::string String::toUtf8() const
     return out;
 }
 
-bool String::operator==(const String& other) const noexcept
-{
-    if (m_buffer == other.m_buffer)
-        return true;
-    return size() == other.size() && std::memcmp(getUCS2Buffer(), other.getUCS2Buffer(), size() * std::size_t{2}) == 0;
-}
-
 int String::compareNoCase(const String& left, const String& right) noexcept
 {
     if (left.m_buffer == right.m_buffer)

@@ -71,7 +71,12 @@ public:
     std::string toUtf8() const;
 
     /// Exact comparison, case included.
-    bool operator==(const String& other) const noexcept;
+    bool operator==(const String& other) const noexcept
+    {
+        return m_buffer == other.m_buffer ||
+               (size() == other.size() &&
+                std::memcmp(getUCS2Buffer(), other.getUCS2Buffer(), size() * sizeof(unsigned short)) == 0);
+    }
     bool operator!=(const String& other) const noexcept { return !(*this == other); }
 
     /// Compares and ignores the case of the letters A to Z; all other units are compared exactly.
