@@ -7,6 +7,9 @@ import limits
 from table import Table, number
 
 SNAPSHOT = ["bench::measureSnapshot*", "sonavit::watching::Watcher::start*"]
+# glibc puts small freed blocks aside, and sorts all of them in one go now and then: 25,000 instructions, which would belong
+# to whatever asks for memory at that moment.
+STEADY_HEAP = {"GLIBC_TUNABLES": "glibc.malloc.mxfast=0"}
 REFRESH = ["bench::measureRefresh*", "sonavit::watching::Watcher::refresh*", "sonavit::watching::Watcher::step*"]
 COLUMNS = ["snapshot", "controls", "graph", "volume", "addition", "paths"]
 COUNTED = {
@@ -70,7 +73,7 @@ def notifications(program):
 
 def own_of(program, work, machine, subscribers=0):
     toggles = {"snapshot": SNAPSHOT, "plain": ["bench::measurePlain*"], "refresh": REFRESH}[work]
-    return callgrind.run(program, work, machine, subscribers, toggles=toggles).own
+    return callgrind.run(program, work, machine, subscribers, toggles=toggles, environment=STEADY_HEAP).own
 
 
 def instructions(program, pool):

@@ -193,14 +193,17 @@ def traces(programs, costs):
     profile = profile_of(programs, "library", "discovery crowded", {"LD_LIBRARY_PATH": str(folder)})
     if not any(str(folder) in each for each in profile.objects):
         raise RuntimeError(f"the library in {folder} was not loaded")
-    return table_of_traces(costs.library("discovery crowded").own, profile.own)
+    return table_of_traces(costs.library("discovery crowded").own, profile.own, costs.plain("discovery crowded").own)
 
 
-def table_of_traces(traced, untraced):
-    table = Table("library-traces", "Disabled trace scopes", ["own", "without", "share %", "limit %"])
-    share = (traced - untraced) / traced
-    table.add("discovery of crowded", [number(traced), number(untraced), number(100 * share, 2),
-                                       number(100 * limits.TRACES, 2)], share, limits.TRACES)
+def table_of_traces(traced, untraced, plain):
+    """Judged by the plain client's own instructions: the library's become fewer with everything else that does."""
+    table = Table("library-traces", "Disabled trace scopes",
+                  ["own", "without", "% of own", "plain client's own", "% of that", "limit %"])
+    scopes = traced - untraced
+    table.add("discovery of crowded",
+              [number(traced), number(untraced), number(100 * scopes / traced, 2), number(plain),
+               number(100 * scopes / plain, 2), number(100 * limits.TRACES, 2)], scopes / plain, limits.TRACES)
     return table
 
 

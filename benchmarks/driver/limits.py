@@ -77,7 +77,7 @@ ALLOCATIONS_OF_CROWDED = 45_000
 PER_CALL_OF_ADAPTERS = 1.2
 # Own instructions for each platform call, controls of all endpoints of a card of 100 through those of a card of 25.
 PER_CALL_OF_CONTROLS = 1.2
-# Own instructions of a discovery that are those of disabled trace scopes.
+# Disabled trace scopes of a discovery, through the plain client's own instructions.
 TRACES = 0.01
 
 # The client layer: platform calls on the machine "crowded".

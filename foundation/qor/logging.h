@@ -97,6 +97,10 @@ public:
     static LOGGER_PRIORITY getPriority() noexcept { return m_minimum.load(std::memory_order_relaxed); }
     static void setPriority(LOGGER_PRIORITY priority) noexcept;
 
+    /// Whether the minimum keeps all messages of @p priority, and of lower ones, from being written; for
+    /// LoggerPriority::LOG_DEBUG also all trace scopes.
+    static bool isSilent(LOGGER_PRIORITY priority) noexcept { return getPriority() > priority; }
+
     /// Stores the logger of @p channel in @p logger, made on first use. Racing threads get the same object.
     QOR_COLD static void createLogger(const char* channel, Logger*& logger);
 

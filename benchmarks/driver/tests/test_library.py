@@ -85,8 +85,8 @@ class LibraryWholeLists(unittest.TestCase):
 
 class LibraryTraces(unittest.TestCase):
     def test_a_hundredth_of_the_instructions_is_the_limit(self):
-        self.assertEqual([], library.table_of_traces(1000, 990).beyond)
-        self.assertEqual(1, len(library.table_of_traces(1000, 989).beyond))
+        self.assertEqual([], library.table_of_traces(1000, 990, 1000).beyond)
+        self.assertEqual(1, len(library.table_of_traces(1000, 989, 1000).beyond))
 
 
 class LibraryCosts(unittest.TestCase):

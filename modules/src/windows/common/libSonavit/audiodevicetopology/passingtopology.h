@@ -55,6 +55,12 @@ public:
         return topologyreading::haveSignalPath(m_topology.get(), from, to);
     }
 
+    /// As nodesAreLinked() while the log writes neither trace scopes nor messages of LOG_WARNING.
+    bool nodesAreLinkedSilently(const AudioComponent<IConnector>& from, const AudioComponent<IConnector>& to) const
+    {
+        return topologyreading::haveSignalPathSilently(m_topology.get(), from, to);
+    }
+
 private:
     using Subunit = PassingComponent<ISubunit, Texts>;
 

@@ -19,6 +19,16 @@ bool pathRuns(IDeviceTopology& topology, IPart* from, IPart* to)
 }
 }
 
+bool topologyreading::haveSignalPathSilently(IDeviceTopology* topology, const AudioComponent<IConnector>& from,
+                                             const AudioComponent<IConnector>& to)
+{
+    IPart* const fromPart = PartView::partHandle(from).get();
+    IPart* const toPart = PartView::partHandle(to).get();
+    if (fromPart == nullptr || toPart == nullptr || topology == nullptr)
+        return false;
+    return pathRuns(*topology, fromPart, toPart) || pathRuns(*topology, toPart, fromPart);
+}
+
 bool topologyreading::haveSignalPath(IDeviceTopology* topology, const AudioComponent<IConnector>& from,
                                      const AudioComponent<IConnector>& to)
 {

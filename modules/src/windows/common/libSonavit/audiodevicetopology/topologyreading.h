@@ -46,6 +46,23 @@ void clear(qor::Array<PassingComponent<I, Texts>>& list)
     removeAll(list);
 }
 
+/// Appends what is read of @p object to a list. With @p isSilent no trace scope writes anything: a component that is
+/// read in passing does without them.
+template<class I, class T>
+void append(I* object, bool, qor::Array<T>& list)
+{
+    partsnapshot::append(object, list);
+}
+
+template<class I, class Texts>
+void append(I* object, bool isSilent, qor::Array<PassingComponent<I, Texts>>& list)
+{
+    if (isSilent)
+        partsnapshot::append(typename PassingComponent<I, Texts>::Untraced{object}, list);
+    else
+        partsnapshot::append(object, list);
+}
+
 /// Empties an id and two lists when its scope ends; what the scope has emptied already stays empty.
 ///
 /// It also runs while an exception leaves the scope, so it allocates nothing: Array::clear() would ask for new storage.
@@ -103,6 +120,7 @@ void readConnectors(IDeviceTopology& topology, qor::Array<Connector>& connectors
     topology.GetConnectorCount(&count);
     SONAVIT_LOG(topologylog, LOG_INFO, out.append("Num connector = ").append(decimalText(count)));
     partsnapshot::makeRoom(count, connectors);
+    bool isSilent = qor::LogFactory::isSilent(qor::LoggerPriority::LOG_DEBUG);
     for (UINT index = 0; index < count; ++index)
     {
         IConnector* connector = nullptr;
@@ -110,9 +128,10 @@ void readConnectors(IDeviceTopology& topology, qor::Array<Connector>& connectors
         if (FAILED(result))
         {
             SONAVIT_LOG(topologylog, LOG_ERROR, out.append("Unable to retrieve connector index ").append(decimalText(index)).append(" ").append(hexText(result)));
+            isSilent = qor::LogFactory::isSilent(qor::LoggerPriority::LOG_DEBUG); // the sink may have set it
             continue;
         }
-        partsnapshot::append(connector, connectors);
+        append(connector, isSilent, connectors);
     }
 }
 
@@ -124,6 +143,7 @@ void readSubunits(IDeviceTopology& topology, qor::Array<Subunit>& subunits)
     topology.GetSubunitCount(&count);
     SONAVIT_LOG(topologylog, LOG_INFO, out.append("Subunit count = ").append(decimalText(count)));
     partsnapshot::makeRoom(count, subunits);
+    bool isSilent = qor::LogFactory::isSilent(qor::LoggerPriority::LOG_DEBUG);
     for (UINT index = 0; index < count; ++index)
     {
         ISubunit* subunit = nullptr;
@@ -131,9 +151,10 @@ void readSubunits(IDeviceTopology& topology, qor::Array<Subunit>& subunits)
         if (FAILED(result))
         {
             SONAVIT_LOG(topologylog, LOG_ERROR, out.append("Unable to retrieve subunit index ").append(decimalText(index)).append(" ").append(hexText(result)));
+            isSilent = qor::LogFactory::isSilent(qor::LoggerPriority::LOG_DEBUG); // the sink may have set it
             continue;
         }
-        partsnapshot::append(subunit, subunits);
+        append(subunit, isSilent, subunits);
     }
 }
 
@@ -192,6 +213,10 @@ bool initializeHelper(const TopologyFields<Connector, Subunit>& fields, Interfac
     }
     return initialize(fields, COMPtr<IPart>::pointer(part));
 }
+
+/// As haveSignalPath() while the log writes neither trace scopes nor messages of LOG_WARNING.
+bool haveSignalPathSilently(IDeviceTopology* topology, const AudioComponent<IConnector>& from,
+                            const AudioComponent<IConnector>& to);
 
 /// Whether a signal path of @p topology, which may be null, joins two connectors of different ids: the part of
 /// AudioDeviceTopology::connectorsAreLinked() that asks the platform.

@@ -41,12 +41,10 @@ struct DroppedTexts
 
 namespace partsnapshot
 {
-/// Reads the snapshot. All three HRESULTs are ignored on purpose: only what a call stores counts. Without an id from
-/// the platform the id becomes empty, whereas without a name the old name stays. A nil @p part changes nothing.
+/// What is left to do without a trace, see read().
 template<class Texts>
-void read(const COMPtr<IPart>::pointer& part, GUID& subType, Texts&& texts)
+void readUntraced(const COMPtr<IPart>::pointer& part, GUID& subType, Texts&& texts)
 {
-    SONAVIT_TRACE(partlog, "AudioPart::initialize()");
     if (part.get() == nullptr)
         return;
     part->GetSubType(&subType);
@@ -60,6 +58,15 @@ void read(const COMPtr<IPart>::pointer& part, GUID& subType, Texts&& texts)
     part->GetName(name.put());
     if (name.get() != nullptr)
         texts.nameIs(name.get());
+}
+
+/// Reads the snapshot. All three HRESULTs are ignored on purpose: only what a call stores counts. Without an id from
+/// the platform the id becomes empty, whereas without a name the old name stays. A nil @p part changes nothing.
+template<class Texts>
+void read(const COMPtr<IPart>::pointer& part, GUID& subType, Texts&& texts)
+{
+    SONAVIT_TRACE(partlog, "AudioPart::initialize()");
+    readUntraced(part, subType, texts);
 }
 
 /// The part of @p component, with a reference that the caller owns, or null. A pointer along with a failure code is
@@ -81,8 +88,9 @@ void makeRoom(UINT announced, qor::Array<T>& list)
 
 /// Appends an element that adopts the reference on @p object: in its place, or by way of a copy if the list has to
 /// grow. Without memory for that, the element that is copied has adopted the reference and releases it.
-template<class I, class T>
-void append(I* object, qor::Array<T>& list)
+/// @tparam Owned a plain pointer, or what carries one
+template<class Owned, class T>
+void append(Owned object, qor::Array<T>& list)
 {
     if (list.size() < list.capacity())
         list.emplace(object);

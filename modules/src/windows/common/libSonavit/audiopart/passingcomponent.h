@@ -29,6 +29,21 @@ public:
         SONAVIT_TRACE(partlog, "AudioComponent::AudioComponent");
     }
 
+    /// Says that the gate of trace scopes is known to be closed: asking it twice for each component of a large machine
+    /// takes longer than anything else that is not done then.
+    struct Untraced
+    {
+        I* component;
+    };
+
+    explicit PassingComponent(Untraced untraced)
+        : m_component(untraced.component),
+          m_part(untraced.component == nullptr ? nullptr : partsnapshot::partOf(*untraced.component)),
+          m_subType()
+    {
+        partsnapshot::readUntraced(m_part, m_subType, m_texts);
+    }
+
     const typename COMPtr<I>::pointer& component() const noexcept { return m_component; }
     const COMPtr<IPart>::pointer& part() const noexcept { return m_part; }
     const GUID& subType() const noexcept { return m_subType; }

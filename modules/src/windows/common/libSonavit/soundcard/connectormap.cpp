@@ -153,9 +153,13 @@ void SoundCard::linkWithinTopology(unsigned int index)
     const PassingTopology<DroppedTexts> topology(node.connector);
     const unsigned int numLater = m_connectorMap.size() - index - 1;
     ConnectorNode* const later = m_connectorMap.begin() + index + 1;
+    // Then nothing is written during the pass, and so nobody on this thread can open the log meanwhile.
+    const bool isSilent = qor::LogFactory::isSilent(qor::LoggerPriority::LOG_WARNING);
     for (unsigned int i = 0; i < numLater; ++i)
     {
-        if (!topology.nodesAreLinked(node.connector, later[i].connector))
+        const AudioComponent<IConnector>& other = later[i].connector;
+        if (isSilent ? !topology.nodesAreLinkedSilently(node.connector, other)
+                     : !topology.nodesAreLinked(node.connector, other))
             continue;
         node.links.append(index + 1 + i);
         later[i].links.append(index);

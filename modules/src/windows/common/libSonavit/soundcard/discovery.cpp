@@ -42,7 +42,7 @@ qor::Array<SoundCard> SoundCard::enumerateSystemSoundDevices()
         deviceTable.values()[i].initializeConnectorMap();
     qor::Array<SoundCard> cards;
     appendWithTheirMaps(deviceTable.values(), cards);
-    return cards;
+    return qor::Array<SoundCard>(cards, {}); // of two results, compilers would copy this one
 }
 
 /// Appends copies of @p cards to the empty @p result. Each copy takes the map of its original, which ends next.
