@@ -41,7 +41,7 @@ TEST(LogSinkValue, ComparesWithNull)
     EXPECT_TRUE(Sink(countCall) != nullptr);
 }
 
-/// A function object that is false, like a file that is not open, and returns what nobody needs.
+/// A function object that is false, like a file that is not open, and returns a number.
 struct ClosedFile
 {
     explicit operator bool() const { return false; }

@@ -17,7 +17,7 @@ public:
         return device.m_topology;
     }
 
-    /// @p device, for a copy after which nobody uses it.
+    /// @p device, for a copy that is its last use.
     static AudioDevice::LastUse lastUse(AudioDevice& device) noexcept { return AudioDevice::LastUse(device); }
 };
 }

@@ -6,8 +6,8 @@
 
 namespace libSonavit::lastuse
 {
-/// Appends a copy of @p device, which nobody uses afterwards, to @p list. The elements that a full list copies as it
-/// grows come first, as in Array::append().
+/// Appends a copy of @p device to @p list, which is the last use of the device. The elements that a full list copies as
+/// it grows come first, as in Array::append().
 inline void append(AudioDevice& device, qor::Array<AudioDevice>& list)
 {
     list.ensureCapacity(list.size() + 1);

@@ -153,7 +153,7 @@ void SoundCard::linkWithinTopology(unsigned int index)
     const PassingTopology<DroppedTexts> topology(node.connector);
     const unsigned int numLater = m_connectorMap.size() - index - 1;
     ConnectorNode* const later = m_connectorMap.begin() + index + 1;
-    // Then nothing is written during the pass, and so nobody on this thread can open the log meanwhile.
+    // Then nothing is written during the pass, so no sink can open the log meanwhile.
     const bool isSilent = qor::LogFactory::isSilent(qor::LoggerPriority::LOG_WARNING);
     for (unsigned int i = 0; i < numLater; ++i)
     {
