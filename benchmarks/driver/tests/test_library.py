@@ -65,11 +65,14 @@ class LibraryPerCall(unittest.TestCase):
 
 
 class LibraryWholeLists(unittest.TestCase):
-    def table(self, own, **costs):
-        with mock.patch("library.profile_of", return_value=mock.Mock(own=own)) as self.profile:
+    def table(self, own, registration=100, **costs):
+        def profile_of(_, side, operation, toggles=None):
+            return mock.Mock(own=own if side == "direct-wholelist" else registration)
+
+        with mock.patch("library.profile_of", side_effect=profile_of) as self.profile:
             return library.whole_lists("bin", FakeCosts(**costs))
 
-    def test_shows_what_a_plain_client_pays_and_its_share_of_the_library(self):
+    def test_shows_what_a_plain_client_pays_and_the_share_of_the_library_s_own(self):
         table = self.table(1100, discovery_crowded=replace(COST, own=2000))
 
         self.assertEqual(["2,000", "1,000", "1,100", "5.0", "1.82", "-"], table.rows[0].cells)

@@ -73,7 +73,7 @@ public:
     class LastUse;
     class InPassing;
 
-    /// A copy of a device that nobody uses afterwards; see LastUse.
+    /// A copy that is the last use of a device; see LastUse.
     explicit AudioDevice(const LastUse& source);
 
     /// Adopts the caller's reference on @p device, reads id, topology and properties and creates the volume controller,
@@ -219,7 +219,7 @@ private:
     Properties m_savedProperties; // as of the latest successful initialize(); has the format to restore
 };
 
-/// A device that nobody uses after it is copied, such as an element of an array that grows. The copy takes the device's
+/// The last use of a device: to be copied, as an element of an array that grows. The copy takes the device's
 /// topology, with all lists in it, instead of copying it; all else, and all that is traced, is as in a copy. A
 /// device that restores its format at its end needs the topology for that: then the copy copies it.
 class SONAVIT_API AudioDevice::LastUse
