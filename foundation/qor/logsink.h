@@ -21,13 +21,13 @@ public:
     LogSink(std::nullptr_t) noexcept {}
 
     /// @exception std::bad_alloc without memory for it, or what its copy throws
-    template<class Callable, class = std::enable_if_t<std::is_invocable_v<std::decay_t<Callable>&, const LogRecord&> &&
-                                                      !std::is_member_pointer_v<std::decay_t<Callable>> &&
-                                                      !std::is_same_v<std::decay_t<Callable>, LogSink>>>
-    LogSink(Callable&& callable)
+    template<class Callable,
+             class = std::enable_if_t<std::is_invocable_v<Callable&, const LogRecord&> &&
+                                      !std::is_member_pointer_v<Callable> && !std::is_same_v<Callable, LogSink>>>
+    LogSink(Callable callable)
     {
         if (isCallable(callable))
-            m_target.reset(new TargetOf<std::decay_t<Callable>>(std::forward<Callable>(callable)));
+            m_target.reset(new TargetOf<Callable>(std::move(callable)));
     }
 
     explicit operator bool() const noexcept { return m_target != nullptr; }
@@ -53,10 +53,7 @@ private:
     class TargetOf final : public Target
     {
     public:
-        template<class Source>
-        explicit TargetOf(Source&& source) : m_callable(std::forward<Source>(source))
-        {
-        }
+        explicit TargetOf(Callable&& callable) : m_callable(std::move(callable)) {}
 
         void call(const LogRecord& record) override { static_cast<void>(m_callable(record)); }
 
