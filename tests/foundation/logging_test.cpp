@@ -57,6 +57,18 @@ TEST(LogFactoryPriority, IsErrorUntilItIsSet)
     EXPECT_EQ(LoggerPriority::LOG_ERROR, LogFactory::getPriority());
 }
 
+TEST(LogFactoryPriority, SilencesAllThatIsBelowIt)
+{
+    const support::LogCapture log(LoggerPriority::LOG_ERROR);
+
+    EXPECT_TRUE(LogFactory::isSilent(LoggerPriority::LOG_DEBUG));
+    EXPECT_TRUE(LogFactory::isSilent(LoggerPriority::LOG_WARNING));
+    EXPECT_FALSE(LogFactory::isSilent(LoggerPriority::LOG_ERROR));
+    EXPECT_FALSE(LogFactory::isSilent(LoggerPriority::LOG_FATAL));
+    LogFactory::setPriority(LoggerPriority::LOG_DEBUG);
+    EXPECT_FALSE(LogFactory::isSilent(LoggerPriority::LOG_DEBUG));
+}
+
 TEST(LogFactoryPriority, IsWhatWasSet)
 {
     const support::LogCapture log(LoggerPriority::LOG_ERROR);
