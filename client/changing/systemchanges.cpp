@@ -268,7 +268,10 @@ Result<Selector> System::select(const CardId& card, std::string_view selector, s
 Result<Selector> System::select(std::string_view selector, std::string_view input)
 {
     const auto task = [selector = std::string(selector), input = std::string(input)](Watcher& watcher)
-    { return selectIn(watcher, watcher.latest().cards(), selector, input); };
+    {
+        const Snapshot snapshot = watcher.latest(); // the change publishes another one
+        return selectIn(watcher, snapshot.cards(), selector, input);
+    };
     return m_state->run<Selector>("select", "", worker::Urgency::change, task);
 }
 }

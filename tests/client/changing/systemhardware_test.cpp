@@ -194,6 +194,20 @@ TEST_F(SystemHardware, ReportsASelectorAnInputOrACardThatDoesNotExist)
               Problem::Kind::notThere);
 }
 
+/// The selection is published before the selectors are read again, and nobody else has the snapshot before it.
+TEST_F(SystemHardware, ChoosesAnInputOfAWatchedCardAmongAllCards)
+{
+    System& system = start("studio");
+    std::vector<Watch> watches;
+    for (const Card& card : system.snapshot().cards())
+        watches.push_back(system.watch(card.id()).value());
+
+    const Result<Selector> selector = system.select("Auxiliary Source", "Combo 3");
+
+    ASSERT_TRUE(selector);
+    EXPECT_THAT(selector->selected()->title(), testing::HasSubstr("Combo 3"));
+}
+
 TEST_F(SystemHardware, ReportsTheSelectionThatIsRefused)
 {
     System& system = start("studio");
