@@ -64,7 +64,10 @@ void FaultedRuns::addSingles()
         if (!chosen[i])
             continue;
         for (const Mode mode : modesOf(m_calls[i]))
-            m_runs.push_back({{m_calls[i], mode}});
+        {
+            if (admits({m_calls[i], mode}))
+                m_runs.push_back({{m_calls[i], mode}});
+        }
     }
 }
 
@@ -86,8 +89,10 @@ void FaultedRuns::addPairs()
             const std::vector<Mode> modes = modesOf(m_calls[first]);
             const std::vector<Mode> others = modesOf(m_calls[second]);
             const std::size_t turn = pair / distance;
-            m_runs.push_back(
-                {{m_calls[first], modes[turn % modes.size()]}, {m_calls[second], others[turn / 2 % others.size()]}});
+            const Fault one{m_calls[first], modes[turn % modes.size()]};
+            const Fault other{m_calls[second], others[turn / 2 % others.size()]};
+            if (admits(one) && admits(other))
+                m_runs.push_back({one, other});
         }
     }
 }
