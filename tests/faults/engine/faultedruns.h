@@ -45,11 +45,13 @@ private:
     std::vector<bool> chosenCalls() const;
     void addSingles();
     void addPairs();
+    void addPair(const Call& first, const Call& second, std::size_t turn);
 
     Sweep m_sweep;
     Record m_clean;
     std::vector<Call> m_calls;
     std::size_t m_tried = 0;
     std::vector<std::vector<Fault>> m_runs;
+    bool m_hasPairThatThrows = false;
 };
 }
