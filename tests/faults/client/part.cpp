@@ -29,7 +29,7 @@ std::vector<Operation> allOperations()
 Extent extentOn(const std::string& machine)
 {
     Extent extent;
-    extent.platformCalls = 30'000;
+    extent.platformCalls = isSmall(machine) ? 200'000 : 30'000;
     extent.pairs = isSmall(machine) ? 300 : 0;
     return extent;
 }

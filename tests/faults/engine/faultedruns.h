@@ -47,6 +47,7 @@ private:
     std::vector<bool> chosenCalls() const;
     void addSingles();
     void addPairs();
+    void addPair(const Call& first, const Call& second, std::size_t turn);
     bool admits(const Fault& fault) const { return !m_sweep.admits || m_sweep.admits(fault); }
 
     Sweep m_sweep;
@@ -54,5 +55,6 @@ private:
     std::vector<Call> m_calls;
     std::size_t m_tried = 0;
     std::vector<std::vector<Fault>> m_runs;
+    bool m_hasPairThatThrows = false;
 };
 }

@@ -18,7 +18,7 @@ bool isSmall(const std::string& machine)
 Extent extentOn(const std::string& machine, const CommandLine& line)
 {
     Extent extent;
-    extent.platformCalls = line.isJson ? 20'000 : 8'000;
+    extent.platformCalls = isSmall(machine) ? 100'000 : line.isJson ? 20'000 : 8'000;
     extent.pairs = isSmall(machine) ? 100 : 0;
     return extent;
 }
