@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -201,6 +202,13 @@ Snapshot readSnapshot(const Context& context)
     if (problem && snapshot.cards().empty())
         throw OperationFailure(listFailure(*problem));
     return snapshot;
+}
+
+std::vector<Problem> problemsOfLists(const Snapshot& snapshot)
+{
+    std::vector<Problem> problems;
+    std::copy_if(snapshot.problems().begin(), snapshot.problems().end(), std::back_inserter(problems), isOfList);
+    return problems;
 }
 
 void reportDenied(const Context& context, const std::vector<Card>& cards)
