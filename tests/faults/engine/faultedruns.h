@@ -47,8 +47,8 @@ private:
     std::vector<bool> chosenCalls() const;
     void addSingles();
     void addPairs();
-    void addPair(const Call& first, const Call& second, std::size_t turn);
     bool admits(const Fault& fault) const { return !m_sweep.admits || m_sweep.admits(fault); }
+    void addPair(const Call& first, const Call& second, std::size_t turn);
 
     Sweep m_sweep;
     Record m_clean;
