@@ -14,6 +14,7 @@ set(SONAVIT_TEST_TIMEOUT 300 CACHE STRING "Seconds after which a test has failed
 mark_as_advanced(SONAVIT_TEST_TIMEOUT)
 
 option(SONAVIT_TEST_DEBUG "Debug information in the tests, which makes them longer to build" ON)
+option(SONAVIT_CLANG_FOR_TESTS "Compile tests with clang where the product's compiler is gcc: faster" OFF)
 
 # Test sources are many and run for an instant, so it is their compilation that takes time: no optimisation, and the
 # headers that all of them include are precompiled, unless there is a compiler cache, which works better without.
@@ -21,6 +22,21 @@ function(sonavit_set_test_options target)
   sonavit_configure_target(${target} TEST)
   if(NOT MSVC)
     target_compile_options(${target} PRIVATE -O0 $<IF:$<BOOL:${SONAVIT_TEST_DEBUG}>,-g1,-g0>)
+  endif()
+  if(SONAVIT_CLANG_FOR_TESTS AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set_target_properties(
+      ${target} PROPERTIES CXX_COMPILER_LAUNCHER "${PROJECT_SOURCE_DIR}/cmake/shell/testcompiler"
+    )
+  endif()
+endfunction()
+
+function(sonavit_group_tests target)
+  if(SONAVIT_GROUP_TESTS)
+    if(MINGW)
+      # Templates of a group have more sections than a usual object file can number.
+      target_compile_options(${target} PRIVATE -Wa,-mbig-obj)
+    endif()
+    sonavit_compile_in_groups(${target})
   endif()
 endfunction()
 
@@ -68,19 +84,13 @@ function(sonavit_add_test name)
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
   target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest_main)
   sonavit_set_test_options(${name})
-  if(MINGW AND SONAVIT_GROUP_TESTS)
-    # Templates of a group have more sections than a usual object file can number.
-    target_compile_options(${name} PRIVATE -Wa,-mbig-obj)
-  endif()
   if(SONAVIT_MINGW_LLD)
     target_link_options(${name} PRIVATE "SHELL:-wrapper \"${PROJECT_SOURCE_DIR}/cmake/wine/linker\"")
   endif()
   if(NOT arg_NO_PRIVATE_ACCESS)
     sonavit_allow_private_access(${name})
   endif()
-  if(SONAVIT_GROUP_TESTS)
-    sonavit_compile_in_groups(${name})
-  endif()
+  sonavit_group_tests(${name})
   if(arg_PRECOMPILED AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
     sonavit_precompile(${name} REUSE_FROM ${arg_PRECOMPILED})
   elseif(NOT CMAKE_CXX_COMPILER_LAUNCHER)

@@ -2,6 +2,7 @@
 #include "simulator/machine/file/machinefile.h"
 #include "tests/client/capturing/capturetest.h"
 #include "tests/client/capturing/supportsweep.h"
+#include "tests/support/pace.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -122,7 +123,7 @@ protected:
     static std::vector<CallOfCapture> calls(const sim::Machine& machine)
     {
         const Case& each = std::get<Case>(GetParam());
-        const std::uint32_t stride = (isSlow ? each.slowStride : each.stride) * shares;
+        const std::uint32_t stride = (support::isSlow ? each.slowStride : each.stride) * shares;
         const Captured whole = captured(machine);
         std::vector<CallOfCapture> chosen;
         std::map<std::string, std::uint32_t> numbers;

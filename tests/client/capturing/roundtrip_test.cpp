@@ -2,6 +2,7 @@
 #include "simulator/machine/file/machinefile.h"
 #include "tests/client/capturing/capturetest.h"
 #include "tests/simulator/machine/file/machinesample.h"
+#include "tests/support/pace.h"
 #include "tests/support/randommachine.h"
 
 #include <algorithm>
@@ -195,7 +196,7 @@ protected:
 class CaptureRoundTripAtRandom : public CaptureRoundTrip, public testing::WithParamInterface<std::uint32_t>
 {
 public:
-    static constexpr std::uint32_t machines = isSlow ? 50 : 300;
+    static constexpr std::uint32_t machines = support::cases(300, 50);
 };
 
 TEST_F(CaptureRoundTrip, OfEachShippedMachineAnswersAlike)
