@@ -37,11 +37,10 @@ public:
     }
 
 private:
-    /// Whether it is a pointer to an object: to one of an interface, or without type, as Activate returns it.
+    /// Whether it is a pointer to an object: to an interface, or without type, as Activate stores it.
     template<class Value>
-    static constexpr bool isInterface = std::is_pointer_v<Value> &&
-                                        (std::is_void_v<std::remove_pointer_t<Value>> ||
-                                         std::is_base_of_v<IUnknown, std::remove_pointer_t<Value>>);
+    static constexpr bool isInterface = std::is_same_v<Value, void*> ||
+                                        (std::is_pointer_v<Value> && std::is_convertible_v<Value, IUnknown*>);
 
     void tellText(LPWSTR& text) const;
     void tellVariant(PROPVARIANT& value) const;

@@ -1,0 +1,77 @@
+// The object model on every hostile platform that it has to stand, see ../README.md for the others: each operation
+// returns, and leaves behind what it leaves on any platform.
+#include "tests/hostile/library/hostilelibrarytest.h"
+#include "tests/hostile/library/usage.h"
+
+#include <string>
+
+namespace
+{
+using hostile::Platform;
+
+class LibraryOnHostilePlatforms : public hostile::HostileLibraryTest, public testing::WithParamInterface<hostile::Topic>
+{
+protected:
+    ~LibraryOnHostilePlatforms() noexcept override {} // the cards' own may throw
+
+    /// Finds the cards of each platform of the topic in turn, and calls @p use with them.
+    template<class Use>
+    void onEach(const Use& use)
+    {
+        for (const Platform& platform : GetParam().platforms())
+        {
+            if (!platform.beyondObjectModel.empty())
+                continue;
+            SCOPED_TRACE(platform.name);
+            begin(platform);
+            {
+                qor::Array<SoundCard> cards = hostile::findCards();
+                use(cards);
+            }
+            end();
+        }
+    }
+};
+}
+
+TEST_P(LibraryOnHostilePlatforms, AnswersForEachCard)
+{
+    onEach([](qor::Array<SoundCard>& cards) { hostile::askCards(cards); });
+}
+
+TEST_P(LibraryOnHostilePlatforms, FindsControlsOrSaysWhereTheGraphEnds)
+{
+    onEach([](qor::Array<SoundCard>& cards) { hostile::findControls(cards); });
+}
+
+TEST_P(LibraryOnHostilePlatforms, WalksToNeighbours)
+{
+    onEach([](qor::Array<SoundCard>& cards) { hostile::walkParts(cards); });
+}
+
+TEST_P(LibraryOnHostilePlatforms, WritesFormatsBack)
+{
+    onEach([](qor::Array<SoundCard>& cards) { hostile::writeFormats(cards); });
+}
+
+TEST_P(LibraryOnHostilePlatforms, KeepsUpWithWhatIsAnnounced)
+{
+    onEach([this](qor::Array<SoundCard>&) { hostile::announceEverything(simulation()); });
+}
+
+TEST_P(LibraryOnHostilePlatforms, FindsTheTrueCardsAgainWhenThePlatformIsHonest)
+{
+    onEach(
+        [this](qor::Array<SoundCard>&)
+        {
+            beHonest();
+            const qor::Array<SoundCard> first = hostile::findCards();
+            const qor::Array<SoundCard> second = hostile::findCards();
+            ASSERT_EQ(first.size(), second.size());
+            for (unsigned int i = 0; i < first.size(); ++i)
+                EXPECT_EQ(first[i].deviceId().toUtf8(), second[i].deviceId().toUtf8());
+        });
+}
+
+INSTANTIATE_TEST_SUITE_P(Topics, LibraryOnHostilePlatforms, testing::ValuesIn(hostile::topics()),
+                         [](const auto& each) { return std::string(each.param.name); });
