@@ -12,6 +12,8 @@ using hostile::Platform;
 class LibraryOnHostilePlatforms : public hostile::HostileLibraryTest, public testing::WithParamInterface<hostile::Topic>
 {
 protected:
+    /// With errors only: these platforms make the object model say very much.
+    LibraryOnHostilePlatforms() { qor::LogFactory::setPriority(qor::LoggerPriority::LOG_ERROR); }
     ~LibraryOnHostilePlatforms() noexcept override {} // the cards' own may throw
 
     /// Finds the cards of each platform of the topic in turn, and calls @p use with them.

@@ -22,7 +22,7 @@ struct Count
 const char* const asksForEachPart = "each of the announced parts is asked for, and the number is not limited";
 
 const std::vector<Count> counts = {
-    {"Endpoints", "IMMDeviceCollection::GetCount", 50, asksForEach},
+    {"Endpoints", "IMMDeviceCollection::GetCount", 10000, asksForEach},
     {"Connectors", "IDeviceTopology::GetConnectorCount", 10000, asksForEachPart},
     {"Subunits", "IDeviceTopology::GetSubunitCount", 10000, asksForEachPart},
     {"Neighbours", "IPartsList::GetCount", 10000, asksForEachPart},
