@@ -156,7 +156,8 @@ TEST_F(ClientListing, HasNoFormatForBlobsThatAreNone)
     EXPECT_EQ(std::nullopt, speaker.format());
     EXPECT_THAT(speaker.problemWith(EndpointField::format).value(),
                 IsProblemWith("IPropertyStore::GetValue(deviceFormat)", nullPointer));
-    EXPECT_EQ(Problem::Kind::notSupported, audio().holdFormat(EndpointId(honest().speaker), Format{}).problem().kind());
+    EXPECT_EQ(Problem::Kind::notSupported,
+              audio().holdFormat(EndpointId(honest().speaker), Format::integer(16, 48000, 2)).problem().kind());
 }
 
 TEST_F(ClientListing, TakesAnAdapterForNoEndpoint)

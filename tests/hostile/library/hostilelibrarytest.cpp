@@ -33,6 +33,7 @@ sim::Simulation& HostileLibraryTest::begin(const Platform& platform)
     m_isRunning = true;
     if (platform.lie)
         m_references = platform.lie(simulation());
+    simulation().journal().clear(); // of what a lie has asked for
     return simulation();
 }
 
