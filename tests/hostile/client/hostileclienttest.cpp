@@ -7,7 +7,7 @@ namespace hostile
 namespace
 {
 /// More calls than anything costs on one of these small machines, so that it shows if a count is believed.
-constexpr std::size_t mostCalls = 1000000;
+constexpr std::size_t mostCallsOfLayer = 1000000;
 }
 
 void HostileClientTest::TearDown()
@@ -52,6 +52,6 @@ void HostileClientTest::end()
     beHonest();
     simulation().events().waitForClients();
     EXPECT_EQ(sim::Census(), simulation().census());
-    EXPECT_LT(simulation().journal().size(), mostCalls);
+    EXPECT_LT(simulation().journal().size(), mostCallsOfLayer);
 }
 }

@@ -5,7 +5,7 @@ namespace hostile
 namespace
 {
 /// More calls than anything costs on one of these machines, so that it shows if a number without limit is believed.
-constexpr std::size_t mostCalls = 5000000;
+constexpr std::size_t mostCallsOfModel = 5000000;
 
 /// The lists of neighbours that the platform has handed out: the object model releases none of them.
 long listsOf(const sim::Journal& journal)
@@ -55,7 +55,7 @@ void HostileLibraryTest::end()
     EXPECT_EQ(kept.partsLists, left.references()) << left;
     EXPECT_EQ(0, left.taskBlocks()) << left;
     EXPECT_TRUE(left.clients.empty()) << left;
-    EXPECT_LT(simulation().journal().size(), mostCalls);
+    EXPECT_LT(simulation().journal().size(), mostCallsOfModel);
     log.clear();
 }
 }

@@ -10,7 +10,7 @@ namespace
 using testing::Contains;
 using testing::ElementsAre;
 
-const char* const channel = "libSonavit.soundcard";
+const char* const cardChannel = "libSonavit.soundcard";
 
 class LibraryTexts : public hostile::HostileLibraryTest
 {
@@ -51,7 +51,7 @@ TEST_F(LibraryTexts, OfIdsThatAreNullMakeEndpointsWithoutIdOfWhichACardHasOne)
     EXPECT_EQ(1u, cards[0].m_recordDevices->size());
     EXPECT_EQ(0u, cards[0].m_playbackDevices->size());
     EXPECT_EQ("", (*cards[0].m_recordDevices)[0].deviceProperty().deviceId.toUtf8());
-    EXPECT_THAT(log.texts(qor::LoggerPriority::LOG_ERROR, channel), ElementsAre("Cannot add duplicate device "));
+    EXPECT_THAT(log.texts(qor::LoggerPriority::LOG_ERROR, cardChannel), ElementsAre("Cannot add duplicate device "));
 }
 
 TEST_F(LibraryTexts, ThatAreNullLeavePropertiesEmptyAndAreNoFailure)

@@ -7,7 +7,7 @@ namespace hostile
 {
 namespace
 {
-constexpr std::uint32_t allOnes = 0xFFFFFFFF;
+constexpr std::uint32_t minusOne = 0xFFFFFFFF;
 
 struct NumberCall
 {
@@ -17,19 +17,19 @@ struct NumberCall
 };
 
 const std::vector<NumberCall> numberCalls = {
-    {"DeviceState", "IMMDevice::GetState", {0, 5, 16, 0x80000001, allOnes}},
-    {"DeviceFlow", "IMMEndpoint::GetDataFlow", {2, 77, allOnes}},
-    {"PartType", "IPart::GetPartType", {2, allOnes}},
-    {"LocalId", "IPart::GetLocalId", {0, allOnes}},
-    {"ConnectorType", "IConnector::GetType", {99, allOnes}},
-    {"ConnectorFlow", "IConnector::GetDataFlow", {9, allOnes}},
-    {"IsConnected", "IConnector::IsConnected", {2, allOnes}},
-    {"NumericProperty", "IPropertyStore::GetValue", {0, 11, 0x80000000, allOnes}},
-    {"Selection", "IAudioInputSelector::GetSelection", {0, 77, allOnes}},
-    {"Mute", "IAudioEndpointVolume::GetMute", {2, allOnes}},
-    {"PartMute", "IAudioMute::GetMute", {2, allOnes}},
-    {"HardwareSupport", "IAudioEndpointVolume::QueryHardwareSupport", {8, allOnes}},
-    {"StepInfo", "IAudioEndpointVolume::GetVolumeStepInfo", {0, allOnes}},
+    {"DeviceState", "IMMDevice::GetState", {0, 5, 16, 0x80000001, minusOne}},
+    {"DeviceFlow", "IMMEndpoint::GetDataFlow", {2, 77, minusOne}},
+    {"PartType", "IPart::GetPartType", {2, minusOne}},
+    {"LocalId", "IPart::GetLocalId", {0, minusOne}},
+    {"ConnectorType", "IConnector::GetType", {99, minusOne}},
+    {"ConnectorFlow", "IConnector::GetDataFlow", {9, minusOne}},
+    {"IsConnected", "IConnector::IsConnected", {2, minusOne}},
+    {"NumericProperty", "IPropertyStore::GetValue", {0, 11, 0x80000000, minusOne}},
+    {"Selection", "IAudioInputSelector::GetSelection", {0, 77, minusOne}},
+    {"Mute", "IAudioEndpointVolume::GetMute", {2, minusOne}},
+    {"PartMute", "IAudioMute::GetMute", {2, minusOne}},
+    {"HardwareSupport", "IAudioEndpointVolume::QueryHardwareSupport", {8, minusOne}},
+    {"StepInfo", "IAudioEndpointVolume::GetVolumeStepInfo", {0, minusOne}},
 };
 }
 

@@ -4,6 +4,9 @@
 #include "simulator/machine/nodetypes.h"
 #include "simulator/machine/propertykeys.h"
 
+#include <cstdlib>
+#include <utility>
+
 namespace hostile
 {
 HonestMachine::HonestMachine()
@@ -47,6 +50,35 @@ sim::Machine machineOf(const Platform& platform)
     if (platform.change)
         platform.change(machine);
     return machine;
+}
+
+namespace
+{
+#if defined(_WIN32) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool isSlowHere = true;
+#elif defined(__has_feature)
+constexpr bool isSlowHere = __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
+#else
+constexpr bool isSlowHere = false;
+#endif
+}
+
+bool isEverythingWanted()
+{
+    const char* const wanted = std::getenv("SONAVIT_HOSTILE");
+    return wanted != nullptr && std::string(wanted) == "all";
+}
+
+std::vector<Platform> shareOf(const Topic& topic, std::size_t share, std::size_t shares)
+{
+    if (isEverythingWanted())
+        return topic.platforms();
+    constexpr std::size_t some = isSlowHere ? 3 : 1;
+    std::vector<Platform> chosen;
+    std::vector<Platform> all = topic.platforms();
+    for (std::size_t index = share; index < all.size(); index += shares * some)
+        chosen.push_back(std::move(all[index]));
+    return chosen;
 }
 
 const std::vector<Topic>& topics()
