@@ -13,10 +13,10 @@ namespace ends
 {
 namespace
 {
-constexpr std::chrono::seconds patience(20);
+constexpr std::chrono::seconds longPatience(20);
 
-std::optional<System> audio;
-std::optional<Subscription> heard;
+std::optional<System> staticSystem;
+std::optional<Subscription> staticSubscription;
 
 [[noreturn]] void exitHere()
 {
@@ -42,14 +42,14 @@ std::optional<Subscription> heard;
 void begin(System::Options options)
 {
     machine();
-    audio.emplace(std::move(options));
-    read(*audio);
+    staticSystem.emplace(std::move(options));
+    read(*staticSystem);
 }
 
 void exitInASubscriber()
 {
-    begin(withPatience(patience));
-    heard.emplace(audio->subscribe([](const Change&) { exitHere(); }));
+    begin(withPatience(longPatience));
+    staticSubscription.emplace(staticSystem->subscribe([](const Change&) { exitHere(); }));
     causeAnEvent();
     waitForTheEnd();
 }
@@ -58,7 +58,7 @@ void exitInASubscriber()
 void exitInASubscriberOfALivingSystem()
 {
     static System& living = *beginSystem().release();
-    heard.emplace(living.subscribe(
+    staticSubscription.emplace(living.subscribe(
         [](const Change&)
         {
             printLine("exits");
@@ -70,40 +70,41 @@ void exitInASubscriberOfALivingSystem()
 
 void exitInTheHandlerOfExceptions()
 {
-    System::Options options = withPatience(patience);
+    System::Options options = withPatience(longPatience);
     options.onException = [](const std::exception_ptr&) { exitHere(); };
     begin(std::move(options));
-    heard.emplace(audio->subscribe([](const Change&) { throw std::runtime_error("of the subscriber"); }));
+    staticSubscription.emplace(
+        staticSystem->subscribe([](const Change&) { throw std::runtime_error("of the subscriber"); }));
     causeAnEvent();
     waitForTheEnd();
 }
 
 void exitInWake()
 {
-    System::Options options = withPatience(patience);
+    System::Options options = withPatience(longPatience);
     options.delivery = Delivery::poll;
     options.wake = [] { exitOnTheWorker(); };
     begin(std::move(options));
-    heard.emplace(audio->subscribe(&ignore));
+    staticSubscription.emplace(staticSystem->subscribe(&ignore));
     causeAnEvent();
     waitForTheEnd();
 }
 
 void exitInPoll()
 {
-    System::Options options = withPatience(patience);
+    System::Options options = withPatience(longPatience);
     options.delivery = Delivery::poll;
     begin(std::move(options));
-    heard.emplace(audio->subscribe([](const Change&) { exitHere(); }));
+    staticSubscription.emplace(staticSystem->subscribe([](const Change&) { exitHere(); }));
     causeAnEvent();
-    while (audio->poll(patience) == 0)
+    while (staticSystem->poll(longPatience) == 0)
         continue;
 }
 
 /// While the main thread waits for its first snapshot.
 void exitOnWorkerStart()
 {
-    System::Options options = withPatience(patience);
+    System::Options options = withPatience(longPatience);
     options.onWorkerStart = [] { exitOnTheWorker(); };
     begin(std::move(options));
 }
@@ -112,7 +113,7 @@ void exitOnWorkerStart()
 void exitInACallOfThePlatform()
 {
     machine().faults().run("IPropertyStore::GetValue", [] { exitOnTheWorker(); }).at(20);
-    begin(withPatience(patience));
+    begin(withPatience(longPatience));
 }
 }
 

@@ -79,7 +79,8 @@ Ways forks()
 {
     const Lines inOrder = {"3 cards", "ends", "left: nothing", "the former format"};
     return {
-        {"fork_with_everything", {"3 cards", "not read", "ends", "the child ends with 0", "read", "ends"},
+        {"fork_with_everything",
+         {"3 cards", "not read", "ends", "the child ends with 0", "read", "ends"},
          &forkWithEverything},
         {"exit_of_a_child_in_a_subscriber", {"3 cards", "the child ends with 0"}, &exitTheChildInASubscriber},
         {"first_system_in_a_forked_child", inOrder + Lines{"the child ends with 0"} + inOrder, &beginInTheChild},

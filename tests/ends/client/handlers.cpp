@@ -10,16 +10,18 @@ namespace ends
 {
 namespace
 {
-System* kept = nullptr;
+System* systemOfHandlers = nullptr;
 
 /// All kinds of operations; those that diagnose find calls that fail.
 void useIt()
 {
-    const bool isRead = kept->refresh(Depth::everything) && kept->graph() && kept->settings();
-    const bool isChanged = kept->setVolume(speakersId(), Percent(40)) && kept->toggleMute(speakersId());
-    const Result<Capture> captured = capture(*kept);
-    const auto reasons = explain(*kept, speakersId());
-    const auto findings = diagnose(*kept);
+    const bool isRead =
+        systemOfHandlers->refresh(Depth::everything) && systemOfHandlers->graph() && systemOfHandlers->settings();
+    const bool isChanged =
+        systemOfHandlers->setVolume(speakersId(), Percent(40)) && systemOfHandlers->toggleMute(speakersId());
+    const Result<Capture> captured = capture(*systemOfHandlers);
+    const auto reasons = explain(*systemOfHandlers, speakersId());
+    const auto findings = diagnose(*systemOfHandlers);
     printLine(isRead && isChanged && captured && reasons && findings ? "all used" : "some failed");
 }
 
@@ -33,7 +35,7 @@ void failSomeCalls()
 void useItBeforeAndAfter()
 {
     std::atexit(&useIt);
-    kept = beginSystem().release();
+    systemOfHandlers = beginSystem().release();
     failSomeCalls();
     useIt();
     std::atexit(&useIt);
@@ -48,21 +50,21 @@ void beginInAHandler()
 
 void endInAHandler()
 {
-    kept = beginSystem().release();
+    systemOfHandlers = beginSystem().release();
     tellWhatIsLeft();
-    std::atexit([] { delete kept; });
+    std::atexit([] { delete systemOfHandlers; });
 }
 
 void hearInAHandler()
 {
-    kept = beginSystem().release();
+    systemOfHandlers = beginSystem().release();
     tellWhatIsLeft();
     std::atexit(
         []
         {
-            causeAnEventAndWait(*kept);
+            causeAnEventAndWait(*systemOfHandlers);
             printLine("told");
-            delete kept;
+            delete systemOfHandlers;
         });
 }
 }

@@ -30,8 +30,8 @@ private:
     std::unique_ptr<System> m_system;
 };
 
-[[gnu::init_priority(102)]] Holder early("static_system_from_before_the_layer");
-Holder late("static_system_from_before_main");
+[[gnu::init_priority(102)]] Holder earlyHolder("static_system_from_before_the_layer");
+Holder lateHolder("static_system_from_before_main");
 
 void returnOnly()
 {
@@ -41,14 +41,14 @@ void returnOnly()
 /// Where the layer is a part of the program, it ends before the System.
 void fillEarly()
 {
-    early.fill();
+    earlyHolder.fill();
     tellWhatIsLeft();
 }
 
 void fillBoth()
 {
-    early.fill();
-    late.fill();
+    earlyHolder.fill();
+    lateHolder.fill();
     tellWhatIsLeft();
 }
 

@@ -157,9 +157,13 @@ Ways endingThreads()
         {"end_of_the_main_thread_first", Lines{"3 cards", "goes on"} + inOrder, &endTheMainThreadFirst},
         {"return_while_threads_ask", {"3 cards", "ends"}, &returnWhileThreadsAsk, 0, true},
         {"return_while_events_arrive", {"3 cards", "ends"}, &returnWhileEventsArrive, 0, true},
-        {"end_of_a_static_system_while_events_arrive", {"3 cards", "ends"}, &endAStaticSystemWhileEventsArrive, 0,
+        {"end_of_a_static_system_while_events_arrive",
+         {"3 cards", "ends"},
+         &endAStaticSystemWhileEventsArrive,
+         0,
          true},
-        {"events_after_a_refused_unregistration", {"3 cards", "events", "ends"},
+        {"events_after_a_refused_unregistration",
+         {"3 cards", "events", "ends"},
          &causeEventsAfterARefusedUnregistration},
     };
 }

@@ -10,16 +10,16 @@
 
 namespace ends
 {
-Ways returns();         ///< of main(), and what else ends a process
-Ways statics();         ///< static and thread_local objects, in every order
-Ways handlers();        ///< of atexit
-Ways callbacks();       ///< that call exit()
-Ways hangingDrivers();  ///< that never answer
-Ways endingThreads();   ///< before the process, or with it
-Ways forks();           ///< none on Windows
+Ways returns();        ///< of main(), and what else ends a process
+Ways statics();        ///< static and thread_local objects, in every order
+Ways handlers();       ///< of atexit
+Ways callbacks();      ///< that call exit()
+Ways hangingDrivers(); ///< that never answer
+Ways endingThreads();  ///< before the process, or with it
+Ways forks();          ///< none on Windows
 
-/// When the last of the program's static objects has ended, prints what they have left with the machine, which is nothing
-/// if all has ended in order, and whether the first speakers have the format that they have now.
+/// When the last of the program's static objects has ended, prints what they have left with the machine, which is
+/// nothing if all has ended in order, and whether the first speakers have the format that they have now.
 void tellWhatIsLeft();
 /// Prints then only the format.
 void tellTheFormat();

@@ -125,10 +125,13 @@ Ways callbacks()
 {
     return {
         {"exit_in_an_observer", Lines{"3 cards"} + regularEnd(1, ", cards", 1), &exitInAnObserver},
-        {"exit_in_a_volume_notification", Lines{"3 cards"} + regularEnd(1, ", cards, clients"), &exitInAVolumeNotification},
+        {"exit_in_a_volume_notification", Lines{"3 cards"} + regularEnd(1, ", cards, clients"),
+         &exitInAVolumeNotification},
         {"exit_in_a_log_sink", Lines{"3 cards", "logged"} + regularEnd(1, ", cards"), &exitInALogSink},
-        {"exit_in_a_log_sink_on_another_thread", Lines{"3 cards", "logged"} + regularEnd(1, ", cards"), &exitInALogSinkOnAnotherThread},
-        {"exit_in_the_middle_of_a_discovery", Lines{"activates"} + regularEnd(0, ", cards", 4), &exitInTheMiddleOfADiscovery},
+        {"exit_in_a_log_sink_on_another_thread", Lines{"3 cards", "logged"} + regularEnd(1, ", cards"),
+         &exitInALogSinkOnAnotherThread},
+        {"exit_in_the_middle_of_a_discovery", Lines{"activates"} + regularEnd(0, ", cards", 4),
+         &exitInTheMiddleOfADiscovery},
         {"log_at_the_end", Lines{"3 cards", "ends", "libSonavit.soundcard"} + regularEnd(), &logAtTheEnd},
     };
 }

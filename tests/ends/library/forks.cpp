@@ -62,7 +62,8 @@ Ways forks()
     const Lines end = Lines{"ends"} + regularEnd();
     return {
         {"fork_with_cards", Lines{"3 cards"} + end + Lines{"the child ends with 0"} + end, &forkWithCards},
-        {"discovery_in_a_forked_child", Lines{"3 cards", "3 cards", "ends"} + regularEnd(2) + Lines{"the child ends with 0"} + end,
+        {"discovery_in_a_forked_child",
+         Lines{"3 cards", "3 cards", "ends"} + regularEnd(2) + Lines{"the child ends with 0"} + end,
          &discoverInTheChild},
         {"forked_child_that_ends_at_once", Lines{"3 cards", "the child ends with 0"} + end, &endTheChildAtOnce},
     };

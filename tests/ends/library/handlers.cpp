@@ -8,7 +8,7 @@ namespace ends
 {
 namespace
 {
-qor::Array<SoundCard>* kept = nullptr;
+qor::Array<SoundCard>* cardsOfHandlers = nullptr;
 
 void discoverAtTheEnd()
 {
@@ -17,7 +17,7 @@ void discoverAtTheEnd()
 
 void endKeptCards()
 {
-    delete kept;
+    delete cardsOfHandlers;
     printLine("cards end");
 }
 
@@ -25,7 +25,7 @@ void endKeptCards()
 void discoverBeforeAndAfter()
 {
     std::atexit(&discoverAtTheEnd);
-    kept = new qor::Array<SoundCard>(discover());
+    cardsOfHandlers = new qor::Array<SoundCard>(discover());
     std::atexit(&endKeptCards);
     std::atexit(&discoverAtTheEnd);
     tellTheEnd();
@@ -44,8 +44,8 @@ void discoverFirstAtTheEnd()
 void exitAfterAnEventInAHandler()
 {
     static Teller teller;
-    kept = new qor::Array<SoundCard>(discover());
-    observe(*kept, teller);
+    cardsOfHandlers = new qor::Array<SoundCard>(discover());
+    observe(*cardsOfHandlers, teller);
     std::atexit(&causeAnEvent);
     tellTheEnd();
     std::exit(0);
@@ -55,8 +55,7 @@ void exitAfterAnEventInAHandler()
 Ways handlers()
 {
     return {
-        {"handlers_from_before_and_after",
-         Lines{"3 cards", "ends", "3 cards", "cards end", "3 cards"} + regularEnd(3),
+        {"handlers_from_before_and_after", Lines{"3 cards", "ends", "3 cards", "cards end", "3 cards"} + regularEnd(3),
          &discoverBeforeAndAfter},
         {"first_discovery_in_a_handler", Lines{"ends", "3 cards"} + regularEnd(), &discoverFirstAtTheEnd},
         {"event_in_a_handler", Lines{"3 cards", "told"} + regularEnd(1, ", cards", 3), &exitAfterAnEventInAHandler},

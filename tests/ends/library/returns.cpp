@@ -129,8 +129,7 @@ Ways returns()
 {
     Ways ways = {
         {"return_without_cards", Lines{"3 cards", "ends"} + regularEnd(), &returnWithoutCards},
-        {"return_with_living_cards", Lines{"3 cards", "ends"} + regularEnd(1, ", cards"),
-         &returnWithLivingCards},
+        {"return_with_living_cards", Lines{"3 cards", "ends"} + regularEnd(1, ", cards"), &returnWithLivingCards},
         {"exit_with_living_cards", Lines{"3 cards"} + regularEnd(1, ", cards"), &exitWithLivingCards},
         {"return_without_com", Lines{"3 cards", "ends"} + regularEnd(), &returnWithoutCom},
         {"return_after_a_failed_discovery", {"0 cards", "ends", "left: 0 strings"}, &returnAfterAFailedDiscovery},

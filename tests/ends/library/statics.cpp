@@ -3,6 +3,7 @@
 // Where the library is a part of the program, an early object begins before the library's and ends after them; with a
 // shared library all of them begin later and end earlier.
 
+#include "tests/ends/library/linking.h"
 #include "tests/ends/library/ways.h"
 
 #include <memory>
@@ -47,8 +48,8 @@ private:
     bool m_isAskedAtTheEnd = false;
 };
 
-[[gnu::init_priority(101)]] Holder early("static_object_from_before_the_library");
-Holder late("static_object_from_before_main");
+[[gnu::init_priority(101)]] Holder earlyHolder("static_object_from_before_the_library");
+Holder lateHolder("static_object_from_before_main");
 
 void returnOnly()
 {
@@ -57,14 +58,14 @@ void returnOnly()
 
 void fillEarly()
 {
-    early.fill();
+    earlyHolder.fill();
     tellTheEnd();
 }
 
 void fillBoth()
 {
-    late.fill();
-    early.fill();
+    lateHolder.fill();
+    earlyHolder.fill();
     tellTheEnd();
 }
 
@@ -72,14 +73,14 @@ void discoverInTheEarlyOnesEnd()
 {
     CoInitialize(nullptr);
     machine();
-    early.askAtTheEnd();
+    earlyHolder.askAtTheEnd();
     tellTheEnd();
 }
 
 void discoverOnceMoreInTheEarlyOnesEnd()
 {
-    late.fill();
-    early.askAtTheEnd();
+    lateHolder.fill();
+    earlyHolder.askAtTheEnd();
     tellTheEnd();
 }
 
@@ -135,15 +136,13 @@ void returnWithStaticValues()
 /// After the end of the library a discovery makes a shared enumerator that lasts for good, with its clients.
 Lines endAfterALateDiscovery(unsigned discoveries)
 {
-#if defined(SONAVIT_SHARED)
-    return regularEnd(discoveries);
-#else
+    if (isLibraryShared())
+        return regularEnd(discoveries);
     Lines lines = discoveries == 1 ? Lines() : regularEnd(discoveries - 1);
     if (!lines.empty())
         lines.pop_back();
     lines.push_back("left: " + std::to_string(12 * discoveries) + " strings, cards, clients");
     return lines;
-#endif
 }
 }
 
@@ -153,15 +152,20 @@ Ways statics()
         {"static_object_from_before_the_library", Lines{"3 cards", "ends", "cards end"} + regularEnd(), &returnOnly},
         {"static_object_from_before_main", Lines{"3 cards", "ends", "cards end"} + regularEnd(), &returnOnly},
         {"static_object_that_ends_after_the_library", Lines{"3 cards", "ends", "cards end"} + regularEnd(), &fillEarly},
-        {"static_objects_on_both_sides_of_the_library", Lines{"3 cards", "3 cards", "ends", "cards end", "cards end"} + regularEnd(2), &fillBoth},
-        {"first_discovery_in_a_static_destructor", Lines{"ends", "3 cards"} + endAfterALateDiscovery(1), &discoverInTheEarlyOnesEnd},
-        {"discovery_after_the_end_of_the_library", Lines{"3 cards", "ends", "cards end", "3 cards"} + endAfterALateDiscovery(2), &discoverOnceMoreInTheEarlyOnesEnd},
+        {"static_objects_on_both_sides_of_the_library",
+         Lines{"3 cards", "3 cards", "ends", "cards end", "cards end"} + regularEnd(2), &fillBoth},
+        {"first_discovery_in_a_static_destructor", Lines{"ends", "3 cards"} + endAfterALateDiscovery(1),
+         &discoverInTheEarlyOnesEnd},
+        {"discovery_after_the_end_of_the_library",
+         Lines{"3 cards", "ends", "cards end", "3 cards"} + endAfterALateDiscovery(2),
+         &discoverOnceMoreInTheEarlyOnesEnd},
         {"local_static_cards", Lines{"3 cards", "ends"} + regularEnd(), &returnWithALocalStatic},
         {"thread_local_cards", Lines{"3 cards", "ends"} + regularEnd(), &returnWithAThreadLocal},
         {"thread_local_cards_of_another_thread", Lines{"3 cards", "3 cards", "ends"} + regularEnd(),
          &endAThreadWithAThreadLocal},
         {"static_helper", Lines{"has none", "ends", "CoUninitialize"} + regularEnd(), &returnWithAStaticHelper},
-        {"static_values", Lines{"3 cards", "1 devices, 2 controls", "ends"} + regularEnd(1, ", 6 lists of parts"), &returnWithStaticValues},
+        {"static_values", Lines{"3 cards", "1 devices, 2 controls", "ends"} + regularEnd(1, ", 6 lists of parts"),
+         &returnWithStaticValues},
     };
 }
 }

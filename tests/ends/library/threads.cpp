@@ -127,9 +127,10 @@ Ways endingThreads()
         {"end_on_a_thread_without_com", Lines{"3 cards", "ends"} + regularEnd(), &neverInitializeComHere},
         {"exit_on_another_thread", Lines{"3 cards"} + regularEnd(), &exitOnAnotherThread},
         {"end_of_the_main_thread_first", Lines{"3 cards", "goes on"}, &endTheMainThreadFirst},
-        {"return_while_another_thread_hangs_in_the_driver", Lines{"3 cards", "hangs", "ends"} + regularEnd(1, ", cards", 1),
-         &returnWhileAnotherThreadHangsInTheDriver},
-        {"events_after_the_last_card", Lines{"3 cards", "told", "ends"} + regularEnd(1, "", 3), &causeEventsAfterTheLastCard},
+        {"return_while_another_thread_hangs_in_the_driver",
+         Lines{"3 cards", "hangs", "ends"} + regularEnd(1, ", cards", 1), &returnWhileAnotherThreadHangsInTheDriver},
+        {"events_after_the_last_card", Lines{"3 cards", "told", "ends"} + regularEnd(1, "", 3),
+         &causeEventsAfterTheLastCard},
         {"return_while_events_arrive", Lines{"3 cards", "ends"}, &returnWhileEventsArrive, 0, true},
     };
 }

@@ -7,12 +7,12 @@
 
 namespace ends
 {
-Ways returns();   ///< of main(), and what else ends a process
-Ways statics();   ///< static and thread_local objects, in every order
-Ways handlers();  ///< of atexit
-Ways callbacks(); ///< that call exit()
-Ways endingThreads();   ///< that end before the process, or with it
-Ways forks();     ///< none on Windows
+Ways returns();       ///< of main(), and what else ends a process
+Ways statics();       ///< static and thread_local objects, in every order
+Ways handlers();      ///< of atexit
+Ways callbacks();     ///< that call exit()
+Ways endingThreads(); ///< that end before the process, or with it
+Ways forks();         ///< none on Windows
 
 /// Initializes COM on this thread, which ends the process, and discovers the cards.
 qor::Array<SoundCard> discover();

@@ -14,8 +14,8 @@ sim::Simulation& machine();
 /// The first endpoint of the machine, its default speakers.
 std::string speakers();
 
-/// At the very end of the process prints what the library does from now on to end, one call a line, and what it has left;
-/// see lastwords.h.
+/// At the very end of the process prints what the library does from now on to end, one call a line, and what it has
+/// left; see lastwords.h.
 void tellTheEnd();
 
 /// What the process prints at its very end after a regular end of the library: it takes its clients off the platform,

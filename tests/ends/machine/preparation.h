@@ -4,7 +4,7 @@
 
 namespace ends
 {
-/// Called once; each program defines it. On Windows it leads the modules that the program tests to the machine, on every
-/// thread, to the end of the process.
+/// Called once; each program defines it. On Windows it leads the modules that the program tests to the machine, on
+/// every thread, to the end of the process.
 void prepareForTheMachine();
 }

@@ -5,8 +5,8 @@
 //   --way NAME   only this one; without it all
 //   --under      runs each process by this command, for example by valgrind; natively only
 //
-// With SONAVIT_END=NAME in its environment the program plays that way itself. The exit status is 0 if each way has ended
-// as it must: with its exit status, with all of its lines and with no other.
+// With SONAVIT_END=NAME in its environment the program plays that way itself. The exit status is 0 if each way has
+// ended as it must: with its exit status, with all of its lines and with no other.
 
 #include "tests/ends/runner/child.h"
 #include "tests/ends/runner/way.h"
@@ -87,8 +87,8 @@ bool isBeginning(const std::vector<std::string>& beginning, const std::vector<st
 
 bool isAsItMustBe(const Way& way, const Outcome& outcome)
 {
-    const bool areLinesRight = way.mayBeCut && doesSystemCutLines ? isBeginning(outcome.lines, way.lines)
-                                                                  : outcome.lines == way.lines;
+    const bool areLinesRight =
+        way.mayBeCut && doesSystemCutLines ? isBeginning(outcome.lines, way.lines) : outcome.lines == way.lines;
     return !outcome.hasHung && outcome.status == way.status && areLinesRight;
 }
 
@@ -132,8 +132,8 @@ private:
         Outcome outcome;
         try
         {
-            outcome = runChild(way.name, m_request.wrapper,
-                               m_request.wrapper.empty() ? patience : patienceUnderCommand);
+            outcome =
+                runChild(way.name, m_request.wrapper, m_request.wrapper.empty() ? patience : patienceUnderCommand);
         }
         catch (const std::exception& failure)
         {
