@@ -60,7 +60,7 @@ Ways allWays()
 
 void prepareForTheMachine()
 {
-    static_cast<void>(new sim::Redirection(reinterpret_cast<const void*>(&sonavit::refer))); // lasts
+    [[maybe_unused]] static auto& lasting = *new sim::Redirection(reinterpret_cast<const void*>(&sonavit::refer));
 }
 
 void tellWhatIsLeft()

@@ -14,7 +14,7 @@ Ways allWays()
 void prepareForTheMachine()
 {
     qor::LogFactory::setSink([](const qor::LogRecord&) {});
-    static_cast<void>(new sim::Redirection(reinterpret_cast<const void*>(&enumerateSoundCards))); // lasts
+    [[maybe_unused]] static auto& lasting = *new sim::Redirection(reinterpret_cast<const void*>(&enumerateSoundCards));
 }
 
 qor::Array<SoundCard> discover()
