@@ -2,11 +2,12 @@
 
 usage: python3 tests/coverage ROOT LISTING WHAT-RAN [PATH...]
 
-LISTING is a file with the output of llvm-cov show. Without a PATH prints the table of all areas and the closing line,
+LISTING is a file with the output of llvm-cov export. Without a PATH prints the table of all areas and the closing line,
 which begins with WHAT-RAN, and fails if an area is below a limit. With them prints what is not covered in these files
 and folders, relative to ROOT, and fails if there is no such source."""
 
 import sys
+from pathlib import Path
 
 import areas
 import listing
@@ -33,8 +34,7 @@ def main(arguments) -> int:
         print(__doc__, file=sys.stderr)
         return 2
     root, path, ran, *paths = arguments
-    with open(path, encoding="utf-8", errors="replace") as text:
-        sources = listing.read(text, root)
+    sources = listing.read(Path(path).read_text(encoding="utf-8"), root)
     if paths:
         return print_uncovered(sources, paths)
     measured = areas.rows(sources)

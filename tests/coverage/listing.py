@@ -1,18 +1,36 @@
-"""Reads what llvm-cov show prints: each line of a source with how often it ran, and each branch with how often it went
-either way.
+"""Reads what llvm-cov export prints: the segments of each source with how often they ran, and each condition with how
+often it went either way.
 
-A template is shown once for each of its instances; a branch counts as taken if one of them takes it. A condition that
-is a constant has no branches. The branches in the body of a macro count where the macro is defined, not at each use."""
+A template has its conditions once for each of its instances: a way counts as taken if one of them takes it. A condition
+that runs and goes neither way is a constant, and no branch. The conditions in the body of a macro are none of the
+sources that use it."""
 
-import re
+import json
+from bisect import bisect_right
 from dataclasses import dataclass, field
-from typing import Dict, Iterable, Iterator, List, Tuple
-
-FILE = re.compile(r"^(/\S+):$")
-LINE = re.compile(r"^ *(\d+)\| *([\d.]+[kMGTPEZY]?)\|")
-BRANCH = re.compile(r"^[ |]*Branch \((\d+):(\d+)\): \[True: ([^,]+), False: ([^\]]+)\]")
+from pathlib import Path
+from typing import Dict, Iterator, List, Optional, Tuple
 
 Place = Tuple[int, int]  # line and column
+
+
+@dataclass(frozen=True)
+class Segment:
+    """From its place to that of the next one the text runs as often as it says."""
+
+    place: Place
+    count: int
+    has_count: bool
+    begins: bool  # a region of the source; otherwise one ends
+    is_gap: bool  # between two statements
+
+    @classmethod
+    def of(cls, values: list) -> "Segment":
+        line, column, count, has_count, begins, is_gap = values
+        return cls((line, column), count, has_count, begins, is_gap)
+
+    def counts(self) -> bool:
+        return self.has_count and not self.is_gap
 
 
 @dataclass
@@ -51,27 +69,64 @@ class Source:
         return (text for _, _, text in sorted(found))
 
 
-def read(text: Iterable[str], root: str) -> List[Source]:
+class Segments:
+    def __init__(self, values: list):
+        self._all = [Segment.of(each) for each in values]
+        self._places = [segment.place for segment in self._all]
+
+    def at(self, place: Place) -> Optional[Segment]:
+        """The one that the text at the place belongs to."""
+        index = bisect_right(self._places, place)
+        return self._all[index - 1] if index > 0 else None
+
+    def beginning_in(self, line: int, after: int) -> Iterator[Segment]:
+        first = bisect_right(self._places, (line, after))
+        last = bisect_right(self._places, (line + 1, 0))
+        return (segment for segment in self._all[first:last] if segment.begins)
+
+    def ran(self, line: int, column: int) -> Optional[bool]:
+        """Whether the line, whose text starts at the column, ran at least in part; none if it is no code."""
+        first = self.at((line, column))
+        found = ([first] if first is not None else []) + list(self.beginning_in(line, column))
+        counts = [segment.count for segment in found if segment.counts()]
+        return max(counts) > 0 if counts else None
+
+
+def lines_of(text: str, segments: Segments) -> Dict[int, bool]:
+    lines = {}
+    for number, line in enumerate(text.splitlines(), 1):
+        code = line.strip()
+        if code == "" or code.startswith("//"):
+            continue
+        ran = segments.ran(number, len(line) - len(line.lstrip()) + 1)
+        if ran is not None:
+            lines[number] = ran
+    return lines
+
+
+def without_constants(source: Source, segments: Segments) -> None:
+    for place, both in list(source.branches.items()):
+        around = segments.at(place)
+        if both == (False, False) and around is not None and around.count > 0:
+            del source.branches[place]
+
+
+def read_file(entry: dict, path: str, text: str) -> Source:
+    segments = Segments(entry["segments"])
+    source = Source(path, lines_of(text, segments))
+    for line, column, _, _, went_true, went_false, *_ in entry["branches"]:
+        source.add_branch((line, column), went_true > 0, went_false > 0)
+    without_constants(source, segments)
+    return source
+
+
+def read(listing: str, root: str) -> List[Source]:
     """The files below the folder root; their paths are relative to it."""
     prefix = root.rstrip("/") + "/"
     sources: List[Source] = []
-    current = None
-    for line in text:
-        named = FILE.match(line)
-        if named:
-            path = named.group(1)
-            current = Source(path[len(prefix):]) if path.startswith(prefix) else None
-            if current is not None:
-                sources.append(current)
-            continue
-        if current is None:
-            continue
-        branch = BRANCH.match(line)
-        if branch:
-            place = (int(branch.group(1)), int(branch.group(2)))
-            current.add_branch(place, branch.group(3) != "0", branch.group(4) != "0")
-            continue
-        counted = LINE.match(line)
-        if counted:
-            current.lines[int(counted.group(1))] = counted.group(2) != "0"
+    for data in json.loads(listing)["data"]:
+        for entry in data["files"]:
+            if entry["filename"].startswith(prefix):
+                text = Path(entry["filename"]).read_text(encoding="utf-8")
+                sources.append(read_file(entry, entry["filename"][len(prefix):], text))
     return sources

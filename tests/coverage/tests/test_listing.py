@@ -1,79 +1,91 @@
+import json
+import tempfile
 import unittest
+from pathlib import Path
 
 import listing
 
-SHOWN = """/root/foundation/qor/word.h:
-    1|       |#pragma once
-    2|     12|template<class T> bool isEven(T number)
-    3|  1.20k|{
-    4|      0|    return number % 2 == 0 && number != 4;
-  ------------------
-  |  Branch (4:12): [True: 3, False: 0]
-  |  Branch (4:31): [True: 2.5k, False: 1]
-  ------------------
-  |  Branch (4:12): [True: 0, False: 9]
-  ------------------
-    5|     12|}
-    6|     12|while (true)
-  ------------------
-  |  Branch (6:8): [Folded - Ignored]
-  ------------------
+TEXT = """int half(int number)
+{
+    // even numbers alone
+    if (number % 2 == 0 && number > 0)
+        return number / 2;
 
-/usr/include/c++/12/vector:
-    1|      0|int a;
-
-/root/client/sonavit/card.cpp:
-    7|      0|void never() { if (other) return; }
-  ------------------
-  |  Branch (7:20): [True: 0, False: 0]
-  ------------------
-    8|      1|// Branch (8:1): [True: 0, False: 0]
+    LOG("odd");
+    return 0;
+}
+int never() { return 1; }
 """
 
+# [line, column, count, has count, begins a region, is a gap]
+SEGMENTS = [
+    [2, 1, 7, True, True, False],
+    [4, 9, 7, True, True, False],
+    [4, 28, 5, True, True, False],
+    [4, 38, 7, True, False, False],
+    [4, 39, 0, True, False, True],
+    [5, 9, 0, True, True, False],
+    [5, 26, 7, True, False, False],
+    [7, 16, 0, True, False, True],  # what clang puts after a macro with a loop that never repeats
+    [8, 5, 7, True, False, False],
+    [9, 2, 0, False, False, False],
+    [10, 13, 0, True, True, False],
+    [10, 26, 0, False, False, False],
+]
 
-def shown():
-    return listing.read(SHOWN.splitlines(), "/root")
+# [line, column, end line, end column, true, false, ...]
+BRANCHES = [[4, 9, 4, 24, 3, 0, 0, 0, 4], [4, 28, 4, 38, 0, 5, 0, 0, 4], [4, 9, 4, 24, 0, 2, 0, 0, 4]]
+
+
+def half(branches=BRANCHES):
+    return listing.read_file({"segments": SEGMENTS, "branches": branches}, "half.cpp", TEXT)
+
+
+class Lines(unittest.TestCase):
+    def test_run_if_a_part_of_them_does(self):
+        self.assertEqual({2: True, 4: True, 5: False, 7: True, 8: True, 9: True, 10: False}, half().lines)
+
+    def test_are_counted(self):
+        self.assertEqual((5, 7), (half().lines_covered(), len(half().lines)))
+
+
+class Branches(unittest.TestCase):
+    def test_are_joined_over_the_instances_of_a_template(self):
+        self.assertEqual((True, True), half().branches[(4, 9)])
+
+    def test_are_two_for_each_condition(self):
+        self.assertEqual((4, 3), (half().branch_count(), half().branches_covered()))
+
+    def test_are_none_of_a_constant(self):
+        self.assertNotIn((8, 5), half([[8, 5, 8, 9, 0, 0, 0, 0, 4]]).branches)
+
+    def test_of_a_line_that_never_runs_are_not_taken(self):
+        self.assertEqual((False, False), half([[10, 22, 10, 23, 0, 0, 0, 0, 4]]).branches[(10, 22)])
+
+
+class Uncovered(unittest.TestCase):
+    def test_names_lines_and_each_way_in_the_order_of_the_lines(self):
+        self.assertEqual(["half.cpp:4:28: is never true", "half.cpp:5: never runs", "half.cpp:10: never runs"],
+                         list(half().uncovered()))
+
+    def test_names_no_branch_of_a_line_that_never_runs(self):
+        self.assertEqual(["half.cpp:5: never runs", "half.cpp:10: never runs"],
+                         list(half([[10, 22, 10, 23, 0, 0, 0, 0, 4]]).uncovered()))
+
+
+def export(folder):
+    """A listing of two files, and the first one on the disk."""
+    path = Path(folder) / "foundation" / "half.cpp"
+    path.parent.mkdir()
+    path.write_text(TEXT, encoding="utf-8")
+    files = [{"filename": str(path), "segments": SEGMENTS, "branches": BRANCHES},
+             {"filename": "/usr/include/vector", "segments": [], "branches": []}]
+    return json.dumps({"data": [{"files": files}]})
 
 
 class Read(unittest.TestCase):
     def test_takes_the_files_below_the_root_alone(self):
-        self.assertEqual(["foundation/qor/word.h", "client/sonavit/card.cpp"], [source.path for source in shown()])
-
-    def test_takes_a_root_that_ends_in_a_slash(self):
-        self.assertEqual("foundation/qor/word.h", listing.read(SHOWN.splitlines(), "/root/")[0].path)
-
-    def test_counts_no_line_without_code(self):
-        self.assertEqual({2: True, 3: True, 4: False, 5: True, 6: True}, shown()[0].lines)
-
-    def test_joins_the_instances_of_a_template(self):
-        self.assertEqual((True, True), shown()[0].branches[(4, 12)])
-
-    def test_leaves_constant_conditions_out(self):
-        self.assertEqual({(4, 12), (4, 31)}, set(shown()[0].branches))
-
-    def test_finds_no_branch_in_a_comment(self):
-        self.assertEqual({(7, 20)}, set(shown()[1].branches))
-
-
-class SourceFigures(unittest.TestCase):
-    def test_have_two_branches_for_each_condition(self):
-        self.assertEqual((4, 4), (shown()[0].branch_count(), shown()[0].branches_covered()))
-        self.assertEqual((2, 0), (shown()[1].branch_count(), shown()[1].branches_covered()))
-
-    def test_have_the_lines_that_ran(self):
-        self.assertEqual(4, shown()[0].lines_covered())
-
-
-class Uncovered(unittest.TestCase):
-    def test_names_lines(self):
-        self.assertEqual(["foundation/qor/word.h:4: never runs"], list(shown()[0].uncovered()))
-
-    def test_names_no_branch_of_a_line_that_never_runs(self):
-        self.assertEqual(["client/sonavit/card.cpp:7: never runs"], list(shown()[1].uncovered()))
-
-    def test_names_each_side_of_a_branch_in_the_order_of_the_lines(self):
-        source = listing.Source("a.cpp", {2: True, 9: True, 10: False})
-        source.add_branch((9, 3), False, False)
-        source.add_branch((2, 1), True, False)
-        self.assertEqual(["a.cpp:2:1: is never false", "a.cpp:9:3: is never false", "a.cpp:9:3: is never true",
-                          "a.cpp:10: never runs"], list(source.uncovered()))
+        with tempfile.TemporaryDirectory() as folder:
+            text = export(folder)
+            for root in (folder, folder + "/"):
+                self.assertEqual(["foundation/half.cpp"], [source.path for source in listing.read(text, root)])
