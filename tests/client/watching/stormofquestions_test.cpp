@@ -147,7 +147,7 @@ TEST_F(QuestionsInAStorm, HaveAnswersThatManyThreadsShare)
                 const Graph copy = *graph;
                 const bool isRight = own.endpoint(any(random)) && copy == *graph && own == shared &&
                                      testing::PrintToString(own) == text &&
-                                     apply(own, difference(own, newest)) == newest;
+                                     sonavit::apply(own, difference(own, newest)) == newest;
                 wrong += isRight ? 0 : 1;
                 return true;
             });
