@@ -1,6 +1,6 @@
 import contextlib
-import importlib.util
 import io
+import runpy
 import tempfile
 import unittest
 from pathlib import Path
@@ -8,9 +8,7 @@ from pathlib import Path
 from test_listing import export
 
 MAIN = Path(__file__).resolve().parent.parent / "__main__.py"
-spec = importlib.util.spec_from_file_location("coverage_main", MAIN)
-program = importlib.util.module_from_spec(spec)
-spec.loader.exec_module(program)
+main = runpy.run_path(str(MAIN))["main"]
 
 
 def run(*paths):
@@ -20,7 +18,7 @@ def run(*paths):
         file.write_text(export(folder), encoding="utf-8")
         output = io.StringIO()
         with contextlib.redirect_stdout(output), contextlib.redirect_stderr(output):
-            result = program.main([folder, str(file), "7 suites", *paths])
+            result = main([folder, str(file), "7 suites", *paths])
     return result, output.getvalue().splitlines()
 
 
@@ -46,5 +44,5 @@ class Program(unittest.TestCase):
 
     def test_explains_itself_without_arguments(self):
         with contextlib.redirect_stderr(io.StringIO()) as output:
-            self.assertEqual(2, program.main([]))
+            self.assertEqual(2, main([]))
         self.assertIn("usage", output.getvalue())
