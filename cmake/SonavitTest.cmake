@@ -97,7 +97,7 @@ function(sonavit_add_test name)
     sonavit_precompile(${name} PRIVATE ${SONAVIT_TEST_HEADERS} ${arg_PRECOMPILE})
   endif()
 
-  if(CMAKE_CROSSCOMPILING_EMULATOR OR SONAVIT_SANITIZE)
+  if(CMAKE_CROSSCOMPILING_EMULATOR OR SONAVIT_SANITIZE OR SONAVIT_COVERAGE)
     sonavit_discover_suites(${name} ${arg_ASAN_OPTIONS})
   else()
     gtest_discover_tests(
