@@ -4,7 +4,7 @@ import difflib
 import re
 from dataclasses import dataclass
 
-from structure import Structure
+from structure import ASSIGNMENTS, Structure
 from tokens import matching, tokens_of
 
 KINDS = ("condition", "arithmetic", "constant", "order", "priority", "text", "release", "call")
@@ -150,8 +150,18 @@ class _Finder:
         following = {statement.first: statement for statement in statements}
         for one in statements:
             other = following.get(one.last + 1)
-            if other is not None:
+            if other is not None and not self.commute(one, other):
                 self.add("order", one.first, other.last, self.exchanged(one, other))
+
+    def commute(self, one, other):
+        """Whether the order cannot matter: two assignments, without calls, of which neither names the target of the other."""
+        if {one.kind, other.kind} != {"assignment"}:
+            return False
+        texts = [[token.text for token in self.tokens[each.first:each.last]] for each in (one, other)]
+        if any({"(", "++", "--"} & set(each) for each in texts):
+            return False
+        targets = [" ".join(each[:next(index for index, text in enumerate(each) if text in ASSIGNMENTS)]) for each in texts]
+        return all(f" {target} " not in f" {' '.join(text)} " for target, text in zip(targets, reversed(texts)))
 
     def exchanged(self, one, other):
         start, middle = self.tokens[one.first].start, self.tokens[one.last].end

@@ -1,0 +1,141 @@
+"""Trying changes of sources of the product, with a build that has no compiler."""
+
+import tempfile
+import unittest
+from pathlib import Path
+from unittest import mock
+
+import trial
+from changes import changes_of
+from coverage import Coverage, Test
+from folders import ROOT
+from running import Outcome
+
+SOURCE = "foundation/qor/qorvalue.cpp"
+HEADER = "foundation/qor/unitword.h"
+TESTS = [Test("A.One", 0.1, "/t/a_test.cpp"), Test("B.Two", 0.2, "/t/b_test.cpp")]
+PASSED = Outcome(0, "[  PASSED  ] 1 test.\n")
+FAILED = Outcome(1, "[  FAILED  ] A.One\n")
+
+
+class FakeBuild:
+    """A program of the object of SOURCE and of two objects that read HEADER."""
+
+    folder = Path("/build")
+    sources = {"own.o": SOURCE, "first.o": "tests/first_test.cpp", "second.o": "tests/second_test.cpp"}
+    functions = {"own.o": {"f"}, "first.o": {"g"}, "second.o": {"g", "h"}}
+
+    def objects_of(self, program):
+        return list(self.sources)
+
+    def source_of(self, item):
+        return str(ROOT / self.sources[item])
+
+    def command_of(self, item):
+        return ["clang++", "-O0", "-o", item, "-c", self.sources[item]]
+
+    def link_command(self, program):
+        return ["clang++", *self.sources, "-o", program]
+
+    def read_by(self, item):
+        return {str(ROOT / HEADER)} if item != "own.o" else set()
+
+    def reads_precompiled(self, item, path):
+        return False
+
+    def functions_in(self, item):
+        return self.functions[item]
+
+
+def coverage():
+    """Line 10 of both files is in block 0, which both tests reach; line 20 in block 1, which only B.Two reaches; line 30 of
+    the header is in the function h."""
+    lines = {10: {0}, 20: {1}, 40: {3}}
+    return Coverage(TESTS, {SOURCE: lines, HEADER: {**lines, 30: {2}}}, {0: 0b11, 1: 0b10, 2: 0b10},
+                    {0: "g", 1: "g", 2: "h", 3: "k"})
+
+
+def change(path, line, is_code=True):
+    head = "void f() { " if is_code else ""
+    return next(each for each in changes_of(path, "\n" * (line - 1) + head + "a = 1;") if each.kind == "constant")
+
+
+class TrialTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = Path(folder.name)
+        self.trial = trial.Trial(FakeBuild(), {"p_test": coverage()}, self.folder)
+        self.commands = []
+        self.codes = {}
+        self.bytes = {"": b"plain", "changed": b"changed"}
+
+    def run_compiler(self, command, folder, seconds):
+        self.commands.append(command)
+        output = Path(command[command.index("-o") + 1] if "-ivfsoverlay" in command else command[-1])
+        output.write_bytes(self.bytes["changed" if "-ivfsoverlay" in command else ""])
+        is_link = "-fuse-ld=lld-14" in command
+        return Outcome(self.codes.get("link" if is_link else "compile", 0), "")
+
+    def judged(self, tried, *outcomes):
+        with mock.patch.object(trial, "run", self.run_compiler), \
+                mock.patch.object(trial, "run_tests", side_effect=outcomes) as self.run_tests:
+            return self.trial.judged(tried, ["p_test"], "0")
+
+
+class Plan(TrialTest):
+    def plan(self, *where, **more):
+        plan = self.trial.plan(change(*where, **more), "p_test")
+        return plan and (plan.objects, [test.name for test in plan.tests])
+
+    def test_a_source_has_its_object_and_the_tests_that_reach_the_line(self):
+        self.assertEqual((("own.o",), ["A.One", "B.Two"]), self.plan(SOURCE, 10))
+        self.assertEqual((("own.o",), ["B.Two"]), self.plan(SOURCE, 20))
+
+    def test_a_value_outside_of_functions_has_the_tests_of_its_file(self):
+        self.assertEqual((("own.o",), ["A.One", "B.Two"]), self.plan(SOURCE, 21, is_code=False))
+
+    def test_a_line_that_no_test_reaches_has_no_plan(self):
+        self.assertIsNone(self.plan(SOURCE, 40))
+
+    def test_a_header_has_the_objects_that_define_its_functions(self):
+        self.assertEqual((("second.o",), ["B.Two"]), self.plan(HEADER, 30))
+        self.assertEqual((("first.o",), ["B.Two"]), self.plan(HEADER, 20))
+
+
+class Judged(TrialTest):
+    def test_a_change_is_killed_by_the_test_that_fails(self):
+        self.assertEqual(trial.Verdict(trial.KILLED, "A.One"), self.judged(change(SOURCE, 10), FAILED))
+
+    def test_the_changed_object_is_linked_in_place_of_the_original(self):
+        self.judged(change(SOURCE, 10), FAILED)
+
+        link = next(command for command in self.commands if "-fuse-ld=lld-14" in command)
+        self.assertEqual([str(self.folder / "0" / "own_o.o"), "first.o", "second.o"], link[1:4])
+
+    def test_the_compiler_reads_the_changed_text_in_place_of_the_source(self):
+        self.judged(change(SOURCE, 10), FAILED)
+
+        self.assertIn(str(self.folder / "0" / "overlay.json"), self.commands[0])
+        self.assertIn(f'"name": "{ROOT / SOURCE}"', (self.folder / "0" / "overlay.json").read_text(encoding="utf-8"))
+
+    def test_it_survives_if_all_tests_pass(self):
+        self.assertEqual(trial.Verdict(trial.SURVIVED, "1 tests"), self.judged(change(SOURCE, 20), PASSED))
+        self.assertEqual(["B.Two"], self.run_tests.call_args.args[1])
+
+    def test_one_of_which_an_optimizing_compiler_makes_the_same_is_thrown_away(self):
+        self.bytes["changed"] = self.bytes[""]
+
+        self.assertEqual(trial.Verdict(trial.EQUAL), self.judged(change(SOURCE, 20), PASSED))
+
+    def test_one_that_cannot_be_compiled_or_linked_is_thrown_away(self):
+        for step in ("compile", "link"):
+            self.codes = {step: 1}
+            self.assertEqual(trial.Verdict(trial.UNCOMPILABLE), self.judged(change(SOURCE, 10)))
+
+    def test_one_that_no_test_reaches_survives_at_once(self):
+        self.assertEqual(trial.Verdict(trial.UNREACHED), self.judged(change(SOURCE, 40)))
+        self.run_tests.assert_not_called()
+
+    def test_one_that_no_program_contains_is_thrown_away(self):
+        self.assertEqual(trial.Verdict(trial.UNCOMPILABLE), self.judged(change(HEADER, 40)))
