@@ -17,4 +17,4 @@ def objects_for(functions, candidates):
         chosen.append(best)
         for name in gained:
             del left[name]
-    return chosen, set(functions) - set(left)
+    return chosen

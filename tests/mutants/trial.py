@@ -55,16 +55,17 @@ class Trial:
         self._originals = {}
         self._lock = threading.Lock()
 
-    def plan(self, change, program):
-        """How the change is tried in a program, or None if no test of it reaches the change."""
+    def plans(self, change, program):
+        """How the change is tried in a program, step by step: a header first in one object, which kills most, and then in
+        all that are worth it. Empty if no test reaches the change."""
         coverage = self._coverages[program]
         objects = self._build.objects_of(program)
         own = [item for item in objects if self._build.source_of(item) == str(ROOT / change.path)]
         if own:
-            tests = coverage.tests_of(self._blocks(change, coverage))
+            steps = [(own, coverage.tests_of(self._blocks(change, coverage)))]
         else:
-            own, tests = self._plan_for_header(change, coverage, objects)
-        return Plan(program, tuple(own), tuple(tests)) if own and tests else None
+            steps = self._steps_for_header(change, coverage, objects)
+        return [Plan(program, tuple(items), tuple(tests)) for items, tests in steps if items and tests]
 
     @staticmethod
     def _blocks(change, coverage):
@@ -73,21 +74,25 @@ class Trial:
             return coverage.blocks_of_file(change.path)
         return coverage.blocks_of(change.path, change.line, change.last_line, change.is_code)
 
-    def _plan_for_header(self, change, coverage, objects):
+    def _steps_for_header(self, change, coverage, objects):
         """The objects whose functions have most of the blocks, and the tests that reach these functions."""
         blocks = self._blocks(change, coverage)
         reading = self._sorted(change, [item for item in objects if str(ROOT / change.path) in self._build.read_by(item)])
         if not blocks and not change.is_code:  # a value, which a few of these sources use
             own = reading[:choosing.MOST_OBJECTS]
             found = [test for item in own for test in self._tests_of_source(coverage, self._build.source_of(item))]
-            return own, list(dict.fromkeys(found))
+            return [(own, list(dict.fromkeys(found)))]
         weights = {}
         for block in blocks:
             name = coverage.functions.get(block, "")
             weights[name] = weights.get(name, 0) + len(coverage.tests_of([block]))
         candidates = {item: self._build.functions_in(item) for item in reading}
-        own, functions = choosing.objects_for({name: count for name, count in weights.items() if count}, candidates)
-        return own, coverage.tests_of([block for block in blocks if coverage.functions.get(block) in functions])
+        own = choosing.objects_for({name: count for name, count in weights.items() if count}, candidates)
+        steps = []
+        for count in sorted({1, len(own)}):
+            functions = set().union(*(candidates[item] for item in own[:count]))
+            steps.append((own[:count], coverage.tests_of([block for block in blocks if coverage.functions.get(block) in functions])))
+        return steps
 
     def _sorted(self, change, items):
         """Those come first whose sources have the names of the changed lines, then the products', then those of tests whose
@@ -119,7 +124,7 @@ class Trial:
         folder = self._folder / worker
         folder.mkdir(parents=True, exist_ok=True)
         text = (ROOT / change.path).read_text(encoding="utf-8")
-        plans = [plan for plan in (self.plan(change, program) for program in programs) if plan is not None]
+        plans = [plan for program in programs for plan in self.plans(change, program)]
         overlay = self._overlay(change, text, folder)
         if not plans:
             return self._judged_unreached(change, programs, overlay, folder)
@@ -134,7 +139,7 @@ class Trial:
                 return Verdict(KILLED, test)
         if all(self._is_equal(item, change, overlay, folder) for plan in plans for item in plan.objects):
             return Verdict(EQUAL)
-        return Verdict(SURVIVED, f"{sum(len(plan.tests) for plan in plans)} tests")
+        return Verdict(SURVIVED, f"{len({test for plan in plans for test in plan.tests})} tests")
 
     def _judged_unreached(self, change, programs, overlay, folder):
         """A change that no test reaches survives, if it is compiled into a program and makes a difference there."""

@@ -19,11 +19,12 @@ FAILED = Outcome(1, "[  FAILED  ] A.One\n")
 
 
 class FakeBuild:
-    """A program of the object of SOURCE and of two objects that read HEADER."""
+    """A program of the object of SOURCE and of three objects that read HEADER."""
 
     folder = Path("/build")
-    sources = {"own.o": SOURCE, "first.o": "tests/first_test.cpp", "second.o": "tests/second_test.cpp"}
-    functions = {"own.o": {"f"}, "first.o": {"g"}, "second.o": {"g", "h"}}
+    sources = {"own.o": SOURCE, "first.o": "tests/first_test.cpp", "second.o": "tests/second_test.cpp",
+               "third.o": "tests/third_test.cpp"}
+    functions = {"own.o": {"f"}, "first.o": {"g"}, "second.o": {"g", "h"}, "third.o": {"l"}}
 
     def objects_of(self, program):
         return list(self.sources)
@@ -49,10 +50,10 @@ class FakeBuild:
 
 def coverage():
     """Line 10 of both files is in block 0, which both tests reach; line 20 in block 1, which only B.Two reaches; line 30 of
-    the header is in the function h."""
+    the header is in the function h, and its line 50 in g, for A.One, and in l, for B.Two."""
     lines = {10: {0}, 20: {1}, 40: {3}}
-    return Coverage(TESTS, {SOURCE: lines, HEADER: {**lines, 30: {2}}}, {0: 0b11, 1: 0b10, 2: 0b10},
-                    {0: "g", 1: "g", 2: "h", 3: "k"})
+    return Coverage(TESTS, {SOURCE: lines, HEADER: {**lines, 30: {2}, 50: {4, 5}}},
+                    {0: 0b11, 1: 0b10, 2: 0b10, 4: 0b01, 5: 0b10}, {0: "g", 1: "g", 2: "h", 3: "k", 4: "g", 5: "l"})
 
 
 def change(path, line, is_code=True):
@@ -83,24 +84,27 @@ class TrialTest(unittest.TestCase):
             return self.trial.judged(tried, ["p_test"], "0")
 
 
-class Plan(TrialTest):
-    def plan(self, *where, **more):
-        plan = self.trial.plan(change(*where, **more), "p_test")
-        return plan and (plan.objects, [test.name for test in plan.tests])
+class Plans(TrialTest):
+    def plans(self, *where, **more):
+        plans = self.trial.plans(change(*where, **more), "p_test")
+        return [(plan.objects, [test.name for test in plan.tests]) for plan in plans]
 
     def test_a_source_has_its_object_and_the_tests_that_reach_the_line(self):
-        self.assertEqual((("own.o",), ["A.One", "B.Two"]), self.plan(SOURCE, 10))
-        self.assertEqual((("own.o",), ["B.Two"]), self.plan(SOURCE, 20))
+        self.assertEqual([(("own.o",), ["A.One", "B.Two"])], self.plans(SOURCE, 10))
+        self.assertEqual([(("own.o",), ["B.Two"])], self.plans(SOURCE, 20))
 
     def test_a_value_outside_of_functions_has_the_tests_of_its_file(self):
-        self.assertEqual((("own.o",), ["A.One", "B.Two"]), self.plan(SOURCE, 21, is_code=False))
+        self.assertEqual([(("own.o",), ["A.One", "B.Two"])], self.plans(SOURCE, 21, is_code=False))
 
-    def test_a_line_that_no_test_reaches_has_no_plan(self):
-        self.assertIsNone(self.plan(SOURCE, 40))
+    def test_a_line_that_no_test_reaches_has_none(self):
+        self.assertEqual([], self.plans(SOURCE, 40))
 
     def test_a_header_has_the_objects_that_define_its_functions(self):
-        self.assertEqual((("second.o",), ["B.Two"]), self.plan(HEADER, 30))
-        self.assertEqual((("first.o",), ["B.Two"]), self.plan(HEADER, 20))
+        self.assertEqual([(("second.o",), ["B.Two"])], self.plans(HEADER, 30))
+        self.assertEqual([(("first.o",), ["B.Two"])], self.plans(HEADER, 20))
+
+    def test_a_header_is_tried_in_one_object_before_all(self):
+        self.assertEqual([(("first.o",), ["A.One"]), (("first.o", "third.o"), ["A.One", "B.Two"])], self.plans(HEADER, 50))
 
 
 class Judged(TrialTest):
@@ -111,7 +115,7 @@ class Judged(TrialTest):
         self.judged(change(SOURCE, 10), FAILED)
 
         link = next(command for command in self.commands if "-fuse-ld=lld-14" in command)
-        self.assertEqual([str(self.folder / "0" / "own_o.o"), "first.o", "second.o"], link[1:4])
+        self.assertEqual([str(self.folder / "0" / "own_o.o"), "first.o", "second.o", "third.o"], link[1:5])
 
     def test_the_compiler_reads_the_changed_text_in_place_of_the_source(self):
         self.judged(change(SOURCE, 10), FAILED)
