@@ -76,13 +76,17 @@ def main(words):
         return 0
     build = Build(arguments.build)
     run = Run(build, arguments.build / "mutants", arguments.jobs, arguments.survivors)
-    reports = []
+    reports, unknown = [], set(arguments.id)
     for folder in folders:
         texts, changes = chosen(folder, arguments, build)
+        unknown -= {change.id for change in changes}
         if arguments.list:
             print("\n".join(change.id for change in changes))
         elif not changes:
             print(f"{folder.name}: there is nothing to change", file=sys.stderr)
+            return 2
+        elif unknown and folder == folders[-1]:
+            print(f"no such mistake: {' '.join(sorted(unknown))}", file=sys.stderr)
             return 2
         else:
             least = folder.least if not arguments.file else 100
@@ -100,3 +104,5 @@ if __name__ == "__main__":
         sys.exit(main(sys.argv[1:]))
     except Failure as failure:
         sys.exit(str(failure))
+    except KeyboardInterrupt:
+        sys.exit("interrupted; the next run goes on here")

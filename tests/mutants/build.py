@@ -13,8 +13,11 @@ def output_of(command, folder):
     return subprocess.run(command, cwd=folder, check=True, capture_output=True, text=True).stdout
 
 
-def compiled_again(command, output, is_optimized=False):
-    """The command without instrumentation, warnings and debug information, for another object file."""
+SANITIZERS = ("-fsanitize=address,undefined", "-fno-sanitize-recover=all")
+
+
+def compiled_again(command, output, options=("-O0",)):
+    """The command without instrumentation, warnings and debug information, for another object file, with these options."""
     words = []
     skips = 0
     for word in command:
@@ -22,9 +25,9 @@ def compiled_again(command, output, is_optimized=False):
             skips -= 1
         elif word == "-o":
             skips = 1
-        elif not word.startswith(("-W", "-fsanitize-coverage", "-g")) and not (is_optimized and word == "-O0"):
+        elif not word.startswith(("-W", "-fsanitize-coverage", "-g", "-O")):
             words.append(word)
-    return words + ["-w", "-O2" if is_optimized else "-O0", "-o", str(output)]
+    return words + ["-w", *options, "-o", str(output)]
 
 
 def without_precompiled(command):
@@ -39,7 +42,7 @@ def without_precompiled(command):
     return words
 
 
-def linked_again(command, replaced, added, output):
+def linked_again(command, replaced, added, output, options=()):
     """The command with other objects in place of replaced, all of them in front, so that they are taken for what a library
     has, too; linked by LLVM's linker, which is quick, without debug information."""
     compiler, words, index = command[0], [], 1
@@ -49,7 +52,7 @@ def linked_again(command, replaced, added, output):
         elif command[index] not in replaced:
             words.append(command[index])
         index += 1
-    return [compiler, *map(str, added), *words, "-fuse-ld=lld-14", "-Wl,--strip-debug", "-o", str(output)]
+    return [compiler, *map(str, added), *words, *options, "-fuse-ld=lld-14", "-Wl,--strip-debug", "-o", str(output)]
 
 
 class Build:

@@ -9,9 +9,9 @@ from pathlib import Path
 
 import choosing
 import order
-from build import compiled_again, linked_again, without_precompiled
+from build import SANITIZERS, compiled_again, linked_again, without_precompiled
 from folders import ROOT
-from running import LIMITS, failure, run, run_tests
+from running import LIMITS, SANITIZED_LIMITS, SANITIZER_OPTIONS, failure, run, run_tests
 
 COMPILE_SECONDS = 300
 
@@ -129,16 +129,29 @@ class Trial:
         if not plans:
             return self._judged_unreached(change, programs, overlay, folder)
         for plan in plans:
-            objects = [self._compiled(item, change, overlay, folder) for item in plan.objects]
-            if None in objects:
+            program = self._program(change, plan, overlay, folder)
+            if program is None:
                 return Verdict(UNCOMPILABLE)
-            test = self._killing(change, plan, objects, folder)
-            if test == UNCOMPILABLE:
-                return Verdict(UNCOMPILABLE)
+            test = self._killing_together(change, plan, program, folder)
             if test is not None:
                 return Verdict(KILLED, test)
+        return self._judged_closely(change, plans, overlay, folder)
+
+    def _judged_closely(self, change, plans, overlay, folder):
+        """For a change that the tests have not noticed when they ran together: whether it is one, whether a test notices
+        that is the first of its process, and whether sanitizers do, with which the tests run, too."""
         if all(self._is_equal(item, change, overlay, folder) for plan in plans for item in plan.objects):
             return Verdict(EQUAL)
+        for plan in plans:
+            program = self._program(change, plan, overlay, folder)
+            for test in plan.tests:
+                killing = failure(run_tests(program, [test.name], folder, self._seconds([test])), 1)
+                if killing is not None:
+                    return Verdict(KILLED, f"{killing}, alone")
+        for plan in plans:
+            killing = self._killing_sanitized(change, plan, overlay, folder)
+            if killing is not None:
+                return Verdict(KILLED, f"{killing}, with sanitizers")
         return Verdict(SURVIVED, f"{len({test for plan in plans for test in plan.tests})} tests")
 
     def _judged_unreached(self, change, programs, overlay, folder):
@@ -171,40 +184,63 @@ class Trial:
         overlay.write_text(json.dumps({"version": 0, "use-external-names": False, "roots": [entry]}), encoding="utf-8")
         return overlay
 
-    def _compiled(self, item, change, overlay, folder, is_optimized=False):
-        """The object that the change makes of this one, or None if it cannot be compiled. Without a change, that of the
+    def _compiled(self, item, change, overlay, folder, options=("-O0",)):
+        """The object that the change makes of this one, or None if it cannot be compiled. Without an overlay, that of the
         source as it is."""
-        kind = ("optimized." if is_optimized else "") + ("" if overlay else "original.")
-        output = folder / (re.sub(r"\W", "_", item)[-150:] + f".{kind}o")
-        command = compiled_again(self._build.command_of(item), output, is_optimized)
-        if is_optimized or self._build.reads_precompiled(item, str(ROOT / change.path)):
+        kind = f"{'changed' if overlay else 'original'}.{options[0].strip('-').split('=')[0]}"
+        output = folder / (re.sub(r"\W", "_", item)[-150:] + f".{kind}.o")
+        command = compiled_again(self._build.command_of(item), output, options)
+        if options != ("-O0",) or self._build.reads_precompiled(item, str(ROOT / change.path)):
             command = without_precompiled(command)
         if overlay:
             command += ["-ivfsoverlay", str(overlay)]
         outcome = run([*LIMITS, *command], self._build.folder, COMPILE_SECONDS)
         return output if outcome.code == 0 else None
 
-    def _killing(self, change, plan, objects, folder):
-        """The test that fails with these objects; None if all tests pass."""
+    def _program(self, change, plan, overlay, folder, options=("-O0",)):
+        """The program of the plan with the change, or None if it cannot be compiled."""
+        objects = [self._compiled(item, change, overlay, folder, options) for item in plan.objects]
+        if None in objects:
+            return None
         program = folder / plan.program
-        command = linked_again(self._build.link_command(plan.program), plan.objects, objects, program)
-        if run(command, self._build.folder, COMPILE_SECONDS).code != 0:
-            return UNCOMPILABLE
+        command = linked_again(self._build.link_command(plan.program), plan.objects, objects, program, options)
+        return program if run(command, self._build.folder, COMPILE_SECONDS).code == 0 else None
+
+    @staticmethod
+    def _seconds(tests):
+        """How long they may take."""
+        return 20 + 20 * sum(test.seconds for test in tests)
+
+    def _killing_together(self, change, plan, program, folder):
+        """The test that fails, of those that run in one process; None if all tests pass."""
         for batch in order.batches(plan.tests, change.path):
-            seconds = 20 + 20 * sum(test.seconds for test in batch)
-            outcome = run_tests(program, [test.name for test in batch], folder, seconds)
+            outcome = run_tests(program, [test.name for test in batch], folder, self._seconds(batch))
             test = failure(outcome, len(batch))
             if test is not None:
                 return test
         return None
 
+    def _killing_sanitized(self, change, plan, overlay, folder):
+        """The test that fails if the changed objects are compiled with sanitizers, and passes if the original ones are."""
+
+        def failing(overlay):
+            program = self._program(change, plan, overlay, folder, SANITIZERS)
+            if program is None:
+                return None
+            outcome = run_tests(program, [test.name for test in plan.tests], folder, 5 * self._seconds(plan.tests),
+                                SANITIZED_LIMITS, ASAN_OPTIONS=SANITIZER_OPTIONS)
+            return failure(outcome, len(plan.tests))
+
+        test = failing(overlay)
+        return test if test is not None and failing(None) is None else None
+
     def _is_equal(self, item, change, overlay, folder):
         """Whether an optimizing compiler makes the same of the changed source as of the original one."""
-        changed = self._compiled(item, change, overlay, folder, True)
+        changed = self._compiled(item, change, overlay, folder, ("-O2",))
         with self._lock:
             original = self._originals.get(item)
         if original is None:
-            output = self._compiled(item, change, None, folder, True)
+            output = self._compiled(item, change, None, folder, ("-O2",))
             original = output.read_bytes() if output else b""
             with self._lock:
                 self._originals[item] = original

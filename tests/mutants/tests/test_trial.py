@@ -13,8 +13,9 @@ from running import Outcome
 
 SOURCE = "foundation/qor/qorvalue.cpp"
 HEADER = "foundation/qor/unitword.h"
-TESTS = [Test("A.One", 0.1, "/t/a_test.cpp"), Test("B.Two", 0.2, "/t/b_test.cpp")]
+TESTS = [Test("A.One", 0.1, "/t/a_test.cpp"), Test("B.Two", 0.1, "/t/b_test.cpp")]
 PASSED = Outcome(0, "[  PASSED  ] 1 test.\n")
+BOTH_PASSED = Outcome(0, "[  PASSED  ] 2 tests.\n")
 FAILED = Outcome(1, "[  FAILED  ] A.One\n")
 
 
@@ -115,7 +116,7 @@ class Judged(TrialTest):
         self.judged(change(SOURCE, 10), FAILED)
 
         link = next(command for command in self.commands if "-fuse-ld=lld-14" in command)
-        self.assertEqual([str(self.folder / "0" / "own_o.o"), "first.o", "second.o", "third.o"], link[1:5])
+        self.assertEqual([str(self.folder / "0" / "own_o.changed.O0.o"), "first.o", "second.o", "third.o"], link[1:5])
 
     def test_the_compiler_reads_the_changed_text_in_place_of_the_source(self):
         self.judged(change(SOURCE, 10), FAILED)
@@ -124,8 +125,23 @@ class Judged(TrialTest):
         self.assertIn(f'"name": "{ROOT / SOURCE}"', (self.folder / "0" / "overlay.json").read_text(encoding="utf-8"))
 
     def test_it_survives_if_all_tests_pass(self):
-        self.assertEqual(trial.Verdict(trial.SURVIVED, "1 tests"), self.judged(change(SOURCE, 20), PASSED))
+        self.assertEqual(trial.Verdict(trial.SURVIVED, "1 tests"), self.judged(change(SOURCE, 20), PASSED, PASSED, PASSED))
         self.assertEqual(["B.Two"], self.run_tests.call_args.args[1])
+
+    def test_tests_that_pass_together_are_asked_alone(self):
+        self.assertEqual(trial.Verdict(trial.KILLED, "A.One, alone"), self.judged(change(SOURCE, 10), BOTH_PASSED, FAILED))
+        self.assertEqual(["A.One"], self.run_tests.call_args.args[1])
+
+    def test_sanitizers_are_asked_at_the_end(self):
+        verdict = self.judged(change(SOURCE, 20), PASSED, PASSED, FAILED, PASSED)
+
+        self.assertEqual(trial.Verdict(trial.KILLED, "A.One, with sanitizers"), verdict)
+        self.assertEqual(["-fsanitize=address,undefined" in command for command in self.commands[-4:]], [True] * 4)
+
+    def test_what_fails_with_sanitizers_and_without_a_change_says_nothing(self):
+        verdict = self.judged(change(SOURCE, 20), PASSED, PASSED, FAILED, FAILED)
+
+        self.assertEqual(trial.Verdict(trial.SURVIVED, "1 tests"), verdict)
 
     def test_one_of_which_an_optimizing_compiler_makes_the_same_is_thrown_away(self):
         self.bytes["changed"] = self.bytes[""]
