@@ -189,6 +189,20 @@ TEST(XmlElementRead, TakesNamedAndNumberedReferences)
     EXPECT_EQ(String(" "), textOf("<e>&#32;</e>"));
 }
 
+TEST(XmlElementRead, TakesTheDigitsOfItsBaseInAReferenceAndNothingElse)
+{
+    const auto accepts = [](const std::string& reference)
+    { return complaint("<e>&#" + reference + ";</e>") == "none"; };
+    for (char c = ' '; c <= '~'; ++c)
+    {
+        const bool isDecimal = std::string("0123456789").find(c) != std::string::npos;
+        const bool isHexadecimal = isDecimal || std::string("abcdefABCDEF").find(c) != std::string::npos;
+
+        EXPECT_EQ(isDecimal || c == ';', accepts(std::string("1") + c)) << c; // "1;;" ends before the second one
+        EXPECT_EQ(isHexadecimal || c == ';', accepts(std::string("x1") + c)) << c;
+    }
+}
+
 TEST(XmlElementRead, TakesReferencesInsideWords)
 {
     EXPECT_EQ(String("left & right < all"), textOf("<e>left &amp; right &lt; all</e>"));

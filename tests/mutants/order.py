@@ -6,14 +6,14 @@ from pathlib import PurePosixPath
 BATCHES = (0.3, 3.0)
 
 
-def _is_near(test, path):
+def is_near(test, path):
     """Whether the source of a test mirrors the file at path: tests/client/x_test.cpp and client/x.cpp."""
     return PurePosixPath(test.source).name.startswith(PurePosixPath(path).stem)
 
 
 def batches(tests, path):
     """Lists of tests, each to be run by one process: those of the mirrored source first, then the quickest ones."""
-    ordered = sorted(tests, key=lambda test: (not _is_near(test, path), test.seconds, test.name))
+    ordered = sorted(tests, key=lambda test: (not is_near(test, path), test.seconds, test.name))
     result, total = [[]], 0.0
     for test in ordered:
         if len(result) <= len(BATCHES) and result[-1] and total + test.seconds > BATCHES[len(result) - 1]:

@@ -62,7 +62,7 @@ class Trial:
         objects = self._build.objects_of(program)
         own = [item for item in objects if self._build.source_of(item) == str(ROOT / change.path)]
         if own:
-            steps = [(own, coverage.tests_of(self._blocks(change, coverage)))]
+            steps = [(own, self._tests(change, coverage))]
         else:
             steps = self._steps_for_header(change, coverage, objects)
         return [Plan(program, tuple(items), tuple(tests)) for items, tests in steps if items and tests]
@@ -73,6 +73,12 @@ class Trial:
         if not change.is_code and not change.path.endswith(".h"):
             return coverage.blocks_of_file(change.path)
         return coverage.blocks_of(change.path, change.line, change.last_line, change.is_code)
+
+    def _tests(self, change, coverage):
+        """Those that reach the change, and if it is a value, which other sources may use, those of the mirrored source."""
+        tests = coverage.tests_of(self._blocks(change, coverage))
+        near = [] if change.is_code else [test for test in coverage.tests if order.is_near(test, change.path)]
+        return list(dict.fromkeys([*tests, *near]))
 
     def _steps_for_header(self, change, coverage, objects):
         """The objects whose functions have most of the blocks, and the tests that reach these functions."""

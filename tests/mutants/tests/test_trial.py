@@ -53,7 +53,7 @@ def coverage():
     """Line 10 of both files is in block 0, which both tests reach; line 20 in block 1, which only B.Two reaches; line 30 of
     the header is in the function h, and its line 50 in g, for A.One, and in l, for B.Two."""
     lines = {10: {0}, 20: {1}, 40: {3}}
-    return Coverage(TESTS, {SOURCE: lines, HEADER: {**lines, 30: {2}, 50: {4, 5}}},
+    return Coverage(list(TESTS), {SOURCE: lines, HEADER: {**lines, 30: {2}, 50: {4, 5}}},
                     {0: 0b11, 1: 0b10, 2: 0b10, 4: 0b01, 5: 0b10}, {0: "g", 1: "g", 2: "h", 3: "k", 4: "g", 5: "l"})
 
 
@@ -96,6 +96,11 @@ class Plans(TrialTest):
 
     def test_a_value_outside_of_functions_has_the_tests_of_its_file(self):
         self.assertEqual([(("own.o",), ["A.One", "B.Two"])], self.plans(SOURCE, 21, is_code=False))
+
+    def test_a_value_outside_of_functions_has_the_tests_of_its_mirrored_source_too(self):
+        self.trial._coverages["p_test"].tests.append(Test("C.Near", 0.1, "/t/qorvalue_test.cpp"))
+
+        self.assertEqual([(("own.o",), ["A.One", "B.Two", "C.Near"])], self.plans(SOURCE, 21, is_code=False))
 
     def test_a_line_that_no_test_reaches_has_none(self):
         self.assertEqual([], self.plans(SOURCE, 40))
