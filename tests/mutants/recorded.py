@@ -4,6 +4,7 @@ import hashlib
 import os
 import pickle
 import re
+import shutil
 from concurrent.futures import ThreadPoolExecutor
 
 from build import LLVM, output_of
@@ -13,7 +14,7 @@ from linetable import rows
 from recording import records
 from running import run_tests
 
-SUITE_SECONDS = 600
+SUITE_SECONDS = 3600
 VERSION = 1
 
 
@@ -37,9 +38,13 @@ class Failure(Exception):
     """The unchanged program does not pass its tests."""
 
 
-def _records_of(program, suite, scratch):
-    folder = scratch / re.sub(r"\W", "_", suite)
+def _records_of(program, suite, folder):
+    """The records of a suite, from the folder if it was recorded there before."""
+    folder = folder / re.sub(r"\W", "_", suite)
     folder.mkdir(parents=True, exist_ok=True)
+    kept = folder / "records"
+    if kept.exists():
+        return pickle.loads(kept.read_bytes())
     file = folder / "reached"
     file.unlink(missing_ok=True)
     outcome = run_tests(program, [f"{suite}.*"], folder, SUITE_SECONDS, SONAVIT_REACHED=str(file))
@@ -47,6 +52,9 @@ def _records_of(program, suite, scratch):
         raise Failure(f"{program.name}: {suite} fails without a change:\n{outcome.output[-3000:]}")
     found = list(records(file.read_bytes()))
     file.unlink()
+    written = folder / "written"
+    written.write_bytes(pickle.dumps(found))
+    written.rename(kept)
     return found
 
 
@@ -84,7 +92,8 @@ def coverage_of(build, name, folder, jobs):
         if kept[0] == key:
             return kept[1]
     print(f"Recording which lines the tests of {name} reach", flush=True)
-    coverage = _record(build, name, folder / "scratch" / name, jobs)
-    folder.mkdir(parents=True, exist_ok=True)
+    scratch = folder / f"{name}.{key[1][:16]}"
+    coverage = _record(build, name, scratch, jobs)
     file.write_bytes(pickle.dumps((key, coverage)))
+    shutil.rmtree(scratch)
     return coverage

@@ -222,9 +222,18 @@ class Trial:
         for batch in order.batches(plan.tests, change.path):
             outcome = run_tests(program, [test.name for test in batch], folder, self._seconds(batch))
             test = failure(outcome, len(batch))
-            if test is not None:
+            if test is not None and (outcome.code is None or self._is_confirmed(test, batch, plan, program, folder)):
                 return test
         return None
+
+    def _is_confirmed(self, test, batch, plan, program, folder):
+        """Whether the change makes the test fail and not its company: it fails alone, too, or only with the change."""
+        names = [each.name for each in batch]
+        first = [each for each in batch if each.name == test.split(" ")[0]]
+        if first and failure(run_tests(program, [first[0].name], folder, self._seconds(first)), 1) is not None:
+            return True
+        original = run_tests(self._build.program(plan.program), names, folder, self._seconds(batch))
+        return failure(original, len(batch)) is None
 
     def _killing_sanitized(self, change, plan, overlay, folder):
         """The test that fails if the changed objects are compiled with sanitizers, and passes if the original ones are."""

@@ -17,6 +17,7 @@ TESTS = [Test("A.One", 0.1, "/t/a_test.cpp"), Test("B.Two", 0.1, "/t/b_test.cpp"
 PASSED = Outcome(0, "[  PASSED  ] 1 test.\n")
 BOTH_PASSED = Outcome(0, "[  PASSED  ] 2 tests.\n")
 FAILED = Outcome(1, "[  FAILED  ] A.One\n")
+HANGS = Outcome(None, "[ RUN      ] A.One\n")
 
 
 class FakeBuild:
@@ -32,6 +33,9 @@ class FakeBuild:
 
     def source_of(self, item):
         return str(ROOT / self.sources[item])
+
+    def program(self, name):
+        return self.folder / "bin" / name
 
     def command_of(self, item):
         return ["clang++", "-O0", "-o", item, "-c", self.sources[item]]
@@ -115,16 +119,29 @@ class Plans(TrialTest):
 
 class Judged(TrialTest):
     def test_a_change_is_killed_by_the_test_that_fails(self):
-        self.assertEqual(trial.Verdict(trial.KILLED, "A.One"), self.judged(change(SOURCE, 10), FAILED))
+        self.assertEqual(trial.Verdict(trial.KILLED, "A.One"), self.judged(change(SOURCE, 10), FAILED, FAILED))
+        self.assertEqual(["A.One"], self.run_tests.call_args.args[1])
+
+    def test_it_is_killed_if_the_test_fails_with_others_and_only_with_the_change(self):
+        self.assertEqual(trial.Verdict(trial.KILLED, "A.One"), self.judged(change(SOURCE, 10), FAILED, PASSED, BOTH_PASSED))
+        self.assertEqual(Path("/build/bin/p_test"), self.run_tests.call_args.args[0])
+
+    def test_a_test_that_others_make_fail_says_nothing(self):
+        verdict = self.judged(change(SOURCE, 10), FAILED, PASSED, FAILED, PASSED, PASSED, BOTH_PASSED)
+
+        self.assertEqual(trial.Verdict(trial.SURVIVED, "2 tests"), verdict)
+
+    def test_a_test_that_hangs_is_not_asked_again(self):
+        self.assertEqual(trial.Verdict(trial.KILLED, "A.One (hangs)"), self.judged(change(SOURCE, 10), HANGS))
 
     def test_the_changed_object_is_linked_in_place_of_the_original(self):
-        self.judged(change(SOURCE, 10), FAILED)
+        self.judged(change(SOURCE, 10), FAILED, FAILED)
 
         link = next(command for command in self.commands if "-fuse-ld=lld-14" in command)
         self.assertEqual([str(self.folder / "0" / "own_o.changed.O0.o"), "first.o", "second.o", "third.o"], link[1:5])
 
     def test_the_compiler_reads_the_changed_text_in_place_of_the_source(self):
-        self.judged(change(SOURCE, 10), FAILED)
+        self.judged(change(SOURCE, 10), FAILED, FAILED)
 
         self.assertIn(str(self.folder / "0" / "overlay.json"), self.commands[0])
         self.assertIn(f'"name": "{ROOT / SOURCE}"', (self.folder / "0" / "overlay.json").read_text(encoding="utf-8"))
