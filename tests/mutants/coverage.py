@@ -6,7 +6,7 @@ from dataclasses import dataclass, field
 
 @dataclass(frozen=True)
 class Test:
-    """source is the file that has the test, seconds is how long it took."""
+    """source is the file that has the test, seconds is how long the processor worked for it."""
 
     name: str
     seconds: float

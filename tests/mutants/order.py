@@ -2,8 +2,8 @@
 
 from pathlib import PurePosixPath
 
-# Seconds of tests in the first batches; all others are in the last one.
-BATCHES = (0.3, 3.0)
+# Seconds of tests in the first batches, and in each of the others.
+BATCHES = (0.3, 3.0, 20.0)
 
 
 def is_near(test, path):
@@ -16,7 +16,7 @@ def batches(tests, path):
     ordered = sorted(tests, key=lambda test: (not is_near(test, path), test.seconds, test.name))
     result, total = [[]], 0.0
     for test in ordered:
-        if len(result) <= len(BATCHES) and result[-1] and total + test.seconds > BATCHES[len(result) - 1]:
+        if result[-1] and total + test.seconds > BATCHES[min(len(result), len(BATCHES)) - 1]:
             result.append([])
             total = 0.0
         result[-1].append(test)

@@ -54,14 +54,14 @@ def run_tests(program, names, folder, seconds, limits=LIMITS, **environment):
     """Runs these tests of a program, up to the first one that fails. folder is for its files."""
     flags = folder / "flags"
     flags.write_text(f"--gtest_filter={':'.join(names)}\n--gtest_fail_fast\n--gtest_color=no\n", encoding="utf-8")
-    command = [*limits, str(program), f"--gtest_flagfile={flags}"]
+    command = [*limits, f"--cpu={int(seconds)}:{int(seconds) + 5}", str(program), f"--gtest_flagfile={flags}"]
     return run(command, folder, seconds, _environment(folder, **environment))
 
 
 def failure(outcome, count):
     """What has failed of count tests: the name of the test, or what happened; None if all have passed."""
     running = (RUNS.findall(outcome.output) or ["the start of the program"])[-1]
-    if outcome.code is None:
+    if outcome.code is None or outcome.code == 128 + signal.SIGXCPU:
         return f"{running} (hangs)"
     if outcome.code == 0:
         passed = PASSED.search(outcome.output)

@@ -215,7 +215,7 @@ class Trial:
     @staticmethod
     def _seconds(tests):
         """How long they may take."""
-        return 20 + 20 * sum(test.seconds for test in tests)
+        return 20 + 10 * sum(test.seconds for test in tests)
 
     def _killing_together(self, change, plan, program, folder):
         """The test that fails, of those that run in one process; None if all tests pass."""

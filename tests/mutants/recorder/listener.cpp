@@ -1,15 +1,15 @@
 // Appends a record to the file of the recorder after each test of a program: what the test has reached.
 //
-// A record is a line, "<suite>.<test> <microseconds> <passed or failed> <number of blocks> <source>", and the numbers
-// of the blocks in binary. The file starts with such a record named "places", whose numbers have 64 bits: where the
-// blocks begin.
+// A record is a line, "<suite>.<test> <microseconds of the processor> <passed or failed> <number of blocks> <source>",
+// and the numbers of the blocks in binary. The file starts with such a record named "places", whose numbers have 64
+// bits: where the blocks begin.
 #include "tests/mutants/recorder/recorder.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdint>
 #include <cstdlib>
+#include <ctime>
 #include <fstream>
 #include <stdexcept>
 #include <string>
@@ -42,22 +42,22 @@ private:
         append(m_file, "places 0 passed " + std::to_string(places.size()) + " -", places);
     }
 
-    void OnTestStart(const testing::TestInfo&) override { m_start = std::chrono::steady_clock::now(); }
+    void OnTestStart(const testing::TestInfo&) override { m_start = std::clock(); }
 
     void OnTestEnd(const testing::TestInfo& test) override
     {
-        const auto duration = std::chrono::steady_clock::now() - m_start;
-        const auto microseconds = std::chrono::duration_cast<std::chrono::microseconds>(duration).count();
+        const auto microseconds = 1000000.0 * static_cast<double>(std::clock() - m_start) / CLOCKS_PER_SEC;
         const std::vector<std::uint32_t> blocks = reached::take();
         append(m_file,
-               std::string(test.test_suite_name()) + '.' + test.name() + ' ' + std::to_string(microseconds) +
+               std::string(test.test_suite_name()) + '.' + test.name() + ' ' +
+                   std::to_string(static_cast<long long>(microseconds)) +
                    (test.result()->Passed() ? " passed " : " failed ") + std::to_string(blocks.size()) + ' ' +
                    test.file(),
                blocks);
     }
 
     std::string m_file;
-    std::chrono::steady_clock::time_point m_start;
+    std::clock_t m_start = 0;
 };
 
 [[maybe_unused]] const bool isListening = []

@@ -37,10 +37,11 @@ class Batches(unittest.TestCase):
 
         self.assertEqual([["C.near", "B.quick", "A.slow"]], self.names(tests))
 
-    def test_each_batch_has_its_time_and_the_last_one_the_rest(self):
-        tests = [Test(f"A.{second}", second, "y_test.cpp") for second in (0.1, 0.15, 0.3, 2.5, 4.0, 50.0)]
+    def test_each_batch_has_its_time(self):
+        tests = [Test(f"A.{second}", second, "y_test.cpp") for second in (0.1, 0.15, 0.3, 2.5, 4.0, 15.0, 16.0, 50.0)]
 
-        self.assertEqual([["A.0.1", "A.0.15"], ["A.0.3", "A.2.5"], ["A.4.0", "A.50.0"]], self.names(tests))
+        self.assertEqual([["A.0.1", "A.0.15"], ["A.0.3", "A.2.5"], ["A.4.0", "A.15.0"], ["A.16.0"], ["A.50.0"]],
+                         self.names(tests))
 
     def test_a_batch_has_at_least_one_test(self):
         self.assertEqual([["A.9"]], self.names([Test("A.9", 9, "y_test.cpp")]))

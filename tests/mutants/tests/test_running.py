@@ -1,3 +1,4 @@
+import signal
 import sys
 import tempfile
 import time
@@ -24,6 +25,7 @@ class Failure(unittest.TestCase):
     def test_crashes_and_hangs_are_those_of_the_test_that_runs(self):
         self.assertEqual("S.Two/0 (crashes)", failure(Outcome(-11, RAN), 2))
         self.assertEqual("S.Two/0 (hangs)", failure(Outcome(None, RAN), 2))
+        self.assertEqual("S.Two/0 (hangs)", failure(Outcome(128 + signal.SIGXCPU, RAN), 2))
 
 
 class Run(unittest.TestCase):
