@@ -61,7 +61,7 @@ def run_tests(program, names, folder, seconds, limits=LIMITS, **environment):
 def failure(outcome, count):
     """What has failed of count tests: the name of the test, or what happened; None if all have passed."""
     running = (RUNS.findall(outcome.output) or ["the start of the program"])[-1]
-    if outcome.code is None or outcome.code == 128 + signal.SIGXCPU:
+    if outcome.code in (None, 128 + signal.SIGXCPU, -signal.SIGXCPU):
         return f"{running} (hangs)"
     if outcome.code == 0:
         passed = PASSED.search(outcome.output)

@@ -26,6 +26,7 @@ class Failure(unittest.TestCase):
         self.assertEqual("S.Two/0 (crashes)", failure(Outcome(-11, RAN), 2))
         self.assertEqual("S.Two/0 (hangs)", failure(Outcome(None, RAN), 2))
         self.assertEqual("S.Two/0 (hangs)", failure(Outcome(128 + signal.SIGXCPU, RAN), 2))
+        self.assertEqual("S.Two/0 (hangs)", failure(Outcome(-signal.SIGXCPU, RAN), 2))
 
 
 class Run(unittest.TestCase):
