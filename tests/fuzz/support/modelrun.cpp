@@ -24,13 +24,18 @@ public:
     unsigned notifications = 0;
 };
 
+const qor::String& idOf(const AudioDevice& endpoint)
+{
+    return endpoint.deviceProperty().deviceId;
+}
+
 /// Identity ignores case.
 void checkDistinct(const qor::Array<AudioDevice>& endpoints)
 {
     for (unsigned int i = 0; i < endpoints.size(); ++i)
     {
         for (unsigned int j = 0; j < i; ++j)
-            check(qor::String::compareNoCase(endpoints[i].deviceId(), endpoints[j].deviceId()) != 0,
+            check(qor::String::compareNoCase(idOf(endpoints[i]), idOf(endpoints[j])) != 0,
                   "a card lists each endpoint once");
     }
 }
