@@ -144,14 +144,23 @@ include([==[${PROJECT_SOURCE_DIR}/cmake/DiscoverSuites.cmake]==])
   set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${script}")
 endfunction()
 
-# sonavit_add_fuzz_target(<source> [LIBRARIES <target>...]): the program fuzz_<name of the source>
+# sonavit_add_fuzz_target(<source> [SOURCES <file>...] [LIBRARIES <target>...]): the program fuzz_<name of the source>, and
+# with the tests fuzz.<name>, which runs its corpus and a few seconds more.
 function(sonavit_add_fuzz_target source)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBRARIES")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES")
   get_filename_component(name "${source}" NAME_WE)
   string(REGEX REPLACE "_fuzz$" "" name "${name}")
-  add_executable(fuzz_${name} "${source}")
+  add_executable(fuzz_${name} "${source}" ${arg_SOURCES})
   target_include_directories(fuzz_${name} PRIVATE "${PROJECT_SOURCE_DIR}")
   target_link_libraries(fuzz_${name} PRIVATE ${arg_LIBRARIES})
   target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
   sonavit_configure_target(fuzz_${name} TEST)
+  target_compile_options(fuzz_${name} PRIVATE -fsanitize=fuzzer-no-link)
+  sonavit_allow_private_access(fuzz_${name})
+  if(SONAVIT_BUILD_TESTS)
+    add_test(NAME fuzz.${name} COMMAND "${CMAKE_COMMAND}" "-DPROGRAM=$<TARGET_FILE:fuzz_${name}>"
+             "-DCORPUS=${CMAKE_CURRENT_SOURCE_DIR}/fuzz" "-DFOLDER=${CMAKE_BINARY_DIR}/fuzz" "-DTARGET=${name}"
+             -P "${CMAKE_CURRENT_SOURCE_DIR}/fuzz/briefly.cmake")
+    set_tests_properties(fuzz.${name} PROPERTIES TIMEOUT ${SONAVIT_TEST_TIMEOUT})
+  endif()
 endfunction()
