@@ -240,7 +240,8 @@ void checkElements(const Pair& pair)
 /// before may stay.
 void settleFailure(Operation operation, Pair& target)
 {
-    const bool isReplaced = operation == Operation::assign || operation == Operation::copy || operation == Operation::take;
+    const bool isReplaced =
+        operation == Operation::assign || operation == Operation::copy || operation == Operation::take;
     if (isReplaced && target.array.capacity() == 0)
         target.model = Model{{}, 0};
     const auto size = static_cast<unsigned int>(target.model.elements.size());

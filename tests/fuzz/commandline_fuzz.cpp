@@ -1,5 +1,5 @@
-/// Any command line ends with exit code 0 to 3. Where it fails, the program says so in one sentence; with --json it prints
-/// JSON, whatever happens. The machine has one card; nothing outside the program is read or written.
+/// Any command line ends with exit code 0 to 3. Where it fails, the program says so in one sentence; with --json it
+/// prints JSON, whatever happens. The machine has one card; nothing outside the program is read or written.
 #include "simulator/machine/builder/machinebuilder.h"
 #include "tests/fuzz/support/check.h"
 #include "tools/sonavit/commandline.h"
@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -37,16 +38,64 @@ sim::Machine smallMachine()
 // --- The command line: words that mean something, and others ---------------------------------------------------------
 
 constexpr std::array<const char*, 21> verbs = {
-    "list",   "show", "explain", "controls", "selectors", "graph", "ask",  "get-volume", "set-volume", "mute", "set-control",
-    "select", "save", "restore", "capture",  "find",      "refer", "resolve", "doctor",  "monitor",    "format"};
+    "list",       "show",       "explain", "controls",    "selectors", "graph",   "ask",
+    "get-volume", "set-volume", "mute",    "set-control", "select",    "save",    "restore",
+    "capture",    "find",       "refer",   "resolve",     "doctor",    "monitor", "format"};
 
-constexpr std::array<const char*, 54> words = {
-    "Speakers", "Headphones", "Microphone", "Analog Audio", "@DEFAULT_OUTPUT@", "@DEFAULT_INPUT@",
-    "on", "off", "toggle", "50%", "-12.5dB", "5%+", "3dB-", "0", "1", "24/48000/2", "99999999999", "-1", "nan", "1e400",
-    "--json", "--machine", "--account", "ordinary", "administrator", "--latency", "none", "--log", "debug", "fatal",
-    "--via", "layer", "model", "--active", "--outputs", "--inputs", "--card", "--short", "--output", "-o", "--endpoint",
-    "--only", "--for", "--anonymous", "--channel", "--set", "--hold", "--help", "--version", "--", "-", "", "added,volume",
-    "snv1:AQEA1b7MMQ"};
+constexpr std::array<const char*, 54> words = {"Speakers",
+                                               "Headphones",
+                                               "Microphone",
+                                               "Analog Audio",
+                                               "@DEFAULT_OUTPUT@",
+                                               "@DEFAULT_INPUT@",
+                                               "on",
+                                               "off",
+                                               "toggle",
+                                               "50%",
+                                               "-12.5dB",
+                                               "5%+",
+                                               "3dB-",
+                                               "0",
+                                               "1",
+                                               "24/48000/2",
+                                               "99999999999",
+                                               "-1",
+                                               "nan",
+                                               "1e400",
+                                               "--json",
+                                               "--machine",
+                                               "--account",
+                                               "ordinary",
+                                               "administrator",
+                                               "--latency",
+                                               "none",
+                                               "--log",
+                                               "debug",
+                                               "fatal",
+                                               "--via",
+                                               "layer",
+                                               "model",
+                                               "--active",
+                                               "--outputs",
+                                               "--inputs",
+                                               "--card",
+                                               "--short",
+                                               "--output",
+                                               "-o",
+                                               "--endpoint",
+                                               "--only",
+                                               "--for",
+                                               "--anonymous",
+                                               "--channel",
+                                               "--set",
+                                               "--hold",
+                                               "--help",
+                                               "--version",
+                                               "--",
+                                               "-",
+                                               "",
+                                               "added,volume",
+                                               "snv1:AQEA1b7MMQ"};
 
 /// A word that names no file outside the folder, and cannot be taken for one: commands write files.
 std::string freeWord(FuzzedDataProvider& input)
@@ -104,11 +153,13 @@ struct Answer
     std::string err;
 };
 
-Answer run(const std::vector<std::string>& line)
+/// The user ends a monitor at once, and lets everything else come to its end.
+Answer run(const std::vector<std::string>& line, bool isMonitor)
 {
     std::ostringstream out;
     std::ostringstream err;
     sonavit::program::Environment environment{out, err};
+    environment.pause = [isMonitor](std::chrono::milliseconds) { return isMonitor; };
     environment.defaultMachine = "small";
     environment.findMachine = [](const std::string&) { return smallMachine(); };
     Answer answer;
@@ -159,7 +210,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (arguments && usesAFile(*arguments))
         return 0;
 
-    const Answer answer = run(line);
+    const Answer answer = run(line, arguments && arguments->verb == sonavit::program::Verb::monitor);
 
     check(answer.code >= 0 && answer.code <= 3, "the exit code is 0, 1, 2 or 3");
     check((answer.code == 2) || arguments.has_value(), "what cannot be understood is a usage error");

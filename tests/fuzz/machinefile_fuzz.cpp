@@ -20,8 +20,8 @@ constexpr std::size_t longestMessage = 2500;
 
 bool equal(const sim::JsonValue& left, const sim::JsonValue& right)
 {
-    if (left.kind != right.kind || left.boolean != right.boolean || left.text != right.text || left.keys != right.keys ||
-        left.line != right.line || left.elements.size() != right.elements.size())
+    if (left.kind != right.kind || left.boolean != right.boolean || left.text != right.text ||
+        left.keys != right.keys || left.line != right.line || left.elements.size() != right.elements.size())
         return false;
     for (std::size_t i = 0; i < left.elements.size(); ++i)
     {

@@ -110,8 +110,10 @@ void checkResolution(const Resolution& resolution)
           "the best one is first");
     for (const Candidate& candidate : candidates)
     {
-        check(computer().endpoint(endpointOf(candidate).id()) == endpointOf(candidate), "a candidate is of the computer");
-        check(endpointOf(candidate).flow() == endpointOf(candidates.front()).flow(), "all have the flow of the reference");
+        check(computer().endpoint(endpointOf(candidate).id()) == endpointOf(candidate),
+              "a candidate is of the computer");
+        check(endpointOf(candidate).flow() == endpointOf(candidates.front()).flow(),
+              "all have the flow of the reference");
         check(fuzz::isOneLine(candidate.reason), "a candidate has a reason");
     }
     const std::optional<sonavit::CardEndpoint> best = resolution.best();
@@ -125,7 +127,8 @@ void checkText(const std::string& text)
     const sonavit::Result<Reference> reference = Reference::parse(text);
     if (!reference)
     {
-        check(reference.problem().kind() == sonavit::Problem::Kind::unreadable, "a refusal says that it is no reference");
+        check(reference.problem().kind() == sonavit::Problem::Kind::unreadable,
+              "a refusal says that it is no reference");
         check(fuzz::isOneLine(reference.problem().sentence()), "a refusal is one sentence");
         return;
     }

@@ -1,5 +1,5 @@
-/// A text is a file of settings that is written and read again as the same values, or it is refused by one sentence that
-/// names the line.
+/// A text is a file of settings that is written and read again as the same values, or it is refused by one sentence
+/// that names the line.
 #include "sonavit/settings.h"
 #include "tests/fuzz/support/check.h"
 

@@ -58,7 +58,8 @@ std::u16string units(FuzzedDataProvider& input)
     const std::string bytes = input.ConsumeRandomLengthString(64);
     std::u16string text;
     for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
-        text += static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) * 0x100 + static_cast<unsigned char>(bytes[i + 1]));
+        text += static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) * 0x100 +
+                                      static_cast<unsigned char>(bytes[i + 1]));
     return text.substr(0, text.find(u'\0'));
 }
 
@@ -147,7 +148,8 @@ void change(Operation operation, Pair& target, Pair& other, FuzzedDataProvider& 
     }
     case Operation::fromNull:
         target.string = static_cast<const char*>(nullptr);
-        target.string = qor::String(static_cast<const unsigned short*>(nullptr)).append(static_cast<const char*>(nullptr));
+        target.string =
+            qor::String(static_cast<const unsigned short*>(nullptr)).append(static_cast<const char*>(nullptr));
         target.model.clear();
         break;
     }
@@ -169,7 +171,8 @@ void checkComparison(const Pair& left, const Pair& right)
     check(qor::String::compareNoCase(left.string, right.string) == order, "compareNoCase");
     check(qor::String::equalNoCase(left.string, right.string) == (order == 0), "equalNoCase");
     if (order == 0)
-        check(qor::String::hashNoCase(left.string) == qor::String::hashNoCase(right.string), "hashNoCase of equal keys");
+        check(qor::String::hashNoCase(left.string) == qor::String::hashNoCase(right.string),
+              "hashNoCase of equal keys");
 }
 
 void checkConversion(const Pair& pair)

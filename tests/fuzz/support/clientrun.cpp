@@ -167,7 +167,8 @@ private:
         const Result<std::vector<Control>> controls = m_audio.controls(id);
         checkResult(controls);
         if (controls && !controls->empty())
-            checkResult(m_audio.setControl(id, (*controls)[number % controls->size()].id, LevelChange(Percent(number))));
+            checkResult(
+                m_audio.setControl(id, (*controls)[number % controls->size()].id, LevelChange(Percent(number))));
     }
 
     void select(const EndpointId& id, std::uint8_t number)

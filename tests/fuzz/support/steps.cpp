@@ -18,11 +18,12 @@ constexpr std::size_t mostSteps = 12;
 Event::Kind kindOf(std::uint8_t number)
 {
     constexpr Event::Kind kinds[] = {
-        Event::Kind::added,           Event::Kind::removed,         Event::Kind::plugged,      Event::Kind::unplugged,
-        Event::Kind::stateChanged,    Event::Kind::defaultChanged,  Event::Kind::volumeChanged,
-        Event::Kind::propertyChanged, Event::Kind::plugUsb,         Event::Kind::unplugUsb,    Event::Kind::plugJack,
-        Event::Kind::unplugJack,      Event::Kind::wake,            Event::Kind::driverUpdate, Event::Kind::serviceStop,
-        Event::Kind::serviceStart,    Event::Kind::remoteLogon};
+        Event::Kind::added,         Event::Kind::removed,         Event::Kind::plugged,
+        Event::Kind::unplugged,     Event::Kind::stateChanged,    Event::Kind::defaultChanged,
+        Event::Kind::volumeChanged, Event::Kind::propertyChanged, Event::Kind::plugUsb,
+        Event::Kind::unplugUsb,     Event::Kind::plugJack,        Event::Kind::unplugJack,
+        Event::Kind::wake,          Event::Kind::driverUpdate,    Event::Kind::serviceStop,
+        Event::Kind::serviceStart,  Event::Kind::remoteLogon};
     return kinds[number % (sizeof(kinds) / sizeof(kinds[0]))];
 }
 
@@ -50,7 +51,8 @@ void changeProperty(Event& event, std::uint8_t number)
 
 Event eventOn(const sim::Machine& machine, const Step& step, FuzzedDataProvider& input)
 {
-    constexpr std::uint32_t states[] = {sim::stateActive, sim::stateDisabled, sim::stateNotPresent, sim::stateUnplugged};
+    constexpr std::uint32_t states[] = {sim::stateActive, sim::stateDisabled, sim::stateNotPresent,
+                                        sim::stateUnplugged};
     Event event;
     event.kind = kindOf(input.ConsumeIntegral<std::uint8_t>());
     event.endpoint = machine.endpoints[step.endpoint % machine.endpoints.size()].id;

@@ -31,9 +31,9 @@ struct Step
     };
 
     Kind kind = Kind::event;
-    sim::ScriptEvent event;     ///< of Kind::event
-    std::uint8_t endpoint = 0;  ///< number of the endpoint, modulo their number
-    std::uint8_t number = 0;    ///< what else the step needs
+    sim::ScriptEvent event;    ///< of Kind::event
+    std::uint8_t endpoint = 0; ///< number of the endpoint, modulo their number
+    std::uint8_t number = 0;   ///< what else the step needs
 };
 
 /// A few steps that fit the machine.

@@ -16,10 +16,8 @@ struct Shape
     char32_t last;
 };
 
-constexpr std::array<Shape, 4> shapes = {{{1, 0x00, 0x0, 0x7F},
-                                          {2, 0xC0, 0x80, 0x7FF},
-                                          {3, 0xE0, 0x800, 0xFFFF},
-                                          {4, 0xF0, 0x10000, 0x10FFFF}}};
+constexpr std::array<Shape, 4> shapes = {
+    {{1, 0x00, 0x0, 0x7F}, {2, 0xC0, 0x80, 0x7FF}, {3, 0xE0, 0x800, 0xFFFF}, {4, 0xF0, 0x10000, 0x10FFFF}}};
 
 bool isSurrogate(char32_t point)
 {
