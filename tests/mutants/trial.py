@@ -97,9 +97,9 @@ class Trial:
         return failure(original, len(batch)) is None
 
     def _killing_alone(self, plan, tried):
-        """The test that fails in a process of its own."""
+        """The test that fails in a process of its own; only those of the first batches are asked."""
         program = self._maker.program(plan, tried)
-        for test in plan.tests:
+        for test in [test for batch in order.batches(plan.tests, tried.path)[:2] for test in batch]:
             killing = failure(run_tests(program, [test.name], tried.folder, _seconds([test])), 1)
             if killing is not None:
                 return killing
