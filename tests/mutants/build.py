@@ -13,9 +13,6 @@ def output_of(command, folder):
     return subprocess.run(command, cwd=folder, check=True, capture_output=True, text=True).stdout
 
 
-SANITIZERS = ("-fsanitize=address,undefined", "-fno-sanitize-recover=all")
-
-
 def compiled_again(command, output, options=("-O0",)):
     """The command without instrumentation, warnings and debug information, for another object file, with these options."""
     words = []

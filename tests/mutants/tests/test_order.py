@@ -2,10 +2,10 @@ import random
 import unittest
 
 from changes import KINDS, changes_of
-from choosing import objects_for
 from coverage import Test
 from drawing import drawn
 from order import batches
+from planning import objects_for
 
 SOURCE = 'void f() { if (a == b) g("x"); h(1 + 2); i(3); p->Release(); SONAVIT_LOG(m, LOG_INFO, out); }'
 

@@ -5,10 +5,12 @@ import unittest
 from pathlib import Path
 from unittest import mock
 
+import making
 import trial
 from changes import changes_of
 from coverage import Coverage, Test
 from folders import ROOT
+from planning import Planner
 from running import Outcome
 
 SOURCE = "foundation/qor/qorvalue.cpp"
@@ -71,7 +73,8 @@ class TrialTest(unittest.TestCase):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
         self.folder = Path(folder.name)
-        self.trial = trial.Trial(FakeBuild(), {"p_test": coverage()}, self.folder)
+        self.coverage = coverage()
+        self.trial = trial.Trial(FakeBuild(), {"p_test": self.coverage}, self.folder)
         self.commands = []
         self.codes = {}
         self.bytes = {"": b"plain", "changed": b"changed"}
@@ -84,14 +87,14 @@ class TrialTest(unittest.TestCase):
         return Outcome(self.codes.get("link" if is_link else "compile", 0), "")
 
     def judged(self, tried, *outcomes):
-        with mock.patch.object(trial, "run", self.run_compiler), \
+        with mock.patch.object(making, "run", self.run_compiler), \
                 mock.patch.object(trial, "run_tests", side_effect=outcomes) as self.run_tests:
             return self.trial.judged(tried, ["p_test"], "0")
 
 
 class Plans(TrialTest):
     def plans(self, *where, **more):
-        plans = self.trial.plans(change(*where, **more), "p_test")
+        plans = Planner(FakeBuild(), {"p_test": self.coverage}).plans(change(*where, **more), "p_test")
         return [(plan.objects, [test.name for test in plan.tests]) for plan in plans]
 
     def test_a_source_has_its_object_and_the_tests_that_reach_the_line(self):
@@ -102,7 +105,7 @@ class Plans(TrialTest):
         self.assertEqual([(("own.o",), ["A.One", "B.Two"])], self.plans(SOURCE, 21, is_code=False))
 
     def test_a_value_outside_of_functions_has_the_tests_of_its_mirrored_source_too(self):
-        self.trial._coverages["p_test"].tests.append(Test("C.Near", 0.1, "/t/qorvalue_test.cpp"))
+        self.coverage.tests.append(Test("C.Near", 0.1, "/t/qorvalue_test.cpp"))
 
         self.assertEqual([(("own.o",), ["A.One", "B.Two", "C.Near"])], self.plans(SOURCE, 21, is_code=False))
 
