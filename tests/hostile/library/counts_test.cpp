@@ -94,6 +94,16 @@ TEST_F(LibraryCounts, OfTenThousandSubunitsGiveThoseThatThereAre)
     EXPECT_EQ(10000 - real, errorsThatBegin("Unable to retrieve subunit index "));
 }
 
+TEST_F(LibraryCounts, OfTenThousandSubunitsThatThereAreGiveThemAll)
+{
+    hostile::Platform platform;
+    platform.change = [](sim::Machine& machine) { hostile::addSubunits(machine, 10000); };
+    qor::LogFactory::setPriority(qor::LoggerPriority::LOG_ERROR);
+    begin(platform);
+
+    EXPECT_EQ(10003u, codec().subunit().size()); // with volume, mute and selector
+}
+
 TEST_F(LibraryCounts, OfNeighboursGiveThoseThatThereAreWithoutAMessage)
 {
     beginWith("IPartsList::GetCount", 10000);

@@ -7,7 +7,7 @@ namespace hostile
 {
 namespace
 {
-constexpr std::uint32_t allOnes = 0xFFFFFFFF; ///< also -1
+constexpr std::uint32_t allOnes = 0xFFFFFFFF; ///< -1 as well
 
 const char* const asksForEach = "each of the announced ones is asked for, and a null one keeps its place in the list";
 
@@ -40,8 +40,7 @@ std::vector<Platform> platformsThatLieInCounts()
     std::vector<Platform> platforms;
     for (const Count& count : counts)
     {
-        for (const std::uint32_t number : {std::uint32_t(0), std::uint32_t(1), std::uint32_t(50), std::uint32_t(10000),
-                                           std::uint32_t(0x80000000), allOnes})
+        for (const std::uint32_t number : {0u, 1u, 50u, 10000u, allOnes})
         {
             const auto lie = [operation = count.operation, number](sim::Simulation& simulation)
             {

@@ -50,6 +50,9 @@ const HonestMachine& honest();
 /// The honest machine, or what becomes of it.
 sim::Machine machineOf(const Platform& platform);
 
+/// Adds a chain of mutes behind the speaker's volume.
+void addSubunits(sim::Machine& machine, std::size_t count);
+
 // All of them, by topic.
 std::vector<Platform> platformsThatLieInTexts();
 std::vector<Platform> platformsThatLieInCounts();

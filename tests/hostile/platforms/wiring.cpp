@@ -10,8 +10,6 @@ namespace hostile
 {
 namespace
 {
-constexpr std::size_t tenThousand = 10000;
-
 /// Every connector of the machine is joined to the next one, the last one to the first.
 void joinInARing(sim::Machine& machine)
 {
@@ -64,22 +62,9 @@ sim::Topology& codecIn(sim::Machine& machine)
     return *machine.adapter(honest().codec)->topology;
 }
 
-/// A chain of mutes behind the speaker's volume.
-void addTenThousandSubunits(sim::Machine& machine)
+void addThousandSubunits(sim::Machine& machine)
 {
-    std::vector<sim::Subunit>& subunits = codecIn(machine).subunits;
-    std::string last = honest().volume;
-    for (std::size_t number = 0; number < tenThousand; ++number)
-    {
-        sim::Subunit mute;
-        mute.id = "{2}.many/" + std::to_string(number);
-        mute.localId = static_cast<std::uint32_t>(0x40000 + number);
-        mute.subType = sim::nodetypes::mute;
-        mute.mute.emplace();
-        mute.incoming = {last};
-        last = mute.id;
-        subunits.push_back(mute);
-    }
+    addSubunits(machine, 1000);
 }
 
 void addHundredConnectors(sim::Machine& machine)
@@ -144,12 +129,29 @@ Platform changed(const char* name, void (*change)(sim::Machine&), const std::str
 }
 }
 
+void addSubunits(sim::Machine& machine, std::size_t count)
+{
+    std::vector<sim::Subunit>& subunits = codecIn(machine).subunits;
+    std::string last = honest().volume;
+    for (std::size_t number = 0; number < count; ++number)
+    {
+        sim::Subunit mute;
+        mute.id = "{2}.many/" + std::to_string(number);
+        mute.localId = static_cast<std::uint32_t>(0x40000 + number);
+        mute.subType = sim::nodetypes::mute;
+        mute.mute.emplace();
+        mute.incoming = {last};
+        last = mute.id;
+        subunits.push_back(mute);
+    }
+}
+
 std::vector<Platform> platformsWithStrangeWiring()
 {
     return {changed("ConnectorsInARing", &joinInARing),
             changed("ConnectorsJoinedToThemselves", &joinToThemselves),
             changed("AllPartsConnectedWithAll", &connectAllWithAll),
-            changed("TenThousandSubunits", &addTenThousandSubunits),
+            changed("AThousandSubunits", &addThousandSubunits),
             changed("AHundredMoreConnectors", &addHundredConnectors),
             changed("AThousandVolumesAroundOneMute", &addThousandVolumes),
             changed("EndpointsOfOneId", &giveAllEndpointsOneId),

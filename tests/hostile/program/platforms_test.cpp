@@ -80,7 +80,9 @@ private:
         const json document = json::parse(answer.out, nullptr, false);
         ASSERT_FALSE(document.is_discarded()) << answer.out.substr(0, 500);
         if (answer.code != 0)
+        {
             EXPECT_THAT(answer.err, testing::EndsWith("sonavit: " + document["error"].get<std::string>() + "\n"));
+        }
         EXPECT_EQ(sim::Census(), simulation().census() - before);
     }
 
