@@ -1,6 +1,7 @@
 // Everything at once: two threads make events while others use, change, plan and watch the same machine.
-#include "tests/simulator/objects/stream/streamtest.h"
 #include "tests/support/storm.h"
+
+#include "tests/simulator/objects/stream/streamtest.h"
 
 #include <atomic>
 #include <chrono>

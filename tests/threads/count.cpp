@@ -1,7 +1,6 @@
 // Counts what the tests of this process do between threads, for the closing line of ./test tsan.
-#include <gtest/gtest.h>
-
 #include <dlfcn.h>
+#include <gtest/gtest.h>
 #include <pthread.h>
 
 #include <atomic>

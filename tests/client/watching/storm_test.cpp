@@ -1,6 +1,7 @@
+#include "tests/support/storm.h"
+
 #include "simulator/machine/file/machinefile.h"
 #include "tests/client/watching/watchtest.h"
-#include "tests/support/storm.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

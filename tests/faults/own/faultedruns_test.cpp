@@ -1,5 +1,6 @@
-#include "simulator/machine/builder/machinebuilder.h"
 #include "tests/faults/engine/faultedruns.h"
+
+#include "simulator/machine/builder/machinebuilder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
