@@ -43,11 +43,6 @@ const std::vector<Words> changingCommands = {{"set-volume", "Speakers", "50%"},
 class ProgramOnHostilePlatforms : public support::ProgramTest, public testing::WithParamInterface<hostile::Topic>
 {
 protected:
-    ProgramOnHostilePlatforms()
-    {
-        pause = [](std::chrono::milliseconds) { return false; }; // the end is requested at once
-    }
-
     /// Calls one of @p commands on each platform, another one on the next, in both forms; all of them on each if
     /// everything is wanted.
     void onEach(std::size_t number, const std::vector<Words>& commands)
@@ -69,13 +64,15 @@ private:
     void tryBoth(Words words)
     {
         SCOPED_TRACE(testing::PrintToString(words));
+        const bool isMonitor = words[0] == "monitor"; // it goes on until the end is requested
+        pause = [isMonitor](std::chrono::milliseconds) { return isMonitor; };
         const sim::Census before = simulation().census();
         const support::Answer text = call(words);
         expectAnswer(text);
         words.emplace_back("--json");
         const support::Answer answer = call(words);
         expectAnswer(answer);
-        if (words[0] == "monitor")
+        if (isMonitor)
             return; // its lines are events
         const json document = json::parse(answer.out, nullptr, false);
         ASSERT_FALSE(document.is_discarded()) << answer.out.substr(0, 500);
@@ -88,9 +85,11 @@ private:
 
     static void expectAnswer(const support::Answer& answer)
     {
-        hostile::expectPrintable(answer.out, false);
+        std::string out = answer.out;
+        std::replace(out.begin(), out.end(), '\t', ' '); // between the fields of short lists
+        hostile::expectPrintable(out, false);
         hostile::expectPrintable(answer.err, false);
-        EXPECT_THAT(answer.code, testing::AnyOf(0, 1, 3));
+        EXPECT_THAT(answer.code, testing::AnyOf(0, 1, 2, 3)); // 2: several things have that name
         if (answer.code == 0)
             return;
         const std::size_t sentence = answer.err.rfind("sonavit: ");
