@@ -10,7 +10,7 @@ LLVM = "/usr/lib/llvm-14/bin"
 
 
 def output_of(command, folder):
-    return subprocess.run(command, cwd=folder, check=True, capture_output=True, text=True).stdout
+    return subprocess.run(command, cwd=folder, check=True, stdout=subprocess.PIPE).stdout.decode(errors="replace")
 
 
 def compiled_again(command, output, options=("-O0",)):

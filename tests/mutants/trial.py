@@ -88,13 +88,15 @@ class Trial:
         return None
 
     def _is_confirmed(self, test, batch, plan, program, folder):
-        """Whether the change makes the test fail and not its company: it fails alone, too, or only with the change."""
+        """Whether the change makes the test fail, and not its company or a busy machine: it fails alone, too, or its company
+        passes without the change and fails again with it."""
         names = [each.name for each in batch]
         first = [each for each in batch if each.name == test.split(" ")[0]]
         if first and failure(run_tests(program, [first[0].name], folder, _seconds(first)), 1) is not None:
             return True
-        original = run_tests(self._build.program(plan.program), names, folder, _seconds(batch))
-        return failure(original, len(batch)) is None
+        original, again = (failure(run_tests(each, names, folder, _seconds(batch)), len(batch))
+                           for each in (self._build.program(plan.program), program))
+        return original is None and again is not None
 
     def _killing_alone(self, plan, tried):
         """The test that fails in a process of its own; only those of the first batches are asked."""

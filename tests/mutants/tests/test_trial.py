@@ -126,13 +126,17 @@ class Judged(TrialTest):
         self.assertEqual(["A.One"], self.run_tests.call_args.args[1])
 
     def test_it_is_killed_if_the_test_fails_with_others_and_only_with_the_change(self):
-        self.assertEqual(trial.Verdict(trial.KILLED, "A.One"), self.judged(change(SOURCE, 10), FAILED, PASSED, BOTH_PASSED))
-        self.assertEqual(Path("/build/bin/p_test"), self.run_tests.call_args.args[0])
+        verdict = self.judged(change(SOURCE, 10), FAILED, PASSED, BOTH_PASSED, FAILED)
+
+        self.assertEqual(trial.Verdict(trial.KILLED, "A.One"), verdict)
+        self.assertEqual([self.folder / "0" / "p_test"] * 2 + [Path("/build/bin/p_test"), self.folder / "0" / "p_test"],
+                         [call.args[0] for call in self.run_tests.call_args_list])
 
     def test_a_test_that_others_make_fail_says_nothing(self):
-        verdict = self.judged(change(SOURCE, 10), FAILED, PASSED, FAILED, PASSED, PASSED, BOTH_PASSED)
+        for company in ([FAILED, FAILED], [BOTH_PASSED, BOTH_PASSED]):
+            verdict = self.judged(change(SOURCE, 10), FAILED, PASSED, *company, PASSED, PASSED, BOTH_PASSED)
 
-        self.assertEqual(trial.Verdict(trial.SURVIVED, "2 tests"), verdict)
+            self.assertEqual(trial.Verdict(trial.SURVIVED, "2 tests"), verdict)
 
     def test_a_test_that_hangs_is_not_asked_again(self):
         self.assertEqual(trial.Verdict(trial.KILLED, "A.One (hangs)"), self.judged(change(SOURCE, 10), HANGS))
