@@ -150,7 +150,7 @@ EndpointId readDefault(IMMDeviceEnumerator& enumerator, EDataFlow flow, ERole ro
         return {};
     const Handle<IMMDevice> holder(endpoint);
     TaskText id(TaskText::NullText::skipped);
-    if (!judge.gives(endpoint->GetId(id.put()), *id.put(), {"IMMDevice::GetId"}))
+    if (!judge.gives(endpoint->GetId(id.put()), *id.put(), {"IMMDevice::GetId", question}))
         return {};
     return EndpointId(utf8(id.get()));
 }

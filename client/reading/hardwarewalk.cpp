@@ -71,6 +71,26 @@ bool HardwareWalk::hasFailures() const noexcept
     return hasProblems([](const Problem& problem) noexcept { return problem.kind() == Problem::Kind::platform; });
 }
 
+std::optional<Problem> HardwareWalk::firstFailure() const
+{
+    const HardwareMap& map = m_state->map;
+    std::optional<Problem> first;
+    const auto search = [&](const auto& all)
+    {
+        for (const auto& each : all)
+        {
+            for (const Problem& problem : each.problems)
+            {
+                if (!first && problem.kind() == Problem::Kind::platform)
+                    first = problem;
+            }
+        }
+    };
+    search(map.devices);
+    search(map.parts);
+    return first;
+}
+
 bool HardwareWalk::hasProblems(bool (*isMeant)(const Problem& problem) noexcept) const noexcept
 {
     const auto isFlawed = [&](const auto& each)
@@ -130,5 +150,15 @@ std::vector<HardwareWalk::ChangingControl> HardwareWalk::changingControls(const 
     for (const SelectorPlace& selector : selectorsOf(map, endpoints))
         add(selector.part, IID_IAudioInputSelector);
     return parts;
+}
+
+Problem orHidingFailure(const HardwareWalk& walk, const Problem& problem)
+{
+    const bool isMissing = problem.kind() == Problem::Kind::notThere || problem.kind() == Problem::Kind::notSupported;
+    const std::optional<Problem> failure = isMissing ? walk.firstFailure() : std::nullopt;
+    if (!failure)
+        return problem;
+    return Problem::ofCall(failure->operation(), failure->object(), failure->code(),
+                           problem.sentence() + " in the hardware that can be read: " + failure->sentence());
 }
 }

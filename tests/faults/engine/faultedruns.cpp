@@ -64,7 +64,10 @@ void FaultedRuns::addSingles()
         if (!chosen[i])
             continue;
         for (const Mode mode : modesOf(m_calls[i]))
-            m_runs.push_back({{m_calls[i], mode}});
+        {
+            if (admits({m_calls[i], mode}))
+                m_runs.push_back({{m_calls[i], mode}});
+        }
     }
 }
 
@@ -94,6 +97,8 @@ void FaultedRuns::addPair(const Call& first, const Call& second, std::size_t tur
     const std::vector<Mode> others = modesOf(second);
     const std::vector<Fault> pair = {{first, modes[turn % modes.size()]}, {second, others[turn / 2 % others.size()]}};
     const bool throwsTwice = pair[0].mode == Mode::raise && pair[1].mode == Mode::raise;
+    if (!admits(pair[0]) || !admits(pair[1]))
+        return;
     if (!throwsTwice || !m_hasPairThatThrows)
         m_runs.push_back(pair);
     m_hasPairThatThrows = m_hasPairThatThrows || throwsTwice;

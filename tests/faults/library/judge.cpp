@@ -56,10 +56,26 @@ std::vector<Finding> judgeExceptions(const std::string& operation, const Record&
     return {};
 }
 
+/// Whether the call releases an interface that was only asked for, which no handle holds.
+bool isWithoutHandle(const Call& call, const sim::JournalEntries& calls)
+{
+    std::size_t place = 0;
+    std::string before; // the latest call of the object
+    for (const sim::JournalEntry& entry : calls)
+    {
+        if (entry.operation == call.entry.operation && ++place == call.number)
+            break;
+        if (entry.object == call.entry.object)
+            before = entry.call();
+    }
+    return isLike(before, "IMMDevice::QueryInterface(IMMEndpoint*");
+}
+
 /// The handle's guard logs what comes out of Release.
 std::vector<Finding> judgeGuard(const Record& run)
 {
-    const bool isGuarded = run.faults.front().mode == Mode::raise && run.faults.size() == 1;
+    const bool isGuarded = run.faults.size() == 1 && run.faults.front().mode == Mode::raise &&
+                           !isWithoutHandle(run.faults.front().call, run.calls);
     const bool hasRecord =
         std::any_of(run.log.begin(), run.log.end(),
                     [](const auto& record) { return record.channel == "comptr" && record.priority == 4; });
@@ -71,10 +87,10 @@ std::vector<Finding> judgeGuard(const Record& run)
 std::vector<Finding> judgeReferences(const Record& run, const sim::Machine& machine)
 {
     const sim::Census expected = keptAfter(run, machine);
-    const sim::Census left = comparable(run.left);
-    if (left == expected)
+    const sim::Census further = comparable(run.left) - expected;
+    if (further.empty())
         return {};
-    return {{Kind::references, "besides what is kept on purpose: " + (left - expected).describe()}};
+    return {{Kind::references, "besides what is kept on purpose: " + further.describe()}};
 }
 
 /// @p clean as the effects of the fault change it; "*" where that is not documented.
