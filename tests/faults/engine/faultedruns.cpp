@@ -1,0 +1,94 @@
+#include "tests/faults/engine/faultedruns.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+namespace faults
+{
+namespace
+{
+/// The kind of a call: what is asked of which kind of object.
+std::string kindOf(const Call& call)
+{
+    return call.entry.operation + (call.entry.arguments.empty() ? "" : "(" + call.entry.arguments.front());
+}
+}
+
+FaultedRuns::FaultedRuns(Sweep sweep) : m_sweep(std::move(sweep)), m_clean(m_sweep.perform({}))
+{
+    m_calls = callsThatCanFail(m_clean.calls);
+    addSingles();
+    addPairs();
+}
+
+Result FaultedRuns::run(std::size_t index)
+{
+    const std::vector<Fault>& faults = m_runs.at(index);
+    const Record record = m_sweep.perform(faults);
+    Result result;
+    result.findings = record.findings;
+    result.failures = static_cast<std::size_t>(std::count(record.fired.begin(), record.fired.end(), true));
+    if (faults.size() == 1 && result.failures == 0)
+        result.findings.push_back({Kind::unmet, "the call was not made"});
+    for (Finding& finding : m_sweep.judge(m_clean, record))
+        result.findings.push_back(std::move(finding));
+    return result;
+}
+
+std::vector<bool> FaultedRuns::chosenCalls() const
+{
+    const std::size_t count = m_calls.size();
+    const std::size_t most = std::max(m_sweep.extent.runsAtLeast, m_sweep.extent.platformCalls / (count + 1));
+    const std::size_t distance = count / most + 1;
+    std::vector<bool> chosen(count, false);
+    for (std::size_t i = 0; i < count; i += distance)
+        chosen[i] = true;
+    std::map<std::string, std::size_t> last;
+    for (std::size_t i = 0; i < count; ++i)
+    {
+        if (last.insert_or_assign(kindOf(m_calls[i]), i).second)
+            chosen[i] = true;
+    }
+    for (const auto& [kind, place] : last)
+        chosen[place] = true;
+    return chosen;
+}
+
+void FaultedRuns::addSingles()
+{
+    const std::vector<bool> chosen = chosenCalls();
+    m_tried = static_cast<std::size_t>(std::count(chosen.begin(), chosen.end(), true));
+    for (std::size_t i = 0; i < m_calls.size(); ++i)
+    {
+        if (!chosen[i])
+            continue;
+        for (const Mode mode : modesOf(m_calls[i]))
+            m_runs.push_back({{m_calls[i], mode}});
+    }
+}
+
+void FaultedRuns::addPairs()
+{
+    const std::size_t count = m_calls.size();
+    const std::size_t all = count < 2 ? 0 : count * (count - 1) / 2;
+    if (m_sweep.extent.pairs == 0)
+        return;
+    const std::size_t distance = all / m_sweep.extent.pairs + 1;
+    std::size_t pair = 0;
+    for (std::size_t first = 0; first < count; ++first)
+    {
+        for (std::size_t second = first + 1; second < count; ++second, ++pair)
+        {
+            if (pair % distance != 0)
+                continue;
+            // The four combinations of two modes take turns.
+            const std::vector<Mode> modes = modesOf(m_calls[first]);
+            const std::vector<Mode> others = modesOf(m_calls[second]);
+            const std::size_t turn = pair / distance;
+            m_runs.push_back(
+                {{m_calls[first], modes[turn % modes.size()]}, {m_calls[second], others[turn / 2 % others.size()]}});
+        }
+    }
+}
+}
