@@ -1,5 +1,6 @@
 #include "simulator/core/notifications.h"
 
+#include "simulator/core/answeringscope.h"
 #include "simulator/core/argumenttext.h"
 #include "simulator/core/interfaces.h"
 #include "simulator/core/utf16.h"
@@ -20,10 +21,16 @@ template<class Call>
 void callClient(State& state, const char* operation, const std::string& object, std::vector<std::string> arguments,
                 const Call& call)
 {
+    const AnsweringScope answering(true);
     const CallbackScope scope(state.callbacks, operation, object, arguments);
+    const auto callUser = [&]
+    {
+        const AnsweringScope user(false);
+        return call();
+    };
     if (!state.journal.recording())
     {
-        call();
+        callUser();
         return;
     }
     JournalEntry entry;
@@ -31,7 +38,7 @@ void callClient(State& state, const char* operation, const std::string& object, 
     entry.object = object;
     entry.arguments = std::move(arguments);
     const Journal::Place place = state.journal.begin(std::move(entry));
-    state.journal.end(place, CallEnd::returned, call());
+    state.journal.end(place, CallEnd::returned, callUser());
 }
 
 /// Queues one call for each notification client.

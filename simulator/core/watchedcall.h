@@ -2,6 +2,7 @@
 /// What every call of a user goes through: out-parameters, latency, fault plan, journal.
 #pragma once
 
+#include "simulator/core/answeringscope.h"
 #include "simulator/core/argumenttext.h"
 #include "simulator/core/liar.h"
 #include "simulator/core/state.h"
@@ -262,6 +263,7 @@ template<class... Parameters, class Body, class... Arguments>
 HRESULT watchedCall(State& state, const char* operation, const std::string& object, const FinelyNamed* finer,
                     const Outputs<Parameters...>& outputs, const Body& body, const Arguments&... arguments)
 {
+    const AnsweringScope answering(true);
     state.latency.spend(operation, [&] { return firstArgumentText(arguments...); });
     WatchedCall watched(state, operation, object, WatchedCall::Kind::work, finer);
     if (watched.wantsArguments())
