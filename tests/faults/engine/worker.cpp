@@ -1,11 +1,8 @@
 #include "tests/faults/engine/worker.h"
 
-<<<<<<< HEAD
 #include <unistd.h>
 
-=======
 #include <algorithm>
->>>>>>> r-faultprog
 #include <cerrno>
 #include <stdexcept>
 #include <system_error>
