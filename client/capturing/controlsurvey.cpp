@@ -1,6 +1,7 @@
 #include "client/capturing/controlsurvey.h"
 
 #include "client/capturing/listitems.h"
+#include "client/capturing/taken.h"
 #include "client/capturing/textanswer.h"
 #include "simulator/machine/file/check.h"
 #include "simulator/machine/namedvalues.h"
@@ -138,8 +139,9 @@ Handle<I> ControlSurvey::activated(const IID& iid, const char* name)
 {
     void* object = nullptr;
     const HRESULT result = m_part.Activate(CLSCTX_ALL, iid, &object);
-    const bool isThere = m_failures.gives(result, object, activation(name), {E_NOINTERFACE});
-    return Handle<I>(isThere ? static_cast<I*>(object) : nullptr);
+    Handle<I> control = taken(result, static_cast<I*>(object));
+    m_failures.gives(result, control.get(), activation(name), {E_NOINTERFACE});
+    return control;
 }
 
 bool ControlSurvey::askVolume()

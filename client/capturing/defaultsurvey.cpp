@@ -1,6 +1,7 @@
 #include "client/capturing/devices.h"
 
 #include "COM/tasktext.h"
+#include "client/capturing/taken.h"
 #include "client/reading/text.h"
 
 #include <array>
@@ -41,9 +42,9 @@ public:
     {
         IMMDevice* device = nullptr;
         const HRESULT result = enumerator.GetDefaultAudioEndpoint(m_flow.flow, m_role.role, &device);
+        const reading::Handle<IMMDevice> holder = taken(result, device);
         if (!m_recorder.gives(result, device, question(), {E_NOTFOUND}))
             return;
-        const reading::Handle<IMMDevice> holder(device);
         TaskText id(TaskText::NullText::skipped);
         const HRESULT idResult = device->GetId(id.put());
         if (sim::Endpoint* const endpoint = endpointOf(idResult, id.get()))

@@ -1,6 +1,7 @@
 #include "client/capturing/devicelist.h"
 
 #include "COM/tasktext.h"
+#include "client/capturing/taken.h"
 #include "client/reading/text.h"
 
 #include <algorithm>
@@ -46,9 +47,9 @@ DeviceList DeviceLists::read(EDataFlow flow, DWORD states)
     const std::vector<std::string> arguments = {nameOf(flow), argument(states)};
     IMMDeviceCollection* collection = nullptr;
     const HRESULT result = m_enumerator.EnumAudioEndpoints(flow, states, &collection);
+    const reading::Handle<IMMDeviceCollection> holder = taken(result, collection);
     if (!m_recorder.gives(result, collection, {"IMMDeviceEnumerator::EnumAudioEndpoints", "enumerator", arguments}))
         return list;
-    const reading::Handle<IMMDeviceCollection> holder(collection);
     readItems(*collection, "endpoints(" + arguments[0] + ", " + arguments[1] + ")", list);
     return list;
 }
@@ -75,10 +76,10 @@ ListedDevice DeviceLists::readItem(IMMDeviceCollection& collection, const std::s
 {
     ListedDevice item;
     IMMDevice* device = nullptr;
-    if (!m_recorder.gives(collection.Item(index, &device), device,
-                          {"IMMDeviceCollection::Item", name, {argument(index)}}))
+    const HRESULT result = collection.Item(index, &device);
+    item.device = taken(result, device);
+    if (!m_recorder.gives(result, device, {"IMMDeviceCollection::Item", name, {argument(index)}}))
         return item;
-    item.device = reading::Handle<IMMDevice>(device);
     TaskText text(TaskText::NullText::skipped);
     item.idResult = device->GetId(text.put());
     if (SUCCEEDED(item.idResult) && text.get() != nullptr)

@@ -1,5 +1,6 @@
 #include "COM/interfacequery.h"
 #include "client/capturing/devicesteps.h"
+#include "client/capturing/taken.h"
 #include "client/capturing/volumeanswers.h"
 
 #include <utility>
@@ -68,10 +69,10 @@ reading::Handle<IAudioClient> surveyInterfaces(IMMDevice& device, sim::Device& r
 bool surveyFlow(IMMDevice& device, sim::Endpoint& endpoint, Recorder& recorder)
 {
     IMMEndpoint* queried = nullptr;
-    if (!recorder.gives(interfacequery::query(device, queried), queried,
-                        {"IMMDevice::QueryInterface", endpoint.id, {"IMMEndpoint"}}))
+    const HRESULT result = interfacequery::query(device, queried);
+    const reading::Handle<IMMEndpoint> holder = taken(result, queried);
+    if (!recorder.gives(result, queried, {"IMMDevice::QueryInterface", endpoint.id, {"IMMEndpoint"}}))
         return false;
-    const reading::Handle<IMMEndpoint> holder(queried);
     EDataFlow flow = eAll;
     if (!recorder.passes(queried->GetDataFlow(&flow), {"IMMEndpoint::GetDataFlow", endpoint.id}))
         return false;

@@ -1,9 +1,11 @@
 // The survey's joins: what is on the far side of connectors.
 #include "COM/interfacequery.h"
 #include "client/capturing/hardwaresurvey.h"
+#include "client/capturing/taken.h"
 #include "client/capturing/textanswer.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace sonavit::capturing
 {
@@ -140,9 +142,10 @@ HardwareSurvey::OwnTopology HardwareSurvey::topologyOf(IPart& part, Identity& id
     OwnTopology own;
     IDeviceTopology* topology = nullptr;
     const HRESULT result = part.GetTopologyObject(&topology);
+    Handle<IDeviceTopology> holder = taken(result, topology);
     if (!identity.failures.gives(result, topology, {"IPart::GetTopologyObject"}))
         return own;
-    own.topology = Handle<IDeviceTopology>(topology);
+    own.topology = std::move(holder);
     own.idResult = readText([&](LPWSTR* text) { return topology->GetDeviceId(text); }, own.id);
     return own;
 }

@@ -3,8 +3,11 @@
 #include "client/capturing/controlsurvey.h"
 #include "client/capturing/hardwaresurvey.h"
 #include "client/capturing/listitems.h"
+#include "client/capturing/taken.h"
 #include "client/capturing/textanswer.h"
 #include "simulator/machine/namedvalues.h"
+
+#include <utility>
 
 namespace sonavit::capturing
 {
@@ -114,12 +117,13 @@ void HardwareSurvey::askKind(FoundPart& part, std::optional<bool> isConnector)
 
 void HardwareSurvey::askConnector(FoundPart& part, bool isSure)
 {
-    IConnector* connector = nullptr;
-    const HRESULT result = interfacequery::query(*part.part, connector);
+    IConnector* object = nullptr;
+    const HRESULT result = interfacequery::query(*part.part, object);
+    Handle<IConnector> connector = taken(result, object);
     const Failures::Codes implied = {isSure ? S_OK : E_NOINTERFACE};
-    if (!part.failures.gives(result, connector, {"IConnector::QueryInterface", {"IConnector"}}, implied))
+    if (!part.failures.gives(result, connector.get(), {"IConnector::QueryInterface", {"IConnector"}}, implied))
         return;
-    part.connector = Handle<IConnector>(connector);
+    part.connector = std::move(connector);
     part.isConnector = true;
 }
 
@@ -142,12 +146,12 @@ void HardwareSurvey::askPart(std::size_t part)
 void HardwareSurvey::askNeighbours(std::size_t part)
 {
     FoundPart& found = m_parts[part];
-    const auto ask = [&](const char* operation, HRESULT result, IPartsList* object, const std::string& name,
+    const auto ask = [&](const char* operation, HRESULT result, IPartsList* object, const char* name,
                          std::vector<std::size_t>& neighbours)
     {
+        const Handle<IPartsList> list = taken(result, object);
         if (!found.failures.gives(result, object, {operation}, {E_NOTFOUND}))
             return;
-        const Handle<IPartsList> list(object);
         readList(*list, found.failures, name, found.device, neighbours);
         if (neighbours.empty())
             m_recorder.note("A list of neighbours is empty; a machine file has no list then.");

@@ -1,6 +1,8 @@
 // The survey's signal paths.
 #include "client/capturing/hardwaresurvey.h"
 
+#include "client/capturing/taken.h"
+
 #include <algorithm>
 
 namespace sonavit::capturing
@@ -82,10 +84,10 @@ HardwareSurvey::PathAnswer HardwareSurvey::findPath(std::size_t device, std::siz
     IPartsList* object = nullptr;
     const HRESULT result = m_devices[device].topology->GetSignalPath(m_parts[from].part.get(), m_parts[to].part.get(),
                                                                      rejectMixed, &object);
+    const Handle<IPartsList> list = taken(result, object);
     const Question question = {"IDeviceTopology::GetSignalPath", {argument(rejectMixed)}};
     if (!path.calls.gives(result, object, question, {E_NOTFOUND}))
         return result == E_NOTFOUND ? PathAnswer::missing : PathAnswer::failing;
-    const Handle<IPartsList> list(object);
     readList(*list, path.list, "", device, items);
     return PathAnswer::found;
 }

@@ -1,4 +1,5 @@
 #include "client/capturing/devicesteps.h"
+#include "client/capturing/taken.h"
 #include "client/capturing/variant.h"
 #include "simulator/machine/propertykeys.h"
 
@@ -174,12 +175,10 @@ void tryToOpenForWriting(IMMDevice& device, const std::string& id, Recorder& rec
 void surveyProperties(IMMDevice& device, sim::Device& record, Recorder& recorder)
 {
     IPropertyStore* store = nullptr;
-    if (recorder.gives(device.OpenPropertyStore(STGM_READ, &store), store,
-                       {"IMMDevice::OpenPropertyStore", record.id, {argument(STGM_READ)}}))
-    {
-        const reading::Handle<IPropertyStore> holder(store);
+    const HRESULT result = device.OpenPropertyStore(STGM_READ, &store);
+    const reading::Handle<IPropertyStore> holder = taken(result, store);
+    if (recorder.gives(result, store, {"IMMDevice::OpenPropertyStore", record.id, {argument(STGM_READ)}}))
         StoreSurvey(*store, record, recorder).run();
-    }
     tryToOpenForWriting(device, record.id, recorder);
 }
 }

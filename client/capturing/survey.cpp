@@ -3,6 +3,7 @@
 #include "COM/interfacequery.h"
 #include "client/capturing/hardware.h"
 #include "client/capturing/recorder.h"
+#include "client/capturing/taken.h"
 
 #include <utility>
 
@@ -33,10 +34,10 @@ Survey surveyPlatform(const Pause& pause)
     Recorder recorder(survey);
     survey.machine.composition = sim::Composition::none;
     IMMDeviceEnumerator* created = nullptr;
-    if (recorder.gives(interfacequery::createEnumerator(created), created,
-                       {"CoCreateInstance", "", {"MMDeviceEnumerator"}}))
+    const HRESULT result = interfacequery::createEnumerator(created);
+    const reading::Handle<IMMDeviceEnumerator> enumerator = taken(result, created);
+    if (recorder.gives(result, enumerator.get(), {"CoCreateInstance", "", {"MMDeviceEnumerator"}}))
     {
-        const reading::Handle<IMMDeviceEnumerator> enumerator(created);
         const std::vector<OpenEndpoint> endpoints = surveyEndpoints(*enumerator, survey.machine, recorder, pause);
         surveyHardware(*enumerator, endpoints, survey.machine, recorder, pause);
         surveyDefaults(*enumerator, survey.machine, recorder);

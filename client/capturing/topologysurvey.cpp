@@ -2,9 +2,11 @@
 #include "COM/interfacequery.h"
 #include "client/capturing/hardwaresurvey.h"
 #include "client/capturing/listitems.h"
+#include "client/capturing/taken.h"
 #include "client/capturing/textanswer.h"
 
 #include <type_traits>
+#include <utility>
 
 namespace sonavit::capturing
 {
@@ -109,13 +111,13 @@ void HardwareSurvey::describe(FoundDevice& found, IMMDevice& device)
 {
     IMMEndpoint* object = nullptr;
     const HRESULT result = interfacequery::query(device, object);
+    const Handle<IMMEndpoint> holder = taken(result, object);
     if (!found.failures.gives(result, object, {"IMMDevice::QueryInterface", {"IMMEndpoint"}}, {E_NOINTERFACE}))
     {
         found.adapter.id = found.id;
         surveyDevice(device, found.adapter, m_recorder);
         return;
     }
-    const Handle<IMMEndpoint> holder(object);
     sim::Endpoint endpoint;
     endpoint.id = found.id;
     endpoint.installed = false;
@@ -127,12 +129,13 @@ void HardwareSurvey::describe(FoundDevice& found, IMMDevice& device)
 void HardwareSurvey::openTopology(std::size_t device, IMMDevice& platformDevice)
 {
     FoundDevice& found = m_devices[device];
-    IDeviceTopology* topology = nullptr;
-    const HRESULT result = interfacequery::activate(platformDevice, topology);
+    IDeviceTopology* object = nullptr;
+    const HRESULT result = interfacequery::activate(platformDevice, object);
+    Handle<IDeviceTopology> topology = taken(result, object);
     const Question question = {"IMMDevice::Activate", {"IDeviceTopology", argument(static_cast<DWORD>(CLSCTX_ALL))}};
-    if (found.failures.gives(result, topology, question, {E_NOINTERFACE}))
+    if (found.failures.gives(result, topology.get(), question, {E_NOINTERFACE}))
     {
-        found.topology = Handle<IDeviceTopology>(topology);
+        found.topology = std::move(topology);
         listTopology(device);
     }
     found.isRefused = found.topology.get() == nullptr && result != E_NOINTERFACE;

@@ -1,6 +1,7 @@
 #include "client/capturing/volumeanswers.h"
 
 #include "COM/interfacequery.h"
+#include "client/capturing/taken.h"
 #include "client/reading/handle.h"
 
 #include <algorithm>
@@ -127,11 +128,11 @@ std::optional<VolumeAnswers> askVolume(IMMDevice& device, const std::string& end
 {
     IAudioEndpointVolume* volume = nullptr;
     const HRESULT result = interfacequery::activate(device, volume);
+    const reading::Handle<IAudioEndpointVolume> holder = taken(result, volume);
     if (!recorder.gives(result, volume,
                         {"IMMDevice::Activate", endpointId, {"IAudioEndpointVolume", argument(DWORD{CLSCTX_ALL})}},
                         {E_NOINTERFACE}))
         return std::nullopt;
-    const reading::Handle<IAudioEndpointVolume> holder(volume);
     return VolumeQuestions(*volume, endpointId, recorder).ask();
 }
 }

@@ -18,7 +18,7 @@ struct HardwareWalk::State
 
     const std::vector<EndpointId>& endpointsOf(const CardId& card) const
     {
-        static const std::vector<EndpointId> noEndpoints;
+        static const auto& noEndpoints = *new std::vector<EndpointId>; // lasts: threads read it until the process ends
         const auto found = cards.find(card);
         return found == cards.end() ? noEndpoints : found->second;
     }

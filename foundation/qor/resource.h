@@ -217,6 +217,21 @@ public:
     Element* operator->() const noexcept { return m_value; }
     Element& operator*() const noexcept { return *m_value; }
 
+    /// Whether there was memory for count and destroyer: then copies share the resource, and the last one destroys it.
+    bool isComplete() const noexcept { return m_count != nullptr && m_destroyer != nullptr; }
+
+    /// Gives the resource up without destroying it; the handle is nil then. It must be the only one.
+    void disown()
+    {
+        if (m_destroyer != nullptr)
+            m_destroyer->forget();
+        delete m_destroyer;
+        delete m_count;
+        m_value = Storage::nil();
+        m_count = nullptr;
+        m_destroyer = nullptr;
+    }
+
 private:
     void share(const SharedResource& other)
     {
@@ -261,3 +276,20 @@ using OwnedPointer = qor::CopiedResource<qor::PointerStorage<X, 0, 3>>;
 /// A counted owner of an object; not for two threads at the same time.
 template<class X>
 using SharedPointer = qor::SharedResource<qor::PointerStorage<X, 0, 3>, 0>;
+
+namespace qor
+{
+/// The first owner of @p value, which was made with `new`. A handle that is made from a pointer throws nothing without
+/// memory for its count, and its copies are nil then; this deletes @p value instead.
+/// @exception std::bad_alloc without memory for the count
+template<class X>
+SharedPointer<X> sharedOwner(X* value)
+{
+    SharedPointer<X> owner(value);
+    if (owner.isComplete())
+        return owner;
+    owner.disown();
+    delete value;
+    throw std::bad_alloc();
+}
+}

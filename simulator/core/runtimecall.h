@@ -2,6 +2,7 @@
 /// Runs a runtime function as a watched call of the current machine, if there is one.
 #pragma once
 
+#include "simulator/core/answeringscope.h"
 #include "simulator/core/state.h"
 #include "simulator/core/watchedcall.h"
 
@@ -15,6 +16,7 @@ template<class... Values, class Body, class... Arguments>
 HRESULT runtimeCall(const char* function, const Outputs<Values...>& outputs, const Body& body,
                     const Arguments&... arguments)
 {
+    const AnsweringScope answering(true);
     const std::shared_ptr<State> state = currentState();
     if (state != nullptr)
         return watchedCall(
@@ -29,6 +31,7 @@ HRESULT runtimeCall(const char* function, const Outputs<Values...>& outputs, con
 template<class Body, class... Arguments>
 void runtimeNotice(const char* function, const Body& body, const Arguments&... arguments)
 {
+    const AnsweringScope answering(true);
     const std::shared_ptr<State> state = currentState();
     body(state.get());
     if (state == nullptr || !state->journal.recording())

@@ -123,6 +123,7 @@ ULONG SimulatedObject::releaseReference()
 
 ULONG SimulatedObject::watchedAddReference()
 {
+    const AnsweringScope answering(true);
     const std::string name = operation("AddRef");
     JournalEntry entry;
     entry.operation = name;
@@ -136,6 +137,7 @@ ULONG SimulatedObject::watchedAddReference()
 /// dropReference() may delete the object: after it only copies are used.
 ULONG SimulatedObject::watchedRelease()
 {
+    const AnsweringScope answering(true);
     const std::shared_ptr<State> machine = m_state;
     const std::string objectName = m_name;
     const std::string name = operation("Release");
@@ -161,6 +163,7 @@ ULONG SimulatedObject::dropReference(const WatchedCall* watched)
 
 void SimulatedObject::reportForbiddenRelease(std::size_t place) const
 {
+    const AnsweringScope answering(true);
     const CallbackScope& callback = *m_state->callbacks.here();
     const std::string device =
         m_state->withHardware([&](const Hardware& hardware) { return hardware.deviceOf(m_name); });

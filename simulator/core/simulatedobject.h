@@ -2,6 +2,7 @@
 /// Base of every COM object of the simulated machine: machine, name, reference count, watched calls.
 #pragma once
 
+#include "simulator/core/answeringscope.h"
 #include "simulator/core/argumenttext.h"
 #include "simulator/core/interfaces.h"
 #include "simulator/core/marshaller.h"
@@ -154,6 +155,7 @@ HRESULT SimulatedObject::query(REFIID iid, void** object, const Find& find)
     if (!isWatched())
         return object == nullptr ? E_POINTER : answer();
 
+    const AnsweringScope answering(true);
     const std::string name = operation("QueryInterface");
     WatchedCall watched(*m_state, name.c_str(), m_name, WatchedCall::Kind::reference, this);
     watched.setArguments({argumentText(iid)});

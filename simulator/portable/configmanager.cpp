@@ -8,6 +8,7 @@ namespace libOSWindows
 {
 bool ConfigManager::getParentDeviceInstanceId(const qor::String& childInstanceId, qor::String& parentInstanceId)
 {
+    const AnsweringScope answering(true);
     const std::string child = childInstanceId.toUtf8();
     Text parent;
     const auto answer = [&](const std::shared_ptr<State>& state) -> HRESULT

@@ -71,6 +71,7 @@ LPVOID WINAPI CoTaskMemAlloc(SIZE_T bytes)
 /// The journal records the origin of the block as the argument.
 void WINAPI CoTaskMemFree(LPVOID memory)
 {
+    const AnsweringScope answering(true);
     const TaskMemory::Origin null = {"null", std::nullopt};
     const TaskMemory::Origin origin = memory == nullptr ? null : TaskMemory::instance().free(memory);
     runtimeNotice(

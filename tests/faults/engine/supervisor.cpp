@@ -2,9 +2,10 @@
 
 #include "tests/faults/engine/process.h"
 
+#include <poll.h>
+
 #include <algorithm>
 #include <memory>
-#include <poll.h>
 #include <sstream>
 #include <utility>
 

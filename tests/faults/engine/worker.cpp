@@ -1,10 +1,11 @@
 #include "tests/faults/engine/worker.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <stdexcept>
 #include <system_error>
-#include <unistd.h>
 
 #if defined(__SANITIZE_ADDRESS__)
 #define SONAVIT_FAULTS_LEAKS 1

@@ -1,5 +1,6 @@
-#include "simulator/machine/builder/machinebuilder.h"
 #include "tests/faults/engine/faultedruns.h"
+
+#include "simulator/machine/builder/machinebuilder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,7 +23,7 @@ using faults::Run;
 sim::Machine machineWithSpeaker()
 {
     sim::MachineBuilder builder("one speaker");
-    builder.card("Codec").speaker().defaultFor({eConsole});
+    builder.card("Codec").speaker().defaultFor(eConsole);
     return builder.build();
 }
 
@@ -97,7 +98,7 @@ void ask(Run& run, bool isCareless)
 
 TEST(FaultedRuns, LetEachCallFailInEachOfItsModes)
 {
-    FaultedRuns runs(sweepOf([](Run& run) { ask(run, false); }));
+    FaultedRuns runs(sweepOf([](faults::Run& run) { ask(run, false); }));
 
     EXPECT_THAT(namesOf(runs), ElementsAre("1:fail", "1:null", "2:fail", "2:null", "3:throw", "4:throw"));
     EXPECT_EQ("IMMDeviceEnumerator::GetDefaultAudioEndpoint(eRender, eConsole) on enumerator", runs.detail(0));
@@ -107,7 +108,7 @@ TEST(FaultedRuns, LetEachCallFailInEachOfItsModes)
 
 TEST(FaultedRuns, CountTheCallsThatDidFail)
 {
-    FaultedRuns runs(sweepOf([](Run& run) { ask(run, false); }));
+    FaultedRuns runs(sweepOf([](faults::Run& run) { ask(run, false); }));
 
     EXPECT_EQ(1u, runs.run(2).failures);
     EXPECT_THAT(runs.run(2).findings, IsEmpty());
@@ -115,7 +116,7 @@ TEST(FaultedRuns, CountTheCallsThatDidFail)
 
 TEST(FaultedRuns, FindWhatIsForgottenAfterAFailure)
 {
-    FaultedRuns runs(sweepOf([](Run& run) { ask(run, true); }));
+    FaultedRuns runs(sweepOf([](faults::Run& run) { ask(run, true); }));
 
     EXPECT_THAT(findingsOf(runs), testing::AllOf(Contains("2:fail references"), Contains("2:null references")));
 }
@@ -123,7 +124,7 @@ TEST(FaultedRuns, FindWhatIsForgottenAfterAFailure)
 TEST(FaultedRuns, FindObjectsThatDoNotWorkAnyMoreWhenTheFaultIsGone)
 {
     FaultedRuns runs(sweepOf(
-        [](Run& run)
+        [](faults::Run& run)
         {
             std::string kept;
             run.act([&] { kept = defaultId(run.simulation(), false); });
@@ -138,7 +139,7 @@ TEST(FaultedRuns, TellACallThatIsNotMade)
 {
     int runsBefore = 0;
     FaultedRuns runs(sweepOf(
-        [&](Run& run)
+        [&](faults::Run& run)
         {
             const bool isFirst = runsBefore++ == 0;
             run.act(
@@ -154,7 +155,7 @@ TEST(FaultedRuns, TellACallThatIsNotMade)
 
 TEST(FaultedRuns, LetPairsOfCallsFail)
 {
-    faults::Sweep sweep = sweepOf([](Run& run) { ask(run, false); });
+    faults::Sweep sweep = sweepOf([](faults::Run& run) { ask(run, false); });
     sweep.extent.pairs = 100;
     FaultedRuns runs(std::move(sweep));
 
@@ -165,7 +166,7 @@ TEST(FaultedRuns, LetPairsOfCallsFail)
 TEST(FaultedRuns, OfManyCallsTryTheFirstAndTheLastOfEachKindAndSomeInBetween)
 {
     faults::Sweep sweep = sweepOf(
-        [](Run& run)
+        [](faults::Run& run)
         {
             run.act(
                 [&]
@@ -188,7 +189,7 @@ TEST(FaultedRuns, NoteWhatLeavesTheOperation)
 {
     std::string thrown;
     FaultedRuns runs(sweepOf(
-        [&](Run& run)
+        [&](faults::Run& run)
         {
             run.act([&] { defaultId(run.simulation(), false); });
             thrown = run.record().thrown;

@@ -200,6 +200,7 @@ private:
     IConnector* firstConnector(const InPassing* passing) const;
     COMPtr<IAudioEndpointVolume>::pointer volumeController();
     bool createVolumeControl();
+    void restoreFormat();
     void printReferenceCount();
     unsigned int waveMessage(EDataFlow flow, unsigned int deviceId, unsigned int message, unsigned __int64 param1,
                              unsigned __int64 param2);

@@ -1,13 +1,61 @@
 #include "libSonavit/sysinfohelper.h"
 
+#include "qor/exception.h"
+
 namespace libSonavit
 {
+namespace
+{
+typedef qor::Array<SharedPointer<SoundCard>> Cards;
+
+/// Releases the cards. The list would have a new block then, which a list that ends does not need.
+void releaseAll(Cards& cards)
+{
+    try
+    {
+        cards.clear();
+    }
+    catch (const qor::NullPointer&)
+    {
+        return;
+    }
+}
+
+/// Takes COM back from the thread, after the cards, if the constructor ends with an exception. Where it was not
+/// initialised, there is nothing to take back.
+class InitializationOfCOM
+{
+public:
+    explicit InitializationOfCOM(Cards& cards)
+        : m_cards(cards),
+          m_isOwed(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED)))
+    {
+    }
+    InitializationOfCOM(const InitializationOfCOM&) = delete;
+    InitializationOfCOM& operator=(const InitializationOfCOM&) = delete;
+    ~InitializationOfCOM()
+    {
+        if (!m_isOwed)
+            return;
+        releaseAll(m_cards);
+        CoUninitialize();
+    }
+
+    void stay() { m_isOwed = false; }
+
+private:
+    Cards& m_cards;
+    bool m_isOwed;
+};
+}
+
 SysInfoHelper::SysInfoHelper()
 {
-    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    InitializationOfCOM initialization(m_soundCards);
     const qor::Array<SoundCard> cards = SoundCard::enumerateSystemSoundDevices();
     for (unsigned int i = 0; i < cards.size(); ++i)
-        m_soundCards.append(SharedPointer<SoundCard>(new SoundCard(cards[i])));
+        m_soundCards.append(qor::sharedOwner(new SoundCard(cards[i])));
+    initialization.stay();
 }
 
 SysInfoHelper::SysInfoHelper(const SysInfoHelper& other) = default;
@@ -17,7 +65,7 @@ SysInfoHelper& SysInfoHelper::operator=(const SysInfoHelper& other) = default;
 /// copy, which has not initialised COM.
 SysInfoHelper::~SysInfoHelper()
 {
-    m_soundCards.clear();
+    releaseAll(m_soundCards);
     CoUninitialize();
 }
 

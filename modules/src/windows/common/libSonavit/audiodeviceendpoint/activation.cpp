@@ -80,7 +80,7 @@ bool AudioDevice::createVolumeControl()
         policy.ownerName = m_properties.endpointType;
         policy.ownerType = m_properties.subType;
         VolumeControllerInterface* const controller = new VolumeController<EndpointVolumeController>(policy);
-        m_volumeControl = SharedPointer<VolumeControllerInterface>(controller);
+        m_volumeControl = qor::sharedOwner(controller);
     }
     else
     {

@@ -7,6 +7,9 @@
 #include "libSonavit/audiodeviceendpoint/log.h"
 #include "libSonavit/audiodevicetopology/topologyview.h"
 #include "libSonavit/endpointdeviceenumerator.h"
+#include "qor/exception.h"
+
+#include <new>
 
 AudioDevice::AudioDevice() = default;
 
@@ -205,11 +208,29 @@ AudioDevice::~AudioDevice() noexcept(false)
     SONAVIT_TRACE(endpointlog, "AudioDevice::~AudioDevice()");
     printReferenceCount();
     if (m_savedProperties.format != m_properties.format && m_propertyStore.get() != nullptr)
-        setFormat(m_savedProperties.format);
+        restoreFormat();
     SONAVIT_LOG(endpointlog, LOG_DEBUG, out.append("Assigning m_propertyStore to NULL"));
     m_propertyStore = nullptr;
     SONAVIT_LOG(endpointlog, LOG_DEBUG, out.append("Assigning m_device to NULL"));
     m_device = nullptr;
+}
+
+/// The format is written before memory is needed, to read it back: that memory may be missing, even while an exception
+/// about it is on its way.
+void AudioDevice::restoreFormat()
+{
+    try
+    {
+        setFormat(m_savedProperties.format);
+    }
+    catch (const std::bad_alloc&)
+    {
+        return;
+    }
+    catch (const qor::NullPointer&)
+    {
+        return;
+    }
 }
 
 void AudioDevice::printReferenceCount()

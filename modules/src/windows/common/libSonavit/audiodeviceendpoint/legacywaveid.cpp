@@ -14,6 +14,18 @@ constexpr unsigned int noWaveId = 0xFFFFFFFF;
 /// Memory for an endpoint id. The share count of this handle type is guarded by a lock.
 typedef qor::SharedResource<ComTaskMemStorage<unsigned short>, 1> IdBuffer;
 
+/// A buffer of @p size bytes; nil without memory for it or for its count.
+IdBuffer idBuffer(std::size_t size)
+{
+    IdBuffer buffer(static_cast<unsigned short*>(CoTaskMemAlloc(size)));
+    if (buffer.isComplete())
+        return buffer;
+    void* const block = buffer.get();
+    buffer.disown();
+    CoTaskMemFree(block);
+    return IdBuffer();
+}
+
 /// The string in a block of @p bytes bytes: up to its terminator or, if the driver has written none, up to the end.
 qor::String boundedString(const unsigned short* block, std::size_t bytes)
 {
@@ -46,7 +58,7 @@ unsigned int AudioDevice::waveLegacyDeviceID()
             SONAVIT_LOG(endpointlog, LOG_WARNING, out.append("waveMessage returns an error ").append(decimalText(result)));
             continue;
         }
-        const IdBuffer buffer(static_cast<unsigned short*>(CoTaskMemAlloc(size)));
+        const IdBuffer buffer = idBuffer(size);
         if (buffer.get() == nullptr)
         {
             SONAVIT_LOG(endpointlog, LOG_WARNING, out.append("Cannot allocate device id buffer"));

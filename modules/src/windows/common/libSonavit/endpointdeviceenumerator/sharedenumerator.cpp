@@ -4,6 +4,7 @@
 #include "COM/resultcode.h"
 #include "libSonavit/endpointdeviceenumerator/endpointlisting.h"
 #include "libSonavit/endpointdeviceenumerator/log.h"
+#include "qor/exception.h"
 
 #include <new>
 
@@ -44,7 +45,14 @@ AudioDeviceEnumerator::~AudioDeviceEnumerator()
         return;
     for (unsigned int i = 0; i < m_notificationClients.size(); ++i)
         m_deviceEnumerator->UnregisterEndpointNotificationCallback(m_notificationClients[i].get());
-    m_notificationClients.clear();
+    try
+    {
+        m_notificationClients.clear();
+    }
+    catch (const qor::NullPointer&)
+    {
+        // The clients are released. Only the new block of the list is missing, and the list ends.
+    }
     m_deviceEnumerator = nullptr;
 }
 

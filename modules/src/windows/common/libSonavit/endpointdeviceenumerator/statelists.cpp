@@ -4,6 +4,7 @@
 #include "COM/resultcode.h"
 #include "libSonavit/endpointdeviceenumerator/endpointlisting.h"
 #include "libSonavit/endpointdeviceenumerator/log.h"
+#include "qor/exception.h"
 
 EndpointDeviceEnumeratorCommon::EndpointDeviceEnumeratorCommon() : m_notificationObserver(nullptr)
 {
@@ -24,7 +25,14 @@ EndpointDeviceEnumeratorCommon& EndpointDeviceEnumeratorCommon::operator=(const 
 EndpointDeviceEnumeratorCommon::~EndpointDeviceEnumeratorCommon()
 {
     SONAVIT_TRACE(enumeratorlog, "EndpointDeviceEnumeratorCommon::~EndpointDeviceEnumeratorCommon()");
-    clear();
+    try
+    {
+        clear();
+    }
+    catch (const qor::NullPointer&)
+    {
+        return; // a list that ends needs no new block; the others end in the same order
+    }
 }
 
 bool EndpointDeviceEnumeratorCommon::enumerate(EDataFlow flow)

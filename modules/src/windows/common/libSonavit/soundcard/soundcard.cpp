@@ -22,12 +22,12 @@ COMPtr<IMMNotificationClient>::pointer notificationClient(
 }
 
 SoundCard::SoundCard()
-    : m_playbackDevices(new qor::Array<AudioDevice>),
-      m_recordDevices(new qor::Array<AudioDevice>),
-      m_internalDevices(new qor::Array<AudioDevice>),
-      m_playbackObservers(new qor::Array<BorrowedPointer<SoundCardObserver>>),
-      m_recordObservers(new qor::Array<BorrowedPointer<SoundCardObserver>>),
-      m_deviceId(new qor::String)
+    : m_playbackDevices(qor::sharedOwner(new qor::Array<AudioDevice>)),
+      m_recordDevices(qor::sharedOwner(new qor::Array<AudioDevice>)),
+      m_internalDevices(qor::sharedOwner(new qor::Array<AudioDevice>)),
+      m_playbackObservers(qor::sharedOwner(new qor::Array<BorrowedPointer<SoundCardObserver>>)),
+      m_recordObservers(qor::sharedOwner(new qor::Array<BorrowedPointer<SoundCardObserver>>)),
+      m_deviceId(qor::sharedOwner(new qor::String))
 {
     m_updater = SoundCardDeviceUpdater::createUpdater();
     m_updater->setRecordDeviceList(m_recordDevices);

@@ -1,0 +1,78 @@
+#include "simulator/machine/file/machinefile.h"
+#include "tests/faults/kept/judge.h"
+#include "tests/faults/kept/machines.h"
+#include "tests/faults/kept/rounds.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace
+{
+using namespace faults::kept;
+
+/// SONAVIT_KEPT_ROUNDS sets how often all is done.
+unsigned keptRounds(unsigned usual)
+{
+    const char* const text = std::getenv("SONAVIT_KEPT_ROUNDS");
+    return text == nullptr ? usual : static_cast<unsigned>(std::strtoul(text, nullptr, 10));
+}
+
+TEST(KeptTable, HasWhatEachOperationLeavesAndNothingElse)
+{
+    for (const Row& row : allRows())
+    {
+        EXPECT_EQ("", errorOf(row, deskMachine()));
+        EXPECT_EQ("", errorOf(row, sim::findMachine("laptop")));
+    }
+}
+
+TEST(KeptTable, HasNoKindThatNoMachineShows)
+{
+    EXPECT_EQ("", needlessKinds(allRows(), {deskMachine()}));
+}
+
+TEST(KeptTable, MissesAnOperationThatIsInTheWrongRow)
+{
+    for (Row row : allRows())
+    {
+        if (row.keeps.empty())
+            continue;
+        row.keeps.clear();
+        EXPECT_NE("", errorOf(row, deskMachine())) << row.operation;
+    }
+}
+
+TEST(KeptRounds, OfWhatKeepsNothingGrowNothing)
+{
+    for (const Row& row : allRows())
+    {
+        if (row.keeps.empty())
+        {
+            EXPECT_EQ("", growthOf(row, deskMachine(), keptRounds(10))) << row.operation;
+        }
+    }
+}
+
+TEST(KeptRounds, OfTheClientLayerGrowNothing)
+{
+    std::vector<faults::memory::ClientCase> cases = faults::memory::readingCases();
+    for (const faults::memory::ClientCase& each : faults::memory::changingCases())
+        cases.push_back(each);
+
+    EXPECT_EQ("", growthOf(cases, deskMachine(), keptRounds(20)));
+    EXPECT_EQ("", growthOfSystems(deskMachine(), keptRounds(10)));
+}
+
+/// The watch itself: a row that keeps something does grow.
+TEST(KeptRounds, OfWhatKeepsSomethingGrow)
+{
+    for (const Row& row : allRows())
+    {
+        if (row.operation == "AudioDevice::isDefaultEndpoint")
+        {
+            EXPECT_NE("", growthOf(row, deskMachine(), 10));
+        }
+    }
+}
+}
