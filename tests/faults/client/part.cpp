@@ -54,6 +54,11 @@ std::unique_ptr<Runs> prepare(const Operation& operation, const std::string& nam
 Part clientPart()
 {
     Part part{"client", {}, {}};
+    for (const Kind kind : {Kind::answer, Kind::reuse})
+        part.excuses.push_back(
+            {"*", "broken", "*", "*IMMDeviceCollection::Item(4)*", kind,
+             "two endpoints have ids that differ in case alone: without the first one the platform's "
+             "list has the other one, which stays until it goes"});
     for (const std::string& name : sim::machineNames())
     {
         for (const Operation& operation : allOperations())

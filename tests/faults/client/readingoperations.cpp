@@ -156,9 +156,9 @@ std::vector<Operation> questionsAboutHardware()
                                    }}};
     all[0].fits = [](const Targets& targets) { return targets.control.has_value(); };
     all[1].fits = [](const Targets& targets) { return targets.selector.has_value(); };
-    for (const std::size_t silent : {0, 1, 4})
+    for (const std::size_t silent : {0U, 1U, 4U})
         all[silent].tellsWhy = false;
-    for (const std::size_t ofOutput : {2, 5, 6})
+    for (const std::size_t ofOutput : {2U, 5U, 6U})
         all[ofOutput].fits = hasOutput;
     return all;
 }
