@@ -1,5 +1,5 @@
 // The client layer on every hostile platform: each operation returns, gives what is true of it, and leaves nothing
-// behind; and the truth is read again when the platform tells it again.
+// behind; and reads the truth again when it is told.
 #include "tests/client/watching/watchtest.h"
 #include "tests/hostile/client/hostileclienttest.h"
 #include "tests/hostile/client/usage.h"

@@ -44,7 +44,7 @@ protected:
         return all;
     }
 
-    /// Nobody is notified, and the lists are as they were.
+    /// No observer is notified, and the lists are as they were.
     void expectNothingHasHappened()
     {
         EXPECT_THAT(playback.notifications, IsEmpty());

@@ -76,7 +76,7 @@ inline void PrintTo(const Topic& topic, std::ostream* out)
 const std::vector<Topic>& topics();
 
 /// A share of the platforms of a topic, so that all @p shares together have each of them once; under Wine and under
-/// sanitizers, where everything takes many times as long, a third of that. With SONAVIT_HOSTILE=all in the environment
+/// sanitizers, where everything takes many times as long, a sixth of that. With SONAVIT_HOSTILE=all in the environment
 /// each share has all of them.
 std::vector<Platform> shareOf(const Topic& topic, std::size_t share, std::size_t shares);
 /// Whether that is in the environment.
