@@ -57,7 +57,7 @@ void exitInASubscriber()
 /// Nothing of the layer ends.
 void exitInASubscriberOfALivingSystem()
 {
-    static System& living = *beginSystem().release();
+    static System& living = beginLivingSystem();
     staticSubscription.emplace(living.subscribe(
         [](const Change&)
         {

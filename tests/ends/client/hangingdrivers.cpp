@@ -41,7 +41,9 @@ void begin(System& system)
 void returnWithALivingSystem()
 {
     machine();
-    begin(*new System(withPatience(shortPatience)));
+    const auto system = std::make_shared<System>(withPatience(shortPatience));
+    keep(system);
+    begin(*system);
 }
 
 /// It ends when its patience does.

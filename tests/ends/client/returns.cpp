@@ -19,10 +19,10 @@ namespace
 /// What a program may hold; nothing of it ends.
 void keepEverything()
 {
-    System& system = *beginSystem().release();
-    static_cast<void>(new Subscription(system.subscribe(&ignore)));
-    static_cast<void>(new Result<Watch>(system.watch(system.snapshot().cards().front().id())));
-    static_cast<void>(new Result<FormatHold>(system.holdFormat(speakersId(), otherFormat())));
+    System& system = beginLivingSystem();
+    keep(std::make_shared<Subscription>(system.subscribe(&ignore)));
+    keep(std::make_shared<Result<Watch>>(system.watch(system.snapshot().cards().front().id())));
+    keep(std::make_shared<Result<FormatHold>>(system.holdFormat(speakersId(), otherFormat())));
 }
 
 void returnAfterTheSystem()
@@ -44,7 +44,7 @@ void returnWithUnusedSystems()
 {
     machine();
     static const System unused;
-    static_cast<void>(new System);
+    keep(std::make_shared<System>());
     tellWhatIsLeft();
 }
 
@@ -108,7 +108,7 @@ void exitInTheTerminateHandler()
 #if !defined(_WIN32)
 void endQuickly()
 {
-    static System& system = *beginSystem().release();
+    static System& system = beginLivingSystem();
     const auto readOnce = [] { printLine(system.refresh() ? "read" : "not read"); };
     std::at_quick_exit(readOnce);
     std::quick_exit(0);

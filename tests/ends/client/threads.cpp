@@ -88,8 +88,8 @@ void perform(System& system, unsigned operation)
 void returnWhileThreadsAsk()
 {
     static std::atomic<unsigned> done{0};
-    System& system = *beginSystem().release();
-    static_cast<void>(new Subscription(system.subscribe(&ignore)));
+    System& system = beginLivingSystem();
+    keep(std::make_shared<Subscription>(system.subscribe(&ignore)));
     machine().faults().fail("IPart::GetName");
     machine().journal().record(false);
     for (unsigned first = 0; first < kindsOfOperations; ++first)
@@ -116,8 +116,8 @@ void returnWhileThreadsAsk()
 
 void returnWhileEventsArrive()
 {
-    System& system = *beginSystem().release();
-    static_cast<void>(new Subscription(system.subscribe(&ignore)));
+    System& system = beginLivingSystem();
+    keep(std::make_shared<Subscription>(system.subscribe(&ignore)));
     machine().journal().record(false);
     std::thread(&makeEvents).detach();
     causeAnEventAndWait(system);

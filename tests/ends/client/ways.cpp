@@ -6,6 +6,8 @@
 #include <atomic>
 #include <optional>
 #include <thread>
+#include <utility>
+#include <vector>
 
 namespace ends
 {
@@ -78,6 +80,19 @@ sonavit::System::Options withPatience(std::chrono::milliseconds patience)
     sonavit::System::Options options;
     options.patience = patience;
     return options;
+}
+
+void keep(std::shared_ptr<void> object)
+{
+    static auto& kept = *new std::vector<std::shared_ptr<void>>;
+    kept.push_back(std::move(object));
+}
+
+sonavit::System& beginLivingSystem()
+{
+    std::shared_ptr<sonavit::System> system = beginSystem();
+    keep(system);
+    return *system;
 }
 
 std::unique_ptr<sonavit::System> beginSystem()

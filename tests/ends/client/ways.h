@@ -26,6 +26,11 @@ void tellTheFormat();
 
 sonavit::System::Options withPatience(std::chrono::milliseconds patience);
 
+/// Keeps an object to the end of the process, and does not end it then.
+void keep(std::shared_ptr<void> object);
+
+/// A System that has read and does not end.
+sonavit::System& beginLivingSystem();
 /// A System that has read; prints the number of its cards.
 std::unique_ptr<sonavit::System> beginSystem();
 /// The same for a System that is there; it may be one that does not wait.

@@ -148,6 +148,14 @@ Lines endAfterALateDiscovery(unsigned discoveries)
 
 Ways statics()
 {
+#if defined(_WIN32)
+    const std::string living = ", cards"; // the runtime does not end what the main thread has
+    // COM tells of the helper's end, too.
+    const Lines helper = {"has none", "ends", "CoUninitialize", "left: 12 strings, cards, clients"};
+#else
+    const std::string living;
+    const Lines helper = {"has none", "ends", "CoUninitialize"};
+#endif
     return {
         {"static_object_from_before_the_library", Lines{"3 cards", "ends", "cards end"} + regularEnd(), &returnOnly},
         {"static_object_from_before_main", Lines{"3 cards", "ends", "cards end"} + regularEnd(), &returnOnly},
@@ -160,10 +168,10 @@ Ways statics()
          Lines{"3 cards", "ends", "cards end", "3 cards"} + endAfterALateDiscovery(2),
          &discoverOnceMoreInTheEarlyOnesEnd},
         {"local_static_cards", Lines{"3 cards", "ends"} + regularEnd(), &returnWithALocalStatic},
-        {"thread_local_cards", Lines{"3 cards", "ends"} + regularEnd(), &returnWithAThreadLocal},
+        {"thread_local_cards", Lines{"3 cards", "ends"} + regularEnd(1, living), &returnWithAThreadLocal},
         {"thread_local_cards_of_another_thread", Lines{"3 cards", "3 cards", "ends"} + regularEnd(),
          &endAThreadWithAThreadLocal},
-        {"static_helper", Lines{"has none", "ends", "CoUninitialize"} + regularEnd(), &returnWithAStaticHelper},
+        {"static_helper", helper + regularEnd(), &returnWithAStaticHelper},
         {"static_values", Lines{"3 cards", "1 devices, 2 controls", "ends"} + regularEnd(1, ", 6 lists of parts"),
          &returnWithStaticValues},
     };
