@@ -50,7 +50,7 @@ function(sonavit_find_googletest)
     set(INSTALL_GTEST OFF)
     add_subdirectory("${SONAVIT_GOOGLETEST_SOURCES}" "${CMAKE_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL SYSTEM)
     foreach(library IN ITEMS gtest gmock)
-      sonavit_instrument(${library})
+      sonavit_instrument(${library} TEST)
       if(NOT MSVC)
         target_compile_options(${library} PRIVATE -O0) # compiled in half the time, and the tests do not notice
       endif()

@@ -14,6 +14,7 @@ set(SONAVIT_TEST_TIMEOUT 300 CACHE STRING "Seconds after which a test has failed
 mark_as_advanced(SONAVIT_TEST_TIMEOUT)
 
 option(SONAVIT_TEST_DEBUG "Debug information in the tests, which makes them longer to build" ON)
+option(SONAVIT_CLANG_FOR_TESTS "Compile tests with clang where the product's compiler is gcc: faster" OFF)
 
 # Test sources are many and run for an instant, so it is their compilation that takes time: no optimisation, and the
 # headers that all of them include are precompiled, unless there is a compiler cache, which works better without.
@@ -21,6 +22,21 @@ function(sonavit_set_test_options target)
   sonavit_configure_target(${target} TEST)
   if(NOT MSVC)
     target_compile_options(${target} PRIVATE -O0 $<IF:$<BOOL:${SONAVIT_TEST_DEBUG}>,-g1,-g0>)
+  endif()
+  if(SONAVIT_CLANG_FOR_TESTS AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set_target_properties(
+      ${target} PROPERTIES CXX_COMPILER_LAUNCHER "${PROJECT_SOURCE_DIR}/cmake/shell/testcompiler"
+    )
+  endif()
+endfunction()
+
+function(sonavit_group_tests target)
+  if(SONAVIT_GROUP_TESTS)
+    if(MINGW)
+      # Templates of a group have more sections than a usual object file can number.
+      target_compile_options(${target} PRIVATE -Wa,-mbig-obj)
+    endif()
+    sonavit_compile_in_groups(${target})
   endif()
 endfunction()
 
@@ -68,26 +84,23 @@ function(sonavit_add_test name)
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}")
   target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest_main)
   sonavit_set_test_options(${name})
-  if(MINGW AND SONAVIT_GROUP_TESTS)
-    # Templates of a group have more sections than a usual object file can number.
-    target_compile_options(${name} PRIVATE -Wa,-mbig-obj)
-  endif()
   if(SONAVIT_MINGW_LLD)
     target_link_options(${name} PRIVATE "SHELL:-wrapper \"${PROJECT_SOURCE_DIR}/cmake/wine/linker\"")
+  endif()
+  if(SONAVIT_REACHED)
+    target_link_libraries(${name} PRIVATE reached_listener)
   endif()
   if(NOT arg_NO_PRIVATE_ACCESS)
     sonavit_allow_private_access(${name})
   endif()
-  if(SONAVIT_GROUP_TESTS)
-    sonavit_compile_in_groups(${name})
-  endif()
+  sonavit_group_tests(${name})
   if(arg_PRECOMPILED AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
     sonavit_precompile(${name} REUSE_FROM ${arg_PRECOMPILED})
   elseif(NOT CMAKE_CXX_COMPILER_LAUNCHER)
     sonavit_precompile(${name} PRIVATE ${SONAVIT_TEST_HEADERS} ${arg_PRECOMPILE})
   endif()
 
-  if(CMAKE_CROSSCOMPILING_EMULATOR OR SONAVIT_SANITIZE)
+  if(CMAKE_CROSSCOMPILING_EMULATOR OR SONAVIT_SANITIZE OR SONAVIT_COVERAGE)
     sonavit_discover_suites(${name} ${arg_ASAN_OPTIONS})
   else()
     gtest_discover_tests(
@@ -131,14 +144,23 @@ include([==[${PROJECT_SOURCE_DIR}/cmake/DiscoverSuites.cmake]==])
   set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${script}")
 endfunction()
 
-# sonavit_add_fuzz_target(<source> [LIBRARIES <target>...]): the program fuzz_<name of the source>
+# sonavit_add_fuzz_target(<source> [SOURCES <file>...] [LIBRARIES <target>...]): the program fuzz_<name of the source>, and
+# with the tests fuzz.<name>, which runs its corpus and a few seconds more.
 function(sonavit_add_fuzz_target source)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBRARIES")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES")
   get_filename_component(name "${source}" NAME_WE)
   string(REGEX REPLACE "_fuzz$" "" name "${name}")
-  add_executable(fuzz_${name} "${source}")
+  add_executable(fuzz_${name} "${source}" ${arg_SOURCES})
   target_include_directories(fuzz_${name} PRIVATE "${PROJECT_SOURCE_DIR}")
   target_link_libraries(fuzz_${name} PRIVATE ${arg_LIBRARIES})
   target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
   sonavit_configure_target(fuzz_${name} TEST)
+  target_compile_options(fuzz_${name} PRIVATE -fsanitize=fuzzer-no-link)
+  sonavit_allow_private_access(fuzz_${name})
+  if(SONAVIT_BUILD_TESTS)
+    add_test(NAME fuzz.${name} COMMAND "${CMAKE_COMMAND}" "-DPROGRAM=$<TARGET_FILE:fuzz_${name}>"
+             "-DCORPUS=${CMAKE_CURRENT_SOURCE_DIR}/fuzz" "-DFOLDER=${CMAKE_BINARY_DIR}/fuzz" "-DTARGET=${name}"
+             -P "${CMAKE_CURRENT_SOURCE_DIR}/fuzz/briefly.cmake")
+    set_tests_properties(fuzz.${name} PROPERTIES TIMEOUT ${SONAVIT_TEST_TIMEOUT})
+  endif()
 endfunction()

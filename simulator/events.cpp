@@ -155,17 +155,17 @@ void Events::setProperty(const std::string& endpointId, const PROPERTYKEY& key, 
         [&] { notifyPropertyChanged(m_state, endpointId, key); });
 }
 
-void Events::announceAdded(const std::string& endpointId)
+void Events::announceAdded(const Text& endpointId)
 {
     notifyDeviceAdded(m_state, endpointId);
 }
 
-void Events::announceRemoved(const std::string& endpointId)
+void Events::announceRemoved(const Text& endpointId)
 {
     notifyDeviceRemoved(m_state, endpointId);
 }
 
-void Events::announceState(const std::string& endpointId, std::uint32_t state)
+void Events::announceState(const Text& endpointId, std::uint32_t state)
 {
     notifyStateChanged(m_state, endpointId, state);
 }
@@ -175,7 +175,7 @@ void Events::announceDefault(EDataFlow flow, ERole role, const Text& endpointId)
     notifyDefaultChanged(m_state, flow, role, endpointId);
 }
 
-void Events::announceProperty(const std::string& endpointId, const PROPERTYKEY& key)
+void Events::announceProperty(const Text& endpointId, const PROPERTYKEY& key)
 {
     notifyPropertyChanged(m_state, endpointId, key);
 }

@@ -22,8 +22,7 @@ class State;
 /// each default that another endpoint has now, by one OnDefaultDeviceChanged for each role; its id is null if no
 /// endpoint is left. A default that stays where it is causes none.
 ///
-/// The announce… operations notify the clients and change
-/// nothing; they accept any id.
+/// The announce… operations notify the clients and change nothing; they accept any id, and no value as a null pointer.
 class Events
 {
 public:
@@ -82,11 +81,11 @@ public:
     /// returns E_ACCESSDENIED then; a store that is opened anew works. No client is notified.
     void remoteLogon();
 
-    void announceAdded(const std::string& endpointId);
-    void announceRemoved(const std::string& endpointId);
-    void announceState(const std::string& endpointId, std::uint32_t state);
+    void announceAdded(const Text& endpointId);
+    void announceRemoved(const Text& endpointId);
+    void announceState(const Text& endpointId, std::uint32_t state);
     void announceDefault(EDataFlow flow, ERole role, const Text& endpointId);
-    void announceProperty(const std::string& endpointId, const PROPERTYKEY& key);
+    void announceProperty(const Text& endpointId, const PROPERTYKEY& key);
 
     /// Performs one event of a script.
     void play(const ScriptEvent& event);

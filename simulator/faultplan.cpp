@@ -30,6 +30,7 @@ struct PlannedFault::Shared
     mutable Mutex mutex;
     FaultRule rule;
     std::function<void()> action;
+    std::optional<Lie> lie;
     std::uint32_t met = 0;
     std::uint32_t fired = 0;
     std::shared_ptr<FaultPlan::Time> time;
@@ -203,19 +204,27 @@ PlannedFault FaultPlan::run(const std::string& operation, std::function<void()> 
 {
     FaultRule rule;
     rule.operation = operation;
-    return add(rule, std::move(action));
+    return add(rule, std::move(action), {});
+}
+
+PlannedFault FaultPlan::lie(const std::string& operation, const Lie& lie)
+{
+    FaultRule rule;
+    rule.operation = operation;
+    return add(rule, {}, lie);
 }
 
 PlannedFault FaultPlan::add(const FaultRule& rule)
 {
-    return add(rule, {});
+    return add(rule, {}, {});
 }
 
-PlannedFault FaultPlan::add(const FaultRule& rule, std::function<void()> action)
+PlannedFault FaultPlan::add(const FaultRule& rule, std::function<void()> action, std::optional<Lie> lie)
 {
     auto shared = std::make_shared<PlannedFault::Shared>();
     shared->rule = rule;
     shared->action = std::move(action);
+    shared->lie = std::move(lie);
     shared->time = m_time;
     if (!rule.after)
         shared->beginNow();
@@ -284,6 +293,10 @@ FaultPlan::Verdict FaultPlan::judge(const std::string& operation, const std::str
         if (shared->action)
         {
             verdict.actions.push_back(shared->action);
+        }
+        else if (shared->lie)
+        {
+            verdict.lies.push_back(*shared->lie);
         }
         else if (!verdict.outcome)
         {

@@ -2,6 +2,7 @@
 /// The fault plan of a simulated machine: which calls fail, and how.
 #pragma once
 
+#include "simulator/lie.h"
 #include "simulator/machine/machine.h"
 #include "simulator/mutex.h"
 
@@ -92,6 +93,9 @@ public:
     PlannedFault raise(const std::string& operation);
     /// @p action runs before the call, on its thread; then the call does its work.
     PlannedFault run(const std::string& operation, std::function<void()> action);
+    /// The call does its work, and if it succeeds, stores @p lie in place of what it has found. Of several lies for one
+    /// call the last one that is planned shows.
+    PlannedFault lie(const std::string& operation, const Lie& lie);
     /// A rule of a machine file.
     PlannedFault add(const FaultRule& rule);
 
@@ -107,6 +111,7 @@ public:
     struct Verdict
     {
         std::vector<std::function<void()>> actions;
+        std::vector<Lie> lies;
         std::optional<FaultRule::Outcome> outcome;
         HRESULT result = S_OK;
     };
@@ -123,7 +128,7 @@ private:
     friend class PlannedFault;
     struct Time;
 
-    PlannedFault add(const FaultRule& rule, std::function<void()> action);
+    PlannedFault add(const FaultRule& rule, std::function<void()> action, std::optional<Lie> lie);
 
     const std::shared_ptr<Time> m_time;
     mutable Mutex m_mutex;

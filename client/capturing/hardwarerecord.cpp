@@ -277,6 +277,25 @@ void HardwareRecord::writeJoin(std::size_t part)
         m_machine.joins.push_back(std::move(join));
 }
 
+/// The connectors that were asked for signal paths, in the order of the machine. A driver may announce thousands of
+/// others that it does not hand out.
+std::vector<std::size_t> HardwareRecord::connectorsWithPaths(std::size_t device) const
+{
+    std::unordered_set<std::size_t> asked;
+    for (const auto& [ends, path] : m_devices[device].paths)
+    {
+        asked.insert(ends.first);
+        asked.insert(ends.second);
+    }
+    std::vector<std::size_t> connectors;
+    for (const std::size_t connector : m_orders[device].connectors)
+    {
+        if (asked.count(connector) != 0)
+            connectors.push_back(connector);
+    }
+    return connectors;
+}
+
 /// In the order of the connectors.
 std::vector<sim::SignalPath> HardwareRecord::signalPaths(std::size_t device)
 {
@@ -284,9 +303,10 @@ std::vector<sim::SignalPath> HardwareRecord::signalPaths(std::size_t device)
     const auto add = [&](std::size_t from, std::size_t to, const std::vector<std::size_t>& through, bool isMixed) {
         paths.push_back({m_parts[from].record.id, m_parts[to].record.id, idsOf(through, device, from), isMixed});
     };
-    for (const std::size_t from : m_orders[device].connectors)
+    const std::vector<std::size_t> connectors = connectorsWithPaths(device);
+    for (const std::size_t from : connectors)
     {
-        for (const std::size_t to : m_orders[device].connectors)
+        for (const std::size_t to : connectors)
         {
             const auto found = m_devices[device].paths.find({from, to});
             if (found == m_devices[device].paths.end() || !found->second.isThere)
@@ -309,9 +329,10 @@ void HardwareRecord::report(std::size_t device)
         m_parts[part].identity.report(m_parts[part].record.id, m_recorder);
         m_parts[part].failures.report(m_parts[part].record.id, m_recorder);
     }
-    for (const std::size_t from : m_orders[device].connectors)
+    const std::vector<std::size_t> connectors = connectorsWithPaths(device);
+    for (const std::size_t from : connectors)
     {
-        for (const std::size_t to : m_orders[device].connectors)
+        for (const std::size_t to : connectors)
         {
             const auto path = found.paths.find({from, to});
             if (path == found.paths.end())

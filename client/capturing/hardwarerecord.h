@@ -55,6 +55,7 @@ private:
     void writeDevice(std::size_t device);
     void writeJoin(std::size_t part);
     bool isMutual(std::size_t part) const;
+    std::vector<std::size_t> connectorsWithPaths(std::size_t device) const;
     std::vector<sim::SignalPath> signalPaths(std::size_t device);
     void report(std::size_t device);
 

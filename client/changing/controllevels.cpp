@@ -1,5 +1,8 @@
 #include "client/changing/controllevels.h"
 
+#include "client/reading/judge.h"
+#include "client/reading/limits.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -33,21 +36,19 @@ ControlLevels::ControlLevels(IAudioVolumeLevel& level, const Subject& subject, C
 
 std::optional<Problem> ControlLevels::apply(const LevelChange& change)
 {
-    UINT count = 0;
-    const std::optional<Problem> uncounted =
-        judge("IAudioVolumeLevel::GetChannelCount", m_level.GetChannelCount(&count));
+    const Result<unsigned> count = channelCount();
     if (const std::optional<unsigned> channel = change.channel())
     {
-        if (!uncounted && *channel >= count)
-            return noSuchChannel(m_subject, *channel, count);
+        if (count && *channel >= *count)
+            return noSuchChannel(m_subject, *channel, *count);
         return changeOne(change, *channel);
     }
-    if (uncounted)
-        return uncounted;
-    if (count == 0)
+    if (!count)
+        return count.problem();
+    if (*count == 0)
         return Problem(Problem::Kind::notSupported, m_subject.operation, m_subject.object,
                        "the control has no channels");
-    return count == 1 ? changeOne(change, 0) : changeAll(change, count);
+    return *count == 1 ? changeOne(change, 0) : changeAll(change, *count);
 }
 
 std::optional<Problem> ControlLevels::changeOne(const LevelChange& change, unsigned channel)
@@ -73,11 +74,11 @@ std::optional<Problem> ControlLevels::changeAll(const LevelChange& change, unsig
 std::optional<Problem> ControlLevels::set(const std::vector<std::optional<Decibels>>& levels)
 {
     const std::optional<Decibels> highest = *std::max_element(levels.begin(), levels.end());
-    UINT count = 0;
-    if (std::optional<Problem> problem = judge("IAudioVolumeLevel::GetChannelCount", m_level.GetChannelCount(&count)))
-        return problem;
-    const std::vector<Present> channels = presentOf(count);
-    std::optional<Problem> problem = count == levels.size() ? setEach(levels, channels) : apply(*highest);
+    const Result<unsigned> count = channelCount();
+    if (!count)
+        return count.problem();
+    const std::vector<Present> channels = presentOf(*count);
+    std::optional<Problem> problem = *count == levels.size() ? setEach(levels, channels) : apply(*highest);
     if (m_context.isUsed() && isWhere(channels))
         m_context.noteNoEffect();
     return problem;
@@ -106,6 +107,18 @@ std::optional<Problem> ControlLevels::setAll(const std::vector<Present>& channel
         return judge("IAudioVolumeLevel::SetLevel", m_level.SetLevel(0, levels.front(), m_context.use()));
     return judge("IAudioVolumeLevel::SetLevelAllChannels",
                  m_level.SetLevelAllChannels(levels.data(), static_cast<ULONG>(levels.size()), m_context.use()));
+}
+
+/// A number that no control has is none.
+Result<unsigned> ControlLevels::channelCount() const
+{
+    const char* const call = "IAudioVolumeLevel::GetChannelCount";
+    UINT count = 0;
+    if (const std::optional<Problem> problem = judge(call, m_level.GetChannelCount(&count)))
+        return *problem;
+    if (count > reading::mostChannels)
+        return Problem::ofCall(call, m_subject.object, reading::invalidData);
+    return unsigned{count};
 }
 
 std::vector<Present> ControlLevels::presentOf(unsigned count) const

@@ -33,6 +33,7 @@ public:
     std::optional<Problem> set(const std::vector<std::optional<Decibels>>& levels);
 
 private:
+    Result<unsigned> channelCount() const;
     std::vector<Present> presentOf(unsigned count) const;
     Present present(unsigned channel) const;
     Result<float> levelOf(unsigned channel) const;

@@ -176,8 +176,9 @@ void Restoring::restoreControl(const Place& place, const ControlSetting& setting
         const Result<Done> result =
             !control ? Result<Done>(control.problem())
             : object.get() == nullptr
-                ? Result<Done>(
-                      notThere(setting.id, "the control " + text::quoted(nameOrId(setting)) + " has no " + what))
+                ? Result<Done>(reading::orHidingFailure(
+                      **m_walk,
+                      notThere(setting.id, "the control " + text::quoted(nameOrId(setting)) + " has no " + what)))
                 : setter(*object, context);
         note(place, what == "mute" ? nameOrId(setting) + ", mute" : nameOrId(setting), result, context);
         if (context.hasChanged())
@@ -212,10 +213,10 @@ void Restoring::restoreSelectors(const Place& place)
                 return Done(); // it may be the number of no input
             const Result<SelectorInput> input = inputOf(*found, setting);
             if (!input)
-                return input.problem();
+                return reading::orHidingFailure(**m_walk, input.problem());
             const reading::Handle<IAudioInputSelector> platform = (*m_walk)->selector(found->id);
             if (platform.get() == nullptr)
-                return notThere(setting.id, "the selector cannot be opened");
+                return reading::orHidingFailure(**m_walk, notThere(setting.id, "the selector cannot be opened"));
             return choose(*found, *platform, *input, context);
         };
         note(place, nameOrId(setting), restored(), context);
@@ -236,7 +237,9 @@ Result<Control> Restoring::control(const Place& place, const std::vector<Control
         std::find_if(controls.begin(), controls.end(), [&](const Control& control) { return control.id == id; });
     if (found != controls.end())
         return *found;
-    return onlyOne(controls, setting.name, [&](const Control& control) { return control.title() == setting.name; });
+    Result<Control> named =
+        onlyOne(controls, setting.name, [&](const Control& control) { return control.title() == setting.name; });
+    return named ? named : Result<Control>(reading::orHidingFailure(**m_walk, named.problem()));
 }
 
 Result<Selector> Restoring::selector(const Place& place, const SelectorSetting& setting) const
@@ -251,7 +254,9 @@ Result<Selector> Restoring::selector(const Place& place, const SelectorSetting& 
         std::find_if(selectors.begin(), selectors.end(), [&](const Selector& selector) { return selector.id == id; });
     if (found != selectors.end())
         return *found;
-    return onlyOne(selectors, setting.name, [&](const Selector& selector) { return selector.title() == setting.name; });
+    Result<Selector> named =
+        onlyOne(selectors, setting.name, [&](const Selector& selector) { return selector.title() == setting.name; });
+    return named ? named : Result<Selector>(reading::orHidingFailure(**m_walk, named.problem()));
 }
 
 template<class T>

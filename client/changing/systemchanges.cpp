@@ -107,14 +107,14 @@ Result<Control> changeOneControl(Watcher& watcher, const std::string& operation,
         return walk.problem();
     const Result<Control> control = choose((*walk)->controls(endpoint));
     if (!control)
-        return control.problem();
+        return reading::orHidingFailure(**walk, control.problem());
     const ChangeToken token = watcher.newToken();
     ChangeContext context(watcher.contextOf(token));
     const Result<Done> done = change(*control, **walk, context);
     if (card && context.isUsed())
         watcher.publishHardwareChange(card->id(), token);
     if (!done)
-        return told(Result<Control>(done.problem()), context, token);
+        return told(Result<Control>(reading::orHidingFailure(**walk, done.problem())), context, token);
     return told(controlOf((*walk)->controls(endpoint), control->id, operation), context, token);
 }
 
@@ -175,7 +175,7 @@ Result<Selector> selectIn(Watcher& watcher, const std::vector<Card>& cards, cons
     const Selectors all = selectorsOf(**walk, cards);
     const Result<Selector> selector = reading::selectorNamed(all.selectors, name);
     if (!selector)
-        return selector.problem();
+        return reading::orHidingFailure(**walk, selector.problem());
     const ChangeToken token = watcher.newToken();
     ChangeContext context(watcher.contextOf(token));
     const Result<Done> done = choose(**walk, *selector, input, context);
@@ -183,7 +183,7 @@ Result<Selector> selectIn(Watcher& watcher, const std::vector<Card>& cards, cons
     if (place && context.isUsed())
         watcher.publishHardwareChange(all.cards[*place], token);
     if (!done)
-        return told(Result<Selector>(done.problem()), context, token);
+        return told(Result<Selector>(reading::orHidingFailure(**walk, done.problem())), context, token);
     const Selectors now = selectorsOf(**walk, cards);
     const std::optional<std::size_t> placeNow = placeOf(now, selector->id);
     return told(Result<Selector>(placeNow ? now.selectors[*placeNow] : *selector), context, token);
@@ -268,7 +268,10 @@ Result<Selector> System::select(const CardId& card, std::string_view selector, s
 Result<Selector> System::select(std::string_view selector, std::string_view input)
 {
     const auto task = [selector = std::string(selector), input = std::string(input)](Watcher& watcher)
-    { return selectIn(watcher, watcher.latest().cards(), selector, input); };
+    {
+        const Snapshot snapshot = watcher.latest(); // the change publishes another one
+        return selectIn(watcher, snapshot.cards(), selector, input);
+    };
     return m_state->run<Selector>("select", "", worker::Urgency::change, task);
 }
 }

@@ -1,6 +1,8 @@
 #include "client/changing/volumechange.h"
 
 #include "client/changing/endpointlevel.h"
+#include "client/reading/judge.h"
+#include "client/reading/limits.h"
 
 #include <algorithm>
 #include <string>
@@ -111,6 +113,19 @@ std::optional<Decibels> highest(const std::vector<std::optional<Decibels>>& leve
     return levels.empty() ? std::nullopt : *std::max_element(levels.begin(), levels.end());
 }
 
+/// A number that no endpoint has is none.
+Result<unsigned> channelCount(IAudioEndpointVolume& volume, const Subject& subject)
+{
+    const char* const call = "IAudioEndpointVolume::GetChannelCount";
+    UINT count = 0;
+    const HRESULT result = volume.GetChannelCount(&count);
+    if (FAILED(result))
+        return Problem::ofCall(call, subject.object, result);
+    if (count > reading::mostChannels)
+        return Problem::ofCall(call, subject.object, reading::invalidData);
+    return unsigned{count};
+}
+
 std::optional<Problem> setMaster(IAudioEndpointVolume& volume, const Subject& subject, const FormerLevels& levels,
                                  ChangeContext& context)
 {
@@ -147,15 +162,14 @@ Result<Volume> putBack(reading::EndpointReading& reading, const FormerLevels& le
     if (std::optional<Problem> problem = missingVolume(reading, subject))
         return *problem;
     IAudioEndpointVolume& volume = *reading.volume;
-    UINT count = 0;
-    const HRESULT counted = volume.GetChannelCount(&count);
-    if (FAILED(counted))
-        return Problem::ofCall("IAudioEndpointVolume::GetChannelCount", subject.object, counted);
-    const std::vector<std::optional<float>> before = levelsOf(volume, count);
-    std::optional<Problem> problem = count == levels.channels.size() && highest(levels.channels)
+    const Result<unsigned> count = channelCount(volume, subject);
+    if (!count)
+        return count.problem();
+    const std::vector<std::optional<float>> before = levelsOf(volume, *count);
+    std::optional<Problem> problem = *count == levels.channels.size() && highest(levels.channels)
                                          ? setChannels(volume, subject, levels, context)
                                          : setMaster(volume, subject, levels, context);
-    if (context.isUsed() && areSame(before, levelsOf(volume, count)))
+    if (context.isUsed() && areSame(before, levelsOf(volume, *count)))
         context.noteNoEffect();
     return readAgain(reading, subject, problem);
 }

@@ -57,7 +57,7 @@ std::ostream& operator<<(std::ostream& out, const Fact& fact)
 {
     out << fact.sentence;
     if (!fact.call.empty())
-        out << " [" << fact.call << (fact.object.empty() ? "" : " on ") << fact.object << "]";
+        out << " [" << fact.call << (fact.object.empty() ? "" : " on ") << text::printable(fact.object) << "]";
     return out;
 }
 

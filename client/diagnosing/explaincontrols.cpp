@@ -5,7 +5,9 @@
 #include "sonavit/text.h"
 
 #include <algorithm>
+#include <array>
 #include <set>
+#include <string_view>
 
 namespace sonavit::diagnosing
 {
@@ -212,7 +214,7 @@ private:
 
     static bool concernsHardware(const capturing::FailedCall& failure)
     {
-        static const std::vector<std::string> others = {
+        constexpr std::array<std::string_view, 7> others = {
             "IPropertyStore::", "IAudioEndpointVolume::",       "IAudioClient",       "IKsJackDescription",
             "IPart::GetName",   "IMMDevice::OpenPropertyStore", "IMMDevice::GetState"};
         if (failure.operation == "IMMDevice::Activate")
@@ -223,7 +225,7 @@ private:
                                [](const std::string& argument)
                                { return argument == "IAudioVolumeLevel" || argument == "IAudioMute"; });
         return std::none_of(others.begin(), others.end(),
-                            [&](const std::string& other)
+                            [&](const std::string_view other)
                             { return failure.operation.compare(0, other.size(), other) == 0; });
     }
 

@@ -152,11 +152,8 @@ private:
     void addLinked(std::size_t stop)
     {
         const std::size_t connector = m_road.stops[stop].connector;
-        for (const std::size_t other : m_wiring.connectorsOf(*m_wiring[connector].device))
-        {
-            if (other != connector && m_wiring.areLinked(connector, other))
-                add({other, Road::By::path, stop});
-        }
+        for (const std::size_t other : m_wiring.linkedWith(connector))
+            add({other, Road::By::path, stop});
     }
 
     void addBetween()

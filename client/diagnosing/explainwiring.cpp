@@ -210,11 +210,26 @@ std::vector<const sim::Device*> Wiring::devicesOf(const std::vector<EndpointId>&
     return devices;
 }
 
+std::vector<std::size_t> Wiring::linkedWith(std::size_t connector) const
+{
+    std::vector<std::size_t> linked;
+    const Node& known = m_nodes[connector];
+    if (!known.device->topology || known.position >= mostLinkedConnectors)
+        return linked;
+    const std::vector<sim::Connector>& all = known.device->topology->connectors;
+    for (std::size_t i = 0; i < std::min(all.size(), mostLinkedConnectors); ++i)
+    {
+        const std::size_t other = find(all[i].id);
+        if (other != connector && areLinked(connector, other))
+            linked.push_back(other);
+    }
+    return linked;
+}
+
 bool Wiring::areLinked(std::size_t one, std::size_t other) const
 {
-    if (std::max(m_nodes[one].position, m_nodes[other].position) >= mostLinkedConnectors)
-        return false;
-    return m_paths.count(pathOf(one, other)) != 0 || m_paths.count(pathOf(other, one)) != 0;
+    return m_nodes[other].position < mostLinkedConnectors &&
+           (m_paths.count(pathOf(one, other)) != 0 || m_paths.count(pathOf(other, one)) != 0);
 }
 
 std::vector<std::size_t> Wiring::wired(std::size_t node) const

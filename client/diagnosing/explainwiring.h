@@ -46,8 +46,8 @@ public:
     std::vector<std::size_t> connectorsOf(const sim::Device& device) const;
     /// The devices to which joins lead from endpoints of @p ids, and these endpoints.
     std::vector<const sim::Device*> devicesOf(const std::vector<EndpointId>& ids) const;
-    /// Whether a signal path that passes no sum leads from one of two connectors of a device to the other.
-    bool areLinked(std::size_t one, std::size_t other) const;
+    /// The connectors of the same device to or from which a signal path leads that passes no sum, in their order.
+    std::vector<std::size_t> linkedWith(std::size_t connector) const;
     /// The parts that wires connect with this one, those that feed it first.
     std::vector<std::size_t> wired(std::size_t node) const;
     /// What the client layer calls the part: its id, or the id of its device with the part's number there.
@@ -62,6 +62,7 @@ private:
     std::vector<std::size_t> find(const std::vector<std::string>& ids) const;
     bool isNamed(std::size_t node, const std::string& id) const;
     static std::uint64_t pathOf(std::size_t from, std::size_t to);
+    bool areLinked(std::size_t one, std::size_t other) const;
 
     std::vector<Node> m_nodes;
     std::unordered_map<std::string, std::size_t> m_places;

@@ -21,7 +21,7 @@ bool isActivation(const FailedCall& call)
 
 const std::string& firstArgument(const FailedCall& call)
 {
-    static const std::string none;
+    static const std::string& none = *new std::string; // lasts: threads diagnose until the process ends
     return call.arguments.empty() ? none : call.arguments.front();
 }
 

@@ -20,8 +20,12 @@ constexpr unsigned noWaveId = 0xFFFFFFFF;
 /// The platform says that there is no default.
 constexpr auto notFound = static_cast<HRESULT>(0x80070490);
 
-/// The calls that name no object.
-const std::string noObject;
+/// For calls that name no object. Never destroyed: a program may read until its end.
+const std::string& noObject()
+{
+    static const std::string& none = *new std::string;
+    return none;
+}
 
 EDataFlow platformFlow(Flow flow)
 {
@@ -190,7 +194,7 @@ void listFlow(const Enumerator& enumerator, Flow flow, Listing& listing)
     qor::Array<AudioDevice> devices;
     const unsigned count = enumerator.audioDevices(platformFlow(flow), devices);
     if (count == 0)
-        explainEmptyList(*enumerator.enumerator(), platformFlow(flow), Judge(noObject, listing.problems));
+        explainEmptyList(*enumerator.enumerator(), platformFlow(flow), Judge(noObject(), listing.problems));
     for (unsigned index = 0; index < count; ++index)
     {
         Endpoint::Content content = describeEndpoint(devices[index], flow);
@@ -215,7 +219,7 @@ void explainMissingEnumerator(Judge judge)
 Listing listEndpoints()
 {
     Listing listing;
-    const Judge judge(noObject, listing.problems);
+    const Judge judge(noObject(), listing.problems);
     const Enumerator enumerator;
     if (!enumerator.isInitialized())
     {

@@ -2,6 +2,8 @@
 
 #include "client/model/levels.h"
 #include "client/model/values.h"
+#include "client/reading/judge.h"
+#include "client/reading/limits.h"
 #include "libSonavit/volumecontroller.h"
 
 namespace sonavit::model
@@ -33,7 +35,9 @@ public:
         volume.master = readMaster();
         volume.range = readRange(m_controller, 0);
         UINT count = 0;
-        if (m_judge.passes(m_volume->GetChannelCount(&count), "IAudioEndpointVolume::GetChannelCount"))
+        const HRESULT counted = m_volume->GetChannelCount(&count);
+        const bool isBelieved = FAILED(counted) || count <= reading::mostChannels;
+        if (m_judge.passes(isBelieved ? counted : reading::invalidData, "IAudioEndpointVolume::GetChannelCount"))
         {
             volume.channels.emplace();
             const unsigned channels = m_controller.numChannel();

@@ -1,6 +1,7 @@
 #include "client/model/levels.h"
 
 #include "client/model/values.h"
+#include "client/reading/limits.h"
 
 #include <cmath>
 
@@ -37,7 +38,8 @@ ControlChannel readChannel(const RegularVolumeController& policy, const VolumeCo
 std::optional<std::vector<ControlChannel>> readChannels(const RegularVolumeController& policy)
 {
     UINT count = 0;
-    if (policy.volumeLevel.get() == nullptr || FAILED(policy.volumeLevel->GetChannelCount(&count)))
+    if (policy.volumeLevel.get() == nullptr || FAILED(policy.volumeLevel->GetChannelCount(&count)) ||
+        count > reading::mostChannels)
         return std::nullopt;
     const VolumeController<RegularVolumeController> controller(policy);
     std::vector<ControlChannel> channels;

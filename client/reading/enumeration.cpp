@@ -18,7 +18,12 @@ constexpr UINT mostEndpoints = 0x10000;
 /// After so many failures in a row the rest of a list is taken as lost.
 constexpr unsigned mostFailures = 16;
 
-const std::string noObject;
+/// For calls that name no object. Never destroyed: the worker reads while the static objects of a program are.
+const std::string& noObject()
+{
+    static const std::string& none = *new std::string;
+    return none;
+}
 
 EDataFlow platformFlow(Flow flow)
 {
@@ -41,7 +46,7 @@ void begin(EndpointReading& reading, EndpointId id, Flow flow, Handle<IMMDevice>
 class Lister
 {
 public:
-    explicit Lister(IMMDeviceEnumerator& enumerator) : m_enumerator(enumerator), m_judge(noObject, m_listing.problems)
+    explicit Lister(IMMDeviceEnumerator& enumerator) : m_enumerator(enumerator), m_judge(noObject(), m_listing.problems)
     {
     }
 
@@ -145,7 +150,7 @@ EndpointId readDefault(IMMDeviceEnumerator& enumerator, EDataFlow flow, ERole ro
         return {};
     const Handle<IMMDevice> holder(endpoint);
     TaskText id(TaskText::NullText::skipped);
-    if (!judge.gives(endpoint->GetId(id.put()), *id.put(), {"IMMDevice::GetId"}))
+    if (!judge.gives(endpoint->GetId(id.put()), *id.put(), {"IMMDevice::GetId", question}))
         return {};
     return EndpointId(utf8(id.get()));
 }
@@ -156,7 +161,7 @@ Result<Enumerator> createEnumerator()
     IMMDeviceEnumerator* enumerator = nullptr;
     const HRESULT result = interfacequery::createEnumerator(enumerator);
     if (FAILED(result) || enumerator == nullptr)
-        return failure({"CoCreateInstance", "MMDeviceEnumerator"}, noObject, FAILED(result) ? result : E_POINTER);
+        return failure({"CoCreateInstance", "MMDeviceEnumerator"}, noObject(), FAILED(result) ? result : E_POINTER);
     return Enumerator(enumerator);
 }
 
@@ -189,7 +194,7 @@ Defaults readDefaults(IMMDeviceEnumerator& enumerator)
          {"eCapture, eConsole", "eCapture, eMultimedia", "eCapture, eCommunications"}}};
     static constexpr std::array<ERole, 3> roles = {eConsole, eMultimedia, eCommunications};
     Defaults defaults;
-    Judge judge(noObject, defaults.problems);
+    Judge judge(noObject(), defaults.problems);
     for (std::size_t flow = 0; flow < allFlows.size(); ++flow)
     {
         for (std::size_t role = 0; role < roles.size(); ++role)

@@ -1,14 +1,13 @@
 #include "client/reading/hardwarelevels.h"
 
+#include "client/reading/limits.h"
+
 #include <cmath>
 
 namespace sonavit::reading
 {
 namespace
 {
-/// No part has more channels.
-constexpr UINT mostChannels = 1024;
-
 /// The share of the range; no value if the range is empty or a number is not finite.
 std::optional<Percent> shareOf(const LevelRange& range, double decibels)
 {

@@ -18,7 +18,7 @@ struct HardwareWalk::State
 
     const std::vector<EndpointId>& endpointsOf(const CardId& card) const
     {
-        static const std::vector<EndpointId> noEndpoints;
+        static const auto& noEndpoints = *new std::vector<EndpointId>; // lasts: threads read it until the process ends
         const auto found = cards.find(card);
         return found == cards.end() ? noEndpoints : found->second;
     }
@@ -69,6 +69,26 @@ Hardware HardwareWalk::hardware(const CardId& card) const
 bool HardwareWalk::hasFailures() const noexcept
 {
     return hasProblems([](const Problem& problem) noexcept { return problem.kind() == Problem::Kind::platform; });
+}
+
+std::optional<Problem> HardwareWalk::firstFailure() const
+{
+    const HardwareMap& map = m_state->map;
+    std::optional<Problem> first;
+    const auto search = [&](const auto& all)
+    {
+        for (const auto& each : all)
+        {
+            for (const Problem& problem : each.problems)
+            {
+                if (!first && problem.kind() == Problem::Kind::platform)
+                    first = problem;
+            }
+        }
+    };
+    search(map.devices);
+    search(map.parts);
+    return first;
 }
 
 bool HardwareWalk::hasProblems(bool (*isMeant)(const Problem& problem) noexcept) const noexcept
@@ -130,5 +150,15 @@ std::vector<HardwareWalk::ChangingControl> HardwareWalk::changingControls(const 
     for (const SelectorPlace& selector : selectorsOf(map, endpoints))
         add(selector.part, IID_IAudioInputSelector);
     return parts;
+}
+
+Problem orHidingFailure(const HardwareWalk& walk, const Problem& problem)
+{
+    const bool isMissing = problem.kind() == Problem::Kind::notThere || problem.kind() == Problem::Kind::notSupported;
+    const std::optional<Problem> failure = isMissing ? walk.firstFailure() : std::nullopt;
+    if (!failure)
+        return problem;
+    return Problem::ofCall(failure->operation(), failure->object(), failure->code(),
+                           problem.sentence() + " in the hardware that can be read: " + failure->sentence());
 }
 }

@@ -12,6 +12,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace sonavit::reading
@@ -46,6 +47,9 @@ public:
     /// Whether one of the problems so far, but for those of levels, mutes and selections, is what @p isMeant looks for.
     bool hasProblems(bool (*isMeant)(const Problem& problem) noexcept) const noexcept;
 
+    /// The first platform call that has failed so far, with the same exceptions.
+    std::optional<Problem> firstFailure() const;
+
     /// The platform's objects of a control or a selector of the walk; nil if there is none.
     Handle<IAudioVolumeLevel> level(const ControlId& control) const;
     Handle<IAudioMute> mute(const ControlId& control) const;
@@ -64,6 +68,10 @@ private:
     struct State;
     std::unique_ptr<State> m_state;
 };
+
+/// @p problem as it is, unless it misses something that a failure of the walk may hide: then that failure. An operation
+/// that looks for a part must not say that there is none if it could not see all of them.
+Problem orHidingFailure(const HardwareWalk& walk, const Problem& problem);
 
 /// The control of that id or name, see System::setControl(); the same for selectors and inputs.
 Result<Control> controlNamed(const std::vector<Control>& controls, std::string_view text);

@@ -1,6 +1,7 @@
 #include "COM/interfacequery.h"
 #include "client/reading/endpointreading.h"
 #include "client/reading/judge.h"
+#include "client/reading/limits.h"
 #include "client/reading/steps.h"
 
 #include <algorithm>
@@ -10,9 +11,6 @@ namespace sonavit::reading
 {
 namespace
 {
-/// No device has more channels.
-constexpr UINT mostChannels = 1024;
-
 class VolumeReader
 {
 public:

@@ -63,7 +63,7 @@ bool EndpointPairs::pairInPlace(std::size_t before, std::size_t after, const std
 /// Takes the places of one card in both snapshots; one of them may be none.
 void EndpointPairs::pairWithinCard(std::size_t before, std::size_t after)
 {
-    static const std::vector<Endpoint> noEndpoints;
+    static const auto& noEndpoints = *new std::vector<Endpoint>; // lasts: threads compare until the process ends
     const std::vector<Endpoint>& were = before == none ? noEndpoints : m_before[before].endpoints();
     const std::vector<Endpoint>& are = after == none ? noEndpoints : m_after[after].endpoints();
     if (pairInPlace(before, after, were, are))

@@ -194,7 +194,8 @@ public:
     // Each waits for the platform and returns what it reports afterwards, which may differ from what was asked for:
     // devices round to their steps. Then snapshot() shows it, too. The token of the result is in the events that
     // follow. A Problem says which call was refused and why; Problem::Kind::notThere stands for an endpoint, card,
-    // control, selector or input that does not exist, Kind::ambiguous for a name that fits several.
+    // control, selector or input that does not exist, Kind::ambiguous for a name that fits several. If a failing call
+    // may hide what is missing, the Problem names that call.
 
     /// Problem::Kind::outOfRange, with the range, for decibels outside the range or a channel that does not exist;
     /// Kind::notSupported for an endpoint without volume.

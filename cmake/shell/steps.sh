@@ -34,3 +34,20 @@ build() {
     fi
     quietly "$preset-build" nice cmake --build "$root/build/$preset" --parallel "$(nproc)" "${targets[@]}"
 }
+
+# timed TITLE COMMAND...: a line for a step, with its time
+timed() {
+    local title=$1 start=$SECONDS
+    shift
+    printf '%-44s' "   $title"
+    "$@" || {
+        printf ' FAILED\n'
+        return 1
+    }
+    printf ' %3d s\n' "$((SECONDS - start))"
+}
+
+# grouped NUMBER: with commas between thousands
+grouped() {
+    sed -E ':next; s/([0-9])([0-9]{3})($|,)/\1,\2\3/; t next' <<<"$1"
+}

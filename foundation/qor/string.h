@@ -41,8 +41,8 @@ public:
 
     ~String() { release(m_buffer); }
 
-    String& operator=(const String& other) noexcept;
-    String& operator=(String&& other) noexcept;
+    inline String& operator=(const String& other) noexcept;
+    inline String& operator=(String&& other) noexcept;
     String& operator=(const char* text);
     String& operator=(const unsigned short* text);
 

@@ -86,46 +86,65 @@ private:
     std::vector<Unit> m_units;
 };
 
+/// An id as clients get it.
+class GivenId
+{
+public:
+    explicit GivenId(const Text& id) : m_units(utf16(id.value_or(""))), m_isNull(!id) {}
+
+    LPCWSTR get() const { return m_isNull ? nullptr : m_units.data(); }
+
+private:
+    std::vector<WCHAR> m_units;
+    bool m_isNull;
+};
+
+std::string idText(const Text& id)
+{
+    return id.value_or("null");
+}
+
 std::optional<GUID> copied(LPCGUID context)
 {
     return context == nullptr ? std::nullopt : std::optional<GUID>(*context);
 }
 }
 
-void notifyDeviceAdded(const std::shared_ptr<State>& state, const std::string& endpointId)
+void notifyDeviceAdded(const std::shared_ptr<State>& state, const Text& endpointId)
 {
-    notifyClients(state, "IMMNotificationClient::OnDeviceAdded", endpointId, {endpointId},
-                  [id = utf16(endpointId)](IMMNotificationClient& client) { return client.OnDeviceAdded(id.data()); });
+    notifyClients(state, "IMMNotificationClient::OnDeviceAdded", endpointId.value_or(""), {idText(endpointId)},
+                  [id = GivenId(endpointId)](IMMNotificationClient& client) { return client.OnDeviceAdded(id.get()); });
 }
 
-void notifyDeviceRemoved(const std::shared_ptr<State>& state, const std::string& endpointId)
+void notifyDeviceRemoved(const std::shared_ptr<State>& state, const Text& endpointId)
 {
-    notifyClients(state, "IMMNotificationClient::OnDeviceRemoved", endpointId, {endpointId},
-                  [id = utf16(endpointId)](IMMNotificationClient& client)
-                  { return client.OnDeviceRemoved(id.data()); });
+    notifyClients(state, "IMMNotificationClient::OnDeviceRemoved", endpointId.value_or(""), {idText(endpointId)},
+                  [id = GivenId(endpointId)](IMMNotificationClient& client)
+                  { return client.OnDeviceRemoved(id.get()); });
 }
 
-void notifyStateChanged(const std::shared_ptr<State>& state, const std::string& endpointId, DWORD newState)
+void notifyStateChanged(const std::shared_ptr<State>& state, const Text& endpointId, DWORD newState)
 {
-    notifyClients(state, "IMMNotificationClient::OnDeviceStateChanged", endpointId,
-                  {endpointId, argumentText(newState)},
-                  [id = utf16(endpointId), newState](IMMNotificationClient& client)
-                  { return client.OnDeviceStateChanged(id.data(), newState); });
+    notifyClients(state, "IMMNotificationClient::OnDeviceStateChanged", endpointId.value_or(""),
+                  {idText(endpointId), argumentText(newState)},
+                  [id = GivenId(endpointId), newState](IMMNotificationClient& client)
+                  { return client.OnDeviceStateChanged(id.get(), newState); });
 }
 
 void notifyDefaultChanged(const std::shared_ptr<State>& state, EDataFlow flow, ERole role, const Text& endpointId)
 {
     notifyClients(state, "IMMNotificationClient::OnDefaultDeviceChanged", endpointId.value_or(""),
-                  {argumentText(flow), argumentText(role), endpointId.value_or("null")},
-                  [flow, role, id = utf16(endpointId.value_or("")), isNull = !endpointId](IMMNotificationClient& client)
-                  { return client.OnDefaultDeviceChanged(flow, role, isNull ? nullptr : id.data()); });
+                  {argumentText(flow), argumentText(role), idText(endpointId)},
+                  [flow, role, id = GivenId(endpointId)](IMMNotificationClient& client)
+                  { return client.OnDefaultDeviceChanged(flow, role, id.get()); });
 }
 
-void notifyPropertyChanged(const std::shared_ptr<State>& state, const std::string& deviceId, const PROPERTYKEY& key)
+void notifyPropertyChanged(const std::shared_ptr<State>& state, const Text& deviceId, const PROPERTYKEY& key)
 {
-    notifyClients(state, "IMMNotificationClient::OnPropertyValueChanged", deviceId, {deviceId, argumentText(key)},
-                  [id = utf16(deviceId), key](IMMNotificationClient& client)
-                  { return client.OnPropertyValueChanged(id.data(), key); });
+    notifyClients(state, "IMMNotificationClient::OnPropertyValueChanged", deviceId.value_or(""),
+                  {idText(deviceId), argumentText(key)},
+                  [id = GivenId(deviceId), key](IMMNotificationClient& client)
+                  { return client.OnPropertyValueChanged(id.get(), key); });
 }
 
 void notifyVolumeChanged(const std::shared_ptr<State>& state, const std::string& endpointId, LPCGUID context)

@@ -4,6 +4,7 @@
 
 #include "simulator/core/answeringscope.h"
 #include "simulator/core/argumenttext.h"
+#include "simulator/core/liar.h"
 #include "simulator/core/state.h"
 
 #include <cstddef>
@@ -70,6 +71,12 @@ public:
         std::apply([&](const auto&... each) { (clearOne(each, all), ...); }, m_parameters);
     }
 
+    /// Replaces what has been stored.
+    void replace(const Liar& liar) const
+    {
+        std::apply([&](const auto&... each) { (replaceOne(each, liar), ...); }, m_parameters);
+    }
+
 private:
     template<class Value>
     static bool isMissing(Value* value)
@@ -107,6 +114,26 @@ private:
     {
         for (std::size_t index = 0; values.first != nullptr && index < values.count; ++index)
             clearOne(values.first + index, all);
+    }
+
+    template<class Value>
+    static void replaceOne(Value* value, const Liar& liar)
+    {
+        if (value != nullptr)
+            liar.tell(*value);
+    }
+
+    template<class Value>
+    static void replaceOne(const OmissibleOutput<Value>& output, const Liar& liar)
+    {
+        replaceOne(output.value, liar);
+    }
+
+    template<class Value>
+    static void replaceOne(const SeveralOutputs<Value>& values, const Liar& liar)
+    {
+        for (std::size_t index = 0; index < values.count; ++index)
+            replaceOne(values.first + index, liar);
     }
 
     Needed m_needed;
@@ -167,6 +194,17 @@ public:
 
     /// Ends the journal's entry with @p result, which it returns.
     HRESULT end(HRESULT result);
+    /// The same for a call that has done its work: if it has succeeded, it tells the planned lies.
+    template<class... Parameters>
+    HRESULT end(HRESULT result, const Outputs<Parameters...>& outputs)
+    {
+        for (const Lie& lie : m_verdict.lies)
+        {
+            if (SUCCEEDED(result))
+                outputs.replace(Liar(lie, m_state, m_operation, m_object));
+        }
+        return end(result);
+    }
     /// The planned outcome as a result.
     HRESULT endAsPlanned();
     /// Ends the journal's entry as thrown and throws InjectedException.
@@ -198,9 +236,9 @@ HRESULT answerCall(WatchedCall& watched, const Outputs<Parameters...>& outputs, 
             return watched.end(E_POINTER);
         outputs.clear(false);
         if constexpr (std::is_invocable_v<Body, const WatchedCall&>)
-            return watched.end(body(std::as_const(watched)));
+            return watched.end(body(std::as_const(watched)), outputs);
         else
-            return watched.end(body());
+            return watched.end(body(), outputs);
     }
     if (outputs.areThere())
         outputs.clear(*watched.planned() == FaultRule::Outcome::nullSuccess);

@@ -78,6 +78,29 @@ TEST(LogFactoryPriority, IsWhatWasSet)
     EXPECT_EQ(LoggerPriority::LOG_INFO, LogFactory::getPriority());
 }
 
+TEST(LogFactoryPriority, CanBeSetWhileOtherThreadsLog)
+{
+    const support::LogCapture log;
+    Logger& logger = LogFactory::logger("test.minimum");
+    std::atomic<int> silenced{0};
+
+    race(
+        [&](int index)
+        {
+            for (int i = 0; i < 500; ++i)
+            {
+                if (index % 2 == 0)
+                    LogFactory::setPriority(i % 2 == 0 ? LoggerPriority::LOG_DEBUG : LoggerPriority::LOG_FATAL);
+                else if (LogFactory::isSilent(LoggerPriority::LOG_ERROR))
+                    ++silenced;
+                else
+                    logger.log(LoggerPriority::LOG_ERROR, stream("text"));
+            }
+        });
+
+    EXPECT_EQ(static_cast<std::size_t>(threadCount / 2 * 500 - silenced), log.texts("test.minimum").size());
+}
+
 TEST(LogFactoryCreateLogger, StoresTheLoggerOfTheChannelThroughTheReference)
 {
     Logger* logger = nullptr;

@@ -296,6 +296,36 @@ TEST(OrderedHashTableFromText, ForgetsTheContentBeforeItReads)
     EXPECT_FALSE(table.contains("a"));
 }
 
+TEST(OrderedHashTableFromText, IsEmptyWhenMemoryRunsOutBeforeItReads)
+{
+    const qor::XmlElement element("t");
+    for (unsigned int more = 0;; ++more)
+    {
+        Table table;
+        insertAbc(table);
+        support::AllocationProbe probe;
+        probe.failOnce(more);
+        try
+        {
+            table.deserializeFromElement(&element);
+        }
+        catch (const qor::NullPointer&) // of an array that cannot be emptied
+        {
+            continue;
+        }
+        catch (const qor::SerializationFailed&)
+        {
+            return; // no allocation has failed
+        }
+        catch (const std::bad_alloc&)
+        {
+            probe.succeed();
+            EXPECT_EQ(0u, table.size()) << more;
+            EXPECT_FALSE(table.contains("a")) << more;
+        }
+    }
+}
+
 TEST(OrderedHashTableFromText, IsEmptyWhenThereIsTextInPlaceOfItems)
 {
     Table table;

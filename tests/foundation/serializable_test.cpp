@@ -3,6 +3,7 @@
 #include "qor/array.h"
 #include "qor/exception.h"
 #include "qor/hashtable.h"
+#include "tests/foundation/supportallocations.h"
 #include "tests/foundation/supporttracked.h"
 #include "tests/foundation/supportvirtualslot.h"
 #include "tests/support/printers.h"
@@ -111,6 +112,35 @@ TEST(SerializableText, CanBeReadTwice)
     preset.deserialize(presetText);
 
     EXPECT_EQ(2u, preset.names.size());
+}
+
+TEST(SerializableText, LeavesNoMemoryBehindWhenItIsWrittenAndWhenItIsRead)
+{
+    Preset preset;
+    preset.deserialize(presetText);
+    const support::AllocationProbe probe;
+
+    for (int i = 0; i < 3; ++i)
+    {
+        String out;
+        preset.doSerialization("preset", out);
+    }
+    EXPECT_EQ(0, probe.balance());
+
+    preset.deserialize(presetText);
+    EXPECT_EQ(0, probe.balance());
+}
+
+TEST(SerializableText, ThatIsNotReadToItsEndIsForgottenWithTheObject)
+{
+    const support::AllocationProbe probe;
+
+    {
+        Preset preset;
+        EXPECT_THROW(preset.deserialize("<preset/>"), qor::SerializationFailed);
+    }
+
+    EXPECT_EQ(0, probe.balance());
 }
 
 TEST(SerializableText, ThatIsNotWellFormedFailsAndSaysWhere)

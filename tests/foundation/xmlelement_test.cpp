@@ -80,6 +80,35 @@ TEST(XmlElementWrite, EscapesWhatHasAMeaningInXml)
     EXPECT_EQ(String("<e>&#60;a &#38; &#34;b&#34; &#39;c&#39;&#62;</e>"), element.write());
 }
 
+TEST(XmlElementWrite, EscapesWhatPlainXmlDoesNotAllow)
+{
+    const auto written = [](unsigned short unit)
+    {
+        const unsigned short text[] = {unit, 0};
+        XmlElement element("e");
+        element.setText(text);
+        return element.write();
+    };
+
+    for (const unsigned short unit : {0x1, 0x1F, 0x7F, 0xD800, 0xDFFF, 0xFFFE, 0xFFFF})
+        EXPECT_EQ(String::fromUtf8("<e>&#" + std::to_string(unit) + ";</e>"), written(unit));
+    for (const unsigned short unit : {0x20, 0x7E, 0x80, 0xD7FF, 0xE000, 0xFFFD})
+        EXPECT_EQ(std::string("<e></e>").size() + 1, written(unit).size()) << unit; // as it is
+}
+
+TEST(XmlElementWrite, TakesLettersDigitsAndTheUsualMarksForANameAndNothingElse)
+{
+    const std::string letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_";
+    for (char c = 1; c < 0x7F; ++c)
+    {
+        const bool startsName = letters.find(c) != std::string::npos;
+        const bool continuesName = startsName || std::string("0123456789-.:").find(c) != std::string::npos;
+
+        EXPECT_EQ(startsName, refusal(XmlElement(String::fromUtf8(std::string(1, c)))) == "none") << c;
+        EXPECT_EQ(continuesName, refusal(XmlElement(String::fromUtf8(std::string("a") + c))) == "none") << c;
+    }
+}
+
 TEST(XmlElementWrite, RefusesAnInvalidName)
 {
     EXPECT_EQ("Invalid name of an element: ", refusal(XmlElement("")));
@@ -158,6 +187,20 @@ TEST(XmlElementRead, TakesNamedAndNumberedReferences)
     EXPECT_EQ(String("<>&\"'"), textOf("<e>&lt;&gt;&amp;&quot;&apos;</e>"));
     EXPECT_EQ(String("AZz"), textOf("<e>&#65;&#x5A;&#x7a;</e>"));
     EXPECT_EQ(String(" "), textOf("<e>&#32;</e>"));
+}
+
+TEST(XmlElementRead, TakesTheDigitsOfItsBaseInAReferenceAndNothingElse)
+{
+    const auto accepts = [](const std::string& reference)
+    { return complaint("<e>&#" + reference + ";</e>") == "none"; };
+    for (char c = ' '; c <= '~'; ++c)
+    {
+        const bool isDecimal = std::string("0123456789").find(c) != std::string::npos;
+        const bool isHexadecimal = isDecimal || std::string("abcdefABCDEF").find(c) != std::string::npos;
+
+        EXPECT_EQ(isDecimal || c == ';', accepts(std::string("1") + c)) << c; // "1;;" ends before the second one
+        EXPECT_EQ(isHexadecimal || c == ';', accepts(std::string("x1") + c)) << c;
+    }
 }
 
 TEST(XmlElementRead, TakesReferencesInsideWords)

@@ -1,10 +1,10 @@
 /// Whatever text can be read is written as a text that reads as the same tree; all other text is refused in order.
 #include "qor/exception.h"
 #include "qor/serializable.h"
+#include "tests/fuzz/support/check.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <string_view>
 
 namespace
@@ -20,12 +20,6 @@ bool equal(const qor::XmlElement& left, const qor::XmlElement& right)
     }
     return true;
 }
-
-void check(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -36,12 +30,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const qor::XmlElement tree = qor::XmlElement::read(text);
         const qor::String written = tree.write();
         const qor::XmlElement again = qor::XmlElement::read(written);
-        check(equal(tree, again));
-        check(again.write() == written);
+        fuzz::check(equal(tree, again), "what is written reads as the same tree");
+        fuzz::check(again.write() == written, "and is written as the same text again");
     }
     catch (const qor::SerializationFailed& refusal)
     {
-        check(refusal.message().subString(0, 26) == qor::String("XML is not well formed at ")); // refused by the reader
+        fuzz::check(refusal.message().subString(0, 26) == qor::String("XML is not well formed at "),
+                    "the reader refuses, and says where");
     }
     return 0;
 }

@@ -98,6 +98,17 @@ TEST_F(ProgramDefaultName, IsAFailureWhereTheSystemCannotReportIt)
     EXPECT_EQ("sonavit: the system cannot report the default output: 0x80070005, access denied\n", answer.err);
 }
 
+TEST_F(ProgramDefaultName, IsAFailureWhereTheDefaultDoesNotTellItsId)
+{
+    sim::Simulation& simulation = run(support::smallMachine());
+    simulation.faults().fail("IMMDevice::GetId", E_ACCESSDENIED).on(support::speakerId()).at(2); // the list is first
+
+    const support::Answer answer = call({"get-volume", "@DEFAULT_OUTPUT@"});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_EQ("sonavit: the system cannot report the default output: 0x80070005, access denied\n", answer.err);
+}
+
 TEST_F(ProgramDefaultName, IsAFailureWhereTheSystemReportsNothing)
 {
     sim::Simulation& simulation = run(support::smallMachine());

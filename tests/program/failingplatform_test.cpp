@@ -154,6 +154,25 @@ TEST_F(ProgramOnFailingPlatform, NoCommandTakesEndpointsThatCannotBeListedForMis
     EXPECT_EQ(0, callHere({"show", "Line In"}).code);
 }
 
+/// Half of the hardware is missing then.
+TEST_F(ProgramOnFailingPlatform, WalksSayThatEndpointsCannotBeListed)
+{
+    machine.faults.push_back(
+        {"IMMDeviceEnumerator::EnumAudioEndpoints", "*", "eRender", 0, sim::FaultRule::Outcome::result, anyFailure});
+
+    for (const char* const command : {"graph", "selectors"})
+    {
+        const support::Answer answer = callHere({command, "--json"});
+
+        EXPECT_EQ(0, answer.code) << command;
+        const json problems = json::parse(answer.out)["problems"];
+        ASSERT_FALSE(problems.empty()) << command;
+        EXPECT_EQ("IMMDeviceEnumerator::EnumAudioEndpoints(eRender)", problems[0]["operation"]);
+        EXPECT_EQ("0x80004005", problems[0]["code"]);
+    }
+    EXPECT_THAT(callHere({"selectors"}).out, EndsWith("1 thing could not be read; --json says why\n"));
+}
+
 namespace
 {
 /// "sonavit: ..." on one line.

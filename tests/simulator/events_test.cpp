@@ -230,6 +230,23 @@ TEST_F(EventsAtOnce, CanBeAnnouncedWithoutAnyChange)
     EXPECT_EQ(before, simulation.machine());
 }
 
+TEST_F(EventsAtOnce, CanBeAnnouncedWithoutAnId)
+{
+    simulation.deliverAtOnce(true);
+    sim::Events& events = simulation.events();
+
+    events.announceAdded(std::nullopt);
+    events.announceRemoved(std::nullopt);
+    events.announceState(std::nullopt, 4);
+    events.announceDefault(eCapture, eConsole, std::nullopt);
+    events.announceProperty(std::nullopt, sim::keys::deviceFormat);
+
+    EXPECT_THAT(client.heard(), ElementsAre("added ", "removed ", "state  4", "default 1 0 null", "property  0"));
+    EXPECT_EQ(5u, simulation.journal().of("IMMNotificationClient::*").size());
+    EXPECT_EQ("IMMNotificationClient::OnDeviceAdded(null)",
+              simulation.journal().of("IMMNotificationClient::OnDeviceAdded")[0].call());
+}
+
 TEST_F(EventsAtOnce, RefuseAnEndpointThatTheMachineHasNot)
 {
     EXPECT_THROW(simulation.events().plug("{unknown}"), std::invalid_argument);

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <random>
+#include <utility>
 #include <vector>
 
 namespace support
@@ -13,13 +14,15 @@ namespace support
 class RandomChoice
 {
 public:
-    explicit RandomChoice(std::uint32_t seed) : m_engine(seed) {}
+    /// @param first what is drawn first, as a fuzzer chooses it: a byte for each number
+    explicit RandomChoice(std::uint32_t seed, std::vector<std::uint8_t> first = {})
+        : m_engine(seed),
+          m_first(std::move(first))
+    {
+    }
 
     /// 0 to @p limit - 1.
-    std::uint32_t below(std::size_t limit)
-    {
-        return static_cast<std::uint32_t>(m_engine() % static_cast<std::uint32_t>(limit));
-    }
+    std::uint32_t below(std::size_t limit) { return number() % static_cast<std::uint32_t>(limit); }
 
     bool chance(std::uint32_t percent) { return below(100) < percent; }
 
@@ -37,6 +40,10 @@ public:
     }
 
 private:
+    std::uint32_t number() { return m_next < m_first.size() ? m_first[m_next++] : std::uint32_t(m_engine()); }
+
     std::mt19937 m_engine;
+    std::vector<std::uint8_t> m_first;
+    std::size_t m_next = 0;
 };
 }

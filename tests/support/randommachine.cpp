@@ -9,6 +9,7 @@
 #include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace support
 {
@@ -139,9 +140,9 @@ void changeStates(RandomChoice& choice, sim::Machine& machine)
 }
 }
 
-sim::Machine randomMachine(std::uint32_t seed)
+sim::Machine randomMachine(std::uint32_t seed, std::vector<std::uint8_t> first)
 {
-    RandomChoice choice(seed);
+    RandomChoice choice(seed, std::move(first));
     const std::string name = "random-" + std::to_string(seed);
     const bool hasWildHardware = choice.chance(25);
     sim::Machine machine = hasWildHardware ? randomConnections(seed) : randomCards(choice, name);

@@ -3,6 +3,7 @@
 #include "simulator/machine/machine.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace support
 {
@@ -13,7 +14,8 @@ namespace support
 /// machines have the hardware of randomConnections() instead.
 ///
 /// Equal seeds give equal machines on every system. Every machine can be written to a file and read again.
-sim::Machine randomMachine(std::uint32_t seed);
+/// @param first what is chosen first, as a fuzzer does it: a byte for each choice; the seed decides about the others
+sim::Machine randomMachine(std::uint32_t seed, std::vector<std::uint8_t> first = {});
 
 /// Gives some levels of @p machine an empty range, and some of its volumes no channel. Drivers can report that, and a
 /// machine file may contain it.

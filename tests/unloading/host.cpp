@@ -17,6 +17,7 @@
 
 #include "simulator/machine/builder/machinebuilder.h"
 #include "simulator/simulation.h"
+#include "tests/unloading/comspy.h"
 #include "tests/unloading/events.h"
 
 #include <atomic>
@@ -28,40 +29,6 @@ using unloading::printLine;
 
 namespace
 {
-/// Prints a line when COM is uninitialized on this thread.
-class ComSpy final : public IInitializeSpy
-{
-public:
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override
-    {
-        const bool isKnown = IsEqualGUID(iid, IID_IUnknown) || IsEqualGUID(iid, IID_IInitializeSpy);
-        *object = isKnown ? this : nullptr;
-        return isKnown ? S_OK : E_NOINTERFACE;
-    }
-
-    ULONG STDMETHODCALLTYPE AddRef() override { return 2; }
-    ULONG STDMETHODCALLTYPE Release() override { return 1; }
-    HRESULT STDMETHODCALLTYPE PreInitialize(DWORD, DWORD) override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE PostInitialize(HRESULT result, DWORD, DWORD) override { return result; }
-
-    HRESULT STDMETHODCALLTYPE PreUninitialize(DWORD) override
-    {
-        printLine("CoUninitialize");
-        return S_OK;
-    }
-
-    HRESULT STDMETHODCALLTYPE PostUninitialize(DWORD) override { return S_OK; }
-};
-
-/// Prints each CoUninitialize on the calling thread from now on, to the end of the process.
-void watchCom()
-{
-    static ComSpy* const spy = new ComSpy;
-    ULARGE_INTEGER cookie = {};
-    if (FAILED(CoRegisterInitializeSpy(spy, &cookie)))
-        printLine("COM cannot be watched");
-}
-
 sim::Machine threeCards()
 {
     sim::MachineBuilder builder("three");
@@ -158,7 +125,7 @@ int main(int count, char** words)
     const std::string end = words[2];
     CoInitialize(nullptr); // as programs with windows do
     Platform platform(words[1]);
-    watchCom();
+    unloading::watchCom([] { printLine("CoUninitialize"); });
     const User user;
     if (!user.isLoaded())
         return 3;

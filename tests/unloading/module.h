@@ -11,13 +11,34 @@
 
 namespace unloading
 {
-/// A module that stays loaded to the end of the process.
+/// A module that stays loaded to the end of the process, unless it is unloaded before.
 class Module
 {
 public:
     explicit Module(const char* file) : m_handle(load(file)) {}
 
     bool isLoaded() const { return m_handle != nullptr; }
+
+    /// Whether the process has a module of that file, whoever has loaded it.
+    static bool isLoaded(const char* file)
+    {
+#if defined(_WIN32)
+        return GetModuleHandleA(file) != nullptr;
+#else
+        void* const found = ::dlopen(file, RTLD_NOW | RTLD_NOLOAD);
+        return found != nullptr && ::dlclose(found) == 0;
+#endif
+    }
+
+    /// Gives it back; its functions must not be called any more.
+    void unload()
+    {
+#if defined(_WIN32)
+        FreeLibrary(m_handle);
+#else
+        ::dlclose(m_handle);
+#endif
+    }
 
     /// The module's function @p name, which the caller knows to have the type Function.
     template<class Function>

@@ -1,7 +1,8 @@
-// A DLL that uses the library, as a plug-in would. The program that loads it does not link the library, so freeing this
-// DLL unloads the library, too.
+// A module that uses the library, as a plug-in would. The program that loads it does not link the library, so unloading
+// this module unloads the library, too.
 
 #include "libSonavit/libsonavit.h"
+#include "tests/unloading/module.h"
 
 #include <vector>
 
@@ -21,7 +22,7 @@ std::vector<SoundCard>* kept = nullptr;
 
 /// Discovers the cards, keeps them and registers an observer with each.
 /// @return the number of cards
-extern "C" __declspec(dllexport) unsigned keepCards()
+UNLOADING_EXPORT unsigned keepCards()
 {
     static auto* const observer = new Observer;
     const qor::Array<SoundCard> cards = SoundCard::enumerateSystemSoundDevices();
@@ -35,7 +36,7 @@ extern "C" __declspec(dllexport) unsigned keepCards()
 }
 
 /// Destroys the cards. The clients that they have registered stay with the shared enumerator.
-extern "C" __declspec(dllexport) void dropCards()
+UNLOADING_EXPORT void dropCards()
 {
     delete kept;
     kept = nullptr;

@@ -114,7 +114,7 @@ TEST_F(ClientLibrary, ChangesLevelsMutesAndSelections)
 TEST_F(ClientLibrary, ThrowsExceptionsThatProgramsCatch)
 {
     EXPECT_THROW(static_cast<void>(audio->subscribe(nullptr)), std::invalid_argument);
-    EXPECT_THROW(sonavit::Percent(std::numeric_limits<double>::quiet_NaN()), std::logic_error);
+    EXPECT_THROW(static_cast<void>(sonavit::Percent(std::numeric_limits<double>::quiet_NaN())), std::logic_error);
 }
 
 TEST_F(ClientLibrary, CallsSubscribersOfThePolledAndOfTheThreadedSystem)

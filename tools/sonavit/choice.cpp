@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <iterator>
 #include <optional>
 #include <utility>
 
@@ -45,7 +46,7 @@ bool startsWith(const std::string& text, const std::string& start)
 }
 
 /// Whether endpoints may be missing because of the problem. An id that is empty or that two endpoints have hides none
-/// that has a name of its own.
+/// that has a name of its own, and the id of a default none at all.
 bool isOfList(const Problem& problem)
 {
     constexpr auto invalidData = static_cast<HRESULT>(0x8007000D);
@@ -53,7 +54,7 @@ bool isOfList(const Problem& problem)
     return startsWith(operation, "CoCreateInstance") || startsWith(operation, "CoInitializeEx") ||
            startsWith(operation, "IMMDeviceEnumerator::EnumAudioEndpoints") ||
            startsWith(operation, "IMMDeviceCollection::") ||
-           (startsWith(operation, "IMMDevice::GetId") && problem.code() != invalidData);
+           (operation == "IMMDevice::GetId" && problem.code() != invalidData);
 }
 
 /// What the system fails to do if a problem with its lists is @p problem, and why.
@@ -80,8 +81,12 @@ std::optional<Problem> findProblem(const Snapshot& snapshot, const std::function
 std::optional<Problem> defaultProblem(const Snapshot& snapshot, Flow flow)
 {
     const std::string argument = flow == Flow::output ? "(eRender, eConsole)" : "(eCapture, eConsole)";
-    return findProblem(snapshot, [&](const Problem& problem)
-                       { return problem.operation() == "IMMDeviceEnumerator::GetDefaultAudioEndpoint" + argument; });
+    const auto isOfDefault = [&](const Problem& problem)
+    {
+        return problem.operation() == "IMMDeviceEnumerator::GetDefaultAudioEndpoint" + argument ||
+               problem.operation() == "IMMDevice::GetId" + argument;
+    };
+    return findProblem(snapshot, isOfDefault);
 }
 
 CardEndpoint defaultEndpoint(const Snapshot& snapshot, Flow flow)
@@ -197,6 +202,13 @@ Snapshot readSnapshot(const Context& context)
     if (problem && snapshot.cards().empty())
         throw OperationFailure(listFailure(*problem));
     return snapshot;
+}
+
+std::vector<Problem> problemsOfLists(const Snapshot& snapshot)
+{
+    std::vector<Problem> problems;
+    std::copy_if(snapshot.problems().begin(), snapshot.problems().end(), std::back_inserter(problems), isOfList);
+    return problems;
 }
 
 void reportDenied(const Context& context, const std::vector<Card>& cards)

@@ -45,6 +45,9 @@ std::vector<Card> requestedCards(const Context& context, const Snapshot& snapsho
 /// endpoints at all.
 Snapshot readSnapshot(const Context& context);
 
+/// The problems because of which endpoints may be missing, and with them all that a command finds behind them.
+std::vector<Problem> problemsOfLists(const Snapshot& snapshot);
+
 /// Prints one sentence on standard error if the system does not let this account read the properties of some endpoints:
 /// how many they are.
 void reportDenied(const Context& context, const std::vector<Card>& cards);

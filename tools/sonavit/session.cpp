@@ -64,7 +64,7 @@ Session::Session(const Environment& environment, const Arguments& arguments)
                          std::string(" needs a simulated machine, which --machine names"));
     AudioDevice::setStoreAccess(StoreAccess::writeElseRead);
     // The shared enumerator initialises COM in the same way; another way would leave the counts of the two unbalanced.
-    CoInitialize(nullptr);
+    m_hasCom = SUCCEEDED(CoInitialize(nullptr));
     if (!machine)
         return;
     m_simulation = std::make_unique<sim::Simulation>(std::move(*machine));
@@ -81,7 +81,8 @@ Session::~Session()
     catch (...) // NOLINT(bugprone-empty-catch): the first exception is the one to report
     {
     }
-    CoUninitialize();
+    if (m_hasCom)
+        CoUninitialize();
 }
 
 /// The simulation ends first, and with it its notification thread: after that no other thread uses what is destroyed.

@@ -46,6 +46,7 @@ public:
     const std::string& machineDescription() const;
 
 private:
+    bool m_hasCom = false; ///< whether it has initialised COM on its thread
     std::optional<std::string> m_name;
     std::string m_description;
     std::function<void()> m_onWorkerStart; ///< for a machine that is not the session's

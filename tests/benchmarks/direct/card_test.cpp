@@ -7,6 +7,7 @@
 #include "simulator/simulation.h"
 #include "tests/benchmarks/direct/supportvalues.h"
 #include "tests/support/logcapture.h"
+#include "tests/support/pace.h"
 #include "tests/support/questions.h"
 #include "tests/support/randommachine.h"
 
@@ -21,8 +22,8 @@ namespace
 {
 using directvalues::Lines;
 
-constexpr std::uint32_t comparedMachines = 100;
-constexpr std::uint32_t comparedInATest = 20;
+constexpr std::uint32_t comparedMachines = support::cases(100, 20);
+constexpr std::uint32_t comparedInATest = support::cases(20, 10);
 constexpr std::size_t mostComparedEvents = 8;
 
 /// What one step did.

@@ -34,15 +34,6 @@ protected:
     /// Called with the running machine before a capture begins.
     using Preparation = std::function<void(sim::Simulation&)>;
 
-    /// Whether there is time for few cases only: under Wine and under sanitizers everything takes ten times as long.
-#if defined(_WIN32) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    static constexpr bool isSlow = true;
-#elif defined(__has_feature)
-    static constexpr bool isSlow = __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
-#else
-    static constexpr bool isSlow = false;
-#endif
-
     void SetUp() override;
     void TearDown() override;
 

@@ -3,6 +3,7 @@
 #include "tests/client/capturing/capturetest.h"
 #include "tests/client/capturing/hostilechanges.h"
 #include "tests/client/capturing/hostilities.h"
+#include "tests/support/pace.h"
 
 #include <random>
 #include <string>
@@ -52,7 +53,7 @@ TEST_F(CaptureTest, IsUnreadableUnderANameThatNoFileCanContain)
 /// Calls of which several fail, with a code or with null, as far as they have one.
 TEST_F(CaptureTest, OfMachinesAtWhichSeveralCallsFailCanBeReadAgain)
 {
-    constexpr std::uint32_t machines = isSlow ? 10 : 100;
+    constexpr std::uint32_t machines = support::cases(100, 10);
     const sim::Machine whole = sim::findMachine("laptop");
     const sim::JournalEntries calls = captured(whole).journal;
     for (std::uint32_t seed = 0; seed < machines && !HasFailure(); ++seed)

@@ -2,6 +2,7 @@
 #include "simulator/machine/file/machinefile.h"
 #include "tests/client/capturing/capturetest.h"
 #include "tests/client/capturing/supportsweep.h"
+#include "tests/support/pace.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -122,7 +123,7 @@ protected:
     static std::vector<CallOfCapture> calls(const sim::Machine& machine)
     {
         const Case& each = std::get<Case>(GetParam());
-        const std::uint32_t stride = (isSlow ? each.slowStride : each.stride) * shares;
+        const std::uint32_t stride = (support::isSlow ? each.slowStride : each.stride) * shares;
         const Captured whole = captured(machine);
         std::vector<CallOfCapture> chosen;
         std::map<std::string, std::uint32_t> numbers;
@@ -229,8 +230,8 @@ std::string caseName(const testing::TestParamInfo<std::tuple<Case, Share>>& info
 
 INSTANTIATE_TEST_SUITE_P(
     Machines, CaptureWithAFailingCall,
-    testing::Combine(testing::Values(Case{"virtual", Extent::all, 1, 5}, Case{"laptop", Extent::first, 1, 10},
-                                     Case{"bluetooth", Extent::first, 1, 10}, Case{"broken", Extent::first, 3, 30}),
+    testing::Combine(testing::Values(Case{"virtual", Extent::all, 1, 10}, Case{"laptop", Extent::first, 1, 20},
+                                     Case{"bluetooth", Extent::first, 1, 20}, Case{"broken", Extent::first, 3, 30}),
                      testing::Range(Share{0}, shares)),
     caseName);
 }

@@ -2,6 +2,7 @@
 #include "simulator/machine/file/machinefile.h"
 #include "tests/client/capturing/capturetest.h"
 #include "tests/simulator/machine/file/machinesample.h"
+#include "tests/support/pace.h"
 #include "tests/support/randommachine.h"
 
 #include <algorithm>
@@ -10,7 +11,7 @@
 
 namespace
 {
-constexpr std::uint32_t machinesInATest = 25;
+constexpr std::uint32_t machinesInATest = support::cases(25, 10);
 
 /// What no capture can see, taken out of the machine that is captured: a fault that comes once or after an event is
 /// met by the capture, or not, and by the examiner at another call.
@@ -195,7 +196,7 @@ protected:
 class CaptureRoundTripAtRandom : public CaptureRoundTrip, public testing::WithParamInterface<std::uint32_t>
 {
 public:
-    static constexpr std::uint32_t machines = isSlow ? 50 : 300;
+    static constexpr std::uint32_t machines = support::cases(300, 20);
 };
 
 TEST_F(CaptureRoundTrip, OfEachShippedMachineAnswersAlike)

@@ -1,11 +1,13 @@
 #include "tests/client/capturing/surveytest.h"
+#include "tests/support/pace.h"
 #include "tests/support/randommachine.h"
 
 #include <random>
 
 namespace
 {
-constexpr std::uint32_t seedsInATest = 50;
+constexpr std::uint32_t distance = 50; ///< between the first seeds of two tests
+constexpr std::uint32_t seedsInATest = support::cases(distance, 10);
 constexpr int failuresInAMachine = 4;
 
 class SurveyPlatformAtRandom : public SurveyTest, public testing::WithParamInterface<std::uint32_t>
@@ -58,5 +60,5 @@ TEST_P(SurveyPlatformAtRandom, FindsAMachineAgainAtWhichSeveralCallsFail)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, SurveyPlatformAtRandom, testing::Values(1u, 51u, 101u));
+INSTANTIATE_TEST_SUITE_P(Seeds, SurveyPlatformAtRandom, testing::Values(1u, 1u + distance, 1u + 2 * distance));
 }

@@ -197,6 +197,21 @@ TEST_F(ChangeControl, SaysThatAControlHasNoChannels)
               "channel 0 does not exist: there are none");
 }
 
+TEST_F(ChangeControl, DoesNotBelieveTenThousandChannels)
+{
+    playControl({{-96.0f, 0.0f, 1.5f, -30.0f}, {-96.0f, 0.0f, 1.5f, -12.0f}});
+    simulation().faults().lie("IAudioVolumeLevel::GetChannelCount", sim::Lie::ofNumber(10000));
+
+    const Result<Done> all = change(Decibels(-24));
+    const Result<Done> one = change(LevelChange(Decibels(-6)).onChannel(1));
+
+    EXPECT_EQ(all.problem(), Problem::ofCall("IAudioVolumeLevel::GetChannelCount", m_control.id.text(),
+                                             static_cast<std::int32_t>(0x8007000D)));
+    EXPECT_TRUE(one);
+    EXPECT_THAT(levels(), ElementsAre(-30.0, -6.0));
+    EXPECT_GT(10u, simulation().journal().size());
+}
+
 TEST_F(ChangeControl, SaysThatAControlHasNoSteps)
 {
     playControl({{-96.0f, 0.0f, 0.0f, -30.0f}, {-96.0f, 0.0f, 0.0f, -30.0f}});

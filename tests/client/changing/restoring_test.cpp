@@ -9,6 +9,7 @@ namespace
 {
 using namespace sonavit;
 using support::setters;
+using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -260,6 +261,27 @@ TEST_F(RestoringDesk, SaysThatOneLevelForOtherChannelsIsRoundedOnlyOnce)
     EXPECT_EQ(first->settings[4].outcome, Outcome::restored);
     EXPECT_EQ(second->settings[4].outcome, Outcome::unchanged);
     EXPECT_EQ(second.token(), 0u);
+}
+
+TEST_F(RestoringDesk, DoesNotBelieveNumbersOfChannelsThatNoDeviceHas)
+{
+    System& system = startDesk();
+    const Settings settings = system.settings().value();
+    simulation().faults().lie("IAudioEndpointVolume::GetChannelCount", sim::Lie::ofNumber(0xFFFFFFFF));
+    simulation().faults().lie("IAudioVolumeLevel::GetChannelCount", sim::Lie::ofNumber(0xFFFFFFFF));
+    simulation().journal().clear();
+
+    const RestoreReport report = system.restore(settings).value();
+
+    std::vector<std::string> failures;
+    for (const RestoredSetting& setting : report.settings)
+    {
+        if (setting.problem && setting.problem->code() == static_cast<std::int32_t>(0x8007000D))
+            failures.push_back(setting.problem->operation());
+    }
+    EXPECT_THAT(failures, Contains("IAudioEndpointVolume::GetChannelCount"));
+    EXPECT_THAT(failures, Contains("IAudioVolumeLevel::GetChannelCount"));
+    EXPECT_GT(1000u, simulation().journal().size());
 }
 
 TEST_F(RestoringDesk, CallsAVolumeUnchangedIfTheDeviceKeepsItsLevels)

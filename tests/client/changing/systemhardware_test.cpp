@@ -117,6 +117,43 @@ TEST_F(SystemHardware, ReportsAControlThatDoesNotExist)
               Problem::Kind::notThere);
 }
 
+/// A call that fails once, in the walk of the setter: what it hides is there.
+TEST_F(SystemHardware, NamesTheFailingCallThatHidesAControl)
+{
+    System& system = start("studio");
+    const EndpointId monitors = endpoint("Main Monitors");
+    const ControlId control = system.controls(monitors)->front().id;
+    const auto hide = [this] { simulation().faults().fail("IDeviceTopology::GetConnectorCount", E_ABORT).at(1); };
+
+    for (const Result<Control>& result : {(hide(), system.setControl(monitors, control, Decibels(-12))),
+                                          (hide(), system.setControl(monitors, control.text(), Decibels(-12))),
+                                          (hide(), system.setControlMute(monitors, control, true)),
+                                          (hide(), system.setControlMute(monitors, control.text(), true))})
+    {
+        ASSERT_FALSE(result);
+        EXPECT_EQ(result.problem().kind(), Problem::Kind::platform);
+        EXPECT_EQ(result.problem().operation(), "IDeviceTopology::GetConnectorCount");
+        EXPECT_EQ(result.problem().code(), E_ABORT);
+        EXPECT_THAT(result.problem().sentence(), testing::HasSubstr("in the hardware that can be read"));
+    }
+    EXPECT_TRUE(system.setControl(monitors, control, Decibels(-12)));
+}
+
+TEST_F(SystemHardware, NamesTheFailingCallThatHidesAMute)
+{
+    System& system = start("studio");
+    const EndpointId monitors = endpoint("Main Monitors");
+    const ControlId control = system.controls(monitors)->front().id;
+    ASSERT_TRUE(system.controls(monitors)->front().hasMute);
+    simulation().faults().fail("IPart::Activate", E_ABORT).with({"IAudioMute"});
+
+    const Result<Control> result = system.setControlMute(monitors, control, true);
+
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.problem().operation(), "IPart::Activate(IAudioMute)");
+    EXPECT_EQ(result.problem().code(), E_ABORT);
+}
+
 TEST_F(SystemHardware, MutesAControlOrSaysThatItHasNoMute)
 {
     System& system = start("studio");
@@ -192,6 +229,34 @@ TEST_F(SystemHardware, ReportsASelectorAnInputOrACardThatDoesNotExist)
     EXPECT_EQ(system.select("Auxiliary Source", "Nothing").problem().kind(), Problem::Kind::notThere);
     EXPECT_EQ(system.select(CardId("{nothing}"), "Auxiliary Source", "Combo 3").problem().kind(),
               Problem::Kind::notThere);
+}
+
+TEST_F(SystemHardware, NamesTheFailingCallThatHidesASelector)
+{
+    System& system = start("studio");
+    static_cast<void>(system.snapshot());
+    const sim::PlannedFault fault = simulation().faults().fail("IDeviceTopology::GetSubunitCount", E_ABORT);
+
+    const Result<Selector> result = system.select("Auxiliary Source", "Combo 3");
+
+    ASSERT_GT(fault.fired(), 0u);
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.problem().kind(), Problem::Kind::platform);
+    EXPECT_EQ(result.problem().operation(), "IDeviceTopology::GetSubunitCount");
+}
+
+/// The selection is published before the selectors are read again, and nobody else has the snapshot before it.
+TEST_F(SystemHardware, ChoosesAnInputOfAWatchedCardAmongAllCards)
+{
+    System& system = start("studio");
+    std::vector<Watch> watches;
+    for (const Card& card : system.snapshot().cards())
+        watches.push_back(system.watch(card.id()).value());
+
+    const Result<Selector> selector = system.select("Auxiliary Source", "Combo 3");
+
+    ASSERT_TRUE(selector);
+    EXPECT_THAT(selector->selected()->title(), testing::HasSubstr("Combo 3"));
 }
 
 TEST_F(SystemHardware, ReportsTheSelectionThatIsRefused)

@@ -170,6 +170,27 @@ TEST_F(SystemRestoreOfDesk, ReportsAnEndpointThatIsNotThereAndRestoresTheOthers)
     EXPECT_EQ(report.settings.front().problem->kind(), Problem::Kind::notThere);
 }
 
+TEST_F(SystemRestore, NamesTheFailingCallThatHidesControlsAndSelectors)
+{
+    System& system = start(sim::findMachine("studio"));
+    const Settings settings = system.settings().value();
+    simulation().faults().fail("IMMDevice::Activate", E_ABORT).with({"IDeviceTopology"});
+
+    const RestoreReport report = system.restore(settings).value();
+
+    std::size_t failed = 0;
+    for (const RestoredSetting& setting : report.settings)
+    {
+        EXPECT_NE(setting.outcome, Outcome::notFound) << setting.what;
+        if (setting.outcome == Outcome::failed)
+        {
+            ++failed;
+            EXPECT_EQ(setting.problem->operation(), "IMMDevice::Activate(IDeviceTopology)");
+        }
+    }
+    EXPECT_GT(failed, 10u);
+}
+
 TEST_F(SystemRestoreOfDesk, ReportsAReferenceThatIsNone)
 {
     System& system = startDesk();

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <functional>
 #include <set>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -354,4 +355,19 @@ TEST_F(DiagnosingExplain, ReportsAnEndpointThatDoesNotExist)
 
     ASSERT_FALSE(reasons);
     EXPECT_EQ(sonavit::Problem::Kind::notThere, reasons.problem().kind());
+}
+
+TEST(FactOutput, ShowsNoControlCharactersOfIds)
+{
+    sonavit::Fact fact;
+    fact.sentence = "Its state is active.";
+    fact.call = "IMMDevice::GetState";
+    fact.object = "a\x1B[31m\nb";
+    std::ostringstream out;
+
+    out << fact;
+
+    EXPECT_EQ("Its state is active. [IMMDevice::GetState on a\xEF\xBF\xBD[31m\xEF\xBF\xBD"
+              "b]",
+              out.str());
 }

@@ -7,6 +7,7 @@
 #include "tests/client/model/supportanswers.h"
 #include "tests/client/model/supportdifferences.h"
 #include "tests/support/logcapture.h"
+#include "tests/support/pace.h"
 #include "tests/support/randommachine.h"
 
 #include <gmock/gmock.h>
@@ -24,16 +25,7 @@ using support::Difference;
 
 constexpr std::uint32_t machinesInATest = 25;
 /// Fewer where reading one takes ten times as long: the readers are the same there.
-[[maybe_unused]] constexpr std::uint32_t manyMachines = 500;
-[[maybe_unused]] constexpr std::uint32_t someMachines = 100;
-#if defined(_WIN32) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr std::uint32_t machines = someMachines;
-#elif defined(__has_feature)
-constexpr std::uint32_t machines =
-    __has_feature(address_sanitizer) || __has_feature(thread_sanitizer) ? someMachines : manyMachines;
-#else
-constexpr std::uint32_t machines = manyMachines;
-#endif
+constexpr std::uint32_t machines = support::cases(500, 100);
 /// Among so many random machines each wanted difference occurs.
 constexpr std::uint32_t mostMachines = 200;
 

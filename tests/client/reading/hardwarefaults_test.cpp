@@ -1,4 +1,5 @@
 #include "tests/client/reading/hardwaretest.h"
+#include "tests/support/pace.h"
 
 #include <algorithm>
 #include <functional>
@@ -76,14 +77,14 @@ protected:
     static std::vector<Call> callsOf(const sim::JournalEntries& entries)
     {
         const bool isSmall = GetParam() == std::string("desktop");
-        constexpr std::uint32_t first = 6;
-        constexpr std::uint32_t distance = 97;
+        const std::uint32_t first = support::cases(6, isSmall ? 6 : 1);
+        const std::uint32_t distance = isSmall ? support::cases(1, 11) : support::cases(97, 500);
         std::map<std::string, std::uint32_t> numbers;
         std::vector<Call> calls;
         for (const sim::JournalEntry& entry : entries)
         {
             const std::uint32_t number = ++numbers[entry.operation];
-            const bool isTaken = isSmall || number <= first || number % distance == 0;
+            const bool isTaken = number <= first || number % distance == 0;
             if (entry.operation != "CoTaskMemFree" && entry.operation != "PropVariantClear" && isTaken)
                 calls.push_back({entry, number});
         }

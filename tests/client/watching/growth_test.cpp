@@ -1,6 +1,7 @@
 #include "client/watching/registrations.h"
 #include "platform/coreaudio.h"
 #include "tests/client/watching/watchtest.h"
+#include "tests/support/pace.h"
 
 #include <gtest/gtest.h>
 
@@ -15,14 +16,6 @@ using namespace std::chrono_literals;
 
 namespace
 {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool isInstrumented = true;
-#elif defined(__has_feature)
-constexpr bool isInstrumented = __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
-#else
-constexpr bool isInstrumented = false;
-#endif
-
 /// What the process holds of the operating system.
 struct Holdings
 {
@@ -114,7 +107,7 @@ protected:
         EXPECT_LT(0u, held.handles);
         EXPECT_LT(now.handles, held.handles + few);
         EXPECT_LT(now.threads, held.threads + few); // the kernel counts one for a moment after it was joined
-        if (!isInstrumented)                        // a sanitizer keeps what was freed, to find later uses of it
+        if (!support::isInstrumented)               // a sanitizer keeps what was freed, to find later uses of it
         {
             EXPECT_LT(now.kilobytes, held.kilobytes + 2048);
         }

@@ -1,3 +1,5 @@
+#include "tests/support/storm.h"
+
 #include "simulator/machine/file/machinefile.h"
 #include "tests/client/watching/watchtest.h"
 
@@ -6,7 +8,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <cstdlib>
 #include <future>
 #include <memory>
 #include <mutex>
@@ -20,17 +21,11 @@ using namespace sonavit;
 
 namespace
 {
-/// Random events while eight threads use one System; SONAVIT_STORM_EVENTS sets their number.
+/// Random events while eight threads use one System.
 class SystemInAStorm : public support::ClientTest
 {
 protected:
     using Random = std::minstd_rand;
-
-    static unsigned eventCount()
-    {
-        const char* const text = std::getenv("SONAVIT_STORM_EVENTS");
-        return text == nullptr ? 1500U : static_cast<unsigned>(std::strtoul(text, nullptr, 10));
-    }
 
     const std::string& any(Random& random) const { return m_ids[random() % m_ids.size()]; }
 
@@ -137,7 +132,7 @@ TEST_F(SystemInAStorm, EndsWithTheTruthAndHasToldAllOfIt)
         users.emplace_back([this, &audio, number] { useSystem(audio, number); });
 
     Random random(20);
-    for (unsigned count = eventCount(); count > 0; --count)
+    for (unsigned count = support::stormEvents(1500); count > 0; --count)
         makeEvent(random);
     while (m_calls == 0 || m_endpoints == 0) // on a busy computer the users may have only just begun
         makeEvent(random);

@@ -64,7 +64,10 @@ void FaultedRuns::addSingles()
         if (!chosen[i])
             continue;
         for (const Mode mode : modesOf(m_calls[i]))
-            m_runs.push_back({{m_calls[i], mode}});
+        {
+            if (admits({m_calls[i], mode}))
+                m_runs.push_back({{m_calls[i], mode}});
+        }
     }
 }
 
@@ -80,15 +83,24 @@ void FaultedRuns::addPairs()
     {
         for (std::size_t second = first + 1; second < count; ++second, ++pair)
         {
-            if (pair % distance != 0)
-                continue;
-            // The four combinations of two modes take turns.
-            const std::vector<Mode> modes = modesOf(m_calls[first]);
-            const std::vector<Mode> others = modesOf(m_calls[second]);
-            const std::size_t turn = pair / distance;
-            m_runs.push_back(
-                {{m_calls[first], modes[turn % modes.size()]}, {m_calls[second], others[turn / 2 % others.size()]}});
+            if (pair % distance == 0)
+                addPair(m_calls[first], m_calls[second], pair / distance);
         }
     }
+}
+
+/// The combinations of two modes take turns. Two calls that throw are tried once: where the second one is made while
+/// the first exception unwinds, the language ends the process.
+void FaultedRuns::addPair(const Call& first, const Call& second, std::size_t turn)
+{
+    const std::vector<Mode> modes = modesOf(first);
+    const std::vector<Mode> others = modesOf(second);
+    const std::vector<Fault> pair = {{first, modes[turn % modes.size()]}, {second, others[turn / 2 % others.size()]}};
+    const bool throwsTwice = pair[0].mode == Mode::raise && pair[1].mode == Mode::raise;
+    if (!admits(pair[0]) || !admits(pair[1]))
+        return;
+    if (!throwsTwice || !m_hasPairThatThrows)
+        m_runs.push_back(pair);
+    m_hasPairThatThrows = m_hasPairThatThrows || throwsTwice;
 }
 }

@@ -25,6 +25,8 @@ struct Sweep
     /// What is wrong with a run; @p clean is a run without faults.
     std::function<std::vector<Finding>(const Record& clean, const Record& run)> judge;
     Extent extent;
+    /// Which failures are tried; without a function, all.
+    std::function<bool(const Fault&)> admits = {};
 };
 
 /// Each call of the operation fails in each of its modes; of an operation with many calls the first and the last of
@@ -45,11 +47,14 @@ private:
     std::vector<bool> chosenCalls() const;
     void addSingles();
     void addPairs();
+    bool admits(const Fault& fault) const { return !m_sweep.admits || m_sweep.admits(fault); }
+    void addPair(const Call& first, const Call& second, std::size_t turn);
 
     Sweep m_sweep;
     Record m_clean;
     std::vector<Call> m_calls;
     std::size_t m_tried = 0;
     std::vector<std::vector<Fault>> m_runs;
+    bool m_hasPairThatThrows = false;
 };
 }

@@ -1,16 +1,17 @@
 #include "tests/faults/engine/process.h"
 
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <fcntl.h>
 #include <sstream>
-#include <sys/wait.h>
 #include <system_error>
-#include <unistd.h>
 
 namespace faults
 {

@@ -3,10 +3,11 @@
 
 #include "tests/faults/engine/worker.h"
 
+#include <sys/types.h>
+
 #include <chrono>
 #include <optional>
 #include <string>
-#include <sys/types.h>
 
 namespace faults
 {

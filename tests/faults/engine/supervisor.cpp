@@ -2,9 +2,10 @@
 
 #include "tests/faults/engine/process.h"
 
+#include <poll.h>
+
 #include <algorithm>
 #include <memory>
-#include <poll.h>
 #include <sstream>
 #include <utility>
 
@@ -39,18 +40,18 @@ public:
     void advance(std::chrono::milliseconds patience)
     {
         const bool isOpen = m_process->read();
-        for (std::optional<std::string> line = m_process->line(); line && !m_hasFoundLoss; line = m_process->line())
+        for (std::optional<std::string> line = m_process->line(); line; line = m_process->line())
             hear(wordsOf(*line));
-        if (m_hasFoundLoss)
-            goOnBehindLoss();
-        else if (!isOpen)
-            goOn(Kind::crash, m_process->end());
+        if (!isOpen)
+        {
+            const std::string how = m_process->end();
+            endProcess(m_hasEnded && how.empty() ? std::nullopt : std::optional<Kind>(Kind::crash), how);
+        }
         else if (m_process->silence() > patience)
         {
             m_process->kill();
             m_process->end();
-            m_hasEnded = false;
-            goOn(Kind::hang, "no end after " + std::to_string(patience.count()) + " ms");
+            endProcess(Kind::hang, "no end after " + std::to_string(patience.count()) + " ms");
         }
     }
 
@@ -77,7 +78,7 @@ private:
         else if (words[0] == "done")
             endRun(std::stoul(words[1]));
         else if (words[0] == "lost")
-            hearOfLoss();
+            m_hasLost = true;
         else if (words[0] == "end")
             m_hasEnded = true;
     }
@@ -97,38 +98,23 @@ private:
         m_listener.onRun(m_place, failures, m_findings);
     }
 
-    void hearOfLoss() { (m_assignment.searchesLosses ? m_hasFoundLoss : m_hasLost) = true; }
-
-    /// Later checks would find it again: another process goes on.
-    void goOnBehindLoss()
+    /// @param kind how the process has ended before its time; no value: it has not
+    void endProcess(std::optional<Kind> kind, const std::string& how)
     {
-        m_hasFoundLoss = false;
-        m_process->kill();
-        m_process->end();
-        tellLoss();
-        ++m_losses;
-        m_assignment.from = m_next;
+        const std::string errors = m_process->errors();
         m_process = nullptr;
-        if (m_losses < enoughLosses)
-            begin();
+        if (m_assignment.searchesLosses)
+            goOnSearching(kind.has_value(), errors);
+        else if (kind)
+            goOnBehind(*kind, (how.empty() ? "the process ended" : how) + errors);
+        else if (m_hasLost)
+            beginSearch();
     }
 
-    void tellLoss() { m_listener.onRun(m_place, 0, {{Kind::references, "memory is lost:" + m_process->errors()}}); }
-
-    void goOn(Kind kind, const std::string& how)
+    void goOnBehind(Kind kind, const std::string& how)
     {
-        if (m_hasEnded && how.empty())
-        {
-            if (m_assignment.searchesLosses && m_losses == 0)
-                tellLoss(); // all runs together lose something, none of them by itself
-            m_process = nullptr;
-            if (m_hasLost && !m_assignment.searchesLosses)
-                searchLosses();
-            return;
-        }
-        m_findings.push_back({kind, (how.empty() ? "the process ended" : how) + m_process->errors()});
-        m_process = nullptr;
         const bool wasRunning = m_isRunning;
+        m_findings.push_back({kind, how});
         endRun(wasRunning ? 1 : 0);
         m_findings.clear();
         m_assignment.from = m_next;
@@ -136,12 +122,58 @@ private:
             begin();
     }
 
-    void searchLosses()
+    // A check for lost memory takes long: the runs that lose some are looked for by halves.
+
+    void beginSearch()
     {
-        m_assignment.from = 0;
         m_assignment.searchesLosses = true;
+        m_suspects = {{0, m_next}};
+        searchNext();
+    }
+
+    void searchNext()
+    {
+        if (m_suspects.empty() || m_losses >= enoughLosses)
+        {
+            if (m_losses == 0)
+                tellLoss("memory is lost by several runs together");
+            return;
+        }
+        m_assignment.from = m_suspects.back().first;
+        m_assignment.to = m_suspects.back().second;
+        m_suspects.pop_back();
+        m_hasLost = false;
         begin();
     }
+
+    void goOnSearching(bool hasCrashed, const std::string& errors)
+    {
+        const auto [from, to] = std::pair(m_assignment.from, m_assignment.to);
+        if (hasCrashed && m_isRunning) // which has been told before
+        {
+            suspect(m_next, to);
+            suspect(from, m_next - 1);
+        }
+        else if (m_hasLost && to - from == 1)
+        {
+            tellLoss("memory is lost:" + errors);
+            ++m_losses;
+        }
+        else if (m_hasLost)
+        {
+            suspect(from + (to - from) / 2, to);
+            suspect(from, from + (to - from) / 2);
+        }
+        searchNext();
+    }
+
+    void suspect(std::size_t from, std::size_t to)
+    {
+        if (from < to)
+            m_suspects.emplace_back(from, to);
+    }
+
+    void tellLoss(const std::string& text) { m_listener.onRun(m_place, 0, {{Kind::references, text}}); }
 
     const Task& m_task;
     Listener& m_listener;
@@ -154,8 +186,8 @@ private:
     std::size_t m_losses = 0;
     bool m_isRunning = false;
     bool m_hasEnded = false;
-    bool m_hasLost = false;      ///< some run has lost memory
-    bool m_hasFoundLoss = false; ///< it is the latest run
+    bool m_hasLost = false;                                      ///< some run of this process has lost memory
+    std::vector<std::pair<std::size_t, std::size_t>> m_suspects; ///< from and to
 };
 
 void waitForAny(const std::vector<std::unique_ptr<Work>>& works)

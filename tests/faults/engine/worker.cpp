@@ -1,9 +1,11 @@
 #include "tests/faults/engine/worker.h"
 
+#include <unistd.h>
+
+#include <algorithm>
 #include <cerrno>
 #include <stdexcept>
 #include <system_error>
-#include <unistd.h>
 
 #if defined(__SANITIZE_ADDRESS__)
 #define SONAVIT_FAULTS_LEAKS 1
@@ -53,11 +55,7 @@ void perform(Runs& runs, std::size_t index, const Assignment& assignment, int pi
     Line("run").with(std::to_string(index)).with(runs.name(index)).with(runs.detail(index)).writeTo(pipe);
     const Result result = runs.run(index);
     if (assignment.searchesLosses)
-    {
-        if (hasLostMemory())
-            Line("lost").writeTo(pipe);
         return;
-    }
     for (const Finding& finding : result.findings)
         Line("finding").with(nameOf(finding.kind)).with(finding.text).writeTo(pipe);
     Line("done").with(std::to_string(result.failures)).writeTo(pipe);
@@ -68,12 +66,12 @@ void work(const Job& job, const Assignment& assignment, int pipe)
 {
     const std::unique_ptr<Runs> runs = job.prepare();
     Line("calls").with(std::to_string(runs->calls())).with(std::to_string(runs->callsTried())).writeTo(pipe);
-    for (std::size_t index = assignment.from; index < runs->size(); ++index)
+    for (std::size_t index = assignment.from; index < std::min(runs->size(), assignment.to); ++index)
     {
         if (assignment.only.empty() || runs->name(index) == assignment.only)
             perform(*runs, index, assignment, pipe);
     }
-    if (!assignment.searchesLosses && hasLostMemory())
+    if (hasLostMemory())
         Line("lost").writeTo(pipe);
     Line("end").writeTo(pipe);
 }

@@ -4,6 +4,7 @@
 #include "tests/faults/engine/runs.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 namespace faults
@@ -12,8 +13,9 @@ namespace faults
 struct Assignment
 {
     std::size_t from = 0;        ///< the first run
+    std::size_t to = SIZE_MAX;   ///< the one behind the last
     std::string only;            ///< Runs::name() of the only run; empty: all
-    bool searchesLosses = false; ///< look for lost memory after each run instead of at the end
+    bool searchesLosses = false; ///< only say whether these runs lose memory
 };
 
 /// Performs the runs and tells the process that waits at the other end of @p pipe, line by line, with tabs between the

@@ -56,10 +56,26 @@ std::vector<Finding> judgeExceptions(const std::string& operation, const Record&
     return {};
 }
 
+/// Whether the call releases an interface that was only asked for, which no handle holds.
+bool isWithoutHandle(const Call& call, const sim::JournalEntries& calls)
+{
+    std::size_t place = 0;
+    std::string before; // the latest call of the object
+    for (const sim::JournalEntry& entry : calls)
+    {
+        if (entry.operation == call.entry.operation && ++place == call.number)
+            break;
+        if (entry.object == call.entry.object)
+            before = entry.call();
+    }
+    return isLike(before, "IMMDevice::QueryInterface(IMMEndpoint*");
+}
+
 /// The handle's guard logs what comes out of Release.
 std::vector<Finding> judgeGuard(const Record& run)
 {
-    const bool isGuarded = run.faults.front().mode == Mode::raise && run.faults.size() == 1;
+    const bool isGuarded = run.faults.size() == 1 && run.faults.front().mode == Mode::raise &&
+                           !isWithoutHandle(run.faults.front().call, run.calls);
     const bool hasRecord =
         std::any_of(run.log.begin(), run.log.end(),
                     [](const auto& record) { return record.channel == "comptr" && record.priority == 4; });
@@ -71,14 +87,53 @@ std::vector<Finding> judgeGuard(const Record& run)
 std::vector<Finding> judgeReferences(const Record& run, const sim::Machine& machine)
 {
     const sim::Census expected = keptAfter(run, machine);
-    const sim::Census left = comparable(run.left);
-    if (left == expected)
+    const sim::Census further = comparable(run.left) - expected;
+    if (further.empty())
         return {};
-    return {{Kind::references, "besides what is kept on purpose: " + (left - expected).describe()}};
+    return {{Kind::references, "besides what is kept on purpose: " + further.describe()}};
 }
 
-std::vector<Finding> judgeAnswers(const Operation& operation, const sim::Machine& machine, const Record& run)
+/// @p clean as the effects of the fault change it; "*" where that is not documented.
+std::vector<std::string> withEffects(std::vector<std::string> clean, const std::vector<Effect>& effects,
+                                     const Fault& fault)
 {
+    for (const Effect& effect : effects)
+    {
+        if (!isLike(fault.call.entry.call(), effect.call) || !isLike(nameOf(fault.mode), effect.mode))
+            continue;
+        for (std::string& line : clean)
+        {
+            if (line.compare(0, effect.answer.size(), effect.answer) == 0)
+                line = effect.answer + effect.value;
+        }
+    }
+    return clean;
+}
+
+std::vector<Finding> judgeEffects(const std::vector<Effect>& effects, const Record& clean, const Record& run)
+{
+    const Fault& fault = run.faults.front();
+    if (run.faults.size() != 1 || fault.mode == Mode::raise || !run.thrown.empty() || FAILED(fault.call.entry.result))
+        return {};
+    const std::vector<std::string> expected = withEffects(clean.answers, effects, fault);
+    std::string difference;
+    for (std::size_t i = 0; i < std::max(expected.size(), run.answers.size()); ++i)
+    {
+        const std::string wanted = i < expected.size() ? expected[i] : "nothing";
+        const std::string found = i < run.answers.size() ? run.answers[i] : "nothing";
+        if (!isLike(found, wanted))
+            difference.append("\n      ").append(found).append(" instead of ").append(wanted);
+    }
+    if (difference.empty())
+        return {};
+    return {{Kind::answer, "not what is documented:" + difference}};
+}
+
+std::vector<Finding> judgeAnswers(const Operation& operation, const sim::Machine& machine, const Record& clean,
+                                  const Record& run)
+{
+    if (operation.effects)
+        return judgeEffects(*operation.effects, clean, run);
     const bool isComparable = std::all_of(
         run.faults.begin(), run.faults.end(),
         [](const Fault& fault) { return fault.call.entry.operation.find("::QueryInterface") == std::string::npos; });
@@ -104,7 +159,7 @@ std::vector<Finding> judge(const Operation& operation, const sim::Machine& machi
     append(all, judgeGuard(run));
     append(all, judgeReferences(run, machine));
     append(all, judgeLog(operation.name, clean, run));
-    append(all, judgeAnswers(operation, machine, run));
+    append(all, judgeAnswers(operation, machine, clean, run));
     if (run.later != clean.later)
         all.push_back({Kind::reuse, support::firstDifference(clean.later, run.later)});
     return all;

@@ -4,6 +4,7 @@
 #include "simulator/machine/property.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 
 namespace faults::library
@@ -23,6 +24,34 @@ bool foundNothing(const std::string& operation, std::uint32_t number, const std:
 bool isNeighbourWalk(const std::string& operation)
 {
     return operation == "IPart::EnumPartsIncoming" || operation == "IPart::EnumPartsOutgoing";
+}
+
+/// Whether a variant of that tag, as the journal writes it, has memory of its own.
+bool isClearedTag(const std::string& tag)
+{
+    return tag == std::to_string(VT_LPWSTR) || tag == std::to_string(VT_LPSTR) || tag == std::to_string(VT_BLOB) ||
+           tag == std::to_string(VT_CLSID);
+}
+
+/// Clients that the platform has taken, less those that it has let go.
+void countClient(std::map<std::string, long>& clients, const std::string& operation)
+{
+    const std::string enumerator = "IMMDeviceEnumerator::";
+    const std::string volume = "IAudioEndpointVolume::";
+    if (operation == enumerator + "RegisterEndpointNotificationCallback")
+        ++clients["IMMNotificationClient"];
+    else if (operation == enumerator + "UnregisterEndpointNotificationCallback")
+        --clients["IMMNotificationClient"];
+    else if (operation == volume + "RegisterControlChangeNotify")
+        ++clients["IAudioEndpointVolumeCallback"];
+    else if (operation == volume + "UnregisterControlChangeNotify")
+        --clients["IAudioEndpointVolumeCallback"];
+}
+
+void removeZeroes(std::map<std::string, long>& counts)
+{
+    for (auto count = counts.begin(); count != counts.end();)
+        count = count->second == 0 ? counts.erase(count) : std::next(count);
 }
 
 bool hasMemory(const sim::PropertyValue* value)
@@ -58,12 +87,17 @@ sim::Census keptAfter(const Record& run, const sim::Machine& machine)
     sim::Census kept;
     std::map<std::string, std::uint32_t> numbers;
     bool answersDefault = false; // the latest call has found the default endpoint
+    std::string valueOf;         // the store whose value was read last
     for (std::size_t i = 0; i < run.allCalls.size(); ++i)
     {
         const sim::JournalEntry& call = run.allCalls[i];
         const bool isInAct = i >= run.callsBefore;
         const bool isSuccess = call.end == sim::CallEnd::returned && SUCCEEDED(call.result) &&
                                !(isInAct && foundNothing(call.operation, ++numbers[call.operation], run.faults));
+        if (call.operation == "PropVariantClear" && !isSuccess && isClearedTag(call.arguments.front()))
+            ++kept.taskMemory["IPropertyStore::GetValue " + valueOf];
+        if (call.operation == "IPropertyStore::GetValue")
+            valueOf = call.object;
         if (isOfReferences(call.operation) || call.operation == "CoTaskMemFree")
             continue;
         if (isNeighbourWalk(call.operation) && isSuccess)
@@ -73,8 +107,11 @@ sim::Census keptAfter(const Record& run, const sim::Machine& machine)
             ++kept.taskMemory[call.operation + " " + call.object];
         if (call.operation == "IMMDevice::GetId" && isSuccess && answersDefault)
             ++kept.taskMemory[call.operation + " " + call.object];
+        if (isSuccess)
+            countClient(kept.clients, call.operation);
         answersDefault = call.operation == "IMMDeviceEnumerator::GetDefaultAudioEndpoint" && isSuccess;
     }
+    removeZeroes(kept.clients);
     return kept;
 }
 

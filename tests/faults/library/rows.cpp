@@ -18,25 +18,34 @@ constexpr const char* code = "80004005";
 
 using LogKey = std::tuple<int, std::string, std::string>;
 
-/// The messages that the run has more of than the clean one.
-std::map<LogKey, long> furtherMessages(const Record& clean, const Record& run)
+/// How often a message is in the log.
+struct Counts
 {
-    std::map<LogKey, long> further;
-    for (const auto& record : run.log)
-        ++further[{record.priority, record.channel, record.text}];
+    long clean = 0;
+    long run = 0;
+};
+
+std::map<LogKey, Counts> countsOf(const Record& clean, const Record& run)
+{
+    std::map<LogKey, Counts> counts;
     for (const auto& record : clean.log)
-        --further[{record.priority, record.channel, record.text}];
-    return further;
+        ++counts[{record.priority, record.channel, record.text}].clean;
+    for (const auto& record : run.log)
+        ++counts[{record.priority, record.channel, record.text}].run;
+    return counts;
 }
 
-bool isKept(const Row& row, const std::map<LogKey, long>& further)
+bool isKept(const Row& row, const std::map<LogKey, Counts>& counts)
 {
-    return std::any_of(further.begin(), further.end(),
+    return std::any_of(counts.begin(), counts.end(),
                        [&](const auto& message)
                        {
                            const auto& [priority, channel, text] = message.first;
+                           const Counts& count = message.second;
                            const std::string start = row.text;
-                           return message.second > 0 && priority == row.priority && channel == row.channel &&
+                           const bool isThere =
+                               count.run > count.clean || (row.isOfValue && count.run > 0 && count.run == count.clean);
+                           return isThere && priority == row.priority && channel == row.channel &&
                                   text.compare(0, start.size(), start) == 0 &&
                                   text.find(row.behind, start.size()) != std::string::npos;
                        });
@@ -66,17 +75,17 @@ const std::vector<Row>& rows()
         {"AudioDevice::setFormat", "IPropertyStore::SetValue(*", Mode::fail, 3, endpoint,
          "IPropertyStore::SetValue failed ", code},
         {"*", "IPropertyStore::GetValue(deviceDescription*", Mode::fail, 4, endpoint,
-         "m_propertyStore->GetValue(PKEY_Device_DeviceDesc, &deviceProperty) fails ", ""},
+         "m_propertyStore->GetValue(PKEY_Device_DeviceDesc, &deviceProperty) fails ", "", true},
         {"*", "IPropertyStore::GetValue(deviceFormat*", Mode::fail, 4, endpoint,
-         "m_propertyStore->GetValue(PKEY_AudioEngine_DeviceFormat, &deviceProperty) fails", ""},
+         "m_propertyStore->GetValue(PKEY_AudioEngine_DeviceFormat, &deviceProperty) fails", "", true},
         {"*", "IPropertyStore::GetValue(instancePath*", Mode::fail, 4, endpoint, "Fail to get instancePathKey value ",
-         ""},
+         "", true},
         {"*", "IPropertyStore::GetValue(driverNodeStrongName*", Mode::fail, 4, endpoint,
-         "Fail to get driverNodeStrongName value ", ""},
+         "Fail to get driverNodeStrongName value ", "", true},
         {"*", "IPropertyStore::GetValue(friendlyName*", Mode::fail, 4, endpoint, "Fail to get device friendly name ",
-         ""},
+         "", true},
         {"*", "IPropertyStore::GetValue(speakerConfig*", Mode::fail, 4, endpoint,
-         "Fail to get physical speaker config ", ""},
+         "Fail to get physical speaker config ", "", true},
         {"*", "CLSIDFromString(*", Mode::fail, 3, endpoint,
          "CLSIDFromString cannot convert sting guid to direct sound guid", ""},
         {"*", "IMMDevice::GetState(*", Mode::fail, 3, endpoint, "GetState failed ", code},
@@ -115,13 +124,13 @@ std::vector<Finding> judgeLog(const std::string& operation, const Record& clean,
     const Fault& fault = run.faults.front();
     if (run.faults.size() != 1 || FAILED(fault.call.entry.result))
         return {};
-    const std::map<LogKey, long> further = furtherMessages(clean, run);
+    const std::map<LogKey, Counts> counts = countsOf(clean, run);
     std::string expected;
     for (const Row& row : rows())
     {
         if (row.mode != fault.mode || !isLike(operation, row.operation) || !isLike(fault.call.entry.call(), row.call))
             continue;
-        if (isKept(row, further))
+        if (isKept(row, counts))
             return {};
         expected.append("\n      ").append(row.channel).append(" ").append(std::to_string(row.priority));
         expected.append(" ").append(row.text);

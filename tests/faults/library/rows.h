@@ -16,8 +16,9 @@ struct Row
     Mode mode;
     int priority;
     const char* channel;
-    const char* text;   ///< how the record begins
-    const char* behind; ///< what is somewhere behind that: the code
+    const char* text;       ///< how the record begins
+    const char* behind;     ///< what is somewhere behind that: the code
+    bool isOfValue = false; ///< a value that is not there leaves the same record, without any failure
 };
 
 const std::vector<Row>& rows();

@@ -1,5 +1,6 @@
-#include "tests/faults/engine/report.h"
 #include "tests/faults/engine/supervisor.h"
+
+#include "tests/faults/engine/report.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

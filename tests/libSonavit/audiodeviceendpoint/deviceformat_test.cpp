@@ -219,6 +219,20 @@ TEST_F(AudioDeviceSetFormat, LogsAStoreThatCannotBeReopened)
     EXPECT_TRUE(waveFormat(usual) == device().deviceProperty().format);
 }
 
+TEST_F(AudioDeviceSetFormat, WritesTheFormatAndOpensNoStoreIfTheDeviceIsNullSince)
+{
+    device().initialize(static_cast<IMMDevice*>(nullptr));
+    log.clear();
+    simulation().journal().clear();
+
+    EXPECT_FALSE(device().setFormat(waveFormat(better)));
+
+    EXPECT_EQ(better.bytes(), storedFormat(speaker.id()));
+    EXPECT_EQ(nullptr, device().m_propertyStore.get());
+    EXPECT_EQ(0u, simulation().journal().of("IMMDevice::OpenPropertyStore").size());
+    EXPECT_THAT(log.texts(), IsEmpty());
+}
+
 TEST_F(AudioDeviceSetFormat, HoldsNoStoreThatComesWithAFailureCode)
 {
     FailingWithAStore failing;

@@ -200,4 +200,18 @@ TEST(AudioDevicePropVariant, ReadsAFormatOf40BytesOnly)
     EXPECT_TRUE(device.getPropVariantValue(variant, value));
     EXPECT_TRUE(devicetest::waveFormat({24, 96000, 2}) == value);
 }
+
+TEST(AudioDevicePropVariant, FailsWithTheFormatUnchangedForABlobWithoutItsBytes)
+{
+    AudioDevice device;
+    const WAVEFORMATEXTENSIBLE before = devicetest::waveFormat({16, 48000, 2});
+    WAVEFORMATEXTENSIBLE value = before;
+    PROPVARIANT variant = variantOf(VT_BLOB);
+    variant.blob.cbSize = sizeof(value);
+    variant.blob.pBlobData = nullptr;
+
+    EXPECT_FALSE(device.getPropVariantValue(variant, value));
+
+    EXPECT_TRUE(before == value);
+}
 }

@@ -245,6 +245,42 @@ TEST_F(AudioPartAssignment, OfThePartWhoseListHoldsItIsSafe)
     EXPECT_EQ(1, references(stream));
 }
 
+TEST_F(AudioPartAssignment, OfAPartOfItsOwnOutgoingListIsSafe)
+{
+    kept.partsLists = 1;
+    start();
+    AudioPart part(this->part(volume));
+    qor::Array<AudioPart> list;
+    part.outgoingPartsList(list);
+    list.clear();
+
+    part = part.m_outgoingParts[0];
+
+    EXPECT_EQ(mute, part.globalId().toUtf8());
+    EXPECT_EQ(0u, part.m_outgoingParts.size());
+    EXPECT_EQ(0, references(volume));
+    EXPECT_EQ(1, references(mute));
+}
+
+TEST_F(AudioPartAssignment, OfThePartWhoseOutgoingListHoldsItIsSafe)
+{
+    kept.partsLists = 1;
+    start();
+    AudioPart part(this->part(volume));
+    qor::Array<AudioPart> list;
+    part.outgoingPartsList(list);
+    list.clear();
+    AudioPart& inner = part.m_outgoingParts[0];
+
+    inner = part;
+
+    EXPECT_EQ(volume, inner.globalId().toUtf8());
+    ASSERT_EQ(1u, inner.m_outgoingParts.size());
+    EXPECT_EQ(mute, inner.m_outgoingParts[0].globalId().toUtf8());
+    EXPECT_EQ(2, references(volume));
+    EXPECT_EQ(1, references(mute));
+}
+
 TEST_F(AudioPartAssignment, LeavesTheOtherPartsListsAlone)
 {
     kept.partsLists = 1;

@@ -48,6 +48,7 @@ TEST_F(ConnectorMapFaults, RegistersTheTopologyOnThisSideOfAConnectorWhoseFarDev
 
     EXPECT_EQ(1u, hidden.fired()) << "the adapter's own snapshot lacks its second connector";
     EXPECT_THAT(nodesOf(card), ElementsAre("out/1", "board/1", "board/2")) << "the topology behind board/1 has it";
+    EXPECT_EQ(qor::String("Plug board/2"), card.m_connectorMap[2].connector.name());
 }
 
 TEST_F(ConnectorMapFaults, RegistersItsOwnSideOnceForTwoConnectorsToADeviceThatCannotBeOpened)

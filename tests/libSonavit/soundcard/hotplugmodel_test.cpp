@@ -5,12 +5,16 @@
 #include "simulator/simulation.h"
 #include "tests/libSonavit/soundcard/supportobserver.h"
 #include "tests/support/logcapture.h"
+#include "tests/support/pace.h"
+#include "tests/support/storm.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <atomic>
 #include <memory>
 #include <random>
+#include <thread>
 
 namespace
 {
@@ -125,7 +129,9 @@ protected:
             }
             break;
         default:
+            m_simulation->events().waitForClients(); // what was announced before is read in the state of that time
             m_simulation->events().setState(id, state);
+            m_simulation->events().waitForClients();
             m_states[card][endpoint] = state;
             if (place != list.end())
             {
@@ -135,6 +141,23 @@ protected:
             break;
         }
         return card;
+    }
+
+    /// What the threads of a program may do while events arrive, as long as each has devices of its own.
+    void useOwnDevices(unsigned int first)
+    {
+        ASSERT_TRUE(SUCCEEDED(CoInitialize(nullptr)));
+        ASSERT_TRUE(SUCCEEDED(m_simulation->registerOnThisThread()));
+        for (unsigned int i = first; !m_isOver; ++i)
+        {
+            AudioDevice::setStoreAccess(i % 2 == 0 ? StoreAccess::writeElseRead : StoreAccess::readWrite);
+            AudioDevice device(qor::String(idOf(i % numCards, i % endpointsOfACard).c_str()));
+            m_found += device.isInitialized() && device.isEndpoint() ? 1 : 0;
+            static_cast<void>(device.waveLegacyDeviceID());
+            qor::Array<AudioDevice> outputs;
+            m_found += libSonavit::EndpointDeviceEnumerator().audioDevices(eRender, outputs) > 0 ? 1 : 0;
+        }
+        CoUninitialize();
     }
 
     /// Compares a card with its model.
@@ -161,6 +184,8 @@ protected:
     ModelCard m_model[numCards];
     States m_states[numCards];
     support::RecordingObserver m_observers[numCards][2];
+    std::atomic<bool> m_isOver{false};
+    std::atomic<unsigned int> m_found{0};
 };
 }
 
@@ -172,13 +197,32 @@ TEST_F(HotPlugModel, AgreesWithTheListsAndTheObserversOfFiftyCardsEventByEvent)
         compare(playEvent());
 }
 
-TEST_F(HotPlugModel, AgreesWithTheListsAndTheObserversOfFiftyCardsAfterTenThousandEvents)
+TEST_F(HotPlugModel, AgreesWithTheListsAndTheObserversOfFiftyCardsAfterThousandsOfEvents)
 {
-    constexpr unsigned int numEvents = 10000;
+    constexpr unsigned int numEvents = support::cases(10000, 2000);
 
     for (unsigned int event = 0; event < numEvents; ++event)
         playEvent();
 
+    for (unsigned int card = 0; card < numCards && !HasFatalFailure(); ++card)
+        compare(card);
+}
+
+TEST_F(HotPlugModel, AgreesAfterAStormOnThePlatformsThreadWhileOthersUseDevicesOfTheirOwn)
+{
+    m_simulation->deliverAtOnce(false);
+    std::thread others[] = {std::thread([this] { useOwnDevices(0); }), std::thread([this] { useOwnDevices(7); })};
+
+    for (unsigned int event = support::stormEvents(1000); event > 0; --event)
+        playEvent();
+    m_simulation->events().waitForClients();
+
+    while (m_found == 0) // on a busy computer the others may have only just begun
+        std::this_thread::yield();
+    m_isOver = true;
+    for (std::thread& other : others)
+        other.join();
+    AudioDevice::setStoreAccess(StoreAccess::readWrite);
     for (unsigned int card = 0; card < numCards && !HasFatalFailure(); ++card)
         compare(card);
 }

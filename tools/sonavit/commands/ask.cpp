@@ -22,10 +22,13 @@ struct Answers
 };
 
 /// The helper's destructor uninitialises COM even if its constructor could not initialise it, as on this thread, which
-/// is in an apartment of another kind. The initialisation here makes up for that.
+/// is in an apartment of another kind. The initialisation here makes up for that; without it the helper would leave the
+/// apartment of somebody else.
 Answers askHelper(const std::string& instanceId)
 {
-    CoInitialize(nullptr);
+    const HRESULT entered = CoInitialize(nullptr);
+    if (FAILED(entered) && entered != RPC_E_CHANGED_MODE)
+        throw OperationFailure("the system's audio cannot be reached: " + reasonText(entered));
     libSonavit::SysInfoHelper helper;
     const qor::String id = qor::String::fromUtf8(instanceId);
     return {helper.hasAnalogOut(id), helper.hasDigitalOut(id), helper.hasLineIn(id), helper.hasMicIn(id)};

@@ -35,6 +35,8 @@ Graph readGraph(const Context& context, const std::vector<Card>& cards)
 GraphView viewOf(const Context& context, const Snapshot& snapshot, const std::vector<Card>& cards)
 {
     GraphView view{readGraph(context, cards)};
+    const std::vector<Problem> unlisted = problemsOfLists(snapshot);
+    view.graph.problems.insert(view.graph.problems.begin(), unlisted.begin(), unlisted.end());
     if (context.arguments.endpoint.empty())
         return view;
     const EndpointId endpoint = endpointNamed(snapshot, context.arguments.endpoint).endpoint.id();

@@ -97,7 +97,9 @@ void runSelectors(Context& context)
     const Snapshot snapshot = readSnapshot(context);
     const std::vector<Card> cards = requestedCards(context, snapshot);
     reportDenied(context, cards);
-    const Found<CardSelector> found = readSelectors(context, cards);
+    Found<CardSelector> found = readSelectors(context, cards);
+    const std::vector<Problem> unlisted = problemsOfLists(snapshot);
+    found.problems.insert(found.problems.begin(), unlisted.begin(), unlisted.end());
     const std::vector<CardSelector>& selectors = found.things;
     if (context.arguments.isJson)
     {

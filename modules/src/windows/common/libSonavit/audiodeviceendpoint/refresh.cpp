@@ -113,13 +113,13 @@ bool AudioDevice::getPropVariantValue(const PROPVARIANT& variant, unsigned int& 
     return true;
 }
 
-/// A missing format is not a failure; a format of another size is.
+/// A missing format is not a failure; a format of another size is, and one without its bytes.
 template<>
 bool AudioDevice::getPropVariantValue(const PROPVARIANT& variant, WAVEFORMATEXTENSIBLE& value)
 {
     if (variant.vt != VT_BLOB)
         return true;
-    if (variant.blob.cbSize != sizeof(value))
+    if (variant.blob.cbSize != sizeof(value) || variant.blob.pBlobData == nullptr)
         return false;
     std::memcpy(&value, variant.blob.pBlobData, sizeof(value));
     return true;

@@ -1,0 +1,6 @@
+#include "tests/ends/library/linking.h"
+
+bool ends::isLibraryShared()
+{
+    return true;
+}

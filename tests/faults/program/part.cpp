@@ -1,0 +1,68 @@
+#include "simulator/machine/file/machinefile.h"
+#include "tests/faults/client/failures.h"
+#include "tests/faults/client/noruns.h"
+#include "tests/faults/engine/faultedruns.h"
+#include "tests/faults/program/trial.h"
+
+#include <utility>
+
+namespace faults::program
+{
+namespace
+{
+bool isSmall(const std::string& machine)
+{
+    return machine == "virtual" || machine == "remote-desktop" || machine == "empty";
+}
+
+Extent extentOn(const std::string& machine, const CommandLine& line)
+{
+    Extent extent;
+    extent.platformCalls = isSmall(machine) ? 100'000 : line.isJson ? 20'000 : 8'000;
+    extent.pairs = isSmall(machine) ? 100 : 0;
+    return extent;
+}
+
+/// The layer is used in the process of the job alone: a System does not work in a child of its process.
+std::unique_ptr<Runs> prepare(const CommandLine& line, const std::string& name)
+{
+    sim::Machine machine = sim::findMachine(name);
+    machine.script.clear();
+    Names names = namesOn(machine);
+    std::optional<std::vector<std::string>> words = line.on(names);
+    if (!words)
+        return std::make_unique<client::NoRuns>();
+    const auto trial = std::make_shared<VerbTrial>(machine, std::move(names), line, *std::move(words));
+    Sweep sweep;
+    sweep.perform = [trial](std::vector<Fault> faults) { return trial->perform(std::move(faults)); };
+    sweep.judge = [](const Record&, const Record&) { return std::vector<Finding>(); };
+    sweep.extent = extentOn(name, line);
+    // What a Release throws goes through the object model to the end of the process.
+    sweep.admits = [usesModel = line.usesModel](const Fault& fault)
+    { return client::isWithinContract(fault) && !(usesModel && fault.mode == Mode::raise); };
+    return std::make_unique<FaultedRuns>(std::move(sweep));
+}
+
+Part programPart()
+{
+    Part part{"program", {}, {}};
+    part.excuses.push_back({"*", "*", "*:fail", "*CoInitialize*", Kind::references,
+                            "the object model's initialiser leaves COM even if it could not enter it"});
+    for (const char* const call : {"IMMDeviceEnumerator::GetDefaultAudioEndpoint*", "IMMDevice::GetId*", "wave*"})
+        part.excuses.push_back({"show ENDPOINT --json", "*", "*", call, Kind::answer,
+                                "roles and wave ids are read for the computer as a whole, and list says what failed"});
+    for (const char* const call :
+         {"IMMDevice::GetState*", "IMMDevice::OpenPropertyStore*", "IPropertyStore::GetValue*"})
+        part.excuses.push_back({"graph*--json", "*", "*", call, Kind::answer,
+                                "names and states of endpoints are the snapshot's, and show says what failed"});
+    for (const std::string& name : sim::machineNames())
+    {
+        for (const CommandLine& line : commandLines())
+            part.jobs.push_back({line.name, name, [=] { return prepare(line, name); }});
+    }
+    return part;
+}
+
+const Registration registration(programPart);
+}
+}

@@ -1,0 +1,113 @@
+// Each command on every hostile platform: it ends with success, with one sentence or with valid JSON, and writes
+// nothing that is no text.
+#include "tests/hostile/platforms/platform.h"
+#include "tests/hostile/texts.h"
+#include "tests/program/programtest.h"
+
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+using nlohmann::json;
+
+namespace
+{
+using hostile::Platform;
+using Words = std::vector<std::string>;
+
+/// Machine "honest" has these endpoints; "0" is a wave id.
+const std::vector<Words> readingCommands = {{"list"},
+                                            {"list", "--short"},
+                                            {"show", "Speakers"},
+                                            {"controls", "Microphone"},
+                                            {"selectors"},
+                                            {"graph"},
+                                            {"get-volume", "Speakers"},
+                                            {"save"},
+                                            {"capture"},
+                                            {"doctor"},
+                                            {"explain", "Speakers"},
+                                            {"find", "0"},
+                                            {"refer", "Speakers"},
+                                            {"format", "Speakers"}};
+
+const std::vector<Words> changingCommands = {{"set-volume", "Speakers", "50%"},
+                                             {"mute", "Speakers", "toggle"},
+                                             {"set-control", "Speakers", "Volume", "-6dB"},
+                                             {"select", "Input", "Microphone"},
+                                             {"format", "Speakers", "--set", "16/44100/2"},
+                                             {"monitor"}};
+
+class ProgramOnHostilePlatforms : public support::ProgramTest, public testing::WithParamInterface<hostile::Topic>
+{
+protected:
+    /// Calls one of @p commands on each platform, another one on the next, in both forms; all of them on each if
+    /// everything is wanted.
+    void onEach(std::size_t number, const std::vector<Words>& commands)
+    {
+        constexpr std::size_t uses = 2;
+        std::size_t next = 0;
+        for (const Platform& platform : hostile::shareOf(GetParam(), number, uses))
+        {
+            SCOPED_TRACE(platform.name);
+            run(hostile::machineOf(platform));
+            const hostile::References references = platform.lie ? platform.lie(simulation()) : hostile::References();
+            for (std::size_t count = hostile::isEverythingWanted() ? commands.size() : 1; count > 0; --count)
+                tryBoth(commands[next++ % commands.size()]);
+            simulation().faults().clear();
+        }
+    }
+
+private:
+    void tryBoth(Words words)
+    {
+        SCOPED_TRACE(testing::PrintToString(words));
+        const bool isMonitor = words[0] == "monitor"; // it goes on until the end is requested
+        pause = [isMonitor](std::chrono::milliseconds) { return isMonitor; };
+        const sim::Census before = simulation().census();
+        const support::Answer text = call(words);
+        expectAnswer(text);
+        words.emplace_back("--json");
+        const support::Answer answer = call(words);
+        expectAnswer(answer);
+        if (isMonitor)
+            return; // its lines are events
+        const json document = json::parse(answer.out, nullptr, false);
+        ASSERT_FALSE(document.is_discarded()) << answer.out.substr(0, 500);
+        if (answer.code != 0)
+        {
+            EXPECT_THAT(answer.err, testing::EndsWith("sonavit: " + document["error"].get<std::string>() + "\n"));
+        }
+        EXPECT_EQ(sim::Census(), simulation().census() - before);
+    }
+
+    static void expectAnswer(const support::Answer& answer)
+    {
+        std::string out = answer.out;
+        std::replace(out.begin(), out.end(), '\t', ' '); // between the fields of short lists
+        hostile::expectPrintable(out, false);
+        hostile::expectPrintable(answer.err, false);
+        EXPECT_THAT(answer.code, testing::AnyOf(0, 1, 2, 3)); // 2: several things have that name
+        if (answer.code == 0)
+            return;
+        const std::size_t sentence = answer.err.rfind("sonavit: ");
+        ASSERT_NE(std::string::npos, sentence) << answer.err.substr(0, 500);
+        EXPECT_EQ(answer.err.size() - 1, answer.err.find('\n', sentence)) << answer.err.substr(0, 500);
+    }
+};
+}
+
+TEST_P(ProgramOnHostilePlatforms, ReadsWhatThereIs)
+{
+    onEach(0, readingCommands);
+}
+
+TEST_P(ProgramOnHostilePlatforms, ChangesWhatCanBeChanged)
+{
+    onEach(1, changingCommands);
+}
+
+INSTANTIATE_TEST_SUITE_P(Topics, ProgramOnHostilePlatforms, testing::ValuesIn(hostile::topics()),
+                         [](const auto& each) { return std::string(each.param.name); });

@@ -1,0 +1,98 @@
+import unittest
+
+import accepted
+from changes import changes_of
+from report import FolderReport, Mutant, closing_line, is_good, text_of
+from trial import KILLED, SURVIVED, UNREACHED
+
+SOURCE = "bool f(int a)\n{\n    return a == 1;\n}\n"
+ENTRY = """\
+# A comment.
+d/x.cpp
+- return a == 1;
++ return a != 1;
+  It makes no difference,
+  as a is never read.
+
+"""
+
+
+def mutant(outcome, reason="", name="d/x.cpp:3:14:condition"):
+    return Mutant(name, "condition", outcome, "S.One" if outcome == KILLED else "3 tests", ("- a", "+ b"), reason)
+
+
+class Accepted(unittest.TestCase):
+    def changes(self):
+        return changes_of("d/x.cpp", SOURCE)
+
+    def test_an_entry_is_found_for_its_change_alone(self):
+        entries = accepted.entries_of(ENTRY)
+        reasons = {change.kind: accepted.find(entries, change, SOURCE) for change in self.changes()}
+
+        self.assertEqual("It makes no difference, as a is never read.", reasons["condition"].reason)
+        self.assertIsNone(reasons["constant"])
+
+    def test_an_entry_applies_wherever_its_lines_are(self):
+        moved = "// more\n\n" + SOURCE.replace("    return", "        return")
+
+        self.assertEqual([], accepted.outdated(accepted.entries_of(ENTRY), {"d/x.cpp": moved}, changes_of))
+
+    def test_an_entry_without_its_change_is_outdated(self):
+        entries = accepted.entries_of(ENTRY)
+
+        self.assertEqual(entries, accepted.outdated(entries, {"d/x.cpp": SOURCE.replace("a ==", "b ==")}, changes_of))
+        self.assertEqual(entries, accepted.outdated(entries, {}, changes_of))
+        self.assertEqual(entries, accepted.outdated(accepted.entries_of(ENTRY.replace("!=", "<=")),
+                                                    {"d/x.cpp": SOURCE}, changes_of) and entries)
+
+    def test_an_entry_needs_a_reason_and_a_diff(self):
+        for text in ("d/x.cpp\n- a\n+ b\n", "d/x.cpp\n  why\n", "d/x.cpp\n- a\n+ b\nwhy\n"):
+            with self.assertRaises(ValueError):
+                accepted.entries_of(text)
+
+
+class Judgement(unittest.TestCase):
+    def folder(self, killed, survived, least=95, **more):
+        return FolderReport("client", least, [mutant(KILLED)] * killed + [mutant(SURVIVED)] * survived, **more)
+
+    def test_as_many_as_are_asked_for_are_enough(self):
+        self.assertTrue(is_good([self.folder(95, 5)], []))
+        self.assertFalse(is_good([self.folder(94, 5)], []))
+
+    def test_each_folder_is_judged(self):
+        self.assertFalse(is_good([self.folder(100, 0), self.folder(0, 1)], []))
+
+    def test_accepted_survivors_do_not_count(self):
+        folder = FolderReport("client", 95, [mutant(KILLED), mutant(UNREACHED, "why")])
+
+        self.assertTrue(folder.is_good)
+        self.assertEqual("client: 1 of 1 killed, 100.0 % (at least 95 %), 1 accepted; 0 thrown away", folder.line())
+
+    def test_an_accepted_one_that_a_test_kills_is_an_error(self):
+        folder = FolderReport("client", 0, [mutant(KILLED, "why")])
+
+        self.assertFalse(folder.is_good)
+        self.assertIn("is accepted, but S.One kills it", text_of([folder], []))
+
+    def test_an_outdated_entry_is_an_error(self):
+        entries = accepted.entries_of(ENTRY)
+
+        self.assertFalse(is_good([self.folder(1, 0)], entries))
+        self.assertIn("accepted.txt: line 2: d/x.cpp has no such change any more", text_of([self.folder(1, 0)], entries))
+
+
+class Text(unittest.TestCase):
+    def test_survivors_are_shown_with_their_diffs(self):
+        folder = FolderReport("client", 95, [mutant(SURVIVED), mutant(UNREACHED, name="y.cpp:1:1:call"), mutant(KILLED)],
+                              thrown_away=2)
+
+        self.assertEqual("d/x.cpp:3:14:condition  (3 tests pass)\n    - a\n    + b\n"
+                         "y.cpp:1:1:call  (no test reaches it)\n    - a\n    + b\n"
+                         "client: 1 of 3 killed, 33.3 % (at least 95 %); 2 thrown away  NOT ENOUGH\n", text_of([folder], []))
+
+    def test_the_closing_line_has_all_counts(self):
+        folders = [FolderReport("client", 95, [mutant(KILLED)] * 1100 + [mutant(SURVIVED)]),
+                   FolderReport("program", 90, [mutant(SURVIVED, "why")])]
+
+        self.assertEqual("mutants: 1,100 of 1,101 killed (client 1100/1101, program 0/0), 1 survived, 1 accepted with a reason",
+                         closing_line(folders, []))
