@@ -17,7 +17,12 @@ namespace
 {
 using CaptureFunction = sonavit::Result<Capture> (*)(System&, const CaptureOptions&); // one of the layer's module
 
-constexpr unsigned firstRounds = 50;
+/// In which caches fill: so many operations are done once, at least.
+unsigned firstRoundsOf(unsigned rounds)
+{
+    return std::clamp(rounds, 20U, 800U);
+}
+
 constexpr unsigned long kilobytes = 2048; ///< of noise: pages that the allocator keeps, and its arenas of threads
 
 std::string grown(const char* what, unsigned long before, unsigned long after, unsigned long noise)
@@ -95,7 +100,7 @@ Growth growthOf(const Row& row, const sim::Machine& machine, unsigned rounds)
 {
     Stage stage(machine);
     const std::function<void()> operation = row.prepare(stage.simulation());
-    for (unsigned round = 0; round < firstRounds; ++round)
+    for (unsigned round = 0; round < firstRoundsOf(rounds); ++round)
         operation();
     const Watchman watchman(stage.simulation());
     for (unsigned round = 0; round < rounds; ++round)
@@ -117,7 +122,7 @@ Growth growthOf(const std::vector<memory::ClientCase>& cases, const sim::Machine
         if (round % subjects.size() == 0)
             static_cast<void>(audio.refresh(Depth::everything));
     };
-    for (std::size_t round = 0; round < firstRounds * subjects.size(); ++round)
+    for (std::size_t round = 0; round < firstRoundsOf(rounds); ++round)
         perform(round);
     static_cast<void>(audio.refresh(Depth::everything));
     const Watchman watchman(stage.simulation());
@@ -136,7 +141,7 @@ Growth growthOfSystems(const sim::Machine& machine, unsigned rounds)
         const Subscription heard = audio.subscribe([](const Change&) {});
         static_cast<void>(audio.refresh());
     };
-    for (unsigned round = 0; round < firstRounds; ++round)
+    for (unsigned round = 0; round < firstRoundsOf(rounds); ++round)
         perform();
     const Watchman watchman(stage.simulation());
     for (unsigned round = 0; round < rounds; ++round)

@@ -7,12 +7,15 @@
 #include "libSonavit/sysinfohelper.h"
 #include "qor/exception.h"
 #include "simulator/machine/nodetypes.h"
+#include "simulator/portable/comapartment.h"
 #include "tests/foundation/supportallocations.h"
 #include "tests/libSonavit/endpointdeviceenumerator/supportcountedclient.h"
 #include "tests/libSonavit/endpointdeviceenumerator/supportendpoints.h"
 #include "tests/support/librarytest.h"
 
+#include <exception>
 #include <list>
+#include <new>
 #include <utility>
 
 using libSonavit::AudioDeviceEnumeratorFactory;
@@ -275,4 +278,134 @@ TEST_F(ExhaustedMemory, LeavesNoReferenceOnAConnectorForWhichAListOfMoreThanThou
         EXPECT_EQ(before, simulation().census()) << room;
     }
     EXPECT_GT(grown, 0u);
+}
+
+TEST_F(ExhaustedMemory, PassesOutOfACardWhichHasAllItsSharesOrIsNotMade)
+{
+    run({});
+    AudioDeviceEnumeratorFactory::enumerator()->m_notificationClients.ensureCapacity(100); // grows no more
+    const SoundCard first;                                                                 // makes what stays
+    simulation().journal().record(false);
+    qor::LogFactory::setPriority(LoggerPriority::LOG_FATAL);
+    unsigned int failures = 0;
+    for (unsigned int allocation = 0; allocation < 6 + 3 * 6; ++allocation)
+    {
+        AllocationProbe probe;
+        probe.failOnce(allocation);
+        try
+        {
+            const SoundCard card;
+            probe.succeed();
+            const SoundCard copy(card);
+            EXPECT_NE(nullptr, copy.m_playbackDevices.get()) << allocation;
+            EXPECT_NE(nullptr, copy.m_deviceId.get()) << allocation;
+        }
+        catch (const std::bad_alloc&)
+        {
+            ++failures;
+            EXPECT_EQ(0, probe.balance()) << allocation;
+        }
+        catch (const qor::NullPointer&)
+        {
+            ++failures;
+            EXPECT_EQ(0, probe.balance()) << allocation;
+        }
+    }
+    EXPECT_LT(6u * 3u, failures);
+}
+
+TEST_F(ExhaustedMemory, LosesNoReferenceOfAControllerThatCannotBeShared)
+{
+    sim::MachineBuilder builder;
+    const std::string id = builder.card("Card").speaker().withoutTopology().id();
+    run(support::withoutGuids(builder.build()));
+    const qor::String text = qor::String::fromUtf8(id);
+    const AudioDevice first(text); // makes the shared enumerator
+    simulation().journal().record(false);
+    qor::LogFactory::setPriority(LoggerPriority::LOG_FATAL);
+    const sim::Census before = simulation().census();
+    unsigned int failures = 0;
+    for (unsigned int allocation = 0; allocation < 10; ++allocation)
+    {
+        AllocationProbe probe;
+        probe.failNothrow(allocation);
+        try
+        {
+            const AudioDevice device(text);
+            probe.succeed();
+        }
+        catch (const std::exception&)
+        {
+            probe.succeed();
+            ++failures;
+        }
+        EXPECT_EQ(before, simulation().census()) << allocation << ": " << simulation().census() - before;
+    }
+    EXPECT_LT(2u, failures);
+}
+
+TEST_F(ExhaustedMemory, DoesNotStopListsFromEnding)
+{
+    runCards(2);
+    {
+        AllocationProbe probe;
+        const EndpointDeviceEnumeratorCommon lists(eRender);
+        probe.failAll();
+    }
+    EXPECT_EQ(0, simulation().census().references("IMMDevice"));
+}
+
+TEST_F(ExhaustedMemory, DoesNotStopTheSharedEnumeratorFromEnding)
+{
+    runCards(2);
+    SoundCard::enumerateSystemSoundDevices();
+    {
+        AllocationProbe probe;
+        probe.failNothrow(); // the machine has memory
+
+        endModule();
+    }
+    EXPECT_EQ(sim::Census(), simulation().census());
+}
+
+TEST_F(ExhaustedMemory, DoesNotStopADeviceFromEndingThatPutsAFormatBack)
+{
+    sim::MachineBuilder builder;
+    const std::string id = builder.card("Card").speaker().withoutTopology().id();
+    run(support::withoutGuids(builder.build()));
+    simulation().journal().record(false);
+    qor::LogFactory::setPriority(LoggerPriority::LOG_FATAL);
+    const qor::String text = qor::String::fromUtf8(id);
+    const DWORD former = AudioDevice(text).deviceProperty().format.Format.nSamplesPerSec;
+    {
+        AllocationProbe probe;
+        AudioDevice device(text);
+        WAVEFORMATEXTENSIBLE format = device.deviceProperty().format;
+        format.Format.nSamplesPerSec = 44100;
+        ASSERT_TRUE(device.setFormat(format));
+        probe.failAll(); // the machine's own allocations, too: it does not answer any more
+    }
+    const AudioDevice now(text);
+    EXPECT_NE(44100u, former);
+    EXPECT_TRUE(now.isInitialized());
+}
+
+TEST_F(ExhaustedMemory, LeavesCOMAsItWasWithoutTheFacade)
+{
+    CoUninitialize(); // of the fixture, whose apartment has one thread
+    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    runCards(1);
+    { // makes the shared enumerator, which initialises COM once more
+        const libSonavit::SysInfoHelper helper;
+    }
+    const unsigned int depth = sim::comapartment::depth();
+    {
+        AllocationProbe probe;
+        probe.failNothrow(3);
+        EXPECT_THROW(libSonavit::SysInfoHelper(), std::exception);
+        probe.succeed();
+    }
+    EXPECT_EQ(depth, sim::comapartment::depth());
+    CoUninitialize();
+    CoInitialize(nullptr);
 }

@@ -1,3 +1,4 @@
+#include "sonavit/capture.h"
 #include "tests/client/watching/watchtest.h"
 #include "tests/foundation/supportallocations.h"
 
@@ -204,6 +205,24 @@ TEST_F(SystemShortOfMemory, KnowsTheTruthAfterAWalkAndAWatch)
                           static_cast<void>(audio().controls(m_id));
                           const Result<Watch> watched = audio().watch(m_card);
                       });
+}
+
+TEST_F(SystemShortOfMemory, LosesNoReferenceInACapture)
+{
+    const sim::Census before = simulation().census();
+    forEachAllocation(23, 5, onWorkerSide(),
+                      [&]
+                      {
+                          try
+                          {
+                              static_cast<void>(capture(audio()));
+                          }
+                          catch (const std::bad_alloc&)
+                          {
+                              EXPECT_EQ(before, simulation().census()) << simulation().census() - before;
+                          }
+                      });
+    EXPECT_EQ(before, simulation().census()) << simulation().census() - before;
 }
 
 TEST_F(SystemShortOfMemory, AsksNothingThatItCannotWaitFor)
