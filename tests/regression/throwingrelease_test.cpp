@@ -28,6 +28,7 @@ struct ThrowingRelease : support::VolumeResolution
         graph.mute("board", 201, false);
         graph.feed("board/1", "board/101").feed("board/101", "board/201");
         graph.node("board", 301, KSNODETYPE_MUX).selector = sim::SelectorControl{};
+        graph.machine.endpoint("out")->defaultFor = {eConsole};
         start();
         qor::LogFactory::setPriority(LoggerPriority::LOG_FATAL);
     }
@@ -134,4 +135,32 @@ TEST_F(ThrowingRelease, LeavesNoReferenceBehindInATopology)
     const COMPtr<IDeviceTopology>::pointer handle = simulation().topology("board");
 
     expectNothingLeft([&] { const AudioDeviceTopology topology(handle); });
+}
+
+TEST_F(ThrowingRelease, LeavesNoCardBehindAtTheEndOfADiscovery)
+{
+    discovered();
+    const sim::Census before = held();
+    const sim::PlannedFault fault = simulation().faults().raise("IMMDeviceEnumerator::Release").at(1);
+
+    EXPECT_THROW(SoundCard::enumerateSystemSoundDevices(), sim::InjectedException);
+
+    EXPECT_EQ(1u, fault.fired());
+    EXPECT_EQ(before.byInterface, held().byInterface);
+}
+
+TEST_F(ThrowingRelease, LeavesNoReferenceBehindInTheQuestionForTheDefault)
+{
+    const AudioDevice device(qor::String("out"));
+    const sim::Census before = held();
+
+    for (const char* const object : {"enumerator", "out"})
+    {
+        const sim::PlannedFault fault = simulation().faults().raise("Release").on(object).at(1);
+        EXPECT_THROW(device.isDefaultEndpoint(), sim::InjectedException) << object;
+        simulation().faults().clear();
+        EXPECT_EQ(1u, fault.fired());
+        EXPECT_EQ(before.byInterface, held().byInterface) << object;
+    }
+    kept.defaultDeviceIds += 2;
 }

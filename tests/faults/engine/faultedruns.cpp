@@ -39,7 +39,8 @@ Result FaultedRuns::run(std::size_t index)
 std::vector<bool> FaultedRuns::chosenCalls() const
 {
     const std::size_t count = m_calls.size();
-    const std::size_t most = std::max(m_sweep.extent.runsAtLeast, m_sweep.extent.platformCalls / (count + 1));
+    const std::size_t callsOfRun = std::max(count, m_clean.allCalls.size()); // with those that prepare it
+    const std::size_t most = std::max(m_sweep.extent.runsAtLeast, m_sweep.extent.platformCalls / (callsOfRun + 1));
     const std::size_t distance = count / most + 1;
     std::vector<bool> chosen(count, false);
     for (std::size_t i = 0; i < count; i += distance)

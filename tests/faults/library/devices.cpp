@@ -199,16 +199,13 @@ void setFormat(Run& run)
             if (hasStore)
                 isSet = device.setFormat(format);
         });
+    const bool isOpen = device.m_propertyStore.get() != nullptr;
     run.answer(yesOrNo("set", isSet));
-    if (!hasStore)
-        return;
-    if (device.m_propertyStore.get() == nullptr)
-    {
-        run.answer("no store");
+    run.answer(yesOrNo("store", isOpen));
+    if (isOpen)
+        device.setFormat(device.m_savedProperties.format);
+    else
         device.m_savedProperties = device.m_properties; // nothing is restored without one
-        return;
-    }
-    device.setFormat(device.m_savedProperties.format);
 }
 
 /// The end of a device whose format was changed.
@@ -268,7 +265,8 @@ std::vector<Operation> deviceOperations()
             onEndpoint("AudioDevice copies", copyOf, std::vector<Effect>{}),
             {"AudioDevice::setFormat", setFormat, nullptr,
              std::vector<Effect>{{"IPropertyStore::SetValue(*", "fail", "set ", "no"},
-                                 {"IMMDevice::OpenPropertyStore(*", "*", "set ", "*"}}},
+                                 {"IMMDevice::OpenPropertyStore(*", "*", "set ", "no"},
+                                 {"IMMDevice::OpenPropertyStore(*", "*", "store ", "no"}}},
             {"AudioDevice::setFormat, end", restoreFormat}};
 }
 }

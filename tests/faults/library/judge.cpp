@@ -68,12 +68,15 @@ bool isWithoutHandle(const Call& call, const sim::JournalEntries& calls)
         if (entry.object == call.entry.object)
             before = entry.call();
     }
-    return isLike(before, "IMMDevice::QueryInterface(IMMEndpoint*");
+    return call.entry.operation == "IPartsList::Release" || // the list of a signal path
+           isLikeAny(before, {"IMMDevice::QueryInterface(IMMEndpoint*", "IMMEndpoint::GetDataFlow(*"});
 }
 
 /// The handle's guard logs what comes out of Release.
-std::vector<Finding> judgeGuard(const Record& run)
+std::vector<Finding> judgeGuard(const std::string& operation, const Record& run)
 {
+    if (operation == "AudioDevice::isDefaultEndpoint") // holds its objects without handles
+        return {};
     const bool isGuarded = run.faults.size() == 1 && run.faults.front().mode == Mode::raise &&
                            !isWithoutHandle(run.faults.front().call, run.calls);
     const bool hasRecord =
@@ -90,7 +93,10 @@ std::vector<Finding> judgeReferences(const Record& run, const sim::Machine& mach
     const sim::Census further = comparable(run.left) - expected;
     if (further.empty())
         return {};
-    return {{Kind::references, "besides what is kept on purpose: " + further.describe()}};
+    std::string text = "besides what is kept on purpose: " + further.describe();
+    for (const auto& [name, count] : further.byInterface)
+        text.append("\n      ").append(std::to_string(count)).append(" on ").append(name);
+    return {{Kind::references, text}};
 }
 
 /// @p clean as the effects of the fault change it; "*" where that is not documented.
@@ -156,7 +162,7 @@ std::vector<Finding> judge(const Operation& operation, const sim::Machine& machi
                            const Record& run)
 {
     std::vector<Finding> all = judgeExceptions(operation.name, clean, run);
-    append(all, judgeGuard(run));
+    append(all, judgeGuard(operation.name, run));
     append(all, judgeReferences(run, machine));
     append(all, judgeLog(operation.name, clean, run));
     append(all, judgeAnswers(operation, machine, clean, run));

@@ -91,9 +91,9 @@ sim::Census keptAfter(const Record& run, const sim::Machine& machine)
     for (std::size_t i = 0; i < run.allCalls.size(); ++i)
     {
         const sim::JournalEntry& call = run.allCalls[i];
-        const bool isInAct = i >= run.callsBefore;
-        const bool isSuccess = call.end == sim::CallEnd::returned && SUCCEEDED(call.result) &&
-                               !(isInAct && foundNothing(call.operation, ++numbers[call.operation], run.faults));
+        const bool isInAct = i >= run.callsBefore && i < run.callsBefore + run.calls.size();
+        const bool isPlanned = isInAct && foundNothing(call.operation, ++numbers[call.operation], run.faults);
+        const bool isSuccess = call.end == sim::CallEnd::returned && SUCCEEDED(call.result) && !isPlanned;
         if (call.operation == "PropVariantClear" && !isSuccess && isClearedTag(call.arguments.front()))
             ++kept.taskMemory["IPropertyStore::GetValue " + valueOf];
         if (call.operation == "IPropertyStore::GetValue")

@@ -9,9 +9,12 @@ namespace
 {
 constexpr std::size_t pairs = 300;
 
+constexpr std::size_t platformCalls = 100'000;
+constexpr std::size_t runsAtLeast = 20;
+
 MachineChoice shipped(const std::string& name)
 {
-    return {name, [name] { return sim::findMachine(name); }, {}};
+    return {name, [name] { return sim::findMachine(name); }, {platformCalls, runsAtLeast, 0}};
 }
 
 MachineChoice built(const std::string& name, std::size_t mostPairs)

@@ -81,8 +81,10 @@ void makeComponents(Run& run)
         [&]
         {
             const AudioComponent<IConnector> component(connector);
-            const AudioComponent<IConnector> ofPart(component.part().part());
-            const AudioComponent<ISubunit> ofOtherKind(component.part().part());
+            const AudioPart itsPart = component.part();
+            const COMPtr<IPart>::pointer handle = itsPart.part(); // compilers lose what a temporary's end follows
+            const AudioComponent<IConnector> ofPart(handle);
+            const AudioComponent<ISubunit> ofOtherKind(handle);
             const AudioPart part(connector.get());
             AudioComponent<IConnector> copy(ofPart);
             copy = component;

@@ -5,6 +5,8 @@
 #include "COM/resultcode.h"
 #include "libSonavit/audiodeviceendpoint/log.h"
 
+#include <utility>
+
 namespace
 {
 /// Releases @p object and sets it to null. @return whether there was one
@@ -13,8 +15,7 @@ bool release(I*& object)
 {
     if (object == nullptr)
         return false;
-    object->Release();
-    object = nullptr;
+    std::exchange(object, nullptr)->Release();
     return true;
 }
 
@@ -28,6 +29,14 @@ public:
     explicit DefaultEndpointSearch(IMMDevice* device) : m_device(device) {}
     DefaultEndpointSearch(const DefaultEndpointSearch&) = delete;
     DefaultEndpointSearch& operator=(const DefaultEndpointSearch&) = delete;
+
+    /// Releases, without a record, what an exception out of releaseAll() has left.
+    ~DefaultEndpointSearch() noexcept(false)
+    {
+        release(m_enumerator);
+        release(m_endpoint);
+        release(m_defaultDevice);
+    }
 
     /// The caller calls releaseAll() afterwards, even after a failure.
     /// @return whether @p id holds the default endpoint's id; a failing step is logged

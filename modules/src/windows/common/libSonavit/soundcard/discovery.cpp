@@ -21,28 +21,30 @@ void enumerateSoundCards(qor::Array<BorrowedPointer<SoundCardInterface>>& cards)
 qor::Array<SoundCard> SoundCard::enumerateSystemSoundDevices()
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::enumerateSystemSoundDevices");
-    qor::OrderedHashTable<qor::String, SoundCard> deviceTable(32);
-    const libSonavit::EndpointDeviceEnumerator enumerator;
-    if (!enumerator.isInitialized())
-    {
-        SONAVIT_LOG(soundcardlog, LOG_WARNING, out.append("Faild to initialize endpoint device enumerator"));
-        return qor::Array<SoundCard>();
-    }
-    // The record side comes first, and cards keep the order of their first endpoints. Cards with a record endpoint thus
-    // precede all others; callers rely on that order.
-    for (const EDataFlow flow : {eCapture, eRender})
-    {
-        qor::Array<AudioDevice> devices;
-        const unsigned int count = enumerator.audioDevices(flow, devices);
-        for (unsigned int i = 0; i < count; ++i)
-            enumerateSystemSoundDevices(devices[i], flow, deviceTable);
-    }
-    // Not earlier: the map of a card needs the endpoints of both flows.
-    for (unsigned int i = 0; i < deviceTable.size(); ++i)
-        deviceTable.values()[i].initializeConnectorMap();
     qor::Array<SoundCard> cards;
-    appendWithTheirMaps(deviceTable.values(), cards);
-    return qor::Array<SoundCard>(cards, {}); // of two results, compilers would copy this one
+    { // whose objects end before the result is returned: compilers lose a result when an end behind that throws
+        qor::OrderedHashTable<qor::String, SoundCard> deviceTable(32);
+        const libSonavit::EndpointDeviceEnumerator enumerator;
+        if (!enumerator.isInitialized())
+        {
+            SONAVIT_LOG(soundcardlog, LOG_WARNING, out.append("Faild to initialize endpoint device enumerator"));
+            return cards;
+        }
+        // The record side comes first, and cards keep the order of their first endpoints. Cards with a record endpoint
+        // thus precede all others; callers rely on that order.
+        for (const EDataFlow flow : {eCapture, eRender})
+        {
+            qor::Array<AudioDevice> devices;
+            const unsigned int count = enumerator.audioDevices(flow, devices);
+            for (unsigned int i = 0; i < count; ++i)
+                enumerateSystemSoundDevices(devices[i], flow, deviceTable);
+        }
+        // Not earlier: the map of a card needs the endpoints of both flows.
+        for (unsigned int i = 0; i < deviceTable.size(); ++i)
+            deviceTable.values()[i].initializeConnectorMap();
+        appendWithTheirMaps(deviceTable.values(), cards);
+    }
+    return cards;
 }
 
 /// Appends copies of @p cards to the empty @p result. Each copy takes the map of its original, which ends next.
