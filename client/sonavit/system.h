@@ -113,9 +113,9 @@ private:
 /// Options::onWorkerStart and Options::wake may run, it returns Problem::Kind::wouldWait. Subscribers may call
 /// everything.
 ///
-/// End it on a thread of the program, not in one of its own subscribers, not in DllMain, not as a static object of a DLL
-/// and on Windows not as a thread_local one. Snapshots and all other values stay valid. In a child process after fork()
-/// every operation returns Problem::Kind::ended.
+/// End it on a thread of the program, not in one of its own subscribers, not in DllMain, not as a static object of a
+/// DLL and on Windows not as a thread_local one. Snapshots and all other values stay valid. In a child process after
+/// fork() every operation returns Problem::Kind::ended.
 class SONAVIT_CLIENT_API System
 {
 public:

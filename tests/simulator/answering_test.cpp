@@ -1,4 +1,5 @@
 #include "simulator/answering.h"
+
 #include "tests/simulator/bench.h"
 
 namespace
