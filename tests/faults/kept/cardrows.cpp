@@ -21,7 +21,7 @@ std::shared_ptr<Cards> discovered()
 
 /// The operation @p ask for each card of the system.
 template<class Ask>
-std::function<std::function<void()>(sim::Simulation&)> ofEachCard(const Ask& ask)
+std::function<std::function<void()>(sim::Simulation&)> ofEachCard(Ask ask)
 {
     return [ask](sim::Simulation&)
     {

@@ -24,7 +24,7 @@ std::vector<qor::String> endpointIds(const sim::Simulation& simulation)
 
 /// The operation @p ask for each endpoint of the machine.
 template<class Ask>
-std::function<std::function<void()>(sim::Simulation&)> ofEachDevice(const Ask& ask)
+std::function<std::function<void()>(sim::Simulation&)> ofEachDevice(Ask ask)
 {
     return [ask](sim::Simulation& simulation)
     {

@@ -24,7 +24,7 @@ std::shared_ptr<Topologies> adapters()
 }
 
 template<class Ask>
-std::function<std::function<void()>(sim::Simulation&)> ofEachTopology(const Ask& ask)
+std::function<std::function<void()>(sim::Simulation&)> ofEachTopology(Ask ask)
 {
     return [ask](sim::Simulation&)
     {
