@@ -125,11 +125,20 @@ Growth growthOf(const std::vector<memory::ClientCase>& cases, const sim::Machine
     for (std::size_t round = 0; round < firstRoundsOf(rounds); ++round)
         perform(round);
     static_cast<void>(audio.refresh(Depth::everything));
+    static_cast<void>(audio.graph()); // the layer keeps the latest walk for a moment
     const Watchman watchman(stage.simulation());
     for (std::size_t round = 0; round < rounds; ++round)
         perform(round);
     static_cast<void>(audio.refresh(Depth::everything));
-    return watchman.growth(rounds);
+    Growth growth;
+    for (unsigned attempt = 0; attempt < 20; ++attempt)
+    {
+        static_cast<void>(audio.graph());
+        growth = watchman.growth(rounds);
+        if (growth.empty())
+            break;
+    }
+    return growth;
 }
 
 Growth growthOfSystems(const sim::Machine& machine, unsigned rounds)
