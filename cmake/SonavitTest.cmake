@@ -15,6 +15,8 @@ mark_as_advanced(SONAVIT_TEST_TIMEOUT)
 
 option(SONAVIT_TEST_DEBUG "Debug information in the tests, which makes them longer to build" ON)
 option(SONAVIT_CLANG_FOR_TESTS "Compile tests with clang where the product's compiler is gcc: faster" OFF)
+find_program(SONAVIT_CLANG clang++)
+mark_as_advanced(SONAVIT_CLANG)
 
 # Test sources are many and run for an instant, so it is their compilation that takes time: no optimisation, and the
 # headers that all of them include are precompiled, unless there is a compiler cache, which works better without.
@@ -23,7 +25,9 @@ function(sonavit_set_test_options target)
   if(NOT MSVC)
     target_compile_options(${target} PRIVATE -O0 $<IF:$<BOOL:${SONAVIT_TEST_DEBUG}>,-g1,-g0>)
   endif()
-  if(SONAVIT_CLANG_FOR_TESTS AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  if(SONAVIT_CLANG_FOR_TESTS AND SONAVIT_CLANG AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU"
+     AND NOT CMAKE_CXX_COMPILER_LAUNCHER
+  )
     set_target_properties(
       ${target} PROPERTIES CXX_COMPILER_LAUNCHER "${PROJECT_SOURCE_DIR}/cmake/shell/testcompiler"
     )
