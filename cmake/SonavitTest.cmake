@@ -163,8 +163,8 @@ function(sonavit_add_fuzz_target source)
   sonavit_allow_private_access(fuzz_${name})
   if(SONAVIT_BUILD_TESTS)
     add_test(NAME fuzz.${name} COMMAND "${CMAKE_COMMAND}" "-DPROGRAM=$<TARGET_FILE:fuzz_${name}>"
-             "-DCORPUS=${CMAKE_CURRENT_SOURCE_DIR}/fuzz" "-DFOLDER=${CMAKE_BINARY_DIR}/fuzz" "-DTARGET=${name}"
-             -P "${CMAKE_CURRENT_SOURCE_DIR}/fuzz/briefly.cmake")
+             "-DCORPUS=${PROJECT_SOURCE_DIR}/tests/fuzz" "-DFOLDER=${CMAKE_BINARY_DIR}/fuzz" "-DTARGET=${name}"
+             -P "${PROJECT_SOURCE_DIR}/tests/fuzz/briefly.cmake")
     set_tests_properties(fuzz.${name} PROPERTIES TIMEOUT ${SONAVIT_TEST_TIMEOUT})
   endif()
 endfunction()
