@@ -14,7 +14,8 @@ namespace sim
 class Liar
 {
 public:
-    /// @param operation, object of the call; both live as long as the liar
+    /// @param operation of the call; it and @p object live as long as the liar
+    /// @param object of the call
     Liar(const Lie& lie, const State& state, const char* operation, const std::string& object)
         : m_lie(lie),
           m_state(state),
