@@ -19,7 +19,7 @@ public:
 
     bool isLoaded() const { return m_handle != nullptr; }
 
-    /// Whether the process has a module of that file, whoever has loaded it.
+    /// Whether the process has a module of that file, by any loader.
     static bool isLoaded(const char* file)
     {
 #if defined(_WIN32)

@@ -245,7 +245,7 @@ TEST_F(SystemHardware, NamesTheFailingCallThatHidesASelector)
     EXPECT_EQ(result.problem().operation(), "IDeviceTopology::GetSubunitCount");
 }
 
-/// The selection is published before the selectors are read again, and nobody else has the snapshot before it.
+/// The selection is published before the selectors are read again, and no other owner has the snapshot before it.
 TEST_F(SystemHardware, ChoosesAnInputOfAWatchedCardAmongAllCards)
 {
     System& system = start("studio");

@@ -150,7 +150,7 @@ Ways statics()
 {
 #if defined(_WIN32)
     const std::string living = ", cards"; // the runtime does not end what the main thread has
-    // COM tells of the helper's end, too.
+    // COM announces the helper's end, too.
     const Lines helper = {"has none", "ends", "CoUninitialize", "left: 12 strings, cards, clients"};
 #else
     const std::string living;

@@ -1,5 +1,5 @@
 /// @file
-/// A way to end a process, and what must come of it.
+/// A way to end a process, and its required result.
 #pragma once
 
 #include "tests/unloading/events.h"

@@ -23,7 +23,7 @@ struct Answers
 
 /// The helper's destructor uninitialises COM even if its constructor could not initialise it, as on this thread, which
 /// is in an apartment of another kind. The initialisation here makes up for that; without it the helper would leave the
-/// apartment of somebody else.
+/// apartment of another caller.
 Answers askHelper(const std::string& instanceId)
 {
     const HRESULT entered = CoInitialize(nullptr);
