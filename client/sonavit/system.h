@@ -113,9 +113,10 @@ private:
 /// Options::onWorkerStart and Options::wake may run, it returns Problem::Kind::wouldWait. Subscribers may call
 /// everything.
 ///
-/// End it on a thread of the program, not in one of its own subscribers, not in DllMain, not as a static object of a
-/// DLL and on Windows not as a thread_local one. Snapshots and all other values stay valid. In a child process after
-/// fork() every operation returns Problem::Kind::ended.
+/// End it on a thread of the program, not in one of its own subscribers, and on Windows not where the lock of the
+/// loader is held: in DllMain, as a static object of a DLL, or as a thread_local one. There the destructor may wait in
+/// vain, though for no longer than Options::patience and two seconds, and the thread may never end after it. Snapshots
+/// and all other values stay valid. In a child process after fork() every operation returns Problem::Kind::ended.
 class SONAVIT_CLIENT_API System
 {
 public:
@@ -162,9 +163,9 @@ public:
     Result<Reference> refer(const EndpointId& endpoint) const;
     Resolution resolve(const Reference& reference) const;
 
-    // These ask the hardware and wait for it. Problem::Kind::notThere for an endpoint or a card that does not exist.
-    // What a failing call hides from the walk is missing in both lists; the problems of graph() and of a watched card
-    // name that call.
+    // These ask the hardware and wait for it. Problem::Kind::notThere for an endpoint or a card that does not exist; if
+    // the platform fails to list all endpoints, the Problem names that call. What a failing call hides from the walk is
+    // missing in both lists; the problems of graph() and of a watched card name that call.
 
     /// The levels in the hardware that act on an endpoint, those next to its jack first.
     Result<std::vector<Control>> controls(const EndpointId& endpoint) const;

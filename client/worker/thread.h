@@ -12,7 +12,9 @@ class Thread
 {
 public:
     virtual ~Thread() = default;
-    /// Waits for the end of the thread, after its function has returned.
+    /// Waits for the end of the thread, after its function has returned. On Windows it gives up after a second: no
+    /// thread can end while another one holds the lock of the loader, and that may be the caller, whose thread_local
+    /// objects or whose DLL end. The thread then ends by itself, and keeps its module until then.
     virtual void join() = 0;
     /// Leaves it alone.
     virtual void detach() noexcept = 0;

@@ -9,6 +9,8 @@ namespace sonavit::worker
 {
 namespace
 {
+constexpr DWORD longestEnd = 1000; // milliseconds
+
 [[noreturn]] void raise(const char* what)
 {
     throw std::system_error(static_cast<int>(GetLastError()), std::system_category(), what);
@@ -45,7 +47,7 @@ public:
     ModuleThread(const ModuleThread&) = delete;
     ModuleThread& operator=(const ModuleThread&) = delete;
 
-    void join() override { WaitForSingleObject(m_handle, INFINITE); }
+    void join() override { WaitForSingleObject(m_handle, longestEnd); }
     void detach() noexcept override {}
 
     HANDLE m_handle = nullptr;

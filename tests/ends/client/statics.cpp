@@ -5,6 +5,10 @@
 #include <optional>
 #include <thread>
 
+#if defined(_WIN32)
+#include <windows.h>
+#endif
+
 using namespace sonavit;
 
 namespace ends
@@ -120,6 +124,24 @@ void endAThreadWithAThreadLocal()
         .join();
     printLine("the thread ends");
 }
+#else
+/// Ends a System where the lock of the loader is held, and the process at once after that.
+struct EndedByItsThread
+{
+    std::unique_ptr<System> system;
+
+    ~EndedByItsThread()
+    {
+        system.reset();
+        printLine("ended");
+        TerminateProcess(GetCurrentProcess(), 0);
+    }
+};
+
+void endASystemWithItsThread()
+{
+    std::thread([] { thread_local const EndedByItsThread ended{beginSystem()}; }).join();
+}
 #endif
 }
 
@@ -140,6 +162,8 @@ Ways statics()
     ways.push_back({"thread_local_system", Lines{"3 cards"} + inOrder, &returnWithAThreadLocal});
     ways.push_back({"thread_local_system_of_another_thread", Lines{"3 cards", "the thread ends"} + inOrder,
                     &endAThreadWithAThreadLocal});
+#else
+    ways.push_back({"thread_local_system_does_not_wait_for_ever", Lines{"3 cards", "ended"}, &endASystemWithItsThread});
 #endif
     return ways;
 }
