@@ -16,6 +16,7 @@ ARITHMETIC = {"+": "-", "-": "+", "*": "/", "/": "*", "%": "/", "|": "&", "+=": 
               "|=": "&="}
 PRIORITIES = {"LOG_DEBUG": "LOG_INFO", "LOG_INFO": "LOG_WARNING", "LOG_WARNING": "LOG_ERROR", "LOG_ERROR": "LOG_WARNING",
               "LOG_FATAL": "LOG_ERROR"}
+CASTS = ("static_cast", "reinterpret_cast", "const_cast", "sizeof")
 BOOLEANS = {"true": "false", "false": "true"}
 RELEASES = re.compile(r"delete|Release|CoTaskMemFree|CoUninitialize|PropVariantClear|CloseHandle|free|unlock|join|detach|stop|"
                       r"(un[rR]egister|Unregister|remove|clear|close|reset|release|destroy|erase|end|pop)\w*")
@@ -170,7 +171,7 @@ class _Finder:
         if {one.kind, other.kind} != {"assignment"}:
             return False
         texts = [[token.text for token in self.tokens[each.first:each.last]] for each in (one, other)]
-        if any({"(", "++", "--"} & set(each) for each in texts):
+        if any({"++", "--"} & set(each) or each.count("(") > sum(each.count(cast) for cast in CASTS) for each in texts):
             return False
         targets = [" ".join(each[:next(index for index, text in enumerate(each) if text in ASSIGNMENTS)]) for each in texts]
         return all(f" {target} " not in f" {' '.join(text)} " for target, text in zip(targets, reversed(texts)))

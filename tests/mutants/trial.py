@@ -33,6 +33,11 @@ def _seconds(tests):
     return 20 + 10 * sum(test.seconds for test in tests)
 
 
+def _first(plan, path):
+    """The tests of the first batches, for what takes long."""
+    return [test for batch in order.batches(plan.tests, path)[:2] for test in batch]
+
+
 class Trial:
     """coverages has the coverage of each program by name. Several threads may try changes, each in a folder of its own."""
 
@@ -99,9 +104,9 @@ class Trial:
         return original is None and again is not None
 
     def _killing_alone(self, plan, tried):
-        """The test that fails in a process of its own; only those of the first batches are asked."""
+        """The test that fails in a process of its own."""
         program = self._maker.program(plan, tried)
-        for test in [test for batch in order.batches(plan.tests, tried.path)[:2] for test in batch]:
+        for test in _first(plan, tried.path):
             killing = failure(run_tests(program, [test.name], tried.folder, _seconds([test])), 1)
             if killing is not None:
                 return killing
@@ -115,9 +120,10 @@ class Trial:
             program = self._maker.program(plan, attempt, SANITIZED)
             if program is None:
                 return None
-            outcome = run_tests(program, [test.name for test in plan.tests], tried.folder, 5 * _seconds(plan.tests),
-                                SANITIZED_LIMITS, ASAN_OPTIONS=SANITIZER_OPTIONS)
-            return failure(outcome, len(plan.tests))
+            tests = _first(plan, tried.path)
+            outcome = run_tests(program, [test.name for test in tests], tried.folder, 5 * _seconds(tests), SANITIZED_LIMITS,
+                                ASAN_OPTIONS=SANITIZER_OPTIONS)
+            return failure(outcome, len(tests))
 
         test = failing(tried)
         return test if test is not None and failing(tried.original) is None else None
