@@ -104,26 +104,16 @@ function(sonavit_add_test name)
     sonavit_precompile(${name} PRIVATE ${SONAVIT_TEST_HEADERS} ${arg_PRECOMPILE})
   endif()
 
-  if(CMAKE_CROSSCOMPILING_EMULATOR OR SONAVIT_SANITIZE OR SONAVIT_COVERAGE)
-    sonavit_discover_suites(${name} ${arg_ASAN_OPTIONS})
-  else()
-    gtest_discover_tests(
-      ${name}
-      DISCOVERY_MODE PRE_TEST
-      DISCOVERY_TIMEOUT 60
-      TEST_PREFIX "${name}:"
-      PROPERTIES TIMEOUT ${SONAVIT_TEST_TIMEOUT}
-    )
-  endif()
+  sonavit_discover_suites(${name} ${arg_ASAN_OPTIONS})
 endfunction()
 
-# One ctest entry for each suite of an executable, found when ctest starts. Further arguments are options of
+# Entries of ctest for the suites of an executable, found when ctest starts. Further arguments are options of
 # AddressSanitizer.
 function(sonavit_discover_suites name)
   set(environment)
   if(SONAVIT_SANITIZE)
     set(asanOptions detect_stack_use_after_return=1 strict_string_checks=1 check_initialization_order=1
-                    malloc_context_size=10 ${ARGN}
+                    malloc_context_size=5 ${ARGN}
     )
     list(JOIN asanOptions ":" asanOptions)
     set(environment
