@@ -1,5 +1,4 @@
-# Tests. Loggers and the shared enumerator are process-wide, so natively each test runs in a process of its own. Under an
-# emulator (Wine) and with instrumentation, where a process takes long to start, each suite does.
+# Tests. Loggers and the shared enumerator are process-wide: each test leaves them as it has found them.
 #
 #   sonavit_add_test(<name> SOURCES <file>... [LIBRARIES <target>...] [WINDOWS_ONLY] [NO_PRIVATE_ACCESS]
 #                    [PRECOMPILE <header>... | PRECOMPILED <target>] [ASAN_OPTIONS <option>...])
@@ -8,8 +7,6 @@
 # Test sources may reach private operations (-fno-access-control) unless NO_PRIVATE_ACCESS is given. PRECOMPILE names
 # headers that many of them read; several tests share what sonavit_add_precompiled has precompiled. ASAN_OPTIONS are added
 # to those that all tests have.
-include(GoogleTest)
-
 set(SONAVIT_TEST_TIMEOUT 300 CACHE STRING "Seconds after which a test has failed")
 mark_as_advanced(SONAVIT_TEST_TIMEOUT)
 
