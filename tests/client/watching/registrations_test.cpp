@@ -69,7 +69,21 @@ TEST_F(RegistrationEnd, KeepsTheListenerForGoodIfThePlatformRefuses)
     EXPECT_TRUE(m_alarm->isRung);
     simulation().faults().clear();
     EXPECT_EQ(S_OK, m_volume->UnregisterControlChangeNotify(listener));
-    listener->Release();
+}
+
+TEST_F(RegistrationEnd, KeepsAllListenersWithinReach)
+{
+    simulation().faults().fail("IAudioEndpointVolume::UnregisterControlChangeNotify");
+    VolumeListener* former = nullptr;
+    for (int i = 0; i < 2; ++i)
+    {
+        VolumeRegistration registration = registerForVolume(*m_volume, m_inbox, m_endpoint);
+        VolumeListener* const listener = registration.m_listener;
+        registration.end();
+
+        EXPECT_TRUE(former == nullptr || listener->m_nextKept == former);
+        former = listener;
+    }
 }
 
 TEST_F(RegistrationEnd, DoesNothingIfTheRegistrationHasFailed)
