@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <vector>
 
 using namespace sonavit;
 using namespace sonavit::watching;
@@ -74,16 +75,17 @@ TEST_F(RegistrationEnd, KeepsTheListenerForGoodIfThePlatformRefuses)
 TEST_F(RegistrationEnd, KeepsAllListenersWithinReach)
 {
     simulation().faults().fail("IAudioEndpointVolume::UnregisterControlChangeNotify");
-    VolumeListener* former = nullptr;
+    std::vector<VolumeListener*> listeners;
     for (int i = 0; i < 2; ++i)
     {
         VolumeRegistration registration = registerForVolume(*m_volume, m_inbox, m_endpoint);
-        VolumeListener* const listener = registration.m_listener;
-        registration.end();
-
-        EXPECT_TRUE(former == nullptr || listener->m_nextKept == former);
-        former = listener;
+        listeners.push_back(registration.m_listener);
     }
+
+    EXPECT_EQ(listeners[0], listeners[1]->m_nextKept);
+    simulation().faults().clear();
+    for (VolumeListener* const listener : listeners)
+        EXPECT_EQ(S_OK, m_volume->UnregisterControlChangeNotify(listener));
 }
 
 TEST_F(RegistrationEnd, DoesNothingIfTheRegistrationHasFailed)

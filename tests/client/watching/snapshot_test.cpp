@@ -79,7 +79,7 @@ TEST_F(SnapshotOfTwoCases, HasTheFirstOneAsSoonAsTheListHasItAgain)
 {
     play("broken").deliverAtOnce(true);
     failTheFirstOnesItem();
-    const System audio(polledOptions());
+    System audio(polledOptions());
     EXPECT_EQ(upper, written(audio.snapshot()));
     simulation().faults().clear();
 
