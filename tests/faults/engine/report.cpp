@@ -82,8 +82,9 @@ void Report::conclude(const std::string& part, bool isWhole)
     for (const auto& [machine, extent] : m_extents[part])
     {
         if (extent.tried != extent.calls)
-            m_output << part << " on " << machine << ": " << grouped(extent.tried) << " of " << grouped(extent.calls)
-                     << " calls fail, the first and the last of each kind and calls at equal distances\n";
+            m_output
+                << part << " on " << machine << ": " << grouped(extent.tried) << " of " << grouped(extent.calls)
+                << " calls fail, those at equal distances and on small machines the first and the last of each kind\n";
     }
     const auto known = std::find_if(m_parts.begin(), m_parts.end(), [&](const Part& p) { return p.name == part; });
     if (isWhole && known != m_parts.end())
