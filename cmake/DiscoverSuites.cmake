@@ -18,7 +18,7 @@ elseif(NOT EXISTS "${list}" OR "${program}" IS_NEWER_THAN "${list}")
   endif()
 
   # A suite is a line "Name." at the left edge, perhaps with a comment on its type; its tests are indented.
-  string(REPLACE ";" "," output "${output}")
+  string(REGEX REPLACE "[][;]" "," output "${output}") # of values of parameters; they have a meaning in CMake's lists
   string(REGEX MATCHALL "[^\r\n]+" lines "${output}")
   set(suites)
   set(suite)
