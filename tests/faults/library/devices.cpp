@@ -240,7 +240,7 @@ std::vector<Operation> deviceOperations()
                        std::vector<Effect>{{"IMMDevice::OpenPropertyStore(*", "*", "read ", "no"},
                                            {"IMMDevice::GetState(*", "null", "state ", "0"},
                                            {"CLSIDFromString(*", "*", "sound ", "*"},
-                                           {"IPropertyStore::GetValue(directSoundGuid*", "null", "sound ", "*"},
+                                           {"IPropertyStore::GetValue(endpointGuid*", "null", "sound ", "*"},
                                            {"IConnector::*", "*", "jack ", "*"},
                                            {"IPart::GetSubType(*", "*", "jack ", "*"}}),
             onEndpoint("AudioDevice::refreshDeviceState", refreshState,
