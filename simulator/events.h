@@ -22,7 +22,8 @@ class State;
 /// each default that another endpoint has now, by one OnDefaultDeviceChanged for each role; its id is null if no
 /// endpoint is left. A default that stays where it is causes none.
 ///
-/// The announce… operations notify the clients and change nothing; they accept any id, and no value as a null pointer.
+/// The announce… operations notify the clients and change nothing; they accept any id. Without a value the clients
+/// receive a null pointer.
 class Events
 {
 public:

@@ -16,8 +16,8 @@ namespace sim
 class Lie
 {
 public:
-    /// In place of numbers, enumerations and truth values, and of the number of a VT_UI4. Shorter ones get its low
-    /// bits.
+    /// In place of whole numbers, enumerations and truth values, and of the number of a VT_UI4. Shorter ones get its
+    /// low bits. Levels and ranges stay as they are.
     static Lie ofNumber(std::uint64_t number);
     /// In place of strings, and of the string of a VT_LPWSTR: units of UTF-16, which need not be characters. Without a
     /// value it is a null pointer.

@@ -93,6 +93,11 @@ Restoring::Restoring(watching::Watcher& watcher, ChangeToken token)
 RestoreReport Restoring::restore(const Settings& settings)
 {
     m_places = placesOf(settings, m_snapshot);
+    for (Place& place : m_places)
+    {
+        if (!place.now)
+            place.now = m_watcher.orUnlisted(place.now.problem());
+    }
     walkHardware();
     // The hardware comes first: where a control implements the volume of an endpoint, that volume decides. The report
     // has the order of the file nevertheless.
@@ -217,7 +222,8 @@ void Restoring::restoreSelectors(const Place& place)
             const reading::Handle<IAudioInputSelector> platform = (*m_walk)->selector(found->id);
             if (platform.get() == nullptr)
                 return reading::orHidingFailure(**m_walk, notThere(setting.id, "the selector cannot be opened"));
-            return choose(*found, *platform, *input, context);
+            const Result<Done> chosen = choose(*found, *platform, *input, context);
+            return chosen ? chosen : Result<Done>(reading::orHidingFailure(**m_walk, chosen.problem()));
         };
         note(place, nameOrId(setting), restored(), context);
         if (context.hasChanged())
@@ -256,7 +262,7 @@ Result<Selector> Restoring::selector(const Place& place, const SelectorSetting& 
         return *found;
     Result<Selector> named =
         onlyOne(selectors, setting.name, [&](const Selector& selector) { return selector.title() == setting.name; });
-    return named ? named : Result<Selector>(reading::orHidingFailure(**m_walk, named.problem()));
+    return named ? named : Result<Selector>(m_watcher.orUnlisted(reading::orHidingFailure(**m_walk, named.problem())));
 }
 
 template<class T>

@@ -77,8 +77,8 @@ ChangeOfControl levelChange(const LevelChange& change)
     {
         const reading::Handle<IAudioVolumeLevel> level = walk.level(control.id);
         if (level.get() == nullptr)
-            return Problem(Problem::Kind::notSupported, "setControl", control.id.text(),
-                           "the control has no level any more");
+            return reading::orHidingFailure(walk, Problem(Problem::Kind::notSupported, "setControl", control.id.text(),
+                                                          "the control has no level any more"));
         return changing::changeControl(control, *level, change, context);
     };
 }
@@ -89,8 +89,9 @@ ChangeOfControl muteChange(bool isMuted)
     {
         const reading::Handle<IAudioMute> mute = walk.mute(control.id);
         if (mute.get() == nullptr)
-            return Problem(Problem::Kind::notSupported, "setControlMute", control.id.text(),
-                           "the control " + text::quoted(control.title()) + " has no mute");
+            return reading::orHidingFailure(walk,
+                                            Problem(Problem::Kind::notSupported, "setControlMute", control.id.text(),
+                                                    "the control " + text::quoted(control.title()) + " has no mute"));
         return changing::changeControlMute(control, *mute, isMuted, context);
     };
 }
@@ -114,7 +115,7 @@ Result<Control> changeOneControl(Watcher& watcher, const std::string& operation,
     if (card && context.isUsed())
         watcher.publishHardwareChange(card->id(), token);
     if (!done)
-        return told(Result<Control>(reading::orHidingFailure(**walk, done.problem())), context, token);
+        return told(Result<Control>(done.problem()), context, token);
     return told(controlOf((*walk)->controls(endpoint), control->id, operation), context, token);
 }
 
@@ -175,7 +176,7 @@ Result<Selector> selectIn(Watcher& watcher, const std::vector<Card>& cards, cons
     const Selectors all = selectorsOf(**walk, cards);
     const Result<Selector> selector = reading::selectorNamed(all.selectors, name);
     if (!selector)
-        return reading::orHidingFailure(**walk, selector.problem());
+        return watcher.orUnlisted(reading::orHidingFailure(**walk, selector.problem()));
     const ChangeToken token = watcher.newToken();
     ChangeContext context(watcher.contextOf(token));
     const Result<Done> done = choose(**walk, *selector, input, context);

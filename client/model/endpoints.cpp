@@ -5,8 +5,10 @@
 #include "client/model/endpointvolume.h"
 #include "client/model/format.h"
 #include "client/model/values.h"
+#include "client/reading/judge.h"
 #include "libSonavit/endpointdeviceenumerator.h"
 #include "platform/propertykeys.h"
+#include "sonavit/defaultcalls.h"
 
 #include <utility>
 
@@ -49,6 +51,13 @@ std::optional<State> stateOf(DWORD state)
     }
 }
 
+/// @p result, but a failure if the call stores nothing in spite of its success.
+template<class T>
+HRESULT withResult(HRESULT result, const T* stored)
+{
+    return SUCCEEDED(result) && stored == nullptr ? E_POINTER : result;
+}
+
 /// The present state. The platform is asked because the object model's answer does not show a failure.
 std::optional<State> readState(IMMDevice& device, Judge judge)
 {
@@ -64,7 +73,7 @@ COMPtr<IPropertyStore>::pointer openStore(IMMDevice& device, Judge judge)
     IPropertyStore* store = nullptr;
     const HRESULT result = device.OpenPropertyStore(STGM_READ, &store);
     const COMPtr<IPropertyStore>::pointer holder(store);
-    if (!judge.passes(SUCCEEDED(result) && store == nullptr ? E_POINTER : result, "IMMDevice::OpenPropertyStore"))
+    if (!judge.passes(withResult(result, store), "IMMDevice::OpenPropertyStore"))
         return {};
     return holder;
 }
@@ -132,22 +141,25 @@ void addListedValues(AudioDevice& device, Endpoint::Content& content)
         content.waveId = waveId;
 }
 
-/// The id of a default; empty if there is none. The object model asks for the console role alone.
+/// The id of a default; empty if there is none, or if it is not known. The object model asks for the console role
+/// alone.
 EndpointId readDefault(IMMDeviceEnumerator& enumerator, Flow flow, Role role, Judge judge)
 {
     static constexpr std::array<ERole, 3> roles = {eConsole, eMultimedia, eCommunications};
+    const char* const arguments = argumentsOf(flow, role);
     IMMDevice* device = nullptr;
     const HRESULT result =
         enumerator.GetDefaultAudioEndpoint(platformFlow(flow), roles[static_cast<std::size_t>(role)], &device);
     const COMPtr<IMMDevice>::pointer holder(device);
-    if (result == notFound || !judge.passes(result, "IMMDeviceEnumerator::GetDefaultAudioEndpoint"))
+    if (result == notFound || !judge.passes(withResult(result, device), callForDefault, arguments))
         return {};
-    if (!judge.passes(device == nullptr ? E_POINTER : S_OK, "IMMDeviceEnumerator::GetDefaultAudioEndpoint"))
+    TaskText text(TaskText::NullText::skipped);
+    const HRESULT idResult = device->GetId(text.put());
+    if (!judge.passes(withResult(idResult, text.get()), callForIdOfDefault, arguments))
         return {};
-    TaskText id(TaskText::NullText::skipped);
-    if (!judge.passes(device->GetId(id.put()), "IMMDevice::GetId"))
-        return {};
-    return EndpointId(qor::String(platform::ucs2(id.get())).toUtf8());
+    EndpointId id(qor::String(platform::ucs2(text.get())).toUtf8());
+    judge.passes(id.isEmpty() ? reading::invalidData : S_OK, callForIdOfDefault, arguments);
+    return id;
 }
 
 Defaults readDefaults(IMMDeviceEnumerator& enumerator, Judge judge)

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <iterator>
+#include <string>
+#include <utility>
 
 namespace sonavit::model
 {
@@ -39,10 +41,14 @@ std::string folded(std::string text)
     return text;
 }
 
-bool Judge::passes(HRESULT result, const char* operation)
+bool Judge::passes(HRESULT result, const char* operation, const char* arguments)
 {
-    if (FAILED(result))
-        m_problems.push_back(Problem::ofCall(operation, m_object, static_cast<std::int32_t>(result)));
-    return SUCCEEDED(result);
+    if (SUCCEEDED(result))
+        return true;
+    std::string call = operation;
+    if (arguments != nullptr)
+        call.append("(").append(arguments).append(")");
+    m_problems.push_back(Problem::ofCall(std::move(call), m_object, static_cast<std::int32_t>(result)));
+    return false;
 }
 }

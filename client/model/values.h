@@ -33,7 +33,8 @@ public:
 
     /// Whether the call has succeeded. A failure becomes a problem.
     /// @param operation "IMMDevice::GetState"
-    bool passes(HRESULT result, const char* operation);
+    /// @param arguments what distinguishes it from other calls of the operation, if that matters
+    bool passes(HRESULT result, const char* operation, const char* arguments = nullptr);
 
 private:
     const std::string& m_object;

@@ -3,6 +3,7 @@
 #include "client/reading/endpointreading.h"
 #include "client/reading/judge.h"
 #include "client/reading/text.h"
+#include "sonavit/defaultcalls.h"
 #include "sonavit/idindex.h"
 
 #include <array>
@@ -160,18 +161,24 @@ Result<Flow> readFlow(IMMDevice& device, const EndpointId& id)
     return flow == eRender ? Flow::output : Flow::input;
 }
 
-/// The id of a default; empty if there is none.
-EndpointId readDefault(IMMDeviceEnumerator& enumerator, EDataFlow flow, ERole role, const char* question, Judge& judge)
+/// The id of a default; empty if there is none, or if it is not known.
+EndpointId readDefault(IMMDeviceEnumerator& enumerator, Flow flow, Role role, Judge& judge)
 {
-    IMMDevice* endpoint = nullptr;
-    const HRESULT result = enumerator.GetDefaultAudioEndpoint(flow, role, &endpoint);
-    if (!judge.gives(result, endpoint, {"IMMDeviceEnumerator::GetDefaultAudioEndpoint", question}, {E_NOTFOUND}))
+    static constexpr std::array<ERole, 3> platformRoles = {eConsole, eMultimedia, eCommunications};
+    const char* const arguments = argumentsOf(flow, role);
+    IMMDevice* device = nullptr;
+    const HRESULT result =
+        enumerator.GetDefaultAudioEndpoint(platformFlow(flow), platformRoles[static_cast<std::size_t>(role)], &device);
+    if (!judge.gives(result, device, {callForDefault, arguments}, {E_NOTFOUND}))
         return {};
-    const Handle<IMMDevice> holder(endpoint);
-    TaskText id(TaskText::NullText::skipped);
-    if (!judge.gives(endpoint->GetId(id.put()), *id.put(), {"IMMDevice::GetId", question}))
+    const Handle<IMMDevice> holder(device);
+    TaskText text(TaskText::NullText::skipped);
+    if (!judge.gives(device->GetId(text.put()), *text.put(), {callForIdOfDefault, arguments}))
         return {};
-    return EndpointId(utf8(id.get()));
+    EndpointId id(utf8(text.get()));
+    if (id.isEmpty())
+        judge.fails(invalidData, {callForIdOfDefault, arguments});
+    return id;
 }
 }
 
@@ -208,17 +215,13 @@ Result<EndpointReading> openEndpoint(IMMDeviceEnumerator& enumerator, const Endp
 
 Defaults readDefaults(IMMDeviceEnumerator& enumerator)
 {
-    static constexpr std::array<std::array<const char*, 3>, 2> questions = {
-        {{"eRender, eConsole", "eRender, eMultimedia", "eRender, eCommunications"},
-         {"eCapture, eConsole", "eCapture, eMultimedia", "eCapture, eCommunications"}}};
-    static constexpr std::array<ERole, 3> roles = {eConsole, eMultimedia, eCommunications};
     Defaults defaults;
     Judge judge(noObject(), defaults.problems);
-    for (std::size_t flow = 0; flow < allFlows.size(); ++flow)
+    for (const Flow flow : allFlows)
     {
-        for (std::size_t role = 0; role < roles.size(); ++role)
-            defaults.ids[flow][role] =
-                readDefault(enumerator, platformFlow(allFlows[flow]), roles[role], questions[flow][role], judge);
+        for (const Role role : allRoles)
+            defaults.ids[static_cast<std::size_t>(flow)][static_cast<std::size_t>(role)] =
+                readDefault(enumerator, flow, role, judge);
     }
     return defaults;
 }

@@ -10,6 +10,14 @@
 
 namespace sonavit::reading
 {
+namespace
+{
+bool isOfCall(const Problem& problem) noexcept
+{
+    return problem.kind() == Problem::Kind::platform;
+}
+}
+
 /// The walked hardware, and the endpoints of the cards.
 struct HardwareWalk::State
 {
@@ -68,27 +76,23 @@ Hardware HardwareWalk::hardware(const CardId& card) const
 
 bool HardwareWalk::hasFailures() const noexcept
 {
-    return hasProblems([](const Problem& problem) noexcept { return problem.kind() == Problem::Kind::platform; });
+    return hasProblems(isOfCall);
 }
 
 std::optional<Problem> HardwareWalk::firstFailure() const
 {
-    const HardwareMap& map = m_state->map;
-    std::optional<Problem> first;
-    const auto search = [&](const auto& all)
+    const auto firstOf = [](const auto& all) -> std::optional<Problem>
     {
         for (const auto& each : all)
         {
-            for (const Problem& problem : each.problems)
-            {
-                if (!first && problem.kind() == Problem::Kind::platform)
-                    first = problem;
-            }
+            const auto found = std::find_if(each.problems.begin(), each.problems.end(), isOfCall);
+            if (found != each.problems.end())
+                return *found;
         }
+        return std::nullopt;
     };
-    search(map.devices);
-    search(map.parts);
-    return first;
+    std::optional<Problem> ofDevice = firstOf(m_state->map.devices);
+    return ofDevice ? ofDevice : firstOf(m_state->map.parts);
 }
 
 bool HardwareWalk::hasProblems(bool (*isMeant)(const Problem& problem) noexcept) const noexcept
@@ -152,13 +156,16 @@ std::vector<HardwareWalk::ChangingControl> HardwareWalk::changingControls(const 
     return parts;
 }
 
+Problem hiding(const Problem& failure, const Problem& missing, const char* where)
+{
+    return Problem::ofCall(failure.operation(), failure.object(), failure.code(),
+                           missing.sentence() + " " + where + ": " + failure.sentence());
+}
+
 Problem orHidingFailure(const HardwareWalk& walk, const Problem& problem)
 {
     const bool isMissing = problem.kind() == Problem::Kind::notThere || problem.kind() == Problem::Kind::notSupported;
     const std::optional<Problem> failure = isMissing ? walk.firstFailure() : std::nullopt;
-    if (!failure)
-        return problem;
-    return Problem::ofCall(failure->operation(), failure->object(), failure->code(),
-                           problem.sentence() + " in the hardware that can be read: " + failure->sentence());
+    return failure ? hiding(*failure, problem, "in the hardware that can be read") : problem;
 }
 }

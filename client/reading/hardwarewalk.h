@@ -44,11 +44,10 @@ public:
     Hardware hardware(const CardId& card) const;
     /// Whether a platform call has failed so far, but for those that read levels, mutes and selections.
     bool hasFailures() const noexcept;
+    /// The problem with such a call: the first one with a device, or else with a part. No value if none has failed.
+    std::optional<Problem> firstFailure() const;
     /// Whether one of the problems so far, but for those of levels, mutes and selections, is what @p isMeant looks for.
     bool hasProblems(bool (*isMeant)(const Problem& problem) noexcept) const noexcept;
-
-    /// The first platform call that has failed so far, with the same exceptions.
-    std::optional<Problem> firstFailure() const;
 
     /// The platform's objects of a control or a selector of the walk; nil if there is none.
     Handle<IAudioVolumeLevel> level(const ControlId& control) const;
@@ -69,8 +68,12 @@ private:
     std::unique_ptr<State> m_state;
 };
 
-/// @p problem as it is, unless it misses something that a failure of the walk may hide: then that failure. An operation
-/// that looks for a part must not say that there is none if it could not see all of them.
+/// The failing call that hides what another problem misses, with a sentence about both.
+/// @param where the thing is missing: "in the hardware that can be read"
+Problem hiding(const Problem& failure, const Problem& missing, const char* where);
+/// @p problem as it is, unless it misses something (Problem::Kind::notThere, Kind::notSupported) and a call of the walk
+/// has failed: then that failure. An operation that looks for a part must not say that there is none if it could not
+/// see all of them.
 Problem orHidingFailure(const HardwareWalk& walk, const Problem& problem);
 
 /// The control of that id or name, see System::setControl(); the same for selectors and inputs.

@@ -154,7 +154,8 @@ public:
     /// No value for a state that the platform fails to report, or that is none of the four.
     std::optional<State> state() const noexcept { return m_content->state; }
     bool isActive() const noexcept { return m_content->state == State::active; }
-    /// The roles for which it is the default of its flow, see Snapshot::defaultEndpoint().
+    /// The roles for which it is the default of its flow, as far as the platform reports that; see
+    /// Snapshot::defaultEndpoint() and Snapshot::problemWithDefault().
     Roles roles() const noexcept { return m_content->roles; }
     /// The jacks behind it, at least one if the kind or the form factor is known. Several belong to one output with
     /// many channels.

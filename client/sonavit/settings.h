@@ -91,7 +91,7 @@ struct RestoredSetting
         restored,  ///< as near as the steps of the hardware allow
         unchanged, ///< it was so already, or is no nearer now: no level is another one than before
         notFound,  ///< there is no such endpoint, control, selector or input now, it is ambiguous, or it has no level
-        failed     ///< the platform refused, or the level is outside the range
+        failed     ///< the platform refused, a failing call may hide it, or the level is outside the range
     };
 
     std::string what; ///< "Speakers (Analog Audio): volume"

@@ -1,5 +1,6 @@
 #include "sonavit/snapshot.h"
 
+#include "sonavit/defaultcalls.h"
 #include "sonavit/enumnames.h"
 #include "sonavit/text.h"
 
@@ -37,6 +38,11 @@ std::optional<CardEndpoint> placeOf(const std::vector<Card>& cards, const Endpoi
     }
     return std::nullopt;
 }
+
+bool areNamed(Flow flow, Role role)
+{
+    return static_cast<unsigned>(flow) < allFlows.size() && static_cast<unsigned>(role) < allRoles.size();
+}
 }
 
 Snapshot::Snapshot() : Snapshot(Content()) {}
@@ -71,11 +77,22 @@ std::optional<Card> Snapshot::cardOf(const EndpointId& id) const
 
 std::optional<Endpoint> Snapshot::defaultEndpoint(Flow flow, Role role) const
 {
-    const auto flowNumber = static_cast<unsigned>(flow);
-    const auto roleNumber = static_cast<unsigned>(role);
-    if (flowNumber >= allFlows.size() || roleNumber >= allRoles.size())
+    if (!areNamed(flow, role))
         return std::nullopt;
-    return endpoint(m_content->defaults[flowNumber][roleNumber]);
+    return endpoint(m_content->defaults[static_cast<std::size_t>(flow)][static_cast<std::size_t>(role)]);
+}
+
+std::optional<Problem> Snapshot::problemWithDefault(Flow flow, Role role) const
+{
+    if (!areNamed(flow, role))
+        return std::nullopt;
+    const std::string arguments = std::string("(") + argumentsOf(flow, role) + ")";
+    const auto isOfDefault = [&](const Problem& problem) {
+        return problem.operation() == callForDefault + arguments ||
+               problem.operation() == callForIdOfDefault + arguments;
+    };
+    const auto found = std::find_if(problems().begin(), problems().end(), isOfDefault);
+    return found == problems().end() ? std::nullopt : std::optional<Problem>(*found);
 }
 
 std::optional<Hardware> Snapshot::hardware(const CardId& card) const

@@ -116,8 +116,11 @@ public:
     /// The card that the endpoint belongs to.
     std::optional<Card> cardOf(const EndpointId& id) const;
     /// The endpoint that the user, or Windows, has chosen: IMMDeviceEnumerator::GetDefaultAudioEndpoint. If the
-    /// platform fails to report it, problems() says why.
+    /// platform fails to report it, problemWithDefault() says why.
     std::optional<Endpoint> defaultEndpoint(Flow flow, Role role = Role::console) const;
+    /// The one of problems() because of which it is not known which endpoint is that default, so that Endpoint::roles()
+    /// of none contains the role. Where nothing could be read, as without the audio service, only problems() says so.
+    std::optional<Problem> problemWithDefault(Flow flow, Role role = Role::console) const;
     /// The controls and selectors of a card that is watched.
     std::optional<Hardware> hardware(const CardId& card) const;
 

@@ -81,8 +81,8 @@ Result<std::vector<Control>> System::controls(const EndpointId& endpoint) const
     {
         const std::optional<Card> card = watcher.latest().cardOf(endpoint);
         if (!card)
-            return Problem(Problem::Kind::notThere, "controls", endpoint.text(),
-                           "there is no endpoint " + endpoint.text());
+            return watcher.orUnlisted(Problem(Problem::Kind::notThere, "controls", endpoint.text(),
+                                              "there is no endpoint " + endpoint.text()));
         const auto walk = watcher.recentWalk("controls", *card);
         if (!walk)
             return walk.problem();

@@ -1,6 +1,7 @@
 #include "client/watching/watcher.h"
 
 #include "client/reading/hardwarewalk.h"
+#include "client/reading/judge.h"
 
 #include <algorithm>
 #include <mutex>
@@ -88,11 +89,26 @@ void Watcher::dropObjects() noexcept
     m_registration.end();
 }
 
+/// An endpoint without an id, and the second one with the same id, hide none that has an id of its own.
+Problem Watcher::orUnlisted(const Problem& problem) const
+{
+    if (problem.kind() != Problem::Kind::notThere)
+        return problem;
+    const auto found =
+        std::find_if(m_listProblems.begin(), m_listProblems.end(),
+                     [](const Problem& failure)
+                     {
+                         return failure.kind() == Problem::Kind::platform &&
+                                !(failure.operation() == "IMMDevice::GetId" && failure.code() == reading::invalidData);
+                     });
+    return found == m_listProblems.end() ? problem : reading::hiding(*found, problem, "among those that can be read");
+}
+
 Result<reading::EndpointReading*> Watcher::endpoint(const std::string& operation, const EndpointId& id)
 {
     const std::optional<std::size_t> place = m_endpoints.find(id);
     if (!place || !m_latest.endpoint(id))
-        return notThere(operation, "endpoint", id.text());
+        return orUnlisted(notThere(operation, "endpoint", id.text()));
     return &m_endpoints[*place];
 }
 
@@ -100,7 +116,7 @@ Result<Card> Watcher::card(const std::string& operation, const CardId& id) const
 {
     if (std::optional<Card> card = m_latest.card(id))
         return *std::move(card);
-    return notThere(operation, "card", id.text());
+    return orUnlisted(notThere(operation, "card", id.text()));
 }
 
 Result<std::shared_ptr<reading::HardwareWalk>> Watcher::walk(const std::string& operation,

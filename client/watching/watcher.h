@@ -66,6 +66,9 @@ public:
     const Snapshot& latest() const noexcept { return m_latest; }
     /// Null without the audio service.
     IMMDeviceEnumerator* enumerator() const noexcept { return m_enumerator.get(); }
+    /// @p problem as it is, unless it misses something (Problem::Kind::notThere) that an endpoint may have which the
+    /// platform fails to list: then that failure.
+    Problem orUnlisted(const Problem& problem) const;
     /// The reading of an endpoint of the newest state, with its platform objects; Problem::Kind::notThere.
     Result<reading::EndpointReading*> endpoint(const std::string& operation, const EndpointId& id);
     /// The card of the newest state; Problem::Kind::notThere.

@@ -40,7 +40,7 @@ inline const GUID& peakMeter = KSNODETYPE_PEAKMETER;
 }
 
 /// The last one is an older name of the selector, which files may still use. Not an inline variable: on Windows the
-/// platform's identifiers are no constants for the compiler, and compilers differ in what they then leave to the start.
+/// platform's identifiers are no constants for the compiler, so the table is made when the program starts, once.
 extern const Names<GUID, 46> nodeTypeNames;
 
 /// The name of a kind of jack or node ("speaker", "volume"); for any other, the GUID as guidText() writes it.

@@ -98,6 +98,29 @@ TEST_F(ProgramDefaultName, IsAFailureWhereTheSystemCannotReportIt)
     EXPECT_EQ("sonavit: the system cannot report the default output: 0x80070005, access denied\n", answer.err);
 }
 
+TEST_F(ProgramDefaultName, IsAFailureWhereTheObjectModelCannotFindItEither)
+{
+    sim::Simulation& simulation = run(support::smallMachine());
+    simulation.faults().fail("IMMDeviceEnumerator::GetDefaultAudioEndpoint", E_ACCESSDENIED);
+
+    const support::Answer answer = call({"show", "@DEFAULT_OUTPUT@", "--via", "model"});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_EQ("sonavit: the system cannot report the default output: 0x80070005, access denied\n", answer.err);
+}
+
+/// An empty id is that of no endpoint, and no sign that there is no default.
+TEST_F(ProgramDefaultName, IsAFailureWhereTheDefaultHasAnEmptyId)
+{
+    sim::Simulation& simulation = run(support::smallMachine());
+    simulation.faults().lie("IMMDevice::GetId", sim::Lie::ofText(u"")).on(support::speakerId()).at(2); // after the list
+
+    const support::Answer answer = call({"show", "@DEFAULT_OUTPUT@"});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_THAT(answer.err, testing::StartsWith("sonavit: the system cannot report the default output: 0x8007000D"));
+}
+
 TEST_F(ProgramDefaultName, IsAFailureWhereTheDefaultDoesNotTellItsId)
 {
     sim::Simulation& simulation = run(support::smallMachine());

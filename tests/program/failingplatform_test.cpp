@@ -142,6 +142,19 @@ TEST_F(ProgramOnFailingPlatform, CommandsSayThatEndpointsWithoutIdsCannotBeListe
     }
 }
 
+TEST_F(ProgramOnFailingPlatform, SelectDoesNotTakeASelectorForMissingThatAListMayHide)
+{
+    machine.faults.push_back(
+        {"IMMDeviceEnumerator::EnumAudioEndpoints", "*", "eCapture", 0, sim::FaultRule::Outcome::result, anyFailure});
+
+    const support::Answer answer = callHere({"select", "Tape", "1"});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_THAT(answer.err, EndsWith("there is no selector \"Tape\" among those that can be read: "
+                                     "IMMDeviceEnumerator::EnumAudioEndpoints(eCapture) failed: 0x80004005, "
+                                     "unspecified error\n"));
+}
+
 TEST_F(ProgramOnFailingPlatform, NoCommandTakesEndpointsThatCannotBeListedForMissingOnes)
 {
     machine.faults.push_back(

@@ -77,24 +77,12 @@ std::optional<Problem> findProblem(const Snapshot& snapshot, const std::function
     return found == problems.end() ? std::nullopt : std::optional<Problem>(*found);
 }
 
-/// Why the default of that flow is not known.
-std::optional<Problem> defaultProblem(const Snapshot& snapshot, Flow flow)
-{
-    const std::string argument = flow == Flow::output ? "(eRender, eConsole)" : "(eCapture, eConsole)";
-    const auto isOfDefault = [&](const Problem& problem)
-    {
-        return problem.operation() == "IMMDeviceEnumerator::GetDefaultAudioEndpoint" + argument ||
-               problem.operation() == "IMMDevice::GetId" + argument;
-    };
-    return findProblem(snapshot, isOfDefault);
-}
-
 CardEndpoint defaultEndpoint(const Snapshot& snapshot, Flow flow)
 {
     const std::string what = "the default " + std::string(wordsOf(flow));
     if (const std::optional<Endpoint> endpoint = snapshot.defaultEndpoint(flow))
         return {snapshot.cardOf(endpoint->id()).value_or(Card()), *endpoint};
-    if (const std::optional<Problem> problem = defaultProblem(snapshot, flow))
+    if (const std::optional<Problem> problem = snapshot.problemWithDefault(flow))
         throw OperationFailure("the system cannot report " + what + ": " + reasonText(problem->code()));
     const auto& ids = snapshot.content().defaults[static_cast<std::size_t>(flow)];
     if (!ids[static_cast<std::size_t>(Role::console)].isEmpty())

@@ -154,6 +154,53 @@ TEST_F(SystemHardware, NamesTheFailingCallThatHidesAMute)
     EXPECT_EQ(result.problem().code(), E_ABORT);
 }
 
+/// What the platform says of the control itself does not follow from a call elsewhere that fails.
+TEST_F(SystemHardware, BlamesNoOtherCallForAControlWithoutChannels)
+{
+    System& system = start("studio");
+    const EndpointId monitors = endpoint("Main Monitors");
+    const ControlId control = system.controls(monitors)->front().id;
+    simulation().faults().fail("IPart::GetName", E_ABORT);
+    simulation().faults().lie("IAudioVolumeLevel::GetChannelCount", sim::Lie::ofNumber(0));
+
+    const Result<Control> result = system.setControl(monitors, control, Decibels(-12));
+
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.problem().kind(), Problem::Kind::notSupported);
+    EXPECT_EQ(result.problem().sentence(), "the control has no channels");
+}
+
+/// The inputs of the machine are not listed, and with them what leads to its selectors.
+TEST_F(SystemHardware, NamesTheFailingListThatHidesACardAnEndpointOrASelector)
+{
+    System& known = start("studio");
+    const Snapshot before = known.snapshot();
+    const std::string selector = "Auxiliary Source";
+    ASSERT_TRUE(known.select(selector, "Combo 3"));
+    simulation().faults().fail("IMMDeviceEnumerator::EnumAudioEndpoints", E_ABORT).with({"eCapture"});
+    System system(options());
+    std::optional<Endpoint> hidden;
+    for (const Endpoint& each : before.endpoints())
+    {
+        if (!system.snapshot().endpoint(each.id()))
+            hidden = each;
+    }
+    ASSERT_TRUE(hidden);
+
+    const std::vector<Problem> problems = {system.setMute(hidden->id(), true).problem(),
+                                           system.controls(hidden->id()).problem(),
+                                           system.select(CardId("{nothing}"), selector, "Combo 3").problem(),
+                                           system.select("No Such Source", "Combo 3").problem()};
+
+    for (const Problem& problem : problems)
+    {
+        EXPECT_EQ(problem.kind(), Problem::Kind::platform);
+        EXPECT_EQ(problem.operation(), "IMMDeviceEnumerator::EnumAudioEndpoints(eCapture)");
+        EXPECT_EQ(problem.code(), E_ABORT);
+        EXPECT_THAT(problem.sentence(), testing::HasSubstr("among those that can be read"));
+    }
+}
+
 TEST_F(SystemHardware, MutesAControlOrSaysThatItHasNoMute)
 {
     System& system = start("studio");

@@ -237,6 +237,18 @@ TEST_F(ReadingDefaults, ThatCannotBeAskedForAreProblems)
         ElementsAre(IsFailureOf("IMMDeviceEnumerator::GetDefaultAudioEndpoint(eCapture, eMultimedia)", E_ABORT)));
 }
 
+/// The id of nothing: it must not be taken for the answer that there is no default.
+TEST_F(ReadingDefaults, ThatHaveNoIdAreProblems)
+{
+    run().faults().lie("IMMDevice::GetId", sim::Lie::ofText(u"")).at(5);
+
+    const reading::Defaults defaults = reading::readDefaults(enumerator());
+
+    EXPECT_TRUE(defaults.ids[1][1].isEmpty());
+    EXPECT_FALSE(defaults.ids[1][2].isEmpty());
+    EXPECT_THAT(defaults.problems, ElementsAre(IsFailureOf("IMMDevice::GetId(eCapture, eMultimedia)", invalidData)));
+}
+
 using ReadingState = ReadingEnumeration;
 
 TEST_F(ReadingState, IsOneOfFour)

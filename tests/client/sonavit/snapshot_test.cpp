@@ -83,6 +83,22 @@ TEST(Snapshot, FindsDefaultsByFlowAndRole)
     EXPECT_EQ(std::nullopt, snapshot.defaultEndpoint(Flow::input, Role::communications));
 }
 
+TEST(Snapshot, SaysWhichDefaultsAreNotKnown)
+{
+    Snapshot::Content content = someContent();
+    content.problems = {Problem::ofCall("IMMDevice::GetId", "", 1),
+                        Problem::ofCall("IMMDeviceEnumerator::GetDefaultAudioEndpoint(eCapture, eConsole)", "", 2),
+                        Problem::ofCall("IMMDevice::GetId(eCapture, eCommunications)", "", 3)};
+    const Snapshot snapshot(content);
+
+    EXPECT_EQ(content.problems[1], snapshot.problemWithDefault(Flow::input));
+    EXPECT_EQ(content.problems[2], snapshot.problemWithDefault(Flow::input, Role::communications));
+    EXPECT_EQ(std::nullopt, snapshot.problemWithDefault(Flow::input, Role::multimedia));
+    EXPECT_EQ(std::nullopt, snapshot.problemWithDefault(Flow::output));
+    EXPECT_EQ(std::nullopt, snapshot.problemWithDefault(static_cast<Flow>(2)));
+    EXPECT_EQ(std::nullopt, snapshot.problemWithDefault(Flow::input, static_cast<Role>(-1)));
+}
+
 TEST(Snapshot, HasNoDefaultForNumbersWithoutNames)
 {
     const Snapshot snapshot(someContent());

@@ -26,10 +26,10 @@ namespace
 bool isDerived(const std::string& key)
 {
     static const std::set<std::string> all = {
-        "name",      "title",  "card",      "cards",      "jack",       "jackType",  "jackKind",  "jacks",
-        "parent",    "bus",    "container", "instanceId", "ownerName",  "ownerJack", "ownerType", "connector",
-        "reference", "reason", "evidence",  "conclusion", "facts",      "kind",      "edges",     "parts",
-        "devices",   "result", "hasMute",   "isDefault",  "defaultFor", "waveId",    "selected",  "deviceName"};
+        "name",      "title",  "card",      "cards",      "jack",      "jackType",  "jackKind",  "jacks",
+        "parent",    "bus",    "container", "instanceId", "ownerName", "ownerJack", "ownerType", "connector",
+        "reference", "reason", "evidence",  "conclusion", "facts",     "kind",      "edges",     "parts",
+        "devices",   "result", "hasMute",   "waveId",     "selected",  "deviceName"};
     return all.count(key) != 0;
 }
 

@@ -147,6 +147,18 @@ TEST_F(ProgramMonitor, TellsDefaults)
                                                             "Microphone (Analog Audio)")));
 }
 
+TEST_F(ProgramMonitor, TellsThatADefaultIsNotKnownAnyMore)
+{
+    run(support::smallMachine());
+    const auto lose = [this](sim::Events& events)
+    {
+        simulation().faults().fail("IMMDeviceEnumerator::GetDefaultAudioEndpoint").with({"eCapture", "eMultimedia"});
+        events.announceDefault(eCapture, eMultimedia, support::microphoneId());
+    };
+
+    EXPECT_THAT(told(listen({lose})), ElementsAre(HasSubstr("default input for multimedia not known, formerly ")));
+}
+
 TEST_F(ProgramMonitor, AnswersInJsonOneObjectALine)
 {
     run(support::smallMachine());

@@ -99,6 +99,8 @@ TEST_F(ProgramShow, ShowsNoRoleWhereTheSystemReportsNoDefault)
 
     EXPECT_EQ(0, answer.code);
     EXPECT_THAT(answer.lines(), Contains("  default for  -"));
+    EXPECT_THAT(answer.lines(), Contains("  not read     roles: IMMDeviceEnumerator::GetDefaultAudioEndpoint(eRender, "
+                                         "eConsole) failed: 0x80004003, success without a result"));
 }
 
 TEST_F(ProgramShow, ContinuesALongValueBelowItsBeginningInANarrowTerminal)

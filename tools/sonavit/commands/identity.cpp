@@ -34,21 +34,21 @@ void showIds(const Environment& environment, const Match& match)
                              {"parent", orNothing(card.parent())}});
 }
 
-Json matchJson(const Match& match)
+Json matchJson(const Snapshot& snapshot, const Match& match)
 {
     return Json::object(
         {{"by", keyOf(match.by)},
          {"card",
           cardJson(match.place.card).set("parent", match.place.card.parent()).set("bus", match.place.card.bus())},
-         {"endpoint", endpointDetailsJson(match.place.endpoint)}});
+         {"endpoint", endpointDetailsJson(snapshot, match.place.endpoint)}});
 }
 
-Json candidateJson(const Candidate& candidate)
+Json candidateJson(const Snapshot& snapshot, const Candidate& candidate)
 {
     return Json::object({{"evidence", keyOf(candidate.evidence)},
                          {"reason", candidate.reason},
                          {"card", cardJson(candidate.place.card)},
-                         {"endpoint", endpointJson(candidate.place.endpoint)}});
+                         {"endpoint", endpointJson(snapshot, candidate.place.endpoint)}});
 }
 
 Reference requireReference(const std::string& text)
@@ -75,7 +75,7 @@ void runFind(Context& context)
     }
     Json list = Json::array();
     for (const Match& match : matches)
-        list.append(matchJson(match));
+        list.append(matchJson(snapshot, match));
     context.environment.out << machineDocument(context.session.machineName()).set("matches", list).text() << "\n";
 }
 
@@ -108,7 +108,7 @@ void runResolve(Context& context)
     {
         Json candidates = Json::array();
         for (const Candidate& candidate : resolution.candidates)
-            candidates.append(candidateJson(candidate));
+            candidates.append(candidateJson(snapshot, candidate));
         context.environment.out << machineDocument(context.session.machineName())
                                        .set("result", keyOf(resolution.kind))
                                        .set("candidates", candidates)

@@ -101,7 +101,7 @@ Json listJson(const Context& context, const Snapshot& snapshot, const std::vecto
     {
         Json endpoints = Json::array();
         for (const Endpoint& endpoint : card.endpoints())
-            endpoints.append(endpointJson(endpoint));
+            endpoints.append(endpointJson(snapshot, endpoint));
         list.append(cardJson(card).set("endpoints", endpoints).set("problems", problemsJson(card.problems())));
     }
     return machineDocument(context.session.machineName())

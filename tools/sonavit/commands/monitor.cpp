@@ -114,10 +114,8 @@ void Monitor::show(const Change& change)
 {
     for (const Event& event : change.events())
     {
-        if (!isWanted(event))
-            continue;
-        const bool isGone = event.kind == Event::Kind::endpointRemoved || event.kind == Event::Kind::cardRemoved;
-        m_writer.write(event, isGone ? change.before() : change.after(), change.after().time());
+        if (isWanted(event))
+            m_writer.write(event, change);
     }
 }
 

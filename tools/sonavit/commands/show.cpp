@@ -1,5 +1,6 @@
 #include "tools/sonavit/choice.h"
 #include "tools/sonavit/commands/commands.h"
+#include "tools/sonavit/output/endpointproblems.h"
 #include "tools/sonavit/output/fieldlist.h"
 #include "tools/sonavit/output/modeljson.h"
 #include "tools/sonavit/output/modelwords.h"
@@ -49,13 +50,13 @@ void addVolume(Fields& fields, const std::optional<Volume>& known)
         fields.emplace_back("attenuator", *volume.isInHardware ? "hardware" : "software");
 }
 
-void addProblems(Fields& fields, const Endpoint& endpoint)
+void addProblems(Fields& fields, const std::vector<EndpointProblem>& problems)
 {
-    for (const EndpointProblem& known : endpoint.problems())
+    for (const EndpointProblem& known : problems)
         fields.emplace_back("not read", std::string(wordsOf(known.field)) + ": " + printable(known.problem.sentence()));
 }
 
-Fields describe(const Card& card, const Endpoint& endpoint)
+Fields describe(const Snapshot& snapshot, const Card& card, const Endpoint& endpoint)
 {
     const std::string id = endpoint.id().isEmpty() ? nothing : printable(endpoint.id().text());
     Fields fields = {{"card", printable(card.title())},
@@ -76,7 +77,7 @@ Fields describe(const Card& card, const Endpoint& endpoint)
                          {"speakers", speakers ? speakerWords(*speakers) + "  " + hexText(*speakers) : nothing}};
     fields.insert(fields.end(), more.begin(), more.end());
     addVolume(fields, endpoint.volume());
-    addProblems(fields, endpoint);
+    addProblems(fields, problemsOf(snapshot, endpoint));
     return fields;
 }
 }
@@ -90,12 +91,12 @@ void runShow(Context& context)
     {
         environment.out << machineDocument(context.session.machineName())
                                .set("card", cardJson(found.card))
-                               .set("endpoint", endpointDetailsJson(found.endpoint))
+                               .set("endpoint", endpointDetailsJson(snapshot, found.endpoint))
                                .text()
                         << "\n";
         return;
     }
     environment.out << painted(titleWords(found.endpoint), Paint::bold, environment.hasColours) << "\n";
-    showFields(environment, describe(found.card, found.endpoint));
+    showFields(environment, describe(snapshot, found.card, found.endpoint));
 }
 }

@@ -46,7 +46,7 @@ Json volumeWithMuteJson(const Endpoint& endpoint)
     return endpoint.volume() ? volumeJson(endpoint.volume()).set("muted", mutedJson(endpoint.volume())) : Json();
 }
 
-Json fieldJson(const Endpoint& endpoint, EndpointField field)
+Json fieldJson(const Snapshot& snapshot, const Endpoint& endpoint, EndpointField field)
 {
     switch (field)
     {
@@ -60,7 +60,7 @@ Json fieldJson(const Endpoint& endpoint, EndpointField field)
     case EndpointField::format:
         return formatJson(endpoint.format());
     default:
-        return endpointDetailsJson(endpoint);
+        return endpointDetailsJson(snapshot, endpoint);
     }
 }
 
@@ -93,14 +93,14 @@ Json cardOrNull(const std::optional<Card>& card)
 }
 
 /// Adds before and after, whose kind depends on the event.
-void addValues(Json& result, const Event& event)
+void addValues(Json& result, const Event& event, const Change& change)
 {
     switch (event.kind)
     {
     case Event::Kind::endpointChanged:
         result.set("field", keyOf(*event.field))
-            .set("before", fieldJson(*event.before, *event.field))
-            .set("after", fieldJson(*event.after, *event.field));
+            .set("before", fieldJson(change.before(), *event.before, *event.field))
+            .set("after", fieldJson(change.after(), *event.after, *event.field));
         break;
     case Event::Kind::defaultChanged:
         result.set("flow", flowJson(*event.flow))
@@ -124,25 +124,24 @@ void addValues(Json& result, const Event& event)
         result.set("before", cardOrNull(event.cardBefore)).set("after", cardOrNull(event.cardAfter));
         break;
     default:
-        result.set("before", event.before ? endpointDetailsJson(*event.before) : Json())
-            .set("after", event.after ? endpointDetailsJson(*event.after) : Json());
+        result.set("before", event.before ? endpointDetailsJson(change.before(), *event.before) : Json())
+            .set("after", event.after ? endpointDetailsJson(change.after(), *event.after) : Json());
         break;
     }
 }
 }
 
-Json eventJson(const Event& event, const Card& card, const std::optional<std::string>& machine,
-               std::chrono::system_clock::time_point time)
+Json eventJson(const Event& event, const Change& change, const Card& card, const std::optional<std::string>& machine)
 {
     const bool isCardKnown = !card.id().isEmpty() || !card.endpoints().empty();
     const bool isDefault = event.kind == Event::Kind::defaultChanged; // of nothing, if there is none any more
     const std::optional<Endpoint> endpoint = event.after || isDefault ? event.after : event.before;
     Json result = machineDocument(machine)
-                      .set("time", universalTimeText(time))
+                      .set("time", universalTimeText(change.after().time()))
                       .set("event", eventKey(event))
                       .set("card", isCardKnown ? cardJson(card) : Json())
                       .set("endpoint", nameJson(endpoint));
-    addValues(result, event);
+    addValues(result, event, change);
     return result.set("origin", keyOf(event.origin));
 }
 }

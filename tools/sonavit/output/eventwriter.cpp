@@ -38,12 +38,15 @@ std::string volumeWords(const Event& event)
     return words.empty() ? "volume " + sentenceWords(now.master) : words;
 }
 
-std::string defaultWords(const Event& event)
+std::string defaultWords(const Event& event, const Snapshot& after)
 {
-    const std::string what = std::string("default ") + wordsOf(event.flow.value_or(Flow::output)) + " for " +
-                             wordsOf(event.role.value_or(Role::console));
+    const Flow flow = event.flow.value_or(Flow::output);
+    const Role role = event.role.value_or(Role::console);
+    const std::string what = std::string("default ") + wordsOf(flow) + " for " + wordsOf(role);
     const std::string former = event.before ? ", formerly " + titleWords(*event.before) : "";
-    return (event.after ? what : "no " + what + " any more") + former;
+    if (event.after)
+        return what + former;
+    return (after.problemWithDefault(flow, role) ? what + " not known" : "no " + what + " any more") + former;
 }
 
 std::string fieldWords(const Event& event)
@@ -68,7 +71,8 @@ std::string fieldWords(const Event& event)
     }
 }
 
-std::string eventWords(const Event& event)
+/// @param after the state after the event
+std::string eventWords(const Event& event, const Snapshot& after)
 {
     switch (event.kind)
     {
@@ -88,7 +92,7 @@ std::string eventWords(const Event& event)
     case Event::Kind::cardRemoved:
         return "card removed";
     case Event::Kind::defaultChanged:
-        return defaultWords(event);
+        return defaultWords(event, after);
     case Event::Kind::serviceChanged:
         return event.service == Service::stopped ? "the audio service has stopped" : "the audio service runs again";
     default:
@@ -168,17 +172,19 @@ std::string EventWriter::shownTitle(const Card& card, const Endpoint& endpoint) 
     return shortened(title, widestName - flow.size()) + flow;
 }
 
-void EventWriter::write(const Event& event, const Snapshot& snapshot, std::chrono::system_clock::time_point time)
+void EventWriter::write(const Event& event, const Change& change)
 {
     if (isOutputLost())
         return;
-    const Card card = cardOf(event, snapshot);
+    const bool isGone = event.kind == Event::Kind::endpointRemoved || event.kind == Event::Kind::cardRemoved;
+    const Card card = cardOf(event, isGone ? change.before() : change.after());
     if (const std::optional<Endpoint> endpoint = subjectOf(event))
         expect(card, *endpoint);
     else if (event.cardBefore || event.cardAfter)
         expect(card);
-    m_environment.out << (m_isJson ? eventJson(event, card, m_machine, time).line() : line(event, card, time)) << "\n"
-                      << std::flush;
+    const std::string text =
+        m_isJson ? eventJson(event, change, card, m_machine).line() : line(event, change.after(), card);
+    m_environment.out << text << "\n" << std::flush;
 }
 
 bool EventWriter::isOutputLost() const
@@ -186,15 +192,15 @@ bool EventWriter::isOutputLost() const
     return !m_environment.out;
 }
 
-std::string EventWriter::line(const Event& event, const Card& card, std::chrono::system_clock::time_point time) const
+std::string EventWriter::line(const Event& event, const Snapshot& after, const Card& card) const
 {
     const bool hasColours = m_environment.hasColours;
     const std::optional<Endpoint> subject = subjectOf(event);
     const bool isCardKnown = !card.id().isEmpty() || !card.endpoints().empty();
     const std::string cardTitle = isCardKnown ? shortened(printable(card.title()), m_cardWidth) : std::string();
     const std::string title = subject ? shownTitle(card, *subject) : std::string();
-    return painted(localTimeText(time), Paint::dim, hasColours) + "  " + padded(cardTitle, m_cardWidth) + "  " +
+    return painted(localTimeText(after.time()), Paint::dim, hasColours) + "  " + padded(cardTitle, m_cardWidth) + "  " +
            painted(padded(title, m_endpointWidth), Paint::bold, hasColours) + "  " +
-           painted(eventWords(event), eventPaint(event), hasColours);
+           painted(eventWords(event, after), eventPaint(event), hasColours);
 }
 }

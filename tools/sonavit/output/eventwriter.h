@@ -3,7 +3,6 @@
 #include "sonavit/change.h"
 #include "tools/sonavit/environment.h"
 
-#include <chrono>
 #include <optional>
 #include <set>
 #include <string>
@@ -22,16 +21,15 @@ public:
     /// are shown with their flows.
     void expect(const Card& card, const Endpoint& endpoint);
 
-    /// Writes and flushes the line of @p event, unless an earlier line could not be written.
-    /// @param snapshot the state after the event, or before it for what is gone
-    void write(const Event& event, const Snapshot& snapshot, std::chrono::system_clock::time_point time);
+    /// Writes and flushes the line of an event of @p change, unless an earlier line could not be written.
+    void write(const Event& event, const Change& change);
 
     /// Whether a line could not be written.
     bool isOutputLost() const;
 
 private:
     void expect(const Card& card);
-    std::string line(const Event& event, const Card& card, std::chrono::system_clock::time_point time) const;
+    std::string line(const Event& event, const Snapshot& after, const Card& card) const;
     std::string shownTitle(const Card& card, const Endpoint& endpoint) const;
 
     const Environment& m_environment;

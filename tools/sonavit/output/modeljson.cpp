@@ -1,5 +1,6 @@
 #include "tools/sonavit/output/modeljson.h"
 
+#include "tools/sonavit/output/endpointproblems.h"
 #include "tools/sonavit/output/text.h"
 
 namespace sonavit::program
@@ -46,6 +47,14 @@ Json colourJson(const std::optional<Colour>& colour)
     return text;
 }
 
+Json rolesJson(Roles roles)
+{
+    Json result = Json::array();
+    for (const Role role : roles.list())
+        result.append(keyOf(role));
+    return result;
+}
+
 template<class Value>
 Json keyJson(const std::optional<Value>& value)
 {
@@ -70,14 +79,6 @@ Json flowJson(Flow flow)
 Json stateJson(const std::optional<State>& state)
 {
     return keyJson(state);
-}
-
-Json rolesJson(Roles roles)
-{
-    Json result = Json::array();
-    for (const Role role : roles.list())
-        result.append(keyOf(role));
-    return result;
 }
 
 Json textsJson(const std::vector<std::string>& texts)
@@ -199,12 +200,14 @@ Json endpointNameJson(const Endpoint& endpoint)
     return Json::object({{"id", endpoint.id().text()}, {"name", endpoint.name()}});
 }
 
-Json endpointJson(const Endpoint& endpoint)
+Json endpointJson(const Snapshot& snapshot, const Endpoint& endpoint)
 {
     Json jacks = Json::array();
     for (const Jack& jack : endpoint.jacks())
         jacks.append(jackJson(jack));
     const std::optional<Guid> jackType = endpoint.jacks().empty() ? std::nullopt : endpoint.jacks().front().type;
+    const bool isConsoleKnown = !snapshot.problemWithDefault(endpoint.flow());
+    const bool areRolesKnown = problemsWithDefaults(snapshot, endpoint.flow()).empty();
     return endpointNameJson(endpoint)
         .set("description", endpoint.description())
         .set("interfaceName", endpoint.interfaceName())
@@ -213,16 +216,16 @@ Json endpointJson(const Endpoint& endpoint)
         .set("jackType", guidJson(jackType))
         .set("jacks", jacks)
         .set("state", stateJson(endpoint.state()))
-        .set("isDefault", endpoint.roles().contains(Role::console))
-        .set("defaultFor", rolesJson(endpoint.roles()))
+        .set("isDefault", isConsoleKnown ? Json(endpoint.roles().contains(Role::console)) : Json())
+        .set("defaultFor", areRolesKnown ? rolesJson(endpoint.roles()) : Json())
         .set("volume", volumeJson(endpoint.volume()))
         .set("muted", mutedJson(endpoint.volume()))
-        .set("problems", problemsJson(endpoint.problems()));
+        .set("problems", problemsJson(problemsOf(snapshot, endpoint)));
 }
 
-Json endpointDetailsJson(const Endpoint& endpoint)
+Json endpointDetailsJson(const Snapshot& snapshot, const Endpoint& endpoint)
 {
-    return endpointJson(endpoint)
+    return endpointJson(snapshot, endpoint)
         .set("waveId", endpoint.waveId())
         .set("directSoundGuid", guidJson(endpoint.directSoundId()))
         .set("driverNodeStrongName", endpoint.driverNode())

@@ -19,7 +19,6 @@ namespace sonavit::program
 /// "render" and "capture", "notPresent", null.
 Json flowJson(Flow flow);
 Json stateJson(const std::optional<State>& state);
-Json rolesJson(Roles roles);
 Json textsJson(const std::vector<std::string>& texts);
 Json guidJson(const std::optional<Guid>& guid);
 /// The key of a kind of jack or node ("spdif"); "other" for one without a name, null for none.
@@ -45,9 +44,10 @@ Json problemsJson(const std::vector<EndpointProblem>& problems);
 /// Id and name, as they stand wherever something belongs to an endpoint.
 Json endpointNameJson(const Endpoint& endpoint);
 /// As `list` shows it: what most users look for.
-Json endpointJson(const Endpoint& endpoint);
+/// @param snapshot that the endpoint is of
+Json endpointJson(const Snapshot& snapshot, const Endpoint& endpoint);
 /// With all that is known, as `show` prints it.
-Json endpointDetailsJson(const Endpoint& endpoint);
+Json endpointDetailsJson(const Snapshot& snapshot, const Endpoint& endpoint);
 
 /// Id, name and instance id, as they stand wherever something belongs to a card.
 Json cardJson(const Card& card);
