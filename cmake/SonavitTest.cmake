@@ -1,5 +1,4 @@
-# Tests. Loggers and the shared enumerator are process-wide, so natively each test runs in a process of its own. Under an
-# emulator (Wine) and with instrumentation, where a process takes long to start, each suite does.
+# Tests. Loggers and the shared enumerator are process-wide: each test leaves them as it has found them.
 #
 #   sonavit_add_test(<name> SOURCES <file>... [LIBRARIES <target>...] [WINDOWS_ONLY] [NO_PRIVATE_ACCESS]
 #                    [PRECOMPILE <header>... | PRECOMPILED <target>] [ASAN_OPTIONS <option>...])
@@ -8,8 +7,6 @@
 # Test sources may reach private operations (-fno-access-control) unless NO_PRIVATE_ACCESS is given. PRECOMPILE names
 # headers that many of them read; several tests share what sonavit_add_precompiled has precompiled. ASAN_OPTIONS are added
 # to those that all tests have.
-include(GoogleTest)
-
 set(SONAVIT_TEST_TIMEOUT 300 CACHE STRING "Seconds after which a test has failed")
 mark_as_advanced(SONAVIT_TEST_TIMEOUT)
 
@@ -104,26 +101,16 @@ function(sonavit_add_test name)
     sonavit_precompile(${name} PRIVATE ${SONAVIT_TEST_HEADERS} ${arg_PRECOMPILE})
   endif()
 
-  if(CMAKE_CROSSCOMPILING_EMULATOR OR SONAVIT_SANITIZE OR SONAVIT_COVERAGE)
-    sonavit_discover_suites(${name} ${arg_ASAN_OPTIONS})
-  else()
-    gtest_discover_tests(
-      ${name}
-      DISCOVERY_MODE PRE_TEST
-      DISCOVERY_TIMEOUT 60
-      TEST_PREFIX "${name}:"
-      PROPERTIES TIMEOUT ${SONAVIT_TEST_TIMEOUT}
-    )
-  endif()
+  sonavit_discover_suites(${name} ${arg_ASAN_OPTIONS})
 endfunction()
 
-# One ctest entry for each suite of an executable, found when ctest starts. Further arguments are options of
+# Entries of ctest for the suites of an executable, found when ctest starts. Further arguments are options of
 # AddressSanitizer.
 function(sonavit_discover_suites name)
   set(environment)
   if(SONAVIT_SANITIZE)
     set(asanOptions detect_stack_use_after_return=1 strict_string_checks=1 check_initialization_order=1
-                    malloc_context_size=10 ${ARGN}
+                    malloc_context_size=5 ${ARGN}
     )
     list(JOIN asanOptions ":" asanOptions)
     set(environment

@@ -48,6 +48,7 @@ struct Listing
 {
     std::vector<EndpointReading> endpoints;
     std::vector<Problem> problems; ///< a flow that cannot be listed, an item that cannot be opened
+    bool isComplete = true;        ///< whether each item has told its id: a second one with an id is no loss
 };
 
 /// The ids of the defaults, by flow and role; empty if there is none, or if it could not be asked for.

@@ -54,7 +54,10 @@ public:
     Listing list()
     {
         for (const Flow flow : allFlows)
-            listFlow(flow);
+        {
+            if (!listFlow(flow))
+                m_listing.isComplete = false;
+        }
         m_listing.endpoints.reserve(m_items.size());
         for (Item& item : m_items)
             begin(m_listing.endpoints.emplace_back(), std::move(item.id), item.flow, std::move(item.device));
@@ -69,42 +72,58 @@ private:
         Handle<IMMDevice> device;
     };
 
-    void listFlow(Flow flow)
+    /// @return whether each item has told its id
+    bool listFlow(Flow flow)
     {
         IMMDeviceCollection* list = nullptr;
         const HRESULT result = m_enumerator.EnumAudioEndpoints(platformFlow(flow), DEVICE_STATEMASK_ALL, &list);
         if (!m_judge.gives(result, list, {"IMMDeviceEnumerator::EnumAudioEndpoints", nameOf(flow)}))
-            return;
+            return false;
         const Handle<IMMDeviceCollection> holder(list);
         UINT count = 0;
         if (!m_judge.passes(list->GetCount(&count), {"IMMDeviceCollection::GetCount"}))
-            return;
+            return false;
         if (count > mostEndpoints)
         {
             m_judge.fails(invalidData, {"IMMDeviceCollection::GetCount"});
-            return;
+            return false;
         }
-        unsigned failures = 0;
+        unsigned failures = 0; // in a row
+        bool isComplete = true;
         for (UINT index = 0; index < count && failures < mostFailures; ++index)
-            failures = listItem(*list, index, flow) ? 0 : failures + 1;
+        {
+            const Answer answer = listItem(*list, index, flow);
+            failures = answer == Answer::failure ? failures + 1 : 0;
+            isComplete = isComplete && answer == Answer::id;
+        }
+        return isComplete;
     }
 
-    bool listItem(IMMDeviceCollection& list, UINT index, Flow flow)
+    enum class Answer
+    {
+        id,
+        emptyId,
+        failure,
+    };
+
+    Answer listItem(IMMDeviceCollection& list, UINT index, Flow flow)
     {
         IMMDevice* item = nullptr;
         if (!m_judge.gives(list.Item(index, &item), item, {"IMMDeviceCollection::Item", nullptr, index}))
-            return false;
+            return Answer::failure;
         Handle<IMMDevice> device(item);
         TaskText text(TaskText::NullText::skipped);
         if (!m_judge.gives(device->GetId(text.put()), *text.put(), {"IMMDevice::GetId"}))
-            return false;
+            return Answer::failure;
         m_items.push_back({EndpointId(utf8(text.get())), flow, std::move(device)});
+        const bool isEmpty = m_items.back().id.isEmpty();
         const auto idAt = [this](std::size_t place) -> std::string_view { return m_items[place].id.text(); };
-        if (!m_items.back().id.isEmpty() && m_places.add(m_items.size() - 1, idAt) == m_items.size() - 1)
-            return true;
-        m_items.pop_back(); // an endpoint without id, or a second one with the same id
-        m_judge.fails(invalidData, {"IMMDevice::GetId"});
-        return true;
+        if (isEmpty || m_places.add(m_items.size() - 1, idAt) != m_items.size() - 1)
+        {
+            m_items.pop_back(); // an endpoint without id, or a second one with the same id
+            m_judge.fails(invalidData, {"IMMDevice::GetId"});
+        }
+        return isEmpty ? Answer::emptyId : Answer::id;
     }
 
     IMMDeviceEnumerator& m_enumerator;

@@ -18,6 +18,12 @@ bool isThere(const reading::EndpointReading& reading) noexcept
     return reading.content.state && reading.content.state != State::notPresent;
 }
 
+/// Ids that differ in case alone are those of two objects of the platform, of which the list has the first one.
+bool isSame(const reading::EndpointReading& former, const reading::EndpointReading& listed)
+{
+    return former.content.id.text() == listed.content.id.text();
+}
+
 auto idsOf(const std::vector<reading::EndpointReading>& readings)
 {
     return [&readings](std::size_t place) -> std::string_view { return readings[place].content.id.text(); };
@@ -40,7 +46,8 @@ std::vector<std::size_t> EndpointList::replace(std::vector<reading::EndpointRead
     for (std::size_t place = 0; place < listing.size(); ++place)
     {
         places.add(place, idAt);
-        if (!find(listing[place].content.id))
+        const std::optional<std::size_t> former = find(listing[place].content.id);
+        if (!former || !isSame(m_readings[*former], listing[place]))
             added.push_back(place);
     }
     for (const reading::EndpointReading& reading : m_readings)
@@ -52,7 +59,7 @@ std::vector<std::size_t> EndpointList::replace(std::vector<reading::EndpointRead
     for (std::size_t former = 0; former < m_readings.size(); ++former)
     {
         const std::optional<std::size_t> place = places.find(m_readings[former].content.id.text(), idAt);
-        if (!place)
+        if (!place || !isSame(m_readings[former], listing[*place]))
             continue;
         std::swap(listing[*place], m_readings[former]);
         registrations[*place] = std::move(m_registrations[former]);

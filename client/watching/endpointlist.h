@@ -28,7 +28,8 @@ public:
     /// Where the endpoint is; no value if it is not in the list.
     std::optional<std::size_t> find(const EndpointId& id) const;
 
-    /// Replaces the list. Readings and registrations of endpoints that stay go on; new ones are opened and not read.
+    /// Replaces the list. Readings and registrations of endpoints that stay go on; new ones are opened and not read,
+    /// and so is one whose id is written in another case than before.
     /// @return where the new ones are
     std::vector<std::size_t> replace(std::vector<reading::EndpointReading> listing);
     /// Reads all of an endpoint.

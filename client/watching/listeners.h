@@ -44,12 +44,16 @@ public:
         return left;
     }
 
+    /// Makes this one of those that are kept for good, before another one. Null: there is none.
+    void keepBefore(Listener* other) noexcept { m_nextKept = other; }
+
 protected:
     virtual ~Listener() = default;
 
 private:
     const IID& m_iid;
     std::atomic<ULONG> m_references{1};
+    Listener* m_nextKept = nullptr;
 };
 
 /// Is notified of endpoints and defaults.

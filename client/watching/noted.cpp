@@ -122,7 +122,7 @@ std::optional<std::vector<std::size_t>> Watcher::readList()
     reading::Listing listing = reading::listEndpoints(*m_enumerator);
     if (isServiceLost(listing.problems))
         return std::nullopt;
-    if (!listing.problems.empty())
+    if (!listing.isComplete)
         keepUnlisted(listing.endpoints);
     m_listProblems = std::move(listing.problems);
     m_isRegrouping = true;
@@ -131,7 +131,7 @@ std::optional<std::vector<std::size_t>> Watcher::readList()
 }
 
 /// A list that cannot be read to its end says nothing of the endpoints that it lacks: those that can be opened stay,
-/// behind those that they came after.
+/// behind those that they came after, or in place of one whose id differs in case alone.
 void Watcher::keepUnlisted(std::vector<reading::EndpointReading>& listed) const
 {
     auto place = listed.begin();
@@ -142,10 +142,13 @@ void Watcher::keepUnlisted(std::vector<reading::EndpointReading>& listed) const
         if (found != listed.end())
         {
             place = found + 1;
-            continue;
+            if (found->content.id.text() == former.content.id.text())
+                continue;
         }
         Result<reading::EndpointReading> opened = reading::openEndpoint(*m_enumerator, former.content.id);
-        if (opened)
+        if (opened && found != listed.end())
+            *found = *std::move(opened);
+        else if (opened)
             place = listed.insert(place, *std::move(opened)) + 1;
     }
 }

@@ -10,6 +10,20 @@ namespace sonavit::watching
 namespace
 {
 std::atomic<std::size_t> kept{0};
+
+/// The one that was kept last; the others follow it. What is kept stays within reach: it is not lost.
+template<class Target>
+std::atomic<Target*> latestKept{nullptr};
+
+template<class Target>
+void keep(Target* listener) noexcept
+{
+    ++kept;
+    Target* former = latestKept<Target>.load();
+    do
+        listener->keepBefore(former);
+    while (!latestKept<Target>.compare_exchange_weak(former, listener));
+}
 }
 
 std::size_t keptListeners() noexcept
@@ -30,7 +44,7 @@ Registration<Source, Target>::Registration(Source& source, Target* listener, Ope
     }
     catch (...)
     {
-        ++kept; // it is not known how far the registration has come
+        keep(std::exchange(m_listener, nullptr)); // it is not known how far the registration has come
         reading::release(&source);
         throw;
     }
@@ -83,7 +97,7 @@ void Registration<Source, Target>::end() noexcept
     if (hasEnded)
         listener->Release();
     else
-        ++kept;
+        keep(listener);
     reading::release(source);
 }
 

@@ -101,6 +101,10 @@ public:
     /// Destroys all elements and makes a new block of capacity 8. @exception NullPointer without memory for it
     void clear();
 
+    /// Destroys all elements and frees the block. Unlike clear() it needs no memory: it is for owners that end. The
+    /// array may be used again; its capacity is 0 until it grows.
+    void release() { destroyBlock(); }
+
     /// Whether an element equals @p value by its `operator==`.
     bool contains(const T& value) const;
 

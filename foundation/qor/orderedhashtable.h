@@ -54,12 +54,13 @@ public:
         getSerializedXML(out);
     }
 
-    /// Replaces the content. Required behaviour: the old content is cleared first, even if reading fails.
+    /// Replaces the content. Required behaviour: the old content is cleared first, even if reading fails. The index,
+    /// whose clearing cannot fail, comes first, so that the table contains no key when an array cannot be cleared.
     void deserializeFromElement(const XmlElement* element) override
     {
+        m_index.clear();
         m_arrayKeys.clear();
         m_arrayValues.clear();
-        m_index.clear();
         deserializeBegin(element);
         Serializable::deserialize("m_arrayKeys", m_arrayKeys);
         Serializable::deserialize("m_arrayValues", m_arrayValues);

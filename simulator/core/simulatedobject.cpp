@@ -3,16 +3,18 @@
 #include "simulator/mutex.h"
 
 #include <mutex>
+#include <unordered_map>
 
 namespace sim
 {
 namespace
 {
-/// Never destroyed, see the class.
+/// Never destroyed, see the class. A list for each machine that has objects: the census of one machine does not walk
+/// through what earlier ones have left.
 struct LiveObjects
 {
     Mutex mutex;
-    SimulatedObject* first = nullptr;
+    std::unordered_map<const State*, SimulatedObject*> firsts;
 
     static LiveObjects& instance()
     {
@@ -40,10 +42,11 @@ SimulatedObject::SimulatedObject(std::shared_ptr<State> state, const char* inter
 {
     LiveObjects& objects = LiveObjects::instance();
     const std::lock_guard<Mutex> lock(objects.mutex);
-    m_next = objects.first;
+    SimulatedObject*& first = objects.firsts[m_state.get()];
+    m_next = first;
     if (m_next != nullptr)
         m_next->m_previous = this;
-    objects.first = this;
+    first = this;
 }
 
 SimulatedObject::~SimulatedObject()
@@ -52,7 +55,12 @@ SimulatedObject::~SimulatedObject()
     const std::lock_guard<Mutex> lock(objects.mutex);
     if (m_next != nullptr)
         m_next->m_previous = m_previous;
-    (m_previous == nullptr ? objects.first : m_previous->m_next) = m_next;
+    if (m_previous != nullptr)
+        m_previous->m_next = m_next;
+    else if (m_next != nullptr)
+        objects.firsts.find(m_state.get())->second = m_next;
+    else
+        objects.firsts.erase(m_state.get());
 }
 
 const std::string& SimulatedObject::name() const
@@ -69,10 +77,12 @@ void SimulatedObject::count(const State& state, Census& census)
 {
     LiveObjects& objects = LiveObjects::instance();
     const std::lock_guard<Mutex> lock(objects.mutex);
-    for (const SimulatedObject* object = objects.first; object != nullptr; object = object->m_next)
+    const auto first = objects.firsts.find(&state);
+    for (const SimulatedObject* object = first == objects.firsts.end() ? nullptr : first->second; object != nullptr;
+         object = object->m_next)
     {
         const long references = static_cast<long>(object->m_references.load()) - (object->m_isKept ? 1 : 0);
-        if (object->m_state.get() != &state || references <= 0)
+        if (references <= 0)
             continue;
         ++census.objects[object->m_interfaceName];
         census.byInterface[object->m_interfaceName] += references;

@@ -22,8 +22,8 @@
 
 namespace sim
 {
-/// Is in the list of live objects from construction to destruction. The list is never destroyed: objects that users
-/// forget to release stay reachable, and the census reports them.
+/// Is in its machine's list of live objects from construction to destruction. The lists are never destroyed: objects
+/// that users forget to release stay reachable, and the census reports them.
 class SimulatedObject : public FinelyNamed
 {
 public:

@@ -14,14 +14,30 @@ namespace sim
 {
 struct TaskMemory::Ledger
 {
+    /// In the list of its owner's blocks: a machine is asked for its own ones again and again, and those of all earlier
+    /// machines that were not freed are there, too.
     struct Entry
     {
         Block block;
         std::uint64_t owner = 0;
+        Entry* previous = nullptr;
+        Entry* next = nullptr;
     };
 
     mutable Mutex mutex;
     std::unordered_map<void*, Entry> entries;
+    std::unordered_map<std::uint64_t, Entry*> firsts; ///< of each owner that has blocks
+
+    void add(void* memory, Block block, std::uint64_t owner)
+    {
+        const std::lock_guard<Mutex> lock(mutex);
+        Entry*& first = firsts[owner];
+        Entry& entry = entries[memory];
+        entry = {std::move(block), owner, nullptr, first};
+        if (first != nullptr)
+            first->previous = &entry;
+        first = &entry;
+    }
 
     /// Removes @p memory and stores its origin; false if it is not listed.
     bool remove(void* memory, Origin& origin)
@@ -30,7 +46,16 @@ struct TaskMemory::Ledger
         const auto found = entries.find(memory);
         if (found == entries.end())
             return false;
-        origin = std::move(found->second.block.origin);
+        Entry& entry = found->second;
+        origin = std::move(entry.block.origin);
+        if (entry.next != nullptr)
+            entry.next->previous = entry.previous;
+        if (entry.previous != nullptr)
+            entry.previous->next = entry.next;
+        else if (entry.next != nullptr)
+            firsts[entry.owner] = entry.next;
+        else
+            firsts.erase(entry.owner);
         entries.erase(found);
         return true;
     }
@@ -59,8 +84,7 @@ void* TaskMemory::allocate(std::size_t bytes, std::uint64_t owner, Origin origin
     std::unique_ptr<void, decltype(&systemmemory::free)> memory(systemmemory::allocate(bytes), &systemmemory::free);
     if (memory == nullptr)
         return nullptr;
-    const std::lock_guard<Mutex> lock(m_ledger->mutex);
-    m_ledger->entries[memory.get()] = {{bytes, std::move(origin)}, owner};
+    m_ledger->add(memory.get(), {bytes, std::move(origin)}, owner);
     return memory.release();
 }
 
@@ -77,11 +101,10 @@ std::vector<TaskMemory::Block> TaskMemory::outstanding(std::uint64_t owner) cons
 {
     std::vector<Block> result;
     const std::lock_guard<Mutex> lock(m_ledger->mutex);
-    for (const auto& [memory, entry] : m_ledger->entries)
-    {
-        if (entry.owner == owner)
-            result.push_back(entry.block);
-    }
+    const auto first = m_ledger->firsts.find(owner);
+    for (const Ledger::Entry* entry = first == m_ledger->firsts.end() ? nullptr : first->second; entry != nullptr;
+         entry = entry->next)
+        result.push_back(entry->block);
     return result;
 }
 

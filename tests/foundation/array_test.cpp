@@ -45,6 +45,7 @@ IndexOutOfBounds boundsError(Operation operation)
 using ArrayDestruction = support::TrackedTest;
 using ArrayRemove = support::TrackedTest;
 using ArrayClear = support::TrackedTest;
+using ArrayRelease = support::TrackedTest;
 
 TEST(ArrayConstruction, GivesSize0AndCapacity8)
 {
@@ -208,6 +209,43 @@ TEST_F(ArrayClear, LeavesAUsableArrayWhenAnElementThrows)
 
     EXPECT_EQ(0u, array.size());
     array.append(Tracked(7));
+    EXPECT_EQ(7, array[0].number());
+}
+
+TEST_F(ArrayRelease, DestroysTheElementsFirstToLast)
+{
+    Array<Tracked> array = trackedArray(0, 2);
+    Tracked::events.clear();
+
+    array.release();
+
+    EXPECT_THAT(Tracked::events, ElementsAre("destroy 0", "destroy 1", "destroy 2"));
+    EXPECT_EQ(0u, array.size());
+    EXPECT_EQ(0u, array.capacity());
+}
+
+TEST_F(ArrayRelease, FreesTheBlockWithoutANewOne)
+{
+    Array<unsigned int> array = numbers(3);
+    AllocationProbe probe;
+    probe.failAll();
+
+    array.release();
+
+    EXPECT_EQ(0u, probe.count());
+    EXPECT_EQ(-1, probe.balance());
+}
+
+TEST_F(ArrayRelease, LeavesAUsableArrayEvenWhenAnElementThrows)
+{
+    Array<Tracked> array = trackedArray(0, 0);
+    Tracked::throwingDestruction = 0;
+
+    EXPECT_THROW(array.release(), support::Planned);
+
+    array.release();
+    array.append(Tracked(7));
+    EXPECT_EQ(8u, array.capacity());
     EXPECT_EQ(7, array[0].number());
 }
 

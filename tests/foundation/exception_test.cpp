@@ -134,6 +134,26 @@ void expectFixedPart([[maybe_unused]] const char* part, [[maybe_unused]] unsigne
 #endif
 }
 
+TEST(ExceptionMessage, OfAStringHasNoUtf8WithoutMemory)
+{
+    const String message("given");
+    support::AllocationProbe probe;
+    probe.failAll();
+    const qor::Exception error(message);
+
+    const unsigned int size = error.message().size();
+    const char* const what = error.what();
+
+    probe.succeed();
+    EXPECT_EQ(5u, size);
+#if defined(_WIN32) // there the operators of the DLL are out of reach
+    EXPECT_STREQ("given", what);
+#else
+    EXPECT_STREQ("", what);
+    EXPECT_STREQ("given", error.what());
+#endif
+}
+
 TEST(NullPointerWithoutMemory, IsThrownByAnArray)
 {
     support::AllocationProbe probe;

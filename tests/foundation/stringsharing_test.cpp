@@ -132,6 +132,34 @@ TEST(StringSharing, BetweenThreadsKeepsEachTextWhole)
     EXPECT_EQ(String("shared by all of them"), shared);
 }
 
+TEST(StringSharing, BetweenThreadsLosesCountOfNoOwner)
+{
+    String shared("has room");
+    shared.append(" for more");
+    const unsigned short* const buffer = shared.getUCS2Buffer();
+    constexpr int threadCount = 4;
+    std::atomic<int> ready{0};
+    std::vector<std::thread> threads;
+
+    for (int thread = 0; thread < threadCount; ++thread)
+    {
+        threads.emplace_back(
+            [&shared, &ready]
+            {
+                for (++ready; ready < threadCount;)
+                    std::this_thread::yield();
+                for (int i = 0; i < 50'000; ++i)
+                    const String copy(shared);
+            });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    shared.append("!");
+
+    EXPECT_EQ(buffer, shared.getUCS2Buffer()); // as only an unshared text keeps its buffer
+    EXPECT_EQ(String("has room for more!"), shared);
+}
+
 TEST(StringSharing, OutlivesTheThreadThatMadeTheText)
 {
     constexpr int threadCount = 4;

@@ -1,6 +1,8 @@
 #include "tests/foundation/supportallocations.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 namespace
@@ -32,13 +34,22 @@ bool hasToFail(bool nothrow)
     return watch.left != never && watch.left-- == 0; // after the one failure it is `never`
 }
 
+/// Memory that is not zero: what is read before it is written shows.
+void* usedMemory(std::size_t size)
+{
+    void* const memory = std::malloc(size == 0 ? 1 : size);
+    if (memory != nullptr)
+        std::memset(memory, 0xA5, std::min<std::size_t>(size, 4096));
+    return memory;
+}
+
 void* allocate(std::size_t size, bool nothrow)
 {
     if (!watch.active)
-        return std::malloc(size == 0 ? 1 : size);
+        return usedMemory(size);
     ++watch.count;
     watch.largestSize = size > watch.largestSize ? size : watch.largestSize;
-    void* const memory = hasToFail(nothrow) ? nullptr : std::malloc(size == 0 ? 1 : size);
+    void* const memory = hasToFail(nothrow) ? nullptr : usedMemory(size);
     watch.balance += memory == nullptr ? 0 : 1;
     return memory;
 }

@@ -6,8 +6,9 @@ namespace support
 {
 /// Counts the allocations of this thread with `operator new` while this object exists, and can make them fail.
 ///
-/// The test executable replaces the global operators for this. On Windows a DLL has its own operators, so only
-/// templates and inline functions are counted there. At most one probe per thread exists at a time.
+/// The test executable replaces the global operators for this; they give memory that is not zero. On Windows a DLL has
+/// its own operators, so only templates and inline functions are counted there. At most one probe per thread exists at
+/// a time.
 class AllocationProbe
 {
 public:

@@ -26,6 +26,14 @@ constexpr const char* channel = "test.scope.traceOnly";
 qor::LoggerSlot logger;
 }
 
+unsigned int sitesAsked = 0;
+
+qor::TraceSite countedSite()
+{
+    ++sitesAsked;
+    return {scopelog::channel, &scopelog::logger, "counted", __FILE__, __LINE__};
+}
+
 void inner()
 {
     SONAVIT_TRACE(scopelog, "Inner::inner()");
@@ -55,6 +63,21 @@ TEST(TraceLogger, EndsInnerFunctionsBeforeOuterOnes)
 
     EXPECT_THAT(log.entered(), ElementsAre("Outer::outer(const IPart* part)", "Inner::inner()"));
     EXPECT_THAT(log.left(), ElementsAre("Inner::inner()", "Outer::outer(const IPart* part)"));
+}
+
+TEST(TraceLogger, AsksForItsSiteWithinTheMinimumOnly)
+{
+    sitesAsked = 0;
+    {
+        const support::LogCapture log(LoggerPriority::LOG_INFO);
+        const qor::TraceScope scope(countedSite);
+    }
+    EXPECT_EQ(0u, sitesAsked);
+    {
+        const support::LogCapture log(LoggerPriority::LOG_DEBUG);
+        const qor::TraceScope scope(countedSite);
+    }
+    EXPECT_EQ(2u, sitesAsked); // entered and left
 }
 
 TEST(TraceLogger, RecordsLeavingWhenAnExceptionPasses)

@@ -2,6 +2,7 @@
 
 import difflib
 import re
+from collections import Counter
 from dataclasses import dataclass
 
 from structure import ASSIGNMENTS, Structure
@@ -15,6 +16,7 @@ ARITHMETIC = {"+": "-", "-": "+", "*": "/", "/": "*", "%": "/", "|": "&", "+=": 
               "|=": "&="}
 PRIORITIES = {"LOG_DEBUG": "LOG_INFO", "LOG_INFO": "LOG_WARNING", "LOG_WARNING": "LOG_ERROR", "LOG_ERROR": "LOG_WARNING",
               "LOG_FATAL": "LOG_ERROR"}
+CASTS = ("static_cast", "reinterpret_cast", "const_cast", "sizeof")
 BOOLEANS = {"true": "false", "false": "true"}
 RELEASES = re.compile(r"delete|Release|CoTaskMemFree|CoUninitialize|PropVariantClear|CloseHandle|free|unlock|join|detach|stop|"
                       r"(un[rR]egister|Unregister|remove|clear|close|reset|release|destroy|erase|end|pop)\w*")
@@ -24,7 +26,8 @@ REAL = re.compile(r"([0-9']*\.?[0-9]*(?:[eE][+-]?[0-9]+)?)([fFlL]?)")
 
 @dataclass(frozen=True)
 class Change:
-    """Puts replacement in place of what is from start to end in the text of the file at path."""
+    """Puts replacement in place of what is from start to end in the text of the file at path. mark tells it from all others,
+    and stays as it is while other lines of the file change."""
 
     path: str
     kind: str
@@ -36,6 +39,7 @@ class Change:
     replacement: str
     is_code: bool
     last_line: int
+    mark: str
 
     @property
     def id(self):
@@ -61,6 +65,7 @@ class _Finder:
         self.found = []
         self._line_starts = [0] + [match.end() for match in re.finditer("\n", text)]
         self._ids = set()
+        self._marks = Counter()
 
     def add(self, kind, first, last, replacement):
         """replacement for the text of the tokens from first to last"""
@@ -75,7 +80,15 @@ class _Finder:
             variant += 1
         self._ids.add((line, column, kind, variant))
         self.found.append(Change(self.path, kind, line, column, variant, start, end, replacement,
-                                 self.structure.is_code[first], last_line))
+                                 self.structure.is_code[first], last_line, self.mark(kind, line, last_line, start, replacement)))
+
+    def mark(self, kind, line, last_line, start, replacement):
+        """Equal lines are told apart by their number among them."""
+        lines = self.text[self._line_starts[line - 1]:(self._line_starts + [None])[last_line]]
+        offset = start - self._line_starts[line - 1] - (len(lines) - len(lines.lstrip()))
+        mark = f"{self.path} {kind} {offset} {replacement} {lines.strip()}"
+        self._marks[mark] += 1
+        return f"{mark} {self._marks[mark]}"
 
     def is_binary(self, index):
         """Whether blanks are around an operator, which a bracket of a template and a sign do not have."""
@@ -158,7 +171,7 @@ class _Finder:
         if {one.kind, other.kind} != {"assignment"}:
             return False
         texts = [[token.text for token in self.tokens[each.first:each.last]] for each in (one, other)]
-        if any({"(", "++", "--"} & set(each) for each in texts):
+        if any({"++", "--"} & set(each) or each.count("(") > sum(each.count(cast) for cast in CASTS) for each in texts):
             return False
         targets = [" ".join(each[:next(index for index, text in enumerate(each) if text in ASSIGNMENTS)]) for each in texts]
         return all(f" {target} " not in f" {' '.join(text)} " for target, text in zip(targets, reversed(texts)))

@@ -1,6 +1,10 @@
 """One run over some folders of the product."""
 
+import atexit
 import hashlib
+import shutil
+import tempfile
+from pathlib import Path
 
 import accepted
 import report
@@ -35,7 +39,16 @@ class Run:
         self._work = work
         self._jobs = jobs
         self._again_survivors = again_survivors
+        self._scratch = None
         self._entries = accepted.entries_of(ACCEPTED.read_text(encoding="utf-8"))
+
+    def _scratch_folder(self):
+        """A folder of this run alone, as another one may be under way in the same build folder."""
+        if self._scratch is None:
+            self._work.mkdir(parents=True, exist_ok=True)
+            self._scratch = Path(tempfile.mkdtemp(prefix="scratch.", dir=self._work))
+            atexit.register(shutil.rmtree, self._scratch, ignore_errors=True)
+        return self._scratch
 
     def _results(self, folder):
         programs = [digest_of(self._build.program(name)) for name in folder.tests]
@@ -47,7 +60,7 @@ class Run:
     def folder(self, folder, texts, changes, count, least):
         """The report on the first count of these changes that have a verdict."""
         coverages = {name: coverage_of(self._build, name, self._work / "reached", self._jobs) for name in folder.tests}
-        trial = Trial(self._build, coverages, self._work / "scratch")
+        trial = Trial(self._build, coverages, self._scratch_folder())
         results = self._results(folder)
         progress = Progress(folder.name, min(count, len(changes)), lambda line: print(line, flush=True))
 

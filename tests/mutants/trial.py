@@ -1,6 +1,7 @@
 """Trying a change: making the programs that have it, and running the tests that reach it."""
 
 from dataclasses import dataclass
+from functools import lru_cache
 
 import order
 from making import SANITIZED, Maker, attempt
@@ -10,6 +11,9 @@ from running import SANITIZED_LIMITS, SANITIZER_OPTIONS, failure, run_tests
 KILLED, SURVIVED, UNREACHED = "killed", "survived", "unreached"
 # These are thrown away, and others take their place.
 UNCOMPILABLE, EQUAL = "uncompilable", "equal"
+
+# How many batches of tests are quick.
+QUICK = 2
 
 
 @dataclass(frozen=True)
@@ -33,6 +37,11 @@ def _seconds(tests):
     return 20 + 10 * sum(test.seconds for test in tests)
 
 
+def _quick(plan, path):
+    """The tests of the quick batches, for what takes long."""
+    return [test for batch in order.batches(plan.tests, path)[:QUICK] for test in batch]
+
+
 class Trial:
     """coverages has the coverage of each program by name. Several threads may try changes, each in a folder of its own."""
 
@@ -48,14 +57,15 @@ class Trial:
         tried = attempt(change, self._folder / worker)
         if not plans:
             return self._judged_unreached(change, programs, tried)
+        is_equal = lru_cache(maxsize=None)(lambda item: self._maker.is_equal(item, tried))
         for plan in plans:
             program = self._maker.program(plan, tried)
             if program is None:
                 return Verdict(UNCOMPILABLE)
-            test = self._killing_together(change, plan, program, tried.folder)
+            test = self._killing_together(plan, program, tried, is_equal)
             if test is not None:
                 return Verdict(KILLED, test)
-        return self._judged_closely(plans, tried)
+        return self._judged_closely(plans, tried, is_equal)
 
     def _judged_unreached(self, change, programs, tried):
         """A change that no test reaches survives, if it is compiled into a program and makes a difference there."""
@@ -66,10 +76,10 @@ class Trial:
                 return Verdict(EQUAL) if self._maker.is_equal(item, tried) else Verdict(UNREACHED)
         return Verdict(UNCOMPILABLE)
 
-    def _judged_closely(self, plans, tried):
+    def _judged_closely(self, plans, tried, is_equal):
         """For a change that the tests have not noticed when they ran together: whether it is one, whether a test notices
         that is the first of its process, and whether sanitizers do, with which the tests run, too."""
-        if all(self._maker.is_equal(item, tried) for plan in plans for item in plan.objects):
+        if all(is_equal(item) for plan in plans for item in plan.objects):
             return Verdict(EQUAL)
         for killing, how in ((self._killing_alone, "alone"), (self._killing_sanitized, "with sanitizers")):
             for plan in plans:
@@ -78,9 +88,13 @@ class Trial:
                     return Verdict(KILLED, f"{test}, {how}")
         return Verdict(SURVIVED, f"{len({test for plan in plans for test in plan.tests})} tests")
 
-    def _killing_together(self, change, plan, program, folder):
-        """The test that fails, of those that run in one process; None if all tests pass."""
-        for batch in order.batches(plan.tests, change.path):
+    def _killing_together(self, plan, program, tried, is_equal):
+        """The test that fails, of those that run in one process; None if all tests pass. The slow ones are not asked about
+        what is the same."""
+        folder = tried.folder
+        for number, batch in enumerate(order.batches(plan.tests, tried.path)):
+            if number == QUICK and all(is_equal(item) for item in plan.objects):
+                return None
             outcome = run_tests(program, [test.name for test in batch], folder, _seconds(batch))
             test = failure(outcome, len(batch))
             if test is not None and (test.endswith("(hangs)") or self._is_confirmed(test, batch, plan, program, folder)):
@@ -99,9 +113,9 @@ class Trial:
         return original is None and again is not None
 
     def _killing_alone(self, plan, tried):
-        """The test that fails in a process of its own; only those of the first batches are asked."""
+        """The test that fails in a process of its own."""
         program = self._maker.program(plan, tried)
-        for test in [test for batch in order.batches(plan.tests, tried.path)[:2] for test in batch]:
+        for test in _quick(plan, tried.path):
             killing = failure(run_tests(program, [test.name], tried.folder, _seconds([test])), 1)
             if killing is not None:
                 return killing
@@ -115,9 +129,10 @@ class Trial:
             program = self._maker.program(plan, attempt, SANITIZED)
             if program is None:
                 return None
-            outcome = run_tests(program, [test.name for test in plan.tests], tried.folder, 5 * _seconds(plan.tests),
-                                SANITIZED_LIMITS, ASAN_OPTIONS=SANITIZER_OPTIONS)
-            return failure(outcome, len(plan.tests))
+            tests = _quick(plan, tried.path)
+            outcome = run_tests(program, [test.name for test in tests], tried.folder, 5 * _seconds(tests), SANITIZED_LIMITS,
+                                ASAN_OPTIONS=SANITIZER_OPTIONS)
+            return failure(outcome, len(tests))
 
         test = failing(tried)
         return test if test is not None and failing(tried.original) is None else None

@@ -1,4 +1,5 @@
 #include "tests/simulator/bench.h"
+#include "tests/support/pace.h"
 
 #include <atomic>
 #include <chrono>
@@ -12,7 +13,7 @@ using bench::textOf;
 using std::chrono::microseconds;
 
 constexpr unsigned threadCount = 4;
-constexpr unsigned rounds = 4000;
+constexpr unsigned rounds = support::cases(4000, 1000);
 
 /// Several threads use the same part of the machine at once. What is counted at the end comes out wrong, or the process
 /// dies, if two of them meet in it without a lock.

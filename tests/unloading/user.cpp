@@ -17,20 +17,27 @@ public:
     void onDeviceRemoved() override {}
 };
 
-std::vector<SoundCard>* kept = nullptr;
+/// What the module keeps: for good, as the library may use an observer to its own end, after that of the module.
+struct Kept
+{
+    Observer observer;
+    std::vector<SoundCard> cards;
+};
+
+Kept* kept = nullptr;
 }
 
 /// Discovers the cards, keeps them and registers an observer with each.
 /// @return the number of cards
 UNLOADING_EXPORT unsigned keepCards()
 {
-    static auto* const observer = new Observer;
+    if (kept == nullptr)
+        kept = new Kept;
     const qor::Array<SoundCard> cards = SoundCard::enumerateSystemSoundDevices();
-    kept = new std::vector<SoundCard>;
     for (unsigned int i = 0; i < cards.size(); ++i)
     {
-        kept->push_back(cards[i]);
-        kept->back().registerPlaybackObserver(BorrowedPointer<SoundCardObserver>(observer));
+        kept->cards.push_back(cards[i]);
+        kept->cards.back().registerPlaybackObserver(BorrowedPointer<SoundCardObserver>(&kept->observer));
     }
     return cards.size();
 }
@@ -38,6 +45,11 @@ UNLOADING_EXPORT unsigned keepCards()
 /// Destroys the cards. The clients that they have registered stay with the shared enumerator.
 UNLOADING_EXPORT void dropCards()
 {
-    delete kept;
-    kept = nullptr;
+    kept->cards.clear();
+}
+
+/// What outlives the module. A program that looks for lost memory remembers it.
+UNLOADING_EXPORT const void* keptObjects()
+{
+    return kept;
 }

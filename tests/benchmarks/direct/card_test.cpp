@@ -22,8 +22,8 @@ namespace
 {
 using directvalues::Lines;
 
-constexpr std::uint32_t comparedMachines = support::cases(100, 20);
-constexpr std::uint32_t comparedInATest = support::cases(20, 10);
+constexpr std::uint32_t comparedMachines = support::cases(100, 10);
+constexpr std::uint32_t comparedInATest = support::cases(20, 5);
 constexpr std::size_t mostComparedEvents = 8;
 
 /// What one step did.

@@ -4,6 +4,7 @@
 #include "simulator/simulation.h"
 #include "sonavit/snapshot.h"
 #include "sonavit/system.h"
+#include "tests/support/pace.h"
 #include "tests/support/randommachine.h"
 
 #include <gmock/gmock.h>
@@ -90,7 +91,7 @@ TEST(MakeAnonymousShippedMachine, StaysValidAndGivesTheSameTree)
 
 TEST(MakeAnonymousRandomMachine, StaysValidAndGivesTheSameTree)
 {
-    for (std::uint32_t seed = 0; seed < 100; ++seed)
+    for (std::uint32_t seed = 0; seed < support::cases(100, 20); ++seed)
     {
         SCOPED_TRACE(seed);
         const sim::Machine machine = support::randomMachine(seed);

@@ -4,6 +4,7 @@
 #include "tests/client/capturing/supporthardware.h"
 #include "tests/client/capturing/supportsweep.h"
 #include "tests/support/clienttest.h"
+#include "tests/support/pace.h"
 
 #include <map>
 #include <string>
@@ -77,8 +78,9 @@ TEST_F(SurveyHardwareWithFaults, AnyCallThatFailsOnceIsReplayed)
     const std::vector<std::pair<std::string, std::uint32_t>> calls = hardwareCalls();
     simulation().journal().record(false);
     ASSERT_LT(100u, calls.size());
-    for (const auto& [operation, number] : calls)
+    for (std::size_t i = 0; i < calls.size(); i += support::cases(1, 6))
     {
+        const auto& [operation, number] = calls[i];
         SCOPED_TRACE(operation + ", call " + std::to_string(number));
         sim::FaultRule rule;
         rule.operation = operation;

@@ -202,7 +202,10 @@ public:
 TEST_F(CaptureRoundTrip, OfEachShippedMachineAnswersAlike)
 {
     for (const std::string& name : sim::machineNames())
-        expectRoundTrip(sim::findMachine(name));
+    {
+        if (!support::isSlow || name != "crowded")
+            expectRoundTrip(sim::findMachine(name));
+    }
 }
 
 TEST_F(CaptureRoundTrip, OfAMachineWithEveryFieldAnswersAlike)

@@ -3,6 +3,7 @@
 #include "simulator/machine/file/check.h"
 #include "simulator/machine/file/machinefile.h"
 #include "simulator/machine/propertykeys.h"
+#include "tests/support/pace.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -82,7 +83,7 @@ private:
 
 TEST(RandomMachine, IsTheSameForTheSameSeedAndCanBeReadBackFromItsFile)
 {
-    for (std::uint32_t seed = 0; seed < 100; ++seed)
+    for (std::uint32_t seed = 0; seed < support::cases(100, 20); ++seed)
     {
         const sim::Machine machine = support::randomMachine(seed);
 

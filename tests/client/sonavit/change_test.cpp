@@ -1,6 +1,7 @@
 #include "sonavit/change.h"
 
 #include "tests/client/sonavit/supportsnapshots.h"
+#include "tests/support/pace.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -86,7 +87,7 @@ std::string shown(const Snapshot& before, const Snapshot& after)
 TEST(SnapshotDifference, LeadsFromAnySnapshotToAnyOther)
 {
     support::SnapshotGenerator generator(1);
-    for (int i = 0; i < 2000; ++i)
+    for (std::uint32_t i = 0; i < support::cases(2000, 400); ++i)
     {
         const Snapshot before = generator.snapshot();
         const Snapshot after = generator.snapshot();

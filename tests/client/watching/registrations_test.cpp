@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <vector>
 
 using namespace sonavit;
 using namespace sonavit::watching;
@@ -69,7 +70,22 @@ TEST_F(RegistrationEnd, KeepsTheListenerForGoodIfThePlatformRefuses)
     EXPECT_TRUE(m_alarm->isRung);
     simulation().faults().clear();
     EXPECT_EQ(S_OK, m_volume->UnregisterControlChangeNotify(listener));
-    listener->Release();
+}
+
+TEST_F(RegistrationEnd, KeepsAllListenersWithinReach)
+{
+    simulation().faults().fail("IAudioEndpointVolume::UnregisterControlChangeNotify");
+    std::vector<VolumeListener*> listeners;
+    for (int i = 0; i < 2; ++i)
+    {
+        VolumeRegistration registration = registerForVolume(*m_volume, m_inbox, m_endpoint);
+        listeners.push_back(registration.m_listener);
+    }
+
+    EXPECT_EQ(listeners[0], listeners[1]->m_nextKept);
+    simulation().faults().clear();
+    for (VolumeListener* const listener : listeners)
+        EXPECT_EQ(S_OK, m_volume->UnregisterControlChangeNotify(listener));
 }
 
 TEST_F(RegistrationEnd, DoesNothingIfTheRegistrationHasFailed)

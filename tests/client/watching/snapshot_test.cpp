@@ -57,4 +57,45 @@ TEST_F(SystemSnapshot, ReleasesEverythingOnTheWorkerAtTheEndOfTheSystem)
     EXPECT_NE(std::this_thread::get_id(), calls[0].thread);
     EXPECT_EQ(kept, watching::keptListeners());
 }
+
+/// Of two ids that differ in case alone, which are one id, the platform's list has the first one's endpoint.
+class SnapshotOfTwoCases : public SystemSnapshot
+{
+protected:
+    static constexpr const char* lower = "{0.0.0.00000000}.{ff85b6a4-df35-4427-b365-431a7da80d5e}";
+    static constexpr const char* upper = "{0.0.0.00000000}.{FF85B6A4-DF35-4427-B365-431A7DA80D5E}";
+
+    /// The id as the snapshot writes it.
+    static std::string written(const Snapshot& snapshot)
+    {
+        const std::optional<Endpoint> endpoint = snapshot.endpoint(EndpointId(lower));
+        return endpoint ? endpoint->id().text() : "none";
+    }
+
+    void failTheFirstOnesItem() { simulation().faults().fail("IMMDeviceCollection::Item").with("4"); }
+};
+
+TEST_F(SnapshotOfTwoCases, HasTheFirstOneAsSoonAsTheListHasItAgain)
+{
+    play("broken").deliverAtOnce(true);
+    failTheFirstOnesItem();
+    System audio(polledOptions());
+    EXPECT_EQ(upper, written(audio.snapshot()));
+    simulation().faults().clear();
+
+    const Snapshot again = audio.refresh(Depth::everything).value();
+
+    EXPECT_EQ(lower, written(again));
+    const Snapshot other = System(polledOptions()).snapshot();
+    EXPECT_EQ(other.endpoint(EndpointId(lower)), again.endpoint(EndpointId(lower)));
+}
+
+TEST_F(SnapshotOfTwoCases, KeepsTheFirstOneWhileTheListLacksIt)
+{
+    watch("broken");
+    ASSERT_EQ(lower, written(audio().snapshot()));
+    failTheFirstOnesItem();
+
+    EXPECT_EQ(lower, written(audio().refresh(Depth::everything).value()));
+}
 }

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <memory>
 #include <thread>
+#include <vector>
 
 namespace ends
 {
@@ -19,6 +20,13 @@ const char* const library = "libSonavit.dll";
 #else
 const char* const library = "libSonavit.so.0";
 #endif
+
+/// What modules keep beyond their own end is not lost: the program has it, to its end.
+void keptForGood(const void* objects)
+{
+    static auto& all = *new std::vector<const void*>;
+    all.push_back(objects);
+}
 
 /// The module, while it is loaded.
 class User
@@ -36,6 +44,7 @@ public:
         machine().registerOnThisThread();
         const unsigned count = m_module->function<unsigned()>("keepCards")();
         printLine((std::to_string(count) + " cards").c_str());
+        keptForGood(m_module->function<const void*()>("keptObjects")());
     }
 
     void dropCards() { m_module->function<void()>("dropCards")(); }

@@ -110,11 +110,23 @@ bool onlyReleasesFail(const std::vector<Fault>& faults)
     return std::all_of(faults.begin(), faults.end(), [](const Fault& fault) { return fault.mode == Mode::raise; });
 }
 
-bool hasFailedUnregistration(const std::vector<Fault>& faults)
+long refusedUnregistrations(const Record& record)
 {
-    return std::any_of(faults.begin(), faults.end(),
-                       [](const Fault& fault)
-                       { return fault.call.entry.operation.find("::Unregister") != std::string::npos; });
+    long count = 0;
+    for (std::size_t i = 0; i < record.faults.size(); ++i)
+    {
+        const std::string& operation = record.faults[i].call.entry.operation;
+        count += record.fired.at(i) && operation.find("::Unregister") != std::string::npos ? 1 : 0;
+    }
+    return count;
+}
+
+long registeredClients(const sim::Census& census)
+{
+    long count = 0;
+    for (const auto& [interface, clients] : census.clients)
+        count += clients;
+    return count;
 }
 
 long unfreedValues(const sim::JournalEntries& calls)

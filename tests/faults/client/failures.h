@@ -3,7 +3,7 @@
 #pragma once
 
 #include "sonavit/problem.h"
-#include "tests/faults/engine/fault.h"
+#include "tests/faults/engine/run.h"
 
 #include <vector>
 
@@ -27,6 +27,9 @@ bool onlyReleasesFail(const std::vector<Fault>& faults);
 /// The values that the platform has failed to free, and that may have memory of their own.
 long unfreedValues(const sim::JournalEntries& calls);
 
-/// Whether the platform does not let a listener go.
-bool hasFailedUnregistration(const std::vector<Fault>& faults);
+/// The listeners that the platform has not let go.
+long refusedUnregistrations(const Record& record);
+
+/// The clients of all interfaces.
+long registeredClients(const sim::Census& census);
 }

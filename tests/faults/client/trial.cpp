@@ -1,5 +1,6 @@
 #include "tests/faults/client/trial.h"
 
+#include "client/watching/registrations.h"
 #include "tests/faults/client/failures.h"
 
 #include <algorithm>
@@ -47,11 +48,12 @@ ClientTrial::ClientTrial(sim::Machine machine, std::shared_ptr<const Targets> ta
 
 Record ClientTrial::perform(std::vector<Fault> faults)
 {
+    const std::size_t kept = watching::keptListeners();
     Stage stage(m_machine, *m_targets);
     Run run(stage.simulation(), std::move(faults));
     use(run, stage);
     stage.endSystem();
-    judgeEnd(run, stage);
+    judgeEnd(run, stage, kept);
     return std::move(run.record());
 }
 
@@ -154,16 +156,18 @@ void ClientTrial::tryAgain(Run& run, Stage& stage) const
         run.report(Kind::reuse, "an event of a volume does not come any more");
 }
 
-/// The layer keeps nothing, apart from a listener that the platform does not let go and a value that it does not free.
-void ClientTrial::judgeEnd(Run& run, Stage& stage) const
+/// The layer keeps nothing, apart from listeners that the platform does not let go and values that it does not free.
+void ClientTrial::judgeEnd(Run& run, Stage& stage, std::size_t kept) const
 {
     const sim::Census left = stage.left();
     Record& record = run.record();
     record.left = left;
-    const bool isKept = hasFailedUnregistration(record.faults);
-    const bool isReferred = left.references() != 0 || !left.clients.empty();
-    if ((isReferred && !isKept) || left.taskBlocks() > unfreedValues(stage.simulation().journal().entries()))
+    const long refused = refusedUnregistrations(record);
+    if (left.references() != 0 || registeredClients(left) != refused ||
+        left.taskBlocks() > unfreedValues(stage.simulation().journal().entries()))
         run.report(Kind::references, left.describe());
+    if (static_cast<long>(watching::keptListeners() - kept) != refused)
+        run.report(Kind::references, "a listener is kept that the platform has let go, or the other way round");
     if (stage.simulation().comUnderflows() != 0)
         run.report(Kind::references, "COM is left more often than it was entered");
     for (const std::string& violation : stage.violations)

@@ -26,7 +26,8 @@ private:
     void judge(Run& run, const Answer& answer, const Facts& truth, const Facts& former) const;
     Facts machineNow(Stage& stage) const;
     void tryAgain(Run& run, Stage& stage) const;
-    void judgeEnd(Run& run, Stage& stage) const;
+    /// @param kept listeners, before
+    void judgeEnd(Run& run, Stage& stage, std::size_t kept) const;
 
     sim::Machine m_machine;
     std::shared_ptr<const Targets> m_targets;

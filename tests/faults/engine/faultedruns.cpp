@@ -43,8 +43,10 @@ std::vector<bool> FaultedRuns::chosenCalls() const
     const std::size_t most = std::max(m_sweep.extent.runsAtLeast, m_sweep.extent.platformCalls / (callsOfRun + 1));
     const std::size_t distance = count / most + 1;
     std::vector<bool> chosen(count, false);
-    for (std::size_t i = 0; i < count; i += distance)
+    for (std::size_t i = m_sweep.extent.turn % distance; i < count; i += distance)
         chosen[i] = true;
+    if (!m_sweep.extent.hasKinds)
+        return chosen;
     std::map<std::string, std::size_t> last;
     for (std::size_t i = 0; i < count; ++i)
     {

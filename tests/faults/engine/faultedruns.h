@@ -15,6 +15,8 @@ struct Extent
     std::size_t platformCalls = 400'000; ///< about as many as all runs together may make; decides how many calls fail
     std::size_t runsAtLeast = 60;        ///< however many calls the operation makes
     std::size_t pairs = 0;               ///< runs with two failing calls, at most
+    bool hasKinds = true;                ///< whether the first and the last call of each kind fail in any case
+    std::size_t turn = 0;                ///< where calls at equal distances begin, so that operations share them
 };
 
 /// An operation as this class needs it.

@@ -58,12 +58,13 @@ struct Excuse
     std::string run;    ///< "*:null"
     std::string detail; ///< also begins with '*' if what comes first does not matter
     Kind kind;
-    std::string reason; ///< why, for people
+    std::string reason;     ///< why, for people
+    std::string text = "*"; ///< of the finding: "signal 6*"
 };
 
 /// Whether @p text is like @p pattern, in which each '*' stands for any text.
 bool isLike(const std::string& text, const std::string& pattern);
 
 /// Whether the excuse is about that finding.
-bool excuses(const Excuse& excuse, const Place& place, Kind kind);
+bool excuses(const Excuse& excuse, const Place& place, const Finding& finding);
 }

@@ -31,7 +31,7 @@ void Report::onRun(const Place& place, std::size_t failures, const std::vector<F
     bool isExcusedRun = false;
     for (const Finding& finding : findings)
     {
-        if (isExcused(place, finding.kind))
+        if (isExcused(place, finding))
         {
             isExcusedRun = true;
             continue;
@@ -42,12 +42,12 @@ void Report::onRun(const Place& place, std::size_t failures, const std::vector<F
     tally.excused += isExcusedRun ? 1 : 0;
 }
 
-bool Report::isExcused(const Place& place, Kind kind)
+bool Report::isExcused(const Place& place, const Finding& finding)
 {
     const auto part = std::find_if(m_parts.begin(), m_parts.end(), [&](const Part& p) { return p.name == place.part; });
     for (std::size_t i = 0; part != m_parts.end() && i < part->excuses.size(); ++i)
     {
-        if (!excuses(part->excuses[i], place, kind))
+        if (!excuses(part->excuses[i], place, finding))
             continue;
         ++m_uses[place.part][i];
         return true;
@@ -82,8 +82,9 @@ void Report::conclude(const std::string& part, bool isWhole)
     for (const auto& [machine, extent] : m_extents[part])
     {
         if (extent.tried != extent.calls)
-            m_output << part << " on " << machine << ": " << grouped(extent.tried) << " of " << grouped(extent.calls)
-                     << " calls fail, the first and the last of each kind and calls at equal distances\n";
+            m_output
+                << part << " on " << machine << ": " << grouped(extent.tried) << " of " << grouped(extent.calls)
+                << " calls fail, those at equal distances and on small machines the first and the last of each kind\n";
     }
     const auto known = std::find_if(m_parts.begin(), m_parts.end(), [&](const Part& p) { return p.name == part; });
     if (isWhole && known != m_parts.end())

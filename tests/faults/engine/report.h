@@ -35,7 +35,7 @@ private:
         std::size_t tried = 0;
     };
 
-    bool isExcused(const Place& place, Kind kind);
+    bool isExcused(const Place& place, const Finding& finding);
     void tell(const Place& place, const Finding& finding);
     void tellNeedlessExcuses(const Part& part);
 

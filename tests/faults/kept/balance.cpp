@@ -1,8 +1,10 @@
 #include "tests/faults/kept/balance.h"
 
 #include "libSonavit/endpointdeviceenumerator.h"
+#include "libSonavit/soundcardinterface.h"
 #include "libSonavit/soundcardupdater.h"
 #include "simulator/machine/propertykeys.h"
+#include "simulator/redirection.h"
 
 #include <algorithm>
 #include <utility>
@@ -184,6 +186,7 @@ Balance balanceOf(const Row& row, const sim::Machine& machine)
     CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     Balance balance;
     {
+        const sim::Redirection library(reinterpret_cast<const void*>(&enumerateSoundCards)); // its wave functions, too
         sim::Simulation simulation(machine);
         simulation.deliverAtOnce(true);
         {

@@ -1,13 +1,17 @@
 #include "tests/faults/kept/rounds.h"
 
 #include "client/reading/endpointreading.h"
+#include "client/worker/worker.h"
 #include "libSonavit/endpointdeviceenumerator.h"
+#include "libSonavit/soundcardinterface.h"
 #include "simulator/redirection.h"
 #include "tests/faults/kept/balance.h"
 #include "tests/faults/kept/holdings.h"
+#include "tests/support/manualclock.h"
 #include "tests/support/pace.h"
 
 #include <algorithm>
+#include <chrono>
 #include <memory>
 
 namespace faults::kept
@@ -16,8 +20,6 @@ using namespace sonavit;
 
 namespace
 {
-using CaptureFunction = sonavit::Result<Capture> (*)(System&, const CaptureOptions&); // one of the layer's module
-
 /// In which caches fill: so many operations are done once, at least.
 unsigned firstRoundsOf(unsigned rounds)
 {
@@ -59,7 +61,7 @@ private:
     const Holdings m_holdings = holdings();
 };
 
-/// A machine for code on any thread, with notifications at once and no records.
+/// A machine for code on any thread, with notifications at once and no records, and a clock of its own.
 class Stage
 {
 public:
@@ -67,6 +69,7 @@ public:
         : m_isInitialized(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED))),
           m_simulation(std::make_unique<sim::Simulation>(machine))
     {
+        worker::replaceClock(m_clock);
         m_simulation->deliverAtOnce(true);
         m_simulation->journal().record(false);
         m_simulation->latency().clear();
@@ -75,6 +78,7 @@ public:
     {
         libSonavit::AudioDeviceEnumeratorFactory::m_enumerator = nullptr; // as the end of the module does
         m_simulation.reset();
+        worker::replaceClock(nullptr);
         if (m_isInitialized)
             CoUninitialize();
     }
@@ -91,9 +95,20 @@ public:
         return options;
     }
 
+    /// Lets as much time pass as between an announcement and its reading.
+    void pass() { m_clock->advance(std::chrono::milliseconds(60)); }
+    /// Lets so much time pass that the layer releases what it has kept for a while, and waits until it has.
+    void rest()
+    {
+        m_clock->advance(std::chrono::seconds(10));
+        worker::Worker::current()->settle();
+    }
+
 private:
     const bool m_isInitialized;
-    sim::Redirection m_redirection{reinterpret_cast<const void*>(static_cast<CaptureFunction>(&sonavit::capture))};
+    const std::shared_ptr<support::ManualClock> m_clock = std::make_shared<support::ManualClock>();
+    const sim::Redirection m_library{reinterpret_cast<const void*>(&enumerateSoundCards)};
+    const sim::Redirection m_client{reinterpret_cast<const void*>(&reading::createEnumerator)};
     std::unique_ptr<sim::Simulation> m_simulation;
 };
 }
@@ -121,26 +136,21 @@ Growth growthOf(const std::vector<memory::ClientCase>& cases, const sim::Machine
     const auto perform = [&](std::size_t round)
     {
         subjects[round % subjects.size()]->work();
+        stage.pass();
         if (round % subjects.size() == 0)
             static_cast<void>(audio.refresh(Depth::everything));
     };
-    for (std::size_t round = 0; round < firstRoundsOf(rounds); ++round)
-        perform(round);
-    static_cast<void>(audio.refresh(Depth::everything));
-    static_cast<void>(audio.graph()); // the layer keeps the latest walk for a moment
-    const Watchman watchman(stage.simulation());
-    for (std::size_t round = 0; round < rounds; ++round)
-        perform(round);
-    static_cast<void>(audio.refresh(Depth::everything));
-    Growth growth;
-    for (unsigned attempt = 0; attempt < 20; ++attempt)
+    const auto performAll = [&](unsigned count)
     {
-        static_cast<void>(audio.graph());
-        growth = watchman.growth(rounds);
-        if (growth.empty())
-            break;
-    }
-    return growth;
+        for (unsigned round = 0; round < count; ++round)
+            perform(round);
+        static_cast<void>(audio.refresh(Depth::everything));
+        stage.rest();
+    };
+    performAll(firstRoundsOf(rounds));
+    const Watchman watchman(stage.simulation());
+    performAll(rounds);
+    return watchman.growth(rounds);
 }
 
 Growth growthOfSystems(const sim::Machine& machine, unsigned rounds)

@@ -225,6 +225,9 @@ std::vector<Effect> effectsOnDefault()
     for (const char* const call : {"CoCreateInstance(*", "IMMDevice::QueryInterface(*", "IMMEndpoint::GetDataFlow(*",
                                    "IMMDeviceEnumerator::GetDefaultAudioEndpoint(*", "IMMDevice::GetId(*"})
         effects.push_back({call, "fail", "default ", "no"});
+    for (const char* const call :
+         {"CoCreateInstance(*", "IMMDevice::QueryInterface(*", "IMMDeviceEnumerator::GetDefaultAudioEndpoint(*"})
+        effects.push_back({call, "null", "default ", "no"});
     for (const char* const call : {"IMMEndpoint::GetDataFlow(*", "IMMDevice::GetId(*"})
         effects.push_back({call, "null", "default ", "*"});
     return effects;
@@ -240,7 +243,7 @@ std::vector<Operation> deviceOperations()
                        std::vector<Effect>{{"IMMDevice::OpenPropertyStore(*", "*", "read ", "no"},
                                            {"IMMDevice::GetState(*", "null", "state ", "0"},
                                            {"CLSIDFromString(*", "*", "sound ", "*"},
-                                           {"IPropertyStore::GetValue(directSoundGuid*", "null", "sound ", "*"},
+                                           {"IPropertyStore::GetValue(endpointGuid*", "null", "sound ", "*"},
                                            {"IConnector::*", "*", "jack ", "*"},
                                            {"IPart::GetSubType(*", "*", "jack ", "*"}}),
             onEndpoint("AudioDevice::refreshDeviceState", refreshState,
@@ -256,6 +259,7 @@ std::vector<Operation> deviceOperations()
             onEndpoint("AudioDevice::waveLegacyDeviceID", waveId,
                        std::vector<Effect>{{"IMMDevice::QueryInterface(*", "*", "wave ", "4294967295"},
                                            {"IMMEndpoint::GetDataFlow(*", "*", "wave ", "*"},
+                                           {"CoTaskMemAlloc(*", "*", "wave ", "4294967295"},
                                            {"wave*", "*", "wave ", "*"}}),
             onEndpoint("AudioDevice::audioClient", clientOf,
                        std::vector<Effect>{{"IMMDevice::Activate(*", "*", "client ", "no"}}),
@@ -265,8 +269,8 @@ std::vector<Operation> deviceOperations()
             onEndpoint("AudioDevice copies", copyOf, std::vector<Effect>{}),
             {"AudioDevice::setFormat", setFormat, nullptr,
              std::vector<Effect>{{"IPropertyStore::SetValue(*", "fail", "set ", "no"},
-                                 {"IMMDevice::OpenPropertyStore(*", "*", "set ", "no"},
-                                 {"IMMDevice::OpenPropertyStore(*", "*", "store ", "no"}}},
+                                 {"IMMDevice::OpenPropertyStore(*", "fail", "set ", "no"},
+                                 {"IMMDevice::OpenPropertyStore(*", "fail", "store ", "no"}}},
             {"AudioDevice::setFormat, end", restoreFormat}};
 }
 }

@@ -6,6 +6,7 @@
 #include "tests/faults/library/operation.h"
 
 #include <algorithm>
+#include <list>
 #include <stdexcept>
 
 namespace faults::library
@@ -83,9 +84,10 @@ struct FoundControls
     Lines lines;
 };
 
-std::vector<FoundControls> controlsOf(const qor::Array<SoundCard>& cards)
+/// In a list: a vector that grows loses what it copies if a destructor throws.
+std::list<FoundControls> controlsOf(const qor::Array<SoundCard>& cards)
 {
-    std::vector<FoundControls> all;
+    std::list<FoundControls> all;
     for (unsigned int i = 0; i < std::min(cards.size(), fewCards); ++i)
     {
         for (const AudioDevice* const endpoint : someEndpoints(cards[i]))
@@ -97,7 +99,7 @@ std::vector<FoundControls> controlsOf(const qor::Array<SoundCard>& cards)
     return all;
 }
 
-Lines linesOf(const std::vector<FoundControls>& all)
+Lines linesOf(const std::list<FoundControls>& all)
 {
     Lines lines;
     for (const FoundControls& found : all)
@@ -112,7 +114,7 @@ Lines linesOf(const std::vector<FoundControls>& all)
 void findControls(Run& run)
 {
     const qor::Array<SoundCard> cards = SoundCard::enumerateSystemSoundDevices();
-    std::vector<FoundControls> found;
+    std::list<FoundControls> found;
     run.act([&] { found = controlsOf(cards); });
     for (const std::string& line : linesOf(found))
         run.answer(line);

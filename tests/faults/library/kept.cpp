@@ -103,7 +103,7 @@ sim::Census keptAfter(const Record& run, const sim::Machine& machine)
         if (isNeighbourWalk(call.operation) && isSuccess)
             ++kept.byInterface["IPartsList"];
         if (call.operation == "IPropertyStore::GetValue" && isSuccess && !call.arguments.empty() &&
-            call.arguments.front() == "directSoundGuid" && hasDirectSoundText(machine, call.object))
+            call.arguments.front() == "endpointGuid" && hasDirectSoundText(machine, call.object))
             ++kept.taskMemory[call.operation + " " + call.object];
         if (call.operation == "IMMDevice::GetId" && isSuccess && answersDefault)
             ++kept.taskMemory[call.operation + " " + call.object];

@@ -7,14 +7,22 @@ namespace faults::library
 {
 namespace
 {
-constexpr std::size_t pairs = 300;
+constexpr std::size_t pairs = 400;
+constexpr std::size_t pairsOfShipped = 120;
 
-constexpr std::size_t platformCalls = 100'000;
-constexpr std::size_t runsAtLeast = 20;
+bool isSmall(const std::string& machine)
+{
+    return machine == "virtual" || machine == "remote-desktop" || machine == "empty";
+}
 
 MachineChoice shipped(const std::string& name)
 {
-    return {name, [name] { return sim::findMachine(name); }, {platformCalls, runsAtLeast, 0}};
+    MachineChoice choice = {name, [name] { return sim::findMachine(name); }, {}};
+    if (isSmall(name))
+        choice.extent.pairs = pairsOfShipped;
+    else
+        choice.extent = {3'000, 2, 0, false};
+    return choice;
 }
 
 MachineChoice built(const std::string& name, std::size_t mostPairs)
@@ -33,7 +41,10 @@ std::vector<MachineChoice> machines()
     for (const std::string& name : support::smallMachines())
         all.push_back(built(name, pairs));
     for (const char* const name : {"adapters-closed", "chain-2", "ids-in-other-case", "ids-missing", "ids-twice"})
+    {
         all.push_back(built(name, 0));
+        all.back().extent = {10'000, 4, 0, false};
+    }
     return all;
 }
 }

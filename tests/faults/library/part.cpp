@@ -11,7 +11,7 @@ namespace faults::library
 {
 namespace
 {
-Job jobOf(const Operation& operation, const MachineChoice& choice)
+Job jobOf(const Operation& operation, const MachineChoice& choice, std::size_t turn)
 {
     const auto prepare = [=]() -> std::unique_ptr<Runs>
     {
@@ -20,6 +20,7 @@ Job jobOf(const Operation& operation, const MachineChoice& choice)
         sweep.perform = [=](std::vector<Fault> faults) { return perform(operation, machine, std::move(faults)); };
         sweep.judge = [=](const Record& clean, const Record& run) { return judge(operation, machine, clean, run); };
         sweep.extent = choice.extent;
+        sweep.extent.turn = turn;
         return std::make_unique<FaultedRuns>(std::move(sweep));
     };
     return {operation.name, choice.name, prepare};
@@ -30,8 +31,9 @@ Part makePart()
     Part part = {"library", {}, excuses()};
     for (const MachineChoice& machine : machines())
     {
+        std::size_t turn = 0;
         for (const Operation& operation : operations())
-            part.jobs.push_back(jobOf(operation, machine));
+            part.jobs.push_back(jobOf(operation, machine, turn++));
     }
     return part;
 }

@@ -21,6 +21,9 @@ struct Row
     bool isOfValue = false; ///< a value that is not there leaves the same record, without any failure
 };
 
+/// The priority of a row whose call leaves no record, whatever the rows behind it say.
+constexpr int noRecord = 0;
+
 const std::vector<Row>& rows();
 
 /// What is wrong with the log of a run: none of the rows for its call is kept. A call that fails anyway leaves no

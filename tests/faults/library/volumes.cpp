@@ -4,8 +4,10 @@
 #include "tests/faults/library/choice.h"
 #include "tests/faults/library/operation.h"
 
+#include <algorithm>
 #include <cstdio>
-#include <memory>
+#include <utility>
+#include <vector>
 
 namespace faults::library
 {
@@ -156,21 +158,41 @@ void copyVolume(Run& run, VolumeController<Policy> volume)
     run.later(volume.ownerName().toUtf8());
 }
 
+/// Ends the use of @p notification. One that the platform does not let go stays for good, within reach.
+void letGo(Run& run, VolumeChangeNotification* notification)
+{
+    static std::vector<VolumeChangeNotification*>& kept = *new std::vector<VolumeChangeNotification*>;
+    if (notification->Release() == 0)
+        return;
+    kept.push_back(notification);
+    const std::vector<Fault>& faults = run.record().faults;
+    if (std::none_of(faults.begin(), faults.end(),
+                     [](const Fault& fault)
+                     { return fault.call.entry.operation == "IAudioEndpointVolume::UnregisterControlChangeNotify"; }))
+        run.report(Kind::references, "a notification is kept that the platform has let go");
+}
+
 /// Registers two notifications, one in place of the other, and ends the controller.
 void notify(Run& run)
 {
-    auto volume = std::make_unique<VolumeController<EndpointVolumeController>>(endpointVolume(run.simulation()));
+    VolumeChangeNotification* const notifications[] = {new VolumeChangeNotification, new VolumeChangeNotification};
+    for (VolumeChangeNotification* const notification : notifications)
+        notification->AddRef(); // handles adopt the first reference
+    auto* volume = new VolumeController<EndpointVolumeController>(endpointVolume(run.simulation()));
     const bool hasVolume = isUsable(*volume);
     bool isRegistered = false;
     run.act(
         [&]
         {
-            const COMPtr<VolumeChangeNotification>::pointer first(new VolumeChangeNotification);
-            const COMPtr<VolumeChangeNotification>::pointer second(new VolumeChangeNotification);
+            const COMPtr<VolumeChangeNotification>::pointer first(notifications[0]);
+            const COMPtr<VolumeChangeNotification>::pointer second(notifications[1]);
             const bool isFirst = volume->registerVolumeChangeNotification(first);
             isRegistered = volume->registerVolumeChangeNotification(second) && isFirst;
-            volume.reset();
+            delete std::exchange(volume, nullptr); // a Release may throw here
         });
+    delete volume;
+    for (VolumeChangeNotification* const notification : notifications)
+        letGo(run, notification);
     run.answer(yesOrNo("registered", isRegistered));
     VolumeController<EndpointVolumeController> again = endpointVolume(run.simulation());
     const COMPtr<VolumeChangeNotification>::pointer notification(new VolumeChangeNotification);

@@ -32,6 +32,8 @@ public:
         if (!device.isInitialized())
             device.initialize(m_id);
         m_device = device;
+        if (!m_device.isInitialized())
+            return; // the machine has no endpoint
         m_device.refreshDeviceInformation();
         m_device.refreshDeviceState();
     }

@@ -16,18 +16,18 @@ MachineChoice shipped(const std::string& name, unsigned most)
 std::vector<MachineChoice> machines()
 {
     constexpr unsigned all = 0xFFFFFFFF;
-    return {{"desk", kept::deskMachine, all},
+    return {{"desk", kept::deskMachine, 60},
             shipped("empty", all),
             shipped("remote-desktop", all),
-            shipped("virtual", all),
-            shipped("bluetooth", 60),
-            shipped("broken", 60),
-            shipped("laptop", 60),
-            shipped("laptop-user", 60),
-            shipped("desktop", 60),
-            shipped("studio", 40),
-            shipped("waking", 40),
-            shipped("published", 40),
-            shipped("crowded", 10)};
+            shipped("virtual", 60),
+            shipped("bluetooth", 8),
+            shipped("broken", 4),
+            shipped("laptop", 6),
+            shipped("laptop-user", 6),
+            shipped("desktop", 6),
+            shipped("studio", 4),
+            shipped("waking", 8),
+            shipped("published", 4),
+            shipped("crowded", 2)};
 }
 }

@@ -185,6 +185,28 @@ TEST(FaultedRuns, OfManyCallsTryTheFirstAndTheLastOfEachKindAndSomeInBetween)
     EXPECT_THAT(namesOf(runs), testing::IsSupersetOf({"1:fail", "2:fail", "397:null", "398:null", "400:throw"}));
 }
 
+TEST(FaultedRuns, OfManyCallsTryThoseAtEqualDistancesAloneIfKindsDoNotCount)
+{
+    faults::Sweep sweep = sweepOf(
+        [](faults::Run& run)
+        {
+            run.act(
+                [&]
+                {
+                    for (int i = 0; i < 100; ++i)
+                        defaultId(run.simulation(), false);
+                });
+        });
+    sweep.extent.platformCalls = 400;
+    sweep.extent.runsAtLeast = 4;
+    sweep.extent.hasKinds = false;
+    sweep.extent.turn = 101 + 1; // the distance is 101
+    FaultedRuns runs(std::move(sweep));
+
+    EXPECT_EQ(4u, runs.callsTried());
+    EXPECT_EQ("2:fail", runs.name(0));
+}
+
 TEST(FaultedRuns, NoteWhatLeavesTheOperation)
 {
     std::string thrown;

@@ -76,6 +76,18 @@ TEST(FaultReport, ExcusesNoOtherKindOfFinding)
     EXPECT_FALSE(report.isClean());
 }
 
+TEST(FaultReport, ExcusesNoFindingWithAnotherText)
+{
+    std::ostringstream output;
+    Report report({partWith({{"*", "*", "*", "*", Kind::crash, "a reason", "signal 6*"}})}, output);
+
+    report.onRun(place, 1, {{Kind::crash, "signal 6, after a throw"}});
+    EXPECT_TRUE(report.isClean());
+
+    report.onRun(place, 1, {{Kind::crash, "signal 11"}});
+    EXPECT_FALSE(report.isClean());
+}
+
 TEST(FaultReport, TellsAnExcuseThatNoRunNeeds)
 {
     std::ostringstream output;

@@ -356,6 +356,28 @@ TEST_F(AudioComponentQueries, TellTheDeviceThatOwnsTheComponent)
     EXPECT_EQ(device, AudioComponent<ISubunit>(subunit(volume)).deviceOwner().toUtf8());
 }
 
+/// What is read by then is released: a search for lost memory finds nothing.
+TEST_F(AudioComponentQueries, LoseNoOwnerIfAReleaseThrows)
+{
+    start();
+    const AudioComponent<IConnector> jackComponent = component(jack);
+    sim::Journal& journal = simulation().journal();
+    journal.recordReferences(true);
+    journal.clear();
+    jackComponent.deviceOwner();
+    const auto releases = static_cast<std::uint32_t>(journal.count("IConnector::Release"));
+    journal.recordReferences(false);
+    ASSERT_LT(0u, releases);
+
+    for (std::uint32_t release = 1; release <= releases; ++release)
+    {
+        const sim::PlannedFault fault = simulation().faults().raise("IConnector::Release").at(release);
+        EXPECT_THROW(jackComponent.deviceOwner(), sim::InjectedException) << release;
+        EXPECT_EQ(1u, fault.fired());
+        simulation().faults().clear();
+    }
+}
+
 TEST_F(AudioComponentQueries, ReadTheWholeTopologyAtEachQuestionForTheOwner)
 {
     start();

@@ -211,6 +211,22 @@ TEST_P(AudioPartList, ReplacesWhatTheCallersListHeld)
     EXPECT_EQ(0, references(jack));
 }
 
+TEST_P(AudioPartList, TakesNoReferencesButThoseOfTheCallersListHoweverManyPartsThereAre)
+{
+    kept.partsLists = 1;
+    described(mixer).incoming.assign(9, neighbours()[0]);
+    described(mixer).outgoing.assign(9, neighbours()[0]);
+    start();
+    AudioPart part(this->part(mixer));
+    qor::Array<AudioPart> list;
+    simulation().journal().recordReferences(true);
+
+    walk(part, list);
+
+    EXPECT_EQ(9u, list.size());
+    EXPECT_EQ(9u, simulation().journal().count("IConnector::AddRef"));
+}
+
 TEST_P(AudioPartList, IsReadAfreshByTheNextWalk)
 {
     kept.partsLists = 2;

@@ -344,52 +344,6 @@ TEST_F(ExhaustedMemory, LosesNoReferenceOfAControllerThatCannotBeShared)
     EXPECT_LT(2u, failures);
 }
 
-TEST_F(ExhaustedMemory, DoesNotStopListsFromEnding)
-{
-    runCards(2);
-    {
-        AllocationProbe probe;
-        const EndpointDeviceEnumeratorCommon lists(eRender);
-        probe.failAll();
-    }
-    EXPECT_EQ(0, simulation().census().references("IMMDevice"));
-}
-
-TEST_F(ExhaustedMemory, DoesNotStopTheSharedEnumeratorFromEnding)
-{
-    runCards(2);
-    SoundCard::enumerateSystemSoundDevices();
-    {
-        AllocationProbe probe;
-        probe.failNothrow(); // the machine has memory
-
-        endModule();
-    }
-    EXPECT_EQ(sim::Census(), simulation().census());
-}
-
-TEST_F(ExhaustedMemory, DoesNotStopADeviceFromEndingThatPutsAFormatBack)
-{
-    sim::MachineBuilder builder;
-    const std::string id = builder.card("Card").speaker().withoutTopology().id();
-    run(support::withoutGuids(builder.build()));
-    simulation().journal().record(false);
-    qor::LogFactory::setPriority(LoggerPriority::LOG_FATAL);
-    const qor::String text = qor::String::fromUtf8(id);
-    const DWORD former = AudioDevice(text).deviceProperty().format.Format.nSamplesPerSec;
-    {
-        AllocationProbe probe;
-        AudioDevice device(text);
-        WAVEFORMATEXTENSIBLE format = device.deviceProperty().format;
-        format.Format.nSamplesPerSec = 44100;
-        ASSERT_TRUE(device.setFormat(format));
-        probe.failAll(); // the machine's own allocations, too: it does not answer any more
-    }
-    const AudioDevice now(text);
-    EXPECT_NE(44100u, former);
-    EXPECT_TRUE(now.isInitialized());
-}
-
 TEST_F(ExhaustedMemory, LeavesCOMAsItWasWithoutTheFacade)
 {
     CoUninitialize(); // of the fixture, whose apartment has one thread

@@ -104,6 +104,22 @@ TEST_F(ConnectorMapFaults, PassesOverAConnectorThatThePlatformReportedAndDidNotG
     EXPECT_THAT(log.texts(cardChannel), IsEmpty());
 }
 
+TEST_F(ConnectorMapFaults, LinksNoConnectorThatThePlatformDidNotGiveWhileTheLogIsSilent)
+{
+    graph.endpoint("out", 2);
+    graph.adapter("board", 1);
+    graph.join("out/2", "board/1");
+    start();
+    qor::LogFactory::setPriority(qor::LoggerPriority::LOG_ERROR);
+    const sim::PlannedFault missing =
+        simulation().faults().succeedWithNull("IDeviceTopology::GetConnector").on("out").with("0");
+    SoundCard& card = discovered();
+
+    EXPECT_GT(missing.fired(), 0u);
+    EXPECT_THAT(nodesOf(card), ElementsAre("", "out/2", "board/1"));
+    EXPECT_THAT(linksOf(card), ElementsAre(IsEmpty(), ElementsAre(2u), ElementsAre(1u)));
+}
+
 TEST_F(ConnectorMapFaults, MakesNothingOfASuccessWithoutFarDeviceAndPeer)
 {
     graph.endpoint("out");

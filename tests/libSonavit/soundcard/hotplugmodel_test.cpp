@@ -191,7 +191,7 @@ protected:
 
 TEST_F(HotPlugModel, AgreesWithTheListsAndTheObserversOfFiftyCardsEventByEvent)
 {
-    constexpr unsigned int numEvents = 1000;
+    constexpr unsigned int numEvents = support::cases(1000, 300);
 
     for (unsigned int event = 0; event < numEvents && !HasFatalFailure(); ++event)
         compare(playEvent());
@@ -213,7 +213,7 @@ TEST_F(HotPlugModel, AgreesAfterAStormOnThePlatformsThreadWhileOthersUseDevicesO
     m_simulation->deliverAtOnce(false);
     std::thread others[] = {std::thread([this] { useOwnDevices(0); }), std::thread([this] { useOwnDevices(7); })};
 
-    for (unsigned int event = support::stormEvents(1000); event > 0; --event)
+    for (unsigned int event = support::stormEvents(support::cases(1000, 300)); event > 0; --event)
         playEvent();
     m_simulation->events().waitForClients();
 

@@ -93,6 +93,8 @@ class Order(unittest.TestCase):
 
     def test_assignments_that_do_not_know_each_other_are_left(self):
         self.assertEqual([], bodies("m_a = x; m_b = y;", "order"))
+        self.assertEqual([], bodies("a.p = static_cast<T*>(q); a.n = sizeof(T);", "order"))
+        self.assertEqual(["a.n = n(); a.p = static_cast<T*>(q);"], bodies("a.p = static_cast<T*>(q); a.n = n();", "order"))
 
     def test_assignments_that_do_are_exchanged(self):
         self.assertEqual(["m_b = m_a; m_a = x;"], bodies("m_a = x; m_b = m_a;", "order"))

@@ -20,6 +20,20 @@ class Drawn(unittest.TestCase):
         self.assertNotEqual(drawn(changes, 1, "a"), drawn(changes, 2, "a"))
         self.assertNotEqual(drawn(changes, 1, "a"), drawn(changes, 1, "b"))
 
+    def test_the_others_keep_their_order_when_a_source_is_edited(self):
+        def constants(source):
+            return [change.replacement for change in drawn(changes_of("x.cpp", source), 1, "a") if change.kind == "constant"]
+
+        source = "".join(f"int f{number}() {{ return {number}; }}\n" for number in range(10, 30))
+        edited = "// a comment\n\n" + source + "int g() { return 99; }\n"
+
+        self.assertEqual(constants(source), [each for each in constants(edited) if each != "100"])
+
+    def test_equal_lines_have_places_of_their_own(self):
+        changes = changes_of("x.cpp", "void f() {\n  g(1);\n}\nvoid h() {\n  g(1);\n}\n")
+
+        self.assertEqual(len(changes), len({change.mark for change in changes}))
+
     def test_all_kinds_come_before_one_comes_again(self):
         changes = changes_of("x.cpp", SOURCE)
         kinds = [change.kind for change in drawn(changes, 1, "a")]

@@ -177,6 +177,13 @@ class Judged(TrialTest):
 
         self.assertEqual(trial.Verdict(trial.EQUAL), self.judged(change(SOURCE, 20), PASSED))
 
+    def test_the_slow_tests_are_not_asked_about_what_is_the_same(self):
+        self.coverage.tests += [Test("C.Near", 5, "/t/qorvalue_test.cpp"), Test("D.Near", 30, "/t/qorvalue_test.cpp")]
+        self.bytes["changed"] = self.bytes[""]
+
+        self.assertEqual(trial.Verdict(trial.EQUAL), self.judged(change(SOURCE, 21, is_code=False), PASSED, PASSED))
+        self.assertEqual([["C.Near"], ["D.Near"]], [call.args[1] for call in self.run_tests.call_args_list])
+
     def test_one_that_cannot_be_compiled_or_linked_is_thrown_away(self):
         for step in ("compile", "link"):
             self.codes = {step: 1}

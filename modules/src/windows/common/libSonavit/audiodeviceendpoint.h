@@ -169,7 +169,9 @@ public:
     /// store is open; a failure is only logged. Each copy does so by itself, even a temporary and an element that an
     /// array destroys as it grows, and even if another program changed the format. If every initialize() failed, the
     /// saved format is all zero: once a later refresh has read a format, the destructor writes zeros. A store that is
-    /// open for reading only refuses the restore of each copy, and each refusal is logged (LOG_WARNING).
+    /// open for reading only refuses the restore of each copy, and each refusal is logged (LOG_WARNING). While an
+    /// exception is on its way the format is only written: nothing is read again and nothing logged.
+    /// @exception qor::NullPointer or std::bad_alloc if memory runs out after the format is written
     ~AudioDevice() noexcept(false) override;
 
 private:
@@ -200,6 +202,7 @@ private:
     IConnector* firstConnector(const InPassing* passing) const;
     COMPtr<IAudioEndpointVolume>::pointer volumeController();
     bool createVolumeControl();
+    HRESULT writeFormat(const WAVEFORMATEXTENSIBLE& format);
     void restoreFormat();
     void printReferenceCount();
     unsigned int waveMessage(EDataFlow flow, unsigned int deviceId, unsigned int message, unsigned __int64 param1,

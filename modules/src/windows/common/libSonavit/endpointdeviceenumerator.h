@@ -67,9 +67,12 @@ public:
     void registerNotificationObserver(IMMNotificationClient* observer);
 
 private:
+    /// clear() for lists that are filled again; release(), which needs no memory, for those of an object that ends.
+    typedef void (qor::Array<AudioDevice>::*Emptying)();
+
     void unregisterNotificationObserver();
-    void clear();
-    void clearDeviceList();
+    void clear(Emptying empty = &qor::Array<AudioDevice>::clear);
+    void clearDeviceList(Emptying empty = &qor::Array<AudioDevice>::clear);
     void appendDevices(EDataFlow flow, unsigned int index, const Collection& collection);
 
     qor::Array<AudioDevice> m_active;

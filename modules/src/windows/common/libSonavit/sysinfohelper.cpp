@@ -1,61 +1,42 @@
 #include "libSonavit/sysinfohelper.h"
 
-#include "qor/exception.h"
-
 namespace libSonavit
 {
 namespace
 {
-typedef qor::Array<SharedPointer<SoundCard>> Cards;
-
-/// Releases the cards. The list would have a new block then, which a list that ends does not need.
-void releaseAll(Cards& cards)
-{
-    try
-    {
-        cards.clear();
-    }
-    catch (const qor::NullPointer&)
-    {
-        return;
-    }
-}
-
-/// Takes COM back from the thread, after the cards, if the constructor ends with an exception. Where it was not
-/// initialised, there is nothing to take back.
-class InitializationOfCOM
+/// Calls CoUninitialize at the end of its scope, even if an exception leaves it, unless forget() was called.
+class EndOfCOM
 {
 public:
-    explicit InitializationOfCOM(Cards& cards)
-        : m_cards(cards),
-          m_isOwed(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED)))
+    explicit EndOfCOM(bool isOwed = true) noexcept : m_isOwed(isOwed) {}
+    EndOfCOM(const EndOfCOM&) = delete;
+    EndOfCOM& operator=(const EndOfCOM&) = delete;
+
+    ~EndOfCOM()
     {
-    }
-    InitializationOfCOM(const InitializationOfCOM&) = delete;
-    InitializationOfCOM& operator=(const InitializationOfCOM&) = delete;
-    ~InitializationOfCOM()
-    {
-        if (!m_isOwed)
-            return;
-        releaseAll(m_cards);
-        CoUninitialize();
+        if (m_isOwed)
+            CoUninitialize();
     }
 
-    void stay() { m_isOwed = false; }
+    void forget() noexcept { m_isOwed = false; }
 
 private:
-    Cards& m_cards;
     bool m_isOwed;
 };
 }
 
+/// The result of CoInitializeEx counts for an exception only: no destructor runs then.
 SysInfoHelper::SysInfoHelper()
 {
-    InitializationOfCOM initialization(m_soundCards);
-    const qor::Array<SoundCard> cards = SoundCard::enumerateSystemSoundDevices();
-    for (unsigned int i = 0; i < cards.size(); ++i)
-        m_soundCards.append(qor::sharedOwner(new SoundCard(cards[i])));
-    initialization.stay();
+    EndOfCOM end(SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED)));
+    qor::Array<SharedPointer<SoundCard>> soundCards; // not m_soundCards, which would survive the end of COM
+    {
+        const qor::Array<SoundCard> cards = SoundCard::enumerateSystemSoundDevices();
+        for (unsigned int i = 0; i < cards.size(); ++i)
+            soundCards.append(qor::sharedOwner(new SoundCard(cards[i])));
+    }
+    m_soundCards.swap(soundCards);
+    end.forget();
 }
 
 SysInfoHelper::SysInfoHelper(const SysInfoHelper& other) = default;
@@ -65,8 +46,8 @@ SysInfoHelper& SysInfoHelper::operator=(const SysInfoHelper& other) = default;
 /// copy, which has not initialised COM.
 SysInfoHelper::~SysInfoHelper()
 {
-    releaseAll(m_soundCards);
-    CoUninitialize();
+    const EndOfCOM end;
+    m_soundCards.release();
 }
 
 bool SysInfoHelper::hasAnalogOut(const qor::String& id)

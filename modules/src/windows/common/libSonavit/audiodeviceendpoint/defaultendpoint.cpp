@@ -30,7 +30,7 @@ public:
     DefaultEndpointSearch(const DefaultEndpointSearch&) = delete;
     DefaultEndpointSearch& operator=(const DefaultEndpointSearch&) = delete;
 
-    /// Releases, without a record, what an exception out of releaseAll() has left.
+    /// Releases, without a record, what an exception has left.
     ~DefaultEndpointSearch() noexcept(false)
     {
         release(m_enumerator);

@@ -7,9 +7,8 @@
 #include "libSonavit/audiodeviceendpoint/log.h"
 #include "libSonavit/audiodevicetopology/topologyview.h"
 #include "libSonavit/endpointdeviceenumerator.h"
-#include "qor/exception.h"
 
-#include <new>
+#include <exception>
 
 AudioDevice::AudioDevice() = default;
 
@@ -215,22 +214,14 @@ AudioDevice::~AudioDevice() noexcept(false)
     m_device = nullptr;
 }
 
-/// The format is written before memory is needed, to read it back: that memory may be missing, even while an exception
-/// about it is on its way.
+/// To read the properties again, as setFormat() does, needs memory. While an exception is on its way another one would
+/// end the process, so the format is only written then.
 void AudioDevice::restoreFormat()
 {
-    try
-    {
+    if (std::uncaught_exceptions() == 0)
         setFormat(m_savedProperties.format);
-    }
-    catch (const std::bad_alloc&)
-    {
-        return;
-    }
-    catch (const qor::NullPointer&)
-    {
-        return;
-    }
+    else
+        writeFormat(m_savedProperties.format);
 }
 
 void AudioDevice::printReferenceCount()

@@ -11,20 +11,12 @@ bool AudioDevice::setFormat(const WAVEFORMATEXTENSIBLE& format)
 {
     SONAVIT_TRACE(endpointlog, "AudioDevice::setFormat");
     precondition::check(m_propertyStore.get() != nullptr, __FILE__, __LINE__, "m_propertyStore.get() != NULL");
-
-    PROPVARIANT variant; // refers to the caller's format, so it must not be cleared
-    std::memset(&variant, 0, sizeof(variant));
-    variant.vt = VT_BLOB;
-    variant.blob.cbSize = sizeof(format);
-    variant.blob.pBlobData = reinterpret_cast<BYTE*>(const_cast<WAVEFORMATEXTENSIBLE*>(&format));
-    HRESULT result = m_propertyStore->SetValue(m_deviceFormat, variant);
+    HRESULT result = writeFormat(format);
     if (FAILED(result))
     {
         SONAVIT_LOG(endpointlog, LOG_WARNING, out.append("IPropertyStore::SetValue failed ").append(hexText(result)));
         return false;
     }
-    m_propertyStore->Commit();
-
     m_propertyStore = nullptr; // Required: the properties are read from a new store
     if (m_device.get() == nullptr)
         return false; // initialize() has been given a null device since
@@ -37,6 +29,20 @@ bool AudioDevice::setFormat(const WAVEFORMATEXTENSIBLE& format)
     }
     m_propertyStore = store;
     return refreshDeviceInformation();
+}
+
+/// Stores @p format in the open store; needs no memory. @return the HRESULT of SetValue; that of Commit is ignored
+HRESULT AudioDevice::writeFormat(const WAVEFORMATEXTENSIBLE& format)
+{
+    PROPVARIANT variant; // refers to the caller's format, so it must not be cleared
+    std::memset(&variant, 0, sizeof(variant));
+    variant.vt = VT_BLOB;
+    variant.blob.cbSize = sizeof(format);
+    variant.blob.pBlobData = reinterpret_cast<BYTE*>(const_cast<WAVEFORMATEXTENSIBLE*>(&format));
+    const HRESULT result = m_propertyStore->SetValue(m_deviceFormat, variant);
+    if (SUCCEEDED(result))
+        m_propertyStore->Commit();
+    return result;
 }
 
 bool operator==(const WAVEFORMATEX& left, const WAVEFORMATEX& right)

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <vector>
 
 namespace
@@ -14,16 +15,22 @@ constexpr unsigned int noWaveId = 0xFFFFFFFF;
 /// Memory for an endpoint id. The share count of this handle type is guarded by a lock.
 typedef qor::SharedResource<ComTaskMemStorage<unsigned short>, 1> IdBuffer;
 
+struct TaskMemoryFree
+{
+    void operator()(void* block) const noexcept { CoTaskMemFree(block); }
+};
+
 /// A buffer of @p size bytes; nil without memory for it or for its count.
+/// @exception std::bad_alloc without memory for the lock, which the first buffer makes
 IdBuffer idBuffer(std::size_t size)
 {
-    IdBuffer buffer(static_cast<unsigned short*>(CoTaskMemAlloc(size)));
+    std::unique_ptr<void, TaskMemoryFree> block(CoTaskMemAlloc(size));
+    IdBuffer buffer(static_cast<unsigned short*>(block.get()));
     if (buffer.isComplete())
-        return buffer;
-    void* const block = buffer.get();
-    buffer.disown();
-    CoTaskMemFree(block);
-    return IdBuffer();
+        static_cast<void>(block.release()); // the buffer owns it now
+    else
+        buffer.disown();
+    return buffer;
 }
 
 /// The string in a block of @p bytes bytes: up to its terminator or, if the driver has written none, up to the end.

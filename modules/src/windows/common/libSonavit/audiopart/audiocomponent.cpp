@@ -104,10 +104,14 @@ GUID AudioComponent<I>::subType() const
 template<class I>
 qor::String AudioComponent<I>::deviceOwner() const
 {
-    COMPtr<IDeviceTopology>::pointer handle = m_part.topology();
-    const AudioDeviceTopology topology(handle);
-    handle = nullptr; // released by a statement of its own: if Release throws, the snapshot is released, too
-    return topology.deviceOwner();
+    qor::String owner;
+    { // ends before the result is returned: compilers lose a result if a destructor behind it throws
+        COMPtr<IDeviceTopology>::pointer handle = m_part.topology();
+        const AudioDeviceTopology topology(handle);
+        handle = nullptr; // released by a statement of its own: if Release throws, the snapshot is released, too
+        owner = topology.deviceOwner();
+    }
+    return owner;
 }
 
 template class AudioComponent<IConnector>;

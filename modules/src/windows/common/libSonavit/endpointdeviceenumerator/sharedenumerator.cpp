@@ -4,7 +4,6 @@
 #include "COM/resultcode.h"
 #include "libSonavit/endpointdeviceenumerator/endpointlisting.h"
 #include "libSonavit/endpointdeviceenumerator/log.h"
-#include "qor/exception.h"
 
 #include <new>
 
@@ -45,14 +44,7 @@ AudioDeviceEnumerator::~AudioDeviceEnumerator()
         return;
     for (unsigned int i = 0; i < m_notificationClients.size(); ++i)
         m_deviceEnumerator->UnregisterEndpointNotificationCallback(m_notificationClients[i].get());
-    try
-    {
-        m_notificationClients.clear();
-    }
-    catch (const qor::NullPointer&)
-    {
-        // The clients are released. Only the new block of the list is missing, and the list ends.
-    }
+    m_notificationClients.release();
     m_deviceEnumerator = nullptr;
 }
 

@@ -4,7 +4,6 @@
 #include "COM/resultcode.h"
 #include "libSonavit/endpointdeviceenumerator/endpointlisting.h"
 #include "libSonavit/endpointdeviceenumerator/log.h"
-#include "qor/exception.h"
 
 EndpointDeviceEnumeratorCommon::EndpointDeviceEnumeratorCommon() : m_notificationObserver(nullptr)
 {
@@ -25,14 +24,7 @@ EndpointDeviceEnumeratorCommon& EndpointDeviceEnumeratorCommon::operator=(const 
 EndpointDeviceEnumeratorCommon::~EndpointDeviceEnumeratorCommon()
 {
     SONAVIT_TRACE(enumeratorlog, "EndpointDeviceEnumeratorCommon::~EndpointDeviceEnumeratorCommon()");
-    try
-    {
-        clear();
-    }
-    catch (const qor::NullPointer&)
-    {
-        return; // a list that ends needs no new block; the others end in the same order
-    }
+    clear(&qor::Array<AudioDevice>::release);
 }
 
 bool EndpointDeviceEnumeratorCommon::enumerate(EDataFlow flow)
@@ -130,23 +122,23 @@ void EndpointDeviceEnumeratorCommon::unregisterNotificationObserver()
     m_notificationObserver = nullptr;
 }
 
-void EndpointDeviceEnumeratorCommon::clear()
+void EndpointDeviceEnumeratorCommon::clear(Emptying empty)
 {
     SONAVIT_TRACE(enumeratorlog, "EndpointDeviceEnumeratorCommon::clear()");
     m_enumerator = nullptr;
-    clearDeviceList();
+    clearDeviceList(empty);
 }
 
-void EndpointDeviceEnumeratorCommon::clearDeviceList()
+void EndpointDeviceEnumeratorCommon::clearDeviceList(Emptying empty)
 {
     SONAVIT_LOG(enumeratorlog, LOG_DEBUG, out.append("clearing m_unplugged"));
-    m_unplugged.clear();
+    (m_unplugged.*empty)();
     SONAVIT_LOG(enumeratorlog, LOG_DEBUG, out.append("crearing m_disabled"));
-    m_disabled.clear();
+    (m_disabled.*empty)();
     SONAVIT_LOG(enumeratorlog, LOG_DEBUG, out.append("clearing m_notPresent"));
-    m_notPresent.clear();
+    (m_notPresent.*empty)();
     SONAVIT_LOG(enumeratorlog, LOG_DEBUG, out.append("clearing m_active"));
-    m_active.clear();
+    (m_active.*empty)();
 }
 
 /// Enumerates the endpoints in the state of @p collection into its list. Required behaviour: the second message shows
