@@ -94,6 +94,23 @@ void ask(Run& run, bool isCareless)
     run.act([&] { run.answer(defaultId(run.simulation(), isCareless)); });
     run.later(defaultId(run.simulation(), false));
 }
+
+/// A hundred times the same calls, of which runs can have only some.
+faults::Sweep sweepOfManyCalls()
+{
+    faults::Sweep sweep = sweepOf(
+        [](faults::Run& run)
+        {
+            run.act(
+                [&]
+                {
+                    for (int i = 0; i < 100; ++i)
+                        defaultId(run.simulation(), false);
+                });
+        });
+    sweep.extent.platformCalls = 400;
+    return sweep;
+}
 }
 
 TEST(FaultedRuns, LetEachCallFailInEachOfItsModes)
@@ -165,17 +182,7 @@ TEST(FaultedRuns, LetPairsOfCallsFail)
 
 TEST(FaultedRuns, OfManyCallsTryTheFirstAndTheLastOfEachKindAndSomeInBetween)
 {
-    faults::Sweep sweep = sweepOf(
-        [](faults::Run& run)
-        {
-            run.act(
-                [&]
-                {
-                    for (int i = 0; i < 100; ++i)
-                        defaultId(run.simulation(), false);
-                });
-        });
-    sweep.extent.platformCalls = 400;
+    faults::Sweep sweep = sweepOfManyCalls();
     sweep.extent.runsAtLeast = 10;
     FaultedRuns runs(std::move(sweep));
 
@@ -187,17 +194,7 @@ TEST(FaultedRuns, OfManyCallsTryTheFirstAndTheLastOfEachKindAndSomeInBetween)
 
 TEST(FaultedRuns, OfManyCallsTryThoseAtEqualDistancesAloneIfKindsDoNotCount)
 {
-    faults::Sweep sweep = sweepOf(
-        [](faults::Run& run)
-        {
-            run.act(
-                [&]
-                {
-                    for (int i = 0; i < 100; ++i)
-                        defaultId(run.simulation(), false);
-                });
-        });
-    sweep.extent.platformCalls = 400;
+    faults::Sweep sweep = sweepOfManyCalls();
     sweep.extent.runsAtLeast = 4;
     sweep.extent.hasKinds = false;
     sweep.extent.turn = 101 + 1; // the distance is 101

@@ -18,6 +18,15 @@ namespace
 {
 struct ConnectorMapFaults : support::GraphCardTest
 {
+    /// An endpoint with two connectors, whose first one the platform does not give.
+    sim::PlannedFault startWithoutTheFirstConnector()
+    {
+        graph.endpoint("out", 2);
+        graph.adapter("board", 1);
+        graph.join("out/2", "board/1");
+        start();
+        return simulation().faults().succeedWithNull("IDeviceTopology::GetConnector").on("out").with("0");
+    }
 };
 }
 
@@ -90,12 +99,7 @@ TEST_F(ConnectorMapFaults, TakesFarDeviceAndPeerThatCameWithAFailure)
 
 TEST_F(ConnectorMapFaults, PassesOverAConnectorThatThePlatformReportedAndDidNotGive)
 {
-    graph.endpoint("out", 2);
-    graph.adapter("board", 1);
-    graph.join("out/2", "board/1");
-    start();
-    const sim::PlannedFault missing =
-        simulation().faults().succeedWithNull("IDeviceTopology::GetConnector").on("out").with("0");
+    const sim::PlannedFault missing = startWithoutTheFirstConnector();
     SoundCard& card = discovered();
 
     EXPECT_GT(missing.fired(), 0u);
@@ -106,13 +110,8 @@ TEST_F(ConnectorMapFaults, PassesOverAConnectorThatThePlatformReportedAndDidNotG
 
 TEST_F(ConnectorMapFaults, LinksNoConnectorThatThePlatformDidNotGiveWhileTheLogIsSilent)
 {
-    graph.endpoint("out", 2);
-    graph.adapter("board", 1);
-    graph.join("out/2", "board/1");
-    start();
+    const sim::PlannedFault missing = startWithoutTheFirstConnector();
     qor::LogFactory::setPriority(qor::LoggerPriority::LOG_ERROR);
-    const sim::PlannedFault missing =
-        simulation().faults().succeedWithNull("IDeviceTopology::GetConnector").on("out").with("0");
     SoundCard& card = discovered();
 
     EXPECT_GT(missing.fired(), 0u);
