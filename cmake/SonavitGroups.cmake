@@ -2,7 +2,7 @@
 # templates that they share are then compiled once for the group, which about halves the time. A build of another preset
 # compiles each source by itself and finds missing includes.
 
-set(SONAVIT_GROUP_LIMIT 10 CACHE STRING "How many sources a group has at most")
+set(SONAVIT_GROUP_LIMIT 20 CACHE STRING "How many sources a group has at most")
 mark_as_advanced(SONAVIT_GROUP_LIMIT)
 
 # sonavit_file_level_names(<result> <source>): the names that the source declares at the left edge, roughly: a word too
@@ -16,6 +16,9 @@ function(sonavit_file_level_names result source)
   endif()
   string(REGEX MATCHALL "\n[A-Za-z][^\n]*" lines "\n${text}")
   foreach(line IN LISTS lines)
+    while(line MATCHES "<[^<>]*>") # template arguments, innermost first
+      string(REPLACE "${CMAKE_MATCH_0}" "" line "${line}")
+    endwhile()
     if(line MATCHES "^\n(TEST|TYPED_TEST|INSTANTIATE_|static_assert|namespace|using namespace|using [^=]*$|void PrintTo)")
       continue()
     elseif(line MATCHES "^\n[^(=\"]*(::~?[A-Za-z0-9_]+ *[(]|operator[^A-Za-z0-9_])") # of a class, or of its types

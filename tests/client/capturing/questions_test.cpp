@@ -14,28 +14,28 @@
 namespace
 {
 /// Changes a machine. @return whether the machine has what is to be changed
-using Change = std::function<bool(sim::Machine&)>;
+using MachineChange = std::function<bool(sim::Machine&)>;
 
 struct NamedChange
 {
     const char* name;
-    Change change;
+    MachineChange change;
 };
 
 /// Changes the first endpoint of which @p change says that it could be changed.
-Change ofEndpoint(const std::function<bool(sim::Endpoint&)>& change)
+MachineChange ofEndpoint(const std::function<bool(sim::Endpoint&)>& change)
 {
     return [change](sim::Machine& machine)
     { return std::any_of(machine.endpoints.begin(), machine.endpoints.end(), change); };
 }
 
-Change ofActiveEndpoint(const std::function<bool(sim::Endpoint&)>& change)
+MachineChange ofActiveEndpoint(const std::function<bool(sim::Endpoint&)>& change)
 {
     return ofEndpoint([change](sim::Endpoint& endpoint)
                       { return endpoint.state == sim::stateActive && endpoint.hasAudioClient && change(endpoint); });
 }
 
-Change ofVolume(const std::function<void(sim::EndpointVolume&)>& change)
+MachineChange ofVolume(const std::function<void(sim::EndpointVolume&)>& change)
 {
     return ofEndpoint(
         [change](sim::Endpoint& endpoint)
@@ -47,13 +47,13 @@ Change ofVolume(const std::function<void(sim::EndpointVolume&)>& change)
         });
 }
 
-Change ofAdapter(const std::function<bool(sim::Adapter&)>& change)
+MachineChange ofAdapter(const std::function<bool(sim::Adapter&)>& change)
 {
     return [change](sim::Machine& machine)
     { return std::any_of(machine.adapters.begin(), machine.adapters.end(), change); };
 }
 
-Change ofConnector(const std::function<bool(sim::Connector&)>& change)
+MachineChange ofConnector(const std::function<bool(sim::Connector&)>& change)
 {
     return ofAdapter(
         [change](sim::Adapter& adapter)
@@ -63,7 +63,7 @@ Change ofConnector(const std::function<bool(sim::Connector&)>& change)
         });
 }
 
-Change ofSubunit(const std::function<bool(sim::Subunit&)>& change)
+MachineChange ofSubunit(const std::function<bool(sim::Subunit&)>& change)
 {
     return ofAdapter(
         [change](sim::Adapter& adapter)
@@ -73,7 +73,7 @@ Change ofSubunit(const std::function<bool(sim::Subunit&)>& change)
         });
 }
 
-Change ofSignalPath(const std::function<bool(sim::SignalPath&)>& change)
+MachineChange ofSignalPath(const std::function<bool(sim::SignalPath&)>& change)
 {
     return ofAdapter(
         [change](sim::Adapter& adapter)

@@ -84,14 +84,21 @@ Settings changed(Settings settings)
         if (level)
             level = Decibels(level->value() - 3);
     };
+    const auto flip = [](std::optional<bool>& isMuted)
+    {
+        if (isMuted)
+            isMuted = !*isMuted;
+    };
     for (Settings::EndpointSetting& endpoint : settings.endpoints)
     {
         std::for_each(endpoint.channels.begin(), endpoint.channels.end(), move);
         move(endpoint.master);
-        if (endpoint.isMuted)
-            endpoint.isMuted = !*endpoint.isMuted;
+        flip(endpoint.isMuted);
         for (Settings::ControlSetting& control : endpoint.controls)
+        {
             std::for_each(control.channels.begin(), control.channels.end(), move);
+            flip(control.isMuted); // may be the mute of the endpoint itself
+        }
     }
     return settings;
 }

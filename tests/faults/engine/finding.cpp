@@ -58,10 +58,14 @@ bool isLike(const std::string& text, const std::string& pattern)
     return pattern.find_first_not_of('*', p) == std::string::npos;
 }
 
+bool isAbout(const Excuse& excuse, const Place& place)
+{
+    return isLike(place.operation, excuse.operation) && isLike(place.machine, excuse.machine) &&
+           isLike(place.run, excuse.run) && isLike(place.detail, excuse.detail);
+}
+
 bool excuses(const Excuse& excuse, const Place& place, const Finding& finding)
 {
-    return excuse.kind == finding.kind && isLike(finding.text, excuse.text) &&
-           isLike(place.operation, excuse.operation) && isLike(place.machine, excuse.machine) &&
-           isLike(place.run, excuse.run) && isLike(place.detail, excuse.detail);
+    return excuse.kind == finding.kind && isLike(finding.text, excuse.text) && isAbout(excuse, place);
 }
 }

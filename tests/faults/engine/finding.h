@@ -65,6 +65,9 @@ struct Excuse
 /// Whether @p text is like @p pattern, in which each '*' stands for any text.
 bool isLike(const std::string& text, const std::string& pattern);
 
+/// Whether the excuse is about runs at that place.
+bool isAbout(const Excuse& excuse, const Place& place);
+
 /// Whether the excuse is about that finding.
 bool excuses(const Excuse& excuse, const Place& place, const Finding& finding);
 }

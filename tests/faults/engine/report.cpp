@@ -28,6 +28,7 @@ void Report::onRun(const Place& place, std::size_t failures, const std::vector<F
     Tally& tally = m_tallies[place.part];
     tally.runs += failures > 0 ? 1 : 0;
     tally.failures += failures;
+    noteVisits(place);
     bool isExcusedRun = false;
     for (const Finding& finding : findings)
     {
@@ -42,14 +43,28 @@ void Report::onRun(const Place& place, std::size_t failures, const std::vector<F
     tally.excused += isExcusedRun ? 1 : 0;
 }
 
+const std::vector<Excuse>& Report::excusesOf(const std::string& part) const
+{
+    static const std::vector<Excuse> none;
+    const auto known = std::find_if(m_parts.begin(), m_parts.end(), [&](const Part& p) { return p.name == part; });
+    return known == m_parts.end() ? none : known->excuses;
+}
+
+void Report::noteVisits(const Place& place)
+{
+    const std::vector<Excuse>& all = excusesOf(place.part);
+    for (std::size_t i = 0; i < all.size(); ++i)
+        m_uses[place.part][i].visits += isAbout(all[i], place) ? 1 : 0;
+}
+
 bool Report::isExcused(const Place& place, const Finding& finding)
 {
-    const auto part = std::find_if(m_parts.begin(), m_parts.end(), [&](const Part& p) { return p.name == place.part; });
-    for (std::size_t i = 0; part != m_parts.end() && i < part->excuses.size(); ++i)
+    const std::vector<Excuse>& all = excusesOf(place.part);
+    for (std::size_t i = 0; i < all.size(); ++i)
     {
-        if (!excuses(part->excuses[i], place, finding))
+        if (!excuses(all[i], place, finding))
             continue;
-        ++m_uses[place.part][i];
+        ++m_uses[place.part][i].findings;
         return true;
     }
     return false;
@@ -86,24 +101,35 @@ void Report::conclude(const std::string& part, bool isWhole)
                 << part << " on " << machine << ": " << grouped(extent.tried) << " of " << grouped(extent.calls)
                 << " calls fail, those at equal distances and on small machines the first and the last of each kind\n";
     }
-    const auto known = std::find_if(m_parts.begin(), m_parts.end(), [&](const Part& p) { return p.name == part; });
-    if (isWhole && known != m_parts.end())
-        tellNeedlessExcuses(*known);
+    if (isWhole)
+        tellNeedlessExcuses(part);
     m_output << part << ": " << grouped(m_tallies[part].jobs) << " operations on machines, "
              << m_tallies[part].sentence() << "\n";
 }
 
-void Report::tellNeedlessExcuses(const Part& part)
+void Report::tellNeedlessExcuses(const std::string& part)
 {
-    for (std::size_t i = 0; i < part.excuses.size(); ++i)
+    const std::vector<Excuse>& all = excusesOf(part);
+    for (std::size_t i = 0; i < all.size(); ++i)
     {
-        if (m_uses[part.name][i] > 0)
+        const Excuse& excuse = all[i];
+        const Use& use = m_uses[part][i];
+        if (use.findings > 0 || (use.visits == 0 && !hasFailedAllCallsOf(part, excuse.machine)))
             continue;
         ++m_needless;
-        const Excuse& excuse = part.excuses[i];
-        m_output << part.name << ": an excuse that no run needs: " << excuse.operation << " on " << excuse.machine
-                 << ", " << excuse.run << ", " << excuse.detail << ", " << nameOf(excuse.kind) << "\n";
+        m_output << part << ": an excuse that no run needs: " << excuse.operation << " on " << excuse.machine << ", "
+                 << excuse.run << ", " << excuse.detail << ", " << nameOf(excuse.kind) << "\n";
     }
+}
+
+bool Report::hasFailedAllCallsOf(const std::string& part, const std::string& machines) const
+{
+    const auto extents = m_extents.find(part);
+    if (extents == m_extents.end())
+        return true;
+    return std::all_of(extents->second.begin(), extents->second.end(),
+                       [&](const auto& extent)
+                       { return !isLike(extent.first, machines) || extent.second.tried == extent.second.calls; });
 }
 
 Tally Report::total() const

@@ -22,7 +22,8 @@ public:
     void onRun(const Place& place, std::size_t failures, const std::vector<Finding>& findings) override;
 
     /// One line for each machine on which not all calls failed, one with the counts of the part.
-    /// @param isWhole whether all its jobs have run: then each excuse must have been needed
+    /// @param isWhole whether all its jobs have run: then each excuse must have been needed, unless it is about calls
+    ///        that were not among those that failed
     void conclude(const std::string& part, bool isWhole);
 
     Tally total() const;
@@ -35,12 +36,22 @@ private:
         std::size_t tried = 0;
     };
 
+    /// What an excuse was good for.
+    struct Use
+    {
+        std::size_t visits = 0; ///< runs that it is about
+        std::size_t findings = 0;
+    };
+
+    const std::vector<Excuse>& excusesOf(const std::string& part) const;
+    void noteVisits(const Place& place);
     bool isExcused(const Place& place, const Finding& finding);
     void tell(const Place& place, const Finding& finding);
-    void tellNeedlessExcuses(const Part& part);
+    void tellNeedlessExcuses(const std::string& part);
+    bool hasFailedAllCallsOf(const std::string& part, const std::string& machines) const;
 
     std::vector<Part> m_parts;
-    std::map<std::string, std::vector<std::size_t>> m_uses; ///< of each part's excuses
+    std::map<std::string, std::vector<Use>> m_uses; ///< of each part's excuses
     std::ostream& m_output;
     std::map<std::string, Tally> m_tallies;
     std::map<std::string, std::map<std::string, Extent>> m_extents; ///< by part and machine

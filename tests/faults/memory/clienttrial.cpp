@@ -124,11 +124,11 @@ private:
             m_outcome.findings.push_back({kind, text});
     }
 
-    /// The System works again, knows the truth, and tells its subscribers.
+    /// The System works again, knows the truth, and tells its subscribers. All of this counts: the worker's queues get
+    /// their blocks from the threads that ask.
     void expectOrder(System& audio, ClientSubject& subject)
     {
         subject.work();
-        const Uncounted ours;
         sonavit::Result<Snapshot> known = audio.refresh(Depth::everything);
         for (const Clock::time_point latest = Clock::now() + longestWait; !known && Clock::now() < latest;)
             known = audio.refresh(Depth::everything);

@@ -156,6 +156,9 @@ public:
             static_cast<const VolumeController<EndpointVolumeController>&>(*m_device.m_volumeControl));
         if (volume.m_policy.endpointVolume.get() == nullptr)
             return;
+        for (unsigned int channel = 0; channel < volume.numChannel(); ++channel)
+            volume.setVolumeLevelDecibel(channel,
+                                         -12.0F); // the master level moves the channels, and keeps their distance
         volume.registerVolumeChangeNotification(new VolumeChangeNotification);
         volume.setMasterVolumeLevelPercent(40);
         volume.setMasterVolumeLevelDecibel(-6.0F);

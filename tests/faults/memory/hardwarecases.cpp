@@ -16,6 +16,7 @@ public:
     void work() override
     {
         m_found = 0;
+        m_outside = 0;
         for (unsigned int i = 0; i < m_cards.size(); ++i)
         {
             resolve(m_cards[i], *m_cards[i].m_playbackDevices);
@@ -25,7 +26,7 @@ public:
 
     std::string answer() override
     {
-        std::string text = std::to_string(m_found);
+        std::string text = std::to_string(m_found) + ", " + std::to_string(m_outside) + " not in the graph";
         for (unsigned int i = 0; i < m_controls.size(); ++i)
             text += " " + m_controls[i].ownerName.toUtf8();
         for (unsigned int i = 0; i < m_controllers.size(); ++i)
@@ -39,13 +40,21 @@ private:
     {
         for (unsigned int i = 0; i < endpoints.size(); ++i)
         {
-            m_found += card.volumeController(endpoints[i], m_controls);
-            m_found += card.volumeController(endpoints[i], m_controllers);
+            try
+            {
+                m_found += card.volumeController(endpoints[i], m_controls);
+                m_found += card.volumeController(endpoints[i], m_controllers);
+            }
+            catch (const qor::IndexOutOfBounds&) // the documented answer for an endpoint that is not in the graph
+            {
+                ++m_outside;
+            }
         }
     }
 
     qor::Array<SoundCard> m_cards;
     unsigned int m_found = 0;
+    unsigned int m_outside = 0;
     qor::Array<SoundCard::VolumeController> m_controls;
     qor::Array<SharedPointer<VolumeControllerInterface>> m_controllers;
 };

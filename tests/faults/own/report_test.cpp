@@ -100,6 +100,30 @@ TEST(FaultReport, TellsAnExcuseThatNoRunNeeds)
     EXPECT_FALSE(report.isClean());
 }
 
+TEST(FaultReport, TellsAnExcuseOfRunsThatFindNothing)
+{
+    std::ostringstream output;
+    Report report({partWith({{"*", "*", "*", "*", Kind::crash, "a reason"}})}, output);
+
+    report.onCalls("part", {"operation", "machine", {}}, 20000, 60);
+    report.onRun(place, 1, {});
+    report.conclude("part", true);
+
+    EXPECT_FALSE(report.isClean());
+}
+
+TEST(FaultReport, TellsNoExcuseOfCallsThatHaveNotFailed)
+{
+    std::ostringstream output;
+    Report report({partWith({{"*", "machine", "*", "another call*", Kind::crash, "a reason"}})}, output);
+
+    report.onCalls("part", {"operation", "machine", {}}, 20000, 60);
+    report.onRun(place, 1, {});
+    report.conclude("part", true);
+
+    EXPECT_TRUE(report.isClean());
+}
+
 TEST(FaultReport, NeedsNoExcuseIfOnlySomeRunsAreAskedFor)
 {
     std::ostringstream output;

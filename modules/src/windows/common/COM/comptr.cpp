@@ -1,5 +1,6 @@
 #include "COM/comptr.h"
 
+#include "COM/endofcom.h"
 #include "COM/resultcode.h"
 #include "qor/logstatement.h"
 
@@ -11,26 +12,6 @@ namespace comptrlog
 constexpr const char* channel = "comptr";
 qor::LoggerSlot logger;
 }
-
-/// Undoes a successful CoInitialize of this thread unless forget() was called.
-class InitializationGuard
-{
-public:
-    explicit InitializationGuard(HRESULT result) noexcept : m_initialized(SUCCEEDED(result)) {}
-    InitializationGuard(const InitializationGuard&) = delete;
-    InitializationGuard& operator=(const InitializationGuard&) = delete;
-
-    ~InitializationGuard()
-    {
-        if (m_initialized)
-            CoUninitialize();
-    }
-
-    void forget() noexcept { m_initialized = false; }
-
-private:
-    bool m_initialized;
-};
 }
 
 void logExceptionOfRelease()
@@ -42,9 +23,9 @@ COMInitializer::COMInitializer()
 {
     SONAVIT_TRACE(comptrlog, "COMInitializer::COMInitializer");
     const HRESULT result = CoInitialize(nullptr);
-    InitializationGuard guard(result); // for an exception out of the message: no destructor runs then
+    EndOfCOM end(SUCCEEDED(result)); // for an exception out of the message: no destructor runs then
     SONAVIT_LOG(comptrlog, LOG_DEBUG, out.append("CoInitialize returns "), out + signExtended(result));
-    guard.forget();
+    end.forget();
 }
 
 COMInitializer::~COMInitializer()

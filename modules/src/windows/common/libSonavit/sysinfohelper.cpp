@@ -1,30 +1,9 @@
 #include "libSonavit/sysinfohelper.h"
 
+#include "COM/endofcom.h"
+
 namespace libSonavit
 {
-namespace
-{
-/// Calls CoUninitialize at the end of its scope, even if an exception leaves it, unless forget() was called.
-class EndOfCOM
-{
-public:
-    explicit EndOfCOM(bool isOwed = true) noexcept : m_isOwed(isOwed) {}
-    EndOfCOM(const EndOfCOM&) = delete;
-    EndOfCOM& operator=(const EndOfCOM&) = delete;
-
-    ~EndOfCOM()
-    {
-        if (m_isOwed)
-            CoUninitialize();
-    }
-
-    void forget() noexcept { m_isOwed = false; }
-
-private:
-    bool m_isOwed;
-};
-}
-
 /// The result of CoInitializeEx counts for an exception only: no destructor runs then.
 SysInfoHelper::SysInfoHelper()
 {
