@@ -82,7 +82,7 @@ class ReadingWithFault : public ReadingTest, public testing::WithParamInterface<
 {
 protected:
     /// Of the further calls of an operation one in so many goes wrong.
-    static constexpr std::uint32_t distance = support::cases(1, 10);
+    static constexpr std::uint32_t distance = support::cases(1, 20);
     static constexpr std::uint32_t enough = 2;
 
     /// Reads the machine once as it is and once for each call that the first reading makes, which then goes wrong in
