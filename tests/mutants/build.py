@@ -81,9 +81,9 @@ class Build:
 
     @lru_cache(maxsize=None)
     def objects_of(self, program):
-        """The object files of a program and of its libraries."""
+        """The object files of a program and of its libraries; no precompiled headers, which are inputs, too."""
         inputs = output_of(["ninja", "-t", "inputs", program], self.folder).splitlines()
-        return [each for each in inputs if each in self._commands]
+        return [each for each in inputs if each in self._commands and not each.endswith(".pch")]
 
     @lru_cache(maxsize=None)
     def link_command(self, program):
