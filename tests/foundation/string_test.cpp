@@ -34,6 +34,23 @@ TEST(StringConstruction, CopiesAnEightBitLiteral)
     EXPECT_EQ("Speaker", text.toUtf8());
 }
 
+TEST(StringConstruction, EndsWithAZeroWhateverTheMemoryHeldBefore)
+{
+    const unsigned short units[] = {'S', 'p', 'e', 'a', 'k', 'e', 'r', 's', 0};
+    for (std::size_t bytes = 16; bytes <= 96; bytes += 16) // blocks of each size that may be used again
+    {
+        std::string used(bytes, '\xFF');
+        used.clear();
+        used.shrink_to_fit();
+    }
+
+    const String whole(units);
+    const String part = whole.subString(1, 3);
+
+    EXPECT_EQ(0, whole.getUCS2Buffer()[8]);
+    EXPECT_EQ(0, part.getUCS2Buffer()[3]);
+}
+
 TEST(StringConstruction, ReadsUnitsAbove7FAsLatin1)
 {
     const String text("\xE9\xFF");

@@ -53,6 +53,11 @@ TEST_F(SoundCardInstanceId, IsTheSecondOfTwoParts)
     EXPECT_THAT(texts, IsEmpty());
 }
 
+TEST_F(SoundCardInstanceId, KeepsWhatSeparatesPartsElsewhere)
+{
+    EXPECT_EQ(qor::String("HD~1 A,2;3|4&#5/6:7-8_9\\0"), instanceIdOf("{1}.HD~1 A,2;3|4&#5/6:7-8_9\\0"));
+}
+
 TEST_F(SoundCardInstanceId, IsTheMiddleOneOfThreeParts)
 {
     EXPECT_EQ(qor::String("USB\\VID_0001"), instanceIdOf("{1}.USB\\VID_0001.7"));

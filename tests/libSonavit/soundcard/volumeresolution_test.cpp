@@ -21,6 +21,19 @@ TEST_F(VolumeResolution, FindsNothingForAnEndpointWithoutConnectorsAndForgetsWha
     EXPECT_EQ(0u, result.size());
 }
 
+TEST_F(VolumeResolution, ForgetsThePartsThatTheResultOfASearchByTypeHeld)
+{
+    graph.endpoint("out");
+    discover();
+    qor::Array<AudioPart> found;
+    found.append(AudioPart());
+    found.append(AudioPart());
+
+    EXPECT_FALSE(cards[0].partFromList({}, KSNODETYPE_MUTE, found));
+
+    EXPECT_EQ(0u, found.size());
+}
+
 TEST_F(VolumeResolution, FindsNothingForAnEndpointWithoutATopology)
 {
     graph.endpoint("out").topology.reset();
