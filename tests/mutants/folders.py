@@ -19,7 +19,7 @@ class Folder:
 FOLDERS = (
     Folder("foundation", "foundation/qor", ("foundation_test",), 95),
     Folder("modules", "modules/src/windows/common", ("library_test", "regression_test"), 95),
-    Folder("client", "client", ("client_test",), 95),
+    Folder("client", "client", ("client_test", "program_test"), 95),
     Folder("simulator", "simulator", ("machine_test", "simulator_test"), 90),
     Folder("program", "tools/sonavit", ("program_test",), 90),
 )
