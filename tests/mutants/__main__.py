@@ -16,7 +16,7 @@ from folders import FOLDERS, NAMES, folder_of, named
 from recorded import Failure
 from run import Run, changes_in, texts_of
 
-COUNT = 120
+COUNT = 80
 
 
 def arguments_of(words):
