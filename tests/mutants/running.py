@@ -4,6 +4,7 @@ import os
 import re
 import signal
 import subprocess
+import tempfile
 from dataclasses import dataclass
 
 MOST_MEMORY = 12 << 30
@@ -46,16 +47,18 @@ def run(command, folder, seconds, environment=None):
     return Outcome(code, output.decode(errors="replace"))
 
 
-def _environment(folder, **more):
-    return {**os.environ, "TMPDIR": str(folder), "TEST_TMPDIR": str(folder), **more}
+def _environment(temporary, **more):
+    return {**os.environ, "TMPDIR": temporary, "TEST_TMPDIR": temporary, **more}
 
 
 def run_tests(program, names, folder, seconds, limits=LIMITS, **environment):
-    """Runs these tests of a program, up to the first one that fails. folder is for its files."""
+    """Runs these tests of a program, up to the first one that fails. folder is where it runs."""
     flags = folder / "flags"
     flags.write_text(f"--gtest_filter={':'.join(names)}\n--gtest_fail_fast\n--gtest_color=no\n", encoding="utf-8")
     command = [*limits, f"--cpu={int(seconds)}:{int(seconds) + 5}", str(program), f"--gtest_flagfile={flags}"]
-    return run(command, folder, seconds, _environment(folder, **environment))
+    # With a short name: what the tests expect to read may name files there.
+    with tempfile.TemporaryDirectory(prefix="sonavit.", ignore_cleanup_errors=True) as temporary:
+        return run(command, folder, seconds, _environment(temporary, **environment))
 
 
 def failure(outcome, count):
