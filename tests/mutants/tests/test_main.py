@@ -20,11 +20,14 @@ def printed(*words):
 
 class Arguments(unittest.TestCase):
     def test_without_any_all_folders_are_searched(self):
-        self.assertEqual([test for folder in FOLDERS for test in folder.tests], printed("--targets"))
+        tests = {test for folder in FOLDERS for test in folder.tests}
+        targets = printed("--targets")
+        self.assertEqual(tests, set(targets))
+        self.assertEqual(len(tests), len(targets))
 
     def test_a_folder_a_file_and_a_name_say_which_programs_are_asked(self):
         self.assertEqual(["program_test"], printed("--targets", "--folder", "program"))
-        self.assertEqual(["client_test"], printed("--targets", "--file", "client/sonavit/volume.h"))
+        self.assertEqual(["client_test", "program_test"], printed("--targets", "--file", "client/sonavit/volume.h"))
         self.assertEqual(["foundation_test"], printed("--targets", "--id", "foundation/qor/string.cpp:1:2:call"))
 
     def test_wrong_ones_are_refused(self):

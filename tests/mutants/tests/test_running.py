@@ -47,14 +47,14 @@ class Run(unittest.TestCase):
 
 
 class RunTests(unittest.TestCase):
-    def test_the_program_gets_the_names_in_a_file_and_the_folder_for_its_files(self):
+    def test_the_program_gets_the_names_in_a_file_and_an_empty_folder_of_its_own(self):
         with tempfile.TemporaryDirectory() as name:
             folder = Path(name)
             program = folder / "program"
-            program.write_text('#!/bin/sh\ncat "${1#--gtest_flagfile=}"\necho "$TMPDIR $MORE"\npwd\n', encoding="utf-8")
+            program.write_text('#!/bin/sh\ncat "${1#--gtest_flagfile=}"\n[ "$TMPDIR" = "$TEST_TMPDIR" ] && ls -A "$TMPDIR"\necho "$MORE"\npwd\n', encoding="utf-8")
             program.chmod(0o755)
 
             outcome = run_tests(program, ["S.One", "S.Two/0"], folder, 60, MORE="more")
 
             self.assertEqual(Outcome(0, "--gtest_filter=S.One:S.Two/0\n--gtest_fail_fast\n--gtest_color=no\n"
-                                        f"{folder} more\n{folder}\n"), outcome)
+                                        f"more\n{folder}\n"), outcome)
