@@ -26,6 +26,22 @@ TEST_F(Answering, IsTheMachinesWorkInACallAndNotOutsideOfIt)
     EXPECT_FALSE(sim::isAnswering());
 }
 
+TEST_F(Answering, IsTheMachinesWorkInTheOperationsOfIUnknownToo)
+{
+    const Held<IMMDevice> speaker = device(speakerId);
+    bool isInQuery = false;
+    bool isInRelease = false;
+    simulation.faults().run("IMMDevice::QueryInterface", [&] { isInQuery = sim::isAnswering(); });
+    simulation.faults().run("IMMDevice::Release", [&] { isInRelease = sim::isAnswering(); });
+
+    speaker.as<IMMEndpoint>().reset();
+
+    EXPECT_TRUE(isInQuery);
+    EXPECT_TRUE(isInRelease);
+    EXPECT_FALSE(sim::isAnswering());
+    simulation.faults().clear();
+}
+
 TEST_F(Answering, EndsWithACallThatThrows)
 {
     simulation.faults().raise("IMMDeviceEnumerator::GetDefaultAudioEndpoint");

@@ -149,6 +149,17 @@ TEST(LatencyPlanPreset, GivesWayToRulesButNotToTheOneForAllCalls)
     EXPECT_EQ(microseconds(0), plan.cost("IPropertyStore::GetCount"));
 }
 
+TEST(LatencyPlanPreset, IsRemovedWithTheRules)
+{
+    sim::LatencyPlan plan;
+    plan.usePreset(sim::LatencyPreset::windows);
+
+    plan.clear();
+
+    EXPECT_EQ(microseconds(0), plan.cost("IPropertyStore::GetCount"));
+    EXPECT_EQ(microseconds(0), plan.cost("IMMDevice::Activate", "IAudioClient"));
+}
+
 TEST(LatencyPlanPreset, IsPartOfAMachine)
 {
     sim::Machine machine;

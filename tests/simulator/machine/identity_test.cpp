@@ -4,8 +4,41 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string>
+#include <utility>
+
 namespace
 {
+/// Whether @p id has the form in which each '?' stands for an upper-case hexadecimal digit.
+bool hasForm(const std::string& id, const std::string& form)
+{
+    const auto fits = [](char wanted, char found)
+    { return wanted == '?' ? std::string("0123456789ABCDEF").find(found) != std::string::npos : wanted == found; };
+    return std::equal(form.begin(), form.end(), id.begin(), id.end(), fits);
+}
+
+TEST(DeviceInstanceForm, IsThatOfRealMachines)
+{
+    const std::string seed = "any";
+    for (const auto& [id, form] :
+         {std::pair<std::string, std::string>(
+              sim::boardInstance(seed),
+              "HDAUDIO\\FUNC_01&VEN_????&DEV_????&SUBSYS_????????&REV_1000\\4&???????&0&0001"),
+          {sim::boardParent(seed), "PCI\\VEN_????&DEV_????&SUBSYS_????????&REV_03\\3&???????&0&FB"},
+          {sim::usbInstance(seed), "USB\\VID_????&PID_????&MI_00\\7&???????&0&0000"},
+          {sim::usbParent(seed), "USB\\VID_????&PID_????\\????????????"}})
+        EXPECT_TRUE(hasForm(id, form)) << id;
+}
+
+TEST(DeviceInstanceForm, OfAUsbFunctionNamesTheDeviceOfItsParent)
+{
+    const std::string device = "USB\\VID_????&PID_????";
+
+    EXPECT_EQ(sim::usbParent("any").substr(0, device.size()), sim::usbInstance("any").substr(0, device.size()));
+    EXPECT_NE(sim::usbParent("any"), sim::usbParent("other"));
+}
+
 // The tests of Wine, which were run on Windows: IMMDeviceEnumerator::GetDevice refuses L"notadevice" with E_INVALIDARG.
 // The forms themselves are those that real machines have.
 

@@ -12,6 +12,7 @@ TEST(NearestName, DiffersInCaseOrInFewCharacters)
     EXPECT_EQ("friendlyName", sim::nearestName("frendlyName", names));
     EXPECT_EQ("deviceFormat", sim::nearestName("device_format", names));
     EXPECT_EQ("instancePath", sim::nearestName("istancePaht", names));
+    EXPECT_EQ("deviceFormat", sim::nearestName("tefiseForwat", names)) << "four characters of twelve are others";
 }
 
 TEST(NearestName, IsEmptyWhenNoneIsNear)

@@ -30,7 +30,7 @@ TEST(ValueTextResult, IsAHexadecimalNumberOfEightDigits)
     EXPECT_EQ(E_FAIL, sim::resultFromText("0x80004005"));
     EXPECT_EQ(E_FAIL, sim::resultFromText(sim::resultText(E_FAIL)));
     EXPECT_EQ("0x00000001", sim::resultText(S_FALSE));
-    for (const char* wrong : {"", "0x8000400", "80004005", "0X80004005", "0x8000400G", "0x800040055"})
+    for (const char* wrong : {"", "0x8000400", "80004005", "0X80004005", "0x8000400G", "0xG0004005", "0x800040055"})
         EXPECT_FALSE(sim::resultFromText(wrong)) << wrong;
 }
 

@@ -328,6 +328,20 @@ TEST_F(EndpointBuilderNode, FindsTheJackAfterATestHasRenamedAndMovedParts)
     EXPECT_EQ("Speakers", speaker.jack().name);
 }
 
+TEST_F(MachineBuilderCard, ConnectsPartsThatATestHasAddedItself)
+{
+    sim::Connector added;
+    added.id = "added";
+    codec.adapter().topology->connectors.push_back(added);
+    const std::string jack = codec.connector("Jack", sim::nodetypes::speaker, Out);
+
+    codec.chain({"added", jack});
+
+    const sim::Machine machine = bench.build();
+    EXPECT_THAT(machine.part("added").part->outgoing, ElementsAre(jack));
+    EXPECT_THAT(machine.part(jack).part->incoming, ElementsAre("added"));
+}
+
 TEST_F(MachineBuilderCard, OfAnInstanceThatHasOneAlreadyConnectsThePartsOfTheFirst)
 {
     sim::CardBuilder first = bench.card("First", "USB\\A");

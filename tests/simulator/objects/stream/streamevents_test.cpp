@@ -1,8 +1,10 @@
 #include "tests/simulator/objects/stream/streamtest.h"
 #include "tests/simulator/visit.h"
+#include "tests/support/pace.h"
 
 #include <atomic>
 #include <future>
+#include <memory>
 #include <stdexcept>
 #include <thread>
 
@@ -177,6 +179,50 @@ TEST_F(StreamEvents, MayReleaseTheirClient)
     EXPECT_EQ(1, count);
 }
 
+// The client may close its event as soon as the stream has stopped.
+TEST_F(StreamEvents, AreOverWhenAStopReturnsWhileAnotherThreadMovesTheClock)
+{
+    constexpr int stops = support::cases(5000, 500);
+    const auto spend = [](std::chrono::microseconds time)
+    {
+        const auto end = std::chrono::steady_clock::now() + time;
+        while (std::chrono::steady_clock::now() < end)
+            continue;
+    };
+    std::atomic<bool> hasStopped{false};
+    std::atomic<int> tooLate{0};
+    simulation.journal().record(false);
+    simulation.streams().signalWith(
+        [&](HANDLE)
+        {
+            spend(5us);
+            tooLate += hasStopped ? 1 : 0;
+        });
+    const Held<IAudioClient> speaker = sharedClient(speakerId, events);
+    ASSERT_EQ(S_OK, speaker->SetEventHandle(anEvent));
+    std::atomic<bool> isOver{false};
+    std::thread clock(
+        [&]
+        {
+            while (!isOver)
+                advance(10ms);
+        });
+
+    for (int stop = 0; stop < stops; ++stop)
+    {
+        hasStopped = false;
+        EXPECT_EQ(S_OK, speaker->Start());
+        spend(10us);
+        EXPECT_EQ(S_OK, speaker->Stop());
+        hasStopped = true;
+        spend(10us);
+    }
+
+    isOver = true;
+    clock.join();
+    EXPECT_EQ(0, tooLate);
+}
+
 /// The clock runs by itself.
 class RunningClock : public bench::SimulationTest
 {
@@ -185,14 +231,21 @@ protected:
     Held<IAudioClient> started()
     {
         simulation.change([&](sim::Machine& machine) { machine.endpoint(speakerId)->hasAudioClient = true; });
-        Held<IAudioClient> speaker;
-        EXPECT_EQ(S_OK, device(speakerId)->Activate(sim::InterfaceTraits<IAudioClient>::iid(), CLSCTX_ALL, nullptr,
-                                                    speaker.putVoid()));
+        return started(simulation, speakerId);
+    }
+
+    /// The same of an endpoint that has an audio client.
+    static Held<IAudioClient> started(sim::Simulation& machine, const std::string& id)
+    {
+        Held<IAudioClient> client;
+        EXPECT_EQ(S_OK,
+                  Held<IMMDevice>(machine.device(id))
+                      ->Activate(sim::InterfaceTraits<IAudioClient>::iid(), CLSCTX_ALL, nullptr, client.putVoid()));
         const WAVEFORMATEXTENSIBLE format = sim::MixFormat().waveFormat();
-        EXPECT_EQ(S_OK, speaker->Initialize(AUDCLNT_SHAREMODE_SHARED, events, 0, 0, &format.Format, nullptr));
-        EXPECT_EQ(S_OK, speaker->SetEventHandle(poison<void>()));
-        EXPECT_EQ(S_OK, speaker->Start());
-        return speaker;
+        EXPECT_EQ(S_OK, client->Initialize(AUDCLNT_SHAREMODE_SHARED, events, 0, 0, &format.Format, nullptr));
+        EXPECT_EQ(S_OK, client->SetEventHandle(poison<void>()));
+        EXPECT_EQ(S_OK, client->Start());
+        return client;
     }
 };
 
@@ -290,6 +343,23 @@ TEST_F(RunningClock, SignalsPeriodsOnAThreadOfItsOwn)
     EXPECT_NE(std::this_thread::get_id(), thread.get());
     EXPECT_EQ(S_OK, speaker->Stop());
     simulation.streams().signalWith({});
+}
+
+TEST_F(RunningClock, StopsWithTheSimulation)
+{
+    const bench::BenchMachine machine;
+    std::atomic<int> count{0};
+    auto other = std::make_unique<sim::Simulation>(machine.builder.build());
+    other->streams().signalWith([&](HANDLE) { ++count; });
+    const Held<IAudioClient> earphone = started(*other, machine.earphone.id());
+    while (count == 0)
+        std::this_thread::yield();
+
+    other.reset();
+
+    const int atTheEnd = count;
+    std::this_thread::sleep_for(50ms); // five periods
+    EXPECT_EQ(atTheEnd, count);
 }
 
 TEST_F(RunningClock, CannotBeMovedByHand)
