@@ -22,6 +22,7 @@ using testing::ElementsAreArray;
 using testing::Field;
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 namespace
 {
@@ -225,6 +226,31 @@ TEST_F(DiagnosingExplain, FollowsTheFirstConnectorToTheJack)
     EXPECT_EQ("So it has 1 jack: \"Microphone\".", jacks.conclusion);
 }
 
+TEST_F(DiagnosingExplain, CountsTheJacksThatAConnectorDescribesFromOne)
+{
+    sim::MachineBuilder builder;
+    const sim::EndpointBuilder speaker = builder.card("Card").speaker("Rear");
+    sim::Machine machine = builder.build();
+    sim::Jack black;
+    black.connection = eConnType3Point5mm;
+    sim::Jack green = black;
+    green.colour = 0x00FF00;
+    green.geometricLocation = eGeoLocFront;
+    for (sim::Connector& connector : machine.adapters.at(0).topology->connectors)
+    {
+        if (connector.id == speaker.jackId())
+            connector.jacks = {black, green};
+    }
+
+    const Reason jacks = reasonsOf(machine, "Rear")[1];
+
+    EXPECT_THAT(jacks.facts, Contains(isFact("It describes 2 jacks.", "IKsJackDescription::GetJackCount")));
+    EXPECT_THAT(jacks.facts, Contains(AllOf(Field(&sonavit::Fact::sentence, StartsWith("Jack 1: ")),
+                                            Field(&sonavit::Fact::call, "IKsJackDescription::GetJackDescription(0)"))));
+    EXPECT_THAT(jacks.facts, Contains(AllOf(Field(&sonavit::Fact::sentence, StartsWith("Jack 2: ")),
+                                            Field(&sonavit::Fact::call, "IKsJackDescription::GetJackDescription(1)"))));
+}
+
 TEST_F(DiagnosingExplain, SaysThatPropertiesNameTheJackWithoutHardware)
 {
     const std::vector<Reason> reasons = reasonsOf(sim::findMachine("virtual"), "Cable A Input");
@@ -256,6 +282,30 @@ TEST_F(DiagnosingExplain, SaysWhyOtherLevelsOfTheCardAreNoControls)
                 Contains(Field(&sonavit::Fact::sentence, HasSubstr("\"Preamp 2\" (of Microphone 2) and 6 more."))));
     EXPECT_EQ("So 2 hardware controls act on it: \"Combo 1: Preamp 1\" and \"Microphone 1 Bridge: Trim 1\".",
               controls.conclusion);
+}
+
+TEST_F(DiagnosingExplain, FollowsTheWayToTheControlsFromTheEndpointsOwnConnector)
+{
+    std::vector<std::string> sentences;
+    const Reason controls = reasonsOf(sim::findMachine("studio"), "Main Monitors")[2];
+    for (const sonavit::Fact& fact : controls.facts)
+        sentences.push_back(fact.sentence);
+    ASSERT_LT(8U, sentences.size());
+    sentences.resize(8);
+
+    const std::vector<std::string> way = {
+        "It has one connector. The search for controls begins there.",
+        "Its connector is joined to the connector \"Line Out 1/2\" of the adapter \"Studio Interface\".",
+        "Next to \"Line Out 1/2\" is the volume node \"Line Out 1/2 Level\" with the mute \"Line Out 1/2 Mute\": a "
+        "control.",
+        "A signal path connects \"Line Out 1/2\" with \"Main Monitors Bridge\".",
+        "Next to \"Main Monitors Bridge\" is the volume node \"Main Playback Level\", without a mute: a control.",
+        "\"Main Monitors Bridge\" is joined to the connector \"Main Monitors Bridge\" of the adapter \"Studio "
+        "Converter\".",
+        "A signal path connects \"Main Monitors Bridge\" with \"Main Monitors Stream\".",
+        "No further volume node is next to a connector that the search reaches; \"Main Monitors Bridge\" and \"Main "
+        "Monitors Stream\" have none."};
+    EXPECT_EQ(way, sentences);
 }
 
 TEST_F(DiagnosingExplain, FindsLevelsBetweenNodes)

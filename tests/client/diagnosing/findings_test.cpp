@@ -145,6 +145,21 @@ TEST_F(DiagnosingFindings, MissTheHardwareOfAnActiveEndpoint)
     EXPECT_THAT(rules(), ElementsAre("join-unreadable"));
 }
 
+/// The join is there, and nobody says where it leads.
+TEST_F(DiagnosingFindings, DoNotTakeAConnectorForLooseWhosePeerCannotBeRead)
+{
+    machine().joins.erase(machine().joins.begin());
+    const std::string connector = speaker().topology.value().connectors.at(0).id;
+    for (const char* const operation : {"IConnector::GetConnectedTo", "IConnector::GetDeviceIdConnectedTo"})
+    {
+        m_survey.failures.clear();
+        EXPECT_THAT(rules(), testing::Contains("connector-leads-nowhere"));
+        fails(operation, connector, {}, E_FAIL);
+
+        EXPECT_THAT(rules(), ElementsAre("join-unreadable")) << operation;
+    }
+}
+
 TEST_F(DiagnosingFindings, AllowTheAdapterOfADeviceThatIsAwayToBeClosed)
 {
     for (sim::Endpoint& endpoint : machine().endpoints)

@@ -277,6 +277,31 @@ TEST_F(SystemWithAFailingCall, TriesToReadADefaultAgain)
     EXPECT_EQ(other->id(), audio().defaultEndpoint(Flow::output)->id());
 }
 
+/// An announcement of the defaults of one flow comes while an earlier reading is to be tried again.
+TEST_F(SystemWithAFailingCall, TriesToReadADefaultAgainSoonAfterEachAnnouncement)
+{
+    const auto count = [this] { return simulation().journal().count("IMMDeviceEnumerator::GetDefaultAudioEndpoint"); };
+    for (const EDataFlow flow : {eRender, eCapture})
+    {
+        const auto announce = [&] { simulation().events().announceDefault(flow, eConsole, m_id.text()); };
+        simulation().faults().fail("IMMDeviceEnumerator::GetDefaultAudioEndpoint", planned);
+        announce();
+        advance(50ms);
+        for (const auto pause : {250ms, 500ms, 1000ms})
+            advance(pause); // the next try comes after 2 seconds
+        announce();
+        ASSERT_TRUE(audio().refresh());
+        const std::size_t before = count();
+
+        advance(250ms);
+
+        EXPECT_LT(before, count());
+        simulation().faults().clear();
+        ASSERT_TRUE(audio().refresh(Depth::everything));
+        ASSERT_THAT(audio().snapshot().problems(), IsEmpty());
+    }
+}
+
 /// Without notifications the layer would never know better.
 TEST_F(SystemWithAFailingCall, RegistersForEventsAgain)
 {

@@ -90,4 +90,24 @@ TEST_F(InboxTake, IsPreparedByNotificationsThatAllocateNothing)
 
     EXPECT_EQ(0u, probe.count());
 }
+
+/// Programs recognise their own changes by their tokens.
+TEST_F(InboxTake, ReturnsTheTokensOfAllChangesOfAnEndpointEachOnce)
+{
+    const std::string text = idOf(1);
+    std::vector<WCHAR> id(text.begin(), text.end());
+    id.push_back(0);
+    const watching::EventContexts& contexts = m_inbox.context();
+    for (const ChangeToken token : {ChangeToken(7), ChangeToken(9), ChangeToken(7), ChangeToken(8)})
+    {
+        const GUID context = contexts.of(token);
+        m_inbox.noteVolume(id.data(), &context);
+    }
+
+    const watching::Noted noted = m_inbox.take(false);
+
+    ASSERT_EQ(1u, noted.endpoints.size());
+    EXPECT_THAT(noted.endpoints[0].cause.tokens, ElementsAre(7, 9, 8));
+    EXPECT_EQ(Origin::own, noted.endpoints[0].cause.origin);
+}
 }

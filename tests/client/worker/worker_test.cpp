@@ -121,6 +121,83 @@ TEST_F(WorkerOfSystems, AnswersQuestionsOnItselfWithoutWaiting)
         EXPECT_EQ(Problem::Kind::wouldWait, problem.kind());
 }
 
+/// A program may make and end Systems for days while another one of them keeps the worker running.
+TEST_F(WorkerOfSystems, KeepsNoMemberThatHasLeft)
+{
+    struct Idle : worker::Member
+    {
+        worker::Clock::Time step(worker::Clock::Time) noexcept override { return worker::Clock::never; }
+    };
+    play("desktop");
+    System audio(options());
+    static_cast<void>(audio.snapshot());
+    const std::shared_ptr<worker::Worker> current = worker::Worker::current();
+    const auto former = std::make_shared<Idle>();
+    const auto later = std::make_shared<Idle>();
+
+    current->post(worker::Urgency::change,
+                  [&]
+                  {
+                      current->add(former);
+                      current->add(later);
+                      current->remove(*former);
+                  });
+    current->settle();
+
+    EXPECT_EQ(1, former.use_count());
+    EXPECT_EQ(2, later.use_count());
+    current->post(worker::Urgency::change, [&] { current->remove(*later); });
+    current->settle();
+    EXPECT_EQ(1, later.use_count());
+}
+
+/// What a program asks for in a function that the worker calls.
+TEST_F(WorkerOfSystems, NamesEachOperationThatWouldWaitForItself)
+{
+    play("desktop");
+    System::Options given = options();
+    std::unique_ptr<System> audio;
+    const EndpointId id("endpoint");
+    const CardId card("card");
+    const ControlId control("control");
+    std::vector<Problem> problems;
+    given.onWorkerStart = [&, former = given.onWorkerStart]
+    {
+        former();
+        problems = {audio->setVolume(id, Percent(10)).problem(),
+                    audio->setMute(id, true).problem(),
+                    audio->toggleMute(id).problem(),
+                    audio->setControl(id, "Volume", Percent(10)).problem(),
+                    audio->setControl(id, control, Percent(10)).problem(),
+                    audio->setControlMute(id, "Volume", true).problem(),
+                    audio->setControlMute(id, control, true).problem(),
+                    audio->controls(id).problem(),
+                    audio->select(card, "Source", "Line").problem(),
+                    audio->selectors(card).problem(),
+                    audio->graph(card).problem(),
+                    audio->watch(card).problem(),
+                    audio->select("Source", "Line").problem(),
+                    audio->refresh().problem(),
+                    audio->graph().problem(),
+                    audio->settings().problem(),
+                    audio->restore(Settings()).problem()};
+    };
+    audio = std::make_unique<System>(given);
+
+    static_cast<void>(audio->refresh());
+
+    std::vector<std::string> told;
+    for (const Problem& problem : problems)
+    {
+        EXPECT_EQ(Problem::Kind::wouldWait, problem.kind());
+        told.push_back(problem.operation() + " " + problem.object());
+    }
+    EXPECT_THAT(told, ElementsAre("setVolume endpoint", "setMute endpoint", "toggleMute endpoint",
+                                  "setControl endpoint", "setControl endpoint", "setControlMute endpoint",
+                                  "setControlMute endpoint", "controls endpoint", "select card", "selectors card",
+                                  "graph ", "watch card", "select ", "refresh ", "graph ", "settings ", "restore "));
+}
+
 TEST_F(WorkerOfSystems, TurnsItsExceptionsIntoProblems)
 {
     play("desktop");

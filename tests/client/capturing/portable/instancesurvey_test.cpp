@@ -85,6 +85,19 @@ TEST_F(SurveyDeviceInstances, AsksNothingWithoutNames)
     EXPECT_EQ(0u, simulation().journal().count("getParentDeviceInstanceId"));
 }
 
+TEST_F(SurveyDeviceInstances, AsksNothingOfAnAdapterWhoseIdNamesNoInstance)
+{
+    sim::Machine surveyed;
+    surveyed.adapters.resize(1);
+    surveyed.adapters[0].id = "elsewhere";
+    start(machine);
+
+    capturing::surveyDeviceInstances(surveyed);
+
+    EXPECT_THAT(surveyed.deviceInstances, IsEmpty());
+    EXPECT_EQ(0u, simulation().journal().count("getParentDeviceInstanceId"));
+}
+
 /// On Windows the system's own PropVariantClear answers.
 class SurveyPropertiesThatAreNotCleared : public SurveyTest
 {
