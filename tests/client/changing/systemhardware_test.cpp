@@ -317,6 +317,49 @@ TEST_F(SystemHardware, ReportsTheSelectionThatIsRefused)
     EXPECT_EQ(result.problem().code(), E_ACCESSDENIED);
 }
 
+/// A connector has the id that stands for the selector, which has none.
+TEST_F(SystemHardware, ReportsASelectorThatAnotherPartHidesByItsId)
+{
+    sim::MachineBuilder builder;
+    sim::CardBuilder card = builder.card("Analog Audio");
+    static_cast<void>(card.microphone());
+    sim::Subunit source;
+    source.name = "Source";
+    source.subType = KSNODETYPE_MUX;
+    source.selector.emplace();
+    const std::string selector = card.subunit(source);
+    const std::string input = card.connector(sim::OptionalString("Line In"), KSNODETYPE_LINE_CONNECTOR, In);
+    card.chain({input, selector});
+    sim::Machine machine = builder.build();
+    sim::Adapter& adapter = machine.adapters.front();
+    std::string standIn;
+    for (sim::Subunit& subunit : adapter.topology->subunits)
+    {
+        if (subunit.id != selector)
+            continue;
+        subunit.reportsId = false;
+        standIn = adapter.id + "#" + std::to_string(subunit.localId);
+        std::replace(subunit.incoming.begin(), subunit.incoming.end(), input, standIn);
+    }
+    for (sim::Connector& connector : adapter.topology->connectors)
+    {
+        if (connector.id == input)
+            connector.id = standIn;
+    }
+    play(machine);
+    m_system = std::make_unique<System>(options());
+    ASSERT_EQ(m_system->selectors(m_system->snapshot().cards().at(0).id())->size(), 1u);
+
+    const Result<Selector> result = m_system->select("Source", "Line In");
+
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.problem().operation(), "IPart::GetGlobalId");
+    EXPECT_EQ(result.problem().sentence(),
+              "the selector cannot be opened in the hardware that can be read: IPart::GetGlobalId failed: 0x80004003, "
+              "success without a result");
+    EXPECT_EQ(simulation().journal().count("IAudioInputSelector::SetSelection"), 0u);
+}
+
 TEST_F(SystemHardware, IsOpenToAnOrdinaryAccount)
 {
     System& system = start("studio");

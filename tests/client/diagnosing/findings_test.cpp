@@ -145,8 +145,8 @@ TEST_F(DiagnosingFindings, MissTheHardwareOfAnActiveEndpoint)
     EXPECT_THAT(rules(), ElementsAre("join-unreadable"));
 }
 
-/// The join is there, and nobody says where it leads.
-TEST_F(DiagnosingFindings, DoNotTakeAConnectorForLooseWhosePeerCannotBeRead)
+/// The connector is joined, but where it leads is not known.
+TEST_F(DiagnosingFindings, DoNotCallAConnectorUnjoinedWhosePeerCannotBeRead)
 {
     machine().joins.erase(machine().joins.begin());
     const std::string connector = speaker().topology.value().connectors.at(0).id;
