@@ -93,6 +93,9 @@ TEST(ProgramCommandLine, ReadsTheLevelOfTheLog)
     EXPECT_FALSE(read({}).log.has_value());
     EXPECT_FALSE(read({"--log", "off"}).log.has_value());
     EXPECT_EQ(qor::LoggerPriority::LOG_DEBUG, read({"--log", "debug"}).log);
+    EXPECT_EQ(qor::LoggerPriority::LOG_INFO, read({"--log", "info"}).log);
+    EXPECT_EQ(qor::LoggerPriority::LOG_WARNING, read({"--log", "warning"}).log);
+    EXPECT_EQ(qor::LoggerPriority::LOG_ERROR, read({"--log", "error"}).log);
     EXPECT_EQ(qor::LoggerPriority::LOG_FATAL, read({"--log", "fatal"}).log);
     EXPECT_EQ("\"loud\" is not a log level: debug, info, warning, error, fatal or off", complaint({"--log", "loud"}));
 }
@@ -227,6 +230,7 @@ TEST(ProgramCommandLine, SaysWhatIsMissing)
     EXPECT_EQ("--machine needs a value: --machine NAME|FILE", complaint({"--machine"}));
     EXPECT_EQ("--for needs a value: --for SECONDS", complaint({"monitor", "--for"}));
     EXPECT_EQ("-o needs a value: -o FILE", complaint({"graph", "-o"}));
+    EXPECT_EQ("--machine needs a value: --machine NAME|FILE", complaint({"list", "--frob", "--machine"}));
 }
 
 TEST(ProgramCommandLine, SaysThatAnEmptyValueIsMissing)

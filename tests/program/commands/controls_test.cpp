@@ -75,6 +75,20 @@ TEST_F(ProgramControls, ShowDashesForWhatCannotBeRead)
     EXPECT_TRUE(control["muted"].is_null());
 }
 
+TEST_F(ProgramControls, AreNoWorseForEventsThatTheyDoNotNeed)
+{
+    sim::Simulation& simulation = run(support::smallMachine());
+    const support::Answer before = call({"controls", "Speakers"});
+    simulation.faults().fail("IPart::RegisterControlChangeCallback");
+
+    const support::Answer text = call({"controls", "Speakers"});
+
+    EXPECT_EQ(before.code, text.code);
+    EXPECT_EQ(before.out, text.out);
+    EXPECT_EQ(before.err, text.err);
+    EXPECT_EQ(json::array(), json::parse(call({"controls", "Speakers", "--json"}).out)["problems"]);
+}
+
 TEST_F(ProgramControls, ShowAControlWhoseChannelsCannotBeCounted)
 {
     sim::Simulation& simulation = run(support::smallMachine());

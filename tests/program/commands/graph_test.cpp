@@ -175,6 +175,33 @@ TEST_F(ProgramGraph, ShowsThePathOfAnOutputAgainstTheWayOfTheSound)
     EXPECT_THAT(call({"graph", "--endpoint", "Speakers"}).out, HasSubstr("penwidth=\"3\""));
 }
 
+TEST_F(ProgramGraph, DrawsTheNodesOfThePathAndNoOthersWithABroadLine)
+{
+    run(support::smallMachine());
+    std::vector<std::string> onPath;
+    const json answer = graph({"--endpoint", "Speakers"});
+    for (const json& device : answer["devices"])
+    {
+        for (const json& part : device["parts"])
+        {
+            if (part["onPath"] == true)
+                onPath.push_back("\"part" + part["number"].dump() + "\"");
+        }
+    }
+
+    std::vector<std::string> broad;
+    for (const std::string& line : call({"graph", "--endpoint", "Speakers"}).lines())
+    {
+        const std::size_t name = line.find("\"part");
+        if (name != std::string::npos && line.find(" [label=") != std::string::npos &&
+            line.find("penwidth=\"3\"") != std::string::npos)
+            broad.push_back(line.substr(name, line.find(' ', name) - name));
+    }
+
+    EXPECT_EQ(5u, onPath.size());
+    EXPECT_THAT(broad, testing::UnorderedElementsAreArray(onPath));
+}
+
 TEST_F(ProgramGraph, LeavesBranchesOutOfThePathOfAnOutput)
 {
     sim::Machine machine = support::smallMachine();

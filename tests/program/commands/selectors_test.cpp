@@ -208,3 +208,11 @@ TEST_F(ProgramSelect, SaysWhereToLookForSelectorsAndInputs)
     EXPECT_EQ("sonavit: there is no input \"Trumpet\"; sonavit selectors shows what there is\n",
               call({"select", "Source", "Trumpet"}).err);
 }
+
+TEST_F(ProgramSelectors, AreChosenWithANoteIfNamesMayNotBeRead)
+{
+    run(builder.build());
+    simulation().faults().fail("IMMDevice::OpenPropertyStore", E_ACCESSDENIED);
+
+    EXPECT_THAT(call({"select", "Source", "Microphone"}).err, testing::StartsWith(support::unreadableNote(3)));
+}

@@ -1,8 +1,11 @@
 /// How the program ends when the user, the system or the reader of its output wants it.
+#include "tools/sonavit/interruption.h"
+
 #include "tests/program/portable/programprocess.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
@@ -159,4 +162,45 @@ TEST_F(ProgramWithoutReader, EndsTheMonitorEvenIfTheParentProcessIgnoresSIGPIPE)
     program.closeOutput();
 
     EXPECT_NE(0, program.end());
+}
+
+TEST(ProgramInterruptionEnd, LeavesNoFileOpen)
+{
+    const auto nextFile = []
+    {
+        const int file = dup(STDERR_FILENO);
+        close(file);
+        return file;
+    };
+    const int before = nextFile();
+
+    for (int time = 0; time < 2; ++time)
+        const sonavit::program::Interruption interruption;
+
+    EXPECT_EQ(before, nextFile());
+}
+
+TEST(ProgramInterruptionEnd, PutsTheActionsOfSignalsBack)
+{
+    const auto action = [](int signal)
+    {
+        struct sigaction now = {};
+        sigaction(signal, nullptr, &now);
+        return now.sa_handler;
+    };
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE})
+    {
+        const auto before = action(signal);
+        {
+            const sonavit::program::Interruption interruption;
+            if (before != SIG_IGN)
+            {
+                EXPECT_NE(before, action(signal)) << signal;
+                std::raise(signal);
+                EXPECT_TRUE(sonavit::program::Interruption::wait(std::chrono::minutes(10))) << signal;
+            }
+        }
+
+        EXPECT_EQ(before, action(signal)) << signal;
+    }
 }
