@@ -211,6 +211,7 @@ TEST(ProgramCommandLine, SaysInOneLineWhatIsWrong)
               complaint({"help", "selector"}));
     EXPECT_EQ("unknown option \"--frob\"; see sonavit list --help", complaint({"list", "--frob"}));
     EXPECT_EQ("unknown option \"-x\"; see sonavit --help", complaint({"-x"}));
+    EXPECT_EQ("unknown command \"\"; see sonavit --help", complaint({""}));
     EXPECT_EQ("unknown option \"--acount\" (did you mean \"--account\"?); see sonavit list --help",
               complaint({"list", "--acount", "x"}));
     EXPECT_EQ("unknown option \"--hodl=3\" (did you mean \"--hold\"?); see sonavit format --help",

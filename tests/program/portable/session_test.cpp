@@ -1,6 +1,7 @@
 /// What a command that is given a machine leaves of it. On Windows COM is the system's own, which keeps no journal.
 #include "tests/program/programtest.h"
 
+#include <cstddef>
 #include <string>
 #include <thread>
 #include <vector>
@@ -58,5 +59,23 @@ TEST_F(ProgramSession, EndsItsMachineBeforeComAlsoAfterACommandThatFails)
         EXPECT_EQ("CoInitialize", operations.front()) << via;
         EXPECT_EQ("CoUninitialize", operations.back()) << via;
         EXPECT_EQ(0u, simulation().comUnderflows()) << via;
+    }
+}
+
+TEST_F(ProgramSession, LeavesComAsItWas)
+{
+    run(support::smallMachine());
+    const auto uses = [this](const char* operation)
+    { return simulation().journal().entries().onThread(std::this_thread::get_id()).of(operation).size(); };
+    for (const char* const via : {"layer", "model"})
+    {
+        call({"list", "--via", via}); // from here on the enumerator is that of a command
+        const std::size_t begun = uses("CoInitialize*");
+        const std::size_t ended = uses("CoUninitialize");
+
+        call({"list", "--via", via});
+
+        EXPECT_LT(begun, uses("CoInitialize*")) << via;
+        EXPECT_EQ(uses("CoInitialize*") - begun, uses("CoUninitialize") - ended) << via;
     }
 }
