@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <sstream>
+#include <string>
 
 namespace
 {
@@ -26,4 +27,13 @@ TEST_F(ProgramMonitorEnd, IsTheEndOfItsLines)
     observer.wait(std::chrono::seconds(10));
 
     EXPECT_EQ("", out.str());
+}
+
+TEST_F(ProgramMonitorEnd, IsExplainedBeforeAnythingIsSaidOfTheMachinesEvents)
+{
+    isTerminal = true;
+
+    const std::string said = call({"monitor", "--machine", "virtual"}).err;
+
+    EXPECT_THAT(said, testing::EndsWith("; Ctrl-C ends it.\nThis machine has no events.\n"));
 }
