@@ -318,6 +318,8 @@ TEST(ProgramCommandLine, UnderstandsHelpAsACommand)
     EXPECT_EQ(readCommandLine({"mute", "--help"}).answer, readCommandLine({"help", "mute"}).answer);
     EXPECT_EQ("unknown command \"frobnicate\"; see sonavit --help", complaint({"help", "frobnicate"}));
     EXPECT_EQ("help", read({"show", "help"}).endpoint);
+    EXPECT_EQ("--machine needs a value: --machine NAME|FILE", complaint({"help", "--machine"}));
+    EXPECT_EQ("--for needs a value: --for SECONDS", complaint({"help", "monitor", "--for"}));
 }
 
 TEST(ProgramCommandLine, AnswersHelpAndVersion)

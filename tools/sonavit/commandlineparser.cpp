@@ -4,6 +4,7 @@
 #include "tools/sonavit/commandlinerefusal.h"
 
 #include <cstddef>
+#include <utility>
 
 namespace sonavit::program
 {
@@ -18,8 +19,9 @@ void replaceHelpCommand(const CommandLineGrammar& grammar, std::vector<std::stri
     const bool namesCommand = position + 1 < words.size() && words[position + 1].compare(0, 1, "-") != 0;
     if (namesCommand && grammar.verbNamed(words[position + 1]) == nullptr)
         refuseVerb(words[position + 1]);
-    words.erase(words.begin() + static_cast<std::ptrdiff_t>(position));
-    words.emplace_back("--help");
+    words[position] = "--help"; // not at the end, where an option would take it for its value
+    if (namesCommand)
+        std::swap(words[position], words[position + 1]);
 }
 }
 
