@@ -25,7 +25,7 @@ std::string expectedPages()
 }
 }
 
-// A change of a page is made in help.txt, too: somebody has looked at it as a whole then.
+// Whoever changes a page changes help.txt, too, and reads the page as a whole there.
 TEST(ProgramHelp, IsOfEachCommandAPageThatSomebodyHasRead)
 {
     std::string pages = "===\n" + readCommandLine({"help"}).answer;
