@@ -25,8 +25,8 @@ std::string expectedPages()
 }
 }
 
-// Whoever changes a page changes help.txt, too, and reads the page as a whole there.
-TEST(ProgramHelp, IsOfEachCommandAPageThatSomebodyHasRead)
+// The author of a change to a page reads the page as a whole in help.txt, and changes it there, too.
+TEST(ProgramHelp, HasThePageOfEachCommandAsWritten)
 {
     std::string pages = "===\n" + readCommandLine({"help"}).answer;
     for (const char* const command :
