@@ -2,8 +2,10 @@
 # templates that they share are then compiled once for the group, which about halves the time. A build of another preset
 # compiles each source by itself and finds missing includes.
 
-set(SONAVIT_GROUP_LIMIT 20 CACHE STRING "How many sources a group has at most")
-mark_as_advanced(SONAVIT_GROUP_LIMIT)
+# Beyond these sizes a group takes as long as its parts; sources of tests, which are not optimized, gain for longer.
+set(SONAVIT_GROUP_LIMIT 10 CACHE STRING "How many sources of a product a group has at most")
+set(SONAVIT_TEST_GROUP_LIMIT 20 CACHE STRING "How many sources of a test a group has at most")
+mark_as_advanced(SONAVIT_GROUP_LIMIT SONAVIT_TEST_GROUP_LIMIT)
 
 # sonavit_file_level_names(<result> <source>): the names that the source declares at the left edge, roughly: a word too
 # many only makes groups smaller. A source with macros of its own gets the name "*", which no group takes.
@@ -32,9 +34,10 @@ function(sonavit_file_level_names result source)
   set(${result} ${names} PARENT_SCOPE)
 endfunction()
 
-# sonavit_compile_in_groups(<target> [EXCEPT <folder>...]): the sources in these folders stay alone.
-function(sonavit_compile_in_groups target)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "EXCEPT")
+# sonavit_compile_in_groups(<target> <limit> [EXCEPT <folder>...]): at most <limit> sources in a group; the sources in
+# these folders stay alone.
+function(sonavit_compile_in_groups target limit)
+  cmake_parse_arguments(PARSE_ARGV 2 arg "" "" "EXCEPT")
   get_target_property(sources ${target} SOURCES)
   set(groups)
   foreach(source IN LISTS sources)
@@ -72,7 +75,7 @@ function(sonavit_compile_in_groups target)
           break()
         endif()
       endforeach()
-      if(size LESS SONAVIT_GROUP_LIMIT AND NOT clash)
+      if(size LESS limit AND NOT clash)
         break()
       endif()
       math(EXPR number "${number} + 1")
@@ -96,7 +99,7 @@ endfunction()
 function(sonavit_compile_products_in_groups)
   foreach(target IN ITEMS SonavitCommon Sonavit SonavitClientObjects SonavitModel SonavitMachine SonavitSimulator sonavit-commands)
     if(TARGET ${target})
-      sonavit_compile_in_groups(${target} EXCEPT portable windows)
+      sonavit_compile_in_groups(${target} ${SONAVIT_GROUP_LIMIT} EXCEPT portable windows)
     endif()
   endforeach()
 endfunction()

@@ -37,7 +37,7 @@ function(sonavit_group_tests target)
       # Templates of a group have more sections than a usual object file can number.
       target_compile_options(${target} PRIVATE -Wa,-mbig-obj)
     endif()
-    sonavit_compile_in_groups(${target})
+    sonavit_compile_in_groups(${target} ${SONAVIT_TEST_GROUP_LIMIT})
   endif()
 endfunction()
 
