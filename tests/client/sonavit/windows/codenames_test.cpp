@@ -1,0 +1,172 @@
+#include "sonavit/codes.h"
+
+// Each of them needs the one before it.
+#include <windows.h>
+
+#include <audioclient.h>
+#include <mmsystem.h>
+#include <setupapi.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <vector>
+
+namespace
+{
+using sonavit::knownCode;
+
+struct HeaderCode
+{
+    std::uint32_t code;
+    const char* name;
+};
+
+#define SDK_CODE(name)                          \
+    HeaderCode                                  \
+    {                                           \
+        static_cast<std::uint32_t>(name), #name \
+    }
+/// The Windows error, as COM returns it.
+#define SDK_ERROR(name)                                             \
+    HeaderCode                                                      \
+    {                                                               \
+        static_cast<std::uint32_t>(HRESULT_FROM_WIN32(name)), #name \
+    }
+
+/// The names with the numbers that the SDK's headers give them. E_NOTFOUND is in no header.
+const std::vector<HeaderCode>& headerCodes()
+{
+    static const std::vector<HeaderCode> codes = {
+        SDK_CODE(MMSYSERR_ERROR),
+        SDK_CODE(MMSYSERR_BADDEVICEID),
+        SDK_CODE(MMSYSERR_NOTENABLED),
+        SDK_CODE(MMSYSERR_ALLOCATED),
+        SDK_CODE(MMSYSERR_INVALHANDLE),
+        SDK_CODE(MMSYSERR_NODRIVER),
+        SDK_CODE(MMSYSERR_NOMEM),
+        SDK_CODE(MMSYSERR_NOTSUPPORTED),
+        SDK_CODE(MMSYSERR_BADERRNUM),
+        SDK_CODE(MMSYSERR_INVALFLAG),
+        SDK_CODE(MMSYSERR_INVALPARAM),
+        SDK_CODE(MMSYSERR_HANDLEBUSY),
+        SDK_CODE(MMSYSERR_INVALIDALIAS),
+        SDK_CODE(MMSYSERR_BADDB),
+        SDK_CODE(MMSYSERR_KEYNOTFOUND),
+        SDK_CODE(MMSYSERR_READERROR),
+        SDK_CODE(MMSYSERR_WRITEERROR),
+        SDK_CODE(MMSYSERR_DELETEERROR),
+        SDK_CODE(MMSYSERR_VALNOTFOUND),
+        SDK_CODE(MMSYSERR_NODRIVERCB),
+        SDK_CODE(MMSYSERR_MOREDATA),
+        SDK_CODE(E_PENDING),
+        SDK_CODE(E_NOTIMPL),
+        SDK_CODE(E_NOINTERFACE),
+        SDK_CODE(E_POINTER),
+        SDK_CODE(E_ABORT),
+        SDK_CODE(E_FAIL),
+        SDK_CODE(E_UNEXPECTED),
+        SDK_CODE(RPC_E_CALL_REJECTED),
+        SDK_CODE(RPC_E_SERVER_DIED),
+        SDK_CODE(RPC_E_SERVER_DIED_DNE),
+        SDK_CODE(RPC_E_SERVERFAULT),
+        SDK_CODE(RPC_E_CHANGED_MODE),
+        SDK_CODE(RPC_E_DISCONNECTED),
+        SDK_CODE(RPC_E_SERVERCALL_RETRYLATER),
+        SDK_CODE(RPC_E_CANTCALLOUT_ININPUTSYNCCALL),
+        SDK_CODE(RPC_E_WRONG_THREAD),
+        SDK_CODE(RPC_E_TIMEOUT),
+        SDK_CODE(DISP_E_TYPEMISMATCH),
+        SDK_CODE(STG_E_ACCESSDENIED),
+        SDK_CODE(CLASS_E_NOAGGREGATION),
+        SDK_CODE(REGDB_E_CLASSNOTREG),
+        SDK_CODE(REGDB_E_IIDNOTREG),
+        SDK_CODE(CO_E_NOTINITIALIZED),
+        SDK_CODE(CO_E_CLASSSTRING),
+        SDK_CODE(CO_E_OBJNOTCONNECTED),
+        SDK_CODE(E_ACCESSDENIED),
+        SDK_CODE(E_HANDLE),
+        SDK_CODE(E_OUTOFMEMORY),
+        SDK_CODE(E_INVALIDARG),
+        SDK_CODE(CO_E_SERVER_EXEC_FAILURE),
+        SDK_CODE(CO_E_SERVER_STOPPING),
+        SDK_CODE(SPAPI_E_NO_SUCH_DEVINST),
+        SDK_CODE(SPAPI_E_NO_SUCH_DEVICE_INTERFACE),
+        SDK_CODE(AUDCLNT_E_NOT_INITIALIZED),
+        SDK_CODE(AUDCLNT_E_ALREADY_INITIALIZED),
+        SDK_CODE(AUDCLNT_E_WRONG_ENDPOINT_TYPE),
+        SDK_CODE(AUDCLNT_E_DEVICE_INVALIDATED),
+        SDK_CODE(AUDCLNT_E_NOT_STOPPED),
+        SDK_CODE(AUDCLNT_E_BUFFER_TOO_LARGE),
+        SDK_CODE(AUDCLNT_E_OUT_OF_ORDER),
+        SDK_CODE(AUDCLNT_E_UNSUPPORTED_FORMAT),
+        SDK_CODE(AUDCLNT_E_INVALID_SIZE),
+        SDK_CODE(AUDCLNT_E_DEVICE_IN_USE),
+        SDK_CODE(AUDCLNT_E_BUFFER_OPERATION_PENDING),
+        SDK_CODE(AUDCLNT_E_THREAD_NOT_REGISTERED),
+        SDK_CODE(AUDCLNT_E_EXCLUSIVE_MODE_NOT_ALLOWED),
+        SDK_CODE(AUDCLNT_E_ENDPOINT_CREATE_FAILED),
+        SDK_CODE(AUDCLNT_E_SERVICE_NOT_RUNNING),
+        SDK_CODE(AUDCLNT_E_EVENTHANDLE_NOT_EXPECTED),
+        SDK_CODE(AUDCLNT_E_EXCLUSIVE_MODE_ONLY),
+        SDK_CODE(AUDCLNT_E_BUFDURATION_PERIOD_NOT_EQUAL),
+        SDK_CODE(AUDCLNT_E_EVENTHANDLE_NOT_SET),
+        SDK_CODE(AUDCLNT_E_INCORRECT_BUFFER_SIZE),
+        SDK_CODE(AUDCLNT_E_BUFFER_SIZE_ERROR),
+        SDK_CODE(AUDCLNT_E_CPUUSAGE_EXCEEDED),
+        SDK_CODE(AUDCLNT_E_BUFFER_ERROR),
+        SDK_CODE(AUDCLNT_E_BUFFER_SIZE_NOT_ALIGNED),
+        SDK_CODE(AUDCLNT_E_INVALID_DEVICE_PERIOD),
+        SDK_CODE(AUDCLNT_E_INVALID_STREAM_FLAG),
+        SDK_CODE(AUDCLNT_E_ENDPOINT_OFFLOAD_NOT_CAPABLE),
+        SDK_CODE(AUDCLNT_E_OUT_OF_OFFLOAD_RESOURCES),
+        SDK_CODE(AUDCLNT_E_OFFLOAD_MODE_ONLY),
+        SDK_CODE(AUDCLNT_E_NONOFFLOAD_MODE_ONLY),
+        SDK_CODE(AUDCLNT_E_RESOURCES_INVALIDATED),
+        SDK_CODE(AUDCLNT_E_RAW_MODE_UNSUPPORTED),
+        SDK_CODE(AUDCLNT_E_ENGINE_PERIODICITY_LOCKED),
+        SDK_CODE(AUDCLNT_E_ENGINE_FORMAT_LOCKED),
+        SDK_ERROR(ERROR_FILE_NOT_FOUND),
+        SDK_ERROR(ERROR_PATH_NOT_FOUND),
+        SDK_ERROR(ERROR_INVALID_DATA),
+        SDK_ERROR(ERROR_NOT_READY),
+        SDK_ERROR(ERROR_GEN_FAILURE),
+        SDK_ERROR(ERROR_NOT_SUPPORTED),
+        SDK_ERROR(ERROR_SEM_TIMEOUT),
+        SDK_ERROR(ERROR_BUSY),
+        SDK_ERROR(ERROR_SERVICE_DISABLED),
+        SDK_ERROR(ERROR_SERVICE_DOES_NOT_EXIST),
+        SDK_ERROR(ERROR_SERVICE_NOT_ACTIVE),
+        SDK_ERROR(ERROR_IO_DEVICE),
+        SDK_ERROR(ERROR_DEVICE_NOT_CONNECTED),
+        SDK_ERROR(ERROR_NO_MATCH),
+        SDK_ERROR(ERROR_SET_NOT_FOUND),
+        SDK_ERROR(ERROR_NO_SYSTEM_RESOURCES),
+        SDK_ERROR(ERROR_TIMEOUT),
+        SDK_ERROR(ERROR_DEVICE_REMOVED),
+        SDK_ERROR(RPC_S_SERVER_UNAVAILABLE),
+        SDK_ERROR(RPC_S_SERVER_TOO_BUSY),
+        SDK_ERROR(RPC_S_CALL_FAILED),
+        SDK_ERROR(RPC_S_CALL_FAILED_DNE),
+        SDK_ERROR(EPT_S_NOT_REGISTERED),
+        SDK_CODE(ERROR_KEY_DOES_NOT_EXIST),
+        SDK_CODE(ERROR_INVALID_REG_PROPERTY),
+        SDK_CODE(ERROR_NO_SUCH_DEVINST),
+        SDK_CODE(ERROR_NO_SUCH_DEVICE_INTERFACE),
+    };
+    return codes;
+}
+
+#undef SDK_ERROR
+#undef SDK_CODE
+
+TEST(KnownCode, HasTheNumberOfTheSdksHeaders)
+{
+    for (const HeaderCode& header : headerCodes())
+    {
+        const sonavit::KnownCode* const known = knownCode(header.code);
+        ASSERT_NE(nullptr, known) << header.name;
+        EXPECT_STREQ(header.name, known->name);
+    }
+}
+}
