@@ -220,8 +220,9 @@ public:
     Result<Selector> select(std::string_view selector, std::string_view input);
 
     /// Sets a device format for as long as the result lives. Only administrators may; Problem::code() is E_ACCESSDENIED
-    /// otherwise. The platform does not say whether the device can do it. A format that cannot be read is not changed:
-    /// Problem::Kind::notSupported. Kind::outOfRange for a format that no device can have.
+    /// otherwise, unless the endpoint has that format already: then nothing is written. The platform does not say
+    /// whether the device can do it. A format that cannot be read is not changed: Problem::Kind::notSupported.
+    /// Kind::outOfRange for a format that no device can have.
     Result<FormatHold> holdFormat(const EndpointId& endpoint, const Format& format);
 
     /// All levels, mutes, hardware controls and selections now.

@@ -208,7 +208,7 @@ TEST(ProgramReadFormatRequest, RefusesWhatIsNoFormat)
 {
     for (const char* const text : {"", "24", "24/48000", "24/48000/2/1", "24/48000/", "24/48000/2/", "/48000/2",
                                    "a/48000/2", "24/-1/2", "24 /48000/2", "24/48000/2 ", "24/99999999/2"})
-        EXPECT_EQ("\"" + std::string(text) + "\" is not a device format: write bits/rate/channels, such as 24/48000/2",
+        EXPECT_EQ("\"" + std::string(text) + "\" is not a device format: write bits/rate/channels, such as 16/44100/2",
                   complaint(readFormatRequest, text));
 }
 

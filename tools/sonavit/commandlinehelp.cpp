@@ -16,15 +16,15 @@ const char* const account = "Use the simulated machine under this account:\n"
 const char* const latency = "How long calls take on the simulated machine: none,\n"
                             "or windows (figures that users have published)";
 
-const char* const log = "Print the library's log records from LEVEL on to\n"
-                        "standard error: debug, info, warning, error, fatal\n"
-                        "or off (the default)";
+const char* const log = "Print the object model's log records from LEVEL on\n"
+                        "to standard error: debug, info, warning, error,\n"
+                        "fatal or off (the default)";
 
 const char* const endpoint = "Id, name, or part of one, or a default endpoint";
 const char* const card = "Name, instance id, or part of one (default: all)";
 
 const char* const anyId = "Endpoint id, wave id, DirectSound GUID, instance id,\n"
-                          "container or card id";
+                          "container, card id or parent of the card";
 const char* const eventKinds = "Only these kinds, with commas: added, removed,\n"
                                "state, volume, default, name, format, hardware,\n"
                                "service, other";

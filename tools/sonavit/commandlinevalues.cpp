@@ -245,7 +245,7 @@ sim::DeviceFormat readFormatRequest(const std::string& text)
     { throw UsageError(inQuotes(text) + " is not a device format: " + reason); };
     std::vector<std::uint32_t> parts = wholeNumbers(text);
     if (parts.size() != 3)
-        refuse("write bits/rate/channels, such as 24/48000/2");
+        refuse("write bits/rate/channels, such as 16/44100/2");
     if (isRateBeforeBits(parts[0], parts[1]))
         std::swap(parts[0], parts[1]);
     const sim::DeviceFormat request{parts[0], parts[1], parts[2]};

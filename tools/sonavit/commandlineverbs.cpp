@@ -123,7 +123,7 @@ void CommandLineGrammar::addToSetControl(CLI::App& verb)
 void CommandLineGrammar::addToFormat(CLI::App& verb)
 {
     addEndpoint(verb);
-    addOption(verb, "--set", m_words.format, "BITS/RATE/CHANNELS", "Set this format for a while, such as 24/48000/2");
+    addOption(verb, "--set", m_words.format, "BITS/RATE/CHANNELS", "Set this format for a while, such as 16/44100/2");
     addOption(verb, "--hold", m_words.hold, "SECONDS", "Put the old format back after SECONDS (5)");
 }
 
@@ -210,7 +210,7 @@ const std::vector<CommandLineGrammar::Row>& CommandLineGrammar::rows()
         {"format",
          Verb::format,
          "Print an endpoint's device format, or try one",
-         {help::endpointNames, help::format, help::temporaryChanges},
+         {help::endpointNames, help::format},
          &Grammar::addToFormat},
         {"save",
          Verb::save,

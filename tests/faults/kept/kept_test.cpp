@@ -12,11 +12,13 @@ namespace
 {
 using namespace faults::kept;
 
-/// SONAVIT_KEPT_ROUNDS sets how often all is done.
+/// SONAVIT_KEPT_ROUNDS sets how often all is done. A text that is no number above 0 fails the test.
 unsigned keptRounds(unsigned usual)
 {
     const char* const text = std::getenv("SONAVIT_KEPT_ROUNDS");
-    return text == nullptr ? usual : static_cast<unsigned>(std::strtoul(text, nullptr, 10));
+    const unsigned rounds = text == nullptr ? usual : static_cast<unsigned>(std::strtoul(text, nullptr, 10));
+    EXPECT_LT(0U, rounds) << text;
+    return rounds;
 }
 
 /// The log would be most of the output, and half of the time.

@@ -11,6 +11,7 @@ namespace faults::kept
 {
 /// Level, mute and selector in hardware, an unplugged jack, and a second card.
 sim::Machine deskMachine();
-/// Those that ship.
+/// Those that ship, without `broken`: an operation of the table needs what that one refuses, such as a card with an
+/// endpoint whose volume can be read.
 std::vector<std::string> shippedMachines();
 }

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <chrono>
 #include <memory>
+#include <thread>
 
 namespace faults::kept
 {
@@ -26,6 +27,7 @@ unsigned firstRoundsOf(unsigned rounds)
     return std::clamp(rounds, 20U, 800U);
 }
 
+constexpr unsigned long few = 4;          ///< handles and threads that come and go by themselves
 constexpr unsigned long kilobytes = 2048; ///< of noise: pages that the allocator keeps, and its arenas of threads
 
 std::string grown(const char* what, unsigned long before, unsigned long after, unsigned long noise)
@@ -41,10 +43,9 @@ class Watchman
 public:
     explicit Watchman(const sim::Simulation& simulation) : m_simulation(simulation), m_census(simulation.census()) {}
 
-    Growth growth(unsigned rounds) const
+    Growth growth() const
     {
-        const Holdings now = holdings();
-        const unsigned long few = std::max(4U, rounds / 2); // the system counts one for a moment after its end
+        const Holdings now = holdingsAtRest();
         Growth text = grown("handles", m_holdings.handles, now.handles, few) +
                       grown("threads", m_holdings.threads, now.threads, few);
         if (!support::isInstrumented) // a sanitizer keeps what was freed, to find later uses of it
@@ -56,6 +57,24 @@ public:
     }
 
 private:
+    bool areMore(const Holdings& now) const
+    {
+        return now.handles > m_holdings.handles + few || now.threads > m_holdings.threads + few;
+    }
+
+    /// The system counts threads and handles for a while after their end: asks again until they are few, or time is
+    /// over.
+    Holdings holdingsAtRest() const
+    {
+        Holdings now = holdings();
+        for (int turn = 0; turn < 100 && areMore(now); ++turn)
+        {
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+            now = holdings();
+        }
+        return now;
+    }
+
     const sim::Simulation& m_simulation;
     const sim::Census m_census;
     const Holdings m_holdings = holdings();
@@ -122,7 +141,7 @@ Growth growthOf(const Row& row, const sim::Machine& machine, unsigned rounds)
     const Watchman watchman(stage.simulation());
     for (unsigned round = 0; round < rounds; ++round)
         operation();
-    return watchman.growth(rounds);
+    return watchman.growth();
 }
 
 Growth growthOf(const std::vector<memory::ClientCase>& cases, const sim::Machine& machine, unsigned rounds)
@@ -133,24 +152,22 @@ Growth growthOf(const std::vector<memory::ClientCase>& cases, const sim::Machine
     std::vector<std::unique_ptr<memory::ClientSubject>> subjects;
     for (const memory::ClientCase& each : cases)
         subjects.push_back(each.make(stage.simulation(), audio));
-    const auto perform = [&](std::size_t round)
-    {
-        subjects[round % subjects.size()]->work();
-        stage.pass();
-        if (round % subjects.size() == 0)
-            static_cast<void>(audio.refresh(Depth::everything));
-    };
     const auto performAll = [&](unsigned count)
     {
         for (unsigned round = 0; round < count; ++round)
-            perform(round);
+        {
+            subjects[round % subjects.size()]->work();
+            stage.pass();
+            if (round % subjects.size() == 0)
+                static_cast<void>(audio.refresh(Depth::everything));
+        }
         static_cast<void>(audio.refresh(Depth::everything));
         stage.rest();
     };
     performAll(firstRoundsOf(rounds));
     const Watchman watchman(stage.simulation());
     performAll(rounds);
-    return watchman.growth(rounds);
+    return watchman.growth();
 }
 
 Growth growthOfSystems(const sim::Machine& machine, unsigned rounds)
@@ -167,6 +184,6 @@ Growth growthOfSystems(const sim::Machine& machine, unsigned rounds)
     const Watchman watchman(stage.simulation());
     for (unsigned round = 0; round < rounds; ++round)
         perform();
-    return watchman.growth(rounds);
+    return watchman.growth();
 }
 }

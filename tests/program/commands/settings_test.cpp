@@ -5,12 +5,14 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <regex>
 
 using nlohmann::json;
 using support::Answer;
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 namespace
@@ -186,12 +188,19 @@ TEST_F(ProgramRestore, RefusesWhatIsNoSettingsFile)
 
 TEST_F(ProgramRestore, SaysThatAChangeOfASimulatedMachineDoesNotLast)
 {
-    input = call({"save", "--machine", "desktop"}).out;
+    const std::string note = "\nThe machine is simulated: the change lasts until sonavit ends.\n";
+    const std::string saved = call({"save", "--machine", "desktop"}).out;
+    input = saved;
+    const Answer withoutChange = call({"restore", "--machine", "desktop"});
+    input = std::regex_replace(saved, std::regex("\"muted\": *false"), "\"muted\": true");
+    ASSERT_NE(saved, input);
 
     const Answer answer = call({"restore", "--machine", "desktop"});
 
+    EXPECT_EQ(0, withoutChange.code) << withoutChange.out;
+    EXPECT_THAT(withoutChange.err, Not(HasSubstr(note)));
     EXPECT_EQ(0, answer.code) << answer.out;
-    EXPECT_THAT(answer.err, EndsWith("\nThe machine is simulated: the change lasts until sonavit ends.\n"));
+    EXPECT_THAT(answer.err, EndsWith(note));
 }
 
 TEST_F(ProgramRestore, SaysThatAFolderCannotBeRead)

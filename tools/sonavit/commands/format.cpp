@@ -5,7 +5,6 @@
 #include "tools/sonavit/output/modeljson.h"
 #include "tools/sonavit/output/modelwords.h"
 #include "tools/sonavit/output/text.h"
-#include "tools/sonavit/simulationnote.h"
 
 #include <memory>
 #include <optional>
@@ -66,7 +65,6 @@ void runFormat(Context& context)
         endpoint.id(), Format::integer(request.bits, request.rate, request.channels));
     if (!hold)
         raiseRefused(context, hold.problem(), endpoint);
-    announceTemporaryChange(context);
     std::ostream& out = context.environment.out;
     if (!context.arguments.isJson)
         out << titleWords(endpoint) << "\nbefore  " << formatWords(hold->former()) << "\nduring  "

@@ -101,7 +101,8 @@ void runRestore(Context& context)
     const Result<RestoreReport> report = context.session.audio().restore(settings);
     if (!report)
         raise(report.problem(), "the settings cannot be restored");
-    announceTemporaryChange(context);
+    if (count(*report, RestoredSetting::Outcome::restored) > 0)
+        announceTemporaryChange(context);
     if (context.arguments.isJson)
         context.environment.out << reportJson(context, *report).text() << "\n";
     else
