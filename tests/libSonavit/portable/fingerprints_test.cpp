@@ -94,7 +94,7 @@ std::string nameOf(const testing::TestParamInfo<std::string>& machine)
 std::vector<std::string> chosen(const std::vector<std::string>& machines)
 {
     std::vector<std::string> names;
-    for (std::size_t i = 0; i < machines.size(); i += support::cases(1, 4))
+    for (std::size_t i = 0; i < machines.size(); i += support::cases(1, 8))
     {
         if (!support::isSlow || machines[i] != "crowded")
             names.push_back(machines[i]);

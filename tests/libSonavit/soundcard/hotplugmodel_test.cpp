@@ -191,7 +191,7 @@ protected:
 
 TEST_F(HotPlugModel, AgreesWithTheListsAndTheObserversOfFiftyCardsEventByEvent)
 {
-    constexpr unsigned int numEvents = support::cases(1000, 300);
+    constexpr unsigned int numEvents = support::cases(1000, 100);
 
     for (unsigned int event = 0; event < numEvents && !HasFatalFailure(); ++event)
         compare(playEvent());
@@ -199,7 +199,7 @@ TEST_F(HotPlugModel, AgreesWithTheListsAndTheObserversOfFiftyCardsEventByEvent)
 
 TEST_F(HotPlugModel, AgreesWithTheListsAndTheObserversOfFiftyCardsAfterThousandsOfEvents)
 {
-    constexpr unsigned int numEvents = support::cases(10000, 2000);
+    constexpr unsigned int numEvents = support::cases(10000, 500);
 
     for (unsigned int event = 0; event < numEvents; ++event)
         playEvent();
@@ -213,7 +213,7 @@ TEST_F(HotPlugModel, AgreesAfterAStormOnThePlatformsThreadWhileOthersUseDevicesO
     m_simulation->deliverAtOnce(false);
     std::thread others[] = {std::thread([this] { useOwnDevices(0); }), std::thread([this] { useOwnDevices(7); })};
 
-    for (unsigned int event = support::stormEvents(support::cases(1000, 300)); event > 0; --event)
+    for (unsigned int event = support::stormEvents(support::cases(1000, 150)); event > 0; --event)
         playEvent();
     m_simulation->events().waitForClients();
 
