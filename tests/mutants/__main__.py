@@ -76,6 +76,7 @@ def main(words):
         return 0
     build = Build(arguments.build)
     run = Run(build, arguments.build / "mutants", arguments.jobs, arguments.survivors)
+    run.check_accepted()
     reports, unknown = [], set(arguments.id)
     for folder in folders:
         texts, changes = chosen(folder, arguments, build)

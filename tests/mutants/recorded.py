@@ -36,7 +36,7 @@ def suites(program):
 
 
 class Failure(Exception):
-    """The unchanged program does not pass its tests."""
+    """No run is possible: the unchanged program does not pass its tests, or accepted.txt has a mistake."""
 
 
 def _recorded(program, suite, folder):

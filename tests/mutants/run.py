@@ -4,13 +4,14 @@ import atexit
 import hashlib
 import shutil
 import tempfile
+from functools import cached_property
 from pathlib import Path
 
-import accepted
 import report
+from accepted import Accepted, entries_of
 from changes import changes_of
 from folders import FOLDERS, LEFT_OUT, ROOT
-from recorded import coverage_of, digest_of
+from recorded import Failure, coverage_of, digest_of
 from results import Results
 from search import Progress, Tried, search
 from trial import Trial
@@ -40,7 +41,18 @@ class Run:
         self._jobs = jobs
         self._again_survivors = again_survivors
         self._scratch = None
-        self._entries = accepted.entries_of(ACCEPTED.read_text(encoding="utf-8"))
+
+    @cached_property
+    def _accepted(self):
+        texts = {path: text for folder in FOLDERS for path, text in texts_of(folder).items()}
+        try:
+            return Accepted(entries_of(ACCEPTED.read_text(encoding="utf-8")), texts, changes_of)
+        except ValueError as error:
+            raise Failure(str(error)) from error
+
+    def check_accepted(self):
+        """Refuses an accepted.txt with a mistake at once, not after hours."""
+        return self._accepted is not None
 
     def _scratch_folder(self):
         """A folder of this run alone, as another one may be under way in the same build folder."""
@@ -84,11 +96,10 @@ class Run:
 
     def _mutant(self, tried, text):
         change, verdict = tried.change, tried.verdict
-        entry = accepted.find(self._entries, change, text)
+        entry = self._accepted.find(change)
         return report.Mutant(change.id, change.kind, verdict.outcome, verdict.test, tuple(change.diff(text)),
                              entry.reason if entry else "")
 
     def outdated(self):
         """The entries of accepted.txt that apply to no source any more."""
-        texts = {path: text for folder in FOLDERS for path, text in texts_of(folder).items()}
-        return accepted.outdated(self._entries, texts, changes_of)
+        return self._accepted.outdated

@@ -1,6 +1,6 @@
 import unittest
 
-import accepted
+from accepted import Accepted, entries_of
 from changes import changes_of
 from report import FolderReport, Mutant, closing_line, is_good, text_of
 from trial import KILLED, SURVIVED, UNREACHED
@@ -21,13 +21,22 @@ def mutant(outcome, reason="", name="d/x.cpp:3:14:condition"):
     return Mutant(name, "condition", outcome, "S.One" if outcome == KILLED else "3 tests", ("- a", "+ b"), reason)
 
 
-class Accepted(unittest.TestCase):
-    def changes(self):
-        return changes_of("d/x.cpp", SOURCE)
+TWICE = "bool f(int a)\n{\n    return a == 1;\n}\nbool g(int a)\n{\n    return a == 1;\n}\n"
+SECOND = ENTRY.replace("x.cpp\n", "x.cpp\n@ 2\n")
+
+
+def accepted(text, source=SOURCE):
+    return Accepted(entries_of(text), {"d/x.cpp": source}, changes_of)
+
+
+class AcceptedChanges(unittest.TestCase):
+    def lines(self, text, source):
+        """The lines of the accepted changes in the source."""
+        found = accepted(text, source)
+        return [change.line for change in changes_of("d/x.cpp", source) if found.find(change)]
 
     def test_an_entry_is_found_for_its_change_alone(self):
-        entries = accepted.entries_of(ENTRY)
-        reasons = {change.kind: accepted.find(entries, change, SOURCE) for change in self.changes()}
+        reasons = {change.kind: accepted(ENTRY).find(change) for change in changes_of("d/x.cpp", SOURCE)}
 
         self.assertEqual("It makes no difference, as a is never read.", reasons["condition"].reason)
         self.assertIsNone(reasons["constant"])
@@ -35,20 +44,49 @@ class Accepted(unittest.TestCase):
     def test_an_entry_applies_wherever_its_lines_are(self):
         moved = "// more\n\n" + SOURCE.replace("    return", "        return")
 
-        self.assertEqual([], accepted.outdated(accepted.entries_of(ENTRY), {"d/x.cpp": moved}, changes_of))
+        self.assertEqual([], accepted(ENTRY, moved).outdated)
 
     def test_an_entry_without_its_change_is_outdated(self):
-        entries = accepted.entries_of(ENTRY)
+        entries = entries_of(ENTRY)
 
-        self.assertEqual(entries, accepted.outdated(entries, {"d/x.cpp": SOURCE.replace("a ==", "b ==")}, changes_of))
-        self.assertEqual(entries, accepted.outdated(entries, {}, changes_of))
-        self.assertEqual(entries, accepted.outdated(accepted.entries_of(ENTRY.replace("!=", "<=")),
-                                                    {"d/x.cpp": SOURCE}, changes_of) and entries)
+        self.assertEqual(entries, accepted(ENTRY, SOURCE.replace("a ==", "b ==")).outdated)
+        self.assertEqual(entries, Accepted(entries, {}, changes_of).outdated)
+        other = ENTRY.replace("!=", "<=")
+        self.assertEqual(entries_of(other), accepted(other).outdated)
 
     def test_an_entry_needs_a_reason_and_a_diff(self):
-        for text in ("d/x.cpp\n- a\n+ b\n", "d/x.cpp\n  why\n", "d/x.cpp\n- a\n+ b\nwhy\n"):
+        for text in ("d/x.cpp\n- a\n+ b\n", "d/x.cpp\n  why\n", "d/x.cpp\n- a\n+ b\nwhy\n", "d/x.cpp\n"):
             with self.assertRaises(ValueError):
-                accepted.entries_of(text)
+                entries_of(text)
+
+    def test_a_place_is_a_number_from_1_on_behind_the_path(self):
+        for place in ("@", "@ 0", "@ -1", "@ x", "@2"):
+            with self.assertRaises(ValueError):
+                entries_of(ENTRY.replace("x.cpp\n", f"x.cpp\n{place}\n"))
+        with self.assertRaises(ValueError):
+            entries_of(ENTRY.replace("  It", "@ 2\n  It"))
+
+    def test_an_entry_with_a_place_means_that_one_of_the_equal_changes(self):
+        self.assertEqual([7], self.lines(SECOND, TWICE))
+        self.assertEqual([3], self.lines(SECOND.replace("2", "1", 1), TWICE))
+        self.assertEqual([3, 7], self.lines(SECOND.replace("2", "1", 1) + SECOND, TWICE))
+
+    def test_an_entry_without_a_place_that_fits_two_is_refused(self):
+        with self.assertRaisesRegex(ValueError, "line 2: d/x.cpp has such a change in lines 3, 7"):
+            accepted(ENTRY, TWICE)
+
+    def test_an_entry_with_a_place_that_fits_one_is_refused(self):
+        with self.assertRaisesRegex(ValueError, "line 2: d/x.cpp has one such change"):
+            accepted(SECOND)
+
+    def test_a_place_that_is_not_there_is_outdated(self):
+        third = SECOND.replace("@ 2", "@ 3")
+
+        self.assertEqual(entries_of(third), accepted(third, TWICE).outdated)
+
+    def test_an_entry_that_is_there_twice_is_refused(self):
+        with self.assertRaisesRegex(ValueError, "line 9: there is such an entry in line 2"):
+            accepted(ENTRY + ENTRY)
 
 
 class Judgement(unittest.TestCase):
@@ -75,7 +113,7 @@ class Judgement(unittest.TestCase):
         self.assertIn("is accepted, but S.One kills it", text_of([folder], []))
 
     def test_an_outdated_entry_is_an_error(self):
-        entries = accepted.entries_of(ENTRY)
+        entries = entries_of(ENTRY)
 
         self.assertFalse(is_good([self.folder(1, 0)], entries))
         self.assertIn("accepted.txt: line 2: d/x.cpp has no such change any more", text_of([self.folder(1, 0)], entries))
