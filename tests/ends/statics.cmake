@@ -2,6 +2,7 @@
 # one, the shared enumerator, which ends with its module: all else is used by threads that run until the process ends, and
 # by objects of the program that outlive the libraries.
 file(STRINGS "${OBJECTS}" objects)
+list(FILTER objects INCLUDE REGEX "\\.o$") # without precompiled headers
 execute_process(
   COMMAND "${NM}" -A --undefined-only ${objects}
   OUTPUT_VARIABLE symbols

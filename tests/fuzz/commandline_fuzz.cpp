@@ -170,10 +170,12 @@ Answer run(const std::vector<std::string>& line, bool isMonitor)
 }
 
 /// The monitor prints one object a line, everything else one document.
-bool isJson(const std::string& text)
+bool isJson(const std::string& text, bool isMonitor)
 {
     if (nlohmann::json::accept(text))
         return true;
+    if (!isMonitor)
+        return false;
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);)
     {
@@ -210,7 +212,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (arguments && usesAFile(*arguments))
         return 0;
 
-    const Answer answer = run(line, arguments && arguments->verb == sonavit::program::Verb::monitor);
+    const bool isMonitor = arguments && arguments->verb == sonavit::program::Verb::monitor;
+    const Answer answer = run(line, isMonitor);
 
     check(answer.code >= 0 && answer.code <= 3, "the exit code is 0, 1, 2 or 3");
     check((answer.code == 2) || arguments.has_value(), "what cannot be understood is a usage error");
@@ -218,6 +221,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (answer.code != 0 && !(arguments && hasAnswered(*arguments, answer)))
         checkSentence(answer.err);
     if (sonavit::program::asksForJson(line))
-        check(isJson(answer.out), "with --json the answer is JSON");
+    {
+        check(isJson(answer.out, isMonitor), "with --json the answer is JSON");
+        check(answer.code == 0 || !answer.out.empty(), "with --json an error is JSON");
+    }
     return 0;
 }

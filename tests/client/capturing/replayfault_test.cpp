@@ -230,8 +230,8 @@ std::string caseName(const testing::TestParamInfo<std::tuple<Case, Share>>& info
 
 INSTANTIATE_TEST_SUITE_P(
     Machines, CaptureWithAFailingCall,
-    testing::Combine(testing::Values(Case{"virtual", Extent::all, 1, 20}, Case{"laptop", Extent::first, 1, 40},
-                                     Case{"bluetooth", Extent::first, 1, 40}, Case{"broken", Extent::first, 3, 60}),
+    testing::Combine(testing::Values(Case{"virtual", Extent::all, 1, 10}, Case{"laptop", Extent::first, 1, 20},
+                                     Case{"bluetooth", Extent::first, 1, 20}, Case{"broken", Extent::first, 3, 30}),
                      testing::Range(Share{0}, shares)),
     caseName);
 }

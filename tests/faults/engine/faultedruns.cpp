@@ -61,16 +61,18 @@ std::vector<bool> FaultedRuns::chosenCalls() const
 void FaultedRuns::addSingles()
 {
     const std::vector<bool> chosen = chosenCalls();
-    m_tried = static_cast<std::size_t>(std::count(chosen.begin(), chosen.end(), true));
     for (std::size_t i = 0; i < m_calls.size(); ++i)
     {
         if (!chosen[i])
             continue;
+        const std::size_t former = m_runs.size();
         for (const Mode mode : modesOf(m_calls[i]))
         {
             if (admits({m_calls[i], mode}))
                 m_runs.push_back({{m_calls[i], mode}});
         }
+        if (m_runs.size() > former)
+            ++m_tried;
     }
 }
 

@@ -50,13 +50,13 @@ struct Place
     std::string detail; ///< "IPart::GetName() on …": Runs::detail()
 };
 
-/// A finding that is outside the contract. Each text may end in '*', which stands for any ending.
+/// A finding that is outside the contract. Each '*' in the texts stands for any text.
 struct Excuse
 {
     std::string operation;
     std::string machine;
-    std::string run;    ///< "*:null"
-    std::string detail; ///< also begins with '*' if what comes first does not matter
+    std::string run; ///< "*:null"
+    std::string detail;
     Kind kind;
     std::string reason;     ///< why, for people
     std::string text = "*"; ///< of the finding: "signal 6*"

@@ -78,7 +78,7 @@ private:
         else if (words[0] == "done")
             endRun(std::stoul(words[1]));
         else if (words[0] == "lost")
-            m_hasLost = true;
+            m_hasLost = m_hasEverLost = true;
         else if (words[0] == "end")
             m_hasEnded = true;
     }
@@ -108,7 +108,9 @@ private:
         else if (kind)
             goOnBehind(*kind, (how.empty() ? "the process ended" : how) + errors);
         else if (m_hasLost)
-            beginSearch();
+            beginSearch({{0, m_next}});
+        else if (!m_unsearched.empty())
+            beginSearch(m_unsearched);
     }
 
     void goOnBehind(Kind kind, const std::string& how)
@@ -117,17 +119,20 @@ private:
         m_findings.push_back({kind, how});
         endRun(wasRunning ? 1 : 0);
         m_findings.clear();
+        if (wasRunning && m_assignment.from < m_next - 1)
+            m_unsearched.emplace_back(m_assignment.from, m_next - 1);
         m_assignment.from = m_next;
         if (wasRunning && ++m_crashes < enoughCrashes && m_assignment.only.empty())
             begin();
     }
 
-    // A check for lost memory takes long: the runs that lose some are looked for by halves.
+    // A check for lost memory takes long, and a process makes one at its end: the runs that lose some are looked for by
+    // halves. A process that has crashed has made none, so the runs before the crash are made again.
 
-    void beginSearch()
+    void beginSearch(std::vector<std::pair<std::size_t, std::size_t>> suspects)
     {
         m_assignment.searchesLosses = true;
-        m_suspects = {{0, m_next}};
+        m_suspects = std::move(suspects);
         searchNext();
     }
 
@@ -135,7 +140,7 @@ private:
     {
         if (m_suspects.empty() || m_losses >= enoughLosses)
         {
-            if (m_losses == 0)
+            if (m_hasEverLost && m_losses == 0)
                 tellLoss("memory is lost by several runs together");
             return;
         }
@@ -186,8 +191,10 @@ private:
     std::size_t m_losses = 0;
     bool m_isRunning = false;
     bool m_hasEnded = false;
-    bool m_hasLost = false;                                      ///< some run of this process has lost memory
-    std::vector<std::pair<std::size_t, std::size_t>> m_suspects; ///< from and to
+    bool m_hasEverLost = false;
+    bool m_hasLost = false;                                        ///< some run of this process has lost memory
+    std::vector<std::pair<std::size_t, std::size_t>> m_suspects;   ///< from and to
+    std::vector<std::pair<std::size_t, std::size_t>> m_unsearched; ///< of processes that have crashed
 };
 
 void waitForAny(const std::vector<std::unique_ptr<Work>>& works)

@@ -249,7 +249,7 @@ std::vector<Operation> eventOperations()
 {
     return {
         {"SoundCard::volumeController", findControls, modelOfControls},
-        {"SoundCard::recordingMux", findSelectors, nullptr, {}},
+        {"SoundCard::recordingMux", findSelectors, nullptr, std::vector<Effect>{}},
         {"jack queries", findJacks, nullptr, std::vector<Effect>{}},
         following("OnDeviceStateChanged",
                   [](sim::Events& events, const std::string& id) { events.announceState(id, DEVICE_STATE_DISABLED); }),

@@ -50,6 +50,19 @@ bool isKept(const Row& row, const std::map<LogKey, Counts>& counts)
                                   text.find(row.behind, start.size()) != std::string::npos;
                        });
 }
+
+/// Records that are not there in a run without a fault.
+std::vector<Finding> surplus(const std::map<LogKey, Counts>& counts)
+{
+    std::vector<Finding> findings;
+    for (const auto& [key, count] : counts)
+    {
+        if (count.run > count.clean)
+            findings.push_back({Kind::log, "a record that must not be there: " + std::get<1>(key) + " " +
+                                               std::to_string(std::get<0>(key)) + " " + std::get<2>(key)});
+    }
+    return findings;
+}
 }
 
 const std::vector<Row>& rows()
@@ -136,7 +149,9 @@ std::vector<Finding> judgeLog(const std::string& operation, const Record& clean,
     {
         if (row.mode != fault.mode || !isLike(operation, row.operation) || !isLike(fault.call.entry.call(), row.call))
             continue;
-        if (row.priority == noRecord || isKept(row, counts))
+        if (row.priority == noRecord)
+            return surplus(counts);
+        if (isKept(row, counts))
             return {};
         expected.append("\n      ").append(row.channel).append(" ").append(std::to_string(row.priority));
         expected.append(" ").append(row.text);

@@ -1,6 +1,7 @@
 #include "tests/faults/engine/supervisor.h"
 
 #include "tests/faults/engine/report.h"
+#include "tests/support/pace.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -83,6 +84,18 @@ Heard heardOf(const std::vector<faults::Task>& tasks, std::chrono::milliseconds 
     faults::Supervisor(heard, 2, patience, only).run(tasks);
     return heard;
 }
+
+/// Without AddressSanitizer nothing looks for lost memory.
+std::vector<std::string> ifLossesAreSeen(const std::vector<std::string>& findings)
+{
+    return support::isInstrumented ? findings : std::vector<std::string>();
+}
+
+faults::Result losing()
+{
+    std::vector<char>* volatile lost = new std::vector<char>(100);
+    return {lost->empty() ? 0U : 1U, {}};
+}
 }
 
 TEST(FaultSupervisor, DoesAllRunsOfAllJobs)
@@ -95,6 +108,41 @@ TEST(FaultSupervisor, DoesAllRunsOfAllJobs)
     EXPECT_EQ(12u, heard.failures);
     EXPECT_EQ(12u, heard.calls);
     EXPECT_THAT(heard.findings, IsEmpty());
+}
+
+TEST(FaultSupervisor, TellsARunThatLosesMemory)
+{
+    const Heard heard = heardOf({planted(7, [](std::size_t index) { return index == 4 ? losing() : fine(); })});
+
+    EXPECT_THAT(heard.findings, testing::ElementsAreArray(ifLossesAreSeen({"5:fail references"})));
+}
+
+TEST(FaultSupervisor, TellsARunThatLosesMemoryBeforeACrash)
+{
+    const auto action = [](std::size_t index)
+    {
+        if (index == 4)
+            std::abort();
+        return index == 2 ? losing() : fine();
+    };
+    const Heard heard = heardOf({planted(7, action)});
+
+    std::vector<std::string> expected = {"5:fail crash"};
+    for (const std::string& loss : ifLossesAreSeen({"3:fail references"}))
+        expected.push_back(loss);
+    EXPECT_THAT(heard.findings, testing::ElementsAreArray(expected));
+}
+
+TEST(FaultSupervisor, FindsNoLossInRunsBeforeACrashThatLoseNothing)
+{
+    const auto action = [](std::size_t index)
+    {
+        if (index == 4)
+            std::abort();
+        return fine();
+    };
+
+    EXPECT_THAT(heardOf({planted(7, action)}).findings, ElementsAre("5:fail crash"));
 }
 
 TEST(FaultSupervisor, TellsAWrongAnswerWithItsRun)

@@ -144,6 +144,31 @@ TEST_F(ProgramControls, SayWhatCouldNotBeReadOnTheWay)
     EXPECT_EQ("0x80004003", problems[0]["code"]);
 }
 
+TEST_F(ProgramControls, SayWhyTheEndpointBesideThemHasNoName)
+{
+    sim::Simulation& simulation = run(support::smallMachine());
+    simulation.faults().fail("IMMDevice::OpenPropertyStore");
+
+    const json answer = json::parse(call({"controls", support::speakerId(), "--json"}).out);
+
+    EXPECT_TRUE(answer["endpoint"]["name"].is_null());
+    ASSERT_FALSE(answer["problems"].empty());
+    EXPECT_EQ("IMMDevice::OpenPropertyStore", answer["problems"][0]["operation"]);
+    EXPECT_EQ("description", answer["problems"][0]["field"]);
+}
+
+TEST_F(ProgramControls, SayWhyTheVolumeOfTheEndpointBesideThemIsUnknown)
+{
+    sim::Simulation& simulation = run(support::smallMachine());
+    simulation.faults().fail("IMMDevice::GetState");
+
+    const json answer = json::parse(call({"controls", "Speakers", "--json"}).out);
+
+    EXPECT_TRUE(answer["muted"].is_null());
+    ASSERT_FALSE(answer["problems"].empty());
+    EXPECT_EQ("IMMDevice::GetState", answer["problems"][0]["operation"]);
+}
+
 TEST_F(ProgramControls, ShowEachStateInANarrowTerminalAndSayWhatIsMissing)
 {
     run(support::smallMachine());

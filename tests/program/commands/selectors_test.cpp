@@ -91,6 +91,19 @@ TEST_F(ProgramSelectors, ShowADashForASelectionThatCannotBeRead)
 
     EXPECT_THAT(text.out, HasSubstr("  selection -\n"));
     EXPECT_TRUE(answer["selectors"][0]["selection"].is_null());
+    for (const json& input : answer["selectors"][0]["inputs"])
+        EXPECT_TRUE(input["isSelected"].is_null());
+}
+
+TEST_F(ProgramSelectors, SayNothingOfTheChoiceOfAnInputWithoutANumber)
+{
+    sim::Simulation& simulation = run(builder.build());
+    simulation.faults().fail("IPart::GetLocalId");
+
+    const json answer = json::parse(call({"selectors", "--json"}).out);
+
+    for (const json& input : answer["selectors"][0]["inputs"])
+        EXPECT_TRUE(input["id"].is_null() && input["isSelected"].is_null()) << input;
 }
 
 TEST_F(ProgramSelectors, ShowASelectionThatIsNoneOfTheInputs)

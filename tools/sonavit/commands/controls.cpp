@@ -35,6 +35,19 @@ std::size_t countProblems(const Found<Control>& found)
     return count;
 }
 
+/// Why something of the endpoint that is printed beside its controls is unknown: its name, or its own volume.
+std::vector<EndpointProblem> problemsBeside(const Endpoint& endpoint)
+{
+    std::vector<EndpointProblem> problems = endpoint.problems();
+    const auto isElsewhere = [](const EndpointProblem& known)
+    {
+        return known.field != EndpointField::description && known.field != EndpointField::interfaceName &&
+               known.field != EndpointField::state && known.field != EndpointField::volume;
+    };
+    problems.erase(std::remove_if(problems.begin(), problems.end(), isElsewhere), problems.end());
+    return problems;
+}
+
 /// "on" and "off", as `mute` takes them.
 std::string shortMuteWords(const std::optional<bool>& isMuted)
 {
@@ -198,12 +211,15 @@ void runControls(Context& context)
         Json list = Json::array();
         for (const Control& control : controls)
             list.append(controlJson(control));
+        Json problems = problemsJson(problemsBeside(found.endpoint));
+        for (const Problem& problem : hardware.problems)
+            problems.append(problemJson(problem));
         environment.out << machineDocument(context.session.machineName())
                                .set("endpoint", endpointNameJson(found.endpoint))
                                .set("controls", list)
                                .set("volume", volumeJson(own))
                                .set("muted", mutedJson(own))
-                               .set("problems", problemsJson(hardware.problems))
+                               .set("problems", problems)
                                .text()
                         << "\n";
         return;
@@ -211,7 +227,7 @@ void runControls(Context& context)
     environment.out << painted(titleWords(found.endpoint), Paint::bold, environment.hasColours) << ", "
                     << counted(controls.size(), "hardware control") << "\n";
     showTable(environment, own.value_or(Volume()), controls);
-    showProblems(context, countProblems(hardware), "--json says why");
+    showProblems(context, problemsBeside(found.endpoint).size() + countProblems(hardware), "--json says why");
 }
 
 void runSetControl(Context& context)

@@ -61,13 +61,19 @@ Json keyJson(const std::optional<Value>& value)
     return value ? Json(keyOf(*value)) : Json();
 }
 
+/// Null if the selection or the number of the input is unknown.
+Json isSelectedJson(const Selector& selector, const SelectorInput& input)
+{
+    return selector.selection && input.number ? Json(*input.number == *selector.selection) : Json();
+}
+
 Json inputJson(const Selector& selector, const SelectorInput& input)
 {
     return Json::object({{"id", input.number},
                          {"name", input.name},
                          {"connector", input.connectorName},
                          {"jack", kindJson(input.connectorType)},
-                         {"isSelected", input.number && input.number == selector.selection}});
+                         {"isSelected", isSelectedJson(selector, input)}});
 }
 }
 
