@@ -8,7 +8,7 @@
 namespace hostile
 {
 /// A test of the object model on platforms that lie, one after the other. At the end of each the machine holds nothing
-/// but the lists of neighbours that the object model leaves there on purpose.
+/// but what the object model leaves there on purpose: the lists of neighbours, and ids of default endpoints.
 class HostileLibraryTest : public support::LibraryTest
 {
 protected:

@@ -1,5 +1,7 @@
 #include "tests/hostile/library/usage.h"
 
+#include "libSonavit/sysinfohelper.h"
+#include "libSonavit/volumechangenotification.h"
 #include "libSonavit/volumecontroller.h"
 #include "qor/exception.h"
 #include "simulator/machine/propertykeys.h"
@@ -7,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -41,6 +44,25 @@ void onEachEndpoint(qor::Array<SoundCard>& cards, const Use& use)
                            use(endpoints[i]);
                    }
                });
+}
+
+/// Whether the platform has given the controller of an endpoint something to control.
+bool hasPlatformsVolume(const VolumeControllerInterface* volume)
+{
+    const auto* const controller = static_cast<const VolumeController<EndpointVolumeController>*>(volume);
+    return controller != nullptr && controller->m_policy.endpointVolume.get() != nullptr;
+}
+
+void show(std::ostream& out, const Endpoints& endpoints)
+{
+    for (const AudioDevice& endpoint : endpoints)
+    {
+        const AudioDeviceInterface::Properties& properties = endpoint.deviceProperty();
+        out << "  " << properties.deviceId.toUtf8() << " | " << properties.endpointType.toUtf8() << " | "
+            << properties.friendlyName.toUtf8() << " | " << properties.instancePath.toUtf8() << " | "
+            << properties.deviceState << " | " << properties.speakerConfig << " | "
+            << properties.format.Format.nSamplesPerSec << "\n";
+    }
 }
 
 /// No endpoint is twice in a card, whatever the case of its id.
@@ -132,9 +154,7 @@ void askCards(qor::Array<SoundCard>& cards)
                        endpoint.refreshDeviceState();
                        endpoint.waveLegacyDeviceID();
                        const SharedPointer<VolumeControllerInterface> volume = endpoint.volumeControl();
-                       const auto* const controller =
-                           static_cast<const VolumeController<EndpointVolumeController>*>(volume.get());
-                       if (controller != nullptr && controller->m_policy.endpointVolume.get() != nullptr)
+                       if (hasPlatformsVolume(volume.get()))
                            useController(*volume);
                    });
 }
@@ -183,6 +203,61 @@ void writeFormats(qor::Array<SoundCard>& cards)
                        if (endpoint.m_propertyStore.get() != nullptr)
                            endpoint.setFormat(WAVEFORMATEXTENSIBLE(endpoint.deviceProperty().format));
                    });
+}
+
+void findById(qor::Array<SoundCard>& cards)
+{
+    CoInitialize(nullptr); // the helper takes one away
+    libSonavit::SysInfoHelper helper;
+    for (unsigned int i = 0; i < cards.size(); ++i)
+    {
+        const qor::String id = cards[i].instanceId();
+        SoundCard found;
+        const qor::String before = found.deviceId();
+        if (!SoundCard::createSoundCard(id, found))
+            EXPECT_EQ(before.toUtf8(), found.deviceId().toUtf8()); // not there, and unchanged
+        helper.hasAnalogOut(id);
+        helper.hasDigitalOut(id);
+        helper.hasLineIn(id);
+        helper.hasMicIn(id);
+    }
+}
+
+void askForDefaultsAndChanges(qor::Array<SoundCard>& cards)
+{
+    onEachEndpoint(cards,
+                   [](AudioDevice& endpoint)
+                   {
+                       endpoint.isDefaultEndpoint();
+                       const SharedPointer<VolumeControllerInterface> volume = endpoint.volumeControl();
+                       if (volume.get() == nullptr)
+                           return;
+                       const COMPtr<VolumeChangeNotification>::pointer notification(new VolumeChangeNotification);
+                       const bool isRegistered = volume->registerVolumeChangeNotification(notification);
+                       if (!hasPlatformsVolume(volume.get()))
+                           EXPECT_FALSE(isRegistered);
+                       else
+                           useController(*volume);
+                   });
+}
+
+std::string portraitOf(const qor::Array<SoundCard>& cards)
+{
+    std::ostringstream out;
+    for (const SoundCard& card : cards)
+    {
+        out << card.deviceId().toUtf8() << "\n";
+        show(out, *card.m_recordDevices);
+        show(out, *card.m_playbackDevices);
+        for (const SoundCard::ConnectorNode& node : card.m_connectorMap)
+        {
+            out << "  joined to";
+            for (const unsigned int link : node.links)
+                out << " " << link;
+            out << "\n";
+        }
+    }
+    return out.str();
 }
 
 void announceEverything(sim::Simulation& simulation)
