@@ -220,7 +220,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     check(answer.code != 0 || answer.err.find("sonavit: ") == std::string::npos, "success has no sentence");
     if (answer.code != 0 && !(arguments && hasAnswered(*arguments, answer)))
         checkSentence(answer.err);
-    if (sonavit::program::asksForJson(line))
+    if (arguments ? arguments->isJson : sonavit::program::asksForJson(line)) // "--machine --json" names a machine
     {
         check(isJson(answer.out, isMonitor), "with --json the answer is JSON");
         check(answer.code == 0 || !answer.out.empty(), "with --json an error is JSON");

@@ -2,6 +2,7 @@
 
 #include "libSonavit/libsonavit.h"
 #include "qor/exception.h"
+#include "simulator/machine/propertykeys.h"
 #include "simulator/simulation.h"
 #include "tests/fuzz/support/check.h"
 
@@ -104,16 +105,52 @@ bool beginsWith(const std::string& text, const std::string& start)
     return text.compare(0, start.size(), start) == 0;
 }
 
-/// The lists of walks to neighbours, the strings of DirectSound GUIDs, and the ids of default endpoints.
-void checkWhatIsKept(sim::Simulation& simulation)
+/// Counts the calls of which the object model keeps something on purpose. The journal cannot: what is kept keeps the
+/// machine, and with it all that it has recorded.
+class KeepingCalls
+{
+public:
+    explicit KeepingCalls(sim::FaultPlan& plan)
+        : m_walksIn(plan.run("IPart::EnumPartsIncoming", [] {})),
+          m_walksOut(plan.run("IPart::EnumPartsOutgoing", [] {})),
+          m_guids(plan.run("IPropertyStore::GetValue", [] {}).with(sim::keyText(sim::keys::endpointGuid))),
+          m_defaults(plan.run("IMMDeviceEnumerator::GetDefaultAudioEndpoint", [] {}))
+    {
+    }
+
+    /// A list for each walk to the neighbours of a part, a string for each DirectSound GUID, and an id for each default
+    /// endpoint.
+    void check(const sim::Census& left) const
+    {
+        fuzz::check(left.references() == left.references("IPartsList"), "the object model keeps lists of parts alone");
+        fuzz::check(left.references() <= long{m_walksIn.met()} + long{m_walksOut.met()},
+                    "the object model keeps one list of parts for each walk");
+        long values = 0;
+        long ids = 0;
+        for (const auto& [origin, count] : left.taskMemory)
+        {
+            const bool isValue = beginsWith(origin, "IPropertyStore::GetValue");
+            fuzz::check(isValue || beginsWith(origin, "IMMDevice::GetId"),
+                        "the object model keeps two kinds of strings alone");
+            (isValue ? values : ids) += count;
+        }
+        fuzz::check(values <= long{m_guids.met()}, "the object model keeps one string for each GUID that it reads");
+        fuzz::check(ids <= long{m_defaults.met()}, "the object model keeps one id for each default endpoint");
+    }
+
+private:
+    sim::PlannedFault m_walksIn;
+    sim::PlannedFault m_walksOut;
+    sim::PlannedFault m_guids;
+    sim::PlannedFault m_defaults;
+};
+
+void checkWhatIsKept(sim::Simulation& simulation, const KeepingCalls& calls)
 {
     simulation.events().waitForClients();
     const sim::Census left = simulation.census();
-    check(left.references() == left.references("IPartsList"), "the object model keeps lists of parts alone");
+    calls.check(left);
     check(left.clients.empty(), "the object model unregisters its clients");
-    for (const auto& block : left.taskMemory)
-        check(beginsWith(block.first, "IPropertyStore::GetValue") || beginsWith(block.first, "IMMDevice::GetId"),
-              "the object model keeps two kinds of strings alone");
     check(simulation.violations().empty(), "no callback does what Windows forbids");
 }
 }
@@ -123,21 +160,23 @@ void checkObjectModel(const sim::Machine& machine, const std::vector<Step>& step
     sim::Simulation simulation(machine);
     simulation.deliverAtOnce(true);
     simulation.journal().record(false);
+    const KeepingCalls calls(simulation.faults());
     run(simulation, steps);
-    checkWhatIsKept(simulation);
+    checkWhatIsKept(simulation, calls);
 }
 
 support::Answers modelsAnswers(const sim::Machine& machine)
 {
     sim::Simulation simulation(machine);
     simulation.journal().record(false);
+    const KeepingCalls calls(simulation.faults());
     std::optional<support::Answers> answers;
     {
         sonavit::model::ObjectModel model;
         answers = support::askAll(model);
         libSonavit::AudioDeviceEnumeratorFactory::m_enumerator = nullptr; // ends the module for this machine
     }
-    checkWhatIsKept(simulation);
+    checkWhatIsKept(simulation, calls);
     return *answers;
 }
 }
