@@ -40,7 +40,7 @@ public:
         if (m_judge.passes(isBelieved ? counted : reading::invalidData, "IAudioEndpointVolume::GetChannelCount"))
         {
             volume.channels.emplace();
-            const unsigned channels = m_controller.numChannel();
+            const unsigned channels = std::min<unsigned>(m_controller.numChannel(), count); // which asks once more
             for (unsigned channel = 0; channel < channels; ++channel)
                 volume.channels->push_back(readChannel(channel));
         }

@@ -3,6 +3,7 @@
 #include "client/model/values.h"
 #include "client/reading/limits.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace sonavit::model
@@ -43,7 +44,7 @@ std::optional<std::vector<ControlChannel>> readChannels(const RegularVolumeContr
         return std::nullopt;
     const VolumeController<RegularVolumeController> controller(policy);
     std::vector<ControlChannel> channels;
-    const unsigned number = controller.numChannel();
+    const unsigned number = std::min<unsigned>(controller.numChannel(), count); // which asks once more
     for (unsigned channel = 0; channel < number; ++channel)
         channels.push_back(readChannel(policy, controller, channel));
     return channels;

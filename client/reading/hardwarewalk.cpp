@@ -16,6 +16,11 @@ bool isOfCall(const Problem& problem) noexcept
 {
     return problem.kind() == Problem::Kind::platform;
 }
+
+bool isOfCallButNames(const Problem& problem) noexcept
+{
+    return isOfCall(problem) && problem.operation() != "IPart::GetName";
+}
 }
 
 /// The walked hardware, and the endpoints of the cards.
@@ -79,13 +84,13 @@ bool HardwareWalk::hasFailures() const noexcept
     return hasProblems(isOfCall);
 }
 
-std::optional<Problem> HardwareWalk::firstFailure() const
+std::optional<Problem> HardwareWalk::firstFailure(bool (*isMeant)(const Problem& problem) noexcept) const
 {
-    const auto firstOf = [](const auto& all) -> std::optional<Problem>
+    const auto firstOf = [isMeant](const auto& all) -> std::optional<Problem>
     {
         for (const auto& each : all)
         {
-            const auto found = std::find_if(each.problems.begin(), each.problems.end(), isOfCall);
+            const auto found = std::find_if(each.problems.begin(), each.problems.end(), isMeant);
             if (found != each.problems.end())
                 return *found;
         }
@@ -165,7 +170,9 @@ Problem hiding(const Problem& failure, const Problem& missing, const char* where
 Problem orHidingFailure(const HardwareWalk& walk, const Problem& problem)
 {
     const bool isMissing = problem.kind() == Problem::Kind::notThere || problem.kind() == Problem::Kind::notSupported;
-    const std::optional<Problem> failure = isMissing ? walk.firstFailure() : std::nullopt;
+    const bool isNamed = problem.kind() == Problem::Kind::notThere; // a name that cannot be read hides no interface
+    const std::optional<Problem> failure =
+        isMissing ? walk.firstFailure(isNamed ? isOfCall : isOfCallButNames) : std::nullopt;
     return failure ? hiding(*failure, problem, "in the hardware that can be read") : problem;
 }
 }

@@ -44,8 +44,8 @@ public:
     Hardware hardware(const CardId& card) const;
     /// Whether a platform call has failed so far, but for those that read levels, mutes and selections.
     bool hasFailures() const noexcept;
-    /// The problem with such a call: the first one with a device, or else with a part. No value if none has failed.
-    std::optional<Problem> firstFailure() const;
+    /// The problem of that kind: the first one with a device, or else with a part. No value if there is none.
+    std::optional<Problem> firstFailure(bool (*isMeant)(const Problem& problem) noexcept) const;
     /// Whether one of the problems so far, but for those of levels, mutes and selections, is what @p isMeant looks for.
     bool hasProblems(bool (*isMeant)(const Problem& problem) noexcept) const noexcept;
 
@@ -73,7 +73,7 @@ private:
 Problem hiding(const Problem& failure, const Problem& missing, const char* where);
 /// @p problem as it is, unless it misses something (Problem::Kind::notThere, Kind::notSupported) and a call of the walk
 /// has failed: then that failure. An operation that looks for a part must not say that there is none if it could not
-/// see all of them.
+/// see all of them. A name that cannot be read hides a part that is looked for, and no interface of a part.
 Problem orHidingFailure(const HardwareWalk& walk, const Problem& problem);
 
 /// The control of that id or name, see System::setControl(); the same for selectors and inputs.

@@ -188,7 +188,8 @@ public:
     /// @return the number of calls
     std::size_t poll(std::chrono::milliseconds timeout = std::chrono::milliseconds(0));
     /// Reads the controls, selectors and jacks of a card into each snapshot, for as long as the result lives; waits for
-    /// the first reading. Problem::Kind::notThere for a card that does not exist.
+    /// the first reading. Problem::Kind::notThere for a card that does not exist; if a failing call may hide it, the
+    /// Problem names that call.
     Result<Watch> watch(const CardId& card);
 
     // --- Changing --------------------------------------------------------------------------------------------------

@@ -119,6 +119,7 @@ void Watcher::loseService(const Problem& problem)
     m_hardwareRetries.clear();
     m_isServiceDoubted = false;
     m_registrationProblem.reset();
+    m_listProblems.clear();
     dropObjects();
     m_enumerator = nullptr;
 }

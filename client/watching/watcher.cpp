@@ -94,6 +94,8 @@ Problem Watcher::orUnlisted(const Problem& problem) const
 {
     if (problem.kind() != Problem::Kind::notThere)
         return problem;
+    if (m_enumerator.get() == nullptr) // nothing is listed at all
+        return m_serviceProblem.value_or(problem);
     const auto found =
         std::find_if(m_listProblems.begin(), m_listProblems.end(),
                      [](const Problem& failure)

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -152,6 +153,60 @@ TEST_F(SystemHardware, NamesTheFailingCallThatHidesAMute)
     ASSERT_FALSE(result);
     EXPECT_EQ(result.problem().operation(), "IPart::Activate(IAudioMute)");
     EXPECT_EQ(result.problem().code(), E_ABORT);
+}
+
+/// A name that cannot be read hides no mute.
+TEST_F(SystemHardware, BlamesNoNameForAControlWithoutAMute)
+{
+    System& system = start("studio");
+    std::optional<Control> without;
+    EndpointId owner;
+    for (const Endpoint& each : system.snapshot().endpoints())
+    {
+        const Result<std::vector<Control>> controls = system.controls(each.id());
+        if (!controls)
+            continue;
+        for (const Control& control : *controls)
+        {
+            if (!control.hasMute)
+            {
+                without = control;
+                owner = each.id();
+            }
+        }
+    }
+    ASSERT_TRUE(without);
+    simulation().faults().fail("IPart::GetName", E_ABORT);
+
+    const Result<Control> result = system.setControlMute(owner, without->id, true);
+
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.problem().kind(), Problem::Kind::notSupported);
+}
+
+/// Without the service nothing is listed, which does not mean that nothing is there.
+TEST_F(SystemHardware, NamesTheCallOfTheServiceThatHidesEverything)
+{
+    System& known = start("studio");
+    const EndpointId monitors = endpoint("Main Monitors");
+    const Settings settings = known.settings().value();
+    constexpr HRESULT noService = static_cast<HRESULT>(0x800706BA);
+    simulation().faults().fail("IMMDeviceEnumerator::EnumAudioEndpoints", noService);
+    System system(options());
+
+    const std::vector<Problem> problems = {system.setMute(monitors, true).problem(),
+                                           system.select("Auxiliary Source", "Combo 3").problem(),
+                                           system.watch(CardId("{nothing}")).problem()};
+    const RestoreReport report = system.restore(settings).value();
+
+    for (const Problem& problem : problems)
+    {
+        EXPECT_EQ(problem.kind(), Problem::Kind::platform);
+        EXPECT_EQ(problem.code(), noService);
+    }
+    ASSERT_FALSE(report.settings.empty());
+    for (const RestoredSetting& setting : report.settings)
+        EXPECT_EQ(setting.outcome, RestoredSetting::Outcome::failed) << setting.what;
 }
 
 /// What the platform says of the control itself does not follow from a call elsewhere that fails.
