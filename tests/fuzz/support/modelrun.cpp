@@ -105,6 +105,20 @@ bool beginsWith(const std::string& text, const std::string& start)
     return text.compare(0, start.size(), start) == 0;
 }
 
+bool isOfValue(const std::string& origin)
+{
+    return beginsWith(origin, "IPropertyStore::GetValue");
+}
+
+/// The lists of walks to neighbours, the strings of DirectSound GUIDs, and the ids of default endpoints.
+void checkKinds(const sim::Census& left)
+{
+    check(left.references() == left.references("IPartsList"), "the object model keeps lists of parts alone");
+    for (const auto& block : left.taskMemory)
+        check(isOfValue(block.first) || beginsWith(block.first, "IMMDevice::GetId"),
+              "the object model keeps two kinds of strings alone");
+}
+
 /// Counts the calls of which the object model keeps something on purpose. The journal cannot: what is kept keeps the
 /// machine, and with it all that it has recorded.
 class KeepingCalls
@@ -122,18 +136,12 @@ public:
     /// endpoint.
     void check(const sim::Census& left) const
     {
-        fuzz::check(left.references() == left.references("IPartsList"), "the object model keeps lists of parts alone");
         fuzz::check(left.references() <= long{m_walksIn.met()} + long{m_walksOut.met()},
                     "the object model keeps one list of parts for each walk");
         long values = 0;
         long ids = 0;
         for (const auto& [origin, count] : left.taskMemory)
-        {
-            const bool isValue = beginsWith(origin, "IPropertyStore::GetValue");
-            fuzz::check(isValue || beginsWith(origin, "IMMDevice::GetId"),
-                        "the object model keeps two kinds of strings alone");
-            (isValue ? values : ids) += count;
-        }
+            (isOfValue(origin) ? values : ids) += count;
         fuzz::check(values <= long{m_guids.met()}, "the object model keeps one string for each GUID that it reads");
         fuzz::check(ids <= long{m_defaults.met()}, "the object model keeps one id for each default endpoint");
     }
@@ -145,11 +153,22 @@ private:
     sim::PlannedFault m_defaults;
 };
 
-void checkWhatIsKept(sim::Simulation& simulation, const KeepingCalls& calls)
+/// On some machines, as it takes three times as long.
+std::optional<KeepingCalls> countCalls(sim::Simulation& simulation, const sim::Machine& machine)
+{
+    if (machine.endpoints.size() % 4 != 0)
+        return std::nullopt;
+    return KeepingCalls(simulation.faults());
+}
+
+/// Calls are counted on some machines; on the others any number of the same things may be left.
+void checkWhatIsKept(sim::Simulation& simulation, const std::optional<KeepingCalls>& calls)
 {
     simulation.events().waitForClients();
     const sim::Census left = simulation.census();
-    calls.check(left);
+    checkKinds(left);
+    if (calls)
+        calls->check(left);
     check(left.clients.empty(), "the object model unregisters its clients");
     check(simulation.violations().empty(), "no callback does what Windows forbids");
 }
@@ -160,7 +179,7 @@ void checkObjectModel(const sim::Machine& machine, const std::vector<Step>& step
     sim::Simulation simulation(machine);
     simulation.deliverAtOnce(true);
     simulation.journal().record(false);
-    const KeepingCalls calls(simulation.faults());
+    const std::optional<KeepingCalls> calls = countCalls(simulation, machine);
     run(simulation, steps);
     checkWhatIsKept(simulation, calls);
 }
@@ -169,7 +188,7 @@ support::Answers modelsAnswers(const sim::Machine& machine)
 {
     sim::Simulation simulation(machine);
     simulation.journal().record(false);
-    const KeepingCalls calls(simulation.faults());
+    const std::optional<KeepingCalls> calls = countCalls(simulation, machine);
     std::optional<support::Answers> answers;
     {
         sonavit::model::ObjectModel model;
