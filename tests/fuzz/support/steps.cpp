@@ -4,6 +4,7 @@
 
 #include <fuzzer/FuzzedDataProvider.h>
 
+#include <algorithm>
 #include <cstddef>
 
 namespace fuzz
@@ -55,12 +56,15 @@ Event eventOn(const sim::Machine& machine, const Step& step, FuzzedDataProvider&
                                         sim::stateUnplugged};
     Event event;
     event.kind = kindOf(input.ConsumeIntegral<std::uint8_t>());
-    event.endpoint = machine.endpoints[step.endpoint % machine.endpoints.size()].id;
+    const sim::Endpoint& endpoint = machine.endpoints[step.endpoint % machine.endpoints.size()];
+    event.endpoint = endpoint.id;
     event.state = states[step.number % 4];
     event.role = static_cast<ERole>(step.number % 3);
     if (event.kind == Event::Kind::volumeChanged)
     {
-        event.level = -static_cast<float>(step.number % 70);
+        const auto level = -static_cast<float>(step.number % 70);
+        if (endpoint.volume) // a platform has no level outside the range: the two readers show one as 0 % and as 100 %
+            event.level = std::clamp(level, endpoint.volume->minimum, endpoint.volume->maximum);
         event.muted = step.number % 2 == 0;
     }
     if (event.kind == Event::Kind::propertyChanged)
