@@ -29,6 +29,7 @@ void HostileLibraryTest::TearDown()
 
 sim::Simulation& HostileLibraryTest::begin(const Platform& platform)
 {
+    m_simulation.reset(); // on Windows the last one to begin or to end decides who answers
     run(machineOf(platform));
     m_isRunning = true;
     if (platform.lie)
