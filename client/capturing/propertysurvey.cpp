@@ -164,7 +164,7 @@ void tryToOpenForWriting(IMMDevice& device, const std::string& id, Recorder& rec
 {
     IPropertyStore* store = nullptr;
     const HRESULT result = device.OpenPropertyStore(STGM_READWRITE, &store);
-    const reading::Handle<IPropertyStore> holder(SUCCEEDED(result) ? store : nullptr);
+    const reading::Handle<IPropertyStore> holder = taken(result, store);
     if (SUCCEEDED(result) && store == nullptr)
         recorder.givesNull({"IMMDevice::OpenPropertyStore", id, {argument(STGM_READWRITE)}});
     else

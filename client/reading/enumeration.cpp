@@ -5,6 +5,7 @@
 #include "client/reading/text.h"
 #include "sonavit/defaultcalls.h"
 #include "sonavit/idindex.h"
+#include "sonavit/listcalls.h"
 
 #include <array>
 #include <string_view>
@@ -113,7 +114,7 @@ private:
             return Answer::failure;
         Handle<IMMDevice> device(item);
         TaskText text(TaskText::NullText::skipped);
-        if (!m_judge.gives(device->GetId(text.put()), *text.put(), {"IMMDevice::GetId"}))
+        if (!m_judge.gives(device->GetId(text.put()), *text.put(), {callForId}))
             return Answer::failure;
         m_items.push_back({EndpointId(utf8(text.get())), flow, std::move(device)});
         const bool isEmpty = m_items.back().id.isEmpty();
@@ -121,7 +122,7 @@ private:
         if (isEmpty || m_places.add(m_items.size() - 1, idAt) != m_items.size() - 1)
         {
             m_items.pop_back(); // an endpoint without id, or a second one with the same id
-            m_judge.fails(invalidData, {"IMMDevice::GetId"});
+            m_judge.fails(invalidData, {callForId, isEmpty ? emptyId : duplicateId});
         }
         return isEmpty ? Answer::emptyId : Answer::id;
     }

@@ -78,6 +78,8 @@ void EndpointList::read(std::size_t index)
     reading::readJacks(m_readings[index]);
 }
 
+/// An endpoint that goes keeps its names, even where the platform tells them no more: a list of known devices shows
+/// them, and an event says which device has gone.
 void EndpointList::read(std::size_t index, unsigned announced, IMMDeviceEnumerator& enumerator)
 {
     reading::EndpointReading& reading = m_readings[index];

@@ -2,6 +2,7 @@
 
 #include "client/reading/hardwarewalk.h"
 #include "client/reading/judge.h"
+#include "sonavit/listcalls.h"
 
 #include <algorithm>
 #include <mutex>
@@ -96,13 +97,9 @@ Problem Watcher::orUnlisted(const Problem& problem) const
         return problem;
     if (m_enumerator.get() == nullptr) // nothing is listed at all
         return m_serviceProblem.value_or(problem);
-    const auto found =
-        std::find_if(m_listProblems.begin(), m_listProblems.end(),
-                     [](const Problem& failure)
-                     {
-                         return failure.kind() == Problem::Kind::platform &&
-                                !(failure.operation() == "IMMDevice::GetId" && failure.code() == reading::invalidData);
-                     });
+    const auto found = std::find_if(m_listProblems.begin(), m_listProblems.end(),
+                                    [](const Problem& failure)
+                                    { return failure.kind() == Problem::Kind::platform && !isAboutOddId(failure); });
     return found == m_listProblems.end() ? problem : reading::hiding(*found, problem, "among those that can be read");
 }
 

@@ -256,6 +256,24 @@ TEST_F(SystemHardware, NamesTheFailingListThatHidesACardAnEndpointOrASelector)
     }
 }
 
+/// Whatever the driver's code is: only an id that is odd itself hides nothing else.
+TEST_F(SystemHardware, NamesTheIdThatCannotBeReadAndHidesAnEndpoint)
+{
+    const EndpointId id = start("desktop").snapshot().endpoints().front().id();
+    simulation().faults().fail("IMMDevice::GetId", static_cast<HRESULT>(0x8007000D)).on(id.text());
+    System unread(options());
+    const Problem hidden = unread.setMute(id, true).problem();
+    simulation().faults().clear();
+    simulation().faults().lie("IMMDevice::GetId", sim::Lie::ofText(u"")).on(id.text());
+    System odd(options());
+    const Problem missing = odd.setMute(id, true).problem();
+
+    EXPECT_EQ(hidden.kind(), Problem::Kind::platform);
+    EXPECT_EQ(hidden.operation(), "IMMDevice::GetId");
+    EXPECT_EQ(missing.kind(), Problem::Kind::notThere);
+    EXPECT_EQ(odd.snapshot().problems().front().operation(), "IMMDevice::GetId(empty)");
+}
+
 TEST_F(SystemHardware, MutesAControlOrSaysThatItHasNoMute)
 {
     System& system = start("studio");

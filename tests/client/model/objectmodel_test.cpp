@@ -150,6 +150,20 @@ TEST_F(ObjectModelSnapshot, HasNoValueWhereTheObjectModelHasAStartValueAfterAFai
     EXPECT_TRUE(endpoint.problemWith(EndpointField::volume));
 }
 
+TEST_F(ObjectModelSnapshot, HasNoChannelsOfWhichTheFirstCountDidNotTell)
+{
+    sim::MachineBuilder bench;
+    const sim::EndpointBuilder speaker = bench.card("Analog Audio").speaker(); // stereo
+    sim::Simulation& simulation = play(bench.build());
+    sim::PlannedFault first = simulation.faults().lie("IAudioEndpointVolume::GetChannelCount", sim::Lie::ofNumber(1));
+    simulation.faults().lie("IAudioEndpointVolume::GetChannelCount", sim::Lie::ofNumber(5)).at(2);
+    first.at(1);
+
+    const sonavit::Endpoint endpoint = *model.snapshot().endpoint(EndpointId(speaker.id()));
+
+    EXPECT_THAT(endpoint.volume()->channels, testing::Optional(SizeIs(1)));
+}
+
 TEST_F(ObjectModelSnapshot, SaysWhyAnEndpointHasNoName)
 {
     sim::MachineBuilder bench;
@@ -233,6 +247,26 @@ TEST_F(ObjectModelControls, AreTheLevelsNextToTheConnectorsOfTheWay)
     EXPECT_EQ(true, controls[0].isMuted);
     ASSERT_TRUE(controls[0].channels);
     EXPECT_EQ(Percent(69), controls[0].channels->front().level.percent);
+}
+
+TEST_F(ObjectModelControls, HaveNoChannelsOfWhichTheirFirstCountDidNotTell)
+{
+    sim::MachineBuilder bench;
+    sim::CardBuilder card = bench.card("Analog Audio");
+    const sim::EndpointBuilder speaker = card.speaker().hardwareVolume({-96.0f, 0.0f, 1.5f, -30.0f});
+    for (std::uint32_t call = 1; call <= 4; ++call)
+    {
+        sim::Simulation& simulation = play(bench.build());
+        sim::PlannedFault counted =
+            simulation.faults().lie("IAudioVolumeLevel::GetChannelCount", sim::Lie::ofNumber(50));
+        counted.at(call);
+
+        const std::vector<sonavit::Control> controls = model.controls(EndpointId(speaker.id())).value();
+
+        EXPECT_THAT(controls, SizeIs(2)) << call;
+        for (const sonavit::Control& control : controls)
+            EXPECT_THAT(control.channels, testing::Optional(SizeIs(testing::Le(2)))) << call;
+    }
 }
 
 TEST_F(ObjectModelControls, OfAnUnknownEndpointAreAProblem)

@@ -117,7 +117,7 @@ TEST_F(ReadingListing, LeavesOutASecondEndpointWithTheSameId)
     const reading::Listing listing = reading::listEndpoints(enumerator());
 
     EXPECT_THAT(idsOf(listing), ElementsAre(m_speaker, m_headphones, m_microphone, m_lineIn));
-    EXPECT_THAT(listing.problems, ElementsAre(IsFailureOf("IMMDevice::GetId", invalidData)));
+    EXPECT_THAT(listing.problems, ElementsAre(IsFailureOf("IMMDevice::GetId(duplicate)", invalidData)));
 }
 
 TEST_F(ReadingListing, GivesUpAListOfWhichNothingCanBeOpened)

@@ -58,6 +58,25 @@ TEST_F(SystemSnapshot, ReleasesEverythingOnTheWorkerAtTheEndOfTheSystem)
     EXPECT_EQ(kept, watching::keptListeners());
 }
 
+TEST_F(SystemSnapshot, KeepsTheNamesOfAnEndpointThatGoesWhereTheyCannotBeReadAnyMore)
+{
+    sim::Machine machine = sim::findMachine("desktop");
+    machine.notPresentNames = sim::NotPresentNames::failing;
+    watch(std::move(machine));
+    const EndpointId id = audio().defaultEndpoint(Flow::output)->id();
+    const std::optional<std::string> name = audio().endpoint(id)->name();
+    ASSERT_TRUE(name);
+
+    simulation().events().unplugUsb(id.text());
+    const Snapshot afterwards = audio().refresh().value();
+    const Snapshot anew = audio().refresh(Depth::everything).value();
+
+    EXPECT_EQ(State::notPresent, afterwards.endpoint(id)->state());
+    EXPECT_EQ(name, afterwards.endpoint(id)->name());
+    EXPECT_EQ(std::nullopt, anew.endpoint(id)->name());
+    EXPECT_TRUE(anew.endpoint(id)->problemWith(EndpointField::description));
+}
+
 /// Of two ids that differ in case alone, which are one id, the platform's list has the first one's endpoint.
 class SnapshotOfTwoCases : public SystemSnapshot
 {

@@ -61,7 +61,8 @@ public:
         m_holds.clear();
         m_watches.clear();
         m_simulation.events().waitForClients();
-        check(static_cast<bool>(m_audio.refresh(m_wasServiceStopped ? Depth::everything : Depth::noted)),
+        const bool isAllAsked = m_wasServiceStopped || keepsNames();
+        check(static_cast<bool>(m_audio.refresh(isAllAsked ? Depth::everything : Depth::noted)),
               "the computer can be read");
         const Snapshot last = m_audio.snapshot();
         while (m_audio.poll() > 0)
@@ -79,6 +80,9 @@ private:
         options.delivery = Delivery::poll;
         return options;
     }
+
+    /// Whether the names of an endpoint that goes are out of reach: the snapshot keeps those it has.
+    bool keepsNames() const { return m_simulation.machine().notPresentNames == sim::NotPresentNames::failing; }
 
     void hear(const Change& change)
     {

@@ -44,7 +44,7 @@ TEST_F(ClientListing, LeavesEndpointsOutThatHaveNoId)
     const Snapshot snapshot = audio().snapshot();
 
     EXPECT_THAT(idsOf(snapshot), ElementsAre(honest().microphone));
-    EXPECT_THAT(snapshot.problems(), Contains(IsProblemWith("IMMDevice::GetId", invalidData)));
+    EXPECT_THAT(snapshot.problems(), Contains(IsProblemWith("IMMDevice::GetId(empty)", invalidData)));
     EXPECT_THAT(snapshot.problems(), Contains(IsProblemWith("IMMDevice::GetId", nullPointer)));
 }
 
@@ -57,7 +57,7 @@ TEST_F(ClientListing, HasOneEndpointOfThoseWithOneId)
     const Snapshot snapshot = audio().snapshot();
 
     EXPECT_THAT(idsOf(snapshot), ElementsAre(honest().microphone));
-    EXPECT_THAT(snapshot.problems(), Contains(IsProblemWith("IMMDevice::GetId", invalidData)));
+    EXPECT_THAT(snapshot.problems(), Contains(IsProblemWith("IMMDevice::GetId(duplicate)", invalidData)));
 }
 
 TEST_F(ClientListing, HasEndpointsWhoseIdsAre64KilobytesLong)
