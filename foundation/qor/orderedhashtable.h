@@ -54,11 +54,13 @@ public:
         getSerializedXML(out);
     }
 
-    /// Replaces the content. Required behaviour: the old content is cleared first, even if reading fails. The index,
-    /// whose clearing cannot fail, comes first, so that the table contains no key when an array cannot be cleared.
+    /// Replaces the content. Required behaviour: the old content is cleared first, even if reading fails. What needs no
+    /// memory comes first, so that the table is empty, and can be used, when an array gets no new block.
     void deserializeFromElement(const XmlElement* element) override
     {
         m_index.clear();
+        m_arrayKeys.release();
+        m_arrayValues.release();
         m_arrayKeys.clear();
         m_arrayValues.clear();
         deserializeBegin(element);

@@ -279,8 +279,9 @@ using SharedPointer = qor::SharedResource<qor::PointerStorage<X, 0, 3>, 0>;
 
 namespace qor
 {
-/// The first owner of @p value, which was made with `new`. A handle that is made from a pointer throws nothing without
-/// memory for its count, and its copies are nil then; this deletes @p value instead.
+/// The first owner of @p value, which was made with `new`. A handle that is made from a pointer in the ordinary way
+/// throws nothing without memory for its count: it is incomplete then, and its copies are nil. Here @p value is deleted
+/// and the failure told.
 /// @exception std::bad_alloc without memory for the count
 template<class X>
 SharedPointer<X> sharedOwner(X* value)

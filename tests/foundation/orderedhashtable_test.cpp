@@ -314,6 +314,9 @@ TEST(OrderedHashTableFromText, IsEmptyWhenMemoryRunsOutBeforeItReads)
             probe.succeed();
             EXPECT_EQ(0u, table.size()) << more;
             EXPECT_FALSE(table.contains("a")) << more;
+            table.insert("z", 26);
+            EXPECT_EQ(26, table["z"]) << more;
+            EXPECT_EQ(1u, table.values().size()) << more;
         }
         catch (const qor::SerializationFailed&)
         {

@@ -171,7 +171,9 @@ public:
     /// saved format is all zero: once a later refresh has read a format, the destructor writes zeros. A store that is
     /// open for reading only refuses the restore of each copy, and each refusal is logged (LOG_WARNING). While an
     /// exception is on its way the format is only written: nothing is read again and nothing logged.
-    /// @exception qor::NullPointer or std::bad_alloc if memory runs out after the format is written
+    /// @exception qor::NullPointer or std::bad_alloc if memory runs out after the format is written, or for a record of
+    /// the log, of which an end makes several at LOG_DEBUG. Such a record ends the process if it fails while an
+    /// exception is on its way.
     ~AudioDevice() noexcept(false) override;
 
 private:

@@ -21,8 +21,7 @@ bool release(I*& object)
 
 /// One search for the default endpoint of a device's flow, with the interfaces that it holds meanwhile. They are raw
 /// pointers on purpose: each release has its place and its record, even that of a pointer that came along with a
-/// failure code. Each step logs with a statement of its own, because
-/// a record shows the line of its statement.
+/// failure code. Each step logs with a statement of its own, because a record shows the line of its statement.
 class DefaultEndpointSearch
 {
 public:
@@ -30,8 +29,9 @@ public:
     DefaultEndpointSearch(const DefaultEndpointSearch&) = delete;
     DefaultEndpointSearch& operator=(const DefaultEndpointSearch&) = delete;
 
-    /// Releases, without a record, what an exception has left.
-    ~DefaultEndpointSearch() noexcept(false)
+    /// Releases, without a record, what an exception has left; releaseAll() leaves nothing. A Release that throws as
+    /// well ends the process, as two exceptions cannot be on their way.
+    ~DefaultEndpointSearch()
     {
         release(m_enumerator);
         release(m_endpoint);

@@ -22,7 +22,7 @@ qor::Array<SoundCard> SoundCard::enumerateSystemSoundDevices()
 {
     SONAVIT_TRACE(soundcardlog, "SoundCard::enumerateSystemSoundDevices");
     qor::Array<SoundCard> cards;
-    { // whose objects end before the result is returned: compilers lose a result when an end behind that throws
+    { // Table and enumerator end before the return: compilers leak a returned value if a destructor behind it throws.
         qor::OrderedHashTable<qor::String, SoundCard> deviceTable(32);
         const libSonavit::EndpointDeviceEnumerator enumerator;
         if (!enumerator.isInitialized())
