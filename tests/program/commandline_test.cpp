@@ -362,3 +362,10 @@ TEST(ProgramCommandLine, FindsTheWishForJsonInWordsThatItDoesNotUnderstand)
     EXPECT_TRUE(asksForJson({"frobnicate", "--json"}));
     EXPECT_FALSE(asksForJson({"frobnicate"}));
 }
+
+TEST(ProgramCommandLine, TakesTheValueOfAnOptionForNoWishForJson)
+{
+    EXPECT_FALSE(asksForJson({"list", "--machine", "--json"}));
+    EXPECT_TRUE(asksForJson({"list", "--machine", "--json", "--json"}));
+    EXPECT_FALSE(asksForJson({"list", "--outputs", "--inputs", "--machine", "--json"}));
+}

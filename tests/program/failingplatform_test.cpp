@@ -13,6 +13,7 @@
 
 using nlohmann::json;
 using testing::EndsWith;
+using testing::HasSubstr;
 
 namespace
 {
@@ -140,6 +141,19 @@ TEST_F(ProgramOnFailingPlatform, CommandsSayThatEndpointsWithoutIdsCannotBeListe
         EXPECT_THAT(answer.err, EndsWith("sonavit: the system cannot list its endpoints: 0x80004005, unspecified "
                                          "error\n"));
     }
+}
+
+TEST_F(ProgramOnFailingPlatform, NoCommandTakesAnEndpointForMissingWhoseIdCannotBeReadWhateverTheCode)
+{
+    machine = support::smallMachine();
+    machine.faults.push_back({"IMMDevice::GetId", support::speakerId(), "", 0, sim::FaultRule::Outcome::result,
+                              static_cast<HRESULT>(0x8007000D)});
+
+    const support::Answer answer = callHere({"show", "Speakers"});
+
+    EXPECT_EQ(1, answer.code);
+    EXPECT_THAT(answer.err, HasSubstr("there is no endpoint \"Speakers\" among those that can be read, as the system "
+                                      "cannot list its endpoints: 0x8007000D"));
 }
 
 TEST_F(ProgramOnFailingPlatform, SelectDoesNotTakeASelectorForMissingThatAListMayHide)

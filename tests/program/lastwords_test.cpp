@@ -96,4 +96,30 @@ TEST_P(ProgramLastWords, AreTheAnswerOrOneSentenceOfTheClientLayer)
     EXPECT_EXIT(runProgram({"get-volume", "Speakers"}, GetParam()), endedInOrder, isAnswerOrSentence);
 }
 
+namespace
+{
+/// Runs the command on a computer whose drivers throw in the last Release of it, which the end of the session makes.
+[[noreturn]] void runProgramUntilItsEndThrows(const std::vector<std::string>& words)
+{
+    isReleaseThrown = true;
+    sim::Simulation simulation(support::smallMachine());
+    support::meet(simulation);
+    const sonavit::program::Environment environment{std::cerr, std::cerr};
+    if (sonavit::program::run(words, environment) != 0) // what is kept for good is made once
+        std::exit(2);
+    sim::PlannedFault counting = simulation.faults().raise("Release");
+    counting.at(0xFFFFFFFF);
+    if (sonavit::program::run(words, environment) != 0 || counting.met() == 0)
+        std::exit(2);
+    simulation.faults().raise("Release").at(counting.met());
+    std::exit(sonavit::program::run(words, environment));
+}
+}
+
+TEST(ProgramLastWord, OfTheEndOfTheSessionIsOneSentenceAndExitCode1)
+{
+    EXPECT_EXIT(runProgramUntilItsEndThrows({"list", "--via", "model"}), testing::ExitedWithCode(1),
+                testing::EndsWith("::Release\n"));
+}
+
 INSTANTIATE_TEST_SUITE_P(Releases, ProgramLastWords, testing::Values(1, 2, 5, 20, 50));

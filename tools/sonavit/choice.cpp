@@ -45,16 +45,13 @@ bool startsWith(const std::string& text, const std::string& start)
     return text.compare(0, start.size(), start) == 0;
 }
 
-/// Whether endpoints may be missing because of the problem. An id that is empty or that two endpoints have hides none
-/// that has a name of its own, and the id of a default none at all.
+/// Whether endpoints may be missing because of the problem. The id of a default hides none.
 bool isOfList(const Problem& problem)
 {
-    constexpr auto invalidData = static_cast<HRESULT>(0x8007000D);
     const std::string& operation = problem.operation();
     return startsWith(operation, "CoCreateInstance") || startsWith(operation, "CoInitializeEx") ||
            startsWith(operation, "IMMDeviceEnumerator::EnumAudioEndpoints") ||
-           startsWith(operation, "IMMDeviceCollection::") ||
-           (operation == "IMMDevice::GetId" && problem.code() != invalidData);
+           startsWith(operation, "IMMDeviceCollection::") || operation == "IMMDevice::GetId";
 }
 
 /// What the system fails to do if a problem with its lists is @p problem, and why.

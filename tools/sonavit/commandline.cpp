@@ -103,6 +103,16 @@ CommandLine readCommandLine(const std::vector<std::string>& words)
 
 bool asksForJson(const std::vector<std::string>& words)
 {
+    try
+    {
+        const CommandWords read = parseCommandLine(words);
+        if (read.answer.empty())
+            return read.isJson; // "--machine --json" names a machine
+    }
+    catch (const UsageError&)
+    {
+        // What was meant is not known: the word is taken for the option.
+    }
     return std::find(words.begin(), words.end(), "--json") != words.end();
 }
 }

@@ -123,6 +123,6 @@ struct CommandLine
 /// Reads the command line after the program's name. Throws UsageError.
 CommandLine readCommandLine(const std::vector<std::string>& words);
 
-/// Whether @p words contain --json; they may make no sense otherwise.
+/// Whether @p words ask for JSON, as far as they can be understood: one --json is enough in a line that makes no sense.
 bool asksForJson(const std::vector<std::string>& words);
 }

@@ -37,6 +37,14 @@ TEST_F(ProgramDoctor, FindsNothingOnASoundMachine)
     EXPECT_EQ("", answer.err);
 }
 
+TEST_F(ProgramDoctor, SaysThatThereIsNoHardware)
+{
+    const support::Answer answer = call({"doctor", "--machine", "empty"});
+
+    EXPECT_EQ(0, answer.code);
+    EXPECT_EQ("There is no sound hardware to examine.\n", answer.out);
+}
+
 TEST_F(ProgramDoctor, SaysWhatIsWrongItsEffectAndItsCause)
 {
     run(mistyped());

@@ -409,6 +409,20 @@ TEST_F(ProgramGraph, MarksTheChosenInputOfASelector)
     EXPECT_EQ("", support::brokenDot(text));
 }
 
+TEST_F(ProgramGraph, WritesNoControlCharactersOfIds)
+{
+    run(support::smallMachine());
+    simulation().faults().lie("IPart::GetGlobalId", sim::Lie::ofText(u"part\u001B[31m\u0001"));
+    simulation().faults().lie("IConnector::GetDeviceIdConnectedTo", sim::Lie::ofText(u"device\u001B[31m\u0001"));
+
+    const std::string text = call({"graph"}).out;
+
+    EXPECT_THAT(text, HasSubstr("tooltip=\"part\uFFFD[31m\uFFFD\""));
+    EXPECT_THAT(text, HasSubstr("tooltip=\"device\uFFFD[31m\uFFFD\""));
+    EXPECT_THAT(text, Not(HasSubstr("\u001B")));
+    EXPECT_EQ("", support::brokenDot(text));
+}
+
 TEST_F(ProgramGraph, ExplainsItsShapes)
 {
     run(support::smallMachine());

@@ -145,6 +145,8 @@ void runDoctor(Context& context)
         raise(findings.problem(), "the sound hardware cannot be examined");
     if (context.arguments.isJson)
         showJson(context, *findings);
+    else if (findings->empty() && audio.snapshot().endpoints().empty())
+        context.environment.out << "There is no sound hardware to examine.\n";
     else if (findings->empty())
         context.environment.out << "Nothing is wrong with "
                                 << (endpoint ? titleWords(*endpoint) : "the sound hardware of this computer") << ".\n";

@@ -113,7 +113,7 @@ void writeNode(std::ostream& out, const GraphView& view, std::size_t index)
     const Look look = lookOf(part);
     out << "    " << nodeName(index) << " [label=" << dotQuoted(labelOf(view.graph, index))
         << ", shape=" << dotQuoted(look.shape) << ", fillcolor=" << dotQuoted(look.fill)
-        << ", tooltip=" << dotQuoted(part.id);
+        << ", tooltip=" << dotQuoted(printable(part.id));
     if (view.isOnPath(index))
         out << ", color=" << dotQuoted(pathColour) << ", penwidth=\"3\"";
     out << "];\n";
@@ -171,8 +171,8 @@ void writeDevice(std::ostream& out, const GraphView& view, std::size_t index)
 {
     const Graph::Device& device = view.graph.devices[index];
     out << "  subgraph " << dotQuoted("cluster" + std::to_string(index)) << " {\n"
-        << "    graph [label=" << dotQuoted(clusterLabel(view.graph, device)) << ", tooltip=" << dotQuoted(device.id)
-        << ", " << clusterStyle(device);
+        << "    graph [label=" << dotQuoted(clusterLabel(view.graph, device))
+        << ", tooltip=" << dotQuoted(printable(device.id)) << ", " << clusterStyle(device);
     if (view.isOnPath(device))
         out << ", color=" << dotQuoted(pathColour) << ", penwidth=\"3\"";
     out << "];\n";
