@@ -75,6 +75,11 @@ int main(int count, char** arguments)
     try
     {
         const Options options = faults::parse({arguments + 1, arguments + count});
+        if (options.help)
+        {
+            std::cout << faults::usage;
+            return 0;
+        }
         return options.list ? list(options) : sweep(options);
     }
     catch (const std::invalid_argument& problem)

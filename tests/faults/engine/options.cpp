@@ -18,7 +18,7 @@ unsigned numberIn(const std::string& option, const std::string& text)
 
 const char* const usage =
     "usage: sonavit-faults [PART...] [--machine NAME] [--operation NAME] [--call K --mode MODE]\n"
-    "                      [--processes N] [--patience SECONDS] [--list]\n"
+    "                      [--processes N] [--patience SECONDS] [--list | --help]\n"
     "A '*' in a NAME stands for any text. K and MODE are those of a finding; two calls that fail\n"
     "together are K,K and MODE,MODE.\n";
 
@@ -30,9 +30,9 @@ Options parse(const std::vector<std::string>& arguments)
     for (std::size_t i = 0; i < arguments.size(); ++i)
     {
         const std::string& argument = arguments[i];
-        if (argument == "--list")
+        if (argument == "--list" || argument == "--help")
         {
-            options.list = true;
+            (argument == "--list" ? options.list : options.help) = true;
             continue;
         }
         if (argument.compare(0, 2, "--") != 0)

@@ -16,6 +16,7 @@ struct Options
     unsigned processes = 2;            ///< at a time
     std::chrono::seconds patience{60}; ///< for one run
     bool list = false;                 ///< only name the jobs
+    bool help = false;                 ///< only print how it is used
 
     /// Whether the whole of each part is asked for.
     bool isWhole() const { return machine.empty() && operation.empty() && run.empty(); }
