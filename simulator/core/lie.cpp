@@ -68,6 +68,8 @@ void* Liar::objectFor(void* truth) const
         return truth;
     if (SimulatedObject* const object = simulatedObject(static_cast<IUnknown*>(truth)))
         object->takeBack();
+    else if (truth != nullptr)
+        static_cast<IUnknown*>(truth)->Release(); // the object of an earlier lie
     m_lie.m_object.unknown->AddRef();
     return m_lie.m_object.pointer;
 }

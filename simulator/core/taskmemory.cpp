@@ -32,7 +32,10 @@ struct TaskMemory::Ledger
     {
         const std::lock_guard<Mutex> lock(mutex);
         Entry*& first = firsts[owner];
-        Entry& entry = entries[memory];
+        const auto [found, isNew] = entries.try_emplace(memory);
+        Entry& entry = found->second;
+        if (!isNew)
+            unlink(entry); // freed behind the machine's back, and its address given out again
         entry = {std::move(block), owner, nullptr, first};
         if (first != nullptr)
             first->previous = &entry;
@@ -46,18 +49,24 @@ struct TaskMemory::Ledger
         const auto found = entries.find(memory);
         if (found == entries.end())
             return false;
-        Entry& entry = found->second;
-        origin = std::move(entry.block.origin);
+        origin = std::move(found->second.block.origin);
+        unlink(found->second);
+        const auto first = firsts.find(found->second.owner);
+        if (first->second == nullptr)
+            firsts.erase(first);
+        entries.erase(found);
+        return true;
+    }
+
+private:
+    void unlink(const Entry& entry)
+    {
         if (entry.next != nullptr)
             entry.next->previous = entry.previous;
         if (entry.previous != nullptr)
             entry.previous->next = entry.next;
-        else if (entry.next != nullptr)
-            firsts[entry.owner] = entry.next;
         else
-            firsts.erase(entry.owner);
-        entries.erase(found);
-        return true;
+            firsts[entry.owner] = entry.next; // which there is
     }
 };
 

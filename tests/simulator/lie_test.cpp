@@ -127,6 +127,37 @@ TEST_F(FaultPlanLie, GivesAnotherObjectWithAReferenceOfItsOwn)
     EXPECT_EQ(2, simulation.census().byObject["ISubunit " + muteId]);
 }
 
+/// An object of the test's own, which no machine knows.
+class Stranger final : public IUnknown
+{
+public:
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** object) override
+    {
+        *object = nullptr;
+        return E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return ++references; }
+    ULONG STDMETHODCALLTYPE Release() override { return --references; }
+
+    ULONG references = 1;
+};
+
+TEST_F(FaultPlanLie, OfSeveralObjectsGivesTheLastOneAndKeepsNoReferenceOfTheOthers)
+{
+    const Held<IConnector> jack = connector(speakerJack);
+    Stranger first;
+    Stranger last;
+    simulation.faults().lie("IConnector::QueryInterface", sim::Lie::ofObject(first)).with("IPart");
+    simulation.faults().lie("IConnector::QueryInterface", sim::Lie::ofObject(last)).with("IPart");
+    void* found = nullptr;
+
+    EXPECT_EQ(S_OK, jack->QueryInterface(IID_IPart, &found));
+
+    EXPECT_EQ(&last, found);
+    EXPECT_EQ(1u, first.references);
+    EXPECT_EQ(2u, last.references);
+}
+
 TEST_F(FaultPlanLie, IsNotToldByACallThatFails)
 {
     const Held<IDeviceTopology> codec = topology(codecId);

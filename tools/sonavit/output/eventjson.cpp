@@ -92,6 +92,13 @@ Json cardOrNull(const std::optional<Card>& card)
     return card ? cardJson(*card) : Json();
 }
 
+/// Why the default is not known after the event; null if it is known, be it that there is none.
+Json unknownDefaultJson(const Event& event, const Snapshot& after)
+{
+    const std::optional<Problem> problem = after.problemWithDefault(*event.flow, *event.role);
+    return problem ? problemJson(*problem) : Json();
+}
+
 /// Adds before and after, whose kind depends on the event.
 void addValues(Json& result, const Event& event, const Change& change)
 {
@@ -106,7 +113,8 @@ void addValues(Json& result, const Event& event, const Change& change)
         result.set("flow", flowJson(*event.flow))
             .set("role", keyOf(*event.role))
             .set("before", nameJson(event.before))
-            .set("after", nameJson(event.after));
+            .set("after", nameJson(event.after))
+            .set("problem", unknownDefaultJson(event, change.after()));
         break;
     case Event::Kind::hardwareChanged:
         result.set("before", hardwareJson(event.hardwareBefore)).set("after", hardwareJson(event.hardwareAfter));
