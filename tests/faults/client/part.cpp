@@ -1,8 +1,8 @@
-#include "simulator/machine/file/machinefile.h"
 #include "tests/faults/client/failures.h"
 #include "tests/faults/client/noruns.h"
 #include "tests/faults/client/trial.h"
 #include "tests/faults/engine/faultedruns.h"
+#include "tests/faults/engine/smallmachine.h"
 
 #include <utility>
 
@@ -27,7 +27,7 @@ Extent extentOn(const std::string& machine, std::size_t turn)
         return {200'000, 60, 120};
     if (machine == "virtual")
         return {20'000, 20, 30};
-    if (machine == "studio") // which has all kinds of controls and a selector: each kind of call fails
+    if (machine == controlled)
         return {2'500, 2, 0, true, turn};
     return {2'500, 2, 0, false, turn};
 }
@@ -35,7 +35,7 @@ Extent extentOn(const std::string& machine, std::size_t turn)
 /// All that uses the layer happens in the process of the job: a System does not work in a child of its process.
 std::unique_ptr<Runs> prepare(const Operation& operation, const std::string& name, std::size_t turn)
 {
-    sim::Machine machine = sim::findMachine(name);
+    sim::Machine machine = sweptMachine(name);
     machine.script.clear();
     const auto targets = std::make_shared<const Targets>(targetsOf(machine));
     if (!operation.fits(*targets))
@@ -52,7 +52,7 @@ std::unique_ptr<Runs> prepare(const Operation& operation, const std::string& nam
 Part clientPart()
 {
     Part part{"client", {}, {}};
-    for (const std::string& name : sim::machineNames())
+    for (const std::string& name : sweptMachines())
     {
         std::size_t turn = 0;
         for (const Operation& operation : allOperations())

@@ -249,7 +249,8 @@ std::vector<Operation> eventOperations()
 {
     return {
         {"SoundCard::volumeController", findControls, modelOfControls},
-        {"SoundCard::recordingMux", findSelectors, nullptr, std::vector<Effect>{}},
+        {"SoundCard::recordingMux", findSelectors, nullptr,
+         std::vector<Effect>{{"IPart::Activate(IAudioInputSelector*", "*", "selectors ", "0"}}}, // which has one
         {"jack queries", findJacks, nullptr, std::vector<Effect>{}},
         following("OnDeviceStateChanged",
                   [](sim::Events& events, const std::string& id) { events.announceState(id, DEVICE_STATE_DISABLED); }),

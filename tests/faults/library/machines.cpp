@@ -1,6 +1,6 @@
 #include "tests/faults/library/machines.h"
 
-#include "simulator/machine/file/machinefile.h"
+#include "tests/faults/engine/smallmachine.h"
 #include "tests/libSonavit/portable/supportmachines.h"
 
 namespace faults::library
@@ -17,11 +17,11 @@ bool isSmall(const std::string& machine)
 
 MachineChoice shipped(const std::string& name)
 {
-    MachineChoice choice = {name, [name] { return sim::findMachine(name); }, {}};
+    MachineChoice choice = {name, [name] { return sweptMachine(name); }, {}};
     if (isSmall(name))
         choice.extent.pairs = pairsOfShipped;
     else
-        choice.extent = {3'000, 2, 0, name == "studio"}; // which has all kinds of controls: each kind of call fails
+        choice.extent = {3'000, 2, 0, name == controlled};
     return choice;
 }
 
@@ -36,7 +36,7 @@ MachineChoice built(const std::string& name, std::size_t mostPairs)
 std::vector<MachineChoice> machines()
 {
     std::vector<MachineChoice> all;
-    for (const std::string& name : sim::machineNames())
+    for (const std::string& name : sweptMachines())
         all.push_back(shipped(name));
     for (const std::string& name : support::smallMachines())
         all.push_back(built(name, pairs));

@@ -1,7 +1,7 @@
-#include "simulator/machine/file/machinefile.h"
 #include "tests/faults/client/failures.h"
 #include "tests/faults/client/noruns.h"
 #include "tests/faults/engine/faultedruns.h"
+#include "tests/faults/engine/smallmachine.h"
 #include "tests/faults/program/trial.h"
 
 #include <utility>
@@ -19,7 +19,7 @@ Extent extentOn(const std::string& machine, std::size_t turn)
         return {5'000, 10, 20, false, turn};
     if (machine == "virtual")
         return {5'000, 10, 10, false, turn};
-    if (machine == "studio") // which has all kinds of controls and a selector: each kind of call fails
+    if (machine == controlled)
         return {1'500, 1, 0, true, turn};
     return {1'500, 1, 0, false, turn};
 }
@@ -27,7 +27,7 @@ Extent extentOn(const std::string& machine, std::size_t turn)
 /// The layer is used in the process of the job alone: a System does not work in a child of its process.
 std::unique_ptr<Runs> prepare(const CommandLine& line, const std::string& name, std::size_t turn)
 {
-    sim::Machine machine = sim::findMachine(name);
+    sim::Machine machine = sweptMachine(name);
     machine.script.clear();
     Names names = namesOn(machine);
     std::optional<std::vector<std::string>> words = line.on(names);
@@ -58,7 +58,7 @@ Part programPart()
         part.excuses.push_back({"graph*--json", "*", "*", call, Kind::answer,
                                 "names and states of endpoints are the snapshot's, and show says what failed",
                                 "lost without a word: *"});
-    for (const std::string& name : sim::machineNames())
+    for (const std::string& name : sweptMachines())
     {
         std::size_t turn = 0;
         for (const CommandLine& line : commandLines())

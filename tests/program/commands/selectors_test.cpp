@@ -212,6 +212,18 @@ TEST_F(ProgramSelectors, SayWhatCouldNotBeReadOnTheWay)
     EXPECT_EQ("0x80004005", problems[0]["code"]);
 }
 
+TEST_F(ProgramSelectors, SayInJsonWhyTheirCardHasAnotherId)
+{
+    run(builder.build());
+    simulation().faults().fail("IPropertyStore::GetValue", E_FAIL).with("instancePath");
+
+    const json answer = json::parse(call({"selectors", "--json"}).out);
+
+    EXPECT_EQ(adapterId, answer["selectors"][0]["card"]["id"]);
+    ASSERT_FALSE(answer["problems"].empty());
+    EXPECT_EQ("IPropertyStore::GetValue(instancePath)", answer["problems"][0]["operation"]);
+}
+
 TEST_F(ProgramSelect, SaysWhereToLookForSelectorsAndInputs)
 {
     run(builder.build());

@@ -45,6 +45,22 @@ std::size_t countProblems(const Found<CardSelector>& found)
     return count;
 }
 
+/// Why cards with selectors may be split, and have other ids than otherwise.
+std::vector<Problem> problemsOfCards(const std::vector<CardSelector>& selectors)
+{
+    std::vector<Problem> problems;
+    for (const CardSelector& known : selectors)
+    {
+        for (const Endpoint& endpoint : known.card.endpoints())
+        {
+            const std::optional<Problem> problem = endpoint.problemWith(EndpointField::instancePath);
+            if (problem && std::find(problems.begin(), problems.end(), *problem) == problems.end())
+                problems.push_back(*problem);
+        }
+    }
+    return problems;
+}
+
 void showSelector(const Environment& environment, const Card& card, const Selector& selector)
 {
     const std::string name = selector.name ? ", " + printable(*selector.name) : "";
@@ -106,6 +122,8 @@ void runSelectors(Context& context)
         Json list = Json::array();
         for (const CardSelector& known : selectors)
             list.append(selectorJson(known.card, known.selector));
+        const std::vector<Problem> ofCards = problemsOfCards(selectors);
+        found.problems.insert(found.problems.end(), ofCards.begin(), ofCards.end());
         context.environment.out << machineDocument(context.session.machineName())
                                        .set("selectors", list)
                                        .set("problems", problemsJson(found.problems))
