@@ -35,7 +35,8 @@ build() {
     quietly "$preset-build" nice cmake --build "$root/build/$preset" --parallel "$(nproc)" "${targets[@]}"
 }
 
-# timed TITLE COMMAND...: a line for a step, with its time
+# timed TITLE COMMAND...: a line for a step, with its time. Within a function that it calls, a command that fails does not
+# end the function by itself.
 timed() {
     local title=$1 start=$SECONDS
     shift
@@ -50,4 +51,20 @@ timed() {
 # grouped NUMBER: with commas between thousands
 grouped() {
     sed -E ':next; s/([0-9])([0-9]{3})($|,)/\1,\2\3/; t next' <<<"$1"
+}
+
+# testsIn REPORT: how many tests have passed, and how many have not (failed, or did not run). An entry of ctest that runs
+# suites of GoogleTest says both at its end; any other entry is one test.
+testsIn() {
+    awk '
+        /<testcase / { status = $0; delete said }
+        /^\[  (PASSED |FAILED |SKIPPED)[ ]+\] [0-9]+ tests?/ { said[$2] = $4 }
+        /<\/testcase>/ {
+            others = said["FAILED"] + said["SKIPPED"]
+            if (status !~ /status="run"/ && others == 0)
+                others = 1
+            good += "PASSED" in said || others > 0 ? said["PASSED"] : 1
+            bad += others
+        }
+        END { print good + 0, bad + 0 }' "$1"
 }

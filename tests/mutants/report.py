@@ -50,9 +50,12 @@ class FolderReport:
 
     @property
     def is_good(self):
-        return not self.wrongly_accepted and 100 * len(self.killed) >= (self.least or 0) * self.count
+        """Not without a verdict: the compiler or the tests may not run."""
+        return not self.wrongly_accepted and bool(self.mutants) and 100 * len(self.killed) >= (self.least or 0) * self.count
 
     def line(self):
+        if not self.mutants:
+            return f"{self.name}: no mistake has a verdict; {self.thrown_away} thrown away  NOT ENOUGH"
         share = 100 * len(self.killed) / self.count if self.count else 100
         text = f"{self.name}: {len(self.killed)} of {self.count} killed, {share:.1f} %"
         if self.least is not None:

@@ -15,7 +15,10 @@ class Results:
         self._state = state
         self._verdicts = {}
         if file.exists():
-            for line in file.read_text(encoding="utf-8").splitlines():
+            lines = file.read_text(encoding="utf-8").split("\n")
+            if lines.pop():  # a run ended while it wrote this one
+                file.write_text("".join(f"{line}\n" for line in lines), encoding="utf-8")
+            for line in lines:
                 entry = json.loads(line)
                 verdict = Verdict(entry["outcome"], entry["test"])
                 if entry["state"] == state or is_kept(verdict):

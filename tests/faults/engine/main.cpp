@@ -1,5 +1,5 @@
-// sonavit-faults: each call of each operation fails once. Exit status 0 if nothing is wrong, 1 if something is, 2 if
-// the arguments are.
+// sonavit-faults: calls of each operation fail, one at a time. Exit status 0 if nothing is wrong, 1 if something is, 2
+// if the arguments are.
 #include "tests/faults/engine/options.h"
 #include "tests/faults/engine/report.h"
 #include "tests/faults/engine/supervisor.h"

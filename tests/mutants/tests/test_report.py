@@ -97,6 +97,12 @@ class Judgement(unittest.TestCase):
         self.assertTrue(is_good([self.folder(95, 5)], []))
         self.assertFalse(is_good([self.folder(94, 5)], []))
 
+    def test_a_folder_without_a_verdict_is_not_enough(self):
+        folder = FolderReport("client", 95, [], thrown_away=57)
+
+        self.assertFalse(is_good([folder], []))
+        self.assertEqual("client: no mistake has a verdict; 57 thrown away  NOT ENOUGH", folder.line())
+
     def test_each_folder_is_judged(self):
         self.assertFalse(is_good([self.folder(100, 0), self.folder(0, 1)], []))
 

@@ -31,6 +31,19 @@ class ResultsOnDisk(unittest.TestCase):
         self.assertIsNone(Results(self.file, "one").of(CHANGES[0], SOURCE + " "))
         self.assertIsNone(Results(self.file, "two").of(CHANGES[0], SOURCE))
 
+    def test_a_verdict_that_was_cut_off_is_made_again(self):
+        results = Results(self.file, "one")
+        results.add(CHANGES[0], SOURCE, DEAD)
+        results.add(CHANGES[1], SOURCE, ALIVE)
+        text = self.file.read_text(encoding="utf-8")
+        self.file.write_text(text[:-20], encoding="utf-8")
+
+        again = Results(self.file, "one")
+        self.assertEqual(DEAD, again.of(CHANGES[0], SOURCE))
+        self.assertIsNone(again.of(CHANGES[1], SOURCE))
+        again.add(CHANGES[1], SOURCE, ALIVE)
+        self.assertEqual(text, self.file.read_text(encoding="utf-8"))
+
     def test_those_that_are_to_be_kept_outlive_the_state(self):
         results = Results(self.file, "one")
         results.add(CHANGES[0], SOURCE, DEAD)

@@ -138,8 +138,15 @@ class Judged(TrialTest):
 
             self.assertEqual(trial.Verdict(trial.SURVIVED, "2 tests"), verdict)
 
-    def test_a_test_that_hangs_is_not_asked_again(self):
-        self.assertEqual(trial.Verdict(trial.KILLED, "A.One (hangs)"), self.judged(change(SOURCE, 10), HANGS))
+    def test_a_test_that_hangs_is_asked_again_without_the_change_alone(self):
+        self.assertEqual(trial.Verdict(trial.KILLED, "A.One (hangs)"), self.judged(change(SOURCE, 10), HANGS, BOTH_PASSED))
+        self.assertEqual([self.folder / "0" / "p_test", Path("/build/bin/p_test")],
+                         [call.args[0] for call in self.run_tests.call_args_list])
+
+    def test_a_test_that_hangs_without_the_change_says_nothing(self):
+        verdict = self.judged(change(SOURCE, 10), HANGS, HANGS, PASSED, PASSED, BOTH_PASSED)
+
+        self.assertEqual(trial.Verdict(trial.SURVIVED, "2 tests"), verdict)
 
     def test_the_changed_object_is_linked_in_place_of_the_original(self):
         self.judged(change(SOURCE, 10), FAILED, FAILED)
