@@ -1,6 +1,7 @@
 #include "simulator/core/taskmemory.h"
 
 #include "simulator/core/systemmemory.h"
+#include "tests/support/pace.h"
 
 #include <gtest/gtest.h>
 
@@ -47,7 +48,11 @@ TEST_F(TaskMemoryList, HasABlockOnceWhoseAddressWasFreedWithoutTheMachine)
     void* const before = allocate(owner);
     void* const again = allocateAgain(owner, owner);
     if (again == nullptr)
-        GTEST_SKIP() << "a sanitizer's allocator keeps freed blocks";
+    {
+        EXPECT_TRUE(support::isInstrumented); // the allocator of a sanitizer keeps freed blocks
+        TaskMemory::instance().free(before);
+        return;
+    }
 
     EXPECT_EQ(2u, TaskMemory::instance().outstanding(owner).size());
     TaskMemory::instance().free(again);
@@ -61,7 +66,11 @@ TEST_F(TaskMemoryList, HasSuchABlockAsOneOfItsNewOwner)
     void* const before = allocate(owner);
     void* const again = allocateAgain(owner, otherOwner);
     if (again == nullptr)
-        GTEST_SKIP() << "a sanitizer's allocator keeps freed blocks";
+    {
+        EXPECT_TRUE(support::isInstrumented); // the allocator of a sanitizer keeps freed blocks
+        TaskMemory::instance().free(before);
+        return;
+    }
 
     EXPECT_EQ(1u, TaskMemory::instance().outstanding(owner).size());
     EXPECT_EQ(1u, TaskMemory::instance().outstanding(otherOwner).size());
