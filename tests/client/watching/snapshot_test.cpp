@@ -1,4 +1,5 @@
 #include "client/watching/registrations.h"
+#include "simulator/machine/file/machinefile.h"
 #include "tests/client/watching/watchtest.h"
 
 #include <gmock/gmock.h>
