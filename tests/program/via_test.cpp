@@ -349,5 +349,5 @@ constexpr const char* machinesThatShip[] = {"desktop",   "empty",     "laptop", 
 /// Without those that are much like others, and the largest, which are last, where there is time for few cases only.
 INSTANTIATE_TEST_SUITE_P(MachinesThatShip, ProgramViaOnMachine,
                          testing::ValuesIn(std::begin(machinesThatShip),
-                                           std::end(machinesThatShip) - support::cases(0, 5)),
+                                           std::end(machinesThatShip) - support::cases(0, 6)),
                          [](const auto& name) { return support::testName(name.param); });

@@ -23,7 +23,7 @@ namespace
 {
 using directvalues::Lines;
 
-constexpr std::uint32_t comparedMachines = support::cases(100, 10);
+constexpr std::uint32_t comparedMachines = support::cases(100, 5);
 constexpr std::uint32_t comparedInATest = support::cases(20, 5);
 constexpr std::size_t mostComparedEvents = 8;
 

@@ -53,7 +53,7 @@ TEST_F(CaptureTest, IsUnreadableUnderANameThatNoFileCanContain)
 /// Calls of which several fail, with a code or with null, as far as they have one.
 TEST_F(CaptureTest, OfMachinesAtWhichSeveralCallsFailCanBeReadAgain)
 {
-    constexpr std::uint32_t machines = support::cases(100, 10);
+    constexpr std::uint32_t machines = support::cases(100, 5);
     const sim::Machine whole = sim::findMachine("laptop");
     const sim::JournalEntries calls = captured(whole).journal;
     for (std::uint32_t seed = 0; seed < machines && !HasFailure(); ++seed)
@@ -84,7 +84,7 @@ TEST_F(CaptureTest, OfMachinesAtWhichSeveralCallsFailCanBeReadAgain)
 /// Any two of them at once.
 TEST_F(CaptureTest, OfTwiceHostileMachinesCanBeReadAgain)
 {
-    for (std::size_t one = 0; one < hostilities().size(); one += support::cases(1, 16))
+    for (std::size_t one = 0; one < hostilities().size(); one += support::cases(1, 32))
     {
         const std::size_t other = (one * 7 + 3) % hostilities().size();
         SCOPED_TRACE(hostilities()[one].name + std::string(", ") + hostilities()[other].name);

@@ -11,7 +11,7 @@
 
 namespace
 {
-constexpr std::uint32_t machinesInATest = support::cases(25, 10);
+constexpr std::uint32_t machinesInATest = support::cases(25, 5);
 
 /// What no capture can see, taken out of the machine that is captured: a fault that comes once or after an event is
 /// met by the capture, or not, and by the examiner at another call.
@@ -196,7 +196,7 @@ protected:
 class CaptureRoundTripAtRandom : public CaptureRoundTrip, public testing::WithParamInterface<std::uint32_t>
 {
 public:
-    static constexpr std::uint32_t machines = support::cases(300, 10);
+    static constexpr std::uint32_t machines = support::cases(300, 5);
 };
 
 TEST_F(CaptureRoundTrip, OfEachShippedMachineAnswersAlike)

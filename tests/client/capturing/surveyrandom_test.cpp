@@ -7,7 +7,7 @@
 namespace
 {
 constexpr std::uint32_t distance = 50; ///< between the first seeds of two tests
-constexpr std::uint32_t seedsInATest = support::cases(distance, 5);
+constexpr std::uint32_t seedsInATest = support::cases(distance, 3);
 constexpr int failuresInAMachine = 4;
 
 class SurveyPlatformAtRandom : public SurveyTest, public testing::WithParamInterface<std::uint32_t>

@@ -23,9 +23,9 @@ namespace
 using support::Answers;
 using support::Difference;
 
-constexpr std::uint32_t machinesInATest = 25;
+constexpr std::uint32_t machinesInATest = support::cases(25, 10);
 /// Fewer where reading one takes ten times as long: the readers are the same there.
-constexpr std::uint32_t machines = support::cases(500, 25);
+constexpr std::uint32_t machines = support::cases(500, 10);
 /// Among so many random machines each wanted difference occurs.
 constexpr std::uint32_t mostMachines = 200;
 
@@ -159,4 +159,4 @@ TEST_P(AgreementOnOddLevels, IsCompleteApartFromTheWantedDifferences)
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, AgreementOnOddLevels,
-                         testing::Range(std::uint32_t{1000}, 1000 + support::cases(100, 25), machinesInATest));
+                         testing::Range(std::uint32_t{1000}, 1000 + support::cases(100, 10), machinesInATest));

@@ -77,8 +77,8 @@ protected:
     static std::vector<Call> callsOf(const sim::JournalEntries& entries)
     {
         const bool isSmall = GetParam() == std::string("desktop");
-        const std::uint32_t first = support::cases(6, isSmall ? 6 : 1);
-        const std::uint32_t distance = isSmall ? support::cases(1, 47) : support::cases(97, 3000);
+        const std::uint32_t first = support::cases(6, isSmall ? 2 : 1);
+        const std::uint32_t distance = isSmall ? support::cases(1, 151) : support::cases(97, 3000);
         std::map<std::string, std::uint32_t> numbers;
         std::vector<Call> calls;
         for (const sim::JournalEntry& entry : entries)

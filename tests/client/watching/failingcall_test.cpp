@@ -129,7 +129,7 @@ protected:
         static_cast<void>(work());
         const std::vector<Call> calls = callsOf(work);
         ASSERT_LE(fewest, calls.size());
-        stride *= support::cases(1, 10);
+        stride *= support::cases(1, 20);
         std::size_t failed = 0;
         for (std::size_t index = 0; index < calls.size(); index += stride)
         {

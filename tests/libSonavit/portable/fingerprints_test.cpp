@@ -167,4 +167,11 @@ TEST_P(TranscriptsWithFailures, HaveTheKnownFingerprints)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, TranscriptsWithFailures, testing::ValuesIn(chosen(support::smallMachines())), nameOf);
+/// The machine with the fewest calls is last; a sanitizer sees the failing calls of all of them in the sweeps.
+std::vector<std::string> chosenForFailures()
+{
+    std::vector<std::string> names = support::smallMachines();
+    return support::isSlow ? std::vector<std::string>{names.back()} : names;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, TranscriptsWithFailures, testing::ValuesIn(chosenForFailures()), nameOf);

@@ -96,7 +96,7 @@ TEST(MachineFileWrite, KeepsEveryTag)
     sim::Machine machine;
     machine.name = "tags";
     machine.adapters.emplace_back().id = "A";
-    for (DWORD tag = 0; tag <= 0xFFFF; tag += support::cases(1, 5))
+    for (DWORD tag = 0; tag <= 0xFFFF; tag += support::cases(1, 17))
         machine.adapters.front().properties.push_back({{GUID{}, tag}, sim::PropertyValue::ofTag(VARTYPE(tag))});
 
     const std::string text = sim::writeMachine(machine);
