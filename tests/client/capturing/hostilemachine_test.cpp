@@ -84,7 +84,7 @@ TEST_F(CaptureTest, OfMachinesAtWhichSeveralCallsFailCanBeReadAgain)
 /// Any two of them at once.
 TEST_F(CaptureTest, OfTwiceHostileMachinesCanBeReadAgain)
 {
-    for (std::size_t one = 0; one < hostilities().size(); one += support::cases(1, 32))
+    for (std::size_t one = 0; one < hostilities().size(); one += support::cases(1, 64))
     {
         const std::size_t other = (one * 7 + 3) % hostilities().size();
         SCOPED_TRACE(hostilities()[one].name + std::string(", ") + hostilities()[other].name);

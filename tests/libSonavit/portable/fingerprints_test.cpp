@@ -94,7 +94,7 @@ std::string nameOf(const testing::TestParamInfo<std::string>& machine)
 std::vector<std::string> chosen(const std::vector<std::string>& machines)
 {
     std::vector<std::string> names;
-    for (std::size_t i = 0; i < machines.size(); i += support::cases(1, 8))
+    for (std::size_t i = 0; i < machines.size(); i += support::cases(1, 12))
     {
         if (!support::isSlow || machines[i] != "crowded")
             names.push_back(machines[i]);
@@ -158,8 +158,10 @@ INSTANTIATE_TEST_SUITE_P(All, Transcripts, testing::ValuesIn(chosen(support::tra
 TEST_P(TranscriptsWithFailures, HaveTheKnownFingerprints)
 {
     const sim::Machine machine = support::transcriptMachine(GetParam());
-    for (const Operation& operation : support::operations())
+    const std::vector<Operation>& operations = support::operations();
+    for (std::size_t i = 0; i < operations.size(); i += support::cases(1, 5))
     {
+        const Operation& operation = operations[i];
         const std::string name = operation.name + "-with-failures";
         Fingerprint fingerprint;
         addFailures(operation, machine, TranscriptFolder(name, GetParam()), fingerprint);
@@ -167,11 +169,4 @@ TEST_P(TranscriptsWithFailures, HaveTheKnownFingerprints)
     }
 }
 
-/// The machine with the fewest calls is last; a sanitizer sees the failing calls of all of them in the sweeps.
-std::vector<std::string> chosenForFailures()
-{
-    std::vector<std::string> names = support::smallMachines();
-    return support::isSlow ? std::vector<std::string>{names.back()} : names;
-}
-
-INSTANTIATE_TEST_SUITE_P(All, TranscriptsWithFailures, testing::ValuesIn(chosenForFailures()), nameOf);
+INSTANTIATE_TEST_SUITE_P(All, TranscriptsWithFailures, testing::ValuesIn(chosen(support::smallMachines())), nameOf);
