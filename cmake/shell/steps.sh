@@ -68,3 +68,24 @@ testsIn() {
         }
         END { print good + 0, bad + 0 }' "$1"
 }
+
+# runGoogleTest COMMAND...: runs a program of GoogleTest and shows what it says. How many of its tests have passed and failed
+# is in $good and $bad, and is added to $passed and $failed. One that ends before its summary, or that has no test, has failed.
+passed=0
+failed=0
+runGoogleTest() {
+    local output result=0
+    output=$(mktemp)
+    nice "$@" --gtest_brief=1 >"$output" 2>&1 || result=$?
+    grep -v '^$' "$output" || true
+    good=$(sed -n 's/^\[  PASSED  \] \([0-9]*\) test.*/\1/p' "$output")
+    bad=$(sed -n 's/^\[  FAILED  \] \([0-9]*\) test.*/\1/p' "$output")
+    rm -f "$output"
+    good=${good:-0}
+    bad=${bad:-0}
+    if [ "$bad" -eq 0 ] && { [ "$result" -ne 0 ] || [ "$good" -eq 0 ]; }; then
+        bad=1
+    fi
+    passed=$((passed + good))
+    failed=$((failed + bad))
+}
