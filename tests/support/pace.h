@@ -2,7 +2,9 @@
 /// How many cases a test has time for.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <vector>
 
 namespace support
 {
@@ -27,5 +29,15 @@ constexpr bool isSlow = isInstrumented;
 constexpr std::uint32_t cases(std::uint32_t many, std::uint32_t few)
 {
     return isSlow ? few : many;
+}
+
+/// All of them, or where there is time for few cases only the first one and then every @p step-th.
+template<class T>
+std::vector<T> share(const std::vector<T>& all, std::size_t step)
+{
+    std::vector<T> some;
+    for (std::size_t index = 0; index < all.size(); index += isSlow ? step : 1)
+        some.push_back(all[index]);
+    return some;
 }
 }

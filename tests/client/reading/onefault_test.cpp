@@ -2,6 +2,7 @@
 #include "simulator/machine/file/machinefile.h"
 #include "sonavit/contentfields.h"
 #include "tests/client/watching/watchtest.h"
+#include "tests/support/pace.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -168,7 +169,7 @@ TEST_P(FirstSnapshotWithAFailingCall, HasTheSameValuesButForThoseWhoseProblemNam
 {
     const std::vector<Call> calls = callsOfASnapshot();
     ASSERT_LT(150u, calls.size());
-    for (const Call& call : calls)
+    for (const Call& call : support::share(calls, 4))
     {
         SCOPED_TRACE(call.operation + "(" + call.argument + "), call " + std::to_string(call.number));
         const sim::PlannedFault fault = simulation().faults().fail(call.operation, planned).at(call.number);

@@ -3,6 +3,7 @@
 #include "simulator/machine/builder/machinebuilder.h"
 #include "simulator/machine/nodetypes.h"
 #include "simulator/machine/propertykeys.h"
+#include "tests/support/pace.h"
 
 #include <cstdlib>
 #include <utility>
@@ -52,17 +53,6 @@ sim::Machine machineOf(const Platform& platform)
     return machine;
 }
 
-namespace
-{
-#if defined(_WIN32) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool isSlowHere = true;
-#elif defined(__has_feature)
-constexpr bool isSlowHere = __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
-#else
-constexpr bool isSlowHere = false;
-#endif
-}
-
 bool isEverythingWanted()
 {
     const char* const wanted = std::getenv("SONAVIT_HOSTILE");
@@ -73,7 +63,7 @@ std::vector<Platform> shareOf(const Topic& topic, std::size_t share, std::size_t
 {
     if (isEverythingWanted())
         return topic.platforms();
-    constexpr std::size_t some = isSlowHere ? 6 : 1;
+    constexpr std::size_t some = support::cases(1, 6);
     std::vector<Platform> chosen;
     std::vector<Platform> all = topic.platforms();
     for (std::size_t index = share; index < all.size(); index += shares * some)
