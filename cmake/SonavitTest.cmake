@@ -148,6 +148,9 @@ function(sonavit_add_fuzz_target source)
   sonavit_configure_target(fuzz_${name} TEST)
   target_compile_options(fuzz_${name} PRIVATE -fsanitize=fuzzer-no-link)
   sonavit_allow_private_access(fuzz_${name})
+  if(SONAVIT_GROUP_TESTS)
+    sonavit_compile_in_groups(fuzz_${name} ${SONAVIT_TEST_GROUP_LIMIT})
+  endif()
   if(SONAVIT_BUILD_TESTS)
     add_test(NAME fuzz.${name} COMMAND "${CMAKE_COMMAND}" "-DPROGRAM=$<TARGET_FILE:fuzz_${name}>"
              "-DCORPUS=${PROJECT_SOURCE_DIR}/tests/fuzz" "-DFOLDER=${CMAKE_BINARY_DIR}/fuzz" "-DTARGET=${name}"

@@ -309,7 +309,7 @@ protected:
 }
 
 /// The first call of each operation, and then each call of it, fails or succeeds with null. If there is no second call
-/// after the first one has failed, both are the same. Where there is time for few cases only, a sixth of it is done.
+/// after the first one has failed, both are the same. Where there is time for few cases only, a tenth of it is done.
 TEST_P(ProgramSweep, EndsWithAnAnswerOrOneSentenceWhateverOperationFails)
 {
     const std::set<std::string> all = operations();
@@ -322,7 +322,7 @@ TEST_P(ProgramSweep, EndsWithAnAnswerOrOneSentenceWhateverOperationFails)
         for (const sim::FaultRule& rule : {sim::FaultRule{operation, "*", "", 1, Outcome::result, anyFailure},
                                            sim::FaultRule{operation, "*", "", 1, Outcome::nullSuccess, S_OK}})
         {
-            if (turn++ % support::cases(1, 6) != 0 || expectOneSentenceOrSuccess(rule) == 1)
+            if (turn++ % support::cases(1, 10) != 0 || expectOneSentenceOrSuccess(rule) == 1)
                 continue;
             sim::FaultRule always = rule;
             always.call = 0;

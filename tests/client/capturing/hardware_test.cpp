@@ -3,6 +3,7 @@
 #include "simulator/machine/file/machinefile.h"
 #include "tests/client/capturing/supporthardware.h"
 #include "tests/support/clienttest.h"
+#include "tests/support/pace.h"
 #include "tests/support/randomconnections.h"
 #include "tests/support/randommachine.h"
 
@@ -84,5 +85,5 @@ TEST_P(SurveyHardwareAtRandom, RecordsAnyConnections)
     expectItsHardware(support::randomConnections(GetParam()));
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, SurveyHardwareAtRandom, testing::Range(std::uint32_t{1}, std::uint32_t{51}));
+INSTANTIATE_TEST_SUITE_P(Seeds, SurveyHardwareAtRandom, testing::Range(std::uint32_t{1}, 1 + support::cases(50, 15)));
 }

@@ -32,7 +32,7 @@ TEST_P(CaptureOfAHostileMachine, CanBeReadAgainAndCapturedWithTheSameResult)
         EXPECT_FALSE(first.capture.notes.empty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Machines, CaptureOfAHostileMachine, testing::ValuesIn(support::share(hostilities(), 2)),
+INSTANTIATE_TEST_SUITE_P(Machines, CaptureOfAHostileMachine, testing::ValuesIn(support::share(hostilities(), 4)),
                          [](const testing::TestParamInfo<Hostility>& each) { return std::string(each.param.name); });
 
 TEST_F(CaptureTest, IsUnreadableUnderANameThatNoFileCanContain)

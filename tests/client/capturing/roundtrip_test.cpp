@@ -196,7 +196,7 @@ protected:
 class CaptureRoundTripAtRandom : public CaptureRoundTrip, public testing::WithParamInterface<std::uint32_t>
 {
 public:
-    static constexpr std::uint32_t machines = support::cases(300, 5);
+    static constexpr std::uint32_t machines = support::cases(100, 5);
 };
 
 TEST_F(CaptureRoundTrip, OfEachShippedMachineAnswersAlike)

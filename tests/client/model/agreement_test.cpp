@@ -140,7 +140,7 @@ TEST_F(Agreement, NeedsEachOfTheWantedDifferences)
 
 TEST_F(Agreement, IsCompleteOnAllShippedMachinesApartFromTheWantedDifferences)
 {
-    for (const std::string& name : sim::machineNames())
+    for (const std::string& name : support::share(sim::machineNames(), 3))
         expectAgreement(sim::findMachine(name));
 }
 

@@ -78,7 +78,7 @@ protected:
     {
         const bool isSmall = GetParam() == std::string("desktop");
         const std::uint32_t first = support::cases(6, isSmall ? 2 : 1);
-        const std::uint32_t distance = isSmall ? support::cases(1, 151) : support::cases(97, 3000);
+        const std::uint32_t distance = isSmall ? support::cases(1, 151) : support::cases(397, 3000);
         std::map<std::string, std::uint32_t> numbers;
         std::vector<Call> calls;
         for (const sim::JournalEntry& entry : entries)
@@ -210,6 +210,7 @@ TEST_P(HardwareWalkWithAFailingCall, TakesSuccessWithoutAnObjectForAFailure)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Machines, HardwareWalkWithAFailingCall, testing::Values("studio", "desktop", "broken"),
+INSTANTIATE_TEST_SUITE_P(Machines, HardwareWalkWithAFailingCall,
+                         testing::ValuesIn(support::share<const char*>({"desktop", "studio", "broken"}, 2)),
                          [](const testing::TestParamInfo<const char*>& machine) { return machine.param; });
 }

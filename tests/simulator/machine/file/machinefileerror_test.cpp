@@ -1,6 +1,7 @@
 #include "simulator/machine/file/machinefile.h"
 
 #include "tests/simulator/machine/file/machinesample.h"
+#include "tests/support/pace.h"
 
 #include <gtest/gtest.h>
 
@@ -453,7 +454,7 @@ TEST(MachineFileErrorRobustness, IsTheOnlyThingThatADamagedByteCauses)
 
     for (const char damage : {'"', '{', ']', '9', '\xC3', '\n'})
     {
-        for (std::size_t position = 0; position < whole.size(); position += 61)
+        for (std::size_t position = 0; position < whole.size(); position += support::cases(61, 307))
         {
             std::string damaged = whole;
             damaged[position] = damage;
