@@ -63,7 +63,7 @@ std::vector<Platform> shareOf(const Topic& topic, std::size_t share, std::size_t
 {
     if (isEverythingWanted())
         return topic.platforms();
-    constexpr std::size_t some = support::cases(1, 10);
+    constexpr std::size_t some = support::cases(1, 6);
     std::vector<Platform> chosen;
     std::vector<Platform> all = topic.platforms();
     for (std::size_t index = share; index < all.size(); index += shares * some)
