@@ -296,6 +296,30 @@ TEST(OrderedHashTableFromText, ForgetsTheContentBeforeItReads)
     EXPECT_FALSE(table.contains("a"));
 }
 
+TEST(OrderedHashTableFromText, DestroysIndexThenKeysThenValuesBeforeItReads)
+{
+    Tracked::reset();
+    OrderedHashTable<RecordedKey, Tracked, qor::EqualFunc<RecordedKey>, RecordedKeyHash> table;
+    table.insert(RecordedKey(), Tracked(1));
+    Tracked::events.clear();
+
+    EXPECT_THROW(table.deserialize("<t/>"), qor::SerializationFailed);
+
+    EXPECT_THAT(Tracked::events, ElementsAre("destroy key", "destroy key", "destroy 1"));
+}
+
+TEST(OrderedHashTableFromText, HasTheBlocksOfNewArraysBeforeItReads)
+{
+    Table table;
+    for (const char* const key : {"a", "b", "c", "d", "e", "f", "g", "h", "i"})
+        table.insert(key, 1);
+
+    EXPECT_THROW(table.deserialize("<t/>"), qor::SerializationFailed);
+
+    EXPECT_EQ(qor::Array<String>().capacity(), table.keys().capacity());
+    EXPECT_EQ(qor::Array<unsigned int>().capacity(), table.values().capacity());
+}
+
 TEST(OrderedHashTableFromText, IsEmptyWhenMemoryRunsOutBeforeItReads)
 {
     const qor::XmlElement element("t");
