@@ -78,9 +78,8 @@ TEST_F(SurveyHardwareWithFaults, AnyCallThatFailsOnceIsReplayed)
     const std::vector<std::pair<std::string, std::uint32_t>> calls = hardwareCalls();
     simulation().journal().record(false);
     ASSERT_LT(100u, calls.size());
-    for (std::size_t i = 0; i < calls.size(); i += support::cases(1, 12))
+    for (const auto& [operation, number] : support::share(calls, 12))
     {
-        const auto& [operation, number] = calls[i];
         SCOPED_TRACE(operation + ", call " + std::to_string(number));
         sim::FaultRule rule;
         rule.operation = operation;

@@ -90,17 +90,9 @@ std::string nameOf(const testing::TestParamInfo<std::string>& machine)
     return name;
 }
 
-/// Of these machines all, or some: a sanitizer judges what the others show, too.
-std::vector<std::string> chosen(const std::vector<std::string>& machines)
-{
-    std::vector<std::string> names;
-    for (std::size_t i = 0; i < machines.size(); i += support::cases(1, 12))
-    {
-        if (!support::isSlow || machines[i] != "crowded")
-            names.push_back(machines[i]);
-    }
-    return names;
-}
+/// One of so many is played where there is time for few cases only: a sanitizer judges what the others show, too.
+constexpr std::size_t machinesForOne = 12;
+constexpr std::size_t operationsForOne = 5;
 
 /// The parameter is the name of the machine: a process for each operation would take longer than the operations.
 class Transcripts : public testing::TestWithParam<std::string>
@@ -153,15 +145,14 @@ TEST_P(Transcripts, HaveTheKnownFingerprints)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, Transcripts, testing::ValuesIn(chosen(support::transcriptMachines())), nameOf);
+INSTANTIATE_TEST_SUITE_P(All, Transcripts,
+                         testing::ValuesIn(support::share(support::transcriptMachines(), machinesForOne)), nameOf);
 
 TEST_P(TranscriptsWithFailures, HaveTheKnownFingerprints)
 {
     const sim::Machine machine = support::transcriptMachine(GetParam());
-    const std::vector<Operation>& operations = support::operations();
-    for (std::size_t i = 0; i < operations.size(); i += support::cases(1, 5))
+    for (const Operation& operation : support::share(support::operations(), operationsForOne))
     {
-        const Operation& operation = operations[i];
         const std::string name = operation.name + "-with-failures";
         Fingerprint fingerprint;
         addFailures(operation, machine, TranscriptFolder(name, GetParam()), fingerprint);
@@ -169,4 +160,5 @@ TEST_P(TranscriptsWithFailures, HaveTheKnownFingerprints)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, TranscriptsWithFailures, testing::ValuesIn(chosen(support::smallMachines())), nameOf);
+INSTANTIATE_TEST_SUITE_P(All, TranscriptsWithFailures,
+                         testing::ValuesIn(support::share(support::smallMachines(), machinesForOne)), nameOf);
